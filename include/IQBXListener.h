@@ -1,0 +1,59 @@
+/// @file
+/// The registry of listeners: a set of pointers and the lock under which events are dispatched.
+///
+/// The registry does not own its listeners: it never deletes them and tells them nothing when it goes away.
+///
+/// **Threads.** Dispatch holds the listener lock from the first listener to the last. Registration does not
+/// take it: an application that adds or removes listeners on another thread than the one that runs the events
+/// brackets the call with LockListener() and UnlockListener().
+///
+/// The order of the virtual operations is part of the published interface: append, never insert.
+#pragma once
+
+#include <QBXMutex.h>
+
+#include <cstddef>
+#include <set>
+
+template <class T>
+class IQBXListener
+{
+public:
+    virtual ~IQBXListener() = default;
+
+    /// Registers @p listener and calls OnListenerAdded(), also when it was registered already.
+    /// A null pointer is ignored.
+    virtual void AddListener(T* listener)
+    {
+        if (listener == nullptr) return;
+        m_listeners.insert(listener);
+        OnListenerAdded(listener);
+    }
+
+    /// Removes @p listener and calls OnListenerRemoved(), also when it was not registered.
+    /// A null pointer is ignored.
+    virtual void RemoveListener(T* listener)
+    {
+        if (listener == nullptr) return;
+        m_listeners.erase(listener);
+        OnListenerRemoved(listener);
+    }
+
+    /// The set itself, not a copy, in ascending order of address. Owned by the registry.
+    virtual std::set<T*>& GetListeners() { return m_listeners; }
+
+    /// Number of registered listeners. Takes no lock.
+    virtual std::size_t GetListenerCount() { return m_listeners.size(); }
+
+    /// Keeps events away until UnlockListener(); blocks while one is being dispatched.
+    virtual void LockListener() { m_lock.Lock(); }
+    virtual void UnlockListener() { m_lock.Unlock(); }
+
+    /// Hooks for a service that wants to know of its listeners.
+    virtual void OnListenerAdded(T*) {}
+    virtual void OnListenerRemoved(T*) {}
+
+private:
+    std::set<T*> m_listeners;
+    QBXMutex m_lock;
+};

@@ -1,0 +1,44 @@
+/// @file
+/// A service of the unit: a listener itself, with a registry of the listeners to which it passes events on.
+///
+/// The order of the virtual operations is part of the published interface: append, never insert.
+#pragma once
+
+#include <IQBXListener.h>
+#include <QBXMutex.h>
+
+#include <cstdint>
+
+template <class T>
+class IQBXService : public T, public IQBXListener<T>
+{
+public:
+    ~IQBXService() override { m_word = 0; }
+
+    /// Connects the service; false when it cannot be reached now.
+    virtual bool InitInstance() = 0;
+
+    /// Ends the use of the service.
+    virtual bool ExitInstance() = 0;
+
+    /// Called whenever a registration leaves exactly one listener.
+    virtual void InitListener() {}
+
+    /// Called whenever a removal leaves no listener.
+    virtual void ExitListener() {}
+
+    void OnListenerAdded(T*) override
+    {
+        if (this->GetListenerCount() == 1) InitListener();
+    }
+
+    void OnListenerRemoved(T*) override
+    {
+        if (this->GetListenerCount() == 0) ExitListener();
+    }
+
+private:
+    // Neither is used any more; both keep the size of the object that applications were built against.
+    std::int32_t m_word = 0;
+    QBXMutex m_serviceLock;
+};

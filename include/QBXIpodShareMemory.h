@@ -1,0 +1,92 @@
+/// @file
+/// The two shared-memory segments and their ten named vectors, through which bulk data reaches applications.
+///
+/// Everything here is the contract between two processes that are built apart: a service maps the same
+/// segments with the same types. Whichever process comes first creates segments and empty vectors, the other
+/// finds them. The service fills a vector and then answers the call or emits the signal that announces it; a
+/// vector is valid until the next request or event of its kind. Applications use the player's commands and
+/// events, which copy the vectors, rather than these variables.
+///
+/// No lock guards the vectors. Their memory belongs to the segments and is never released by the library.
+#pragma once
+
+// A lock inside a segment may be held by a process that died. Without a limit everyone else waits for ever.
+#ifndef BOOST_INTERPROCESS_ENABLE_TIMEOUT_WHEN_LOCKING
+#define BOOST_INTERPROCESS_ENABLE_TIMEOUT_WHEN_LOCKING
+#endif
+
+#include <boost/container/vector.hpp>
+#include <boost/interprocess/allocators/allocator.hpp>
+#include <boost/interprocess/managed_shared_memory.hpp>
+
+#include <cstddef>
+#include <type_traits>
+
+/// One entry of a list: a NUL-terminated name. The bytes are passed through as the service wrote them.
+struct PlayListSongNameStr
+{
+    char name[256];
+};
+
+static_assert(sizeof(PlayListSongNameStr) == 256, "entries lie 256 bytes apart in the segment");
+static_assert(std::is_trivially_copyable<PlayListSongNameStr>::value, "entries are shared between processes");
+
+/// Distances inside a segment have the width of a pointer: 32 bits on the head unit, 64 on a desk.
+using QBXSegmentPointer = boost::interprocess::offset_ptr<void, std::ptrdiff_t, std::size_t, 0>;
+using QBXSegmentAlgorithm =
+    boost::interprocess::rbtree_best_fit<boost::interprocess::mutex_family, QBXSegmentPointer, 0>;
+
+/// A segment as both processes map it.
+using QBXSharedSegment =
+    boost::interprocess::basic_managed_shared_memory<char, QBXSegmentAlgorithm, boost::interprocess::iset_index>;
+using QBXSegmentManager =
+    boost::interprocess::segment_manager<char, QBXSegmentAlgorithm, boost::interprocess::iset_index>;
+
+/// A page of names.
+using QBXStringPageVector =
+    boost::container::vector<PlayListSongNameStr,
+                             boost::interprocess::allocator<PlayListSongNameStr, QBXSegmentManager>>;
+
+/// Bytes of a picture or of an accessory session.
+using QBXByteVector =
+    boost::container::vector<unsigned char, boost::interprocess::allocator<unsigned char, QBXSegmentManager>>;
+
+#if defined(__SIZEOF_POINTER__) && __SIZEOF_POINTER__ == 4
+static_assert(
+    std::is_same<
+        QBXSharedSegment,
+        boost::interprocess::basic_managed_shared_memory<
+            char,
+            boost::interprocess::rbtree_best_fit<boost::interprocess::mutex_family,
+                                                 boost::interprocess::offset_ptr<void, int, unsigned int, 0>, 0>,
+            boost::interprocess::iset_index>>::value,
+    "the service on the head unit maps exactly this type");
+static_assert(std::is_same<QBXSharedSegment, boost::interprocess::managed_shared_memory>::value,
+              "on the head unit the type is the library's default");
+#endif
+
+/// Name and size of the two segments. The size counts only for the process that creates the segment.
+constexpr char kListSegmentName[] = "ListVectorSharedMemory";
+constexpr char kBufferSegmentName[] = "BufferVectorSharedMemory";
+constexpr std::size_t kListSegmentSize = 0x500000;
+constexpr std::size_t kBufferSegmentSize = 0x100000;
+
+#pragma GCC visibility push(default)
+
+/// The segments, attached when the first player object is built and mapped until the process ends.
+extern QBXSharedSegment segment_list_vector;
+extern QBXSharedSegment segment_buffer_vector;
+
+/// The vectors; null until the segments are attached. Filled by the service unless stated otherwise.
+extern QBXStringPageVector* g_VecPlayingListShareMemory;       ///< page of the playing list
+extern QBXStringPageVector* g_VecDBListShareMemory;            ///< page of the current database level
+extern QBXStringPageVector* g_VecDBListPinyinShareMemory;      ///< the same in pinyin
+extern QBXStringPageVector* g_VecUpdateListShareMemory;        ///< page of the list being updated
+extern QBXStringPageVector* g_VecUpdateListPinyinShareMemory;  ///< the same in pinyin
+extern QBXStringPageVector* g_VecDeviceListShareMemory;        ///< names of the attached devices
+extern QBXByteVector* g_VecArtworkBufferShareMemory;           ///< picture that was asked for
+extern QBXByteVector* g_VecArtworkChangeBufferShareMemory;     ///< picture that an event announced
+extern QBXByteVector* g_VecEapWriteBufferShareMemory;          ///< accessory bytes to send; filled by the library
+extern QBXByteVector* g_VecEapReadBufferShareMemory;           ///< accessory bytes received
+
+#pragma GCC visibility pop

@@ -1,0 +1,89 @@
+// Module state, the singleton and the life cycle of the client.
+//
+// Everything that is built when the library is loaded stands in this unit, in the order in which it is needed:
+// the segments use Boost's page size, the accessor uses the lock.
+#include "QBXIpod_MediaPlayer_Client.h"
+
+#include <QBXIpodShareMemory.h>
+
+#include <iostream>
+
+#include "internal/QBXSingleton.h"
+#include "internal/log.h"
+#include "internal/module_state.h"
+#include "internal/signal_callbacks.h"
+
+using qbx::clientCreated;
+using Singleton = QBXSingleton<QBXIpod_MediaPlayer_Client>;
+
+QBXSharedSegment segment_list_vector;
+QBXSharedSegment segment_buffer_vector;
+
+template <>
+QBXIpod_MediaPlayer_Client* Singleton::ms_pSingleton = nullptr;
+template <>
+QBXCriticalSection Singleton::ms_cs{};
+
+namespace qbx
+{
+int clientCreated = 0;
+ComZarnLinuxIpod* serviceProxy = nullptr;
+
+QBXIpod_MediaPlayer_Client* LiveClient(gpointer client)
+{
+    return client == Singleton::ms_pSingleton ? Singleton::ms_pSingleton : nullptr;
+}
+}  // namespace qbx
+
+namespace
+{
+int connectStartLogged = 0;
+}  // namespace
+
+// The lock is taken without a guard: it stays held when the constructor throws, so that no other thread
+// works with a half-attached player.
+IQBXIpodPlayer* QBX_GetIpodPlayer()
+{
+    if (connectStartLogged == 0)
+    {
+        LOG_INFO("QBX_Dbus_Connect_Init(TunerService Lib):AppMgr Connect Start.");
+        connectStartLogged = 1;
+    }
+    if (Singleton::ms_pSingleton != nullptr) return Singleton::ms_pSingleton;
+    Singleton::ms_cs.Lock();
+    if (Singleton::ms_pSingleton == nullptr) Singleton::ms_pSingleton = new QBXIpod_MediaPlayer_Client;
+    Singleton::ms_cs.Unlock();
+    return Singleton::ms_pSingleton;
+}
+
+void QBX_DestroyIpodPlayer()
+{
+    Singleton::ms_cs.Lock();
+    delete Singleton::ms_pSingleton;
+    Singleton::ms_pSingleton = nullptr;
+    Singleton::ms_cs.Unlock();
+}
+
+QBXIpod_MediaPlayer_Client::QBXIpod_MediaPlayer_Client()
+{
+    clientCreated = 1;
+    InitShareMemory();
+}
+
+QBXIpod_MediaPlayer_Client::~QBXIpod_MediaPlayer_Client()
+{
+    LOG_INFO("%s()", __func__);
+}
+
+bool QBXIpod_MediaPlayer_Client::InitInstance()
+{
+    LOG_INFO("%s()", __func__);
+    InitShareMemory();
+    return InitDBusConnect();
+}
+
+bool QBXIpod_MediaPlayer_Client::ExitInstance()
+{
+    LOG_INFO("%s()", __func__);
+    return true;
+}

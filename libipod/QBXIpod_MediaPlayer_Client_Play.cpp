@@ -1,0 +1,77 @@
+// Play: the one command that takes part in the arbitration of the unit's audio sources.
+#include <QBXSource.h>
+
+#include "QBXIpod_MediaPlayer_Client.h"
+#include "internal/call.h"
+#include "source_names.h"
+
+using qbx::kSourceIpod0;
+using qbx::kSourceIpod1;
+using qbx::SourceName;
+
+namespace
+{
+constexpr auto kGain = static_cast<QBXSource::AudioGainType>(0);
+
+// The source that was granted last; stays when it is released.
+int currentIpodSource = 0;
+
+bool RequestsSource(int option)
+{
+    return option == IPOD_PLAY_REQUEST_SOURCE_0 || option == IPOD_PLAY_REQUEST_SOURCE_1;
+}
+
+int SourceFor(int option)
+{
+    if (option == IPOD_PLAY_REQUEST_SOURCE_0) return kSourceIpod0;
+    if (option == IPOD_PLAY_REQUEST_SOURCE_1) return kSourceIpod1;
+    return currentIpodSource;
+}
+
+bool IsGranted(int code)
+{
+    return code == 1 || code == 2;
+}
+
+// Both confirmations name the first iPod source, also when the second one is the current.
+bool Confirms(int option, int confirmArg)
+{
+    if (option == IPOD_PLAY_CONFIRM_ACTIVE) QBXSource::ActiveSourceConfirm(kSourceIpod0, confirmArg);
+    if (option == IPOD_PLAY_CONFIRM_DEACTIVE) QBXSource::DeactiveSourceConfirm(kSourceIpod0, confirmArg);
+    return option == IPOD_PLAY_CONFIRM_ACTIVE || option == IPOD_PLAY_CONFIRM_DEACTIVE;
+}
+}  // namespace
+
+int QBXIpod_MediaPlayer_Client::Play(iPodPlayerPlayOption_e option, int confirmArg)
+{
+    if (!qbx::clientCreated) return 0;
+    LOG_INFO("QBXIpod_MediaPlayer_Client::Play(devID:%d).", option);
+    if (Confirms(option, confirmArg)) return 1;
+    int bRet = 0;
+    if (option < IPOD_PLAY_REQUEST_SOURCE_0 || option > IPOD_PLAY_RESTART)
+    {
+        LOG_ERROR("Unknow type");
+        return bRet;
+    }
+    const int source = SourceFor(option);
+    if (source != kSourceIpod0 && source != kSourceIpod1) return bRet;
+    const int bReqSrc = RequestsSource(option) ? 1 : 0;
+    LOG_INFO("QBXIpod_MediaPlayer_Client::Play() -- source %s, bReqSrc = %d.", SourceName(source), bReqSrc);
+    if (bReqSrc)
+    {
+        bRet = QBXSource::Request(source, kGain);
+        if (IsGranted(bRet))
+        {
+            LOG_INFO(" Request source success");
+            currentIpodSource = source;
+        }
+        else
+            LOG_ERROR("Play() - Request source %s failed!", SourceName(source));
+    }
+    else if (QBXSource::IsActived(source))
+        qbx::Call(SYNC(com_zarn_linux_ipod_call_play_sync), static_cast<guchar>(option), &bRet);
+    else
+        LOG_INFO("Play() - source %s inactived!", SourceName(source));
+    LOG_INFO("QBXIpod_MediaPlayer_Client::Play-bRet=%d", bRet);
+    return bRet;
+}

@@ -1,0 +1,15 @@
+/// @file
+/// What the module remembers beyond the life of a client object. Plain variables without locks: InitInstance()
+/// must not run while other threads use the player.
+#pragma once
+
+#include <ipod_dbus.h>
+
+namespace qbx
+{
+/// 1 once a client was built in this process; never cleared, not even when the client is destroyed.
+extern int clientCreated;
+
+/// The proxy that all commands use; null until InitInstance() created one. Never released.
+extern ComZarnLinuxIpod* serviceProxy;
+}  // namespace qbx

@@ -1,0 +1,54 @@
+/// @file
+/// The callbacks through which GLib delivers the service's signals. Each one turns the signal's arguments into
+/// the types of the public interface and calls the operation of the client that stands for the event.
+#pragma once
+
+#include <ipod_dbus.h>
+
+#include "QBXIpod_MediaPlayer_Client.h"
+
+namespace qbx
+{
+/// The client that a signal is meant for, or null when it was destroyed since: connections outlive it.
+QBXIpod_MediaPlayer_Client* LiveClient(gpointer client);
+
+/// Calls @p operation, each argument converted to the type of the public interface. GLib ignores the result.
+template <class... Params, class... Args>
+gboolean Deliver(gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(Params...), Args&&... args)
+{
+    QBXIpod_MediaPlayer_Client* const live = LiveClient(client);
+    if (live == nullptr) return FALSE;
+    (live->*operation)(static_cast<Params>(args)...);
+    return TRUE;
+}
+
+/// What a callback must look like, taken from the signal's member of the generated interface structure.
+template <class Member>
+struct CallbackFor;
+
+template <class... Args>
+struct CallbackFor<void (*)(ComZarnLinuxIpod*, Args...)>
+{
+    using Type = gboolean (*)(ComZarnLinuxIpod*, Args..., gpointer);
+
+    /// For signals whose arguments are plain integers: they are passed on unchanged.
+    template <auto Operation>
+    static gboolean Forward(ComZarnLinuxIpod*, Args... args, gpointer client)
+    {
+        return Deliver(client, Operation, args...);
+    }
+};
+
+// The other signals, each beside the operation that it calls.
+gboolean CallBack_OnCarplayDeviceDetectStatusChange(ComZarnLinuxIpod*, guchar status, const gchar* serialNumber,
+                                                    gpointer client);
+gboolean CallBack_OnIpodAPPBundleNameChange(ComZarnLinuxIpod*, const gchar* bundleName, gpointer client);
+gboolean CallBack_OnIpodArtworkChange(ComZarnLinuxIpod*, GVariant* artwork, gpointer client);
+gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* phonecall, gpointer client);
+gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod*, GVariant* battery, gpointer client);
+gboolean CallBack_OnIpodPlayingTrackChange(ComZarnLinuxIpod*, gint index, GVariant* trackInfo, gpointer client);
+gboolean CallBack_OnIpodReceiveEapData(ComZarnLinuxIpod*, guchar session, gpointer client);
+gboolean CallBack_OnWirelessCarPlayUpdate(ComZarnLinuxIpod*, gboolean available, const gchar* deviceAddress,
+                                          gpointer client);
+gboolean CallBack_OnOOBPairingInfo(ComZarnLinuxIpod*, const gchar* btAddress, GVariant* bytes, gpointer client);
+}  // namespace qbx

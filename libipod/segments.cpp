@@ -1,0 +1,107 @@
+#include "internal/segments.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <thread>
+
+namespace qbx
+{
+Mapping listMapping;
+Mapping bufferMapping;
+
+namespace
+{
+namespace bip = boost::interprocess;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kCreatorAtWork = std::chrono::seconds(5);
+constexpr auto kLookAgain = std::chrono::milliseconds(1);
+
+[[noreturn]] void Refuse(const char* name, const char* why)
+{
+    throw bip::interprocess_exception((std::string("segment ") + name + ": " + why).c_str());
+}
+
+class SharedObject
+{
+public:
+    explicit SharedObject(const char* name) : m_fd(shm_open(name, O_RDONLY | O_NONBLOCK, 0)) {}
+    ~SharedObject()
+    {
+        if (m_fd >= 0) close(m_fd);
+    }
+    SharedObject(const SharedObject&) = delete;
+    SharedObject& operator=(const SharedObject&) = delete;
+
+    bool exists() const { return m_fd >= 0; }
+
+    off_t size() const { return Status().st_size; }
+
+    bool IsMemory() const { return S_ISREG(Status().st_mode); }
+
+    // Its first word: 0 and 1 until its creator has finished.
+    bool IsBeingMade() const
+    {
+        std::uint32_t state = 0;
+        return pread(m_fd, &state, sizeof(state), 0) != ssize_t{sizeof(state)} || state <= 1;
+    }
+
+private:
+    struct stat Status() const
+    {
+        struct stat status
+        {
+        };
+        fstat(m_fd, &status);
+        return status;
+    }
+
+    int m_fd;
+};
+
+// Boost waits without limit for an object that somebody else creates.
+void WaitForCreator(const char* name)
+{
+    const SharedObject object(name);
+    if (!object.exists()) return;
+    if (!object.IsMemory()) Refuse(name, "its name is taken by something that is no shared memory");
+    for (const auto giveUp = Clock::now() + kCreatorAtWork; object.IsBeingMade();)
+    {
+        if (Clock::now() > giveUp) Refuse(name, "it exists but was never finished by its creator");
+        std::this_thread::sleep_for(kLookAgain);
+    }
+}
+
+// The segment's own idea of its size stands where the layout says, so that another word size shows here.
+void CheckLayout(const QBXSharedSegment& segment, const char* name)
+{
+    const Mapping mapping = MappingOf(segment);
+    const auto bytesBefore = reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size();
+    const SharedObject object(name);
+    const auto total = static_cast<std::size_t>(object.size());
+    if (segment.get_size() != total - bytesBefore) Refuse(name, "its layout is not the one of this build");
+}
+}  // namespace
+
+QBXSharedSegment AttachSegment(const char* name, std::size_t size)
+{
+    WaitForCreator(name);
+    bip::permissions mode;
+    mode.set_permissions(0644);
+    QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);
+    CheckLayout(segment, name);
+    return segment;
+}
+
+Mapping MappingOf(const QBXSharedSegment& segment)
+{
+    const char* const begin = static_cast<const char*>(segment.get_address());
+    return {begin, begin + segment.get_size()};
+}
+}  // namespace qbx

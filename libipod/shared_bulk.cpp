@@ -1,0 +1,58 @@
+#include "internal/shared_bulk.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace qbx
+{
+namespace
+{
+void CheckRoom(const QBXByteVector& vector, const Mapping& mapping)
+{
+    const char* const begin = reinterpret_cast<const char*>(vector.data());
+    if (vector.capacity() == 0) return;
+    if (begin >= mapping.begin && begin < mapping.end &&
+        vector.capacity() <= static_cast<std::size_t>(mapping.end - begin))
+        return;
+    throw boost::interprocess::interprocess_exception("the write buffer points outside its segment");
+}
+
+// As many bytes as the present capacity takes.
+std::size_t FillCapacity(QBXByteVector& vector, const unsigned char* bytes, std::size_t count)
+{
+    const std::size_t taken = std::min(count, vector.capacity() - vector.size());
+    vector.insert(vector.end(), bytes, bytes + taken);
+    return taken;
+}
+}  // namespace
+
+void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list)
+{
+    std::vector<std::string>().swap(list);
+    for (std::size_t i = 0; i < names.count; ++i)
+    {
+        const char* const name = names.begin[i].name;
+        list.emplace_back(name, strnlen(name, sizeof(names.begin[i].name)));
+    }
+}
+
+std::vector<unsigned char> CopyBytes(const Snapshot<unsigned char>& bytes)
+{
+    return {bytes.begin, bytes.begin + bytes.count};
+}
+
+void Replace(QBXByteVector* shared, const Mapping& mapping, const std::vector<unsigned char>& data)
+{
+    if (shared == nullptr) throw boost::interprocess::interprocess_exception("the write buffer is not attached");
+    QBXByteVector& vector = *shared;
+    vector.clear();
+    CheckRoom(vector, mapping);
+    for (std::size_t done = 0; done < data.size();)
+    {
+        done += FillCapacity(vector, data.data() + done, data.size() - done);
+        if (done == data.size()) return;
+        vector.push_back(data[done]);
+        ++done;
+    }
+}
+}  // namespace qbx
