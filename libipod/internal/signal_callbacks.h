@@ -5,6 +5,8 @@
 
 #include <ipod_dbus.h>
 
+#include <utility>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 
 namespace qbx
@@ -18,7 +20,7 @@ gboolean Deliver(gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(
 {
     QBXIpod_MediaPlayer_Client* const live = LiveClient(client);
     if (live == nullptr) return FALSE;
-    (live->*operation)(static_cast<Params>(args)...);
+    (live->*operation)(static_cast<Params>(std::forward<Args>(args))...);
     return TRUE;
 }
 
