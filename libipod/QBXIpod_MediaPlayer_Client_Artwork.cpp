@@ -17,7 +17,7 @@ namespace
 template <class Record>
 Record TakeRecord(GVariant* reply)
 {
-    const Record record = qbx::DecodeRecord<Record>(reply);
+    const auto record = qbx::DecodeRecord<Record>(reply);
     if (reply != nullptr) g_variant_unref(reply);
     return record;
 }

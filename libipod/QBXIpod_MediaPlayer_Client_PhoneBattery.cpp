@@ -77,11 +77,11 @@ std::string Text(const std::optional<T>& member)
 
 namespace qbx
 {
-gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* phonecall, gpointer client)
+gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* value, gpointer client)
 {
     if (LiveClient(client) == nullptr) return FALSE;
     ipod::iPodPhoneCall message;
-    if (!Parse(phonecall, message)) return FALSE;
+    if (!Parse(value, message)) return FALSE;
     const iPodPhoneCall_t call = ToPhoneCall(message);
     LOG_DEBUG(
         "%s RemoteID:%s, DisplayName:%s, Status:%s, Direction:%s, CallUUID:%s, AddressBookID:%s, Label:%s, "

@@ -50,10 +50,10 @@ void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::stri
 /// The bytes of a snapshot.
 std::vector<unsigned char> CopyBytes(const Snapshot<unsigned char>& bytes);
 
-/// Replaces the contents of @p vector by @p data, growing as if the bytes were appended one by one: capacity and
+/// Replaces the contents of @p shared by @p data, growing as if the bytes were appended one by one: capacity and
 /// free memory of the segment, which the service shares, end the same, and so does a segment that is too full.
 ///
-/// @throws boost::interprocess::interprocess_exception  @p vector is null or does not lie inside @p mapping
+/// @throws boost::interprocess::interprocess_exception  @p shared is null or does not lie inside @p mapping
 /// @throws boost::interprocess::bad_alloc               the segment is full; the bytes that fitted are there
-void Replace(QBXByteVector* vector, const Mapping& mapping, const std::vector<unsigned char>& data);
+void Replace(QBXByteVector* shared, const Mapping& mapping, const std::vector<unsigned char>& data);
 }  // namespace qbx

@@ -46,8 +46,8 @@ gboolean CallBack_OnCarplayDeviceDetectStatusChange(ComZarnLinuxIpod*, guchar st
                                                     gpointer client);
 gboolean CallBack_OnIpodAPPBundleNameChange(ComZarnLinuxIpod*, const gchar* bundleName, gpointer client);
 gboolean CallBack_OnIpodArtworkChange(ComZarnLinuxIpod*, GVariant* artwork, gpointer client);
-gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* phonecall, gpointer client);
-gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod*, GVariant* battery, gpointer client);
+gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* value, gpointer client);
+gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod*, GVariant* value, gpointer client);
 gboolean CallBack_OnIpodPlayingTrackChange(ComZarnLinuxIpod*, gint index, GVariant* trackInfo, gpointer client);
 gboolean CallBack_OnIpodReceiveEapData(ComZarnLinuxIpod*, guchar session, gpointer client);
 gboolean CallBack_OnWirelessCarPlayUpdate(ComZarnLinuxIpod*, gboolean available, const gchar* deviceAddress,

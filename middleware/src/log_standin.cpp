@@ -27,7 +27,7 @@ struct Level
 
 constexpr Level kLevels[] = {{20, "DEBUG"}, {40, "INFO"}, {60, "NOTICE"}, {80, "WARN"}, {100, "ERROR"}, {120, "FATAL"}};
 
-zlog_category_t category;
+zlog_category_t fileCategory;
 std::mutex writing;
 
 const char* NameOf(int level)
@@ -46,8 +46,8 @@ int NumberOf(const std::string& name)
 
 void CloseOutput()
 {
-    if (category.out != nullptr && category.out != stderr) std::fclose(category.out);
-    category.out = nullptr;
+    if (fileCategory.out != nullptr && fileCategory.out != stderr) std::fclose(fileCategory.out);
+    fileCategory.out = nullptr;
 }
 
 // "2026-11-21 10:15:02.123"
@@ -81,9 +81,9 @@ int QBX_LogInit(const char* config)
     if (out == nullptr) return 0;
     const std::lock_guard<std::mutex> lock(writing);
     CloseOutput();
-    category.threshold = threshold;
-    category.out = out;
-    liblog_category = &category;
+    fileCategory.threshold = threshold;
+    fileCategory.out = out;
+    liblog_category = &fileCategory;
     return 1;
 }
 
@@ -94,19 +94,19 @@ void QBX_LogExit(void)
     CloseOutput();
 }
 
-void zlog(zlog_category_t* to, const char* file, size_t filelen, const char* func, size_t funclen, long line, int level,
-          const char* format, ...)
+void zlog(zlog_category_t* target, const char* file, size_t filelen, const char* func, size_t funclen, long line,
+          int level, const char* format, ...)
 {
     const std::lock_guard<std::mutex> lock(writing);
-    if (to->out == nullptr || level < to->threshold) return;
+    if (target->out == nullptr || level < target->threshold) return;
     char time[32];
     FormatTime(time);
-    std::fprintf(to->out, "%s %-5s %.*s %.*s:%ld ", time, NameOf(level), static_cast<int>(filelen), file,
+    std::fprintf(target->out, "%s %-5s %.*s %.*s:%ld ", time, NameOf(level), static_cast<int>(filelen), file,
                  static_cast<int>(funclen), func, line);
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(to->out, format, arguments);
+    std::vfprintf(target->out, format, arguments);
     va_end(arguments);
-    std::fputc('\n', to->out);
-    std::fflush(to->out);
+    std::fputc('\n', target->out);
+    std::fflush(target->out);
 }
