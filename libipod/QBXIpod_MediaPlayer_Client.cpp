@@ -11,7 +11,7 @@
 #include "internal/QBXSingleton.h"
 #include "internal/log.h"
 #include "internal/module_state.h"
-#include "internal/signal_callbacks.h"
+#include "signal_callbacks.h"
 
 using qbx::clientCreated;
 using Singleton = QBXSingleton<QBXIpod_MediaPlayer_Client>;

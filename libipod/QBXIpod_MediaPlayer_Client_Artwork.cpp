@@ -7,7 +7,7 @@
 #include "internal/notify.h"
 #include "internal/records.h"
 #include "internal/segments.h"
-#include "internal/signal_callbacks.h"
+#include "signal_callbacks.h"
 
 using qbx::clientCreated;
 

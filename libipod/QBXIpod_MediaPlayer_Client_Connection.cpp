@@ -2,7 +2,7 @@
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "internal/log.h"
 #include "internal/module_state.h"
-#include "internal/signal_callbacks.h"
+#include "signal_callbacks.h"
 
 using qbx::serviceProxy;
 

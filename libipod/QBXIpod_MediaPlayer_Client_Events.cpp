@@ -7,7 +7,7 @@
 #include "internal/module_state.h"
 #include "internal/notify.h"
 #include "internal/records.h"
-#include "internal/signal_callbacks.h"
+#include "signal_callbacks.h"
 #include "source_names.h"
 
 using qbx::clientCreated;

@@ -6,7 +6,7 @@
 
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "internal/log.h"
-#include "internal/signal_callbacks.h"
+#include "signal_callbacks.h"
 
 namespace
 {
