@@ -11,7 +11,6 @@
 #include "internal/QBXSingleton.h"
 #include "internal/log.h"
 #include "internal/module_state.h"
-#include "signal_callbacks.h"
 
 using qbx::clientCreated;
 using Singleton = QBXSingleton<QBXIpod_MediaPlayer_Client>;
@@ -28,11 +27,6 @@ namespace qbx
 {
 int clientCreated = 0;
 ComZarnLinuxIpod* serviceProxy = nullptr;
-
-QBXIpod_MediaPlayer_Client* LiveClient(gpointer client)
-{
-    return client == Singleton::ms_pSingleton ? Singleton::ms_pSingleton : nullptr;
-}
 }  // namespace qbx
 
 namespace
@@ -73,6 +67,11 @@ QBXIpod_MediaPlayer_Client::QBXIpod_MediaPlayer_Client()
 QBXIpod_MediaPlayer_Client::~QBXIpod_MediaPlayer_Client()
 {
     LOG_INFO("%s()", __func__);
+}
+
+QBXIpod_MediaPlayer_Client* QBXIpod_MediaPlayer_Client::Live(const void* object)
+{
+    return object == Singleton::ms_pSingleton ? Singleton::ms_pSingleton : nullptr;
 }
 
 bool QBXIpod_MediaPlayer_Client::InitInstance()

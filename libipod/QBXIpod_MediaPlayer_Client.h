@@ -11,6 +11,9 @@ public:
     QBXIpod_MediaPlayer_Client();
     ~QBXIpod_MediaPlayer_Client() override;
 
+    /// The client that @p object points to, or null when it was destroyed since: signal connections outlive it.
+    static QBXIpod_MediaPlayer_Client* Live(const void* object);
+
     bool InitInstance() override;
     bool ExitInstance() override;
     void InitListener() override {}

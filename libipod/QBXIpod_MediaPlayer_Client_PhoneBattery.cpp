@@ -79,7 +79,7 @@ namespace qbx
 {
 gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* value, gpointer client)
 {
-    if (LiveClient(client) == nullptr) return FALSE;
+    if (QBXIpod_MediaPlayer_Client::Live(client) == nullptr) return FALSE;
     ipod::iPodPhoneCall message;
     if (!Parse(value, message)) return FALSE;
     const iPodPhoneCall_t call = ToPhoneCall(message);
@@ -95,7 +95,7 @@ gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* value, gpoi
 
 gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod*, GVariant* value, gpointer client)
 {
-    if (LiveClient(client) == nullptr) return FALSE;
+    if (QBXIpod_MediaPlayer_Client::Live(client) == nullptr) return FALSE;
     ipod::iPodBattery message;
     if (!Parse(value, message)) return FALSE;
     const iPodBattery_t battery = ToBattery(message);

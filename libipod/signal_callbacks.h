@@ -11,14 +11,11 @@
 
 namespace qbx
 {
-/// The client that a signal is meant for, or null when it was destroyed since: connections outlive it.
-QBXIpod_MediaPlayer_Client* LiveClient(gpointer client);
-
 /// Calls @p operation, each argument converted to the type of the public interface. GLib ignores the result.
 template <class... Params, class... Args>
 gboolean Deliver(gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(Params...), Args&&... args)
 {
-    QBXIpod_MediaPlayer_Client* const live = LiveClient(client);
+    QBXIpod_MediaPlayer_Client* const live = QBXIpod_MediaPlayer_Client::Live(client);
     if (live == nullptr) return FALSE;
     (live->*operation)(static_cast<Params>(std::forward<Args>(args))...);
     return TRUE;
