@@ -1,6 +1,11 @@
 # Debian packages, one for each component: `cpack -G DEB` in a build directory that was configured for /usr.
 include("${CMAKE_CURRENT_LIST_DIR}/install.cmake")
 
+# What a package depends on is read from the package database, which a sysroot does not have.
+if(CMAKE_CROSSCOMPILING)
+  return()
+endif()
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME libipod)
 set(CPACK_PACKAGE_VENDOR "libipod authors")
