@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+/// Receives the events; every operation has an empty body.
 class IQBXIpodPlayerListener
 {
 public:

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <set>
 
+/// A registry of listeners of type @p T.
 template <class T>
 class IQBXListener
 {
@@ -47,10 +48,14 @@ public:
 
     /// Keeps events away until UnlockListener(); blocks while one is being dispatched.
     virtual void LockListener() { m_lock.Lock(); }
+
+    /// Lets events through again.
     virtual void UnlockListener() { m_lock.Unlock(); }
 
-    /// Hooks for a service that wants to know of its listeners.
+    /// Hook for a service: AddListener() was called, the listener is registered.
     virtual void OnListenerAdded(T*) {}
+
+    /// Hook for a service: RemoveListener() was called, the listener is not registered.
     virtual void OnListenerRemoved(T*) {}
 
 private:

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+/// A service that receives the events of @p T and passes them on to registered listeners.
 template <class T>
 class IQBXService : public T, public IQBXListener<T>
 {
@@ -27,11 +28,13 @@ public:
     /// Called whenever a removal leaves no listener.
     virtual void ExitListener() {}
 
+    /// Calls InitListener() when exactly one listener is registered.
     void OnListenerAdded(T*) override
     {
         if (this->GetListenerCount() == 1) InitListener();
     }
 
+    /// Calls ExitListener() when no listener is registered.
     void OnListenerRemoved(T*) override
     {
         if (this->GetListenerCount() == 0) ExitListener();

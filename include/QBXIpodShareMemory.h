@@ -25,7 +25,7 @@
 /// One entry of a list: a NUL-terminated name. The bytes are passed through as the service wrote them.
 struct PlayListSongNameStr
 {
-    char name[256];
+    char name[256];  ///< ends at the first NUL
 };
 
 static_assert(sizeof(PlayListSongNameStr) == 256, "entries lie 256 bytes apart in the segment");
@@ -33,12 +33,16 @@ static_assert(std::is_trivially_copyable<PlayListSongNameStr>::value, "entries a
 
 /// Distances inside a segment have the width of a pointer: 32 bits on the head unit, 64 on a desk.
 using QBXSegmentPointer = boost::interprocess::offset_ptr<void, std::ptrdiff_t, std::size_t, 0>;
+
+/// How memory is found within a segment.
 using QBXSegmentAlgorithm =
     boost::interprocess::rbtree_best_fit<boost::interprocess::mutex_family, QBXSegmentPointer, 0>;
 
 /// A segment as both processes map it.
 using QBXSharedSegment =
     boost::interprocess::basic_managed_shared_memory<char, QBXSegmentAlgorithm, boost::interprocess::iset_index>;
+
+/// What allocates inside a segment and finds its named vectors.
 using QBXSegmentManager =
     boost::interprocess::segment_manager<char, QBXSegmentAlgorithm, boost::interprocess::iset_index>;
 
@@ -65,17 +69,18 @@ static_assert(std::is_same<QBXSharedSegment, boost::interprocess::managed_shared
               "on the head unit the type is the library's default");
 #endif
 
-/// Name and size of the two segments. The size counts only for the process that creates the segment.
-constexpr char kListSegmentName[] = "ListVectorSharedMemory";
-constexpr char kBufferSegmentName[] = "BufferVectorSharedMemory";
-constexpr std::size_t kListSegmentSize = 0x500000;
-constexpr std::size_t kBufferSegmentSize = 0x100000;
+constexpr char kListSegmentName[] = "ListVectorSharedMemory";      ///< name of the segment of the lists
+constexpr char kBufferSegmentName[] = "BufferVectorSharedMemory";  ///< name of the segment of the bytes
+
+// The sizes count only for the process that creates the segment.
+constexpr std::size_t kListSegmentSize = 0x500000;    ///< size of a new segment of the lists, in bytes
+constexpr std::size_t kBufferSegmentSize = 0x100000;  ///< size of a new segment of the bytes, in bytes
 
 #pragma GCC visibility push(default)
 
-/// The segments, attached when the first player object is built and mapped until the process ends.
-extern QBXSharedSegment segment_list_vector;
-extern QBXSharedSegment segment_buffer_vector;
+// Attached when the first player object is built and mapped until the process ends.
+extern QBXSharedSegment segment_list_vector;    ///< the segment of the lists
+extern QBXSharedSegment segment_buffer_vector;  ///< the segment of the bytes
 
 /// The vectors; null until the segments are attached. Filled by the service unless stated otherwise.
 extern QBXStringPageVector* g_VecPlayingListShareMemory;       ///< page of the playing list

@@ -141,18 +141,18 @@ enum CallStateDisconnectReason : int
 /// A member is absent when the service did not send it, or sent a number outside its enumeration.
 struct iPodPhoneCall_t
 {
-    std::optional<std::string> RemoteID;     ///< number or address of the other party
-    std::optional<std::string> DisplayName;  ///< its name, as the device shows it
-    std::optional<PhoneCallStatus> Status;
-    std::optional<PhoneCallDirection> Direction;
-    std::optional<std::string> CallUUID;  ///< identifies the call while it lives
-    std::optional<std::string> AddressBookID;
-    std::optional<std::string> Label;  ///< "home", "mobile", …
-    std::optional<CallStateService> Service;
-    std::optional<bool> IsConferenced;
+    std::optional<std::string> RemoteID;          ///< number or address of the other party
+    std::optional<std::string> DisplayName;       ///< its name, as the device shows it
+    std::optional<PhoneCallStatus> Status;        ///< how far the call has come
+    std::optional<PhoneCallDirection> Direction;  ///< who called
+    std::optional<std::string> CallUUID;          ///< identifies the call while it lives
+    std::optional<std::string> AddressBookID;     ///< entry of the other party in the device's address book
+    std::optional<std::string> Label;             ///< "home", "mobile", …
+    std::optional<CallStateService> Service;      ///< kind of call
+    std::optional<bool> IsConferenced;            ///< whether the call is part of a conference
     std::optional<std::uint8_t> ConferenceGroup;  ///< low 8 bits of the service's 32
-    std::optional<CallStateDisconnectReason> DisconnectReason;
-    std::optional<std::uint64_t> StartTimestamp;  ///< seconds since 1970-01-01 UTC
+    std::optional<CallStateDisconnectReason> DisconnectReason;  ///< why the call ended
+    std::optional<std::uint64_t> StartTimestamp;                ///< seconds since 1970-01-01 UTC
 };
 
 /// Whether the battery is being charged.
@@ -167,8 +167,8 @@ enum BatteryChargingStatus : int
 /// State of the device's battery (`OnIpodBatteryChange`). A member is absent when the service did not send it.
 struct iPodBattery_t
 {
-    std::optional<::BatteryChargingStatus> BatteryChargingStatus;
-    std::optional<std::uint16_t> BatteryChargeLevel;  ///< percent; low 16 bits of the service's 32
+    std::optional<::BatteryChargingStatus> BatteryChargingStatus;  ///< whether it is being charged
+    std::optional<std::uint16_t> BatteryChargeLevel;               ///< percent; low 16 bits of the service's 32
 };
 
 /// What the unit tells the device of itself before accessory sessions can be opened (`EapInit`).

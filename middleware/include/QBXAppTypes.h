@@ -6,18 +6,21 @@
 /// What the application manager knows of a module that starts or stops.
 struct AppBootInfo
 {
-    int module;
-    int status;
+    int module;  ///< number of the module
+    int status;  ///< its state
 };
 
+/// How far the unit's start has come.
 enum BootStage : int
 {
 };
 
+/// Level of the unit's logging.
 enum eLogLevel : int
 {
 };
 
+/// A module that runs as a process of its own.
 enum ServiceModule : int
 {
 };

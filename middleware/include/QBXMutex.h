@@ -8,6 +8,7 @@
 class QBXMutex
 {
 public:
+    /// Unlocked at first.
     QBXMutex();
     ~QBXMutex();
     QBXMutex(const QBXMutex&) = delete;
@@ -15,6 +16,8 @@ public:
 
     /// Blocks until the calling thread holds the mutex.
     void Lock();
+
+    /// Only for the thread that holds the mutex.
     void Unlock();
 
 private:
@@ -25,5 +28,6 @@ private:
 class QBXCriticalSection : public QBXMutex
 {
 public:
+    /// Unlocked at first.
     using QBXMutex::QBXMutex;
 };

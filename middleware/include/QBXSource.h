@@ -4,6 +4,7 @@
 /// A source is a plain number; 10 and 11 are the two iPod sources.
 #pragma once
 
+/// The manager: its operations need no object.
 class QBXSource
 {
 public:
@@ -24,7 +25,9 @@ public:
     /// Gives a source back.
     static void Release(int source, int reason);
 
-    /// Tell the manager that its activation or deactivation of a source was seen.
+    /// Tells the manager that its activation of a source was seen.
     static void ActiveSourceConfirm(int source, int confirm);
+
+    /// Tells the manager that its deactivation of a source was seen.
     static void DeactiveSourceConfirm(int source, int confirm);
 };

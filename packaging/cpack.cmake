@@ -1,0 +1,70 @@
+# Debian packages, one for each component: `cpack -G DEB` in a build directory that was configured for /usr.
+include("${CMAKE_CURRENT_LIST_DIR}/install.cmake")
+
+# What a package depends on is read from the package database, which a sysroot does not have.
+if(CMAKE_CROSSCOMPILING)
+  return()
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME libipod)
+set(CPACK_PACKAGE_VENDOR "libipod authors")
+# Each package has a description of its own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+set(CPACK_PACKAGE_CONTACT "The libipod authors <libipod@example.org>")
+set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime development documentation)
+if(TARGET ipodctl OR TARGET ipod-simulator)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware")
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libipod1)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+file(WRITE "${CMAKE_BINARY_DIR}/packaging/triggers" "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/packaging/triggers")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "client library of the iPod service
+Applications of a head unit control an attached Apple device through this
+library and learn of its state. It talks to the iPod service over the session
+bus and through shared memory.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.40), libprotobuf-dev (>= 3.6)")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
+Headers, pkg-config and CMake files, and the description of the bus interface
+for programs that use libipod and for services that it talks to.")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ipod-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION "command line client and simulator of the iPod service
+ipodctl controls an attached Apple device through libipod from a shell.
+ipod-simulator takes the place of the iPod service on a desk without a head
+unit and plays a folder of audio files.")
+
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libipod-doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOCUMENTATION_DESCRIPTION "client library of the iPod service (documentation)
+Reference of the headers and of the bus interface, and guides for those who
+use, port and change libipod.")
+
+include(CPack)

@@ -1,0 +1,66 @@
+# What is installed beside the programs and libraries: manual pages, completions, examples, notices. What belongs to
+# a program that is not built here is left out.
+
+set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
+
+# Writes FILE compressed, always with the same bytes, and puts the name of the result into OUT.
+function(compressed file out)
+  get_filename_component(name "${file}" NAME)
+  set(result "${CMAKE_BINARY_DIR}/packaging/${name}.gz")
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/packaging")
+  execute_process(COMMAND gzip -9nc "${file}" OUTPUT_FILE "${result}" COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+  set(${out} "${result}" PARENT_SCOPE)
+endfunction()
+
+function(install_manual page component)
+  compressed("${PACKAGING}/man/${page}" manual)
+  string(REGEX REPLACE ".*\\." "" section "${page}")
+  install(FILES "${manual}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${component})
+endfunction()
+
+function(install_notices component package)
+  compressed("${PACKAGING}/changelog" changelog)
+  compressed("${PROJECT_SOURCE_DIR}/CHANGELOG.md" upstream)
+  set(directory "${CMAKE_INSTALL_DATAROOTDIR}/doc/${package}")
+  install(FILES "${PACKAGING}/copyright" DESTINATION "${directory}" COMPONENT ${component})
+  install(FILES "${changelog}" DESTINATION "${directory}" RENAME changelog.Debian.gz COMPONENT ${component})
+  install(FILES "${upstream}" DESTINATION "${directory}" RENAME changelog.gz COMPONENT ${component})
+endfunction()
+
+install_notices(runtime libipod1)
+install(FILES "${PACKAGING}/lintian/libipod1" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides"
+  COMPONENT runtime)
+
+install_notices(development libipod-dev)
+install_manual(libipod.3 development)
+
+install_notices(documentation libipod-doc)
+file(GLOB guides "${PROJECT_SOURCE_DIR}/*.md" "${PROJECT_SOURCE_DIR}/docs/*.md")
+list(REMOVE_ITEM guides "${PROJECT_SOURCE_DIR}/CHANGELOG.md")
+set(documentation "${CMAKE_INSTALL_DATAROOTDIR}/doc/libipod-doc")
+install(FILES ${guides} DESTINATION "${documentation}" COMPONENT documentation)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/build/docs/" DESTINATION "${documentation}/html" COMPONENT documentation
+  OPTIONAL FILES_MATCHING PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.png" PATTERN "*.svg")
+
+if(TARGET ipodctl OR TARGET ipod-simulator)
+  install_notices(tools ipod-tools)
+endif()
+if(TARGET ipodctl)
+  install_manual(ipodctl.1 tools)
+  set(completions "${PACKAGING}/completions")
+  install(FILES "${completions}/ipodctl.bash" RENAME ipodctl
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" COMPONENT tools)
+  install(FILES "${completions}/_ipodctl" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions"
+    COMPONENT tools)
+  install(FILES "${completions}/ipodctl.fish" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d"
+    COMPONENT tools)
+endif()
+if(TARGET ipod-simulator)
+  install_manual(ipod-simulator.1 tools)
+  # Examples only: a machine with a real service must not start the simulator in its place.
+  install(FILES
+    "${PACKAGING}/service/com.zarn.linux.ipod.service"
+    "${PACKAGING}/service/ipod-simulator.service"
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/ipod-tools/examples" COMPONENT tools)
+endif()

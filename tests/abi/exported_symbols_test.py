@@ -1,0 +1,97 @@
+#!/usr/bin/env python3
+"""What the built library shows to the loader. Usage: exported_symbols_test.py LIBRARY READELF NM"""
+
+import re
+import subprocess
+import sys
+import unittest
+
+LIBRARY, READELF, NM = sys.argv[1:4]
+
+# A foreign function whose template argument is a message of ours exists nowhere else.
+OURS_BY_ARGUMENT = re.compile(r"_ZN6google8protobuf5Arena18CreateMaybeMessageIN4ipod")
+
+# Without these, what the library throws would be caught by its name only in some programs and in others not.
+EXCEPTIONS = ("interprocess_exception", "bad_alloc", "lock_exception")
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def symbols(which):
+    lines = output_of(NM, "-D", which, "--with-symbol-versions", LIBRARY).splitlines()
+    return [line.split()[-1] for line in lines if line.split()[-2] != "A"]
+
+
+def owner(mangled):
+    """The outermost scope of a mangled name: "boost", "google", "std"; empty for names of C and of no scope."""
+    name = re.sub(r"^_Z(?:T[A-Zc]|G[VR])?", "", mangled)
+    if re.match(r"N?[VK]*S[tabsiod]", name):
+        return "std"
+    nested = re.match(r"N[VKRO]*(\d+)", name)
+    if not nested:
+        return ""
+    start = nested.end()
+    return name[start:start + int(nested.group(1))]
+
+
+class TheLibrary(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.dynamic = output_of(READELF, "-dW", LIBRARY)
+        cls.exported = symbols("--defined-only")
+        cls.names = [symbol.split("@")[0] for symbol in cls.exported]
+        cls.imported = [symbol.split("@")[0] for symbol in symbols("--undefined-only")]
+
+    def test_is_found_by_programs_under_its_major_version(self):
+        self.assertIn("Library soname: [libipod.so.1]", self.dynamic)
+
+    def test_is_never_unloaded(self):
+        self.assertIn("NODELETE", self.dynamic)
+
+    def test_needs_the_boost_libraries_that_the_units_image_is_checked_for(self):
+        self.assertRegex(self.dynamic, r"NEEDED.*libboost_system\.so")
+        self.assertRegex(self.dynamic, r"NEEDED.*libboost_filesystem\.so")
+
+    def test_gives_every_symbol_its_version(self):
+        self.assertGreater(len(self.exported), 250)
+        self.assertEqual([s for s in self.exported if not s.endswith("@@IPOD_1")], [])
+
+    def test_shows_nothing_of_the_libraries_that_it_is_made_with(self):
+        foreign = [n for n in self.names if owner(n) in ("boost", "google", "std", "__gnu_cxx", "QBXMutex", "QBXSource")]
+        leaked = [n for n in foreign if not OURS_BY_ARGUMENT.match(n) and not re.match(r"_ZT[IS]N5boost", n)]
+        leaked += [n for n in self.names if "log_category" in n or n.startswith("zlog")]
+        self.assertEqual(leaked, [])
+
+    def test_shows_of_boost_only_the_types_of_its_exceptions(self):
+        shown = {n for n in self.names if owner(n) == "boost"}
+        wanted = {f"_ZT{kind}N5boost12interprocess{len(e)}{e}E" for kind in "IS" for e in EXCEPTIONS}
+        self.assertEqual(shown, wanted)
+
+    def test_leaves_log_sink_and_source_manager_to_the_program(self):
+        for seam in ("zlog", "liblog_category", "_ZN9QBXSource7RequestEiNS_13AudioGainTypeE",
+                     "_ZN9QBXSource9IsActivedEi", "_ZN9QBXSource7ReleaseEii", "_ZN8QBXMutex4LockEv"):
+            self.assertIn(seam, self.imported)
+
+    def test_offers_both_halves_of_the_bus_binding(self):
+        for half in ("proxy_new_for_bus_sync", "call_play_sync", "skeleton_new", "complete_play",
+                     "emit_on_play_status_changed"):
+            self.assertIn("com_zarn_linux_ipod_" + half, self.names)
+
+
+class TheReaderOfMangledNames(unittest.TestCase):
+    def test_sees_whose_a_symbol_is(self):
+        scopes = {
+            "_ZTIN5boost12interprocess9bad_allocE": "boost",
+            "_ZN6google8protobuf5Arena8AllocateEv": "google",
+            "_ZNSt6vectorIiSaIiEE9push_backERKi": "std",
+            "_ZNK4ipod11iPodBattery12ByteSizeLongEv": "ipod",
+            "_Z17QBX_GetIpodPlayerv": "",
+            "zlog": "",
+        }
+        self.assertEqual({name: owner(name) for name in scopes}, scopes)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)

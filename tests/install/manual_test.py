@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Manual page and completions know every verb and option of a program's --help.
+
+Usage: manual_test.py "PROGRAM [ARGUMENT...]" PAGE [COMPLETION...]
+"""
+
+import os
+import re
+import shlex
+import subprocess
+import sys
+import unittest
+
+PROGRAM, FILES = shlex.split(sys.argv[1]), sys.argv[2:]
+
+
+def help_of(*verbs):
+    return subprocess.run([*PROGRAM, *verbs, "--help"], check=True, capture_output=True, text=True).stdout
+
+
+def verbs_in(text):
+    listed = re.search(r"^Subcommands:\n((?:  .*\n)+)", text, re.MULTILINE)
+    return re.findall(r"^  (\S+)", listed.group(1), re.MULTILINE) if listed else []
+
+
+def options_in(text):
+    listed = re.search(r"^Options:\n((?:  .*\n)+)", text, re.MULTILINE)
+    return re.findall(r"^  (?:-\w,)?--([\w-]+)", listed.group(1), re.MULTILINE)
+
+
+def words_of_help(*verbs):
+    text = help_of(*verbs)
+    words = set(verbs_in(text)) | set(options_in(text))
+    for verb in verbs_in(text):
+        words |= words_of_help(*verbs, verb)
+    return words
+
+
+def missing_in(path, words):
+    with open(path, encoding="utf-8") as file:
+        text = file.read().replace("\\-", "-")
+    return sorted(w for w in words if not re.search(rf"(?<![\w-]){re.escape(w)}(?![\w-])", re.sub("--", " ", text)))
+
+
+# Too many to be repeated outside the help itself, to which the page points.
+DETAILS_OF_A_CALL = {"uuid", "book-id", "label", "service", "reason", "group", "conferenced", "start"}
+
+
+class EveryWordOfTheHelp(unittest.TestCase):
+    def test_stands_in_the_manual_page_and_in_the_completions(self):
+        words = words_of_help() - DETAILS_OF_A_CALL
+        self.assertGreater(len(words), 10)
+        for path in FILES:
+            with self.subTest(os.path.basename(path)):
+                self.assertEqual(missing_in(path, words), [])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
