@@ -1,5 +1,6 @@
 #include "music_library.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +20,11 @@ namespace ipodsim
 namespace
 {
 namespace fs = std::filesystem;
+
+bool MayRead(const fs::path& path, int rights)
+{
+    return faccessat(AT_FDCWD, path.c_str(), rights, AT_EACCESS) == 0;
+}
 
 class FolderReader
 {
@@ -55,7 +61,7 @@ private:
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
         if (S_ISDIR(status.st_mode)) return Read(path);
         if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
-        if (access(path.c_str(), R_OK) != 0) return Skip(path, std::generic_category().message(errno));
+        if (!MayRead(path, R_OK)) return Skip(path, std::generic_category().message(errno));
         ReadFile(path, playlist);
     }
 
@@ -82,7 +88,7 @@ void CheckFolder(const std::string& folder)
     if (stat(folder.c_str(), &status) != 0)
         throw std::runtime_error("music folder " + folder + ": " + std::generic_category().message(errno));
     if (!S_ISDIR(status.st_mode)) throw std::runtime_error("music folder " + folder + ": it is no folder");
-    if (access(folder.c_str(), R_OK | X_OK) != 0)
+    if (!MayRead(folder, R_OK | X_OK))
         throw std::runtime_error("music folder " + folder + ": " + std::generic_category().message(errno));
 }
 
