@@ -106,30 +106,31 @@ void SendEapData(Service& service, guint16 session, GVariant* bytes)
     Require(service.eap.IsOpen(session), "no session of that number is open");
     Require(events::SendEapData(service, session, ToBytes(bytes)), "the bytes do not fit into shared memory");
 }
+using Interface = ComZarnLinuxIpodSimulatorIface;
+
+// clang-format off
+const MethodRow kMethods[] = {
+    Method<com_zarn_linux_ipod_simulator_complete_phone_call, &PhoneCall>("handle-phone-call", &Interface::handle_phone_call),
+    Method<com_zarn_linux_ipod_simulator_complete_battery, &Battery>("handle-battery", &Interface::handle_battery),
+    Method<com_zarn_linux_ipod_simulator_complete_carplay, &Carplay>("handle-carplay", &Interface::handle_carplay),
+    Method<com_zarn_linux_ipod_simulator_complete_carlife, &Carlife>("handle-carlife", &Interface::handle_carlife),
+    Method<com_zarn_linux_ipod_simulator_complete_wireless_car_play, &WirelessCarPlay>("handle-wireless-car-play", &Interface::handle_wireless_car_play),
+    Method<com_zarn_linux_ipod_simulator_complete_pairing_info, &PairingInfo>("handle-pairing-info", &Interface::handle_pairing_info),
+    Method<com_zarn_linux_ipod_simulator_complete_location, &Location>("handle-location", &Interface::handle_location),
+    Method<com_zarn_linux_ipod_simulator_complete_foreground_app, &ForegroundApp>("handle-foreground-app", &Interface::handle_foreground_app),
+    Method<com_zarn_linux_ipod_simulator_complete_source_valid, &SourceValid>("handle-source-valid", &Interface::handle_source_valid),
+    Method<com_zarn_linux_ipod_simulator_complete_attach_device, &AttachDevice>("handle-attach-device", &Interface::handle_attach_device),
+    Method<com_zarn_linux_ipod_simulator_complete_detach_device, &DetachDevice>("handle-detach-device", &Interface::handle_detach_device),
+    Method<com_zarn_linux_ipod_simulator_complete_open_eap_session, &OpenEapSession>("handle-open-eap-session", &Interface::handle_open_eap_session),
+    Method<com_zarn_linux_ipod_simulator_complete_close_eap_session, &CloseEapSession>("handle-close-eap-session", &Interface::handle_close_eap_session),
+    Method<com_zarn_linux_ipod_simulator_complete_send_eap_data, &SendEapData>("handle-send-eap-data", &Interface::handle_send_eap_data),
+};
+// clang-format on
 }  // namespace
 }  // namespace control
 
 void AnswerControl(ComZarnLinuxIpodSimulator* skeleton, Service& service)
 {
-    using Interface = ComZarnLinuxIpodSimulatorIface;
-    // clang-format off
-    const MethodRow table[] = {
-        Method<com_zarn_linux_ipod_simulator_complete_phone_call, &control::PhoneCall>("handle-phone-call", &Interface::handle_phone_call),
-        Method<com_zarn_linux_ipod_simulator_complete_battery, &control::Battery>("handle-battery", &Interface::handle_battery),
-        Method<com_zarn_linux_ipod_simulator_complete_carplay, &control::Carplay>("handle-carplay", &Interface::handle_carplay),
-        Method<com_zarn_linux_ipod_simulator_complete_carlife, &control::Carlife>("handle-carlife", &Interface::handle_carlife),
-        Method<com_zarn_linux_ipod_simulator_complete_wireless_car_play, &control::WirelessCarPlay>("handle-wireless-car-play", &Interface::handle_wireless_car_play),
-        Method<com_zarn_linux_ipod_simulator_complete_pairing_info, &control::PairingInfo>("handle-pairing-info", &Interface::handle_pairing_info),
-        Method<com_zarn_linux_ipod_simulator_complete_location, &control::Location>("handle-location", &Interface::handle_location),
-        Method<com_zarn_linux_ipod_simulator_complete_foreground_app, &control::ForegroundApp>("handle-foreground-app", &Interface::handle_foreground_app),
-        Method<com_zarn_linux_ipod_simulator_complete_source_valid, &control::SourceValid>("handle-source-valid", &Interface::handle_source_valid),
-        Method<com_zarn_linux_ipod_simulator_complete_attach_device, &control::AttachDevice>("handle-attach-device", &Interface::handle_attach_device),
-        Method<com_zarn_linux_ipod_simulator_complete_detach_device, &control::DetachDevice>("handle-detach-device", &Interface::handle_detach_device),
-        Method<com_zarn_linux_ipod_simulator_complete_open_eap_session, &control::OpenEapSession>("handle-open-eap-session", &Interface::handle_open_eap_session),
-        Method<com_zarn_linux_ipod_simulator_complete_close_eap_session, &control::CloseEapSession>("handle-close-eap-session", &Interface::handle_close_eap_session),
-        Method<com_zarn_linux_ipod_simulator_complete_send_eap_data, &control::SendEapData>("handle-send-eap-data", &Interface::handle_send_eap_data),
-    };
-    // clang-format on
-    Connect(skeleton, table, service);
+    Connect(skeleton, control::kMethods, service);
 }
 }  // namespace ipodsim

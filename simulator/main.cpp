@@ -58,7 +58,7 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
     app.add_option("folder", options.musicFolder, "Folder with music; without it a small built-in library is used");
     app.add_option("--name", options.deviceName, "Name of the device")->capture_default_str();
-    app.add_option("--speed", options.speed, "Factor of the clock")->check(CLI::PositiveNumber)->capture_default_str();
+    app.add_option("--speed", options.speed, "Factor of the clock, above 0")->capture_default_str();
     app.add_option("--seed", options.seed, "Seed of shuffled orders")->capture_default_str();
     app.add_flag("--verbose", verbose, "Write a line for each request");
     app.footer(

@@ -33,14 +33,23 @@ public:
 
     void Read(const fs::path& folder)
     {
-        Playlist playlist{CleanName(folder.filename().string(), "Music"), {}};
-        for (const fs::path& path : Entries(folder)) ReadEntry(path, playlist);
-        if (!playlist.tracks.empty()) m_library.playlists.push_back(std::move(playlist));
+        struct stat status
+        {
+        };
+        if (stat(folder.c_str(), &status) == 0) Read(folder, status);
     }
 
     Library Take() { return std::move(m_library); }
 
 private:
+    void Read(const fs::path& folder, const struct stat& status)
+    {
+        if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
+        Playlist playlist{CleanName(folder.filename().string(), "Music"), {}};
+        for (const fs::path& path : Entries(folder)) ReadEntry(path, playlist);
+        if (!playlist.tracks.empty()) m_library.playlists.push_back(std::move(playlist));
+    }
+
     std::vector<fs::path> Entries(const fs::path& folder) const
     {
         std::vector<fs::path> entries;
@@ -58,8 +67,7 @@ private:
         {
         };
         if (stat(path.c_str(), &status) != 0) return Skip(path, std::generic_category().message(errno));
-        if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
-        if (S_ISDIR(status.st_mode)) return Read(path);
+        if (S_ISDIR(status.st_mode)) return Read(path, status);
         if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
         if (!MayRead(path, R_OK)) return Skip(path, std::generic_category().message(errno));
         ReadFile(path, playlist);

@@ -58,7 +58,14 @@ QBXSharedSegment Attach(const char* name, std::size_t size)
 template <class Vector>
 Vector* Find(QBXSharedSegment& segment, const char* name)
 {
-    return segment.find_or_construct<Vector>(name)(typename Vector::allocator_type(segment.get_segment_manager()));
+    try
+    {
+        return segment.find_or_construct<Vector>(name)(typename Vector::allocator_type(segment.get_segment_manager()));
+    }
+    catch (const std::exception& error)
+    {
+        throw std::runtime_error(std::string("shared memory, vector ") + name + ": " + error.what());
+    }
 }
 
 // The old page is given back first: old and new together might not fit.

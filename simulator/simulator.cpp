@@ -22,7 +22,7 @@ constexpr char kServicePath[] = "/com/zarn/linux/ipod";
 
 void WriteToStandardError(const std::string& line)
 {
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fprintf(stderr, "warning: %s\n", line.c_str());
 }
 
 Options WithDefaults(Options options)

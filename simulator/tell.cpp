@@ -33,7 +33,8 @@ const Numbers kSwitch = {{"off", 0}, {"on", 1}};
 
 [[noreturn]] void Fail(GError* error)
 {
-    const bool nobody = g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN);
+    const bool nobody = g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) ||
+                        g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER);
     g_dbus_error_strip_remote_error(error);
     const std::string message = nobody ? "no simulator runs on this session bus" : error->message;
     g_error_free(error);
