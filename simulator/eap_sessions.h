@@ -1,0 +1,29 @@
+/// @file
+/// The accessory sessions that are open.
+#pragma once
+
+#include <cstdint>
+#include <set>
+
+namespace ipodsim
+{
+/// Numbers run from 1 to 65535 and then from 1 again; a number in use is passed over.
+class EapSessions
+{
+public:
+    /// The unit told its protocols: apps may open sessions from now on.
+    void Announce() { m_announced = true; }
+    bool Announced() const { return m_announced; }
+
+    /// Opens a session and returns its number; 0 when all are in use.
+    std::uint16_t Open();
+    /// False when the session is not open.
+    bool Close(std::uint16_t session) { return m_open.erase(session) != 0; }
+    bool IsOpen(std::uint16_t session) const { return m_open.count(session) != 0; }
+
+private:
+    bool m_announced = false;
+    std::uint16_t m_last = 0;
+    std::set<std::uint16_t> m_open;
+};
+}  // namespace ipodsim

@@ -1,0 +1,19 @@
+/// @file
+/// Text as it fits into the fixed slots of shared memory and of records.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace ipodsim
+{
+/// A slot has 256 bytes, one of them for the terminator.
+constexpr std::size_t kLongestName = 255;
+
+/// The longest beginning of @p text that has at most @p maxBytes bytes and ends at a character boundary.
+std::string CutUtf8(std::string_view text, std::size_t maxBytes = kLongestName);
+
+/// @p text as valid UTF-8, without leading and trailing blanks and cut to a slot; @p fallback when nothing is left.
+std::string CleanName(const std::string& text, const std::string& fallback);
+}  // namespace ipodsim

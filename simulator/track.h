@@ -1,0 +1,52 @@
+/// @file
+/// What the simulated device plays: tracks, their pictures, playlists. Plain values; a track never changes once it
+/// is part of a library, so that the database, the queue and the player share it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ipodsim
+{
+using Bytes = std::vector<unsigned char>;
+
+/// A picture as it is stored in a file. Width and height are in pixels, 0 when the format is not known.
+struct Picture
+{
+    Bytes bytes;
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+};
+
+/// All texts are valid UTF-8 of at most 255 bytes and never empty.
+struct Track
+{
+    std::string title;
+    std::string artist;
+    std::string album;
+    std::string genre;
+    int number = 0;    ///< within its album, 0 when unknown
+    int lengthMs = 0;  ///< above 0
+    bool hasPicture = false;
+    std::string file;                        ///< empty for a track of the built-in library
+    std::shared_ptr<const Picture> picture;  ///< of a track without file
+};
+
+using TrackPtr = std::shared_ptr<const Track>;
+using TrackList = std::vector<TrackPtr>;
+
+struct Playlist
+{
+    std::string name;
+    TrackList tracks;
+};
+
+/// Tracks in the order artist, album, number, title.
+struct Library
+{
+    TrackList tracks;
+    std::vector<Playlist> playlists;
+};
+}  // namespace ipodsim

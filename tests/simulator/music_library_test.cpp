@@ -1,0 +1,295 @@
+#include "music_library.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "picture.h"
+#include "tag_reader.h"
+
+namespace fs = std::filesystem;
+
+using ipodsim::Library;
+using ipodsim::ReadFolder;
+using ipodsim::ReadTrack;
+using ipodsim::Track;
+
+namespace
+{
+// A folder that is removed again.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        std::string name = (fs::temp_directory_path() / "ipodsim-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        path = name;
+    }
+    ~TemporaryFolder() { fs::remove_all(path); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    fs::path path;
+};
+
+// Made by the build, with ipod-make-samples.
+const fs::path& Samples()
+{
+    static const fs::path folder = IPOD_SAMPLES;
+    return folder;
+}
+
+// Gives up the superuser's rights, who may read everything, for as long as it lives.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser()
+    {
+        constexpr uid_t kNobody = 65534;
+        if (m_before == 0 && seteuid(kNobody) != 0) throw std::runtime_error("cannot become an ordinary user");
+    }
+    ~OrdinaryUser()
+    {
+        if (seteuid(m_before) != 0) std::abort();
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+private:
+    uid_t m_before = geteuid();
+};
+
+class MusicFolder : public testing::Test
+{
+protected:
+    void Write(const fs::path& name, const std::string& text) const
+    {
+        fs::create_directories((folder.path / name).parent_path());
+        std::ofstream(folder.path / name) << text;
+    }
+
+    fs::path CopySample(const fs::path& name) const
+    {
+        fs::create_directories((folder.path / name).parent_path());
+        fs::copy_file(Samples() / "Lanterns/3 Rain on Copper.ogg", folder.path / name);
+        return folder.path / name;
+    }
+
+    Library Read()
+    {
+        return ReadFolder(folder.path.string(), [this](const std::string& line) { warnings.push_back(line); });
+    }
+
+    TemporaryFolder folder;
+    std::vector<std::string> warnings;
+};
+
+void ExpectPngOf300Pixels(const Track& track)
+{
+    const ipodsim::Picture picture = ipodsim::PictureOf(track);
+    EXPECT_TRUE(track.hasPicture);
+    EXPECT_GT(picture.bytes.size(), 1000U);
+    EXPECT_EQ(picture.width, 300U);
+    EXPECT_EQ(picture.height, 300U);
+}
+}  // namespace
+
+TEST(TagReader, ReadsFlac)
+{
+    const auto track = ReadTrack((Samples() / "江南小雨/2 山间清晨.flac").string());
+
+    ASSERT_TRUE(track);
+    EXPECT_EQ(track->title, "山间清晨");
+    EXPECT_EQ(track->artist, "曾雨桐");
+    EXPECT_EQ(track->album, "江南小雨");
+    EXPECT_EQ(track->genre, "Folk");
+    EXPECT_EQ(track->number, 2);
+    EXPECT_EQ(track->lengthMs, 9000);
+    ExpectPngOf300Pixels(*track);
+}
+
+TEST(TagReader, ReadsOggVorbis)
+{
+    const auto track = ReadTrack((Samples() / "Lanterns/1 Blue Lantern.ogg").string());
+
+    ASSERT_TRUE(track);
+    EXPECT_EQ(track->title, "Blue Lantern");
+    EXPECT_EQ(track->artist, "Nadia Brandt");
+    EXPECT_EQ(track->album, "Lanterns");
+    EXPECT_EQ(track->genre, "Jazz");
+    EXPECT_EQ(track->number, 1);
+    EXPECT_EQ(track->lengthMs, 16000);
+    ExpectPngOf300Pixels(*track);
+}
+
+TEST(TagReader, ReadsMp3)
+{
+    const auto track = ReadTrack((Samples() / "长夜里的音乐/1 长夜里的音乐.mp3").string());
+
+    ASSERT_TRUE(track);
+    EXPECT_EQ(track->title, "长夜里的音乐");
+    EXPECT_EQ(track->artist, "单晓岚");
+    EXPECT_EQ(track->genre, "Pop");
+    EXPECT_NEAR(track->lengthMs, 10000, 100) << "MP3 frames do not end where the music does";
+    ExpectPngOf300Pixels(*track);
+}
+
+TEST(TagReader, RefusesWhatIsNotThere)
+{
+    EXPECT_FALSE(ReadTrack("/nonexistent/a.mp3"));
+    EXPECT_TRUE(ipodsim::ReadEmbeddedPicture("/nonexistent/a.mp3").empty());
+}
+
+TEST(Picture, OfATrackWhoseFileHasGoneIsEmpty)
+{
+    Track track;
+    track.file = "/nonexistent/a.flac";
+    track.hasPicture = true;
+
+    EXPECT_TRUE(ipodsim::PictureOf(track).bytes.empty());
+}
+
+TEST(Picture, ThatIsNoneHasNoSize)
+{
+    const ipodsim::Picture picture = ipodsim::MakePicture({0xFF, 0xD8, 0xFF, 0xC0, 0x00});
+
+    EXPECT_EQ(picture.width, 0U);
+    EXPECT_EQ(picture.height, 0U);
+}
+
+TEST(Picture, TakesItsSizeFromTheFrameOfAJpeg)
+{
+    const ipodsim::Picture picture = ipodsim::MakePicture({0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x04, 0x00, 0x00, 0xFF, 0xC0,
+                                                           0x00, 0x0B, 0x08, 0x01, 0x02, 0x03, 0x04, 0x01, 0x01});
+
+    EXPECT_EQ(picture.height, 0x0102U);
+    EXPECT_EQ(picture.width, 0x0304U);
+}
+
+TEST_F(MusicFolder, WithSamplesHasThemAllInOrder)
+{
+    const Library library =
+        ReadFolder(Samples().string(), [this](const std::string& line) { warnings.push_back(line); });
+
+    EXPECT_EQ(library.tracks.size(), 12U);
+    EXPECT_EQ(library.tracks.front()->artist, "Harbour Quartet");
+    EXPECT_EQ(library.tracks.front()->number, 1);
+    ASSERT_EQ(library.playlists.size(), 6U);
+    EXPECT_EQ(library.playlists.front().name, "All songs");
+    EXPECT_EQ(library.playlists.front().tracks.size(), 12U);
+    EXPECT_TRUE(warnings.empty());
+}
+
+TEST_F(MusicFolder, ThatIsMissingOrNoFolderIsAnError)
+{
+    Write("file", "text");
+
+    EXPECT_THROW(ReadFolder((folder.path / "missing").string(), {}), std::runtime_error);
+    EXPECT_THROW(ReadFolder((folder.path / "file").string(), {}), std::runtime_error);
+}
+
+TEST_F(MusicFolder, ThatIsEmptyHasNoTracks)
+{
+    const Library library = Read();
+
+    EXPECT_TRUE(library.tracks.empty());
+    EXPECT_TRUE(warnings.empty());
+}
+
+TEST_F(MusicFolder, SkipsEachFileThatIsNoAudioWithOneWarning)
+{
+    CopySample("good.ogg");
+    Write("notes.txt", "no music");
+    Write("fake.mp3", "no music either");
+    Write("empty.flac", "");
+
+    const Library library = Read();
+
+    EXPECT_EQ(library.tracks.size(), 1U);
+    ASSERT_EQ(warnings.size(), 3U);
+    EXPECT_EQ(warnings[0], "skipped " + (fs::canonical(folder.path) / "empty.flac").string() + ": no audio file");
+}
+
+TEST_F(MusicFolder, SkipsAFileThatIsCutOff)
+{
+    fs::resize_file(CopySample("cut.ogg"), 40);
+
+    EXPECT_TRUE(Read().tracks.empty());
+    EXPECT_EQ(warnings.size(), 1U);
+}
+
+TEST_F(MusicFolder, SkipsWhatCannotBeOpened)
+{
+    CopySample("good.ogg");
+    fs::create_symlink("gone.ogg", folder.path / "dangling.ogg");
+    ASSERT_EQ(mkfifo((folder.path / "pipe.ogg").c_str(), 0644), 0);
+
+    const Library library = Read();
+
+    EXPECT_EQ(library.tracks.size(), 1U);
+    ASSERT_EQ(warnings.size(), 2U);
+    EXPECT_NE(warnings[0].find("dangling.ogg: No such file or directory"), std::string::npos);
+    EXPECT_NE(warnings[1].find("pipe.ogg: no regular file"), std::string::npos);
+}
+
+TEST_F(MusicFolder, SkipsFilesAndFoldersWithoutPermission)
+{
+    fs::permissions(folder.path, fs::perms{0755});
+    fs::permissions(CopySample("secret.ogg"), fs::perms::none);
+    CopySample("open/good.ogg");
+    CopySample("closed/good.ogg");
+    fs::permissions(folder.path / "closed", fs::perms::none);
+
+    Library library;
+    {
+        const OrdinaryUser user;
+        library = Read();
+    }
+    fs::permissions(folder.path / "closed", fs::perms::owner_all);
+
+    EXPECT_EQ(library.tracks.size(), 1U);
+    ASSERT_EQ(warnings.size(), 2U);
+    EXPECT_NE(warnings[0].find("closed: Permission denied"), std::string::npos) << warnings[0];
+    EXPECT_NE(warnings[1].find("secret.ogg: Permission denied"), std::string::npos) << warnings[1];
+}
+
+TEST_F(MusicFolder, WithoutPermissionIsAnError)
+{
+    fs::permissions(folder.path, fs::perms::none);
+
+    {
+        const OrdinaryUser user;
+        EXPECT_THROW(Read(), std::runtime_error);
+    }
+    fs::permissions(folder.path, fs::perms::owner_all);
+}
+
+TEST_F(MusicFolder, WithALoopOfLinksIsReadOnce)
+{
+    CopySample("album/one.ogg");
+    fs::create_directory_symlink(folder.path, folder.path / "album/loop");
+    fs::create_directory_symlink(folder.path / "album", folder.path / "again");
+
+    const Library library = Read();
+
+    EXPECT_EQ(library.tracks.size(), 1U);
+    EXPECT_TRUE(warnings.empty());
+}
+
+TEST_F(MusicFolder, MakesASubFolderAPlaylist)
+{
+    CopySample("Evening/one.ogg");
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.playlists.size(), 2U);
+    EXPECT_EQ(library.playlists[1].name, "Evening");
+}

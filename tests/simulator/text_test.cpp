@@ -1,0 +1,60 @@
+#include "text.h"
+
+#include <glib.h>
+#include <gtest/gtest.h>
+
+using ipodsim::CleanName;
+using ipodsim::CutUtf8;
+
+TEST(CutUtf8, LeavesTextThatFits)
+{
+    EXPECT_EQ(CutUtf8("周杰", 6), "周杰");
+    EXPECT_EQ(CutUtf8("", 0), "");
+    EXPECT_EQ(CutUtf8(std::string(255, 'a')).size(), 255U);
+}
+
+TEST(CutUtf8, CutsAtTheBoundaryBeforeACharacterThatDoesNotFit)
+{
+    EXPECT_EQ(CutUtf8("周杰", 5), "周");
+    EXPECT_EQ(CutUtf8("周杰", 4), "周");
+    EXPECT_EQ(CutUtf8("周杰", 3), "周");
+    EXPECT_EQ(CutUtf8("周杰", 2), "");
+    EXPECT_EQ(CutUtf8("a😀b", 4), "a");
+    EXPECT_EQ(CutUtf8("a😀b", 5), "a😀");
+}
+
+TEST(CutUtf8, GivesValidTextAtEveryLength)
+{
+    const std::string text = "Été à vélo 周杰伦 😀 עברית";
+    for (std::size_t length = 0; length <= text.size(); ++length)
+    {
+        const std::string cut = CutUtf8(text, length);
+        EXPECT_LE(cut.size(), length);
+        EXPECT_GT(cut.size() + 4, length) << "no more than one character is lost";
+        EXPECT_TRUE(g_utf8_validate(cut.data(), static_cast<gssize>(cut.size()), nullptr));
+    }
+}
+
+TEST(CleanName, CutsANameOf300BytesTo255AtABoundary)
+{
+    std::string name = "a";
+    while (name.size() < 300) name += "周";
+
+    const std::string clean = CleanName(name, "none");
+
+    EXPECT_EQ(clean.size(), 253U);  // 1 + 84 * 3
+    EXPECT_TRUE(g_utf8_validate(clean.c_str(), -1, nullptr));
+}
+
+TEST(CleanName, TakesTheFallbackForAnEmptyOrBlankName)
+{
+    EXPECT_EQ(CleanName("", "Unknown artist"), "Unknown artist");
+    EXPECT_EQ(CleanName(" \t\n", "Unknown artist"), "Unknown artist");
+    EXPECT_EQ(CleanName(std::string("\0abc", 4), "Unknown artist"), "Unknown artist");
+}
+
+TEST(CleanName, TrimsBlanksAndReplacesBytesThatAreNoText)
+{
+    EXPECT_EQ(CleanName("  Low Water \n", "none"), "Low Water");
+    EXPECT_EQ(CleanName("a\xff", "none"), "a\xEF\xBF\xBD");
+}

@@ -1,0 +1,26 @@
+/// @file
+/// Tracks to test with.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "track.h"
+
+/// "Song 0", "Song 1", … of one artist, @p perAlbum on each album, ten seconds each.
+inline ipodsim::TrackList Tracks(int count, int perAlbum = 1000)
+{
+    ipodsim::TrackList tracks;
+    for (int i = 0; i < count; ++i)
+    {
+        ipodsim::Track track;
+        track.title = "Song " + std::to_string(i);
+        track.artist = "Artist";
+        track.album = "Album " + std::to_string(i / perAlbum);
+        track.genre = "Genre";
+        track.number = i % perAlbum + 1;
+        track.lengthMs = 10000;
+        tracks.push_back(std::make_shared<const ipodsim::Track>(std::move(track)));
+    }
+    return tracks;
+}
