@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "private_shm.h"
+#include "shm_objects.h"
 
 namespace
 {
@@ -75,15 +75,9 @@ class SegmentsOfTheService : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        if (!test::HasPrivateShm()) return;
         g_log_set_default_handler(DropMessage, nullptr);
         PutImages(kThisWordSize, kThisWordSize);
         player = QBX_GetIpodPlayer();
-    }
-
-    void SetUp() override
-    {
-        if (player == nullptr) GTEST_SKIP() << "needs a /dev/shm of its own, which this system does not allow";
     }
 
     static IQBXIpodPlayer* player;
@@ -127,24 +121,15 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
     }
     _exit(1);
 }
-
-class ForeignWordSizeDeathTest : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        if (!test::HasPrivateShm()) GTEST_SKIP() << "needs a /dev/shm of its own, which this system does not allow";
-    }
-};
 }  // namespace
 
-TEST_F(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheListSegment)
+TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheListSegment)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherWordSize, kOtherWordSize), testing::ExitedWithCode(0),
                 "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
 }
 
-TEST_F(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyThatIsForeign)
+TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyThatIsForeign)
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherWordSize), testing::ExitedWithCode(0),
                 "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
@@ -241,11 +226,4 @@ TEST_F(SegmentsOfTheService, AreWhatTheyWereAfterAWriteThatDidNotFit)
     Bytes small = {1, 2, 3};
     player->EapWrite(1, small);
     EXPECT_EQ(small, buffers["VecEapWriteBufferShareMemory"]);
-}
-
-int main(int argc, char** argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    test::EnterPrivateShm();
-    return RUN_ALL_TESTS();
 }

@@ -9,7 +9,7 @@
 
 #include "internal/segments.h"
 #include "internal/shared_bulk.h"
-#include "private_shm.h"
+#include "shm_objects.h"
 
 namespace
 {

@@ -12,7 +12,7 @@
 #include <random>
 #include <thread>
 
-#include "private_shm.h"
+#include "shm_objects.h"
 
 namespace
 {

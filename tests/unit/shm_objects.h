@@ -1,21 +1,12 @@
 /// @file
-/// A /dev/shm of the test process's own. The names of the segments are global to a machine, so a test must not
-/// touch objects that somebody else uses.
+/// Shared-memory objects as files: tests put there whatever a broken or foreign process may have left.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace test
 {
-/// Moves this process into a mount namespace of its own with an empty /dev/shm. Call it while there is one thread.
-/// False where the system does not allow it; then the shared /dev/shm stays in place.
-bool EnterPrivateShm();
-
-/// Whether EnterPrivateShm() succeeded in this process.
-bool HasPrivateShm();
-
 /// A name for a shared-memory object that nobody else uses; an object of that name is removed at the end.
 class ObjectName
 {
