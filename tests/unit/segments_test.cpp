@@ -218,7 +218,7 @@ TEST_F(AttachSegment, RefusesGarbageThatCallsItselfReady)
 
 TEST_F(AttachSegment, RefusesAnObjectTooSmallToHoldAnything)
 {
-    for (const std::size_t size : {4u, 8u, 64u, 256u})
+    for (std::size_t size = 4; size <= 256; size += 4)
     {
         std::vector<char> image(size, '\0');
         SetState(image, kReady);
