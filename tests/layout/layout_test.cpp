@@ -1,0 +1,229 @@
+// The library on segments that a service built with Boost 1.56 left behind: it reads them, grows them and leaves
+// them sound; an image of the other word size ends in an exception.
+#include <IQBXIpodPlayer.h>
+#include <QBXIpodShareMemory.h>
+#include <glib.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "shm_objects.h"
+
+namespace
+{
+namespace bip = boost::interprocess;
+using Bytes = std::vector<unsigned char>;
+using Names = std::vector<std::string>;
+
+constexpr bool k32Bit = sizeof(void*) == 4;
+const std::string kThisWordSize = k32Bit ? "armhf" : "x86_64";
+const std::string kOtherWordSize = k32Bit ? "x86_64" : "armhf";
+constexpr unsigned kPatienceSeconds = 20;
+
+void PutImage(const std::string& kind, const std::string& wordSize, const std::string& object)
+{
+    test::WriteFile("/dev/shm/" + object, test::ReadFile(IMAGE_DIR "/" + kind + "-" + wordSize + ".img"));
+}
+
+void PutImages(const std::string& listWordSize, const std::string& bufferWordSize)
+{
+    PutImage("list", listWordSize, kListSegmentName);
+    PutImage("buffer", bufferWordSize, kBufferSegmentName);
+}
+
+Names ExpectedNames(const std::string& label, int count)
+{
+    Names names = {"", std::string(255, 'x')};
+    char number[16];
+    for (int i = 2; i < count; ++i)
+    {
+        std::snprintf(number, sizeof(number), " %04d ", i);
+        names.push_back(label + number + "\u5468\u6770\u4F26");
+    }
+    return names;
+}
+
+Bytes ExpectedBytes(std::size_t count, unsigned seed)
+{
+    Bytes bytes(count);
+    for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<unsigned char>(31 * i + seed);
+    return bytes;
+}
+
+Names NamesOf(const QBXStringPageVector& vector)
+{
+    Names names;
+    for (const PlayListSongNameStr& entry : vector)
+        names.emplace_back(entry.name, strnlen(entry.name, sizeof(entry.name)));
+    return names;
+}
+
+Bytes BytesOf(const QBXByteVector& vector)
+{
+    return Bytes(vector.begin(), vector.end());
+}
+
+// Without a connection GLib complains of each call; the readers copy what the vectors hold all the same.
+void DropMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
+
+class SegmentsOfTheService : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        g_log_set_default_handler(DropMessage, nullptr);
+        PutImages(kThisWordSize, kThisWordSize);
+        player = QBX_GetIpodPlayer();
+    }
+
+    static IQBXIpodPlayer* player;
+};
+
+IQBXIpodPlayer* SegmentsOfTheService::player = nullptr;
+
+// What a second process sees of the buffer segment.
+class BuffersAsOthersSeeThem
+{
+public:
+    BuffersAsOthersSeeThem() : m_segment(bip::open_only, kBufferSegmentName) {}
+
+    Bytes operator[](const char* name) { return BytesOf(*m_segment.find<QBXByteVector>(name).first); }
+    bool sane() { return m_segment.check_sanity(); }
+
+private:
+    QBXSharedSegment m_segment;
+};
+
+void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
+{
+    EXPECT_EQ(ExpectedBytes(70000, 1), buffers["VecArtworkBufferShareMemory"]);
+    EXPECT_EQ(ExpectedBytes(50001, 2), buffers["VecArtworkChangeBufferShareMemory"]);
+    EXPECT_EQ(ExpectedBytes(513, 4), buffers["VecEapReadBufferShareMemory"]);
+}
+
+// Runs in a child process, because a process attaches once. 0 and the message when the attempt ends in an exception.
+[[noreturn]] void AttachForeignImages(const std::string& listWordSize, const std::string& bufferWordSize)
+{
+    alarm(kPatienceSeconds);
+    PutImages(listWordSize, bufferWordSize);
+    try
+    {
+        QBX_GetIpodPlayer();
+    }
+    catch (const bip::interprocess_exception& e)
+    {
+        std::fprintf(stderr, "refused: %s", e.what());
+        _exit(0);
+    }
+    _exit(1);
+}
+}  // namespace
+
+TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheListSegment)
+{
+    EXPECT_EXIT(AttachForeignImages(kOtherWordSize, kOtherWordSize), testing::ExitedWithCode(0),
+                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
+}
+
+TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyThatIsForeign)
+{
+    EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherWordSize), testing::ExitedWithCode(0),
+                "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
+}
+
+TEST_F(SegmentsOfTheService, AreSoundAfterTheLibraryAttachedThem)
+{
+    EXPECT_TRUE(segment_list_vector.check_sanity());
+    EXPECT_TRUE(segment_buffer_vector.check_sanity());
+    EXPECT_EQ(6u, segment_list_vector.get_num_named_objects());
+    EXPECT_EQ(4u, segment_buffer_vector.get_num_named_objects());
+}
+
+TEST_F(SegmentsOfTheService, HoldTheirNamesBehindTheExportedPointers)
+{
+    EXPECT_EQ(ExpectedNames("playing", 40), NamesOf(*g_VecPlayingListShareMemory));
+    EXPECT_EQ(ExpectedNames("db", 300), NamesOf(*g_VecDBListShareMemory));
+    EXPECT_EQ(ExpectedNames("dbpinyin", 300), NamesOf(*g_VecDBListPinyinShareMemory));
+    EXPECT_EQ(ExpectedNames("update", 7), NamesOf(*g_VecUpdateListShareMemory));
+    EXPECT_EQ(ExpectedNames("updatepinyin", 7), NamesOf(*g_VecUpdateListPinyinShareMemory));
+    EXPECT_EQ(ExpectedNames("device", 3), NamesOf(*g_VecDeviceListShareMemory));
+}
+
+TEST_F(SegmentsOfTheService, HoldTheirBytesBehindTheExportedPointers)
+{
+    EXPECT_EQ(ExpectedBytes(70000, 1), BytesOf(*g_VecArtworkBufferShareMemory));
+    EXPECT_EQ(ExpectedBytes(50001, 2), BytesOf(*g_VecArtworkChangeBufferShareMemory));
+    EXPECT_EQ(ExpectedBytes(0, 3), BytesOf(*g_VecEapWriteBufferShareMemory));
+    EXPECT_EQ(ExpectedBytes(513, 4), BytesOf(*g_VecEapReadBufferShareMemory));
+}
+
+TEST_F(SegmentsOfTheService, AreReadWholeByTheListCommands)
+{
+    Names list = {"left over"};
+    int folder = 7;
+    int root = 8;
+
+    player->GetPlayingListItems(0, 1, list);
+    EXPECT_EQ(ExpectedNames("playing", 40), list);
+    player->GetCurDBListItems(0, 1, list, folder, root);
+    EXPECT_EQ(ExpectedNames("db", 300), list);
+    player->GetCurDBListItemsPinyin(0, 1, list, folder, root);
+    EXPECT_EQ(ExpectedNames("dbpinyin", 300), list);
+    player->GetUpdateListItems(0, 1, list);
+    EXPECT_EQ(ExpectedNames("update", 7), list);
+    player->GetUpdateListItemsPinyin(0, 1, list);
+    EXPECT_EQ(ExpectedNames("updatepinyin", 7), list);
+    player->GetDeviceList(list);
+    EXPECT_EQ(ExpectedNames("device", 3), list);
+    EXPECT_EQ(7, folder);
+    EXPECT_EQ(8, root);
+}
+
+TEST_F(SegmentsOfTheService, AreReadWholeByTheArtworkCommand)
+{
+    EXPECT_EQ(ExpectedBytes(70000, 1), player->GetPlayingTrackAlbumArtwork().image);
+}
+
+TEST_F(SegmentsOfTheService, StaySoundWhileTheWriteBufferGrows)
+{
+    for (const std::size_t size : {1u, 100u, 513u, 4096u, 70000u, 200000u, 0u, 7u})
+    {
+        SCOPED_TRACE(size);
+        Bytes data = ExpectedBytes(size, 9);
+
+        player->EapWrite(1, data);
+
+        EXPECT_TRUE(segment_buffer_vector.check_sanity());
+        EXPECT_EQ(ExpectedBytes(size, 9), BytesOf(*g_VecEapWriteBufferShareMemory));
+    }
+}
+
+TEST_F(SegmentsOfTheService, ShowAnotherProcessWhatWasWritten)
+{
+    Bytes data = ExpectedBytes(100000, 5);
+    player->EapWrite(1, data);
+
+    BuffersAsOthersSeeThem buffers;
+
+    EXPECT_TRUE(buffers.sane());
+    EXPECT_EQ(data, buffers["VecEapWriteBufferShareMemory"]);
+    ExpectTheOtherBuffersUntouched(buffers);
+}
+
+TEST_F(SegmentsOfTheService, AreWhatTheyWereAfterAWriteThatDidNotFit)
+{
+    Bytes tooMuch = ExpectedBytes(kBufferSegmentSize, 5);
+
+    EXPECT_THROW(player->EapWrite(1, tooMuch), bip::bad_alloc);
+
+    BuffersAsOthersSeeThem buffers;
+    EXPECT_TRUE(buffers.sane());
+    ExpectTheOtherBuffersUntouched(buffers);
+    Bytes small = {1, 2, 3};
+    player->EapWrite(1, small);
+    EXPECT_EQ(small, buffers["VecEapWriteBufferShareMemory"]);
+}

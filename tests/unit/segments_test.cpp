@@ -1,0 +1,291 @@
+// Attaching a segment, whatever stands under its name. Each ends within a bounded time, attached or in an exception.
+#include "internal/segments.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <thread>
+
+#include "shm_objects.h"
+
+namespace
+{
+namespace bip = boost::interprocess;
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr std::size_t kSize = 65536;
+constexpr std::uint32_t kBeingMade = 1;
+constexpr std::uint32_t kReady = 2;
+constexpr milliseconds kAtOnce{1000};
+constexpr milliseconds kCreatorIsGiven{5000};
+constexpr milliseconds kAtTheLatest{8000};
+
+class AttachSegment : public testing::Test
+{
+protected:
+    QBXSharedSegment Attach(std::size_t size = kSize) { return qbx::AttachSegment(m_name.c_str(), size); }
+
+    // The message of the exception in which the attempt ends, and how long it took.
+    std::string Refusal()
+    {
+        const auto start = Clock::now();
+        std::string message = "attached";
+        try
+        {
+            Attach();
+        }
+        catch (const bip::interprocess_exception& e)
+        {
+            message = e.what();
+        }
+        m_took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+        return message;
+    }
+
+    void ExpectRefusalAtOnce()
+    {
+        EXPECT_NE("attached", Refusal());
+        EXPECT_LT(m_took, kAtOnce);
+    }
+
+    void ExpectRefusalAfterTheWait()
+    {
+        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": it exists but was never finished by its creator",
+                  Refusal());
+        EXPECT_GE(m_took, kCreatorIsGiven);
+        EXPECT_LT(m_took, kAtTheLatest);
+    }
+
+    // The bytes of a sound segment with one named number in it.
+    std::vector<char> SoundImage()
+    {
+        {
+            QBXSharedSegment segment = Attach();
+            *segment.find_or_construct<int>("number")(0) = 42;
+        }
+        std::vector<char> image = test::ReadFile(m_name.path());
+        std::remove(m_name.path().c_str());
+        return image;
+    }
+
+    void Put(const std::vector<char>& bytes) { test::WriteFile(m_name.path(), bytes); }
+
+    static void SetState(std::vector<char>& image, std::uint32_t state)
+    {
+        std::memcpy(image.data(), &state, sizeof(state));
+    }
+
+    mode_t Mode() const
+    {
+        struct stat status
+        {
+        };
+        stat(m_name.path().c_str(), &status);
+        return status.st_mode & 07777;
+    }
+
+    test::ObjectName m_name;
+    milliseconds m_took{};
+};
+
+std::vector<char> Garbage(std::size_t count)
+{
+    std::mt19937 random(7);
+    std::vector<char> bytes(count);
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+}
+}  // namespace
+
+TEST_F(AttachSegment, CreatesAnAbsentOneWithItsSizeReadableByAll)
+{
+    const mode_t before = umask(077);
+
+    const QBXSharedSegment segment = Attach(kBufferSegmentSize);
+
+    umask(before);
+    EXPECT_EQ(kBufferSegmentSize, test::ReadFile(m_name.path()).size());
+    EXPECT_EQ(0644u, Mode());
+    EXPECT_LE(segment.get_size(), kBufferSegmentSize);
+}
+
+TEST_F(AttachSegment, FindsWhatAnEarlierOneHolds)
+{
+    QBXSharedSegment first = Attach();
+    *first.find_or_construct<int>("number")(0) = 42;
+
+    QBXSharedSegment second = Attach();
+
+    ASSERT_NE(nullptr, second.find<int>("number").first);
+    EXPECT_EQ(42, *second.find<int>("number").first);
+}
+
+TEST_F(AttachSegment, TakesAnExistingOneAtTheSizeThatItsCreatorGaveIt)
+{
+    const QBXSharedSegment larger = Attach(2 * kSize);
+
+    const QBXSharedSegment opened = Attach(kSize);
+
+    EXPECT_EQ(larger.get_size(), opened.get_size());
+    EXPECT_EQ(2 * kSize, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(AttachSegment, TakesASoundOneThatLiesThereAsAFile)
+{
+    Put(SoundImage());
+
+    QBXSharedSegment segment = Attach();
+
+    ASSERT_NE(nullptr, segment.find<int>("number").first);
+    EXPECT_EQ(42, *segment.find<int>("number").first);
+    EXPECT_TRUE(segment.check_sanity());
+}
+
+TEST_F(AttachSegment, WaitsForACreatorThatIsStillAtWork)
+{
+    std::vector<char> image = SoundImage();
+    SetState(image, kBeingMade);
+    Put(image);
+    std::thread creator(
+        [this]
+        {
+            std::this_thread::sleep_for(milliseconds(300));
+            const int fd = open(m_name.path().c_str(), O_WRONLY | O_CLOEXEC);
+            EXPECT_EQ(ssize_t{sizeof(kReady)}, pwrite(fd, &kReady, sizeof(kReady), 0));
+            close(fd);
+        });
+    const auto start = Clock::now();
+
+    QBXSharedSegment segment = Attach();
+
+    EXPECT_GE(Clock::now() - start, milliseconds(250));
+    creator.join();
+    EXPECT_NE(nullptr, segment.find<int>("number").first);
+}
+
+TEST_F(AttachSegment, GivesUpOnAnEmptyObjectAfterFiveSeconds)
+{
+    Put({});
+
+    ExpectRefusalAfterTheWait();
+}
+
+TEST_F(AttachSegment, GivesUpOnAHalfMadeObjectAfterFiveSeconds)
+{
+    std::vector<char> image = SoundImage();
+    SetState(image, kBeingMade);
+    Put(image);
+
+    ExpectRefusalAfterTheWait();
+}
+
+TEST_F(AttachSegment, GivesUpOnAnObjectOfTheRightSizeThatIsAllZeroAfterFiveSeconds)
+{
+    Put(std::vector<char>(kSize, '\0'));
+
+    ExpectRefusalAfterTheWait();
+}
+
+TEST_F(AttachSegment, GivesUpOnAnObjectOfThreeBytesAfterFiveSeconds)
+{
+    Put({1, 2, 3});
+
+    ExpectRefusalAfterTheWait();
+}
+
+TEST_F(AttachSegment, RefusesGarbage)
+{
+    Put(Garbage(kSize));
+
+    ExpectRefusalAtOnce();
+}
+
+TEST_F(AttachSegment, RefusesGarbageThatCallsItselfReady)
+{
+    std::vector<char> image = Garbage(kSize);
+    SetState(image, kReady);
+    Put(image);
+
+    ExpectRefusalAtOnce();
+}
+
+TEST_F(AttachSegment, RefusesAnObjectTooSmallToHoldAnything)
+{
+    for (std::size_t size = 4; size <= 256; size += 4)
+    {
+        std::vector<char> image(size, '\0');
+        SetState(image, kReady);
+        Put(image);
+
+        ExpectRefusalAtOnce();
+    }
+}
+
+TEST_F(AttachSegment, RefusesASoundOneThatWasCutShort)
+{
+    std::vector<char> image = SoundImage();
+    image.resize(image.size() / 2);
+    Put(image);
+
+    ExpectRefusalAtOnce();
+}
+
+TEST_F(AttachSegment, RefusesAFifo)
+{
+    ASSERT_EQ(0, mkfifo(m_name.path().c_str(), 0644));
+
+    ExpectRefusalAtOnce();
+}
+
+TEST_F(AttachSegment, RefusesADirectory)
+{
+    ASSERT_EQ(0, mkdir(m_name.path().c_str(), 0755));
+
+    ExpectRefusalAtOnce();
+}
+
+TEST_F(AttachSegment, RefusesALinkWhetherOrNotItLeadsSomewhere)
+{
+    const test::ObjectName target;
+    ASSERT_EQ(0, symlink(target.path().c_str(), m_name.path().c_str()));
+    ExpectRefusalAtOnce();
+
+    test::WriteFile(target.path(), std::vector<char>(kSize, 'x'));
+    ExpectRefusalAtOnce();
+}
+
+TEST_F(AttachSegment, RefusesAnObjectThatItMayNotWrite)
+{
+    if (seteuid(65534) != 0) GTEST_SKIP() << "only root can become somebody else";
+    ASSERT_EQ(0, seteuid(0));
+    Put(SoundImage());
+    chmod(m_name.path().c_str(), 0644);
+    ASSERT_EQ(0, seteuid(65534));
+
+    ExpectRefusalAtOnce();
+
+    ASSERT_EQ(0, seteuid(0));
+}
+
+TEST_F(AttachSegment, ThrowsWhenTheSegmentIsTooSmallForItsOwnBookkeeping)
+{
+    EXPECT_THROW(Attach(16), bip::interprocess_exception);
+}
+
+TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObjectBehindItsHeader)
+{
+    const QBXSharedSegment segment = Attach();
+
+    const qbx::Mapping mapping = qbx::MappingOf(segment);
+
+    EXPECT_EQ(segment.get_address(), mapping.begin);
+    const std::size_t header = kSize - static_cast<std::size_t>(mapping.end - mapping.begin);
+    EXPECT_EQ(header, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
+}

@@ -1,0 +1,203 @@
+#!/usr/bin/env python3
+"""Each check must fail on a seeded violation and pass without it. Usage: check_tools_test.py CHECK [COMPILER NM]"""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOOLS = pathlib.Path(__file__).resolve().parent.parent
+COMPILER, NM = sys.argv[2:4] if len(sys.argv) > 3 else ("cc", "nm")
+
+
+class Case(unittest.TestCase):
+    """A scratch tree, and the check that runs on it."""
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.root = pathlib.Path(scratch.name)
+
+    def write(self, name, text):
+        path = self.root / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+        return str(path)
+
+    def run_check(self, tool, *arguments):
+        result = subprocess.run([sys.executable, str(TOOLS / tool), *map(str, arguments)], text=True, timeout=60,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        return result.returncode, result.stdout
+
+
+class CheckLayers(Case):
+    def setUp(self):
+        super().setUp()
+        self.write("include/Public.h", "#include <string>\n")
+        self.write("middleware/include/QBXLog.h", "#include <zlog.h>\n")
+        self.write("libipod/internal/secret.h", "#pragma once\n")
+        self.write("libipod/client.cpp", '#include "internal/secret.h"\n#include <Public.h>\n#include <ipod_dbus.h>\n')
+        self.write("simulator/service.cpp", "#include <Public.h>\n#include <png.h>\n#include <ipod.pb.h>\n")
+
+    def check(self):
+        return self.run_check("check-layers", self.root)
+
+    def expect_violation(self, file, text, header):
+        self.write(file, text)
+        status, output = self.check()
+        self.assertEqual(1, status, output)
+        self.assertIn(f"{file}:1: ", output)
+        self.assertIn(f"must not include {header}", output)
+
+    def test_passes_a_tree_that_keeps_the_rules(self):
+        status, output = self.check()
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_simulator_that_looks_into_the_client(self):
+        self.expect_violation("simulator/bad.cpp", '#include "internal/secret.h"\n', "internal/secret.h")
+
+    def test_finds_the_detour_by_a_relative_path(self):
+        self.expect_violation("simulator/bad.cpp", '#include "../libipod/internal/secret.h"\n',
+                              "../libipod/internal/secret.h")
+
+    def test_finds_a_public_header_that_needs_glib(self):
+        self.expect_violation("include/Bad.h", "#include <glib.h>\n", "glib.h")
+
+    def test_allows_glib_in_the_one_public_header_that_is_about_it(self):
+        self.write("include/gvariant_data.h", "#include <glib.h>\n")
+        self.assertEqual(0, self.check()[0])
+
+    def test_finds_boost_in_the_middleware(self):
+        self.expect_violation("middleware/src/bad.cpp", "#include <boost/optional.hpp>\n", "boost/optional.hpp")
+
+    def test_finds_a_public_header_in_the_middleware(self):
+        self.expect_violation("middleware/src/bad.cpp", "#include <Public.h>\n", "Public.h")
+
+    def test_finds_a_test_of_the_bus_that_looks_into_the_client(self):
+        self.expect_violation("tests/bus/bad.cpp", '#include "internal/secret.h"\n', "internal/secret.h")
+
+    def test_lets_a_unit_test_look_into_the_client(self):
+        self.write("tests/unit/good.cpp", '#include "internal/secret.h"\n')
+        self.assertEqual(0, self.check()[0])
+
+    def test_refuses_a_tree_without_sources(self):
+        self.assertEqual(2, self.run_check("check-layers", self.root / "docs")[0])
+
+
+class CheckLogTable(Case):
+    SOURCE = ('int Client::Play(int option)\n{\n    LOG_INFO("play %d "\n             "now", option);\n'
+              '    Call(SYNC(com_play_sync));\n}\n')
+    TABLE = ("| `play %d now` | INFO | `Play` | it plays |\n"
+             "| `com_play_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` | it does not |\n")
+
+    def check(self, table, source):
+        self.write("libipod/client.cpp", source)
+        return self.run_check("check-log-table", self.write("docs/logging.md", table), self.root / "libipod")
+
+    def expect_violation(self, table, source, line):
+        status, output = self.check(table, source)
+        self.assertEqual(1, status, output)
+        self.assertIn(line, output)
+
+    def test_passes_when_table_and_code_agree(self):
+        status, output = self.check(self.TABLE, self.SOURCE)
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_log_site_without_a_row(self):
+        self.expect_violation(self.TABLE, self.SOURCE + 'void Stop()\n{\n    LOG_WARN("stop");\n}\n',
+                              "not in logging.md: | `stop` | WARN | `Stop` |")
+
+    def test_finds_a_row_without_a_log_site(self):
+        self.expect_violation(self.TABLE + "| `gone` | INFO | `Play` | x |\n", self.SOURCE,
+                              "not in the code: | `gone` | INFO | `Play` |")
+
+    def test_finds_another_level(self):
+        self.expect_violation(self.TABLE, self.SOURCE.replace("LOG_INFO", "LOG_ERROR"),
+                              "not in logging.md: | `play %d now` | ERROR | `Play` |")
+
+    def test_finds_another_function(self):
+        self.expect_violation(self.TABLE, self.SOURCE.replace("::Play", "::Start"),
+                              "not in logging.md: | `play %d now` | INFO | `Start` |")
+
+    def test_finds_a_call_without_a_row(self):
+        self.expect_violation(self.TABLE, self.SOURCE.replace("com_play", "com_stop"),
+                              "com_stop_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` |")
+
+    def test_refuses_a_log_site_whose_text_it_cannot_read(self):
+        status, output = self.check(self.TABLE, self.SOURCE.replace('"play %d "\n             "now"', "kText"))
+        self.assertEqual(1, status)
+        self.assertIn("without a literal text", output)
+
+
+class CheckFunctionSize(Case):
+    def function(self, lines, indent=""):
+        return f"{indent}int Long(int a,\n{indent}         int b)\n{indent}{{\n" + f"{indent}    a += b;\n" * lines + f"{indent}}}\n"
+
+    def check(self, text):
+        self.write("libipod/unit.cpp", text)
+        return self.run_check("check-function-size", self.root / "libipod")
+
+    def test_passes_a_function_of_the_size_that_is_allowed(self):
+        status, output = self.check(self.function(40))
+        self.assertEqual(0, status, output)
+        self.assertIn("1 functions, median 40 lines", output)
+
+    def test_finds_a_function_that_is_one_line_too_long(self):
+        status, output = self.check(self.function(41))
+        self.assertEqual(1, status)
+        self.assertIn("Long() has 41 lines, the limit is 40", output)
+
+    def test_finds_a_long_member_of_a_class(self):
+        status, output = self.check("class C\n{\n" + self.function(41, "    ") + "};\n")
+        self.assertEqual(1, status)
+        self.assertIn("Long() has 41 lines", output)
+
+    def test_counts_blocks_inside_a_function_as_part_of_it(self):
+        body = "    if (a)\n    {\n" + "        ++a;\n" * 38 + "    }\n"
+        status, output = self.check("void F(int a)\n{\n" + body + "}\n")
+        self.assertEqual(1, status)
+        self.assertIn("F() has 41 lines", output)
+
+    def test_takes_neither_namespaces_nor_tables_for_functions(self):
+        table = "const int kTable[] =\n{\n" + "    1,\n" * 60 + "};\n"
+        status, output = self.check("namespace a\n{\n" + table + "void F() { g(); }\n}\n")
+        self.assertEqual(0, status, output)
+        self.assertIn("1 functions, median 1 lines", output)
+
+    def test_refuses_a_folder_without_functions(self):
+        self.assertEqual(2, self.check("int x;\n")[0])
+
+
+class CheckExports(Case):
+    def check(self, listed, source="int offered(void) { return 1; }\nint made_by_tool(void) { return 2; }\n"):
+        library = self.root / "lib.so"
+        subprocess.run([COMPILER, "-shared", "-fPIC", "-nostdlib", "-o", str(library), self.write("lib.c", source)],
+                       check=True, timeout=60)
+        return self.run_check("check-exports", library, self.write("exports.txt", listed), NM)
+
+    def test_passes_when_library_and_list_agree(self):
+        status, output = self.check("# comment\noffered\nmade_by_tool\n")
+        self.assertEqual(0, status, output)
+
+    def test_allows_what_a_pattern_matches_without_asking_for_it(self):
+        status, output = self.check("offered\npattern: made_.*\npattern: never_there\n")
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_symbol_that_is_not_listed(self):
+        status, output = self.check("offered\n")
+        self.assertEqual(1, status)
+        self.assertIn("exported but not listed: made_by_tool", output)
+
+    def test_finds_a_listed_symbol_that_is_gone(self):
+        status, output = self.check("offered\nmade_by_tool\ngone\n")
+        self.assertEqual(1, status)
+        self.assertIn("listed but not exported: gone", output)
+
+    def test_does_not_take_a_pattern_for_a_part_of_a_name(self):
+        status, output = self.check("offered\npattern: made\n")
+        self.assertEqual(1, status, output)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], "--verbose", *sys.argv[1:2]])
