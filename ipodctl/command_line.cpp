@@ -49,6 +49,17 @@ void SpellOutBackward(std::vector<std::string>& arguments)
 }
 }  // namespace
 
+CLI::Validator WholeNumber(int least)
+{
+    const auto check = [least](const std::string& text)
+    {
+        const std::optional<int> number = ParseIndex(text);
+        if (number && *number >= least) return std::string();
+        return "'" + Printable(text) + "' is no whole number from " + std::to_string(least) + " on";
+    };
+    return {check, "N"};
+}
+
 Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 {
     app.require_subcommand(1);

@@ -33,7 +33,7 @@ void Show(Session& session, Output& out, const Event& event)
 
 void AddLimits(CLI::App& app, Limits& limits)
 {
-    app.add_option("--count", limits.count, "End after so many events")->check(CLI::PositiveNumber);
+    app.add_option("--count", limits.count, "End after so many events")->check(WholeNumber(1));
     app.add_option("--timeout", limits.seconds, "End after so many seconds; exit code 1 if --count was not reached")
         ->check(CLI::PositiveNumber);
 }

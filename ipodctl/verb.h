@@ -30,6 +30,9 @@ struct Verb
     Run (*build)(CLI::App& app);  ///< adds the verb's arguments; the result reads them when it runs
 };
 
+/// Accepts whole numbers from @p least on, and says so when it is given something else.
+CLI::Validator WholeNumber(int least);
+
 /// A place for an argument of the command line that lives as long as those who hold it.
 template <class T>
 std::shared_ptr<T> Argument(T value = T())

@@ -65,8 +65,8 @@ Page ReadRange(Session& session, const Range& range)
 Run BuildLs(CLI::App& app)
 {
     const auto range = Argument<Range>();
-    auto* const from = app.add_option("--from", range->from, "First index, from 0")->check(CLI::NonNegativeNumber);
-    auto* const count = app.add_option("--count", range->count, "How many entries (50)")->check(CLI::PositiveNumber);
+    auto* const from = app.add_option("--from", range->from, "First index, from 0")->check(WholeNumber(0));
+    auto* const count = app.add_option("--count", range->count, "How many entries (50)")->check(WholeNumber(1));
     app.add_flag("--all", range->all, "The whole level")->excludes(from)->excludes(count);
     return [range](Context& context) -> Answer
     {

@@ -47,8 +47,7 @@ Answer EnterDevice(Session& session, int index)
 Run BuildDevices(CLI::App& app)
 {
     const auto index = Argument<std::optional<int>>();
-    app.add_option("index", *index, "Device to browse; without it, the devices are shown")
-        ->check(CLI::NonNegativeNumber);
+    app.add_option("index", *index, "Device to browse; without it, the devices are shown")->check(WholeNumber(0));
     return [index](Context& context) { return *index ? EnterDevice(context.session, **index) : ShowDevices(context); };
 }
 

@@ -82,7 +82,7 @@ Answer Jump(Session& session, int index)
 Run BuildQueue(CLI::App& app)
 {
     const auto index = Argument<std::optional<int>>();
-    app.add_option("index", *index, "Entry to jump to; without it, the list is shown")->check(CLI::NonNegativeNumber);
+    app.add_option("index", *index, "Entry to jump to; without it, the list is shown")->check(WholeNumber(0));
     return [index](Context& context) { return *index ? Jump(context.session, **index) : Show(context); };
 }
 }  // namespace
