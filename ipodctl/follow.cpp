@@ -53,6 +53,9 @@ Answer Follow(Context& context, const Limits& limits, const std::function<bool(c
     const Registered registered(player, listener);
     const Ending ending = loop.Run(limits.seconds);
     context.out.Finish();
-    return {{}, {}, ending == Ending::TimedOut && limits.count > 0 ? kNothingDone : kDone};
+    if (ending == Ending::TimedOut && limits.count > 0)
+        throw Failure(kNothingDone, "only " + std::to_string(seen) + " of " + std::to_string(limits.count) +
+                                        " events came within the time; see --timeout");
+    return {};
 }
 }  // namespace ctl

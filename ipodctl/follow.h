@@ -17,6 +17,6 @@ struct Limits
 void AddLimits(CLI::App& app, Limits& limits);
 
 /// Shows every event for which @p wanted is true.
-/// @return  kNothingDone when the time was up before the count was reached, else kDone
+/// @throws Failure  kNothingDone, when the time was up before the count was reached
 Answer Follow(Context& context, const Limits& limits, const std::function<bool(const Event&)>& wanted);
 }  // namespace ctl

@@ -41,6 +41,22 @@ std::vector<std::string> ReadPinyin(Session& session, int first, int last)
     return filled == 1 ? names : std::vector<std::string>();
 }
 
+std::string Folded(const std::string& text)
+{
+    gchar* const folded = g_utf8_casefold(Printable(text).c_str(), -1);
+    const std::string result = folded;
+    g_free(folded);
+    return result;
+}
+
+// Blanks between syllables are a matter of taste.
+std::string FoldedPinyin(const std::string& text)
+{
+    std::string folded = Folded(text);
+    folded.erase(std::remove(folded.begin(), folded.end(), ' '), folded.end());
+    return folded;
+}
+
 // False when the service had fewer names than the page has room for.
 bool AppendPage(Session& session, Page& page, int first, int last)
 {
@@ -52,18 +68,10 @@ bool AppendPage(Session& session, Page& page, int first, int last)
     page.root = flags.root != 0;
     for (std::size_t i = 0; i < std::min(names.size(), room); ++i)
     {
-        const bool differs = pinyin.size() == names.size() && pinyin[i] != names[i];
+        const bool differs = pinyin.size() == names.size() && Folded(pinyin[i]) != Folded(names[i]);
         page.entries.push_back({first + static_cast<int>(i), names[i], differs ? pinyin[i] : std::string()});
     }
     return names.size() >= room;
-}
-
-std::string Folded(const std::string& text)
-{
-    gchar* const folded = g_utf8_casefold(Printable(text).c_str(), -1);
-    const std::string result = folded;
-    g_free(folded);
-    return result;
 }
 
 [[noreturn]] void RefuseAmbiguous(const std::string& name, const std::vector<const Entry*>& found)
@@ -113,8 +121,9 @@ Entry FindName(Session& session, const std::string& name)
     const Page page = ReadLevel(session, 0, INT_MAX);
     if (const auto same = OnlyMatch(page, name, [&](const Entry& entry) { return entry.name == name; })) return *same;
     const std::string folded = Folded(name);
+    const std::string pinyin = FoldedPinyin(name);
     const auto similar = [&](const Entry& entry)
-    { return Folded(entry.name) == folded || Folded(entry.pinyin) == folded; };
+    { return Folded(entry.name) == folded || (!entry.pinyin.empty() && FoldedPinyin(entry.pinyin) == pinyin); };
     if (const auto found = OnlyMatch(page, name, similar)) return *found;
     throw Failure(kUsage, "no '" + Printable(name) + "' in the current level; ipodctl ls --all shows what there is");
 }

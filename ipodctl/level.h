@@ -13,7 +13,7 @@ struct Entry
 {
     int index;
     std::string name;
-    std::string pinyin;  ///< empty when it equals the name
+    std::string pinyin;  ///< empty when it is the name, but for upper and lower case
 };
 
 /// A part of a level.

@@ -45,7 +45,7 @@ struct Options
 
 void AddOptions(CLI::App& app, Options& options)
 {
-    app.add_flag("--json", options.json, "Answer with one JSON object, events with one per line");
+    app.add_flag("--json", options.json, "Answer with one JSON object, events with one per line (ipodctl.schema.json)");
     app.add_flag("--verbose", options.verbose, "Show what the library logs, on standard error");
     app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION);
     app.footer(kExitCodes);

@@ -81,13 +81,14 @@ void Session::Connect()
     StartService();
     m_player = BuildPlayer();
     if (!m_player->InitInstance())
-        throw Failure(kNoService, std::string(kServiceName) + " left the bus while connecting; try again");
+        throw Failure(kServiceLost, "the iPod service went away while connecting; see whether it runs, then try again");
     m_log.TakeFailure();
 }
 
-// Succeeds also when the service is running already.
+// The bus may know how to start the service.
 void Session::StartService()
 {
+    if (IsServiceThere()) return;
     GVariant* const reply = AskBus(Bus(), "StartServiceByName", g_variant_new("(su)", kServiceName, 0U));
     if (reply == nullptr)
         throw Failure(kNoService, std::string("no iPod service on the bus: nobody owns ") + kServiceName +

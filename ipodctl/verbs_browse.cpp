@@ -103,6 +103,12 @@ void EnterPart(Session& session, const std::string& part)
         Enter(session, FindName(session, part));
 }
 
+// A path that ends too early has changed the level all the same.
+[[noreturn]] void RefuseRest(const Failure& failure, const std::string& entered)
+{
+    throw Failure(failure.code(), failure.what() + (entered.empty() ? "" : "; the level is now " + Printable(entered)));
+}
+
 // Parts of a path are names, also those that look like numbers.
 void EnterPath(Session& session, const std::string& path)
 {
@@ -110,7 +116,14 @@ void EnterPath(Session& session, const std::string& path)
     for (std::size_t begin = 0; begin <= path.size();)
     {
         const std::size_t end = std::min(path.find('/', begin), path.size());
-        EnterPart(session, path.substr(begin, end - begin));
+        try
+        {
+            EnterPart(session, path.substr(begin, end - begin));
+        }
+        catch (const Failure& failure)
+        {
+            RefuseRest(failure, path.substr(0, begin));
+        }
         begin = end + 1;
     }
 }

@@ -15,6 +15,7 @@ namespace
 {
 constexpr std::size_t kLongestText = 255;
 constexpr double kEchoSeconds = 5;
+constexpr int kLastSession = 65535;
 
 using Bytes = std::vector<unsigned char>;
 
@@ -96,7 +97,9 @@ struct Writing
 Run BuildWrite(CLI::App& app)
 {
     const auto writing = Argument<Writing>();
-    app.add_option("session", writing->session, "Number of the session, as eap-start told it")->required();
+    app.add_option("session", writing->session, "Number of the session, as eap-start told it")
+        ->required()
+        ->check(CLI::Range(0, kLastSession));
     app.add_option("file", writing->file, "File to send, - for standard input");
     return [writing](Context& context) -> Answer
     {
