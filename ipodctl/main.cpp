@@ -67,7 +67,7 @@ int RunVerb(const Run& run, const Options& options)
     Context context{session, out};
     const Answer answer = run(context);
     if (!answer.json.is_null()) out.Line(answer.json, answer.text);
-    return answer.code;
+    return kDone;
 }
 
 // Help and version are "errors" with code 0 to the parser.

@@ -17,7 +17,6 @@ struct Answer
 {
     Json json;
     std::string text;
-    ExitCode code = kDone;
 };
 
 /// Thrown when the reader of the output is gone: nothing is wrong, and nobody is there to be told anything.

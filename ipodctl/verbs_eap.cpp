@@ -34,6 +34,8 @@ void Init(Session& session, const EAPInfo& info)
 
 void Launch(Session& session, std::string bundle)
 {
+    if (g_utf8_validate(bundle.data(), static_cast<gssize>(bundle.size()), nullptr) == FALSE)
+        throw Failure(kUsage, "a bundle identifier is UTF-8 text, and '" + Printable(bundle) + "' is not");
     if (session.Ask([&](IQBXIpodPlayer& player) { return player.EapLaunchApp(bundle); }) != 1)
         throw Failure(kNothingDone, "the service did not launch '" + Printable(bundle) +
                                         "'; announce its protocols first: ipodctl eap init PROTOCOLS BUNDLE");
@@ -183,9 +185,9 @@ Answer Echo(Context& context, const EchoRequest& request)
     Write(session, *listener.session, Bytes(request.text.begin(), request.text.end()));
     WaitFor(loop, request.seconds, "no echo came", [&] { return listener.received.size() >= request.text.size(); });
     const std::string echo(listener.received.begin(), listener.received.end());
+    if (echo != request.text) throw Failure(kNothingDone, "what came back differs from what was sent: " + echo);
     return {{{"verb", "eap echo"}, {"session", *listener.session}, {"sent", request.text}, {"received", echo}},
-            Printable(echo),
-            echo == request.text ? kDone : kNothingDone};
+            Printable(echo)};
 }
 
 Run BuildEcho(CLI::App& app)

@@ -30,14 +30,14 @@ void PlayEntry(Session& session, const std::string& wanted)
 
 Run BuildPlay(CLI::App& app)
 {
-    const auto entry = Argument<std::string>();
+    const auto entry = Argument<std::optional<std::string>>();
     app.add_option("entry", *entry, "Index or name of a song of the current level; without it, playback goes on");
     return [entry](Context& context)
     {
-        if (entry->empty())
-            Resume(context.session);
+        if (*entry)
+            PlayEntry(context.session, **entry);
         else
-            PlayEntry(context.session, *entry);
+            Resume(context.session);
         return NowPlaying(context.session, "play");
     };
 }
@@ -56,22 +56,24 @@ Run BuildSimple(const char* verb, const char* refusal)
 
 Run BuildPause(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Pause>("pause", "the service did not pause; nothing is playing");
+    return BuildSimple<&IQBXIpodPlayer::Pause>("pause", "the service did not pause; ipodctl status shows what it does");
 }
 
 Run BuildStop(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Stop>("stop", "the service did not stop; nothing is playing");
+    return BuildSimple<&IQBXIpodPlayer::Stop>("stop", "the service did not stop; ipodctl status shows what it does");
 }
 
 Run BuildNext(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Next>("next", "there is no next track");
+    return BuildSimple<&IQBXIpodPlayer::Next>(
+        "next", "the service did not move on; ipodctl queue shows whether this is the last entry");
 }
 
 Run BuildPrevious(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Previous>("previous", "there is no previous track");
+    return BuildSimple<&IQBXIpodPlayer::Previous>(
+        "previous", "the service did not move back; ipodctl queue shows whether this is the first entry");
 }
 
 // Relative targets stop at the ends of the track; an absolute one behind its end is a mistake.

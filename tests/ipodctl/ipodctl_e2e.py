@@ -119,7 +119,8 @@ class WithoutAService(OnABus):
         for words in (["dance"], [], ["seek"], ["seek", "1:99"], ["seek", "5", "6"], ["shuffle", "sometimes"],
                       ["repeat", "two"], ["ls", "--count", "0"], ["ls", "--all", "--from", "1"], ["queue", "-1"],
                       ["queue", "x"], ["cd"], ["cd", ""], ["eap"], ["eap", "write", "70000"], ["hub", "256"],
-                      ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"]):
+                      ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"],
+                      ["eap", "launch", b"\xff"]):
             with self.subTest(words):
                 self.refused(*words, code=USAGE)
 
@@ -209,7 +210,7 @@ class WithTheSimulator(OnABus):
         self.assertEqual(self.json("previous")["index"], 0)
         last = self.json("status")["count"] - 1
         self.run_ctl("queue", str(last))
-        self.assertEqual(self.refused("next", code=NOTHING_DONE), "there is no next track")
+        self.assertIn("did not move on", self.refused("next", code=NOTHING_DONE))
         self.assertEqual(self.json("status")["index"], last)
 
     def test_seeking_goes_to_a_time_or_by_a_time(self):
@@ -283,6 +284,7 @@ class WithTheSimulator(OnABus):
         self.assertIn("cannot be entered", self.refused("cd", "0", code=NOTHING_DONE))
         self.assertIn("out of range", self.refused("play", "9999", code=USAGE))
         self.assertIn("no 'Nobody'", self.refused("play", "Nobody", code=USAGE))
+        self.assertIn("no ''", self.refused("play", "", code=USAGE))
 
     # The playing list
 
