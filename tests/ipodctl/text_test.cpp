@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 using namespace ctl;
 
 TEST(Printable, KeepsOrdinaryText)
@@ -103,6 +105,11 @@ struct SeekCase
     bool relative;
     int seconds;
 };
+
+void PrintTo(const SeekCase& seek, std::ostream* out)
+{
+    *out << seek.text;
+}
 
 class ParseSeekAccepts : public testing::TestWithParam<SeekCase>
 {
