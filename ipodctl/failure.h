@@ -1,0 +1,32 @@
+/// @file
+/// How a run of ipodctl ends when it does not end well.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace ctl
+{
+/// Exit codes. They are part of the program's interface: scripts rely on them.
+enum ExitCode : int
+{
+    kDone = 0,
+    kNothingDone = 1,  ///< the service refused, or there was nothing to do
+    kUsage = 2,        ///< unknown verb, index out of range, name not found
+    kNoBus = 3,        ///< there is no session bus
+    kNoService = 4,    ///< nobody on the bus owns the service's name
+    kNoSegments = 5,   ///< shared memory cannot be attached or written
+    kServiceLost = 6,  ///< the service went away, or did not answer
+};
+
+/// Ends the run: a code, and one line that says what is wrong and what to do.
+class Failure : public std::runtime_error
+{
+public:
+    Failure(ExitCode code, const std::string& message) : std::runtime_error(message), m_code(code) {}
+    ExitCode code() const { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+}  // namespace ctl

@@ -1,0 +1,42 @@
+#include "track.h"
+
+#include "picture.h"
+#include "text.h"
+
+namespace ctl
+{
+std::string TrackLine(const QBXiPodTrackInfo& track)
+{
+    const std::string title = track.text1.empty() ? "(no title)" : Printable(track.text1);
+    return track.text2.empty() ? title : title + " - " + Printable(track.text2);
+}
+
+Json TrackJson(const QBXiPodTrackInfo& track)
+{
+    return {{"title", track.text1},        {"artist", track.text2},       {"album", track.text3},
+            {"genre", track.text4},        {"length_ms", track.value1},   {"number", track.value2},
+            {"queue_count", track.value3}, {"picture", track.value4 == 1}};
+}
+
+bool IsEmpty(const QBXiPodTrackInfo& track)
+{
+    return track.text1.empty() && track.text2.empty() && track.text3.empty() && track.value1 == 0;
+}
+
+std::string ArtworkLine(const QBXTrackArtwork& artwork)
+{
+    const bool sized = artwork.word3 != 0 && artwork.word4 != 0;
+    return std::string(Sniff(artwork.image).mime) + ", " +
+           Count(static_cast<int>(artwork.image.size()), "byte", "bytes") +
+           (sized ? ", " + std::to_string(artwork.word3) + " x " + std::to_string(artwork.word4) : "");
+}
+
+Json ArtworkJson(const QBXTrackArtwork& artwork)
+{
+    return {{"type", artwork.image.empty() ? "none" : Sniff(artwork.image).mime},
+            {"bytes", artwork.image.size()},
+            {"reported_bytes", artwork.word2},
+            {"width", artwork.word3},
+            {"height", artwork.word4}};
+}
+}  // namespace ctl

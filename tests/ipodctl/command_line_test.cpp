@@ -1,0 +1,49 @@
+#include "command_line.h"
+
+#include <gtest/gtest.h>
+
+using namespace ctl;
+
+namespace
+{
+Run BuildNothing(CLI::App&)
+{
+    return [](Context&) { return Answer{}; };
+}
+
+std::vector<std::string> Parse(std::vector<std::string> words)
+{
+    std::vector<char*> argv;
+    words.insert(words.begin(), "ipodctl");
+    for (std::string& word : words) argv.push_back(word.data());
+    return ToParse(static_cast<int>(argv.size()), argv.data(),
+                   {{"seek", "", "", BuildNothing}, {"ls", "", "", BuildNothing}});
+}
+
+using Words = std::vector<std::string>;
+}  // namespace
+
+TEST(CommandLine, GivesTheParserTheLastArgumentFirst)
+{
+    EXPECT_EQ(Parse({"ls", "--from", "3"}), (Words{"3", "--from", "ls"}));
+}
+
+TEST(CommandLine, TellsANegativeTimeFromAnOption)
+{
+    EXPECT_EQ(Parse({"--json", "seek", "-1:30", "--verbose"}), (Words{"--verbose", "--back=1:30", "seek", "--json"}));
+    EXPECT_EQ(Parse({"ls", "-10"}), (Words{"-10", "ls"}));
+}
+
+TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
+{
+    EXPECT_THROW(Parse({"--json", "dance"}), Failure);
+    EXPECT_THROW(Parse({""}), Failure);
+    EXPECT_EQ(Parse({}), Words{});
+}
+
+TEST(WholeNumber, SaysWhatItWants)
+{
+    EXPECT_EQ(WholeNumber(1)("5"), "");
+    EXPECT_EQ(WholeNumber(1)("0"), "'0' is no whole number from 1 on");
+    EXPECT_EQ(WholeNumber(0)("-1"), "'-1' is no whole number from 0 on");
+}

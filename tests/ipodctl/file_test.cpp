@@ -1,0 +1,51 @@
+#include "file.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+
+#include "failure.h"
+
+using namespace ctl;
+
+namespace
+{
+class Files : public testing::Test
+{
+protected:
+    Files()
+    {
+        char name[] = "/tmp/ipodctl_test_XXXXXX";
+        m_folder = mkdtemp(name);
+    }
+    ~Files() override { std::filesystem::remove_all(m_folder); }
+
+    std::string m_folder;
+};
+}  // namespace
+
+TEST(WithExtension, AddsOneOnlyWhereThereIsNone)
+{
+    EXPECT_EQ(WithExtension("cover", ".png"), "cover.png");
+    EXPECT_EQ(WithExtension("cover.jpg", ".png"), "cover.jpg");
+    EXPECT_EQ(WithExtension("/tmp/a.b/cover", ".png"), "/tmp/a.b/cover.png");
+}
+
+TEST_F(Files, ComeBackAsTheyWereWritten)
+{
+    std::vector<unsigned char> bytes(10000);
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i * 7);
+    WriteFile(m_folder + "/a", bytes);
+    EXPECT_EQ(ReadFile(m_folder + "/a"), bytes);
+    WriteFile(m_folder + "/a", {});
+    EXPECT_TRUE(ReadFile(m_folder + "/a").empty());
+}
+
+TEST_F(Files, ThatCannotBeUsedSayWhy)
+{
+    EXPECT_THROW(ReadFile(m_folder + "/none"), Failure);
+    EXPECT_THROW(ReadFile(m_folder), Failure);
+    EXPECT_THROW(WriteFile(m_folder, {1}), Failure);
+    EXPECT_THROW(WriteFile("/dev/full", {1}), Failure);
+}

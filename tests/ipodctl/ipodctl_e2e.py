@@ -1,0 +1,524 @@
+#!/usr/bin/env python3
+"""Runs every verb of ipodctl against the simulator, on a bus and in a shared memory of its own."""
+import argparse
+import json
+import os
+import pty
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from schema_check import check
+
+SKIPPED = 77
+PRIVATE = "IPODCTL_E2E_PRIVATE"
+LIMIT = 20
+
+DONE, NOTHING_DONE, USAGE, NO_BUS, NO_SERVICE, NO_SEGMENTS, SERVICE_LOST = range(7)
+
+
+def enter_private_namespace():
+    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
+    unshare = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-rm"]
+    if subprocess.run(unshare + ["true"], capture_output=True).returncode != 0:
+        print("no private mount namespace here")
+        sys.exit(SKIPPED)
+    command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
+    os.environ[PRIVATE] = "1"
+    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
+
+
+def line_within(stream, seconds):
+    ready, _, _ = select.select([stream], [], [], seconds)
+    return stream.readline() if ready else ""
+
+
+class Bus:
+    """A session bus, and the environment that leads to it."""
+
+    def __init__(self):
+        command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]
+        self.daemon = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        address = line_within(self.daemon.stdout, LIMIT).strip()
+        self.environment = dict(os.environ, DBUS_SESSION_BUS_ADDRESS=address, TZ="UTC")
+        for name in ("QBX_LOG", "QBX_SOURCE_REFUSE", "NO_COLOR"):
+            self.environment.pop(name, None)
+
+    def stop(self):
+        self.daemon.kill()
+        self.daemon.wait()
+        self.daemon.stdout.close()
+
+
+def clear_shared_memory():
+    for name in os.listdir("/dev/shm"):
+        os.remove(f"/dev/shm/{name}")
+
+
+class OnABus(unittest.TestCase):
+    def setUp(self):
+        self.addCleanup(clear_shared_memory)
+        self.bus = Bus()
+        self.addCleanup(self.bus.stop)
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def start(self, *words, **options):
+        return subprocess.Popen([OPTIONS.ipodctl, *words], env=self.bus.environment, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, cwd=self.folder.name, **options)
+
+    def run_ctl(self, *words, code=DONE, data=b""):
+        """Runs it to its end; what it wrote, once its exit code is the one expected."""
+        process = self.start(*words, stdin=subprocess.PIPE)
+        out, err = process.communicate(data, timeout=LIMIT)
+        self.assertEqual(process.returncode, code, (words, out, err))
+        if code == DONE:
+            self.assertEqual(err, b"")
+        else:
+            self.assertRegex(err.decode(), r"^ipodctl: [^\n]+\n$")
+        return out
+
+    def text(self, *words, **options):
+        return self.run_ctl(*words, **options).decode()
+
+    def json(self, *words, code=DONE, **options):
+        out = self.run_ctl("--json", *words, code=code, **options).decode()
+        self.assertEqual(out.count("\n"), 1, out)
+        answer = json.loads(out)
+        self.assertEqual(check(answer, SCHEMA), [])
+        return answer
+
+    def refused(self, *words, code, **options):
+        """The message of a failure, which is the same in both forms."""
+        self.assertEqual(self.run_ctl(*words, code=code, **options), b"")
+        answer = self.json(*words, code=code, **options)
+        self.assertEqual(answer["error"]["code"], code)
+        return answer["error"]["message"]
+
+
+class WithoutAService(OnABus):
+    def test_no_bus_is_told(self):
+        self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
+        self.assertIn("no session bus", self.refused("status", code=NO_BUS))
+
+    def test_no_service_is_told_by_every_verb_and_leaves_no_segments(self):
+        for words in (["status"], ["info"], ["play"], ["play", "3"], ["pause"], ["stop"], ["next"], ["previous"],
+                      ["seek", "-10"], ["shuffle"], ["repeat", "all"], ["ls"], ["cd", "/"], ["queue"], ["devices"],
+                      ["carplay"], ["carlife"], ["button", "1"], ["hub", "0"], ["art"], ["events"],
+                      ["eap", "init", "a", "b"], ["eap", "launch", "a"], ["eap", "write", "1"], ["eap", "listen"],
+                      ["eap", "echo", "a"]):
+            with self.subTest(words):
+                self.assertIn("no iPod service", self.refused(*words, code=NO_SERVICE))
+        self.assertEqual(os.listdir("/dev/shm"), [])
+
+    def test_wrong_arguments_are_told_without_a_service(self):
+        for words in (["dance"], [], ["seek"], ["seek", "1:99"], ["seek", "5", "6"], ["shuffle", "sometimes"],
+                      ["repeat", "two"], ["ls", "--count", "0"], ["ls", "--all", "--from", "1"], ["queue", "-1"],
+                      ["queue", "x"], ["cd"], ["cd", ""], ["eap"], ["eap", "write", "70000"], ["hub", "256"],
+                      ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"],
+                      ["eap", "launch", b"\xff"]):
+            with self.subTest(words):
+                self.refused(*words, code=USAGE)
+
+    def test_help_and_version_need_nothing(self):
+        self.assertIn("Exit codes:", self.text("--help"))
+        self.assertRegex(self.text("--version"), r"^ipodctl \d+\.\d+\.\d+\n$")
+        for verb in ("status", "info", "play", "pause", "stop", "next", "previous", "seek", "shuffle", "repeat", "ls",
+                     "cd", "queue", "devices", "carplay", "carlife", "button", "hub", "art", "events", "eap"):
+            with self.subTest(verb):
+                self.assertIn("Examples:\n  ipodctl ", self.text(verb, "--help"))
+
+
+class WithTheSimulator(OnABus):
+    def setUp(self):
+        super().setUp()
+        self.simulator = subprocess.Popen([OPTIONS.simulator], env=self.bus.environment, stdout=subprocess.PIPE,
+                                          text=True)
+        self.addCleanup(self.stop_simulator)
+        self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
+
+    def stop_simulator(self):
+        self.simulator.kill()
+        self.simulator.wait()
+        self.simulator.stdout.close()
+
+    def tell(self, *words):
+        subprocess.run([OPTIONS.simulator, "tell", *words], env=self.bus.environment, check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
+
+    def play_first_song(self):
+        self.run_ctl("cd", "/Songs")
+        return self.json("play", "0")
+
+    def events(self, cause, *words):
+        """The events that a cause brings about, up to the number that is given with --count."""
+        process = self.follow("--json", "events", *words, "--timeout", "10")
+        cause()
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE, (out, err))
+        events = [json.loads(line) for line in out.decode().splitlines()]
+        for event in events:
+            self.assertEqual(check(event, SCHEMA), [])
+        return events
+
+    def follow(self, *words):
+        """A run that follows events, from the moment on from which it misses none: its log tells."""
+        process = self.start("--verbose", *words)
+        for line in process.stderr:
+            if b"Owner Name" in line:
+                return process
+        self.fail("it ended before it listened")
+
+    # What plays
+
+    def test_an_idle_device_is_shown_as_such(self):
+        self.assertTrue(self.text("status").startswith("stopped "))
+        status = self.json("status")
+        self.assertEqual((status["state"], status["index"], status["track"]), ("stopped", -1, None))
+        for words in (["info"], ["next"], ["previous"], ["pause"], ["seek", "5"], ["art"]):
+            with self.subTest(words):
+                self.refused(*words, code=NOTHING_DONE)
+
+    def test_a_song_is_played_by_its_index_and_by_its_name(self):
+        by_index = self.play_first_song()
+        self.assertEqual((by_index["state"], by_index["index"]), ("playing", 0))
+        names = [entry["name"] for entry in self.json("ls", "--all")["entries"]]
+        self.assertEqual(by_index["track"]["title"], names[0])
+        self.assertIn(names[2], self.text("play", names[2]))
+        self.assertEqual(self.json("status")["index"], 2)
+
+    def test_the_screen_shows_track_bar_modes_and_queue(self):
+        track = self.play_first_song()["track"]
+        lines = self.text("status").splitlines()
+        self.assertEqual(lines[0], track["title"])
+        self.assertEqual(lines[1], f"{track['artist']} - {track['album']}")
+        self.assertRegex(lines[2], r"^\[=*> *\] 0:0\d / \d+:\d\d$")
+        self.assertRegex(lines[3], r"^playing   shuffle off   repeat off   queue 1 of \d+   1 device$")
+
+    def test_playback_pauses_goes_on_and_stops(self):
+        self.play_first_song()
+        self.assertTrue(self.text("pause").startswith("paused: "))
+        self.assertEqual(self.json("play")["state"], "playing")
+        self.assertEqual(self.json("stop")["state"], "stopped")
+
+    def test_next_and_previous_move_within_the_list_and_end_with_it(self):
+        self.play_first_song()
+        self.assertEqual(self.json("next")["index"], 1)
+        self.assertEqual(self.json("previous")["index"], 0)
+        last = self.json("status")["count"] - 1
+        self.run_ctl("queue", str(last))
+        self.assertIn("did not move on", self.refused("next", code=NOTHING_DONE))
+        self.assertEqual(self.json("status")["index"], last)
+
+    def test_seeking_goes_to_a_time_or_by_a_time(self):
+        self.play_first_song()
+        self.run_ctl("pause")
+        for words, second in ((["90"], 90), (["1:00"], 60), (["+10"], 70), (["-1:05"], 5), (["-99"], 0)):
+            with self.subTest(words):
+                self.assertEqual(self.json("seek", *words)["position_ms"] // 1000, second)
+        self.assertIn("long", self.refused("seek", "59:59", code=USAGE))
+
+    def test_info_tells_all_of_the_track(self):
+        track = self.play_first_song()["track"]
+        self.assertEqual(self.json("info")["track"], track)
+        self.assertIn(f"genre    {track['genre']}\n", self.text("info"))
+
+    def test_a_refused_audio_source_is_told_and_nothing_plays(self):
+        self.run_ctl("cd", "/Songs")
+        self.bus.environment["QBX_SOURCE_REFUSE"] = "9"
+        self.assertIn("(code 9)", self.refused("play", "0", code=NOTHING_DONE))
+        self.assertEqual(self.json("status")["state"], "stopped")
+
+    # Modes
+
+    def test_modes_are_shown_and_set(self):
+        for verb, modes in (("shuffle", ["off", "songs", "albums"]), ("repeat", ["off", "one", "all"])):
+            for mode in modes:
+                self.assertEqual(self.json(verb, mode), {"verb": verb, "mode": mode})
+                self.assertEqual(self.text(verb), f"{verb} {mode}\n")
+
+    # The database
+
+    def test_the_root_is_listed_with_marks_for_folders(self):
+        self.assertIn("1  Artists/\n", self.text("ls"))
+        level = self.json("ls")
+        self.assertTrue(level["root"] and level["folder"])
+        self.assertEqual(level["count"], len(level["entries"]))
+
+    def test_pages_are_cut_out_of_a_level(self):
+        self.run_ctl("cd", "/Songs")
+        everything = self.json("ls", "--all")["entries"]
+        self.assertEqual(self.json("ls", "--from", "3", "--count", "4")["entries"], everything[3:7])
+        self.assertEqual(self.json("ls", "--from", str(len(everything) - 1))["entries"], everything[-1:])
+        self.assertIn("out of range", self.refused("ls", "--from", str(len(everything)), code=USAGE))
+
+    def test_pinyin_stands_in_an_aligned_column(self):
+        self.run_ctl("cd", "/Artists")
+        entries = self.json("ls")["entries"]
+        chinese = next(entry for entry in entries if entry["name"] == "周明轩")
+        self.assertEqual(chinese["pinyin"].replace(" ", ""), "zhoumingxuan")
+        lines = self.text("ls").splitlines()
+        columns = {terminal_columns(line[:line.index(entry["pinyin"])])
+                   for line, entry in zip(lines, entries) if "pinyin" in entry}
+        self.assertEqual(len(columns), 1, lines)
+
+    def test_levels_are_entered_by_index_name_pinyin_and_path(self):
+        self.assertFalse(self.json("cd", "1")["root"])
+        self.assertTrue(self.json("cd", "..")["root"])
+        self.run_ctl("cd", "artists")
+        self.run_ctl("cd", "zhou mingxuan")
+        self.assertTrue(self.json("cd", "/")["root"])
+        self.assertIn("folder", self.text("cd", "/Artists/周明轩"))
+        self.assertIn("folder", self.text("cd", "../周明轩"))
+        self.refused("cd", "/Artists/Nobody", code=USAGE)
+
+    def test_a_level_that_cannot_be_entered_is_told(self):
+        self.assertIn("root already", self.refused("cd", "..", code=NOTHING_DONE))
+        self.assertIn("out of range", self.refused("cd", "99", code=USAGE))
+        self.assertIn("no 'Nobody'", self.refused("cd", "Nobody", code=USAGE))
+        self.assertIn("is a folder", self.refused("play", "0", code=NOTHING_DONE))
+        self.run_ctl("cd", "/Songs")
+        self.assertIn("cannot be entered", self.refused("cd", "0", code=NOTHING_DONE))
+        self.assertIn("out of range", self.refused("play", "9999", code=USAGE))
+        self.assertIn("no 'Nobody'", self.refused("play", "Nobody", code=USAGE))
+        self.assertIn("no ''", self.refused("play", "", code=USAGE))
+
+    # The playing list
+
+    def test_the_playing_list_is_shown_with_a_mark_and_jumped_within(self):
+        self.assertEqual(self.text("queue"), "")
+        self.play_first_song()
+        self.assertEqual(self.json("queue", "2")["index"], 2)
+        queue = self.json("queue")
+        self.assertEqual(queue["playing"], 2)
+        marked = [line for line in self.text("queue").splitlines() if line.startswith("> ")]
+        self.assertEqual(len(marked), 1)
+        self.assertIn(queue["entries"][2]["name"], marked[0])
+        self.assertIn("out of range", self.refused("queue", "9999", code=USAGE))
+
+    # Devices
+
+    def test_devices_are_shown_and_chosen(self):
+        name = self.json("devices")["devices"][0]["name"]
+        self.assertEqual(self.text("devices"), f"0  {name}\n")
+        self.assertEqual(self.json("devices", "0")["entered"], {"index": 0, "name": name})
+        self.assertIn("out of range", self.refused("devices", "7", code=USAGE))
+
+    def test_names_of_the_service_do_not_reach_the_terminal_raw(self):
+        self.tell("attach", "Evil\033[2J\u202eName")
+        self.assertIn("Evil\ufffd[2J\ufffdName", self.text("devices"))
+        raw = self.run_ctl("--json", "devices")
+        self.assertNotIn(b"\033", raw)
+        self.assertNotIn("\u202e".encode(), raw)
+        self.assertEqual(json.loads(raw)["devices"][1]["name"], "Evil\033[2J\u202eName")
+
+    def test_detections_are_shown(self):
+        self.assertEqual(self.json("carplay")["status"], "not-detected")
+        self.assertEqual(self.text("carlife"), "carlife device not-detected\n")
+        self.tell("carplay", "on", "--serial", "F17")
+        self.tell("carlife", "unsupported")
+        self.assertEqual(self.text("carplay"), "carplay device detected\n")
+        self.assertEqual(self.json("carlife")["status"], "unsupported")
+
+    def test_buttons_and_the_hub_are_reached(self):
+        self.assertEqual(self.json("button", "1", "--held", "500")["held_ms"], 500)
+        self.assertEqual(self.text("hub", "0"), "hub test mode 0 sent\n")
+
+    # Artwork
+
+    def test_the_picture_is_written_under_a_name_with_its_extension(self):
+        self.play_first_song()
+        answer = self.json("art", "cover")
+        self.assertEqual((answer["file"], answer["type"]), ("cover.png", "image/png"))
+        with open(os.path.join(self.folder.name, "cover.png"), "rb") as file:
+            picture = file.read()
+        self.assertEqual(len(picture), answer["bytes"])
+        self.assertEqual(picture[:4], b"\x89PNG")
+        size = (int.from_bytes(picture[16:20], "big"), int.from_bytes(picture[20:24], "big"))
+        self.assertEqual(size, (answer["width"], answer["height"]))
+        self.assertEqual(self.run_ctl("art", "-"), picture)
+        self.assertTrue(self.text("art").startswith("artwork.png: image/png, "))
+        self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
+
+    # Events
+
+    def test_events_come_one_per_line_until_there_are_enough(self):
+        def cause():
+            self.tell("call", "--status", "ringing", "--name", "Li Lei", "--number", "123")
+            self.tell("battery", "--level", "80", "--charging")
+            self.tell("wireless", "on", "--address", "00:11:22:33:44:55")
+            self.tell("pairing", "00:11:22:33:44:55", "--hex", "0a1b")
+            self.tell("location", "on")
+            self.tell("app", "com.example.maps")
+            self.tell("source", "off")
+            self.tell("carplay", "on", "--serial", "F17")
+            self.tell("carlife", "on")
+
+        events = self.events(cause, "--no-progress", "--count", "9")
+        self.assertEqual([event["event"] for event in events],
+                         ["phone-call", "battery", "wireless-carplay", "pairing", "location", "foreground-app",
+                          "source", "carplay", "carlife"])
+        self.assertEqual((events[0]["status"], events[0]["name"]), ("ringing", "Li Lei"))
+        self.assertEqual((events[1]["percent"], events[3]["hex"]), (80, "0a1b"))
+
+    def test_playback_tells_of_track_list_state_modes_and_progress(self):
+        def cause():
+            self.play_first_song()
+            self.run_ctl("shuffle", "songs")
+            self.run_ctl("repeat", "all")
+
+        names = {event["event"] for event in self.events(cause, "--count", "8")}
+        self.assertLessEqual({"track", "artwork", "queue-size", "play-status", "shuffle", "repeat", "progress"}, names)
+
+    def test_accessory_sessions_are_events_too(self):
+        def cause():
+            self.tell("eap-open")
+            self.tell("eap-data", "1", "--text", "hi")
+            self.tell("eap-close", "1")
+
+        events = self.events(cause, "--count", "3")
+        self.assertEqual([event["event"] for event in events], ["eap-start", "eap-data", "eap-stop"])
+        self.assertEqual(events[1]["hex"], b"hi".hex())
+
+    def test_following_ends_with_its_time(self):
+        self.assertEqual(self.run_ctl("events", "--no-progress", "--timeout", "0.3"), b"")
+        self.assertIn("0 of 2", self.refused("events", "--count", "2", "--timeout", "0.3", code=NOTHING_DONE))
+
+    def test_following_ends_with_ctrl_c(self):
+        process = self.follow("events")
+        self.tell("battery", "--level", "5")
+        self.assertIn("battery", line_within(process.stdout, LIMIT).decode())
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        self.assertNotIn(b"ipodctl:", err)
+
+    def test_following_ends_when_nobody_reads(self):
+        process = self.follow("events")
+        process.stdout.close()
+        self.assertEqual(process.wait(timeout=LIMIT), DONE)
+        self.assertNotIn(b"ipodctl:", process.stderr.read())
+        process.stderr.close()
+
+    def test_a_list_that_nobody_reads_to_its_end_is_no_failure(self):
+        self.run_ctl("cd", "/Songs")
+        process = self.start("ls", "--all")
+        process.stdout.close()
+        self.assertEqual(process.wait(timeout=LIMIT), DONE)
+        self.assertEqual(process.stderr.read(), b"")
+        process.stderr.close()
+
+    # Accessory sessions
+
+    def test_an_echo_comes_back(self):
+        self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
+        self.assertEqual(self.json("eap", "echo", "你好")["received"], "你好")
+
+    def test_a_session_is_announced_launched_and_written_to(self):
+        self.assertIn("announce", self.refused("eap", "launch", "com.example.app", code=NOTHING_DONE))
+        self.json("eap", "init", "com.example.echo", "com.example.app")
+        listener = self.follow("eap", "listen", "--count", "2", "--timeout", "10")
+        self.json("eap", "launch", "com.example.app")
+        self.assertEqual(self.json("eap", "write", "1", data=b"from stdin")["bytes"], 10)
+        out, _ = listener.communicate(timeout=LIMIT)
+        self.assertEqual(listener.returncode, DONE)
+        self.assertRegex(out.decode(), r"eap-start .*session 1, protocol 0\n.*eap-data .*10 bytes: from stdin\n$")
+
+    def test_bytes_that_cannot_be_sent_are_told(self):
+        self.assertIn("session 77", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
+        self.assertIn("2000000 bytes", self.refused("eap", "write", "1", data=bytes(2000000), code=NO_SEGMENTS))
+        self.assertIn("cannot read", self.refused("eap", "write", "1", "/nonexistent", code=USAGE))
+
+    # The service, misbehaving
+
+    def test_a_service_that_dies_while_events_are_followed_is_told(self):
+        process = self.follow("events", "--no-progress")
+        self.simulator.kill()
+        _, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, SERVICE_LOST)
+        self.assertIn(b"left the bus", err)
+
+    def test_a_service_that_dies_during_a_call_is_told(self):
+        self.simulator.send_signal(signal.SIGSTOP)
+        process = self.start("status")
+        time.sleep(0.5)
+        self.assertIsNone(process.poll())
+        self.simulator.kill()
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
+        self.assertIn(b"went away", err)
+
+    def test_a_bus_that_goes_away_while_events_are_followed_is_told(self):
+        process = self.follow("events", "--no-progress")
+        self.bus.daemon.kill()
+        _, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, SERVICE_LOST)
+        self.assertIn(b"bus closed", err)
+
+    def test_segments_that_cannot_be_attached_are_told(self):
+        for name in os.listdir("/dev/shm"):
+            os.rename(f"/dev/shm/{name}", f"/dev/shm/hidden-{name}")
+        os.mkdir("/dev/shm/ListVectorSharedMemory")
+        self.addCleanup(os.rmdir, "/dev/shm/ListVectorSharedMemory")
+        self.assertIn("shared memory", self.refused("status", code=NO_SEGMENTS))
+
+    # What goes where
+
+    def test_verbose_shows_the_log_on_standard_error_only(self):
+        process = self.start("--verbose", "pause", "--json")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, NOTHING_DONE)
+        self.assertIn(b"INFO  libipod/QBXIpod_MediaPlayer_Client Pause", err)
+        self.assertEqual(check(json.loads(out), SCHEMA), [])
+
+    def test_a_terminal_gets_colour_unless_it_is_not_wanted(self):
+        self.play_first_song()
+        self.assertIn("\033[", self.on_terminal("status"))
+        self.assertNotIn("\033", self.on_terminal("status", "--json"))
+        self.bus.environment["NO_COLOR"] = "1"
+        self.assertNotIn("\033", self.on_terminal("status"))
+
+    def test_progress_is_one_line_of_a_terminal(self):
+        self.play_first_song()
+        shown = self.on_terminal("events", "--count", "2", "--timeout", "10")
+        self.assertRegex(shown, r"^(\r\033\[K\[=*> *\] 0:0\d / \d+:\d\d){2}\r\n$")
+
+    def on_terminal(self, *words):
+        main, terminal = pty.openpty()
+        process = subprocess.Popen([OPTIONS.ipodctl, *words], stdout=terminal, stderr=terminal,
+                                   env=dict(self.bus.environment, TERM="xterm"))
+        os.close(terminal)
+        shown = b""
+        while select.select([main], [], [], LIMIT)[0]:
+            try:
+                shown += os.read(main, 4096)
+            except OSError:
+                break
+        os.close(main)
+        self.assertEqual(process.wait(timeout=LIMIT), DONE)
+        return shown.decode()
+
+
+def terminal_columns(text):
+    return sum(2 if ord(character) > 0x2E80 else 1 for character in text)
+
+
+def parse_options():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--ipodctl", required=True)
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("--schema", required=True)
+    parser.add_argument("tests", nargs="*")
+    return parser.parse_args()
+
+
+if __name__ == "__main__":
+    OPTIONS = parse_options()
+    if PRIVATE not in os.environ:
+        enter_private_namespace()
+    with open(OPTIONS.schema, encoding="utf-8") as schema_file:
+        SCHEMA = json.load(schema_file)
+    unittest.main(argv=[sys.argv[0], "-v", *OPTIONS.tests])

@@ -1,0 +1,34 @@
+#include "table.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "text.h"
+
+using ctl::Table;
+
+TEST(Table, AlignsWideNamesByTheirColumns)
+{
+    EXPECT_EQ(Table({{"0", "周杰伦", "zhou jie lun"}, {"1", "Adele", ""}, {"2", "Bo", "x"}}, INT_MAX),
+              "0  周杰伦  zhou jie lun\n"
+              "1  Adele\n"
+              "2  Bo      x");
+}
+
+TEST(Table, CutsTheWidestColumnToFitATerminal)
+{
+    const std::string text = Table({{"0", std::string(100, 'a')}}, 20);
+    EXPECT_EQ(text, "0  " + std::string(16, 'a') + "…");
+    EXPECT_EQ(ctl::Width(text), 20);
+}
+
+TEST(Table, LeavesSomethingOnATerminalThatIsTooNarrow)
+{
+    EXPECT_EQ(Table({{"0", "abcdefghijkl"}}, 5), "0  abcdefg…");
+}
+
+TEST(Table, OfNothingIsEmpty)
+{
+    EXPECT_EQ(Table({}, 80), "");
+}
