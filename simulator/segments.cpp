@@ -21,7 +21,7 @@ namespace bip = boost::interprocess;
 // Whether somebody has begun to create the segment and not finished: its first word is 0 or 1 till then.
 bool HalfMade(const char* name)
 {
-    const int object = shm_open(name, O_RDONLY, 0);
+    const int object = shm_open(name, O_RDONLY | O_NONBLOCK, 0);
     if (object < 0) return false;
     std::uint32_t state = 0;
     const bool finished = pread(object, &state, sizeof(state), 0) == ssize_t{sizeof(state)} && state > 1;
