@@ -1,9 +1,9 @@
 // Commands and events while no client was ever built in the process. Applications cannot get there, because they
 // need a client to call: this program links the library's units and clears the flag.
+#include "QBXIpod_MediaPlayer_Client.h"
 #include "bus/bus_test.h"
 #include "bus/command_table.h"
 #include "internal/module_state.h"
-#include "internal/signal_callbacks.h"
 #include "support/fake_source.h"
 #include "support/shared_vectors.h"
 
