@@ -269,7 +269,7 @@ TEST_F(DispatchTest, PairingInformationMayBeEmpty)
     EXPECT_THAT(LogLines(), ElementsAre("40 OnOOBPairingInfo: OnOOBPairingInfo() - , 0"));
 }
 
-TEST_F(DispatchTest, AnyNonZeroBooleanOfTheSignalIsTrue)
+TEST_F(DispatchTest, AFlagThatIsNotSetIsShownAsZero)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
