@@ -26,6 +26,7 @@ QBXCriticalSection Singleton::ms_cs{};
 namespace qbx
 {
 int clientCreated = 0;
+unsigned clientsBuilt = 0;
 ComZarnLinuxIpod* serviceProxy = nullptr;
 }  // namespace qbx
 
@@ -61,6 +62,7 @@ void QBX_DestroyIpodPlayer()
 QBXIpod_MediaPlayer_Client::QBXIpod_MediaPlayer_Client()
 {
     clientCreated = 1;
+    ++qbx::clientsBuilt;
     InitShareMemory();
 }
 
@@ -69,9 +71,10 @@ QBXIpod_MediaPlayer_Client::~QBXIpod_MediaPlayer_Client()
     LOG_INFO("%s()", __func__);
 }
 
-QBXIpod_MediaPlayer_Client* QBXIpod_MediaPlayer_Client::Live(const void* object)
+QBXIpod_MediaPlayer_Client* QBXIpod_MediaPlayer_Client::Live(ComZarnLinuxIpod* proxy, const void* object)
 {
-    return object == Singleton::ms_pSingleton ? Singleton::ms_pSingleton : nullptr;
+    const bool lives = object == Singleton::ms_pSingleton && qbx::SubscriberOf(proxy) == qbx::clientsBuilt;
+    return lives ? Singleton::ms_pSingleton : nullptr;
 }
 
 bool QBXIpod_MediaPlayer_Client::InitInstance()

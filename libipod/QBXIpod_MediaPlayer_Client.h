@@ -4,6 +4,7 @@
 #pragma once
 
 #include <IQBXIpodPlayer.h>
+#include <ipod_dbus.h>
 
 class QBXIpod_MediaPlayer_Client : public IQBXIpodPlayer, public IQBXAppListener
 {
@@ -11,8 +12,9 @@ public:
     QBXIpod_MediaPlayer_Client();
     ~QBXIpod_MediaPlayer_Client() override;
 
-    /// The client that @p object points to, or null when it was destroyed since: signal connections outlive it.
-    static QBXIpod_MediaPlayer_Client* Live(const void* object);
+    /// The client that @p object points to and that subscribed to @p proxy, or null when it was destroyed since:
+    /// signal connections outlive it, and its successor may have the same address.
+    static QBXIpod_MediaPlayer_Client* Live(ComZarnLinuxIpod* proxy, const void* object);
 
     bool InitInstance() override;
     bool ExitInstance() override;

@@ -55,10 +55,10 @@ void QBXIpod_MediaPlayer_Client::OnIpodArtworkChange(QBXTrackArtwork artwork)
 
 namespace qbx
 {
-gboolean CallBack_OnIpodArtworkChange(ComZarnLinuxIpod*, GVariant* artwork, gpointer client)
+gboolean CallBack_OnIpodArtworkChange(ComZarnLinuxIpod* proxy, GVariant* artwork, gpointer client)
 {
     QBXTrackArtwork decoded = ToArtwork(DecodeRecord<ArtworkHead>(artwork));
     decoded.image = ImageIn(g_VecArtworkChangeBufferShareMemory);
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnIpodArtworkChange, std::move(decoded));
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodArtworkChange, std::move(decoded));
 }
 }  // namespace qbx

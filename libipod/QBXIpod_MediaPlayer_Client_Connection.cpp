@@ -11,6 +11,7 @@ namespace
 constexpr char kBusName[] = "com.zarn.linux.ipod";
 constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 constexpr int kLastRetry = 5;
+constexpr char kSubscriber[] = "qbx-subscriber";
 
 // Stores the new proxy, also when it is null.
 bool CreateProxy(GError** error)
@@ -63,6 +64,19 @@ const SignalRow kSignals[] = {
 };
 }  // namespace
 
+namespace qbx
+{
+void NoteSubscriber(ComZarnLinuxIpod* proxy)
+{
+    g_object_set_data(G_OBJECT(proxy), kSubscriber, GUINT_TO_POINTER(clientsBuilt));
+}
+
+unsigned SubscriberOf(ComZarnLinuxIpod* proxy)
+{
+    return GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(proxy), kSubscriber));
+}
+}  // namespace qbx
+
 // After a failed attempt a successful one does not end the loop: only further failures do (docs/oddities.md).
 bool QBXIpod_MediaPlayer_Client::InitDBusConnect()
 {
@@ -95,6 +109,7 @@ bool QBXIpod_MediaPlayer_Client::InitDBusConnect()
 
 void QBXIpod_MediaPlayer_Client::RegisterDBusSignal()
 {
+    qbx::NoteSubscriber(serviceProxy);
     for (const SignalRow& row : kSignals)
         g_signal_connect_data(serviceProxy, row.name, row.callback, this, nullptr, static_cast<GConnectFlags>(0));
 }

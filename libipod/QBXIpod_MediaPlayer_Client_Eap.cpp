@@ -57,9 +57,9 @@ void QBXIpod_MediaPlayer_Client::OnIpodReceiveEapData(unsigned short session, st
 
 namespace qbx
 {
-gboolean CallBack_OnIpodReceiveEapData(ComZarnLinuxIpod*, guchar session, gpointer client)
+gboolean CallBack_OnIpodReceiveEapData(ComZarnLinuxIpod* proxy, guchar session, gpointer client)
 {
     std::vector<unsigned char> data = CopyBytes(TakeSnapshot(g_VecEapReadBufferShareMemory, bufferMapping));
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnIpodReceiveEapData, session, data);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodReceiveEapData, session, data);
 }
 }  // namespace qbx

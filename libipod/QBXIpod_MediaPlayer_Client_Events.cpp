@@ -155,33 +155,33 @@ void QBXIpod_MediaPlayer_Client::OnOOBPairingInfo(std::string btAddress, const s
 
 namespace qbx
 {
-gboolean CallBack_OnIpodPlayingTrackChange(ComZarnLinuxIpod*, gint index, GVariant* trackInfo, gpointer client)
+gboolean CallBack_OnIpodPlayingTrackChange(ComZarnLinuxIpod* proxy, gint index, GVariant* trackInfo, gpointer client)
 {
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnIpodPlayingTrackChange, index,
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodPlayingTrackChange, index,
                    ToTrackInfo(DecodeRecord<TrackRecord>(trackInfo)));
 }
 
-gboolean CallBack_OnCarplayDeviceDetectStatusChange(ComZarnLinuxIpod*, guchar status, const gchar* serialNumber,
+gboolean CallBack_OnCarplayDeviceDetectStatusChange(ComZarnLinuxIpod* proxy, guchar status, const gchar* serialNumber,
                                                     gpointer client)
 {
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnCarplayDeviceDetectStatusChange, status, serialNumber);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnCarplayDeviceDetectStatusChange, status, serialNumber);
 }
 
-gboolean CallBack_OnIpodAPPBundleNameChange(ComZarnLinuxIpod*, const gchar* bundleName, gpointer client)
+gboolean CallBack_OnIpodAPPBundleNameChange(ComZarnLinuxIpod* proxy, const gchar* bundleName, gpointer client)
 {
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnIpodAPPBundleNameChange, bundleName);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodAPPBundleNameChange, bundleName);
 }
 
-gboolean CallBack_OnWirelessCarPlayUpdate(ComZarnLinuxIpod*, gboolean available, const gchar* deviceAddress,
+gboolean CallBack_OnWirelessCarPlayUpdate(ComZarnLinuxIpod* proxy, gboolean available, const gchar* deviceAddress,
                                           gpointer client)
 {
     const std::string address = deviceAddress;
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnWirelessCarPlayUpdate, available, address);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnWirelessCarPlayUpdate, available, address);
 }
 
-gboolean CallBack_OnOOBPairingInfo(ComZarnLinuxIpod*, const gchar* btAddress, GVariant* bytes, gpointer client)
+gboolean CallBack_OnOOBPairingInfo(ComZarnLinuxIpod* proxy, const gchar* btAddress, GVariant* bytes, gpointer client)
 {
     const std::vector<unsigned char> info = PairingBytes(bytes);
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnOOBPairingInfo, btAddress, info);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnOOBPairingInfo, btAddress, info);
 }
 }  // namespace qbx

@@ -77,9 +77,9 @@ std::string Text(const std::optional<T>& member)
 
 namespace qbx
 {
-gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* value, gpointer client)
+gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod* proxy, GVariant* value, gpointer client)
 {
-    if (QBXIpod_MediaPlayer_Client::Live(client) == nullptr) return FALSE;
+    if (QBXIpod_MediaPlayer_Client::Live(proxy, client) == nullptr) return FALSE;
     ipod::iPodPhoneCall message;
     if (!Parse(value, message)) return FALSE;
     const iPodPhoneCall_t call = ToPhoneCall(message);
@@ -90,17 +90,17 @@ gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod*, GVariant* value, gpoi
         Text(call.Direction).c_str(), Text(call.CallUUID).c_str(), Text(call.AddressBookID).c_str(),
         Text(call.Label).c_str(), Text(call.Service).c_str(), Text(call.IsConferenced).c_str(),
         Text(call.ConferenceGroup).c_str(), Text(call.DisconnectReason).c_str(), Text(call.StartTimestamp).c_str());
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnIpodPhoneCallChange, call);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodPhoneCallChange, call);
 }
 
-gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod*, GVariant* value, gpointer client)
+gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod* proxy, GVariant* value, gpointer client)
 {
-    if (QBXIpod_MediaPlayer_Client::Live(client) == nullptr) return FALSE;
+    if (QBXIpod_MediaPlayer_Client::Live(proxy, client) == nullptr) return FALSE;
     ipod::iPodBattery message;
     if (!Parse(value, message)) return FALSE;
     const iPodBattery_t battery = ToBattery(message);
     LOG_DEBUG("%s BatteryChargingStatus:%s, BatteryChargeLevel:%s", __func__,
               Text(battery.BatteryChargingStatus).c_str(), Text(battery.BatteryChargeLevel).c_str());
-    return Deliver(client, &QBXIpod_MediaPlayer_Client::OnIpodBatteryChange, battery);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodBatteryChange, battery);
 }
 }  // namespace qbx

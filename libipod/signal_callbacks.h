@@ -13,9 +13,10 @@ namespace qbx
 {
 /// Calls @p operation, each argument converted to the type of the public interface. GLib ignores the result.
 template <class... Params, class... Args>
-gboolean Deliver(gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(Params...), Args&&... args)
+gboolean Deliver(ComZarnLinuxIpod* proxy, gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(Params...),
+                 Args&&... args)
 {
-    QBXIpod_MediaPlayer_Client* const live = QBXIpod_MediaPlayer_Client::Live(client);
+    QBXIpod_MediaPlayer_Client* const live = QBXIpod_MediaPlayer_Client::Live(proxy, client);
     if (live == nullptr) return FALSE;
     (live->*operation)(static_cast<Params>(std::forward<Args>(args))...);
     return TRUE;
@@ -32,9 +33,9 @@ struct CallbackFor<void (*)(ComZarnLinuxIpod*, Args...)>
 
     /// For signals whose arguments are plain integers: they are passed on unchanged.
     template <auto Operation>
-    static gboolean Forward(ComZarnLinuxIpod*, Args... args, gpointer client)
+    static gboolean Forward(ComZarnLinuxIpod* proxy, Args... args, gpointer client)
     {
-        return Deliver(client, Operation, args...);
+        return Deliver(proxy, client, Operation, args...);
     }
 };
 

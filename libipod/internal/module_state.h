@@ -10,6 +10,15 @@ namespace qbx
 /// 1 once a client was built in this process; never cleared, not even when the client is destroyed.
 extern int clientCreated;
 
+/// Counts the clients built so far, and so tells one from its successor at the same address.
+extern unsigned clientsBuilt;
+
+/// Notes that the client built last subscribes to the signals of @p proxy.
+void NoteSubscriber(ComZarnLinuxIpod* proxy);
+
+/// The number of the client that subscribed to @p proxy.
+unsigned SubscriberOf(ComZarnLinuxIpod* proxy);
+
 /// The proxy that all commands use; null until InitInstance() created one. Never released.
 extern ComZarnLinuxIpod* serviceProxy;
 }  // namespace qbx

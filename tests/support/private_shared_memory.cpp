@@ -46,7 +46,7 @@ bool MountOwnSharedMemory()
 void WaitForOtherTests()
 {
     const auto path = std::filesystem::temp_directory_path() / "libipod-tests.lock";
-    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    const int file = open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
     if (file >= 0 && flock(file, LOCK_EX) == 0) return;
     std::perror(path.c_str());
     std::exit(EXIT_FAILURE);

@@ -1,0 +1,54 @@
+/// @file
+/// What the tests of this folder start from.
+#pragma once
+
+#include <IQBXIpodPlayer.h>
+#include <gmock/gmock.h>
+
+#include "support/fake_service.h"
+#include "support/log_capture.h"
+#include "support/private_bus.h"
+#include "support/recording_listener.h"
+#include "support/run_loop.h"
+#include "support/text.h"
+
+namespace test
+{
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+/// Checks at its end that every log record names its file and its lengths as it must.
+class ClientTest : public testing::Test
+{
+protected:
+    void TearDown() override;
+};
+
+/// A bus with a service on it.
+class ServiceTest : public ClientTest
+{
+protected:
+    /// The player, connected to the service; the log is empty afterwards.
+    IQBXIpodPlayer& Connected();
+
+    /// Sends a signal and runs the main loop until the client has had it.
+    void Deliver(const std::string& signal, const std::string& body);
+
+    /// The same with a body that the contract need not allow. Takes a floating reference.
+    void DeliverBody(const std::string& signal, GVariant* body);
+
+    PrivateBus bus;
+    FakeService service;
+};
+
+/// A bus without the service.
+class NoServiceTest : public ClientTest
+{
+protected:
+    /// The player after an InitInstance() that found no service; the log is empty afterwards.
+    IQBXIpodPlayer& Unconnected();
+
+    PrivateBus bus;
+};
+}  // namespace test

@@ -1,0 +1,78 @@
+// The signal callbacks called as GLib calls them, with what no bus would carry, and for their results, which no
+// application sees. This program links the library's units.
+#include "QBXIpod_MediaPlayer_Client.h"
+#include "bus/bus_test.h"
+#include "internal/module_state.h"
+#include "signal_callbacks.h"
+
+namespace test
+{
+namespace
+{
+class CallbackTest : public ServiceTest
+{
+protected:
+    void SetUp() override
+    {
+        client = &Connected();
+        client->AddListener(&listener);
+    }
+
+    // A variant in text, owned by the test.
+    GVariant* Variant(const char* text)
+    {
+        variant = g_variant_ref_sink(g_variant_new_parsed(text));
+        return variant;
+    }
+
+    void TearDown() override
+    {
+        if (variant != nullptr) g_variant_unref(variant);
+        ServiceTest::TearDown();
+    }
+
+    Journal journal;
+    RecordingListener listener{journal, "app"};
+    IQBXIpodPlayer* client = nullptr;
+    GVariant* variant = nullptr;
+};
+
+TEST_F(CallbackTest, AFlagOfTwoIsTrue)
+{
+    EXPECT_EQ(qbx::CallBack_OnWirelessCarPlayUpdate(qbx::serviceProxy, 2, "address", client), TRUE);
+
+    EXPECT_THAT(journal, ElementsAre("app.OnWirelessCarPlayUpdate(true, \"address\")"));
+    EXPECT_THAT(LogLines(), ElementsAre("40 OnWirelessCarPlayUpdate: OnWirelessCarPlayUpdate() - 1, address"));
+}
+
+TEST_F(CallbackTest, ADispatchedEventReturnsTrueAlsoWithoutAListener)
+{
+    client->RemoveListener(&listener);
+
+    EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), TRUE);
+    EXPECT_EQ(qbx::CallBack_OnIpodReceiveEapData(qbx::serviceProxy, 1, client), TRUE);
+    EXPECT_EQ(qbx::CallBack_OnIpodBatteryChange(qbx::serviceProxy, Variant("<[byte 8, 1]>"), client), TRUE);
+}
+
+TEST_F(CallbackTest, ADroppedEventReturnsFalse)
+{
+    GVariant* const empty = Variant("<@ay []>");
+
+    EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, empty, client), FALSE);
+    EXPECT_EQ(qbx::CallBack_OnIpodBatteryChange(qbx::serviceProxy, empty, client), FALSE);
+    EXPECT_THAT(journal, IsEmpty());
+}
+
+TEST_F(CallbackTest, ANullVariantIsNoCrash)
+{
+    EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, nullptr, client), FALSE);
+    EXPECT_EQ(qbx::CallBack_OnIpodBatteryChange(qbx::serviceProxy, nullptr, client), FALSE);
+    qbx::CallBack_OnIpodPlayingTrackChange(qbx::serviceProxy, 1, nullptr, client);
+    qbx::CallBack_OnIpodArtworkChange(qbx::serviceProxy, nullptr, client);
+    qbx::CallBack_OnOOBPairingInfo(qbx::serviceProxy, "a", nullptr, client);
+
+    EXPECT_THAT(journal, ElementsAre("app.OnIpodPlayingTrackChange(1, \"\", \"\", \"\", \"\", 0, 0, 0, 0)",
+                                     "app.OnIpodArtworkChange(0, 0, 0, 0, [])", "app.OnOOBPairingInfo(\"a\", [])"));
+}
+}  // namespace
+}  // namespace test

@@ -1,0 +1,182 @@
+// The one player object: built, destroyed, built again.
+#include <QBXIpodShareMemory.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "bus/bus_test.h"
+
+namespace test
+{
+namespace
+{
+constexpr char kConnectStart[] = "40 QBX_GetIpodPlayer: QBX_Dbus_Connect_Init(TunerService Lib):AppMgr Connect Start.";
+
+using LifeCycleTest = ClientTest;
+using LifeCycleWithServiceTest = ServiceTest;
+
+// No process can map it, nor wait for it.
+void PutPipeInPlaceOfListSegment()
+{
+    ASSERT_EQ(mkfifo((std::string("/dev/shm/") + kListSegmentName).c_str(), 0600), 0);
+}
+
+TEST_F(LifeCycleTest, TheAccessorReturnsTheSameObjectAndLogsConnectStartOnce)
+{
+    IQBXIpodPlayer* const first = QBX_GetIpodPlayer();
+    IQBXIpodPlayer* const second = QBX_GetIpodPlayer();
+
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(first, second);
+    EXPECT_THAT(LogLines(), ElementsAre(kConnectStart, "40 InitShareMemory: InitShareMemory()"));
+    EXPECT_EQ(LogFormats().back(), "40 InitShareMemory: %s()");
+}
+
+TEST_F(LifeCycleTest, DestroyingWithoutAnObjectDoesNothing)
+{
+    QBX_DestroyIpodPlayer();
+    QBX_DestroyIpodPlayer();
+
+    EXPECT_THAT(LogLines(), IsEmpty());
+    EXPECT_NE(QBX_GetIpodPlayer(), nullptr);
+}
+
+TEST_F(LifeCycleTest, ANewObjectAfterDestructionDoesNotLogConnectStartAgain)
+{
+    QBX_GetIpodPlayer();
+    ClearLog();
+
+    QBX_DestroyIpodPlayer();
+    IQBXIpodPlayer* const second = QBX_GetIpodPlayer();
+
+    EXPECT_NE(second, nullptr);
+    EXPECT_EQ(second->GetListenerCount(), 0U);
+    EXPECT_THAT(LogLines(), ElementsAre("40 ~QBXIpod_MediaPlayer_Client: ~QBXIpod_MediaPlayer_Client()",
+                                        "40 InitShareMemory: InitShareMemory()"));
+    EXPECT_EQ(LogFormats().front(), "40 ~QBXIpod_MediaPlayer_Client: %s()");
+}
+
+TEST_F(LifeCycleTest, DestructionTellsListenersNothing)
+{
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    QBX_GetIpodPlayer()->AddListener(&listener);
+
+    QBX_DestroyIpodPlayer();
+
+    EXPECT_THAT(journal, IsEmpty());
+}
+
+TEST_F(LifeCycleTest, ManyThreadsGetTheSameObject)
+{
+    std::vector<std::future<IQBXIpodPlayer*>> players;
+    for (int i = 0; i < 8; ++i) players.push_back(std::async(std::launch::async, QBX_GetIpodPlayer));
+
+    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
+
+    for (auto& other : players) EXPECT_EQ(other.get(), player);
+    EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
+}
+
+TEST_F(LifeCycleWithServiceTest, ExitInstanceLogsSucceedsAndChangesNothing)
+{
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    IQBXIpodPlayer& player = Connected();
+    player.AddListener(&listener);
+    service.Answer("Next", "(true,)");
+
+    const bool exited = player.ExitInstance();
+
+    EXPECT_TRUE(exited);
+    EXPECT_THAT(LogLines(), ElementsAre("40 ExitInstance: ExitInstance()"));
+    EXPECT_EQ(LogFormats().front(), "40 ExitInstance: %s()");
+    EXPECT_TRUE(player.Next());
+    Deliver("OnIpodPlayingListAmountChange", "(3,)");
+    EXPECT_THAT(journal, ElementsAre("app.OnIpodPlayingListAmountChange(3)"));
+}
+
+TEST_F(LifeCycleWithServiceTest, ANewObjectUsesTheProxyOfTheOldOne)
+{
+    service.Answer("GetRepeatMode", "(1,)");
+    Connected();
+    QBX_DestroyIpodPlayer();
+
+    EXPECT_EQ(QBX_GetIpodPlayer()->GetRepeatMode(), 1);
+}
+
+TEST_F(LifeCycleWithServiceTest, EventsForADestroyedObjectAreDropped)
+{
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected().AddListener(&listener);
+    QBX_DestroyIpodPlayer();
+    ClearLog();
+
+    Deliver("OnPlayStatusChanged", "(1,)");
+    Deliver("OnIpodPhoneCallChange", "(<[byte 10, 1, 49]>,)");
+    Deliver("OnIpodArtworkChange", "(<@ay []>,)");
+    Deliver("OnIpodReceiveEapData", "(1,)");
+
+    EXPECT_THAT(journal, IsEmpty());
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(LifeCycleWithServiceTest, ARebuiltAndInitialisedObjectGetsEachEventOnce)
+{
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected();
+    QBX_DestroyIpodPlayer();
+    Connected().AddListener(&listener);
+
+    Deliver("OnPlayStatusChanged", "(1,)");
+
+    EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(1)"));
+}
+
+TEST_F(LifeCycleTest, AnExceptionWhileBuildingLeavesTheLockHeld)
+{
+    PutPipeInPlaceOfListSegment();
+
+    EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
+
+    auto* const other = new std::promise<IQBXIpodPlayer*>;
+    std::future<IQBXIpodPlayer*> player = other->get_future();
+    std::thread([other] { other->set_value(QBX_GetIpodPlayer()); }).detach();
+    EXPECT_EQ(player.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+}
+
+TEST_F(LifeCycleTest, AnExceptionWhileBuildingIsNotRepeatedByTheSameThread)
+{
+    PutPipeInPlaceOfListSegment();
+    EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
+    ClearLog();
+
+    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
+
+    EXPECT_NE(player, nullptr);
+    EXPECT_THAT(LogLines(), ElementsAre("40 InitShareMemory: InitShareMemory()"));
+    EXPECT_EQ(g_VecDBListShareMemory, nullptr);
+    EXPECT_EQ(g_VecEapReadBufferShareMemory, nullptr);
+}
+
+TEST_F(LifeCycleWithServiceTest, CommandsWorkAfterAnExceptionWhileBuildingAndListsAreEmpty)
+{
+    PutPipeInPlaceOfListSegment();
+    EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("Next", "(true,)");
+    service.Answer("GetDeviceList", "(true,)");
+    std::vector<std::string> list = {"before"};
+    std::vector<unsigned char> data = {1};
+
+    EXPECT_TRUE(player.Next());
+    EXPECT_EQ(player.GetDeviceList(list), 1);
+    EXPECT_THAT(list, IsEmpty());
+    EXPECT_THROW(player.EapWrite(1, data), boost::interprocess::interprocess_exception);
+}
+}  // namespace
+}  // namespace test

@@ -1,0 +1,214 @@
+// Pages of names: what the shared vectors hold is what the caller gets.
+#include "bus/bus_test.h"
+#include "support/shared_vectors.h"
+
+namespace test
+{
+namespace
+{
+using Names = std::vector<std::string>;
+
+struct ListReader
+{
+    const char* name;
+    const char* vector;
+    const char* reply;
+    int (*read)(IQBXIpodPlayer&, Names&);
+};
+
+int ignoredFolder;
+int ignoredRoot;
+
+const ListReader kReaders[] = {
+    {"GetPlayingListItems", "VecPlayingListShareMemory", "(true,)",
+     [](IQBXIpodPlayer& player, Names& list) { return player.GetPlayingListItems(0, 1, list); }},
+    {"GetCurDbListItems", "VecDBListShareMemory", "(true, true, true)",
+     [](IQBXIpodPlayer& player, Names& list)
+     { return player.GetCurDBListItems(0, 1, list, ignoredFolder, ignoredRoot); }},
+    {"GetCurDbListItemsPinyin", "VecDBListPinyinShareMemory", "(true, true, true)",
+     [](IQBXIpodPlayer& player, Names& list)
+     { return player.GetCurDBListItemsPinyin(0, 1, list, ignoredFolder, ignoredRoot); }},
+    {"GetUpdateListItems", "VecUpdateListShareMemory", "(true,)",
+     [](IQBXIpodPlayer& player, Names& list) { return player.GetUpdateListItems(0, 1, list); }},
+    {"GetUpdateListItemsPinyin", "VecUpdateListPinyinShareMemory", "(true,)",
+     [](IQBXIpodPlayer& player, Names& list) { return player.GetUpdateListItemsPinyin(0, 1, list); }},
+    {"GetDeviceList", "VecDeviceListShareMemory", "(true,)",
+     [](IQBXIpodPlayer& player, Names& list) { return player.GetDeviceList(list); }},
+};
+
+std::ostream& operator<<(std::ostream& out, const ListReader& reader)
+{
+    return out << reader.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<ListReader>& row)
+{
+    return row.param.name;
+}
+
+class ListTest : public ServiceTest, public testing::WithParamInterface<ListReader>
+{
+protected:
+    IQBXIpodPlayer& Answering()
+    {
+        service.Answer(GetParam().name, GetParam().reply);
+        return Connected();
+    }
+
+    SharedVectors vectors;
+    Names list = {"what", "was", "there", "before"};
+};
+
+class DatabaseListTest : public ServiceTest
+{
+};
+
+TEST_P(ListTest, HoldsTheWholeVectorInItsOrderWhateverRangeWasAskedFor)
+{
+    IQBXIpodPlayer& player = Answering();
+    vectors.SetList(GetParam().vector, {"Zebra", "Apple", "\xe4\xb8\xad\xe6\x96\x87"});
+
+    EXPECT_EQ(GetParam().read(player, list), 1);
+
+    EXPECT_THAT(list, ElementsAre("Zebra", "Apple", "\xe4\xb8\xad\xe6\x96\x87"));
+}
+
+TEST_P(ListTest, IsEmptyWhenTheVectorIs)
+{
+    IQBXIpodPlayer& player = Answering();
+    vectors.SetList(GetParam().vector, {});
+
+    EXPECT_EQ(GetParam().read(player, list), 1);
+
+    EXPECT_THAT(list, IsEmpty());
+    EXPECT_EQ(list.capacity(), 0U);
+}
+
+TEST_P(ListTest, KeepsEmptyNames)
+{
+    IQBXIpodPlayer& player = Answering();
+    vectors.SetList(GetParam().vector, {"", "between", ""});
+
+    GetParam().read(player, list);
+
+    EXPECT_THAT(list, ElementsAre("", "between", ""));
+}
+
+TEST_P(ListTest, ReturnsNamesOf255CharactersWhole)
+{
+    IQBXIpodPlayer& player = Answering();
+    const std::string longest(255, 'x');
+    vectors.SetList(GetParam().vector, {longest, "next"});
+
+    GetParam().read(player, list);
+
+    EXPECT_THAT(list, ElementsAre(longest, "next"));
+}
+
+TEST_P(ListTest, EndsAnUnterminatedNameAfter256Bytes)
+{
+    IQBXIpodPlayer& player = Answering();
+    PlayListSongNameStr unterminated{};
+    std::fill(std::begin(unterminated.name), std::end(unterminated.name), 'y');
+    vectors.SetEntries(GetParam().vector, {unterminated, Entry("next"), unterminated});
+
+    GetParam().read(player, list);
+
+    EXPECT_THAT(list, ElementsAre(std::string(256, 'y'), "next", std::string(256, 'y')));
+}
+
+TEST_P(ListTest, EndsANameAtItsFirstNul)
+{
+    IQBXIpodPlayer& player = Answering();
+    PlayListSongNameStr entry = Entry("before");
+    entry.name[10] = 'z';
+    vectors.SetEntries(GetParam().vector, {entry});
+
+    GetParam().read(player, list);
+
+    EXPECT_THAT(list, ElementsAre("before"));
+}
+
+TEST_P(ListTest, IsThePreviousPageAfterAFailedCall)
+{
+    IQBXIpodPlayer& player = Answering();
+    vectors.SetList(GetParam().vector, {"previous", "page"});
+    GetParam().read(player, list);
+    service.Fail(GetParam().name, "no page");
+    list = {"other"};
+
+    EXPECT_EQ(GetParam().read(player, list), 0);
+
+    EXPECT_THAT(list, ElementsAre("previous", "page"));
+}
+
+TEST_P(ListTest, TouchesNoOtherVector)
+{
+    IQBXIpodPlayer& player = Answering();
+    for (const ListReader& reader : kReaders) vectors.SetList(reader.vector, {reader.name});
+
+    GetParam().read(player, list);
+
+    EXPECT_THAT(list, ElementsAre(GetParam().name));
+    for (const ListReader& reader : kReaders) EXPECT_EQ(vectors.List(reader.vector).size(), 1U);
+}
+
+TEST_P(ListTest, HoldsAFullPageOfTenThousandNames)
+{
+    IQBXIpodPlayer& player = Answering();
+    const Names names(10000, "name");
+    vectors.SetList(GetParam().vector, names);
+
+    GetParam().read(player, list);
+
+    EXPECT_EQ(list, names);
+}
+
+TEST_P(ListTest, ReturnsZeroWithThePageWhenTheServiceSaysSo)
+{
+    std::string refused = GetParam().reply;
+    refused.replace(refused.rfind("true"), 4, "false");
+    service.Answer(GetParam().name, refused);
+    IQBXIpodPlayer& player = Connected();
+    vectors.SetList(GetParam().vector, {"page"});
+
+    EXPECT_EQ(GetParam().read(player, list), 0);
+
+    EXPECT_THAT(list, ElementsAre("page"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ListTest, testing::ValuesIn(kReaders), NameOf);
+
+TEST_F(DatabaseListTest, HandsTheTwoFlagsOfTheLevelOver)
+{
+    IQBXIpodPlayer& player = Connected();
+    Names list;
+    int folder = 5;
+    int root = 6;
+
+    service.Answer("GetCurDbListItems", "(true, false, true)");
+    player.GetCurDBListItems(0, 9, list, folder, root);
+    EXPECT_EQ(folder, 1);
+    EXPECT_EQ(root, 0);
+
+    service.Answer("GetCurDbListItemsPinyin", "(false, true, true)");
+    player.GetCurDBListItemsPinyin(0, 9, list, folder, root);
+    EXPECT_EQ(folder, 0);
+    EXPECT_EQ(root, 1);
+}
+
+TEST_F(DatabaseListTest, PassesIndicesThroughAsTheyAre)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetPlayingListItems", "(true,)");
+    Names list;
+
+    player.GetPlayingListItems(10, 5, list);
+    player.GetPlayingListItems(-2147483647 - 1, 2147483647, list);
+
+    EXPECT_THAT(service.Calls(),
+                ElementsAre("GetPlayingListItems(10, 5)", "GetPlayingListItems(-2147483648, 2147483647)"));
+}
+}  // namespace
+}  // namespace test

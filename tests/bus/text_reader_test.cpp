@@ -1,0 +1,148 @@
+// The commands that take a text but never hand one over, and the one that does not wait.
+#include "bus/bus_test.h"
+
+namespace test
+{
+namespace
+{
+using TextReaderTest = ServiceTest;
+using TextReaderWithoutServiceTest = NoServiceTest;
+using NotifyTest = ServiceTest;
+using NotifyWithoutServiceTest = NoServiceTest;
+
+TEST_F(TextReaderTest, GetIpodNameLeavesTheTextAsItWasAndLogsIt)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetIpodName", "('Phone',)");
+    std::string name = "abc";
+
+    player.GetIpodName(name);
+
+    EXPECT_EQ(name, "abc");
+    EXPECT_THAT(LogLines(),
+                ElementsAre("40 GetIpodName: GetIpodName()", "40 GetIpodName: GetIpodName, IpodName : abc"));
+    EXPECT_THAT(LogFormats(), ElementsAre("40 GetIpodName: GetIpodName()", "40 GetIpodName: %s, IpodName : %s"));
+}
+
+TEST_F(TextReaderTest, EmptyTextsStayEmpty)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetIpodName", "('Phone',)");
+    service.Answer("GetIpodAppBundleName", "('com.example.maps',)");
+    service.Answer("GetCarplayDeviceDetectStatus", "(1, 'SERIAL')");
+    std::string text;
+    auto status = APPLE_DEVICE_DETECTED;
+
+    player.GetIpodName(text);
+    player.GetIpodAPPBundleName(text);
+    player.GetCarplayDeviceDetectStatus(status, text);
+
+    EXPECT_EQ(text, "");
+    EXPECT_EQ(status, APPLE_DEVICE_NOT_DETECTED);
+    EXPECT_EQ(LogLines()[1], "40 GetIpodName: GetIpodName, IpodName : ");
+}
+
+TEST_F(TextReaderTest, TextsLongerThanTheReplyAreHarmless)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetIpodName", "('',)");
+    std::string text(3000, 'x');
+
+    player.GetIpodName(text);
+
+    EXPECT_EQ(text, std::string(3000, 'x'));
+}
+
+TEST_F(TextReaderTest, TheStatusIsWrittenIntoTheLowestByteOnly)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetCarplayDeviceDetectStatus", "(0xab, 'SERIAL')");
+    auto status = static_cast<QBXAppleDeviceDetectStatus>(-1);
+    std::string serial = "before";
+
+    player.GetCarplayDeviceDetectStatus(status, serial);
+
+    EXPECT_EQ(static_cast<unsigned>(status), 0xffffffabU);
+    EXPECT_EQ(serial, "before");
+    EXPECT_THAT(LogLines(), ElementsAre("40 GetCarplayDeviceDetectStatus: GetCarplayDeviceDetectStatus()"));
+}
+
+TEST_F(TextReaderWithoutServiceTest, TheFailureLineComesAfterTheTextsLine)
+{
+    std::string name = "abc";
+
+    Unconnected().GetIpodName(name);
+
+    EXPECT_EQ(name, "abc");
+    EXPECT_THAT(LogLines(), ElementsAre("40 GetIpodName: GetIpodName()", "40 GetIpodName: GetIpodName, IpodName : abc",
+                                        testing::StartsWith("100 GetIpodName: com_zarn_linux_ipod_call_get_ipod_name_"
+                                                            "sync: Failed to call dbus method. Reason: ")));
+}
+
+TEST_F(NotifyTest, SendsBothFlagsAsBooleans)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("CarplayConnectStatusNotify", "()");
+
+    player.CarPlayConnectStatusNotify(2, 0);
+    player.CarPlayConnectStatusNotify(0, -1);
+
+    EXPECT_TRUE(service.WaitForCalls(2));
+    EXPECT_THAT(service.Calls(),
+                ElementsAre("CarplayConnectStatusNotify(true, false)", "CarplayConnectStatusNotify(false, true)"));
+}
+
+TEST_F(NotifyTest, ReturnsBeforeTheServiceHasAnswered)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Hold("CarplayConnectStatusNotify");
+
+    player.CarPlayConnectStatusNotify(1, 1);
+
+    EXPECT_TRUE(service.WaitForCalls(1));
+    EXPECT_THAT(LogLines(), IsEmpty());
+    service.AnswerHeld("()");
+    RunLoopFor(std::chrono::milliseconds(30));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(NotifyTest, LogsAFailureOnceTheLoopRuns)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Fail("CarplayConnectStatusNotify", "not now");
+    const std::string line =
+        "100 CarPlayConnectStatusNotifyCallback: CarPlayConnectStatusNotifyCallback: Failed to call dbus method. "
+        "Reason: GDBus.Error:com.example.Broken: not now.";
+
+    player.CarPlayConnectStatusNotify(1, 1);
+    EXPECT_TRUE(service.WaitForCalls(1));
+
+    EXPECT_THAT(LogLines(), IsEmpty());
+    EXPECT_TRUE(RunLoopUntil([] { return !LogLines().empty(); }));
+    EXPECT_THAT(LogLines(), ElementsAre(line));
+    EXPECT_THAT(LogFormats(), ElementsAre("100 CarPlayConnectStatusNotifyCallback: CarPlayConnectStatusNotifyCallback: "
+                                          "Failed to call dbus method. Reason: %s."));
+}
+
+TEST_F(NotifyTest, LogsThatTheServiceDied)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Hold("CarplayConnectStatusNotify");
+    player.CarPlayConnectStatusNotify(1, 1);
+    EXPECT_TRUE(service.WaitForCalls(1));
+
+    service.Vanish();
+
+    EXPECT_TRUE(RunLoopUntil([] { return !LogLines().empty(); }));
+    EXPECT_THAT(LogLines(), ElementsAre(testing::StartsWith("100 CarPlayConnectStatusNotifyCallback: ")));
+}
+
+TEST_F(NotifyWithoutServiceTest, LogsTheReasonOfTheBus)
+{
+    Unconnected().CarPlayConnectStatusNotify(1, 1);
+
+    EXPECT_TRUE(RunLoopUntil([] { return !LogLines().empty(); }));
+    EXPECT_THAT(LogLines(), ElementsAre(testing::HasSubstr("org.freedesktop.DBus.Error.ServiceUnknown")));
+}
+}  // namespace
+}  // namespace test
