@@ -85,7 +85,9 @@ void CheckLayout(const QBXSharedSegment& segment, const char* name)
     const auto bytesBefore = reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size();
     const SharedObject object(name);
     const auto total = static_cast<std::size_t>(object.size());
-    if (segment.get_size() != total - bytesBefore) Refuse(name, "its layout is not the one of this build");
+    const bool holdsHeader = total > sizeof(QBXSegmentManager);
+    if (!holdsHeader || segment.get_size() != total - bytesBefore)
+        Refuse(name, "its layout is not the one of this build");
 }
 }  // namespace
 
