@@ -9,7 +9,7 @@ set(CMAKE_SYSTEM_PROCESSOR arm)
 # Debian's directory of libraries, and the prefix of its compilers.
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 
-if(NOT IS_DIRECTORY "${CMAKE_SYSROOT}/usr/include")
+if(NOT CMAKE_SYSROOT OR NOT IS_DIRECTORY "${CMAKE_SYSROOT}/usr/include")
   message(FATAL_ERROR "There is no sysroot in '${CMAKE_SYSROOT}'. Make one with tools/arm-sysroot DIR, "
     "or name another with -DCMAKE_SYSROOT=DIR.")
 endif()
