@@ -1,4 +1,6 @@
 // What an event costs the process that receives it: the bare binding, and the library with listeners.
+#include <set>
+#include <string>
 #include <vector>
 
 #include "bus.h"
@@ -18,8 +20,13 @@ struct CountingListener : IQBXIpodPlayerListener
 
 int bareEvents = 0;
 
-void OnBareEvent(ComZarnLinuxIpod*, guchar, gpointer)
+// Whom a bare callback would call if it kept a set of its own.
+std::set<IQBXIpodPlayerListener*> walked;
+
+void OnBareEvent(ComZarnLinuxIpod*, guchar status, gpointer)
 {
+    for (IQBXIpodPlayerListener* const listener : walked)
+        listener->OnPlayStatusChanged(static_cast<iPodPlayerPlayStatus>(status));
     ++bareEvents;
 }
 
@@ -45,51 +52,49 @@ void WaitFor(const int& events)
     for (const int before = events; events == before;) g_main_context_iteration(nullptr, TRUE);
 }
 
-class Audience
+using Audience = std::vector<CountingListener>;
+
+void Enter(std::set<IQBXIpodPlayerListener*>& registered, Audience& audience)
 {
-public:
-    explicit Audience(std::size_t size) : m_listeners(size) {}
-
-    // The only ones in the registry from now on.
-    void Enter()
-    {
-        auto& registered = Player()->GetListeners();
-        if (registered.size() == m_listeners.size()) return;
-        registered.clear();
-        for (CountingListener& listener : m_listeners) Player()->AddListener(&listener);
-    }
-
-    // Listeners are called in the order of their addresses.
-    const int& EventsOfTheLast() const { return m_listeners.back().events; }
-
-private:
-    std::vector<CountingListener> m_listeners;
-};
-
-Variant BareEvent()
-{
-    return CpuTimed(
-        "bare", [] { AskForEvent(true); }, [] { WaitFor(bareEvents); });
+    if (registered.size() == audience.size()) return;
+    registered.clear();
+    for (CountingListener& listener : audience) registered.insert(&listener);
 }
 
-Variant EventFor(const char* name, Audience& audience)
+// The bare callback, which walks a plain set of its own.
+Variant Walk(std::string name, Audience& audience)
 {
     const auto before = [&audience]
     {
-        audience.Enter();
+        Enter(walked, audience);
+        AskForEvent(true);
+    };
+    return CpuTimed(std::move(name), before, [] { WaitFor(bareEvents); });
+}
+
+// Listeners are called in the order of their addresses: the last one ends the event.
+Variant Dispatch(std::string name, Audience& audience)
+{
+    const auto before = [&audience]
+    {
+        Enter(Player()->GetListeners(), audience);
         AskForEvent(false);
     };
-    return CpuTimed(name, before, [&audience] { WaitFor(audience.EventsOfTheLast()); });
+    return CpuTimed(std::move(name), before, [&audience] { WaitFor(audience.back().events); });
 }
 }  // namespace
 
 void CompareEvents(int calls)
 {
+    Audience none;
     Audience ten(10);
     Audience hundred(100);
     Player();
     SubscribeBareProxy();
-    Run({"event", calls, {BareEvent(), EventFor("10 listeners", ten), EventFor("100 listeners", hundred)}});
+    Run({"event",
+         calls,
+         {Walk("bare", none), Walk("walk 10", ten), Walk("walk 100", hundred), Dispatch("library 10", ten),
+          Dispatch("library 100", hundred)}});
     Player()->GetListeners().clear();
 }
 }  // namespace bench

@@ -21,6 +21,7 @@ struct Service
     QBXSharedSegment buffers{boost::interprocess::open_or_create, kBufferSegmentName, kBufferSegmentSize};
     QBXStringPageVector* page = nullptr;
     QBXByteVector* artwork = nullptr;
+    QBXByteVector* written = nullptr;
     std::vector<std::string> names;
     std::vector<unsigned char> bytes;
     bool fillsEachTime = false;
@@ -51,6 +52,13 @@ template <class Vector>
 Vector* Find(QBXSharedSegment& segment, const char* name)
 {
     return segment.find_or_construct<Vector>(name)(typename Vector::allocator_type(segment.get_segment_manager()));
+}
+
+// Gives the memory back: the segment does not hold a big picture and big writes at once.
+void Empty(QBXByteVector& vector)
+{
+    vector.clear();
+    vector.shrink_to_fit();
 }
 
 void FillArtwork(Service& service)
@@ -180,8 +188,8 @@ GVariant* Prepare(Service& service, GVariant* arguments)
     service.bytes = SampleBytes(static_cast<std::size_t>(bytes));
     service.fillsEachTime = fillsEachTime;
     FillPage(*service.page, service.names);
-    service.artwork->clear();
-    service.artwork->shrink_to_fit();
+    Empty(*service.written);
+    Empty(*service.artwork);
     FillArtwork(service);
     return nullptr;
 }
@@ -227,6 +235,7 @@ int main()
     Service service;
     service.page = Find<QBXStringPageVector>(service.lists, "VecPlayingListShareMemory");
     service.artwork = Find<QBXByteVector>(service.buffers, "VecArtworkBufferShareMemory");
+    service.written = Find<QBXByteVector>(service.buffers, "VecEapWriteBufferShareMemory");
     service.trackRecord = TrackRecord();
     service.artworkHead = Record(16);
     ConnectThinCommands(service);
