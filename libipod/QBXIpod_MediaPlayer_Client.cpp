@@ -11,6 +11,7 @@
 #include "internal/QBXSingleton.h"
 #include "internal/log.h"
 #include "internal/module_state.h"
+#include "internal/notify.h"
 
 using qbx::clientCreated;
 using Singleton = QBXSingleton<QBXIpod_MediaPlayer_Client>;
@@ -85,4 +86,17 @@ bool QBXIpod_MediaPlayer_Client::ExitInstance()
 {
     LOG_INFO("%s()", __func__);
     return true;
+}
+
+void QBXIpod_MediaPlayer_Client::OnListenerRemoved(IQBXIpodPlayerListener* listener)
+{
+    ++qbx::registryChanges;
+    IQBXIpodPlayer::OnListenerRemoved(listener);
+}
+
+// Whoever has the set may change it.
+std::set<IQBXIpodPlayerListener*>& QBXIpod_MediaPlayer_Client::GetListeners()
+{
+    ++qbx::registryChanges;
+    return IQBXIpodPlayer::GetListeners();
 }

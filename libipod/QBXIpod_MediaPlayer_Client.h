@@ -18,6 +18,8 @@ public:
     bool ExitInstance() override;
     void InitListener() override {}
     void ExitListener() override {}
+    void OnListenerRemoved(IQBXIpodPlayerListener* listener) override;
+    std::set<IQBXIpodPlayerListener*>& GetListeners() override;
 
     // Commands.
     QBXiPodTrackInfo GetCurrentMediaInfo() override;

@@ -5,8 +5,16 @@
 #include <IQBXIpodPlayerListener.h>
 #include <IQBXListener.h>
 
+#include <atomic>
+#include <cstddef>
+#include <iterator>
+
 namespace qbx
 {
+/// How often somebody may have changed the client's registry: raised whenever a listener is removed or the set
+/// is handed out. Only its changes mean something.
+inline std::atomic<unsigned> registryChanges{0};
+
 using ListenerRegistry = IQBXListener<IQBXIpodPlayerListener>;
 
 /// Holds the listener lock; lets go of it also when a listener throws.
@@ -22,17 +30,29 @@ private:
     ListenerRegistry& m_registry;
 };
 
+/// Two equal states mean that no listener left in between, so that a position in the set still holds. The size
+/// alone does not tell: a listener may put another one into its own place.
+struct RegistryState
+{
+    std::size_t size;
+    unsigned changes;
+
+    bool operator==(const RegistryState& other) const { return size == other.size && changes == other.changes; }
+};
+
 /// Calls @p event of every listener, in ascending order of address. The caller holds the listener lock.
-/// The set is searched again after each call, because a listener may remove itself or others.
+/// A listener may remove itself or others: then the set is searched for the next one.
 template <class... Params, class... Args>
 void Dispatch(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(Params...), Args&... args)
 {
     auto& listeners = registry.GetListeners();
+    const auto state = [&listeners] { return RegistryState{listeners.size(), registryChanges.load()}; };
     for (auto next = listeners.begin(); next != listeners.end();)
     {
         IQBXIpodPlayerListener* const listener = *next;
+        const RegistryState before = state();
         (listener->*event)(args...);
-        next = listeners.upper_bound(listener);
+        next = state() == before ? std::next(next) : listeners.upper_bound(listener);
     }
 }
 
