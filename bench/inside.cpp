@@ -9,9 +9,9 @@
 #include "internal/notify.h"
 #include "internal/records.h"
 #include "internal/segments.h"
-#include "internal/signal_callbacks.h"
 #include "reference.h"
 #include "samples.h"
+#include "signal_callbacks.h"
 
 namespace
 {

@@ -4,6 +4,7 @@ import math
 
 WIDTH, HEIGHT = 360, 300
 LEFT, RIGHT, TOP, BOTTOM = 62, 16, 44, 48
+MICROSECONDS = (50, 10000)
 COLOURS = {"library": "#1769aa", "bus": "#c4421a", "bare": "#7a7a7a"}
 LABELS = {"library": "through shared memory", "bus": "everything over the bus", "bare": "the bare call"}
 
@@ -41,13 +42,14 @@ def axes(x, y, unit):
         yield f'<path class="grid" d="M{LEFT} {y(tick):.1f}H{WIDTH - RIGHT}"/>'
         yield text(LEFT - 6, y(tick) + 4, f"{tick:,}", "end")
     yield text((LEFT + WIDTH - RIGHT) / 2, HEIGHT - 10, unit)
-    yield text(14, (TOP + HEIGHT - BOTTOM) / 2, "microseconds", extra=f'transform="rotate(-90 14 {(TOP + HEIGHT - BOTTOM) / 2:.0f})"')
+    middle = (TOP + HEIGHT - BOTTOM) // 2
+    yield text(14, middle, "microseconds", extra=f'transform="rotate(-90 14 {middle})"')
 
 
 def panel(title, unit, lines, offset):
     points = [point for line in lines.values() for point in line]
     x = Scale([p[0] for p in points], LEFT, WIDTH - RIGHT)
-    y = Scale([50] + [p[1] for p in points] + [2000], HEIGHT - BOTTOM, TOP)
+    y = Scale(MICROSECONDS, HEIGHT - BOTTOM, TOP)
     yield f'<g transform="translate({offset} 0)">'
     yield text(WIDTH / 2, 24, title, extra='class="title"')
     yield from axes(x, y, unit)
@@ -73,7 +75,8 @@ def draw(contests):
         ("Accessory write", "KB", curves(contests, "EapWrite", ("library", "bus", "bare"))),
     ]
     parts = [
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {3 * WIDTH} {HEIGHT + 24}" font-family="sans-serif" font-size="12">',
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {3 * WIDTH} {HEIGHT + 24}"',
+        'font-family="sans-serif" font-size="12">',
         "<style>.grid{stroke:#ddd}.title{font-size:15px;font-weight:bold}polyline{fill:none;stroke-width:2}</style>",
         f'<rect width="{3 * WIDTH}" height="{HEIGHT + 24}" fill="white"/>',
     ]
