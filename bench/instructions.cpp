@@ -21,6 +21,7 @@ using Operation = std::function<void()>;
 constexpr std::size_t kTrackRecord = 1040;
 constexpr std::size_t kEapRecord = 512;
 constexpr std::size_t kPicture = 100000;
+constexpr std::size_t kRoomForManyVectors = 32 << 20;
 
 unsigned char record[kTrackRecord];
 std::vector<std::string> list;
@@ -68,9 +69,16 @@ Operation FillRaw(std::size_t size)
     { std::memcpy(buffer->data(), data.data(), data.size()); };
 }
 
+// Each time a new vector, none is given back: giving back does not count.
 Operation FillEmptyLibrary()
 {
-    return [data = SampleBytes(kPicture)] { qbx::Replace(WriteBuffer(0), qbx::bufferMapping, data); };
+    static QBXSharedSegment segment(boost::interprocess::open_or_create, "BenchSegment", kRoomForManyVectors);
+    return [mapping = qbx::MappingOf(segment), data = SampleBytes(kPicture)]
+    {
+        const QBXByteVector::allocator_type allocator(segment.get_segment_manager());
+        qbx::Replace(segment.construct<QBXByteVector>(boost::interprocess::anonymous_instance)(allocator), mapping,
+                     data);
+    };
 }
 
 const std::map<std::string, std::function<Operation()>> kOperations = {
