@@ -37,7 +37,7 @@ struct RegistryState
     std::size_t size;
     unsigned changes;
 
-    bool operator==(const RegistryState& other) const { return size == other.size && changes == other.changes; }
+    bool SameAs(const RegistryState& other) const { return size == other.size && changes == other.changes; }
 };
 
 /// Calls @p event of every listener, in ascending order of address. The caller holds the listener lock.
@@ -52,7 +52,7 @@ void Dispatch(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(
         IQBXIpodPlayerListener* const listener = *next;
         const RegistryState before = state();
         (listener->*event)(args...);
-        next = state() == before ? std::next(next) : listeners.upper_bound(listener);
+        next = state().SameAs(before) ? std::next(next) : listeners.upper_bound(listener);
     }
 }
 
