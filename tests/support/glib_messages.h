@@ -1,0 +1,22 @@
+/// @file
+/// What GLib has to complain about.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace test
+{
+/// Collects GLib's warnings and criticals instead of printing them, for as long as it lives. One at a time.
+class GLibMessages
+{
+public:
+    GLibMessages();
+    ~GLibMessages();
+    GLibMessages(const GLibMessages&) = delete;
+    GLibMessages& operator=(const GLibMessages&) = delete;
+
+    /// "critical: …" and "warning: …" in order.
+    std::vector<std::string> Lines() const;
+};
+}  // namespace test

@@ -1,0 +1,44 @@
+#include "support/private_bus.h"
+
+namespace test
+{
+namespace
+{
+// Never released: g_test_dbus_down() waits 30 seconds for connections that a proxy keeps, and the client's proxy
+// lives as long as the process.
+GTestDBus* daemon = nullptr;
+
+// By default the end of the bus ends the process.
+void SurviveTheBus()
+{
+    GDBusConnection* const session = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    if (session == nullptr) return;
+    g_dbus_connection_set_exit_on_close(session, FALSE);
+    g_object_unref(session);
+}
+}  // namespace
+
+PrivateBus::PrivateBus()
+{
+    daemon = g_test_dbus_new(G_TEST_DBUS_NONE);
+    g_test_dbus_up(daemon);
+}
+
+PrivateBus::~PrivateBus()
+{
+    Stop();
+}
+
+void PrivateBus::Stop()
+{
+    if (!m_running) return;
+    SurviveTheBus();
+    g_test_dbus_stop(daemon);
+    m_running = false;
+}
+
+NoBus::NoBus()
+{
+    g_setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/session-bus", TRUE);
+}
+}  // namespace test

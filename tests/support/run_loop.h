@@ -1,0 +1,15 @@
+/// @file
+/// The application's main loop, run for as long as a test needs it.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace test
+{
+/// Runs the default main context until @p condition holds. False when it did not within @p limit.
+bool RunLoopUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::seconds(5));
+
+/// Runs the default main context for that long, for what must not happen.
+void RunLoopFor(std::chrono::milliseconds duration);
+}  // namespace test

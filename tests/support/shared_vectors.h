@@ -1,0 +1,41 @@
+/// @file
+/// The service's side of shared memory: its own mapping of the two segments and of the vectors in them.
+#pragma once
+
+#include <QBXIpodShareMemory.h>
+
+#include <string>
+#include <vector>
+
+namespace test
+{
+/// Opens or creates both segments, as the service does. Vectors are named as in the contract, and found or
+/// constructed when they are first used.
+class SharedVectors
+{
+public:
+    SharedVectors();
+
+    /// Replaces a list; each name is written with its NUL into a zeroed entry.
+    void SetList(const char* vector, const std::vector<std::string>& names);
+
+    /// Replaces a list by entries as they are.
+    void SetEntries(const char* vector, const std::vector<PlayListSongNameStr>& entries);
+
+    void SetBytes(const char* vector, const std::vector<unsigned char>& bytes);
+    std::vector<unsigned char> Bytes(const char* vector);
+
+    QBXStringPageVector& List(const char* vector);
+    QBXByteVector& Buffer(const char* vector);
+
+    QBXSharedSegment& Lists() { return m_lists; }
+    QBXSharedSegment& Buffers() { return m_buffers; }
+
+private:
+    QBXSharedSegment m_lists;
+    QBXSharedSegment m_buffers;
+};
+
+/// An entry with that name, NUL-terminated, the rest zero.
+PlayListSongNameStr Entry(const std::string& name);
+}  // namespace test
