@@ -72,6 +72,13 @@ void ReplyInvalid(GDBusMethodInvocation* invocation, const std::string& body)
     g_object_unref(invocation);
 }
 
+// From inside the loop: one that has not begun to run would forget that it was told to quit.
+gboolean QuitLoop(gpointer loop)
+{
+    g_main_loop_quit(static_cast<GMainLoop*>(loop));
+    return G_SOURCE_REMOVE;
+}
+
 std::string Text(const gchar* method, GVariant* arguments)
 {
     gchar* const text = g_variant_print(arguments, FALSE);
@@ -251,7 +258,10 @@ void FakeService::ReleaseName()
 void FakeService::Vanish()
 {
     if (!m_thread.joinable()) return;
-    g_main_loop_quit(m_loop);
+    GSource* const quit = g_idle_source_new();
+    g_source_set_callback(quit, QuitLoop, m_loop, nullptr);
+    g_source_attach(quit, m_context);
+    g_source_unref(quit);
     m_thread.join();
 }
 
