@@ -75,6 +75,7 @@ Session::Impl::Impl(const SessionOptions& options)
                        if (const auto self = weak.lock()) self->Replay();
                    });
           }),
+      m_lanes(m_guard),
       m_pictures(options.artworkLimit),
       m_draft(m_pictures),
       m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
@@ -274,6 +275,7 @@ void Session::Impl::Vanished()
     m_owner.clear();
     m_retry.reset();
     SetConnection(Phase::Lost);
+    m_lanes.OutdateAll();
     m_publisher->Freeze(Phase::Lost, m_generation);
 }
 
@@ -417,6 +419,7 @@ void Session::Impl::Replay()
     {
         const EventQueue::Event event = m_queue.Take();
         event(m_draft);
+        event(m_lanes);
         m_publisher->Touch();
         m_listeners.ForEach(m_guard, [&event](IQBXIpodPlayerListener* listener) { event(*listener); });
     }

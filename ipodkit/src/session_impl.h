@@ -9,6 +9,7 @@
 #include "bus.h"
 #include "core_link.h"
 #include "event_queue.h"
+#include "lanes.h"
 #include "publisher.h"
 #include "records.h"
 #include "state_draft.h"
@@ -36,6 +37,8 @@ public:
     const Guard& CallbackGuard() const { return m_guard; }
     const SessionOptions& Options() const { return m_options; }
     /// @}
+
+    Lanes& ListLanes() { return m_lanes; }
 
 private:
     struct ConnectionTarget
@@ -85,6 +88,7 @@ private:
     const Guard m_guard;
     const std::shared_ptr<detail::Bus> m_bus;
     EventQueue m_queue;
+    Lanes m_lanes;
     PictureShelf m_pictures;
     StateDraft m_draft;
     std::shared_ptr<Publisher> m_publisher;
