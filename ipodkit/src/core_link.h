@@ -27,6 +27,9 @@ public:
     /// Whether Attach() has succeeded in this process.
     bool Attached() const { return m_player != nullptr; }
 
+    /// Null until Attach() has succeeded.
+    IQBXIpodPlayer* Player() const { return m_player; }
+
     /// Obtains the player. The caller has probed the segments.
     std::optional<Error> Attach();
 

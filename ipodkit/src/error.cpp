@@ -52,8 +52,9 @@ ErrorKind KindOf(const GError& error)
 
 const char* Name(ErrorKind kind)
 {
-    static constexpr const char* names[] = {"NoBus",    "NoService", "ServiceLost",    "TimedOut",    "Refused",
-                                            "BadReply", "Cancelled", "NoSharedMemory", "BadArgument", "Ambiguous"};
+    static constexpr const char* names[] = {"NoBus",       "NoService", "ServiceLost", "TimedOut",
+                                            "Refused",     "BadReply",  "Cancelled",   "NoSharedMemory",
+                                            "BadArgument", "Ambiguous", "NoStorage"};
     return names[static_cast<int>(kind)];
 }
 

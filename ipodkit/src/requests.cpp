@@ -9,6 +9,14 @@ namespace
 {
 const tl::unexpected<Error> kNotFilled(Error{ErrorKind::Refused, "the service did not fill the page"});
 
+Result<void> Accepted(GVariant* body)
+{
+    gboolean accepted = FALSE;
+    g_variant_get(body, "(b)", &accepted);
+    if (accepted) return {};
+    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service did not accept the bytes"});
+}
+
 Result<PageHead> PlainHead(GVariant* body)
 {
     gboolean filled = FALSE;
@@ -49,6 +57,12 @@ const List kLists[] = {
 Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline)
 {
     return Maker<PictureHead>{bus, deadline, "(v)", ToPictureHead}("GetPlayingTrackAlbumArtwork");
+}
+
+Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
+                         std::uint16_t session)
+{
+    return Maker<void>{bus, deadline, "(b)", Accepted}("EapWrite", g_variant_new("(q)", session));
 }
 
 Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline, ListKind kind,

@@ -11,6 +11,10 @@ namespace ipodkit
 /// The picture of the playing track goes into VecArtworkBufferShareMemory.
 Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline);
 
+/// Sends what stands in VecEapWriteBufferShareMemory.
+Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
+                         std::uint16_t session);
+
 /// What comes with a page: both false for lists other than the database.
 struct PageHead
 {

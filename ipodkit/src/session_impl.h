@@ -39,6 +39,8 @@ public:
     /// @}
 
     Lanes& ListLanes() { return m_lanes; }
+    const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
+    const StateDraft& Draft() const { return m_draft; }
 
 private:
     struct ConnectionTarget
@@ -89,6 +91,7 @@ private:
     const std::shared_ptr<detail::Bus> m_bus;
     EventQueue m_queue;
     Lanes m_lanes;
+    const std::shared_ptr<Lane> m_writeLane = std::make_shared<Lane>();
     PictureShelf m_pictures;
     StateDraft m_draft;
     std::shared_ptr<Publisher> m_publisher;

@@ -72,7 +72,7 @@ bool WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t c
         vector->insert(vector->end(), bytes, bytes + count);
         return true;
     }
-    catch (const boost::interprocess::interprocess_exception&)
+    catch (const std::exception&)
     {
         return false;
     }

@@ -21,6 +21,7 @@ enum class ErrorKind
     NoSharedMemory,  ///< the segments cannot be attached or do not take the data
     BadArgument,     ///< the request cannot be sent as it is; nothing was sent
     Ambiguous,       ///< received bytes that may belong to more than one accessory session
+    NoStorage,       ///< a file cannot be written
 };
 
 /// "TimedOut" for ErrorKind::TimedOut.
