@@ -14,8 +14,9 @@ namespace ipodkit
 struct JumpIndex::Contents
 {
     std::vector<std::string> readings;
-    std::vector<std::uint64_t> letters;  // of each reading
-    std::vector<std::string> folded;     // the names without case, for queries in their own script
+    std::vector<std::uint64_t> letters;   // of each reading
+    std::vector<std::uint64_t> initials;  // of its syllables and words
+    std::vector<std::string> folded;      // the names without case, for queries in their own script
     std::vector<int> order;
     std::vector<JumpSection> sections;
 };
@@ -109,6 +110,7 @@ Result<JumpIndex> JumpIndex::Build(std::vector<std::string> names, const JumpInd
         const icu::UnicodeString text = icu::UnicodeString::fromUTF8(name);
         contents->readings.push_back(reader->Read(text));
         contents->letters.push_back(LettersIn(contents->readings.back()));
+        contents->initials.push_back(InitialsIn(contents->readings.back()));
         contents->folded.push_back(Folded(text));
         keys.push_back(SortKey(*collator, text));
     }
@@ -144,11 +146,15 @@ std::vector<int> JumpIndex::Search(const std::string& query, std::size_t limit) 
     const std::string wanted = typed ? Typed(query) : Folded(icu::UnicodeString::fromUTF8(query));
     if (wanted.empty() || limit == 0) return {};
     const std::uint64_t letters = typed ? LettersIn(wanted) : 0;
+    const std::uint64_t initial = typed ? LettersIn(wanted.substr(0, 1)) : 0;
     const auto fit = [&](std::size_t index)
     {
         if (typed)
-            return (letters & ~m_contents->letters[index]) != 0 ? Fit::None
-                                                                : Match(wanted, m_contents->readings[index]);
+        {
+            const bool possible =
+                (letters & ~m_contents->letters[index]) == 0 && (initial & m_contents->initials[index]) != 0;
+            return possible ? Match(wanted, m_contents->readings[index]) : Fit::None;
+        }
         const std::size_t at = m_contents->folded[index].find(wanted);
         return at == 0 ? Fit::Beginning : at == std::string::npos ? Fit::None : Fit::Inside;
     };

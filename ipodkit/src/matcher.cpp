@@ -54,7 +54,7 @@ bool IsTyped(char letter)
 Fit Match(const std::string& query, const std::string& reading)
 {
     if (query.empty() || query.size() > std::min(kLongest, reading.size())) return Fit::None;
-    if (Fits(query, reading, false)) return Fit::Beginning;
+    if (query[0] == reading[0] && Fits(query, reading, false)) return Fit::Beginning;
     return Fits(query, reading, true) ? Fit::Inside : Fit::None;
 }
 
@@ -64,6 +64,14 @@ std::uint64_t LettersIn(const std::string& text)
     for (const char letter : text)
         if (IsTyped(letter)) letters |= std::uint64_t{1} << BitOf(letter);
     return letters;
+}
+
+std::uint64_t InitialsIn(const std::string& reading)
+{
+    std::uint64_t initials = 0;
+    for (std::size_t i = 0; i < reading.size(); ++i)
+        if (i == 0 || reading[i - 1] == ' ') initials |= std::uint64_t{1} << BitOf(reading[i]);
+    return initials;
 }
 
 std::string Typed(const std::string& query)

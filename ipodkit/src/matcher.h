@@ -24,6 +24,9 @@ Fit Match(const std::string& query, const std::string& reading);
 /// One bit for each letter and digit that occurs. What is not in the reading cannot be in a query that fits.
 std::uint64_t LettersIn(const std::string& text);
 
+/// The same for the first letters of its syllables and words: a query that fits begins with one of them.
+std::uint64_t InitialsIn(const std::string& reading);
+
 /// What counts of a query: its first 60 letters and digits, in lower case.
 std::string Typed(const std::string& query);
 }  // namespace ipodkit

@@ -52,12 +52,12 @@ protected:
             { told.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
     }
 
-    FakeService service;
     SharedVectors shared;
     std::mutex mutex;
     std::map<int, Bytes> written;
     std::size_t largest = 0;
     std::atomic<bool> accepting{true};
+    FakeService service;  // last: its thread uses the others
 };
 
 TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)

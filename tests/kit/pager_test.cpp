@@ -69,9 +69,9 @@ protected:
         return options;
     }
 
-    FakeService service;
     SharedVectors shared;
     std::atomic<int> missing{0};
+    FakeService service;  // last: its thread uses the others
 };
 
 TEST_F(PagerTest, GivesThePageThatHoldsAnEntry)
