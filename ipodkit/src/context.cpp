@@ -12,13 +12,13 @@ bool IsDefaultHere(GMainContext* context)
 
 gboolean RunWork(gpointer work)
 {
-    (*static_cast<std::function<void()>*>(work))();
+    static_cast<Handover*>(work)->Do();
     return G_SOURCE_REMOVE;
 }
 
 void DeleteWork(gpointer work)
 {
-    delete static_cast<std::function<void()>*>(work);
+    delete static_cast<Handover*>(work);
 }
 }  // namespace
 
@@ -36,7 +36,7 @@ void Post(GMainContext* context, std::function<void()> work)
 {
     GSource* const source = g_idle_source_new();
     g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    g_source_set_callback(source, RunWork, new std::function<void()>(std::move(work)), DeleteWork);
+    g_source_set_callback(source, RunWork, new Handover(std::move(work)), DeleteWork);
     g_source_attach(source, context);
     g_source_unref(source);
 }

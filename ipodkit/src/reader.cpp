@@ -3,7 +3,7 @@
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
 
-#include <algorithm>
+#include <string_view>
 
 namespace ipodkit
 {
@@ -11,60 +11,56 @@ namespace
 {
 struct Phrase
 {
-    icu::UnicodeString characters;
+    std::u16string_view characters;
     const char* reading;
 };
 
-// Words of titles whose characters are read otherwise alone. Longer ones before their beginnings.
-const std::vector<Phrase>& Phrases()
-{
-    static const std::vector<Phrase> phrases = {
-        {u"交响乐", "jiao xiang yue"},
-        {u"摇滚乐", "yao gun yue"},
-        {u"爵士乐", "jue shi yue"},
-        {u"乐队", "yue dui"},
-        {u"乐团", "yue tuan"},
-        {u"音乐", "yin yue"},
-        {u"乐章", "yue zhang"},
-        {u"乐曲", "yue qu"},
-        {u"乐器", "yue qi"},
-        {u"声乐", "sheng yue"},
-        {u"民乐", "min yue"},
-        {u"配乐", "pei yue"},
-        {u"重庆", "chong qing"},
-        {u"重来", "chong lai"},
-        {u"重新", "chong xin"},
-        {u"重逢", "chong feng"},
-        {u"重复", "chong fu"},
-        {u"重生", "chong sheng"},
-        {u"银行", "yin hang"},
-        {u"长大", "zhang da"},
-        {u"成长", "cheng zhang"},
-        {u"长城", "chang cheng"},
-        {u"长江", "chang jiang"},
-        {u"单身", "dan shen"},
-        {u"单车", "dan che"},
-        {u"曾经", "ceng jing"},
-        {u"睡觉", "shui jiao"},
-        {u"大地", "da di"},
-        {u"天地", "tian di"},
-        {u"地球", "di qiu"},
-        {u"成都", "cheng du"},
-        {u"首都", "shou du"},
-        {u"还给", "huan gei"},
-        {u"调查", "diao cha"},
-        {u"传奇", "chuan qi"},
-        {u"自传", "zi zhuan"},
-        {u"地方", "di fang"},
-        {u"了不起", "liao bu qi"},
-        {u"空调", "kong tiao"},
-        {u"弹琴", "tan qin"},
-        {u"万俟", "mo qi"},
-        {u"玮柏", "wei bo"},
-        {u"靓颖", "liang ying"},
-    };
-    return phrases;
-}
+// Words of titles, and names, whose characters are read otherwise alone.
+constexpr Phrase kPhrases[] = {
+    {u"交响乐", "jiao xiang yue"},
+    {u"摇滚乐", "yao gun yue"},
+    {u"爵士乐", "jue shi yue"},
+    {u"乐队", "yue dui"},
+    {u"乐团", "yue tuan"},
+    {u"音乐", "yin yue"},
+    {u"乐章", "yue zhang"},
+    {u"乐曲", "yue qu"},
+    {u"乐器", "yue qi"},
+    {u"声乐", "sheng yue"},
+    {u"民乐", "min yue"},
+    {u"配乐", "pei yue"},
+    {u"重庆", "chong qing"},
+    {u"重来", "chong lai"},
+    {u"重新", "chong xin"},
+    {u"重逢", "chong feng"},
+    {u"重复", "chong fu"},
+    {u"重生", "chong sheng"},
+    {u"银行", "yin hang"},
+    {u"长大", "zhang da"},
+    {u"成长", "cheng zhang"},
+    {u"长城", "chang cheng"},
+    {u"长江", "chang jiang"},
+    {u"单身", "dan shen"},
+    {u"单车", "dan che"},
+    {u"曾经", "ceng jing"},
+    {u"睡觉", "shui jiao"},
+    {u"大地", "da di"},
+    {u"天地", "tian di"},
+    {u"地球", "di qiu"},
+    {u"成都", "cheng du"},
+    {u"首都", "shou du"},
+    {u"还给", "huan gei"},
+    {u"调查", "diao cha"},
+    {u"传奇", "chuan qi"},
+    {u"自传", "zi zhuan"},
+    {u"地方", "di fang"},
+    {u"了不起", "liao bu qi"},
+    {u"空调", "kong tiao"},
+    {u"弹琴", "tan qin"},
+    {u"万俟", "mo qi"},
+    {u"玮柏", "wei bo"},
+    {u"靓颖", "liang ying"},
+};
 
 bool IsHan(UChar32 character)
 {
@@ -161,11 +157,12 @@ std::string Reader::Read(const icu::UnicodeString& name)
 // Where the phrase ends; where it began when there is none.
 int Reader::ReadPhrase(const icu::UnicodeString& name, int at, std::string& reading) const
 {
-    for (const Phrase& phrase : Phrases())
+    for (const Phrase& phrase : kPhrases)
     {
-        if (name.compare(at, phrase.characters.length(), phrase.characters) != 0) continue;
+        const int length = static_cast<int>(phrase.characters.size());
+        if (name.compare(at, length, phrase.characters.data(), 0, length) != 0) continue;
         Append(reading, phrase.reading);
-        return at + phrase.characters.length();
+        return at + length;
     }
     return at;
 }

@@ -48,13 +48,13 @@ void DeleteWeakOfClosure(gpointer data, GClosure*)
 // On a thread of GLib's pool.
 void RunAside(std::function<void()> work)
 {
-    using Work = std::function<void()>;
     GTask* const task = g_task_new(nullptr, nullptr, nullptr, nullptr);
-    g_task_set_task_data(task, new Work(std::move(work)), [](gpointer data) { delete static_cast<Work*>(data); });
+    g_task_set_task_data(task, new Handover(std::move(work)),
+                         [](gpointer data) { delete static_cast<Handover*>(data); });
     g_task_run_in_thread(task,
                          [](GTask* self, gpointer, gpointer data, GCancellable*)
                          {
-                             (*static_cast<Work*>(data))();
+                             static_cast<Handover*>(data)->Do();
                              g_task_return_boolean(self, TRUE);
                          });
     g_object_unref(task);
