@@ -64,7 +64,7 @@ private:
     void Complete(Serial serial, Result<Body> result);
     Result<ConnectionPtr> ConnectionForWaiting();
     std::map<Serial, PendingPtr> TakeAll();
-    static void OnReply(GObject* connection, GAsyncResult* result, gpointer ticket);
+    static void OnReply(GObject* connection, GAsyncResult* result, gpointer data);
 
     const ContextPtr m_context;
     const Guard m_guard;

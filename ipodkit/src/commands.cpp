@@ -43,7 +43,7 @@ Decoded<Number> Int(GVariant* body)
 
 Decoded<int> Count(GVariant* body)
 {
-    const Result<int> count = Int<int>(body);
+    Result<int> count = Int<int>(body);
     if (*count >= 0) return count;
     return tl::unexpected<Error>(Error{ErrorKind::BadReply, "an amount of " + std::to_string(*count)});
 }

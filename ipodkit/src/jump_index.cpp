@@ -11,13 +11,15 @@
 
 namespace ipodkit
 {
+/// In the order of the index, so that a search runs through memory from one end to the other.
 struct JumpIndex::Contents
 {
     std::vector<std::string> readings;
     std::vector<std::uint64_t> letters;   // of each reading
     std::vector<std::uint64_t> initials;  // of its syllables and words
     std::vector<std::string> folded;      // the names without case, for queries in their own script
-    std::vector<int> order;
+    std::vector<int> order;               // the name at each position
+    std::vector<int> positions;           // the position of each name
     std::vector<JumpSection> sections;
 };
 
@@ -76,12 +78,12 @@ std::vector<int> Sorted(const Keys& keys, const std::vector<std::string>& readin
     return order;
 }
 
-std::vector<JumpSection> SectionsOf(const std::vector<int>& order, const std::vector<std::string>& readings)
+std::vector<JumpSection> SectionsOf(const std::vector<std::string>& sortedReadings)
 {
     std::vector<JumpSection> sections;
-    for (std::size_t position = 0; position < order.size(); ++position)
+    for (std::size_t position = 0; position < sortedReadings.size(); ++position)
     {
-        std::string label = LabelOf(readings[static_cast<std::size_t>(order[position])]);
+        std::string label = LabelOf(sortedReadings[position]);
         const bool fresh = sections.empty() || sections.back().label != label;
         if (fresh) sections.push_back({std::move(label), static_cast<int>(position)});
     }
@@ -105,17 +107,25 @@ Result<JumpIndex> JumpIndex::Build(std::vector<std::string> names, const JumpInd
     if (collator == nullptr) return tl::unexpected<Error>(Error{ErrorKind::BadArgument, "ICU has no collation here"});
     auto contents = std::make_shared<Contents>();
     Keys keys;
+    std::vector<std::string> readings;
     for (const std::string& name : names)
     {
         const icu::UnicodeString text = icu::UnicodeString::fromUTF8(name);
-        contents->readings.push_back(reader->Read(text));
-        contents->letters.push_back(LettersIn(contents->readings.back()));
-        contents->initials.push_back(InitialsIn(contents->readings.back()));
-        contents->folded.push_back(Folded(text));
+        readings.push_back(reader->Read(text));
         keys.push_back(SortKey(*collator, text));
     }
-    contents->order = Sorted(keys, contents->readings);
-    contents->sections = SectionsOf(contents->order, contents->readings);
+    contents->order = Sorted(keys, readings);
+    contents->positions.resize(names.size());
+    for (const int index : contents->order)
+    {
+        const auto at = static_cast<std::size_t>(index);
+        contents->positions[at] = static_cast<int>(contents->readings.size());
+        contents->letters.push_back(LettersIn(readings[at]));
+        contents->initials.push_back(InitialsIn(readings[at]));
+        contents->folded.push_back(Folded(icu::UnicodeString::fromUTF8(names[at])));
+        contents->readings.emplace_back(readings[at]);
+    }
+    contents->sections = SectionsOf(contents->readings);
     return JumpIndex(std::move(contents));
 }
 
@@ -131,7 +141,8 @@ const std::vector<JumpSection>& JumpIndex::Sections() const
 
 const std::string& JumpIndex::Reading(int index) const
 {
-    return m_contents->readings.at(static_cast<std::size_t>(index));
+    const int position = m_contents->positions.at(static_cast<std::size_t>(index));
+    return m_contents->readings[static_cast<std::size_t>(position)];
 }
 
 std::size_t JumpIndex::Size() const
@@ -147,24 +158,24 @@ std::vector<int> JumpIndex::Search(const std::string& query, std::size_t limit) 
     if (wanted.empty() || limit == 0) return {};
     const std::uint64_t letters = typed ? LettersIn(wanted) : 0;
     const std::uint64_t initial = typed ? LettersIn(wanted.substr(0, 1)) : 0;
-    const auto fit = [&](std::size_t index)
+    const auto fit = [&](std::size_t position)
     {
         if (typed)
         {
             const bool possible =
-                (letters & ~m_contents->letters[index]) == 0 && (initial & m_contents->initials[index]) != 0;
-            return possible ? Match(wanted, m_contents->readings[index]) : Fit::None;
+                (letters & ~m_contents->letters[position]) == 0 && (initial & m_contents->initials[position]) != 0;
+            return possible ? Match(wanted, m_contents->readings[position]) : Fit::None;
         }
-        const std::size_t at = m_contents->folded[index].find(wanted);
+        const std::size_t at = m_contents->folded[position].find(wanted);
         return at == 0 ? Fit::Beginning : at == std::string::npos ? Fit::None : Fit::Inside;
     };
     std::vector<int> found;
     std::vector<int> inside;
-    for (const int index : m_contents->order)
+    for (std::size_t position = 0; position < m_contents->order.size(); ++position)
     {
-        const Fit fits = fit(static_cast<std::size_t>(index));
-        if (fits == Fit::Beginning) found.push_back(index);
-        if (fits == Fit::Inside) inside.push_back(index);
+        const Fit fits = fit(position);
+        if (fits == Fit::Beginning) found.push_back(m_contents->order[position]);
+        if (fits == Fit::Inside && inside.size() < limit) inside.push_back(m_contents->order[position]);
         if (found.size() == limit) return found;
     }
     found.insert(found.end(), inside.begin(),

@@ -247,7 +247,8 @@ Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
 {
     auto names = NamesOf(m_kind);
     if (!names) return tl::unexpected<Error>(Error{ErrorKind::BadReply, "the shared list is damaged"});
-    const auto wanted = static_cast<std::size_t>(LastOf(number) - FirstOf(number) + 1);
+    const int size = LastOf(number) - FirstOf(number) + 1;
+    const auto wanted = static_cast<std::size_t>(size);
     const bool fits = HasCount() ? names->size() == wanted : names->size() <= wanted;
     if (!fits) return WrongSize(names->size(), wanted);
     return std::make_shared<const Page>(Page{FirstOf(number), std::move(*names), head.folders, head.root});

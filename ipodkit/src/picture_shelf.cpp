@@ -17,7 +17,7 @@ PicturePtr PictureShelf::Find(const Picture& picture)
 {
     for (auto entry = m_pictures.begin(); entry != m_pictures.end();)
     {
-        const PicturePtr known = entry->second.lock();
+        PicturePtr known = entry->second.lock();
         if (known != nullptr && known->hash == picture.hash && known->bytes == picture.bytes) return known;
         entry = known == nullptr ? m_pictures.erase(entry) : std::next(entry);
     }

@@ -79,11 +79,11 @@ private:
     template <class T, class Apply>
     void Read(Request<T> request, Apply apply);
 
-    static void OnBus(GObject*, GAsyncResult* result, gpointer session);
-    static void OnNameOwner(GObject* connection, GAsyncResult* result, gpointer session);
+    static void OnBus(GObject*, GAsyncResult* result, gpointer data);
+    static void OnNameOwner(GObject* connection, GAsyncResult* result, gpointer data);
     static void OnOwnerChanged(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
-                               GVariant* arguments, gpointer session);
-    static void OnClosed(GDBusConnection*, gboolean, GError*, gpointer session);
+                               GVariant* arguments, gpointer data);
+    static void OnClosed(GDBusConnection*, gboolean, GError*, gpointer data);
 
     const SessionOptions m_options;
     const ContextPtr m_context;

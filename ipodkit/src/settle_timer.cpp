@@ -37,7 +37,7 @@ void SettleTimer::Stop()
 }
 
 // Zero disarms.
-void SettleTimer::Set(std::chrono::microseconds delay)
+void SettleTimer::Set(std::chrono::microseconds delay) const
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(delay);
     const std::chrono::nanoseconds rest = delay - seconds;

@@ -24,8 +24,8 @@ public:
     void Stop();
 
 private:
-    static int OnReadable(int fd, GIOCondition condition, gpointer timer);
-    void Set(std::chrono::microseconds delay);
+    static int OnReadable(int fd, GIOCondition condition, gpointer data);
+    void Set(std::chrono::microseconds delay) const;
 
     std::function<void()> m_expired;
     int m_fd;

@@ -28,8 +28,8 @@ using Bytes = std::vector<unsigned char>;
 
 struct AccessoryOptions
 {
-    std::size_t chunk = 16 * 1024;       ///< bytes per call of the service; the segment takes some hundred KiB
-    std::size_t highWater = 256 * 1024;  ///< a session takes no more bytes while so many are waiting
+    std::size_t chunk = 1 << 14;      ///< bytes per call of the service; the segment takes some hundred KiB
+    std::size_t highWater = 1 << 18;  ///< a session takes no more bytes while so many are waiting
 };
 
 /// One session, from its opening to its closing. Closed for ever once it is.

@@ -6,7 +6,7 @@
 
 #pragma GCC visibility push(default)
 
-struct _GCancellable;
+struct _GCancellable;  // NOLINT(bugprone-reserved-identifier): GLib's own name
 
 namespace ipodkit
 {

@@ -27,7 +27,7 @@
 
 #pragma GCC visibility push(default)
 
-struct _GVariant;
+struct _GVariant;  // NOLINT(bugprone-reserved-identifier): GLib's own name
 
 namespace ipodkit
 {

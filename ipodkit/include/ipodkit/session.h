@@ -30,7 +30,7 @@
 #include <optional>
 #include <string>
 
-typedef struct _GMainContext GMainContext;
+typedef struct _GMainContext GMainContext;  // NOLINT(bugprone-reserved-identifier): GLib's own name
 
 #pragma GCC visibility push(default)
 
