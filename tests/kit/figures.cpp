@@ -139,6 +139,15 @@ void Hanging(Session& session)
                 Microseconds(ticker.Longest()), ticker.Count(), Name(session.Connection().phase));
 }
 
+// What the machine does to a loop that has nothing to do.
+void Idle()
+{
+    const Ticker ticker;
+    RunLoopFor(std::chrono::seconds(3));
+    std::printf("%-44s longest %7.1f us   (%d ticks)\n", "loop without service, for comparison",
+                Microseconds(ticker.Longest()), ticker.Count());
+}
+
 std::vector<std::string> ManyNames(int count)
 {
     std::mt19937 engine(1);
@@ -192,6 +201,7 @@ void Measure(int rounds)
     service.reset();
     Restarts(*session, 100);
     Hanging(*session);
+    Idle();
     Index();
 }
 
