@@ -32,7 +32,8 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware"
+  "${CMAKE_BINARY_DIR}/ipodkit")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libipod1)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
@@ -46,7 +47,7 @@ bus and through shared memory.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.40), libprotobuf-dev (>= 3.6)")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.40), libprotobuf-dev (>= 3.6), libexpected-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
 Headers, pkg-config and CMake files, and the description of the bus interface

@@ -1,0 +1,66 @@
+// Announces a protocol and sends back whatever the companion app on the device sends.
+#include <glib.h>
+#include <ipodkit/accessory.h>
+
+#include <cstdio>
+#include <map>
+
+using namespace ipodkit;
+
+namespace
+{
+class Echo
+{
+public:
+    explicit Echo(Session& session) : m_port(session)
+    {
+        m_opened = m_port.OnOpened("echo", [this](const AccessorySessionPtr& peer) { Serve(peer); });
+        for (const AccessorySessionPtr& peer : m_port.Sessions()) Serve(peer);
+    }
+
+private:
+    void Serve(const AccessorySessionPtr& peer)
+    {
+        std::printf("session %u opened\n", peer->Number());
+        std::fflush(stdout);
+        m_served[peer->Number()] = peer->OnData(
+            "echo", [peer](const Result<Bytes>& data) { data ? Return(*peer, *data) : Report(data.error()); });
+    }
+
+    static void Return(AccessorySession& peer, const Bytes& data)
+    {
+        const auto done = [](const Result<void>& result)
+        {
+            if (!result) Report(result.error());
+        };
+        if (!peer.Write(data, done)) std::fprintf(stderr, "%zu bytes dropped: too many are waiting\n", data.size());
+    }
+
+    static void Report(const Error& error) { std::fprintf(stderr, "%s\n", error.Text().c_str()); }
+
+    AccessoryPort m_port;
+    Subscription m_opened;
+    std::map<std::uint16_t, Subscription> m_served;
+};
+}  // namespace
+
+int main()
+{
+    const auto session = Session::Open();
+    if (!session)
+    {
+        std::fprintf(stderr, "%s\n", session.error().Text().c_str());
+        return 1;
+    }
+    const Echo echo(**session);
+    const auto announce = [&session](const Connection& connection)
+    {
+        if (connection.phase == Phase::Ready)
+            (*session)
+                ->Commands()
+                .AnnounceAccessory({"com.example.echo", "com.example.app"})
+                .Start([](Result<void>) {});
+    };
+    const auto announced = (*session)->OnConnection("announce", announce);
+    g_main_loop_run(g_main_loop_new(nullptr, FALSE));
+}

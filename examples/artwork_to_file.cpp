@@ -1,0 +1,27 @@
+// Writes the picture of each track that plays to a file and prints its address: artwork_to_file [DIRECTORY]
+#include <glib.h>
+#include <ipodkit/picture_files.h>
+#include <ipodkit/session.h>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    const ipodkit::PictureFiles files(argc > 1 ? argv[1] : "");
+    const auto session = ipodkit::Session::Open();
+    if (!session)
+    {
+        std::fprintf(stderr, "%s\n", session.error().Text().c_str());
+        return 1;
+    }
+    const auto write = [&files](const ipodkit::StatePtr& state, ipodkit::Fields)
+    {
+        if (state->artwork == nullptr) return;
+        const auto uri = files.Uri(*state->artwork);
+        std::printf("%s %ux%u %s\n", ipodkit::MediaType(state->artwork->type), state->artwork->width,
+                    state->artwork->height, uri ? uri->c_str() : uri.error().Text().c_str());
+        std::fflush(stdout);
+    };
+    const auto written = (*session)->OnState("artwork", write, ipodkit::Field::Artwork);
+    g_main_loop_run(g_main_loop_new(nullptr, FALSE));
+}

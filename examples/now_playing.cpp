@@ -1,0 +1,26 @@
+// Shows what plays, for as long as it runs. Compare with now_playing_core.cpp.
+#include <glib.h>
+#include <ipodkit/session.h>
+
+#include <cstdio>
+
+int main()
+{
+    const auto session = ipodkit::Session::Open();
+    if (!session)
+    {
+        std::fprintf(stderr, "%s\n", session.error().Text().c_str());
+        return 1;
+    }
+    const auto show = [](const ipodkit::StatePtr& state, ipodkit::Fields)
+    {
+        const bool playing = state->status == IPOD_PLAY_STATUS_PLAYING;
+        const QBXiPodTrackInfo track = state->track.value_or(QBXiPodTrackInfo{});
+        std::printf("[%s] %s %s - %s\n", ipodkit::Name(state->phase), playing ? ">" : "=", track.text2.c_str(),
+                    track.text1.c_str());
+        std::fflush(stdout);
+    };
+    const auto shown = (*session)->OnState("now playing", show,
+                                           ipodkit::Field::Track | ipodkit::Field::Status | ipodkit::Field::Connection);
+    g_main_loop_run(g_main_loop_new(nullptr, FALSE));
+}

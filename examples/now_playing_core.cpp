@@ -1,0 +1,54 @@
+// The same as now_playing.cpp with the core's own interface: it must be started after the service, does not notice
+// that the service went away, and blocks when the service hangs.
+#include <IQBXIpodPlayer.h>
+#include <glib.h>
+
+#include <cstdio>
+
+namespace
+{
+class Screen : public IQBXIpodPlayerListener
+{
+public:
+    explicit Screen(IQBXIpodPlayer& player)
+        : m_track(player.GetCurrentMediaInfo()), m_playing(player.GetPlayStatus() == IPOD_PLAY_STATUS_PLAYING)
+    {
+        Show();
+    }
+
+    void OnIpodPlayingTrackChange(int, QBXiPodTrackInfo track) override
+    {
+        m_track = track;
+        Show();
+    }
+
+    void OnPlayStatusChanged(iPodPlayerPlayStatus status) override
+    {
+        m_playing = status == IPOD_PLAY_STATUS_PLAYING;
+        Show();
+    }
+
+private:
+    void Show() const
+    {
+        std::printf("%s %s - %s\n", m_playing ? ">" : "=", m_track.text2.c_str(), m_track.text1.c_str());
+        std::fflush(stdout);
+    }
+
+    QBXiPodTrackInfo m_track;
+    bool m_playing;
+};
+}  // namespace
+
+int main()
+{
+    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
+    if (!player->InitInstance())
+    {
+        std::fprintf(stderr, "the service is not there\n");
+        return 1;
+    }
+    Screen screen(*player);
+    player->AddListener(&screen);
+    g_main_loop_run(g_main_loop_new(nullptr, FALSE));
+}

@@ -1,0 +1,91 @@
+/// @file
+/// Accessory sessions as byte streams between the application and its companion app on the device.
+///
+///     AccessoryPort port(session);
+///     auto opened = port.OnOpened("echo", [&](const AccessorySessionPtr& peer) { … });
+///
+/// **Announce first.** Commands::AnnounceAccessory() tells the device the unit's protocols, Commands::LaunchApp()
+/// starts the app; the device opens sessions.
+///
+/// **Received bytes** are announced by the service with the low 8 bits of the session's number. With one open session
+/// that fits, they are its bytes. With more, nobody can know: each of them gets ErrorKind::Ambiguous instead.
+///
+/// **Context thread only.** Callbacks run in the session's context.
+#pragma once
+
+#include <ipodkit/session.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+using Bytes = std::vector<unsigned char>;
+
+struct AccessoryOptions
+{
+    std::size_t chunk = 1 << 14;      ///< bytes per call of the service; the segment takes some hundred KiB
+    std::size_t highWater = 1 << 18;  ///< a session takes no more bytes while so many are waiting
+};
+
+/// One session, from its opening to its closing. Closed for ever once it is.
+class AccessorySession
+{
+public:
+    using Completion = std::function<void(Result<void>)>;
+    using DataCallback = std::function<void(const Result<Bytes>&)>;
+
+    std::uint16_t Number() const;
+    unsigned char Protocol() const;  ///< index of its protocol among those announced
+    bool IsOpen() const;
+
+    /// Sends bytes after those that were taken before. False when the session is closed or too many bytes are waiting:
+    /// then nothing was taken, and OnDrained() tells when to try again. Any amount is taken when nothing is waiting.
+    ///
+    /// The completion comes when the service has accepted the last byte. After an error nothing that was taken later
+    /// is sent either, since the stream has a gap: it completes with the same error.
+    bool Write(Bytes bytes, Completion completion);
+
+    /// Bytes that were taken and not accepted yet.
+    std::size_t Waiting() const;
+
+    Subscription OnData(std::string name, DataCallback callback);
+    Subscription OnDrained(std::string name, std::function<void()> callback);
+    Subscription OnClosed(std::string name, std::function<void()> callback);
+
+    class Impl;
+    explicit AccessorySession(std::shared_ptr<Impl> impl) : m_impl(std::move(impl)) {}
+
+private:
+    std::shared_ptr<Impl> m_impl;
+};
+
+using AccessorySessionPtr = std::shared_ptr<AccessorySession>;
+
+/// All sessions of the device. Several ports may exist; each has objects of its own for the same sessions.
+class AccessoryPort
+{
+public:
+    explicit AccessoryPort(Session& session, const AccessoryOptions& options = {});
+
+    /// Its sessions count as closed.
+    ~AccessoryPort();
+    AccessoryPort(const AccessoryPort&) = delete;
+    AccessoryPort& operator=(const AccessoryPort&) = delete;
+
+    std::vector<AccessorySessionPtr> Sessions() const;  ///< those that are open
+    Subscription OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback);
+
+private:
+    class Impl;
+    std::shared_ptr<Impl> m_impl;
+    Subscription m_listening;
+    Subscription m_watching;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

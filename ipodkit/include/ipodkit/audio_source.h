@@ -1,0 +1,88 @@
+/// @file
+/// The loudspeakers: one of the unit's two iPod sources, from the request to the release.
+///
+///     AudioSource source(session, 0);
+///     source.Request();                    // asks the audio-source manager
+///     …the manager activates the source: source.Activated(confirmation);
+///     source.Play([](Result<void> done) { … });
+///
+/// The manager tells the application, not the player, when it activates or deactivates a source; the application hands
+/// that on. Playback that the manager interrupted for a while goes on by itself when it activates the source again.
+///
+/// **Context thread only.** The manager's own operations are called on it; they are the middleware's, and quick there.
+#pragma once
+
+#include <ipodkit/session.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+enum class AudioState
+{
+    Released,   ///< somebody else's
+    Granted,    ///< requested and granted, not active yet
+    Active,     ///< may sound
+    Playing,    ///< playback was started
+    Suspended,  ///< was playing when the manager took the source away for a while
+};
+
+/// "Playing" for AudioState::Playing.
+const char* Name(AudioState state);
+
+struct AudioTransition
+{
+    AudioState from;
+    AudioState to;
+    std::string why;
+};
+
+class AudioSource
+{
+public:
+    using Completion = std::function<void(Result<void>)>;
+
+    /// @param number  0 or 1: the manager's source 10 or 11
+    AudioSource(Session& session, int number);
+
+    /// Leaves the source as it is.
+    ~AudioSource();
+    AudioSource(const AudioSource&) = delete;
+    AudioSource& operator=(const AudioSource&) = delete;
+
+    AudioState State() const;
+
+    /// Asks the manager. ErrorKind::Refused with its code; ErrorKind::NoService before the session was ready once;
+    /// ErrorKind::BadArgument for a number that is neither 0 nor 1.
+    Result<void> Request();
+
+    /// The manager activated or deactivated the source: confirms it with the manager's value. The core's confirmation
+    /// names source 10, whichever it is.
+    void Activated(int confirmation);
+    void Deactivated(int confirmation, bool forAWhile);
+
+    /// Starts playback. ErrorKind::Refused unless the manager says that the source is active.
+    void Play(Completion completion, iPodPlayerPlayOption_e option = IPOD_PLAY_START);
+
+    /// Gives the source back to the manager.
+    void Release();
+
+    /// The last transitions, at most 64, oldest first.
+    std::vector<AudioTransition> Trace() const;
+
+    Subscription OnTransition(std::string name, std::function<void(const AudioTransition&)> callback);
+
+private:
+    class Impl;
+    std::shared_ptr<Impl> m_impl;
+    Subscription m_listening;
+    Subscription m_watching;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

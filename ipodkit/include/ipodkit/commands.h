@@ -1,0 +1,108 @@
+/// @file
+/// The commands of the service, with real results. Each returns a Request: nothing is sent before Start(), Future()
+/// or Wait(). Where the service answers "false", the result is ErrorKind::Refused.
+///
+/// Pages of lists are the Pager's, pictures come with the PlayerState, accessory bytes go through an
+/// AccessorySession, and the request for an audio source is AudioSource's.
+#pragma once
+
+#include <QBXIpodTypes.h>
+#include <ipodkit/request.h>
+
+#include <string>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+/// Position in the track and its length, in milliseconds.
+struct PlayPosition
+{
+    int position;
+    int duration;
+};
+
+enum class Winding : int
+{
+    Forward = 0,
+    Backward = 1,
+    None = 2,
+};
+
+struct CarPlayDevice
+{
+    QBXAppleDeviceDetectStatus status;
+    std::string serialNumber;  ///< empty when there is none
+};
+
+/// Obtained from a Session. Copies are cheap; they may outlive the session, requests then fail with
+/// ErrorKind::Cancelled. Any thread may use them.
+class Commands
+{
+public:
+    Commands(std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline)
+        : m_bus(std::move(bus)), m_deadline(deadline)
+    {
+    }
+
+    /// @name Playback
+    /// @{
+    Request<void> StartPlayback(iPodPlayerPlayOption_e option) const;  ///< IPOD_PLAY_START, _RESUME or _RESTART
+    Request<void> Pause() const;
+    Request<void> Stop() const;
+    Request<void> Next() const;
+    Request<void> Previous() const;
+    Request<void> Seek(std::chrono::seconds position) const;
+    Request<void> FastForward() const;
+    Request<void> FastBackward() const;
+    Request<void> StopWinding() const;
+    Request<void> SetShuffle(iPodPlayerShuffleStatus mode) const;
+    Request<void> SetRepeat(iPodPlayerRepeatStatus mode) const;
+    Request<void> PressButton(iPodPlayerButtonControl control) const;
+    Request<void> SetTransmission(bool on) const;  ///< whether the unit takes audio from the device
+    /// @}
+
+    /// @name What plays
+    /// @{
+    Request<QBXiPodTrackInfo> CurrentTrack() const;
+    Request<iPodPlayerPlayStatus> PlayStatus() const;
+    Request<PlayPosition> Position() const;
+    Request<Winding> WindingStatus() const;
+    Request<iPodPlayerShuffleStatus> Shuffle() const;
+    Request<iPodPlayerRepeatStatus> Repeat() const;
+    Request<int> PlayingIndex() const;  ///< -1 when nothing plays
+    Request<int> PlayingCount() const;  ///< entries of the playing list
+    /// @}
+
+    /// @name Music database. A Pager must not be surprised: with one in use, change levels through it.
+    /// @{
+    Request<int> DatabaseCount(bool fromTop = false) const;
+    Request<void> EnterRoot() const;
+    Request<void> EnterParent() const;
+    Request<void> EnterChild(int index) const;
+    Request<bool> AtRoot() const;
+    Request<void> PlayDatabaseEntry(int index) const;
+    Request<void> PlayPlayingEntry(int index) const;
+    /// @}
+
+    /// @name Devices
+    /// @{
+    Request<int> DeviceCount() const;
+    Request<void> EnterDevice(int index) const;
+    Request<std::string> IpodName() const;       ///< the name that its owner gave the device
+    Request<std::string> ForegroundApp() const;  ///< bundle identifier, or empty
+    Request<void> LaunchApp(const std::string& bundleId) const;
+    Request<CarPlayDevice> CarPlayStatus() const;
+    Request<QBXAppleDeviceDetectStatus> CarLifeStatus() const;
+    Request<void> NotifyCarPlay(bool connected, bool wireless) const;
+    Request<void> AnnounceAccessory(const EAPInfo& info) const;  ///< texts of at most 255 bytes without NUL
+    Request<void> SetHubTestMode(unsigned char mode) const;      ///< for production and service only
+    /// @}
+
+private:
+    std::shared_ptr<detail::Bus> m_bus;
+    std::chrono::milliseconds m_deadline;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

@@ -1,0 +1,44 @@
+/// @file
+/// Why something failed. Every operation of the companion that can fail returns a Result.
+#pragma once
+
+#include <string>
+#include <tl/expected.hpp>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+enum class ErrorKind
+{
+    NoBus,           ///< there is no session bus, or it went away
+    NoService,       ///< nobody owns the service's name
+    ServiceLost,     ///< the service went away before it answered
+    TimedOut,        ///< no answer within the deadline; the service may still act on the request
+    Refused,         ///< the service answered with an error, or with "false"
+    BadReply,        ///< the answer is not what the contract allows, or does not fit the request
+    Cancelled,       ///< the caller, a change of level, or the end of the session withdrew the request
+    NoSharedMemory,  ///< the segments cannot be attached or do not take the data
+    BadArgument,     ///< the request cannot be sent as it is; nothing was sent
+    Ambiguous,       ///< received bytes that may belong to more than one accessory session
+    NoStorage,       ///< a file cannot be written
+};
+
+/// "TimedOut" for ErrorKind::TimedOut.
+const char* Name(ErrorKind kind);
+
+struct Error
+{
+    ErrorKind kind;
+    std::string reason;  ///< in the words of the bus where it has any; otherwise what is wrong and what helps
+
+    /// "TimedOut: Timeout was reached", for logs.
+    std::string Text() const;
+};
+
+/// A value, or why there is none.
+template <class T>
+using Result = tl::expected<T, Error>;
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

@@ -1,0 +1,101 @@
+/// @file
+/// Random access to the lists of the device, page by page.
+///
+///     Pager songs(session, ListKind::Database);
+///     songs.Count([&](Result<int> count) { … });
+///     songs.At(1234, [&](Result<PagePtr> page) { show((*page)->At(1234)); });
+///
+/// **Never a wrong page.** All pagers of a session take turns at lists that share state in the service; a page is
+/// checked against what was asked for, and one that belongs to a level that was left, to a playing list that changed,
+/// or to a service that restarted is never handed out: the request completes with ErrorKind::Cancelled instead.
+///
+/// **Context thread only.** Completions run in the session's context, exactly once, and never inside the operation
+/// that took them.
+#pragma once
+
+#include <ipodkit/session.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+enum class ListKind
+{
+    Playing,
+    Database,  ///< the current level of the music database
+    DatabasePinyin,
+    Update,  ///< the list that the device is updating; the service does not tell its size
+    UpdatePinyin,
+    Devices,  ///< always one page
+};
+
+/// A run of entries. Immutable and shared.
+struct Page
+{
+    int first;                       ///< index of the first entry
+    std::vector<std::string> names;  ///< as the service sent them, each ending at its first NUL
+    bool folders = false;            ///< Database only: the entries can be entered
+    bool root = false;               ///< Database only: this is the top level
+
+    bool Holds(int index) const { return index >= first && index < first + static_cast<int>(names.size()); }
+    const std::string& At(int index) const { return names.at(static_cast<std::size_t>(index - first)); }
+};
+
+using PagePtr = std::shared_ptr<const Page>;
+
+struct PagerOptions
+{
+    int pageSize = 50;              ///< entries; at least 1
+    std::size_t cachedPages = 100;  ///< the least recently used are forgotten
+    int prefetch = 1;               ///< pages to fetch ahead, in the direction of the last two requests
+};
+
+class Pager
+{
+public:
+    using CountCompletion = std::function<void(Result<int>)>;
+    using PageCompletion = std::function<void(Result<PagePtr>)>;
+    using Completion = std::function<void(Result<void>)>;
+
+    Pager(Session& session, ListKind kind, const PagerOptions& options = {});
+
+    /// Completes what is under way with ErrorKind::Cancelled.
+    ~Pager();
+    Pager(const Pager&) = delete;
+    Pager& operator=(const Pager&) = delete;
+
+    /// Number of entries. ErrorKind::BadArgument for the update lists.
+    void Count(CountCompletion completion);
+
+    /// The page that holds an entry. ErrorKind::BadArgument when there is no such entry.
+    void At(int index, PageCompletion completion);
+
+    /// The same from the cache; null when it is not there.
+    PagePtr Cached(int index) const;
+
+    /// @name Change of level, for the database lists. Every pager of the database starts afresh, at the moment of
+    /// the call: what was asked for before is cancelled.
+    /// @{
+    void EnterRoot(Completion completion);
+    void EnterParent(Completion completion);
+    void EnterChild(int index, Completion completion);
+    /// @}
+
+    /// Forgets everything; for lists that changed without an event.
+    void Refresh();
+
+    /// Called when everything that was handed out is outdated: the level, the list, the device or the service changed.
+    Subscription OnOutdated(std::string name, std::function<void()> callback);
+
+private:
+    class Impl;
+    std::shared_ptr<Impl> m_impl;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

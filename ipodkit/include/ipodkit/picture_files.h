@@ -1,0 +1,37 @@
+/// @file
+/// Pictures for those who want a file.
+#pragma once
+
+#include <ipodkit/error.h>
+#include <ipodkit/picture.h>
+
+#include <string>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+/// Keeps pictures in a directory of its own. Operations write files and may block as files do; any thread may call
+/// them, several processes may share the directory.
+class PictureFiles
+{
+public:
+    /// @param directory  made when needed, for this user only; empty: "ipodkit" under the user's runtime directory
+    /// @param keep       how many files stay; beyond that the oldest are removed
+    explicit PictureFiles(std::string directory = {}, std::size_t keep = 32);
+
+    /// The file's address, "file:///…". Equal pictures have one address as long as the directory is the same. The file
+    /// is there, whole, when this returns: it never has half of its bytes. ErrorKind::NoStorage.
+    Result<std::string> Uri(const Picture& picture) const;
+
+    const std::string& Directory() const { return m_directory; }
+
+private:
+    void RemoveOldest() const;
+
+    std::string m_directory;
+    std::size_t m_keep;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

@@ -1,0 +1,100 @@
+/// @file
+/// The connection of an application to the service, through any number of its restarts. Start reading here.
+///
+///     auto session = ipodkit::Session::Open();
+///     auto shown = (*session)->OnState("now playing", [](const StatePtr& state, Fields changed) { … });
+///     (*session)->Commands().Next().Start([](Result<void> done) { … });
+///     g_main_loop_run(loop);
+///
+/// **Context.** A session lives in one GMainContext: everything it calls is called there, outside of all locks, and
+/// nothing it does blocks there. Create and destroy it on the thread that runs the context, or before that runs. All
+/// other operations may be called on any thread.
+///
+/// **Process.** There is one session at a time, since the core has one player: it obtains the player and calls its
+/// InitInstance(), once. The application must not call InitInstance() itself; it may use everything else of the core
+/// beside the session, from the time the session is Ready. A later session of the same process must live in the same
+/// context, where the player delivers its events.
+///
+/// **End of the bus.** GLib ends a process whose session bus goes away, unless `g_dbus_connection_set_exit_on_close()`
+/// says otherwise. A process that survives it gets ErrorKind::NoBus from then on.
+#pragma once
+
+#include <IQBXIpodPlayerListener.h>
+#include <ipodkit/commands.h>
+#include <ipodkit/player_state.h>
+#include <ipodkit/subscription.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+typedef struct _GMainContext GMainContext;  // NOLINT(bugprone-reserved-identifier): GLib's own name
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+struct SessionOptions
+{
+    GMainContext* context = nullptr;              ///< null: the default one
+    std::chrono::milliseconds settle{20};         ///< a change is published so long after its first event
+    std::chrono::milliseconds deadline{5000};     ///< of each request, unless it says otherwise
+    std::chrono::milliseconds callbackBudget{5};  ///< a callback that takes longer is named in the log
+    std::size_t artworkLimit = 1 << 20;           ///< larger pictures are left out, in bytes
+};
+
+/// How far the session is with the service.
+struct Connection
+{
+    Phase phase = Phase::Absent;
+    std::uint32_t generation = 0;  ///< how often the service has appeared
+    std::optional<Error> error;    ///< what stands in the way; the session goes on trying where that makes sense
+};
+
+class Session
+{
+public:
+    /// Returns at once, in Phase::Absent; everything else happens while the context runs.
+    /// ErrorKind::BadArgument when there is a session already, or was one in another context.
+    static Result<std::unique_ptr<Session>> Open(const SessionOptions& options = {});
+
+    /// Completes the requests that are under way with ErrorKind::Cancelled. Subscriptions may outlive it.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    ipodkit::Connection Connection() const;
+    StatePtr State() const;  ///< the last that was published, never null
+    ipodkit::Commands Commands() const;
+
+    /// @name Subscriptions. The name is what the log calls the callback.
+    /// @{
+
+    /// Every step of the connection, first the present one.
+    using ConnectionCallback = std::function<void(const ipodkit::Connection&)>;
+    Subscription OnConnection(std::string name, ConnectionCallback callback);
+
+    /// Every published state that differs in one of @p fields, with all that changed; first the present state, with
+    /// all fields. A burst of events makes one change.
+    using StateCallback = std::function<void(const StatePtr&, Fields changed)>;
+    Subscription OnState(std::string name, StateCallback callback, Fields fields = Fields::All());
+
+    /// Every single event of the service, as the core's listeners get it, but outside the core's listener lock.
+    /// The listener stays the caller's; end the subscription before it goes away.
+    Subscription Listen(std::string name, IQBXIpodPlayerListener& listener);
+    /// @}
+
+    /// What the parts of the companion share; for them only.
+    class Impl;
+    const std::shared_ptr<Impl>& Inside() const { return m_impl; }
+
+private:
+    explicit Session(std::shared_ptr<Impl> impl);
+
+    std::shared_ptr<Impl> m_impl;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

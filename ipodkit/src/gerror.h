@@ -1,0 +1,13 @@
+/// @file
+/// From GLib's errors to the companion's.
+#pragma once
+
+#include <ipodkit/error.h>
+
+#include "glib_ptr.h"
+
+namespace ipodkit
+{
+/// The reason is the bus's own message, without the error's name in front.
+Error ToError(const GError& error);
+}  // namespace ipodkit

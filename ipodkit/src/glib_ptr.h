@@ -1,0 +1,40 @@
+/// @file
+/// GLib's objects under C++ ownership.
+#pragma once
+
+#include <gio/gio.h>
+
+#include <memory>
+
+namespace ipodkit
+{
+struct ObjectUnref
+{
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+struct ContextUnref
+{
+    void operator()(GMainContext* context) const { g_main_context_unref(context); }
+};
+
+struct ErrorFree
+{
+    void operator()(GError* error) const { g_error_free(error); }
+};
+
+/// Takes the source out of its context.
+struct SourceDestroy
+{
+    void operator()(GSource* source) const
+    {
+        g_source_destroy(source);
+        g_source_unref(source);
+    }
+};
+
+using ConnectionPtr = std::unique_ptr<GDBusConnection, ObjectUnref>;
+using ContextPtr = std::unique_ptr<GMainContext, ContextUnref>;
+using ErrorPtr = std::unique_ptr<GError, ErrorFree>;
+using SourcePtr = std::unique_ptr<GSource, SourceDestroy>;
+}  // namespace ipodkit

@@ -1,0 +1,46 @@
+/// @file
+/// The fence around the application's callbacks: they are called from C, and they share one thread.
+#pragma once
+
+#include <chrono>
+#include <exception>
+#include <string>
+
+namespace ipodkit
+{
+/// Runs callbacks. What they throw ends here and is logged; one that takes longer than the budget is named in the
+/// log. The log is the unit's, category `liblog_category`, level WARN; GLib's while that is not set up.
+class Guard
+{
+public:
+    explicit Guard(std::chrono::microseconds budget) : m_budget(budget) {}
+
+    template <class Callback>
+    void Run(const std::string& name, Callback&& callback) const
+    {
+        const auto start = std::chrono::steady_clock::now();
+        try
+        {
+            callback();
+        }
+        catch (const std::exception& thrown)
+        {
+            LogThrow(name, thrown.what());
+        }
+        catch (...)
+        {
+            LogThrow(name, "something that is no exception");
+        }
+        Judge(name, std::chrono::steady_clock::now() - start);
+    }
+
+private:
+    void Judge(const std::string& name, std::chrono::steady_clock::duration taken) const;
+    static void LogThrow(const std::string& name, const char* what);
+
+    std::chrono::microseconds m_budget;
+};
+
+/// Writes one line of level WARN.
+void LogWarning(const std::string& text);
+}  // namespace ipodkit

@@ -1,0 +1,27 @@
+/// @file
+/// Requests from a member of the bus contract, its arguments and its reply.
+#pragma once
+
+#include <ipodkit/request.h>
+
+#include "bus.h"
+
+namespace ipodkit
+{
+/// What the reply looks like and what to make of it; then the method. @p arguments may be floating or null.
+template <class T>
+struct Maker
+{
+    const std::shared_ptr<detail::Bus>& bus;
+    std::chrono::milliseconds deadline;
+    const char* replyType;
+    Result<T> (*decode)(GVariant*);
+
+    Request<T> operator()(const char* method, GVariant* arguments = nullptr, std::optional<Error> obstacle = {}) const
+    {
+        const detail::Body owned =
+            arguments == nullptr ? nullptr : detail::Body(g_variant_ref_sink(arguments), g_variant_unref);
+        return {{bus, method, replyType, owned, deadline, std::nullopt, std::move(obstacle)}, decode};
+    }
+};
+}  // namespace ipodkit

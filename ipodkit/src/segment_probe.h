@@ -1,0 +1,20 @@
+/// @file
+/// Whether the core will be able to attach the shared memory.
+#pragma once
+
+#include <ipodkit/error.h>
+
+#include <optional>
+
+namespace ipodkit
+{
+/// The core tries once in a process: when that fails, shared data is out of reach for ever, and the lock of its
+/// player stays held. So everything is tried here first, where it can be repeated.
+///
+/// Blocks, for seconds when somebody else holds a lock inside a segment or is still making it. Any thread.
+/// Nothing when both segments can be used or are not there yet; otherwise what is wrong and what helps.
+std::optional<Error> ProbeSegments();
+
+/// The same for what an attempt of the core threw.
+Error AttachFailure(const std::string& what);
+}  // namespace ipodkit

@@ -1,0 +1,228 @@
+#include <ipodkit/accessory.h>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+class AccessoryTest : public KitTest
+{
+protected:
+    AccessoryTest()
+    {
+        AnswerState(service);
+        service.React("EapWrite",
+                      [this](GDBusMethodInvocation* call)
+                      {
+                          guint16 number = 0;
+                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(q)", &number);
+                          const Bytes bytes = shared.Bytes("VecEapWriteBufferShareMemory");
+                          {
+                              const std::lock_guard<std::mutex> lock(mutex);
+                              written[number].insert(written[number].end(), bytes.begin(), bytes.end());
+                              largest = std::max(largest, bytes.size());
+                          }
+                          g_dbus_method_invocation_return_value(call, g_variant_new("(b)", accepting.load()));
+                      });
+        Ready();
+    }
+
+    AccessorySessionPtr OpenSession(AccessoryPort& port, int number)
+    {
+        AccessorySessionPtr opened;
+        const Subscription watching = port.OnOpened("test", [&](const AccessorySessionPtr& peer) { opened = peer; });
+        service.Emit("OnIpodStartEapSession", "(3, " + std::to_string(number) + ")");
+        EXPECT_TRUE(RunLoopUntil([&] { return opened != nullptr; }));
+        return opened;
+    }
+
+    void Receive(int lowByte, const Bytes& bytes)
+    {
+        shared.SetBytes("VecEapReadBufferShareMemory", bytes);
+        service.Emit("OnIpodReceiveEapData", "(" + std::to_string(lowByte) + ",)");
+        Settle(service);
+    }
+
+    // What a session is told, in order.
+    Subscription Record(const AccessorySessionPtr& peer, std::vector<std::string>& told)
+    {
+        return peer->OnData(
+            "record", [&told](const Result<Bytes>& data)
+            { told.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
+    }
+
+    SharedVectors shared;
+    std::mutex mutex;
+    std::map<int, Bytes> written;
+    std::size_t largest = 0;
+    std::atomic<bool> accepting{true};
+    FakeService service;  // last: its thread uses the others
+};
+
+TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 300);
+    bool closed = false;
+    const Subscription watching = peer->OnClosed("test", [&closed] { closed = true; });
+    EXPECT_EQ(peer->Number(), 300);
+    EXPECT_EQ(peer->Protocol(), 3);
+    EXPECT_TRUE(peer->IsOpen());
+
+    service.Emit("OnIpodStopEapSession", "(300,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return closed; }));
+    EXPECT_FALSE(peer->IsOpen());
+    EXPECT_FALSE(peer->Write({1}, [](const Result<void>&) {}));
+    EXPECT_THAT(port.Sessions(), IsEmpty());
+}
+
+TEST_F(AccessoryTest, ReceivedBytesReachTheOneSessionThatFits)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr one = OpenSession(port, 300);
+    const AccessorySessionPtr other = OpenSession(port, 301);
+    std::vector<std::string> toOne;
+    std::vector<std::string> toOther;
+    const Subscription first = Record(one, toOne);
+    const Subscription second = Record(other, toOther);
+
+    Receive(300 & 0xFF, {'h', 'i'});
+    Receive(99, {'n', 'o'});
+
+    EXPECT_THAT(toOne, ElementsAre("hi"));
+    EXPECT_THAT(toOther, IsEmpty());
+    EXPECT_EQ(CountLogLines("80 LogWarning: bytes for accessory session 99, which is not open"), 1U);
+}
+
+TEST_F(AccessoryTest, BytesThatMayBeOfTwoSessionsAreAnErrorForBoth)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr one = OpenSession(port, 44);
+    const AccessorySessionPtr other = OpenSession(port, 300);
+    std::vector<std::string> toOne;
+    std::vector<std::string> toOther;
+    const Subscription first = Record(one, toOne);
+    const Subscription second = Record(other, toOther);
+
+    Receive(44, {'h', 'i'});
+
+    EXPECT_THAT(toOne, ElementsAre("Ambiguous"));
+    EXPECT_THAT(toOther, ElementsAre("Ambiguous"));
+}
+
+TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveWholeAndInOrder)
+{
+    AccessoryOptions small;
+    small.chunk = 1000;
+    AccessoryPort port(*session, small);
+    const AccessorySessionPtr one = OpenSession(port, 1);
+    const AccessorySessionPtr other = OpenSession(port, 2);
+    Bytes bytes(12345);
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i * 7);
+    int done = 0;
+    const auto count = [&done](const Result<void>& result) { done += result ? 1 : 100; };
+
+    EXPECT_TRUE(one->Write(bytes, count));
+    EXPECT_TRUE(other->Write(bytes, count));
+    EXPECT_TRUE(one->Write({1, 2}, count));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return done == 3; }));
+    EXPECT_EQ(written[2], bytes);
+    bytes.insert(bytes.end(), {1, 2});
+    EXPECT_EQ(written[1], bytes);
+    EXPECT_EQ(largest, 1000U);
+    EXPECT_EQ(one->Waiting(), 0U);
+}
+
+TEST_F(AccessoryTest, TakesNoMoreThanTheHighWaterMarkAndSaysWhenItDoesAgain)
+{
+    AccessoryOptions small;
+    small.highWater = 1000;
+    AccessoryPort port(*session, small);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    bool drained = false;
+    const Subscription watching = peer->OnDrained("test", [&drained] { drained = true; });
+    const auto ignore = [](const Result<void>&) {};
+
+    EXPECT_TRUE(peer->Write(Bytes(5000), ignore));
+    EXPECT_FALSE(peer->Write(Bytes(1), ignore));
+    EXPECT_TRUE(RunLoopUntil([&] { return drained; }));
+
+    EXPECT_TRUE(peer->Write(Bytes(900), ignore));
+    EXPECT_TRUE(peer->Write(Bytes(100), ignore));
+    EXPECT_FALSE(peer->Write(Bytes(1), ignore));
+}
+
+TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
+{
+    accepting = false;
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    std::vector<ErrorKind> kinds;
+    const auto record = [&kinds](const Result<void>& result) { kinds.push_back(KindOf(result)); };
+
+    peer->Write({1}, record);
+    peer->Write({2}, record);
+
+    EXPECT_TRUE(RunLoopUntil([&] { return kinds.size() == 2; }));
+    EXPECT_THAT(kinds, testing::Each(ErrorKind::Refused));
+    EXPECT_EQ(written[1], Bytes{1});
+    accepting = true;
+    bool again = false;
+    peer->Write({3}, [&again](const Result<void>& result) { again = result.has_value(); });
+    EXPECT_TRUE(RunLoopUntil([&] { return again; }));
+}
+
+TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
+{
+    AccessoryOptions huge;
+    huge.chunk = 4 << 20;
+    AccessoryPort port(*session, huge);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    std::optional<Result<void>> result;
+
+    EXPECT_TRUE(peer->Write(Bytes(2 << 20), [&result](const Result<void>& done) { result = done; }));
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
+}
+
+TEST_F(AccessoryTest, SessionsEndWithTheService)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    service.Hold("EapWrite");
+    std::optional<Result<void>> result;
+    peer->Write({1}, [&result](const Result<void>& done) { result = done; });
+
+    service.Vanish();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value() && !peer->IsOpen(); }));
+    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+}
+
+TEST_F(AccessoryTest, APortThatComesLaterKnowsTheOpenSessions)
+{
+    service.Emit("OnIpodStartEapSession", "(3, 300)");
+    Settle(service);
+
+    const AccessoryPort port(*session);
+
+    ASSERT_EQ(port.Sessions().size(), 1U);
+    EXPECT_EQ(port.Sessions().front()->Number(), 300);
+}
+
+TEST_F(AccessoryTest, ACallbackMayEndThePort)
+{
+    auto port = std::make_unique<AccessoryPort>(*session);
+    const Subscription watching = port->OnOpened("end", [&](const AccessorySessionPtr&) { port.reset(); });
+
+    service.Emit("OnIpodStartEapSession", "(3, 300)");
+    Settle(service);
+
+    EXPECT_EQ(port, nullptr);
+}
+}  // namespace
+}  // namespace test

@@ -1,0 +1,350 @@
+#include <thread>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+class CommandsTest : public KitTest
+{
+protected:
+    CommandsTest() { Open(); }
+
+    Commands Ask() const { return session->Commands(); }
+
+    bool Sent(const std::string& call) const
+    {
+        const std::vector<std::string> calls = service.Calls();
+        return std::find(calls.begin(), calls.end(), call) != calls.end();
+    }
+
+    FakeService service;
+};
+
+using CommandsWithoutServiceTest = KitTest;
+
+class CommandsWithoutBusTest : public testing::Test
+{
+protected:
+    NoBus bus;
+};
+
+TEST_F(CommandsTest, SuccessIsAValue)
+{
+    service.Answer("Next", "(true,)");
+
+    EXPECT_TRUE(Completed(Ask().Next()));
+    EXPECT_TRUE(Ask().Next().Wait());
+}
+
+TEST_F(CommandsTest, FalseIsARefusal)
+{
+    service.Answer("Next", "(false,)");
+
+    EXPECT_EQ(KindOf(Completed(Ask().Next())), ErrorKind::Refused);
+}
+
+TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
+{
+    service.Fail("Pause", "the device is asleep");
+
+    const Result<void> result = Completed(Ask().Pause());
+
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, ErrorKind::Refused);
+    EXPECT_EQ(result.error().reason, "the device is asleep");
+}
+
+TEST_F(CommandsTest, AReplyOfAnotherTypeIsABadReply)
+{
+    service.AnswerInvalid("GetDeviceAmount", "('text', 1)");
+
+    EXPECT_EQ(KindOf(Completed(Ask().DeviceCount())), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Ask().DeviceCount().Wait()), ErrorKind::BadReply);
+}
+
+TEST_F(CommandsTest, ANegativeAmountIsABadReply)
+{
+    service.Answer("GetPlayingListItemsAmount", "(-7,)");
+
+    EXPECT_EQ(KindOf(Completed(Ask().PlayingCount())), ErrorKind::BadReply);
+}
+
+TEST_F(CommandsTest, ATrackRecordOfAnotherSizeIsABadReply)
+{
+    service.Answer("GetCurrentMediaInfo", Record({1, 2, 3}));
+
+    EXPECT_EQ(KindOf(Completed(Ask().CurrentTrack())), ErrorKind::BadReply);
+}
+
+TEST_F(CommandsTest, ReturnsTheTextsThatTheCoreWithholds)
+{
+    service.Answer("GetIpodName", "('Phone',)");
+    service.Answer("GetIpodAppBundleName", "('com.example.app',)");
+    service.Answer("GetCarplayDeviceDetectStatus", "(2, 'SERIAL')");
+
+    EXPECT_EQ(Completed(Ask().IpodName()).value(), "Phone");
+    EXPECT_EQ(Completed(Ask().ForegroundApp()).value(), "com.example.app");
+    EXPECT_EQ(Completed(Ask().CarPlayStatus()).value().serialNumber, "SERIAL");
+    EXPECT_EQ(Completed(Ask().CarPlayStatus()).value().status, APPLE_DEVICE_UNSUPPORTED);
+}
+
+TEST_F(CommandsTest, ASilentServiceTimesOutAtTheDeadline)
+{
+    service.Hold("Next");
+    const auto start = std::chrono::steady_clock::now();
+
+    EXPECT_EQ(KindOf(Completed(Ask().Next().Within(50ms))), ErrorKind::TimedOut);
+    EXPECT_EQ(KindOf(Ask().Next().Within(50ms).Wait()), ErrorKind::TimedOut);
+
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 100ms);
+}
+
+TEST_F(CommandsTest, ACancelledRequestCompletesAtOnce)
+{
+    service.Hold("Next");
+    const Cancellation stop;
+    std::optional<Result<void>> result;
+    Ask().Next().CancelledBy(stop).Start([&result](Result<void> done) { result = std::move(done); });
+    ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
+
+    stop.Cancel();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+}
+
+TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)
+{
+    RunLoopFor(50ms);
+    const std::size_t before = service.Calls().size();
+    const Cancellation stop;
+    stop.Cancel();
+
+    EXPECT_EQ(KindOf(Completed(Ask().Next().CancelledBy(stop))), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(Ask().Next().CancelledBy(stop).Wait()), ErrorKind::Cancelled);
+
+    EXPECT_EQ(service.Calls().size(), before);
+}
+
+TEST_F(CommandsTest, AServiceThatDiesBeforeItAnswersIsLost)
+{
+    service.Hold("Next");
+    std::optional<Result<void>> result;
+    Ask().Next().Start([&result](Result<void> done) { result = std::move(done); });
+    ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
+
+    service.Vanish();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::ServiceLost);
+}
+
+TEST_F(CommandsTest, ABlockedCallerIsTold)
+{
+    service.Hold("Next");
+    std::thread dying(
+        [this]
+        {
+            service.WaitForCalls(1);
+            service.Vanish();
+        });
+
+    EXPECT_EQ(KindOf(Ask().Next().Wait()), ErrorKind::ServiceLost);
+
+    dying.join();
+}
+
+TEST_F(CommandsTest, ReachesAServiceThatCameBackThoughTheLoopHasNotRun)
+{
+    RunLoopFor(50ms);
+    service.Vanish();
+    FakeService next;
+    next.Answer("GetDeviceAmount", "(2,)");
+
+    EXPECT_EQ(Ask().DeviceCount().Wait().value(), 2);
+}
+
+TEST_F(CommandsTest, BlockingFormsRunNoForeignContext)
+{
+    service.Answer("Next", "(true,)");
+    bool ran = false;
+    g_idle_add(
+        [](gpointer flag) -> gboolean
+        {
+            *static_cast<bool*>(flag) = true;
+            return G_SOURCE_REMOVE;
+        },
+        &ran);
+
+    EXPECT_TRUE(Ask().Next().Wait());
+
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(CommandsTest, FuturesAreFulfilledWhereTheLoopRuns)
+{
+    service.Answer("GetDeviceAmount", "(2,)");
+    int count = 0;
+    bool done = false;
+    std::thread waiting(
+        [&]
+        {
+            count = Ask().DeviceCount().Future().get().value();
+            g_main_context_invoke(
+                nullptr,
+                [](gpointer flag) -> gboolean
+                {
+                    *static_cast<bool*>(flag) = true;
+                    return G_SOURCE_REMOVE;
+                },
+                &done);
+        });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return done; }));
+
+    waiting.join();
+    EXPECT_EQ(count, 2);
+}
+
+TEST_F(CommandsTest, FourThreadsMayAskAtTheSameTime)
+{
+    service.Answer("GetDeviceAmount", "(2,)");
+    std::atomic<int> answers{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(
+            [&]
+            {
+                for (int n = 0; n < 50; ++n)
+                {
+                    Ask().DeviceCount().Start([&](Result<int> count) { answers += count ? 1 : 1000; });
+                    if (Ask().DeviceCount().Wait()) ++answers;
+                }
+            });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return answers >= 400; }, 20s));
+
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(answers, 400);
+}
+
+TEST_F(CommandsTest, TheEndOfTheSessionCompletesWhatIsUnderWay)
+{
+    service.Hold("Next");
+    std::optional<Result<void>> result;
+    const Commands commands = Ask();
+    commands.Next().Start([&result](Result<void> done) { result = std::move(done); });
+    ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
+
+    session.reset();
+
+    ASSERT_TRUE(result);
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(Completed(commands.Next())), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(commands.Next().Wait()), ErrorKind::Cancelled);
+}
+
+TEST_F(CommandsTest, TextsThatCannotBeSentAreNotSent)
+{
+    EXPECT_EQ(KindOf(Completed(Ask().LaunchApp("\xC3\x28"))), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Ask().LaunchApp(std::string("a\0b", 3)).Wait()), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Ask().AnnounceAccessory({std::string(256, 'x'), ""}).Wait()), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Ask().StartPlayback(IPOD_PLAY_CONFIRM_ACTIVE).Wait()), ErrorKind::BadArgument);
+}
+
+TEST_F(CommandsTest, ACompletionThatThrowsIsNamedInTheLog)
+{
+    service.Answer("Next", "(true,)");
+
+    Ask().Next().Start([](Result<void>) { throw std::runtime_error("broken"); });
+
+    EXPECT_TRUE(RunLoopUntil([] { return CountLogLines("80 LogWarning: callback 'Next' threw: broken") == 1; }));
+}
+
+TEST_F(CommandsWithoutServiceTest, SaySo)
+{
+    Open();
+
+    EXPECT_EQ(KindOf(Completed(session->Commands().Next())), ErrorKind::NoService);
+    EXPECT_EQ(KindOf(session->Commands().Next().Wait()), ErrorKind::NoService);
+}
+
+TEST_F(CommandsWithoutBusTest, SaySo)
+{
+    const auto session = Session::Open();
+
+    EXPECT_EQ(KindOf(Completed((*session)->Commands().Next())), ErrorKind::NoBus);
+    EXPECT_EQ(KindOf((*session)->Commands().Next().Wait()), ErrorKind::NoBus);
+    EXPECT_EQ((*session)->Connection().error->kind, ErrorKind::NoBus);
+}
+
+const std::string kTrack = TrackBody("x");
+
+struct Row
+{
+    const char* call;
+    const char* reply;
+    std::function<void(const Commands&)> send;
+};
+
+void PrintTo(const Row& row, std::ostream* out)
+{
+    *out << row.call;
+}
+
+class EachCommandTest : public KitTest, public testing::WithParamInterface<Row>
+{
+};
+
+#define ROW(expression, method, reply)                                                 \
+    Row                                                                                \
+    {                                                                                  \
+        method, reply, [](const Commands& c) { EXPECT_TRUE(Completed(c.expression)); } \
+    }
+
+TEST_P(EachCommandTest, CallsItsMemberOfTheContract)
+{
+    FakeService service;
+    const std::string text = GetParam().call;
+    service.Answer(text.substr(0, text.find('(')), GetParam().reply);
+    Open();
+
+    GetParam().send(session->Commands());
+
+    EXPECT_THAT(service.Calls(), testing::Contains(text));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, EachCommandTest,
+    testing::Values(
+        ROW(StartPlayback(IPOD_PLAY_RESUME), "Play(0x04,)", "(true,)"), ROW(Pause(), "Pause()", "(true,)"),
+        ROW(Stop(), "Stop()", "(true,)"), ROW(Next(), "Next()", "(true,)"), ROW(Previous(), "Previous()", "(true,)"),
+        ROW(Seek(12s), "Seek(12,)", "()"), ROW(FastForward(), "FastForward()", "(true,)"),
+        ROW(FastBackward(), "FastBackward()", "(true,)"), ROW(StopWinding(), "StopFfwFbw()", "(true,)"),
+        ROW(SetShuffle(IPOD_SHUFFLE_ALBUMS), "SetShuffleMode(0x02,)", "()"),
+        ROW(SetRepeat(IPOD_REPEAT_ONE), "SetRepeatMode(0x01,)", "()"),
+        ROW(PressButton({1, 2, 3}),
+            "SetButtonStatus(<[byte 0x01, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00]>,)",
+            "(true,)"),
+        ROW(SetTransmission(true), "SetTransmissionState(0x01,)", "()"),
+        ROW(CurrentTrack(), "GetCurrentMediaInfo()", kTrack.c_str()), ROW(PlayStatus(), "GetPlayStatus()", "(1,)"),
+        ROW(Position(), "GetPlayPosition()", "(1, 2)"), ROW(WindingStatus(), "GetFfwFbwStatus()", "(2,)"),
+        ROW(Shuffle(), "GetShuffleMode()", "(1,)"), ROW(Repeat(), "GetRepeatMode()", "(1,)"),
+        ROW(PlayingIndex(), "GetPlayingTrackIdx()", "(-1,)"),
+        ROW(PlayingCount(), "GetPlayingListItemsAmount()", "(1,)"),
+        ROW(DatabaseCount(true), "GetCurDbListItemsAmount(true,)", "(1,)"),
+        ROW(EnterRoot(), "EnterDbRoot()", "(true,)"), ROW(EnterParent(), "EnterDbParentList()", "(true,)"),
+        ROW(EnterChild(3), "EnterDbChildList(3,)", "(true,)"), ROW(AtRoot(), "IsIPodInDbRoot()", "(false,)"),
+        ROW(PlayDatabaseEntry(3), "PlayDbList(3,)", "()"), ROW(PlayPlayingEntry(3), "PlayPlayingList(3,)", "()"),
+        ROW(DeviceCount(), "GetDeviceAmount()", "(1,)"), ROW(EnterDevice(1), "EnterDeviceChildList(1,)", "(true,)"),
+        ROW(IpodName(), "GetIpodName()", "('n',)"), ROW(ForegroundApp(), "GetIpodAppBundleName()", "('n',)"),
+        ROW(LaunchApp("com.example.app"), "EapLaunchApp('com.example.app',)", "(true,)"),
+        ROW(CarPlayStatus(), "GetCarplayDeviceDetectStatus()", "(1, '')"),
+        ROW(CarLifeStatus(), "GetCarlifeDeviceDetectStatus()", "(1,)"),
+        ROW(NotifyCarPlay(true, false), "CarplayConnectStatusNotify(true, false)", "()"),
+        ROW(SetHubTestMode(4), "SetHubTestMode(0x04,)", "()")),
+    [](const auto& row) { return std::string(row.param.call).substr(0, std::string(row.param.call).find('(')); });
+}  // namespace
+}  // namespace test

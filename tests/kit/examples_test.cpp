@@ -1,0 +1,126 @@
+// The examples as a user runs them: each in a process of its own, against the tests' service.
+#include <gio/gio.h>
+
+#include <glib/gstdio.h>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+// Ends the process with the object; collects what it prints.
+class Example
+{
+public:
+    Example(const std::string& name, const std::string& argument)
+    {
+        const std::string path = std::string(IPODKIT_EXAMPLES) + "/" + name;
+        const gchar* const command[] = {path.c_str(), argument.empty() ? nullptr : argument.c_str(), nullptr};
+        m_process = g_subprocess_newv(command, G_SUBPROCESS_FLAGS_STDOUT_PIPE, nullptr);
+        m_output = G_POLLABLE_INPUT_STREAM(g_subprocess_get_stdout_pipe(m_process));
+    }
+    ~Example()
+    {
+        g_subprocess_force_exit(m_process);
+        g_subprocess_wait(m_process, nullptr, nullptr);
+        g_object_unref(m_process);
+    }
+    Example(const Example&) = delete;
+    Example& operator=(const Example&) = delete;
+
+    bool Prints(const std::string& text)
+    {
+        return RunLoopUntil(
+            [&]
+            {
+                char bytes[256];
+                const gssize count =
+                    g_pollable_input_stream_read_nonblocking(m_output, bytes, sizeof(bytes), nullptr, nullptr);
+                if (count > 0) m_printed.append(bytes, static_cast<std::size_t>(count));
+                return m_printed.find(text) != std::string::npos;
+            });
+    }
+
+    const std::string& Printed() const { return m_printed; }
+
+private:
+    GSubprocess* m_process;
+    GPollableInputStream* m_output;
+    std::string m_printed;
+};
+
+class ExamplesTest : public testing::Test
+{
+protected:
+    ExamplesTest() { AnswerState(service); }
+
+    PrivateBus bus;
+    FakeService service;
+    SharedVectors shared;
+};
+
+TEST_F(ExamplesTest, NowPlayingShowsWhatPlaysAndFollows)
+{
+    Example example("now_playing", "");
+    ASSERT_TRUE(example.Prints("[Ready] >  - Song")) << example.Printed();
+
+    service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Other"));
+
+    EXPECT_TRUE(example.Prints("Other")) << example.Printed();
+}
+
+TEST_F(ExamplesTest, NowPlayingOnTheCoreDoesTheSame)
+{
+    Example example("now_playing_core", "");
+    ASSERT_TRUE(example.Prints(">  - Song")) << example.Printed();
+
+    service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Other"));
+
+    EXPECT_TRUE(example.Prints("Other")) << example.Printed();
+}
+
+TEST_F(ExamplesTest, BrowseAndJumpFindsAName)
+{
+    shared.SetList("VecDBListShareMemory", {"林俊杰", "周杰伦"});
+    service.Answer("GetCurDbListItemsAmount", "(2,)");
+    service.Answer("GetCurDbListItems", "(true, true, true)");
+
+    Example example("browse_and_jump", "zjl");
+
+    EXPECT_TRUE(example.Prints("1\t周杰伦\t(zhou jie lun)")) << example.Printed();
+}
+
+TEST_F(ExamplesTest, ArtworkToFileWritesAFile)
+{
+    shared.SetBytes("VecArtworkBufferShareMemory", {'G', 'I', 'F', '8', '9', 'a', 5, 0, 6, 0});
+    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
+    char directory[] = "/tmp/ipodkit-example-XXXXXX";
+    ASSERT_NE(mkdtemp(directory), nullptr);
+
+    Example example("artwork_to_file", directory);
+
+    EXPECT_TRUE(example.Prints(std::string("image/gif 5x6 file://") + directory)) << example.Printed();
+    EXPECT_TRUE(example.Prints(".gif\n"));
+    const std::string path = example.Printed().substr(example.Printed().find("file://") + 7);
+    EXPECT_EQ(g_remove(path.substr(0, path.find('\n')).c_str()), 0);
+    EXPECT_EQ(g_rmdir(directory), 0);
+}
+
+TEST_F(ExamplesTest, AccessoryEchoSendsBackWhatItGets)
+{
+    service.Answer("EapInit", "()");
+    service.Answer("EapWrite", "(true,)");
+    Example example("accessory_echo", "");
+    ASSERT_TRUE(RunLoopUntil([&] { return service.WaitForCalls(15); }));
+    service.Emit("OnIpodStartEapSession", "(0, 300)");
+    ASSERT_TRUE(example.Prints("session 300 opened"));
+    shared.SetBytes("VecEapReadBufferShareMemory", {'h', 'i'});
+
+    service.Emit("OnIpodReceiveEapData", "(44,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return service.Calls().back() == "EapWrite(300,)"; }));
+    EXPECT_EQ(shared.Bytes("VecEapWriteBufferShareMemory"), (std::vector<unsigned char>{'h', 'i'}));
+}
+}  // namespace
+}  // namespace test

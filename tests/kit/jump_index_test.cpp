@@ -1,0 +1,122 @@
+#include <gmock/gmock.h>
+#include <ipodkit/jump_index.h>
+
+#include <fstream>
+
+namespace test
+{
+namespace
+{
+using ipodkit::JumpIndex;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class JumpIndexTest : public testing::Test
+{
+protected:
+    JumpIndex Index(std::vector<std::string> given)
+    {
+        names = std::move(given);
+        return JumpIndex::Build(names).value();
+    }
+
+    std::vector<std::string> Found(const JumpIndex& index, const std::string& query) const
+    {
+        std::vector<std::string> found;
+        for (const int each : index.Search(query)) found.push_back(names.at(static_cast<std::size_t>(each)));
+        return found;
+    }
+
+    std::vector<std::string> names;
+};
+
+TEST_F(JumpIndexTest, FindsAChineseNameByInitialsPinyinAndAnyMixture)
+{
+    const JumpIndex index = Index({"林俊杰", "周杰伦", "周华健"});
+
+    for (const char* query : {"zjl", "zhoujielun", "zhoujl", "zhjl", "ZJL", "zhou jie lun", "z j l", "zjlun", "周杰伦"})
+        EXPECT_THAT(Found(index, query), ElementsAre("周杰伦")) << query;
+}
+
+TEST_F(JumpIndexTest, FindsFromALaterSyllableToo)
+{
+    const JumpIndex index = Index({"周杰伦", "杰克"});
+
+    EXPECT_THAT(Found(index, "j"), ElementsAre("杰克", "周杰伦"));
+    EXPECT_THAT(Found(index, "jl"), ElementsAre("周杰伦"));
+    EXPECT_THAT(Found(index, "杰"), ElementsAre("杰克", "周杰伦"));
+}
+
+TEST_F(JumpIndexTest, FindsMixedScriptsByEither)
+{
+    const JumpIndex index = Index({"Jay Chou 周杰伦", "Jason"});
+
+    EXPECT_THAT(Found(index, "jay"), ElementsAre("Jay Chou 周杰伦"));
+    EXPECT_THAT(Found(index, "jc"), ElementsAre("Jay Chou 周杰伦"));
+    EXPECT_THAT(Found(index, "chouzjl"), ElementsAre("Jay Chou 周杰伦"));
+}
+
+TEST_F(JumpIndexTest, FindsNothingThatIsNotThere)
+{
+    const JumpIndex index = Index({"周杰伦", "Hey Jude"});
+
+    for (const char* query : {"zl", "zjlx", "houjielun", "ey", "", " ", "!?", "王"})
+        EXPECT_THAT(Found(index, query), IsEmpty()) << query;
+    EXPECT_THAT(Found(index, std::string(100000, 'z')), IsEmpty());
+}
+
+TEST_F(JumpIndexTest, AccentsAndCaseDoNotMatter)
+{
+    const JumpIndex index = Index({"Björk", "MÖTLEY CRÜE", "Don’t Stop", "ÉTÉ"});
+
+    EXPECT_THAT(Found(index, "bjork"), ElementsAre("Björk"));
+    EXPECT_THAT(Found(index, "mc"), ElementsAre("MÖTLEY CRÜE"));
+    EXPECT_THAT(Found(index, "dont"), ElementsAre("Don’t Stop"));
+    EXPECT_THAT(Found(index, "été"), ElementsAre("ÉTÉ"));
+}
+
+TEST_F(JumpIndexTest, SortsByLetterAcrossScripts)
+{
+    const JumpIndex index = Index({"!!!", "Zebra", "周杰伦", "爱", "Abba", "1989", "北京"});
+
+    std::vector<std::string> sorted;
+    for (const int each : index.Order()) sorted.push_back(names.at(static_cast<std::size_t>(each)));
+
+    EXPECT_THAT(sorted, testing::UnorderedElementsAreArray(names));
+    std::vector<std::string> sections;
+    for (const auto& section : index.Sections())
+        sections.push_back(section.label + " " + sorted.at(static_cast<std::size_t>(section.position)));
+    EXPECT_THAT(sections, ElementsAre(testing::StartsWith("A "), "B 北京", testing::StartsWith("Z "), "# !!!"));
+}
+
+TEST_F(JumpIndexTest, AnyBytesAreSafe)
+{
+    const JumpIndex index = Index({"", "\xFF\xFE", std::string("a\0b", 3), std::string(255, '\x80'), "\xE5\x91"});
+
+    EXPECT_EQ(index.Size(), 5U);
+    EXPECT_THAT(index.Search("\xFF"), testing::SizeIs(testing::Le(5U)));
+}
+
+TEST_F(JumpIndexTest, GivesNoMoreThanAskedFor)
+{
+    const JumpIndex index = Index(std::vector<std::string>(50, "a"));
+
+    EXPECT_EQ(index.Search("a", 7).size(), 7U);
+    EXPECT_EQ(index.Search("a", 0).size(), 0U);
+}
+
+// Lines "NAME<tab>READING".
+TEST_F(JumpIndexTest, ReadsNamesAsInTheListOfKnownReadings)
+{
+    std::ifstream file(IPODKIT_READINGS);
+    ASSERT_TRUE(file);
+    int lines = 0;
+    for (std::string line; std::getline(file, line); ++lines)
+    {
+        const std::size_t tab = line.find('\t');
+        EXPECT_EQ(Index({line.substr(0, tab)}).Reading(0), line.substr(tab + 1)) << line;
+    }
+    EXPECT_GE(lines, 80);
+}
+}  // namespace
+}  // namespace test

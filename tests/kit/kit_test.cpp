@@ -1,0 +1,88 @@
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+std::string ByteText(const std::vector<unsigned char>& bytes)
+{
+    std::string text = "[byte ";
+    for (const unsigned char byte : bytes) text += (text.size() > 6 ? "," : "") + std::to_string(byte);
+    return bytes.empty() ? "@ay []" : text + "]";
+}
+
+std::vector<unsigned char> TrackRecord(const std::string& title, int milliseconds)
+{
+    std::vector<unsigned char> record(1040);
+    std::copy(title.begin(), title.end(), record.begin());
+    for (unsigned i = 0; i < 4; ++i) record[1024 + i] = static_cast<unsigned char>(milliseconds >> 8 * i);
+    return record;
+}
+}  // namespace
+
+std::string Record(const std::vector<unsigned char>& bytes)
+{
+    return "(<" + ByteText(bytes) + ">,)";
+}
+
+std::string TrackBody(const std::string& title, int milliseconds)
+{
+    return Record(TrackRecord(title, milliseconds));
+}
+
+std::string TrackEvent(int index, const std::string& title, int milliseconds)
+{
+    return "(" + std::to_string(index) + ", <" + ByteText(TrackRecord(title, milliseconds)) + ">)";
+}
+
+std::string PictureBody(unsigned char noPicture)
+{
+    std::vector<unsigned char> head(16);
+    head[0] = noPicture;
+    return Record(head);
+}
+
+void AnswerState(FakeService& service)
+{
+    service.Answer("GetCurrentMediaInfo", TrackBody("Song", 60000));
+    service.Answer("GetPlayingTrackIdx", "(1,)");
+    service.Answer("GetPlayStatus", "(1,)");
+    service.Answer("GetPlayPosition", "(1000, 60000)");
+    service.Answer("GetShuffleMode", "(2,)");
+    service.Answer("GetRepeatMode", "(1,)");
+    service.Answer("GetPlayingListItemsAmount", "(3,)");
+    service.Answer("GetDeviceAmount", "(1,)");
+    service.Answer("GetIpodName", "('Phone',)");
+    service.Answer("GetIpodAppBundleName", "('com.example.app',)");
+    service.Answer("GetCarplayDeviceDetectStatus", "(0, 'SERIAL')");
+    service.Answer("GetCarlifeDeviceDetectStatus", "(1,)");
+    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody(1));
+}
+
+Session& KitTest::Open(const SessionOptions& given)
+{
+    options = given;
+    auto opened = Session::Open(options);
+    if (!opened) throw std::runtime_error(opened.error().Text());
+    session = std::move(*opened);
+    return *session;
+}
+
+Session& KitTest::Ready(std::uint32_t generation)
+{
+    if (session == nullptr) Open(options);
+    EXPECT_TRUE(RunLoopUntil(
+        [&]
+        {
+            const Connection connection = session->Connection();
+            return connection.phase == Phase::Ready && connection.generation == generation;
+        }));
+    return *session;
+}
+
+void KitTest::Settle(FakeService& service)
+{
+    EXPECT_TRUE(PassBarrier(service));
+    RunLoopFor(options.settle + 10ms);
+}
+}  // namespace test

@@ -1,0 +1,82 @@
+/// @file
+/// What the tests of this folder start from.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <ipodkit/session.h>
+
+#include <string>
+#include <vector>
+
+#include "support/fake_service.h"
+#include "support/log_capture.h"
+#include "support/private_bus.h"
+#include "support/run_loop.h"
+#include "support/shared_vectors.h"
+#include "support/signal_barrier.h"
+
+namespace test
+{
+using namespace std::chrono_literals;
+using namespace ipodkit;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// A body "(<[bytes]>,)" or, with an index in front, "(index, <[bytes]>)".
+std::string Record(const std::vector<unsigned char>& bytes);
+std::string TrackBody(const std::string& title, int milliseconds = 0);
+std::string TrackEvent(int index, const std::string& title, int milliseconds = 0);
+std::string PictureBody(unsigned char noPicture = 0);
+
+/// A service that answers every question about the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
+void AnswerState(FakeService& service);
+
+/// A bus, and a session on the default context.
+class KitTest : public testing::Test
+{
+protected:
+    /// Opens the session; an error fails the test.
+    Session& Open(const SessionOptions& options = {});
+
+    /// Opens it when there is none yet, and runs the loop until it is ready for the given generation.
+    Session& Ready(std::uint32_t generation = 1);
+
+    /// Runs the loop until everything that @p service has sent was delivered and settled.
+    void Settle(FakeService& service);
+
+    PrivateBus bus;
+    SessionOptions options;
+    std::unique_ptr<Session> session;
+};
+
+/// Starts a request and runs the loop until it completes.
+template <class T>
+Result<T> Completed(Request<T> request)
+{
+    std::optional<Result<T>> result;
+    std::move(request).Start([&result](Result<T> done) { result = std::move(done); });
+    EXPECT_FALSE(result) << "completed inside Start()";
+    EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    return result.value_or(tl::unexpected<Error>(Error{ErrorKind::TimedOut, "the completion never came"}));
+}
+
+template <class T>
+ErrorKind KindOf(const Result<T>& result)
+{
+    EXPECT_FALSE(result);
+    return result ? ErrorKind{} : result.error().kind;
+}
+}  // namespace test
+
+namespace ipodkit
+{
+inline void PrintTo(ErrorKind kind, std::ostream* out)
+{
+    *out << Name(kind);
+}
+inline void PrintTo(Phase phase, std::ostream* out)
+{
+    *out << Name(phase);
+}
+}  // namespace ipodkit

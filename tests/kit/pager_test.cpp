@@ -1,0 +1,290 @@
+#include <ipodkit/pager.h>
+
+#include <algorithm>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+using testing::Each;
+
+// A service whose database level and playing list have a number of entries "PREFIX 0", "PREFIX 1", ….
+class PagerTest : public KitTest
+{
+protected:
+    PagerTest()
+    {
+        AnswerState(service);
+        ServeList("DB", "GetCurDbListItems", "VecDBListShareMemory", "(true, false, true)");
+        ServeList("PL", "GetPlayingListItems", "VecPlayingListShareMemory", "(true,)");
+        SetSize(1000);
+        Ready();
+    }
+
+    void SetSize(int size)
+    {
+        service.Answer("GetCurDbListItemsAmount", "(" + std::to_string(size) + ",)");
+        service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(size) + ",)");
+    }
+
+    void ServeList(const std::string& prefix, const char* method, const char* vector, const char* reply)
+    {
+        service.React(method,
+                      [=](GDBusMethodInvocation* call)
+                      {
+                          int first = 0;
+                          int last = 0;
+                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
+                          std::vector<std::string> names;
+                          for (int i = first; i <= last - missing; ++i)
+                              names.push_back(prefix + " " + std::to_string(i));
+                          shared.SetList(vector, names);
+                          GVariant* const body = g_variant_parse(nullptr, reply, nullptr, nullptr, nullptr);
+                          g_dbus_method_invocation_return_value(call, body);
+                          g_variant_unref(body);
+                      });
+    }
+
+    Result<PagePtr> Get(Pager& pager, int index)
+    {
+        std::optional<Result<PagePtr>> result;
+        pager.At(index, [&result](Result<PagePtr> page) { result = std::move(page); });
+        EXPECT_FALSE(result);
+        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+        return *result;
+    }
+
+    std::ptrdiff_t Calls(const std::string& call) const
+    {
+        const std::vector<std::string> calls = service.Calls();
+        return std::count(calls.begin(), calls.end(), call);
+    }
+
+    static PagerOptions NoPrefetch()
+    {
+        PagerOptions options;
+        options.prefetch = 0;
+        return options;
+    }
+
+    SharedVectors shared;
+    std::atomic<int> missing{0};
+    FakeService service;  // last: its thread uses the others
+};
+
+TEST_F(PagerTest, GivesThePageThatHoldsAnEntry)
+{
+    Pager pager(*session, ListKind::Database);
+
+    const PagePtr page = Get(pager, 123).value();
+
+    EXPECT_EQ(page->first, 100);
+    EXPECT_EQ(page->names.size(), 50U);
+    EXPECT_EQ(page->At(123), "DB 123");
+    EXPECT_TRUE(page->folders);
+    EXPECT_FALSE(page->root);
+}
+
+TEST_F(PagerTest, TheLastPageIsShorter)
+{
+    SetSize(103);
+    Pager pager(*session, ListKind::Playing);
+
+    EXPECT_EQ(Get(pager, 102).value()->names.size(), 3U);
+    EXPECT_EQ(KindOf(Get(pager, 103)), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Get(pager, -1)), ErrorKind::BadArgument);
+}
+
+TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)
+{
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    const PagePtr first = Get(pager, 10).value();
+
+    EXPECT_EQ(Get(pager, 20).value(), first);
+
+    EXPECT_EQ(pager.Cached(30), first);
+    EXPECT_EQ(pager.Cached(60), nullptr);
+    EXPECT_EQ(Calls("GetCurDbListItems(0, 49)"), 1);
+}
+
+TEST_F(PagerTest, ForgetsThePagesThatWereNotUsedForLongest)
+{
+    PagerOptions few = NoPrefetch();
+    few.cachedPages = 2;
+    Pager pager(*session, ListKind::Database, few);
+
+    (void)Get(pager, 0);
+    (void)Get(pager, 50);
+    (void)Get(pager, 0);
+    (void)Get(pager, 100);
+
+    EXPECT_NE(pager.Cached(0), nullptr);
+    EXPECT_EQ(pager.Cached(50), nullptr);
+    EXPECT_NE(pager.Cached(100), nullptr);
+}
+
+TEST_F(PagerTest, FetchesAheadInTheDirectionOfTravel)
+{
+    Pager pager(*session, ListKind::Database);
+    (void)Get(pager, 500);
+    EXPECT_TRUE(RunLoopUntil([&] { return pager.Cached(550) != nullptr; }));
+
+    (void)Get(pager, 400);
+
+    EXPECT_TRUE(RunLoopUntil([&] { return pager.Cached(350) != nullptr; }));
+}
+
+TEST_F(PagerTest, SeveralRequestsForOnePageAreOneCall)
+{
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    int completed = 0;
+    for (int i = 0; i < 5; ++i) pager.At(i, [&completed](const Result<PagePtr>& page) { completed += page ? 1 : 100; });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return completed == 5; }));
+
+    EXPECT_EQ(Calls("GetCurDbListItems(0, 49)"), 1);
+}
+
+TEST_F(PagerTest, APageOfTheWrongSizeIsABadReply)
+{
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    missing = 7;
+
+    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
+    EXPECT_EQ(pager.Cached(0), nullptr);
+
+    missing = 0;
+    EXPECT_TRUE(Get(pager, 0));
+}
+
+TEST_F(PagerTest, AFailedRequestNeverShowsThePageBefore)
+{
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    (void)Get(pager, 0);
+    service.Answer("GetCurDbListItems", "(true, false, false)");
+
+    EXPECT_EQ(KindOf(Get(pager, 50)), ErrorKind::Refused);
+    EXPECT_EQ(pager.Cached(50), nullptr);
+}
+
+TEST_F(PagerTest, TwoPagersOfOneListTakeTurns)
+{
+    Pager one(*session, ListKind::Database, NoPrefetch());
+    Pager other(*session, ListKind::Database, NoPrefetch());
+    std::vector<std::string> wrong;
+    int completed = 0;
+    for (int i = 0; i < 1000; i += 50)
+    {
+        Pager& pager = i % 100 == 0 ? one : other;
+        pager.At(i,
+                 [&, i](const Result<PagePtr>& page)
+                 {
+                     ++completed;
+                     if (!page || (*page)->At(i) != "DB " + std::to_string(i)) wrong.push_back(std::to_string(i));
+                 });
+    }
+
+    EXPECT_TRUE(RunLoopUntil([&] { return completed == 20; }));
+    EXPECT_THAT(wrong, IsEmpty());
+}
+
+TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
+{
+    service.Answer("EnterDbChildList", "(true,)");
+    Pager names(*session, ListKind::Database, NoPrefetch());
+    Pager pinyin(*session, ListKind::DatabasePinyin, NoPrefetch());
+    (void)Get(names, 0);
+    int outdated = 0;
+    const Subscription watching = pinyin.OnOutdated("watching", [&outdated] { ++outdated; });
+    std::optional<Result<PagePtr>> late;
+    names.At(500, [&late](Result<PagePtr> page) { late = std::move(page); });
+    std::optional<Result<void>> entered;
+    names.EnterChild(3, [&entered](Result<void> result) { entered = std::move(result); });
+
+    ASSERT_TRUE(late);
+    EXPECT_EQ(KindOf(*late), ErrorKind::Cancelled);
+    EXPECT_EQ(names.Cached(0), nullptr);
+    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
+    EXPECT_TRUE(*entered);
+    EXPECT_EQ(outdated, 2);
+    EXPECT_TRUE(Get(names, 0));
+}
+
+TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
+{
+    Pager pager(*session, ListKind::Playing);
+    std::optional<Result<void>> entered;
+
+    pager.EnterRoot([&entered](Result<void> result) { entered = std::move(result); });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
+    EXPECT_EQ(KindOf(*entered), ErrorKind::BadArgument);
+}
+
+TEST_F(PagerTest, ARestartInTheMiddleOfAPageCancels)
+{
+    service.Hold("GetPlayingListItems");
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    std::optional<Result<PagePtr>> result;
+    pager.At(0, [&result](Result<PagePtr> page) { result = std::move(page); });
+    ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(0, 49)") == 1; }));
+
+    service.Vanish();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+}
+
+TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
+{
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(pager, 0);
+
+    service.Emit("OnIpodPlayingListAmountChange", "(10,)");
+    SetSize(10);
+    Settle(service);
+
+    EXPECT_EQ(pager.Cached(0), nullptr);
+    EXPECT_EQ(Get(pager, 0).value()->names.size(), 10U);
+}
+
+TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
+{
+    std::optional<Result<PagePtr>> result;
+    {
+        Pager pager(*session, ListKind::Playing);
+        pager.At(0, [&result](Result<PagePtr> page) { result = std::move(page); });
+    }
+
+    ASSERT_TRUE(result);
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    RunLoopFor(20ms);
+}
+
+TEST_F(PagerTest, WalksFiftyThousandEntries)
+{
+    SetSize(50000);
+    PagerOptions large;
+    large.pageSize = 500;
+    Pager pager(*session, ListKind::Database, large);
+
+    for (int i = 0; i < 50000; i += 500) ASSERT_EQ(Get(pager, i).value()->At(i), "DB " + std::to_string(i));
+}
+
+TEST_F(PagerTest, ADamagedVectorIsABadReply)
+{
+    service.Answer("GetPlayingListItems", "(true,)");
+    shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(50, "x"));
+    SetSize(50);
+    Pager pager(*session, ListKind::Playing);
+    ASSERT_TRUE(Get(pager, 0));
+    pager.Refresh();
+    auto* const words = reinterpret_cast<std::size_t*>(&shared.List("VecPlayingListShareMemory"));
+    words[1] = std::size_t{1} << 40;
+
+    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
+}
+}  // namespace
+}  // namespace test

@@ -1,0 +1,146 @@
+#include <gmock/gmock.h>
+#include <ipodkit/picture_files.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace test
+{
+namespace
+{
+using namespace ipodkit;
+namespace fs = std::filesystem;
+using Bytes = std::vector<unsigned char>;
+
+Bytes Padded(Bytes bytes, std::size_t size = 64)
+{
+    bytes.resize(std::max(size, bytes.size()));
+    return bytes;
+}
+
+Bytes Png(unsigned char width)
+{
+    return Padded(
+        {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13, 'I', 'H', 'D', 'R', 0, 0, 0, width, 0, 0, 1, 0});
+}
+
+// Begins with a table, fill bytes and another table.
+const Bytes kJpeg = Padded(
+    {0xFF, 0xD8, 0xFF, 0xE0, 0, 4, 'x', 'y', 0xFF, 0xFF, 0xC4, 0, 3, 'z', 0xFF, 0xC2, 0, 17, 8, 1, 44, 2, 88, 3});
+
+struct Known
+{
+    const char* name;
+    Bytes bytes;
+    PictureType type;
+    std::uint32_t width;
+    std::uint32_t height;
+};
+
+class PictureOfTypeTest : public testing::TestWithParam<Known>
+{
+};
+
+TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
+{
+    const Picture picture = Examine(GetParam().bytes);
+
+    EXPECT_EQ(picture.type, GetParam().type);
+    EXPECT_EQ(picture.width, GetParam().width);
+    EXPECT_EQ(picture.height, GetParam().height);
+    EXPECT_EQ(picture.bytes, GetParam().bytes);
+}
+
+// Wherever it is cut off, and under the sanitizers too.
+TEST_P(PictureOfTypeTest, IsSafeWhenCutOff)
+{
+    for (std::size_t size = 0; size < GetParam().bytes.size(); ++size)
+    {
+        const Picture picture =
+            Examine(Bytes(GetParam().bytes.begin(), GetParam().bytes.begin() + static_cast<std::ptrdiff_t>(size)));
+        EXPECT_EQ(picture.bytes.size(), size);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, PictureOfTypeTest,
+    testing::Values(Known{"Png", Png(7), PictureType::Png, 7, 256}, Known{"Jpeg", kJpeg, PictureType::Jpeg, 600, 300},
+                    Known{"Gif", Padded({'G', 'I', 'F', '8', '9', 'a', 16, 0, 0, 1}), PictureType::Gif, 16, 256},
+                    Known{"Bmp", Padded({'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0,    0,    0,    0,
+                                         0,   40,  0, 0, 0, 5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF}),
+                          PictureType::Bmp, 5, 6},
+                    Known{"WebpLossy", Padded({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W',  'E', 'B',  'P', 'V', 'P', '8',
+                                               ' ', 0,   0,   0,   0, 0, 0, 0, 0x9D, 1,   0x2A, 5,   0,   6,   0}),
+                          PictureType::WebP, 5, 6},
+                    Known{"WebpLossless", Padded({'R', 'I', 'F', 'F', 0, 0, 0, 0,    'W', 'E',  'B', 'P', 'V',
+                                                  'P', '8', 'L', 0,   0, 0, 0, 0x2F, 4,   0x40, 1,   0}),
+                          PictureType::WebP, 5, 6},
+                    Known{"WebpExtended", Padded({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P', 'V', 'P', '8',
+                                                  'X', 0,   0,   0,   0, 0, 0, 0, 0,   4,   0,   0,   5,   0,   0}),
+                          PictureType::WebP, 5, 6},
+                    Known{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
+    [](const auto& known) { return std::string(known.param.name); });
+
+TEST(PictureTest, EqualBytesHaveEqualHashesAndOthersHaveNot)
+{
+    EXPECT_EQ(Examine(Png(1)).hash, Examine(Png(1)).hash);
+    EXPECT_NE(Examine(Png(1)).hash, Examine(Png(2)).hash);
+    EXPECT_EQ(Examine({'a'}).hash, 0xAF63DC4C8601EC8CU);
+}
+
+class PictureFilesTest : public testing::Test
+{
+protected:
+    PictureFilesTest()
+    {
+        char name[] = "/tmp/ipodkit-pictures-XXXXXX";
+        directory = mkdtemp(name);
+    }
+    ~PictureFilesTest() override { fs::remove_all(directory); }
+
+    std::size_t Files(const fs::path& where) const
+    {
+        return static_cast<std::size_t>(std::distance(fs::directory_iterator(where), fs::directory_iterator()));
+    }
+
+    fs::path directory;
+};
+
+TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
+{
+    const PictureFiles files(directory / "new folder");
+
+    const std::string uri = files.Uri(Examine(Png(1))).value();
+
+    EXPECT_THAT(uri, testing::StartsWith("file:///tmp/"));
+    EXPECT_THAT(uri, testing::HasSubstr("new%20folder"));
+    EXPECT_THAT(uri, testing::EndsWith(".png"));
+    EXPECT_EQ(files.Uri(Examine(Png(1))).value(), uri);
+    EXPECT_NE(files.Uri(Examine(Png(2))).value(), uri);
+    EXPECT_EQ(Files(directory / "new folder"), 2U);
+    EXPECT_EQ(fs::file_size(*fs::directory_iterator(directory / "new folder")), 64U);
+}
+
+TEST_F(PictureFilesTest, RemovesTheOldest)
+{
+    const PictureFiles files(directory, 3);
+
+    for (unsigned char i = 0; i < 10; ++i) EXPECT_TRUE(files.Uri(Examine(Png(i))));
+
+    EXPECT_EQ(Files(directory), 3U);
+}
+
+TEST_F(PictureFilesTest, SaysWhyItCannotWrite)
+{
+    std::ofstream(directory / "file") << "x";
+    const PictureFiles files(directory / "file");
+
+    const Result<std::string> uri = files.Uri(Examine(Png(1)));
+
+    ASSERT_FALSE(uri);
+    EXPECT_EQ(uri.error().kind, ErrorKind::NoStorage);
+}
+}  // namespace
+}  // namespace test

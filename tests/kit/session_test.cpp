@@ -1,0 +1,335 @@
+#include <IQBXIpodPlayer.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "kit/kit_test.h"
+#include "kit/ticker.h"
+#include "support/recording_listener.h"
+
+namespace test
+{
+namespace
+{
+// Far below anything that could block here (deadlines, locks, creators at work), above the noise of a busy machine.
+constexpr auto kNotBlocked = 50ms;
+
+class SessionTest : public KitTest
+{
+protected:
+    std::vector<std::string> Phases() const { return m_phases; }
+
+    void RecordPhases()
+    {
+        m_watching = session->OnConnection(
+            "phases", [this](const Connection& connection)
+            { m_phases.push_back(std::string(Name(connection.phase)) + " " + std::to_string(connection.generation)); });
+    }
+
+private:
+    std::vector<std::string> m_phases;
+    Subscription m_watching;
+};
+
+TEST_F(SessionTest, GoesFromAbsentToReady)
+{
+    FakeService service;
+    AnswerState(service);
+    Open();
+    RecordPhases();
+
+    Ready();
+
+    EXPECT_THAT(Phases(), ElementsAre("Absent 0", "Connecting 1", "Ready 1"));
+}
+
+TEST_F(SessionTest, WaitsForAServiceThatComesLater)
+{
+    Open();
+    RecordPhases();
+    RunLoopFor(50ms);
+
+    FakeService service;
+    AnswerState(service);
+    Ready();
+
+    EXPECT_EQ(Phases().back(), "Ready 1");
+}
+
+TEST_F(SessionTest, IsLostWithTheServiceAndReadyWithTheNext)
+{
+    auto service = std::make_unique<FakeService>();
+    AnswerState(*service);
+    Ready();
+    RecordPhases();
+    RunLoopFor(1ms);
+
+    service.reset();
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().phase == Phase::Lost; }));
+    FakeService next;
+    AnswerState(next);
+    Ready(2);
+
+    EXPECT_THAT(Phases(), ElementsAre("Ready 1", "Lost 1", "Connecting 2", "Ready 2"));
+}
+
+TEST_F(SessionTest, InitialisesThePlayerOnce)
+{
+    for (std::uint32_t generation = 1; generation <= 3; ++generation)
+    {
+        FakeService service;
+        AnswerState(service);
+        Ready(generation);
+    }
+
+    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 1U);
+}
+
+TEST_F(SessionTest, ThereIsOneAtATime)
+{
+    Open();
+
+    const auto second = Session::Open();
+
+    ASSERT_FALSE(second);
+    EXPECT_EQ(second.error().kind, ErrorKind::BadArgument);
+}
+
+TEST_F(SessionTest, ASecondOneMayFollowInTheSameContext)
+{
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    session.reset();
+
+    Ready();
+    service.Emit("OnPlayStatusChanged", "(2,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
+    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 1U);
+}
+
+TEST_F(SessionTest, ALaterOneInAnotherContextIsRefused)
+{
+    Open();
+    session.reset();
+    GMainContext* const other = g_main_context_new();
+    SessionOptions elsewhere;
+    elsewhere.context = other;
+
+    const auto second = Session::Open(elsewhere);
+
+    ASSERT_FALSE(second);
+    EXPECT_EQ(second.error().kind, ErrorKind::BadArgument);
+    g_main_context_unref(other);
+}
+
+TEST_F(SessionTest, LivesInAContextOfTheApplication)
+{
+    FakeService service;
+    AnswerState(service);
+    GMainContext* const own = g_main_context_new();
+    SessionOptions elsewhere;
+    elsewhere.context = own;
+    Open(elsewhere);
+    const auto limit = std::chrono::steady_clock::now() + 5s;
+    bool paused = false;
+    const Subscription watching = session->OnState(
+        "status", [&](const StatePtr& state, Fields) { paused = state->status == IPOD_PLAY_STATUS_PAUSED; });
+
+    while (session->Connection().phase != Phase::Ready && std::chrono::steady_clock::now() < limit)
+        g_main_context_iteration(own, FALSE);
+    service.Emit("OnPlayStatusChanged", "(2,)");
+    while (!paused && std::chrono::steady_clock::now() < limit) g_main_context_iteration(own, FALSE);
+
+    EXPECT_TRUE(paused);
+    session.reset();
+    g_main_context_unref(own);
+}
+
+TEST_F(SessionTest, AHangingServiceDoesNotBlockTheLoop)
+{
+    FakeService service;
+    service.Hold("GetPlayStatus");
+    options.deadline = 100ms;
+    Open(options);
+    RunLoopFor(20ms);
+    const Ticker ticker;
+
+    RunLoopFor(1s);
+
+    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 0U);
+    EXPECT_EQ(session->Connection().phase, Phase::Connecting);
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::TimedOut);
+    EXPECT_LE(ticker.Longest(), kNotBlocked);
+}
+
+TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
+{
+    FakeService service;
+    AnswerState(service);
+    service.Hold("GetPlayStatus");
+    options.deadline = 100ms;
+    Open(options);
+    RunLoopFor(300ms);
+
+    service.Answer("GetPlayStatus", "(1,)");
+
+    Ready();
+    EXPECT_FALSE(session->Connection().error);
+}
+
+TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
+{
+    FakeService service;
+    AnswerState(service);
+    service.Fail("GetIpodName", "no");
+    Ready();
+
+    EXPECT_FALSE(session->State()->deviceName);
+    EXPECT_EQ(session->State()->queueSize, 3);
+}
+
+TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
+{
+    const int file = shm_open(kListSegmentName, O_RDWR | O_CREAT, 0644);
+    ASSERT_GE(file, 0);
+    ASSERT_EQ(ftruncate(file, 4096), 0);
+    close(file);
+    FakeService service;
+    AnswerState(service);
+    Open();
+    const Ticker ticker;
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }, 10s));
+
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remove /dev/shm/ListVectorSharedMemory"));
+    EXPECT_LE(ticker.Longest(), kNotBlocked);
+
+    shm_unlink(kListSegmentName);
+    Ready();
+}
+
+TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
+{
+    struct Amounts : IQBXIpodPlayerListener
+    {
+        void OnIpodPlayingListAmountChange(int amount) override { seen.push_back(amount); }
+        std::vector<int> seen;
+    };
+    Amounts amounts;
+    Open();
+    const Subscription listening = session->Listen("amounts", amounts);
+    std::vector<int> sent;
+    for (std::uint32_t generation = 1; generation <= 1000; ++generation)
+    {
+        FakeService service;
+        service.Answer("GetPlayStatus", "(1,)");
+        Ready(generation);
+        for (int i = 0; i < 3; ++i)
+        {
+            sent.push_back(static_cast<int>(generation) * 3 + i);
+            service.Emit("OnIpodPlayingListAmountChange", "(" + std::to_string(sent.back()) + ",)");
+        }
+        RunLoopUntil([&] { return amounts.seen.size() >= sent.size(); });
+    }
+
+    EXPECT_EQ(amounts.seen, sent);
+}
+
+TEST_F(SessionTest, CallbacksMayDestroyTheSession)
+{
+    FakeService service;
+    AnswerState(service);
+    Open();
+    const Subscription watching = session->OnConnection("end",
+                                                        [&](const Connection& connection)
+                                                        {
+                                                            if (connection.phase == Phase::Ready) session.reset();
+                                                        });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return session == nullptr; }));
+    RunLoopFor(20ms);
+}
+
+TEST_F(SessionTest, TheEndOfTheBusIsTold)
+{
+    auto service = std::make_unique<FakeService>();
+    AnswerState(*service);
+    Ready();
+    service.reset();
+
+    bus.Stop();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoBus);
+    EXPECT_EQ(KindOf(Completed(session->Commands().Next())), ErrorKind::NoBus);
+}
+
+TEST_F(SessionTest, ListenersGetEveryEventOutsideTheListenerLock)
+{
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    const Subscription listening = session->Listen("app", listener);
+
+    service.Emit("OnPlayStatusChanged", "(2,)");
+    service.Emit("OnIpodPlayingTrackChange", TrackEvent(7, "Other"));
+    service.Emit("OnOOBPairingInfo", "('addr', [(0x01,), (0x02,)])");
+    Settle(service);
+
+    EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(2)",
+                                     R"(app.OnIpodPlayingTrackChange(7, "Other", "", "", "", 0, 0, 0, 0))",
+                                     R"(app.OnOOBPairingInfo("addr", [01 02]))"));
+}
+
+TEST_F(SessionTest, ListenersMayEndThemselvesAndAddOthersInsideACallback)
+{
+    struct Once : IQBXIpodPlayerListener
+    {
+        void OnPlayStatusChanged(iPodPlayerPlayStatus) override
+        {
+            ++calls;
+            then();
+        }
+        int calls = 0;
+        std::function<void()> then = [] {};
+    };
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    Once first;
+    Once second;
+    Subscription other;
+    Subscription once = session->Listen("first", first);
+    first.then = [&]
+    {
+        once.Reset();
+        other = session->Listen("second", second);
+    };
+
+    service.Emit("OnPlayStatusChanged", "(2,)");
+    service.Emit("OnPlayStatusChanged", "(1,)");
+    Settle(service);
+
+    EXPECT_EQ(first.calls, 1);
+    EXPECT_EQ(second.calls, 1);
+}
+
+TEST_F(SessionTest, ASlowCallbackIsNamedInTheLog)
+{
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    const Subscription slow = session->OnState("slow screen", [](const StatePtr&, Fields) { g_usleep(8000); });
+
+    RunLoopFor(20ms);
+
+    const std::vector<std::string> lines = LogLines();
+    EXPECT_THAT(lines, testing::Contains(HasSubstr("callback 'slow screen' took ")));
+}
+}  // namespace
+}  // namespace test

@@ -1,0 +1,223 @@
+// Random sequences of events, restarts and refusals, against a model that knows nothing of the companion: a table of
+// texts. IPODKIT_SEQUENCES and IPODKIT_SEED set the number of sequences and where they start.
+#include <cstdlib>
+#include <random>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+using Model = std::map<std::string, std::string>;
+
+template <class T>
+void Put(Model& model, const char* key, const std::optional<T>& value)
+{
+    if (value) model[key] = std::to_string(static_cast<int>(*value));
+}
+
+Model ModelOf(const PlayerState& state)
+{
+    Model model;
+    Put(model, "status", state.status);
+    Put(model, "shuffle", state.shuffle);
+    Put(model, "repeat", state.repeat);
+    Put(model, "size", state.queueSize);
+    Put(model, "index", state.trackIndex);
+    Put(model, "location", state.location);
+    Put(model, "source", state.sourceValid);
+    Put(model, "carlife", state.carLife);
+    Put(model, "level", state.battery.BatteryChargeLevel);
+    if (state.track) model["title"] = state.track->text1;
+    if (state.foregroundApp) model["app"] = *state.foregroundApp;
+    if (state.carPlay) model["carplay"] = std::to_string(state.carPlay->status) + state.carPlay->serialNumber;
+    for (const auto& [number, protocol] : state.accessorySessions)
+        model["eap" + std::to_string(number)] = std::to_string(protocol);
+    for (const auto& [id, call] : state.calls) model["call" + id] = std::to_string(*call.Status);
+    return model;
+}
+
+class StatePropertyTest : public KitTest
+{
+protected:
+    int Random(int limit) { return static_cast<int>(engine() % static_cast<unsigned>(limit)); }
+
+    static int FromEnvironment(const char* name, int otherwise)
+    {
+        const char* const text = std::getenv(name);
+        return text == nullptr ? otherwise : std::atoi(text);
+    }
+
+    // A number that stands alone in a signal.
+    void Number(const char* signal, const char* key, int limit)
+    {
+        const std::string number = std::to_string(Random(limit));
+        service->Emit(signal, "(" + number + ",)");
+        model[key] = number;
+    }
+
+    void Flag()
+    {
+        const bool valid = Random(2) == 1;
+        service->Emit("OnIpodSourceValidStatusChange", valid ? "(true,)" : "(false,)");
+        model["source"] = valid ? "1" : "0";
+    }
+
+    void Track()
+    {
+        const std::string title = "T" + std::to_string(Random(100));
+        const int index = Random(50);
+        service->Emit("OnIpodPlayingTrackChange", TrackEvent(index, title));
+        model["title"] = title;
+        model["index"] = std::to_string(index);
+    }
+
+    void App()
+    {
+        model["app"] = "app" + std::to_string(Random(5));
+        service->Emit("OnIpodAppBundleNameChange", "('" + model["app"] + "',)");
+    }
+
+    void CarPlay()
+    {
+        const std::string status = std::to_string(Random(3));
+        service->Emit("OnCarplayDeviceDetectStatusChange", "(" + status + ", 'S')");
+        model["carplay"] = status + "S";
+    }
+
+    void Accessory()
+    {
+        const std::string number = std::to_string(Random(4) * 100);
+        if (Random(2) == 1)
+        {
+            service->Emit("OnIpodStartEapSession", "(5, " + number + ")");
+            model["eap" + number] = "5";
+        }
+        else
+        {
+            service->Emit("OnIpodStopEapSession", "(" + number + ",)");
+            model.erase("eap" + number);
+        }
+    }
+
+    void Call()
+    {
+        const auto id = static_cast<unsigned char>('a' + Random(3));
+        const auto status = static_cast<unsigned char>(Random(7));
+        service->Emit("OnIpodPhoneCallChange", Record({0x2A, 1, id, 0x18, status}));
+        const std::string key = std::string("call") + static_cast<char>(id);
+        model[key] = std::to_string(status);
+        if (status == 0) model.erase(key);
+    }
+
+    void Battery()
+    {
+        const auto level = static_cast<unsigned char>(Random(100));
+        service->Emit("OnIpodBatteryChange", Record({16, level}));
+        model["level"] = std::to_string(level);
+    }
+
+    // Malformed on purpose: no part of the state.
+    void Nonsense()
+    {
+        service->Emit("OnIpodBatteryChange", Record({0xFF}));
+        service->Emit("OnIpodPhoneCallChange", Record({}));
+        service->Emit("OnIpodReceiveEapData", "(77,)");
+    }
+
+    void Event()
+    {
+        switch (Random(13))
+        {
+            case 0:
+                return Number("OnPlayStatusChanged", "status", 5);
+            case 1:
+                return Number("OnIpodShuffleModeChange", "shuffle", 3);
+            case 2:
+                return Number("OnIpodRepeatModeChange", "repeat", 3);
+            case 3:
+                return Number("OnIpodPlayingListAmountChange", "size", 9999);
+            case 4:
+                return Number("OnIpodLocationStatusChange", "location", 2);
+            case 5:
+                return Number("OnCarlifeDeviceDetectStatusChange", "carlife", 3);
+            case 6:
+                return Flag();
+            case 7:
+                return Track();
+            case 8:
+                return App();
+            case 9:
+                return CarPlay();
+            case 10:
+                return Accessory();
+            case 11:
+                return Call();
+            case 12:
+                return Random(4) == 0 ? Nonsense() : Battery();
+        }
+    }
+
+    void Answer(const char* method, const char* key, int limit)
+    {
+        const std::string number = std::to_string(Random(limit));
+        service->Answer(method, "(" + number + ",)");
+        model[key] = number;
+    }
+
+    // The next service knows other things; one of them it may not tell.
+    void Restart()
+    {
+        service = nullptr;
+        service = std::make_unique<FakeService>();
+        model.clear();
+        Answer("GetPlayStatus", "status", 5);
+        Answer("GetShuffleMode", "shuffle", 3);
+        Answer("GetRepeatMode", "repeat", 3);
+        Answer("GetPlayingListItemsAmount", "size", 9999);
+        Answer("GetPlayingTrackIdx", "index", 50);
+        Answer("GetCarlifeDeviceDetectStatus", "carlife", 3);
+        service->Answer("GetCurrentMediaInfo", TrackBody("Start"));
+        model["title"] = "Start";
+        if (Random(2) == 1) return;
+        service->Fail("GetPlayingListItemsAmount", "no");
+        model.erase("size");
+    }
+
+    void Sequence(std::uint32_t& generation)
+    {
+        if (Random(20) == 0)
+        {
+            Restart();
+            Ready(++generation);
+        }
+        for (int events = Random(12); events >= 0; --events)
+        {
+            Event();
+            if (Random(6) == 0) RunLoopFor(std::chrono::milliseconds(Random(3)));
+        }
+        EXPECT_TRUE(PassBarrier(*service));
+        RunLoopUntil([&] { return ModelOf(*session->State()) == model; }, 200ms);
+    }
+
+    std::unique_ptr<FakeService> service;
+    Model model;
+    std::mt19937 engine{static_cast<unsigned>(FromEnvironment("IPODKIT_SEED", 1))};
+};
+
+TEST_F(StatePropertyTest, TheStateIsWhatTheEventsAndAnswersSay)
+{
+    options.settle = 1ms;
+    std::uint32_t generation = 1;
+    Restart();
+    Ready(generation);
+
+    for (int i = 0; i < FromEnvironment("IPODKIT_SEQUENCES", 1000); ++i)
+    {
+        Sequence(generation);
+        ASSERT_EQ(ModelOf(*session->State()), model) << "after sequence " << i;
+    }
+}
+}  // namespace
+}  // namespace test

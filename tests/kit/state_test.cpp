@@ -1,0 +1,285 @@
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+class StateTest : public KitTest
+{
+protected:
+    StateTest() { AnswerState(service); }
+
+    StatePtr State() const { return session->State(); }
+
+    void Emit(const std::string& signal, const std::string& body)
+    {
+        service.Emit(signal, body);
+        Settle(service);
+    }
+
+    FakeService service;
+    SharedVectors shared;
+};
+
+const std::vector<unsigned char> kPng = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13,
+                                         'I',  'H', 'D', 'R', 0,    0,    1,    44,   0, 0, 0, 200};
+
+TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
+{
+    Ready();
+
+    EXPECT_EQ(State()->track->text1, "Song");
+    EXPECT_EQ(State()->trackIndex, 1);
+    EXPECT_EQ(State()->status, IPOD_PLAY_STATUS_PLAYING);
+    EXPECT_EQ(State()->position->position, 1s);
+    EXPECT_EQ(State()->position->duration, 60s);
+    EXPECT_TRUE(State()->position->advancing);
+    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_ALBUMS);
+    EXPECT_EQ(State()->repeat, IPOD_REPEAT_ONE);
+    EXPECT_EQ(State()->queueSize, 3);
+    EXPECT_EQ(State()->deviceCount, 1);
+    EXPECT_EQ(State()->deviceName, "Phone");
+    EXPECT_EQ(State()->foregroundApp, "com.example.app");
+    EXPECT_EQ(State()->carPlay->serialNumber, "SERIAL");
+    EXPECT_EQ(State()->carLife, APPLE_DEVICE_NOT_DETECTED);
+    EXPECT_EQ(State()->artwork, nullptr);
+    EXPECT_FALSE(State()->location);
+}
+
+TEST_F(StateTest, FollowsEveryEvent)
+{
+    Ready();
+
+    Emit("OnIpodDeviceStatusChange", "(0, true)");
+    Emit("OnPlayStatusChanged", "(2,)");
+    Emit("OnIpodShuffleModeChange", "(0,)");
+    Emit("OnIpodRepeatModeChange", "(2,)");
+    Emit("OnIpodPlayingListAmountChange", "(9,)");
+    Emit("OnIpodSourceValidStatusChange", "(true,)");
+    Emit("OnCarplayDeviceDetectStatusChange", "(1, '')");
+    Emit("OnCarlifeDeviceDetectStatusChange", "(0,)");
+    Emit("OnIpodLocationStatusChange", "(1,)");
+    Emit("OnIpodAppBundleNameChange", "('com.example.other',)");
+    Emit("OnWirelessCarPlayUpdate", "(true, 'addr')");
+    Emit("OnOOBPairingInfo", "('bt', [(0x05,)])");
+    Emit("OnIpodStartEapSession", "(3, 300)");
+
+    EXPECT_EQ(State()->device, APPLE_DEVICE_DETECTED);
+    EXPECT_EQ(State()->status, IPOD_PLAY_STATUS_PAUSED);
+    EXPECT_FALSE(State()->position->advancing);
+    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_OFF);
+    EXPECT_EQ(State()->repeat, IPOD_REPEAT_ALL);
+    EXPECT_EQ(State()->queueSize, 9);
+    EXPECT_EQ(State()->sourceValid, true);
+    EXPECT_EQ(State()->carPlay->status, APPLE_DEVICE_NOT_DETECTED);
+    EXPECT_EQ(State()->carLife, APPLE_DEVICE_DETECTED);
+    EXPECT_EQ(State()->location, LOCATION_STATUS_REQUESTED);
+    EXPECT_EQ(State()->foregroundApp, "com.example.other");
+    EXPECT_EQ(State()->wireless->deviceAddress, "addr");
+    EXPECT_EQ(State()->pairing->bytes, std::vector<unsigned char>{5});
+    EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 3}}));
+}
+
+TEST_F(StateTest, ABurstIsOneChange)
+{
+    Ready();
+    shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
+    std::vector<Fields> changes;
+    const Subscription watching =
+        session->OnState("changes", [&](const StatePtr&, Fields changed) { changes.push_back(changed); });
+    RunLoopFor(5ms);
+
+    service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Next", 90000));
+    service.Emit("OnIpodArtworkChange", PictureBody());
+    service.Emit("OnPlayProgressChange", "(0, 90000)");
+    Settle(service);
+
+    EXPECT_THAT(changes,
+                ElementsAre(Fields::All(), Field::Track | Field::TrackIndex | Field::Position | Field::Artwork));
+    EXPECT_EQ(State()->artwork->width, 300U);
+    EXPECT_EQ(State()->artwork->height, 200U);
+}
+
+TEST_F(StateTest, WhatComesBackWithinABurstIsNoChange)
+{
+    Ready();
+    const std::uint64_t version = State()->version;
+
+    service.Emit("OnIpodRepeatModeChange", "(0,)");
+    service.Emit("OnIpodRepeatModeChange", "(1,)");
+    Settle(service);
+
+    EXPECT_EQ(State()->version, version);
+}
+
+TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
+{
+    Ready();
+    StatePtr got;
+    Fields fields;
+    const Subscription late = session->OnState("late",
+                                               [&](const StatePtr& state, Fields changed)
+                                               {
+                                                   got = state;
+                                                   fields = changed;
+                                               });
+
+    RunLoopFor(5ms);
+
+    ASSERT_NE(got, nullptr);
+    EXPECT_EQ(got, State());
+    EXPECT_EQ(fields, Fields::All());
+}
+
+TEST_F(StateTest, SubscribersHearOfTheirFieldsOnly)
+{
+    Ready();
+    int calls = 0;
+    const Subscription modes = session->OnState(
+        "modes", [&](const StatePtr&, Fields) { ++calls; }, Field::Shuffle | Field::Repeat);
+    RunLoopFor(5ms);
+
+    Emit("OnIpodPlayingListAmountChange", "(9,)");
+    Emit("OnIpodShuffleModeChange", "(0,)");
+
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
+{
+    Ready();
+    int calls = 0;
+    Subscription watching = session->OnState("watching", [&](const StatePtr&, Fields) { ++calls; });
+    RunLoopFor(5ms);
+
+    watching.Reset();
+    Emit("OnIpodShuffleModeChange", "(0,)");
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(StateTest, KeepsWhatIsKnownWhileTheServiceIsAwayButNotItsCallsAndSessions)
+{
+    Ready();
+    Emit("OnIpodStartEapSession", "(3, 300)");
+    Emit("OnIpodLocationStatusChange", "(1,)");
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
+    ASSERT_EQ(State()->calls.size(), 1U);
+
+    service.Vanish();
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->phase == Phase::Lost; }));
+
+    EXPECT_EQ(State()->track->text1, "Song");
+    EXPECT_THAT(State()->calls, IsEmpty());
+    EXPECT_THAT(State()->accessorySessions, IsEmpty());
+
+    FakeService next;
+    AnswerState(next);
+    next.Answer("GetPlayingListItemsAmount", "(77,)");
+    Ready(2);
+    EXPECT_EQ(State()->queueSize, 77);
+    EXPECT_FALSE(State()->location);
+}
+
+TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
+{
+    Ready();
+
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 2, 0x12, 1, 'X'}));
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'b', 0x18, 2}));
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
+    ASSERT_EQ(State()->calls.size(), 2U);
+    EXPECT_EQ(State()->calls.at("a").Status, PHONE_CALL_ACTIVE);
+    EXPECT_EQ(State()->calls.at("a").DisplayName, "X");
+
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'z', 0x18, 0}));
+    Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
+    EXPECT_EQ(State()->calls.size(), 1U);
+}
+
+TEST_F(StateTest, BatteryEventsComplementEachOther)
+{
+    Ready();
+
+    Emit("OnIpodBatteryChange", Record({8, 1}));
+    Emit("OnIpodBatteryChange", Record({16, 50}));
+
+    EXPECT_EQ(State()->battery.BatteryChargingStatus, BATTERY_CHARGING);
+    EXPECT_EQ(State()->battery.BatteryChargeLevel, 50);
+}
+
+TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
+{
+    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
+    shared.SetBytes("VecArtworkBufferShareMemory", kPng);
+    shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
+    Ready();
+    const PicturePtr queried = State()->artwork;
+
+    Emit("OnIpodArtworkChange", PictureBody());
+
+    ASSERT_NE(queried, nullptr);
+    EXPECT_EQ(queried->type, PictureType::Png);
+    EXPECT_EQ(State()->artwork, queried);
+}
+
+TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
+{
+    Ready();
+    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
+    shared.SetBytes("VecArtworkBufferShareMemory", kPng);
+
+    service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Next"));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->artwork != nullptr; }));
+}
+
+TEST_F(StateTest, PicturesBeyondTheLimitAreLeftOut)
+{
+    options.artworkLimit = 10;
+    Ready();
+    shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
+
+    Emit("OnIpodArtworkChange", PictureBody());
+
+    EXPECT_EQ(State()->artwork, nullptr);
+}
+
+TEST_F(StateTest, SurvivesTenThousandTrackChanges)
+{
+    Ready();
+    int published = 0;
+    const Subscription watching = session->OnState("count", [&](const StatePtr&, Fields) { ++published; });
+
+    for (int i = 0; i < 10000; ++i) service.Emit("OnIpodPlayingTrackChange", TrackEvent(i, "T" + std::to_string(i)));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->trackIndex == 9999; }, 30s));
+    EXPECT_EQ(State()->track->text1, "T9999");
+    EXPECT_LT(published, 5000);
+}
+
+TEST(PositionTest, AdvancesUpToTheEndOfTheTrack)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const Position playing{1s, 3s, start, true};
+    const Position paused{1s, 3s, start, false};
+    const Position endless{1s, 0s, start, true};
+
+    EXPECT_EQ(playing.At(start + 1s), 2s);
+    EXPECT_EQ(playing.At(start + 9s), 3s);
+    EXPECT_EQ(playing.At(start - 9s), 1s);
+    EXPECT_EQ(paused.At(start + 1s), 1s);
+    EXPECT_EQ(endless.At(start + 9s), 10s);
+}
+}  // namespace
+}  // namespace test
+
+namespace ipodkit
+{
+inline void PrintTo(Fields fields, std::ostream* out)
+{
+    for (unsigned bit = 0; bit < 22; ++bit)
+        if (fields.Has(static_cast<Field>(1U << bit))) *out << bit << ' ';
+}
+}  // namespace ipodkit
