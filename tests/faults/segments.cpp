@@ -133,6 +133,15 @@ void FullDevice(const Arguments& arguments)
     AttachAndCall("");
 }
 
+void FilledLater(const Arguments&)
+{
+    if (mount("tmpfs", "/dev/shm", "tmpfs", 0, "mode=1777,size=64k") != 0) return Say("not possible here");
+    Desk desk;
+    std::vector<unsigned char> payload(kBufferSegmentSize / 2);
+    desk.player.EapWrite(1, payload);
+    Expect(false, "writing pages that are not to be had ends the process");
+}
+
 std::string PlayingList(Desk& desk)
 {
     std::vector<std::string> list;
@@ -267,6 +276,7 @@ std::vector<Case> SegmentCases()
 {
     return {{"object", Object},
             {"full-device", FullDevice},
+            {"filled-later", FilledLater},
             {"unterminated-names", UnterminatedNames},
             {"foreign-header", ForeignHeader},
             {"rewritten-header", RewrittenHeader},
