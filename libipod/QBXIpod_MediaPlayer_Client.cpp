@@ -11,6 +11,7 @@
 #include "internal/QBXSingleton.h"
 #include "internal/log.h"
 #include "internal/module_state.h"
+#include "internal/notify.h"
 
 using qbx::clientCreated;
 using Singleton = QBXSingleton<QBXIpod_MediaPlayer_Client>;
@@ -88,4 +89,10 @@ bool QBXIpod_MediaPlayer_Client::ExitInstance()
 {
     LOG_INFO("%s()", __func__);
     return true;
+}
+
+void QBXIpod_MediaPlayer_Client::OnListenerRemoved(IQBXIpodPlayerListener* listener)
+{
+    ++qbx::listenersRemoved;
+    IQBXIpodPlayer::OnListenerRemoved(listener);
 }

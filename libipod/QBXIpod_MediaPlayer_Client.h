@@ -20,6 +20,7 @@ public:
     bool ExitInstance() override;
     void InitListener() override {}
     void ExitListener() override {}
+    void OnListenerRemoved(IQBXIpodPlayerListener* listener) override;
 
     // Commands.
     QBXiPodTrackInfo GetCurrentMediaInfo() override;

@@ -7,6 +7,13 @@ namespace qbx
 {
 namespace
 {
+// memchr, because C libraries for 32-bit ARM have a fast one, and no fast strnlen.
+std::size_t LengthOf(const PlayListSongNameStr& entry)
+{
+    const void* const end = std::memchr(entry.name, '\0', sizeof(entry.name));
+    return end == nullptr ? sizeof(entry.name) : static_cast<std::size_t>(static_cast<const char*>(end) - entry.name);
+}
+
 void CheckRoom(const QBXByteVector& vector, const Mapping& mapping)
 {
     const char* const begin = reinterpret_cast<const char*>(vector.data());
@@ -29,11 +36,7 @@ std::size_t FillCapacity(QBXByteVector& vector, const unsigned char* bytes, std:
 void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list)
 {
     std::vector<std::string>().swap(list);
-    for (std::size_t i = 0; i < names.count; ++i)
-    {
-        const char* const name = names.begin[i].name;
-        list.emplace_back(name, strnlen(name, sizeof(names.begin[i].name)));
-    }
+    for (std::size_t i = 0; i < names.count; ++i) list.emplace_back(names.begin[i].name, LengthOf(names.begin[i]));
 }
 
 std::vector<unsigned char> CopyBytes(const Snapshot<unsigned char>& bytes)

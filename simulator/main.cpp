@@ -13,14 +13,10 @@
 
 namespace
 {
-struct LoopUnref
+gboolean End(gpointer ended)
 {
-    void operator()(GMainLoop* loop) const { g_main_loop_unref(loop); }
-};
-
-gboolean Quit(gpointer loop)
-{
-    g_main_loop_quit(static_cast<GMainLoop*>(loop));
+    *static_cast<std::atomic<bool>*>(ended) = true;
+    g_main_context_wakeup(nullptr);
     return G_SOURCE_CONTINUE;
 }
 
@@ -33,19 +29,20 @@ void WriteLine(std::FILE* out, const std::string& line)
 // Until the user ends it or the bus goes away, which is a failure.
 void Serve(ipodsim::Options options, bool verbose)
 {
-    const std::unique_ptr<GMainLoop, LoopUnref> loop(g_main_loop_new(nullptr, FALSE));
-    g_unix_signal_add(SIGINT, Quit, loop.get());
-    g_unix_signal_add(SIGTERM, Quit, loop.get());
+    // Flags rather than a loop, which would forget that it was told to quit before it ran.
+    std::atomic<bool> ended{false};
     std::atomic<bool> busLost{false};
+    g_unix_signal_add(SIGINT, End, &ended);
+    g_unix_signal_add(SIGTERM, End, &ended);
     options.busLost = [&]
     {
         busLost = true;
-        g_main_loop_quit(loop.get());
+        End(&ended);
     };
     if (verbose) options.logRequest = [](const std::string& line) { WriteLine(stderr, line); };
     const ipodsim::Simulator simulator(std::move(options));
     WriteLine(stdout, "ready: " + simulator.Summary() + " on " + ipodsim::kServiceName);
-    g_main_loop_run(loop.get());
+    while (!ended) g_main_context_iteration(nullptr, TRUE);
     if (busLost) throw std::runtime_error("the session bus went away");
 }
 }  // namespace

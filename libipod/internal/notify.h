@@ -5,8 +5,14 @@
 #include <IQBXIpodPlayerListener.h>
 #include <IQBXListener.h>
 
+#include <cstddef>
+#include <iterator>
+
 namespace qbx
 {
+/// Counts removals from the client's registry. Only its changes mean something.
+inline unsigned listenersRemoved = 0;
+
 using ListenerRegistry = IQBXListener<IQBXIpodPlayerListener>;
 
 /// Holds the listener lock; lets go of it also when a listener throws.
@@ -22,17 +28,29 @@ private:
     ListenerRegistry& m_registry;
 };
 
+/// Two equal states mean that no listener left in between, so that a position in the set still holds. The size
+/// alone does not tell: a listener may put another one into its own place.
+struct RegistryState
+{
+    std::size_t size;
+    unsigned removals;
+
+    bool SameAs(const RegistryState& other) const { return size == other.size && removals == other.removals; }
+};
+
 /// Calls @p event of every listener, in ascending order of address. The caller holds the listener lock.
-/// The set is searched again after each call, because a listener may remove itself or others.
+/// A listener may remove itself or others: then the set is searched for the next one.
 template <class... Params, class... Args>
 void Dispatch(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(Params...), Args&... args)
 {
     auto& listeners = registry.GetListeners();
+    const auto state = [&listeners] { return RegistryState{listeners.size(), listenersRemoved}; };
     for (auto next = listeners.begin(); next != listeners.end();)
     {
         IQBXIpodPlayerListener* const listener = *next;
+        const RegistryState before = state();
         (listener->*event)(args...);
-        next = listeners.upper_bound(listener);
+        next = state().SameAs(before) ? std::next(next) : listeners.upper_bound(listener);
     }
 }
 

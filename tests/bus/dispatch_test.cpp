@@ -1,4 +1,5 @@
 // How events are handed to listeners: copies, references, the lock, listeners that misbehave.
+#include <algorithm>
 #include <future>
 #include <stdexcept>
 
@@ -173,6 +174,39 @@ TEST_F(DispatchTest, AListenerMayRemoveItself)
     EXPECT_THAT(journal,
                 ElementsAre("a.OnPlayStatusChanged(1)", "b.OnPlayStatusChanged(1)", "c.OnPlayStatusChanged(1)"));
     EXPECT_EQ(player.GetListenerCount(), 0U);
+}
+
+TEST_F(DispatchTest, AListenerMayPutAnotherInItsPlace)
+{
+    struct Substituted : IQBXIpodPlayerListener
+    {
+        void OnPlayStatusChanged(iPodPlayerPlayStatus) override
+        {
+            ++calls;
+            QBX_GetIpodPlayer()->RemoveListener(this);
+            QBX_GetIpodPlayer()->AddListener(substitute);
+        }
+
+        IQBXIpodPlayerListener* substitute = nullptr;
+        int calls = 0;
+    };
+    Journal journal;
+    Substituted leaving;
+    RecordingListener others[] = {{journal, "a"}, {journal, "b"}, {journal, "c"}};
+    leaving.substitute = &others[1];
+    IQBXIpodPlayer& player = Connected();
+    player.AddListener(&others[0]);
+    player.AddListener(&others[2]);
+    player.AddListener(&leaving);
+
+    Deliver("OnPlayStatusChanged", "(1,)");
+    Deliver("OnPlayStatusChanged", "(2,)");
+
+    EXPECT_EQ(leaving.calls, 1);
+    EXPECT_EQ(player.GetListenerCount(), 3U);
+    EXPECT_EQ(std::count(journal.begin(), journal.end(), "a.OnPlayStatusChanged(1)"), 1);
+    EXPECT_EQ(std::count(journal.begin(), journal.end(), "c.OnPlayStatusChanged(1)"), 1);
+    EXPECT_EQ(std::count(journal.begin(), journal.end(), "b.OnPlayStatusChanged(2)"), 1);
 }
 
 TEST_F(DispatchTest, ARemovedListenerGetsNothingMore)

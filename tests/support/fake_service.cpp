@@ -81,8 +81,7 @@ std::string Text(const gchar* method, GVariant* arguments)
 }
 }  // namespace
 
-FakeService::FakeService()
-    : m_context(g_main_context_new()), m_loop(g_main_loop_new(m_context, FALSE)), m_thread(&FakeService::Run, this)
+FakeService::FakeService() : m_context(g_main_context_new()), m_thread(&FakeService::Run, this)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_changed.wait(lock, [this] { return m_ready; });
@@ -92,7 +91,6 @@ FakeService::~FakeService()
 {
     Vanish();
     if (m_lastArguments != nullptr) g_variant_unref(m_lastArguments);
-    g_main_loop_unref(m_loop);
     g_main_context_unref(m_context);
 }
 
@@ -105,7 +103,7 @@ void FakeService::Run()
         m_ready = true;
     }
     m_changed.notify_all();
-    g_main_loop_run(m_loop);
+    while (!m_vanishing) g_main_context_iteration(m_context, TRUE);
     g_dbus_connection_close_sync(m_connection, nullptr, nullptr);
     for (GDBusMethodInvocation* invocation : m_held) g_object_unref(invocation);
     g_object_unref(m_connection);
@@ -251,7 +249,8 @@ void FakeService::ReleaseName()
 void FakeService::Vanish()
 {
     if (!m_thread.joinable()) return;
-    g_main_loop_quit(m_loop);
+    m_vanishing = true;
+    g_main_context_wakeup(m_context);
     m_thread.join();
 }
 

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <gio/gio.h>
+#include <atomic>
 
 #include <condition_variable>
 #include <functional>
@@ -85,7 +86,7 @@ private:
     Reaction ReactionTo(const std::string& method) const;
 
     GMainContext* m_context;
-    GMainLoop* m_loop;
+    std::atomic<bool> m_vanishing{false};  // a loop would forget that it was told to quit before it ran
     GDBusConnection* m_connection = nullptr;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
