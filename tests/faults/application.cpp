@@ -1,5 +1,6 @@
 // What applications do to themselves.
 #include <QBXIpodShareMemory.h>
+#include <sys/wait.h>
 
 #include <atomic>
 #include <stdexcept>
@@ -305,6 +306,21 @@ void Unloaded(const Arguments& arguments)
     Expect(application.Wait() == 0, "the application ends well");
     Say("alive");
 }
+// Its child hangs in its place.
+void DoctorBesideAHeldLock(const Arguments& arguments)
+{
+    const test::PrivateBus bus;
+    const test::FakeService service;
+    HelperProcess holder(HelperProcess::Own({"hold-the-names"}));
+    holder.WaitFor("holds");
+    holder.Kill();
+    const auto start = Clock::now();
+    HelperProcess doctor({arguments.at(0), "doctor"});
+    for (std::string line = doctor.ReadLine(); !line.empty(); line = doctor.ReadLine()) Say(line);
+    Expect(WEXITSTATUS(doctor.Wait()) == 5, "the exit code of shared memory");
+    Figure("seconds", SecondsSince(start));
+    Expect(SecondsSince(start) < 8, "the doctor does not hang");
+}
 }  // namespace
 
 std::vector<Case> ApplicationCases()
@@ -322,6 +338,7 @@ std::vector<Case> ApplicationCases()
             {"commands-from-four-threads", CommandsFromFourThreads},
             {"two-applications", TwoApplications},
             {"largest-payload", LargestPayload},
-            {"unloaded", Unloaded}};
+            {"unloaded", Unloaded},
+            {"doctor-beside-a-held-lock", DoctorBesideAHeldLock}};
 }
 }  // namespace faults

@@ -172,6 +172,9 @@ APPLICATION = [
         "two-applications", [["2000"]], limit=40),
     Row("application", "accessory payload of the largest size, and one byte more",
         "what does not fit throws, and no call is made", "sent; `bad_alloc`", "largest-payload"),
+    Row("application", "`ipodctl doctor` beside a lock that a killed process holds", "a probe cannot hang the caller",
+        "told within 8 s", "doctor-beside-a-held-lock", [["build:ipodctl"]],
+        says=("lists: problem: *it does not answer: its lock is held, or it was never finished",)),
 ]
 
 ROWS = DECODING + SEGMENTS + SERVICE + APPLICATION
