@@ -80,13 +80,13 @@ gboolean Loop::OnOutputClosed(gint, GIOCondition, gpointer loop)
     return G_SOURCE_CONTINUE;
 }
 
-// Without a connection, it is the bus that is gone.
+// Without a connection, it is the bus that is gone. A question that was under way still has the closed one.
 void Loop::OnServiceLost(GDBusConnection* bus, const gchar*, gpointer loop)
 {
     static_cast<Loop*>(loop)->Guard(
         [bus]
         {
-            throw Failure(kServiceLost, bus == nullptr
+            throw Failure(kServiceLost, bus == nullptr || g_dbus_connection_is_closed(bus)
                                             ? "the session bus closed the connection"
                                             : "the iPod service left the bus; start it again, then try again");
         });
