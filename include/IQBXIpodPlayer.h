@@ -209,8 +209,10 @@ public:
     /// Calls must not overlap: there is one write buffer.
     ///
     /// @throws boost::interprocess::bad_alloc  the payload does not fit into the segment of 1 MiB; no call is made
-    /// @throws boost::interprocess::interprocess_exception  the segment is locked by a process that died (after
-    ///         10 seconds) or is damaged; no call is made
+    /// @throws boost::interprocess::lock_exception  the segment is locked by a process that died (after 10 seconds);
+    ///         no call is made
+    /// @throws boost::interprocess::interprocess_exception  the segment is damaged or was never attached; no call is
+    ///         made
     virtual int EapWrite(unsigned short SessionID, std::vector<unsigned char>& data) = 0;
 
     /// A #QBXAppleDeviceDetectStatus. Not ready: 1. Failure: unset.
@@ -231,12 +233,15 @@ public:
 /// The first call attaches the shared-memory segments, creating them where they are missing.
 ///
 /// @throws boost::interprocess::interprocess_exception  the segments cannot be attached: access denied, no
-///         space, damaged, made for another word size, or locked by a process that died (after 10 seconds).
-///         There is no second try: this process can use commands from then on, but no shared data.
+///         space, damaged, made for another word size, never finished by their creator (after 5 seconds), or
+///         locked by a process that died (after 10 seconds). There is no second try. The lock that guards the
+///         creation stays held: on the same thread a second call gives a player that can use commands but no
+///         shared data, on any other thread it blocks for ever. End the process, or go on without the player.
 IQBXIpodPlayer* QBX_GetIpodPlayer();
 
 /// Deletes the player object; does nothing when there is none. A later QBX_GetIpodPlayer() builds a new one,
 /// which needs InitInstance() and its listeners again. Events in flight for the deleted object are dropped.
+/// Not to be called from inside a callback: the dispatch that is running belongs to the object.
 void QBX_DestroyIpodPlayer();
 
 #pragma GCC visibility pop

@@ -78,7 +78,7 @@ constexpr std::size_t kBufferSegmentSize = 0x100000;  ///< size of a new segment
 
 #pragma GCC visibility push(default)
 
-// Attached when the first player object is built and mapped until the process ends.
+// Attached when the first player object is built and mapped until the process ends; not to be used before.
 extern QBXSharedSegment segment_list_vector;    ///< the segment of the lists
 extern QBXSharedSegment segment_buffer_vector;  ///< the segment of the bytes
 

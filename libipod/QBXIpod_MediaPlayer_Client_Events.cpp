@@ -29,6 +29,12 @@ void ReleaseActiveSource()
     }
 }
 
+// No bus carries a null text, but whoever emits the signal on the proxy may.
+std::string ToText(const gchar* text)
+{
+    return text == nullptr ? std::string() : std::string(text);
+}
+
 // The pairing bytes arrive as an array of structures of one byte each.
 std::vector<unsigned char> PairingBytes(GVariant* bytes)
 {
@@ -164,24 +170,25 @@ gboolean CallBack_OnIpodPlayingTrackChange(ComZarnLinuxIpod* proxy, gint index, 
 gboolean CallBack_OnCarplayDeviceDetectStatusChange(ComZarnLinuxIpod* proxy, guchar status, const gchar* serialNumber,
                                                     gpointer client)
 {
-    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnCarplayDeviceDetectStatusChange, status, serialNumber);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnCarplayDeviceDetectStatusChange, status,
+                   ToText(serialNumber));
 }
 
 gboolean CallBack_OnIpodAPPBundleNameChange(ComZarnLinuxIpod* proxy, const gchar* bundleName, gpointer client)
 {
-    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodAPPBundleNameChange, bundleName);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodAPPBundleNameChange, ToText(bundleName));
 }
 
 gboolean CallBack_OnWirelessCarPlayUpdate(ComZarnLinuxIpod* proxy, gboolean available, const gchar* deviceAddress,
                                           gpointer client)
 {
-    const std::string address = deviceAddress;
+    const std::string address = ToText(deviceAddress);
     return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnWirelessCarPlayUpdate, available, address);
 }
 
 gboolean CallBack_OnOOBPairingInfo(ComZarnLinuxIpod* proxy, const gchar* btAddress, GVariant* bytes, gpointer client)
 {
     const std::vector<unsigned char> info = PairingBytes(bytes);
-    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnOOBPairingInfo, btAddress, info);
+    return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnOOBPairingInfo, ToText(btAddress), info);
 }
 }  // namespace qbx

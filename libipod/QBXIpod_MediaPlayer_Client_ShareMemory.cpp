@@ -24,7 +24,7 @@ template <class Vector>
 void Find(QBXSharedSegment& segment, const char* name, Vector*& vector)
 {
     const typename Vector::allocator_type allocator(segment.get_segment_manager());
-    vector = segment.find_or_construct<Vector>(name)(allocator);
+    vector = qbx::UnderSegmentLock([&] { return segment.find_or_construct<Vector>(name)(allocator); });
 }
 
 void AttachLists()

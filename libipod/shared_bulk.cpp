@@ -54,7 +54,7 @@ void Replace(QBXByteVector* shared, const Mapping& mapping, const std::vector<un
     {
         done += FillCapacity(vector, data.data() + done, data.size() - done);
         if (done == data.size()) return;
-        vector.push_back(data[done]);
+        UnderSegmentLock([&] { vector.push_back(data[done]); });
         ++done;
     }
 }

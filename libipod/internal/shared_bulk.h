@@ -44,6 +44,25 @@ Snapshot<typename Vector::value_type> TakeSnapshot(const Vector* vector, const M
     return {begin, count};
 }
 
+/// Does something that takes the lock inside a segment. Boost says of a lock that was not to be had within its
+/// limit only that something failed; callers are promised the exception that names the lock.
+///
+/// @throws boost::interprocess::lock_exception  the lock is held by a process that died, or is damaged
+template <class Action>
+auto UnderSegmentLock(Action action)
+{
+    try
+    {
+        return action();
+    }
+    catch (const boost::interprocess::interprocess_exception& error)
+    {
+        if (error.get_error_code() == boost::interprocess::timeout_when_locking_error)
+            throw boost::interprocess::lock_exception();
+        throw;
+    }
+}
+
 /// Replaces @p list by the names of a snapshot. A name ends at its first NUL, at the latest after 256 bytes.
 void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list);
 
@@ -54,6 +73,7 @@ std::vector<unsigned char> CopyBytes(const Snapshot<unsigned char>& bytes);
 /// free memory of the segment, which the service shares, end the same, and so does a segment that is too full.
 ///
 /// @throws boost::interprocess::interprocess_exception  @p shared is null or does not lie inside @p mapping
+/// @throws boost::interprocess::lock_exception          the segment's lock is held by a process that died
 /// @throws boost::interprocess::bad_alloc               the segment is full; the bytes that fitted are there
 void Replace(QBXByteVector* shared, const Mapping& mapping, const std::vector<unsigned char>& data);
 }  // namespace qbx

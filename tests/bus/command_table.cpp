@@ -138,8 +138,8 @@ std::vector<Command> Modes()
          [](Player& p) {
              return Text(p.SetButtonStatus({1, 0x2030405, 0xfffffffe}));
          },
-         "SetButtonStatus", VariantOf({1, 0, 0, 0, 5, 4, 3, 2, '\xfe', '\xff', '\xff', '\xff'}), "(true,)", "true", "false", "false",
-         "com_zarn_linux_ipod_call_set_button_status_sync"},
+         "SetButtonStatus", VariantOf({1, 0, 0, 0, 5, 4, 3, 2, '\xfe', '\xff', '\xff', '\xff'}), "(true,)", "true",
+         "false", "false", "com_zarn_linux_ipod_call_set_button_status_sync"},
         {"SetTransmissionState", [](Player& p) { return p.SetTransmissionState(200), kVoid; }, "SetTransmissionState",
          "(0xc8,)", "()", "void", "void", "void", "com_zarn_linux_ipod_call_set_transmission_state_sync"},
         {"SetHUBTestMode",

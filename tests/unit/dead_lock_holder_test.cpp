@@ -59,7 +59,7 @@ protected:
     void ExpectExceptionInTime(const std::function<void()>& action)
     {
         const auto start = Clock::now();
-        EXPECT_THROW(action(), bip::interprocess_exception);
+        EXPECT_THROW(action(), bip::lock_exception);
         EXPECT_GE(Clock::now() - start, kLimit - std::chrono::milliseconds(100));
         EXPECT_LT(Clock::now() - start, kAtTheLatest);
     }
@@ -74,7 +74,7 @@ TEST_F(LockOfADeadProcess, EndsTheLookupOfAVectorInAnException)
     auto die = [] { _exit(0); };
     InAChild([&] { m_segment.atomic_func(die); });
 
-    ExpectExceptionInTime([this] { m_segment.find_or_construct<int>("number")(0); });
+    ExpectExceptionInTime([this] { qbx::UnderSegmentLock([this] { m_segment.find_or_construct<int>("number")(0); }); });
 }
 
 TEST_F(LockOfADeadProcess, EndsTheGrowthOfTheWriteBufferInAnException)
