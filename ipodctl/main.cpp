@@ -31,8 +31,8 @@ constexpr char kExitCodes[] =
 std::vector<Verb> AllVerbs()
 {
     std::vector<Verb> all;
-    for (const auto verbs :
-         {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, QueueVerbs, DeviceVerbs, ArtVerbs, EventVerbs, EapVerbs})
+    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, QueueVerbs, DeviceVerbs, ArtVerbs,
+                             EventVerbs, EapVerbs, DoctorVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
 }
@@ -67,7 +67,7 @@ int RunVerb(const Run& run, const Options& options)
     Context context{session, out};
     const Answer answer = run(context);
     if (!answer.json.is_null()) out.Line(answer.json, answer.text);
-    return kDone;
+    return answer.code;
 }
 
 // Help and version are "errors" with code 0 to the parser.

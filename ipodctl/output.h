@@ -17,6 +17,7 @@ struct Answer
 {
     Json json;
     std::string text;
+    ExitCode code = kDone;  ///< what the run ends with
 };
 
 /// Thrown when the reader of the output is gone: nothing is wrong, and nobody is there to be told anything.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -21,6 +22,7 @@ namespace bip = boost::interprocess;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kCreatorAtWork = std::chrono::seconds(5);
+constexpr std::size_t kSpaceToCreate = 16384;
 constexpr auto kLookAgain = std::chrono::milliseconds(1);
 
 [[noreturn]] void Refuse(const char* name, const char* why)
@@ -78,6 +80,16 @@ void WaitForCreator(const char* name)
     }
 }
 
+// A new segment gets its pages when they are first touched, and touching one that is not to be had ends the process.
+// Its header and an empty index take two pages.
+void CheckSpaceToCreate(const char* name)
+{
+    struct statvfs device;
+    const bool known = statvfs("/dev/shm", &device) == 0 && device.f_blocks > 0;
+    if (!known || SharedObject(name).exists()) return;
+    if (device.f_bavail * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
+}
+
 // The segment's own idea of its size stands where the layout says, so that another word size shows here.
 void CheckLayout(const QBXSharedSegment& segment, const char* name)
 {
@@ -94,6 +106,7 @@ void CheckLayout(const QBXSharedSegment& segment, const char* name)
 QBXSharedSegment AttachSegment(const char* name, std::size_t size)
 {
     WaitForCreator(name);
+    CheckSpaceToCreate(name);
     bip::permissions mode;
     mode.set_permissions(0644);
     QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);

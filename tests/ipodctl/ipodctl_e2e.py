@@ -133,7 +133,7 @@ class WithoutAService(OnABus):
                 self.assertIn("Examples:\n  ipodctl ", self.text(verb, "--help"))
 
 
-class WithTheSimulator(OnABus):
+class OnABusWithTheSimulator(OnABus):
     def setUp(self):
         super().setUp()
         self.simulator = subprocess.Popen([OPTIONS.simulator], env=self.bus.environment, stdout=subprocess.PIPE,
@@ -146,6 +146,8 @@ class WithTheSimulator(OnABus):
         self.simulator.wait()
         self.simulator.stdout.close()
 
+
+class WithTheSimulator(OnABusWithTheSimulator):
     def tell(self, *words):
         subprocess.run([OPTIONS.simulator, "tell", *words], env=self.bus.environment, check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
 
@@ -500,6 +502,65 @@ class WithTheSimulator(OnABus):
         os.close(main)
         self.assertEqual(process.wait(timeout=LIMIT), DONE)
         return shown.decode()
+
+
+class Doctor:
+    """What doctor finds, and the exit code that goes with it; every answer fits the schema."""
+
+    def examine(self, code):
+        process = self.start("--json", "doctor")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, err), (code, b""), out)
+        answer = json.loads(out)
+        self.assertEqual(check(answer, SCHEMA), [])
+        return {finding["check"]: finding for finding in answer["checks"]}
+
+    def assert_problem(self, finding, text):
+        self.assertEqual(finding["state"], "problem")
+        self.assertIn(text, finding["text"])
+        self.assertIn("/dev/shm/", finding["advice"])
+
+
+class DoctorWithoutAService(Doctor, OnABus):
+    def test_no_bus_is_a_problem(self):
+        self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
+        self.assertEqual(self.examine(NO_BUS)["bus"]["state"], "problem")
+
+    def test_no_service_is_a_problem_and_nothing_is_created(self):
+        findings = self.examine(NO_SERVICE)
+        self.assertEqual(findings["service"]["state"], "problem")
+        self.assertEqual(findings["lists"]["state"], "warning")
+        self.assertEqual(os.listdir("/dev/shm"), [])
+
+
+class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
+    def test_all_is_well(self):
+        self.assertEqual({finding["state"] for finding in self.examine(DONE).values()}, {"well"})
+        self.assertIn("build: contract ", self.text("doctor"))
+
+    def test_another_mode_is_a_warning(self):
+        os.chmod("/dev/shm/ListVectorSharedMemory", 0o666)
+        self.assertEqual(self.examine(NOTHING_DONE)["lists"]["state"], "warning")
+
+    def test_another_owner_is_a_problem(self):
+        if os.geteuid() != 0:
+            self.skipTest("only root can give a file away")
+        os.chown("/dev/shm/ListVectorSharedMemory", 65534, 65534)
+        self.assertIn("under one user", self.examine(NO_SEGMENTS)["lists"]["advice"])
+
+    def test_a_cut_segment_is_a_problem_and_does_not_end_the_doctor(self):
+        os.truncate("/dev/shm/ListVectorSharedMemory", 100)
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "damaged")
+
+    def test_an_empty_object_is_a_problem_and_does_not_hang_the_doctor(self):
+        os.remove("/dev/shm/BufferVectorSharedMemory")
+        open("/dev/shm/BufferVectorSharedMemory", "wb").close()
+        self.assert_problem(self.examine(NO_SEGMENTS)["buffers"], "does not answer")
+
+    def test_a_fifo_is_a_problem(self):
+        os.remove("/dev/shm/BufferVectorSharedMemory")
+        os.mkfifo("/dev/shm/BufferVectorSharedMemory")
+        self.assert_problem(self.examine(NO_SEGMENTS)["buffers"], "no shared memory")
 
 
 def terminal_columns(text):

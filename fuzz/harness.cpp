@@ -1,0 +1,99 @@
+#include "harness.h"
+
+#include <IQBXIpodPlayer.h>
+#include <QBXLog.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+#include "QBXIpod_MediaPlayer_Client.h"
+#include "internal/QBXSingleton.h"
+#include "internal/module_state.h"
+
+// The log sink of this program takes the place of the middleware's.
+namespace
+{
+int category;
+std::string lastLogText;
+}  // namespace
+
+zlog_category_t* liblog_category = reinterpret_cast<zlog_category_t*>(&category);
+
+void zlog(zlog_category_t*, const char*, size_t, const char*, size_t, long, int, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    gchar* const text = g_strdup_vprintf(format, arguments);
+    va_end(arguments);
+    lastLogText = text;
+    g_free(text);
+}
+
+namespace fuzz
+{
+namespace
+{
+struct Desk
+{
+    Desk()
+    {
+        player = QBX_GetIpodPlayer();
+        player->AddListener(&heard);
+        qbx::NoteSubscriber(proxy);
+    }
+
+    ComZarnLinuxIpod* const proxy = COM_ZARN_LINUX_IPOD(g_object_new(TYPE_COM_ZARN_LINUX_IPOD_PROXY, nullptr));
+    IQBXIpodPlayer* player = nullptr;
+    Heard heard;
+};
+
+// Lives as long as the process.
+Desk& TheDesk()
+{
+    static Desk& desk = *new Desk;
+    return desk;
+}
+}  // namespace
+
+void Heard::Forget()
+{
+    phoneCall.reset();
+    battery.reset();
+    track.reset();
+    artwork.reset();
+    pairing.reset();
+}
+
+Heard& Listener()
+{
+    return TheDesk().heard;
+}
+
+ComZarnLinuxIpod* Proxy()
+{
+    return TheDesk().proxy;
+}
+
+void* Client()
+{
+    return static_cast<QBXIpod_MediaPlayer_Client*>(TheDesk().player);
+}
+
+const std::string& LastLogText()
+{
+    return lastLogText;
+}
+
+void Require(bool holds, const char* what)
+{
+    if (holds) return;
+    std::fprintf(stderr, "neither dropped nor decoded as the reference does: %s\n", what);
+    std::abort();
+}
+
+GVariant* Wrapped(const std::uint8_t* data, std::size_t size)
+{
+    return g_variant_new_variant(g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, data, size, 1));
+}
+}  // namespace fuzz

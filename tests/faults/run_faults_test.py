@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Tests of run-faults: a matrix is worth what its judge notices."""
+
+import dataclasses
+import importlib.machinery
+import importlib.util
+import pathlib
+import signal
+import sys
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE))
+loader = importlib.machinery.SourceFileLoader("run_faults", str(HERE / "run-faults"))
+run_faults = importlib.util.module_from_spec(importlib.util.spec_from_loader("run_faults", loader))
+loader.exec_module(run_faults)
+
+ROW = run_faults.rows.Row("area", "fault", "contract", "expected", "case", log={"failed": 1})
+GOOD = (0, "alive\n", "it failed\n")
+
+
+class Judging(unittest.TestCase):
+    def assert_noticed(self, row, code, out, err):
+        self.assertNotEqual(run_faults.problems(row, code, out, err), [])
+
+    def test_a_case_that_ends_as_its_row_says_has_no_problem(self):
+        self.assertEqual(run_faults.problems(ROW, *GOOD), [])
+
+    def test_another_exit_code_is_noticed(self):
+        self.assert_noticed(ROW, 1, *GOOD[1:])
+
+    def test_a_death_is_noticed(self):
+        self.assert_noticed(ROW, -signal.SIGSEGV, *GOOD[1:])
+
+    def test_a_death_that_did_not_come_is_noticed(self):
+        self.assert_noticed(dataclasses.replace(ROW, exit=-signal.SIGBUS), *GOOD)
+
+    def test_a_case_that_hangs_is_noticed(self):
+        code, out, err = run_faults.run_process(["sleep", "60"], 0.2)
+        self.assertIsNone(code)
+        self.assert_noticed(ROW, code, out, err)
+
+    def test_a_missing_liveness_call_is_noticed(self):
+        self.assert_noticed(ROW, 0, "", GOOD[2])
+
+    def test_a_wrong_number_of_log_lines_is_noticed(self):
+        self.assert_noticed(ROW, 0, GOOD[1], "")
+        self.assert_noticed(ROW, 0, GOOD[1], GOOD[2] * 2)
+
+    def test_a_failed_expectation_is_noticed(self):
+        self.assert_noticed(ROW, 0, "NOT AS DOCUMENTED: it\nalive\n", GOOD[2])
+
+
+class Documentation(unittest.TestCase):
+    def test_the_document_shows_the_rows(self):
+        self.assertEqual(run_faults.check_docs(write=False), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
