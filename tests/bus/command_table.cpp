@@ -15,7 +15,7 @@ const std::string kVoid = "void";
 // The one argument of a method that takes a record.
 std::string VariantOf(const std::string& bytes)
 {
-    return "(" + BytesInVariant(bytes) + ",)";
+    return std::string("(").append(BytesInVariant(bytes)).append(",)");
 }
 
 std::string Slot(const std::string& text)
