@@ -65,6 +65,18 @@ void BareNotify()
     Check(error);
 }
 
+void OnBareNotified(GObject* proxy, GAsyncResult* result, gpointer)
+{
+    GError* error = nullptr;
+    com_zarn_linux_ipod_call_carplay_connect_status_notify_finish(COM_ZARN_LINUX_IPOD(proxy), result, &error);
+    Check(error);
+}
+
+void BareNotifyLater()
+{
+    com_zarn_linux_ipod_call_carplay_connect_status_notify(BareProxy(), TRUE, FALSE, nullptr, OnBareNotified, nullptr);
+}
+
 GVariant* Packed(const void* record, int size)
 {
     return g_variant_ref_sink(gvariant_data_build(const_cast<void*>(record), size));
@@ -126,7 +138,7 @@ void CompareCommands(int calls)
          {Timed("bare", BareGetCurrentMediaInfo), Timed("library", [] { Player()->GetCurrentMediaInfo(); })}});
     Run({"CarPlayConnectStatusNotify",
          calls,
-         {Drained(Timed("synchronous", BareNotify)),
+         {Drained(Timed("synchronous", BareNotify)), Drained(Timed("asynchronous", BareNotifyLater)),
           Drained(Timed("library", [] { Player()->CarPlayConnectStatusNotify(1, 0); }))}});
 }
 }  // namespace bench

@@ -3,6 +3,9 @@
 #include <QBXIpodShareMemory.h>
 #include <QBXLog.h>
 
+#include <cstdlib>
+
+#include "internal/module_state.h"
 #include "internal/segments.h"
 #include "samples.h"
 
@@ -30,6 +33,14 @@ QBXIpod_MediaPlayer_Client& Client()
     static auto* const client = static_cast<QBXIpod_MediaPlayer_Client*>(QBX_GetIpodPlayer());
     static_cast<void>(logging);
     return *client;
+}
+
+ComZarnLinuxIpod* Proxy()
+{
+    static ComZarnLinuxIpod* const proxy = COM_ZARN_LINUX_IPOD(g_object_new(TYPE_COM_ZARN_LINUX_IPOD_PROXY, nullptr));
+    Client();
+    qbx::NoteSubscriber(proxy);
+    return proxy;
 }
 
 qbx::Snapshot<PlayListSongNameStr> Page(std::size_t count)
@@ -77,6 +88,10 @@ Audience::Audience(std::size_t size)
 
 Audience::~Audience()
 {
-    for (const auto& listener : m_listeners) Client().RemoveListener(listener.get());
+    for (const auto& listener : m_listeners)
+    {
+        if (listener->events == 0) std::abort();
+        Client().RemoveListener(listener.get());
+    }
 }
 }  // namespace bench

@@ -16,6 +16,9 @@ namespace bench
 /// The client of this process, with its segments attached; only errors are logged, to nowhere.
 QBXIpod_MediaPlayer_Client& Client();
 
+/// A proxy without a bus to whose signals the client of this process subscribes.
+ComZarnLinuxIpod* Proxy();
+
 /// A page of @p count sample names in the list segment.
 qbx::Snapshot<PlayListSongNameStr> Page(std::size_t count);
 
@@ -40,6 +43,7 @@ class Audience
 {
 public:
     explicit Audience(std::size_t size);
+    /// Ends the program when a listener heard nothing: then nothing was measured.
     ~Audience();
     Audience(const Audience&) = delete;
     Audience& operator=(const Audience&) = delete;

@@ -119,7 +119,8 @@ void EventLibrary(State& state)
     Picture(BytesOf(state));
     const Audience audience(static_cast<std::size_t>(state.range(1)));
     GVariant* const head = ReceivedRecord(sizeof(qbx::ArtworkHead));
-    for (auto _ : state) qbx::CallBack_OnIpodArtworkChange(nullptr, head, &Client());
+    ComZarnLinuxIpod* const proxy = Proxy();
+    for (auto _ : state) qbx::CallBack_OnIpodArtworkChange(proxy, head, &Client());
     g_variant_unref(head);
 }
 
