@@ -1,5 +1,7 @@
 // Stand-in for the log sink and its set-up, for systems without zlog.
 #include <QBXLog.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdarg>
 #include <cstdio>
@@ -12,7 +14,7 @@
 struct zlog_category_s
 {
     int threshold = 0;
-    std::FILE* out = nullptr;
+    int out = -1;
 };
 
 zlog_category_t* liblog_category = nullptr;
@@ -46,19 +48,60 @@ int NumberOf(const std::string& name)
 
 void CloseOutput()
 {
-    if (fileCategory.out != nullptr && fileCategory.out != stderr) std::fclose(fileCategory.out);
-    fileCategory.out = nullptr;
+    if (fileCategory.out > STDERR_FILENO) close(fileCategory.out);
+    fileCategory.out = -1;
 }
 
-// "2026-11-21 10:15:02.123"
-void FormatTime(char (&text)[32])
+// "2026-11-21 10:15:02". Most lines share their second with the one before.
+const char* DateAndTime(std::time_t now)
+{
+    static std::time_t formatted = -1;
+    static char text[32];
+    if (now == formatted) return text;
+    tm local{};
+    localtime_r(&now, &local);
+    std::strftime(text, sizeof(text), "%F %T", &local);
+    formatted = now;
+    return text;
+}
+
+void AppendTime(std::string& line)
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    const std::size_t length = std::strftime(text, sizeof(text), "%F %T", &local);
-    std::snprintf(text + length, sizeof(text) - length, ".%03d", static_cast<int>(now.tv_nsec / 1000000));
+    const std::string milliseconds = std::to_string(1000 + now.tv_nsec / 1000000);
+    line.append(DateAndTime(now.tv_sec)).append(1, '.').append(milliseconds, 1, 3);
+}
+
+void AppendLevel(std::string& line, int level)
+{
+    const std::string name = NameOf(level);
+    line.append(1, ' ').append(name).append(name.size() < 5 ? 6 - name.size() : 1, ' ');
+}
+
+void AppendMessage(std::string& line, const char* format, va_list arguments)
+{
+    va_list again;
+    va_copy(again, arguments);
+    char text[256];
+    const int length = std::vsnprintf(text, sizeof(text), format, arguments);
+    const std::size_t size = length < 0 ? 0 : static_cast<std::size_t>(length);
+    if (size < sizeof(text))
+        line.append(text, size);
+    else
+    {
+        line.resize(line.size() + size + 1);
+        std::vsnprintf(&line[line.size() - size - 1], size + 1, format, again);
+        line.pop_back();
+    }
+    va_end(again);
+}
+
+// In one piece, so that the lines of several processes in one file do not mix.
+void Write(int out, const std::string& line)
+{
+    const ssize_t written = write(out, line.data(), line.size());
+    static_cast<void>(written);
 }
 
 // The environment may switch logging on for programs that do not do it themselves.
@@ -77,8 +120,10 @@ int QBX_LogInit(const char* config)
     const std::size_t colon = text.find(':');
     const int threshold = NumberOf(text.substr(0, colon));
     if (threshold < 0) return 0;
-    std::FILE* out = colon == std::string::npos ? stderr : std::fopen(text.c_str() + colon + 1, "ae");
-    if (out == nullptr) return 0;
+    const int out = colon == std::string::npos
+                        ? STDERR_FILENO
+                        : open(text.c_str() + colon + 1, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (out < 0) return 0;
     const std::lock_guard<std::mutex> lock(writing);
     CloseOutput();
     fileCategory.threshold = threshold;
@@ -98,15 +143,16 @@ void zlog(zlog_category_t* target, const char* file, size_t filelen, const char*
           int level, const char* format, ...)
 {
     const std::lock_guard<std::mutex> lock(writing);
-    if (target->out == nullptr || level < target->threshold) return;
-    char time[32];
-    FormatTime(time);
-    std::fprintf(target->out, "%s %-5s %.*s %.*s:%ld ", time, NameOf(level), static_cast<int>(filelen), file,
-                 static_cast<int>(funclen), func, line);
+    if (target->out < 0 || level < target->threshold) return;
+    std::string text;
+    text.reserve(256);
+    AppendTime(text);
+    AppendLevel(text, level);
+    text.append(file, filelen).append(1, ' ').append(func, funclen).append(1, ':').append(std::to_string(line));
+    text.append(1, ' ');
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(target->out, format, arguments);
+    AppendMessage(text, format, arguments);
     va_end(arguments);
-    std::fputc('\n', target->out);
-    std::fflush(target->out);
+    Write(target->out, text.append(1, '\n'));
 }
