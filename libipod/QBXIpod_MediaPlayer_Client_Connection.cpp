@@ -11,7 +11,12 @@ namespace
 constexpr char kBusName[] = "com.zarn.linux.ipod";
 constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 constexpr int kLastRetry = 5;
-constexpr char kSubscriber[] = "qbx-subscriber";
+// Known by number, not by name: every event asks.
+GQuark SubscriberKey()
+{
+    static const GQuark key = g_quark_from_static_string("qbx-subscriber");
+    return key;
+}
 
 // Stores the new proxy, also when it is null.
 bool CreateProxy(GError** error)
@@ -68,12 +73,12 @@ namespace qbx
 {
 void NoteSubscriber(ComZarnLinuxIpod* proxy)
 {
-    g_object_set_data(G_OBJECT(proxy), kSubscriber, GUINT_TO_POINTER(clientsBuilt));
+    g_object_set_qdata(G_OBJECT(proxy), SubscriberKey(), GUINT_TO_POINTER(clientsBuilt));
 }
 
 unsigned SubscriberOf(ComZarnLinuxIpod* proxy)
 {
-    return GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(proxy), kSubscriber));
+    return GPOINTER_TO_UINT(g_object_get_qdata(G_OBJECT(proxy), SubscriberKey()));
 }
 }  // namespace qbx
 
