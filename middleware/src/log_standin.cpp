@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +14,8 @@
 
 struct zlog_category_s
 {
-    int threshold = 0;
+    // Read without the lock: most lines are below it.
+    std::atomic<int> threshold{0};
     int out = -1;
 };
 
@@ -142,8 +144,9 @@ void QBX_LogExit(void)
 void zlog(zlog_category_t* target, const char* file, size_t filelen, const char* func, size_t funclen, long line,
           int level, const char* format, ...)
 {
+    if (level < target->threshold) return;
     const std::lock_guard<std::mutex> lock(writing);
-    if (target->out < 0 || level < target->threshold) return;
+    if (target->out < 0) return;
     std::string text;
     text.reserve(256);
     AppendTime(text);
