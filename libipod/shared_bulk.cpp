@@ -33,7 +33,8 @@ std::size_t FillCapacity(QBXByteVector& vector, const unsigned char* bytes, std:
 }
 }  // namespace
 
-void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list)
+// Inlined down to the string, which GCC otherwise builds through a call: that is a tenth of the cost of a name.
+[[gnu::flatten]] void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list)
 {
     std::vector<std::string>().swap(list);
     for (std::size_t i = 0; i < names.count; ++i) list.emplace_back(names.begin[i].name, LengthOf(names.begin[i]));
