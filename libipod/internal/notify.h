@@ -38,13 +38,6 @@ struct RegistryState
     bool SameAs(const RegistryState& other) const { return size == other.size && removals == other.removals; }
 };
 
-/// Has the next listener fetched while this one is busy: after a round over the bus the set is out of the cache.
-template <class Listeners>
-void FetchAhead(const Listeners& listeners, typename Listeners::const_iterator current)
-{
-    if (++current != listeners.end()) __builtin_prefetch(*current);
-}
-
 /// Calls @p event of every listener, in ascending order of address. The caller holds the listener lock.
 /// A listener may remove itself or others: then the set is searched for the next one.
 template <class... Params, class... Args>
@@ -56,7 +49,6 @@ void Dispatch(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(
     {
         IQBXIpodPlayerListener* const listener = *next;
         const RegistryState before = state();
-        FetchAhead(listeners, next);
         (listener->*event)(args...);
         next = state().SameAs(before) ? std::next(next) : listeners.upper_bound(listener);
     }
