@@ -115,11 +115,13 @@ INSTRUCTION_GOALS = [
     Row(4, "copying 100 names / from packed names", counted("names-library-100", "names-packed-100"), "<=", 1.15),
     Row(4, "copying 1,000 names / from packed names", counted("names-library-1000", "names-packed-1000"), "<=", 1.15),
     Row(8, "picture of 100 KB out of the segment / raw copy", counted("artwork-library", "artwork-raw"), "<=", 1.15),
+    Row(9, "artwork event, 100 KB, 1 listener / 2 raw copies",
+        lambda f: f.instructions["artwork-event"] / (2 * f.instructions["artwork-raw"]), "<=", 1.25),
     Row(10, "EapWrite fill of 10 KB / memcpy", counted("fill-library-10", "fill-raw-10"), "<=", 1.25),
     Row(10, "EapWrite fill of 100 KB / memcpy", counted("fill-library-100", "fill-raw-100"), "<=", 1.10),
     Row(10, "EapWrite fill of 100 KB from an empty vector / memcpy",
         counted("fill-empty-library-100", "fill-raw-100"), "<=", 3.5),
 ]
 
-# The same counts of a build for ARM.
-ARM_GOALS = [row._replace(goal=14, text=f"ARM: {row.text}") for row in INSTRUCTION_GOALS]
+# The same counts of a build for ARM, of what goal 14 names.
+ARM_GOALS = [row._replace(goal=14, text=f"ARM: {row.text}") for row in INSTRUCTION_GOALS if row.goal in (3, 4, 8, 10)]

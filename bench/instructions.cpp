@@ -7,11 +7,14 @@
 #include <cstring>
 #include <functional>
 #include <map>
+#include <memory>
 
 #include "fixture.h"
+#include "internal/records.h"
 #include "internal/segments.h"
 #include "reference.h"
 #include "samples.h"
+#include "signal_callbacks.h"
 
 namespace
 {
@@ -58,6 +61,12 @@ Operation ArtworkRaw()
     return [picture = Picture(kPicture)] { CopyRaw(picture.begin, picture.count); };
 }
 
+Operation ArtworkEvent()
+{
+    return [head = ReceivedRecord(sizeof(qbx::ArtworkHead)), proxy = Proxy(), picture = Picture(kPicture),
+            audience = std::make_shared<Audience>(1)] { qbx::CallBack_OnIpodArtworkChange(proxy, head, &Client()); };
+}
+
 Operation FillLibrary(std::size_t size)
 {
     return [buffer = WriteBuffer(size), data = SampleBytes(size)] { qbx::Replace(buffer, qbx::bufferMapping, data); };
@@ -93,6 +102,7 @@ const std::map<std::string, std::function<Operation()>> kOperations = {
     {"names-packed-1000", [] { return NamesPacked(1000); }},
     {"artwork-library", ArtworkLibrary},
     {"artwork-raw", ArtworkRaw},
+    {"artwork-event", ArtworkEvent},
     {"fill-library-10", [] { return FillLibrary(10000); }},
     {"fill-raw-10", [] { return FillRaw(10000); }},
     {"fill-library-100", [] { return FillLibrary(100000); }},
