@@ -1,4 +1,5 @@
 // For tests of applications: what the simulator was asked, what goes wrong, scenarios.
+#include <algorithm>
 #include <cstdint>
 
 #include "file.h"
@@ -32,6 +33,21 @@ std::string ToText(GVariantIter* values)
     for (GVariant* value = nullptr; g_variant_iter_loop(values, "v", &value) != FALSE;)
         text += (text.empty() ? "" : ", ") + ToText(value);
     return "(" + text + ")";
+}
+
+// Of many bytes only how many: a record of a thousand is nothing to look at.
+std::string Shortened(std::string text)
+{
+    constexpr std::size_t kMostCharacters = 100;
+    constexpr char kBytes[] = "[byte ";
+    for (std::size_t begin = text.find(kBytes); begin != std::string::npos; begin = text.find(kBytes, begin + 1))
+    {
+        const std::size_t end = text.find(']', begin);
+        if (end == std::string::npos || end - begin <= kMostCharacters) continue;
+        const auto bytes = std::count(text.data() + begin, text.data() + end, ',') + 1;
+        text.replace(begin, end - begin, "[" + std::to_string(bytes) + " bytes");
+    }
+    return Printable(text);
 }
 
 // "12:34:56.789", local time.
@@ -92,7 +108,7 @@ Answer ShowCalls(Context& context, const std::string& method)
                          {"arguments", call.arguments},
                          {"answer", call.answer}});
         rows.push_back(
-            {TimeOfDay(call.time), call.sender, call.method, Printable(call.arguments), Printable(call.answer)});
+            {TimeOfDay(call.time), call.sender, call.method, Shortened(call.arguments), Shortened(call.answer)});
     }
     return {{{"verb", "sim calls"}, {"calls", calls}}, Table(rows, context.out.width())};
 }

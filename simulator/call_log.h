@@ -27,6 +27,9 @@ inline VariantPtr Own(GVariant* value)
 /// In the notation of GVariant texts, for example "(true, 3)".
 std::string ToText(GVariant* value);
 
+/// The same for people: of many bytes only how many, for example "(<[1040 bytes]>,)".
+std::string ToShortText(GVariant* value);
+
 struct LoggedCall
 {
     std::int64_t time = 0;  ///< when it came, microseconds since 1970

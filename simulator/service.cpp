@@ -23,8 +23,8 @@ void Service::LogCall(const LoggedCall& call, bool keep)
 {
     if (m_settings.logRequest)
     {
-        const std::string answer = call.answer == nullptr ? "no answer" : ToText(call.answer.get());
-        m_settings.logRequest(call.method + " " + ToText(call.arguments.get()) + " -> " +
+        const std::string answer = call.answer == nullptr ? "no answer" : ToShortText(call.answer.get());
+        m_settings.logRequest(call.method + " " + ToShortText(call.arguments.get()) + " -> " +
                               (call.error.empty() ? "" : call.error + " ") + answer);
     }
     if (keep) calls.Add(call);

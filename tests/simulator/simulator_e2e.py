@@ -292,6 +292,8 @@ class FromTheCommandLine(OnABus):
         self.assertEqual(calls, [("Seek", "(5)", "()"), ("Stop", "()", "no answer"),
                                  ("Pause", "()", "com.example.Busy ('a fault on purpose')"),
                                  ("GetPlayPosition", "()", "(0, 0)")])
+        self.ask("GetCurrentMediaInfo")
+        self.assertIn("(<[1040 bytes]>)", self.ctl("sim", "calls", "GetCurrentMediaInfo"))
         self.assertRegex(self.ctl("sim", "calls", "Seek"), r"^\d\d:\d\d:\d\d\.\d{3}  :1\.\d+  Seek  \(5\)  \(\)\n$")
 
     def test_what_is_wrong_is_told(self):
