@@ -54,10 +54,12 @@ FileMark MarkOf(const struct stat& status)
             static_cast<std::uint64_t>(status.st_size)};
 }
 
+using Enter = std::function<void(const std::string&)>;
+
 class Scanner
 {
 public:
-    Scanner(Depth depth, const Warn& warn) : m_depth(depth), m_warn(warn) {}
+    Scanner(Depth depth, const Warn& warn, const Enter& enter) : m_depth(depth), m_warn(warn), m_enter(enter) {}
 
     void PassOver(const std::string& folder)
     {
@@ -70,6 +72,7 @@ public:
     void Read(const std::string& path, const struct stat& status)
     {
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
+        if (m_enter) m_enter(path);
         const std::size_t folder = m_scan.folders.size();
         m_scan.folders.push_back({path, CleanName(path.substr(path.rfind('/') + 1), "Music"), {}});
         int bestCover = kNoCover;
@@ -122,14 +125,16 @@ private:
 
     Depth m_depth;
     const Warn& m_warn;
+    const Enter& m_enter;
     FolderScan m_scan;
     std::set<std::pair<dev_t, ino_t>> m_seen;  // breaks loops of links
 };
 }  // namespace
 
-FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn)
+FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
+                      const std::function<void(const std::string&)>& enter)
 {
-    Scanner scanner(depth, warn);
+    Scanner scanner(depth, warn, enter);
     if (folder != root) scanner.PassOver(root);
     struct stat status
     {

@@ -52,7 +52,10 @@ enum class Depth
 /// Walks @p folder in the order of names; a folder is read once however many links lead to it, and never through a link
 /// to @p root, which is the music folder. Names that begin with a dot are passed over; what cannot be read is left out
 /// with a warning.
-FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn);
+///
+/// @param enter  called with each folder before it is read; may be empty
+FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
+                      const std::function<void(const std::string&)>& enter = {});
 
 /// A number that two scans of the same state have in common.
 std::uint64_t Fingerprint(const FolderScan& scan);

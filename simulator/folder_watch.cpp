@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -30,23 +29,22 @@ void Destroy(GSource*& source)
 }
 }  // namespace
 
-FolderWatch::FolderWatch(std::string root, GMainContext* context, Warn warn, std::function<void()> changed)
-    : m_root(std::move(root)),
-      m_context(context),
+FolderWatch::FolderWatch(const std::string& root, GMainContext* context, Warn warn, std::function<void()> changed)
+    : m_context(context),
       m_warn(std::move(warn)),
       m_changed(std::move(changed)),
       m_descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
 {
     if (m_descriptor < 0)
     {
-        m_warn("changes of " + m_root + " go unnoticed: " + std::generic_category().message(errno));
+        m_warn("changes of " + root + " go unnoticed: " + std::generic_category().message(errno));
         return;
     }
     m_readable = g_unix_fd_source_new(m_descriptor, G_IO_IN);
     g_source_set_callback(m_readable, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnReadable)), this,
                           nullptr);
     g_source_attach(m_readable, m_context);
-    Refresh();
+    Add(root);
 }
 
 FolderWatch::~FolderWatch()
@@ -56,28 +54,12 @@ FolderWatch::~FolderWatch()
     if (m_descriptor >= 0) close(m_descriptor);
 }
 
-void FolderWatch::Refresh()
+void FolderWatch::Add(const std::string& folder)
 {
-    namespace fs = std::filesystem;
-    if (m_descriptor < 0 || !Add(m_root)) return;
-    std::error_code error;
-    const auto options = fs::directory_options::skip_permission_denied;
-    for (fs::recursive_directory_iterator at(m_root, options, error), end; !error && at != end; at.increment(error))
-    {
-        std::error_code gone;
-        const bool link = at->is_symlink(gone);
-        // Of links only those beside the devices: what they lead to may be a device.
-        if (link && at.depth() > 0) continue;
-        if (at->is_directory(gone) && !Add(at->path().string())) return;
-    }
-}
-
-bool FolderWatch::Add(const std::string& folder)
-{
-    if (inotify_add_watch(m_descriptor, folder.c_str(), kChanges) >= 0 || errno != ENOSPC) return true;
-    if (!m_full) m_warn("some changes of " + m_root + " go unnoticed: the system's limit of watches is reached");
-    m_full = true;
-    return false;
+    const bool full =
+        m_descriptor >= 0 && inotify_add_watch(m_descriptor, folder.c_str(), kChanges) < 0 && errno == ENOSPC;
+    if (full && !m_full.exchange(true))
+        m_warn("changes in " + folder + " and others go unnoticed: the system's limit of watches is reached");
 }
 
 gboolean FolderWatch::OnReadable(gint descriptor, GIOCondition, gpointer self)
@@ -110,7 +92,6 @@ gboolean FolderWatch::OnQuiet(gpointer data)
 {
     FolderWatch& self = *static_cast<FolderWatch*>(data);
     self.StopWaiting();
-    self.Refresh();
     self.m_changed();
     return G_SOURCE_REMOVE;
 }

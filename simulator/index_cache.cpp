@@ -2,11 +2,12 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -29,16 +30,18 @@ void Put(ByteWriter& out, const Track& track)
     out.Put(static_cast<std::uint8_t>(track.hasPicture ? 1 : 0));
 }
 
-Track TakeTrack(ByteReader& in)
+TrackPtr TakeTrack(ByteReader& in, const std::string& file)
 {
-    Track track;
+    auto taken = std::make_shared<Track>();
+    Track& track = *taken;
+    track.file = file;
     for (std::string* text : {&track.title, &track.artist, &track.album, &track.genre, &track.readings.title,
                               &track.readings.artist, &track.readings.album, &track.readings.genre})
         *text = in.TakeText();
     track.number = in.Take<std::int32_t>();
     track.lengthMs = in.Take<std::int32_t>();
     track.hasPicture = in.Take<std::uint8_t>() != 0;
-    return track;
+    return taken;
 }
 
 // Its fingerprint at the end of a text.
@@ -59,7 +62,9 @@ void IndexCache::Load()
 {
     std::ifstream in(m_file, std::ios::binary);
     if (!in) return;
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    std::ostringstream all;
+    all << in.rdbuf();
+    const std::string bytes = all.str();
     try
     {
         Parse(bytes);
@@ -81,18 +86,18 @@ void IndexCache::Parse(const std::string& bytes)
         throw std::out_of_range("damaged");
     ByteReader in(sealed.substr(magic.size()));
     const auto count = in.Take<std::uint64_t>();
+    m_known.reserve(std::min<std::size_t>(count, bytes.size()));
     for (std::uint64_t i = 0; i < count; ++i)
     {
         std::string path = in.TakeText();
         Known known;
         known.mark = {in.Take<std::int64_t>(), in.Take<std::uint64_t>()};
-        if (in.Take<std::uint8_t>() != 0) known.track = TakeTrack(in);
-        if (known.track) known.track->file = path;
+        if (in.Take<std::uint8_t>() != 0) known.track = TakeTrack(in, path);
         m_known.emplace(std::move(path), std::move(known));
     }
 }
 
-const std::optional<Track>* IndexCache::Find(const ScannedFile& file)
+const TrackPtr* IndexCache::Find(const ScannedFile& file)
 {
     const auto found = m_known.find(file.path);
     if (found == m_known.end() || !(found->second.mark == file.mark)) return nullptr;
@@ -100,10 +105,12 @@ const std::optional<Track>* IndexCache::Find(const ScannedFile& file)
     return &found->second.track;
 }
 
-void IndexCache::Put(const ScannedFile& file, std::optional<Track> track)
+const TrackPtr* IndexCache::Put(const ScannedFile& file, TrackPtr track)
 {
-    m_known[file.path] = {file.mark, std::move(track), true};
+    Known& known = m_known[file.path];
+    known = {file.mark, std::move(track), true};
     m_changed = true;
+    return &known.track;
 }
 
 std::string IndexCache::Serialise(Unused unused) const

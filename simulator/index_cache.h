@@ -2,7 +2,6 @@
 /// What was read of the files of a music folder, kept from one run to the next.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -19,9 +18,11 @@ public:
     /// @param file  where it is kept; empty: nowhere
     IndexCache(std::string file, Warn warn);
 
-    /// What was read of the file, where the inner value is empty for one that is no audio. Null when it is not known.
-    const std::optional<Track>* Find(const ScannedFile& file);
-    void Put(const ScannedFile& file, std::optional<Track> track);
+    /// What was read of the file: a track, or nothing for one that is no audio. Null when it is not known. It stays
+    /// where it is as long as the cache lives.
+    const TrackPtr* Find(const ScannedFile& file);
+    /// @param track  null for a file that is no audio
+    const TrackPtr* Put(const ScannedFile& file, TrackPtr track);
 
     enum class Unused
     {
@@ -36,7 +37,7 @@ private:
     struct Known
     {
         FileMark mark;
-        std::optional<Track> track;
+        TrackPtr track;
         bool used = false;
     };
 

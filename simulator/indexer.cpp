@@ -32,13 +32,13 @@ std::string ReadAhead(const std::string& name, Reading reading)
     return IsAscii(name) ? std::string() : Pinyin(name, reading);
 }
 
-std::optional<Track> ReadWithReadings(const std::string& file)
+TrackPtr ReadWithReadings(const std::string& file)
 {
     auto track = ReadTrack(file);
-    if (track)
-        track->readings = {ReadAhead(track->title, Reading::Words), ReadAhead(track->artist, Reading::Person),
-                           ReadAhead(track->album, Reading::Words), ReadAhead(track->genre, Reading::Words)};
-    return track;
+    if (!track) return nullptr;
+    track->readings = {ReadAhead(track->title, Reading::Words), ReadAhead(track->artist, Reading::Person),
+                       ReadAhead(track->album, Reading::Words), ReadAhead(track->genre, Reading::Words)};
+    return std::make_shared<const Track>(std::move(*track));
 }
 
 // Reads the files that the cache does not know, several at a time.
@@ -60,7 +60,7 @@ public:
         for (std::thread& thread : threads) thread.join();
     }
 
-    std::vector<std::optional<Track>> tracks;  // in the order of the files
+    std::vector<TrackPtr> tracks;  // in the order of the files
 
 private:
     bool Cancelled() const { return m_how.cancelled != nullptr && *m_how.cancelled; }
@@ -101,18 +101,31 @@ std::string WhyNot(const std::string& file)
     return MayRead(file) ? "no audio file" : std::generic_category().message(errno);
 }
 
-void ReadUnknown(const FolderScan& scan, IndexCache& cache, const Indexing& how)
+// What the cache holds of each file, once the unknown ones have been read.
+using Found = std::vector<const TrackPtr*>;
+
+Found ReadUnknown(const FolderScan& scan, IndexCache& cache, const Indexing& how)
 {
+    Found found;
     std::vector<const ScannedFile*> unknown;
     for (const ScannedFile& file : scan.files)
-        if (cache.Find(file) == nullptr) unknown.push_back(&file);
+    {
+        found.push_back(cache.Find(file));
+        if (found.back() == nullptr) unknown.push_back(&file);
+    }
     Readers readers(unknown, scan.files.size() - unknown.size(), how);
     readers.Run();
     const bool cancelled = how.cancelled != nullptr && *how.cancelled;
-    // What cannot be opened now may be readable the next time, without a change of its mark.
-    for (std::size_t i = 0; i < unknown.size(); ++i)
-        if (readers.tracks[i] || (!cancelled && MayRead(unknown[i]->path)))
-            cache.Put(*unknown[i], std::move(readers.tracks[i]));
+    std::size_t at = 0;
+    for (const TrackPtr*& track : found)
+    {
+        if (track != nullptr) continue;
+        const ScannedFile& file = *unknown[at];
+        TrackPtr read = std::move(readers.tracks[at++]);
+        // What cannot be opened now may be readable the next time, without a change of its mark.
+        if (read != nullptr || (!cancelled && MayRead(file.path))) track = cache.Put(file, std::move(read));
+    }
+    return found;
 }
 
 class Assembly
@@ -120,15 +133,13 @@ class Assembly
 public:
     Assembly(const FolderScan& scan, const Indexing& how) : m_scan(scan), m_how(how), m_lists(scan.folders.size()) {}
 
-    void Add(const ScannedFile& file, const Track& read)
+    void Add(const ScannedFile& file, const TrackPtr& read)
     {
-        Track track = read;
         const std::string& cover = m_scan.folders[file.folder].picture;
-        if (!track.hasPicture) track.folderPicture = cover;
-        track.hasPicture = track.hasPicture || !cover.empty();
-        m_library.tracks.push_back(std::make_shared<const Track>(std::move(track)));
-        m_lists[file.folder].push_back(m_library.tracks.back());
-        m_byPath.emplace(file.path, m_library.tracks.back());
+        const TrackPtr track = read->hasPicture || cover.empty() ? read : WithCover(*read, cover);
+        m_library.tracks.push_back(track);
+        m_lists[file.folder].push_back(track);
+        if (!m_scan.playlists.empty()) m_byPath.emplace(file.path, track);
     }
 
     void Skip(const ScannedFile& file) const { m_how.warn("skipped " + file.path + ": " + WhyNot(file.path)); }
@@ -157,6 +168,13 @@ public:
     }
 
 private:
+    static TrackPtr WithCover(Track track, const std::string& cover)
+    {
+        track.folderPicture = cover;
+        track.hasPicture = true;
+        return std::make_shared<const Track>(std::move(track));
+    }
+
     const FolderScan& m_scan;
     const Indexing& m_how;
     Library m_library;
@@ -168,16 +186,15 @@ private:
 
 Library Index(const FolderScan& scan, IndexCache& cache, const Indexing& how)
 {
-    ReadUnknown(scan, cache, how);
+    const Found found = ReadUnknown(scan, cache, how);
     Assembly assembly(scan, how);
     if (how.cancelled != nullptr && *how.cancelled) return assembly.Take();
-    for (const ScannedFile& file : scan.files)
+    for (std::size_t i = 0; i < found.size(); ++i)
     {
-        const std::optional<Track>* const track = cache.Find(file);
-        if (track != nullptr && *track)
-            assembly.Add(file, **track);
+        if (found[i] != nullptr && *found[i] != nullptr)
+            assembly.Add(scan.files[i], *found[i]);
         else
-            assembly.Skip(file);
+            assembly.Skip(scan.files[i]);
     }
     for (const ScannedFile& playlist : scan.playlists) assembly.AddPlaylist(playlist.path);
     return assembly.Take();

@@ -25,7 +25,6 @@ MusicFeed::MusicFeed(Service& service, GMainContext* context, Settings settings)
 MusicFeed::~MusicFeed()
 {
     *m_alive = false;
-    m_watch.reset();
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_stop = true;
@@ -75,7 +74,9 @@ std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFold
     std::map<std::string, std::uint64_t> known;
     for (const DeviceFolder& device : devices)
     {
-        FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, m_settings.warn);
+        // Watched before it is read, so that no change falls in between.
+        FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, m_settings.warn,
+                                     [this](const std::string& folder) { m_watch->Add(folder); });
         const std::uint64_t fingerprint = Fingerprint(scan);
         const auto before = m_known.find(device.path);
         if (before == m_known.end() || before->second != fingerprint) changes.push_back({device, std::move(scan)});

@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
 #include <tuple>
+#include <unordered_set>
 
 #include "index_cache.h"
 #include "indexer.h"
@@ -63,8 +63,8 @@ void Finish(Library& library)
 
 std::string Summarise(const Library& library)
 {
-    std::set<std::string_view> artists;
-    std::set<std::string_view> albums;
+    std::unordered_set<std::string_view> artists;
+    std::unordered_set<std::string_view> albums;
     for (const TrackPtr& track : library.tracks)
     {
         artists.insert(track->artist);
