@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "builtin_library.h"
+#include "requests.h"
 
 namespace ipodsim::events
 {
@@ -100,10 +101,8 @@ void SourceValid(Service& service, bool valid)
 bool PressButton(Service& service, const std::string& button)
 {
     Player& player = service.player;
-    if (button == "play" && player.List().Empty() && service.Browsed() != nullptr)
-        player.PlayList(service.Browsed()->Songs(), 0);
-    else if (button == "play")
-        player.Play();
+    if (button == "play")
+        requests::Play(service, IPOD_PLAY_START);
     else if (button == "pause")
         player.Pause();
     else if (button == "stop")

@@ -85,6 +85,17 @@ private:
 };
 }  // namespace
 
+Place PlaceAt(std::string_view text, std::size_t byte)
+{
+    Place place;
+    for (const char c : text.substr(0, byte))
+    {
+        place.column = c == '\n' ? 1 : place.column + 1;
+        place.line += c == '\n' ? 1 : 0;
+    }
+    return place;
+}
+
 Place PlaceOf(std::string_view json, const std::vector<std::string>& path)
 {
     Walker walker(json);
@@ -94,12 +105,6 @@ Place PlaceOf(std::string_view json, const std::vector<std::string>& path)
         if (!walker.Enter(step)) break;
         at = walker.At();
     }
-    Place place;
-    for (const char c : json.substr(0, at))
-    {
-        place.column = c == '\n' ? 1 : place.column + 1;
-        place.line += c == '\n' ? 1 : 0;
-    }
-    return place;
+    return PlaceAt(json, at);
 }
 }  // namespace ipodsim

@@ -2,6 +2,7 @@
 /// Where in a JSON text a value stands.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,9 @@ struct Place
     unsigned line = 1;
     unsigned column = 1;
 };
+
+/// The place of a byte of a text.
+Place PlaceAt(std::string_view text, std::size_t byte);
 
 /// The place of a value. @p path names members and, as numbers, elements from the root on. Where a member is missing it
 /// is the place of the object that should have it.

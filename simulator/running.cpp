@@ -1,5 +1,6 @@
 #include "running.h"
 
+#include <exception>
 #include <utility>
 
 #include "builtin_library.h"
@@ -53,7 +54,15 @@ Running::Running(const Options& options, GMainContext* context)
     else
         m_feed = std::make_unique<MusicFeed>(m_service, context, FeedOf(options));
     m_indexed = m_feed == nullptr;
-    Appear();
+    try
+    {
+        Appear();
+    }
+    catch (const std::exception&)
+    {
+        Disappear();
+        throw;
+    }
 }
 
 Running::~Running()

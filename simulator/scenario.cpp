@@ -20,6 +20,19 @@ std::string ForPeople(const std::string& message)
     return text;
 }
 
+std::string InWords(const Place& place)
+{
+    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ": ";
+}
+
+// Its message quotes the number, and does not say where it stands.
+std::string NumberTooLarge(const std::string& text, const std::string& message)
+{
+    const std::size_t begin = message.find('\'') + 1;
+    const std::string number = message.substr(begin, message.rfind('\'') - begin);
+    return InWords(PlaceAt(text, text.find(number))) + "expected a number that can be stored, not " + number;
+}
+
 nlohmann::json Parse(const std::string& text)
 {
     try
@@ -29,6 +42,10 @@ nlohmann::json Parse(const std::string& text)
     catch (const nlohmann::json::parse_error& error)
     {
         throw std::runtime_error(ForPeople(error.what()));
+    }
+    catch (const nlohmann::json::out_of_range& error)
+    {
+        throw std::runtime_error(NumberTooLarge(text, error.what()));
     }
 }
 
@@ -82,9 +99,7 @@ Scenario ParseScenario(const std::string& json)
     }
     catch (const Misfit& misfit)
     {
-        const Place place = PlaceOf(json, misfit.path());
-        throw std::runtime_error("line " + std::to_string(place.line) + ", column " + std::to_string(place.column) +
-                                 ": " + misfit.what());
+        throw std::runtime_error(InWords(PlaceOf(json, misfit.path())) + misfit.what());
     }
 }
 

@@ -23,7 +23,8 @@ void WriteToStandardError(const std::string& line)
 Options WithDefaults(Options options)
 {
     if (!options.warn) options.warn = WriteToStandardError;
-    if (!(options.speed > 0) || !std::isfinite(options.speed)) throw std::runtime_error("speed: expected a number above 0");
+    if (!(options.speed > 0) || !std::isfinite(options.speed))
+        throw std::runtime_error("speed: expected a number above 0");
     return options;
 }
 

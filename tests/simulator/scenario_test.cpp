@@ -82,6 +82,21 @@ TEST(Scenario, ThatIsNoJsonIsToldWithItsPlace)
     EXPECT_EQ(ComplaintAbout("{\"title\": \"\xFF\"}").rfind("line 1, column 12: ", 0), 0U);
 }
 
+TEST(Scenario, WithANumberThatIsTooLargeIsToldWithItsPlace)
+{
+    EXPECT_EQ(ComplaintAbout("{\"steps\": [\n  {\"time\": 1e999}]}"),
+              "line 2, column 12: expected a number that can be stored, not 1e999");
+}
+
+TEST(Scenario, ThatIsNestedDeeplyIsToldWithItsPlace)
+{
+    const std::string deep(100000, '[');
+
+    EXPECT_EQ(ComplaintAbout("{\"steps\": " + deep + std::string(deep.size(), ']') + "}")
+                  .rfind("line 1, column 12: expected an object with time", 0),
+              0U);
+}
+
 TEST(Scenario, ThatDoesNotFitIsToldWithPlaceAndWhatWasExpected)
 {
     EXPECT_EQ(ComplaintAbout("[]"),
