@@ -26,7 +26,8 @@ Agenda::~Agenda()
 void Agenda::After(double milliseconds, std::function<void()> work)
 {
     constexpr double kLongestMs = 15.0 * 24 * 3600 * 1000;
-    GSource* const source = g_timeout_source_new(static_cast<guint>(std::clamp(milliseconds, 0.0, kLongestMs)));
+    GSource* const source =
+        g_timeout_source_new(static_cast<guint>(milliseconds > 0 ? std::min(milliseconds, kLongestMs) : 0));
     auto item = std::make_unique<Item>(Item{*this, std::move(work), source});
     g_source_set_callback(source, OnTime, item.get(), nullptr);
     g_source_attach(source, m_context);

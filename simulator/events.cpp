@@ -17,6 +17,17 @@ std::string NewUuid()
     return uuid.get();
 }
 
+// @param seconds  from now, when it happens
+void EnterState(ipod::iPodPhoneCall& call, ipod::PhoneCallStatus status, double seconds)
+{
+    call.set_status(status);
+    if (status == ipod::PHONE_CALL_STATUS_ACTIVE && !call.has_start_timestamp())
+        call.set_start_timestamp(
+            static_cast<std::uint64_t>(std::llround(static_cast<double>(g_get_real_time()) / 1e6 + seconds)));
+    if (status == ipod::PHONE_CALL_STATUS_DISCONNECTED && !call.has_disconnect_reason())
+        call.set_disconnect_reason(ipod::CALL_STATE_DISCONNECT_REASON_ENDED);
+}
+
 template <class Take>
 bool Detach(Service& service, Take take)
 {
@@ -40,12 +51,7 @@ void CallSequence(Service& service, const ipod::iPodPhoneCall& call, const std::
     double at = 0;
     for (const CallStep& step : steps)
     {
-        known.set_status(step.status);
-        if (step.status == ipod::PHONE_CALL_STATUS_ACTIVE && !known.has_start_timestamp())
-            known.set_start_timestamp(
-                static_cast<std::uint64_t>(g_get_real_time() / G_USEC_PER_SEC + std::llround(at)));
-        if (step.status == ipod::PHONE_CALL_STATUS_DISCONNECTED && !known.has_disconnect_reason())
-            known.set_disconnect_reason(ipod::CALL_STATE_DISCONNECT_REASON_ENDED);
+        EnterState(known, step.status, service.RealSeconds(at));
         if (at > 0)
             service.AfterSeconds(at, [&service, known] { PhoneCall(service, known); });
         else

@@ -37,7 +37,7 @@ void Service::Crash(const Fault& fault)
 
 void Service::AfterSeconds(double seconds, std::function<void()> work)
 {
-    agenda.After(seconds * 1000 / m_settings.speed, std::move(work));
+    agenda.After(RealSeconds(seconds) * 1000, std::move(work));
 }
 
 void Service::Reset()

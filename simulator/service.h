@@ -77,6 +77,8 @@ public:
     bool MayCrash() const { return static_cast<bool>(m_settings.crash); }
     void Restart(unsigned times) { m_settings.restart(times); }
 
+    /// What a time of the track's clock takes.
+    double RealSeconds(double seconds) const { return seconds / m_settings.speed; }
     /// Does work after so much time of the track's clock.
     void AfterSeconds(double seconds, std::function<void()> work);
 
