@@ -15,5 +15,6 @@ std::vector<Verb> DeviceVerbs();     ///< devices, carplay, carlife, button, hub
 std::vector<Verb> ArtVerbs();        ///< art
 std::vector<Verb> EventVerbs();      ///< events
 std::vector<Verb> EapVerbs();        ///< eap
+std::vector<Verb> SimVerbs();        ///< sim
 std::vector<Verb> DoctorVerbs();     ///< doctor
 }  // namespace ctl

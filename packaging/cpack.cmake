@@ -48,6 +48,8 @@ bus and through shared memory.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.40), libprotobuf-dev (>= 3.6), libexpected-dev")
+# What only those need who put the simulated service into a test.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libicu-dev, libpng-dev, libtag1-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
 Headers, pkg-config and CMake files, and the description of the bus interface

@@ -58,6 +58,13 @@ if(TARGET ipodctl)
 endif()
 if(TARGET ipod-simulator)
   install_manual(ipod-simulator.1 tools)
+  set(completions "${PACKAGING}/completions")
+  install(FILES "${completions}/ipod-simulator.bash" RENAME ipod-simulator
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" COMPONENT tools)
+  install(FILES "${completions}/_ipod-simulator" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions"
+    COMPONENT tools)
+  install(FILES "${completions}/ipod-simulator.fish" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d"
+    COMPONENT tools)
   # Examples only: a machine with a real service must not start the simulator in its place.
   install(FILES
     "${PACKAGING}/service/com.zarn.linux.ipod.service"

@@ -4,13 +4,12 @@
 
 #include <gio/gio.h>
 
-#include <exception>
 #include <string>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "service.h"
+#include "serve.h"
 
 namespace ipodsim
 {
@@ -23,16 +22,27 @@ struct MethodRow
 
 namespace answer
 {
-inline gboolean ToWire(bool value)
+inline GVariant* ToVariant(bool value)
 {
-    return value ? TRUE : FALSE;
+    return g_variant_new_boolean(value ? TRUE : FALSE);
 }
-inline const gchar* ToWire(const std::string& value)
+inline GVariant* ToVariant(guchar value)
 {
-    return value.c_str();
+    return g_variant_new_byte(value);
 }
-template <class Value>
-Value ToWire(Value value)
+inline GVariant* ToVariant(guint16 value)
+{
+    return g_variant_new_uint16(value);
+}
+inline GVariant* ToVariant(gint value)
+{
+    return g_variant_new_int32(value);
+}
+inline GVariant* ToVariant(const std::string& value)
+{
+    return g_variant_new_string(value.c_str());
+}
+inline GVariant* ToVariant(GVariant* value)
 {
     return value;
 }
@@ -47,6 +57,28 @@ std::tuple<Values...> ToTuple(std::tuple<Values...> values)
 {
     return values;
 }
+
+template <class... Values>
+GVariant* ToBody(const Values&... values)
+{
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
+    (g_variant_builder_add_value(&builder, ToVariant(values)), ...);
+    return g_variant_builder_end(&builder);
+}
+
+// What the generated function that replies would take for a value.
+template <class Value>
+using Generated = std::conditional_t<std::is_same_v<Value, std::string>, const gchar*,
+                                     std::conditional_t<std::is_same_v<Value, bool>, gboolean, Value>>;
+
+template <class Object, class Complete, class Tuple>
+struct Fits;
+template <class Object, class Complete, class... Values>
+struct Fits<Object, Complete, std::tuple<Values...>>
+    : std::is_same<Complete, void (*)(Object*, GDBusMethodInvocation*, Generated<Values>...)>
+{
+};
 
 template <auto handler, class... In>
 auto Run(Service& service, In... in)
@@ -65,28 +97,25 @@ auto Run(Service& service, In... in)
 template <auto complete, auto handler, class Object, class... In>
 struct Bound
 {
-    // No exception may pass through GLib: it becomes an error reply.
-    static gboolean Call(Object* object, GDBusMethodInvocation* invocation, In... in, gpointer self)
+    using Out = decltype(Run<handler>(std::declval<Service&>(), std::declval<In>()...));
+    static_assert(Fits<Object, decltype(complete), Out>::value, "the handler's result is what the method answers");
+
+    static gboolean Call(Object*, GDBusMethodInvocation* invocation, In... in, gpointer self)
     {
         Service& service = *static_cast<Service*>(self);
-        service.LogRequest(invocation);
-        try
-        {
-            const auto out = Run<handler>(service, in...);
-            std::apply([&](const auto&... values) { complete(object, invocation, ToWire(values)...); }, out);
-        }
-        catch (const std::exception& error)
-        {
-            g_dbus_method_invocation_return_dbus_error(invocation, "com.zarn.linux.ipod.Error.Failed", error.what());
-        }
+        Serve(service, invocation,
+              [&] {
+                  return std::apply([](const auto&... values) { return ToBody(values...); },
+                                    Run<handler>(service, in...));
+              });
         return TRUE;
     }
 };
 }  // namespace answer
 
 /// Binds a method to @p handler, a function that takes the service and the in-arguments and returns the out-argument,
-/// a tuple of them, or nothing. @p complete is the generated function that replies. Argument types that differ from
-/// the interface's do not compile.
+/// a tuple of them, or nothing. @p complete is the generated function that would reply: it stands here for the types of
+/// the out-arguments. Types that differ from the interface's do not compile.
 template <auto complete, auto handler, class Interface, class Object, class... In>
 MethodRow Method(const char* signal, gboolean (*Interface::*)(Object*, GDBusMethodInvocation*, In...))
 {

@@ -46,7 +46,7 @@ Bus::Bus() : m_connection(Connect()) {}
 Bus::~Bus()
 {
     g_signal_handlers_disconnect_by_data(Connection(), this);
-    g_dbus_connection_flush_sync(Connection(), nullptr, nullptr);
+    Flush();
     g_dbus_connection_close_sync(Connection(), nullptr, nullptr);
 }
 
@@ -68,8 +68,26 @@ void Bus::Own(const char* name) const
     g_variant_get(reply, "(u)", &outcome);
     g_variant_unref(reply);
     if (outcome != kPrimaryOwner)
-        throw std::runtime_error(std::string("the bus name ") + name +
-                                 " has an owner already: another service or simulator is running");
+        throw std::runtime_error("another simulator or service is running on this bus: " + OwnerOf(name) + " owns " +
+                                 name);
+}
+
+std::string Bus::OwnerOf(const char* name) const
+{
+    GVariant* const reply =
+        g_dbus_connection_call_sync(Connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                    "org.freedesktop.DBus", "GetConnectionUnixProcessID", g_variant_new("(s)", name),
+                                    G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+    if (reply == nullptr) return "somebody";
+    guint32 process = 0;
+    g_variant_get(reply, "(u)", &process);
+    g_variant_unref(reply);
+    return "process " + std::to_string(process);
+}
+
+void Bus::Flush() const
+{
+    g_dbus_connection_flush_sync(Connection(), nullptr, nullptr);
 }
 
 void Bus::OnLost(std::function<void()> lost)

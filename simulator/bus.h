@@ -32,12 +32,15 @@ public:
 
     /// @throws std::runtime_error  it cannot be exported
     void Export(GDBusInterfaceSkeleton* skeleton, const char* path) const;
-    /// @throws std::runtime_error  somebody else owns it
+    /// @throws std::runtime_error  somebody else owns it; the message says which process
     void Own(const char* name) const;
+    /// Returns when everything that was sent has left.
+    void Flush() const;
     /// @p lost is called when the bus goes away.
     void OnLost(std::function<void()> lost);
 
 private:
+    std::string OwnerOf(const char* name) const;
     static void Closed(GDBusConnection*, gboolean, GError*, gpointer self);
 
     ObjectPtr<GDBusConnection> m_connection;

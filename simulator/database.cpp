@@ -5,6 +5,8 @@
 #include <tuple>
 #include <utility>
 
+#include "pinyin.h"
+
 namespace ipodsim
 {
 namespace
@@ -24,22 +26,34 @@ const std::string& KeyOf(const Track& track, Grouping grouping)
     }
 }
 
-Reading ReadingOf(Grouping grouping)
+const std::string& ReadAhead(const Track& track, Grouping grouping)
 {
-    return grouping == Grouping::Artist ? Reading::Person : Reading::Words;
+    switch (grouping)
+    {
+        case Grouping::Artist:
+            return track.readings.artist;
+        case Grouping::Album:
+            return track.readings.album;
+        case Grouping::Genre:
+            return track.readings.genre;
+        default:
+            return track.readings.title;
+    }
+}
+
+std::string ReadingOf(const Track& track, Grouping grouping)
+{
+    const std::string& ahead = ReadAhead(track, grouping);
+    if (!ahead.empty()) return ahead;
+    return Pinyin(KeyOf(track, grouping), grouping == Grouping::Artist ? Reading::Person : Reading::Words);
 }
 
 // Chinese names stand among the Latin ones by their pinyin, as people look for them.
-void SortByReading(std::vector<Entry>& entries, Reading reading)
+void SortByReading(std::vector<Entry>& entries)
 {
-    std::vector<std::pair<std::string, Entry>> keyed;
-    keyed.reserve(entries.size());
-    for (Entry& entry : entries) keyed.emplace_back(Pinyin(entry.name, reading), std::move(entry));
-    std::stable_sort(keyed.begin(), keyed.end(),
-                     [](const auto& a, const auto& b)
-                     { return std::tie(a.first, a.second.name) < std::tie(b.first, b.second.name); });
-    entries.clear();
-    for (auto& [key, entry] : keyed) entries.push_back(std::move(entry));
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const Entry& a, const Entry& b)
+                     { return std::tie(a.reading, a.name) < std::tie(b.reading, b.name); });
 }
 
 std::vector<Entry> Group(const TrackList& tracks, Grouping grouping, const std::vector<Grouping>& below)
@@ -48,7 +62,11 @@ std::vector<Entry> Group(const TrackList& tracks, Grouping grouping, const std::
     for (const TrackPtr& track : tracks) groups[KeyOf(*track, grouping)].push_back(track);
     std::vector<Entry> entries;
     entries.reserve(groups.size());
-    for (auto& [name, members] : groups) entries.push_back({name, std::move(members), below});
+    for (auto& [name, members] : groups)
+    {
+        std::string reading = ReadingOf(*members.front(), grouping);
+        entries.push_back({name, std::move(reading), std::move(members), below});
+    }
     return entries;
 }
 
@@ -56,7 +74,8 @@ std::vector<Entry> SongsOf(const TrackList& tracks)
 {
     std::vector<Entry> entries;
     entries.reserve(tracks.size());
-    for (const TrackPtr& track : tracks) entries.push_back({track->title, {track}, {}});
+    for (const TrackPtr& track : tracks)
+        entries.push_back({track->title, ReadingOf(*track, Grouping::Song), {track}, {}});
     return entries;
 }
 
@@ -64,7 +83,7 @@ std::vector<Entry> PlaylistsOf(const Library& library)
 {
     std::vector<Entry> entries;
     for (const Playlist& playlist : library.playlists)
-        entries.push_back({playlist.name, playlist.tracks, {Grouping::Song}});
+        entries.push_back({playlist.name, Pinyin(playlist.name, Reading::Words), playlist.tracks, {Grouping::Song}});
     return entries;
 }
 
@@ -85,11 +104,11 @@ Database::Database(Library library) : m_library(std::move(library))
 Level Database::MakeRoot() const
 {
     const TrackList& all = m_library.tracks;
-    return {{{"Playlists", all, {Grouping::Playlist}},
-             {"Artists", all, {Grouping::Artist, Grouping::Album, Grouping::Song}},
-             {"Albums", all, {Grouping::Album, Grouping::Song}},
-             {"Genres", all, {Grouping::Genre, Grouping::Artist, Grouping::Album, Grouping::Song}},
-             {"Songs", all, {Grouping::Song}}}};
+    return {{{"Playlists", "playlists", all, {Grouping::Playlist}},
+             {"Artists", "artists", all, {Grouping::Artist, Grouping::Album, Grouping::Song}},
+             {"Albums", "albums", all, {Grouping::Album, Grouping::Song}},
+             {"Genres", "genres", all, {Grouping::Genre, Grouping::Artist, Grouping::Album, Grouping::Song}},
+             {"Songs", "songs", all, {Grouping::Song}}}};
 }
 
 Level Database::MakeLevel(const Entry& parent) const
@@ -98,7 +117,6 @@ Level Database::MakeLevel(const Entry& parent) const
     const std::vector<Grouping> below(parent.below.begin() + 1, parent.below.end());
     Level level;
     level.folder = grouping != Grouping::Song;
-    level.reading = ReadingOf(grouping);
     if (grouping == Grouping::Playlist)
         level.entries = PlaylistsOf(m_library);
     else if (grouping == Grouping::Song)
@@ -108,7 +126,7 @@ Level Database::MakeLevel(const Entry& parent) const
     if (grouping == Grouping::Album)
         for (Entry& album : level.entries) album.tracks = ByNumber(std::move(album.tracks));
     // Songs of an album or a playlist have an order of their own.
-    if (level.folder ? grouping != Grouping::Playlist : AtRoot()) SortByReading(level.entries, level.reading);
+    if (level.folder ? grouping != Grouping::Playlist : AtRoot()) SortByReading(level.entries);
     return level;
 }
 
@@ -137,6 +155,12 @@ bool Database::EnterChild(int index)
     if (entry == nullptr || entry->below.empty()) return false;
     m_path.push_back(MakeLevel(*entry));
     return true;
+}
+
+void Database::Replace(Library library)
+{
+    m_library = std::move(library);
+    m_path.assign(1, MakeRoot());
 }
 
 std::optional<Selection> Database::Select(int index) const

@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "pinyin.h"
 #include "track.h"
 
 namespace ipodsim
@@ -31,6 +30,7 @@ enum class Grouping
 struct Entry
 {
     std::string name;
+    std::string reading;  ///< in Latin letters
     TrackList tracks;
     std::vector<Grouping> below;
 };
@@ -39,7 +39,6 @@ struct Level
 {
     std::vector<Entry> entries;
     bool folder = true;  ///< its entries are levels, not songs
-    Reading reading = Reading::Words;
 };
 
 /// What to play, and where in it to start.
@@ -67,6 +66,9 @@ public:
 
     /// A song with all its neighbours, or everything below a folder. Empty when there is no such entry.
     std::optional<Selection> Select(int index) const;
+
+    /// Another state of the same medium. Stands at its root.
+    void Replace(Library library);
 
     /// Every song there is.
     const TrackList& Songs() const { return m_library.tracks; }

@@ -21,6 +21,9 @@ public:
     bool Close(std::uint16_t session) { return m_open.erase(session) != 0; }
     bool IsOpen(std::uint16_t session) const { return m_open.count(session) != 0; }
 
+    /// The number that was given out last; 0 when none was.
+    std::uint16_t Last() const { return m_last; }
+
 private:
     bool m_announced = false;
     std::uint16_t m_last = 0;

@@ -1,4 +1,4 @@
-// ipod-simulator: the simulated iPod service on the session bus, and the command that tells it what shall happen.
+// ipod-simulator: the simulated iPod service on the session bus.
 #include <glib-unix.h>
 #include <ipodsim.h>
 
@@ -6,68 +6,159 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
-#include "tell.h"
+#include "faults.h"
+#include "printable.h"
+#include "progress_bar.h"
+#include "scenario.h"
 
 namespace
 {
-gboolean End(gpointer ended)
+struct Arguments
 {
-    *static_cast<std::atomic<bool>*>(ended) = true;
+    ipodsim::Options options;
+    bool noCache = false;
+    bool verbose = false;
+    std::string scenarioFile;
+    std::vector<std::string> faults;
+};
+
+// What was said to the process from outside its main loop.
+struct Wishes
+{
+    std::atomic<bool> end{false};
+    std::atomic<bool> busLost{false};
+};
+
+gboolean End(gpointer wishes)
+{
+    static_cast<Wishes*>(wishes)->end = true;
     g_main_context_wakeup(nullptr);
     return G_SOURCE_CONTINUE;
 }
 
-void WriteLine(std::FILE* out, const std::string& line)
+// A reader that has gone is no reason to end.
+void Say(const std::string& line)
 {
-    std::fprintf(out, "%s\n", line.c_str());
-    std::fflush(out);
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+std::string ReadScenario(const std::string& name)
+{
+    std::ifstream in(name, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    if (!in || in.bad()) throw std::runtime_error(name + ": cannot be read");
+    try
+    {
+        ipodsim::ParseScenario(text);
+    }
+    catch (const std::runtime_error& error)
+    {
+        throw std::runtime_error(name + ": " + error.what());
+    }
+    return text;
+}
+
+void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, Wishes& wishes, bool verbose)
+{
+    options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + ipodsim::Printable(line)); };
+    options.progress = [&bar](std::size_t done, std::size_t all) { bar.Show(done, all); };
+    options.scenarioEnded = [](const std::string& title) { Say("scenario ended: " + ipodsim::Printable(title)); };
+    options.busLost = [&wishes]
+    {
+        wishes.busLost = true;
+        End(&wishes);
+    };
+    if (verbose) options.logRequest = [&bar](const std::string& line) { bar.WriteLine(ipodsim::Printable(line)); };
+}
+
+// Looks for the end now and then: reading ends on another thread.
+bool WaitUntilIndexed(const ipodsim::Simulator& simulator, const Wishes& wishes)
+{
+    constexpr guint kLookEveryMs = 20;
+    const guint timer = g_timeout_add(
+        kLookEveryMs, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    while (!wishes.end && !simulator.Indexed()) g_main_context_iteration(nullptr, TRUE);
+    g_source_remove(timer);
+    return !wishes.end;
+}
+
+void Run(ipodsim::Simulator& simulator, const Arguments& arguments, const std::string& scenario, const Wishes& wishes,
+         ipodsim::ProgressBar& bar)
+{
+    for (const std::string& fault : arguments.faults) simulator.Fault(fault);
+    if (!WaitUntilIndexed(simulator, wishes)) return;
+    bar.Clear();
+    Say("ready: " + simulator.Summary() + " on " + ipodsim::kServiceName);
+    if (!scenario.empty()) simulator.RunScenario(scenario);
+    while (!wishes.end) g_main_context_iteration(nullptr, TRUE);
 }
 
 // Until the user ends it or the bus goes away, which is a failure.
-void Serve(ipodsim::Options options, bool verbose)
+void Serve(Arguments arguments)
 {
-    // Flags rather than a loop, which would forget that it was told to quit before it ran.
-    std::atomic<bool> ended{false};
-    std::atomic<bool> busLost{false};
-    g_unix_signal_add(SIGINT, End, &ended);
-    g_unix_signal_add(SIGTERM, End, &ended);
-    options.busLost = [&]
-    {
-        busLost = true;
-        End(&ended);
-    };
-    if (verbose) options.logRequest = [](const std::string& line) { WriteLine(stderr, line); };
-    const ipodsim::Simulator simulator(std::move(options));
-    WriteLine(stdout, "ready: " + simulator.Summary() + " on " + ipodsim::kServiceName);
-    while (!ended) g_main_context_iteration(nullptr, TRUE);
-    if (busLost) throw std::runtime_error("the session bus went away");
+    Wishes wishes;
+    g_unix_signal_add(SIGINT, End, &wishes);
+    g_unix_signal_add(SIGTERM, End, &wishes);
+    g_unix_signal_add(SIGHUP, End, &wishes);
+    std::signal(SIGPIPE, SIG_IGN);
+    ipodsim::ProgressBar bar;
+    SetCallbacks(arguments.options, bar, wishes, arguments.verbose);
+    arguments.options.mayCrash = true;
+    arguments.options.waitForIndex = false;
+    if (!arguments.noCache) arguments.options.cacheFolder = std::string(g_get_user_cache_dir()) + "/ipod-simulator";
+    for (const std::string& fault : arguments.faults) ipodsim::ParseFault(fault);
+    const std::string scenario = arguments.scenarioFile.empty() ? "" : ReadScenario(arguments.scenarioFile);
+    ipodsim::Simulator simulator(arguments.options);
+    Run(simulator, arguments, scenario, wishes, bar);
+    if (wishes.busLost) throw std::runtime_error("the session bus went away");
+}
+
+void AddOptions(CLI::App& app, Arguments& arguments)
+{
+    ipodsim::Options& options = arguments.options;
+    app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
+    app.add_option("folder", options.musicFolder,
+                   "Folder with music, whose sub-folders are devices; without it one device with a small built-in "
+                   "library");
+    app.add_flag("--one-device", options.oneDevice, "Everything below the folder belongs to one device");
+    app.add_option("--name", options.deviceName, "Name of the device with the folder's own files")
+        ->capture_default_str();
+    app.add_flag("--no-cache", arguments.noCache, "Read every file, and keep nothing of what was read");
+    app.add_option("--speed", options.speed, "Factor of the clock, above 0")->capture_default_str();
+    app.add_option("--seed", options.seed, "Seed of shuffled orders")->capture_default_str();
+    app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves");
+    app.add_option("--fault", arguments.faults,
+                   "What goes wrong, as KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
+        ->allow_extra_args(false);
+    app.add_flag("--verbose", arguments.verbose, "Write a line for each request and its answer");
+    app.footer(
+        "Examples:\n"
+        "  ipod-simulator ~/Devices\n"
+        "  ipod-simulator --one-device ~/Music\n"
+        "  ipod-simulator --speed 10 --scenario drive.json\n"
+        "  ipod-simulator --fault delay=500@GetPlayStatus/3 --fault no-reply@Next\n"
+        "\n"
+        "Ask the one that runs for events with ipodctl sim.");
 }
 }  // namespace
 
 int main(int argc, char** argv)
 {
     CLI::App app("Simulated iPod service on the session bus", "ipod-simulator");
-    ipodsim::Options options;
-    bool verbose = false;
-    app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
-    app.add_option("folder", options.musicFolder, "Folder with music; without it a small built-in library is used");
-    app.add_option("--name", options.deviceName, "Name of the device")->capture_default_str();
-    app.add_option("--speed", options.speed, "Factor of the clock, above 0")->capture_default_str();
-    app.add_option("--seed", options.seed, "Seed of shuffled orders")->capture_default_str();
-    app.add_flag("--verbose", verbose, "Write a line for each request");
-    app.footer(
-        "Examples:\n"
-        "  ipod-simulator ~/Music\n"
-        "  ipod-simulator --speed 10 --verbose\n"
-        "  ipod-simulator tell call --status ringing --name \"Li Lei\" --number 123");
-    ipodsim::AddTell(app);
+    Arguments arguments;
+    AddOptions(app, arguments);
     try
     {
         app.parse(argc, argv);
-        if (app.get_subcommands().empty()) Serve(std::move(options), verbose);
+        Serve(std::move(arguments));
         return 0;
     }
     catch (const CLI::ParseError& error)
@@ -76,7 +167,7 @@ int main(int argc, char** argv)
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "ipod-simulator: %s\n", error.what());
+        std::fprintf(stderr, "ipod-simulator: %s\n", ipodsim::Printable(error.what()).c_str());
         return 1;
     }
 }

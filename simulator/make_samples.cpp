@@ -11,11 +11,17 @@ int main(int argc, char** argv)
     std::string folder;
     app.set_version_flag("--version", "ipod-make-samples " IPOD_VERSION);
     app.add_option("folder", folder, "Folder to write to; it is made when it is missing")->required();
-    app.footer("Example:\n  ipod-make-samples /tmp/music && ipod-simulator /tmp/music");
+    int count = 0;
+    app.add_option("--count", count, "Write so many files of one second instead, to measure with")
+        ->check(CLI::Range(1, 1000000));
+    app.footer(
+        "Examples:\n  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"
+        "  ipod-make-samples --count 50000 /tmp/many");
     CLI11_PARSE(app, argc, argv);
     try
     {
-        std::printf("%d files in %s\n", ipodsim::MakeSamples(folder), folder.c_str());
+        std::printf("%d files in %s\n",
+                    count > 0 ? ipodsim::MakeManySamples(folder, count) : ipodsim::MakeSamples(folder), folder.c_str());
         return 0;
     }
     catch (const std::exception& error)

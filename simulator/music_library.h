@@ -2,23 +2,26 @@
 /// A music library read from a folder.
 #pragma once
 
-#include <functional>
 #include <string>
 
+#include "folder_scan.h"
 #include "track.h"
 
 namespace ipodsim
 {
-/// Receives one line about something that was left out.
-using Warn = std::function<void(const std::string&)>;
-
-/// Reads all audio files below @p folder; a sub-folder is read once however many links lead to it, and becomes a
-/// playlist when there is music in it; "All songs" is the first. Files that are no audio or cannot be read are left out
-/// with a warning each.
+/// Reads all audio files below @p folder. Its playlists are "All songs", those that lie there as files, and each folder
+/// with music in it. What cannot be read is left out with a warning.
 ///
 /// @throws std::runtime_error  the folder is missing, is none, or cannot be read
 Library ReadFolder(const std::string& folder, const Warn& warn);
 
+/// The folder as an absolute path without links.
+/// @throws std::runtime_error  the folder is missing, is none, or cannot be read
+std::string CheckedFolder(const std::string& folder);
+
 /// Sorts the tracks, and puts the playlist "All songs" first.
 void Finish(Library& library);
+
+/// For example "24 songs, 9 artists, 9 albums".
+std::string Summarise(const Library& library);
 }  // namespace ipodsim

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <fstream>
+#include <iterator>
+#include <string_view>
 
 #include "tag_reader.h"
 
@@ -50,6 +53,18 @@ void ReadPngSize(Picture& picture)
     picture.width = BigEndian(picture.bytes, 16, 4);
     picture.height = BigEndian(picture.bytes, 20, 4);
 }
+// More than any picture that fits into shared memory, so that a larger one is refused there and not cut here.
+constexpr std::size_t kLargestPicture = std::size_t{4} << 20U;
+constexpr std::size_t kSignatureBytes = 32;
+
+Bytes ReadBeginning(const std::string& file, std::size_t most)
+{
+    std::ifstream in(file, std::ios::binary);
+    Bytes bytes(most);
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(most));
+    bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(in.gcount(), 0)));
+    return bytes;
+}
 }  // namespace
 
 Picture MakePicture(Bytes bytes)
@@ -61,10 +76,24 @@ Picture MakePicture(Bytes bytes)
     return picture;
 }
 
+bool IsPicture(const Bytes& bytes)
+{
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const auto begins = [&](std::string_view signature) { return text.substr(0, signature.size()) == signature; };
+    return IsPng(bytes) || IsJpeg(bytes) || begins("GIF8") || begins("BM") ||
+           (begins("RIFF") && text.substr(0, 12).substr(8) == "WEBP");
+}
+
+bool IsPictureFile(const std::string& file)
+{
+    return IsPicture(ReadBeginning(file, kSignatureBytes));
+}
+
 Picture PictureOf(const Track& track)
 {
     if (track.picture != nullptr) return *track.picture;
-    if (!track.hasPicture || track.file.empty()) return {};
+    if (!track.hasPicture) return {};
+    if (!track.folderPicture.empty()) return MakePicture(ReadBeginning(track.folderPicture, kLargestPicture));
     return MakePicture(ReadEmbeddedPicture(track.file));
 }
 }  // namespace ipodsim

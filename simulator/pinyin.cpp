@@ -3,8 +3,9 @@
 #include <unicode/translit.h>
 #include <unicode/unistr.h>
 
-#include <algorithm>
 #include <memory>
+
+#include "text.h"
 
 namespace ipodsim
 {
@@ -62,18 +63,6 @@ const Reader& ReaderFor(Reading reading)
     return reading == Reading::Person ? person : words;
 }
 
-bool IsAscii(const std::string& text)
-{
-    return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-}
-
-std::string ToLower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 std::string SqueezeBlanks(const std::string& text)
 {
     std::string squeezed;
@@ -86,6 +75,6 @@ std::string SqueezeBlanks(const std::string& text)
 
 std::string Pinyin(const std::string& text, Reading reading)
 {
-    return SqueezeBlanks(IsAscii(text) ? ToLower(text) : ReaderFor(reading)(text));
+    return SqueezeBlanks(IsAscii(text) ? ToLowerAscii(text) : ReaderFor(reading)(text));
 }
 }  // namespace ipodsim

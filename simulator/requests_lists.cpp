@@ -37,8 +37,7 @@ bool FillNames(QBXStringPageVector& vector, const Level& level, gint begin, gint
 
 bool FillPinyin(QBXStringPageVector& vector, const Level& level, gint begin, gint end)
 {
-    return FillPage(vector, begin, end, level.entries.size(),
-                    [&](std::size_t i) { return Pinyin(level.entries[i].name, level.reading); });
+    return FillPage(vector, begin, end, level.entries.size(), [&](std::size_t i) { return level.entries[i].reading; });
 }
 
 std::tuple<bool, bool, bool> WithFlags(Service& service, bool filled)

@@ -146,7 +146,7 @@ int MakeSamples(const std::string& folder)
     unsigned number = 0;
     for (const SampleAlbum& album : Albums())
     {
-        MakeAlbum(fs::path(folder) / album.title, album, number++);
+        MakeAlbum(fs::path(folder) / "Desk iPod" / album.title, album, number++);
         count += album.samples.size();
     }
     return static_cast<int>(count);

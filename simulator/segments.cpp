@@ -118,6 +118,11 @@ Segments::Segments()
     eapRead = Find<QBXByteVector>(m_buffers, "VecEapReadBufferShareMemory");
 }
 
+void Segments::WithLock(Lock lock, std::function<void()> work)
+{
+    (lock == Lock::Lists ? m_lists : m_buffers).atomic_func(work);
+}
+
 Bytes Segments::TakeEapWrite() const
 {
     const std::size_t count = eapWrite->size();

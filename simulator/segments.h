@@ -4,6 +4,7 @@
 
 #include <QBXIpodShareMemory.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,14 @@ public:
     QBXByteVector* artworkChange = nullptr;
     QBXByteVector* eapWrite = nullptr;
     QBXByteVector* eapRead = nullptr;
+
+    enum class Lock
+    {
+        Lists,
+        Buffers,
+    };
+    /// Does work while the lock of a segment is held.
+    void WithLock(Lock lock, std::function<void()> work);
 
     /// The bytes that a client left for an accessory session.
     /// @throws std::runtime_error  what the vector says of itself points outside the segment

@@ -1,14 +1,15 @@
 #include "service.h"
 
-#include <memory>
+#include <utility>
 
 namespace ipodsim
 {
 Service::Service(ComZarnLinuxIpod* skeleton, GMainContext* context, const Settings& settings)
     : signals(skeleton, segments, settings.warn),
       player(settings.seed, *this),
-      m_clock(context, settings.speed, [this](int elapsedMs) { player.Advance(elapsedMs); }),
-      m_logRequest(settings.logRequest)
+      agenda(context),
+      m_settings(settings),
+      m_clock(context, settings.speed, [this](int elapsedMs) { player.Advance(elapsedMs); })
 {
 }
 
@@ -18,12 +19,32 @@ Database* Service::Browsed()
     return device == nullptr ? nullptr : &device->database;
 }
 
-void Service::LogRequest(GDBusMethodInvocation* invocation) const
+void Service::LogCall(const LoggedCall& call, bool keep)
 {
-    if (!m_logRequest) return;
-    const std::unique_ptr<char, decltype(&g_free)> arguments(
-        g_variant_print(g_dbus_method_invocation_get_parameters(invocation), FALSE), &g_free);
-    m_logRequest(g_dbus_method_invocation_get_method_name(invocation) + std::string(" ") + arguments.get());
+    if (m_settings.logRequest)
+    {
+        const std::string answer = call.answer == nullptr ? "no answer" : ToShortText(call.answer.get());
+        m_settings.logRequest(call.method + " " + ToShortText(call.arguments.get()) + " -> " +
+                              (call.error.empty() ? "" : call.error + " ") + answer);
+    }
+    if (keep) calls.Add(call);
+}
+
+void Service::Crash(const Fault& fault)
+{
+    if (MayCrash()) m_settings.crash(segments, fault);
+}
+
+void Service::AfterSeconds(double seconds, std::function<void()> work)
+{
+    agenda.After(RealSeconds(seconds) * 1000, std::move(work));
+}
+
+void Service::Reset()
+{
+    player.Clear();
+    eap = EapSessions();
+    unit = UnitState();
 }
 
 void Service::OnTrack()

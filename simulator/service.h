@@ -7,11 +7,15 @@
 #include <ipod_dbus.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 
+#include "agenda.h"
+#include "call_log.h"
 #include "clock.h"
 #include "device_list.h"
 #include "eap_sessions.h"
+#include "faults.h"
 #include "player.h"
 #include "segments.h"
 #include "signals.h"
@@ -39,7 +43,9 @@ public:
         double speed = 1;
         unsigned seed = 0;
         Log warn;
-        Log logRequest;  ///< empty: requests are not logged
+        Log logRequest;                                      ///< empty: requests are not logged
+        std::function<void(Segments&, const Fault&)> crash;  ///< ends the process; empty: it may not be ended
+        std::function<void(unsigned)> restart;               ///< leaves the bus and comes back, so many times
     };
 
     /// @throws std::runtime_error  shared memory cannot be used
@@ -51,11 +57,33 @@ public:
     Player player;
     EapSessions eap;
     UnitState unit;
+    Agenda agenda;
+    CallLog calls;
+    std::shared_ptr<Faults> faults = std::make_shared<Faults>();
 
     /// The database that is browsed; null when no device is attached.
     Database* Browsed();
 
-    void LogRequest(GDBusMethodInvocation* invocation) const;
+    /// Called with the title of a scenario after its last step.
+    std::function<void(const std::string&)> scenarioEnded;
+
+    void Warn(const std::string& line) const { m_settings.warn(line); }
+
+    /// @param keep  whether it belongs into the log of calls
+    void LogCall(const LoggedCall& call, bool keep);
+
+    /// Dies, as a fault wants it. Does nothing but warn where it may not.
+    void Crash(const Fault& fault);
+    bool MayCrash() const { return static_cast<bool>(m_settings.crash); }
+    void Restart(unsigned times) { m_settings.restart(times); }
+
+    /// What a time of the track's clock takes.
+    double RealSeconds(double seconds) const { return seconds / m_settings.speed; }
+    /// Does work after so much time of the track's clock.
+    void AfterSeconds(double seconds, std::function<void()> work);
+
+    /// As after a start: nothing plays, no session is open. The devices stay.
+    void Reset();
 
 private:
     void OnTrack() override;
@@ -65,7 +93,7 @@ private:
     void OnShuffle() override;
     void OnRepeat() override;
 
+    Settings m_settings;
     Clock m_clock;
-    Log m_logRequest;
 };
 }  // namespace ipodsim

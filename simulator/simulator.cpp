@@ -1,25 +1,20 @@
 #include <ipodsim.h>
 
+#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <future>
-#include <set>
 #include <thread>
 #include <utility>
 
-#include "builtin_library.h"
-#include "bus.h"
-#include "control.h"
 #include "events.h"
-#include "music_library.h"
-#include "requests.h"
+#include "running.h"
+#include "scenario.h"
 
 namespace ipodsim
 {
 namespace
 {
-constexpr char kServicePath[] = "/com/zarn/linux/ipod";
-
 void WriteToStandardError(const std::string& line)
 {
     std::fprintf(stderr, "warning: %s\n", line.c_str());
@@ -28,31 +23,9 @@ void WriteToStandardError(const std::string& line)
 Options WithDefaults(Options options)
 {
     if (!options.warn) options.warn = WriteToStandardError;
-    if (!(options.speed > 0)) throw std::runtime_error("speed: expected a number above 0");
+    if (!(options.speed > 0) || !std::isfinite(options.speed))
+        throw std::runtime_error("speed: expected a number above 0");
     return options;
-}
-
-Library Load(const Options& options)
-{
-    return options.musicFolder.empty() ? BuiltinLibrary() : ReadFolder(options.musicFolder, options.warn);
-}
-
-std::string Counted(std::size_t count, const char* noun)
-{
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
-std::string Summarise(const Library& library)
-{
-    std::set<std::string> artists;
-    std::set<std::string> albums;
-    for (const TrackPtr& track : library.tracks)
-    {
-        artists.insert(track->artist);
-        albums.insert(track->album);
-    }
-    return Counted(library.tracks.size(), "song") + ", " + Counted(artists.size(), "artist") + ", " +
-           Counted(albums.size(), "album");
 }
 
 struct ContextUnref
@@ -77,37 +50,13 @@ private:
     GMainContext* m_context;
 };
 
-// Everything that lives on the service's thread, taken down in the opposite order.
-struct Running
+Call ToCall(const LoggedCall& logged)
 {
-    Running(const Options& options, GMainContext* context)
-        : service(skeleton.get(), context, {options.speed, options.seed, options.warn, options.logRequest})
-    {
-        Library library = Load(options);
-        summary = Summarise(library);
-        service.devices.Attach(options.deviceName, std::move(library));
-        AnswerRequests(skeleton.get(), service);
-        AnswerControl(control.get(), service);
-        bus.Export(G_DBUS_INTERFACE_SKELETON(skeleton.get()), kServicePath);
-        bus.Export(G_DBUS_INTERFACE_SKELETON(control.get()), kControlPath);
-        bus.Own(kControlName);
-        bus.Own(kServiceName);
-        bus.OnLost(options.busLost);
-    }
-    ~Running()
-    {
-        g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(skeleton.get()));
-        g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(control.get()));
-    }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-    Bus bus;
-    ObjectPtr<ComZarnLinuxIpod> skeleton{com_zarn_linux_ipod_skeleton_new()};
-    ObjectPtr<ComZarnLinuxIpodSimulator> control{com_zarn_linux_ipod_simulator_skeleton_new()};
-    Service service;
-    std::string summary;
-};
+    Call call{logged.time, logged.sender, logged.method, ToText(logged.arguments.get()), logged.error, {}};
+    if (logged.answer != nullptr) call.answer = ToText(logged.answer.get());
+    if (!call.error.empty()) call.answer = g_variant_get_string(logged.answer.get(), nullptr);
+    return call;
+}
 }  // namespace
 
 class Simulator::Host
@@ -157,17 +106,17 @@ public:
     template <class Event, class... Values>
     auto Ask(Event event, const Values&... values)
     {
-        std::decay_t<decltype(event(m_running->service, values...))> result{};
-        Do([&] { result = event(m_running->service, values...); });
+        std::decay_t<decltype(event(m_running->TheService(), values...))> result{};
+        Do([&] { result = event(m_running->TheService(), values...); });
         return result;
     }
     template <class Event, class... Values>
     void Tell(Event event, const Values&... values)
     {
-        Do([&] { event(m_running->service, values...); });
+        Do([&] { event(m_running->TheService(), values...); });
     }
 
-    const std::string& Summary() const { return m_running->summary; }
+    Running& TheRunning() const { return *m_running; }
 
 private:
     void Live(const Options& options, std::promise<void>& ready)
@@ -176,6 +125,7 @@ private:
         try
         {
             m_running = std::make_unique<Running>(options, m_context.get());
+            while (options.waitForIndex && !m_running->Indexed()) g_main_context_iteration(m_context.get(), TRUE);
         }
         catch (...)
         {
@@ -199,12 +149,26 @@ Simulator::~Simulator() = default;
 
 std::string Simulator::Summary() const
 {
-    return m_host->Summary();
+    std::string summary;
+    m_host->Do([&] { summary = m_host->TheRunning().Summary(); });
+    return summary;
+}
+
+bool Simulator::Indexed() const
+{
+    bool indexed = false;
+    m_host->Do([&] { indexed = m_host->TheRunning().Indexed(); });
+    return indexed;
 }
 
 void Simulator::PhoneCall(const ipod::iPodPhoneCall& call)
 {
     m_host->Tell(events::PhoneCall, call);
+}
+
+void Simulator::CallSequence(const ipod::iPodPhoneCall& call, const std::vector<CallStep>& steps)
+{
+    m_host->Tell(events::CallSequence, call, steps);
 }
 
 void Simulator::Battery(const ipod::iPodBattery& battery)
@@ -247,6 +211,11 @@ void Simulator::SourceValid(bool valid)
     m_host->Tell(events::SourceValid, valid);
 }
 
+bool Simulator::PressButton(const std::string& button)
+{
+    return m_host->Ask(events::PressButton, button);
+}
+
 void Simulator::AttachDevice(const std::string& name)
 {
     m_host->Tell(events::AttachDevice, name);
@@ -270,5 +239,37 @@ bool Simulator::CloseEapSession(std::uint16_t session)
 bool Simulator::SendEapData(std::uint16_t session, const std::vector<unsigned char>& bytes)
 {
     return m_host->Ask(events::SendEapData, session, bytes);
+}
+
+std::vector<Call> Simulator::Calls(const std::string& method) const
+{
+    std::vector<Call> calls;
+    m_host->Tell(
+        [&](const Service& service)
+        {
+            for (const LoggedCall& call : service.calls.Calls())
+                if (method.empty() || call.method == method) calls.push_back(ToCall(call));
+        });
+    return calls;
+}
+
+void Simulator::ClearCalls()
+{
+    m_host->Tell([](Service& service) { service.calls.Clear(); });
+}
+
+void Simulator::Fault(const std::string& fault)
+{
+    m_host->Tell(events::AddFault, ParseFault(fault));
+}
+
+void Simulator::ClearFaults()
+{
+    m_host->Tell(events::ClearFaults);
+}
+
+void Simulator::RunScenario(const std::string& json)
+{
+    m_host->Tell(StartScenario, ParseScenario(json));
 }
 }  // namespace ipodsim

@@ -12,6 +12,7 @@
 
 #include <filesystem>
 
+#include "picture.h"
 #include "text.h"
 
 namespace ipodsim
@@ -83,7 +84,7 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
     track.genre = Text(tag.genre(), "Unknown genre");
     track.number = static_cast<int>(tag.track());
     track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
-    track.hasPicture = !PictureIn(reference.file()).empty();
+    track.hasPicture = IsPicture(PictureIn(reference.file()));
     track.file = file;
     return track;
 }

@@ -2,6 +2,7 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace ipodsim
@@ -42,5 +43,17 @@ std::string CleanName(const std::string& text, const std::string& fallback)
 {
     const std::string trimmed = Trim(text.substr(0, text.find('\0')));
     return CutUtf8(MakeValid(trimmed.empty() ? fallback : trimmed));
+}
+
+std::string ToLowerAscii(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+bool IsAscii(std::string_view text)
+{
+    return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 }  // namespace ipodsim

@@ -16,4 +16,10 @@ std::string CutUtf8(std::string_view text, std::size_t maxBytes = kLongestName);
 
 /// @p text as valid UTF-8, without leading and trailing blanks and cut to a slot; @p fallback when nothing is left.
 std::string CleanName(const std::string& text, const std::string& fallback);
+
+/// The capitals A to Z as small letters, everything else as it is.
+std::string ToLowerAscii(std::string text);
+
+/// Whether there is nothing but ASCII in it.
+bool IsAscii(std::string_view text);
 }  // namespace ipodsim

@@ -20,16 +20,28 @@ struct Picture
     std::uint32_t height = 0;
 };
 
-/// All texts are valid UTF-8 of at most 255 bytes and never empty.
+/// The names of a track in Latin letters. One that is empty has not been read: it is plain ASCII, or the track comes
+/// from a place that does not read ahead.
+struct Readings
+{
+    std::string title;
+    std::string artist;
+    std::string album;
+    std::string genre;
+};
+
+/// All texts but the readings are valid UTF-8 of at most 255 bytes and never empty.
 struct Track
 {
     std::string title;
     std::string artist;
     std::string album;
     std::string genre;
-    int number = 0;    ///< within its album, 0 when unknown
-    int lengthMs = 0;  ///< above 0
-    bool hasPicture = false;
+    int number = 0;             ///< within its album, 0 when unknown
+    int lengthMs = 0;           ///< above 0
+    bool hasPicture = false;    ///< its own, or that of its folder
+    std::string folderPicture;  ///< file with the picture of its folder, for a track without one of its own
+    Readings readings;
     std::string file;                        ///< empty for a track of the built-in library
     std::shared_ptr<const Picture> picture;  ///< of a track without file
 };

@@ -30,6 +30,7 @@ __ipodctl_verb hub 'Set the electrical test mode of the USB hub'
 __ipodctl_verb art 'Write the picture of the playing track to a file'
 __ipodctl_verb events 'Follow all events'
 __ipodctl_verb eap 'Accessory sessions'
+__ipodctl_verb sim 'Let something happen on the simulator'
 __ipodctl_verb doctor 'Say what is wrong, and what to do'
 functions -e __ipodctl_verb
 
@@ -48,3 +49,32 @@ complete -c ipodctl -n '__fish_seen_subcommand_from eap; and not __fish_seen_sub
     -a 'init launch write listen echo'
 complete -c ipodctl -n '__fish_seen_subcommand_from echo' -l protocols -x -d 'Protocols to announce'
 complete -c ipodctl -n '__fish_seen_subcommand_from echo' -l bundle -x -d 'App to launch'
+
+set -l happenings call battery carplay carlife wireless pairing location source app attach detach button eap-open eap-close eap-data calls fault clear-faults scenario
+complete -c ipodctl -n "__fish_seen_subcommand_from sim; and not __fish_seen_subcommand_from $happenings" -a "$happenings"
+function __ipodctl_sim -a event option description
+    complete -c ipodctl -n "__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from $event" -l $option -d $description
+end
+__ipodctl_sim call number 'Number of the other party'
+__ipodctl_sim call name 'Name of the other party'
+__ipodctl_sim call status 'State of the call'
+__ipodctl_sim call direction 'Who called whom'
+__ipodctl_sim call sequence 'States in turn'
+__ipodctl_sim battery level Percent
+__ipodctl_sim battery disabled 'Charging is disabled'
+__ipodctl_sim battery charging 'It is being charged'
+__ipodctl_sim battery charged 'It is full'
+__ipodctl_sim battery discharging 'It is being used'
+__ipodctl_sim carplay serial 'Serial number'
+__ipodctl_sim wireless address 'Bluetooth address'
+__ipodctl_sim pairing hex 'The information, in hexadecimal'
+__ipodctl_sim eap-open protocol 'Index of the protocol'
+__ipodctl_sim eap-data text 'The bytes as text'
+__ipodctl_sim eap-data hex 'The bytes in hexadecimal'
+__ipodctl_sim eap-data file 'File with the bytes'
+__ipodctl_sim calls clear 'Forget all calls'
+functions -e __ipodctl_sim
+complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from carplay carlife' -a 'on off unsupported'
+complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from wireless location source' -a 'on off'
+complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from button' -a 'play pause stop next previous'
+complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from scenario' -F

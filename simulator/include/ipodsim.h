@@ -32,17 +32,46 @@ constexpr char kServiceName[] = "com.zarn.linux.ipod";
 
 struct Options
 {
-    std::string musicFolder;  ///< empty: the built-in library
-    std::string deviceName = "Desk iPod";
-    double speed = 1;   ///< of the clock; above 0
-    unsigned seed = 1;  ///< of shuffled orders; the same seed gives the same orders
+    /// Its sub-folders are devices; empty: one device with the built-in library.
+    std::string musicFolder;
+    std::string deviceName = "Desk iPod";  ///< of the device with the built-in library, or the folder's own files
+    bool oneDevice = false;                ///< everything below the music folder belongs to that device
+    std::string cacheFolder;               ///< where what is read of files is kept; empty: nowhere
+    bool waitForIndex = true;              ///< the constructor returns when all music has been read once
 
-    /// Receives a line about each file or picture that is left out. Empty: written to standard error.
+    double speed = 1;       ///< of the clock; above 0
+    unsigned seed = 1;      ///< of shuffled orders; the same seed gives the same orders
+    bool mayCrash = false;  ///< the faults "crash" and "crash-locked" end this process; otherwise they are refused
+
+    /// Receives a line about each file or picture that is left out. Empty: written to standard error. Called on the
+    /// service's threads.
     std::function<void(const std::string&)> warn;
-    /// Receives a line for each request. Empty: requests are not logged. Called on the service's thread.
+    /// Receives a line for each request and its answer. Empty: requests are not logged. Called on the service's thread.
     std::function<void(const std::string&)> logRequest;
+    /// Receives how many files of how many have been read, now and then. Called on the service's threads.
+    std::function<void(std::size_t done, std::size_t all)> progress;
+    /// Receives the title of a scenario after its last step. Called on the service's thread.
+    std::function<void(const std::string&)> scenarioEnded;
     /// Called on the service's thread when the bus goes away; nothing reaches the service from then on.
     std::function<void()> busLost;
+};
+
+/// What the service was asked, and what it answered. Values are in GLib's text form, for example "(true, 3)".
+struct Call
+{
+    std::int64_t time = 0;  ///< when it came, microseconds since 1970-01-01 UTC
+    std::string sender;     ///< unique bus name of the caller
+    std::string method;     ///< for example "GetPlayStatus"
+    std::string arguments;  ///< a tuple
+    std::string error;      ///< name of the error that was answered; empty when none was
+    std::string answer;     ///< a tuple; with an error its message; empty when nothing was answered
+};
+
+/// A state of a call and how long it lasts.
+struct CallStep
+{
+    ipod::PhoneCallStatus status = ipod::PHONE_CALL_STATUS_DISCONNECTED;
+    double seconds = 0;  ///< until the next step, on the service's clock
 };
 
 class Simulator
@@ -58,13 +87,18 @@ public:
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
-    /// For example "24 songs, 9 artists, 9 albums".
+    /// For example "24 songs, 9 artists, 9 albums": what all devices hold now.
     std::string Summary() const;
+    /// Whether all music has been read once.
+    bool Indexed() const;
 
     /// @name Events
     /// Each makes the service emit the signal of the like name. A status is a number of the enumerations of
     /// QBXIpodTypes.h. @{
     void PhoneCall(const ipod::iPodPhoneCall& call);
+    /// The event again for each step; returns after the first. An identifier, the start and the reason of the end are
+    /// filled in where the call has none.
+    void CallSequence(const ipod::iPodPhoneCall& call, const std::vector<CallStep>& steps);
     void Battery(const ipod::iPodBattery& battery);
     void Carplay(int status, const std::string& serialNumber);
     void Carlife(int status);
@@ -73,6 +107,8 @@ public:
     void Location(int status);
     void ForegroundApp(const std::string& bundleName);
     void SourceValid(bool valid);
+    /// A button of the device itself: play, pause, stop, next, previous; false when it is none of them.
+    bool PressButton(const std::string& button);
     /// The new device holds the built-in library.
     void AttachDevice(const std::string& name);
     /// False when there is none of that name.
@@ -84,6 +120,24 @@ public:
     /// False when the session is not open or the bytes do not fit into shared memory.
     bool SendEapData(std::uint16_t session, const std::vector<unsigned char>& bytes);
     /// @}
+
+    /// @name What it was asked @{
+    /// The last ten thousand calls of a method, or of all, the oldest first.
+    std::vector<Call> Calls(const std::string& method = {}) const;
+    void ClearCalls();
+    /// @}
+
+    /// @name What goes wrong @{
+    /// Arms a fault, as KIND[=PARAMETER][@MEMBER][/COUNT], for example "delay=500@GetPlayStatus/3". docs/simulator.md
+    /// lists the kinds.
+    /// @throws std::runtime_error  there is no such fault; the message says what was expected
+    void Fault(const std::string& fault);
+    void ClearFaults();
+    /// @}
+
+    /// Lets the steps of a scenario happen, beginning now.
+    /// @throws std::runtime_error  it is malformed; the message says where, and what was expected
+    void RunScenario(const std::string& json);
 
 private:
     class Host;

@@ -49,7 +49,7 @@ DETAILS_OF_A_CALL = {"uuid", "book-id", "label", "service", "reason", "group", "
 class EveryWordOfTheHelp(unittest.TestCase):
     def test_stands_in_the_manual_page_and_in_the_completions(self):
         words = words_of_help() - DETAILS_OF_A_CALL
-        self.assertGreater(len(words), 10)
+        self.assertGreaterEqual(len(words), 10)
         for path in FILES:
             with self.subTest(os.path.basename(path)):
                 self.assertEqual(missing_in(path, words), [])

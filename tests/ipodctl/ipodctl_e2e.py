@@ -150,7 +150,7 @@ class OnABusWithTheSimulator(OnABus):
 
 class WithTheSimulator(OnABusWithTheSimulator):
     def tell(self, *words):
-        subprocess.run([OPTIONS.simulator, "tell", *words], env=self.bus.environment, check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
+        self.run_ctl("sim", *words)
 
     def play_first_song(self):
         self.run_ctl("cd", "/Songs")

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <taglib/fileref.h>
+#include <taglib/xiphcomment.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -13,6 +15,7 @@
 
 #include "picture.h"
 #include "tag_reader.h"
+#include "temporary_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -23,27 +26,10 @@ using ipodsim::Track;
 
 namespace
 {
-// A folder that is removed again.
-class TemporaryFolder
-{
-public:
-    TemporaryFolder()
-    {
-        std::string name = (fs::temp_directory_path() / "ipodsim-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path = name;
-    }
-    ~TemporaryFolder() { fs::remove_all(path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    fs::path path;
-};
-
 // Made by the build, with ipod-make-samples.
 const fs::path& Samples()
 {
-    static const fs::path folder = IPOD_SAMPLES;
+    static const fs::path folder = fs::path(IPOD_SAMPLES) / "Desk iPod";
     return folder;
 }
 
@@ -70,18 +56,8 @@ private:
 class MusicFolder : public testing::Test
 {
 protected:
-    void Write(const fs::path& name, const std::string& text) const
-    {
-        fs::create_directories((folder.path / name).parent_path());
-        std::ofstream(folder.path / name) << text;
-    }
-
-    fs::path CopySample(const fs::path& name) const
-    {
-        fs::create_directories((folder.path / name).parent_path());
-        fs::copy_file(Samples() / "Lanterns/3 Rain on Copper.ogg", folder.path / name);
-        return folder.path / name;
-    }
+    void Write(const fs::path& name, const std::string& text) const { folder.Write(name, text); }
+    fs::path CopySample(const fs::path& name) const { return folder.CopySample(name); }
 
     Library Read()
     {
@@ -215,7 +191,7 @@ TEST_F(MusicFolder, SkipsEachFileThatIsNoAudioWithOneWarning)
 
     EXPECT_EQ(library.tracks.size(), 1U);
     ASSERT_EQ(warnings.size(), 3U);
-    EXPECT_EQ(warnings[0], "skipped " + (fs::canonical(folder.path) / "empty.flac").string() + ": no audio file");
+    EXPECT_EQ(warnings[0], "skipped " + (folder.path / "empty.flac").string() + ": no audio file");
 }
 
 TEST_F(MusicFolder, SkipsAFileThatIsCutOff)
@@ -292,4 +268,115 @@ TEST_F(MusicFolder, MakesASubFolderAPlaylist)
 
     ASSERT_EQ(library.playlists.size(), 2U);
     EXPECT_EQ(library.playlists[1].name, "Evening");
+}
+
+TEST_F(MusicFolder, PassesOverHiddenFilesAndFolders)
+{
+    CopySample(".hidden.ogg");
+    CopySample(".trash/one.ogg");
+
+    EXPECT_TRUE(Read().tracks.empty());
+    EXPECT_TRUE(warnings.empty());
+}
+
+TEST_F(MusicFolder, GivesTracksWithoutAPictureThatOfTheirFolder)
+{
+    const std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
+    TagLib::FileRef bare(CopySample("bare.ogg").c_str());
+    dynamic_cast<TagLib::Ogg::XiphComment*>(bare.tag())->removeAllPictures();
+    ASSERT_TRUE(bare.save());
+    Write("folder.jpg", "no picture");
+    Write("Front.PNG", png);
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.tracks.size(), 1U);
+    EXPECT_TRUE(library.tracks[0]->hasPicture);
+    const ipodsim::Picture picture = ipodsim::PictureOf(*library.tracks[0]);
+    EXPECT_EQ(picture.bytes, ipodsim::Bytes(png.begin(), png.end()));
+    EXPECT_EQ(picture.width, 5U);
+    EXPECT_EQ(picture.height, 7U);
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_NE(warnings[0].find("folder.jpg: no picture"), std::string::npos);
+}
+
+TEST_F(MusicFolder, PrefersTheTracksOwnPictureToThatOfItsFolder)
+{
+    CopySample("one.ogg");
+    Write("cover.jpg", "\xFF\xD8\xFF\xE0 picture");
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.tracks.size(), 1U);
+    EXPECT_EQ(ipodsim::PictureOf(*library.tracks[0]).width, 300U);
+}
+
+TEST_F(MusicFolder, TakesAnEmbeddedPictureThatIsNoneForNone)
+{
+    TagLib::FileRef bare(CopySample("bare.ogg").c_str());
+    auto* const comment = dynamic_cast<TagLib::Ogg::XiphComment*>(bare.tag());
+    comment->removeAllPictures();
+    auto* const picture = new TagLib::FLAC::Picture;  // the comment owns it
+    picture->setType(TagLib::FLAC::Picture::FrontCover);
+    picture->setData("no picture at all");
+    comment->addPicture(picture);
+    ASSERT_TRUE(bare.save());
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.tracks.size(), 1U);
+    EXPECT_FALSE(library.tracks[0]->hasPicture);
+}
+
+TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)
+{
+    std::string longTitle = "a";
+    while (longTitle.size() < 300) longTitle += "\u4E2D";
+    TagLib::FileRef file(CopySample("one.ogg").c_str());
+    file.tag()->setTitle(TagLib::String(longTitle, TagLib::String::UTF8));
+    file.tag()->setArtist(TagLib::String("\u0641\u064A\u0631\u0648\u0632", TagLib::String::UTF8));
+    file.tag()->setAlbum(TagLib::String("\U0001F3B8\U0001F468\u200D\U0001F469", TagLib::String::UTF8));
+    ASSERT_TRUE(file.save());
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.tracks.size(), 1U);
+    EXPECT_EQ(library.tracks[0]->title, longTitle.substr(0, 253));
+    EXPECT_EQ(library.tracks[0]->artist, "\u0641\u064A\u0631\u0648\u0632");
+    EXPECT_EQ(library.tracks[0]->album, "\U0001F3B8\U0001F468\u200D\U0001F469");
+}
+
+TEST_F(MusicFolder, ReadsPlaylistsInTheirOrder)
+{
+    CopySample("a/one.ogg");
+    CopySample("b/two.ogg");
+    Write("lists/evening.m3u8", "\xEF\xBB\xBF#EXTM3U\r\n#PLAYLIST:Evening drive\r\n#EXTINF:8,Rain\r\n../b/two.ogg\r\n" +
+                                    (folder.path / "a/one.ogg").string() +
+                                    "\nhttp://example.org/stream\nmissing.ogg\n");
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.playlists.size(), 4U);
+    EXPECT_EQ(library.playlists[1].name, "Evening drive");
+    ASSERT_EQ(library.playlists[1].tracks.size(), 2U);
+    EXPECT_EQ(library.playlists[1].tracks[0]->file, (folder.path / "b/two.ogg").string());
+    EXPECT_EQ(library.playlists[1].tracks[1]->file, (folder.path / "a/one.ogg").string());
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_NE(warnings[0].find("evening.m3u8: 1 of 3 entries are not in the library"), std::string::npos);
+}
+
+TEST_F(MusicFolder, ReadsPlaylistsOfOtherSystems)
+{
+    CopySample("Stra\u00DFe/one.ogg");
+    Write("old.m3u",
+          "Stra\xDF"
+          "e\\one.ogg\r\n");
+    Write("uri.m3u", "file://" + (folder.path / "Stra%C3%9Fe/one.ogg").string() + "\n");
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.playlists.size(), 4U);
+    EXPECT_EQ(library.playlists[1].name, "old");
+    EXPECT_EQ(library.playlists[2].name, "uri");
+    EXPECT_TRUE(warnings.empty());
 }

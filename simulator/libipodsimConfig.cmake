@@ -1,0 +1,10 @@
+# Target ipod::sim, found through the pkg-config file beside this one, so that an installed tree may be moved.
+find_package(PkgConfig REQUIRED)
+get_filename_component(ipodsim_pc "${CMAKE_CURRENT_LIST_DIR}/../../pkgconfig" ABSOLUTE)
+set(ipodsim_saved_path "$ENV{PKG_CONFIG_PATH}")
+set(ENV{PKG_CONFIG_PATH} "${ipodsim_pc}:${ipodsim_saved_path}")
+pkg_check_modules(IPODSIM REQUIRED QUIET IMPORTED_TARGET GLOBAL libipodsim)
+set(ENV{PKG_CONFIG_PATH} "${ipodsim_saved_path}")
+if(NOT TARGET ipod::sim)
+  add_library(ipod::sim ALIAS PkgConfig::IPODSIM)
+endif()

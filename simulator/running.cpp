@@ -1,0 +1,131 @@
+#include "running.h"
+
+#include <exception>
+#include <utility>
+
+#include "builtin_library.h"
+#include "crash.h"
+#include "music_library.h"
+#include "requests.h"
+#include "signal_faults.h"
+
+namespace ipodsim
+{
+namespace
+{
+constexpr char kServicePath[] = "/com/zarn/linux/ipod";
+constexpr double kAwayMs = 50;
+constexpr double kBackMs = 100;
+}  // namespace
+
+Service::Settings Running::SettingsOf(const Options& options)
+{
+    Service::Settings settings;
+    settings.speed = options.speed;
+    settings.seed = options.seed;
+    settings.warn = options.warn;
+    settings.logRequest = options.logRequest;
+    if (options.mayCrash) settings.crash = CrashNow;
+    settings.restart = [this](unsigned times) { Restart(times); };
+    return settings;
+}
+
+MusicFeed::Settings Running::FeedOf(const Options& options)
+{
+    MusicFeed::Settings settings;
+    settings.folder = options.musicFolder;
+    settings.ownName = options.deviceName;
+    settings.oneDevice = options.oneDevice;
+    settings.cacheFolder = options.cacheFolder;
+    settings.warn = options.warn;
+    settings.progress = options.progress;
+    settings.indexed = [this] { m_indexed = true; };
+    return settings;
+}
+
+Running::Running(const Options& options, GMainContext* context)
+    : m_options(options), m_bus(std::make_unique<Bus>()), m_service(m_skeleton.get(), context, SettingsOf(options))
+{
+    AnswerRequests(m_skeleton.get(), m_service);
+    AnswerControl(m_control.get(), m_service);
+    m_service.scenarioEnded = [this](const std::string& title) { OnScenarioEnd(title); };
+    if (options.musicFolder.empty())
+        m_service.devices.Attach(options.deviceName, BuiltinLibrary());
+    else
+        m_feed = std::make_unique<MusicFeed>(m_service, context, FeedOf(options));
+    m_indexed = m_feed == nullptr;
+    try
+    {
+        Appear();
+    }
+    catch (const std::exception&)
+    {
+        Disappear();
+        throw;
+    }
+}
+
+Running::~Running()
+{
+    Disappear();
+}
+
+std::string Running::Summary() const
+{
+    return Summarise(m_service.devices.Everything());
+}
+
+void Running::OnScenarioEnd(const std::string& title)
+{
+    com_zarn_linux_ipod_simulator_emit_scenario_ended(m_control.get(), title.c_str());
+    if (m_options.scenarioEnded) m_options.scenarioEnded(title);
+}
+
+void Running::Appear()
+{
+    if (m_bus == nullptr) m_bus = std::make_unique<Bus>();
+    FalsifySignals(m_bus->Connection(), m_service.faults);
+    m_bus->Export(G_DBUS_INTERFACE_SKELETON(m_skeleton.get()), kServicePath);
+    m_bus->Export(G_DBUS_INTERFACE_SKELETON(m_control.get()), kControlPath);
+    m_bus->Own(kControlName);
+    m_bus->Own(kServiceName);
+    m_bus->OnLost(m_options.busLost);
+}
+
+void Running::Disappear()
+{
+    if (m_bus == nullptr) return;
+    m_bus->Flush();
+    g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(m_skeleton.get()));
+    g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(m_control.get()));
+    m_bus.reset();
+}
+
+void Running::Restart(unsigned times)
+{
+    if (times == 0) return;
+    // Not from within a request, whose connection would go.
+    m_service.agenda.After(kBackMs,
+                           [this, times]
+                           {
+                               Disappear();
+                               m_service.Reset();
+                               m_service.agenda.After(kAwayMs, [this, times] { Return(times); });
+                           });
+}
+
+void Running::Return(unsigned times)
+{
+    try
+    {
+        Appear();
+        Restart(times - 1);
+    }
+    catch (const std::exception& error)
+    {
+        m_options.warn(std::string("the service does not come back: ") + error.what());
+        m_bus.reset();
+        if (m_options.busLost) m_options.busLost();
+    }
+}
+}  // namespace ipodsim

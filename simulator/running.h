@@ -1,0 +1,52 @@
+/// @file
+/// A service that runs: what lives on its thread, and its presence on the bus.
+#pragma once
+
+#include <ipodsim.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "bus.h"
+#include "control.h"
+#include "music_feed.h"
+#include "service.h"
+
+namespace ipodsim
+{
+/// Everything is used on the service's thread only.
+class Running
+{
+public:
+    /// Can be called from its return on; the music is still being read then.
+    /// @throws std::runtime_error  as Simulator
+    Running(const Options& options, GMainContext* context);
+    ~Running();
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    /// Whether all music has been read once.
+    bool Indexed() const { return m_indexed; }
+    /// Of all devices together.
+    std::string Summary() const;
+    Service& TheService() { return m_service; }
+
+private:
+    Service::Settings SettingsOf(const Options& options);
+    MusicFeed::Settings FeedOf(const Options& options);
+    void OnScenarioEnd(const std::string& title);
+    void Appear();
+    void Disappear();
+    void Restart(unsigned times);
+    void Return(unsigned times);
+
+    Options m_options;
+    ObjectPtr<ComZarnLinuxIpod> m_skeleton{com_zarn_linux_ipod_skeleton_new()};
+    ObjectPtr<ComZarnLinuxIpodSimulator> m_control{com_zarn_linux_ipod_simulator_skeleton_new()};
+    std::unique_ptr<Bus> m_bus;
+    bool m_indexed = false;
+    Service m_service;
+    std::unique_ptr<MusicFeed> m_feed;
+};
+}  // namespace ipodsim

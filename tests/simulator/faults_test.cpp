@@ -1,0 +1,118 @@
+#include "faults.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "fault_table.h"
+
+using ipodsim::Fault;
+using ipodsim::FaultKind;
+using ipodsim::Faults;
+using ipodsim::ParseFault;
+
+namespace
+{
+std::string ComplaintAbout(const std::string& fault)
+{
+    try
+    {
+        ParseFault(fault);
+        return "none";
+    }
+    catch (const std::runtime_error& error)
+    {
+        return error.what();
+    }
+}
+}  // namespace
+
+TEST(FaultText, NamesKindParameterMemberAndCount)
+{
+    const Fault fault = ParseFault("delay=500@GetPlayStatus/3");
+
+    EXPECT_EQ(fault.kind, FaultKind::Delay);
+    EXPECT_EQ(fault.parameter, "500");
+    EXPECT_EQ(fault.member, "GetPlayStatus");
+    EXPECT_EQ(fault.count, 3U);
+}
+
+TEST(FaultText, NeedsTheKindOnly)
+{
+    const Fault fault = ParseFault("no-reply");
+
+    EXPECT_EQ(fault.kind, FaultKind::NoReply);
+    EXPECT_EQ(fault.member, "");
+    EXPECT_EQ(fault.count, 0U);
+}
+
+TEST(FaultText, IsRefusedWithWhatWasExpected)
+{
+    EXPECT_NE(ComplaintAbout("dely").find("expected one of delay, no-reply"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("delay=soon").find("fault delay: expected a number"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("delay@GetPlayState").find("called GetPlayState"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("delay/x").find("expected KIND"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("delay/").find("expected KIND"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("no-reply=5").find("expected no parameter"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("error=busy").find("expected the name of an error"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("crash-locked=all").find("expected lists or buffers"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("").find("expected one of"), std::string::npos);
+}
+
+TEST(FaultText, IsRefusedWhereTheKindDoesNotFit)
+{
+    EXPECT_EQ(ComplaintAbout("unterminated@Play"),
+              "fault unterminated: expected one of GetPlayingListItems, GetCurDbListItems, GetCurDbListItemsPinyin, "
+              "GetUpdateListItems, GetUpdateListItemsPinyin, GetDeviceList, not Play");
+    EXPECT_EQ(ComplaintAbout("bad-message@Play"),
+              "fault bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play");
+    EXPECT_NE(ComplaintAbout("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
+    EXPECT_NE(ComplaintAbout("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
+    EXPECT_EQ(ComplaintAbout("out-of-range@OnPlayStatusChanged"), "none");
+}
+
+TEST(Faults, HappenAsOftenAsTheyWereArmedFor)
+{
+    Faults faults;
+    faults.Add(ParseFault("delay@Play/2"));
+
+    EXPECT_TRUE(faults.Take("Play"));
+    EXPECT_FALSE(faults.Take("Pause"));
+    EXPECT_TRUE(faults.Take("Play"));
+    EXPECT_FALSE(faults.Take("Play"));
+}
+
+TEST(Faults, HappenUntilTheyAreCleared)
+{
+    Faults faults;
+    faults.Add(ParseFault("error@Play"));
+    for (int i = 0; i < 100; ++i) EXPECT_TRUE(faults.Take("Play"));
+
+    faults.Clear();
+
+    EXPECT_FALSE(faults.Take("Play"));
+}
+
+TEST(Faults, ComeInTheOrderInWhichTheyWereArmed)
+{
+    Faults faults;
+    faults.Add(ParseFault("error@Play/1"));
+    faults.Add(ParseFault("no-reply@Play/1"));
+
+    EXPECT_EQ(faults.Take("Play")->kind, FaultKind::Error);
+    EXPECT_EQ(faults.Take("Play")->kind, FaultKind::NoReply);
+}
+
+TEST(Faults, WithoutAMemberConcernMethodsAndFalsifiedContents)
+{
+    Faults faults;
+    faults.Add(ParseFault("no-reply"));
+    EXPECT_TRUE(faults.Take("Play"));
+    EXPECT_FALSE(faults.Take("OnPlayStatusChanged"));
+    faults.Clear();
+
+    faults.Add(ParseFault("short-record"));
+    EXPECT_TRUE(faults.Take("GetCurrentMediaInfo"));
+    EXPECT_TRUE(faults.Take("OnIpodPlayingTrackChange"));
+    EXPECT_FALSE(faults.Take("Play"));
+}

@@ -1,0 +1,445 @@
+// The simulated service inside a test, asked over a bus as any program would.
+#include <gio/gio.h>
+#include <gmock/gmock.h>
+#include <ipodsim.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/private_bus.h"
+#include "temporary_folder.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+constexpr char kService[] = "com.zarn.linux.ipod";
+constexpr char kPath[] = "/com/zarn/linux/ipod";
+constexpr char kControl[] = "com.zarn.linux.ipod.Simulator";
+constexpr char kControlPath[] = "/com/zarn/linux/ipod/simulator";
+
+struct VariantUnref
+{
+    void operator()(GVariant* value) const { g_variant_unref(value); }
+};
+using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;
+
+std::string ToText(GVariant* value)
+{
+    char* const text = g_variant_print(value, FALSE);
+    std::string copy = text;
+    g_free(text);
+    return copy;
+}
+
+// A client with nothing but a connection; keeps the signals that it receives.
+class Client
+{
+public:
+    Client()
+    {
+        char* const address = g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+        m_bus = g_dbus_connection_new_for_address_sync(
+            address,
+            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+            nullptr, nullptr, nullptr);
+        g_free(address);
+        g_dbus_connection_signal_subscribe(m_bus, nullptr, nullptr, nullptr, kPath, nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
+                                           OnSignal, this, nullptr);
+        g_dbus_connection_signal_subscribe(m_bus, nullptr, nullptr, nullptr, kControlPath, nullptr,
+                                           G_DBUS_SIGNAL_FLAGS_NONE, OnSignal, this, nullptr);
+        // Only when the bus has heard of the subscriptions is nothing missed.
+        g_variant_unref(g_dbus_connection_call_sync(m_bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                    "org.freedesktop.DBus", "GetId", nullptr, nullptr,
+                                                    G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr));
+    }
+    ~Client()
+    {
+        g_dbus_connection_close_sync(m_bus, nullptr, nullptr);
+        g_object_unref(m_bus);
+    }
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+
+    /// The reply as text, or "error NAME: MESSAGE".
+    std::string Ask(const char* method, GVariant* arguments = nullptr, int timeoutMs = 5000)
+    {
+        return Call(kService, kPath, method, arguments, timeoutMs);
+    }
+    std::string Control(const char* method, GVariant* arguments = nullptr)
+    {
+        return Call(kControl, kControlPath, method, arguments, 5000);
+    }
+
+    bool Receives(const std::string& signal, int milliseconds = 5000)
+    {
+        const gint64 end = g_get_monotonic_time() + gint64{milliseconds} * 1000;
+        while (Count(signal) == 0 && g_get_monotonic_time() < end)
+        {
+            g_main_context_iteration(nullptr, FALSE);
+            g_usleep(500);
+        }
+        return Count(signal) != 0;
+    }
+
+    std::ptrdiff_t Count(const std::string& signal) const { return std::count(signals.begin(), signals.end(), signal); }
+
+    std::vector<std::string> signals;  ///< "NAME BODY"
+
+private:
+    std::string Call(const char* name, const char* path, const char* method, GVariant* arguments, int timeoutMs)
+    {
+        GError* error = nullptr;
+        const VariantPtr reply(g_dbus_connection_call_sync(m_bus, name, path, name, method, arguments, nullptr,
+                                                           G_DBUS_CALL_FLAGS_NONE, timeoutMs, nullptr, &error));
+        if (reply != nullptr) return ToText(reply.get());
+        char* const remote = g_dbus_error_get_remote_error(error);
+        g_dbus_error_strip_remote_error(error);
+        const std::string text = std::string("error ") + (remote == nullptr ? "local" : remote) + ": " + error->message;
+        g_free(remote);
+        g_error_free(error);
+        return text;
+    }
+
+    static void OnSignal(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* name, GVariant* body,
+                         gpointer self)
+    {
+        static_cast<Client*>(self)->signals.push_back(std::string(name) + " " + ToText(body));
+    }
+
+    GDBusConnection* m_bus;
+};
+
+ipodsim::Options Quiet()
+{
+    ipodsim::Options options;
+    options.warn = [](const std::string&) {};
+    return options;
+}
+
+class Service : public testing::Test
+{
+protected:
+    test::PrivateBus bus;
+};
+
+class BuiltinService : public Service
+{
+protected:
+    ipodsim::Simulator service{Quiet()};
+    Client client;
+};
+}  // namespace
+
+TEST_F(BuiltinService, TellsWhatItWasAsked)
+{
+    client.Ask("Play", g_variant_new("(y)", guchar{3}));
+    client.Ask("Seek", g_variant_new("(i)", 90));
+
+    const auto calls = service.Calls();
+
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_EQ(calls[0].method, "Play");
+    EXPECT_EQ(calls[0].arguments, "(0x03,)");
+    EXPECT_EQ(calls[0].answer, "(true,)");
+    EXPECT_EQ(calls[0].error, "");
+    EXPECT_EQ(calls[0].sender.front(), ':');
+    EXPECT_LE(calls[0].time, calls[1].time);
+    EXPECT_EQ(calls[1].arguments, "(90,)");
+    EXPECT_EQ(calls[1].answer, "()");
+    EXPECT_EQ(service.Calls("Seek").size(), 1U);
+    service.ClearCalls();
+    EXPECT_TRUE(service.Calls().empty());
+}
+
+TEST_F(BuiltinService, TellsItOverTheBusToo)
+{
+    client.Ask("GetPlayStatus");
+
+    EXPECT_THAT(client.Control("GetCalls", g_variant_new("(s)", "")),
+                HasSubstr("'GetPlayStatus', [], 'reply', [<0>])],)"));
+    EXPECT_EQ(client.Control("GetCalls", g_variant_new("(s)", "Play")), "([],)");
+    client.Control("ClearCalls");
+    EXPECT_EQ(client.Control("GetCalls", g_variant_new("(s)", "")), "([],)");
+    client.Receives("nothing", 50);
+    EXPECT_THAT(client.signals, ElementsAre(HasSubstr("Called ((")));
+}
+
+TEST_F(BuiltinService, PlaysACallInSteps)
+{
+    GVariantBuilder steps;
+    g_variant_builder_init(&steps, G_VARIANT_TYPE("a(ud)"));
+    g_variant_builder_add(&steps, "(ud)", 2U, 0.05);
+    g_variant_builder_add(&steps, "(ud)", 4U, 0.05);
+    g_variant_builder_add(&steps, "(ud)", 0U, 0.0);
+
+    EXPECT_EQ(client.Control("CallSequence", g_variant_new("(a{sv}a(ud))", nullptr, &steps)), "()");
+
+    const gint64 end = g_get_monotonic_time() + 5000000;
+    while (client.signals.size() < 3 && g_get_monotonic_time() < end) g_main_context_iteration(nullptr, FALSE);
+    ASSERT_EQ(client.signals.size(), 3U);
+    for (const std::string& signal : client.signals) EXPECT_THAT(signal, HasSubstr("OnIpodPhoneCallChange"));
+}
+
+TEST_F(BuiltinService, RefusesWhatIsNoEvent)
+{
+    EXPECT_THAT(client.Control("PressButton", g_variant_new("(s)", "eject")), HasSubstr("expected play, pause"));
+    EXPECT_THAT(client.Control("Carplay", g_variant_new("(ys)", guchar{7}, "")), HasSubstr("expected 0 detected"));
+    EXPECT_THAT(client.Control("DetachDevice", g_variant_new("(s)", "none")), HasSubstr("no device of that name"));
+    EXPECT_THAT(client.Control("CallSequence", g_variant_new("(a{sv}a(ud))", nullptr, nullptr)),
+                HasSubstr("at least one"));
+    EXPECT_THAT(client.Control("Fault", g_variant_new("(sssu)", "", "dely", "", 0U)), HasSubstr("expected one of"));
+    EXPECT_THAT(client.Control("RunScenario", g_variant_new("(s)", "{\n}")), HasSubstr("line 1, column 1: expected"));
+    EXPECT_FALSE(service.PressButton("eject"));
+}
+
+TEST_F(BuiltinService, PlaysWhenTheButtonIsPressed)
+{
+    EXPECT_TRUE(service.PressButton("play"));
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(1,)");
+    EXPECT_TRUE(client.Receives("OnPlayStatusChanged (0x01,)"));
+    EXPECT_TRUE(service.PressButton("pause"));
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(2,)");
+    EXPECT_TRUE(service.PressButton("next"));
+    EXPECT_EQ(client.Ask("GetPlayingTrackIdx"), "(1,)");
+    EXPECT_TRUE(service.PressButton("previous"));
+    EXPECT_TRUE(service.PressButton("stop"));
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
+}
+
+TEST_F(BuiltinService, RunsAScenario)
+{
+    service.RunScenario(R"({"title": "Short", "steps": [
+        {"time": 0, "event": "source", "value": false},
+        {"time": 0.05, "event": "detach", "value": "nobody"},
+        {"time": 0.1, "event": "app", "value": "com.example.maps"}]})");
+
+    EXPECT_TRUE(client.Receives("ScenarioEnded ('Short',)"));
+    EXPECT_THAT(client.signals,
+                ElementsAre("OnIpodSourceValidStatusChange (false,)", "OnIpodAppBundleNameChange ('com.example.maps',)",
+                            "ScenarioEnded ('Short',)"));
+}
+
+TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
+{
+    service.Fault("delay=1000@GetPlayStatus/1");
+    gint64 spent = 0;
+    std::thread slow(
+        [&]
+        {
+            Client other;
+            const gint64 begin = g_get_monotonic_time();
+            other.Ask("GetPlayStatus");
+            spent = g_get_monotonic_time() - begin;
+        });
+    g_usleep(300000);
+
+    EXPECT_EQ(client.Ask("GetShuffleMode"), "(0,)");
+    slow.join();
+    EXPECT_GE(spent, 1000000);
+    EXPECT_EQ(service.Calls()[0].method, "GetShuffleMode") << "it was answered first";
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
+}
+
+TEST_F(BuiltinService, DoesNotAnswerOnRequest)
+{
+    service.Fault("no-reply@Play/1");
+
+    EXPECT_THAT(client.Ask("Play", g_variant_new("(y)", guchar{3}), 200), HasSubstr("Timeout"));
+    EXPECT_EQ(service.Calls("Play")[0].answer, "");
+    EXPECT_EQ(client.Ask("Play", g_variant_new("(y)", guchar{3})), "(true,)");
+}
+
+TEST_F(BuiltinService, AnswersAnErrorOnRequest)
+{
+    service.Fault("error=com.example.Busy@Pause/1");
+
+    EXPECT_EQ(client.Ask("Pause"), "error com.example.Busy: a fault on purpose");
+    EXPECT_EQ(service.Calls("Pause")[0].error, "com.example.Busy");
+    EXPECT_EQ(client.Ask("Pause"), "(false,)");
+}
+
+TEST_F(BuiltinService, AnswersWrongTypesAndNumbersOnRequest)
+{
+    service.Fault("wrong-type@GetPlayStatus/1");
+    service.Fault("out-of-range=77@GetRepeatMode/1");
+    service.Fault("out-of-range@GetCarplayDeviceDetectStatus/1");
+
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "('no such type',)");
+    EXPECT_EQ(client.Ask("GetRepeatMode"), "(77,)");
+    EXPECT_EQ(client.Ask("GetCarplayDeviceDetectStatus"), "(0x63, '')");
+}
+
+TEST_F(BuiltinService, AnswersRecordsOfAnySizeOnRequest)
+{
+    service.Fault("short-record=3@GetCurrentMediaInfo/1");
+    service.Fault("long-record=1042@GetCurrentMediaInfo/1");
+    service.Fault("wrong-type@GetCurrentMediaInfo/1");
+
+    EXPECT_EQ(client.Ask("GetCurrentMediaInfo"), "(<[byte 0x00, 0x00, 0x00]>,)");
+    EXPECT_THAT(client.Ask("GetCurrentMediaInfo"), HasSubstr("0x00, 0x78, 0x78]>,)"));
+    EXPECT_EQ(client.Ask("GetCurrentMediaInfo"), "(<'no record'>,)");
+}
+
+TEST_F(BuiltinService, FalsifiesSignalsOnRequest)
+{
+    service.Fault("bad-message@OnIpodBatteryChange/1");
+    service.Fault("out-of-range=9@OnIpodLocationStatusChange/1");
+    service.Fault("wrong-type@OnIpodAppBundleNameChange/1");
+    service.Fault("no-reply@OnIpodSourceValidStatusChange/1");
+
+    service.Battery({});
+    service.Location(1);
+    service.ForegroundApp("a");
+    service.SourceValid(true);
+    service.SourceValid(false);
+
+    EXPECT_TRUE(client.Receives("OnIpodSourceValidStatusChange (false,)"));
+    EXPECT_THAT(client.signals,
+                ElementsAre("OnIpodBatteryChange (<[byte 0x0a, 0x7f, 0x78]>,)", "OnIpodLocationStatusChange (0x09,)",
+                            "OnIpodAppBundleNameChange ('no such type',)", "OnIpodSourceValidStatusChange (false,)"));
+}
+
+TEST_F(BuiltinService, GoesAndComesBackOnRequest)
+{
+    client.Ask("Play", g_variant_new("(y)", guchar{3}));
+    std::vector<std::string> owners;
+    const guint watch = g_bus_watch_name(
+        G_BUS_TYPE_SESSION, kService, G_BUS_NAME_WATCHER_FLAGS_NONE,
+        [](GDBusConnection*, const gchar*, const gchar* owner, gpointer seen)
+        { static_cast<std::vector<std::string>*>(seen)->push_back(owner); },
+        nullptr, &owners, nullptr);
+
+    service.Fault("restart-storm=3");
+
+    const gint64 end = g_get_monotonic_time() + 10000000;
+    while (owners.size() < 4 && g_get_monotonic_time() < end) g_main_context_iteration(nullptr, TRUE);
+    g_bus_unwatch_name(watch);
+    ASSERT_EQ(owners.size(), 4U);
+    EXPECT_NE(owners[0], owners[3]);
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)") << "what played is forgotten";
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
+    EXPECT_EQ(service.Calls("Play").size(), 1U) << "the log is not";
+}
+
+TEST_F(BuiltinService, RefusesToEndTheProgramThatItLivesIn)
+{
+    EXPECT_THROW(service.Fault("crash@Play"), std::runtime_error);
+    EXPECT_THAT(client.Control("Fault", g_variant_new("(sssu)", "", "crash-locked", "", 1U)),
+                HasSubstr("inside another program"));
+}
+
+TEST_F(BuiltinService, TellsWhichProcessIsInTheWayOfASecondOne)
+{
+    try
+    {
+        ipodsim::Simulator second{Quiet()};
+        FAIL();
+    }
+    catch (const std::runtime_error& error)
+    {
+        EXPECT_THAT(error.what(), HasSubstr("another simulator or service is running on this bus: process " +
+                                            std::to_string(getpid())));
+    }
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
+}
+
+TEST_F(Service, HasADeviceForEachSubFolder)
+{
+    TemporaryFolder folder;
+    folder.CopySample("one.ogg");
+    folder.CopySample("Phone/two.ogg");
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    const ipodsim::Simulator service(options);
+    Client client;
+
+    EXPECT_EQ(service.Summary(), "2 songs, 1 artist, 1 album");
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(2,)");
+    EXPECT_EQ(client.Ask("GetIpodName"), "('Desk iPod',)");
+    EXPECT_EQ(client.Ask("EnterDeviceChildList", g_variant_new("(i)", 1)), "(true,)");
+    EXPECT_EQ(client.Ask("GetIpodName"), "('Phone',)");
+}
+
+TEST_F(Service, AttachesAndDetachesWhatComesAndGoes)
+{
+    TemporaryFolder folder;
+    folder.CopySample("Phone/one.ogg");
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    const ipodsim::Simulator service(options);
+    Client client;
+
+    folder.CopySample("Second/two.ogg");
+    EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x00, false)"));
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(2,)");
+
+    folder.CopySample("Second/three.ogg");
+    EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x00, true)"));
+    EXPECT_EQ(service.Summary(), "3 songs, 1 artist, 1 album");
+
+    std::filesystem::remove_all(folder.path / "Second");
+    EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x01, false)"));
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
+}
+
+TEST_F(Service, AnswersWhileMusicIsRead)
+{
+    TemporaryFolder folder;
+    for (int i = 0; i < 500; ++i) folder.CopySample(std::to_string(i) + ".ogg");
+    std::atomic<bool> goOn{false};
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.waitForIndex = false;
+    options.progress = [&](std::size_t, std::size_t)
+    {
+        while (!goOn) g_usleep(1000);
+    };
+    const ipodsim::Simulator service(options);
+    Client client;
+
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
+    EXPECT_EQ(client.Ask("GetCurDbListItemsAmount", g_variant_new("(b)", FALSE)), "(5,)");
+    EXPECT_FALSE(service.Indexed());
+    goOn = true;
+    EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x00, true)"));
+    EXPECT_EQ(service.Summary(), "500 songs, 1 artist, 1 album");
+}
+
+TEST_F(Service, EndsWhileMusicIsRead)
+{
+    TemporaryFolder folder;
+    for (int i = 0; i < 500; ++i) folder.CopySample(std::to_string(i) + ".ogg");
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.waitForIndex = false;
+
+    const gint64 begin = g_get_monotonic_time();
+    {
+        const ipodsim::Simulator service(options);
+    }
+    EXPECT_LT(g_get_monotonic_time() - begin, 5000000);
+}
+
+TEST_F(Service, KeepsWhatItReadWhereItIsTold)
+{
+    TemporaryFolder folder;
+    TemporaryFolder cache;
+    folder.CopySample("one.ogg");
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.cacheFolder = cache.path.string();
+    {
+        const ipodsim::Simulator service(options);
+    }
+
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(cache.path), {}), 1);
+}

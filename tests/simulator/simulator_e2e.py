@@ -1,0 +1,345 @@
+#!/usr/bin/env python3
+"""Runs the simulator as people do: on a bus, in a shared memory and with a cache of its own."""
+import argparse
+import json
+import os
+import pty
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "ipodctl"))
+from schema_check import check  # noqa: E402
+
+SKIPPED = 77
+PRIVATE = "SIMULATOR_E2E_PRIVATE"
+LIMIT = 60
+
+
+def enter_private_namespace():
+    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
+    unshare = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-rm"]
+    if subprocess.run(unshare + ["true"], capture_output=True).returncode != 0:
+        print("no private mount namespace here")
+        sys.exit(SKIPPED)
+    command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
+    os.environ[PRIVATE] = "1"
+    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
+
+
+def within(seconds, condition):
+    end = time.monotonic() + seconds
+    while not (holds := condition()) and time.monotonic() < end:
+        time.sleep(0.02)
+    return holds
+
+
+class OnABus(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.folder)
+        command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]
+        self.bus = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.addCleanup(self.stop, self.bus)
+        self.environment = dict(os.environ, DBUS_SESSION_BUS_ADDRESS=self.bus.stdout.readline().strip(),
+                                XDG_CACHE_HOME=f"{self.folder}/cache", LC_ALL="C.UTF-8")
+
+    def stop(self, process):
+        process.kill()
+        process.wait()
+        for stream in (process.stdout, process.stderr):
+            if stream:
+                stream.close()
+
+    def launch(self, *words, **options):
+        """A simulator that need not come up."""
+        options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
+        process = subprocess.Popen([OPTIONS.simulator, *words], env=self.environment, text=True, **options)
+        self.addCleanup(self.stop, process)
+        return process
+
+    def start(self, *words, **options):
+        process = self.launch(*words, **options)
+        self.assertIn("ready: ", self.line(process.stdout))
+        return process
+
+    def line(self, stream, seconds=LIMIT):
+        ready, _, _ = select.select([stream], [], [], seconds)
+        return stream.readline() if ready else ""
+
+    def refusal(self, *words):
+        process = self.launch(*words)
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertNotEqual(process.returncode, 0)
+        self.assertEqual(out, "")
+        self.assertEqual(err.count("\n"), 1, err)
+        return err
+
+    def gdbus(self, path, method, *arguments):
+        name = "com.zarn.linux.ipod" + (".Simulator" if path.endswith("simulator") else "")
+        return subprocess.run(["gdbus", "call", "--session", "--timeout", "10", "--dest", name, "--object-path", path,
+                               "--method", f"{name}.{method}", *arguments],
+                              env=self.environment, capture_output=True, text=True, timeout=LIMIT)
+
+    def ask(self, method, *arguments):
+        return self.gdbus("/com/zarn/linux/ipod", method, *arguments).stdout.strip()
+
+    def control(self, method, *arguments):
+        return self.gdbus("/com/zarn/linux/ipod/simulator", method, *arguments)
+
+    def has_owner(self):
+        call = subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
+                               "--method", "org.freedesktop.DBus.NameHasOwner", "com.zarn.linux.ipod"],
+                              env=self.environment, capture_output=True, text=True, timeout=LIMIT)
+        return "true" in call.stdout
+
+    def write(self, name, text):
+        path = os.path.join(self.folder, name)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+        return path
+
+
+class Program(OnABus):
+    def test_ends_when_it_is_told_and_gives_the_name_back(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(number):
+                process = self.start()
+                self.assertTrue(self.has_owner())
+                process.send_signal(number)
+                self.assertEqual(process.wait(timeout=LIMIT), 0)
+                self.assertFalse(self.has_owner())
+        self.start()
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)", "the segments that were left behind can be used again")
+
+    def test_ends_while_it_starts(self):
+        many = os.path.join(self.folder, "many")
+        subprocess.run([OPTIONS.samples, "--count", "3000", many], check=True, stdout=subprocess.DEVNULL)
+        for after in (0.0, 0.01, 0.05, 0.1, 0.2):
+            with self.subTest(after):
+                process = self.launch("--no-cache", many)
+                time.sleep(after)
+                process.send_signal(signal.SIGTERM)
+                self.assertIn(process.wait(timeout=LIMIT), (0, -signal.SIGTERM))
+                self.assertFalse(self.has_owner())
+
+    def test_a_second_one_tells_which_process_is_in_its_way(self):
+        first = self.start()
+        self.assertEqual(self.refusal(), "ipod-simulator: another simulator or service is running on this bus: "
+                                         f"process {first.pid} owns com.zarn.linux.ipod.Simulator\n")
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+
+    def test_goes_on_when_nobody_reads_its_output(self):
+        process = self.start("--verbose")
+        process.stdout.close()
+        process.stderr.close()
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(timeout=LIMIT), 0)
+
+    def test_writes_requests_with_their_answers(self):
+        process = self.start("--verbose")
+        self.ask("Seek", "5")
+        self.assertEqual(self.line(process.stderr), "Seek (5,) -> ()\n")
+
+    def test_refuses_what_it_cannot_use(self):
+        self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
+        self.assertIn("speed: expected a number above 0", self.refusal("--speed", "0"))
+        self.assertIn("expected one of delay, ", self.refusal("--fault", "dely"))
+        self.assertIn("cannot be read", self.refusal("--scenario", "/nonexistent"))
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
+        self.assertIn("no session bus", self.refusal())
+
+    def test_tells_where_a_scenario_is_malformed(self):
+        file = self.write("bad.json", '{"steps": [\n  {"time": 0, "event": "button", "value": "eject"}\n]}\n')
+        self.assertEqual(self.refusal("--scenario", file), f"ipod-simulator: {file}: line 2, column 43: "
+                         'expected one of next, pause, play, previous, stop, not "eject"\n')
+
+    def test_plays_a_scenario(self):
+        file = self.write("short.json", '{"title": "Short", "steps": [{"time": 0.1, "event": "button", "value": "play"}]}')
+        process = self.start("--scenario", file)
+        self.assertEqual(self.line(process.stdout), "scenario ended: Short\n")
+        self.assertEqual(self.ask("GetPlayStatus"), "(1,)")
+
+    def test_plays_the_scenarios_that_are_shipped(self):
+        for name in sorted(os.listdir(OPTIONS.scenarios)):
+            with self.subTest(name):
+                process = self.start("--speed", "40", "--scenario", os.path.join(OPTIONS.scenarios, name))
+                self.assertIn("scenario ended: ", self.line(process.stdout))
+                process.send_signal(signal.SIGTERM)
+                _, err = process.communicate(timeout=LIMIT)
+                self.assertEqual(err, "")
+
+    def test_draws_a_bar_on_a_terminal_and_takes_it_away(self):
+        many = os.path.join(self.folder, "many")
+        subprocess.run([OPTIONS.samples, "--count", "3000", many], check=True, stdout=subprocess.DEVNULL)
+        controller, terminal = pty.openpty()
+        process = self.start("--no-cache", many, stderr=terminal)
+        os.close(terminal)
+        drawn = b""
+        while select.select([controller], [], [], 0.5)[0]:
+            drawn += os.read(controller, 65536)
+        os.close(controller)
+        process.send_signal(signal.SIGTERM)
+        if b"of 3000 files" in drawn:  # on a fast machine it is over before there is anything to draw
+            self.assertTrue(drawn.endswith(b"\r\x1b[K"), drawn[-80:])
+
+    def test_keeps_the_index_and_notices_when_it_is_damaged(self):
+        music = os.path.join(self.folder, "music")
+        subprocess.run([OPTIONS.samples, music], check=True, stdout=subprocess.DEVNULL)
+        for expected in ("", "is damaged or of another version", ""):
+            process = self.start(music)
+            process.send_signal(signal.SIGTERM)
+            _, err = process.communicate(timeout=LIMIT)
+            self.assertIn(expected, err) if expected else self.assertEqual(err, "")
+            kept = os.listdir(f"{self.folder}/cache/ipod-simulator")
+            self.assertEqual(len(kept), 1)
+            if not expected:
+                os.truncate(f"{self.folder}/cache/ipod-simulator/{kept[0]}", 50)
+
+
+class Faults(OnABus):
+    def test_crash_in_the_middle_of_a_call(self):
+        process = self.start("--fault", "crash@Next/1")
+        self.assertIn("true", self.ask("Play", "3"))
+        self.assertEqual(self.ask("Next"), "")
+        self.assertEqual(process.wait(timeout=LIMIT), -signal.SIGKILL)
+        self.assertFalse(self.has_owner())
+        self.start()
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+
+    def test_crash_with_the_locks_held_blocks_the_segments(self):
+        for segment in ("buffers", ""):
+            with self.subTest(segment):
+                process = self.start("--fault", "crash-locked" + ("=" + segment if segment else "") + "@Pause")
+                self.ask("Pause")
+                self.assertEqual(process.wait(timeout=LIMIT), -signal.SIGKILL)
+                self.assertIn("ListVectorSharedMemory", os.listdir("/dev/shm"))
+                # Whoever comes next waits for the lock for ten seconds, and says so.
+                self.assertIn("shared memory", self.refusal())
+                for name in os.listdir("/dev/shm"):
+                    os.remove(f"/dev/shm/{name}")
+
+    def test_vectors_are_falsified(self):
+        self.start()
+        self.control("Fault", "GetDeviceList", "unterminated", "", "1")
+        self.assertEqual(self.ask("GetDeviceList"), "(true,)")
+        with open("/dev/shm/ListVectorSharedMemory", "rb") as segment:
+            self.assertIn(b"x" * 256, segment.read())
+        self.control("Fault", "GetDeviceList", "half-filled", "", "1")
+        self.assertEqual(self.ask("GetDeviceList"), "(true,)")
+
+    def test_are_armed_and_cleared_over_the_bus(self):
+        self.start("--fault", "error@GetPlayStatus")
+        self.assertEqual(self.ask("GetPlayStatus"), "")
+        self.control("ClearFaults")
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+        refused = self.control("Fault", "Play", "bad-message", "", "0")
+        self.assertIn("expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play", refused.stderr)
+
+
+class Control(OnABus):
+    def test_describes_itself(self):
+        self.start()
+        described = subprocess.run(["gdbus", "introspect", "--session", "--dest", "com.zarn.linux.ipod.Simulator",
+                                    "--object-path", "/com/zarn/linux/ipod/simulator"],
+                                   env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
+        for member in ("CallSequence", "GetCalls", "Called", "Fault", "RunScenario"):
+            self.assertIn(member, described)
+
+
+class FromTheCommandLine(OnABus):
+    def ctl(self, *words, code=0):
+        done = subprocess.run([OPTIONS.ipodctl, *words], env=self.environment, capture_output=True, text=True,
+                              timeout=LIMIT)
+        self.assertEqual(done.returncode, code, (words, done.stdout, done.stderr))
+        return done.stdout if code == 0 else done.stderr
+
+    def json(self, *words):
+        answer = json.loads(self.ctl("--json", "sim", *words))
+        self.assertEqual(check(answer, SCHEMA), [])
+        return answer
+
+    def test_every_event_is_accepted(self):
+        self.start()
+        for words in (["call", "--status", "ringing", "--name", "Li Lei", "--conferenced", "--start", "5"],
+                      ["call", "--sequence", "ringing:0.1,active:0.1,disconnected", "--direction", "incoming"],
+                      ["battery", "--level", "80", "--charging"], ["carplay", "on", "--serial", "F17"],
+                      ["carlife", "unsupported"], ["wireless", "on", "--address", "00:11"],
+                      ["pairing", "00:11", "--hex", "0a1b"], ["location", "on"], ["source", "off"], ["app", "com.a"],
+                      ["attach", "Second"], ["detach", "Second"], ["button", "play"], ["eap-data", "1", "--text", "a"],
+                      ["eap-data", "1", "--hex", "00ff"], ["eap-close", "1"], ["calls", "--clear"],
+                      ["fault", "delay=5@Play/1"], ["clear-faults"],
+                      ["scenario", os.path.join(OPTIONS.scenarios, "device-swap.json")]):
+            with self.subTest(words):
+                if words[0] == "eap-data" and "--text" in words:
+                    self.assertEqual(self.json("eap-open", "--protocol", "3")["session"], 1)
+                self.assertEqual(self.json(*words), {"verb": f"sim {words[0]}"})
+        self.assertEqual(self.ask("GetCarplayDeviceDetectStatus"), "(byte 0x00, 'F17')")
+        self.assertEqual(self.ask("GetIpodAppBundleName"), "('com.a',)")
+
+    def test_calls_are_shown(self):
+        self.start("--fault", "no-reply@Stop/1", "--fault", "error=com.example.Busy@Pause/1")
+        for words in (["Seek", "5"], ["Stop"], ["Pause"], ["GetPlayPosition"]):
+            self.ask(*words)
+        calls = [(call["method"], call["arguments"], call["answer"]) for call in self.json("calls")["calls"]]
+        self.assertEqual(calls, [("Seek", "(5)", "()"), ("Stop", "()", "no answer"),
+                                 ("Pause", "()", "com.example.Busy ('a fault on purpose')"),
+                                 ("GetPlayPosition", "()", "(0, 0)")])
+        self.ask("GetCurrentMediaInfo")
+        self.assertIn("(<[1040 bytes]>)", self.ctl("sim", "calls", "GetCurrentMediaInfo"))
+        self.assertRegex(self.ctl("sim", "calls", "Seek"), r"^\d\d:\d\d:\d\d\.\d{3}  :1\.\d+  Seek  \(5\)  \(\)\n$")
+
+    def test_what_is_wrong_is_told(self):
+        self.assertIn("no simulator on the bus; start ipod-simulator", self.ctl("sim", "button", "play", code=4))
+        self.start()
+        self.assertIn("expected play, pause", self.ctl("sim", "button", "eject", code=1))
+        self.assertIn("expected one of delay", self.ctl("sim", "fault", "dely", code=1))
+        self.assertIn("line 1, column 1: expected", self.ctl("sim", "scenario", self.write("bad.json", "{}"), code=1))
+        for words in (["call", "--sequence", "ringing:x"], ["call", "--sequence", "asleep"], ["carplay", "maybe"],
+                      ["pairing", "a", "--hex", "0"], ["eap-close", "0"], ["fault", "delay/x"],
+                      ["scenario", "/nonexistent"], ["dance"], []):
+            with self.subTest(words):
+                self.ctl("sim", *words, code=2)
+
+
+class Playback(OnABus):
+    def test_runs_through_the_list_and_stops_at_its_end(self):
+        music = os.path.join(self.folder, "music")
+        subprocess.run([OPTIONS.samples, music], check=True, stdout=subprocess.DEVNULL)
+        self.start("--speed", "60", music)
+        self.ask("Play", "3")
+        self.assertEqual(self.ask("GetPlayStatus"), "(1,)")
+        self.assertTrue(within(LIMIT, lambda: self.ask("GetPlayStatus") == "(0,)"), "173 s of music, 60 times as fast")
+        self.assertEqual(self.ask("GetPlayingTrackIdx"), "(-1,)")
+
+    def test_repeats_one_track_for_ever(self):
+        music = os.path.join(self.folder, "music")
+        subprocess.run([OPTIONS.samples, music], check=True, stdout=subprocess.DEVNULL)
+        self.start("--speed", "100", music)
+        self.ask("SetRepeatMode", "1")
+        self.ask("Play", "3")
+        time.sleep(1)
+        self.assertEqual(self.ask("GetPlayingTrackIdx"), "(0,)")
+        self.assertEqual(self.ask("GetPlayStatus"), "(1,)")
+
+
+if __name__ == "__main__":
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("--samples", required=True)
+    parser.add_argument("--ipodctl", required=True)
+    parser.add_argument("--schema", required=True)
+    parser.add_argument("--scenarios", required=True)
+    OPTIONS, REST = parser.parse_known_args()
+    with open(OPTIONS.schema, encoding="utf-8") as schema:
+        SCHEMA = json.load(schema)
+    if not os.environ.get(PRIVATE):
+        enter_private_namespace()
+    unittest.main(argv=sys.argv[:1] + REST, verbosity=2)
