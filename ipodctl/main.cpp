@@ -31,7 +31,7 @@ constexpr char kExitCodes[] =
 std::vector<Verb> AllVerbs()
 {
     std::vector<Verb> all;
-    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, QueueVerbs, DeviceVerbs, ArtVerbs,
+    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs, DeviceVerbs, ArtVerbs,
                              EventVerbs, EapVerbs, DoctorVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
