@@ -44,6 +44,7 @@ class TerminalScreen:
         self._saved = (0, 0)
         self._main = None
         self.cursor_shown = True
+        self.commands = []  # those of the operating system: title, marks of shells
         self.look = Look()
         self.resize(rows, columns, fresh=True)
 
@@ -146,6 +147,8 @@ class TerminalScreen:
                 self._mode(numbers, found["final"])
             elif not found["private"]:
                 self._control(found["final"], numbers)
+        elif found["command"] is not None:
+            self.commands.append(found["command"])
         elif found["simple"]:
             self._simple(found["simple"])
 

@@ -13,7 +13,7 @@ from terminal_screen import TerminalScreen
 
 
 class TerminalSession:
-    def __init__(self, command, rows, columns, environment):
+    def __init__(self, command, rows, columns, environment, folder=None):
         self.screen = TerminalScreen(rows, columns)
         self.received = b""
         self.main, self.terminal = pty.openpty()
@@ -21,7 +21,7 @@ class TerminalSession:
         self.modes_before = termios.tcgetattr(self.terminal)
         # The terminal is the one that controls it, so that keys can become signals.
         self.process = subprocess.Popen(command, stdin=self.terminal, stdout=self.terminal, stderr=self.terminal,
-                                        env=environment, start_new_session=True, preexec_fn=self._take_control)
+                                        env=environment, cwd=folder, start_new_session=True, preexec_fn=self._take_control)
 
     def _take_control(self):
         fcntl.ioctl(0, termios.TIOCSCTTY, 0)
