@@ -20,9 +20,10 @@ Time Now()
 }
 }  // namespace
 
-Browser::Browser(ipodkit::Session& session, Screen& screen)
+Browser::Browser(ipodkit::Session& session, Screen& screen, const SuspendSignal& suspend)
     : m_session(session),
       m_screen(screen),
+      m_suspend(suspend),
       m_loop(g_main_loop_new(nullptr, FALSE)),
       m_self(std::make_shared<Browser*>(this)),
       m_audio(session, 0),
@@ -87,6 +88,7 @@ void Browser::AddSources()
     m_sources.push_back(g_unix_fd_add(STDIN_FILENO, G_IO_IN, &OnInput<&Browser::ReadKeys>, this));
     constexpr auto kGone = static_cast<GIOCondition>(G_IO_HUP | G_IO_ERR);
     m_sources.push_back(g_unix_fd_add(STDIN_FILENO, kGone, &OnInput<&Browser::Quit>, this));
+    m_sources.push_back(g_unix_fd_add(m_suspend.Descriptor(), G_IO_IN, &OnInput<&Browser::Suspend>, this));
     m_sources.push_back(g_timeout_add(kTickMilliseconds, &OnSource<&Browser::Tick>, this));
 }
 
@@ -108,6 +110,14 @@ void Browser::Resize()
     m_model.SetHeight(ListRows(m_screen.Rows()));
     m_shown.clear();
     Paint();
+}
+
+// Painting takes the terminal again.
+void Browser::Suspend()
+{
+    m_screen.GiveBack();
+    m_suspend.Obey();
+    Resize();
 }
 
 // The position of what plays moves on by itself.

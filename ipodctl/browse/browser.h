@@ -12,6 +12,7 @@
 
 #include "browse/model.h"
 #include "browse/screen.h"
+#include "browse/suspend_signal.h"
 #include "browse/walker.h"
 
 namespace ctl::browse
@@ -19,7 +20,7 @@ namespace ctl::browse
 class Browser
 {
 public:
-    Browser(ipodkit::Session& session, Screen& screen);
+    Browser(ipodkit::Session& session, Screen& screen, const SuspendSignal& suspend);
     ~Browser();
     Browser(const Browser&) = delete;
     Browser& operator=(const Browser&) = delete;
@@ -40,6 +41,7 @@ private:
     void Guard(const std::function<void()>& function);
     void Quit();
     void Resize();
+    void Suspend();
     void Tick();
     void ReadKeys();
     void FollowKeys();
@@ -55,6 +57,7 @@ private:
 
     ipodkit::Session& m_session;
     Screen& m_screen;
+    const SuspendSignal& m_suspend;
     Model m_model;
     Frame m_shown;
     std::deque<KeyPress> m_keys;  // typed ahead

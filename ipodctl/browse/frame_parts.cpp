@@ -61,15 +61,9 @@ bool IsLatin(gunichar code)
 
 std::string PathText(const Model& model)
 {
-    std::string path;
-    for (const Level& level : model.Levels())
-    {
-        if (&level == &model.Levels().front())
-            path = model.state->deviceName && !model.state->deviceName->empty() ? CellText(*model.state->deviceName)
-                                                                                : "iPod";
-        else
-            path += std::string(kArrow) + CellText(level.title);
-    }
+    std::string path = model.device.empty() ? "iPod" : CellText(model.device);
+    for (std::size_t depth = 1; depth < model.Levels().size(); ++depth)
+        path += std::string(kArrow) + CellText(model.Levels()[depth].title);
     return path;
 }
 
@@ -88,7 +82,7 @@ std::string PlaceText(const Model& model)
     const LevelNames& names = model.Current().names;
     if (!model.Current().counted) return "\xE2\x80\xA6";
     const std::string more = model.Searching() && static_cast<std::size_t>(rows) >= Model::kMostMatches ? "+" : "";
-    const std::string place = std::to_string(rows == 0 ? 0 : model.Cursor().at + 1) + "/" + std::to_string(rows) + more;
+    std::string place = std::to_string(rows == 0 ? 0 : model.Cursor().at + 1) + "/" + std::to_string(rows) + more;
     if (names.Complete() || names.Count() == 0) return place;
     return place + "  " + std::to_string(static_cast<long long>(names.Arrived()) * 100 / names.Count()) + " %";
 }

@@ -118,6 +118,7 @@ public:
 
     ipodkit::StatePtr state = std::make_shared<ipodkit::PlayerState>();
     ipodkit::Connection connection;
+    std::string device;  ///< its name
 
 private:
     Level& Top() { return m_levels.back(); }

@@ -220,6 +220,11 @@ void Screen::Paint(const Frame& frame)
     refresh();
 }
 
+void Screen::GiveBack()
+{
+    endwin();
+}
+
 void Screen::Forget()
 {
     clearok(stdscr, TRUE);

@@ -38,6 +38,9 @@ public:
     /// Shows a frame; what is on the screen already is not sent again.
     void Paint(const Frame& frame);
 
+    /// Gives the terminal back until the next frame.
+    void GiveBack();
+
     /// Sends everything with the next frame, also what seems to be there.
     void Forget();
 

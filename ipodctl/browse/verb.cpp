@@ -59,12 +59,13 @@ void RequireService(GDBusConnection* bus)
 Answer Browse()
 {
     const browse::MessageBox messages;
+    const browse::SuspendSignal suspend;
     const BusPtr bus = RequireBus();
     RequireService(bus.get());
     const auto session = ipodkit::Session::Open();
     if (!session) throw Failure(kNothingDone, session.error().Text());
     browse::Screen screen;
-    browse::Browser(**session, screen).Run();
+    browse::Browser(**session, screen, suspend).Run();
     return {};
 }
 

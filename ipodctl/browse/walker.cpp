@@ -16,6 +16,7 @@ Walker::Walker(ipodkit::Session& session, Model& model, std::function<void()> ch
     : m_model(model),
       m_changed(std::move(changed)),
       m_play(std::move(play)),
+      m_commands(session.Commands()),
       m_names(session, ipodkit::ListKind::Database, kNames),
       m_check(session, ipodkit::ListKind::Database, kOneEntry),
       m_devices(session.Listen("browse", *this))
@@ -31,21 +32,23 @@ template <class T>
 std::function<void(const ipodkit::Result<T>&)> Walker::WhileCurrent(
     std::function<void(const ipodkit::Result<T>&)> arrived)
 {
-    return [this, step = m_step, arrived = std::move(arrived)](const ipodkit::Result<T>& result)
+    return [current = std::weak_ptr<unsigned>(m_step), step = *m_step,
+            arrived = std::move(arrived)](const ipodkit::Result<T>& result)
     {
-        if (step == m_step) arrived(result);
+        const auto now = current.lock();
+        if (now != nullptr && *now == step) arrived(result);
     };
 }
 
 void Walker::BeginStep()
 {
-    ++m_step;
+    ++*m_step;
     m_moving = true;
 }
 
 void Walker::Stop()
 {
-    ++m_step;
+    ++*m_step;
     m_moving = false;
     m_reading = false;
 }
@@ -71,12 +74,27 @@ void Walker::Restart()
     for (std::size_t depth = levels.size() - 1; depth > 0; --depth)
         m_way.push_front({levels[depth].title, levels[depth].place, levels[depth].cursor});
     m_model.LeaveAll();
-    m_names.EnterRoot(WhileCurrent<void>(
-        [this](const ipodkit::Result<void>& done)
+    m_names.EnterRoot(WhileCurrent<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
+}
+
+// What refuses its root has no database at all.
+void Walker::RootEntered(const ipodkit::Result<void>& done)
+{
+    if (!done && done.error().kind == ipodkit::ErrorKind::Refused)
+    {
+        Stop();
+        m_way.clear();
+        m_model.SetCount(0);
+        return Say("there is no database to show; is a device attached?");
+    }
+    if (!done) return Failed(done.error());
+    m_commands.IpodName().Start(WhileCurrent<std::string>(
+        [this](const ipodkit::Result<std::string>& name)
         {
-            if (!done) return Failed(done.error());
-            ReadLevel();
+            m_model.device = name.value_or("");
+            m_changed();
         }));
+    ReadLevel();
 }
 
 // A service that always contradicts itself is not asked for ever.
@@ -100,7 +118,6 @@ void Walker::ReadLevel()
             if (!count) return Failed(count.error());
             m_model.SetCount(*count);
             m_moving = !m_way.empty();
-            m_reading = true;
             ReadOn();
         }));
 }
@@ -113,6 +130,7 @@ void Walker::ReadOn()
     const int seen = m_way.empty() ? m_model.Current().cursor.top : m_way.front().place;
     const int missing = names.Missing(seen, m_way.empty() ? m_model.Height() : 1);
     if (missing < 0) return BuildIndex();
+    m_reading = true;
     m_names.At(missing, WhileCurrent<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page)
                                                        { PageArrived(page); }));
 }

@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 
 #include "browse/index_builder.h"
 #include "browse/model.h"
@@ -56,6 +57,7 @@ private:
     template <class T>
     std::function<void(const ipodkit::Result<T>&)> WhileCurrent(std::function<void(const ipodkit::Result<T>&)> arrived);
     void BeginStep();
+    void RootEntered(const ipodkit::Result<void>& done);
     void Rejoin(const std::string& why);
     void ReadLevel();
     void ReadOn();
@@ -71,7 +73,9 @@ private:
     Model& m_model;
     std::function<void()> m_changed;
     Play m_play;
-    unsigned m_step = 0;   // grows with each change of level; what was asked for before does not count any more
+    ipodkit::Commands m_commands;
+    // Grows with each change of level: what was asked for before does not count any more. Ends with the walker.
+    std::shared_ptr<unsigned> m_step = std::make_shared<unsigned>(0);
     bool m_moving = true;  // until the root is reached for the first time
     bool m_reading = false;
     int m_rejoined = 0;  // in a row, without the user in between

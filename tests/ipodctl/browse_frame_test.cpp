@@ -16,7 +16,7 @@ Model PlayingModel()
     model.SetHeight(5);
     auto state = std::make_shared<ipodkit::PlayerState>();
     state->phase = ipodkit::Phase::Ready;
-    state->deviceName = "Li Lei's iPod";
+    model.device = "Li Lei's iPod";
     state->status = IPOD_PLAY_STATUS_PLAYING;
     state->track = QBXiPodTrackInfo{"七里香", "周杰伦", "", "", 299 * kSeconds, 1, 10, 0};
     state->position = ipodkit::Position{std::chrono::seconds(60), std::chrono::seconds(299), kNow, true};
