@@ -117,7 +117,6 @@ void Walker::ReadLevel()
         {
             if (!count) return Failed(count.error());
             m_model.SetCount(*count);
-            m_moving = !m_way.empty();
             ReadOn();
         }));
 }
@@ -140,6 +139,7 @@ void Walker::PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
     if (!page && page.error().kind != ipodkit::ErrorKind::BadReply) return Failed(page.error());
     if (!page || !Belongs(**page)) return Rejoin("the level is another one than it was");
     m_model.Put(**page);
+    m_moving = !m_way.empty();
     m_changed();
     ReadOn();
 }
@@ -194,6 +194,7 @@ void Walker::Back()
     if (m_moving) return;
     if (m_model.AtRoot()) return Say("this is the top; Ctrl-C quits");
     m_rejoined = 0;
+    m_way.clear();
     BeginStep();
     m_names.EnterParent(WhileCurrent<void>(
         [this](const ipodkit::Result<void>& done)
@@ -208,6 +209,7 @@ void Walker::Open(int entry)
 {
     if (m_moving || m_model.Current().names.At(entry) == nullptr) return;
     m_rejoined = 0;
+    m_way.clear();
     m_moving = true;
     m_check.Refresh();
     m_check.At(entry, WhileCurrent<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
@@ -230,6 +232,7 @@ void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& pa
 
 void Walker::BuildIndex()
 {
+    m_moving = false;
     m_reading = !m_model.Current().index && m_model.Current().names.Count() > 0;
     m_changed();
     if (!m_reading) return;
