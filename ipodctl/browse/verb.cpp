@@ -83,6 +83,6 @@ Run BuildBrowse(CLI::App&)
 std::vector<Verb> BrowserVerbs()
 {
     return {{"browse", "Walk through the music database on the whole screen; ? shows the keys",
-             "ipodctl browse\nipodctl browse   # then type zjl: it finds 周杰伦", BuildBrowse}};
+             "ipodctl browse   # then type zjl: it finds 周杰伦; ? shows all keys", BuildBrowse}};
 }
 }  // namespace ctl
