@@ -32,9 +32,9 @@ constexpr HelpEntry kHelp[] = {
     {"Space", "pause, go on"},
     {"< >", "previous track, next track"},
     {"Ctrl-L", "read everything again"},
-    {"Ctrl-C", "quit"},
+    {"Ctrl-Z, Ctrl-C", "suspend, quit"},
 };
-constexpr int kHelpCount = static_cast<int>(std::size(kHelp));
+static_assert(std::size(kHelp) == Model::kHelpLines);
 
 struct Hint
 {
@@ -226,8 +226,8 @@ Line EmptyLine(const Model& model)
 Frame HelpLines(int first, int height, int columns)
 {
     Frame lines(static_cast<std::size_t>(height));
-    const int top = std::clamp(first, 0, std::max(0, kHelpCount - height));
-    for (int row = 0; row < height && top + row < kHelpCount; ++row)
+    const int top = std::clamp(first, 0, std::max(0, Model::kHelpLines - height));
+    for (int row = 0; row < height && top + row < Model::kHelpLines; ++row)
     {
         const HelpEntry& entry = kHelp[top + row];
         const int column = columns >= kLeastForTable ? kHelpColumn : Width(entry.keys) + 3;

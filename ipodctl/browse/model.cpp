@@ -58,7 +58,7 @@ void Model::Tick(Time now)
 void Model::ScrollHelp(Key key)
 {
     if (key == Key::Down)
-        ++*m_help;
+        *m_help = std::min(*m_help + 1, std::max(0, kHelpLines - m_height));
     else if (key == Key::Up)
         *m_help = std::max(0, *m_help - 1);
     else

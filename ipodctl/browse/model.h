@@ -70,6 +70,7 @@ class Model
 {
 public:
     static constexpr std::size_t kMostMatches = 1000;
+    static constexpr int kHelpLines = 9;
 
     Model() : m_levels(1) {}
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -46,12 +47,26 @@ std::string TypeOfTerminal()
     return type == nullptr ? "" : type;
 }
 
+// Without the waiting times in it, which no terminal of today needs.
+std::string Capability(const char* name)
+{
+    const char* const text = tigetstr(name);
+    constexpr std::intptr_t kNoString = -1;
+    if (text == nullptr || reinterpret_cast<std::intptr_t>(text) == kNoString) return {};
+    std::string plain = text;
+    for (std::size_t begin = plain.find("$<"); begin != std::string::npos; begin = plain.find("$<"))
+    {
+        const std::size_t end = plain.find('>', begin);
+        plain.erase(begin, end == std::string::npos ? end : end - begin + 1);
+    }
+    return plain;
+}
+
 SCREEN* OpenScreen()
 {
     UseUtf8();
     SCREEN* const screen = newterm(nullptr, stdout, stdin);
-    const char* const move = screen == nullptr ? nullptr : tigetstr("cup");
-    if (move != nullptr && move != reinterpret_cast<char*>(-1)) return screen;
+    if (screen != nullptr && !Capability("cup").empty()) return screen;
     if (screen != nullptr)
     {
         endwin();
@@ -59,17 +74,6 @@ SCREEN* OpenScreen()
     }
     throw Failure(kUsage, "browse cannot use a terminal of type '" + Printable(TypeOfTerminal()) +
                               "'; set TERM, for example to xterm");
-}
-
-// Without the waiting times in it, which no terminal of today needs.
-std::string Capability(const char* name)
-{
-    const char* const text = tigetstr(name);
-    if (text == nullptr || text == reinterpret_cast<char*>(-1)) return {};
-    std::string plain = text;
-    for (std::size_t begin = 0; (begin = plain.find("$<", begin)) != std::string::npos;)
-        plain.erase(begin, plain.find('>', begin) - begin + 1);
-    return plain;
 }
 
 bool WantsColour()

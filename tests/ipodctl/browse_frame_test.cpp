@@ -190,6 +190,7 @@ TEST(BrowseFrame, ListsItsKeys)
     Model model = PlayingModel();
     Type(model, "?");
     EXPECT_EQ(Screen(model, 24, 80)[5], " /                            list only what matches; Enter opens, Esc ends");
+    model.SetHeight(ListRows(5));
     Press(model, Key::Down);
     EXPECT_EQ(Screen(model, 5, 20)[1], " Enter, Right  ente…");
 }
