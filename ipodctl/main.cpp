@@ -31,8 +31,8 @@ constexpr char kExitCodes[] =
 std::vector<Verb> AllVerbs()
 {
     std::vector<Verb> all;
-    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, QueueVerbs, DeviceVerbs, ArtVerbs,
-                             EventVerbs, EapVerbs, SimVerbs, DoctorVerbs})
+    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs, DeviceVerbs,
+                             ArtVerbs, EventVerbs, EapVerbs, SimVerbs, DoctorVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
 }

@@ -10,6 +10,7 @@ std::vector<Verb> StatusVerbs();     ///< status, info
 std::vector<Verb> TransportVerbs();  ///< play, pause, stop, next, previous, seek
 std::vector<Verb> ModeVerbs();       ///< shuffle, repeat
 std::vector<Verb> BrowseVerbs();     ///< ls, cd
+std::vector<Verb> BrowserVerbs();    ///< browse
 std::vector<Verb> QueueVerbs();      ///< queue
 std::vector<Verb> DeviceVerbs();     ///< devices, carplay, carlife, button, hub
 std::vector<Verb> ArtVerbs();        ///< art

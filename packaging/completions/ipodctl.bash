@@ -4,7 +4,7 @@ _ipodctl() {
     local cur prev words cword
     _init_completion || return
 
-    local verbs='status info play pause stop next previous seek shuffle repeat ls cd queue devices carplay carlife
+    local verbs='status info play pause stop next previous seek shuffle repeat ls cd browse queue devices carplay carlife
         button hub art events eap sim doctor'
     local sessions='init launch write listen echo'
     local happenings='call battery carplay carlife wireless pairing location source app attach detach button eap-open

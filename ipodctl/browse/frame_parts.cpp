@@ -1,0 +1,255 @@
+#include "browse/frame_parts.h"
+
+#include <glib.h>
+
+#include <algorithm>
+
+#include "text.h"
+
+namespace ctl::browse
+{
+namespace
+{
+constexpr std::string_view kArrow = " \xE2\x80\xBA ";
+constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
+constexpr int kLeastForBar = 50;
+constexpr int kLeastForLength = 30;
+constexpr int kLeastForTable = 70;
+constexpr int kHelpColumn = 30;
+
+struct HelpEntry
+{
+    const char* keys;
+    const char* text;
+};
+
+constexpr HelpEntry kHelp[] = {
+    {"Up Down PgUp PgDn Home End", "move"},
+    {"Enter, Right", "enter a folder; play from a song on"},
+    {"Left, Backspace, Esc", "go back"},
+    {"a-z 0-9", "jump to a name, by its pinyin or initials too: zjl"},
+    {"/", "list only what matches; Enter opens, Esc ends"},
+    {"Space", "pause, go on"},
+    {"< >", "previous track, next track"},
+    {"Ctrl-L", "read everything again"},
+    {"Ctrl-Z, Ctrl-C", "suspend, quit"},
+};
+static_assert(std::size(kHelp) == Model::kHelpLines);
+
+struct Hint
+{
+    const char* key;
+    const char* text;
+};
+
+// In the order in which they are given up when there is no room.
+constexpr Hint kHints[] = {{"^C", "quit"},  {"?", "help"},         {"Enter", "open"}, {"\xE2\x86\x90", "back"},
+                           {"/", "search"}, {"a-z", "jump (zjl)"}, {"Space", "pause"}};
+
+bool IsJoiner(gunichar code)
+{
+    return code == 0x200D || (code >= 0xFE00 && code <= 0xFE0F) || (code >= 0x1F3FB && code <= 0x1F3FF) ||
+           (code >= 0xE0020 && code <= 0xE007F);
+}
+
+bool IsLatin(gunichar code)
+{
+    const GUnicodeScript script = g_unichar_get_script(code);
+    return script == G_UNICODE_SCRIPT_LATIN || script == G_UNICODE_SCRIPT_COMMON ||
+           script == G_UNICODE_SCRIPT_INHERITED;
+}
+
+std::string PathText(const Model& model)
+{
+    std::string path = model.device.empty() ? "iPod" : CellText(model.device);
+    for (std::size_t depth = 1; depth < model.Levels().size(); ++depth)
+        path += std::string(kArrow) + CellText(model.Levels()[depth].title);
+    return path;
+}
+
+// The end of a path says more than its beginning.
+std::string CutFront(std::string_view text, int width)
+{
+    if (Width(text) <= width) return std::string(text);
+    while (!text.empty() && Width(text) > width - 1)
+        text.remove_prefix(static_cast<std::size_t>(g_utf8_next_char(text.data()) - text.data()));
+    return std::string(kEllipsis) + std::string(text);
+}
+
+std::string PlaceText(const Model& model)
+{
+    const int rows = model.Rows();
+    const LevelNames& names = model.Current().names;
+    if (!model.Current().counted) return "\xE2\x80\xA6";
+    const std::string more = model.Searching() && static_cast<std::size_t>(rows) >= Model::kMostMatches ? "+" : "";
+    std::string place = std::to_string(rows == 0 ? 0 : model.Cursor().at + 1) + "/" + std::to_string(rows) + more;
+    if (names.Complete() || names.Count() == 0) return place;
+    return place + "  " + std::to_string(static_cast<long long>(names.Arrived()) * 100 / names.Count()) + " %";
+}
+
+const char* Symbol(const std::optional<iPodPlayerPlayStatus>& status)
+{
+    switch (status.value_or(IPOD_PLAY_STATUS_STOPPED))
+    {
+        case IPOD_PLAY_STATUS_PLAYING:
+            return "\xE2\x96\xB6";
+        case IPOD_PLAY_STATUS_PAUSED:
+            return "\xE2\x80\x96";
+        case IPOD_PLAY_STATUS_FAST_FORWARD:
+            return "\xC2\xBB";
+        case IPOD_PLAY_STATUS_FAST_BACKWARD:
+            return "\xC2\xAB";
+        default:
+            return "\xE2\x96\xA0";
+    }
+}
+
+bool HasTrack(const ipodkit::PlayerState& state)
+{
+    return state.track && !(state.track->text1.empty() && state.track->text2.empty());
+}
+
+std::string TrackText(const ipodkit::PlayerState& state)
+{
+    if (!HasTrack(state)) return "nothing plays";
+    const std::string title = state.track->text1.empty() ? "(no title)" : CellText(state.track->text1);
+    return state.track->text2.empty() ? title : title + " - " + CellText(state.track->text2);
+}
+
+std::string WarningText(const ipodkit::Connection& connection)
+{
+    const bool lost = connection.phase == ipodkit::Phase::Lost;
+    const std::string text = lost ? "the service went away; waiting for it" : "connecting to the service";
+    return connection.error ? text + ": " + connection.error->reason : text;
+}
+
+// A thick line for what has been played, a thin one for the rest.
+Line ProgressSpans(int column, int width, long long position, long long duration)
+{
+    const int done = duration > 0 ? static_cast<int>(std::clamp(position, 0LL, duration) * width / duration) : 0;
+    std::string thick;
+    std::string thin;
+    for (int i = 0; i < done; ++i) thick += "\xE2\x94\x81";
+    for (int i = done; i < width; ++i) thin += "\xE2\x94\x80";
+    return {{column, thick, Style::Playing}, {column + done, thin, Style::Dim}};
+}
+
+// At the right of the line; returns the column where it begins.
+int AddPosition(Line& line, const ipodkit::PlayerState& state, int columns, Time now)
+{
+    if (!state.position || !HasTrack(state)) return columns;
+    const long long position = state.position->At(now).count();
+    const long long duration = state.position->duration.count();
+    std::string times = Clock(static_cast<int>(position));
+    if (columns >= kLeastForLength && duration > 0) times += " / " + Clock(static_cast<int>(duration));
+    const int column = columns - Width(times) - 1;
+    line.push_back({column, times, Style::Plain});
+    if (columns < kLeastForBar) return column;
+    const int width = std::clamp(columns / 3, 10, 40);
+    for (Span& span : ProgressSpans(column - width - 1, width, position, duration)) line.push_back(std::move(span));
+    return column - width - 1;
+}
+
+std::string PromptText(const Model& model)
+{
+    if (model.Searching()) return "/" + CellText(model.Searching()->query) + "\xE2\x96\x8F";
+    return "jump: " + CellText(model.Jumping()->query);
+}
+
+// What came of it.
+std::string OutcomeText(const Model& model)
+{
+    const Level& level = model.Current();
+    if (model.Searching() && model.Searching()->query.empty()) return "type a part of a name; Esc ends";
+    if (!level.index) return "reading the names";
+    const bool matches = model.Searching() ? !model.Searching()->found.empty() : model.Jumping()->matches;
+    if (!matches) return "no match";
+    return model.Searching() ? Count(model.Rows(), "match", "matches") : "";
+}
+
+Line PromptLine(const Model& model, int columns)
+{
+    const std::string prompt = CutFront(PromptText(model), columns - 1);
+    const int column = Width(prompt) + 3;
+    Line line{{1, prompt, Style::Strong}};
+    line.push_back({column, OutcomeText(model), Style::Dim});
+    return line;
+}
+
+Line HintLine(int columns)
+{
+    Line line;
+    int column = 1;
+    for (const Hint& hint : kHints)
+    {
+        const int width = Width(hint.key) + 1 + Width(hint.text);
+        if (column + width > columns) break;
+        line.push_back({column, hint.key, Style::Strong});
+        line.push_back({column + Width(hint.key) + 1, hint.text, Style::Dim});
+        column += width + 3;
+    }
+    return line;
+}
+}  // namespace
+
+std::string CellText(std::string_view name)
+{
+    const std::string printable = Printable(name);
+    std::string text;
+    for (const char* at = printable.c_str(); *at != '\0'; at = g_utf8_next_char(at))
+        if (!IsJoiner(g_utf8_get_char(at))) text.append(at, static_cast<const char*>(g_utf8_next_char(at)));
+    return text;
+}
+
+bool IsForeign(std::string_view name)
+{
+    const std::string printable = Printable(name);
+    for (const char* at = printable.c_str(); *at != '\0'; at = g_utf8_next_char(at))
+        if (!IsLatin(g_utf8_get_char(at))) return true;
+    return false;
+}
+
+Line TitleLine(const Model& model, int columns)
+{
+    const std::string place = PlaceText(model);
+    const int room = columns - Width(place) - 3;
+    if (room < 1) return {{0, Pad(CutFront(PathText(model), columns), columns), Style::Title}};
+    return {{0, " " + Pad(CutFront(PathText(model), room), room + 1) + place + " ", Style::Title}};
+}
+
+Line EmptyLine(const Model& model)
+{
+    const bool empty = model.Current().counted && model.Current().names.Count() == 0;
+    return {{1, empty ? "(empty)" : "", Style::Dim}};
+}
+
+Frame HelpLines(int first, int height, int columns)
+{
+    Frame lines(static_cast<std::size_t>(height));
+    const int top = std::clamp(first, 0, std::max(0, Model::kHelpLines - height));
+    for (int row = 0; row < height && top + row < Model::kHelpLines; ++row)
+    {
+        const HelpEntry& entry = kHelp[top + row];
+        const int column = columns >= kLeastForTable ? kHelpColumn : Width(entry.keys) + 3;
+        lines[static_cast<std::size_t>(row)] = {{1, entry.keys, Style::Strong}, {column, entry.text, Style::Plain}};
+    }
+    return lines;
+}
+
+Line PlayingLine(const Model& model, int columns, Time now)
+{
+    if (model.connection.phase != ipodkit::Phase::Ready)
+        return {{1, Printable(WarningText(model.connection)), Style::Warning}};
+    Line line;
+    const int end = AddPosition(line, *model.state, columns, now);
+    line.push_back({1, Symbol(model.state->status), Style::Playing});
+    line.push_back({3, Cut(TrackText(*model.state), end - 4), Style::Plain});
+    return line;
+}
+
+Line FootLine(const Model& model, int columns)
+{
+    if (!model.Message().empty()) return {{1, Printable(model.Message()), Style::Warning}};
+    return model.Searching() || model.Jumping() ? PromptLine(model, columns) : HintLine(columns);
+}
+}  // namespace ctl::browse

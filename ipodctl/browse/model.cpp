@@ -1,0 +1,270 @@
+#include "browse/model.h"
+
+#include <algorithm>
+
+namespace ctl::browse
+{
+namespace
+{
+constexpr std::chrono::seconds kJumpLasts{2};
+constexpr std::chrono::seconds kMessageLasts{5};
+
+bool IsContinuation(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+void DropLastCharacter(std::string& text)
+{
+    while (!text.empty() && IsContinuation(text.back())) text.pop_back();
+    if (!text.empty()) text.pop_back();
+}
+}  // namespace
+
+void Model::SetHeight(int rows)
+{
+    m_height = std::max(1, rows);
+    Level& level = Top();
+    if (level.counted) level.cursor = Moved(level.cursor, level.cursor.at, level.names.Count(), m_height);
+    if (IsFiltered()) m_search->cursor = Moved(m_search->cursor, m_search->cursor.at, Rows(), m_height);
+}
+
+Wish Model::Press(const KeyPress& press, Time now)
+{
+    m_message.clear();
+    if (press.key == Key::Refresh) return {Wish::What::Reload};
+    if (m_help)
+    {
+        ScrollHelp(press.key);
+        return {};
+    }
+    return m_search ? PressInSearch(press) : PressInList(press, now);
+}
+
+bool Model::NeedsIndex(const KeyPress& press) const
+{
+    const bool opens = press.key == Key::Enter || press.key == Key::Right;
+    return opens && !Current().index && (m_jump || IsFiltered());
+}
+
+// A jump without an index has not happened yet.
+void Model::Tick(Time now)
+{
+    if (m_jump && now >= m_jump->until && Current().index) m_jump.reset();
+    if (now >= m_messageUntil) m_message.clear();
+}
+
+// Every other key closes it.
+void Model::ScrollHelp(Key key)
+{
+    if (key == Key::Down)
+        *m_help = std::min(*m_help + 1, std::max(0, kHelpLines - m_height));
+    else if (key == Key::Up)
+        *m_help = std::max(0, *m_help - 1);
+    else
+        m_help.reset();
+}
+
+bool Model::Navigate(Key key)
+{
+    ListCursor& cursor = ActiveCursor();
+    const auto go = [&](int to)
+    {
+        cursor = Moved(cursor, to, Rows(), m_height);
+        return true;
+    };
+    switch (key)
+    {
+        case Key::Up:
+            return go(cursor.at - 1);
+        case Key::Down:
+            return go(cursor.at + 1);
+        case Key::PageUp:
+            return go(cursor.at - m_height);
+        case Key::PageDown:
+            return go(cursor.at + m_height);
+        case Key::Home:
+            return go(0);
+        case Key::End:
+            return go(Rows() - 1);
+        default:
+            return false;
+    }
+}
+
+Wish Model::PressInList(const KeyPress& press, Time now)
+{
+    if (press.key == Key::Text) return PressCharacter(press.text, now);
+    if (press.key == Key::Backspace) return PressBackspace(now);
+    const bool wasJumping = m_jump.has_value();
+    m_jump.reset();
+    if (Navigate(press.key)) return {};
+    if (press.key == Key::Enter || press.key == Key::Right) return {Wish::What::Open, Selected()};
+    if (press.key == Key::Escape && wasJumping) return {};
+    return {Wish::What::Back};
+}
+
+Wish Model::PressCharacter(const std::string& text, Time now)
+{
+    if (text == " ") return {Wish::What::TogglePause};
+    if (text == ">") return {Wish::What::Next};
+    if (text == "<") return {Wish::What::Previous};
+    if (text == "?")
+        m_help = 0;
+    else if (text == "/")
+    {
+        m_jump.reset();
+        m_search = Search{};
+    }
+    else
+        JumpTo((m_jump ? m_jump->query : std::string()) + text, now);
+    return {};
+}
+
+// It takes back a letter as long as one is to be seen.
+Wish Model::PressBackspace(Time now)
+{
+    if (!m_jump) return {Wish::What::Back};
+    std::string query = m_jump->query;
+    DropLastCharacter(query);
+    m_jump.reset();
+    if (!query.empty()) JumpTo(std::move(query), now);
+    return {};
+}
+
+Wish Model::PressInSearch(const KeyPress& press)
+{
+    if (Navigate(press.key)) return {};
+    const bool end =
+        press.key == Key::Escape || press.key == Key::Left || (press.key == Key::Backspace && m_search->query.empty());
+    if (press.key == Key::Enter || press.key == Key::Right)
+    {
+        SelectInList(Selected());
+        return {Wish::What::Open, Selected()};
+    }
+    if (end)
+    {
+        m_search.reset();
+        return {};
+    }
+    if (press.key == Key::Backspace)
+        DropLastCharacter(m_search->query);
+    else
+        m_search->query += press.text;
+    Find();
+    return {};
+}
+
+void Model::Find()
+{
+    m_search->found = Top().index ? Top().index->Search(m_search->query, kMostMatches) : std::vector<int>();
+    m_search->cursor = {};
+}
+
+void Model::SelectInList(int entry)
+{
+    if (entry >= 0) Top().cursor = Jumped(Top().cursor, entry, Top().names.Count(), m_height);
+}
+
+int Model::FirstMatch(const std::string& query) const
+{
+    if (!Current().index) return -1;
+    const std::vector<int> found = Current().index->Search(query, 1);
+    return found.empty() ? -1 : found.front();
+}
+
+void Model::JumpTo(std::string query, Time now)
+{
+    const int entry = FirstMatch(query);
+    m_jump = Jump{std::move(query), entry >= 0, now + kJumpLasts};
+    SelectInList(entry);
+}
+
+void Model::EndModes()
+{
+    m_search.reset();
+    m_jump.reset();
+}
+
+void Model::Enter(const std::string& title, int place, ListCursor cursor)
+{
+    EndModes();
+    Level level;
+    level.title = title;
+    level.place = place;
+    level.cursor = cursor;
+    m_levels.push_back(std::move(level));
+}
+
+void Model::Leave()
+{
+    EndModes();
+    if (!AtRoot()) m_levels.pop_back();
+    Top().names.Renew();
+    SetHeight(m_height);
+}
+
+void Model::LeaveAll()
+{
+    EndModes();
+    m_levels.erase(m_levels.begin() + 1, m_levels.end());
+    Top().names.Renew();
+    SetHeight(m_height);
+}
+
+// Names that are known stay to be seen until they are known to be others.
+void Model::SetCount(int count)
+{
+    Level& level = Top();
+    level.counted = true;
+    if (count == level.names.Count()) return;
+    level.names.Reset(count);
+    level.index.reset();
+    level.cursor = Moved(level.cursor, level.cursor.at, count, m_height);
+    if (m_search) Find();
+}
+
+void Model::Put(const ipodkit::Page& page)
+{
+    Level& level = Top();
+    level.folders = page.folders;
+    if (!level.names.Put(page.first, page.names)) return;
+    level.index.reset();
+    if (m_search) Find();
+}
+
+// What was typed meanwhile is looked for now.
+void Model::SetIndex(ipodkit::JumpIndex index)
+{
+    Top().index = std::move(index);
+    if (m_search) Find();
+    if (m_jump) JumpTo(m_jump->query, m_jump->until - kJumpLasts);
+}
+
+int Model::Rows() const
+{
+    return IsFiltered() ? static_cast<int>(m_search->found.size()) : Current().names.Count();
+}
+
+int Model::EntryAt(int row) const
+{
+    if (row < 0 || row >= Rows()) return -1;
+    return IsFiltered() ? m_search->found[static_cast<std::size_t>(row)] : row;
+}
+
+const ListCursor& Model::Cursor() const
+{
+    return IsFiltered() ? m_search->cursor : Current().cursor;
+}
+
+int Model::Selected() const
+{
+    return EntryAt(Cursor().at);
+}
+
+void Model::Say(const std::string& message, Time now)
+{
+    m_message = message;
+    m_messageUntil = now + kMessageLasts;
+}
+}  // namespace ctl::browse

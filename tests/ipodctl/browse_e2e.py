@@ -1,0 +1,314 @@
+#!/usr/bin/env python3
+"""Uses ipodctl browse as people do: in a terminal, against the simulator; bus and shared memory are its own."""
+import argparse
+import json
+import os
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
+
+from ipodctl_e2e import (DONE, LIMIT, NO_BUS, NO_SERVICE, PRIVATE, SERVICE_LOST, USAGE, Bus, clear_shared_memory,
+                         enter_private_namespace, line_within)
+from music_folder import write_collection
+from terminal_session import TerminalSession
+
+ENTER, ESCAPE, CTRL_C, CTRL_L, CTRL_Z = "\r", "\033", "\003", "\014", "\032"
+UP, LEFT = "\033OA", "\033OD"
+
+
+def selected(screen):
+    """What stands in the row that is drawn in reverse."""
+    for line in screen.cells:
+        if line[0].look.reverse and line[-2].look.reverse:
+            return "".join(cell.text for cell in line).strip()
+    return ""
+
+
+class InATerminal(unittest.TestCase):
+    def setUp(self):
+        self.addCleanup(clear_shared_memory)
+        self.bus = Bus()
+        self.addCleanup(self.bus.stop)
+        self.bus.environment["TERM"] = "xterm-256color"
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.music = folder.name
+
+    def start(self, rows=24, columns=80, **environment):
+        terminal = TerminalSession([OPTIONS.ipodctl, "browse"], rows, columns,
+                                   dict(self.bus.environment, **environment))
+        self.addCleanup(terminal.close)
+        return terminal
+
+    def sees(self, terminal, *texts):
+        holds = lambda screen: all(text in screen.text() for text in texts)
+        self.assertTrue(terminal.wait_for(holds, LIMIT), (texts, terminal.screen.text()))
+
+    def stands_at(self, terminal, name):
+        holds = lambda screen: selected(screen).startswith(name)
+        self.assertTrue(terminal.wait_for(holds, LIMIT), (name, terminal.screen.text()))
+
+    def ends(self, terminal, code):
+        """It ended with a code, or without one by a crash, and the terminal is as it was before."""
+        ended = terminal.wait(LIMIT)
+        self.assertNotIn(ended, (DONE, None)) if code is None else self.assertEqual(ended, code)
+        self.assertEqual(terminal.modes(), terminal.modes_before)
+        self.assertFalse(terminal.screen.alternate)
+        self.assertTrue(terminal.screen.cursor_shown)
+
+    def ctl(self, *words):
+        answer = subprocess.run([OPTIONS.ipodctl, "--json", *words], env=self.bus.environment, check=True,
+                                capture_output=True, timeout=LIMIT)
+        return json.loads(answer.stdout)
+
+
+class WithoutAService(InATerminal):
+    def test_no_service_is_told_before_the_screen_is_taken(self):
+        terminal = self.start()
+        self.ends(terminal, NO_SERVICE)
+        self.assertIn("no iPod service", terminal.screen.text())
+        self.assertNotIn(b"\033", terminal.received)
+
+    def test_no_bus_is_told(self):
+        terminal = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent/bus")
+        self.ends(terminal, NO_BUS)
+
+    def test_without_a_terminal_it_says_so(self):
+        for words in (["browse"], ["--json", "browse"]):
+            process = subprocess.run([OPTIONS.ipodctl, *words], env=self.bus.environment, stdin=subprocess.DEVNULL,
+                                     capture_output=True, timeout=LIMIT)
+            self.assertEqual(process.returncode, USAGE)
+            self.assertIn(b"ipodctl ls", process.stderr)
+
+
+class WithTheSimulator(InATerminal):
+    def setUp(self):
+        super().setUp()
+        write_collection(self.music)
+        self.start_simulator()
+
+    def start_simulator(self):
+        self.simulator = subprocess.Popen([OPTIONS.simulator, self.music], env=self.bus.environment,
+                                          stdout=subprocess.PIPE, text=True)
+        self.addCleanup(self.stop_simulator, self.simulator)
+        self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
+
+    def stop_simulator(self, simulator):
+        simulator.kill()
+        simulator.wait()
+        simulator.stdout.close()
+
+    def tell(self, *words):
+        subprocess.run([OPTIONS.simulator, "tell", *words], env=self.bus.environment, check=True, timeout=LIMIT,
+                       stdout=subprocess.DEVNULL)
+
+    def in_artists(self, **options):
+        terminal = self.start(**options)
+        self.sees(terminal, "Playlists/", "Songs/")
+        terminal.type("ar" + ENTER)
+        self.sees(terminal, "› Artists", "周杰伦/")
+        return terminal
+
+    def test_an_artist_is_found_by_initials_opened_and_played(self):
+        terminal = self.in_artists()
+        terminal.type("zjl")
+        self.stands_at(terminal, "周杰伦")
+        self.sees(terminal, "jump: zjl", "zhou jie lun")
+        terminal.type(ENTER)
+        self.sees(terminal, "› Artists › 周杰伦", "魔杰座/", "七里香/")
+        terminal.type("qlx" + ENTER)
+        self.sees(terminal, "› 周杰伦 › 七里香", "外婆")
+        terminal.type("wp" + ENTER)
+        self.sees(terminal, "▶ 外婆 - 周杰伦")
+        self.assertEqual(self.ctl("status")["track"]["title"], "外婆")
+        terminal.type(CTRL_C)
+        self.ends(terminal, DONE)
+
+    def test_keys_that_come_faster_than_the_service_answers_mean_what_they_say(self):
+        terminal = self.start()
+        terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
+        self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
+
+    def test_it_goes_back_to_where_it_was(self):
+        terminal = self.in_artists()
+        terminal.type("zjl" + ENTER)
+        self.sees(terminal, "› 周杰伦")
+        for key in (LEFT, ESCAPE):
+            terminal.type(key)
+        self.stands_at(terminal, "Artists/")
+        self.assertTrue(self.ctl("ls")["root"])
+
+    def test_a_search_lists_only_what_matches(self):
+        terminal = self.in_artists()
+        terminal.type("/ zjl")
+        self.sees(terminal, "/ zjl▏  1 match", "1/1")
+        self.assertNotIn("Nadia", terminal.screen.text())
+        terminal.type(ESCAPE)
+        self.sees(terminal, "Nadia Brandt/", "1/11")
+        terminal.type("/")
+        terminal.type("夜" + "\177" + "bran" + ENTER)
+        self.sees(terminal, "› Nadia Brandt", "Lanterns/")
+
+    def test_it_plays_pauses_and_moves_on(self):
+        self.ctl("cd", "/Songs")
+        self.ctl("play", "1")
+        terminal = self.start()
+        self.sees(terminal, "▶ Blue Lantern - Nadia Brandt", "/ 4:13")
+        terminal.type(" ")
+        self.sees(terminal, "‖ Blue Lantern")
+        terminal.type(" ")
+        self.sees(terminal, "▶ Blue Lantern")
+        terminal.type(">")
+        self.assertTrue(terminal.wait_for(lambda screen: "Blue Lantern" not in screen.text(), LIMIT))
+        terminal.type("<")
+        self.sees(terminal, "Blue Lantern")
+
+    def test_every_script_stands_in_its_columns(self):
+        terminal = self.in_artists()
+        self.sees(terminal, "zhou jie lun")
+        rows = terminal.screen.lines()
+        readings = {"单晓岚/": "shan xiao lan", "Анна Вершинина/": "anna versinina", "周杰伦/": "zhou jie lun"}
+        for name, reading in readings.items():
+            number = next(index for index, row in enumerate(rows) if row.startswith("  " + name))
+            self.assertEqual("".join(cell.text for cell in terminal.screen.cells[number][34:]).strip(), reading)
+        self.assertIn("  Midori & the Foxes 🦊/", rows)
+        self.assertTrue(any("מיה לביא" in row for row in rows))
+
+    def test_it_fits_a_terminal_of_twenty_by_five_and_grows_again(self):
+        terminal = self.in_artists()
+        terminal.type("zjl")
+        self.stands_at(terminal, "周杰伦")
+        terminal.resize(5, 20)
+        self.sees(terminal, "11/11", "■ nothing plays", "nothing")
+        self.stands_at(terminal, "周杰伦")
+        terminal.type(UP)
+        self.stands_at(terminal, "曾雨桐")
+        terminal.resize(40, 120)
+        self.sees(terminal, "Анна Вершинина/", "a-z jump")
+        self.stands_at(terminal, "曾雨桐")
+        for rows, columns in ((1, 1), (2, 3), (24, 80)):
+            terminal.resize(rows, columns)
+            terminal.settle()
+        self.sees(terminal, "曾雨桐")
+        terminal.type(CTRL_C)
+        self.ends(terminal, DONE)
+
+    def test_the_terminal_is_given_back_however_it_ends(self):
+        for number, code in ((signal.SIGINT, DONE), (signal.SIGTERM, DONE), (signal.SIGHUP, DONE),
+                             (signal.SIGSEGV, None), (signal.SIGABRT, None)):
+            with self.subTest(number):
+                terminal = self.in_artists()
+                self.assertTrue(terminal.screen.alternate)
+                self.assertNotEqual(terminal.modes(), terminal.modes_before)
+                terminal.process.send_signal(number)
+                self.ends(terminal, code)
+
+    def test_it_ends_when_the_terminal_goes_away(self):
+        terminal = self.in_artists()
+        os.close(terminal.terminal)
+        os.close(terminal.main)
+        self.assertEqual(terminal.process.wait(LIMIT), DONE)
+        terminal.main, terminal.terminal = os.openpty()
+
+    def test_a_service_that_comes_back_finds_it_where_it_was(self):
+        terminal = self.in_artists()
+        terminal.type("zjl" + ENTER)
+        self.sees(terminal, "› 周杰伦", "七里香/")
+        self.simulator.kill()
+        self.sees(terminal, "the service went away", "七里香/")
+        terminal.type(ENTER)
+        self.sees(terminal, "the service went away")
+        self.start_simulator()
+        self.sees(terminal, "■ nothing plays", "› 周杰伦", "七里香/")
+        self.assertEqual(self.ctl("ls")["entries"][1]["name"], "七里香")
+        terminal.type("qlx" + ENTER)
+        self.sees(terminal, "› 七里香", "外婆")
+
+    def test_a_level_that_others_changed_is_not_mistaken(self):
+        terminal = self.in_artists()
+        self.ctl("cd", "/Albums")
+        terminal.type("zjl" + ENTER)
+        self.sees(terminal, "another one than it was", "› Artists")
+        self.stands_at(terminal, "周杰伦")
+        terminal.type(ENTER)
+        self.sees(terminal, "› Artists › 周杰伦")
+
+    def test_another_device_begins_at_its_root(self):
+        terminal = self.in_artists()
+        self.tell("detach", "Desk iPod")
+        self.sees(terminal, "(empty)", "is a device attached?")
+        self.assertNotIn("Artists", terminal.screen.text())
+        self.tell("attach", "Second")
+        self.sees(terminal, "Artists/", "1/5")
+        terminal.type(CTRL_C)
+        self.ends(terminal, DONE)
+
+    def test_it_can_be_suspended(self):
+        terminal = TerminalSession(["bash", "--norc", "--noprofile", "-i"], 24, 80,
+                                   dict(self.bus.environment, PS1="ready> "))
+        self.addCleanup(terminal.close)
+        self.sees(terminal, "ready>")
+        terminal.type(OPTIONS.ipodctl + " browse" + ENTER)
+        self.sees(terminal, "Playlists/")
+        terminal.type(CTRL_Z)
+        self.sees(terminal, "Stopped", "ready>")
+        self.assertFalse(terminal.screen.alternate)
+        terminal.type("fg" + ENTER)
+        self.sees(terminal, "Playlists/")
+        terminal.type("ar")
+        self.stands_at(terminal, "Artists/")
+
+    def test_everything_is_drawn_anew_on_request(self):
+        terminal = self.in_artists()
+        terminal.settle()
+        before = terminal.screen.text()
+        terminal.screen.feed(b"\033[H\033[Jgarbage")
+        terminal.type(CTRL_L)
+        self.sees(terminal, before)
+
+    def test_a_bus_that_goes_away_is_told(self):
+        terminal = self.in_artists()
+        self.bus.daemon.kill()
+        self.ends(terminal, SERVICE_LOST)
+        self.assertIn("bus closed", terminal.screen.text())
+
+    def test_colours_are_left_out_where_they_are_not_wanted(self):
+        coloured = rb"\033\[(\d+;)*[34][0-7]m"
+        terminal = self.in_artists()
+        self.assertRegex(terminal.received, coloured)
+        terminal = self.in_artists(NO_COLOR="1")
+        self.assertNotRegex(terminal.received, coloured)
+        self.stands_at(terminal, "")
+
+    def test_a_terminal_that_cannot_move_its_cursor_is_told(self):
+        for kind in ("dumb", "no-such-terminal", ""):
+            with self.subTest(kind):
+                terminal = self.start(TERM=kind)
+                self.ends(terminal, USAGE)
+                self.assertIn("set TERM", terminal.screen.text().replace("\n", ""))
+
+    def test_another_locale_changes_nothing(self):
+        terminal = self.in_artists(LC_ALL="C", LANG="C")
+        terminal.type("zjl")
+        self.stands_at(terminal, "周杰伦")
+
+
+def parse_options():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--ipodctl", required=True)
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("tests", nargs="*")
+    return parser.parse_args()
+
+
+if __name__ == "__main__":
+    OPTIONS = parse_options()
+    if PRIVATE not in os.environ:
+        enter_private_namespace()
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    unittest.main(argv=[sys.argv[0], "-v", *OPTIONS.tests])

@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include "browse/level_names.h"
+#include "browse/list_cursor.h"
+
+using ctl::browse::Jumped;
+using ctl::browse::LevelNames;
+using ctl::browse::ListCursor;
+using ctl::browse::Moved;
+
+namespace
+{
+void ExpectCursor(const ListCursor& cursor, int at, int top)
+{
+    EXPECT_EQ(cursor.at, at);
+    EXPECT_EQ(cursor.top, top);
+}
+}  // namespace
+
+TEST(ListCursor, ScrollsAsLittleAsItTakes)
+{
+    ExpectCursor(Moved({0, 0}, 9, 100, 10), 9, 0);
+    ExpectCursor(Moved({9, 0}, 10, 100, 10), 10, 1);
+    ExpectCursor(Moved({10, 5}, 4, 100, 10), 4, 4);
+}
+
+TEST(ListCursor, StaysWithinTheList)
+{
+    ExpectCursor(Moved({0, 0}, -5, 100, 10), 0, 0);
+    ExpectCursor(Moved({0, 0}, 1000, 100, 10), 99, 90);
+    ExpectCursor(Moved({3, 3}, 3, 0, 10), 0, 0);
+}
+
+TEST(ListCursor, FillsTheScreenWhenTheListShrinksOrTheScreenGrows)
+{
+    ExpectCursor(Moved({99, 90}, 99, 20, 10), 19, 10);
+    ExpectCursor(Moved({99, 98}, 99, 100, 40), 99, 60);
+}
+
+TEST(ListCursor, SurvivesAScreenWithoutRows)
+{
+    ExpectCursor(Moved({4, 4}, 5, 10, 0), 5, 5);
+}
+
+TEST(ListCursor, PutsWhatWasNotShownIntoTheMiddle)
+{
+    ExpectCursor(Jumped({0, 0}, 50, 100, 10), 50, 45);
+    ExpectCursor(Jumped({0, 0}, 5, 100, 10), 5, 0);
+    ExpectCursor(Jumped({0, 0}, 99, 100, 10), 99, 90);
+}
+
+TEST(LevelNames, KnowsNothingAtFirst)
+{
+    LevelNames names;
+    names.Reset(3);
+    EXPECT_EQ(names.Count(), 3);
+    EXPECT_EQ(names.At(0), nullptr);
+    EXPECT_EQ(names.At(-1), nullptr);
+    EXPECT_EQ(names.At(3), nullptr);
+    EXPECT_FALSE(names.Complete());
+}
+
+TEST(LevelNames, AsksForWhatIsSeenBeforeTheRest)
+{
+    LevelNames names;
+    names.Reset(100);
+    EXPECT_EQ(names.Missing(50, 10), 50);
+    names.Put(50, std::vector<std::string>(10, "x"));
+    EXPECT_EQ(names.Missing(50, 10), 0);
+    EXPECT_EQ(names.Missing(55, 10), 60);
+    names.Put(0, std::vector<std::string>(50, "x"));
+    EXPECT_EQ(names.Missing(0, 10), 60);
+    names.Put(60, std::vector<std::string>(40, "x"));
+    EXPECT_EQ(names.Missing(0, 10), -1);
+    EXPECT_TRUE(names.Complete());
+}
+
+TEST(LevelNames, LeaveOutWhatLiesOutside)
+{
+    LevelNames names;
+    names.Reset(2);
+    EXPECT_TRUE(names.Put(1, {"b", "c"}));
+    EXPECT_EQ(*names.At(1), "b");
+    EXPECT_EQ(names.Arrived(), 1);
+}
+
+TEST(LevelNames, ShowTheOldOnesUntilTheNewOnesCome)
+{
+    LevelNames names;
+    names.Reset(2);
+    names.Put(0, {"a", "b"});
+    names.Renew();
+    EXPECT_EQ(*names.At(1), "b");
+    EXPECT_EQ(names.Missing(0, 2), 0);
+    EXPECT_FALSE(names.Put(0, {"a"}));
+    EXPECT_TRUE(names.Put(1, {"B"}));
+    EXPECT_TRUE(names.Complete());
+}
+
+TEST(LevelNames, FindANameWhereItIsLikely)
+{
+    LevelNames names;
+    names.Reset(3);
+    names.Put(0, {"same", "same", "other"});
+    EXPECT_EQ(names.Find("same", 1), 1);
+    EXPECT_EQ(names.Find("other", 0), 2);
+    EXPECT_EQ(names.Find("gone", 0), -1);
+}

@@ -1,0 +1,78 @@
+/// @file
+/// What the tests of the browser's model and of its screen have in common.
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <string_view>
+
+#include "browse/frame.h"
+#include "text.h"
+
+namespace ctl::browse
+{
+// Bytes of a character after its first.
+inline const std::string kContinuation = []
+{
+    std::string bytes;
+    for (int byte = 0x80; byte < 0xC0; ++byte) bytes += static_cast<char>(byte);
+    return bytes;
+}();
+
+constexpr Time kNow{std::chrono::seconds(1000)};
+
+/// A model in a level whose names have all arrived and are indexed.
+inline void Fill(Model& model, const std::vector<std::string>& names, bool folders = false)
+{
+    model.SetCount(static_cast<int>(names.size()));
+    model.Put({0, names, folders, model.AtRoot()});
+    model.SetIndex(*ipodkit::JumpIndex::Build(names));
+}
+
+inline Wish Press(Model& model, Key key)
+{
+    return model.Press({key, {}}, kNow);
+}
+
+/// Types text, one character after the other; the last wish.
+inline Wish Type(Model& model, const std::string& text, Time now = kNow)
+{
+    Wish wish;
+    for (const char letter : text) wish = model.Press({Key::Text, std::string(1, letter)}, now);
+    return wish;
+}
+
+inline std::string SelectedName(const Model& model)
+{
+    const std::string* const name = model.Current().names.At(model.Selected());
+    return name == nullptr ? "" : *name;
+}
+
+/// A line as it is seen: spans at their columns, later ones over earlier ones.
+inline std::string Seen(const Line& line)
+{
+    std::map<int, std::string> cells;
+    for (const Span& span : line)
+    {
+        int column = span.column;
+        for (std::string_view rest = span.text; !rest.empty();)
+        {
+            const std::size_t end = std::min(rest.find_first_not_of(kContinuation, 1), rest.size());
+            const std::string character(rest.substr(0, end));
+            cells[column] = character;
+            for (int i = 1; i < Width(character); ++i) cells[column + i] = "";
+            column += Width(character);
+            rest.remove_prefix(end);
+        }
+    }
+    std::string text;
+    int column = 0;
+    for (const auto& [at, character] : cells)
+    {
+        text.append(static_cast<std::size_t>(std::max(0, at - column)), ' ').append(character);
+        column = at + 1;
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+}  // namespace ctl::browse
