@@ -89,6 +89,8 @@ SEGMENTS = [
     segment("segment of a 32-bit process", "other-word-size", "exception at once", OTHER_LAYOUT,
             "tests/layout/data/list-armhf-boost1.56.img.xz"),
     segment("object that may not be read", "not-readable", "exception at once", "exception: *"),
+    segment("own sound segment, mode 0444", "read-only", "exception at once: the library must be able to write",
+            "exception: *"),
     segment("sound segment of another user, mode 0644", "of-another-user",
             "exception at once: the library must be able to write", "exception: *"),
     Row("segments", "`/dev/shm` is full", "an exception, never a hang; commands work, shared data does not",
@@ -100,6 +102,8 @@ SEGMENTS = [
         "**cannot be survived**: there are no pages", "SIGBUS", "filled-later", exit=-signal.SIGBUS, says=()),
     Row("segments", "sound segment of twice the size", "taken at the size that it has", "attached", "object",
         [["larger"]], says=("attached", ALIVE)),
+    Row("segments", "sound segment of half the size", "taken at the size that it has", "attached", "object",
+        [["smaller"]], says=("attached", ALIVE)),
     Row("segments", "vector header of random numbers", "no reading outside the segment", "an empty or a wrong page",
         "foreign-header", [["5000"]]),
     Row("segments", "vector header that another process rewrites meanwhile", "no reading outside the segment",
@@ -136,6 +140,8 @@ SERVICE = [
         "its signals are dropped", "second-owner"),
     Row("service", "flood of 60,000 events", "events queue up", "each arrives once and in order", "flood", [["60000"]],
         limit=70),
+    Row("service", "calls and events without a pause, on one thread", "every call is answered, every event arrives",
+        "3,000 calls and 20,000 events a second", "held-rates", [["5"]], limit=40, alone=True),
     Row("service", "bus killed while the main loop runs", "**GDBus ends the process**", "SIGTERM",
         "bus-killed-while-the-loop-runs", exit=-signal.SIGTERM, says=()),
     Row("service", "bus killed, no main loop", "calls fail", "failure value at once", "bus-killed-without-a-loop",
@@ -179,4 +185,13 @@ APPLICATION = [
         says=("lists: problem: *it does not answer: its lock is held, or it was never finished",)),
 ]
 
-ROWS = DECODING + SEGMENTS + SERVICE + APPLICATION
+MEMORY = [
+    Row("memory", "4,000 calls of each family, answered", "readers of texts keep the reply", "they do; all others keep 0 bytes",
+        "kept-by-a-call", limit=60),
+    Row("memory", "4,000 calls of each family, answered with an error", "commands keep the error; pages, records and pictures release it",
+        "as the contract says", "kept-by-a-failed-call", limit=60),
+    Row("memory", "4,000 calls of each family, nobody there", "commands keep the error; pages, records and pictures release it",
+        "as the contract says", "kept-by-a-call-that-nobody-answers", limit=60),
+]
+
+ROWS = DECODING + SEGMENTS + SERVICE + APPLICATION + MEMORY
