@@ -2,6 +2,7 @@
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 #include <glib.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <random>
@@ -26,6 +27,12 @@ enum class Outcome
     Failed,  ///< as documented
     Wrong,
 };
+
+std::uint64_t BytesInUse()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
 
 /// Tells lost and doubled numbered events. Each incarnation of the service counts from 0.
 class EventCount
@@ -73,7 +80,11 @@ public:
 
     void Work()
     {
-        while (m_ledger.ended == 0) Round();
+        for (int round = 0; m_ledger.ended == 0; ++round)
+        {
+            Round();
+            if (round % 64 == 0) m_ledger.columns[m_role][kHeap] = BytesInUse();
+        }
         test::RunLoopFor(std::chrono::milliseconds(500));
         m_events.Close();
     }

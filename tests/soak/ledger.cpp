@@ -13,8 +13,8 @@ namespace soak
 namespace
 {
 constexpr const char* kRoleNames[] = {"first application", "second application", "service"};
-constexpr const char* kColumnNames[] = {"calls",  "failed", "good",    "wrong", "incarnation",
-                                        "events", "lost",   "doubled", "moved", "changed"};
+constexpr const char* kColumnNames[] = {"calls", "failed",  "good",  "wrong",   "incarnation", "events",
+                                        "lost",  "doubled", "moved", "changed", "heap"};
 static_assert(std::size(kRoleNames) == kRoles && std::size(kColumnNames) == kColumns, "each has a name");
 
 template <std::size_t Count>

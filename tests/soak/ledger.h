@@ -30,6 +30,7 @@ enum Column : std::size_t
     kDoubled,
     kMoved,    ///< bytes of pages, pictures and accessory payloads that were compared
     kChanged,  ///< of these, bytes that were not what they should be
+    kHeap,     ///< bytes that an application has allocated now
     kColumns,
 };
 
