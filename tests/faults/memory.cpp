@@ -1,6 +1,4 @@
 // What calls leave behind in the application's heap: nothing, except where the contract demands it.
-#include <malloc.h>
-
 #include <algorithm>
 
 #include "desk.h"
@@ -55,12 +53,6 @@ const std::vector<Family> kKeepingTheText = {
      }},
 };
 
-std::size_t BytesInUse()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
 void Repeat(IQBXIpodPlayer& player, const Call& call, int times)
 {
     for (int i = 0; i < times; ++i) call(player);
@@ -94,6 +86,15 @@ void ExpectKept(IQBXIpodPlayer& player, const char* when, const std::vector<Fami
     }
 }
 
+constexpr const char* kMethods[] = {"GetPlayingListItems",
+                                    "GetCurrentMediaInfo",
+                                    "GetPlayingTrackAlbumArtwork",
+                                    "GetShuffleMode",
+                                    "Next",
+                                    "Seek",
+                                    "EapWrite",
+                                    "GetIpodName"};
+
 void AnswerEverything(test::FakeService& service)
 {
     service.Answer("GetPlayingListItems", "(true,)");
@@ -104,13 +105,6 @@ void AnswerEverything(test::FakeService& service)
     service.Answer("Seek", "()");
     service.Answer("EapWrite", "(true,)");
     service.Answer("GetIpodName", "('iPod of somebody',)");
-}
-
-void FailEverything(test::FakeService& service)
-{
-    for (const char* const method : {"GetPlayingListItems", "GetCurrentMediaInfo", "GetPlayingTrackAlbumArtwork",
-                                     "GetShuffleMode", "Next", "Seek", "EapWrite", "GetIpodName"})
-        service.Fail(method, "it is broken");
 }
 
 void ExpectDemandedLeaks(IQBXIpodPlayer& player, const char* when)
@@ -137,8 +131,17 @@ void KeptByAFailedCall(const Arguments&)
 {
     Desk desk;
     desk.service.KeepNoCalls();
-    FailEverything(desk.service);
+    for (const char* const method : kMethods) desk.service.Fail(method, "it is broken");
     ExpectDemandedLeaks(desk.player, "refused");
+    desk.ExpectAlive();
+}
+
+void KeptByACallAnsweredWithAnotherType(const Arguments&)
+{
+    Desk desk;
+    desk.service.KeepNoCalls();
+    for (const char* const method : kMethods) desk.service.AnswerInvalid(method, "('another type', 1)");
+    ExpectDemandedLeaks(desk.player, "of_another_type");
     desk.ExpectAlive();
 }
 
@@ -158,6 +161,7 @@ std::vector<Case> MemoryCases()
 {
     return {{"kept-by-a-call", KeptByACall},
             {"kept-by-a-failed-call", KeptByAFailedCall},
+            {"kept-by-a-call-answered-with-another-type", KeptByACallAnsweredWithAnotherType},
             {"kept-by-a-call-that-nobody-answers", KeptByACallThatNobodyAnswers}};
 }
 }  // namespace faults

@@ -123,8 +123,10 @@ void Restarted(const Arguments& arguments)
     int survived = 0;
     long received = 0;
     double worst = 0;
+    double inUse = 0;
     for (int i = 0; i < restarts; ++i)
     {
+        if (i == restarts / 2) inUse = static_cast<double>(BytesInUse());
         HelperProcess service(Service());
         service.WaitFor("ready");
         if (player == nullptr) player = &Connected();
@@ -138,6 +140,7 @@ void Restarted(const Arguments& arguments)
         if (counter.received == events && counter.outOfTurn == 0) ++survived;
     }
     Figure("survived", survived);
+    Figure("kept_by_a_restart", (static_cast<double>(BytesInUse()) - inUse) / (restarts - restarts / 2));
     Figure("events", static_cast<double>(received));
     Figure("worst_recovery_ms", 1000 * worst);
     Expect(survived == restarts, "after every restart each event arrives once and in order");

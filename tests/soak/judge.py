@@ -7,10 +7,10 @@ LARGEST_HEAP_SLOPE = 64  # KiB a minute that are allocated beyond that
 # the system gets none of it back.
 LARGEST_RESIDENT_SLOPE = 2048
 BLOCK = 5  # samples, of which the smallest counts: events that queue up for a moment are no growth
-MOST_DESCRIPTORS = 0.5  # a minute; GLib holds one more now and then
+MOST_DESCRIPTORS = 2  # more than in the first half: each process has one more now and then
 LONGEST_RECOVERY = 1000  # milliseconds; the fault matrix holds 100 when nothing else goes on
 SILENCE = (24000, 27000)  # milliseconds: the limit of the bus
-SHORTEST_FOR_SLOPES = 1  # minute; in less, pools that fill up look like growth
+SHORTEST_FOR_SLOPES = 2  # minutes; in less, pools that fill up look like growth
 
 
 def slope(points):
@@ -27,6 +27,14 @@ def slope(points):
 def second_half(samples):
     """Pools and queues reach their size in the first half."""
     return samples[len(samples) // 2:]
+
+
+def first_half(samples):
+    return samples[:len(samples) // 2]
+
+
+def most_descriptors(samples):
+    return max((sum(sample["descriptors"]) for sample in samples), default=0)
 
 
 def slope_of(samples, name):
@@ -55,6 +63,7 @@ def figures(ledger, faults, samples, seconds):
         "rss_kib_per_minute": round(slope_of(samples, "rss") / 1024, 1),
         "demanded_kib_per_minute": round(slope_of(samples, "failed") * KEPT_BY_A_FAILED_CALL / 1024, 1),
         "descriptors_per_minute": round(slope_of(samples, "descriptors"), 2),
+        "descriptors_more": most_descriptors(second_half(samples)) - most_descriptors(first_half(samples)),
     }
 
 
@@ -80,7 +89,7 @@ def growth(found):
         grown = found[f"{name}_kib_per_minute"] - found["demanded_kib_per_minute"]
         if grown > limit:
             yield f"{name} grows by {grown:.0f} KiB a minute that failed calls do not explain"
-    if found["descriptors_per_minute"] > MOST_DESCRIPTORS:
+    if found["descriptors_more"] > MOST_DESCRIPTORS:
         yield "descriptors grow"
 
 
