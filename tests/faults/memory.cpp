@@ -1,5 +1,6 @@
 // What calls leave behind in the application's heap: nothing, except where the contract demands it.
 #include <algorithm>
+#include <functional>
 
 #include "desk.h"
 
@@ -21,37 +22,38 @@ struct Family
     Call call;
 };
 
+void AskForAPage(IQBXIpodPlayer& player)
+{
+    std::vector<std::string> list;
+    player.GetPlayingListItems(0, 9, list);
+}
+
+void WriteToAccessory(IQBXIpodPlayer& player)
+{
+    std::vector<unsigned char> payload(100);
+    player.EapWrite(1, payload);
+}
+
+void AskForAText(IQBXIpodPlayer& player)
+{
+    std::string name;
+    player.GetIpodName(name);
+}
+
 const std::vector<Family> kReleasing = {
-    {"page",
-     [](IQBXIpodPlayer& player)
-     {
-         std::vector<std::string> list;
-         player.GetPlayingListItems(0, 9, list);
-     }},
-    {"record", [](IQBXIpodPlayer& player) { player.GetCurrentMediaInfo(); }},
-    {"picture", [](IQBXIpodPlayer& player) { player.GetPlayingTrackAlbumArtwork(); }},
+    {"page", AskForAPage},
+    {"record", std::mem_fn(&IQBXIpodPlayer::GetCurrentMediaInfo)},
+    {"picture", std::mem_fn(&IQBXIpodPlayer::GetPlayingTrackAlbumArtwork)},
 };
 
 const std::vector<Family> kKeepingTheError = {
-    {"number", [](IQBXIpodPlayer& player) { player.GetShuffleMode(); }},
-    {"truth", [](IQBXIpodPlayer& player) { player.Next(); }},
-    {"order", [](IQBXIpodPlayer& player) { player.Seek(1); }},
-    {"accessory_payload",
-     [](IQBXIpodPlayer& player)
-     {
-         std::vector<unsigned char> payload(100);
-         player.EapWrite(1, payload);
-     }},
+    {"number", std::mem_fn(&IQBXIpodPlayer::GetShuffleMode)},
+    {"truth", std::mem_fn(&IQBXIpodPlayer::Next)},
+    {"order", std::bind(&IQBXIpodPlayer::Seek, std::placeholders::_1, 1)},
+    {"accessory_payload", WriteToAccessory},
 };
 
-const std::vector<Family> kKeepingTheText = {
-    {"text",
-     [](IQBXIpodPlayer& player)
-     {
-         std::string name;
-         player.GetIpodName(name);
-     }},
-};
+const std::vector<Family> kKeepingTheText = {{"text", AskForAText}};
 
 void Repeat(IQBXIpodPlayer& player, const Call& call, int times)
 {
