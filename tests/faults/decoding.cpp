@@ -1,10 +1,10 @@
 // Records, messages and types that the contract does not allow, by reply and by signal.
 #include <ipod_dbus.h>
-#include <memory>
 
 #include <unistd.h>
 
 #include <cstdio>
+#include <memory>
 
 #include "desk.h"
 #include "helper_process.h"
