@@ -3,8 +3,8 @@
 # A failed call leaves its error behind (docs/oddities.md); docs/reliability.md has the measured bytes.
 KEPT_BY_A_FAILED_CALL = 200
 LARGEST_HEAP_SLOPE = 64  # KiB a minute that are allocated beyond that
-# KiB of resident memory a minute beyond that: what failed calls keep lies between the room of long queues of events, and
-# the system gets none of it back.
+# KiB of resident memory a minute beyond that: what failed calls keep lies between the room of queues of events, so that
+# the system does not get all of that room back.
 LARGEST_RESIDENT_SLOPE = 2048
 BLOCK = 5  # samples, of which the smallest counts: events that queue up for a moment are no growth
 MOST_DESCRIPTORS = 2  # more than in the first half: each process has one more now and then
