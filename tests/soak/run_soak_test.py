@@ -12,7 +12,8 @@ import picture  # noqa: E402
 
 GOOD = {"minutes": 2, "calls": 9, "failed": 1, "wrong": 0, "lost": 0, "doubled": 0, "events_sent": 5,
         "events_received": 10, "bytes_moved": 100, "bytes_changed": 0, "faults_injected": 3, "faults_survived": 3,
-        "worst_recovery_ms": 20, "heap_kib_per_minute": 8, "rss_kib_per_minute": 10, "demanded_kib_per_minute": 5, "descriptors_per_minute": 0,
+        "worst_recovery_ms": 20, "heap_kib_per_minute": 8,
+        "rss_kib_per_minute": 10, "demanded_kib_per_minute": 5, "descriptors_per_minute": 0,
         "descriptors_more": 0}
 TALLY = {"silence": {"injected": 1, "survived": 1, "worst_ms": 25010}}
 ENDS = [0, 0]
@@ -25,7 +26,8 @@ class Judging(unittest.TestCase):
     def test_each_shortfall_is_noticed(self):
         for spoilt in ({"wrong": 1}, {"lost": 1}, {"doubled": 1}, {"bytes_changed": 1}, {"faults_survived": 2},
                        {"faults_injected": 0, "faults_survived": 0}, {"worst_recovery_ms": 5000},
-                       {"rss_kib_per_minute": 5000}, {"heap_kib_per_minute": 100}, {"descriptors_more": 3}, {"events_received": 0},
+                       {"rss_kib_per_minute": 5000}, {"heap_kib_per_minute": 100},
+                       {"descriptors_more": 3}, {"events_received": 0},
                        {"bytes_moved": 0}):
             with self.subTest(spoilt):
                 self.assertEqual(len(judge.shortfalls({**GOOD, **spoilt}, TALLY, ENDS)), 1)
