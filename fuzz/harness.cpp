@@ -15,7 +15,7 @@
 namespace
 {
 int category;
-std::string lastLogText;
+char lastLogText[8192];
 }  // namespace
 
 zlog_category_t* liblog_category = reinterpret_cast<zlog_category_t*>(&category);
@@ -24,10 +24,8 @@ void zlog(zlog_category_t*, const char*, size_t, const char*, size_t, long, int,
 {
     va_list arguments;
     va_start(arguments, format);
-    gchar* const text = g_strdup_vprintf(format, arguments);
+    std::vsnprintf(lastLogText, sizeof(lastLogText), format, arguments);
     va_end(arguments);
-    lastLogText = text;
-    g_free(text);
 }
 
 namespace fuzz
@@ -80,7 +78,7 @@ void* Client()
     return static_cast<QBXIpod_MediaPlayer_Client*>(TheDesk().player);
 }
 
-const std::string& LastLogText()
+const char* LastLogText()
 {
     return lastLogText;
 }

@@ -37,8 +37,8 @@ Heard& Listener();
 ComZarnLinuxIpod* Proxy();
 void* Client();
 
-/// The text of the last record of the log.
-const std::string& LastLogText();
+/// The text of the last record of the log, cut after 8191 bytes.
+const char* LastLogText();
 
 /// Ends the run with a finding unless @p holds.
 void Require(bool holds, const char* what);

@@ -16,7 +16,7 @@ std::string Shown(const std::uint8_t* data, std::size_t size)
 
 void RequireLine(const std::string& expected)
 {
-    Require(LastLogText() == expected, "the log line");
+    Require(expected == LastLogText(), "the log line");
 }
 
 void CheckTrack(const std::string& text)

@@ -21,6 +21,7 @@ std::vector<Case> DecodingCases();     ///< records, messages and types that the
 std::vector<Case> SegmentCases();      ///< objects under the segments' names, and what others write into segments
 std::vector<Case> ServiceCases();      ///< a service or a bus that dies, hangs or lies
 std::vector<Case> ApplicationCases();  ///< what applications do to themselves
+std::vector<Case> MemoryCases();       ///< what calls leave behind
 std::vector<Case> Helpers();           ///< the processes at the other end
 
 /// Ends the case in failure at its end, and says why, unless @p holds.

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <memory>
 
 #include "desk.h"
 #include "helper_process.h"
@@ -69,12 +70,19 @@ std::string ArtworkText(const std::string& bytes)
     return test::Text(artwork);
 }
 
-// Replies to every call of @p method with a variant that holds @p inner.
-void AnswerVariant(Desk& desk, const char* method, GVariant* inner)
+using Owned = std::shared_ptr<GVariant>;
+
+// Takes over a reference, floating or not.
+Owned Own(GVariant* value)
 {
-    g_variant_ref_sink(inner);
+    return {g_variant_take_ref(value), g_variant_unref};
+}
+
+// Replies to every call of @p method with a variant that holds @p inner.
+void AnswerVariant(Desk& desk, const char* method, const Owned& inner)
+{
     desk.service.React(method, [inner](GDBusMethodInvocation* invocation)
-                       { g_dbus_method_invocation_return_value(invocation, g_variant_new("(v)", inner)); });
+                       { g_dbus_method_invocation_return_value(invocation, g_variant_new("(v)", inner.get())); });
 }
 
 void TrackBySignal(const Arguments& arguments)
@@ -90,7 +98,7 @@ void TrackByReply(const Arguments& arguments)
 {
     Desk desk;
     const std::string bytes = Pattern(std::stoul(arguments.at(0)));
-    AnswerVariant(desk, "GetCurrentMediaInfo", Bytes(bytes));
+    AnswerVariant(desk, "GetCurrentMediaInfo", Own(Bytes(bytes)));
     ExpectText("result", test::Text(desk.player.GetCurrentMediaInfo()), TrackText(bytes));
     desk.ExpectAlive();
 }
@@ -108,24 +116,25 @@ void ArtworkByReply(const Arguments& arguments)
 {
     Desk desk;
     const std::string bytes = Pattern(std::stoul(arguments.at(0)));
-    AnswerVariant(desk, "GetPlayingTrackAlbumArtwork", Bytes(bytes));
+    AnswerVariant(desk, "GetPlayingTrackAlbumArtwork", Own(Bytes(bytes)));
     ExpectText("result", test::Text(desk.player.GetPlayingTrackAlbumArtwork()), ArtworkText(bytes));
     desk.ExpectAlive();
 }
 
 // "nested-N" for variants in each other, otherwise GVariant text.
-GVariant* InnerValue(const std::string& text)
+Owned InnerValue(const std::string& text)
 {
-    if (text.rfind("nested-", 0) != 0) return g_variant_parse(nullptr, text.c_str(), nullptr, nullptr, nullptr);
+    if (text.rfind("nested-", 0) != 0) return Own(g_variant_parse(nullptr, text.c_str(), nullptr, nullptr, nullptr));
     GVariant* value = Bytes(Pattern(kTrackRecord));
     for (int depth = std::stoi(text.substr(7)); depth > 0; --depth) value = g_variant_new_variant(value);
-    return g_variant_ref_sink(value);
+    return Own(value);
 }
 
 void InnerTypeBySignal(const Arguments& arguments)
 {
     Desk desk;
-    GVariant* const inner = InnerValue(arguments.at(0));
+    const Owned value = InnerValue(arguments.at(0));
+    GVariant* const inner = value.get();
     desk.Deliver("OnIpodPlayingTrackChange", g_variant_new("(iv)", 5, inner));
     desk.Deliver("OnIpodArtworkChange", g_variant_new("(v)", inner));
     desk.Deliver("OnIpodPhoneCallChange", g_variant_new("(v)", inner));
@@ -139,7 +148,7 @@ void InnerTypeBySignal(const Arguments& arguments)
 void InnerTypeByReply(const Arguments& arguments)
 {
     Desk desk;
-    GVariant* const inner = InnerValue(arguments.at(0));
+    const Owned inner = InnerValue(arguments.at(0));
     AnswerVariant(desk, "GetCurrentMediaInfo", inner);
     AnswerVariant(desk, "GetPlayingTrackAlbumArtwork", inner);
     ExpectText("details", test::Text(desk.player.GetCurrentMediaInfo()), TrackText(""));

@@ -1,5 +1,7 @@
 #include "desk.h"
 
+#include <malloc.h>
+
 #include "support/signal_barrier.h"
 #include "support/text.h"
 
@@ -8,6 +10,12 @@ namespace faults
 double SecondsSince(Clock::time_point start)
 {
     return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+std::size_t BytesInUse()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
 }
 
 void Counter::OnPlayProgressChange(int pos, int)

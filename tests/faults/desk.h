@@ -19,6 +19,9 @@ using Clock = std::chrono::steady_clock;
 
 double SecondsSince(Clock::time_point start);
 
+/// What this process has allocated and not released.
+std::size_t BytesInUse();
+
 /// Counts the progress events, and those that came out of turn: positions count up from 0.
 class Counter : public IQBXIpodPlayerListener
 {

@@ -51,7 +51,21 @@ class Judging(unittest.TestCase):
         self.assert_noticed(ROW, 0, "NOT AS DOCUMENTED: it\nalive\n", GOOD[2])
 
 
+def code_in(document):
+    """The lines of its code blocks."""
+    text = (run_faults.ROOT / document).read_text(encoding="utf-8")
+    return [line.strip() for line in text.splitlines() if line.startswith("    ") and line.endswith(";")]
+
+
 class Documentation(unittest.TestCase):
+    def test_what_the_documents_advise_against_the_end_of_the_bus_is_what_is_tested(self):
+        tested = (HERE / "service.cpp").read_text(encoding="utf-8")
+        for document in ("docs/reliability.md", "docs/doxygen/mainpage.md"):
+            code = code_in(document)
+            self.assertEqual(len(code), 3, document)
+            for line in code:
+                self.assertIn(f"    {line}\n", tested, document)
+
     def test_the_document_shows_the_rows(self):
         self.assertEqual(run_faults.check_docs(write=False), 0)
 

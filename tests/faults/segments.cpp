@@ -66,6 +66,14 @@ void PutSoundSegment(std::size_t size)
     const QBXSharedSegment segment(bip::create_only, kListSegmentName, size);
 }
 
+// Root is another user then, who has no rights there.
+void PutReadOnlySegment()
+{
+    PutSoundSegment(kListSegmentSize);
+    chmod(kListPath, 0444);
+    if (geteuid() == 0) Expect(chown(kListPath, kNobody, kNobody) == 0, "an object of another user");
+}
+
 void PutObject(const Arguments& arguments)
 {
     const std::string& kind = arguments.at(0);
@@ -81,14 +89,16 @@ void PutObject(const Arguments& arguments)
     if (kind == "link-to-itself") Expect(symlink(kListPath, kListPath) == 0, "a link");
     if (kind == "other-word-size") Put(Unpacked(arguments.at(1)));
     if (kind == "not-readable") PutPrivateObject();
+    if (kind == "read-only") PutReadOnlySegment();
     if (kind == "of-another-user") PutSoundSegment(kListSegmentSize), chmod(kListPath, 0644);
     if (kind == "larger") PutSoundSegment(2 * kListSegmentSize);
+    if (kind == "smaller") PutSoundSegment(kListSegmentSize / 2);
 }
 
 // Rights count for nothing where one is root.
 void BecomeNobody(const std::string& kind)
 {
-    if (kind == "not-readable" || kind == "of-another-user")
+    if (kind == "not-readable" || kind == "read-only" || kind == "of-another-user")
         Expect(geteuid() != 0 || seteuid(kNobody) == 0, "another user");
 }
 

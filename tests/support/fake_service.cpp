@@ -59,19 +59,6 @@ void Reply(GDBusMethodInvocation* invocation, const std::string& body)
     g_variant_unref(value);
 }
 
-// Past GDBus, which would not let a body of another type through.
-void ReplyInvalid(GDBusMethodInvocation* invocation, const std::string& body)
-{
-    GVariant* const value = Parse(nullptr, body);
-    GDBusMessage* const message = g_dbus_message_new_method_reply(g_dbus_method_invocation_get_message(invocation));
-    g_dbus_message_set_body(message, value);
-    g_dbus_connection_send_message(g_dbus_method_invocation_get_connection(invocation), message,
-                                   G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
-    g_object_unref(message);
-    g_variant_unref(value);
-    g_object_unref(invocation);
-}
-
 std::string Text(const gchar* method, GVariant* arguments)
 {
     gchar* const text = g_variant_print(arguments, FALSE);
@@ -121,9 +108,9 @@ void FakeService::Connect()
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr, nullptr, &error);
     Require(m_connection != nullptr, error);
-    Require(g_dbus_connection_register_object(m_connection, kPath, com_zarn_linux_ipod_interface_info(), &table, this,
-                                              nullptr, &error) != 0,
-            error);
+    const guint registration = g_dbus_connection_register_object(
+        m_connection, kPath, com_zarn_linux_ipod_interface_info(), &table, this, nullptr, &error);
+    Require(registration != 0, error);
     CallBus("RequestName", g_variant_new("(su)", kName, kDoNotQueue));
 }
 
@@ -149,8 +136,22 @@ void FakeService::OnMethodCall(GDBusConnection*, const gchar*, const gchar*, con
         g_dbus_method_invocation_return_dbus_error(invocation, "com.example.NotTold", method);
 }
 
+// Past GDBus, which would not let a body of another type through.
+void FakeService::ReplyInvalid(GDBusMethodInvocation* invocation, const std::string& body)
+{
+    GVariant* const value = Parse(nullptr, body);
+    GDBusMessage* const message = g_dbus_message_new_method_reply(g_dbus_method_invocation_get_message(invocation));
+    g_dbus_message_set_body(message, value);
+    g_dbus_connection_send_message(g_dbus_method_invocation_get_connection(invocation), message,
+                                   G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+    g_object_unref(message);
+    g_variant_unref(value);
+    g_object_unref(invocation);
+}
+
 void FakeService::Record(const gchar* method, GVariant* arguments)
 {
+    if (!m_keepingCalls) return;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_calls.push_back(Text(method, arguments));
@@ -215,6 +216,11 @@ std::vector<std::string> FakeService::Calls() const
     return m_calls;
 }
 
+void FakeService::KeepNoCalls()
+{
+    m_keepingCalls = false;
+}
+
 GVariant* FakeService::LastArguments() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -238,7 +244,15 @@ void FakeService::Emit(const std::string& signal, const std::string& body)
 void FakeService::EmitBody(const std::string& signal, GVariant* body)
 {
     GError* error = nullptr;
-    Require(g_dbus_connection_emit_signal(m_connection, nullptr, kPath, kName, signal.c_str(), body, &error), error);
+    const bool sent = g_dbus_connection_emit_signal(m_connection, nullptr, kPath, kName, signal.c_str(), body, &error);
+    Require(sent, error);
+}
+
+void FakeService::Flush()
+{
+    GError* error = nullptr;
+    const bool flushed = g_dbus_connection_flush_sync(m_connection, nullptr, &error);
+    Require(flushed, error);
 }
 
 void FakeService::ReleaseName()

@@ -53,8 +53,14 @@ public:
 
     void React(const std::string& method, Reaction reaction);
 
+    /// Answers one call with a body of any type; for reactions.
+    static void ReplyInvalid(GDBusMethodInvocation* invocation, const std::string& body);
+
     /// "Seek(12,)" for each call so far: the method and its arguments as GVariant text.
     std::vector<std::string> Calls() const;
+
+    /// Writes calls down no longer: for services that serve for hours.
+    void KeepNoCalls();
 
     /// The arguments of the last call; release with g_variant_unref().
     GVariant* LastArguments() const;
@@ -67,6 +73,9 @@ public:
 
     /// Sends a signal with any body, also one that the contract does not allow. Takes a floating reference.
     void EmitBody(const std::string& signal, GVariant* body);
+
+    /// Waits until everything that was sent has left the process.
+    void Flush();
 
     /// Gives the name up, but stays connected.
     void ReleaseName();
@@ -86,6 +95,7 @@ private:
     Reaction ReactionTo(const std::string& method) const;
 
     GMainContext* m_context;
+    std::atomic<bool> m_keepingCalls{true};
     std::atomic<bool> m_vanishing{false};  // a loop would forget that it was told to quit before it ran
     GDBusConnection* m_connection = nullptr;
     mutable std::mutex m_mutex;

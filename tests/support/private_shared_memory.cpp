@@ -38,7 +38,7 @@ bool EnterUserNamespace()
 bool MountOwnSharedMemory()
 {
     if (unshare(CLONE_NEWNS) != 0 && !EnterUserNamespace()) return false;
-    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+    return mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
            mount("tmpfs", "/dev/shm", "tmpfs", 0, "mode=1777,size=64m") == 0;
 }
 
