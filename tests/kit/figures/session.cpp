@@ -67,26 +67,36 @@ TEST_F(SessionFigures, Restarts)
     Print("ready_again", Quantile(ready, 0.5));
 }
 
-double LongestFor(std::chrono::milliseconds duration)
+// How late the loop was for a source that ticks, and the longest that one turn of it took.
+class Loop
 {
-    const Ticker ticker;
-    RunLoopFor(duration);
-    return Microseconds(ticker.Longest()) / 1000;
-}
+public:
+    void PrintAs(const std::string& name) const
+    {
+        Print(("tick_" + name).c_str(), Microseconds(m_ticker.Longest()) / 1000);
+        Print(("turn_" + name).c_str(), Microseconds(m_turns.Longest()) / 1000);
+    }
+
+private:
+    Turns m_turns;
+    Ticker m_ticker;
+};
 
 // What the machine does to a loop that has nothing to do.
 TEST_F(SessionFigures, LoopAlone)
 {
-    Print("loop_alone", LongestFor(3s));
+    const Loop loop;
+    RunLoopFor(3s);
+    loop.PrintAs("alone");
 }
 
 TEST_F(SessionFigures, LoopWhileConnecting)
 {
     FakeService service;
     AnswerState(service);
-    const Ticker ticker;
+    const Loop loop;
     Ready();
-    Print("loop_connecting", Microseconds(ticker.Longest()) / 1000);
+    loop.PrintAs("connecting");
 }
 
 TEST_F(SessionFigures, LoopWhileTheServiceHangsFromTheStart)
@@ -95,7 +105,9 @@ TEST_F(SessionFigures, LoopWhileTheServiceHangsFromTheStart)
     service.Hold("GetPlayStatus");
     options.deadline = 500ms;
     Open(options);
-    Print("loop_hung_first", LongestFor(3s));
+    const Loop loop;
+    RunLoopFor(3s);
+    loop.PrintAs("hung_first");
     EXPECT_EQ(session->Connection().phase, Phase::Connecting);
 }
 
@@ -108,7 +120,9 @@ TEST_F(SessionFigures, LoopWhileTheServiceHangsAfterThePing)
         service.Hold(method);
     options.deadline = 500ms;
     Open(options);
-    Print("loop_hung_reading", LongestFor(3s));
+    const Loop loop;
+    RunLoopFor(3s);
+    loop.PrintAs("hung_reading");
 }
 
 TEST_F(SessionFigures, LoopWhileTheServiceHangsLater)
@@ -120,14 +134,14 @@ TEST_F(SessionFigures, LoopWhileTheServiceHangsLater)
     service.Hold("Next");
     const Commands commands = session->Commands();
     int completed = 0;
-    const Ticker ticker;
+    const Loop loop;
     for (int i = 0; i < 30; ++i)
     {
         commands.Next().Start([&completed](const Result<void>& result) { completed += result ? 100 : 1; });
         RunLoopFor(100ms);
     }
     RunLoopUntil([&] { return completed == 30; });
-    Print("loop_hung_later", Microseconds(ticker.Longest()) / 1000);
+    loop.PrintAs("hung_later");
     EXPECT_EQ(completed, 30);
 }
 }  // namespace
