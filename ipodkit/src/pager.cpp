@@ -53,7 +53,7 @@ private:
     bool IsDatabase() const { return m_kind == ListKind::Database || m_kind == ListKind::DatabasePinyin; }
     bool HasCount() const { return m_kind != ListKind::Update && m_kind != ListKind::UpdatePinyin; }
     int NumberOf(int index) const { return m_kind == ListKind::Devices ? 0 : index / m_options.pageSize; }
-    int FirstOf(int number) const { return number * m_options.pageSize; }
+    std::int64_t FirstOf(int number) const { return std::int64_t{number} * m_options.pageSize; }
     int LastOf(int number) const;
     Request<int> AskForCount() const;
     void FetchCount();
@@ -218,15 +218,15 @@ void Pager::Impl::PageWanted(int index, PageCompletion completion)
 int Pager::Impl::LastOf(int number) const
 {
     if (m_kind == ListKind::Devices) return m_count.value_or(0) - 1;
-    const int last = FirstOf(number) + m_options.pageSize - 1;
-    return m_count ? std::min(last, *m_count - 1) : last;
+    const std::int64_t last = FirstOf(number) + m_options.pageSize - 1;
+    return static_cast<int>(std::min<std::int64_t>(last, m_count ? *m_count - 1 : INT32_MAX));
 }
 
 void Pager::Impl::FetchPage(int number)
 {
-    InTurn<PageHead>(
-        AskForPage(m_session->Bus(), m_session->Options().deadline, m_kind, FirstOf(number), LastOf(number)),
-        [this, number](const Result<PageHead>& head) { PageArrived(number, head); });
+    InTurn<PageHead>(AskForPage(m_session->Bus(), m_session->Options().deadline, m_kind,
+                                static_cast<int>(FirstOf(number)), LastOf(number)),
+                     [this, number](const Result<PageHead>& head) { PageArrived(number, head); });
 }
 
 // A page of the wrong size says that the size of the list was wrong too.
@@ -247,11 +247,11 @@ Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
 {
     auto names = NamesOf(m_kind);
     if (!names) return tl::unexpected<Error>(Error{ErrorKind::BadReply, "the shared list is damaged"});
-    const int size = LastOf(number) - FirstOf(number) + 1;
-    const auto wanted = static_cast<std::size_t>(size);
+    const auto wanted = static_cast<std::size_t>(LastOf(number) - FirstOf(number) + 1);
     const bool fits = HasCount() ? names->size() == wanted : names->size() <= wanted;
     if (!fits) return WrongSize(names->size(), wanted);
-    return std::make_shared<const Page>(Page{FirstOf(number), std::move(*names), head.folders, head.root});
+    return std::make_shared<const Page>(
+        Page{static_cast<int>(FirstOf(number)), std::move(*names), head.folders, head.root});
 }
 
 // In the direction of the last two requests. Nobody waits for these pages; a later request may join.

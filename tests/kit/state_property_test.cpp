@@ -51,17 +51,19 @@ protected:
         return text == nullptr ? otherwise : std::atoi(text);
     }
 
-    // What a service says when it is asked; sometimes it takes its time.
-    void Answer(const char* method, const std::string& body)
+    // What the service says when it is asked; sometimes it takes its time. What it tells by an event it does not answer
+    // differently after that: one lock for both makes it a service of one thread.
+    void Answer(const std::string& method, const std::string& body)
     {
-        service->Answer(method, body);
-        const int delay = Random(30);
-        if (delay > 2) return;
+        bodies[method] = body;
+        const int delay = Random(30) == 0 ? Random(3) : 0;
         service->React(method,
                        [=](GDBusMethodInvocation* call)
                        {
+                           const std::lock_guard<std::mutex> lock(telling);
                            std::this_thread::sleep_for(std::chrono::milliseconds(delay));
-                           GVariant* const value = g_variant_parse(nullptr, body.c_str(), nullptr, nullptr, nullptr);
+                           GVariant* const value =
+                               g_variant_parse(nullptr, bodies[method].c_str(), nullptr, nullptr, nullptr);
                            g_dbus_method_invocation_return_value(call, value);
                            g_variant_unref(value);
                        });
@@ -104,7 +106,7 @@ protected:
     void CarPlay()
     {
         const int status = Random(3);
-        service->Answer("GetCarplayDeviceDetectStatus", "(byte " + std::to_string(status) + ", 'S')");
+        Answer("GetCarplayDeviceDetectStatus", "(byte " + std::to_string(status) + ", 'S')");
         service->Emit("OnCarplayDeviceDetectStatusChange", "(" + std::to_string(status) + ", 'S')");
         model["carplay"] = std::to_string(status) + "S";
     }
@@ -151,6 +153,7 @@ protected:
 
     void Event()
     {
+        const std::lock_guard<std::mutex> lock(telling);
         switch (Random(13))
         {
             case 0:
@@ -228,7 +231,9 @@ protected:
         RunLoopUntil([&] { return ModelOf(*session->State()) == model; }, 200ms);
     }
 
-    std::unique_ptr<FakeService> service;
+    std::mutex telling;  // guards the bodies
+    std::map<std::string, std::string> bodies;
+    std::unique_ptr<FakeService> service;  // its thread uses the above
     Model model;
     std::mt19937 engine{static_cast<unsigned>(FromEnvironment("IPODKIT_SEED", 1))};
 };
