@@ -245,7 +245,7 @@ TEST_F(StatePropertyTest, TheStateIsWhatTheEventsAndAnswersSay)
     Restart(generation);
     Ready(generation);
 
-    for (int i = 0; i < FromEnvironment("IPODKIT_SEQUENCES", 500); ++i)
+    for (int i = 0; i < FromEnvironment("IPODKIT_SEQUENCES", 1000); ++i)
     {
         Sequence(generation);
         ASSERT_EQ(ModelOf(*session->State()), model) << "after sequence " << i;
