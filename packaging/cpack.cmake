@@ -23,7 +23,11 @@ set(CPACK_COMPONENTS_ALL runtime development documentation)
 if(TARGET ipodctl OR TARGET ipod-simulator)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(TARGET ipodkit_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+set(CPACK_COMPONENT_PYTHON_DEPENDS runtime)
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -62,6 +66,16 @@ set(CPACK_DEBIAN_TOOLS_DESCRIPTION "command line client and simulator of the iPo
 ipodctl controls an attached Apple device through libipod from a shell.
 ipod-simulator takes the place of the iPod service on a desk without a head
 unit and plays a folder of audio files.")
+
+# For one version of the interpreter, as its file name says.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-ipodkit)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${IPOD_PYTHON_DEPENDS}")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-gi)
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Python module of the iPod client library
+Session, state and commands of the companion library ipodkit, for programs that
+run the main loop of GLib through python3-gi.")
 
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libipod-doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)

@@ -43,6 +43,10 @@ install(FILES ${guides} DESTINATION "${documentation}" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/build/docs/" DESTINATION "${documentation}/html" COMPONENT documentation
   OPTIONAL FILES_MATCHING PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.png" PATTERN "*.svg")
 
+if(TARGET ipodkit_python)
+  install_notices(python python3-ipodkit)
+endif()
+
 if(TARGET ipodctl OR TARGET ipod-simulator)
   install_notices(tools ipod-tools)
 endif()

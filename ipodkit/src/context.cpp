@@ -40,4 +40,18 @@ void Post(GMainContext* context, std::function<void()> work)
     g_source_attach(source, context);
     g_source_unref(source);
 }
+
+void RunAside(std::function<void()> work)
+{
+    GTask* const task = g_task_new(nullptr, nullptr, nullptr, nullptr);
+    g_task_set_task_data(task, new Handover(std::move(work)),
+                         [](gpointer data) { delete static_cast<Handover*>(data); });
+    g_task_run_in_thread(task,
+                         [](GTask* self, gpointer, gpointer data, GCancellable*)
+                         {
+                             static_cast<Handover*>(data)->Do();
+                             g_task_return_boolean(self, TRUE);
+                         });
+    g_object_unref(task);
+}
 }  // namespace ipodkit

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <regex>
 #include <vector>
 
 #include "glib_ptr.h"
@@ -43,6 +44,13 @@ tl::unexpected<Error> NoStorage(const std::string& reason)
     return tl::unexpected<Error>(Error{ErrorKind::NoStorage, reason});
 }
 
+// Whoever names a directory that has other files in it keeps them.
+bool IsOurs(const std::string& name)
+{
+    static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp)");
+    return std::regex_match(name, ours);
+}
+
 std::string AbsoluteOf(const std::string& directory)
 {
     if (directory.empty()) return fs::path(g_get_user_runtime_dir()) / "ipodkit";
@@ -68,17 +76,19 @@ Result<std::string> PictureFiles::Uri(const Picture& picture) const
                         static_cast<gssize>(picture.bytes.size()), &failure);
     const ErrorPtr error(failure);
     if (error != nullptr) return NoStorage(error->message);
-    RemoveOldest();
+    RemoveOldestBut(path);
     return AddressOf(path);
 }
 
-void PictureFiles::RemoveOldest() const
+// Files of one moment have one age; the new one stays whatever the clock says.
+void PictureFiles::RemoveOldestBut(const std::string& fresh) const
 {
     std::error_code ignored;
     std::vector<std::pair<fs::file_time_type, fs::path>> files;
     for (const auto& entry : fs::directory_iterator(m_directory, ignored))
-        files.emplace_back(entry.last_write_time(ignored), entry.path());
+        if (entry.path() != fresh && IsOurs(entry.path().filename()))
+            files.emplace_back(entry.last_write_time(ignored), entry.path());
     std::sort(files.begin(), files.end());
-    for (std::size_t i = 0; i + m_keep < files.size(); ++i) fs::remove(files[i].second, ignored);
+    for (std::size_t i = 0; i + m_keep - 1 < files.size(); ++i) fs::remove(files[i].second, ignored);
 }
 }  // namespace ipodkit

@@ -3,16 +3,17 @@
 #pragma once
 
 #include <ipodkit/error.h>
-#include <unicode/translit.h>
+#include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
-#include <memory>
 #include <string>
-#include <unordered_map>
+
+#include "han_reader.h"
+#include "word_reader.h"
 
 namespace ipodkit
 {
-/// Not thread-safe. Remembers what it has read: lists repeat their characters.
+/// Not thread-safe.
 class Reader
 {
 public:
@@ -22,18 +23,11 @@ public:
     std::string Read(const icu::UnicodeString& name);
 
 private:
-    using TransliteratorPtr = std::shared_ptr<icu::Transliterator>;
-    using Readings = std::unordered_map<UChar32, std::string>;
-
-    Reader(TransliteratorPtr words, TransliteratorPtr surnames);
-    int ReadPhrase(const icu::UnicodeString& name, int at, std::string& reading) const;
-    int ReadHan(const icu::UnicodeString& name, int at, std::string& reading);
+    Reader(HanReader han, const icu::Normalizer2& composition) : m_han(std::move(han)), m_composition(&composition) {}
     int ReadWord(const icu::UnicodeString& name, int at, std::string& reading);
-    const std::string& ReadCharacter(Readings& known, const icu::Transliterator& rules, UChar32 character);
 
-    TransliteratorPtr m_words;
-    TransliteratorPtr m_surnames;
-    Readings m_characters;
-    Readings m_surnameCharacters;
+    HanReader m_han;
+    WordReader m_words;
+    const icu::Normalizer2* m_composition;  // ICU's own
 };
 }  // namespace ipodkit

@@ -18,10 +18,10 @@ protected:
         Sources().requestResult = 1;
     }
 
-    Result<void> Play(AudioSource& source)
+    Result<void> Play(AudioSource& source, iPodPlayerPlayOption_e option = IPOD_PLAY_START)
     {
         std::optional<Result<void>> result;
-        source.Play([&result](const Result<void>& done) { result = done; });
+        source.Play([&result](const Result<void>& done) { result = done; }, option);
         EXPECT_FALSE(result);
         EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
         return *result;
@@ -57,6 +57,22 @@ TEST_F(AudioSourceTest, GoesFromTheRequestToTheRelease)
     EXPECT_THAT(Sources().calls, testing::Contains(HasSubstr("ActiveSourceConfirm(10, 77)")));
     EXPECT_THAT(Sources().calls, testing::Contains(HasSubstr("Release(10, 1)")));
     EXPECT_THAT(service.Calls(), testing::Contains("Play(0x03,)"));
+}
+
+TEST_F(AudioSourceTest, StartsResumesAndRestartsPlaybackOnly)
+{
+    AudioSource source(*session, 0);
+    ASSERT_TRUE(source.Request());
+    Activate(source);
+
+    EXPECT_TRUE(Play(source, IPOD_PLAY_START));
+    EXPECT_TRUE(Play(source, IPOD_PLAY_RESUME));
+    EXPECT_TRUE(Play(source, IPOD_PLAY_RESTART));
+    for (const auto option :
+         {IPOD_PLAY_REQUEST_SOURCE_0, IPOD_PLAY_REQUEST_SOURCE_1, IPOD_PLAY_CONFIRM_ACTIVE, IPOD_PLAY_CONFIRM_DEACTIVE})
+        EXPECT_EQ(KindOf(Play(source, option)), ErrorKind::BadArgument);
+
+    EXPECT_THAT(service.Calls(), testing::IsSupersetOf({"Play(0x03,)", "Play(0x04,)", "Play(0x05,)"}));
 }
 
 TEST_F(AudioSourceTest, TheSecondSourceIsEleven)

@@ -2,9 +2,11 @@
 #include <ipodkit/picture_files.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 namespace test
 {
@@ -130,6 +132,67 @@ TEST_F(PictureFilesTest, RemovesTheOldest)
     for (unsigned char i = 0; i < 10; ++i) EXPECT_TRUE(files.Uri(Examine(Png(i))));
 
     EXPECT_EQ(Files(directory), 3U);
+}
+
+TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
+{
+    const PictureFiles files(directory, 1);
+
+    for (unsigned char i = 0; i < 50; ++i)
+    {
+        const std::string uri = files.Uri(Examine(Png(i))).value();
+        EXPECT_EQ(fs::file_size(uri.substr(std::string("file://").size())), 64U);
+        EXPECT_EQ(Files(directory), 1U);
+    }
+}
+
+TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)
+{
+    std::ofstream(directory / "holiday.jpg") << "x";
+    const PictureFiles files(directory, 1);
+
+    for (unsigned char i = 0; i < 10; ++i) EXPECT_TRUE(files.Uri(Examine(Png(i))));
+
+    EXPECT_TRUE(fs::exists(directory / "holiday.jpg"));
+    EXPECT_EQ(Files(directory), 2U);
+}
+
+TEST_F(PictureFilesTest, AFileThatSomebodyCutIsWrittenAgain)
+{
+    const PictureFiles files(directory);
+    const std::string uri = files.Uri(Examine(Png(1))).value();
+    fs::resize_file(uri.substr(std::string("file://").size()), 5);
+
+    EXPECT_EQ(files.Uri(Examine(Png(1))).value(), uri);
+
+    EXPECT_EQ(fs::file_size(uri.substr(std::string("file://").size())), 64U);
+}
+
+// A reader that looks all the time finds whole files only.
+TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
+{
+    const PictureFiles files(directory);
+    std::atomic<bool> writing{true};
+    int seen = 0;
+    int halves = 0;
+    std::thread reader(
+        [&]
+        {
+            while (writing)
+                for (const auto& entry : fs::directory_iterator(directory))
+                {
+                    std::error_code gone;
+                    const auto size = entry.path().extension() == ".png" ? fs::file_size(entry.path(), gone) : 1 << 20;
+                    seen += gone ? 0 : 1;
+                    halves += !gone && size != 1 << 20 ? 1 : 0;
+                }
+        });
+    for (unsigned char i = 0; i < 100; ++i) EXPECT_TRUE(files.Uri(Examine(Padded(Png(i), 1 << 20))));
+    writing = false;
+    reader.join();
+
+    EXPECT_GT(seen, 0);
+    EXPECT_EQ(halves, 0);
 }
 
 TEST_F(PictureFilesTest, SaysWhyItCannotWrite)

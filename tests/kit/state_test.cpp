@@ -246,19 +246,6 @@ TEST_F(StateTest, PicturesBeyondTheLimitAreLeftOut)
     EXPECT_EQ(State()->artwork, nullptr);
 }
 
-TEST_F(StateTest, SurvivesTenThousandTrackChanges)
-{
-    Ready();
-    int published = 0;
-    const Subscription watching = session->OnState("count", [&](const StatePtr&, Fields) { ++published; });
-
-    for (int i = 0; i < 10000; ++i) service.Emit("OnIpodPlayingTrackChange", TrackEvent(i, "T" + std::to_string(i)));
-
-    EXPECT_TRUE(RunLoopUntil([&] { return State()->trackIndex == 9999; }, 30s));
-    EXPECT_EQ(State()->track->text1, "T9999");
-    EXPECT_LT(published, 5000);
-}
-
 TEST(PositionTest, AdvancesUpToTheEndOfTheTrack)
 {
     const auto start = std::chrono::steady_clock::now();

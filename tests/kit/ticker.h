@@ -4,17 +4,28 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 
 namespace test
 {
-/// Ticks every millisecond in the default context, on the thread that makes it. Time for which the kernel kept the
-/// thread waiting for a processor is left out: it says how busy the machine is, not whether the loop was blocked.
+/// Now, without the time for which the kernel kept this thread waiting for a processor: that says how busy the machine
+/// is, not whether the loop was blocked.
+inline std::chrono::nanoseconds OwnTime()
+{
+    long long ran = 0;
+    long long waited = 0;
+    std::ifstream("/proc/thread-self/schedstat") >> ran >> waited;
+    return std::chrono::steady_clock::now().time_since_epoch() - std::chrono::nanoseconds(waited);
+}
+
+/// Ticks every millisecond in the default context, on the thread that makes it. What a virtual machine or a timer is
+/// late counts, though nobody blocked the loop.
 class Ticker
 {
 public:
-    Ticker() : m_last(Now()), m_source(g_timeout_add(1, Tick, this)) {}
+    Ticker() : m_last(OwnTime()), m_source(g_timeout_add(1, Tick, this)) {}
     ~Ticker() { g_source_remove(m_source); }
     Ticker(const Ticker&) = delete;
     Ticker& operator=(const Ticker&) = delete;
@@ -24,18 +35,10 @@ public:
     int Count() const { return m_count; }
 
 private:
-    static std::chrono::nanoseconds Now()
-    {
-        long long ran = 0;
-        long long waited = 0;
-        std::ifstream("/proc/thread-self/schedstat") >> ran >> waited;
-        return std::chrono::steady_clock::now().time_since_epoch() - std::chrono::nanoseconds(waited);
-    }
-
     static gboolean Tick(gpointer data)
     {
         auto& ticker = *static_cast<Ticker*>(data);
-        const auto now = Now();
+        const auto now = OwnTime();
         ticker.m_longest = std::max(ticker.m_longest, now - ticker.m_last);
         ticker.m_last = now;
         ++ticker.m_count;
@@ -46,5 +49,37 @@ private:
     std::chrono::nanoseconds m_longest{0};
     int m_count = 0;
     guint m_source;
+};
+
+/// The longest turn of the default context: from one wait to the next, which is what its callbacks took. One at a time.
+class Turns
+{
+public:
+    Turns() : m_poll(g_main_context_get_poll_func(nullptr))
+    {
+        s_now = this;
+        g_main_context_set_poll_func(nullptr, Poll);
+    }
+    ~Turns() { g_main_context_set_poll_func(nullptr, m_poll); }
+    Turns(const Turns&) = delete;
+    Turns& operator=(const Turns&) = delete;
+
+    std::chrono::nanoseconds Longest() const { return m_longest; }
+
+private:
+    static gint Poll(GPollFD* files, guint count, gint timeout)
+    {
+        Turns& turns = *s_now;
+        if (turns.m_woke.count() != 0) turns.m_longest = std::max(turns.m_longest, OwnTime() - turns.m_woke);
+        const gint ready = turns.m_poll(files, count, timeout);
+        turns.m_woke = OwnTime();
+        return ready;
+    }
+
+    static inline Turns* s_now = nullptr;
+
+    const GPollFunc m_poll;
+    std::chrono::nanoseconds m_woke{0};
+    std::chrono::nanoseconds m_longest{0};
 };
 }  // namespace test

@@ -5,9 +5,10 @@
 ///     index->Search("zjl");          // finds 周杰伦, as "zhoujl", "zhou jie lun" and "杰伦" do
 ///     index->Sections();             // where A, B, … begin in the sorted list
 ///
-/// Chinese names are found by pinyin: whole syllables, their beginnings, or initials, mixed as they come. Names in
-/// other scripts are found by their Latin transcription, accents aside. Surnames and common words with a reading of
-/// their own (曾, 单, 乐队) are read as such.
+/// Chinese names are found by pinyin: whole syllables, their beginnings, or initials, mixed as they come. Surnames and
+/// common words with a reading of their own (曾, 单, 乐队) are read as such, traditional characters as simplified ones.
+/// Names in other scripts are found by their Latin transcription, accents aside, in the way that people write it:
+/// Russian and Ukrainian after BGN, Greek after UNGEGN, Korean in Revised Romanization, kana in Hepburn's.
 #pragma once
 
 #include <ipodkit/error.h>

@@ -17,7 +17,7 @@ class PictureFiles
 {
 public:
     /// @param directory  made when needed, for this user only; empty: "ipodkit" under the user's runtime directory
-    /// @param keep       how many files stay; beyond that the oldest are removed
+    /// @param keep       how many pictures stay; beyond that the oldest are removed, and nothing else
     explicit PictureFiles(std::string directory = {}, std::size_t keep = 32);
 
     /// The file's address, "file:///…". Equal pictures have one address as long as the directory is the same. The file
@@ -27,7 +27,7 @@ public:
     const std::string& Directory() const { return m_directory; }
 
 private:
-    void RemoveOldest() const;
+    void RemoveOldestBut(const std::string& fresh) const;
 
     std::string m_directory;
     std::size_t m_keep;

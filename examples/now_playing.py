@@ -1,0 +1,16 @@
+#!/usr/bin/python3
+"""Shows what plays, for as long as it runs. Compare with now_playing.cpp."""
+import ipodkit
+from gi.repository import GLib
+
+
+def show(state, changed):
+    sign = ">" if state.status == ipodkit.PlayStatus.PLAYING else "="
+    artist, title = (state.track.artist, state.track.title) if state.track else ("", "")
+    print(f"[{state.phase.name}] {sign} {artist} - {title}", flush=True)
+
+
+session = ipodkit.Session()
+fields = {ipodkit.Field.TRACK, ipodkit.Field.STATUS, ipodkit.Field.CONNECTION}
+shown = session.on_state("now playing", show, fields)
+GLib.MainLoop().run()

@@ -1,0 +1,63 @@
+#include "request.h"
+
+#include "duration.h"
+
+namespace ipodkit::python
+{
+namespace
+{
+constexpr char kDoc[] =
+    "A request that has been written down but not sent. It is sent once, by start(), future() or wait().";
+
+AnyRequest& Within(AnyRequest& request, const py::object& deadline)
+{
+    request.Within(ToMilliseconds(deadline));
+    return request;
+}
+
+AnyRequest& CancelledBy(AnyRequest& request, const Cancellation& cancellation)
+{
+    request.CancelledBy(cancellation);
+    return request;
+}
+
+void Start(AnyRequest& request, py::function callback)
+{
+    request.Start({"completion", std::move(callback)});
+}
+
+void Settle(const py::object& future, const py::object& value, const py::object& error)
+{
+    if (error.is_none())
+        future.attr("set_result")(value);
+    else
+        future.attr("set_exception")(error);
+}
+
+py::object Future(AnyRequest& request)
+{
+    py::object future = py::module_::import("concurrent.futures").attr("Future")();
+    const py::cpp_function settle([future](const py::object& value, const py::object& error)
+                                  { Settle(future, value, error); });
+    request.Start({"future", settle});
+    return future;
+}
+}  // namespace
+
+void BindRequest(py::module_& module)
+{
+    py::class_<Cancellation>(module, "Cancellation", "A switch that can be thrown once; it may serve many requests.")
+        .def(py::init<>())
+        .def("cancel", &Cancellation::Cancel, py::call_guard<py::gil_scoped_release>())
+        .def_property_readonly("cancelled", &Cancellation::Cancelled);
+    constexpr auto same = py::return_value_policy::reference;
+    py::class_<AnyRequest>(module, "Request", kDoc)
+        .def("within", Within, py::arg("deadline"), same, "Sets the deadline: seconds or a timedelta.")
+        .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
+        .def("start", Start, py::arg("callback"),
+             "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")
+        .def("future", Future,
+             "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread.")
+        .def("wait", &AnyRequest::Wait, "Sends it and blocks until the answer: returns the value or raises Error.");
+}
+}  // namespace ipodkit::python

@@ -1,0 +1,140 @@
+#include "session.h"
+
+#include <ipodkit/session.h>
+
+#include "callback.h"
+#include "duration.h"
+#include "errors.h"
+#include "values.h"
+
+namespace ipodkit::python
+{
+namespace
+{
+constexpr char kSessionDoc[] =
+    "The connection to the service, through any number of its restarts. It lives in GLib's default main context: make "
+    "and close it on the thread that runs it. There is one at a time in a process.";
+
+// Ending waits for a callback on another thread, which wants the interpreter's lock.
+class Token
+{
+public:
+    explicit Token(Subscription subscription) : m_subscription(std::move(subscription)) {}
+    ~Token() { End(); }
+    Token(const Token&) = delete;
+    Token& operator=(const Token&) = delete;
+
+    void End()
+    {
+        const py::gil_scoped_release others;
+        m_subscription.Reset();
+    }
+
+private:
+    Subscription m_subscription;
+};
+
+using TokenPtr = std::unique_ptr<Token>;
+
+class Owner
+{
+public:
+    explicit Owner(const SessionOptions& options)
+    {
+        auto opened = Session::Open(options);
+        if (!opened) Raise(opened.error());
+        m_session = std::move(*opened);
+    }
+    ~Owner() { Close(); }
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+
+    void Close()
+    {
+        const py::gil_scoped_release others;
+        m_session.reset();
+    }
+
+    Session& Get() const
+    {
+        if (m_session == nullptr) throw std::runtime_error("the session was closed");
+        return *m_session;
+    }
+
+private:
+    std::unique_ptr<Session> m_session;
+};
+
+std::unique_ptr<Owner> Open(const py::object& settle, const py::object& deadline, const py::object& callbackBudget,
+                            std::size_t artworkLimit)
+{
+    SessionOptions options;
+    options.settle = ToMilliseconds(settle);
+    options.deadline = ToMilliseconds(deadline);
+    options.callbackBudget = ToMilliseconds(callbackBudget);
+    options.artworkLimit = artworkLimit;
+    return std::make_unique<Owner>(options);
+}
+
+double Seconds(std::chrono::milliseconds duration)
+{
+    return std::chrono::duration<double>(duration).count();
+}
+
+TokenPtr OnConnection(const Owner& owner, const std::string& name, py::function function)
+{
+    const Callback callback(name, std::move(function));
+    const py::gil_scoped_release others;
+    return std::make_unique<Token>(owner.Get().OnConnection(
+        name, [callback](const Connection& connection) { callback.Call([&] { return py::make_tuple(connection); }); }));
+}
+
+TokenPtr OnState(const Owner& owner, const std::string& name, py::function function, const py::object& fields)
+{
+    const Callback callback(name, std::move(function));
+    const Fields wanted = ToFields(fields);
+    const py::gil_scoped_release others;
+    return std::make_unique<Token>(owner.Get().OnState(
+        name,
+        [callback](const StatePtr& state, Fields changed)
+        { callback.Call([&] { return py::make_tuple(ToPython(state), ToPython(changed)); }); },
+        wanted));
+}
+
+py::object ErrorOf(const Connection& connection)
+{
+    return connection.error ? ToException(*connection.error) : py::none();
+}
+
+void BindConnection(py::module_& module)
+{
+    py::class_<Connection>(module, "Connection", "How far the session is with the service.")
+        .def_readonly("phase", &Connection::phase)
+        .def_readonly("generation", &Connection::generation, "How often the service has appeared.")
+        .def_property_readonly("error", ErrorOf, "What stands in the way: an Error, or None.");
+    py::class_<Token>(module, "Subscription", "Ends when it is no longer referred to, or by end().")
+        .def("end", &Token::End, "When it returns the callback is not running, and will not run again.");
+}
+}  // namespace
+
+void BindSession(py::module_& module)
+{
+    BindConnection(module);
+    const SessionOptions usual;
+    py::class_<Owner>(module, "Session", kSessionDoc)
+        .def(py::init(&Open), py::kw_only(), py::arg("settle") = Seconds(usual.settle),
+             py::arg("deadline") = Seconds(usual.deadline), py::arg("callback_budget") = Seconds(usual.callbackBudget),
+             py::arg("artwork_limit") = usual.artworkLimit)
+        .def("close", &Owner::Close, "Completes the requests that are under way with ErrorKind.CANCELLED.")
+        .def("__enter__", [](py::object self) { return self; })
+        .def("__exit__", [](Owner& owner, const py::args&) { owner.Close(); })
+        .def_property_readonly("connection", [](const Owner& owner) { return owner.Get().Connection(); })
+        .def_property_readonly("state", [](const Owner& owner) { return ToPython(owner.Get().State()); })
+        .def_property_readonly("commands", [](const Owner& owner) { return owner.Get().Commands(); })
+        .def("on_connection", OnConnection, py::arg("name"), py::arg("callback"),
+             "Calls callback(connection) at every step of the connection, first the present one.")
+        .def("on_state", OnState, py::arg("name"), py::arg("callback"), py::arg("fields") = py::none(),
+             "Calls callback(state, changed) for every published state that differs in one of the fields (all when "
+             "None), first the present one with all fields.");
+}
+}  // namespace ipodkit::python

@@ -1,0 +1,23 @@
+/// @file
+/// The values of the companion as Python sees them.
+#pragma once
+
+#include <ipodkit/player_state.h>
+#include <pybind11/pybind11.h>
+
+namespace ipodkit::python
+{
+namespace py = pybind11;
+
+/// Enumerations and records of the core, and what commands return.
+void BindValues(py::module_& module);
+
+/// PlayerState and its parts. After BindValues().
+void BindState(py::module_& module);
+
+py::object ToPython(const StatePtr& state);
+
+/// A frozenset of Field, and any iterable of them; None stands for all.
+py::object ToPython(Fields fields);
+Fields ToFields(const py::object& fields);
+}  // namespace ipodkit::python

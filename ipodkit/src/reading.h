@@ -1,0 +1,22 @@
+/// @file
+/// What readings are made of: lower-case letters and digits that can be typed, single blanks between syllables and
+/// words.
+#pragma once
+
+#include <unicode/translit.h>
+#include <unicode/unistr.h>
+
+#include <memory>
+#include <string>
+
+namespace ipodkit
+{
+/// Null when the system's ICU lacks them.
+std::shared_ptr<icu::Transliterator> MakeRules(const char16_t* id);
+
+/// Only what can be typed of what the rules make of a text.
+std::string Letters(const icu::Transliterator& rules, icu::UnicodeString text);
+
+/// One more syllable or word, or several; nothing when it is empty.
+void AppendReading(std::string& reading, const std::string& token);
+}  // namespace ipodkit

@@ -1,0 +1,243 @@
+// Services that break the contract: the state stays consistent, the loop alive, the errors clear.
+#include <ipodkit/accessory.h>
+#include <ipodkit/pager.h>
+
+#include <climits>
+#include <thread>
+
+#include "kit/kit_test.h"
+#include "kit/ticker.h"
+
+namespace test
+{
+namespace
+{
+class BadInputTest : public KitTest
+{
+protected:
+    BadInputTest() { AnswerState(service); }
+
+    StatePtr State() const { return session->State(); }
+
+    Result<PagePtr> Get(Pager& pager, int index)
+    {
+        std::optional<Result<PagePtr>> result;
+        pager.At(index, [&result](Result<PagePtr> page) { result = std::move(page); });
+        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+        return *result;
+    }
+
+    void Emit(const std::string& signal, const std::string& body)
+    {
+        service.Emit(signal, body);
+        Settle(service);
+    }
+
+    FakeService service;
+    SharedVectors shared;
+};
+
+TEST_F(BadInputTest, MoreEntriesThanThereAreIsABadReplyAndTheSizeIsAskedAgain)
+{
+    service.Answer("GetPlayingListItemsAmount", "(100,)");
+    service.Answer("GetPlayingListItems", "(true,)");
+    shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(10, "x"));
+    Ready();
+    Pager pager(*session, ListKind::Playing);
+
+    const Result<PagePtr> page = Get(pager, 0);
+
+    EXPECT_EQ(KindOf(page), ErrorKind::BadReply);
+    EXPECT_THAT(page.error().reason, HasSubstr("10 entries instead of 50"));
+    service.Answer("GetPlayingListItemsAmount", "(10,)");
+    EXPECT_EQ(Get(pager, 9).value()->names.size(), 10U);
+}
+
+TEST_F(BadInputTest, FewerEntriesThanThereAreIsABadReply)
+{
+    service.Answer("GetPlayingListItemsAmount", "(10,)");
+    service.Answer("GetPlayingListItems", "(true,)");
+    shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(50, "x"));
+    Ready();
+    Pager pager(*session, ListKind::Playing);
+
+    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Get(pager, 9)), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Get(pager, 10)), ErrorKind::BadArgument);
+}
+
+TEST_F(BadInputTest, ANegativeAmountIsABadReply)
+{
+    service.Answer("GetPlayingListItemsAmount", "(-1,)");
+    Ready();
+    Pager pager(*session, ListKind::Playing);
+
+    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
+    EXPECT_FALSE(State()->queueSize);
+    Emit("OnIpodPlayingListAmountChange", "(-5,)");
+    EXPECT_FALSE(State()->queueSize);
+}
+
+TEST_F(BadInputTest, TheLargestAmountIsAskedForWithinItsRange)
+{
+    service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(INT_MAX) + ",)");
+    service.Answer("GetPlayingListItems", "(true,)");
+    service.Answer("GetUpdateListItems", "(true,)");
+    shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(47, "x"));
+    shared.SetList("VecUpdateListShareMemory", {"y"});
+    Ready();
+    Pager playing(*session, ListKind::Playing);
+    Pager update(*session, ListKind::Update);
+
+    const PagePtr last = Get(playing, INT_MAX - 1).value();
+    const PagePtr beyond = Get(update, INT_MAX).value();
+
+    EXPECT_EQ(last->first, 2147483600);
+    EXPECT_EQ(last->At(INT_MAX - 1), "x");
+    EXPECT_EQ(beyond->first, 2147483600);
+    EXPECT_THAT(service.Calls(), testing::Contains("GetPlayingListItems(2147483600, 2147483646)"));
+    EXPECT_THAT(service.Calls(), testing::Contains("GetUpdateListItems(2147483600, 2147483647)"));
+}
+
+TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
+{
+    Ready();
+    AccessoryPort port(*session);
+    const std::uint64_t version = State()->version;
+
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'z', 0x18, 0}));
+    Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 0xFF, 0xFF}));
+    Emit("OnIpodStopEapSession", "(300,)");
+    Emit("OnIpodReceiveEapData", "(44,)");
+
+    EXPECT_EQ(State()->version, version);
+    EXPECT_THAT(port.Sessions(), IsEmpty());
+    EXPECT_EQ(session->Connection().phase, Phase::Ready);
+}
+
+TEST_F(BadInputTest, ASessionThatIsOpenedTwiceWasClosedInBetween)
+{
+    Ready();
+    AccessoryPort port(*session);
+    Emit("OnIpodStartEapSession", "(3, 300)");
+    const AccessorySessionPtr first = port.Sessions().at(0);
+
+    Emit("OnIpodStartEapSession", "(4, 300)");
+
+    EXPECT_FALSE(first->IsOpen());
+    ASSERT_EQ(port.Sessions().size(), 1U);
+    EXPECT_EQ(port.Sessions().front()->Protocol(), 4);
+    EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 4}}));
+}
+
+TEST_F(BadInputTest, ARestartInTheMiddleOfAPageCancelsItAndTheNextOneIsRight)
+{
+    service.Hold("GetPlayingListItems");
+    Ready();
+    Pager pager(*session, ListKind::Playing);
+    std::optional<Result<PagePtr>> result;
+    pager.At(0, [&result](Result<PagePtr> page) { result = std::move(page); });
+    const auto asked = [&]
+    {
+        const std::vector<std::string> calls = service.Calls();
+        return std::find(calls.begin(), calls.end(), "GetPlayingListItems(0, 2)") != calls.end();
+    };
+    ASSERT_TRUE(RunLoopUntil(asked));
+
+    service.Vanish();
+    FakeService next;
+    AnswerState(next);
+    next.Answer("GetPlayingListItems", "(true,)");
+    shared.SetList("VecPlayingListShareMemory", {"a", "b", "c"});
+    Ready(2);
+
+    ASSERT_TRUE(result);
+    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+    EXPECT_EQ(Get(pager, 2).value()->At(2), "c");
+}
+
+TEST_F(BadInputTest, APictureThatIsNoneHasNoTypeAndNoSize)
+{
+    Ready();
+    shared.SetBytes("VecArtworkChangeBufferShareMemory", {'n', 'o', 'n', 's', 'e', 'n', 's', 'e'});
+
+    Emit("OnIpodArtworkChange", PictureBody());
+
+    ASSERT_NE(State()->artwork, nullptr);
+    EXPECT_EQ(State()->artwork->type, PictureType::Unknown);
+    EXPECT_EQ(State()->artwork->width, 0U);
+    EXPECT_EQ(State()->artwork->bytes.size(), 8U);
+}
+
+TEST_F(BadInputTest, AnAnnouncedPictureWithoutBytesIsNone)
+{
+    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
+    shared.SetBytes("VecArtworkBufferShareMemory", {});
+    shared.SetBytes("VecArtworkChangeBufferShareMemory", {});
+    Ready();
+
+    Emit("OnIpodArtworkChange", PictureBody());
+
+    EXPECT_EQ(State()->artwork, nullptr);
+}
+
+TEST_F(BadInputTest, APictureHeadOfAnotherSizeIsNone)
+{
+    service.Answer("GetPlayingTrackAlbumArtwork", Record({0, 0}));
+    shared.SetBytes("VecArtworkBufferShareMemory", {'G', 'I', 'F', '8', '9', 'a'});
+
+    Ready();
+
+    EXPECT_EQ(State()->artwork, nullptr);
+}
+
+TEST_F(BadInputTest, AnswersOfOtherTypesLeaveTheirFieldsUnknown)
+{
+    for (const char* method : {"GetCurrentMediaInfo", "GetPlayingTrackIdx", "GetPlayPosition", "GetShuffleMode",
+                               "GetRepeatMode", "GetIpodName", "GetCarplayDeviceDetectStatus"})
+        service.AnswerInvalid(method, "(true, 'nonsense')");
+
+    Ready();
+
+    EXPECT_FALSE(State()->track);
+    EXPECT_FALSE(State()->position);
+    EXPECT_FALSE(State()->shuffle);
+    EXPECT_FALSE(State()->carPlay);
+    EXPECT_EQ(State()->deviceCount, 1);
+}
+
+// Made from bytes: text would take longer to read than all the rest.
+GVariant* TrackBodyOf(int index)
+{
+    std::vector<guchar> record(1040);
+    const std::string title = "T" + std::to_string(index);
+    std::copy(title.begin(), title.end(), record.begin());
+    GVariant* const bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, record.data(), record.size(), 1);
+    return g_variant_new("(iv)", index, bytes);
+}
+
+// The loop goes on ticking while they come.
+TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
+{
+    Ready();
+    int published = 0;
+    const Subscription watching = session->OnState("count", [&](const StatePtr&, Fields) { ++published; });
+    const Ticker ticker;
+    std::thread sending(
+        [this]
+        {
+            for (int i = 0; i < 10000; ++i) service.EmitBody("OnIpodPlayingTrackChange", TrackBodyOf(i));
+        });
+
+    const bool arrived = RunLoopUntil([&] { return State()->trackIndex == 9999; }, 30s);
+    sending.join();
+
+    EXPECT_TRUE(arrived);
+    EXPECT_EQ(State()->track->text1, "T9999");
+    EXPECT_GT(ticker.Count(), 10);
+    EXPECT_GT(published, 1);
+    EXPECT_LT(published, 5000);
+}
+}  // namespace
+}  // namespace test

@@ -1,0 +1,74 @@
+// An asynchronous command of the companion against the generated binding's bare one: one call at a time, in random
+// order. Meant for one processor.
+#include <ipod_dbus.h>
+
+#include <random>
+
+#include "kit/figures/figures.h"
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+using CallFigures = KitTest;
+
+void Until(const bool& flag)
+{
+    while (!flag) g_main_context_iteration(nullptr, TRUE);
+}
+
+void Finish(GObject* source, GAsyncResult* result, gpointer done)
+{
+    gboolean moved = FALSE;
+    com_zarn_linux_ipod_call_next_finish(COM_ZARN_LINUX_IPOD(source), &moved, result, nullptr);
+    *static_cast<bool*>(done) = true;
+}
+
+double TimeBare(ComZarnLinuxIpod* proxy)
+{
+    bool done = false;
+    const auto start = Clock::now();
+    com_zarn_linux_ipod_call_next(proxy, nullptr, Finish, &done);
+    Until(done);
+    return Microseconds(Clock::now() - start);
+}
+
+double TimeKit(const Commands& commands)
+{
+    bool done = false;
+    const auto start = Clock::now();
+    commands.Next().Start([&done](const Result<void>&) { done = true; });
+    Until(done);
+    return Microseconds(Clock::now() - start);
+}
+
+TEST_F(CallFigures, AsynchronousCommand)
+{
+    FakeService service;
+    AnswerState(service);
+    service.Answer("Next", "(true,)");
+    const Commands commands = Ready().Commands();
+    ComZarnLinuxIpod* const proxy =
+        com_zarn_linux_ipod_proxy_new_for_bus_sync(G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES,
+                                                   "com.zarn.linux.ipod", "/com/zarn/linux/ipod", nullptr, nullptr);
+    Samples bare;
+    Samples again;
+    Samples kit;
+    std::mt19937 engine(1);
+    for (int i = 0; i < 3 * Rounds(4000); ++i)
+    {
+        const auto which = engine() % 3;
+        if (which == 0)
+            kit.push_back(TimeKit(commands));
+        else
+            (which == 1 ? bare : again).push_back(TimeBare(proxy));
+    }
+    Print("call_bare", Quantile(bare, 0.5));
+    Print("call_kit", Quantile(kit, 0.5));
+    Print("call_control", Quantile(again, 0.5) / Quantile(bare, 0.5));
+    Print("call_ratio", Quantile(kit, 0.5) / Quantile(bare, 0.5));
+    g_object_unref(proxy);
+}
+}  // namespace
+}  // namespace test

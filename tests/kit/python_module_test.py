@@ -1,0 +1,322 @@
+#!/usr/bin/env python3
+"""Runs the Python module with the main loop of python3-gi, against the simulator on a bus and in a shared memory of
+its own."""
+import argparse
+import datetime
+import os
+import select
+import signal
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+SKIPPED = 77
+PRIVATE = "IPODKIT_PYTHON_PRIVATE"
+LIMIT = 20
+
+try:
+    from gi.repository import GLib
+except ImportError:
+    print("no python3-gi here")
+    sys.exit(SKIPPED)
+
+
+def enter_private_namespace():
+    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
+    unshare = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-rm"]
+    if subprocess.run(unshare + ["true"], capture_output=True).returncode != 0:
+        print("no private mount namespace here")
+        sys.exit(SKIPPED)
+    os.environ[PRIVATE] = "1"
+    command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
+    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
+
+
+def line_within(stream, seconds):
+    ready, _, _ = select.select([stream], [], [], seconds)
+    return stream.readline() if ready else ""
+
+
+def start_bus():
+    """A session bus for this process, which keeps its first one for good."""
+    command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]
+    daemon = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = line_within(daemon.stdout, LIMIT).strip()
+    return daemon
+
+
+def run_until(condition, seconds=LIMIT):
+    """Runs python3-gi's loop until the condition holds; whether it does."""
+    loop = GLib.MainLoop()
+
+    def look():
+        if condition():
+            loop.quit()
+        return True
+
+    sources = [GLib.timeout_add(2, look), GLib.timeout_add(int(seconds * 1000), loop.quit)]
+    loop.run()
+    for source in sources:
+        if GLib.MainContext.default().find_source_by_id(source):
+            GLib.source_remove(source)
+    return condition()
+
+
+class Simulator:
+    def __init__(self):
+        self.process = subprocess.Popen([OPTIONS.simulator], stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        line_within(self.process.stdout, LIMIT)
+
+    def tell(self, *words):
+        subprocess.run([OPTIONS.simulator, "tell", *words], check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
+
+    def hang(self):
+        self.process.send_signal(signal.SIGSTOP)
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+
+
+class WithoutService(unittest.TestCase):
+    def setUp(self):
+        self.session = ipodkit.Session(settle=0.005, deadline=5)
+        self.addCleanup(self.session.close)
+
+    def test_a_request_says_that_nobody_is_there(self):
+        with self.assertRaises(ipodkit.Error) as raised:
+            self.session.commands.next().wait()
+
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.NO_SERVICE)
+        self.assertIn("NoService: ", str(raised.exception))
+
+    def test_there_is_one_session_at_a_time(self):
+        with self.assertRaises(ipodkit.Error) as raised:
+            ipodkit.Session()
+
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.BAD_ARGUMENT)
+
+    def test_a_closed_session_says_so(self):
+        self.session.close()
+
+        with self.assertRaisesRegex(RuntimeError, "closed"):
+            self.session.state
+
+    def test_the_state_is_there_and_knows_nothing(self):
+        self.assertEqual(self.session.state.phase, ipodkit.Phase.ABSENT)
+        self.assertIsNone(self.session.state.track)
+        self.assertEqual(self.session.state.calls, {})
+
+    def test_a_session_ends_with_its_block(self):
+        self.session.close()
+
+        with ipodkit.Session() as session:
+            self.assertEqual(session.connection.generation, 0)
+
+        with self.assertRaises(RuntimeError):
+            session.commands
+
+
+class WithSimulator(unittest.TestCase):
+    def setUp(self):
+        self.simulator = Simulator()
+        self.addCleanup(lambda: self.simulator.end())
+        self.session = ipodkit.Session(settle=0.005, deadline=5)
+        self.addCleanup(self.session.close)
+        self.assertTrue(run_until(lambda: self.session.connection.phase == ipodkit.Phase.READY))
+
+    def completed(self, request):
+        """What the completion of a request was given."""
+        given = []
+        request.start(lambda value, error: given.append((value, error, threading.get_ident())))
+        self.assertEqual(given, [])
+        self.assertTrue(run_until(lambda: given))
+        self.assertEqual(len(given), 1)
+        self.assertEqual(given[0][2], threading.get_ident())
+        return given[0][:2]
+
+    def test_reads_the_state_and_follows_it(self):
+        self.assertEqual(self.session.state.device_name, "Desk iPod")
+        self.assertIsInstance(self.session.state.position.now(), datetime.timedelta)
+        seen = []
+        watching = self.session.on_state("battery", lambda state, changed: seen.append((state, changed)),
+                                         {ipodkit.Field.BATTERY})
+
+        self.assertTrue(run_until(lambda: seen))
+        self.simulator.tell("battery", "--level", "42")
+        self.assertTrue(run_until(lambda: len(seen) == 2))
+
+        self.assertIn(ipodkit.Field.TRACK, seen[0][1])
+        self.assertEqual(seen[1][1], frozenset({ipodkit.Field.BATTERY}))
+        self.assertEqual(seen[1][0].battery.level, 42)
+        self.assertEqual(self.session.state.battery.level, 42)
+        watching.end()
+
+    def test_values_and_refusals_reach_the_completion(self):
+        value, error = self.completed(self.session.commands.device_count())
+        self.assertEqual((value, error), (1, None))
+
+        value, error = self.completed(self.session.commands.enter_child(9999))
+        self.assertIsNone(value)
+        self.assertEqual(error.kind, ipodkit.ErrorKind.REFUSED)
+
+    def test_the_blocking_form_returns_the_value(self):
+        commands = self.session.commands
+        self.assertEqual(commands.ipod_name().wait(), "Desk iPod")
+        self.assertEqual(commands.shuffle().within(1.5).wait(), ipodkit.Shuffle.OFF)
+        self.assertIsNone(commands.set_shuffle(ipodkit.Shuffle.SONGS).wait())
+        self.assertEqual(commands.shuffle().wait(), ipodkit.Shuffle.SONGS)
+
+    def test_a_request_is_sent_once(self):
+        request = self.session.commands.device_count()
+        request.wait()
+
+        with self.assertRaisesRegex(RuntimeError, "sent already"):
+            request.wait()
+
+    def test_other_threads_run_while_one_waits(self):
+        self.simulator.hang()
+        ticks = []
+        ending = threading.Event()
+
+        def tick():
+            while not ending.wait(0.01):
+                ticks.append(time.monotonic())
+
+        ticker = threading.Thread(target=tick)
+        ticker.start()
+        with self.assertRaises(ipodkit.Error) as raised:
+            self.session.commands.next().within(datetime.timedelta(milliseconds=300)).wait()
+        count = len(ticks)
+        ending.set()
+        ticker.join()
+
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
+        self.assertGreater(count, 5)
+
+    def test_a_future_is_fulfilled_by_the_loop_for_another_thread(self):
+        names = []
+        asking = threading.Thread(
+            target=lambda: names.append(self.session.commands.ipod_name().future().result(LIMIT)))
+        asking.start()
+
+        self.assertTrue(run_until(lambda: names))
+        asking.join()
+        self.assertEqual(names, ["Desk iPod"])
+
+    def test_a_cancelled_request_completes_at_once(self):
+        self.simulator.hang()
+        stop = ipodkit.Cancellation()
+        given = []
+        self.session.commands.next().cancelled_by(stop).start(lambda value, error: given.append(error))
+
+        stop.cancel()
+
+        self.assertTrue(run_until(lambda: given, 1))
+        self.assertEqual(given[0].kind, ipodkit.ErrorKind.CANCELLED)
+
+    def test_the_end_of_the_session_completes_what_is_under_way(self):
+        self.simulator.hang()
+        given = []
+        self.session.commands.next().start(lambda value, error: given.append(error.kind))
+
+        self.session.close()
+
+        self.assertEqual(given, [ipodkit.ErrorKind.CANCELLED])
+
+    def test_restarts_are_survived(self):
+        phases = []
+        watching = self.session.on_connection("phases", lambda connection: phases.append(connection.phase.name))
+        run_until(lambda: phases)
+
+        self.simulator.end()
+        self.assertTrue(run_until(lambda: phases[-1] == "LOST"))
+        self.simulator = Simulator()
+        self.assertTrue(run_until(lambda: phases[-1] == "READY"))
+
+        self.assertEqual(phases, ["READY", "LOST", "CONNECTING", "READY"])
+        del watching
+
+    def test_a_subscription_ends_with_its_object(self):
+        calls = []
+        watching = self.session.on_state("watching", lambda state, changed: calls.append(changed))
+        run_until(lambda: calls)
+
+        del watching
+        self.session.commands.set_repeat(ipodkit.Repeat.ONE).wait()
+        self.assertTrue(run_until(lambda: self.session.state.repeat == ipodkit.Repeat.ONE))
+
+        self.assertEqual(len(calls), 1)
+
+    def test_a_subscription_may_end_itself(self):
+        calls = []
+
+        def once(state, changed):
+            calls.append(state)
+            self.watching.end()
+
+        self.watching = self.session.on_state("once", once)
+        run_until(lambda: calls)
+        self.session.commands.set_repeat(ipodkit.Repeat.ALL).wait()
+        self.assertTrue(run_until(lambda: self.session.state.repeat == ipodkit.Repeat.ALL))
+
+        self.assertEqual(len(calls), 1)
+
+    def test_what_a_callback_raises_is_reported_and_ends_nothing(self):
+        reported = []
+        self.addCleanup(setattr, sys, "unraisablehook", sys.unraisablehook)
+        sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
+
+        watching = self.session.on_state("broken", lambda state, changed: 1 / 0)
+
+        self.assertTrue(run_until(lambda: reported))
+        self.assertEqual(reported, [(ZeroDivisionError, "broken")])
+        self.assertEqual(self.completed(self.session.commands.device_count())[0], 1)
+        del watching
+
+    def test_a_token_may_be_ended_while_its_callback_runs_in_another_thread(self):
+        entered = threading.Event()
+        watching = self.session.on_state("slow", lambda state, changed: (entered.set(), time.sleep(0.2)))
+        ended = []
+
+        def end():
+            entered.wait(LIMIT)
+            watching.end()
+            ended.append(True)
+
+        ending = threading.Thread(target=end)
+        ending.start()
+
+        self.assertTrue(run_until(lambda: ended))
+        ending.join()
+
+    def test_the_example_shows_what_plays(self):
+        example = subprocess.Popen([sys.executable, OPTIONS.example], stdout=subprocess.PIPE, text=True)
+        self.addCleanup(example.stdout.close)
+        self.addCleanup(example.wait)
+        self.addCleanup(example.kill)
+
+        giving_up = threading.Timer(LIMIT, example.kill)
+        giving_up.start()
+        self.addCleanup(giving_up.cancel)
+        shown = next((line for line in example.stdout if line.startswith("[READY]")), "")
+        self.assertRegex(shown, r"^\[READY\] [>=] .* - .*\n$")
+
+
+if __name__ == "__main__":
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("--example", required=True)
+    OPTIONS, rest = parser.parse_known_args()
+    if PRIVATE not in os.environ:
+        enter_private_namespace()
+    import ipodkit
+    ipodkit.log("ERROR:/dev/null")
+    BUS = start_bus()
+    try:
+        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
+    finally:
+        BUS.kill()
