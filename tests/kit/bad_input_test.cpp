@@ -217,6 +217,13 @@ GVariant* TrackBodyOf(int index)
     return g_variant_new("(iv)", index, bytes);
 }
 
+// Address sanitizers walk the stack at every allocation, which takes longer than the event.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kChanges = 1000;
+#else
+constexpr int kChanges = 10000;
+#endif
+
 // The loop goes on ticking while they come.
 TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
 {
@@ -227,17 +234,17 @@ TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
     std::thread sending(
         [this]
         {
-            for (int i = 0; i < 10000; ++i) service.EmitBody("OnIpodPlayingTrackChange", TrackBodyOf(i));
+            for (int i = 0; i < kChanges; ++i) service.EmitBody("OnIpodPlayingTrackChange", TrackBodyOf(i));
         });
 
-    const bool arrived = RunLoopUntil([&] { return State()->trackIndex == 9999; }, 30s);
+    const bool arrived = RunLoopUntil([&] { return State()->trackIndex == kChanges - 1; }, 30s);
     sending.join();
 
     EXPECT_TRUE(arrived);
-    EXPECT_EQ(State()->track->text1, "T9999");
+    EXPECT_EQ(State()->track->text1, "T" + std::to_string(kChanges - 1));
     EXPECT_GT(ticker.Count(), 10);
     EXPECT_GT(published, 1);
-    EXPECT_LT(published, 5000);
+    EXPECT_LT(published, kChanges / 2);
 }
 }  // namespace
 }  // namespace test

@@ -13,6 +13,13 @@ namespace
 {
 using Model = std::map<std::string, std::string>;
 
+// Address sanitizers walk the stack at every allocation.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kSequences = 200;
+#else
+constexpr int kSequences = 1000;
+#endif
+
 template <class T>
 void Put(Model& model, const char* key, const std::optional<T>& value)
 {
@@ -245,7 +252,7 @@ TEST_F(StatePropertyTest, TheStateIsWhatTheEventsAndAnswersSay)
     Restart(generation);
     Ready(generation);
 
-    for (int i = 0; i < FromEnvironment("IPODKIT_SEQUENCES", 1000); ++i)
+    for (int i = 0; i < FromEnvironment("IPODKIT_SEQUENCES", kSequences); ++i)
     {
         Sequence(generation);
         ASSERT_EQ(ModelOf(*session->State()), model) << "after sequence " << i;
