@@ -41,6 +41,16 @@ bool IsBackward(const std::string& argument)
     return argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9';
 }
 
+// The first word that is neither an option nor the value of the one option before the verb that has a value.
+std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
+{
+    const auto isWord = [](const std::string& argument) { return argument.empty() || argument[0] != '-'; };
+    auto found = std::find_if(arguments.begin(), arguments.end(), isWord);
+    while (found != arguments.end() && found != arguments.begin() && *std::prev(found) == "--deadline")
+        found = std::find_if(std::next(found), arguments.end(), isWord);
+    return found;
+}
+
 // The parser takes "-10" for an option.
 void SpellOutBackward(std::vector<std::string>& arguments)
 {
@@ -76,8 +86,7 @@ Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 std::vector<std::string> ToParse(int argc, char** argv, const std::vector<Verb>& verbs)
 {
     std::vector<std::string> arguments(argv + std::min(1, argc), argv + argc);
-    const auto verb = std::find_if(arguments.begin(), arguments.end(),
-                                   [](const std::string& argument) { return argument.empty() || argument[0] != '-'; });
+    const auto verb = FindVerb(arguments);
     if (verb != arguments.end() && !IsVerb(verbs, *verb))
         throw Failure(kUsage, "unknown verb '" + Printable(*verb) + "'; ipodctl --help lists them");
     if (verb != arguments.end() && *verb == "seek") SpellOutBackward(arguments);

@@ -2,9 +2,9 @@
 
 #include <glib.h>
 
-#include <optional>
-
+#include "hexdump.h"
 #include "names.h"
+#include "phone.h"
 #include "picture.h"
 #include "text.h"
 #include "track.h"
@@ -15,46 +15,17 @@ namespace
 {
 constexpr int kNameWidth = 14;
 
-std::string Now(const char* format)
+std::string Written(GDateTime* time, const char* format)
 {
-    GDateTime* const now = g_date_time_new_now_local();
-    gchar* const text = g_date_time_format(now, format);
+    gchar* const text = g_date_time_format(time, format);
     const std::string result = text;
     g_free(text);
-    g_date_time_unref(now);
     return result;
 }
 
-std::string Milliseconds()
+std::string_view View(const std::vector<unsigned char>& bytes)
 {
-    char text[8];
-    g_snprintf(text, sizeof(text), ".%03d", static_cast<int>(g_get_real_time() / 1000 % 1000));
-    return text;
-}
-
-std::string Hex(const std::vector<unsigned char>& bytes)
-{
-    std::string text;
-    char pair[3];
-    for (const unsigned char byte : bytes)
-    {
-        g_snprintf(pair, sizeof(pair), "%02x", byte);
-        text += pair;
-    }
-    return text;
-}
-
-// Fields that the service did not send are left out.
-template <class T>
-void AddField(Json& fields, const char* name, const std::optional<T>& value)
-{
-    if (value) fields[name] = *value;
-}
-
-template <class T>
-void AddName(Json& fields, const char* name, const std::optional<T>& value, std::string (*nameOf)(int))
-{
-    if (value) fields[name] = nameOf(*value);
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 std::string TextOf(const Json& value)
@@ -70,26 +41,10 @@ std::string Listed(const Json& fields)
     return text;
 }
 
-void AddCallFields(Json& fields, const iPodPhoneCall_t& call)
-{
-    AddName(fields, "status", call.Status, CallStatusName);
-    AddName(fields, "direction", call.Direction, CallDirectionName);
-    AddField(fields, "name", call.DisplayName);
-    AddField(fields, "remote", call.RemoteID);
-    AddField(fields, "label", call.Label);
-    AddName(fields, "service", call.Service, CallServiceName);
-    AddField(fields, "uuid", call.CallUUID);
-    AddField(fields, "address_book_id", call.AddressBookID);
-    AddField(fields, "conferenced", call.IsConferenced);
-    AddField(fields, "conference_group", call.ConferenceGroup);
-    AddName(fields, "end", call.DisconnectReason, CallEndName);
-    AddField(fields, "start", call.StartTimestamp);
-}
-
 std::string BytesText(const std::vector<unsigned char>& data)
 {
     constexpr int kShown = 60;
-    return Cut(Printable({reinterpret_cast<const char*>(data.data()), data.size()}), kShown);
+    return Cut(Printable(View(data)), kShown);
 }
 
 std::string Size(std::size_t bytes)
@@ -160,16 +115,13 @@ void EventListener::OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus
 
 void EventListener::OnIpodPhoneCallChange(const iPodPhoneCall_t& call)
 {
-    Json fields = Json::object();
-    AddCallFields(fields, call);
+    const Json fields = CallJson(call);
     m_sink({"phone-call", fields, Listed(fields)});
 }
 
 void EventListener::OnIpodBatteryChange(const iPodBattery_t& battery)
 {
-    Json fields = Json::object();
-    AddField(fields, "percent", battery.BatteryChargeLevel);
-    AddName(fields, "status", battery.BatteryChargingStatus, ChargingName);
+    const Json fields = BatteryJson(battery);
     m_sink({"battery", fields, Listed(fields)});
 }
 
@@ -198,7 +150,7 @@ void EventListener::OnIpodStopEapSession(unsigned short session)
 void EventListener::OnIpodReceiveEapData(unsigned short session, std::vector<unsigned char>& data)
 {
     m_sink({"eap-data",
-            {{"session_low_byte", session}, {"bytes", data.size()}, {"hex", Hex(data)}},
+            {{"session_low_byte", session}, {"bytes", data.size()}, {"hex", Hex(View(data))}},
             "session " + std::to_string(session) + ", " + Size(data.size()) + ": " + BytesText(data)});
 }
 
@@ -217,15 +169,34 @@ void EventListener::OnWirelessCarPlayUpdate(bool available, const std::string& a
 void EventListener::OnOOBPairingInfo(std::string address, const std::vector<unsigned char>& bytes)
 {
     m_sink({"pairing",
-            {{"address", address}, {"hex", Hex(bytes)}},
-            Printable(address) + ", " + Size(bytes.size()) + ": " + Hex(bytes)});
+            {{"address", address}, {"hex", Hex(View(bytes))}},
+            Printable(address) + ", " + Size(bytes.size()) + ": " + Hex(View(bytes))});
+}
+
+Moment Moment::Now()
+{
+    GDateTime* const now = g_date_time_new_now_local();
+    char fraction[8];
+    g_snprintf(fraction, sizeof(fraction), ".%03d", g_date_time_get_microsecond(now) / 1000);
+    Moment moment{Written(now, "%FT%T") + fraction + Written(now, "%:z"), Written(now, "%T") + fraction};
+    g_date_time_unref(now);
+    return moment;
+}
+
+const std::vector<std::string>& EventNames()
+{
+    static const std::vector<std::string> names = {
+        "device",    "play-status", "progress", "repeat",  "shuffle",          "track",         "queue-size",
+        "source",    "artwork",     "carplay",  "battery", "location",         "carlife",       "phone-call",
+        "eap-start", "eap-stop",    "eap-data", "pairing", "wireless-carplay", "foreground-app"};
+    return names;
 }
 
 Answer ToAnswer(const Event& event)
 {
-    const std::string fraction = Milliseconds();
-    Json json{{"time", Now("%FT%T") + fraction + Now("%:z")}, {"event", event.name}};
+    const Moment now = Moment::Now();
+    Json json{{"time", now.full}, {"event", event.name}};
     json.update(event.fields);
-    return {json, Now("%T") + fraction + "  " + Pad(event.name, kNameWidth) + "  " + event.text};
+    return {json, now.clock + "  " + Pad(event.name, kNameWidth) + "  " + event.text};
 }
 }  // namespace ctl

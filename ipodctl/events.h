@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "output.h"
 
@@ -49,6 +50,18 @@ public:
 private:
     Sink m_sink;
 };
+
+/// A local time.
+struct Moment
+{
+    std::string full;   ///< "2026-11-21T10:12:42.123+01:00"
+    std::string clock;  ///< "10:12:42.123"
+
+    static Moment Now();
+};
+
+/// What Event::name may be.
+const std::vector<std::string>& EventNames();
 
 /// The event with the local time of now, in both forms.
 Answer ToAnswer(const Event& event);

@@ -11,12 +11,13 @@ namespace ctl
 enum ExitCode : int
 {
     kDone = 0,
-    kNothingDone = 1,  ///< the service refused, or there was nothing to do
-    kUsage = 2,        ///< unknown verb, index out of range, name not found
-    kNoBus = 3,        ///< there is no session bus
-    kNoService = 4,    ///< nobody on the bus owns the service's name
-    kNoSegments = 5,   ///< shared memory cannot be attached or written
-    kServiceLost = 6,  ///< the service went away, or did not answer
+    kNothingDone = 1,    ///< the service refused, or there was nothing to do
+    kUsage = 2,          ///< unknown verb, index out of range, name not found
+    kNoBus = 3,          ///< there is no session bus
+    kNoService = 4,      ///< nobody on the bus owns the service's name
+    kNoSegments = 5,     ///< shared memory cannot be attached or written
+    kServiceLost = 6,    ///< the service went away, did not answer, or what it sent is broken
+    kInterrupted = 130,  ///< Ctrl-C, or asked to terminate, before it was done
 };
 
 /// Ends the run: a code, and one line that says what is wrong and what to do.
@@ -28,5 +29,10 @@ public:
 
 private:
     ExitCode m_code;
+};
+
+/// Ends the run because somebody asked for it: nobody needs to be told.
+struct Interrupted
+{
 };
 }  // namespace ctl

@@ -51,8 +51,12 @@ void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes)
     if (std::fclose(file) != 0 || !written) Refuse("write", path);
 }
 
-std::string WithExtension(const std::string& path, const char* extension)
+std::string FileIn(const std::string& path, const char* name, const char* extension)
 {
-    return std::filesystem::path(path).has_extension() ? path : path + extension;
+    const std::filesystem::path given(path);
+    std::error_code ignored;
+    const bool folder = !given.has_filename() || std::filesystem::is_directory(given, ignored);
+    if (folder) return (given / name).string() + extension;
+    return given.has_extension() ? path : path + extension;
 }
 }  // namespace ctl

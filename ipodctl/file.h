@@ -15,6 +15,7 @@ std::vector<unsigned char> ReadFile(const std::string& path);
 /// @throws Failure  kUsage, when it cannot be written
 void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes);
 
-/// The path itself when its last part has an extension, else with @p extension behind it.
-std::string WithExtension(const std::string& path, const char* extension);
+/// Where to write: @p path itself when its last part has an extension, else with @p extension behind it; inside a
+/// folder under @p name and the extension. A path that ends with a slash is a folder.
+std::string FileIn(const std::string& path, const char* name, const char* extension);
 }  // namespace ctl

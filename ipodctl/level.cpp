@@ -7,47 +7,14 @@
 #include <optional>
 
 #include "failure.h"
+#include "list.h"
 #include "text.h"
 
 namespace ctl
 {
 namespace
 {
-constexpr int kPageSize = 500;
-
-struct Flags
-{
-    int folder = 0;
-    int root = 0;
-};
-
-std::vector<std::string> ReadNames(Session& session, int first, int last, Flags& flags)
-{
-    std::vector<std::string> names;
-    const int filled = session.Ask([&](IQBXIpodPlayer& player)
-                                   { return player.GetCurDBListItems(first, last, names, flags.folder, flags.root); });
-    if (filled != 1) throw Failure(kNothingDone, "the service has no page of this level; is a device attached?");
-    return names;
-}
-
-// Pinyin is an extra: without it the names stand alone.
-std::vector<std::string> ReadPinyin(Session& session, int first, int last)
-{
-    std::vector<std::string> names;
-    Flags flags;
-    const int filled =
-        session.Ask([&](IQBXIpodPlayer& player)
-                    { return player.GetCurDBListItemsPinyin(first, last, names, flags.folder, flags.root); });
-    return filled == 1 ? names : std::vector<std::string>();
-}
-
-std::string Folded(const std::string& text)
-{
-    gchar* const folded = g_utf8_casefold(Printable(text).c_str(), -1);
-    const std::string result = folded;
-    g_free(folded);
-    return result;
-}
+constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
 
 // Blanks between syllables are a matter of taste.
 std::string FoldedPinyin(const std::string& text)
@@ -57,21 +24,31 @@ std::string FoldedPinyin(const std::string& text)
     return folded;
 }
 
-// False when the service had fewer names than the page has room for.
-bool AppendPage(Session& session, Page& page, int first, int last)
+// Pinyin is an extra: without it the names stand alone.
+std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pageSize)
 {
-    Flags flags;
-    const std::vector<std::string> names = ReadNames(session, first, last, flags);
-    const std::vector<std::string> pinyin = ReadPinyin(session, first, last);
-    const auto room = static_cast<std::size_t>(last - first) + 1;
-    page.folder = flags.folder != 0;
-    page.root = flags.root != 0;
-    for (std::size_t i = 0; i < std::min(names.size(), room); ++i)
+    try
     {
-        const bool differs = pinyin.size() == names.size() && Folded(pinyin[i]) != Folded(names[i]);
-        page.entries.push_back({first + static_cast<int>(i), names[i], differs ? pinyin[i] : std::string()});
+        return List(session, ipodkit::ListKind::DatabasePinyin, pageSize).Names(from, end, kNoPage);
     }
-    return names.size() >= room;
+    catch (const Failure& failure)
+    {
+        if (failure.code() != kNothingDone) throw;
+        return {};
+    }
+}
+
+void AddPinyin(std::vector<Entry>& entries, const std::vector<std::string>& pinyin, bool always)
+{
+    if (pinyin.size() != entries.size()) return;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (always || Folded(pinyin[i]) != Folded(entries[i].name)) entries[i].pinyin = pinyin[i];
+}
+
+void ReadEntries(List& names, int from, int end, Page& page)
+{
+    for (std::string& name : names.Names(from, end, kNoPage))
+        page.entries.push_back({from + static_cast<int>(page.entries.size()), std::move(name), {}});
 }
 
 [[noreturn]] void RefuseAmbiguous(const std::string& name, const std::vector<const Entry*>& found)
@@ -94,14 +71,21 @@ std::optional<Entry> OnlyMatch(const Page& page, const std::string& name, Matche
 }
 }  // namespace
 
-Page ReadLevel(Session& session, int from, int count)
+Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
 {
+    const int pageSize = std::clamp(count, 1, List::kPageSize);
+    List names(session, ipodkit::ListKind::Database, pageSize);
     Page page;
-    page.amount = std::max(0, session.Ask([](IQBXIpodPlayer& player) { return player.GetCurDBListItemsAmount(0); }));
-    if (page.amount == 0) page.root = session.Ask([](IQBXIpodPlayer& player) { return player.IsiPodInDBRoot(); });
+    page.amount = names.Count();
+    if (page.amount == 0) page.root = session.Ask(session.Commands().AtRoot());
     const int end = from + std::clamp(page.amount - from, 0, std::max(0, count));
-    for (int first = from; first < end; first += kPageSize)
-        if (!AppendPage(session, page, first, std::min(first + kPageSize, end) - 1)) break;
+    if (end <= from) return page;
+    const ipodkit::PagePtr first = session.Taken(names.PageWith(from), kNoPage);
+    page.folder = first->folders;
+    page.root = first->root;
+    ReadEntries(names, from, end, page);
+    if (pinyin != Pinyin::None)
+        AddPinyin(page.entries, ReadPinyin(session, from, end, pageSize), pinyin == Pinyin::Always);
     return page;
 }
 
@@ -109,7 +93,7 @@ Entry FindEntry(Session& session, const std::string& text)
 {
     const std::optional<int> index = ParseIndex(text);
     if (!index) return FindName(session, text);
-    const Page page = ReadLevel(session, *index, 1);
+    const Page page = ReadLevel(session, *index, 1, Pinyin::None);
     CheckIndex(*index, page.amount, "the current level");
     if (page.entries.empty())
         throw Failure(kNothingDone, "the service has no entry " + text + " although it counts it");

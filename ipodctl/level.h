@@ -13,7 +13,7 @@ struct Entry
 {
     int index;
     std::string name;
-    std::string pinyin;  ///< empty when it is the name, but for upper and lower case
+    std::string pinyin;  ///< empty when it was not asked for
 };
 
 /// A part of a level.
@@ -25,8 +25,15 @@ struct Page
     std::vector<Entry> entries;
 };
 
+enum class Pinyin
+{
+    None,
+    WhereItDiffers,  ///< from the name, but for upper and lower case
+    Always,
+};
+
 /// Reads @p count entries from @p from on, as many requests as it takes. No more than there are.
-Page ReadLevel(Session& session, int from, int count);
+Page ReadLevel(Session& session, int from, int count, Pinyin pinyin = Pinyin::WhereItDiffers);
 
 /// Finds an entry by its index, when @p text is one, or else by its name.
 /// @throws Failure  no entry of that index or name, or several

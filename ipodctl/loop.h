@@ -1,13 +1,12 @@
 /// @file
-/// Runs the main loop in which events arrive, until something ends it.
+/// Runs the main loop in which answers and events arrive, until something ends it.
 #pragma once
 
 #include <glib.h>
 
 #include <exception>
 #include <functional>
-
-#include "session.h"
+#include <vector>
 
 namespace ctl
 {
@@ -18,26 +17,28 @@ enum class Ending
     Interrupted,  ///< Ctrl-C, or asked to terminate
 };
 
-/// The main loop with its ends. May be run again.
+/// The main loop with its ends. May be run again. While it exists, Ctrl-C ends it and not the process.
 class Loop
 {
 public:
-    explicit Loop(Session& session);
+    Loop();
     ~Loop();
     Loop(const Loop&) = delete;
     Loop& operator=(const Loop&) = delete;
 
-    /// Runs until one of the endings, delivering events meanwhile.
+    /// Runs until one of the endings, delivering answers and events meanwhile.
     ///
     /// @param seconds  time limit; 0 or below for none
-    /// @throws OutputClosed  the reader of standard output is gone
-    /// @throws Failure       the service left the bus, or the bus closed
-    /// @throws              whatever a function given to Guard() threw
+    /// @throws OutputClosed  the reader of standard output is gone, after EndWithOutput()
+    /// @throws               whatever a function given to Guard() threw
     Ending Run(double seconds);
 
     void Finish() { End(Ending::Finished); }
 
-    /// Calls a function from inside an event; what it throws comes out of Run(), because no exception may pass
+    /// From now on it also ends when nobody reads standard output any more.
+    void EndWithOutput();
+
+    /// Calls a function from inside a callback; what it throws comes out of Run(), because no exception may pass
     /// through the layers in between.
     void Guard(const std::function<void()>& function);
 
@@ -45,14 +46,11 @@ private:
     static gboolean OnSignal(gpointer loop);
     static gboolean OnTimeout(gpointer loop);
     static gboolean OnOutputClosed(gint, GIOCondition, gpointer loop);
-    static void OnServiceLost(GDBusConnection* bus, const gchar* name, gpointer loop);
     void End(Ending ending);
 
-    Session& m_session;
     GMainLoop* m_loop;
     Ending m_ending = Ending::Finished;
     std::exception_ptr m_thrown;
-    guint m_watch;
-    guint m_sources[3];
+    std::vector<guint> m_sources;
 };
 }  // namespace ctl

@@ -22,7 +22,8 @@ constexpr char kExitCodes[] =
     "  3  no session bus\n"
     "  4  no iPod service on the bus\n"
     "  5  shared memory cannot be attached or written\n"
-    "  6  the service went away, or did not answer\n"
+    "  6  the service went away, did not answer, or sent something broken\n"
+    "  130  interrupted\n"
     "\n"
     "ipodctl VERB --help shows the arguments and examples of a verb.\n"
     "Environment: DBUS_SESSION_BUS_ADDRESS (the bus), NO_COLOR (no colours),\n"
@@ -31,8 +32,9 @@ constexpr char kExitCodes[] =
 std::vector<Verb> AllVerbs()
 {
     std::vector<Verb> all;
-    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs, DeviceVerbs,
-                             ArtVerbs, EventVerbs, EapVerbs, SimVerbs, DoctorVerbs})
+    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, ListVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs,
+                             DeviceVerbs, ArtVerbs, EventVerbs, EapVerbs, SimVerbs, SharedMemoryVerbs, BenchVerbs,
+                             DoctorVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
 }
@@ -40,13 +42,15 @@ std::vector<Verb> AllVerbs()
 struct Options
 {
     bool json = false;
-    bool verbose = false;
+    Settings settings;
 };
 
 void AddOptions(CLI::App& app, Options& options)
 {
     app.add_flag("--json", options.json, "Answer with one JSON object, events with one per line (ipodctl.schema.json)");
-    app.add_flag("--verbose", options.verbose, "Show what the library logs, on standard error");
+    app.add_flag("--verbose", options.settings.verbose, "Show what the library logs, on standard error");
+    app.add_option("--deadline", options.settings.deadline, "Seconds that the service may take for an answer (10)")
+        ->check(CLI::Range(0.001, 86400.0));
     app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION);
     app.footer(kExitCodes);
 }
@@ -63,7 +67,7 @@ int Report(const Options& options, ExitCode code, const std::string& message)
 int RunVerb(const Run& run, const Options& options)
 {
     Output out(options.json);
-    Session session(options.verbose);
+    Session session(options.settings);
     Context context{session, out};
     const Answer answer = run(context);
     if (!answer.json.is_null()) out.Line(answer.json, answer.text);
@@ -110,6 +114,10 @@ int Main(int argc, char** argv)
     catch (const OutputClosed&)
     {
         return kDone;
+    }
+    catch (const Interrupted&)
+    {
+        return kInterrupted;
     }
 }
 

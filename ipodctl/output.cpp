@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +16,7 @@ namespace ctl
 namespace
 {
 constexpr int kUsualWidth = 80;
+constexpr int kUsualHeight = 24;
 
 bool WantsColour()
 {
@@ -25,10 +25,17 @@ bool WantsColour()
     return (noColour == nullptr || *noColour == '\0') && (term == nullptr || std::strcmp(term, "dumb") != 0);
 }
 
-int TerminalWidth()
+// As the C library would read it, without loading a locale for it.
+bool HasUtf8Locale()
 {
-    winsize size{};
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsualWidth;
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"})
+    {
+        const char* const value = std::getenv(name);
+        if (value == nullptr || *value == '\0') continue;
+        const std::string locale = Folded(value);
+        return locale.find("utf-8") != std::string::npos || locale.find("utf8") != std::string::npos;
+    }
+    return false;
 }
 
 const char* Code(Colour colour)
@@ -59,8 +66,18 @@ Output::Output(bool json)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
       m_colour(m_terminal && !json && WantsColour()),
-      m_width(m_terminal ? TerminalWidth() : INT_MAX)
+      m_utf8(m_terminal && HasUtf8Locale())
 {
+    Measure();
+}
+
+void Output::Measure()
+{
+    if (!m_terminal) return;
+    winsize size{};
+    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
+    m_width = known ? size.ws_col : kUsualWidth;
+    m_height = known ? size.ws_row : kUsualHeight;
 }
 
 std::string Output::Paint(Colour colour, const std::string& text) const
@@ -71,20 +88,20 @@ std::string Output::Paint(Colour colour, const std::string& text) const
 void Output::Line(const Json& json, const std::string& text)
 {
     if (m_json)
-        Write(Dump(json) + "\n");
+        Text(Dump(json) + "\n");
     else if (!text.empty())
-        Write(EndTransient() + text + "\n");
+        Text(EndTransient() + text + "\n");
 }
 
 void Output::Transient(const std::string& text)
 {
     m_transient = true;
-    Write("\r\033[K" + text);
+    Text("\r\033[K" + text);
 }
 
 void Output::Finish()
 {
-    if (m_transient) Write("\n");
+    if (m_transient) Text("\n");
     m_transient = false;
 }
 

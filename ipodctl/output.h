@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <climits>
 #include <string>
 
 #include "failure.h"
@@ -42,8 +43,17 @@ public:
     bool json() const { return m_json; }
     bool terminal() const { return m_terminal; }
 
-    /// Columns of the terminal; a very large number when it is none.
+    /// Columns and rows of the terminal; very large numbers when it is none.
     int width() const { return m_width; }
+    int height() const { return m_height; }
+
+    bool colour() const { return m_colour; }
+
+    /// Whether the terminal shows more than ASCII. Without a terminal false, for those who read what is written.
+    bool utf8() const { return m_utf8; }
+
+    /// Looks at the size of the terminal again.
+    void Measure();
 
     /// The text in a colour, or as it is where colour is not wanted (no terminal, NO_COLOR, TERM=dumb).
     std::string Paint(Colour colour, const std::string& text) const;
@@ -51,6 +61,9 @@ public:
     /// Writes one line and sees to it that it has arrived.
     /// @throws OutputClosed, Failure when it cannot be written
     void Line(const Json& json, const std::string& text);
+
+    /// Writes text as it is, and sees to it that it has arrived.
+    void Text(const std::string& text) { Raw(text.data(), text.size()); }
 
     /// Replaces the last line of the terminal until the next Line(). For terminals only.
     void Transient(const std::string& text);
@@ -62,14 +75,15 @@ public:
     void Raw(const void* data, std::size_t size);
 
 private:
-    void Write(const std::string& text) { Raw(text.data(), text.size()); }
     std::string EndTransient();
 
     bool m_json;
     bool m_terminal;
     bool m_colour;
+    bool m_utf8;
     bool m_transient = false;
-    int m_width;
+    int m_width = INT_MAX;
+    int m_height = INT_MAX;
 };
 
 /// A JSON value on one line, safe to show: invalid UTF-8 replaced, unsafe characters escaped.

@@ -10,13 +10,14 @@ namespace ctl
 {
 Playing ReadPlaying(Session& session)
 {
-    Playing playing{};
-    playing.state = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayStatus(); });
-    playing.index = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackIdx(); });
-    playing.amount = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingListItemsAmount(); });
-    session.Ask([&](IQBXIpodPlayer& player) { player.GetPlayPosition(playing.position, playing.length); });
-    playing.track = session.Ask([](IQBXIpodPlayer& player) { return player.GetCurrentMediaInfo(); });
-    return playing;
+    const ipodkit::Commands commands = session.Commands();
+    const ipodkit::PlayPosition at = session.Ask(commands.Position());
+    return {session.Ask(commands.PlayStatus()),
+            at.position,
+            at.duration,
+            session.Ask(commands.PlayingIndex()),
+            session.Ask(commands.PlayingCount()),
+            session.Ask(commands.CurrentTrack())};
 }
 
 Json PlayingJson(const Playing& playing)
@@ -43,11 +44,15 @@ Answer NowPlaying(Session& session, const char* verb)
     return {json, PlayingLine(playing)};
 }
 
+void RefuseNothingLoaded()
+{
+    throw Failure(kNothingDone, "nothing is loaded; start with ipodctl play INDEX");
+}
+
 Playing RequireTrack(Session& session)
 {
     Playing playing = ReadPlaying(session);
-    if (playing.index < 0 || IsEmpty(playing.track))
-        throw Failure(kNothingDone, "nothing is loaded; start with ipodctl play INDEX");
+    if (playing.index < 0 || IsEmpty(playing.track)) RefuseNothingLoaded();
     return playing;
 }
 }  // namespace ctl

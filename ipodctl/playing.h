@@ -27,6 +27,9 @@ std::string PlayingLine(const Playing& playing);
 /// The answer of a verb that changed what is playing: what it is now.
 Answer NowPlaying(Session& session, const char* verb);
 
+/// @throws Failure  kNothingDone
+[[noreturn]] void RefuseNothingLoaded();
+
 /// Makes sure that something is loaded that a command could act on.
 /// @throws Failure  kNothingDone
 Playing RequireTrack(Session& session);

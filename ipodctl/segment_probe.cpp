@@ -1,11 +1,7 @@
 #include "segment_probe.h"
 
 #include <QBXIpodShareMemory.h>
-#include <poll.h>
-#include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <exception>
 
@@ -13,8 +9,6 @@ namespace ctl
 {
 namespace
 {
-constexpr int kPatience = 3000;  // milliseconds
-
 template <class Vector>
 std::string Missing(QBXSharedSegment& segment, const std::vector<const char*>& names)
 {
@@ -38,30 +32,20 @@ std::string LookInside(const char* name, const std::vector<const char*>& lists, 
     }
 }
 
-// What the child wrote until it ended, or nothing after @p hung was set.
-std::string ReadFindings(int input, bool& hung)
+}  // namespace
+
+const char* WhyUnreadable(ChildOutcome::End end)
 {
-    std::string text;
-    char block[256];
-    for (pollfd ready{input, POLLIN, 0};;)
+    switch (end)
     {
-        hung = poll(&ready, 1, kPatience) <= 0;
-        const ssize_t count = hung ? 0 : read(input, block, sizeof(block));
-        if (count <= 0) return text;
-        text.append(block, static_cast<std::size_t>(count));
+        case ChildOutcome::End::Hung:
+            return "it does not answer: its lock is held, or it was never finished";
+        case ChildOutcome::End::Crashed:
+            return "its inside is damaged: looking at it ends a process";
+        default:
+            return "no process for the probe";
     }
 }
-
-std::string Judge(pid_t child, const std::string& findings, bool hung)
-{
-    if (hung) kill(child, SIGKILL);
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (hung) return "it does not answer: its lock is held, or it was never finished";
-    if (WIFSIGNALED(status)) return "its inside is damaged: looking at it ends a process";
-    return findings;
-}
-}  // namespace
 
 SegmentObject LookAt(const std::string& segment)
 {
@@ -73,19 +57,7 @@ SegmentObject LookAt(const std::string& segment)
 
 std::string Probe(const char* segment, const std::vector<const char*>& lists, const std::vector<const char*>& buffers)
 {
-    int ends[2];
-    if (pipe(ends) != 0) return "no pipe for the probe";
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        const std::string findings = LookInside(segment, lists, buffers);
-        const ssize_t written = write(ends[1], findings.data(), findings.size());
-        _exit(written < 0 ? 1 : 0);
-    }
-    close(ends[1]);
-    bool hung = false;
-    const std::string findings = ReadFindings(ends[0], hung);
-    close(ends[0]);
-    return child < 0 ? "no process for the probe" : Judge(child, findings, hung);
+    const ChildOutcome outcome = RunInChild([&] { return LookInside(segment, lists, buffers); });
+    return outcome.end == ChildOutcome::End::Well ? outcome.text : WhyUnreadable(outcome.end);
 }
 }  // namespace ctl

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "child_process.h"
+
 namespace ctl
 {
 /// What stands under a segment's name, seen from outside.
@@ -21,6 +23,9 @@ struct SegmentObject
 };
 
 SegmentObject LookAt(const std::string& segment);
+
+/// What it says of a segment that a child process that looked inside came to such an end.
+const char* WhyUnreadable(ChildOutcome::End end);
 
 /// Opens the segment in a child process, takes its lock, checks its inside and looks for the vectors: a hang or a crash
 /// stays there. Call before the process has other threads.

@@ -1,8 +1,9 @@
 #include "session.h"
 
-#include <exception>
+#include <algorithm>
 #include <string>
 
+#include "bus_daemon.h"
 #include "failure.h"
 
 namespace ctl
@@ -10,48 +11,33 @@ namespace ctl
 namespace
 {
 constexpr char kServiceName[] = "com.zarn.linux.ipod";
-constexpr int kAnswerWithin = 10000;
-
-// Calls the bus itself; null when it refused.
-GVariant* AskBus(GDBusConnection* bus, const char* method, GVariant* arguments)
-{
-    return g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                       method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, kAnswerWithin, nullptr,
-                                       nullptr);
-}
+// Beyond the deadline of each answer: a creator of shared memory, or a lock of a dead process.
+constexpr double kPatience = 12;
 
 // The bus answers in place of a service that is gone; everything else with a name is the service's own answer.
 bool IsAnswerOfService(const std::string& reason)
 {
     constexpr const char* kOfTheBus[] = {"ServiceUnknown", "NameHasNoOwner", "NoReply", "Timeout", "Disconnected"};
     if (reason.rfind("GDBus.Error:", 0) != 0) return false;
-    for (const char* name : kOfTheBus)
-        if (reason.rfind(std::string("GDBus.Error:org.freedesktop.DBus.Error.") + name, 0) == 0) return false;
-    return true;
+    return std::none_of(std::begin(kOfTheBus), std::end(kOfTheBus),
+                        [&](const char* name) {
+                            return reason.rfind(std::string("GDBus.Error:org.freedesktop.DBus.Error.") + name, 0) == 0;
+                        });
 }
 
-IQBXIpodPlayer* BuildPlayer()
+// Whether it got there; what stands in the way ends the run.
+bool IsReady(const ipodkit::Connection& connection)
 {
-    try
-    {
-        return QBX_GetIpodPlayer();
-    }
-    catch (const std::exception& error)
-    {
-        throw Failure(kNoSegments,
-                      std::string("cannot attach the shared memory: ") + error.what() +
-                          "; see who owns ListVectorSharedMemory and BufferVectorSharedMemory in /dev/shm");
-    }
+    if (connection.phase == ipodkit::Phase::Lost)
+        throw Failure(kServiceLost, "the iPod service went away; see whether it runs, then try again");
+    if (connection.error) throw ToFailure(*connection.error);
+    return connection.phase == ipodkit::Phase::Ready;
 }
 }  // namespace
 
 Session::~Session()
 {
-    if (m_player != nullptr)
-    {
-        m_player->ExitInstance();
-        QBX_DestroyIpodPlayer();
-    }
+    m_kit.reset();
     if (m_bus != nullptr) g_object_unref(m_bus);
 }
 
@@ -70,19 +56,59 @@ GDBusConnection* Session::Bus()
     return m_bus;
 }
 
-IQBXIpodPlayer& Session::Player()
+ipodkit::Session& Session::Kit()
 {
-    if (m_player == nullptr) Connect();
-    return *m_player;
+    if (m_kit == nullptr) StartService();
+    return KitWithoutService();
 }
 
-void Session::Connect()
+ipodkit::Session& Session::KitWithoutService()
 {
-    StartService();
-    m_player = BuildPlayer();
-    if (!m_player->InitInstance())
-        throw Failure(kServiceLost, "the iPod service went away while connecting; see whether it runs, then try again");
-    m_log.TakeFailure();
+    if (m_kit != nullptr) return *m_kit;
+    Bus();
+    ipodkit::SessionOptions options;
+    options.deadline = std::chrono::milliseconds(std::max(1L, static_cast<long>(m_settings.deadline * 1000)));
+    m_kit = Taken(ipodkit::Session::Open(options));
+    return *m_kit;
+}
+
+ipodkit::Session& Session::Ready()
+{
+    if (!m_ready) AwaitReady();
+    m_ready = true;
+    return *m_kit;
+}
+
+void Session::AwaitReady()
+{
+    Loop loop;
+    const auto judge = [&loop](const ipodkit::Connection& connection)
+    {
+        loop.Guard(
+            [&]
+            {
+                if (IsReady(connection)) loop.Finish();
+            });
+    };
+    const ipodkit::Subscription watch = Kit().OnConnection("ipodctl", judge);
+    const Ending ending = loop.Run(m_settings.deadline + kPatience);
+    FlushLog();
+    if (ending == Ending::Interrupted) throw Interrupted{};
+    if (ending == Ending::TimedOut)
+        throw Failure(kServiceLost, "the iPod service did not answer in time; see whether it hangs");
+}
+
+IQBXIpodPlayer& Session::Player()
+{
+    Ready();
+    return *QBX_GetIpodPlayer();
+}
+
+// Lists of a service that is gone are cancelled by the companion; people want to know why.
+ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
+{
+    const bool lost = m_kit != nullptr && m_kit->Connection().phase == ipodkit::Phase::Lost;
+    return lost ? ipodkit::Error{ipodkit::ErrorKind::ServiceLost, error.reason} : error;
 }
 
 // The bus may know how to start the service.

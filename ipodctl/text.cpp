@@ -82,6 +82,14 @@ std::string Printable(std::string_view text)
     return shown;
 }
 
+std::string Folded(std::string_view text)
+{
+    gchar* const folded = g_utf8_casefold(Printable(text).c_str(), -1);
+    const std::string result = folded;
+    g_free(folded);
+    return result;
+}
+
 int Width(std::string_view text)
 {
     int width = 0;

@@ -17,6 +17,9 @@ bool IsUnsafe(std::uint32_t codePoint);
 /// The text with a replacement character for everything that is unsafe or no valid UTF-8.
 std::string Printable(std::string_view text);
 
+/// The text without its differences of upper and lower case, for comparing.
+std::string Folded(std::string_view text);
+
 /// Columns that printable text takes on a terminal: 2 for a wide character, 0 for a combining one.
 int Width(std::string_view text);
 

@@ -23,12 +23,16 @@ bool IsEmpty(const QBXiPodTrackInfo& track)
     return track.text1.empty() && track.text2.empty() && track.text3.empty() && track.value1 == 0;
 }
 
+std::string PictureLine(const std::vector<unsigned char>& picture, std::uint32_t width, std::uint32_t height)
+{
+    const bool sized = width != 0 && height != 0;
+    return std::string(Sniff(picture).mime) + ", " + Count(static_cast<int>(picture.size()), "byte", "bytes") +
+           (sized ? ", " + std::to_string(width) + " x " + std::to_string(height) : "");
+}
+
 std::string ArtworkLine(const QBXTrackArtwork& artwork)
 {
-    const bool sized = artwork.word3 != 0 && artwork.word4 != 0;
-    return std::string(Sniff(artwork.image).mime) + ", " +
-           Count(static_cast<int>(artwork.image.size()), "byte", "bytes") +
-           (sized ? ", " + std::to_string(artwork.word3) + " x " + std::to_string(artwork.word4) : "");
+    return PictureLine(artwork.image, artwork.word3, artwork.word4);
 }
 
 Json ArtworkJson(const QBXTrackArtwork& artwork)

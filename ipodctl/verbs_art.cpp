@@ -9,6 +9,7 @@ namespace ctl
 {
 namespace
 {
+// The core's call, because the answer tells what the service says of the picture, too.
 QBXTrackArtwork ReadArtwork(Session& session)
 {
     QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
@@ -27,7 +28,7 @@ Answer Save(Context& context, const std::string& file)
 {
     const QBXTrackArtwork artwork = ReadArtwork(context.session);
     if (file == "-") return WriteOut(context.out, artwork);
-    const std::string path = WithExtension(file, Sniff(artwork.image).extension);
+    const std::string path = FileIn(file, "artwork", Sniff(artwork.image).extension);
     WriteFile(path, artwork.image);
     Json json{{"verb", "art"}, {"file", path}};
     json.update(ArtworkJson(artwork));
@@ -37,8 +38,11 @@ Answer Save(Context& context, const std::string& file)
 Run BuildArt(CLI::App& app)
 {
     const auto file = Argument<std::string>("artwork");
-    app.add_option("file", *file,
-                   "File to write, - for standard output; the extension of its type is added when it has none");
+    auto* const place = app.add_option(
+        "file", *file,
+        "File to write, - for standard output. A folder gets a file \"artwork\"; the extension of the picture's type "
+        "is added to a name that has none");
+    app.add_option("--out", *file, "The same as file")->excludes(place);
     return [file](Context& context) { return Save(context, *file); };
 }
 }  // namespace
@@ -46,6 +50,7 @@ Run BuildArt(CLI::App& app)
 std::vector<Verb> ArtVerbs()
 {
     return {{"art", "Write the picture of the playing track to a file (\"artwork\" when none is given)",
-             "ipodctl art\nipodctl art /tmp/cover\nipodctl art - | sha256sum", BuildArt}};
+             "ipodctl art\nipodctl art /tmp/cover\nipodctl art --out ~/Pictures/\nipodctl art - | sha256sum",
+             BuildArt}};
 }
 }  // namespace ctl

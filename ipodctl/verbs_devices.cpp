@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "level.h"
+#include "list.h"
 #include "names.h"
 #include "table.h"
 #include "text.h"
@@ -13,14 +14,11 @@ namespace
 {
 std::vector<std::string> ReadDevices(Session& session)
 {
-    std::vector<std::string> names;
-    if (session.Ask([](IQBXIpodPlayer& player) { return player.GetDeviceAmount(); }) <= 0) return names;
-    if (session.Ask([&](IQBXIpodPlayer& player) { return player.GetDeviceList(names); }) != 1)
-        throw Failure(kNothingDone, "the service has no list of its devices");
-    return names;
+    List devices(session, ipodkit::ListKind::Devices);
+    return devices.Names(0, devices.Count(), "the service has no list of its devices");
 }
 
-Answer ShowDevices(Context& context)
+Answer ShowDevices(Context& context, bool namesOnly)
 {
     const std::vector<std::string> names = ReadDevices(context.session);
     Json devices = Json::array();
@@ -28,7 +26,8 @@ Answer ShowDevices(Context& context)
     for (std::size_t i = 0; i < names.size(); ++i)
     {
         devices.push_back({{"index", i}, {"name", names[i]}});
-        rows.push_back({std::to_string(i), Printable(names[i])});
+        const std::string name = Printable(names[i]);
+        rows.push_back(namesOnly ? std::vector<std::string>{name} : std::vector<std::string>{std::to_string(i), name});
     }
     const std::string none = context.out.terminal() ? "no device is attached" : "";
     return {{{"verb", "devices"}, {"devices", devices}}, rows.empty() ? none : Table(rows, context.out.width())};
@@ -38,8 +37,7 @@ Answer EnterDevice(Session& session, int index)
 {
     const std::vector<std::string> names = ReadDevices(session);
     CheckIndex(index, static_cast<int>(names.size()), "the device list");
-    if (!session.Ask([&](IQBXIpodPlayer& player) { return player.EnterDeviceChildList(index); }))
-        throw Failure(kNothingDone, "the service did not enter the device; see ipodctl devices");
+    session.Ask(session.Commands().EnterDevice(index), "the service did not enter the device; see ipodctl devices");
     const std::string& name = names[static_cast<std::size_t>(index)];
     return {{{"verb", "devices"}, {"entered", {{"index", index}, {"name", name}}}}, "entered " + Printable(name)};
 }
@@ -47,8 +45,12 @@ Answer EnterDevice(Session& session, int index)
 Run BuildDevices(CLI::App& app)
 {
     const auto index = Argument<std::optional<int>>();
-    app.add_option("index", *index, "Device to browse; without it, the devices are shown")->check(WholeNumber(0));
-    return [index](Context& context) { return *index ? EnterDevice(context.session, **index) : ShowDevices(context); };
+    const auto names = Argument<bool>();
+    auto* const entered = app.add_option("index", *index, "Device to browse; without it, the devices are shown");
+    entered->check(WholeNumber(0));
+    app.add_flag("--names", *names, "One name per line and nothing else, for scripts")->excludes(entered);
+    return [index, names](Context& context)
+    { return *index ? EnterDevice(context.session, **index) : ShowDevices(context, *names); };
 }
 
 Answer Detected(const char* verb, int status)
@@ -60,20 +62,17 @@ Run BuildCarPlay(CLI::App&)
 {
     return [](Context& context)
     {
-        auto status = APPLE_DEVICE_DETECTED;
-        std::string serial;
-        context.session.Ask([&](IQBXIpodPlayer& player) { player.GetCarplayDeviceDetectStatus(status, serial); });
-        return Detected("carplay", status);
+        const ipodkit::CarPlayDevice device = context.session.Ask(context.session.Commands().CarPlayStatus());
+        Answer answer = Detected("carplay", device.status);
+        answer.json["serial"] = device.serialNumber;
+        return answer;
     };
 }
 
 Run BuildCarLife(CLI::App&)
 {
     return [](Context& context)
-    {
-        return Detected("carlife", context.session.Ask([](IQBXIpodPlayer& player)
-                                                       { return player.GetCarlifeDeviceDetectStatus(); }));
-    };
+    { return Detected("carlife", context.session.Ask(context.session.Commands().CarLifeStatus())); };
 }
 
 struct Button
@@ -85,8 +84,8 @@ struct Button
 void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 {
     const iPodPlayerButtonControl control{button.number, pressed, pressed == 0 ? button.heldFor : 0};
-    if (!session.Ask([&](IQBXIpodPlayer& player) { return player.SetButtonStatus(control); }))
-        throw Failure(kNothingDone, "the device did not take button " + std::to_string(button.number));
+    const std::string refusal = "the device did not take button " + std::to_string(button.number);
+    session.Ask(session.Commands().PressButton(control), refusal.c_str());
 }
 
 Run BuildButton(CLI::App& app)
@@ -109,7 +108,7 @@ Run BuildHub(CLI::App& app)
     app.add_option("mode", *mode, "Test mode, 0 ends it")->required()->check(CLI::Range(0, 255));
     return [mode](Context& context) -> Answer
     {
-        context.session.Ask([&](IQBXIpodPlayer& player) { player.SetHUBTestMode(static_cast<unsigned char>(*mode)); });
+        context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));
         return {{{"verb", "hub"}, {"mode", *mode}}, "hub test mode " + std::to_string(*mode) + " sent"};
     };
 }

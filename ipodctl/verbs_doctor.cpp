@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "bus_daemon.h"
+#include "segment_plan.h"
 #include "segment_probe.h"
 #include "text.h"
 #include "verbs.h"
@@ -16,7 +18,6 @@ namespace ctl
 namespace
 {
 constexpr char kServiceName[] = "com.zarn.linux.ipod";
-constexpr int kAnswerWithin = 5000;
 
 struct Finding
 {
@@ -25,31 +26,6 @@ struct Finding
     std::string text;
     std::string advice;
 };
-
-struct SegmentPlan
-{
-    const char* what;
-    const char* name;
-    std::size_t size;
-    std::vector<const char*> lists;
-    std::vector<const char*> buffers;
-};
-
-std::vector<SegmentPlan> Segments()
-{
-    return {{"lists",
-             kListSegmentName,
-             kListSegmentSize,
-             {"VecPlayingListShareMemory", "VecDBListShareMemory", "VecDBListPinyinShareMemory",
-              "VecUpdateListShareMemory", "VecUpdateListPinyinShareMemory", "VecDeviceListShareMemory"},
-             {}},
-            {"buffers",
-             kBufferSegmentName,
-             kBufferSegmentSize,
-             {},
-             {"VecArtworkBufferShareMemory", "VecArtworkChangeBufferShareMemory", "VecEapWriteBufferShareMemory",
-              "VecEapReadBufferShareMemory"}}};
-}
 
 std::string Described(const SegmentObject& object)
 {
@@ -75,14 +51,6 @@ Finding ExamineSegment(const SegmentPlan& plan)
                 "mode 0644 and " + std::to_string(plan.size) + " bytes are usual"};
     return {plan.what, kDone,
             description + ", " + std::to_string(plan.lists.size() + plan.buffers.size()) + " vectors, lock free", ""};
-}
-
-// Calls the bus itself; null when it refused.
-GVariant* AskBus(GDBusConnection* bus, const char* method, GVariant* arguments)
-{
-    return g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                       method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, kAnswerWithin, nullptr,
-                                       nullptr);
 }
 
 bool IsActivatable(GDBusConnection* bus)
@@ -117,7 +85,7 @@ Finding ExamineService(GDBusConnection* bus)
 std::vector<Finding> Examine(Session& session)
 {
     std::vector<Finding> segments;
-    for (const SegmentPlan& plan : Segments()) segments.push_back(ExamineSegment(plan));
+    for (const SegmentPlan& plan : SegmentPlans()) segments.push_back(ExamineSegment(plan));
     std::vector<Finding> all;
     try
     {

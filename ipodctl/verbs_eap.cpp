@@ -1,11 +1,11 @@
 // Accessory sessions: talking to the companion app on the device.
 #include <cstring>
 
+#include "bridge.h"
 #include "command_line.h"
 #include "file.h"
 #include "follow.h"
 #include "loop.h"
-#include "registered.h"
 #include "text.h"
 #include "verbs.h"
 
@@ -13,40 +13,35 @@ namespace ctl
 {
 namespace
 {
-constexpr std::size_t kLongestText = 255;
-constexpr double kEchoSeconds = 5;
 constexpr int kLastSession = 65535;
 
-using Bytes = std::vector<unsigned char>;
+using Bytes = ipodkit::Bytes;
 
-void CheckLength(const std::string& text, const char* what)
+// Whoever is interrupted while the segment grows would leave its lock behind.
+class SignalsHeld
 {
-    if (text.size() > kLongestText)
-        throw Failure(kUsage, std::string(what) + " is longer than " + std::to_string(kLongestText) + " bytes");
-}
+public:
+    SignalsHeld()
+    {
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, signal);
+        pthread_sigmask(SIG_BLOCK, &held, &m_before);
+    }
+    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
 
-void Init(Session& session, const EAPInfo& info)
-{
-    CheckLength(info.text1, "the list of protocols");
-    CheckLength(info.text2, "the bundle identifier");
-    session.Ask([&](IQBXIpodPlayer& player) { player.EapInit(info); });
-}
-
-void Launch(Session& session, std::string bundle)
-{
-    if (g_utf8_validate(bundle.data(), static_cast<gssize>(bundle.size()), nullptr) == FALSE)
-        throw Failure(kUsage, "a bundle identifier is UTF-8 text, and '" + Printable(bundle) + "' is not");
-    if (session.Ask([&](IQBXIpodPlayer& player) { return player.EapLaunchApp(bundle); }) != 1)
-        throw Failure(kNothingDone, "the service did not launch '" + Printable(bundle) +
-                                        "'; announce its protocols first: ipodctl eap init PROTOCOLS BUNDLE");
-}
+private:
+    sigset_t m_before{};
+};
 
 int TryWrite(Session& session, unsigned short number, Bytes& data)
 {
-    IQBXIpodPlayer& player = session.Player();
+    session.Player();
     try
     {
-        return session.Ask([&](IQBXIpodPlayer&) { return player.EapWrite(number, data); });
+        return session.Ask([&](IQBXIpodPlayer& player) { return player.EapWrite(number, data); });
     }
     catch (const Failure&)
     {
@@ -73,7 +68,7 @@ Run BuildInit(CLI::App& app)
     app.add_option("bundle", info->text2, "Bundle identifier of the companion app")->required();
     return [info](Context& context) -> Answer
     {
-        Init(context.session, *info);
+        Announce(context.session, *info);
         return {{{"verb", "eap init"}, {"protocols", info->text1}, {"bundle", info->text2}},
                 "announced " + Printable(info->text1)};
     };
@@ -85,7 +80,7 @@ Run BuildLaunch(CLI::App& app)
     app.add_option("bundle", *bundle, "Bundle identifier of the app to start")->required();
     return [bundle](Context& context) -> Answer
     {
-        Launch(context.session, *bundle);
+        LaunchApp(context.session, *bundle);
         return {{{"verb", "eap launch"}, {"bundle", *bundle}}, "launch of " + Printable(*bundle) + " requested"};
     };
 }
@@ -122,71 +117,60 @@ Run BuildListen(CLI::App& app)
 {
     const auto limits = Argument<Limits>();
     AddLimits(app, *limits);
-    return [limits](Context& context) { return Follow(context, *limits, IsEap); };
+    return [limits](Context& context)
+    {
+        Following following;
+        following.limits = *limits;
+        following.wanted = IsEap;
+        return Follow(context, following);
+    };
+}
+
+void AddAccessory(CLI::App& app, AccessoryRequest& request, const char* timeout)
+{
+    app.add_option("--protocols", request.info.text1, "Protocols to announce")->capture_default_str();
+    app.add_option("--bundle", request.info.text2, "App to launch")->capture_default_str();
+    app.add_option("--timeout", request.seconds, timeout)->capture_default_str()->check(CLI::PositiveNumber);
 }
 
 struct EchoRequest
 {
     std::string text;
-    EAPInfo info{"com.example.echo", "com.example.echo"};
-    double seconds = kEchoSeconds;
+    AccessoryRequest accessory;
 };
 
-// Notes the session that is opened, and what arrives on it.
-class EchoListener : public IQBXIpodPlayerListener
+// What comes back of a text, at least as many bytes as it has.
+Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
 {
-public:
-    explicit EchoListener(Loop& loop) : m_loop(loop) {}
-
-    void OnIpodStartEapSession(unsigned char, unsigned short number) override
-    {
-        if (!session) session = number;
-        m_loop.Finish();
-    }
-
-    // Data is announced with the low byte of the session's number only.
-    void OnIpodReceiveEapData(unsigned short number, Bytes& data) override
-    {
-        if (!session || (*session & 0xFF) != number) return;
-        received.insert(received.end(), data.begin(), data.end());
-        m_loop.Finish();
-    }
-
-    std::optional<unsigned short> session;
     Bytes received;
-
-private:
-    Loop& m_loop;
-};
-
-// Runs the loop until the condition holds; each event that may bring it about ends one round.
-template <class Condition>
-void WaitFor(Loop& loop, double seconds, const char* what, Condition holds)
-{
-    while (!holds())
+    const auto receive = [&](const ipodkit::Result<Bytes>& data)
     {
-        const Ending ending = loop.Run(seconds);
-        if (ending == Ending::TimedOut)
-            throw Failure(kServiceLost, std::string(what) + " within the time; see --timeout");
-        if (ending == Ending::Interrupted) throw Failure(kNothingDone, "interrupted");
-    }
+        if (data) received.insert(received.end(), data->begin(), data->end());
+        if (!data || received.size() >= request.text.size()) loop.Finish();
+    };
+    const ipodkit::Subscription receiving = peer.OnData("ipodctl", receive);
+    const auto sent = [&loop](const ipodkit::Result<void>& result)
+    {
+        if (!result) loop.Guard([&] { throw ToFailure(result.error()); });
+    };
+    peer.Write(Bytes(request.text.begin(), request.text.end()), sent);
+    const Ending ending = loop.Run(request.accessory.seconds);
+    session.FlushLog();
+    if (ending == Ending::Interrupted) throw Interrupted{};
+    if (ending == Ending::TimedOut) throw Failure(kServiceLost, "no echo came within the time; see --timeout");
+    return received;
 }
 
 Answer Echo(Context& context, const EchoRequest& request)
 {
     Session& session = context.session;
-    IQBXIpodPlayer& player = session.Player();
-    Loop loop(session);
-    EchoListener listener(loop);
-    const Registered registered(player, listener);
-    Init(session, request.info);
-    Launch(session, request.info.text2);
-    WaitFor(loop, request.seconds, "no session was opened", [&] { return listener.session.has_value(); });
-    Write(session, *listener.session, Bytes(request.text.begin(), request.text.end()));
-    WaitFor(loop, request.seconds, "no echo came", [&] { return listener.received.size() >= request.text.size(); });
-    const std::string echo(listener.received.begin(), listener.received.end());
+    Loop loop;
+    ipodkit::AccessoryPort port(session.Ready());
+    const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);
+    const Bytes received = Exchange(session, loop, *peer, request);
+    const std::string echo(received.begin(), received.end());
     if (echo != request.text) throw Failure(kNothingDone, "what came back differs from what was sent: " + echo);
-    return {{{"verb", "eap echo"}, {"session", *listener.session}, {"sent", request.text}, {"received", echo}},
+    return {{{"verb", "eap echo"}, {"session", peer->Number()}, {"sent", request.text}, {"received", echo}},
             Printable(echo)};
 }
 
@@ -194,12 +178,24 @@ Run BuildEcho(CLI::App& app)
 {
     const auto request = Argument<EchoRequest>();
     app.add_option("text", request->text, "Text to send")->required();
-    app.add_option("--protocols", request->info.text1, "Protocols to announce")->capture_default_str();
-    app.add_option("--bundle", request->info.text2, "App to launch")->capture_default_str();
-    app.add_option("--timeout", request->seconds, "Seconds to wait for the session, and for the echo")
+    AddAccessory(app, request->accessory, "Seconds to wait for the session, and for the echo");
+    return [request](Context& context) { return Echo(context, *request); };
+}
+
+Run BuildBridge(CLI::App& app)
+{
+    const auto request = Argument<BridgeRequest>();
+    AddAccessory(app, request->accessory, "Seconds to wait for the session");
+    app.add_flag_callback(
+        "--no-launch", [request] { request->accessory.launch = false; },
+        "Announce and launch nothing: the device opens the session by itself");
+    app.add_option(
+        "--socket", request->socket,
+        "Serve a UNIX socket at this path, one client after the other, in place of standard input and output");
+    app.add_option("--linger", request->linger, "Seconds of silence after the end of the input that end it")
         ->capture_default_str()
         ->check(CLI::PositiveNumber);
-    return [request](Context& context) { return Echo(context, *request); };
+    return [request](Context& context) { return RunBridge(context, *request); };
 }
 
 std::vector<Verb> Subverbs()
@@ -209,7 +205,11 @@ std::vector<Verb> Subverbs()
             {"launch", "Ask the device to start an app", "ipodctl eap launch com.example.app", BuildLaunch},
             {"write", "Send a file or standard input on a session", "echo hello | ipodctl eap write 1 -", BuildWrite},
             {"listen", "Follow sessions and what arrives on them", "ipodctl eap listen --timeout 60", BuildListen},
-            {"echo", "Open a session, send a text, print what comes back", "ipodctl eap echo hello", BuildEcho}};
+            {"echo", "Open a session, send a text, print what comes back", "ipodctl eap echo hello", BuildEcho},
+            {"bridge", "Open a session and connect it with standard input and output, or with a UNIX socket",
+             "ipodctl eap bridge < request.bin > reply.bin\n"
+             "ipodctl eap bridge --socket /tmp/echo.sock --bundle com.example.app",
+             BuildBridge}};
 }
 
 Run BuildEap(CLI::App& app)
@@ -220,7 +220,7 @@ Run BuildEap(CLI::App& app)
 
 std::vector<Verb> EapVerbs()
 {
-    return {{"eap", "Accessory sessions: init, launch, write, listen, echo",
+    return {{"eap", "Accessory sessions: init, launch, write, listen, echo, bridge",
              "ipodctl eap echo hello\nipodctl eap init com.example.echo com.example.app\nipodctl eap listen",
              BuildEap}};
 }

@@ -1,5 +1,5 @@
 // Following the events of the service.
-#include <cstring>
+#include <algorithm>
 
 #include "follow.h"
 #include "verbs.h"
@@ -8,25 +8,60 @@ namespace ctl
 {
 namespace
 {
+struct Choice
+{
+    Following following;
+    std::vector<std::string> names;
+    bool noProgress = false;
+
+    bool Wants(const Event& event) const
+    {
+        if (!names.empty()) return std::find(names.begin(), names.end(), event.name) != names.end();
+        return !noProgress || event.name != std::string("progress");
+    }
+};
+
+void AddPresentation(CLI::App& app, Following& following)
+{
+    auto* const format = app.add_option("--format", following.format,
+                                        "Show each event by a template such as '{{ title }} {{ duration(length) }}'; "
+                                        "ipodctl(1) lists its fields and functions");
+    app.add_option("--exec", following.command,
+                   "Run this shell command for each event instead: its fields are variables of the environment "
+                   "(IPOD_EVENT, IPOD_TITLE, ...), standard input is the event as JSON")
+        ->excludes(format);
+}
+
 Run BuildEvents(CLI::App& app)
 {
-    const auto limits = Argument<Limits>();
-    const auto noProgress = Argument<bool>();
-    AddLimits(app, *limits);
-    app.add_flag("--no-progress", *noProgress, "Leave out the progress of playback, also in --count");
-    return [limits, noProgress](Context& context)
+    const auto choice = Argument<Choice>();
+    app.add_option("event", choice->names, "Only these events; without them, all")
+        ->type_name("EVENT")
+        ->check(CLI::IsMember(EventNames()));
+    AddLimits(app, choice->following.limits);
+    app.add_option("--until", choice->following.limits.until, "End after the first event of this name")
+        ->type_name("EVENT")
+        ->check(CLI::IsMember(EventNames()).description(""));
+    app.add_flag("--no-progress", choice->noProgress, "Leave out the progress of playback, also in --count");
+    app.add_flag("--wait", choice->following.wait, "Wait for the service when it is not there yet");
+    AddPresentation(app, choice->following);
+    return [choice](Context& context)
     {
-        const auto wanted = [&](const Event& event)
-        { return !*noProgress || std::strcmp(event.name, "progress") != 0; };
-        return Follow(context, *limits, wanted);
+        Following following = choice->following;
+        following.wanted = [choice](const Event& event) { return choice->Wants(event); };
+        return Follow(context, following);
     };
 }
 }  // namespace
 
 std::vector<Verb> EventVerbs()
 {
-    return {{"events", "Follow all events, one line each, until Ctrl-C",
-             "ipodctl events\nipodctl events --no-progress --timeout 60\nipodctl events --json --count 1",
+    return {{"events", "Follow the events, one line each, also when the service restarts, until Ctrl-C",
+             "ipodctl events\n"
+             "ipodctl events track play-status --json\n"
+             "ipodctl events --no-progress --timeout 60\n"
+             "ipodctl events --until phone-call --exec 'notify-send \"$IPOD_CALLER\" \"$IPOD_CALL\"'\n"
+             "ipodctl events track --format '{{ artist | default: \"?\" }} - {{ title }} {{ duration(length) }}'",
              BuildEvents}};
 }
 }  // namespace ctl

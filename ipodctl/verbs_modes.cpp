@@ -11,9 +11,9 @@ struct Mode
 {
     const char* verb;
     std::vector<std::string> words;
-    int (IQBXIpodPlayer::*read)();
+    int (*read)(Session& session);
     std::string (*name)(int);
-    void (*set)(IQBXIpodPlayer& player, int mode);
+    ipodkit::Request<void> (*set)(const ipodkit::Commands& commands, int mode);
 };
 
 int NumberOf(const Mode& mode, const std::string& word)
@@ -26,8 +26,8 @@ int NumberOf(const Mode& mode, const std::string& word)
 // A mode that was set is read back: the service has the last word.
 Answer Apply(const Mode& mode, const std::string& word, Session& session)
 {
-    if (!word.empty()) session.Ask([&](IQBXIpodPlayer& player) { mode.set(player, NumberOf(mode, word)); });
-    const std::string now = mode.name(session.Ask([&](IQBXIpodPlayer& player) { return (player.*mode.read)(); }));
+    if (!word.empty()) session.Ask(mode.set(session.Commands(), NumberOf(mode, word)));
+    const std::string now = mode.name(mode.read(session));
     if (!word.empty() && now != word)
         throw Failure(kNothingDone, std::string("the service keeps ") + mode.verb + " " + now);
     return {{{"verb", mode.verb}, {"mode", now}}, std::string(mode.verb) + " " + now};
@@ -44,20 +44,20 @@ Run BuildShuffle(CLI::App& app)
 {
     return Build(app, {"shuffle",
                        {"off", "songs", "albums"},
-                       &IQBXIpodPlayer::GetShuffleMode,
+                       [](Session& session) -> int { return session.Ask(session.Commands().Shuffle()); },
                        ShuffleName,
-                       [](IQBXIpodPlayer& player, int mode)
-                       { player.SetShuffleMode(static_cast<iPodPlayerShuffleStatus>(mode)); }});
+                       [](const ipodkit::Commands& commands, int mode)
+                       { return commands.SetShuffle(static_cast<iPodPlayerShuffleStatus>(mode)); }});
 }
 
 Run BuildRepeat(CLI::App& app)
 {
     return Build(app, {"repeat",
                        {"off", "one", "all"},
-                       &IQBXIpodPlayer::GetRepeatMode,
+                       [](Session& session) -> int { return session.Ask(session.Commands().Repeat()); },
                        RepeatName,
-                       [](IQBXIpodPlayer& player, int mode)
-                       { player.SetRepeatMode(static_cast<iPodPlayerRepeatStatus>(mode)); }});
+                       [](const ipodkit::Commands& commands, int mode)
+                       { return commands.SetRepeat(static_cast<iPodPlayerRepeatStatus>(mode)); }});
 }
 }  // namespace
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "level.h"
+#include "list.h"
 #include "playing.h"
 #include "source.h"
 #include "table.h"
@@ -12,39 +13,17 @@ namespace ctl
 {
 namespace
 {
-constexpr int kPageSize = 500;
-
 struct Queue
 {
     int playing;
     std::vector<std::string> names;
 };
 
-int Amount(Session& session)
-{
-    return std::max(0, session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingListItemsAmount(); }));
-}
-
-std::vector<std::string> ReadNames(Session& session, int first, int last)
-{
-    std::vector<std::string> names;
-    if (session.Ask([&](IQBXIpodPlayer& player) { return player.GetPlayingListItems(first, last, names); }) != 1)
-        throw Failure(kNothingDone, "the service has no page of the playing list");
-    names.resize(std::min(names.size(), static_cast<std::size_t>(last - first) + 1));
-    return names;
-}
-
 Queue ReadQueue(Session& session)
 {
-    Queue queue{session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackIdx(); }), {}};
-    const int amount = Amount(session);
-    for (int first = 0; first < amount; first += kPageSize)
-    {
-        const std::vector<std::string> names = ReadNames(session, first, std::min(first + kPageSize, amount) - 1);
-        if (names.empty()) break;
-        queue.names.insert(queue.names.end(), names.begin(), names.end());
-    }
-    return queue;
+    List list(session, ipodkit::ListKind::Playing);
+    const int playing = session.Ask(session.Commands().PlayingIndex());
+    return {playing, list.Names(0, list.Count(), "the service has no page of the playing list")};
 }
 
 Json QueueJson(const Queue& queue)
@@ -52,6 +31,13 @@ Json QueueJson(const Queue& queue)
     Json entries = Json::array();
     for (std::size_t i = 0; i < queue.names.size(); ++i) entries.push_back({{"index", i}, {"name", queue.names[i]}});
     return {{"verb", "queue"}, {"playing", queue.playing}, {"count", queue.names.size()}, {"entries", entries}};
+}
+
+std::string NamesText(const Queue& queue)
+{
+    std::string text;
+    for (const std::string& name : queue.names) text += (text.empty() ? "" : "\n") + Printable(name);
+    return text;
 }
 
 std::string QueueText(const Queue& queue, int width)
@@ -64,26 +50,30 @@ std::string QueueText(const Queue& queue, int width)
     return Table(rows, width);
 }
 
-Answer Show(Context& context)
+Answer Show(Context& context, bool namesOnly)
 {
     const Queue queue = ReadQueue(context.session);
+    if (namesOnly) return {QueueJson(queue), NamesText(queue)};
     const std::string text = QueueText(queue, context.out.width());
     return {QueueJson(queue), text.empty() && context.out.terminal() ? "the playing list is empty" : text};
 }
 
 Answer Jump(Session& session, int index)
 {
-    CheckIndex(index, Amount(session), "the playing list");
+    CheckIndex(index, session.Ask(session.Commands().PlayingCount()), "the playing list");
     TakeAudioSource(session);
-    session.Ask([&](IQBXIpodPlayer& player) { player.PlayPlayingList(index); });
+    session.Ask(session.Commands().PlayPlayingEntry(index));
     return NowPlaying(session, "queue");
 }
 
 Run BuildQueue(CLI::App& app)
 {
     const auto index = Argument<std::optional<int>>();
-    app.add_option("index", *index, "Entry to jump to; without it, the list is shown")->check(WholeNumber(0));
-    return [index](Context& context) { return *index ? Jump(context.session, **index) : Show(context); };
+    const auto names = Argument<bool>();
+    auto* const entry = app.add_option("index", *index, "Entry to jump to; without it, the list is shown");
+    entry->check(WholeNumber(0));
+    app.add_flag("--names", *names, "One name per line and nothing else, for scripts")->excludes(entry);
+    return [index, names](Context& context) { return *index ? Jump(context.session, **index) : Show(context, *names); };
 }
 }  // namespace
 

@@ -1,117 +1,102 @@
 // What plays, on one screen; and all that is known of the track.
-#include <algorithm>
-
-#include "names.h"
+#include "drawing.h"
+#include "loop.h"
 #include "playing.h"
-#include "table.h"
-#include "text.h"
-#include "track.h"
+#include "status.h"
+#include "status_screen.h"
 #include "verbs.h"
+#include "watch.h"
 
 namespace ctl
 {
 namespace
 {
-constexpr int kWidestBar = 42;
-constexpr int kTimesWidth = 20;
+constexpr int kNear = 2;
 
-struct Status
+struct Look
 {
-    Playing playing;
-    int shuffle;
-    int repeat;
-    int devices;
+    Art art = Art::OnTerminal;
+    double listen = 0;
+    bool watch = false;
 };
 
-Status ReadStatus(Session& session)
+void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
 {
-    return {ReadPlaying(session), session.Ask([](IQBXIpodPlayer& player) { return player.GetShuffleMode(); }),
-            session.Ask([](IQBXIpodPlayer& player) { return player.GetRepeatMode(); }),
-            session.Ask([](IQBXIpodPlayer& player) { return player.GetDeviceAmount(); })};
+    auto* const always = app.add_flag_callback(
+        "--art",
+        [look]
+        {
+            if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw");
+            look->art = Art::Always;
+        },
+        "Draw the picture also where standard output is no terminal");
+    app.add_flag_callback(
+           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the picture")
+        ->excludes(always);
 }
 
-Json StatusJson(const Status& status)
+// Battery and calls are told by events only.
+void Listen(Session& session, double seconds)
 {
-    Json json{{"verb", "status"}};
-    json.update(PlayingJson(status.playing));
-    json["shuffle"] = ShuffleName(status.shuffle);
-    json["repeat"] = RepeatName(status.repeat);
-    json["devices"] = std::max(0, status.devices);
+    if (seconds <= 0) return;
+    session.Ready();
+    Loop loop;
+    if (loop.Run(seconds) == Ending::Interrupted) throw Interrupted{};
+}
+
+Answer ShowStatus(Context& context, const Look& look)
+{
+    const auto show = [&](const Status& status) -> Answer
+    {
+        Json json{{"verb", "status"}};
+        json.update(StatusJson(status));
+        return {json, context.out.json() ? "" : StatusText(status, context.out, look.art)};
+    };
+    Listen(context.session, look.listen);
+    if (!look.watch) return show(ReadStatus(context.session, kNear));
+    Watch(context, kNear, show);
+    return {};
+}
+
+Run BuildStatus(CLI::App& app)
+{
+    const auto look = Argument<Look>();
+    AddArt(app, look);
+    auto* const listen = app.add_option("--listen", look->listen,
+                                        "Listen so many seconds first: battery and calls are told by events only");
+    listen->check(CLI::PositiveNumber);
+    app.add_flag("--watch", look->watch, "Stay, and show every change, until Ctrl-C")->excludes(listen);
+    return [look](Context& context) { return ShowStatus(context, *look); };
+}
+
+Json InfoJson(const Status& status)
+{
+    const Json all = StatusJson(status);
+    Json json{{"verb", "info"}};
+    for (const char* name : {"state", "position_ms", "length_ms", "index", "count", "track", "picture"})
+        json[name] = all[name];
     return json;
 }
 
-std::string TrackText(const QBXiPodTrackInfo& track, const Output& out)
+Run BuildInfo(CLI::App& app)
 {
-    const std::string artist = Printable(track.text2);
-    const std::string album = Printable(track.text3);
-    const std::string title = track.text1.empty() ? "(no title)" : Printable(track.text1);
-    const std::string below = artist + (artist.empty() || album.empty() ? "" : " - ") + album;
-    return out.Paint(Colour::Bold, Cut(title, out.width())) + "\n" +
-           (below.empty() ? "" : Cut(below, out.width()) + "\n");
-}
-
-std::string ProgressText(const Playing& playing, const Output& out)
-{
-    const int width = std::clamp(out.width() - kTimesWidth, 4, kWidestBar);
-    return out.Paint(Colour::Cyan, Bar(playing.position, playing.length, width)) + " " + Clock(playing.position) +
-           " / " + Clock(playing.length) + "\n";
-}
-
-std::string QueueText(const Playing& playing)
-{
-    if (playing.index < 0) return "queue " + Count(std::max(0, playing.amount), "entry", "entries");
-    return "queue " + std::to_string(playing.index + 1) + " of " + std::to_string(playing.amount);
-}
-
-std::string StatusText(const Status& status, const Output& out)
-{
-    const Playing& playing = status.playing;
-    const std::string track =
-        IsEmpty(playing.track) ? std::string() : TrackText(playing.track, out) + ProgressText(playing, out);
-    return track + out.Paint(Colour::Green, PlayStatusName(playing.state)) + "   shuffle " +
-           ShuffleName(status.shuffle) + "   repeat " + RepeatName(status.repeat) + "   " + QueueText(playing) + "   " +
-           Count(std::max(0, status.devices), "device", "devices");
-}
-
-Run BuildStatus(CLI::App&)
-{
-    return [](Context& context) -> Answer
+    const auto look = Argument<Look>();
+    AddArt(app, look);
+    return [look](Context& context) -> Answer
     {
-        const Status status = ReadStatus(context.session);
-        return {StatusJson(status), StatusText(status, context.out)};
-    };
-}
-
-std::string InfoText(const Playing& playing, int width)
-{
-    const QBXiPodTrackInfo& track = playing.track;
-    return Table({{"title", Printable(track.text1)},
-                  {"artist", Printable(track.text2)},
-                  {"album", Printable(track.text3)},
-                  {"genre", Printable(track.text4)},
-                  {"length", Clock(track.value1)},
-                  {"number", track.value2 > 0 ? std::to_string(track.value2) : "unknown"},
-                  {"queue", std::to_string(playing.index + 1) + " of " + std::to_string(playing.amount)},
-                  {"picture", track.value4 == 1 ? "yes" : "no"}},
-                 width);
-}
-
-Run BuildInfo(CLI::App&)
-{
-    return [](Context& context) -> Answer
-    {
-        const Playing playing = RequireTrack(context.session);
-        Json json{{"verb", "info"}};
-        json.update(PlayingJson(playing));
-        return {json, InfoText(playing, context.out.width())};
+        const Status status = ReadStatus(context.session, 0);
+        if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
+        return {InfoJson(status), InfoText(status, context.out, look->art)};
     };
 }
 }  // namespace
 
 std::vector<Verb> StatusVerbs()
 {
-    return {{"status", "Show what plays, the modes, the queue and the devices",
-             "ipodctl status\nipodctl status --json | jq -r .track.title", BuildStatus},
+    return {{"status", "Show what plays, the modes, the queue, the devices, battery and calls",
+             "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
+             "ipodctl status --json | jq -r .track.title",
+             BuildStatus},
             {"info", "Show all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
 }
 }  // namespace ctl

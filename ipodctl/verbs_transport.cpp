@@ -14,18 +14,18 @@ namespace
 void Resume(Session& session)
 {
     TakeAudioSource(session);
-    if (session.Ask([](IQBXIpodPlayer& player) { return player.Play(IPOD_PLAY_START, 0); }) == 0)
-        throw Failure(kNothingDone, "the service did not start playback; load something with ipodctl play INDEX");
+    session.Ask(session.Commands().StartPlayback(IPOD_PLAY_START),
+                "the service did not start playback; load something with ipodctl play INDEX");
 }
 
 void PlayEntry(Session& session, const std::string& wanted)
 {
     const Entry entry = FindEntry(session, wanted);
-    if (ReadLevel(session, entry.index, 1).folder)
+    if (ReadLevel(session, entry.index, 1, Pinyin::None).folder)
         throw Failure(kNothingDone, "'" + Printable(entry.name) + "' is a folder; enter it with ipodctl cd " +
                                         std::to_string(entry.index));
     TakeAudioSource(session);
-    session.Ask([&](IQBXIpodPlayer& player) { player.PlayDBList(entry.index); });
+    session.Ask(session.Commands().PlayDatabaseEntry(entry.index));
 }
 
 Run BuildPlay(CLI::App& app)
@@ -43,36 +43,36 @@ Run BuildPlay(CLI::App& app)
 }
 
 // One call, and a word for its refusal.
-template <bool (IQBXIpodPlayer::*command)()>
+template <ipodkit::Request<void> (ipodkit::Commands::*command)() const>
 Run BuildSimple(const char* verb, const char* refusal)
 {
     return [verb, refusal](Context& context)
     {
-        if (!context.session.Ask([](IQBXIpodPlayer& player) { return (player.*command)(); }))
-            throw Failure(kNothingDone, refusal);
+        context.session.Ask((context.session.Commands().*command)(), refusal);
         return NowPlaying(context.session, verb);
     };
 }
 
 Run BuildPause(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Pause>("pause", "the service did not pause; ipodctl status shows what it does");
+    return BuildSimple<&ipodkit::Commands::Pause>("pause",
+                                                  "the service did not pause; ipodctl status shows what it does");
 }
 
 Run BuildStop(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Stop>("stop", "the service did not stop; ipodctl status shows what it does");
+    return BuildSimple<&ipodkit::Commands::Stop>("stop", "the service did not stop; ipodctl status shows what it does");
 }
 
 Run BuildNext(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Next>(
+    return BuildSimple<&ipodkit::Commands::Next>(
         "next", "the service did not move on; ipodctl queue shows whether this is the last entry");
 }
 
 Run BuildPrevious(CLI::App&)
 {
-    return BuildSimple<&IQBXIpodPlayer::Previous>(
+    return BuildSimple<&ipodkit::Commands::Previous>(
         "previous", "the service did not move back; ipodctl queue shows whether this is the first entry");
 }
 
@@ -89,7 +89,7 @@ int SecondFor(const SeekTarget& target, const Playing& playing)
 Answer Seek(Session& session, const SeekTarget& target)
 {
     const int second = SecondFor(target, RequireTrack(session));
-    session.Ask([&](IQBXIpodPlayer& player) { player.Seek(second); });
+    session.Ask(session.Commands().Seek(std::chrono::seconds(second)));
     Answer answer = NowPlaying(session, "seek");
     answer.text += " at " + Clock(answer.json["position_ms"]) + " / " + Clock(answer.json["length_ms"]);
     return answer;

@@ -4,6 +4,7 @@ complete -c ipodctl -f
 complete -c ipodctl -s h -l help -d 'Show help'
 complete -c ipodctl -l json -d 'Answer with JSON'
 complete -c ipodctl -l verbose -d 'Show what the library logs'
+complete -c ipodctl -l deadline -x -d 'Seconds that the service may take'
 complete -c ipodctl -n __fish_use_subcommand -l version -d 'Show the version'
 
 function __ipodctl_verb -a verb description
@@ -32,9 +33,38 @@ __ipodctl_verb art 'Write the picture of the playing track to a file'
 __ipodctl_verb events 'Follow all events'
 __ipodctl_verb eap 'Accessory sessions'
 __ipodctl_verb sim 'Let something happen on the simulator'
+__ipodctl_verb shm 'Show what lies in the shared memory now'
+__ipodctl_verb bench 'Measure how long the commands take'
 __ipodctl_verb doctor 'Say what is wrong, and what to do'
 functions -e __ipodctl_verb
 
+set -g __ipodctl_events device play-status progress repeat shuffle track queue-size source artwork carplay battery location \
+    carlife phone-call eap-start eap-stop eap-data pairing wireless-carplay foreground-app
+set -g __ipodctl_vectors VecPlayingListShareMemory VecDBListShareMemory VecDBListPinyinShareMemory VecUpdateListShareMemory \
+    VecUpdateListPinyinShareMemory VecDeviceListShareMemory VecArtworkBufferShareMemory \
+    VecArtworkChangeBufferShareMemory VecEapWriteBufferShareMemory VecEapReadBufferShareMemory
+
+complete -c ipodctl -n '__fish_seen_subcommand_from status info' -l art -d 'Draw the picture always'
+complete -c ipodctl -n '__fish_seen_subcommand_from status info' -l no-art -d 'Draw no picture'
+complete -c ipodctl -n '__fish_seen_subcommand_from status' -l listen -x -d 'Listen for battery and calls first'
+complete -c ipodctl -n '__fish_seen_subcommand_from status' -l watch -d 'Show every change'
+complete -c ipodctl -n '__fish_seen_subcommand_from play cd' -a '(ipodctl --deadline 1 ls --all --names 2>/dev/null)'
+complete -c ipodctl -n '__fish_seen_subcommand_from ls queue devices' -l names -d 'Names only'
+complete -c ipodctl -n '__fish_seen_subcommand_from ls' -l pinyin -d 'For every name'
+complete -c ipodctl -n '__fish_seen_subcommand_from ls' -l no-pinyin -d 'For none'
+complete -c ipodctl -n '__fish_seen_subcommand_from ls' -l index -d 'Where each letter begins'
+complete -c ipodctl -n '__fish_seen_subcommand_from art' -l out -r -F -d 'File'
+complete -c ipodctl -n '__fish_seen_subcommand_from events' -a "$__ipodctl_events"
+complete -c ipodctl -n '__fish_seen_subcommand_from events' -l until -x -a "$__ipodctl_events" -d 'The last event'
+complete -c ipodctl -n '__fish_seen_subcommand_from events' -l wait -d 'Wait for the service'
+complete -c ipodctl -n '__fish_seen_subcommand_from events' -l format -x -d 'Show by a template'
+complete -c ipodctl -n '__fish_seen_subcommand_from events' -l exec -x -d 'Run for each event'
+complete -c ipodctl -n '__fish_seen_subcommand_from shm' -l dump -x -a "$__ipodctl_vectors" -d 'Show what a vector holds'
+complete -c ipodctl -n '__fish_seen_subcommand_from bench' -l count -x -d 'Calls of each command'
+complete -c ipodctl -n '__fish_seen_subcommand_from bench' -l pages -d 'Also those that fill the vectors'
+complete -c ipodctl -n '__fish_seen_subcommand_from bridge' -l no-launch -d 'The device opens the session'
+complete -c ipodctl -n '__fish_seen_subcommand_from bridge' -l socket -r -F -d 'Serve a socket'
+complete -c ipodctl -n '__fish_seen_subcommand_from bridge' -l linger -x -d 'Seconds of silence that end it'
 complete -c ipodctl -n '__fish_seen_subcommand_from shuffle' -a 'off songs albums'
 complete -c ipodctl -n '__fish_seen_subcommand_from repeat' -a 'off one all'
 complete -c ipodctl -n '__fish_seen_subcommand_from seek' -l back -x -d 'Move back'
@@ -44,12 +74,12 @@ complete -c ipodctl -n '__fish_seen_subcommand_from ls' -l all -d 'The whole lev
 complete -c ipodctl -n '__fish_seen_subcommand_from cd' -a '.. /'
 complete -c ipodctl -n '__fish_seen_subcommand_from button' -l held -x -d 'Time held, in milliseconds'
 complete -c ipodctl -n '__fish_seen_subcommand_from art write' -F
-complete -c ipodctl -n '__fish_seen_subcommand_from events listen echo' -l timeout -x -d 'Seconds'
+complete -c ipodctl -n '__fish_seen_subcommand_from events listen echo bridge' -l timeout -x -d 'Seconds'
 complete -c ipodctl -n '__fish_seen_subcommand_from events' -l no-progress -d 'Leave out the progress of playback'
-complete -c ipodctl -n '__fish_seen_subcommand_from eap; and not __fish_seen_subcommand_from init launch write listen echo' \
-    -a 'init launch write listen echo'
-complete -c ipodctl -n '__fish_seen_subcommand_from echo' -l protocols -x -d 'Protocols to announce'
-complete -c ipodctl -n '__fish_seen_subcommand_from echo' -l bundle -x -d 'App to launch'
+complete -c ipodctl -n '__fish_seen_subcommand_from eap; and not __fish_seen_subcommand_from init launch write listen echo bridge' \
+    -a 'init launch write listen echo bridge'
+complete -c ipodctl -n '__fish_seen_subcommand_from echo bridge' -l protocols -x -d 'Protocols to announce'
+complete -c ipodctl -n '__fish_seen_subcommand_from echo bridge' -l bundle -x -d 'App to launch'
 
 set -l happenings call battery carplay carlife wireless pairing location source app attach detach button eap-open eap-close eap-data calls fault clear-faults scenario
 complete -c ipodctl -n "__fish_seen_subcommand_from sim; and not __fish_seen_subcommand_from $happenings" -a "$happenings"

@@ -25,11 +25,17 @@ protected:
 };
 }  // namespace
 
-TEST(WithExtension, AddsOneOnlyWhereThereIsNone)
+TEST_F(Files, GetAnExtensionWhereTheyHaveNone)
 {
-    EXPECT_EQ(WithExtension("cover", ".png"), "cover.png");
-    EXPECT_EQ(WithExtension("cover.jpg", ".png"), "cover.jpg");
-    EXPECT_EQ(WithExtension("/tmp/a.b/cover", ".png"), "/tmp/a.b/cover.png");
+    EXPECT_EQ(FileIn("cover", "artwork", ".png"), "cover.png");
+    EXPECT_EQ(FileIn("cover.jpg", "artwork", ".png"), "cover.jpg");
+    EXPECT_EQ(FileIn("/tmp/a.b/cover", "artwork", ".png"), "/tmp/a.b/cover.png");
+}
+
+TEST_F(Files, GetANameInAFolder)
+{
+    EXPECT_EQ(FileIn(m_folder, "artwork", ".png"), m_folder + "/artwork.png");
+    EXPECT_EQ(FileIn("to/come/", "artwork", ".png"), "to/come/artwork.png");
 }
 
 TEST_F(Files, ComeBackAsTheyWereWritten)

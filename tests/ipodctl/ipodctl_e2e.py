@@ -1,15 +1,20 @@
 #!/usr/bin/env python3
 """Runs every verb of ipodctl against the simulator, on a bus and in a shared memory of its own."""
 import argparse
+import fcntl
 import json
 import os
 import pty
 import re
 import select
 import signal
+import socket
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
+import threading
 import time
 import unittest
 
@@ -111,14 +116,16 @@ class WithoutAService(OnABus):
                       ["seek", "-10"], ["shuffle"], ["repeat", "all"], ["ls"], ["cd", "/"], ["queue"], ["devices"],
                       ["carplay"], ["carlife"], ["button", "1"], ["hub", "0"], ["art"], ["events"],
                       ["eap", "init", "a", "b"], ["eap", "launch", "a"], ["eap", "write", "1"], ["eap", "listen"],
-                      ["eap", "echo", "a"]):
+                      ["eap", "echo", "a"], ["eap", "bridge"], ["bench"], ["ls", "--index"]):
             with self.subTest(words):
                 self.assertIn("no iPod service", self.refused(*words, code=NO_SERVICE))
         self.assertEqual(os.listdir("/dev/shm"), [])
 
     def test_wrong_arguments_are_told_without_a_service(self):
         for words in (["dance"], [], ["seek"], ["seek", "1:99"], ["seek", "5", "6"], ["shuffle", "sometimes"],
-                      ["repeat", "two"], ["ls", "--count", "0"], ["ls", "--all", "--from", "1"], ["queue", "-1"],
+                      ["repeat", "two"], ["ls", "--count", "0"], ["ls", "--all", "--from", "1"], ["ls", "--index", "--names"], ["--deadline", "0", "status"],
+                      ["bench", "--count", "0"], ["status", "--watch", "--listen", "1"],
+                      ["events", "--exec", "a", "--format", "b"], ["queue", "-1"],
                       ["queue", "x"], ["cd"], ["cd", ""], ["eap"], ["eap", "write", "70000"], ["hub", "256"],
                       ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"],
                       ["eap", "launch", b"\xff"]):
@@ -129,7 +136,8 @@ class WithoutAService(OnABus):
         self.assertIn("Exit codes:", self.text("--help"))
         self.assertRegex(self.text("--version"), r"^ipodctl \d+\.\d+\.\d+\n$")
         for verb in ("status", "info", "play", "pause", "stop", "next", "previous", "seek", "shuffle", "repeat", "ls",
-                     "cd", "queue", "devices", "carplay", "carlife", "button", "hub", "art", "events", "eap"):
+                     "cd", "queue", "devices", "carplay", "carlife", "button", "hub", "art", "events", "eap", "shm",
+                     "bench", "doctor"):
             with self.subTest(verb):
                 self.assertIn("Examples:\n  ipodctl ", self.text(verb, "--help"))
 
@@ -137,9 +145,12 @@ class WithoutAService(OnABus):
 class OnABusWithTheSimulator(OnABus):
     def setUp(self):
         super().setUp()
+        self.start_simulator()
+        self.addCleanup(self.stop_simulator)
+
+    def start_simulator(self):
         self.simulator = subprocess.Popen([OPTIONS.simulator], env=self.bus.environment, stdout=subprocess.PIPE,
                                           text=True)
-        self.addCleanup(self.stop_simulator)
         self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
 
     def stop_simulator(self):
@@ -175,6 +186,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 return process
         self.fail("it ended before it listened")
 
+    def await_line(self, stream, part, keep=None):
+        """Reads lines until one has a part in it."""
+        for line in stream:
+            if keep is not None:
+                keep.append(line)
+            if part in line:
+                return
+        self.fail(f"no line with {part}")
+
     # What plays
 
     def test_an_idle_device_is_shown_as_such(self):
@@ -200,6 +220,64 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(lines[1], f"{track['artist']} - {track['album']}")
         self.assertRegex(lines[2], r"^\[=*> *\] 0:0\d / \d+:\d\d$")
         self.assertRegex(lines[3], r"^playing   shuffle off   repeat off   queue 1 of \d+   1 device$")
+        device = self.json("devices")["devices"][0]["name"]
+        self.assertTrue(lines[4].startswith(device), lines)
+        queue = [entry["name"] for entry in self.json("queue")["entries"]]
+        self.assertEqual(lines[5:], [f"> 0  {queue[0]}", f"  1  {queue[1]}", f"  2  {queue[2]}"])
+
+    def test_what_only_events_tell_is_listened_for(self):
+        self.play_first_song()
+        self.assertEqual((self.json("status")["battery"], self.json("status")["calls"]), ({}, []))
+        process = self.follow("--json", "status", "--listen", "3")
+        self.tell("battery", "--level", "80", "--charging")
+        self.tell("call", "--status", "ringing", "--name", "Anna", "--uuid", "1")
+        out, _ = process.communicate(timeout=LIMIT)
+        status = json.loads(out)
+        self.assertEqual(check(status, SCHEMA), [])
+        self.assertEqual(status["battery"], {"percent": 80, "status": "charging"})
+        self.assertEqual([(call["name"], call["status"]) for call in status["calls"]], [("Anna", "ringing")])
+
+    def test_the_status_is_watched_until_ctrl_c(self):
+        self.play_first_song()
+        process = self.follow("--json", "status", "--watch")
+        self.tell("battery", "--level", "33")
+        self.await_line(process.stdout, b'"percent":33', keep=(lines := []))
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        for line in lines:
+            self.assertEqual(check(json.loads(line), SCHEMA), [])
+
+    def test_a_terminal_gets_its_screen_back_after_watching(self):
+        self.play_first_song()
+        shown = self.on_terminal("status", "--watch", interrupt_at="playing")
+        self.assertTrue(shown.startswith("\033[?1049h\033[?25l"), shown)
+        self.assertTrue(shown.endswith("\033[?25h\033[?1049l"), shown)
+        self.assertGreaterEqual(shown.count("playing"), 2)
+
+    def test_the_picture_is_drawn_where_it_is_wanted(self):
+        self.play_first_song()
+        plain = self.text("status").splitlines()
+        drawn = self.text("status", "--art").splitlines()
+        self.assertGreaterEqual(len(drawn), 8)
+        self.assertNotIn("\033", "".join(drawn))
+        self.assertTrue(drawn[0].endswith(plain[0]) and len(drawn[0]) > len(plain[0]), drawn)
+        size = {"LINES": 24, "COLUMNS": 80}
+        self.assertIn("\033[", self.on_terminal("info", size=size))
+        self.assertLess(len(self.on_terminal("info", "--no-art", size=size)),
+                        len(self.on_terminal("info", size=size)))
+        self.refused("status", "--art", "--no-art", code=USAGE)
+
+    def test_a_tiny_terminal_is_enough(self):
+        self.play_first_song()
+        self.bus.environment["NO_COLOR"] = "1"
+        for verb in ("status", "info", "ls", "queue", "devices", "shm"):
+            with self.subTest(verb):
+                shown = self.on_terminal(verb, size={"LINES": 5, "COLUMNS": 20})
+                if verb == "status":
+                    self.assertLessEqual(shown.count("\n"), 4)
+                    for line in shown.splitlines():
+                        self.assertLessEqual(terminal_columns(line), 20)
 
     def test_playback_pauses_goes_on_and_stops(self):
         self.play_first_song()
@@ -268,6 +346,32 @@ class WithTheSimulator(OnABusWithTheSimulator):
                    for line, entry in zip(lines, entries) if "pinyin" in entry}
         self.assertEqual(len(columns), 1, lines)
 
+    def test_pinyin_is_shown_for_all_or_for_none(self):
+        self.run_ctl("cd", "/Artists")
+        self.assertTrue(all("pinyin" in entry for entry in self.json("ls", "--pinyin")["entries"]))
+        self.assertFalse(any("pinyin" in entry for entry in self.json("ls", "--no-pinyin")["entries"]))
+        self.refused("ls", "--pinyin", "--no-pinyin", code=USAGE)
+
+    def test_names_stand_alone_for_scripts(self):
+        self.run_ctl("cd", "/Songs")
+        names = [entry["name"] for entry in self.json("ls", "--all")["entries"]]
+        self.assertEqual(self.text("ls", "--all", "--names").splitlines(), names)
+        self.run_ctl("play", "0")
+        self.assertEqual(self.text("queue", "--names").splitlines(), names)
+        devices = [device["name"] for device in self.json("devices")["devices"]]
+        self.assertEqual(self.text("devices", "--names").splitlines(), devices)
+
+    def test_letters_say_where_they_begin(self):
+        self.run_ctl("cd", "/Songs")
+        level = self.json("ls", "--index")
+        entries = self.json("ls", "--all", "--pinyin")["entries"]
+        self.assertEqual(sum(letter["count"] for letter in level["letters"]), level["count"])
+        for letter in level["letters"]:
+            with self.subTest(letter):
+                self.assertEqual(entries[letter["index"]]["pinyin"][0].upper(), letter["label"])
+        self.assertIn("C", [letter["label"] for letter in level["letters"]])
+        self.assertRegex(self.text("ls", "--index"), r"(?m)^Z +\d+ +\d+ entr(y|ies) +\S")
+
     def test_levels_are_entered_by_index_name_pinyin_and_path(self):
         self.assertFalse(self.json("cd", "1")["root"])
         self.assertTrue(self.json("cd", "..")["root"])
@@ -324,6 +428,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.tell("carplay", "on", "--serial", "F17")
         self.tell("carlife", "unsupported")
         self.assertEqual(self.text("carplay"), "carplay device detected\n")
+        self.assertEqual(self.json("carplay")["serial"], "F17")
         self.assertEqual(self.json("carlife")["status"], "unsupported")
 
     def test_buttons_and_the_hub_are_reached(self):
@@ -345,6 +450,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.run_ctl("art", "-"), picture)
         self.assertTrue(self.text("art").startswith("artwork.png: image/png, "))
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
+
+    def test_a_folder_gets_the_picture_under_a_name_of_its_own(self):
+        self.play_first_song()
+        folder = os.path.join(self.folder.name, "pictures")
+        os.mkdir(folder)
+        self.assertEqual(self.json("art", "--out", "pictures")["file"], "pictures/artwork.png")
+        self.assertEqual(os.listdir(folder), ["artwork.png"])
+        self.assertEqual(self.json("art", "--out", "x.jpg")["file"], "x.jpg")
+        self.refused("art", "one", "--out", "two", code=USAGE)
 
     # Events
 
@@ -385,6 +499,53 @@ class WithTheSimulator(OnABusWithTheSimulator):
         events = self.events(cause, "--count", "3")
         self.assertEqual([event["event"] for event in events], ["eap-start", "eap-data", "eap-stop"])
         self.assertEqual(events[1]["hex"], b"hi".hex())
+
+    def test_events_are_chosen_by_name(self):
+        def cause():
+            self.tell("location", "on")
+            self.tell("battery", "--level", "5")
+            self.tell("app", "com.example.maps")
+
+        self.assertEqual([event["event"] for event in self.events(cause, "battery", "foreground-app", "--count", "2")],
+                         ["battery", "foreground-app"])
+        self.refused("events", "weather", code=USAGE)
+
+    def test_events_end_with_the_one_that_is_waited_for(self):
+        def cause():
+            self.tell("location", "on")
+            self.tell("battery", "--level", "5")
+            self.tell("location", "off")
+
+        names = [event["event"] for event in self.events(cause, "--no-progress", "--until", "battery")]
+        self.assertEqual(names, ["location", "battery"])
+        self.assertIn("no event 'track'",
+                      self.refused("events", "--no-progress", "--until", "track", "--timeout", "0.3", code=NOTHING_DONE))
+
+    def test_events_take_the_form_of_a_template(self):
+        track = self.play_first_song()["track"]
+        process = self.follow("events", "battery", "--count", "1", "--format",
+                              '{{ title }}|{{ duration(length) }}|{{ charging | default: "?" }}|'
+                              '{% if percent < 10 %}low{% else %}fine{% end %}')
+        self.tell("battery", "--level", "5")
+        out, _ = process.communicate(timeout=LIMIT)
+        minutes, seconds = divmod(track["length_ms"] // 1000, 60)
+        self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|low\n")
+
+    def test_a_template_that_is_wrong_is_told_with_its_column(self):
+        self.assertIn("column 6: expected a field", self.refused("events", "--format", "a {{ b }}", code=USAGE))
+
+    def test_events_run_a_command_with_what_they_tell(self):
+        self.play_first_song()
+        process = self.follow("events", "battery", "--count", "2", "--exec",
+                              'echo "$IPOD_EVENT $IPOD_PERCENT $IPOD_STATE"; cat')
+        self.tell("battery", "--level", "5")
+        self.tell("battery", "--level", "6")
+        out, _ = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        lines = out.decode().splitlines()
+        self.assertEqual([lines[0], lines[2]], ["battery 5 playing", "battery 6 playing"])
+        self.assertEqual(check(json.loads(lines[1]), SCHEMA), [])
+        self.assertEqual(json.loads(lines[3])["percent"], 6)
 
     def test_following_ends_with_its_time(self):
         self.assertEqual(self.run_ctl("events", "--no-progress", "--timeout", "0.3"), b"")
@@ -430,19 +591,172 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(listener.returncode, DONE)
         self.assertRegex(out.decode(), r"eap-start .*session 1, protocol 0\n.*eap-data .*10 bytes: from stdin\n$")
 
+    def test_a_bridge_carries_bytes_both_ways_and_ends_with_its_input(self):
+        data = bytes(range(256)) * 2000
+        self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
+
+    def test_a_bridge_ends_with_the_session(self):
+        process = self.start("--verbose", "eap", "bridge", "--no-launch", stdin=subprocess.PIPE)
+        self.await_line(process.stderr, b"Owner Name")
+        time.sleep(0.3)
+        self.tell("eap-open")
+        self.tell("eap-data", "1", "--text", "from the device")
+        self.assertEqual(os.read(process.stdout.fileno(), 100), b"from the device")
+        self.tell("eap-close", "1")
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+
+    def test_a_bridge_tells_when_the_service_leaves(self):
+        process = self.start("eap", "bridge", stdin=subprocess.PIPE)
+        process.stdin.write(b"x")
+        process.stdin.flush()
+        self.assertEqual(os.read(process.stdout.fileno(), 100), b"x")
+        self.simulator.kill()
+        _, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, SERVICE_LOST, err)
+        self.assertRegex(err.decode(), r"^ipodctl: [^\n]+\n$")
+
+    def test_a_bridge_serves_clients_of_a_socket_one_after_the_other(self):
+        path = os.path.join(self.folder.name, "socket")
+        process = self.start("eap", "bridge", "--socket", path, "--linger", "0.2")
+        for text in (b"first", b"second" * 20000):
+            self.assertEqual(self.exchange(path, text), text)
+        self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        self.assertFalse(os.path.exists(path))
+
+    def exchange(self, path, text):
+        """What a client of a socket gets back."""
+        deadline = time.monotonic() + LIMIT
+        while not os.path.exists(path) and time.monotonic() < deadline:
+            time.sleep(0.02)
+        with socket.socket(socket.AF_UNIX) as client:
+            client.settimeout(LIMIT)
+            client.connect(path)
+            threading.Thread(target=client.sendall, args=(text,)).start()
+            got = b""
+            while len(got) < len(text):
+                got += client.recv(65536)
+            return got
+
+    def test_a_socket_that_cannot_be_made_is_told(self):
+        self.assertIn("cannot make the socket",
+                      self.refused("eap", "bridge", "--socket", "/nonexistent/socket", code=USAGE))
+        with open(os.path.join(self.folder.name, "file"), "w", encoding="utf-8"):
+            pass
+        self.assertIn("cannot make the socket", self.refused("eap", "bridge", "--socket", "file", code=USAGE))
+
     def test_bytes_that_cannot_be_sent_are_told(self):
         self.assertIn("session 77", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
         self.assertIn("2000000 bytes", self.refused("eap", "write", "1", data=bytes(2000000), code=NO_SEGMENTS))
         self.assertIn("cannot read", self.refused("eap", "write", "1", "/nonexistent", code=USAGE))
 
+    # Shared memory
+
+    def test_what_lies_in_the_segments_is_shown(self):
+        self.run_ctl("cd", "/Songs")
+        names = [entry["name"] for entry in self.json("ls", "--all")["entries"]]
+        segments = {segment["name"]: segment for segment in self.json("shm")["segments"]}
+        lists = {vector["name"]: vector for vector in segments["ListVectorSharedMemory"]["vectors"]}
+        self.assertEqual(lists["VecDBListShareMemory"]["elements"], len(names))
+        self.assertGreater(segments["BufferVectorSharedMemory"]["free"], 0)
+        self.assertEqual(self.json("shm", "--dump", "VecDBListShareMemory")["names"], names)
+        self.assertIn("VecDBListShareMemory", self.text("shm"))
+        self.json("eap", "echo", "Hello, world")
+        self.assertIn("48 65 6c 6c 6f", self.text("shm", "--dump", "VecEapReadBufferShareMemory"))
+        self.assertEqual(self.json("shm", "--dump", "VecEapReadBufferShareMemory")["hex"], b"Hello, world".hex())
+        self.refused("shm", "--dump", "VecNothing", code=USAGE)
+
+    def test_garbage_in_the_segments_is_told(self):
+        self.run_ctl("cd", "/Songs")
+        self.run_ctl("ls", "--all")
+        path = "/dev/shm/ListVectorSharedMemory"
+        with open(path, "r+b") as segment:
+            size = os.path.getsize(path)
+            segment.seek(256)
+            segment.write(os.urandom(size - 256))
+        for words in (["shm"], ["shm", "--dump", "VecDBListShareMemory"]):
+            process = self.start("--json", *words)
+            out, err = process.communicate(timeout=LIMIT)
+            self.assertEqual(process.returncode, NO_SEGMENTS, (out, err))
+            self.assertEqual(check(json.loads(out), SCHEMA), [])
+
+    def test_segments_that_are_not_there_are_told(self):
+        clear_shared_memory()
+        process = self.start("--json", "shm")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, err), (NOTHING_DONE, b""))
+        self.assertEqual([segment["there"] for segment in json.loads(out)["segments"]], [False, False])
+        self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS)
+        self.assertEqual(os.listdir("/dev/shm"), [])
+
+    # Latencies
+
+    def test_commands_are_measured_and_nothing_is_changed(self):
+        self.play_first_song()
+        self.run_ctl("pause")
+        before = self.json("status")
+        bench = self.json("bench", "--count", "20", "--pages")
+        self.assertEqual(bench["calls"], 20)
+        self.assertGreaterEqual(len(bench["commands"]), 16)
+        for command in bench["commands"]:
+            self.assertLessEqual(command["p50_us"], command["p99_us"])
+        self.assertEqual(self.json("status"), before)
+        self.assertIn("changes nothing", self.text("bench", "--count", "2"))
+
     # The service, misbehaving
 
-    def test_a_service_that_dies_while_events_are_followed_is_told(self):
-        process = self.follow("events", "--no-progress")
-        self.simulator.kill()
-        _, err = process.communicate(timeout=LIMIT)
-        self.assertEqual(process.returncode, SERVICE_LOST)
-        self.assertIn(b"left the bus", err)
+    def restart_simulator(self):
+        self.stop_simulator()
+        self.start_simulator()
+
+    def test_events_go_on_when_the_service_restarts(self):
+        process = self.follow("events", "--no-progress", "--count", "4")
+        self.tell("battery", "--level", "1")
+        for level in ("2", "3", "4"):
+            self.restart_simulator()
+            self.await_line(process.stderr, b"is there; following")
+            self.tell("battery", "--level", level)
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE, err)
+        self.assertEqual(re.findall(r"battery +percent (\d)", out.decode()), ["1", "2", "3", "4"])
+
+    def test_restarts_are_lines_among_the_events_in_json(self):
+        process = self.follow("--json", "events", "--no-progress", "--count", "1")
+        self.restart_simulator()
+        self.await_line(process.stdout, b'"ready"', keep=(lines := []))
+        self.tell("battery", "--level", "7")
+        out, _ = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        events = [json.loads(line) for line in lines + out.splitlines()]
+        for event in events:
+            self.assertEqual(check(event, SCHEMA), [])
+        self.assertEqual([(event["event"], event.get("state")) for event in events],
+                         [("service", "lost"), ("service", "ready"), ("battery", None)])
+
+    def test_a_service_that_comes_late_is_waited_for_on_request(self):
+        self.assertEqual(self.run_ctl("events", "--wait", "--no-progress", "--timeout", "0.3"), b"")
+        self.stop_simulator()
+        process = self.start("events", "--wait", "--no-progress", "--count", "1")
+        self.await_line(process.stderr, b"no iPod service yet")
+        self.start_simulator()
+        self.await_line(process.stderr, b"is there; following")
+        self.tell("battery", "--level", "9")
+        out, _ = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        self.assertIn(b"percent 9", out)
+
+    def test_a_service_that_hangs_is_told_after_the_deadline(self):
+        self.simulator.send_signal(signal.SIGSTOP)
+        self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
+        for words in (["status"], ["pause"], ["ls"], ["events"], ["art"]):
+            with self.subTest(words):
+                began = time.monotonic()
+                self.assertIn("did not answer in time",
+                              self.refused("--deadline", "0.3", *words, code=SERVICE_LOST))
+                self.assertLess(time.monotonic() - began, 10)
 
     def test_a_service_that_dies_during_a_call_is_told(self):
         self.simulator.send_signal(signal.SIGSTOP)
@@ -471,10 +785,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
     # What goes where
 
     def test_verbose_shows_the_log_on_standard_error_only(self):
-        process = self.start("--verbose", "pause", "--json")
+        process = self.start("--verbose", "art", "--json")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, NOTHING_DONE)
-        self.assertIn(b"INFO  libipod/QBXIpod_MediaPlayer_Client Pause", err)
+        self.assertIn(b"INFO  libipod/QBXIpod_MediaPlayer_Client InitInstance", err)
         self.assertEqual(check(json.loads(out), SCHEMA), [])
 
     def test_a_terminal_gets_colour_unless_it_is_not_wanted(self):
@@ -488,11 +802,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.play_first_song()
         shown = self.on_terminal("events", "--count", "2", "--timeout", "10")
         self.assertRegex(shown, r"^(\r\033\[K\[=*> *\] 0:0\d / \d+:\d\d){2}\r\n$")
+        shown = self.on_terminal("events", "--count", "2", "--timeout", "10", LC_ALL="C.UTF-8")
+        self.assertRegex(shown, r"^(\r\033\[K━*╸?─* 0:0\d / \d+:\d\d){2}\r\n$")
 
-    def on_terminal(self, *words):
+    def on_terminal(self, *words, size=None, interrupt_at=None, **environment):
         main, terminal = pty.openpty()
+        if size:
+            fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", size["LINES"], size["COLUMNS"], 0, 0))
         process = subprocess.Popen([OPTIONS.ipodctl, *words], stdout=terminal, stderr=terminal,
-                                   env=dict(self.bus.environment, TERM="xterm"))
+                                   env={**self.bus.environment, "TERM": "xterm", "LC_ALL": "C", **environment})
         os.close(terminal)
         shown = b""
         while select.select([main], [], [], LIMIT)[0]:
@@ -500,6 +818,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 shown += os.read(main, 4096)
             except OSError:
                 break
+            if interrupt_at and shown.count(interrupt_at.encode()) >= 2:
+                process.send_signal(signal.SIGINT)
+                interrupt_at = None
         os.close(main)
         self.assertEqual(process.wait(timeout=LIMIT), DONE)
         return shown.decode()

@@ -3,13 +3,14 @@ import re
 
 _TYPES = {
     "object": dict, "array": list, "string": str, "boolean": bool, "null": type(None), "integer": int,
+    "number": (int, float),
 }
 _KNOWN = {"$schema", "$defs", "$ref", "title", "description", "type", "const", "pattern", "minimum", "properties",
           "required", "additionalProperties", "items", "oneOf"}
 
 
 def _has_type(value, name):
-    return isinstance(value, _TYPES[name]) and not (name == "integer" and isinstance(value, bool))
+    return isinstance(value, _TYPES[name]) and not (name in ("integer", "number") and isinstance(value, bool))
 
 
 def _object_errors(value, schema, root, path):

@@ -1,0 +1,12 @@
+/// @file
+/// Questions to the bus itself.
+#pragma once
+
+#include <gio/gio.h>
+
+namespace ctl
+{
+/// Calls a method of the bus and blocks for some seconds at most.
+/// @return  its answer, owned by the caller; null when it refused
+GVariant* AskBus(GDBusConnection* bus, const char* method, GVariant* arguments);
+}  // namespace ctl

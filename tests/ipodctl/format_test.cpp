@@ -1,0 +1,128 @@
+#include "format.h"
+
+#include <gtest/gtest.h>
+
+#include "failure.h"
+
+namespace ctl
+{
+namespace
+{
+const std::vector<std::string> kFields = {"title", "artist", "length", "state", "loud", "count"};
+
+Json Values()
+{
+    return {{"title", "Blue in Green"}, {"artist", ""}, {"length", 337000}, {"state", "playing"}, {"loud", true}};
+}
+
+std::string Rendered(const std::string& text, const Json& values = Values())
+{
+    return Format::Parse(text, kFields).Render(values);
+}
+
+std::string ErrorOf(const std::string& text)
+{
+    try
+    {
+        Format::Parse(text, kFields);
+    }
+    catch (const Failure& failure)
+    {
+        EXPECT_EQ(failure.code(), kUsage);
+        return failure.what();
+    }
+    return "none";
+}
+
+TEST(Format, PutsFieldsIntoText)
+{
+    EXPECT_EQ(Rendered("{{ title }} {{duration(length)}}"), "Blue in Green 5:37");
+    EXPECT_EQ(Rendered("plain {text} 100 %"), "plain {text} 100 %");
+    EXPECT_EQ(Rendered(""), "");
+}
+
+TEST(Format, TakesADefaultInBothSpellings)
+{
+    EXPECT_EQ(Rendered("{{ artist | default: \"?\" }}"), "?");
+    EXPECT_EQ(Rendered("{{ default(artist, '?') }}"), "?");
+    EXPECT_EQ(Rendered("{{ count | default: title }}"), "Blue in Green");
+    EXPECT_EQ(Rendered("{{ title | default: \"?\" }}"), "Blue in Green");
+}
+
+TEST(Format, ShowsNothingForWhatIsUnknown)
+{
+    EXPECT_EQ(Rendered("[{{ count }}]"), "[]");
+    EXPECT_EQ(Rendered("[{{ duration(count) }}]"), "[]");
+}
+
+TEST(Format, ChainsFunctions)
+{
+    EXPECT_EQ(Rendered("{{ title | upper | cut: 6 }}|"), "BLUE …|");
+    EXPECT_EQ(Rendered("{{ pad(lower(title), 15) }}|"), "blue in green  |");
+    EXPECT_EQ(Rendered("{{ json(title) }}"), "\"Blue in Green\"");
+}
+
+TEST(Format, ChoosesByConditions)
+{
+    const std::string text =
+        "{% if state == 'paused' %}||{% elif artist %}a{% elif loud and not artist %}b{% else %}c{% end %}.";
+    EXPECT_EQ(Rendered(text), "b.");
+    EXPECT_EQ(Rendered(text, {{"state", "paused"}}), "||.");
+    EXPECT_EQ(Rendered(text, {{"artist", "x"}}), "a.");
+    EXPECT_EQ(Rendered(text, Json::object()), "c.");
+}
+
+TEST(Format, NestsConditions)
+{
+    EXPECT_EQ(Rendered("{% if title %}{% if artist %}1{% else %}2{% end %}{% end %}"), "2");
+}
+
+TEST(Format, ComparesNumbersByTheirSizeAndTextAsText)
+{
+    EXPECT_EQ(Rendered("{% if length > 9000 %}long{% end %}"), "long");
+    EXPECT_EQ(Rendered("{% if length >= 337000 and length <= 337000 %}same{% end %}"), "same");
+    EXPECT_EQ(Rendered("{% if title < 'C' %}early{% end %}"), "early");
+    EXPECT_EQ(Rendered("{% if title != state %}differ{% end %}"), "differ");
+}
+
+TEST(Format, KnowsThreeEscapes)
+{
+    EXPECT_EQ(Rendered("a\\tb\\nc\\\\d\\e"), "a\tb\nc\\d\\e");
+    EXPECT_EQ(Rendered("{{ 'a\\nb' }}"), "a\uFFFDb");
+}
+
+TEST(Format, DoesNotLetValuesReachTheTerminalRaw)
+{
+    EXPECT_EQ(Rendered("{{ title }}", {{"title", "a\033[2Jb\u202e"}}), "a\uFFFD[2Jb\uFFFD");
+    EXPECT_EQ(Rendered("{{ title | upper }}", {{"title", "\xFFz"}}), "\uFFFDZ");
+}
+
+TEST(Format, SaysWhereItIsWrongAndWhatWasExpected)
+{
+    EXPECT_EQ(ErrorOf("{{ title"), "format, column 9: expected }}, found the end");
+    EXPECT_EQ(ErrorOf("周杰伦 {{ }}"),
+              "format, column 8: expected a field, a function, a number, a quoted text or (, "
+              "found '}}'");
+    EXPECT_NE(ErrorOf("{{ titel }}").find("column 4: expected a field"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ shout(title) }}").find("column 4: expected a function (cut, default"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ title | cut }}").find("column 12: expected cut with 2 arguments"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ duration() }}").find("column 4: expected duration with 1 argument"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ 'open }}").find("column 4: expected a text that ends with '"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ 99999999999 }}").find("column 4: expected a number of at most 9 digits"), std::string::npos);
+    EXPECT_NE(ErrorOf("{% if title %}x").find("column 16: expected {% end %}, found the end"), std::string::npos);
+    EXPECT_NE(ErrorOf("x{% end %}").find("column 2: expected {% if"), std::string::npos);
+    EXPECT_NE(ErrorOf("{% if title %}{% else %}{% else %}{% end %}").find("expected {% end %}"), std::string::npos);
+}
+
+TEST(Format, RefusesToNestWithoutEnd)
+{
+    EXPECT_NE(ErrorOf("{{ " + std::string(100000, '(') + " }}").find("fewer levels"), std::string::npos);
+    std::string conditions;
+    for (int i = 0; i < 10000; ++i) conditions += "{% if title %}";
+    EXPECT_NE(ErrorOf(conditions).find("fewer levels"), std::string::npos);
+    std::string nots;
+    for (int i = 0; i < 10000; ++i) nots += "not ";
+    EXPECT_NE(ErrorOf("{{ " + nots + "title }}").find("fewer levels"), std::string::npos);
+}
+}  // namespace
+}  // namespace ctl

@@ -1,0 +1,95 @@
+#!/usr/bin/env python3
+"""The help of ipodctl, its guide, its manual page and its completions name the same verbs and options.
+
+Usage: names_agree_test.py "PROGRAM [ARGUMENT...]" GUIDE PAGE BASH ZSH FISH
+"""
+import re
+import shlex
+import subprocess
+import sys
+import unittest
+
+PROGRAM = shlex.split(sys.argv[1])
+GUIDE, PAGE, BASH, ZSH, FISH = sys.argv[2:7]
+OF_THE_PARSER = {"help", "version"}
+
+
+def help_of(*verbs):
+    return subprocess.run([*PROGRAM, *verbs, "--help"], check=True, capture_output=True, text=True).stdout
+
+
+def verbs_of(*verbs):
+    listed = re.search(r"^Subcommands:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
+    return re.findall(r"^  (\S+)", listed.group(1), re.MULTILINE) if listed else []
+
+
+def options_of(*verbs):
+    listed = re.search(r"^Options:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
+    options = set(re.findall(r"^  (?:-\w,)?--([\w-]+)", listed.group(1), re.MULTILINE)) if listed else set()
+    return options.union(*(options_of(*verbs, verb) for verb in verbs_of(*verbs)))
+
+
+def text_of(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read().replace("\\-", "-")
+
+
+class Names(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.verbs = sorted(verbs_of())
+        cls.options = options_of()
+
+    def test_there_are_some(self):
+        self.assertGreater(len(self.verbs), 20)
+        self.assertGreater(len(self.options), 30)
+
+    def test_every_option_of_the_help_is_named_everywhere(self):
+        for path in (GUIDE, PAGE, BASH, ZSH, FISH):
+            named = options_in(path)
+            with self.subTest(path):
+                self.assertEqual(self.options - named - OF_THE_PARSER, set())
+
+    def test_no_option_is_named_that_there_is_not(self):
+        for path in (GUIDE, PAGE, BASH, ZSH, FISH):
+            with self.subTest(path):
+                self.assertEqual(options_in(path) - self.options - OF_THE_PARSER, set())
+
+    def test_the_guide_has_a_chapter_for_each_verb(self):
+        self.assertEqual(sorted(re.findall(r"^### (\S+)$", text_of(GUIDE), re.MULTILINE)), self.verbs)
+        for verb in verbs_of("eap"):
+            self.assertIn(f"ipodctl eap {verb}", text_of(GUIDE))
+
+    def test_the_page_has_an_entry_for_each_verb(self):
+        entries = re.findall(r'^\.BR?I? "?([a-z]+)', text_of(PAGE), re.MULTILINE)
+        self.assertEqual(set(self.verbs) - set(entries), set())
+
+    def test_the_completions_offer_each_verb(self):
+        bash = re.search(r"local verbs='([^']*)'", text_of(BASH)).group(1).split()
+        self.assertEqual(sorted(bash), self.verbs)
+        zsh = re.search(r"local -a verbs=\((.*?)\n    \)", text_of(ZSH), re.DOTALL).group(1)
+        self.assertEqual(sorted(re.findall(r"'([a-z]+):", zsh)), self.verbs)
+        self.assertEqual(sorted(re.findall(r"^__ipodctl_verb ([a-z]+)", text_of(FISH), re.MULTILINE)), self.verbs)
+
+    def test_the_completions_offer_each_verb_of_sessions(self):
+        for path in (BASH, ZSH, FISH, PAGE):
+            for verb in verbs_of("eap"):
+                self.assertRegex(text_of(path), rf"\b{verb}\b", path)
+
+    def test_exit_codes_are_the_same(self):
+        listed = re.search(r"Exit codes:\n((?:  .*\n)+)", help_of()).group(1)
+        codes = re.findall(r"^  (\d+)", listed, re.MULTILINE)
+        self.assertEqual(re.findall(r"^\| (\d+) \|", text_of(GUIDE), re.MULTILINE), codes)
+        status = text_of(PAGE).split(".SH EXIT STATUS")[1].split(".SH ")[0]
+        self.assertEqual(re.findall(r"^\.B (\d+)$", status, re.MULTILINE), codes)
+
+
+def options_in(path):
+    text = text_of(path)
+    if path == FISH:
+        return set(re.findall(r"complete -c ipodctl.* -l ([\w-]+)", text)) | set(re.findall(r"--([a-z][\w-]+)", text))
+    return set(re.findall(r"--([a-z][\w-]+)", text))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -1,0 +1,51 @@
+#include "service_error.h"
+
+#include <gtest/gtest.h>
+
+namespace ctl
+{
+namespace
+{
+using ipodkit::ErrorKind;
+
+struct Case
+{
+    ErrorKind kind;
+    ExitCode code;
+    const char* part;
+};
+
+class ToFailureGives : public testing::TestWithParam<Case>
+{
+};
+
+TEST_P(ToFailureGives, AnExitCodeAndALineThatSaysWhatIsWrong)
+{
+    const Failure failure = ToFailure({GetParam().kind, "the reason"});
+    EXPECT_EQ(failure.code(), GetParam().code);
+    const std::string line = failure.what();
+    EXPECT_NE(line.find(GetParam().part), std::string::npos) << line;
+    EXPECT_NE(line.find("the reason"), std::string::npos) << line;
+    EXPECT_EQ(line.find('\n'), std::string::npos) << line;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ToFailureGives,
+                         testing::Values(Case{ErrorKind::NoBus, kServiceLost, "bus closed"},
+                                         Case{ErrorKind::NoService, kServiceLost, "went away"},
+                                         Case{ErrorKind::ServiceLost, kServiceLost, "went away"},
+                                         Case{ErrorKind::TimedOut, kServiceLost, "--deadline"},
+                                         Case{ErrorKind::Refused, kNothingDone, "refused"},
+                                         Case{ErrorKind::BadReply, kServiceLost, "broken answer"},
+                                         Case{ErrorKind::Cancelled, kNothingDone, "try again"},
+                                         Case{ErrorKind::NoSharedMemory, kNoSegments, "doctor"},
+                                         Case{ErrorKind::BadArgument, kUsage, ""},
+                                         Case{ErrorKind::Ambiguous, kNothingDone, ""},
+                                         Case{ErrorKind::NoStorage, kUsage, ""}));
+
+TEST(ToFailure, TellsARefusalInTheWordsOfTheVerb)
+{
+    EXPECT_STREQ(ToFailure({ErrorKind::Refused, "x"}, "it did not pause").what(), "it did not pause");
+    EXPECT_STRNE(ToFailure({ErrorKind::TimedOut, "x"}, "it did not pause").what(), "it did not pause");
+}
+}  // namespace
+}  // namespace ctl

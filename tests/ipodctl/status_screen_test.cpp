@@ -1,0 +1,137 @@
+#include "status_screen.h"
+
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "columns.h"
+#include "drawing.h"
+#include "text.h"
+
+namespace ctl
+{
+namespace
+{
+/// Standard output is a terminal of a size for as long as it lives.
+class OnTerminal
+{
+public:
+    OnTerminal(unsigned short columns, unsigned short rows) : m_before(dup(STDOUT_FILENO))
+    {
+        winsize size{rows, columns, 0, 0};
+        EXPECT_EQ(openpty(&m_main, &m_terminal, nullptr, nullptr, &size), 0);
+        std::fflush(stdout);
+        dup2(m_terminal, STDOUT_FILENO);
+        setenv("NO_COLOR", "1", 1);
+        setenv("LC_ALL", "C", 1);
+    }
+    ~OnTerminal()
+    {
+        dup2(m_before, STDOUT_FILENO);
+        for (const int file : {m_before, m_main, m_terminal}) close(file);
+        unsetenv("NO_COLOR");
+        unsetenv("LC_ALL");
+    }
+    OnTerminal(const OnTerminal&) = delete;
+    OnTerminal& operator=(const OnTerminal&) = delete;
+
+private:
+    int m_before;
+    int m_main = -1;
+    int m_terminal = -1;
+};
+
+Status Playing()
+{
+    auto state = std::make_shared<ipodkit::PlayerState>();
+    state->track = QBXiPodTrackInfo{"A title that is much longer than any terminal of twenty columns 周杰伦 🎵",
+                                    "Artist",
+                                    "Album",
+                                    "Genre",
+                                    269000,
+                                    3,
+                                    11,
+                                    1};
+    state->trackIndex = 4;
+    state->queueSize = 12;
+    state->status = IPOD_PLAY_STATUS_PLAYING;
+    state->shuffle = static_cast<iPodPlayerShuffleStatus>(0);
+    state->repeat = static_cast<iPodPlayerRepeatStatus>(9);
+    state->deviceCount = 1;
+    state->deviceName = "Phone\033[2J";
+    state->battery.BatteryChargeLevel = 80;
+    iPodPhoneCall_t call;
+    call.DisplayName = "Anna";
+    call.Status = PHONE_CALL_RINGING;
+    state->calls["1"] = call;
+    Status status;
+    status.state = state;
+    status.position = 61000;
+    status.length = 269000;
+    status.firstNear = 2;
+    status.near = {"two", "three", "A title", "five", "عربي طويل جدا جدا جدا جدا"};
+    return status;
+}
+
+Lines Shown(const Status& status, unsigned short columns, unsigned short rows)
+{
+    const OnTerminal terminal(columns, rows);
+    return Split(StatusText(status, Output(false), Art::OnTerminal));
+}
+
+bool Has(const Lines& lines, const std::string& text)
+{
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
+TEST(StatusScreen, FitsIntoTerminalsOfAllSizes)
+{
+    for (unsigned short columns = 16; columns < 130; columns = static_cast<unsigned short>(columns + 7))
+        for (unsigned short rows = 2; rows < 30; ++rows)
+        {
+            const Lines lines = Shown(Playing(), columns, rows);
+            EXPECT_LT(lines.size(), rows);
+            for (const std::string& line : lines) EXPECT_LE(Width(line), columns) << line;
+        }
+}
+
+TEST(StatusScreen, KeepsWhatMattersInASmallTerminal)
+{
+    EXPECT_EQ(Shown(Playing(), 20, 5),
+              (Lines{"A title that is muc…", "Artist - Album", "[=>    ] 1:01 / 4:29", "playing"}))
+        << Joined(Shown(Playing(), 20, 5));
+}
+
+TEST(StatusScreen, ShowsQueueDeviceBatteryAndCallWhereThereIsRoom)
+{
+    const Lines lines = Shown(Playing(), 100, 24);
+    EXPECT_TRUE(Has(lines, "playing   shuffle off   repeat unknown:9   queue 5 of 12   1 device"));
+    EXPECT_TRUE(Has(lines, "Phone\uFFFD[2J   battery 80 %   call Anna ringing"));
+    EXPECT_TRUE(Has(lines, "> 4  A title"));
+    EXPECT_TRUE(Has(lines, "  3  three"));
+}
+
+TEST(StatusScreen, SaysWhatIsUnknown)
+{
+    Status status;
+    status.state = std::make_shared<ipodkit::PlayerState>();
+    EXPECT_EQ(Shown(status, 80, 24), Lines{"unknown   shuffle unknown   repeat unknown   queue 0 entries   0 devices"});
+}
+
+// The head of a picture that is cut off.
+const std::vector<unsigned char> kPng = {0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
+                                         0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
+
+TEST(Draw, GivesNothingForWhatIsNoPicture)
+{
+    EXPECT_TRUE(Draw({}, 20, 10, Palette::None, false).lines.empty());
+    EXPECT_TRUE(Draw(kPng, 20, 10, Palette::None, false).lines.empty());
+    EXPECT_TRUE(Draw({0xFF, 0xD8, 0xFF, 0xE0, 0, 0}, 20, 10, Palette::TrueColour, false).lines.empty());
+}
+}  // namespace
+}  // namespace ctl
