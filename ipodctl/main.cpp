@@ -32,7 +32,7 @@ std::vector<Verb> AllVerbs()
 {
     std::vector<Verb> all;
     for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, BrowseVerbs, QueueVerbs, DeviceVerbs, ArtVerbs,
-                             EventVerbs, EapVerbs, DoctorVerbs})
+                             EventVerbs, EapVerbs, DoctorVerbs, LayoutVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
 }

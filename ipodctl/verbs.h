@@ -16,4 +16,5 @@ std::vector<Verb> ArtVerbs();        ///< art
 std::vector<Verb> EventVerbs();      ///< events
 std::vector<Verb> EapVerbs();        ///< eap
 std::vector<Verb> DoctorVerbs();     ///< doctor
+std::vector<Verb> LayoutVerbs();     ///< fingerprint
 }  // namespace ctl

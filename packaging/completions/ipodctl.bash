@@ -5,7 +5,7 @@ _ipodctl() {
     _init_completion || return
 
     local verbs='status info play pause stop next previous seek shuffle repeat ls cd queue devices carplay carlife
-        button hub art events eap doctor'
+        button hub art events eap doctor fingerprint'
     local sessions='init launch write listen echo'
     local verb='' action='' word
     for word in "${words[@]:1:cword-1}"; do

@@ -31,6 +31,7 @@ __ipodctl_verb art 'Write the picture of the playing track to a file'
 __ipodctl_verb events 'Follow all events'
 __ipodctl_verb eap 'Accessory sessions'
 __ipodctl_verb doctor 'Say what is wrong, and what to do'
+__ipodctl_verb fingerprint 'Describe the layout of the shared segments'
 functions -e __ipodctl_verb
 
 complete -c ipodctl -n '__fish_seen_subcommand_from shuffle' -a 'off songs albums'
