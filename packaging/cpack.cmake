@@ -58,7 +58,7 @@ bus and through shared memory.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.40), libprotobuf-dev (>= 3.6), libexpected-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.32), libprotobuf-dev (>= 3.6), libexpected-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
 Headers, pkg-config and CMake files, and the description of the bus interface
