@@ -120,9 +120,9 @@ std::size_t BlockSize(Segment& segment)
 template <class Segment, class Names>
 Places Measure()
 {
-    Segment segment = MakeSpecimen<Segment>();
+    auto segment = MakeSpecimen<Segment>();
     const typename Names::allocator_type allocator(segment.get_segment_manager());
-    Names* const vector = segment.template construct<Names>("VecPlayingListShareMemory")(allocator);
+    auto* const vector = segment.template construct<Names>("VecPlayingListShareMemory")(allocator);
     vector->reserve(40);
     vector->resize(7);
     const auto* const manager = segment.get_segment_manager();
