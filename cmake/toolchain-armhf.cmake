@@ -28,6 +28,14 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
+foreach(language C CXX)
+  find_program(IPOD_CROSS_${language} "${CMAKE_${language}_COMPILER}" NO_CACHE)
+  if(NOT IPOD_CROSS_${language})
+    message(FATAL_ERROR "There is no cross compiler '${CMAKE_${language}_COMPILER}'. Install the packages of "
+      "packaging/packages-arm.txt, or name another with -DCMAKE_${language}_COMPILER=COMPILER.")
+  endif()
+endforeach()
+
 set(ENV{PKG_CONFIG_SYSROOT_DIR} "${CMAKE_SYSROOT}")
 set(ENV{PKG_CONFIG_LIBDIR}
   "${CMAKE_SYSROOT}/usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/pkgconfig:${CMAKE_SYSROOT}/usr/lib/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig")

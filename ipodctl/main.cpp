@@ -34,7 +34,7 @@ std::vector<Verb> AllVerbs()
     std::vector<Verb> all;
     for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, ListVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs,
                              DeviceVerbs, ArtVerbs, EventVerbs, EapVerbs, SimVerbs, SharedMemoryVerbs, BenchVerbs,
-                             DoctorVerbs})
+                             DoctorVerbs, LayoutVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
 }

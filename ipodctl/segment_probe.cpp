@@ -22,6 +22,7 @@ std::string LookInside(const char* name, const std::vector<const char*>& lists, 
     try
     {
         QBXSharedSegment segment(boost::interprocess::open_only, name);
+        if (segment.get_size() != LookAt(name).size) return "it was made for another word size, or is damaged";
         if (!segment.check_sanity()) return "its inside is damaged";
         const std::string missing = Missing<QBXStringPageVector>(segment, lists);
         return missing.empty() ? Missing<QBXByteVector>(segment, buffers) : missing;

@@ -21,4 +21,5 @@ std::vector<Verb> SimVerbs();           ///< sim
 std::vector<Verb> SharedMemoryVerbs();  ///< shm
 std::vector<Verb> BenchVerbs();         ///< bench
 std::vector<Verb> DoctorVerbs();        ///< doctor
+std::vector<Verb> LayoutVerbs();        ///< fingerprint
 }  // namespace ctl

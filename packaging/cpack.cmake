@@ -1,9 +1,16 @@
 # Debian packages, one for each component: `cpack -G DEB` in a build directory that was configured for /usr.
 include("${CMAKE_CURRENT_LIST_DIR}/install.cmake")
 
-# What a package depends on is read from the package database, which a sysroot does not have.
+# What a package depends on is read from a package database: this machine's, or that of a root which
+# tools/arm-sysroot made. Another root has none.
 if(CMAKE_CROSSCOMPILING)
-  return()
+  if(NOT CMAKE_LIBRARY_ARCHITECTURE STREQUAL "arm-linux-gnueabihf" OR NOT EXISTS "${CMAKE_SYSROOT}/var/lib/dpkg/status")
+    return()
+  endif()
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
+  set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_BINARY_DIR}/packaging/cpack-project.cmake")
+  file(CONFIGURE OUTPUT "${CPACK_PROJECT_CONFIG_FILE}" @ONLY CONTENT
+    [[set(SHLIBDEPS_EXECUTABLE "@CMAKE_CURRENT_LIST_DIR@/shlibdeps-in-sysroot" "@CMAKE_SYSROOT@" armhf)]])
 endif()
 
 set(CPACK_GENERATOR DEB)
@@ -19,7 +26,11 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime development documentation)
+set(CPACK_COMPONENTS_ALL runtime development)
+# The same for every architecture: made once.
+if(NOT CMAKE_CROSSCOMPILING)
+  list(APPEND CPACK_COMPONENTS_ALL documentation)
+endif()
 if(TARGET ipodctl OR TARGET ipod-simulator)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
@@ -51,7 +62,7 @@ bus and through shared memory.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.40), libprotobuf-dev (>= 3.6), libexpected-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.32), libprotobuf-dev (>= 3.6), libexpected-dev")
 # What only those need who put the simulated service into a test.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libicu-dev, libpng-dev, libtag1-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)

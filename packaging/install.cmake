@@ -3,6 +3,14 @@
 
 set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 
+# Builds what is installed, and nothing that only tests need.
+add_custom_target(packaged)
+foreach(part IN ITEMS ipod ipodkit ipodctl ipod-simulator ipod-make-samples)
+  if(TARGET ${part})
+    add_dependencies(packaged ${part})
+  endif()
+endforeach()
+
 # Writes FILE compressed, always with the same bytes, and puts the name of the result into OUT.
 function(compressed file out)
   get_filename_component(name "${file}" NAME)
@@ -69,6 +77,7 @@ if(TARGET ipod-simulator)
     COMPONENT tools)
   install(FILES "${completions}/ipod-simulator.fish" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d"
     COMPONENT tools)
+  install_manual(ipod-make-samples.1 tools)
   # Examples only: a machine with a real service must not start the simulator in its place.
   install(FILES
     "${PACKAGING}/service/com.zarn.linux.ipod.service"

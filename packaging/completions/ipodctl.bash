@@ -14,7 +14,7 @@ _ipodctl() {
     _init_completion || return
 
     local verbs='status info play pause stop next previous seek shuffle repeat ls cd browse queue devices carplay
-        carlife button hub art events eap sim shm bench doctor'
+        carlife button hub art events eap sim shm bench doctor fingerprint'
     local sessions='init launch write listen echo bridge'
     local events='device play-status progress repeat shuffle track queue-size source artwork carplay battery location
         carlife phone-call eap-start eap-stop eap-data pairing wireless-carplay foreground-app'

@@ -36,6 +36,7 @@ __ipodctl_verb sim 'Let something happen on the simulator'
 __ipodctl_verb shm 'Show what lies in the shared memory now'
 __ipodctl_verb bench 'Measure how long the commands take'
 __ipodctl_verb doctor 'Say what is wrong, and what to do'
+__ipodctl_verb fingerprint 'Describe the layout of the shared segments'
 functions -e __ipodctl_verb
 
 set -g __ipodctl_events device play-status progress repeat shuffle track queue-size source artwork carplay battery location \

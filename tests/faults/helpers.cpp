@@ -97,7 +97,7 @@ void Scribble(const Arguments&)
     Say("scribbles");
     for (;;)
     {
-        const std::size_t number = random();
+        const auto number = static_cast<std::size_t>(random());
         header[0] = number % 3 == 0 ? number : number % (2 * kListSegmentSize);
         header[1] = number % 5 == 0 ? number : number % 30000;
         header[2] = number >> 7;

@@ -194,13 +194,14 @@ void ForeignHeader(const Arguments& arguments)
     test::SharedVectors vectors;
     volatile std::size_t* const header = HeaderOf(vectors.List(kPlayingList));
     std::mt19937_64 random(3);
+    const auto any = [&] { return static_cast<std::size_t>(random()); };
     Desk desk;
     desk.service.Answer("GetPlayingListItems", "(true,)");
     auto rewrite = [&]
     {
-        header[0] = random() % 2 == 0 ? random() : random() % (2 * kListSegmentSize);
-        header[1] = random() % 2 == 0 ? random() : random() % 3000;
-        header[2] = random();
+        header[0] = any() % 2 == 0 ? any() : any() % (2 * kListSegmentSize);
+        header[1] = any() % 2 == 0 ? any() : any() % 3000;
+        header[2] = any();
     };
     ReadOften(desk, std::stoi(arguments.at(0)), rewrite);
     desk.ExpectAlive();

@@ -282,7 +282,7 @@ TEST_F(PagerTest, ADamagedVectorIsABadReply)
     ASSERT_TRUE(Get(pager, 0));
     pager.Refresh();
     auto* const words = reinterpret_cast<std::size_t*>(&shared.List("VecPlayingListShareMemory"));
-    words[1] = std::size_t{1} << 40;
+    words[1] = ~std::size_t{0} / 2;  // its entries lie outside of every mapping
 
     EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
 }

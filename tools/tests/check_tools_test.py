@@ -199,5 +199,96 @@ class CheckExports(Case):
         self.assertEqual(1, status, output)
 
 
+class CheckContract(Case):
+    """On the tree's own document: one thing is changed at a time."""
+
+    TREE = TOOLS.parent
+    FILES = {"document": "docs/contract.md", "xml": "ipc/com.zarn.linux.ipod.xml", "proto": "proto/ipod.proto"}
+
+    def check(self, changed=None, before="", after=""):
+        texts = {name: (self.TREE / path).read_text(encoding="utf-8") for name, path in self.FILES.items()}
+        if changed:
+            self.assertIn(before, texts[changed])
+            texts[changed] = texts[changed].replace(before, after, 1)
+        return self.run_check("check-contract", *(self.write(name, text) for name, text in texts.items()))
+
+    def expect_difference(self, changed, before, after, told):
+        status, output = self.check(changed, before, after)
+        self.assertEqual(1, status, output)
+        self.assertIn(told, output)
+
+    def test_passes_the_tree_as_it_is(self):
+        status, output = self.check()
+        self.assertEqual(0, status, output)
+        self.assertIn("66 members, 14 fields, 0 differences", output)
+
+    def test_finds_another_type(self):
+        self.expect_difference("document", "| `SessionID`: q |", "| `SessionID`: y |", "EapWrite")
+
+    def test_finds_another_argument_name(self):
+        self.expect_difference("xml", 'name="formtop"', 'name="fromtop"', "fromtop")
+
+    def test_finds_a_member_that_is_not_documented(self):
+        self.expect_difference("xml", '<method name="Pause">', '<method name="Break"/><method name="Pause">', "Break")
+
+    def test_finds_a_member_that_is_gone(self):
+        self.expect_difference("xml", '<signal name="OnPlayStatusChanged">', '<signal name="OnChanged">',
+                               "only in the document: ('signal', 'OnPlayStatusChanged'")
+
+    def test_finds_another_order(self):
+        self.expect_difference("document", "| 3 | `Pause` | — | `result`: b |  |\n| 4 | `Stop` | — | `result`: b |  |",
+                               "| 3 | `Stop` | — | `result`: b |  |\n| 4 | `Pause` | — | `result`: b |  |", "order")
+
+    def test_finds_a_property(self):
+        self.expect_difference("xml", '<method name="Pause">',
+                               '<property name="State" type="i" access="read"/><method name="Pause">', "State")
+
+    def test_finds_another_path(self):
+        self.expect_difference("xml", 'node name="/com/zarn/linux/ipod"', 'node name="/com/zarn"', "object path")
+
+    def test_finds_another_field_number(self):
+        self.expect_difference("proto", "remote_id = 1;", "remote_id = 13;", "remote_id")
+
+
+class CompareTestLists(Case):
+    def build(self, name, tests):
+        lines = "".join(f'add_test({test} "true")\n' for test in tests)
+        self.write(f"{name}/CTestTestfile.cmake", lines)
+        return self.root / name
+
+    def check(self, native, other, excluded=""):
+        return self.run_check("compare-test-lists", self.build("native", native), self.build("other", other),
+                              self.write("excluded", excluded))
+
+    def test_passes_equal_lists(self):
+        status, output = self.check(["a", "b"], ["b", "a"])
+        self.assertEqual(0, status, output)
+        self.assertIn("tests: 2 native, 2 here, 0 left out with a reason, 0 differences", output)
+
+    def test_finds_a_test_that_is_missing_without_a_reason(self):
+        status, output = self.check(["a", "b"], ["a"])
+        self.assertEqual(1, status)
+        self.assertIn("only native, without a reason: b", output)
+
+    def test_finds_a_test_that_is_not_native(self):
+        status, output = self.check(["a"], ["a", "b"])
+        self.assertEqual(1, status)
+        self.assertIn("not native: b", output)
+
+    def test_tells_the_reason_of_what_is_left_out(self):
+        status, output = self.check(["a", "b1", "b2"], ["a"], "# comment\nb.  no such thing there\n")
+        self.assertEqual(0, status, output)
+        self.assertIn("left out: b. (2): no such thing there", output)
+
+    def test_finds_an_exclusion_that_is_none_any_more(self):
+        status, output = self.check(["a"], ["a"], "a  once it could not\n")
+        self.assertEqual(1, status)
+        self.assertIn("leaves nothing out any more: a", output)
+
+    def test_compares_nothing_with_a_build_that_is_not_there(self):
+        self.assertEqual(2, self.check(["a"], [])[0])
+        self.assertEqual(2, self.check(["a"], ["a_NOT_BUILT"])[0])
+
+
 if __name__ == "__main__":
     unittest.main(argv=[sys.argv[0], "--verbose", *sys.argv[1:2]])

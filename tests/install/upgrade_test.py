@@ -1,0 +1,185 @@
+#!/usr/bin/env python3
+"""The Debian packages over each other, in a root of their own: nothing of the machine is touched.
+
+Usage: upgrade_test.py PACKAGES
+
+PACKAGES is a directory with the packages of this version. A second set is made of them: a later version, whose library
+has another file name and whose tools have one file more and one less. dpkg itself replaces one set by the other.
+"""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+LATER = "1.99.0"
+
+
+class Failed(Exception):
+    """A command that failed, with what it said."""
+
+
+def run(*command, **options):
+    result = subprocess.run([str(word) for word in command], text=True, stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, **options)
+    if result.returncode != 0:
+        raise Failed(f"{command}: {result.stdout}")
+    return result.stdout
+
+
+def field(package, name):
+    return run("dpkg-deb", "--field", package, name).strip()
+
+
+def rename_library(tree, version):
+    """libipod.so.1.99.0 in the place of libipod.so.1.0.0, and the links to it."""
+    for library in tree.rglob(f"libipod.so.{version}"):
+        library.rename(library.with_name(f"libipod.so.{LATER}"))
+    for link in tree.rglob("libipod.so*"):
+        if link.is_symlink() and os.readlink(link) == f"libipod.so.{version}":
+            link.unlink()
+            link.symlink_to(f"libipod.so.{LATER}")
+
+
+def make_later(package, target):
+    """A package as the next version might be."""
+    version = field(package, "Version").split("-")[0]
+    tree = target / "tree"
+    run("dpkg-deb", "--raw-extract", package, tree)
+    control = tree / "DEBIAN/control"
+    control.write_text(control.read_text().replace(version, LATER))
+    rename_library(tree, version)
+    for program in tree.rglob("usr/bin/ipod-make-samples"):
+        program.rename(program.with_name("ipod-new-tool"))
+    run("dpkg-deb", "--root-owner-group", "--build", tree, target / package.name)
+    shutil.rmtree(tree)
+
+
+def files_of(packages):
+    """Every file that the packages hold, as an absolute path."""
+    lines = [line for package in packages for line in run("dpkg-deb", "--contents", package).splitlines()]
+    return {line.split(" -> ")[0].split()[5].lstrip(".") for line in lines if not line.startswith("d")}
+
+
+def needed_elsewhere(packages):
+    """The names of what the packages depend on and do not bring."""
+    own = {field(package, "Package") for package in packages}
+    words = ", ".join(field(package, "Depends") for package in packages)
+    return {re.split(r"[ (|]", word.strip())[0] for word in words.split(",") if word.strip()} - own
+
+
+class Root:
+    """A file system with dpkg's database, in which the packages that ours need count as installed."""
+
+    def __init__(self, path, architecture, needed):
+        self.path = path
+        self.database = path / "var/lib/dpkg"
+        for directory in ("info", "updates", "triggers"):
+            (self.database / directory).mkdir(parents=True)
+        entry = f"Package: {{}}\nStatus: install ok installed\nArchitecture: {architecture}\nMaintainer: none\n" \
+                "Version: 999\nDescription: stands for it\n"
+        (self.database / "status").write_text("\n".join(map(entry.format, sorted(needed))))
+        for package in needed:
+            for part in ("list", "md5sums"):
+                (self.database / f"info/{package}.{part}").touch()
+        native = run("dpkg", "--print-architecture").strip()
+        (self.database / "arch").write_text("\n".join({native, architecture}) + "\n")
+        # The packages' scripts call ldconfig: here, one that does nothing.
+        self.programs = path / "programs"
+        self.programs.mkdir()
+        (self.programs / "ldconfig").write_text("#!/bin/sh\n")
+        (self.programs / "ldconfig").chmod(0o755)
+
+    def dpkg(self, *words):
+        environment = dict(os.environ, PATH=f"{self.programs}:{os.environ['PATH']}:/usr/sbin:/sbin", LC_ALL="C")
+        return run("dpkg", f"--root={self.path}", "--force-not-root,script-chrootless", *words, env=environment,
+                   timeout=120)
+
+    def files(self):
+        """What is there of ours."""
+        return {"/" + str(path.relative_to(self.path)) for path in self.path.rglob("*")
+                if (path.is_symlink() or path.is_file())
+                and path.relative_to(self.path).parts[0] not in ("var", "programs")}
+
+
+class Packages(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.scratch = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.scratch.cleanup)
+        cls.now = sorted(pathlib.Path(PACKAGES).glob("*.deb"))
+        later = pathlib.Path(cls.scratch.name) / "later"
+        later.mkdir()
+        for package in cls.now:
+            make_later(package, later)
+        cls.later = sorted(later.glob("*.deb"))
+        cls.architecture = field(next(p for p in cls.now if p.name.startswith("libipod1")), "Architecture")
+
+    def setUp(self):
+        self.path = pathlib.Path(tempfile.mkdtemp(dir=self.scratch.name))
+        self.root = Root(self.path, self.architecture, needed_elsewhere(self.now))
+
+    def install(self, packages):
+        self.root.dpkg("--install", *packages)
+
+    def assert_holds_exactly(self, packages):
+        self.assertEqual(self.root.files(), files_of(packages))
+        self.assertEqual(self.root.dpkg("--audit"), "")
+
+    def test_an_upgrade_leaves_nothing_of_the_older_version(self):
+        self.install(self.now)
+        self.assert_holds_exactly(self.now)
+        self.install(self.later)
+        self.assert_holds_exactly(self.later)
+
+    def test_a_downgrade_leaves_nothing_of_the_later_version(self):
+        self.install(self.later)
+        self.install(self.now)
+        self.assert_holds_exactly(self.now)
+
+    def test_the_same_version_again_changes_nothing(self):
+        self.install(self.now)
+        self.install(self.now)
+        self.assert_holds_exactly(self.now)
+
+    def test_a_removal_leaves_nothing(self):
+        self.install(self.now)
+        self.root.dpkg("--remove", *(field(package, "Package") for package in self.now))
+        self.assertEqual(self.root.files(), set())
+
+    def test_later_headers_and_tools_are_refused_without_the_later_library(self):
+        self.install(self.now)
+        for name in ("libipod-dev", "ipod-tools"):
+            later = next(package for package in self.later if package.name.startswith(name))
+            with self.assertRaises(Failed) as refused:
+                self.install([later])
+            self.assertRegex(str(refused.exception), rf"{name}\S* depends on libipod1 \(= {LATER}\S*\); however:\n"
+                                                     r"  Version of libipod1\S* on system is ")
+
+    def test_nothing_is_a_configuration_file_that_could_be_changed_by_hand(self):
+        self.assertEqual([path for path in files_of(self.now) if path.startswith("/etc/")], [])
+        for package in self.now:
+            self.assertNotIn("conffiles", run("dpkg-deb", "--ctrl-tarfile", package, errors="replace"))
+
+
+def become_root():
+    """dpkg gives files to root: in a user namespace of our own everybody may."""
+    if os.geteuid() == 0:
+        return
+    if subprocess.run(["unshare", "--map-root-user", "true"], capture_output=True).returncode != 0:
+        print("skipped: neither root nor user namespaces")
+        sys.exit(77)
+    os.execvp("unshare", ["unshare", "--map-root-user", sys.executable, *sys.argv])
+
+
+if __name__ == "__main__":
+    PACKAGES = sys.argv[1]
+    if not shutil.which("dpkg-deb") or not list(pathlib.Path(PACKAGES).glob("*.deb")):
+        print(f"skipped: no dpkg-deb, or no packages in {PACKAGES}")
+        sys.exit(77)
+    become_root()
+    unittest.main(argv=sys.argv[:1], verbosity=2)

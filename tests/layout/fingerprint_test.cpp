@@ -1,0 +1,129 @@
+// The description of the layout: it holds in segments that a service built with Boost 1.56 left behind, it tells
+// builds apart that do not fit, and the word for it is the one that docs/porting.md shows.
+#include <QBXIpodShareMemory.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "ipodctl/layout.h"
+#include "shm_objects.h"
+
+namespace
+{
+constexpr bool k32Bit = sizeof(void*) == 4;
+const std::string kWordSize = k32Bit ? "armhf" : "x86_64";
+
+layout::Facts ThisBuild()
+{
+    return layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>();
+}
+
+layout::Places ThisBuildsPlaces()
+{
+    return layout::Measure<QBXSharedSegment, QBXStringPageVector>();
+}
+
+std::string Image(const std::string& kind)
+{
+    const std::vector<char> bytes = test::ReadFile(IMAGE_DIR "/" + kind + "-" + kWordSize + ".img");
+    return {bytes.begin(), bytes.end()};
+}
+
+// Where a named vector begins in an image, if its name lies behind it as far as in this build.
+std::size_t VectorAt(const std::string& image, const std::string& name)
+{
+    const std::size_t found = image.find(name + '\0');
+    EXPECT_NE(found, std::string::npos);
+    return found - ThisBuildsPlaces().name;
+}
+
+struct Record
+{
+    char name[128];
+};
+using ShorterNames = boost::container::vector<Record, boost::interprocess::allocator<Record, QBXSegmentManager>>;
+
+TEST(LayoutFingerprint, IsTheWordOfTheDocument)
+{
+    EXPECT_EQ(layout::Fingerprint(ThisBuild()), k32Bit ? "adacf39407d10472" : "b07f3ca4adc88db4")
+        << layout::Text(ThisBuild());
+}
+
+TEST(LayoutFingerprint, FindsEveryPlace)
+{
+    for (const layout::Fact& fact : ThisBuild()) EXPECT_EQ(fact.value.find("nowhere"), std::string::npos) << fact.name;
+}
+
+TEST(LayoutFingerprint, NamesTheContractsVectorsAndSegments)
+{
+    const std::string text = layout::Text(ThisBuild());
+    EXPECT_EQ(layout::ContractNames().size(), 10u);
+    for (const layout::VectorName& vector : layout::ContractNames())
+    {
+        EXPECT_NE(text.find(std::string(vector.name) + ": in " + vector.segment), std::string::npos) << vector.name;
+        EXPECT_TRUE(vector.segment == std::string(kListSegmentName) ||
+                    vector.segment == std::string(kBufferSegmentName));
+    }
+    EXPECT_NE(text.find("segment of the lists: " + std::to_string(kListSegmentSize)), std::string::npos);
+    EXPECT_NE(text.find("segment of the buffers: " + std::to_string(kBufferSegmentSize)), std::string::npos);
+}
+
+TEST(LayoutFingerprint, PlacesTheSizeOfASegmentWhereTheServiceKeepsIt)
+{
+    const layout::Places places = ThisBuildsPlaces();
+    for (const char* kind : {"list", "buffer"})
+    {
+        const std::string image = Image(kind);
+        EXPECT_EQ(layout::WordAt(image.data() + places.manager + places.ownSize), image.size() - places.manager)
+            << kind;
+    }
+}
+
+TEST(LayoutFingerprint, PlacesTheMembersOfAVectorWhereTheServiceKeepsThem)
+{
+    const layout::Places places = ThisBuildsPlaces();
+    const std::string image = Image("list");
+
+    const std::size_t vector = VectorAt(image, "VecPlayingListShareMemory");
+    const auto word = [&](std::size_t at) { return layout::WordAt(image.data() + vector + at); };
+    const std::size_t entries = vector + places.entries + word(places.entries);
+
+    EXPECT_EQ(word(places.size), 40u);
+    EXPECT_GE(word(places.capacity), 40u);
+    EXPECT_EQ(vector + places.allocator + word(places.allocator), places.manager);
+    EXPECT_EQ(image.substr(entries, 512), std::string(256, '\0') + std::string(255, 'x') + '\0');
+}
+
+TEST(LayoutFingerprint, IsAnotherForOtherEntries)
+{
+    const layout::Facts other = layout::Describe<QBXSharedSegment, ShorterNames, QBXByteVector>();
+    EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
+}
+
+TEST(LayoutFingerprint, IsAnotherForAnotherName)
+{
+    std::vector<layout::VectorName> names = layout::ContractNames();
+    names.back().name = "VecEapReadBufferSharedMemory";
+    const layout::Facts other = layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>(names);
+    EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
+}
+
+TEST(LayoutFingerprint, IsAnotherForAnotherLock)
+{
+    using Local = boost::interprocess::rbtree_best_fit<boost::interprocess::null_mutex_family, QBXSegmentPointer>;
+    using Segment = boost::interprocess::basic_managed_shared_memory<char, Local, boost::interprocess::iset_index>;
+    using Manager = Segment::segment_manager;
+    using Names =
+        boost::container::vector<PlayListSongNameStr, boost::interprocess::allocator<PlayListSongNameStr, Manager>>;
+    const layout::Facts other = layout::Describe<Segment, Names, QBXByteVector>();
+    EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
+}
+
+TEST(LayoutFingerprint, LeavesNothingBehind)
+{
+    ThisBuild();
+    EXPECT_TRUE(std::filesystem::is_empty("/dev/shm"));
+}
+}  // namespace
