@@ -73,7 +73,10 @@ _ipodctl() {
         sim)
             case $action in
                 '') arguments=$happenings ;;
-                call) options+=' --number --name --status --direction --sequence' ;;
+                call)
+                    options+=' --number --name --uuid --book-id --label --status --direction --service --reason --group
+                        --conferenced --not-conferenced --start --sequence'
+                    ;;
                 battery) options+=' --level --disabled --charging --charged --discharging' ;;
                 carplay) arguments='on off unsupported' options+=' --serial' ;;
                 carlife) arguments='on off unsupported' ;;

@@ -25,7 +25,8 @@ def verbs_of(*verbs):
 
 def options_of(*verbs):
     listed = re.search(r"^Options:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
-    options = set(re.findall(r"^  (?:-\w,)?--([\w-]+)", listed.group(1), re.MULTILINE)) if listed else set()
+    entries = re.findall(r"^  (-\S+)", listed.group(1), re.MULTILINE) if listed else []
+    options = {option for entry in entries for option in re.findall(r"--([\w-]+)", entry)}
     return options.union(*(options_of(*verbs, verb) for verb in verbs_of(*verbs)))
 
 
@@ -87,7 +88,8 @@ class Names(unittest.TestCase):
 def options_in(path):
     text = text_of(path)
     if path == FISH:
-        return set(re.findall(r"complete -c ipodctl.* -l ([\w-]+)", text)) | set(re.findall(r"--([a-z][\w-]+)", text))
+        patterns = (r"complete -c ipodctl.* -l ([\w-]+)", r"^__ipodctl_sim \S+ (\S+)", r"--([a-z][\w-]+)")
+        return set().union(*(re.findall(pattern, text, re.MULTILINE) for pattern in patterns))
     return set(re.findall(r"--([a-z][\w-]+)", text))
 
 
