@@ -72,6 +72,12 @@ def needed_elsewhere(packages):
     return {re.split(r"[ (|]", word.strip())[0] for word in words.split(",") if word.strip()} - own
 
 
+def version_here(package):
+    """What is not installed here is new enough."""
+    found = subprocess.run(["dpkg-query", "-W", "-f", "${Version}", package], capture_output=True, text=True)
+    return found.stdout or "999"
+
+
 class Root:
     """A file system with dpkg's database, in which the packages that ours need count as installed."""
 
@@ -81,8 +87,9 @@ class Root:
         for directory in ("info", "updates", "triggers"):
             (self.database / directory).mkdir(parents=True)
         entry = f"Package: {{}}\nStatus: install ok installed\nArchitecture: {architecture}\nMaintainer: none\n" \
-                "Version: 999\nDescription: stands for it\n"
-        (self.database / "status").write_text("\n".join(map(entry.format, sorted(needed))))
+                "Version: {}\nDescription: stands for it\n"
+        status = "\n".join(entry.format(package, version_here(package)) for package in sorted(needed))
+        (self.database / "status").write_text(status)
         for package in needed:
             for part in ("list", "md5sums"):
                 (self.database / f"info/{package}.{part}").touch()

@@ -17,7 +17,7 @@ PRIVATE = "IPODKIT_PYTHON_PRIVATE"
 LIMIT = 20
 
 try:
-    from gi.repository import GLib
+    from gi.repository import Gio, GLib
 except ImportError:
     print("no python3-gi here")
     sys.exit(SKIPPED)
@@ -69,8 +69,12 @@ class Simulator:
         self.process = subprocess.Popen([OPTIONS.simulator], stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         line_within(self.process.stdout, LIMIT)
 
-    def tell(self, *words):
-        subprocess.run([OPTIONS.simulator, "tell", *words], check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
+    @staticmethod
+    def battery(level):
+        fields = GLib.Variant("(a{sv})", ({"level": GLib.Variant("u", level)},))
+        Gio.bus_get_sync(Gio.BusType.SESSION).call_sync(
+            "com.zarn.linux.ipod.Simulator", "/com/zarn/linux/ipod/simulator", "com.zarn.linux.ipod.Simulator",
+            "Battery", fields, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
 
     def hang(self):
         self.process.send_signal(signal.SIGSTOP)
@@ -146,7 +150,7 @@ class WithSimulator(unittest.TestCase):
                                          {ipodkit.Field.BATTERY})
 
         self.assertTrue(run_until(lambda: seen))
-        self.simulator.tell("battery", "--level", "42")
+        self.simulator.battery(42)
         self.assertTrue(run_until(lambda: len(seen) == 2))
 
         self.assertIn(ipodkit.Field.TRACK, seen[0][1])
