@@ -73,6 +73,8 @@ void Walker::Restart()
     const auto& levels = m_model.Levels();
     for (std::size_t depth = levels.size() - 1; depth > 0; --depth)
         m_way.push_front({levels[depth].title, levels[depth].place, levels[depth].cursor});
+    m_way.insert(m_way.end(), m_unreached.begin(), m_unreached.end());
+    m_unreached.clear();
     m_model.LeaveAll();
     m_names.EnterRoot(WhileCurrent<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
 }
@@ -83,7 +85,7 @@ void Walker::RootEntered(const ipodkit::Result<void>& done)
     if (!done && done.error().kind == ipodkit::ErrorKind::Refused)
     {
         Stop();
-        m_way.clear();
+        ForgetTheWay();
         m_model.SetCount(0);
         return Say("there is no database to show; is a device attached?");
     }
@@ -159,17 +161,29 @@ bool Walker::WalkOn()
     const bool known =
         names.Complete() || (names.Missing(stage.place, 1) != stage.place && there != nullptr && *there == stage.title);
     if (!known) return false;
-    m_way.pop_front();
     const int place = names.Find(stage.title, stage.place);
     if (place >= 0)
     {
+        m_way.pop_front();
         Descend(place, stage.title, stage.cursor);
         return true;
     }
-    m_way.clear();
+    PutOffTheWay();
     m_moving = false;
     Say("'" + stage.title + "' is not there any more");
     return false;
+}
+
+void Walker::PutOffTheWay()
+{
+    m_unreached = std::move(m_way);
+    m_way.clear();
+}
+
+void Walker::ForgetTheWay()
+{
+    m_way.clear();
+    m_unreached.clear();
 }
 
 void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
@@ -183,7 +197,7 @@ void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
                                           m_model.Enter(title, entry, cursor);
                                           return ReadLevel();
                                       }
-                                      m_way.clear();
+                                      PutOffTheWay();
                                       Failed(done.error());
                                       ReadOn();
                                   }));
@@ -194,7 +208,7 @@ void Walker::Back()
     if (m_moving) return;
     if (m_model.AtRoot()) return Say("this is the top; Ctrl-C quits");
     m_rejoined = 0;
-    m_way.clear();
+    ForgetTheWay();
     BeginStep();
     m_names.EnterParent(WhileCurrent<void>(
         [this](const ipodkit::Result<void>& done)
@@ -209,7 +223,7 @@ void Walker::Open(int entry)
 {
     if (m_moving || m_model.Current().names.At(entry) == nullptr) return;
     m_rejoined = 0;
-    m_way.clear();
+    ForgetTheWay();
     m_moving = true;
     m_check.Refresh();
     m_check.At(entry, WhileCurrent<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)

@@ -64,6 +64,8 @@ private:
     void PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page);
     bool Belongs(const ipodkit::Page& page) const;
     bool WalkOn();
+    void PutOffTheWay();
+    void ForgetTheWay();
     void Descend(int entry, const std::string& title, ListCursor cursor);
     void BuildIndex();
     void EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& page);
@@ -80,6 +82,7 @@ private:
     bool m_reading = false;
     int m_rejoined = 0;  // in a row, without the user in between
     std::deque<Stage> m_way;
+    std::deque<Stage> m_unreached;  // a service that has just started may know the names only later
     ipodkit::Pager m_names;
     ipodkit::Pager m_check;
     ipodkit::Subscription m_devices;

@@ -88,7 +88,7 @@ def main():
     bus = Bus()
     with tempfile.TemporaryDirectory() as music:
         write_tracks(music, int(options.tests[0]) if options.tests else 50000)
-        with subprocess.Popen([options.simulator, music], env=bus.environment, stdout=subprocess.PIPE,
+        with subprocess.Popen([options.simulator, "--one-device", "--no-cache", music], env=bus.environment, stdout=subprocess.PIPE,
                               text=True) as simulator:
             print(simulator.stdout.readline().strip(), flush=True)
             measure(options, bus)
