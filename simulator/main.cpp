@@ -13,10 +13,10 @@
 #include <optional>
 #include <stdexcept>
 
-#include "faults.h"
+#include "faults/faults.h"
 #include "printable.h"
 #include "progress_bar.h"
-#include "scenario.h"
+#include "scenario/scenario.h"
 
 namespace
 {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "events.h"
-#include "indexer.h"
-#include "music_library.h"
+#include "music/indexer.h"
+#include "music/music_library.h"
+#include "service/events.h"
 
 namespace ipodsim
 {

@@ -13,10 +13,10 @@
 #include <thread>
 #include <vector>
 
-#include "device_folders.h"
-#include "folder_watch.h"
-#include "index_cache.h"
-#include "service.h"
+#include "music/device_folders.h"
+#include "music/folder_watch.h"
+#include "music/index_cache.h"
+#include "service/service.h"
 
 namespace ipodsim
 {

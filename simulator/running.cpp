@@ -3,11 +3,11 @@
 #include <exception>
 #include <utility>
 
-#include "builtin_library.h"
-#include "crash.h"
-#include "music_library.h"
-#include "requests.h"
-#include "signal_faults.h"
+#include "faults/crash.h"
+#include "faults/signal_faults.h"
+#include "music/builtin_library.h"
+#include "music/music_library.h"
+#include "service/requests.h"
 
 namespace ipodsim
 {

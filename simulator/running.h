@@ -8,10 +8,10 @@
 #include <memory>
 #include <string>
 
-#include "bus.h"
-#include "control.h"
+#include "control/control.h"
 #include "music_feed.h"
-#include "service.h"
+#include "service/bus.h"
+#include "service/service.h"
 
 namespace ipodsim
 {

@@ -7,9 +7,9 @@
 #include <thread>
 #include <utility>
 
-#include "events.h"
 #include "running.h"
-#include "scenario.h"
+#include "scenario/scenario.h"
+#include "service/events.h"
 
 namespace ipodsim
 {

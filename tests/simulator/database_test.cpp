@@ -1,4 +1,4 @@
-#include "database.h"
+#include "music/database.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <map>
 #include <set>
 
-#include "builtin_library.h"
-#include "music_library.h"
+#include "music/builtin_library.h"
+#include "music/music_library.h"
 #include "tracks.h"
 
 using ipodsim::BuiltinLibrary;

@@ -1,8 +1,8 @@
-#include "device_folders.h"
+#include "music/device_folders.h"
 
 #include <gtest/gtest.h>
 
-#include "folder_watch.h"
+#include "music/folder_watch.h"
 #include "temporary_folder.h"
 
 namespace fs = std::filesystem;

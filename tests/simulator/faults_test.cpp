@@ -1,10 +1,10 @@
-#include "faults.h"
+#include "faults/faults.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
-#include "fault_table.h"
+#include "faults/fault_table.h"
 
 using ipodsim::Fault;
 using ipodsim::FaultKind;

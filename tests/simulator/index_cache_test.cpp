@@ -1,11 +1,11 @@
-#include "index_cache.h"
+#include "music/index_cache.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <iterator>
 
-#include "indexer.h"
+#include "music/indexer.h"
 #include "temporary_folder.h"
 
 namespace fs = std::filesystem;

@@ -1,4 +1,4 @@
-#include "music_library.h"
+#include "music/music_library.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "picture.h"
-#include "tag_reader.h"
+#include "music/picture.h"
+#include "music/tag_reader.h"
 #include "temporary_folder.h"
 
 namespace fs = std::filesystem;

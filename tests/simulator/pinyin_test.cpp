@@ -1,4 +1,4 @@
-#include "pinyin.h"
+#include "music/pinyin.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "queue.h"
+#include "playback/queue.h"
 
 #include <gtest/gtest.h>
 

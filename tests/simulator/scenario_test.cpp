@@ -1,4 +1,4 @@
-#include "scenario.h"
+#include "scenario/scenario.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <set>
 #include <stdexcept>
 
-#include "json_place.h"
-#include "scenario_events.h"
+#include "scenario/json_place.h"
+#include "scenario/scenario_events.h"
 
 using ipodsim::ParseScenario;
 using ipodsim::PlaceOf;

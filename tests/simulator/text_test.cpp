@@ -1,4 +1,4 @@
-#include "text.h"
+#include "music/text.h"
 
 #include <glib.h>
 #include <gtest/gtest.h>

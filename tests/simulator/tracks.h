@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "track.h"
+#include "music/track.h"
 
 /// "Song 0", "Song 1", … of one artist, @p perAlbum on each album, ten seconds each.
 inline ipodsim::TrackList Tracks(int count, int perAlbum = 1000)

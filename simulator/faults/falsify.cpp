@@ -1,0 +1,124 @@
+#include "faults/falsify.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "wire/records.h"
+
+namespace ipodsim
+{
+namespace
+{
+constexpr std::uint32_t kRecordCutAt = 10;
+constexpr std::uint32_t kRecordGrowsBy = 5000;
+constexpr std::uint32_t kNoSuchNumber = 99;
+
+Bytes BytesIn(GVariant* boxed)
+{
+    GVariant* const inner = g_variant_get_variant(boxed);
+    gsize count = 0;
+    const auto* const bytes = static_cast<const unsigned char*>(g_variant_get_fixed_array(inner, &count, 1));
+    Bytes copy(bytes, bytes + count);
+    g_variant_unref(inner);
+    return copy;
+}
+
+GVariant* Resized(GVariant* boxed, std::size_t size)
+{
+    Bytes bytes = BytesIn(boxed);
+    bytes.resize(size, 'x');
+    return Pack(bytes.data(), bytes.size());
+}
+
+// A field of two bytes' length that ends after one of them.
+GVariant* NoMessage()
+{
+    constexpr unsigned char kCutOff[] = {0x0A, 0x7F, 'x'};
+    return Pack(kCutOff, sizeof(kCutOff));
+}
+
+GVariant* FalsifyRecord(GVariant* boxed, const Fault& fault)
+{
+    switch (fault.kind)
+    {
+        case FaultKind::WrongType:
+            return g_variant_new_variant(g_variant_new_string("no record"));
+        case FaultKind::ShortRecord:
+            return Resized(boxed, std::min<std::size_t>(BytesIn(boxed).size(), fault.Number(kRecordCutAt)));
+        case FaultKind::LongRecord:
+            return Resized(boxed, fault.Number(static_cast<std::uint32_t>(BytesIn(boxed).size()) + kRecordGrowsBy));
+        case FaultKind::BadMessage:
+            return NoMessage();
+        default:
+            return boxed;
+    }
+}
+
+GVariant* NumberOf(GVariant* like, std::uint32_t number)
+{
+    switch (g_variant_classify(like))
+    {
+        case G_VARIANT_CLASS_BYTE:
+            return g_variant_new_byte(static_cast<guchar>(number));
+        case G_VARIANT_CLASS_UINT16:
+            return g_variant_new_uint16(static_cast<guint16>(number));
+        case G_VARIANT_CLASS_INT32:
+            return g_variant_new_int32(static_cast<gint32>(number));
+        default:
+            return like;
+    }
+}
+
+GVariant* FalsifyValue(GVariant* value, const Fault& fault)
+{
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_VARIANT)) return FalsifyRecord(value, fault);
+    if (fault.kind == FaultKind::OutOfRange) return NumberOf(value, fault.Number(kNoSuchNumber));
+    return value;
+}
+
+bool HasRecord(GVariant* body)
+{
+    return std::strchr(g_variant_get_type_string(body), 'v') != nullptr;
+}
+
+QBXStringPageVector* NamesOf(Segments& segments, const std::string& method)
+{
+    if (method == "GetPlayingListItems") return segments.playingList;
+    if (method == "GetCurDbListItems") return segments.dbList;
+    if (method == "GetCurDbListItemsPinyin") return segments.dbListPinyin;
+    if (method == "GetUpdateListItems") return segments.updateList;
+    if (method == "GetUpdateListItemsPinyin") return segments.updateListPinyin;
+    return method == "GetDeviceList" ? segments.deviceList : nullptr;
+}
+
+template <class Vector>
+void Halve(Vector& vector)
+{
+    vector.erase(vector.begin() + static_cast<std::ptrdiff_t>(vector.size() / 2), vector.end());
+}
+}  // namespace
+
+GVariant* Falsify(GVariant* body, const Fault& fault)
+{
+    if (fault.kind == FaultKind::WrongType && !HasRecord(body)) return g_variant_new("(s)", "no such type");
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
+    for (gsize i = 0; i < g_variant_n_children(body); ++i)
+    {
+        GVariant* const value = g_variant_get_child_value(body, i);
+        g_variant_builder_add_value(&builder, FalsifyValue(value, fault));
+        g_variant_unref(value);
+    }
+    return g_variant_builder_end(&builder);
+}
+
+void FalsifyVector(Segments& segments, const std::string& method, FaultKind kind)
+{
+    if (kind == FaultKind::HalfFilled && method == "GetPlayingTrackAlbumArtwork") Halve(*segments.artwork);
+    QBXStringPageVector* const names = NamesOf(segments, method);
+    if (names == nullptr) return;
+    if (kind == FaultKind::HalfFilled) Halve(*names);
+    if (kind == FaultKind::Unterminated)
+        for (PlayListSongNameStr& name : *names) std::memset(name.name, 'x', sizeof(name.name));
+}
+}  // namespace ipodsim

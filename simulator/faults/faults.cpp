@@ -1,0 +1,161 @@
+#include "faults/faults.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+#include "faults/fault_table.h"
+
+namespace ipodsim
+{
+namespace
+{
+enum class Parameter
+{
+    None,
+    Number,
+    ErrorName,
+    Segment,
+};
+
+struct KindRow
+{
+    const char* name;
+    FaultKind kind;
+    Parameter parameter;
+};
+
+constexpr KindRow kKinds[] = {
+    {"delay", FaultKind::Delay, Parameter::Number},
+    {"no-reply", FaultKind::NoReply, Parameter::None},
+    {"error", FaultKind::Error, Parameter::ErrorName},
+    {"wrong-type", FaultKind::WrongType, Parameter::None},
+    {"short-record", FaultKind::ShortRecord, Parameter::Number},
+    {"long-record", FaultKind::LongRecord, Parameter::Number},
+    {"half-filled", FaultKind::HalfFilled, Parameter::None},
+    {"unterminated", FaultKind::Unterminated, Parameter::None},
+    {"bad-message", FaultKind::BadMessage, Parameter::None},
+    {"out-of-range", FaultKind::OutOfRange, Parameter::Number},
+    {"crash", FaultKind::Crash, Parameter::None},
+    {"crash-locked", FaultKind::CrashLocked, Parameter::Segment},
+    {"restart-storm", FaultKind::RestartStorm, Parameter::Number},
+};
+
+const KindRow& RowOf(const std::string& name)
+{
+    const auto found =
+        std::find_if(std::begin(kKinds), std::end(kKinds), [&](const KindRow& row) { return name == row.name; });
+    if (found != std::end(kKinds)) return *found;
+    std::string names;
+    for (const KindRow& row : kKinds) names += (names.empty() ? "" : ", ") + std::string(row.name);
+    throw std::runtime_error("fault: expected one of " + names + ", not \"" + name + "\"");
+}
+
+std::optional<std::uint32_t> ToNumber(const std::string& text)
+{
+    std::uint32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return {};
+    return number;
+}
+
+bool IsErrorName(const std::string& text)
+{
+    const bool plain =
+        text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.") == std::string::npos;
+    return plain && text.find('.') != std::string::npos && text.find("..") == std::string::npos &&
+           text.front() != '.' && text.back() != '.' && text.size() <= 255;
+}
+
+[[noreturn]] void Refuse(const KindRow& row, const std::string& expected)
+{
+    throw std::runtime_error(std::string("fault ") + row.name + ": expected " + expected);
+}
+
+void CheckParameter(const KindRow& row, const std::string& parameter)
+{
+    if (parameter.empty()) return;
+    if (row.parameter == Parameter::None) Refuse(row, "no parameter");
+    if (row.parameter == Parameter::Number && !ToNumber(parameter)) Refuse(row, "a number from 0 on");
+    if (row.parameter == Parameter::ErrorName && !IsErrorName(parameter))
+        Refuse(row, "the name of an error, such as com.example.Error.Busy");
+    if (row.parameter == Parameter::Segment && parameter != "lists" && parameter != "buffers")
+        Refuse(row, "lists or buffers");
+}
+
+void CheckMember(const KindRow& row, const std::string& member)
+{
+    if (member.empty()) return;
+    if (!IsMember(member)) throw std::runtime_error("no method or signal of the interface is called " + member);
+    if (!Fits(row.kind, member, true)) Refuse(row, "one of " + FittingMembers(row.kind) + ", not " + member);
+}
+
+// What follows the last of a separator, taken off the text; empty when there is none.
+std::string TakeTail(std::string& text, char separator)
+{
+    const std::size_t at = text.rfind(separator);
+    if (at == std::string::npos) return {};
+    std::string tail = text.substr(at + 1);
+    text.resize(at);
+    return tail;
+}
+}  // namespace
+
+std::uint32_t Fault::Number(std::uint32_t whenEmpty) const
+{
+    return ToNumber(parameter).value_or(whenEmpty);
+}
+
+const char* NameOf(FaultKind kind)
+{
+    return std::find_if(std::begin(kKinds), std::end(kKinds), [&](const KindRow& row) { return row.kind == kind; })
+        ->name;
+}
+
+Fault MakeFault(const std::string& member, const std::string& kind, const std::string& parameter, unsigned count)
+{
+    const KindRow& row = RowOf(kind);
+    CheckParameter(row, parameter);
+    CheckMember(row, member);
+    return {member, row.kind, parameter, count};
+}
+
+Fault ParseFault(const std::string& text)
+{
+    std::string kind = text;
+    const bool counted = text.find('/') != std::string::npos;
+    const std::string count = TakeTail(kind, '/');
+    const std::string member = TakeTail(kind, '@');
+    const std::string parameter = TakeTail(kind, '=');
+    const auto number = counted ? ToNumber(count) : 0;
+    if (!number) throw std::runtime_error("fault: expected KIND[=PARAMETER][@MEMBER][/COUNT], not \"" + text + "\"");
+    return MakeFault(member, kind, parameter, *number);
+}
+
+void Faults::Add(Fault fault)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_armed.push_back(std::move(fault));
+}
+
+void Faults::Clear()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_armed.clear();
+}
+
+std::optional<Fault> Faults::Take(const std::string& member)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found =
+        std::find_if(m_armed.begin(), m_armed.end(),
+                     [&](const Fault& fault)
+                     { return fault.member.empty() ? Fits(fault.kind, member, false) : fault.member == member; });
+    if (found == m_armed.end()) return {};
+    Fault taken = *found;
+    if (found->count != 0 && --found->count == 0) m_armed.erase(found);
+    return taken;
+}
+}  // namespace ipodsim

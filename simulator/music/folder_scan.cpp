@@ -1,0 +1,165 @@
+#include "music/folder_scan.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <taglib/fileref.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "music/bytes_io.h"
+#include "music/picture.h"
+#include "music/text.h"
+
+namespace ipodsim
+{
+namespace
+{
+std::string Extension(const std::string& name)
+{
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos ? std::string() : ToLowerAscii(name.substr(dot + 1));
+}
+
+bool IsPlaylist(const std::string& name)
+{
+    const std::string extension = Extension(name);
+    return extension == "m3u" || extension == "m3u8";
+}
+
+bool IsPictureName(const std::string& name)
+{
+    constexpr std::array<const char*, 6> kExtensions = {"jpg", "jpeg", "png", "gif", "bmp", "webp"};
+    return std::find(kExtensions.begin(), kExtensions.end(), Extension(name)) != kExtensions.end();
+}
+
+// How well a picture stands for its folder by its name; those with other names do not.
+int CoverRank(const std::string& name)
+{
+    constexpr std::array<const char*, 5> kStems = {"cover", "folder", "front", "album", "albumart"};
+    const std::string stem = ToLowerAscii(name.substr(0, name.rfind('.')));
+    return static_cast<int>(std::find(kStems.begin(), kStems.end(), stem) - kStems.begin());
+}
+
+constexpr int kNoCover = 5;
+
+FileMark MarkOf(const struct stat& status)
+{
+    return {std::int64_t{status.st_mtim.tv_sec} * 1000000000 + status.st_mtim.tv_nsec,
+            static_cast<std::uint64_t>(status.st_size)};
+}
+
+using Enter = std::function<void(const std::string&)>;
+
+class Scanner
+{
+public:
+    Scanner(Depth depth, const Warn& warn, const Enter& enter) : m_depth(depth), m_warn(warn), m_enter(enter) {}
+
+    void PassOver(const std::string& folder)
+    {
+        struct stat status
+        {
+        };
+        if (stat(folder.c_str(), &status) == 0) m_seen.emplace(status.st_dev, status.st_ino);
+    }
+
+    void Read(const std::string& path, const struct stat& status)
+    {
+        if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
+        if (m_enter) m_enter(path);
+        const std::size_t folder = m_scan.folders.size();
+        m_scan.folders.push_back({path, CleanName(path.substr(path.rfind('/') + 1), "Music"), {}});
+        int bestCover = kNoCover;
+        for (const std::string& name : Names(path)) ReadEntry(folder, name, bestCover);
+    }
+
+    FolderScan Take() { return std::move(m_scan); }
+
+private:
+    std::vector<std::string> Names(const std::string& path) const
+    {
+        std::vector<std::string> names;
+        const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()), &closedir);
+        if (folder == nullptr) Skip(path, errno);
+        while (const dirent* entry = folder == nullptr ? nullptr : readdir(folder.get()))
+            if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    void ReadEntry(std::size_t folder, const std::string& name, int& bestCover)
+    {
+        const std::string path = m_scan.folders[folder].path + "/" + name;
+        struct stat status
+        {
+        };
+        if (stat(path.c_str(), &status) != 0) return Skip(path, errno);
+        if (S_ISDIR(status.st_mode))
+        {
+            if (m_depth == Depth::Everything) Read(path, status);
+            return;
+        }
+        if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
+        if (IsPictureName(name)) return ReadPicture(folder, name, path, bestCover);
+        auto& files = IsPlaylist(name) ? m_scan.playlists : m_scan.files;
+        files.push_back({path, MarkOf(status), folder});
+    }
+
+    void ReadPicture(std::size_t folder, const std::string& name, const std::string& path, int& bestCover)
+    {
+        const int rank = CoverRank(name);
+        if (rank >= bestCover) return;
+        if (!IsPictureFile(path)) return Skip(path, "no picture");
+        bestCover = rank;
+        m_scan.folders[folder].picture = path;
+    }
+
+    void Skip(const std::string& path, int error) const { Skip(path, std::generic_category().message(error)); }
+    void Skip(const std::string& path, const std::string& why) const { m_warn("skipped " + path + ": " + why); }
+
+    Depth m_depth;
+    const Warn& m_warn;
+    const Enter& m_enter;
+    FolderScan m_scan;
+    std::set<std::pair<dev_t, ino_t>> m_seen;  // breaks loops of links
+};
+}  // namespace
+
+FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
+                      const std::function<void(const std::string&)>& enter)
+{
+    Scanner scanner(depth, warn, enter);
+    if (folder != root) scanner.PassOver(root);
+    struct stat status
+    {
+    };
+    if (stat(folder.c_str(), &status) == 0) scanner.Read(folder, status);
+    return scanner.Take();
+}
+
+std::uint64_t Fingerprint(const FolderScan& scan)
+{
+    ByteWriter all;
+    for (const auto* files : {&scan.files, &scan.playlists})
+        for (const ScannedFile& file : *files)
+        {
+            all.Put(file.path);
+            all.Put(file.mark.modified);
+            all.Put(file.mark.size);
+        }
+    for (const ScannedFolder& folder : scan.folders) all.Put(folder.picture);
+    return Fingerprint(all.Bytes());
+}
+
+bool LooksLikeAudio(const std::string& name)
+{
+    static const TagLib::StringList extensions = TagLib::FileRef::defaultFileExtensions();
+    return extensions.contains(TagLib::String(Extension(name), TagLib::String::UTF8));
+}
+}  // namespace ipodsim

@@ -1,0 +1,98 @@
+#include "music/folder_watch.h"
+
+#include <glib-unix.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace ipodsim
+{
+namespace
+{
+constexpr guint kQuietMs = 400;
+constexpr gint64 kLongestBurst = 5000000;  // microseconds
+
+// Not what is merely read: indexing itself would be a change.
+constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE |
+                                   IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB | IN_ONLYDIR;
+
+void Destroy(GSource*& source)
+{
+    if (source == nullptr) return;
+    g_source_destroy(source);
+    g_source_unref(source);
+    source = nullptr;
+}
+}  // namespace
+
+FolderWatch::FolderWatch(const std::string& root, GMainContext* context, Warn warn, std::function<void()> changed)
+    : m_context(context),
+      m_warn(std::move(warn)),
+      m_changed(std::move(changed)),
+      m_descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+{
+    if (m_descriptor < 0)
+    {
+        m_warn("changes of " + root + " go unnoticed: " + std::generic_category().message(errno));
+        return;
+    }
+    m_readable = g_unix_fd_source_new(m_descriptor, G_IO_IN);
+    g_source_set_callback(m_readable, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnReadable)), this,
+                          nullptr);
+    g_source_attach(m_readable, m_context);
+    Add(root);
+}
+
+FolderWatch::~FolderWatch()
+{
+    StopWaiting();
+    Destroy(m_readable);
+    if (m_descriptor >= 0) close(m_descriptor);
+}
+
+void FolderWatch::Add(const std::string& folder)
+{
+    const bool full =
+        m_descriptor >= 0 && inotify_add_watch(m_descriptor, folder.c_str(), kChanges) < 0 && errno == ENOSPC;
+    if (full && !m_full.exchange(true))
+        m_warn("changes in " + folder + " and others go unnoticed: the system's limit of watches is reached");
+}
+
+gboolean FolderWatch::OnReadable(gint descriptor, GIOCondition, gpointer self)
+{
+    alignas(inotify_event) std::array<char, 16384> events;
+    while (read(descriptor, events.data(), events.size()) > 0)
+    {
+    }
+    static_cast<FolderWatch*>(self)->WaitForQuiet();
+    return G_SOURCE_CONTINUE;
+}
+
+void FolderWatch::WaitForQuiet()
+{
+    const gint64 now = g_get_monotonic_time();
+    if (m_quiet == nullptr) m_firstChange = now;
+    if (m_quiet != nullptr && now - m_firstChange > kLongestBurst) return;
+    StopWaiting();
+    m_quiet = g_timeout_source_new(kQuietMs);
+    g_source_set_callback(m_quiet, OnQuiet, this, nullptr);
+    g_source_attach(m_quiet, m_context);
+}
+
+void FolderWatch::StopWaiting()
+{
+    Destroy(m_quiet);
+}
+
+gboolean FolderWatch::OnQuiet(gpointer data)
+{
+    FolderWatch& self = *static_cast<FolderWatch*>(data);
+    self.StopWaiting();
+    self.m_changed();
+    return G_SOURCE_REMOVE;
+}
+}  // namespace ipodsim

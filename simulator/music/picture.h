@@ -1,0 +1,20 @@
+/// @file
+/// Pictures of tracks.
+#pragma once
+
+#include "music/track.h"
+
+namespace ipodsim
+{
+/// Wraps the bytes of a picture and reads its size from a PNG or JPEG header.
+Picture MakePicture(Bytes bytes);
+
+/// Whether bytes begin like a PNG, JPEG, GIF, BMP or WebP.
+bool IsPicture(const Bytes& bytes);
+/// The same of a file; false also when it cannot be read.
+bool IsPictureFile(const std::string& file);
+
+/// The picture of a track, read from its file or that of its folder each time. Empty when there is none or the file has
+/// gone.
+Picture PictureOf(const Track& track);
+}  // namespace ipodsim

@@ -1,0 +1,106 @@
+#include "music/tag_reader.h"
+
+#include <taglib/attachedpictureframe.h>
+#include <taglib/fileref.h>
+#include <taglib/flacfile.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mp4file.h>
+#include <taglib/mpegfile.h>
+#include <taglib/tag.h>
+#include <taglib/wavfile.h>
+#include <taglib/xiphcomment.h>
+
+#include <filesystem>
+
+#include "music/picture.h"
+#include "music/text.h"
+
+namespace ipodsim
+{
+namespace
+{
+Bytes ToBytes(const TagLib::ByteVector& bytes)
+{
+    return {bytes.begin(), bytes.end()};
+}
+
+Bytes PictureIn(const TagLib::List<TagLib::FLAC::Picture*>& pictures)
+{
+    for (const auto* picture : pictures)
+        if (picture->type() == TagLib::FLAC::Picture::FrontCover) return ToBytes(picture->data());
+    return pictures.isEmpty() ? Bytes{} : ToBytes(pictures.front()->data());
+}
+
+Bytes PictureIn(const TagLib::ID3v2::Tag* tag)
+{
+    using Frame = TagLib::ID3v2::AttachedPictureFrame;
+    Bytes first;
+    if (tag == nullptr) return first;
+    for (const auto* frame : tag->frameList("APIC"))
+    {
+        const auto* picture = dynamic_cast<const Frame*>(frame);
+        if (picture == nullptr) continue;
+        if (picture->type() == Frame::FrontCover) return ToBytes(picture->picture());
+        if (first.empty()) first = ToBytes(picture->picture());
+    }
+    return first;
+}
+
+Bytes PictureIn(const TagLib::MP4::Tag* tag)
+{
+    if (tag == nullptr || !tag->contains("covr")) return {};
+    const TagLib::MP4::CoverArtList covers = tag->item("covr").toCoverArtList();
+    return covers.isEmpty() ? Bytes{} : ToBytes(covers.front().data());
+}
+
+Bytes PictureIn(TagLib::FLAC::File& flac)
+{
+    Bytes picture = PictureIn(flac.pictureList());
+    return picture.empty() ? PictureIn(flac.ID3v2Tag()) : picture;
+}
+
+Bytes PictureIn(TagLib::File* file)
+{
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) return PictureIn(mpeg->ID3v2Tag());
+    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) return PictureIn(*flac);
+    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(file)) return PictureIn(mp4->tag());
+    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) return PictureIn(wav->ID3v2Tag());
+    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file->tag())) return PictureIn(ogg->pictureList());
+    return {};
+}
+
+std::string Text(const TagLib::String& text, const std::string& fallback)
+{
+    return CleanName(text.to8Bit(true), fallback);
+}
+
+Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
+{
+    const TagLib::Tag& tag = *reference.tag();
+    Track track;
+    track.title = Text(tag.title(), std::filesystem::path(file).stem().string());
+    track.artist = Text(tag.artist(), "Unknown artist");
+    track.album = Text(tag.album(), "Unknown album");
+    track.genre = Text(tag.genre(), "Unknown genre");
+    track.number = static_cast<int>(tag.track());
+    track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
+    track.hasPicture = IsPicture(PictureIn(reference.file()));
+    track.file = file;
+    return track;
+}
+}  // namespace
+
+std::optional<Track> ReadTrack(const std::string& file)
+{
+    const TagLib::FileRef reference(file.c_str());
+    if (reference.isNull() || reference.tag() == nullptr || reference.audioProperties() == nullptr) return {};
+    if (reference.audioProperties()->lengthInMilliseconds() <= 0) return {};
+    return ToTrack(reference, file);
+}
+
+Bytes ReadEmbeddedPicture(const std::string& file)
+{
+    const TagLib::FileRef reference(file.c_str(), false);
+    return reference.isNull() ? Bytes{} : PictureIn(reference.file());
+}
+}  // namespace ipodsim

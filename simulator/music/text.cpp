@@ -1,0 +1,59 @@
+#include "music/text.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace ipodsim
+{
+namespace
+{
+bool ContinuesCharacter(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+std::string Trim(const std::string& text)
+{
+    constexpr char kBlanks[] = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// Tags may hold any bytes; what is no UTF-8 becomes the replacement character.
+std::string MakeValid(const std::string& text)
+{
+    const std::unique_ptr<char, decltype(&g_free)> valid(
+        g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())), &g_free);
+    return valid.get();
+}
+}  // namespace
+
+std::string CutUtf8(std::string_view text, std::size_t maxBytes)
+{
+    if (text.size() <= maxBytes) return std::string(text);
+    std::size_t end = maxBytes;
+    while (end > 0 && ContinuesCharacter(text[end])) --end;
+    return std::string(text.substr(0, end));
+}
+
+std::string CleanName(const std::string& text, const std::string& fallback)
+{
+    const std::string trimmed = Trim(text.substr(0, text.find('\0')));
+    return CutUtf8(MakeValid(trimmed.empty() ? fallback : trimmed));
+}
+
+std::string ToLowerAscii(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+bool IsAscii(std::string_view text)
+{
+    return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+}  // namespace ipodsim

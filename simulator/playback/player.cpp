@@ -1,0 +1,170 @@
+#include "playback/player.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ipodsim
+{
+namespace
+{
+constexpr int kWindingFactor = 8;
+constexpr int kPreviousRestartsAfterMs = 3000;
+}  // namespace
+
+bool Player::Winding() const
+{
+    return m_status == IPOD_PLAY_STATUS_FAST_FORWARD || m_status == IPOD_PLAY_STATUS_FAST_BACKWARD;
+}
+
+int Player::Length() const
+{
+    const TrackPtr track = Track();
+    return track == nullptr ? 0 : track->lengthMs;
+}
+
+void Player::SetStatus(iPodPlayerPlayStatus status)
+{
+    if (status == m_status) return;
+    m_status = status;
+    m_observer.OnStatus();
+}
+
+void Player::StartTrack(int position)
+{
+    m_position = std::min(position, Length());
+    m_observer.OnTrack();
+    m_observer.OnProgress();
+}
+
+void Player::PlayList(TrackList tracks, std::size_t start)
+{
+    if (tracks.empty()) return;
+    m_queue.Fill(std::move(tracks), start);
+    m_observer.OnAmount();
+    SetStatus(IPOD_PLAY_STATUS_PLAYING);
+    StartTrack(0);
+}
+
+void Player::Clear()
+{
+    Stop();
+    m_queue.Fill({}, 0);
+    m_observer.OnAmount();
+}
+
+bool Player::PlayEntry(int index)
+{
+    if (!m_queue.Jump(index)) return false;
+    SetStatus(IPOD_PLAY_STATUS_PLAYING);
+    StartTrack(0);
+    return true;
+}
+
+bool Player::Play()
+{
+    if (m_queue.Empty()) return false;
+    const bool wasLoaded = Loaded();
+    SetStatus(IPOD_PLAY_STATUS_PLAYING);
+    if (!wasLoaded) StartTrack(0);
+    return true;
+}
+
+bool Player::Restart()
+{
+    if (!Play()) return false;
+    Seek(0);
+    return true;
+}
+
+bool Player::Pause()
+{
+    if (!Loaded()) return false;
+    SetStatus(IPOD_PLAY_STATUS_PAUSED);
+    return true;
+}
+
+void Player::Stop()
+{
+    m_position = 0;
+    SetStatus(IPOD_PLAY_STATUS_STOPPED);
+}
+
+bool Player::Next()
+{
+    if (!Loaded() || !m_queue.Next()) return false;
+    StopWinding();
+    StartTrack(0);
+    return true;
+}
+
+bool Player::Previous()
+{
+    if (!Loaded()) return false;
+    StopWinding();
+    if (m_position > kPreviousRestartsAfterMs || !m_queue.Previous())
+        Seek(0);
+    else
+        StartTrack(0);
+    return true;
+}
+
+void Player::Seek(int positionMs)
+{
+    if (!Loaded()) return;
+    m_position = std::clamp(positionMs, 0, Length());
+    m_observer.OnProgress();
+}
+
+bool Player::Wind(bool forward)
+{
+    if (!Loaded()) return false;
+    if (!Winding()) m_beforeWinding = m_status;
+    SetStatus(forward ? IPOD_PLAY_STATUS_FAST_FORWARD : IPOD_PLAY_STATUS_FAST_BACKWARD);
+    return true;
+}
+
+bool Player::StopWinding()
+{
+    if (Winding()) SetStatus(m_beforeWinding);
+    return true;
+}
+
+void Player::SetShuffle(iPodPlayerShuffleStatus mode)
+{
+    m_queue.SetShuffle(mode);
+    m_observer.OnShuffle();
+}
+
+void Player::SetRepeat(iPodPlayerRepeatStatus mode)
+{
+    m_queue.SetRepeat(mode);
+    m_observer.OnRepeat();
+}
+
+void Player::Advance(int elapsedMs)
+{
+    if (!Running()) return;
+    if (m_status == IPOD_PLAY_STATUS_FAST_BACKWARD) return WindBack(elapsedMs);
+    m_position += elapsedMs * (m_status == IPOD_PLAY_STATUS_FAST_FORWARD ? kWindingFactor : 1);
+    if (m_position >= Length())
+        EndTrack(m_position - Length());
+    else
+        m_observer.OnProgress();
+}
+
+// Playback goes on from the start of the track: a device does not wind into the track before.
+void Player::WindBack(int elapsedMs)
+{
+    m_position = std::max(0, m_position - elapsedMs * kWindingFactor);
+    m_observer.OnProgress();
+    if (m_position == 0) StopWinding();
+}
+
+void Player::EndTrack(int beyondEnd)
+{
+    const bool wound = Winding();
+    StopWinding();
+    if (!m_queue.Advance()) return Stop();
+    StartTrack(wound ? 0 : beyondEnd);
+}
+}  // namespace ipodsim

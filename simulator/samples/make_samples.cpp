@@ -1,0 +1,32 @@
+// ipod-make-samples: a folder of short, tagged audio files with covers.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <string>
+
+#include "samples/samples.h"
+
+int main(int argc, char** argv)
+{
+    CLI::App app("Writes short sample files with tags and covers: FLAC, Ogg Vorbis and MP3", "ipod-make-samples");
+    std::string folder;
+    app.set_version_flag("--version", "ipod-make-samples " IPOD_VERSION);
+    app.add_option("folder", folder, "Folder to write to; it is made when it is missing")->required();
+    int count = 0;
+    app.add_option("--count", count, "Write so many files of one second instead, to measure with")
+        ->check(CLI::Range(1, 1000000));
+    app.footer(
+        "Examples:\n  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"
+        "  ipod-make-samples --count 50000 /tmp/many");
+    CLI11_PARSE(app, argc, argv);
+    try
+    {
+        std::printf("%d files in %s\n",
+                    count > 0 ? ipodsim::MakeManySamples(folder, count) : ipodsim::MakeSamples(folder), folder.c_str());
+        return 0;
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "ipod-make-samples: %s\n", error.what());
+        return 1;
+    }
+}

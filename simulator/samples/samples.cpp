@@ -1,0 +1,154 @@
+#include "samples/samples.h"
+
+#include <sndfile.h>
+#include <taglib/attachedpictureframe.h>
+#include <taglib/fileref.h>
+#include <taglib/flacfile.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mpegfile.h>
+#include <taglib/tag.h>
+#include <taglib/vorbisfile.h>
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "music/cover.h"
+#include "samples/melody.h"
+
+namespace ipodsim
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+struct Format
+{
+    const char* extension;
+    int code;
+};
+
+constexpr Format kFlac{".flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16};
+constexpr Format kVorbis{".ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS};
+constexpr Format kMp3{".mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III};
+
+struct Sample
+{
+    const char* title;
+    int seconds;
+};
+
+struct SampleAlbum
+{
+    const char* artist;
+    const char* title;
+    const char* genre;
+    const Format& format;
+    std::vector<Sample> samples;
+};
+
+// Artists and titles are invented.
+const std::vector<SampleAlbum>& Albums()
+{
+    static const std::vector<SampleAlbum> albums = {
+        {"曾雨桐", "江南小雨", "Folk", kFlac, {{"江南小雨", 12}, {"山间清晨", 9}, {"乌篷船", 15}}},
+        {"单晓岚", "长夜里的音乐", "Pop", kMp3, {{"长夜里的音乐", 10}, {"单身的夜", 14}}},
+        {"Nadia Brandt",
+         "Lanterns",
+         "Jazz",
+         kVorbis,
+         {{"Blue Lantern", 16}, {"Slow Ferry", 22}, {"Rain on Copper", 8}}},
+        {"Harbour Quartet", "Tide Tables", "Classical", kFlac, {{"Low Water", 18}, {"Slack Tide", 11}}},
+        {"Élodie Rouvière", "Été à vélo", "Electronic", kMp3, {{"Été à vélo", 13}, {"Ligne 6", 25}}},
+    };
+    return albums;
+}
+
+void WriteAudio(const fs::path& file, const Format& format, const std::vector<float>& samples)
+{
+    SF_INFO info{};
+    info.samplerate = kSampleRate;
+    info.channels = 1;
+    info.format = format.code;
+    const std::unique_ptr<SNDFILE, decltype(&sf_close)> out(sf_open(file.c_str(), SFM_WRITE, &info), &sf_close);
+    const auto count = static_cast<sf_count_t>(samples.size());
+    if (out == nullptr || sf_write_float(out.get(), samples.data(), count) != count)
+        throw std::runtime_error(file.string() + ": " + sf_strerror(out.get()));
+}
+
+TagLib::ByteVector ToByteVector(const Bytes& bytes)
+{
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<unsigned>(bytes.size())};
+}
+
+// The list that it is added to owns it.
+TagLib::FLAC::Picture* FlacPicture(const Picture& cover)
+{
+    auto* const picture = new TagLib::FLAC::Picture;
+    picture->setType(TagLib::FLAC::Picture::FrontCover);
+    picture->setMimeType("image/png");
+    picture->setWidth(static_cast<int>(cover.width));
+    picture->setHeight(static_cast<int>(cover.height));
+    picture->setData(ToByteVector(cover.bytes));
+    return picture;
+}
+
+// The tag that it is added to owns it.
+TagLib::ID3v2::AttachedPictureFrame* Id3Picture(const Picture& cover)
+{
+    auto* const frame = new TagLib::ID3v2::AttachedPictureFrame;
+    frame->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
+    frame->setMimeType("image/png");
+    frame->setPicture(ToByteVector(cover.bytes));
+    return frame;
+}
+
+void AddPicture(TagLib::File* file, const Picture& cover)
+{
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) mpeg->ID3v2Tag(true)->addFrame(Id3Picture(cover));
+    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) flac->addPicture(FlacPicture(cover));
+    if (auto* vorbis = dynamic_cast<TagLib::Ogg::Vorbis::File*>(file)) vorbis->tag()->addPicture(FlacPicture(cover));
+}
+
+void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index, const Picture& cover)
+{
+    const auto text = [](const char* utf8) { return TagLib::String(utf8, TagLib::String::UTF8); };
+    TagLib::FileRef reference(file.c_str());
+    if (reference.isNull()) throw std::runtime_error(file.string() + ": cannot be read back");
+    TagLib::Tag& tag = *reference.tag();
+    tag.setTitle(text(album.samples[index].title));
+    tag.setArtist(text(album.artist));
+    tag.setAlbum(text(album.title));
+    tag.setGenre(text(album.genre));
+    tag.setTrack(static_cast<unsigned>(index) + 1);
+    AddPicture(reference.file(), cover);
+    if (!reference.save()) throw std::runtime_error(file.string() + ": its tags cannot be written");
+}
+
+void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number)
+{
+    const Picture cover = DrawCover(number);
+    fs::create_directories(folder);
+    for (std::size_t i = 0; i < album.samples.size(); ++i)
+    {
+        const Sample& sample = album.samples[i];
+        const std::string name = std::to_string(i + 1) + " " + sample.title + album.format.extension;
+        WriteAudio(folder / name, album.format, Melody(number * 100 + static_cast<unsigned>(i), sample.seconds));
+        WriteTags(folder / name, album, i, cover);
+    }
+}
+}  // namespace
+
+int MakeSamples(const std::string& folder)
+{
+    std::size_t count = 0;
+    unsigned number = 0;
+    for (const SampleAlbum& album : Albums())
+    {
+        MakeAlbum(fs::path(folder) / "Desk iPod" / album.title, album, number++);
+        count += album.samples.size();
+    }
+    return static_cast<int>(count);
+}
+}  // namespace ipodsim

@@ -1,0 +1,138 @@
+#include "service/serve.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "faults/falsify.h"
+#include "service/bus.h"
+
+namespace ipodsim
+{
+namespace
+{
+constexpr char kInterface[] = "com.zarn.linux.ipod";
+constexpr char kFailed[] = "com.zarn.linux.ipod.Error.Failed";
+constexpr std::uint32_t kDelayMs = 1000;
+
+// What is to be answered: a body, or an error and its message.
+struct Answer
+{
+    VariantPtr body;
+    std::string error;
+    std::string message;
+};
+
+Answer CarryOut(const std::function<GVariant*()>& work)
+{
+    // No exception may pass through GLib.
+    try
+    {
+        return {Own(work()), {}, {}};
+    }
+    catch (const std::exception& error)
+    {
+        return {nullptr, kFailed, error.what()};
+    }
+}
+
+// One request on its way to its answer.
+class Request
+{
+public:
+    Request(Service& service, GDBusMethodInvocation* invocation)
+        : m_service(service), m_invocation(invocation), m_time(g_get_real_time())
+    {
+    }
+
+    std::string Method() const { return g_dbus_method_invocation_get_method_name(m_invocation); }
+    bool IsOfService() const
+    {
+        return g_str_equal(g_dbus_method_invocation_get_interface_name(m_invocation), kInterface) != FALSE;
+    }
+
+    void Reply(const Answer& answer)
+    {
+        Log(answer);
+        if (!answer.error.empty())
+            return g_dbus_method_invocation_return_dbus_error(m_invocation, answer.error.c_str(),
+                                                              answer.message.c_str());
+        Send(answer.body.get());
+    }
+
+    void Drop()
+    {
+        Log({});
+        g_object_unref(m_invocation);
+    }
+
+private:
+    // By hand: the ordinary way refuses types that differ from the interface's.
+    void Send(GVariant* body)
+    {
+        GDBusMessage* const request = g_dbus_method_invocation_get_message(m_invocation);
+        const ObjectPtr<GDBusMessage> reply(g_dbus_message_new_method_reply(request));
+        g_dbus_message_set_body(reply.get(), body);
+        if ((g_dbus_message_get_flags(request) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) == 0)
+            g_dbus_connection_send_message(g_dbus_method_invocation_get_connection(m_invocation), reply.get(),
+                                           G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+        g_object_unref(m_invocation);
+    }
+
+    void Log(const Answer& answer) const
+    {
+        GVariant* const arguments = g_dbus_method_invocation_get_parameters(m_invocation);
+        LoggedCall call{m_time, g_dbus_method_invocation_get_sender(m_invocation), Method(), {}, answer.error, {}};
+        call.arguments = Own(arguments);
+        if (!answer.error.empty())
+            call.answer = Own(g_variant_new_string(answer.message.c_str()));
+        else if (answer.body != nullptr)
+            call.answer = Own(answer.body.get());
+        m_service.LogCall(call, IsOfService());
+    }
+
+    Service& m_service;
+    GDBusMethodInvocation* m_invocation;
+    std::int64_t m_time;
+};
+
+void ReplyLater(Service& service, Request request, Answer answer, double milliseconds)
+{
+    // A function that is kept must be copyable.
+    const auto kept = std::make_shared<Answer>(std::move(answer));
+    service.agenda.After(milliseconds, [request, kept]() mutable { request.Reply(*kept); });
+}
+
+void ReplyWrongly(Service& service, Request request, const Fault& fault, const std::function<GVariant*()>& work)
+{
+    if (fault.kind == FaultKind::Error)
+        return request.Reply({nullptr, fault.parameter.empty() ? kFailed : fault.parameter, "a fault on purpose"});
+    Answer answer = CarryOut(work);
+    FalsifyVector(service.segments, request.Method(), fault.kind);
+    if (answer.body != nullptr) answer.body = Own(Falsify(answer.body.get(), fault));
+    switch (fault.kind)
+    {
+        case FaultKind::Delay:
+            return ReplyLater(service, request, std::move(answer), fault.Number(kDelayMs));
+        case FaultKind::NoReply:
+            return request.Drop();
+        case FaultKind::Crash:
+        case FaultKind::CrashLocked:
+            return service.Crash(fault);
+        case FaultKind::RestartStorm:
+            request.Reply(answer);
+            return service.Restart(fault.Number(kRestarts));
+        default:
+            return request.Reply(answer);
+    }
+}
+}  // namespace
+
+void Serve(Service& service, GDBusMethodInvocation* invocation, const std::function<GVariant*()>& work)
+{
+    Request request(service, invocation);
+    const auto fault = request.IsOfService() ? service.faults->Take(request.Method()) : std::nullopt;
+    if (fault) return ReplyWrongly(service, request, *fault, work);
+    request.Reply(CarryOut(work));
+}
+}  // namespace ipodsim

@@ -1,0 +1,151 @@
+#include "wire/segments.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <stdexcept>
+#include <thread>
+
+#include "music/text.h"
+
+namespace ipodsim
+{
+namespace
+{
+namespace bip = boost::interprocess;
+
+// Whether somebody has begun to create the segment and not finished: its first word is 0 or 1 till then.
+bool HalfMade(const char* name)
+{
+    const int object = shm_open(name, O_RDONLY | O_NONBLOCK, 0);
+    if (object < 0) return false;
+    std::uint32_t state = 0;
+    const bool finished = pread(object, &state, sizeof(state), 0) == ssize_t{sizeof(state)} && state > 1;
+    close(object);
+    return !finished;
+}
+
+// Boost would wait for ever for a creator that died.
+void WaitUntilMade(const char* name)
+{
+    for (int tries = 0; HalfMade(name); ++tries)
+    {
+        if (tries == 3000)
+            throw std::runtime_error(std::string("its creator never finished it; remove /dev/shm/") + name);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+QBXSharedSegment Attach(const char* name, std::size_t size)
+{
+    try
+    {
+        WaitUntilMade(name);
+        bip::permissions mode;
+        mode.set_permissions(0644);
+        return QBXSharedSegment(bip::open_or_create, name, size, nullptr, mode);
+    }
+    catch (const std::exception& error)
+    {
+        throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
+    }
+}
+
+template <class Vector>
+Vector* Find(QBXSharedSegment& segment, const char* name)
+{
+    try
+    {
+        return segment.find_or_construct<Vector>(name)(typename Vector::allocator_type(segment.get_segment_manager()));
+    }
+    catch (const std::exception& error)
+    {
+        throw std::runtime_error(std::string("shared memory, vector ") + name + ": " + error.what());
+    }
+}
+
+// The old page is given back first: old and new together might not fit.
+template <class Vector>
+void Empty(Vector& vector)
+{
+    vector.clear();
+    vector.shrink_to_fit();
+}
+
+PlayListSongNameStr ToSlot(const std::string& name)
+{
+    PlayListSongNameStr slot{};
+    const std::string text = CutUtf8(name, sizeof(slot.name) - 1);
+    std::memcpy(slot.name, text.data(), text.size());
+    return slot;
+}
+
+// Everything Boost throws here means that the page cannot be shown, and must not pass through GLib.
+template <class Vector, class Append>
+bool Refill(Vector& vector, std::size_t count, Append append)
+{
+    try
+    {
+        Empty(vector);
+        vector.reserve(count);
+        append();
+        return true;
+    }
+    catch (const std::exception&)
+    {
+        vector.clear();
+        return false;
+    }
+}
+}  // namespace
+
+Segments::Segments()
+    : m_lists(Attach(kListSegmentName, kListSegmentSize)), m_buffers(Attach(kBufferSegmentName, kBufferSegmentSize))
+{
+    playingList = Find<QBXStringPageVector>(m_lists, "VecPlayingListShareMemory");
+    dbList = Find<QBXStringPageVector>(m_lists, "VecDBListShareMemory");
+    dbListPinyin = Find<QBXStringPageVector>(m_lists, "VecDBListPinyinShareMemory");
+    updateList = Find<QBXStringPageVector>(m_lists, "VecUpdateListShareMemory");
+    updateListPinyin = Find<QBXStringPageVector>(m_lists, "VecUpdateListPinyinShareMemory");
+    deviceList = Find<QBXStringPageVector>(m_lists, "VecDeviceListShareMemory");
+    artwork = Find<QBXByteVector>(m_buffers, "VecArtworkBufferShareMemory");
+    artworkChange = Find<QBXByteVector>(m_buffers, "VecArtworkChangeBufferShareMemory");
+    eapWrite = Find<QBXByteVector>(m_buffers, "VecEapWriteBufferShareMemory");
+    eapRead = Find<QBXByteVector>(m_buffers, "VecEapReadBufferShareMemory");
+}
+
+void Segments::WithLock(Lock lock, std::function<void()> work)
+{
+    (lock == Lock::Lists ? m_lists : m_buffers).atomic_func(work);
+}
+
+Bytes Segments::TakeEapWrite() const
+{
+    const std::size_t count = eapWrite->size();
+    if (count == 0) return {};
+    const unsigned char* const begin = &(*eapWrite)[0];
+    if (!m_buffers.belongs_to_segment(begin) || count > m_buffers.get_size() ||
+        !m_buffers.belongs_to_segment(begin + count - 1))
+        throw std::runtime_error("the accessory write buffer points outside its segment");
+    return {begin, begin + count};
+}
+
+bool Fill(QBXStringPageVector& vector, const std::vector<std::string>& names)
+{
+    return Refill(vector, names.size(),
+                  [&]
+                  {
+                      for (const std::string& name : names) vector.push_back(ToSlot(name));
+                  });
+}
+
+bool Fill(QBXByteVector& vector, const Bytes& bytes)
+{
+    return Refill(vector, bytes.size(),
+                  [&] { vector.insert(vector.end(), bytes.data(), bytes.data() + bytes.size()); });
+}
+}  // namespace ipodsim

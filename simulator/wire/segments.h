@@ -1,0 +1,55 @@
+/// @file
+/// The service's side of the two shared-memory segments: attaches them and fills the vectors.
+#pragma once
+
+#include <QBXIpodShareMemory.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "music/track.h"
+
+namespace ipodsim
+{
+/// Both segments, attached or created, with their ten vectors. They are never removed: clients keep them mapped, and a
+/// service that comes later finds them again. Only the service's thread may use it.
+class Segments
+{
+public:
+    /// @throws std::runtime_error  a segment cannot be used, with the reason
+    Segments();
+
+    QBXStringPageVector* playingList = nullptr;
+    QBXStringPageVector* dbList = nullptr;
+    QBXStringPageVector* dbListPinyin = nullptr;
+    QBXStringPageVector* updateList = nullptr;
+    QBXStringPageVector* updateListPinyin = nullptr;
+    QBXStringPageVector* deviceList = nullptr;
+    QBXByteVector* artwork = nullptr;
+    QBXByteVector* artworkChange = nullptr;
+    QBXByteVector* eapWrite = nullptr;
+    QBXByteVector* eapRead = nullptr;
+
+    enum class Lock
+    {
+        Lists,
+        Buffers,
+    };
+    /// Does work while the lock of a segment is held.
+    void WithLock(Lock lock, std::function<void()> work);
+
+    /// The bytes that a client left for an accessory session.
+    /// @throws std::runtime_error  what the vector says of itself points outside the segment
+    Bytes TakeEapWrite() const;
+
+private:
+    QBXSharedSegment m_lists;
+    QBXSharedSegment m_buffers;
+};
+
+/// Replaces what is in a vector; names are cut to 255 bytes. False when the segment has no room for it or its lock is
+/// held by a process that died: the vector is empty then.
+bool Fill(QBXStringPageVector& vector, const std::vector<std::string>& names);
+bool Fill(QBXByteVector& vector, const Bytes& bytes);
+}  // namespace ipodsim
