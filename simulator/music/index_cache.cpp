@@ -86,7 +86,7 @@ void IndexCache::Parse(const std::string& bytes)
         throw std::out_of_range("damaged");
     ByteReader in(sealed.substr(magic.size()));
     const auto count = in.Take<std::uint64_t>();
-    m_known.reserve(std::min<std::size_t>(count, bytes.size()));
+    m_known.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(count, bytes.size())));
     for (std::uint64_t i = 0; i < count; ++i)
     {
         std::string path = in.TakeText();
