@@ -40,7 +40,8 @@ INSTANTIATE_TEST_SUITE_P(All, ToFailureGives,
                                          Case{ErrorKind::NoSharedMemory, kNoSegments, "doctor"},
                                          Case{ErrorKind::BadArgument, kUsage, ""},
                                          Case{ErrorKind::Ambiguous, kNothingDone, ""},
-                                         Case{ErrorKind::NoStorage, kUsage, ""}));
+                                         Case{ErrorKind::NoStorage, kUsage, ""}),
+                         [](const auto& test) { return "Kind" + std::to_string(static_cast<int>(test.param.kind)); });
 
 TEST(ToFailure, TellsARefusalInTheWordsOfTheVerb)
 {
