@@ -6,9 +6,9 @@
 #include <csignal>
 #include <cstdio>
 
-#include "command_line.h"
-#include "text.h"
-#include "verbs.h"
+#include "output/text.h"
+#include "verbs/command_line.h"
+#include "verbs/verbs.h"
 
 namespace ctl
 {
@@ -32,9 +32,9 @@ constexpr char kExitCodes[] =
 std::vector<Verb> AllVerbs()
 {
     std::vector<Verb> all;
-    for (const auto verbs : {StatusVerbs, TransportVerbs, ModeVerbs, ListVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs,
-                             DeviceVerbs, ArtVerbs, EventVerbs, EapVerbs, SimVerbs, SharedMemoryVerbs, BenchVerbs,
-                             DoctorVerbs, LayoutVerbs})
+    for (const auto verbs :
+         {StatusVerbs, TransportVerbs, ModeVerbs, ListVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs, DeviceVerbs,
+          ArtVerbs, EventVerbs, EapVerbs, SimVerbs, SharedMemoryVerbs, BenchVerbs, DoctorVerbs, LayoutVerbs})
         for (const Verb& verb : verbs()) all.push_back(verb);
     return all;
 }

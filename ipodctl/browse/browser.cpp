@@ -5,8 +5,8 @@
 
 #include <csignal>
 
-#include "failure.h"
-#include "text.h"
+#include "output/failure.h"
+#include "output/text.h"
 
 namespace ctl::browse
 {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "browse/frame_parts.h"
-#include "text.h"
+#include "output/text.h"
 
 namespace ctl::browse
 {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "text.h"
+#include "output/text.h"
 
 namespace ctl::browse
 {

@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "text.h"
+#include "output/text.h"
 
 namespace ctl::browse
 {

@@ -16,8 +16,8 @@
 #include <cwchar>
 #include <string>
 
-#include "failure.h"
-#include "text.h"
+#include "output/failure.h"
+#include "output/text.h"
 
 namespace ctl::browse
 {

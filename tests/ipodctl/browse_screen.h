@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "browse/frame.h"
-#include "text.h"
+#include "output/text.h"
 
 namespace ctl::browse
 {

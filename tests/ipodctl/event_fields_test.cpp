@@ -1,4 +1,4 @@
-#include "event_fields.h"
+#include "events/event_fields.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "file.h"
+#include "output/file.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <filesystem>
 
-#include "failure.h"
+#include "output/failure.h"
 
 using namespace ctl;
 

@@ -1,8 +1,8 @@
-#include "format.h"
+#include "events/format.h"
 
 #include <gtest/gtest.h>
 
-#include "failure.h"
+#include "output/failure.h"
 
 namespace ctl
 {

@@ -1,4 +1,4 @@
-#include "library_log.h"
+#include "session/library_log.h"
 
 #include <QBXLog.h>
 #include <gtest/gtest.h>

@@ -8,8 +8,8 @@
 #include <sstream>
 #include <thread>
 
-#include "child_process.h"
-#include "command_queue.h"
+#include "events/command_queue.h"
+#include "segments/child_process.h"
 
 namespace ctl
 {

@@ -1,4 +1,4 @@
-#include "service_error.h"
+#include "session/service_error.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // What is shown of numbers and bytes: bars, dumps, lines beside pictures, latencies.
 #include <gtest/gtest.h>
 
-#include "columns.h"
-#include "hexdump.h"
-#include "latency.h"
-#include "progress_bar.h"
-#include "text.h"
+#include "output/hexdump.h"
+#include "output/progress_bar.h"
+#include "output/text.h"
+#include "picture/columns.h"
+#include "verbs/latency.h"
 
 namespace ctl
 {

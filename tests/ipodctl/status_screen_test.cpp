@@ -1,4 +1,4 @@
-#include "status_screen.h"
+#include "screen/status_screen.h"
 
 #include <gtest/gtest.h>
 #include <pty.h>
@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "columns.h"
-#include "drawing.h"
-#include "text.h"
+#include "output/text.h"
+#include "picture/columns.h"
+#include "picture/drawing.h"
 
 namespace ctl
 {

@@ -1,10 +1,10 @@
-#include "table.h"
+#include "output/table.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 
-#include "text.h"
+#include "output/text.h"
 
 using ctl::Table;
 

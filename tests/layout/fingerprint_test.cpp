@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "ipodctl/layout.h"
+#include "ipodctl/segments/layout.h"
 #include "shm_objects.h"
 
 namespace

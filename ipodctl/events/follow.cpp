@@ -1,0 +1,154 @@
+#include "events/follow.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "events/presentation.h"
+#include "output/text.h"
+#include "session/loop.h"
+
+namespace ctl
+{
+namespace
+{
+using ipodkit::Phase;
+
+std::unique_ptr<Presentation> PresentationFor(const Following& following, Output& out, Loop& loop)
+{
+    if (!following.command.empty()) return CommandRuns(loop, following.command);
+    return following.format.empty() ? UsualLines(out) : FormattedLines(out, following.format);
+}
+
+// A service that is not there yet is no failure for those who wait for it.
+ipodkit::Session& KitFor(Session& session, bool wait)
+{
+    try
+    {
+        return session.Ready();
+    }
+    catch (const Failure& failure)
+    {
+        if (!wait || failure.code() != kNoService) throw;
+    }
+    return session.KitWithoutService();
+}
+
+class Follower
+{
+public:
+    Follower(Context& context, const Following& following)
+        : m_context(context),
+          m_following(following),
+          m_presentation(PresentationFor(following, context.out, m_loop)),
+          m_listener([this](const Event& event) { m_loop.Guard([&] { Take(event); }); })
+    {
+        m_loop.EndWithOutput();
+    }
+
+    Answer Run();
+
+private:
+    void Take(const Event& event);
+    bool IsEnough(const Event& event) const;
+    bool HasGoal() const { return m_following.limits.count > 0 || !m_following.limits.until.empty(); }
+    void Judge(const ipodkit::Connection& connection);
+    void Tell(const char* state, const std::string& what);
+    void Begin();
+    void AwaitCommands(Ending ending);
+
+    Context& m_context;
+    const Following& m_following;
+    Loop m_loop;
+    std::unique_ptr<Presentation> m_presentation;
+    EventListener m_listener;
+    int m_seen = 0;
+    bool m_enough = false;
+    Phase m_told = Phase::Ready;
+    std::string m_trouble;
+};
+
+bool Follower::IsEnough(const Event& event) const
+{
+    return m_seen == m_following.limits.count || event.name == m_following.limits.until;
+}
+
+void Follower::Take(const Event& event)
+{
+    m_context.session.FlushLog();
+    const bool wanted = !m_enough && m_following.wanted(event);
+    const bool last = !m_enough && event.name == m_following.limits.until;
+    m_presentation->Take(event, wanted || last);
+    if (!wanted && !last) return;
+    ++m_seen;
+    m_enough = IsEnough(event);
+    if (m_enough) m_loop.Finish();
+}
+
+// For people on standard error; for programs a line of the same kind as the events.
+void Follower::Tell(const char* state, const std::string& what)
+{
+    const Moment now = Moment::Now();
+    if (m_context.out.json() && m_following.command.empty() && m_following.format.empty())
+        return m_context.out.Line({{"time", now.full}, {"event", "service"}, {"state", state}, {"text", what}}, "");
+    m_context.out.Finish();
+    std::fprintf(stderr, "ipodctl: %s  %s\n", now.clock.c_str(), Printable(what).c_str());
+}
+
+void Follower::Begin()
+{
+    if (m_told != Phase::Ready) Tell("ready", "the iPod service is there; following its events");
+    m_told = Phase::Ready;
+    m_presentation->Begin(*m_context.session.Kit().State());
+}
+
+// The first connection is silent; what happens afterwards is told once.
+void Follower::Judge(const ipodkit::Connection& connection)
+{
+    m_context.session.FlushLog();
+    if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus) throw ToFailure(*connection.error);
+    if (connection.phase == Phase::Ready) return Begin();
+    const bool news = connection.phase != m_told && connection.phase != Phase::Connecting;
+    if (connection.error && connection.error->reason != m_trouble) Tell("trouble", connection.error->reason);
+    m_trouble = connection.error ? connection.error->reason : "";
+    if (news && connection.phase == Phase::Lost)
+        Tell("lost", "the iPod service left the bus; waiting for it to come back");
+    if (news && connection.phase == Phase::Absent) Tell("absent", "there is no iPod service yet; waiting for it");
+    if (news) m_told = connection.phase;
+}
+
+// The time that was given is for the events; commands that were started may end.
+void Follower::AwaitCommands(Ending ending)
+{
+    while (ending != Ending::Interrupted && !m_presentation->IsDone()) ending = m_loop.Run(0);
+}
+
+Answer Follower::Run()
+{
+    ipodkit::Session& session = KitFor(m_context.session, m_following.wait);
+    const auto listening = session.Listen("ipodctl", m_listener);
+    const auto watching = session.OnConnection(
+        "ipodctl", [this](const ipodkit::Connection& connection) { m_loop.Guard([&] { Judge(connection); }); });
+    const Limits& limits = m_following.limits;
+    const gint64 end = g_get_monotonic_time() + static_cast<gint64>(limits.seconds * G_USEC_PER_SEC);
+    Ending ending = Ending::Finished;
+    do
+    {
+        const double left = static_cast<double>(end - g_get_monotonic_time()) / G_USEC_PER_SEC;
+        ending = m_loop.Run(limits.seconds > 0 ? std::max(left, 0.001) : 0);
+    } while (ending == Ending::Finished && !m_enough);
+    m_context.out.Finish();
+    AwaitCommands(ending);
+    m_context.session.FlushLog();
+    if (ending != Ending::TimedOut || !HasGoal()) return {};
+    throw Failure(kNothingDone, (limits.until.empty() ? "only " + std::to_string(m_seen) + " of " +
+                                                            std::to_string(limits.count) + " events came"
+                                                      : "no event '" + limits.until + "' came") +
+                                    " within the time; see --timeout");
+}
+}  // namespace
+
+Answer Follow(Context& context, const Following& following)
+{
+    return Follower(context, following).Run();
+}
+}  // namespace ctl

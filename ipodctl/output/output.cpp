@@ -1,0 +1,134 @@
+#include "output/output.h"
+
+#include <glib.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "output/text.h"
+
+namespace ctl
+{
+namespace
+{
+constexpr int kUsualWidth = 80;
+constexpr int kUsualHeight = 24;
+
+bool WantsColour()
+{
+    const char* const noColour = std::getenv("NO_COLOR");
+    const char* const term = std::getenv("TERM");
+    return (noColour == nullptr || *noColour == '\0') && (term == nullptr || std::strcmp(term, "dumb") != 0);
+}
+
+// As the C library would read it, without loading a locale for it.
+bool HasUtf8Locale()
+{
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"})
+    {
+        const char* const value = std::getenv(name);
+        if (value == nullptr || *value == '\0') continue;
+        const std::string locale = Folded(value);
+        return locale.find("utf-8") != std::string::npos || locale.find("utf8") != std::string::npos;
+    }
+    return false;
+}
+
+const char* Code(Colour colour)
+{
+    switch (colour)
+    {
+        case Colour::Bold:
+            return "\033[1m";
+        case Colour::Dim:
+            return "\033[2m";
+        case Colour::Green:
+            return "\033[32m";
+        case Colour::Cyan:
+            return "\033[36m";
+    }
+    return "";
+}
+
+std::string Escaped(gunichar code)
+{
+    char text[8];
+    g_snprintf(text, sizeof(text), "\\u%04x", code);
+    return text;
+}
+}  // namespace
+
+Output::Output(bool json)
+    : m_json(json),
+      m_terminal(isatty(STDOUT_FILENO) == 1),
+      m_colour(m_terminal && !json && WantsColour()),
+      m_utf8(m_terminal && HasUtf8Locale())
+{
+    Measure();
+}
+
+void Output::Measure()
+{
+    if (!m_terminal) return;
+    winsize size{};
+    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
+    m_width = known ? size.ws_col : kUsualWidth;
+    m_height = known ? size.ws_row : kUsualHeight;
+}
+
+std::string Output::Paint(Colour colour, const std::string& text) const
+{
+    return m_colour ? Code(colour) + text + "\033[0m" : text;
+}
+
+void Output::Line(const Json& json, const std::string& text)
+{
+    if (m_json)
+        Text(Dump(json) + "\n");
+    else if (!text.empty())
+        Text(EndTransient() + text + "\n");
+}
+
+void Output::Transient(const std::string& text)
+{
+    m_transient = true;
+    Text("\r\033[K" + text);
+}
+
+void Output::Finish()
+{
+    if (m_transient) Text("\n");
+    m_transient = false;
+}
+
+std::string Output::EndTransient()
+{
+    const bool clear = m_transient;
+    m_transient = false;
+    return clear ? "\r\033[K" : "";
+}
+
+void Output::Raw(const void* data, std::size_t size)
+{
+    if (std::fwrite(data, 1, size, stdout) == size && std::fflush(stdout) == 0) return;
+    if (errno == EPIPE) throw OutputClosed{};
+    throw Failure(kNothingDone, std::string("cannot write to standard output: ") + std::strerror(errno));
+}
+
+// Whatever is unsafe below U+0020 is escaped by the dump itself; the rest can only stand inside its strings.
+std::string Dump(const Json& json)
+{
+    const std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::string safe;
+    for (const char* at = text.c_str(); *at != '\0'; at = g_utf8_next_char(at))
+    {
+        const gunichar code = g_utf8_get_char(at);
+        safe += IsUnsafe(code) ? Escaped(code) : std::string(at, static_cast<const char*>(g_utf8_next_char(at)));
+    }
+    return safe;
+}
+}  // namespace ctl

@@ -1,0 +1,121 @@
+#include "player/level.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <climits>
+#include <optional>
+
+#include "output/failure.h"
+#include "output/text.h"
+#include "player/list.h"
+
+namespace ctl
+{
+namespace
+{
+constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
+
+// Blanks between syllables are a matter of taste.
+std::string FoldedPinyin(const std::string& text)
+{
+    std::string folded = Folded(text);
+    folded.erase(std::remove(folded.begin(), folded.end(), ' '), folded.end());
+    return folded;
+}
+
+// Pinyin is an extra: without it the names stand alone.
+std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pageSize)
+{
+    try
+    {
+        return List(session, ipodkit::ListKind::DatabasePinyin, pageSize).Names(from, end, kNoPage);
+    }
+    catch (const Failure& failure)
+    {
+        if (failure.code() != kNothingDone) throw;
+        return {};
+    }
+}
+
+void AddPinyin(std::vector<Entry>& entries, const std::vector<std::string>& pinyin, bool always)
+{
+    if (pinyin.size() != entries.size()) return;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (always || Folded(pinyin[i]) != Folded(entries[i].name)) entries[i].pinyin = pinyin[i];
+}
+
+void ReadEntries(List& names, int from, int end, Page& page)
+{
+    for (std::string& name : names.Names(from, end, kNoPage))
+        page.entries.push_back({from + static_cast<int>(page.entries.size()), std::move(name), {}});
+}
+
+[[noreturn]] void RefuseAmbiguous(const std::string& name, const std::vector<const Entry*>& found)
+{
+    std::string indices;
+    for (std::size_t i = 0; i < std::min<std::size_t>(found.size(), 3); ++i)
+        indices += (i == 0 ? "" : ", ") + std::to_string(found[i]->index);
+    throw Failure(kUsage, "'" + Printable(name) + "' is the name of several entries (" + indices +
+                              (found.size() > 3 ? ", ..." : "") + "); give the index");
+}
+
+template <class Matches>
+std::optional<Entry> OnlyMatch(const Page& page, const std::string& name, Matches matches)
+{
+    std::vector<const Entry*> found;
+    for (const Entry& entry : page.entries)
+        if (matches(entry)) found.push_back(&entry);
+    if (found.size() > 1) RefuseAmbiguous(name, found);
+    return found.empty() ? std::nullopt : std::optional<Entry>(*found[0]);
+}
+}  // namespace
+
+Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
+{
+    const int pageSize = std::clamp(count, 1, List::kPageSize);
+    List names(session, ipodkit::ListKind::Database, pageSize);
+    Page page;
+    page.amount = names.Count();
+    if (page.amount == 0) page.root = session.Ask(session.Commands().AtRoot());
+    const int end = from + std::clamp(page.amount - from, 0, std::max(0, count));
+    if (end <= from) return page;
+    const ipodkit::PagePtr first = session.Taken(names.PageWith(from), kNoPage);
+    page.folder = first->folders;
+    page.root = first->root;
+    ReadEntries(names, from, end, page);
+    if (pinyin != Pinyin::None)
+        AddPinyin(page.entries, ReadPinyin(session, from, end, pageSize), pinyin == Pinyin::Always);
+    return page;
+}
+
+Entry FindEntry(Session& session, const std::string& text)
+{
+    const std::optional<int> index = ParseIndex(text);
+    if (!index) return FindName(session, text);
+    const Page page = ReadLevel(session, *index, 1, Pinyin::None);
+    CheckIndex(*index, page.amount, "the current level");
+    if (page.entries.empty())
+        throw Failure(kNothingDone, "the service has no entry " + text + " although it counts it");
+    return page.entries.front();
+}
+
+Entry FindName(Session& session, const std::string& name)
+{
+    const Page page = ReadLevel(session, 0, INT_MAX);
+    if (const auto same = OnlyMatch(page, name, [&](const Entry& entry) { return entry.name == name; })) return *same;
+    const std::string folded = Folded(name);
+    const std::string pinyin = FoldedPinyin(name);
+    const auto similar = [&](const Entry& entry)
+    { return Folded(entry.name) == folded || (!entry.pinyin.empty() && FoldedPinyin(entry.pinyin) == pinyin); };
+    if (const auto found = OnlyMatch(page, name, similar)) return *found;
+    throw Failure(kUsage, "no '" + Printable(name) + "' in the current level; ipodctl ls --all shows what there is");
+}
+
+void CheckIndex(int index, int amount, const std::string& what)
+{
+    if (index >= 0 && index < amount) return;
+    const std::string range = amount > 0 ? "has 0 to " + std::to_string(amount - 1) : "is empty";
+    throw Failure(kUsage, "index " + std::to_string(index) + " is out of range: " + what + " " + range);
+}
+}  // namespace ctl

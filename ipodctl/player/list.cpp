@@ -1,0 +1,52 @@
+#include "player/list.h"
+
+#include <algorithm>
+
+namespace ctl
+{
+namespace
+{
+ipodkit::PagerOptions OptionsFor(int pageSize)
+{
+    ipodkit::PagerOptions options;
+    options.pageSize = pageSize;
+    options.cachedPages = 2;
+    options.prefetch = 0;
+    return options;
+}
+}  // namespace
+
+List::List(Session& session, ipodkit::ListKind kind, int pageSize)
+    : m_session(session), m_pager(session.Ready(), kind, OptionsFor(pageSize))
+{
+}
+
+int List::Count()
+{
+    const auto start = [this](const Session::Completion<int>& completion) { m_pager.Count(completion); };
+    return m_session.Taken(m_session.Await<int>(start));
+}
+
+ipodkit::Result<ipodkit::PagePtr> List::PageWith(int index)
+{
+    const auto start = [this, index](const Session::Completion<ipodkit::PagePtr>& completion)
+    { m_pager.At(index, completion); };
+    return m_session.Await<ipodkit::PagePtr>(start);
+}
+
+std::vector<std::string> List::Names(int first, int end, const char* refusal)
+{
+    std::vector<std::string> names;
+    for (int next = first; next < end;)
+    {
+        const ipodkit::PagePtr page = m_session.Taken(PageWith(next), refusal);
+        const auto skipped = static_cast<std::size_t>(next - page->first);
+        if (skipped >= page->names.size()) break;
+        const auto taken = std::min(static_cast<std::size_t>(end - next), page->names.size() - skipped);
+        const auto begin = page->names.begin() + static_cast<std::ptrdiff_t>(skipped);
+        names.insert(names.end(), begin, begin + static_cast<std::ptrdiff_t>(taken));
+        next += static_cast<int>(taken);
+    }
+    return names;
+}
+}  // namespace ctl

@@ -1,0 +1,58 @@
+#include "player/playing.h"
+
+#include <algorithm>
+
+#include "output/failure.h"
+#include "output/names.h"
+#include "player/track.h"
+
+namespace ctl
+{
+Playing ReadPlaying(Session& session)
+{
+    const ipodkit::Commands commands = session.Commands();
+    const ipodkit::PlayPosition at = session.Ask(commands.Position());
+    return {session.Ask(commands.PlayStatus()),
+            at.position,
+            at.duration,
+            session.Ask(commands.PlayingIndex()),
+            session.Ask(commands.PlayingCount()),
+            session.Ask(commands.CurrentTrack())};
+}
+
+Json PlayingJson(const Playing& playing)
+{
+    return {{"state", PlayStatusName(playing.state)},
+            {"position_ms", playing.position},
+            {"length_ms", playing.length},
+            {"index", playing.index},
+            {"count", std::max(0, playing.amount)},
+            {"track", IsEmpty(playing.track) ? Json() : TrackJson(playing.track)}};
+}
+
+std::string PlayingLine(const Playing& playing)
+{
+    const std::string state = PlayStatusName(playing.state);
+    return IsEmpty(playing.track) ? state : state + ": " + TrackLine(playing.track);
+}
+
+Answer NowPlaying(Session& session, const char* verb)
+{
+    const Playing playing = ReadPlaying(session);
+    Json json{{"verb", verb}};
+    json.update(PlayingJson(playing));
+    return {json, PlayingLine(playing)};
+}
+
+void RefuseNothingLoaded()
+{
+    throw Failure(kNothingDone, "nothing is loaded; start with ipodctl play INDEX");
+}
+
+Playing RequireTrack(Session& session)
+{
+    Playing playing = ReadPlaying(session);
+    if (playing.index < 0 || IsEmpty(playing.track)) RefuseNothingLoaded();
+    return playing;
+}
+}  // namespace ctl

@@ -1,0 +1,36 @@
+/// @file
+/// What the device is playing, asked for in one go.
+#pragma once
+
+#include "output/output.h"
+#include "session/session.h"
+
+namespace ctl
+{
+struct Playing
+{
+    int state;
+    int position;  ///< milliseconds
+    int length;    ///< milliseconds
+    int index;     ///< within the playing list, -1 for none
+    int amount;    ///< entries of the playing list
+    QBXiPodTrackInfo track;
+};
+
+Playing ReadPlaying(Session& session);
+
+Json PlayingJson(const Playing& playing);
+
+/// "playing: Title - Artist", or "stopped".
+std::string PlayingLine(const Playing& playing);
+
+/// The answer of a verb that changed what is playing: what it is now.
+Answer NowPlaying(Session& session, const char* verb);
+
+/// @throws Failure  kNothingDone
+[[noreturn]] void RefuseNothingLoaded();
+
+/// Makes sure that something is loaded that a command could act on.
+/// @throws Failure  kNothingDone
+Playing RequireTrack(Session& session);
+}  // namespace ctl

@@ -1,0 +1,70 @@
+#include "player/status.h"
+
+#include "output/names.h"
+#include "picture/picture.h"
+#include "player/phone.h"
+#include "player/track.h"
+
+namespace ctl
+{
+namespace
+{
+template <class T>
+Json Named(const std::optional<T>& value, std::string (*nameOf)(int))
+{
+    return value ? Json(nameOf(*value)) : Json();
+}
+
+Json PictureJson(const ipodkit::PicturePtr& picture)
+{
+    if (picture == nullptr) return {};
+    return {{"type", Sniff(picture->bytes).mime},
+            {"bytes", picture->bytes.size()},
+            {"width", picture->width},
+            {"height", picture->height}};
+}
+
+Json CallsJson(const ipodkit::PlayerState& state)
+{
+    Json calls = Json::array();
+    for (const auto& [uuid, call] : state.calls) calls.push_back(CallJson(call));
+    return calls;
+}
+
+Json NearJson(const Status& status)
+{
+    Json near = Json::array();
+    for (std::size_t i = 0; i < status.near.size(); ++i)
+        near.push_back({{"index", status.firstNear + static_cast<int>(i)}, {"name", status.near[i]}});
+    return near;
+}
+}  // namespace
+
+bool HasTrack(const Status& status)
+{
+    return status.state->track && !IsEmpty(*status.state->track);
+}
+
+Json StatusJson(const Status& status)
+{
+    const ipodkit::PlayerState& state = *status.state;
+    Json json{{"state", Named(state.status, PlayStatusName)},
+              {"position_ms", status.position},
+              {"length_ms", status.length},
+              {"index", state.trackIndex.value_or(-1)},
+              {"count", state.queueSize.value_or(0)},
+              {"track", HasTrack(status) ? TrackJson(*state.track) : Json()},
+              {"shuffle", Named(state.shuffle, ShuffleName)},
+              {"repeat", Named(state.repeat, RepeatName)},
+              {"devices", state.deviceCount.value_or(0)}};
+    json["device"] = state.deviceName ? Json(*state.deviceName) : Json();
+    json["app"] = state.foregroundApp && !state.foregroundApp->empty() ? Json(*state.foregroundApp) : Json();
+    json["carplay"] = state.carPlay ? Json(DetectName(state.carPlay->status)) : Json();
+    json["carlife"] = Named(state.carLife, DetectName);
+    json["picture"] = PictureJson(state.artwork);
+    json["battery"] = BatteryJson(state.battery);
+    json["calls"] = CallsJson(state);
+    json["queue"] = NearJson(status);
+    return json;
+}
+}  // namespace ctl

@@ -1,0 +1,41 @@
+#include <algorithm>
+
+#include "player/list.h"
+#include "player/status.h"
+
+namespace ctl
+{
+namespace
+{
+// The list may change while it is read, or the service go: then it is not shown this once.
+std::vector<std::string> ReadNear(Session& session, int first, int end)
+{
+    try
+    {
+        return List(session, ipodkit::ListKind::Playing, std::max(1, end)).Names(first, end, nullptr);
+    }
+    catch (const Failure&)
+    {
+        return {};
+    }
+}
+}  // namespace
+
+Status ReadStatus(Session& session, int near)
+{
+    Status status;
+    status.state = session.Ready().State();
+    const ipodkit::PlayerState& state = *status.state;
+    if (state.position)
+    {
+        status.position = static_cast<int>(state.position->At(std::chrono::steady_clock::now()).count());
+        status.length = static_cast<int>(state.position->duration.count());
+    }
+    const int playing = state.trackIndex.value_or(-1);
+    const int amount = state.queueSize.value_or(0);
+    if (near <= 0 || playing < 0 || playing >= amount) return status;
+    status.firstNear = std::max(0, playing - near);
+    status.near = ReadNear(session, status.firstNear, std::min(amount, playing + near + 1));
+    return status;
+}
+}  // namespace ctl

@@ -1,0 +1,187 @@
+#include "screen/status_screen.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "output/names.h"
+#include "output/progress_bar.h"
+#include "output/table.h"
+#include "output/text.h"
+#include "picture/columns.h"
+#include "picture/drawing.h"
+#include "player/phone.h"
+#include "player/track.h"
+
+namespace ctl
+{
+namespace
+{
+constexpr int kUsualWidth = 80;
+constexpr int kLeastForText = 36;
+constexpr int kLeastForArt = 8;
+constexpr int kMostForArt = 12;
+
+struct Line
+{
+    int importance;  ///< the smaller the later it is left out
+    std::string text;
+};
+
+std::string NameOr(const std::optional<int>& value, std::string (*nameOf)(int))
+{
+    return value ? nameOf(*value) : "unknown";
+}
+
+template <class T>
+std::optional<int> Number(const std::optional<T>& value)
+{
+    return value ? std::optional<int>(*value) : std::nullopt;
+}
+
+std::string QueueText(const ipodkit::PlayerState& state)
+{
+    const int amount = state.queueSize.value_or(0);
+    const int index = state.trackIndex.value_or(-1);
+    if (index < 0) return "queue " + Count(amount, "entry", "entries");
+    return "queue " + std::to_string(std::int64_t{index} + 1) + " of " + std::to_string(amount);
+}
+
+std::string ModesLine(const ipodkit::PlayerState& state, const Output& out, int width)
+{
+    const std::string word = NameOr(Number(state.status), PlayStatusName);
+    const std::string line = Fitting({word, "shuffle " + NameOr(Number(state.shuffle), ShuffleName),
+                                      "repeat " + NameOr(Number(state.repeat), RepeatName), QueueText(state),
+                                      Count(state.deviceCount.value_or(0), "device", "devices")},
+                                     width);
+    return out.Paint(Colour::Green, word) + line.substr(word.size());
+}
+
+std::string BatteryText(const iPodBattery_t& battery)
+{
+    std::string text;
+    if (battery.BatteryChargeLevel) text += " " + std::to_string(*battery.BatteryChargeLevel) + " %";
+    if (battery.BatteryChargingStatus) text += " " + ChargingName(*battery.BatteryChargingStatus);
+    return text.empty() ? "" : "battery" + text;
+}
+
+std::string CallText(const iPodPhoneCall_t& call)
+{
+    const std::string who = Printable(call.DisplayName.value_or(call.RemoteID.value_or("unknown")));
+    return "call " + who + (call.Status ? " " + CallStatusName(*call.Status) : "");
+}
+
+Lines DeviceParts(const ipodkit::PlayerState& state)
+{
+    Lines parts;
+    if (state.deviceCount.value_or(0) > 0) parts.push_back(Printable(state.deviceName.value_or("")));
+    parts.push_back(BatteryText(state.battery));
+    for (const auto& [uuid, call] : state.calls) parts.push_back(CallText(call));
+    if (state.carPlay && state.carPlay->status == APPLE_DEVICE_DETECTED) parts.emplace_back("CarPlay");
+    if (state.carLife == APPLE_DEVICE_DETECTED) parts.emplace_back("CarLife");
+    if (state.foregroundApp) parts.push_back(Printable(*state.foregroundApp));
+    return parts;
+}
+
+void AddTrack(std::vector<Line>& lines, const Status& status, const Output& out, int width)
+{
+    const QBXiPodTrackInfo& track = *status.state->track;
+    const std::string artist = Printable(track.text2);
+    const std::string album = Printable(track.text3);
+    const std::string title = track.text1.empty() ? "(no title)" : Printable(track.text1);
+    const std::string below = artist + (artist.empty() || album.empty() ? "" : " - ") + album;
+    lines.push_back({0, out.Paint(Colour::Bold, Cut(title, width))});
+    if (!below.empty()) lines.push_back({3, Cut(below, width)});
+    const std::string times = Clock(status.position) + " / " + Clock(status.length);
+    const int room = std::min(width, kUsualWidth) - Width(times) - 1;
+    const std::string bar = ProgressBar(status.position, status.length, room, out.utf8());
+    lines.push_back({2, out.Paint(Colour::Cyan, bar) + " " + Cut(times, width)});
+}
+
+void AddQueue(std::vector<Line>& lines, const Status& status, const Output& out, int width)
+{
+    const int digits = Width(std::to_string(status.firstNear + static_cast<int>(status.near.size())));
+    for (std::size_t i = 0; i < status.near.size(); ++i)
+    {
+        const int index = status.firstNear + static_cast<int>(i);
+        const bool playing = index == status.state->trackIndex;
+        const std::string entry = PadLeft(std::to_string(index), digits) + "  " + Printable(status.near[i]);
+        const std::string line = Cut((playing ? "> " : "  ") + entry, width);
+        lines.push_back({playing ? 5 : 6, out.Paint(playing ? Colour::Bold : Colour::Dim, line)});
+    }
+}
+
+std::vector<Line> AllLines(const Status& status, const Output& out, int width)
+{
+    std::vector<Line> lines;
+    if (HasTrack(status)) AddTrack(lines, status, out, width);
+    lines.push_back({1, ModesLine(*status.state, out, width)});
+    const std::string device = Fitting(DeviceParts(*status.state), width);
+    if (!device.empty()) lines.push_back({4, Cut(device, width)});
+    AddQueue(lines, status, out, width);
+    return lines;
+}
+
+// The least important ones go, the last of them first.
+Lines FittingRows(std::vector<Line> lines, int rows)
+{
+    while (static_cast<int>(lines.size()) > std::max(1, rows))
+    {
+        const auto least = std::max_element(lines.rbegin(), lines.rend(),
+                                            [](const Line& a, const Line& b) { return a.importance < b.importance; });
+        lines.erase(std::next(least).base());
+    }
+    Lines texts;
+    for (Line& line : lines) texts.push_back(std::move(line.text));
+    return texts;
+}
+
+bool WantsArt(const Output& out, Art art)
+{
+    return art == Art::Always || (art == Art::OnTerminal && out.terminal() && !out.json());
+}
+
+// Left of the text, which keeps the room that it needs.
+Drawing DrawArt(const Status& status, const Output& out, Art art, int rows)
+{
+    const ipodkit::PicturePtr& picture = status.state->artwork;
+    const int height = std::min(rows, kMostForArt);
+    const int width = std::min(out.width(), kUsualWidth) - kLeastForText;
+    if (picture == nullptr || !WantsArt(out, art) || height < kLeastForArt || width < kLeastForArt) return {};
+    const Palette palette = out.colour() ? PaletteOfTerminal() : Palette::None;
+    return Draw(picture->bytes, std::min(width, 2 * kMostForArt), height, palette, out.terminal() && !out.utf8());
+}
+
+int WidthBeside(const Drawing& drawing, const Output& out)
+{
+    return drawing.lines.empty() ? out.width() : out.width() - drawing.width - 2;
+}
+}  // namespace
+
+std::string StatusText(const Status& status, const Output& out, Art art)
+{
+    const int rows = out.height() - 1;
+    const Drawing drawing = DrawArt(status, out, art, rows);
+    const Lines lines = FittingRows(AllLines(status, out, WidthBeside(drawing, out)), rows);
+    return Joined(Beside(drawing, lines));
+}
+
+std::string InfoText(const Status& status, const Output& out, Art art)
+{
+    const Drawing drawing = DrawArt(status, out, art, out.height() - 1);
+    const QBXiPodTrackInfo& track = *status.state->track;
+    const ipodkit::PicturePtr& picture = status.state->artwork;
+    const std::string about = picture == nullptr ? std::string(track.value4 == 1 ? "yes" : "no")
+                                                 : PictureLine(picture->bytes, picture->width, picture->height);
+    const std::string table = Table({{"title", Printable(track.text1)},
+                                     {"artist", Printable(track.text2)},
+                                     {"album", Printable(track.text3)},
+                                     {"genre", Printable(track.text4)},
+                                     {"length", Clock(track.value1)},
+                                     {"number", track.value2 > 0 ? std::to_string(track.value2) : "unknown"},
+                                     {"queue", std::to_string(std::int64_t{status.state->trackIndex.value_or(-1)} + 1) +
+                                                   " of " + std::to_string(status.state->queueSize.value_or(0))},
+                                     {"picture", about}},
+                                    WidthBeside(drawing, out));
+    return Joined(Beside(drawing, Split(table)));
+}
+}  // namespace ctl

@@ -1,0 +1,78 @@
+#include "session/loop.h"
+
+#include <glib-unix.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <utility>
+
+#include "output/output.h"
+
+namespace ctl
+{
+Loop::Loop()
+    : m_loop(g_main_loop_new(nullptr, FALSE)),
+      m_sources{g_unix_signal_add(SIGINT, &Loop::OnSignal, this), g_unix_signal_add(SIGTERM, &Loop::OnSignal, this)}
+{
+}
+
+Loop::~Loop()
+{
+    for (const guint source : m_sources) g_source_remove(source);
+    g_main_loop_unref(m_loop);
+}
+
+Ending Loop::Run(double seconds)
+{
+    const guint timer = seconds > 0 ? g_timeout_add(static_cast<guint>(seconds * 1000), &Loop::OnTimeout, this) : 0;
+    m_ending = Ending::Finished;
+    if (m_thrown == nullptr) g_main_loop_run(m_loop);
+    if (timer != 0) g_source_remove(timer);
+    if (m_thrown != nullptr) std::rethrow_exception(std::exchange(m_thrown, nullptr));
+    return m_ending;
+}
+
+void Loop::EndWithOutput()
+{
+    const auto closed = static_cast<GIOCondition>(G_IO_ERR | G_IO_HUP);
+    m_sources.push_back(g_unix_fd_add(STDOUT_FILENO, closed, &Loop::OnOutputClosed, this));
+}
+
+void Loop::Guard(const std::function<void()>& function)
+{
+    try
+    {
+        if (m_thrown == nullptr) function();
+    }
+    catch (...)
+    {
+        m_thrown = std::current_exception();
+        g_main_loop_quit(m_loop);
+    }
+}
+
+// Whoever wants it to end is heard, whatever else happens in the same moment.
+void Loop::End(Ending ending)
+{
+    if (m_ending != Ending::Interrupted) m_ending = ending;
+    g_main_loop_quit(m_loop);
+}
+
+gboolean Loop::OnSignal(gpointer loop)
+{
+    static_cast<Loop*>(loop)->End(Ending::Interrupted);
+    return G_SOURCE_CONTINUE;
+}
+
+gboolean Loop::OnTimeout(gpointer loop)
+{
+    static_cast<Loop*>(loop)->End(Ending::TimedOut);
+    return G_SOURCE_CONTINUE;
+}
+
+gboolean Loop::OnOutputClosed(gint, GIOCondition, gpointer loop)
+{
+    static_cast<Loop*>(loop)->Guard([] { throw OutputClosed{}; });
+    return G_SOURCE_CONTINUE;
+}
+}  // namespace ctl

@@ -1,0 +1,127 @@
+/// @file
+/// The connection to the service: checks the bus first, so that every way of not reaching the service has its own exit
+/// code; then the companion's session, and calls whose failure ends the run.
+#pragma once
+
+#include <IQBXIpodPlayer.h>
+#include <gio/gio.h>
+#include <ipodkit/session.h>
+
+#include <functional>
+#include <type_traits>
+
+#include "session/library_log.h"
+#include "session/loop.h"
+#include "session/service_error.h"
+
+namespace ctl
+{
+struct Settings
+{
+    bool verbose = false;
+    double deadline = 10;  ///< seconds that the service may take for an answer
+};
+
+class Session
+{
+public:
+    template <class T>
+    using Completion = std::function<void(ipodkit::Result<T>)>;
+
+    /// Connects to nothing yet: the first use does, so that a wrong argument is told without a service.
+    explicit Session(const Settings& settings) : m_settings(settings), m_log(settings.verbose) {}
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Makes a request and hands its result over.
+    ///
+    /// @param refusal  what to say when the service refuses; null: its own words
+    /// @throws Failure  when it failed
+    template <class T>
+    T Ask(ipodkit::Request<T> request, const char* refusal = nullptr)
+    {
+        return Taken(std::move(request).Wait(), refusal);
+    }
+
+    /// Makes one call of the core's player, `call(player)`, and hands its result over.
+    /// @throws Failure  when the call failed: its value would mean nothing
+    template <class Call, class T = std::invoke_result_t<Call, IQBXIpodPlayer&>>
+    T Ask(Call call)
+    {
+        T result = call(Player());
+        CheckCall();
+        return result;
+    }
+
+    /// Starts something that the companion completes in the main loop, and waits for it.
+    /// @throws Interrupted
+    template <class T>
+    ipodkit::Result<T> Await(const std::function<void(Completion<T>)>& start)
+    {
+        const auto result = std::make_shared<std::optional<ipodkit::Result<T>>>();
+        Loop loop;
+        const std::weak_ptr<std::optional<ipodkit::Result<T>>> place = result;
+        start(
+            [place, &loop](ipodkit::Result<T> completed)
+            {
+                const auto waiting = place.lock();
+                if (waiting == nullptr) return;
+                *waiting = std::move(completed);
+                loop.Finish();
+            });
+        if (!*result && loop.Run(0) == Ending::Interrupted) throw Interrupted{};
+        FlushLog();
+        return **result;
+    }
+
+    /// The value of a result.
+    /// @throws Failure  when there is none
+    template <class T>
+    T Taken(ipodkit::Result<T> result, const char* refusal = nullptr)
+    {
+        FlushLog();
+        if (!result) throw ToFailure(AsLost(result.error()), refusal);
+        if constexpr (!std::is_void_v<T>) return std::move(*result);
+    }
+
+    /// What can be asked before the session is ready.
+    /// @throws Failure  when there is no bus or no service
+    ipodkit::Commands Commands() { return Kit().Commands(); }
+
+    /// The companion's session, whatever the service is doing.
+    /// @throws Failure  when there is no bus or no service
+    ipodkit::Session& Kit();
+
+    /// The same when the service may come later.
+    ipodkit::Session& KitWithoutService();
+
+    /// The same, once it knows the state of the player and has the shared memory.
+    /// @throws Failure  when it does not come to that
+    ipodkit::Session& Ready();
+
+    /// The core's player, connected.
+    /// @throws Failure  with the code that says why there is none
+    IQBXIpodPlayer& Player();
+
+    /// The session bus that the library uses.
+    GDBusConnection* Bus();
+
+    /// Passes on what the library has logged meanwhile.
+    void FlushLog() { m_log.TakeFailure(); }
+
+private:
+    // Looks at the log after a call, before its value is used.
+    void CheckCall();
+    bool IsServiceThere();
+    void StartService();
+    void AwaitReady();
+    ipodkit::Error AsLost(const ipodkit::Error& error) const;
+
+    Settings m_settings;
+    LibraryLog m_log;
+    GDBusConnection* m_bus = nullptr;
+    std::unique_ptr<ipodkit::Session> m_kit;
+    bool m_ready = false;
+};
+}  // namespace ctl

@@ -1,0 +1,56 @@
+// The picture of the playing track.
+#include "output/file.h"
+#include "output/text.h"
+#include "picture/picture.h"
+#include "player/track.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+// The core's call, because the answer tells what the service says of the picture, too.
+QBXTrackArtwork ReadArtwork(Session& session)
+{
+    QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
+    if (artwork.word1 != 0 || artwork.image.empty()) throw Failure(kNothingDone, "the playing track has no picture");
+    return artwork;
+}
+
+Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
+{
+    if (out.terminal()) throw Failure(kUsage, "a picture does not go to a terminal; redirect it, or give a file");
+    out.Raw(artwork.image.data(), artwork.image.size());
+    return {};
+}
+
+Answer Save(Context& context, const std::string& file)
+{
+    const QBXTrackArtwork artwork = ReadArtwork(context.session);
+    if (file == "-") return WriteOut(context.out, artwork);
+    const std::string path = FileIn(file, "artwork", Sniff(artwork.image).extension);
+    WriteFile(path, artwork.image);
+    Json json{{"verb", "art"}, {"file", path}};
+    json.update(ArtworkJson(artwork));
+    return {json, Printable(path) + ": " + ArtworkLine(artwork)};
+}
+
+Run BuildArt(CLI::App& app)
+{
+    const auto file = Argument<std::string>("artwork");
+    auto* const place = app.add_option(
+        "file", *file,
+        "File to write, - for standard output. A folder gets a file \"artwork\"; the extension of the picture's type "
+        "is added to a name that has none");
+    app.add_option("--out", *file, "The same as file")->excludes(place);
+    return [file](Context& context) { return Save(context, *file); };
+}
+}  // namespace
+
+std::vector<Verb> ArtVerbs()
+{
+    return {{"art", "Write the picture of the playing track to a file (\"artwork\" when none is given)",
+             "ipodctl art\nipodctl art /tmp/cover\nipodctl art --out ~/Pictures/\nipodctl art - | sha256sum",
+             BuildArt}};
+}
+}  // namespace ctl

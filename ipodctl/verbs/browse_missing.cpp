@@ -1,0 +1,20 @@
+// The verb of a build without the browser.
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+std::vector<Verb> BrowserVerbs()
+{
+    const auto build = [](CLI::App&) -> Run
+    {
+        return [](Context&) -> Answer
+        {
+            throw Failure(kUsage,
+                          "this ipodctl was built without the browser, which needs ncurses and ipodkit; "
+                          "ipodctl ls and ipodctl cd walk through the database too");
+        };
+    };
+    return {
+        {"browse", "Walk through the music database on the whole screen; not in this build", "ipodctl browse", build}};
+}
+}  // namespace ctl

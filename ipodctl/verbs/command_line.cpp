@@ -1,0 +1,96 @@
+#include "verbs/command_line.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "output/text.h"
+
+namespace ctl
+{
+namespace
+{
+std::string Footer(const char* examples)
+{
+    std::istringstream lines(examples);
+    std::string text = "Examples:";
+    for (std::string line; std::getline(lines, line);) text += "\n  " + line;
+    return text;
+}
+
+struct Choice
+{
+    const CLI::App* app;
+    Run run;
+};
+
+Choice Add(CLI::App& app, const Verb& verb)
+{
+    CLI::App* const added = app.add_subcommand(verb.name, verb.summary);
+    added->fallthrough();
+    added->footer(Footer(verb.examples));
+    return {added, verb.build(*added)};
+}
+
+bool IsVerb(const std::vector<Verb>& verbs, const std::string& word)
+{
+    return std::any_of(verbs.begin(), verbs.end(), [&](const Verb& verb) { return verb.name == word; });
+}
+
+bool IsBackward(const std::string& argument)
+{
+    return argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9';
+}
+
+// The first word that is neither an option nor the value of the one option before the verb that has a value.
+std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
+{
+    const auto isWord = [](const std::string& argument) { return argument.empty() || argument[0] != '-'; };
+    auto found = std::find_if(arguments.begin(), arguments.end(), isWord);
+    while (found != arguments.end() && found != arguments.begin() && *std::prev(found) == "--deadline")
+        found = std::find_if(std::next(found), arguments.end(), isWord);
+    return found;
+}
+
+// The parser takes "-10" for an option.
+void SpellOutBackward(std::vector<std::string>& arguments)
+{
+    for (std::string& argument : arguments)
+        if (IsBackward(argument)) argument = "--back=" + argument.substr(1);
+}
+}  // namespace
+
+CLI::Validator WholeNumber(int least)
+{
+    const auto check = [least](const std::string& text)
+    {
+        const std::optional<int> number = ParseIndex(text);
+        if (number && *number >= least) return std::string();
+        return "'" + Printable(text) + "' is no whole number from " + std::to_string(least) + " on";
+    };
+    return {check, "N"};
+}
+
+Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
+{
+    app.require_subcommand(1);
+    std::vector<Choice> choices;
+    for (const Verb& verb : verbs) choices.push_back(Add(app, verb));
+    return [choices](Context& context)
+    {
+        const auto chosen =
+            std::find_if(choices.begin(), choices.end(), [](const Choice& choice) { return choice.app->parsed(); });
+        return chosen->run(context);
+    };
+}
+
+std::vector<std::string> ToParse(int argc, char** argv, const std::vector<Verb>& verbs)
+{
+    std::vector<std::string> arguments(argv + std::min(1, argc), argv + argc);
+    const auto verb = FindVerb(arguments);
+    if (verb != arguments.end() && !IsVerb(verbs, *verb))
+        throw Failure(kUsage, "unknown verb '" + Printable(*verb) + "'; ipodctl --help lists them");
+    if (verb != arguments.end() && *verb == "seek") SpellOutBackward(arguments);
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+}  // namespace ctl

@@ -1,0 +1,128 @@
+// Devices: those attached, what was detected of them, and their buttons.
+#include <algorithm>
+
+#include "output/names.h"
+#include "output/table.h"
+#include "output/text.h"
+#include "player/level.h"
+#include "player/list.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+std::vector<std::string> ReadDevices(Session& session)
+{
+    List devices(session, ipodkit::ListKind::Devices);
+    return devices.Names(0, devices.Count(), "the service has no list of its devices");
+}
+
+Answer ShowDevices(Context& context, bool namesOnly)
+{
+    const std::vector<std::string> names = ReadDevices(context.session);
+    Json devices = Json::array();
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t i = 0; i < names.size(); ++i)
+    {
+        devices.push_back({{"index", i}, {"name", names[i]}});
+        const std::string name = Printable(names[i]);
+        rows.push_back(namesOnly ? std::vector<std::string>{name} : std::vector<std::string>{std::to_string(i), name});
+    }
+    const std::string none = context.out.terminal() ? "no device is attached" : "";
+    return {{{"verb", "devices"}, {"devices", devices}}, rows.empty() ? none : Table(rows, context.out.width())};
+}
+
+Answer EnterDevice(Session& session, int index)
+{
+    const std::vector<std::string> names = ReadDevices(session);
+    CheckIndex(index, static_cast<int>(names.size()), "the device list");
+    session.Ask(session.Commands().EnterDevice(index), "the service did not enter the device; see ipodctl devices");
+    const std::string& name = names[static_cast<std::size_t>(index)];
+    return {{{"verb", "devices"}, {"entered", {{"index", index}, {"name", name}}}}, "entered " + Printable(name)};
+}
+
+Run BuildDevices(CLI::App& app)
+{
+    const auto index = Argument<std::optional<int>>();
+    const auto names = Argument<bool>();
+    auto* const entered = app.add_option("index", *index, "Device to browse; without it, the devices are shown");
+    entered->check(WholeNumber(0));
+    app.add_flag("--names", *names, "One name per line and nothing else, for scripts")->excludes(entered);
+    return [index, names](Context& context)
+    { return *index ? EnterDevice(context.session, **index) : ShowDevices(context, *names); };
+}
+
+Answer Detected(const char* verb, int status)
+{
+    return {{{"verb", verb}, {"status", DetectName(status)}}, std::string(verb) + " device " + DetectName(status)};
+}
+
+Run BuildCarPlay(CLI::App&)
+{
+    return [](Context& context)
+    {
+        const ipodkit::CarPlayDevice device = context.session.Ask(context.session.Commands().CarPlayStatus());
+        Answer answer = Detected("carplay", device.status);
+        answer.json["serial"] = device.serialNumber;
+        return answer;
+    };
+}
+
+Run BuildCarLife(CLI::App&)
+{
+    return [](Context& context)
+    { return Detected("carlife", context.session.Ask(context.session.Commands().CarLifeStatus())); };
+}
+
+struct Button
+{
+    std::uint32_t number = 0;
+    std::uint32_t heldFor = 0;
+};
+
+void SetButton(Session& session, const Button& button, std::uint32_t pressed)
+{
+    const iPodPlayerButtonControl control{button.number, pressed, pressed == 0 ? button.heldFor : 0};
+    const std::string refusal = "the device did not take button " + std::to_string(button.number);
+    session.Ask(session.Commands().PressButton(control), refusal.c_str());
+}
+
+Run BuildButton(CLI::App& app)
+{
+    const auto button = Argument<Button>();
+    app.add_option("number", button->number, "Number of the button")->required();
+    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as it is told to the device");
+    return [button](Context& context) -> Answer
+    {
+        SetButton(context.session, *button, 1);
+        SetButton(context.session, *button, 0);
+        return {{{"verb", "button"}, {"number", button->number}, {"held_ms", button->heldFor}},
+                "button " + std::to_string(button->number) + " pressed and released"};
+    };
+}
+
+Run BuildHub(CLI::App& app)
+{
+    const auto mode = Argument<int>();
+    app.add_option("mode", *mode, "Test mode, 0 ends it")->required()->check(CLI::Range(0, 255));
+    return [mode](Context& context) -> Answer
+    {
+        context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));
+        return {{{"verb", "hub"}, {"mode", *mode}}, "hub test mode " + std::to_string(*mode) + " sent"};
+    };
+}
+}  // namespace
+
+std::vector<Verb> DeviceVerbs()
+{
+    return {{"devices", "Show the attached devices, or choose the one to browse", "ipodctl devices\nipodctl devices 1",
+             BuildDevices},
+            {"carplay", "Show whether a CarPlay device is detected", "ipodctl carplay", BuildCarPlay},
+            {"carlife", "Show whether a CarLife device is detected", "ipodctl carlife", BuildCarLife},
+            {"button", "Press and release a button of the accessory remote control", "ipodctl button 1 --held 500",
+             BuildButton},
+            {"hub", "Set the electrical test mode of the USB hub; for production and service only", "ipodctl hub 0",
+             BuildHub}};
+}
+}  // namespace ctl

@@ -1,0 +1,169 @@
+// What is wrong around the library, and what to do: bus, service, segments. Nothing is created or changed.
+#include <QBXIpodShareMemory.h>
+#include <gio/gio.h>
+#include <ipod_dbus.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "output/text.h"
+#include "segments/segment_plan.h"
+#include "segments/segment_probe.h"
+#include "session/bus_daemon.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+constexpr char kServiceName[] = "com.zarn.linux.ipod";
+
+struct Finding
+{
+    const char* what;
+    ExitCode code;  ///< kDone: well; kNothingDone: a warning; else what a verb would end with
+    std::string text;
+    std::string advice;
+};
+
+std::string Described(const SegmentObject& object)
+{
+    char mode[8];
+    std::snprintf(mode, sizeof(mode), "%04o", static_cast<unsigned>(object.mode));
+    return std::to_string(object.size) + " bytes, mode " + mode + ", owner " + std::to_string(object.owner);
+}
+
+Finding ExamineSegment(const SegmentPlan& plan)
+{
+    const SegmentObject object = LookAt(plan.name);
+    const std::string remove = std::string("stop service and applications, remove /dev/shm/") + plan.name;
+    if (!object.exists)
+        return {plan.what, kNothingDone, "not there", "whoever starts first makes it: start the service"};
+    if (!object.isMemory) return {plan.what, kNoSegments, "no shared memory stands under its name", remove};
+    const std::string description = Described(object);
+    if (object.owner != geteuid())
+        return {plan.what, kNoSegments, description, "run service and applications under one user"};
+    const std::string wrong = Probe(plan.name, plan.lists, plan.buffers);
+    if (!wrong.empty()) return {plan.what, kNoSegments, description + "; " + wrong, remove};
+    if (object.mode != 0644 || object.size != plan.size)
+        return {plan.what, kNothingDone, description,
+                "mode 0644 and " + std::to_string(plan.size) + " bytes are usual"};
+    return {plan.what, kDone,
+            description + ", " + std::to_string(plan.lists.size() + plan.buffers.size()) + " vectors, lock free", ""};
+}
+
+bool IsActivatable(GDBusConnection* bus)
+{
+    GVariant* const reply = AskBus(bus, "ListActivatableNames", nullptr);
+    if (reply == nullptr) return false;
+    const gchar** names = nullptr;
+    g_variant_get(reply, "(^a&s)", &names);
+    const bool found = g_strv_contains(names, kServiceName);
+    g_free(names);
+    g_variant_unref(reply);
+    return found;
+}
+
+Finding ExamineService(GDBusConnection* bus)
+{
+    GVariant* const reply = AskBus(bus, "GetNameOwner", g_variant_new("(s)", kServiceName));
+    if (reply == nullptr)
+        return {"service", kNoService, std::string("nobody owns ") + kServiceName,
+                "start the service, or ipod-simulator"};
+    const gchar* name = nullptr;
+    g_variant_get(reply, "(&s)", &name);
+    const std::string owner = std::string(kServiceName) + " is owned by " + name;
+    g_variant_unref(reply);
+    if (IsActivatable(bus))
+        return {"service", kNothingDone, owner + ", and the bus may start it",
+                "start it before the applications: one that fails at its first start by the bus hangs them"};
+    return {"service", kDone, owner, ""};
+}
+
+// Segments before the bus: the bus brings threads, and their probe is a child process.
+std::vector<Finding> Examine(Session& session)
+{
+    std::vector<Finding> segments;
+    for (const SegmentPlan& plan : SegmentPlans()) segments.push_back(ExamineSegment(plan));
+    std::vector<Finding> all;
+    try
+    {
+        GDBusConnection* const bus = session.Bus();
+        all.push_back({"bus", kDone, "session bus reached", ""});
+        all.push_back(ExamineService(bus));
+    }
+    catch (const Failure& failure)
+    {
+        all.push_back({"bus", failure.code(), failure.what(), ""});
+    }
+    all.insert(all.end(), segments.begin(), segments.end());
+    return all;
+}
+
+// Tells two builds apart that do not fit together: the bus contract, and what the segments' layout depends on.
+std::string Fingerprint()
+{
+    GString* const xml = g_string_new(nullptr);
+    g_dbus_interface_info_generate_xml(com_zarn_linux_ipod_interface_info(), 0, xml);
+    gchar* const sum = g_compute_checksum_for_string(G_CHECKSUM_SHA256, xml->str, -1);
+    const std::string contract(sum, 12);
+    g_free(sum);
+    g_string_free(xml, TRUE);
+    return "contract " + contract + ", " + std::to_string(8 * sizeof(void*)) + " bits, manager " +
+           std::to_string(sizeof(QBXSegmentManager)) + ", vector " + std::to_string(sizeof(QBXByteVector));
+}
+
+const char* StateName(ExitCode code)
+{
+    if (code == kDone) return "well";
+    return code == kNothingDone ? "warning" : "problem";
+}
+
+// A problem before a warning, and the bus before what depends on it.
+ExitCode Worst(const std::vector<Finding>& findings)
+{
+    for (const Finding& finding : findings)
+        if (finding.code > kNothingDone) return finding.code;
+    const bool warned = std::any_of(findings.begin(), findings.end(), [](const Finding& f) { return f.code != kDone; });
+    return warned ? kNothingDone : kDone;
+}
+
+Json ToJson(const std::vector<Finding>& findings)
+{
+    Json checks = Json::array();
+    for (const Finding& finding : findings)
+        checks.push_back({{"check", finding.what},
+                          {"state", StateName(finding.code)},
+                          {"text", finding.text},
+                          {"advice", finding.advice}});
+    return {{"verb", "doctor"}, {"verdict", StateName(Worst(findings))}, {"checks", checks}, {"build", Fingerprint()}};
+}
+
+std::string ToText(const std::vector<Finding>& findings)
+{
+    std::string text;
+    for (const Finding& finding : findings)
+    {
+        text += std::string(finding.what) + ": " + StateName(finding.code) + ": " + Printable(finding.text) + "\n";
+        if (!finding.advice.empty()) text += "    " + Printable(finding.advice) + "\n";
+    }
+    return text + "build: " + Fingerprint();
+}
+
+Run BuildDoctor(CLI::App&)
+{
+    return [](Context& context) -> Answer
+    {
+        const std::vector<Finding> findings = Examine(context.session);
+        return {ToJson(findings), ToText(findings), Worst(findings)};
+    };
+}
+}  // namespace
+
+std::vector<Verb> DoctorVerbs()
+{
+    return {{"doctor", "Say what is wrong with bus, service and shared memory, and what to do",
+             "ipodctl doctor\nipodctl doctor --json | jq -r '.checks[] | select(.state != \"well\")'", BuildDoctor}};
+}
+}  // namespace ctl

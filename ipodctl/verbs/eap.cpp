@@ -1,0 +1,228 @@
+// Accessory sessions: talking to the companion app on the device.
+#include <cstring>
+
+#include "accessory/bridge.h"
+#include "events/follow.h"
+#include "output/file.h"
+#include "output/text.h"
+#include "session/loop.h"
+#include "verbs/command_line.h"
+#include "verbs/limits.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+constexpr int kLastSession = 65535;
+
+using Bytes = ipodkit::Bytes;
+
+// Whoever is interrupted while the segment grows would leave its lock behind.
+class SignalsHeld
+{
+public:
+    SignalsHeld()
+    {
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, signal);
+        pthread_sigmask(SIG_BLOCK, &held, &m_before);
+    }
+    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+private:
+    sigset_t m_before{};
+};
+
+int TryWrite(Session& session, unsigned short number, Bytes& data)
+{
+    session.Player();
+    try
+    {
+        return session.Ask([&](IQBXIpodPlayer& player) { return player.EapWrite(number, data); });
+    }
+    catch (const Failure&)
+    {
+        throw;
+    }
+    catch (const std::exception& error)
+    {
+        throw Failure(kNoSegments, "cannot put " + Count(static_cast<int>(data.size()), "byte", "bytes") +
+                                       " into the shared memory: " + error.what() + "; send less at once");
+    }
+}
+
+void Write(Session& session, unsigned short number, Bytes data)
+{
+    if (TryWrite(session, number, data) != 1)
+        throw Failure(kNothingDone, "the service did not take the bytes; is session " + std::to_string(number) +
+                                        " open? ipodctl eap listen shows sessions");
+}
+
+Run BuildInit(CLI::App& app)
+{
+    const auto info = Argument<EAPInfo>();
+    app.add_option("protocols", info->text1, "Accessory protocols, separated by commas")->required();
+    app.add_option("bundle", info->text2, "Bundle identifier of the companion app")->required();
+    return [info](Context& context) -> Answer
+    {
+        Announce(context.session, *info);
+        return {{{"verb", "eap init"}, {"protocols", info->text1}, {"bundle", info->text2}},
+                "announced " + Printable(info->text1)};
+    };
+}
+
+Run BuildLaunch(CLI::App& app)
+{
+    const auto bundle = Argument<std::string>();
+    app.add_option("bundle", *bundle, "Bundle identifier of the app to start")->required();
+    return [bundle](Context& context) -> Answer
+    {
+        LaunchApp(context.session, *bundle);
+        return {{{"verb", "eap launch"}, {"bundle", *bundle}}, "launch of " + Printable(*bundle) + " requested"};
+    };
+}
+
+struct Writing
+{
+    unsigned short session = 0;
+    std::string file = "-";
+};
+
+Run BuildWrite(CLI::App& app)
+{
+    const auto writing = Argument<Writing>();
+    app.add_option("session", writing->session, "Number of the session, as eap-start told it")
+        ->required()
+        ->check(CLI::Range(0, kLastSession));
+    app.add_option("file", writing->file, "File to send, - for standard input");
+    return [writing](Context& context) -> Answer
+    {
+        const Bytes data = ReadFile(writing->file);
+        Write(context.session, writing->session, data);
+        return {{{"verb", "eap write"}, {"session", writing->session}, {"bytes", data.size()}},
+                Count(static_cast<int>(data.size()), "byte", "bytes") + " sent to session " +
+                    std::to_string(writing->session)};
+    };
+}
+
+bool IsEap(const Event& event)
+{
+    return std::strncmp(event.name, "eap-", 4) == 0;
+}
+
+Run BuildListen(CLI::App& app)
+{
+    const auto limits = Argument<Limits>();
+    AddLimits(app, *limits);
+    return [limits](Context& context)
+    {
+        Following following;
+        following.limits = *limits;
+        following.wanted = IsEap;
+        return Follow(context, following);
+    };
+}
+
+void AddAccessory(CLI::App& app, AccessoryRequest& request, const char* timeout)
+{
+    app.add_option("--protocols", request.info.text1, "Protocols to announce")->capture_default_str();
+    app.add_option("--bundle", request.info.text2, "App to launch")->capture_default_str();
+    app.add_option("--timeout", request.seconds, timeout)->capture_default_str()->check(CLI::PositiveNumber);
+}
+
+struct EchoRequest
+{
+    std::string text;
+    AccessoryRequest accessory;
+};
+
+// What comes back of a text, at least as many bytes as it has.
+Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
+{
+    Bytes received;
+    const auto receive = [&](const ipodkit::Result<Bytes>& data)
+    {
+        if (data) received.insert(received.end(), data->begin(), data->end());
+        if (!data || received.size() >= request.text.size()) loop.Finish();
+    };
+    const ipodkit::Subscription receiving = peer.OnData("ipodctl", receive);
+    const auto sent = [&loop](const ipodkit::Result<void>& result)
+    {
+        if (!result) loop.Guard([&] { throw ToFailure(result.error()); });
+    };
+    peer.Write(Bytes(request.text.begin(), request.text.end()), sent);
+    const Ending ending = loop.Run(request.accessory.seconds);
+    session.FlushLog();
+    if (ending == Ending::Interrupted) throw Interrupted{};
+    if (ending == Ending::TimedOut) throw Failure(kServiceLost, "no echo came within the time; see --timeout");
+    return received;
+}
+
+Answer Echo(Context& context, const EchoRequest& request)
+{
+    Session& session = context.session;
+    Loop loop;
+    ipodkit::AccessoryPort port(session.Ready());
+    const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);
+    const Bytes received = Exchange(session, loop, *peer, request);
+    const std::string echo(received.begin(), received.end());
+    if (echo != request.text) throw Failure(kNothingDone, "what came back differs from what was sent: " + echo);
+    return {{{"verb", "eap echo"}, {"session", peer->Number()}, {"sent", request.text}, {"received", echo}},
+            Printable(echo)};
+}
+
+Run BuildEcho(CLI::App& app)
+{
+    const auto request = Argument<EchoRequest>();
+    app.add_option("text", request->text, "Text to send")->required();
+    AddAccessory(app, request->accessory, "Seconds to wait for the session, and for the echo");
+    return [request](Context& context) { return Echo(context, *request); };
+}
+
+Run BuildBridge(CLI::App& app)
+{
+    const auto request = Argument<BridgeRequest>();
+    AddAccessory(app, request->accessory, "Seconds to wait for the session");
+    app.add_flag_callback(
+        "--no-launch", [request] { request->accessory.launch = false; },
+        "Announce and launch nothing: the device opens the session by itself");
+    app.add_option(
+        "--socket", request->socket,
+        "Serve a UNIX socket at this path, one client after the other, in place of standard input and output");
+    app.add_option("--linger", request->linger, "Seconds of silence after the end of the input that end it")
+        ->capture_default_str()
+        ->check(CLI::PositiveNumber);
+    return [request](Context& context) { return RunBridge(context, *request); };
+}
+
+std::vector<Verb> Subverbs()
+{
+    return {{"init", "Announce the accessory protocols of the unit",
+             "ipodctl eap init com.example.echo com.example.app", BuildInit},
+            {"launch", "Ask the device to start an app", "ipodctl eap launch com.example.app", BuildLaunch},
+            {"write", "Send a file or standard input on a session", "echo hello | ipodctl eap write 1 -", BuildWrite},
+            {"listen", "Follow sessions and what arrives on them", "ipodctl eap listen --timeout 60", BuildListen},
+            {"echo", "Open a session, send a text, print what comes back", "ipodctl eap echo hello", BuildEcho},
+            {"bridge", "Open a session and connect it with standard input and output, or with a UNIX socket",
+             "ipodctl eap bridge < request.bin > reply.bin\n"
+             "ipodctl eap bridge --socket /tmp/echo.sock --bundle com.example.app",
+             BuildBridge}};
+}
+
+Run BuildEap(CLI::App& app)
+{
+    return AddVerbs(app, Subverbs());
+}
+}  // namespace
+
+std::vector<Verb> EapVerbs()
+{
+    return {{"eap", "Accessory sessions: init, launch, write, listen, echo, bridge",
+             "ipodctl eap echo hello\nipodctl eap init com.example.echo com.example.app\nipodctl eap listen",
+             BuildEap}};
+}
+}  // namespace ctl

@@ -1,0 +1,67 @@
+// Following the events of the service.
+#include <algorithm>
+
+#include "verbs/limits.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+struct Choice
+{
+    Following following;
+    std::vector<std::string> names;
+    bool noProgress = false;
+
+    bool Wants(const Event& event) const
+    {
+        if (!names.empty()) return std::find(names.begin(), names.end(), event.name) != names.end();
+        return !noProgress || event.name != std::string("progress");
+    }
+};
+
+void AddPresentation(CLI::App& app, Following& following)
+{
+    auto* const format = app.add_option("--format", following.format,
+                                        "Show each event by a template such as '{{ title }} {{ duration(length) }}'; "
+                                        "ipodctl(1) lists its fields and functions");
+    app.add_option("--exec", following.command,
+                   "Run this shell command for each event instead: its fields are variables of the environment "
+                   "(IPOD_EVENT, IPOD_TITLE, ...), standard input is the event as JSON")
+        ->excludes(format);
+}
+
+Run BuildEvents(CLI::App& app)
+{
+    const auto choice = Argument<Choice>();
+    app.add_option("event", choice->names, "Only these events; without them, all")
+        ->type_name("EVENT")
+        ->check(CLI::IsMember(EventNames()));
+    AddLimits(app, choice->following.limits);
+    app.add_option("--until", choice->following.limits.until, "End after the first event of this name")
+        ->type_name("EVENT")
+        ->check(CLI::IsMember(EventNames()).description(""));
+    app.add_flag("--no-progress", choice->noProgress, "Leave out the progress of playback, also in --count");
+    app.add_flag("--wait", choice->following.wait, "Wait for the service when it is not there yet");
+    AddPresentation(app, choice->following);
+    return [choice](Context& context)
+    {
+        Following following = choice->following;
+        following.wanted = [choice](const Event& event) { return choice->Wants(event); };
+        return Follow(context, following);
+    };
+}
+}  // namespace
+
+std::vector<Verb> EventVerbs()
+{
+    return {{"events", "Follow the events, one line each, also when the service restarts, until Ctrl-C",
+             "ipodctl events\n"
+             "ipodctl events track play-status --json\n"
+             "ipodctl events --no-progress --timeout 60\n"
+             "ipodctl events --until phone-call --exec 'notify-send \"$IPOD_CALLER\" \"$IPOD_CALL\"'\n"
+             "ipodctl events track --format '{{ artist | default: \"?\" }} - {{ title }} {{ duration(length) }}'",
+             BuildEvents}};
+}
+}  // namespace ctl

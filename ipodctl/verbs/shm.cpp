@@ -1,0 +1,140 @@
+// What lies in the shared memory now.
+#include <algorithm>
+#include <cstdio>
+
+#include "output/hexdump.h"
+#include "output/table.h"
+#include "output/text.h"
+#include "segments/segment_contents.h"
+#include "segments/segment_probe.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+std::string ModeText(mode_t mode)
+{
+    char text[8];
+    std::snprintf(text, sizeof(text), "%04o", static_cast<unsigned>(mode));
+    return text;
+}
+
+// From outside first: only what is shared memory is opened.
+SegmentContents ReadIfThere(const SegmentPlan& plan, const SegmentObject& object)
+{
+    SegmentContents contents;
+    if (!object.exists) contents.problem = "it is not there; whoever starts first makes it: start the service";
+    if (object.exists && !object.isMemory) contents.problem = "no shared memory stands under its name";
+    return contents.problem.empty() ? ReadContents(plan) : contents;
+}
+
+Json ToJson(const SegmentPlan& plan, const SegmentObject& object, const SegmentContents& contents)
+{
+    Json vectors = Json::array();
+    for (const VectorContents& vector : contents.vectors)
+        vectors.push_back({{"name", vector.name},
+                           {"kind", vector.isNames ? "names" : "bytes"},
+                           {"elements", vector.elements},
+                           {"capacity", vector.capacity},
+                           {"problem", vector.problem}});
+    return {{"name", plan.name},           {"there", object.exists},        {"bytes", object.size},
+            {"free", contents.free},       {"mode", ModeText(object.mode)}, {"owner", object.owner},
+            {"objects", contents.objects}, {"problem", contents.problem},   {"vectors", vectors}};
+}
+
+std::string ToText(const SegmentPlan& plan, const SegmentObject& object, const SegmentContents& contents, int width)
+{
+    std::string text = plan.name;
+    if (object.exists)
+        text += ": " + std::to_string(object.size) + " bytes, " + std::to_string(contents.free) + " free, mode " +
+                ModeText(object.mode) + ", owner " + std::to_string(object.owner);
+    if (!contents.problem.empty()) return text + ": " + Printable(contents.problem);
+    std::vector<std::vector<std::string>> rows;
+    for (const VectorContents& vector : contents.vectors)
+        rows.push_back({"  " + vector.name, PadLeft(std::to_string(vector.elements), 7),
+                        (vector.isNames ? "names, room for " : "bytes, room for ") + std::to_string(vector.capacity),
+                        vector.problem});
+    return text + "\n" + Table(rows, width);
+}
+
+ExitCode Judged(const SegmentObject& object, const SegmentContents& contents)
+{
+    if (!object.exists) return kNothingDone;
+    const bool well =
+        contents.problem.empty() && std::all_of(contents.vectors.begin(), contents.vectors.end(),
+                                                [](const VectorContents& vector) { return vector.problem.empty(); });
+    return well ? kDone : kNoSegments;
+}
+
+Answer ShowSegments(const Output& out)
+{
+    Answer answer{{{"verb", "shm"}, {"segments", Json::array()}}, "", kDone};
+    for (const SegmentPlan& plan : SegmentPlans())
+    {
+        const SegmentObject object = LookAt(plan.name);
+        const SegmentContents contents = ReadIfThere(plan, object);
+        answer.json["segments"].push_back(ToJson(plan, object, contents));
+        answer.text += (answer.text.empty() ? "" : "\n") + ToText(plan, object, contents, out.width());
+        answer.code = std::max(answer.code, Judged(object, contents));
+    }
+    return answer;
+}
+
+std::vector<std::string> VectorNames()
+{
+    std::vector<std::string> names;
+    for (const SegmentPlan& plan : SegmentPlans())
+    {
+        names.insert(names.end(), plan.lists.begin(), plan.lists.end());
+        names.insert(names.end(), plan.buffers.begin(), plan.buffers.end());
+    }
+    return names;
+}
+
+std::string NumberedLines(const std::vector<std::string>& names, int width)
+{
+    std::vector<std::vector<std::string>> rows;
+    const int digits = Width(std::to_string(names.size()));
+    for (std::size_t i = 0; i < names.size(); ++i)
+        rows.push_back({PadLeft(std::to_string(i), digits), Printable(names[i])});
+    return Table(rows, width);
+}
+
+Answer DumpVector(const std::string& name, const Output& out)
+{
+    const auto holds = [&](const std::vector<const char*>& names)
+    { return std::any_of(names.begin(), names.end(), [&](const char* each) { return name == each; }); };
+    const auto& plans = SegmentPlans();
+    const auto plan = std::find_if(plans.begin(), plans.end(),
+                                   [&](const SegmentPlan& each) { return holds(each.lists) || holds(each.buffers); });
+    if (!LookAt(plan->name).isMemory)
+        throw Failure(kNoSegments, std::string("there is no segment ") + plan->name + "; start the service");
+    const std::string bytes = ReadVector(*plan, name);
+    Json json{{"verb", "shm"}, {"vector", name}};
+    if (holds(plan->buffers))
+    {
+        json["hex"] = Hex(bytes);
+        return {json, Hexdump(bytes)};
+    }
+    json["names"] = NamesIn(bytes);
+    return {json, NumberedLines(NamesIn(bytes), out.width())};
+}
+
+Run BuildShm(CLI::App& app)
+{
+    const auto vector = Argument<std::string>();
+    app.add_option("--dump", *vector, "Show what a vector holds: its names, or its bytes as a hexdump")
+        ->check(CLI::IsMember(VectorNames()));
+    return [vector](Context& context)
+    { return vector->empty() ? ShowSegments(context.out) : DumpVector(*vector, context.out); };
+}
+}  // namespace
+
+std::vector<Verb> SharedMemoryVerbs()
+{
+    return {{"shm", "Show what lies in the shared memory now, without changing it",
+             "ipodctl shm\nipodctl shm --dump VecDBListShareMemory\nipodctl shm --dump VecEapReadBufferShareMemory",
+             BuildShm}};
+}
+}  // namespace ctl

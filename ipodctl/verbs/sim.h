@@ -1,0 +1,28 @@
+/// @file
+/// What the parts of "ipodctl sim" share.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "session/sim_link.h"
+#include "verbs/verb.h"
+
+namespace ctl
+{
+/// One of a few words, whose place in the list is the number that travels. Parsing replaces the word by the number.
+CLI::Validator OneOf(std::vector<std::string> words);
+
+/// The words for the numbers 0, 1, 2, … as names.h gives them.
+std::vector<std::string> WordsOf(std::string (*name)(int), int count);
+
+/// The answer of an event that was asked for: the verb's name and nothing else.
+Answer Asked(const std::string& event);
+
+/// The subverbs of "sim", by subject.
+std::vector<Verb> SimCallVerbs();  ///< call, battery
+std::vector<Verb>
+SimDeviceVerbs();  ///< carplay, carlife, wireless, pairing, location, source, app, attach, detach, button
+std::vector<Verb> SimEapVerbs();   ///< eap-open, eap-close, eap-data
+std::vector<Verb> SimTestVerbs();  ///< calls, fault, clear-faults, scenario
+}  // namespace ctl

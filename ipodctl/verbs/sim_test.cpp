@@ -1,0 +1,214 @@
+// For tests of applications: what the simulator was asked, what goes wrong, scenarios.
+#include <algorithm>
+#include <cstdint>
+
+#include "output/file.h"
+#include "output/table.h"
+#include "output/text.h"
+#include "verbs/sim.h"
+
+namespace ctl
+{
+namespace
+{
+struct CallQuery
+{
+    std::string method;
+    bool clear = false;
+};
+
+// The notation of GLib's texts.
+std::string ToText(GVariant* value)
+{
+    char* const text = g_variant_print(value, FALSE);
+    std::string copy = text;
+    g_free(text);
+    return copy;
+}
+
+// "(1, 'text')".
+std::string ToText(GVariantIter* values)
+{
+    std::string text;
+    for (GVariant* value = nullptr; g_variant_iter_loop(values, "v", &value) != FALSE;)
+        text += (text.empty() ? "" : ", ") + ToText(value);
+    return "(" + text + ")";
+}
+
+// Of many bytes only how many: a record of a thousand is nothing to look at.
+std::string Shortened(std::string text)
+{
+    constexpr std::size_t kMostCharacters = 100;
+    constexpr char kBytes[] = "[byte ";
+    for (std::size_t begin = text.find(kBytes); begin != std::string::npos; begin = text.find(kBytes, begin + 1))
+    {
+        const std::size_t end = text.find(']', begin);
+        if (end == std::string::npos || end - begin <= kMostCharacters) continue;
+        const auto bytes = std::count(text.data() + begin, text.data() + end, ',') + 1;
+        text.replace(begin, end - begin, "[" + std::to_string(bytes) + " bytes");
+    }
+    return Printable(text);
+}
+
+// "12:34:56.789", local time.
+std::string TimeOfDay(std::uint64_t microseconds)
+{
+    GDateTime* const time = g_date_time_new_from_unix_local(static_cast<gint64>(microseconds / 1000000));
+    char* const text = g_date_time_format(time, "%H:%M:%S");
+    char milliseconds[8];
+    g_snprintf(milliseconds, sizeof(milliseconds), ".%03u", static_cast<unsigned>(microseconds / 1000 % 1000));
+    const std::string clock = std::string(text) + milliseconds;
+    g_free(text);
+    g_date_time_unref(time);
+    return clock;
+}
+
+struct Call
+{
+    std::uint64_t time = 0;
+    std::string sender;
+    std::string method;
+    std::string arguments;
+    std::string answer;
+};
+
+Call ToCall(GVariant* entry)
+{
+    Call call;
+    const char* sender = nullptr;
+    const char* method = nullptr;
+    const char* outcome = nullptr;
+    GVariantIter* arguments = nullptr;
+    GVariantIter* answer = nullptr;
+    g_variant_get(entry, "(t&s&sav&sav)", &call.time, &sender, &method, &arguments, &outcome, &answer);
+    call.sender = sender;
+    call.method = method;
+    call.arguments = ToText(arguments);
+    call.answer = ToText(answer);
+    if (std::string(outcome) == "nothing") call.answer = "no answer";
+    if (g_dbus_is_interface_name(outcome) != FALSE) call.answer = outcome + (" " + call.answer);
+    g_variant_iter_free(arguments);
+    g_variant_iter_free(answer);
+    return call;
+}
+
+Answer ShowCalls(Context& context, const std::string& method)
+{
+    const VariantPtr reply = AskSimulator(context.session, "GetCalls", g_variant_new("(s)", method.c_str()));
+    const VariantPtr entries(g_variant_get_child_value(reply.get(), 0));
+    Json calls = Json::array();
+    std::vector<std::vector<std::string>> rows;
+    for (gsize i = 0; i < g_variant_n_children(entries.get()); ++i)
+    {
+        const VariantPtr entry(g_variant_get_child_value(entries.get(), i));
+        const Call call = ToCall(entry.get());
+        calls.push_back({{"time_us", call.time},
+                         {"sender", call.sender},
+                         {"method", call.method},
+                         {"arguments", call.arguments},
+                         {"answer", call.answer}});
+        rows.push_back(
+            {TimeOfDay(call.time), call.sender, call.method, Shortened(call.arguments), Shortened(call.answer)});
+    }
+    return {{{"verb", "sim calls"}, {"calls", calls}}, Table(rows, context.out.width())};
+}
+
+Run BuildCalls(CLI::App& app)
+{
+    const auto query = Argument<CallQuery>();
+    app.add_option("method", query->method, "Only calls of this method");
+    app.add_flag("--clear", query->clear, "Forget all calls instead");
+    return [query](Context& context)
+    {
+        if (!query->clear) return ShowCalls(context, query->method);
+        AskSimulator(context.session, "ClearCalls", nullptr);
+        return Asked("calls");
+    };
+}
+
+// KIND[=PARAMETER][@MEMBER][/COUNT]; what it may hold is known to the simulator.
+struct Fault
+{
+    std::string kind;
+    std::string parameter;
+    std::string member;
+    std::uint32_t count = 0;
+};
+
+std::string TakeTail(std::string& text, char separator)
+{
+    const std::size_t at = text.rfind(separator);
+    if (at == std::string::npos) return {};
+    std::string tail = text.substr(at + 1);
+    text.resize(at);
+    return tail;
+}
+
+Fault ToFault(std::string text)
+{
+    Fault fault;
+    if (text.find('/') != std::string::npos)
+    {
+        const std::string whole = text;
+        const auto count = ParseIndex(TakeTail(text, '/'));
+        if (!count) throw Failure(kUsage, "expected KIND[=PARAMETER][@MEMBER][/COUNT], not '" + Printable(whole) + "'");
+        fault.count = static_cast<std::uint32_t>(*count);
+    }
+    fault.member = TakeTail(text, '@');
+    fault.parameter = TakeTail(text, '=');
+    fault.kind = text;
+    return fault;
+}
+
+Run BuildFault(CLI::App& app)
+{
+    const auto text = Argument<std::string>();
+    app.add_option("fault", *text, "KIND[=PARAMETER][@MEMBER][/COUNT]; ipod-simulator(1) lists the kinds")->required();
+    return [text](Context& context)
+    {
+        const Fault fault = ToFault(*text);
+        AskSimulator(
+            context.session, "Fault",
+            g_variant_new("(sssu)", fault.member.c_str(), fault.kind.c_str(), fault.parameter.c_str(), fault.count));
+        return Asked("fault");
+    };
+}
+
+Run BuildClearFaults(CLI::App&)
+{
+    return [](Context& context)
+    {
+        AskSimulator(context.session, "ClearFaults", nullptr);
+        return Asked("clear-faults");
+    };
+}
+
+Run BuildScenario(CLI::App& app)
+{
+    const auto file = Argument<std::string>();
+    app.add_option("file", *file, "File with the scenario, - for standard input")->required();
+    return [file](Context& context)
+    {
+        const auto bytes = ReadFile(*file);
+        const std::string text(bytes.begin(), bytes.end());
+        if (text.find('\0') != std::string::npos ||
+            g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
+            throw Failure(kUsage, Printable(*file) + " is no text in UTF-8");
+        AskSimulator(context.session, "RunScenario", g_variant_new("(s)", text.c_str()));
+        return Asked("scenario");
+    };
+}
+}  // namespace
+
+std::vector<Verb> SimTestVerbs()
+{
+    return {{"calls", "Show what the service was asked, and what it answered",
+             "ipodctl sim calls\nipodctl sim calls Play\nipodctl sim calls --clear", BuildCalls},
+            {"fault", "Let something go wrong",
+             "ipodctl sim fault delay=500@GetPlayStatus/3\nipodctl sim fault no-reply@Next\n"
+             "ipodctl sim fault restart-storm=5",
+             BuildFault},
+            {"clear-faults", "Let nothing go wrong any more", "ipodctl sim clear-faults", BuildClearFaults},
+            {"scenario", "Play a scenario file", "ipodctl sim scenario drive.json", BuildScenario}};
+}
+}  // namespace ctl

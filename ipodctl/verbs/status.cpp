@@ -1,0 +1,102 @@
+// What plays, on one screen; and all that is known of the track.
+#include "player/status.h"
+#include "picture/drawing.h"
+#include "player/playing.h"
+#include "screen/status_screen.h"
+#include "screen/watch.h"
+#include "session/loop.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+constexpr int kNear = 2;
+
+struct Look
+{
+    Art art = Art::OnTerminal;
+    double listen = 0;
+    bool watch = false;
+};
+
+void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
+{
+    auto* const always = app.add_flag_callback(
+        "--art",
+        [look]
+        {
+            if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw");
+            look->art = Art::Always;
+        },
+        "Draw the picture also where standard output is no terminal");
+    app.add_flag_callback(
+           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the picture")
+        ->excludes(always);
+}
+
+// Battery and calls are told by events only.
+void Listen(Session& session, double seconds)
+{
+    if (seconds <= 0) return;
+    session.Ready();
+    Loop loop;
+    if (loop.Run(seconds) == Ending::Interrupted) throw Interrupted{};
+}
+
+Answer ShowStatus(Context& context, const Look& look)
+{
+    const auto show = [&](const Status& status) -> Answer
+    {
+        Json json{{"verb", "status"}};
+        json.update(StatusJson(status));
+        return {json, context.out.json() ? "" : StatusText(status, context.out, look.art)};
+    };
+    Listen(context.session, look.listen);
+    if (!look.watch) return show(ReadStatus(context.session, kNear));
+    Watch(context, kNear, show);
+    return {};
+}
+
+Run BuildStatus(CLI::App& app)
+{
+    const auto look = Argument<Look>();
+    AddArt(app, look);
+    auto* const listen = app.add_option("--listen", look->listen,
+                                        "Listen so many seconds first: battery and calls are told by events only");
+    listen->check(CLI::PositiveNumber);
+    app.add_flag("--watch", look->watch, "Stay, and show every change, until Ctrl-C")->excludes(listen);
+    return [look](Context& context) { return ShowStatus(context, *look); };
+}
+
+Json InfoJson(const Status& status)
+{
+    const Json all = StatusJson(status);
+    Json json{{"verb", "info"}};
+    for (const char* name : {"state", "position_ms", "length_ms", "index", "count", "track", "picture"})
+        json[name] = all[name];
+    return json;
+}
+
+Run BuildInfo(CLI::App& app)
+{
+    const auto look = Argument<Look>();
+    AddArt(app, look);
+    return [look](Context& context) -> Answer
+    {
+        const Status status = ReadStatus(context.session, 0);
+        if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
+        return {InfoJson(status), InfoText(status, context.out, look->art)};
+    };
+}
+}  // namespace
+
+std::vector<Verb> StatusVerbs()
+{
+    return {{"status", "Show what plays, the modes, the queue, the devices, battery and calls",
+             "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
+             "ipodctl status --json | jq -r .track.title",
+             BuildStatus},
+            {"info", "Show all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
+}
+}  // namespace ctl

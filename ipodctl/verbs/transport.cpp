@@ -1,0 +1,125 @@
+// Starting, stopping, and moving within and between tracks.
+#include <algorithm>
+
+#include "output/text.h"
+#include "player/level.h"
+#include "player/playing.h"
+#include "player/source.h"
+#include "verbs/verbs.h"
+
+namespace ctl
+{
+namespace
+{
+void Resume(Session& session)
+{
+    TakeAudioSource(session);
+    session.Ask(session.Commands().StartPlayback(IPOD_PLAY_START),
+                "the service did not start playback; load something with ipodctl play INDEX");
+}
+
+void PlayEntry(Session& session, const std::string& wanted)
+{
+    const Entry entry = FindEntry(session, wanted);
+    if (ReadLevel(session, entry.index, 1, Pinyin::None).folder)
+        throw Failure(kNothingDone, "'" + Printable(entry.name) + "' is a folder; enter it with ipodctl cd " +
+                                        std::to_string(entry.index));
+    TakeAudioSource(session);
+    session.Ask(session.Commands().PlayDatabaseEntry(entry.index));
+}
+
+Run BuildPlay(CLI::App& app)
+{
+    const auto entry = Argument<std::optional<std::string>>();
+    app.add_option("entry", *entry, "Index or name of a song of the current level; without it, playback goes on");
+    return [entry](Context& context)
+    {
+        if (*entry)
+            PlayEntry(context.session, **entry);
+        else
+            Resume(context.session);
+        return NowPlaying(context.session, "play");
+    };
+}
+
+// One call, and a word for its refusal.
+template <ipodkit::Request<void> (ipodkit::Commands::*command)() const>
+Run BuildSimple(const char* verb, const char* refusal)
+{
+    return [verb, refusal](Context& context)
+    {
+        context.session.Ask((context.session.Commands().*command)(), refusal);
+        return NowPlaying(context.session, verb);
+    };
+}
+
+Run BuildPause(CLI::App&)
+{
+    return BuildSimple<&ipodkit::Commands::Pause>("pause",
+                                                  "the service did not pause; ipodctl status shows what it does");
+}
+
+Run BuildStop(CLI::App&)
+{
+    return BuildSimple<&ipodkit::Commands::Stop>("stop", "the service did not stop; ipodctl status shows what it does");
+}
+
+Run BuildNext(CLI::App&)
+{
+    return BuildSimple<&ipodkit::Commands::Next>(
+        "next", "the service did not move on; ipodctl queue shows whether this is the last entry");
+}
+
+Run BuildPrevious(CLI::App&)
+{
+    return BuildSimple<&ipodkit::Commands::Previous>(
+        "previous", "the service did not move back; ipodctl queue shows whether this is the first entry");
+}
+
+// Relative targets stop at the ends of the track; an absolute one behind its end is a mistake.
+int SecondFor(const SeekTarget& target, const Playing& playing)
+{
+    const int last = std::max(0, playing.length / 1000);
+    if (target.relative) return std::clamp(playing.position / 1000 + target.seconds, 0, last);
+    if (playing.length > 0 && target.seconds > last)
+        throw Failure(kUsage, "the track is only " + Clock(playing.length) + " long");
+    return target.seconds;
+}
+
+Answer Seek(Session& session, const SeekTarget& target)
+{
+    const int second = SecondFor(target, RequireTrack(session));
+    session.Ask(session.Commands().Seek(std::chrono::seconds(second)));
+    Answer answer = NowPlaying(session, "seek");
+    answer.text += " at " + Clock(answer.json["position_ms"]) + " / " + Clock(answer.json["length_ms"]);
+    return answer;
+}
+
+Run BuildSeek(CLI::App& app)
+{
+    const auto target = Argument<std::string>();
+    const auto back = Argument<std::string>();
+    auto* const time = app.add_option("time", *target, "SECONDS, MM:SS, H:MM:SS from the start; +N, -N from here");
+    app.add_option("--back", *back, "The same as -N")->excludes(time);
+    return [target, back](Context& context)
+    {
+        const std::string text = back->empty() ? *target : "-" + *back;
+        const std::optional<SeekTarget> parsed = ParseSeek(text);
+        if (!parsed) throw Failure(kUsage, "'" + Printable(text) + "' is no time: give SECONDS, MM:SS, +N or -N");
+        return Seek(context.session, *parsed);
+    };
+}
+}  // namespace
+
+std::vector<Verb> TransportVerbs()
+{
+    return {{"play", "Go on playing, or play a song of the current level",
+             "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue in Green\"", BuildPlay},
+            {"pause", "Pause playback", "ipodctl pause", BuildPause},
+            {"stop", "Stop playback", "ipodctl stop", BuildStop},
+            {"next", "Go to the next track; exit code 1 at the end", "ipodctl next", BuildNext},
+            {"previous", "Go to the previous track; exit code 1 at the start", "ipodctl previous", BuildPrevious},
+            {"seek", "Move within the playing track",
+             "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek}};
+}
+}  // namespace ctl

@@ -1,0 +1,35 @@
+/// @file
+/// What a verb of the command line is. The tables of all verbs are listed in verbs.h.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <vector>
+
+#include "session/context.h"
+
+namespace ctl
+{
+/// Does the work of a verb. Verbs that go on for a while write their lines themselves and return an answer
+/// without JSON.
+using Run = std::function<Answer(Context&)>;
+
+struct Verb
+{
+    const char* name;
+    const char* summary;
+    const char* examples;         ///< shown under the verb's --help, one per line
+    Run (*build)(CLI::App& app);  ///< adds the verb's arguments; the result reads them when it runs
+};
+
+/// Accepts whole numbers from @p least on, and says so when it is given something else.
+CLI::Validator WholeNumber(int least);
+
+/// A place for an argument of the command line that lives as long as those who hold it.
+template <class T>
+std::shared_ptr<T> Argument(T value = T())
+{
+    return std::make_shared<T>(std::move(value));
+}
+}  // namespace ctl
