@@ -7,6 +7,8 @@
 #include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
+#include <taglib/tfilestream.h>
+#include <taglib/tpropertymap.h>
 #include <taglib/wavfile.h>
 #include <taglib/xiphcomment.h>
 
@@ -74,12 +76,29 @@ std::string Text(const TagLib::String& text, const std::string& fallback)
     return CleanName(text.to8Bit(true), fallback);
 }
 
+// A track that names only the artist of its album is by that one.
+TagLib::String ArtistOf(TagLib::File* file)
+{
+    const TagLib::PropertyMap properties = file->properties();
+    const TagLib::StringList& artists = properties["ARTIST"];
+    return (artists.isEmpty() ? properties["ALBUMARTIST"] : artists).toString(", ");
+}
+
+// Opened for reading only: closing a file that could have been written counts as a change of its folder.
+struct OpenFile
+{
+    OpenFile(const std::string& file, bool withLength) : stream(file.c_str(), true), tags(&stream, withLength) {}
+
+    TagLib::FileStream stream;
+    TagLib::FileRef tags;
+};
+
 Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 {
     const TagLib::Tag& tag = *reference.tag();
     Track track;
     track.title = Text(tag.title(), std::filesystem::path(file).stem().string());
-    track.artist = Text(tag.artist(), "Unknown artist");
+    track.artist = Text(ArtistOf(reference.file()), "Unknown artist");
     track.album = Text(tag.album(), "Unknown album");
     track.genre = Text(tag.genre(), "Unknown genre");
     track.number = static_cast<int>(tag.track());
@@ -92,7 +111,8 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 
 std::optional<Track> ReadTrack(const std::string& file)
 {
-    const TagLib::FileRef reference(file.c_str());
+    const OpenFile open(file, true);
+    const TagLib::FileRef& reference = open.tags;
     if (reference.isNull() || reference.tag() == nullptr || reference.audioProperties() == nullptr) return {};
     if (reference.audioProperties()->lengthInMilliseconds() <= 0) return {};
     return ToTrack(reference, file);
@@ -100,7 +120,7 @@ std::optional<Track> ReadTrack(const std::string& file)
 
 Bytes ReadEmbeddedPicture(const std::string& file)
 {
-    const TagLib::FileRef reference(file.c_str(), false);
-    return reference.isNull() ? Bytes{} : PictureIn(reference.file());
+    const OpenFile open(file, false);
+    return open.tags.isNull() ? Bytes{} : PictureIn(open.tags.file());
 }
 }  // namespace ipodsim

@@ -1,8 +1,10 @@
 #include "music/music_library.h"
 
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <taglib/fileref.h>
+#include <taglib/tpropertymap.h>
 #include <taglib/xiphcomment.h>
 #include <unistd.h>
 
@@ -344,6 +346,43 @@ TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)
     EXPECT_EQ(library.tracks[0]->title, longTitle.substr(0, 253));
     EXPECT_EQ(library.tracks[0]->artist, "\u0641\u064A\u0631\u0648\u0632");
     EXPECT_EQ(library.tracks[0]->album, "\U0001F3B8\U0001F468\u200D\U0001F469");
+}
+
+TEST_F(MusicFolder, NamesTheArtistOfTheAlbumWhereTheTrackNamesNone)
+{
+    TagLib::FileRef file(CopySample("one.ogg").c_str());
+    TagLib::PropertyMap properties = file.file()->properties();
+    properties.erase("ARTIST");
+    properties["ALBUMARTIST"] = TagLib::StringList("Someone");
+    file.file()->setProperties(properties);
+    ASSERT_TRUE(file.save());
+
+    EXPECT_EQ(Read().tracks.at(0)->artist, "Someone");
+}
+
+TEST_F(MusicFolder, NamesAllArtistsOfATrack)
+{
+    TagLib::FileRef file(CopySample("one.ogg").c_str());
+    TagLib::PropertyMap properties = file.file()->properties();
+    properties["ARTIST"] = TagLib::StringList("One").append("Two");
+    file.file()->setProperties(properties);
+    ASSERT_TRUE(file.save());
+
+    EXPECT_EQ(Read().tracks.at(0)->artist, "One, Two");
+}
+
+TEST_F(MusicFolder, IsNotChangedByReading)
+{
+    const fs::path file = CopySample("one.ogg");
+    const int watch = inotify_init1(IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, file.parent_path().c_str(), IN_CLOSE_WRITE), 0);
+
+    EXPECT_TRUE(ReadTrack(file.string()));
+    EXPECT_FALSE(ipodsim::ReadEmbeddedPicture(file.string()).empty());
+
+    char event[4096];
+    EXPECT_EQ(read(watch, event, sizeof(event)), -1) << "a file was opened for writing";
+    close(watch);
 }
 
 TEST_F(MusicFolder, ReadsPlaylistsInTheirOrder)
