@@ -12,8 +12,8 @@
 
 #include "browse/model.h"
 #include "browse/screen.h"
-#include "browse/suspend_signal.h"
 #include "browse/walker.h"
+#include "session/suspend_signal.h"
 
 namespace ctl::browse
 {

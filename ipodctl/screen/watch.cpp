@@ -2,6 +2,7 @@
 
 #include "picture/columns.h"
 #include "session/loop.h"
+#include "session/suspend_signal.h"
 
 namespace ctl
 {
@@ -13,12 +14,12 @@ constexpr double kSecond = 1;
 class OtherScreen
 {
 public:
-    explicit OtherScreen(Output& out) : m_out(out) { m_out.Text("\033[?1049h\033[?25l"); }
+    explicit OtherScreen(Output& out) : m_out(out) { Enter(); }
     ~OtherScreen()
     {
         try
         {
-            m_out.Text("\033[?25h\033[?1049l");
+            Leave();
         }
         catch (...)
         {
@@ -27,6 +28,9 @@ public:
     }
     OtherScreen(const OtherScreen&) = delete;
     OtherScreen& operator=(const OtherScreen&) = delete;
+
+    void Enter() { m_out.Text("\033[?1049h\033[?25l"); }
+    void Leave() { m_out.Text("\033[?25h\033[?1049l"); }
 
     void Show(const std::string& text)
     {
@@ -49,6 +53,17 @@ public:
         m_connections = m_session.OnConnection(
             "ipodctl", [this](const ipodkit::Connection& connection) { m_loop.Guard([&] { Judge(connection); }); });
         m_loop.EndWithOutput();
+    }
+
+    /// Has @p suspend called when Ctrl-Z was pressed, and goes on afterwards.
+    void OnSuspend(const SuspendSignal& signal, const std::function<void()>& suspend)
+    {
+        m_loop.WhenReadable(signal.Descriptor(),
+                            [this, suspend]
+                            {
+                                suspend();
+                                m_loop.Finish();
+                            });
     }
 
     /// Waits for a change, or for as long as a second of playback takes. False when it was interrupted.
@@ -80,8 +95,16 @@ private:
 
 void WatchOnTerminal(Context& context, int near, const std::function<Answer(const Status&)>& show)
 {
+    const SuspendSignal suspend;
     Watcher watcher(context);
     OtherScreen screen(context.out);
+    watcher.OnSuspend(suspend,
+                      [&]
+                      {
+                          screen.Leave();
+                          suspend.Obey();
+                          screen.Enter();
+                      });
     do
     {
         context.out.Measure();

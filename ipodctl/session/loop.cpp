@@ -38,6 +38,13 @@ void Loop::EndWithOutput()
     m_sources.push_back(g_unix_fd_add(STDOUT_FILENO, closed, &Loop::OnOutputClosed, this));
 }
 
+void Loop::WhenReadable(int descriptor, std::function<void()> function)
+{
+    m_sources.push_back(g_unix_fd_add_full(G_PRIORITY_DEFAULT, descriptor, G_IO_IN, &Loop::OnReadable,
+                                           new Reader{*this, std::move(function)},
+                                           [](gpointer reader) { delete static_cast<Reader*>(reader); }));
+}
+
 void Loop::Guard(const std::function<void()>& function)
 {
     try
@@ -67,6 +74,13 @@ gboolean Loop::OnSignal(gpointer loop)
 gboolean Loop::OnTimeout(gpointer loop)
 {
     static_cast<Loop*>(loop)->End(Ending::TimedOut);
+    return G_SOURCE_CONTINUE;
+}
+
+gboolean Loop::OnReadable(gint, GIOCondition, gpointer data)
+{
+    const Reader& reader = *static_cast<Reader*>(data);
+    reader.loop.Guard(reader.function);
     return G_SOURCE_CONTINUE;
 }
 

@@ -38,6 +38,9 @@ public:
     /// From now on it also ends when nobody reads standard output any more.
     void EndWithOutput();
 
+    /// From now on it calls a function whenever a descriptor can be read.
+    void WhenReadable(int descriptor, std::function<void()> function);
+
     /// Calls a function from inside a callback; what it throws comes out of Run(), because no exception may pass
     /// through the layers in between.
     void Guard(const std::function<void()>& function);
@@ -45,6 +48,13 @@ public:
 private:
     static gboolean OnSignal(gpointer loop);
     static gboolean OnTimeout(gpointer loop);
+    struct Reader
+    {
+        Loop& loop;
+        std::function<void()> function;
+    };
+
+    static gboolean OnReadable(gint, GIOCondition, gpointer reader);
     static gboolean OnOutputClosed(gint, GIOCondition, gpointer loop);
     void End(Ending ending);
 

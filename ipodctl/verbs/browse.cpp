@@ -59,7 +59,7 @@ void RequireService(GDBusConnection* bus)
 Answer Browse()
 {
     const browse::MessageBox messages;
-    const browse::SuspendSignal suspend;
+    const SuspendSignal suspend;
     const BusPtr bus = RequireBus();
     RequireService(bus.get());
     const auto session = ipodkit::Session::Open();

@@ -248,12 +248,27 @@ class WithTheSimulator(InATerminal):
         terminal.type(CTRL_C)
         self.ends(terminal, DONE)
 
-    def test_it_can_be_suspended(self):
+    def in_a_shell(self, *words):
         terminal = TerminalSession(["bash", "--norc", "--noprofile", "-i"], 24, 80,
                                    dict(self.bus.environment, PS1="ready> "))
         self.addCleanup(terminal.close)
         self.sees(terminal, "ready>")
-        terminal.type(OPTIONS.ipodctl + " browse" + ENTER)
+        terminal.type(" ".join([OPTIONS.ipodctl, *words]) + ENTER)
+        return terminal
+
+    def test_the_watched_status_can_be_suspended(self):
+        terminal = self.in_a_shell("status", "--watch")
+        self.sees(terminal, "shuffle")
+        self.assertTrue(terminal.screen.alternate)
+        terminal.type(CTRL_Z)
+        self.sees(terminal, "Stopped", "ready>")
+        self.assertFalse(terminal.screen.alternate)
+        terminal.type("fg" + ENTER)
+        self.sees(terminal, "shuffle")
+        self.assertTrue(terminal.screen.alternate)
+
+    def test_it_can_be_suspended(self):
+        terminal = self.in_a_shell("browse")
         self.sees(terminal, "Playlists/")
         terminal.type(CTRL_Z)
         self.sees(terminal, "Stopped", "ready>")

@@ -1,11 +1,11 @@
-#include "browse/suspend_signal.h"
+#include "session/suspend_signal.h"
 
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <csignal>
 
-namespace ctl::browse
+namespace ctl
 {
 namespace
 {
@@ -55,4 +55,4 @@ void SuspendSignal::Obey() const
     Mask(SIG_BLOCK);
     sigaction(SIGTSTP, &earlier, nullptr);
 }
-}  // namespace ctl::browse
+}  // namespace ctl

@@ -2,7 +2,7 @@
 /// Ctrl-Z in a program with threads: the terminal must be given back first, by the thread that uses it.
 #pragma once
 
-namespace ctl::browse
+namespace ctl
 {
 /// From construction to destruction, the request to suspend arrives on a descriptor instead of suspending. To be
 /// constructed before any other thread is, because they inherit that.
@@ -23,4 +23,4 @@ public:
 private:
     int m_descriptor;
 };
-}  // namespace ctl::browse
+}  // namespace ctl
