@@ -23,6 +23,28 @@ GCancellable* NativeOf(const Call& call)
     return call.cancellation ? call.cancellation->Native() : nullptr;
 }
 
+// "EnterDbChildList(3)".
+std::string TextOf(const Call& call)
+{
+    if (call.arguments == nullptr) return std::string(call.method) + "()";
+    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
+    std::string arguments(printed);
+    g_free(printed);
+    const std::size_t comma = arguments.size() - 2;
+    if (arguments[comma] == ',') arguments.erase(comma, 1);
+    return call.method + arguments;
+}
+
+// An order that was not followed is refused.
+Result<Body> Judged(const Call& call, Result<Body> result)
+{
+    if (!result || !call.isOrder) return result;
+    gboolean followed = FALSE;
+    g_variant_get(result->get(), "(b)", &followed);
+    if (followed != FALSE) return result;
+    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
+}
+
 Result<Body> ToResult(GVariant* body, GError* error)
 {
     if (error == nullptr) return Body(body, g_variant_unref);
@@ -100,7 +122,7 @@ void Bus::Complete(Serial serial, Result<Body> result)
 {
     const PendingPtr pending = Take(serial);
     if (pending == nullptr) return;
-    m_guard.Run(pending->call.method, [&] { pending->completion(std::move(result)); });
+    m_guard.Run(pending->call.method, [&] { pending->completion(Judged(pending->call, std::move(result))); });
 }
 
 std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
@@ -168,7 +190,7 @@ Result<Body> Bus::SendAndWait(const Call& call)
     GVariant* const body = g_dbus_connection_call_sync(
         connection->get(), kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
         G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call), NativeOf(call), &error);
-    return ToResult(body, error);
+    return Judged(call, ToResult(body, error));
 }
 
 void Start(Call call, BodyCompletion completion)

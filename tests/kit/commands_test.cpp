@@ -38,11 +38,25 @@ TEST_F(CommandsTest, SuccessIsAValue)
     EXPECT_TRUE(Ask().Next().Wait());
 }
 
-TEST_F(CommandsTest, FalseIsARefusal)
+TEST_F(CommandsTest, FalseIsARefusalThatSaysWhatWasAskedAndAnswered)
 {
-    service.Answer("Next", "(false,)");
+    service.Answer("EnterDbRoot", "(false,)");
+    service.Answer("EnterDbChildList", "(false,)");
 
-    EXPECT_EQ(KindOf(Completed(Ask().Next())), ErrorKind::Refused);
+    const Result<void> root = Completed(Ask().EnterRoot());
+    const Result<void> child = Ask().EnterChild(3).Wait();
+
+    EXPECT_EQ(KindOf(root), ErrorKind::Refused);
+    EXPECT_EQ(root.error().reason, "the service answered EnterDbRoot() with false");
+    EXPECT_EQ(KindOf(child), ErrorKind::Refused);
+    EXPECT_EQ(child.error().reason, "the service answered EnterDbChildList(3) with false");
+}
+
+TEST_F(CommandsTest, FalseIsAValueWhereItIsNoRefusal)
+{
+    service.Answer("IsIPodInDbRoot", "(false,)");
+
+    EXPECT_EQ(Completed(Ask().AtRoot()).value(), false);
 }
 
 TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
