@@ -50,7 +50,9 @@ void Session::Impl::Close()
 {
     m_owner.clear();
     m_retry.reset();
-    m_publisher->Stop();
+    m_publisher->End();
+    m_connectionTargets.End();
+    m_listeners.End();
     if (m_connection != nullptr)
     {
         g_dbus_connection_signal_unsubscribe(m_connection.get(), m_ownerSubscription);

@@ -238,19 +238,24 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
     EXPECT_EQ(amounts.seen, sent);
 }
 
-TEST_F(SessionTest, CallbacksMayDestroyTheSession)
+TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
 {
     FakeService service;
     AnswerState(service);
     Open();
+    int late = 0;
+    const auto count = [&] { late += session == nullptr ? 1 : 0; };
+    const Subscription states = session->OnState("states", [&](const StatePtr&, Fields) { count(); });
     const Subscription watching = session->OnConnection("end",
                                                         [&](const Connection& connection)
                                                         {
                                                             if (connection.phase == Phase::Ready) session.reset();
                                                         });
+    const Subscription steps = session->OnConnection("steps", [&](const Connection&) { count(); });
 
     EXPECT_TRUE(RunLoopUntil([&] { return session == nullptr; }));
     RunLoopFor(20ms);
+    EXPECT_EQ(late, 0);
 }
 
 TEST_F(SessionTest, TheEndOfTheBusIsTold)
