@@ -130,6 +130,7 @@ void Session::Impl::Replay()
         const EventQueue::Event event = m_queue.Take();
         event(m_draft);
         event(m_lanes);
+        event(m_deviceWatch);
         m_publisher->Touch();
         m_listeners.ForEach(m_guard, [&event](IQBXIpodPlayerListener* listener) { event(*listener); });
     }

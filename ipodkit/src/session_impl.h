@@ -49,6 +49,17 @@ private:
         bool greeted;
     };
 
+    /// Hears of devices that come and go.
+    class DeviceWatch : public IQBXIpodPlayerListener
+    {
+    public:
+        explicit DeviceWatch(Impl& session) : m_session(session) {}
+        void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus, int) override { m_session.DevicesChanged(); }
+
+    private:
+        Impl& m_session;
+    };
+
     // The bus, and who owns the service's name on it.
     void GetBus();
     void HaveBus(GDBusConnection* connection);
@@ -66,6 +77,8 @@ private:
     void Attached();
     void ReadAll();
     void ReadEnded();
+    void DevicesChanged();
+    void ReadDevices();
     void FetchArtwork();
     void ArtworkArrived(const Result<PictureHead>& head);
     void TakeArtwork(const PictureHead& head);
@@ -104,7 +117,9 @@ private:
     SourcePtr m_retry;
     std::string m_owner;  // unique name; empty while there is none
     std::uint32_t m_generation = 0;
+    DeviceWatch m_deviceWatch{*this};
     int m_reading = 0;
+    bool m_devicesChanged = false;  // while the answers were under way
     bool m_listening = false;
     bool m_fetchingArtwork = false;
     bool m_artworkOutdated = false;
