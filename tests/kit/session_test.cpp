@@ -1,6 +1,8 @@
 #include <IQBXIpodPlayer.h>
+#include <QBXIpodShareMemory.h>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "kit/kit_test.h"
@@ -188,6 +190,69 @@ TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
 
     EXPECT_FALSE(session->State()->deviceName);
     EXPECT_EQ(session->State()->queueSize, 3);
+}
+
+// The lock is given up on after ten seconds.
+TEST_F(SessionTest, ASegmentThatADeadProcessLockedIsAnErrorWithARemedy)
+{
+    QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        auto die = [] { _exit(0); };
+        segment.atomic_func(die);
+    }
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    FakeService service;
+    AnswerState(service);
+    Open();
+    const Ticker ticker;
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }, 20s));
+
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("locked by a process that died"));
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remove /dev/shm/ListVectorSharedMemory"));
+    EXPECT_LE(ticker.Longest(), kNotBlocked);
+
+    shm_unlink(kListSegmentName);
+    Ready();
+}
+
+TEST_F(SessionTest, ASegmentOfAnotherUserIsAnErrorThatNamesBoth)
+{
+    constexpr uid_t kNobody = 65534;
+    Open();
+    RunLoopFor(50ms);
+    FakeService service;
+    AnswerState(service);
+    const QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
+    if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "another user is there for the superuser only";
+
+    const bool failed = RunLoopUntil([&] { return session->Connection().error.has_value(); });
+    ASSERT_EQ(seteuid(0), 0);
+
+    ASSERT_TRUE(failed);
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("belongs to user 0 and this process is user 65534"));
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("as one user"));
+    Ready();
+}
+
+TEST_F(SessionTest, ASegmentOfAnotherSizeIsAnErrorWithARemedy)
+{
+    {
+        const QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
+    }
+    ASSERT_EQ(truncate((std::string("/dev/shm/") + kBufferSegmentName).c_str(), 32768), 0);
+    FakeService service;
+    AnswerState(service);
+    Open();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remove /dev/shm/BufferVectorSharedMemory"));
 }
 
 TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
