@@ -55,6 +55,11 @@ Result<Body> ToResult(GVariant* body, GError* error)
 
 Bus::Bus(GMainContext* context, const Guard& guard) : m_context(g_main_context_ref(context)), m_guard(guard) {}
 
+void Bus::OnFollowed(std::function<void(const char*)> followed)
+{
+    m_followed = std::move(followed);
+}
+
 void Bus::Send(Call call, BodyCompletion completion)
 {
     const bool here = g_main_context_is_owner(m_context.get());
@@ -122,7 +127,10 @@ void Bus::Complete(Serial serial, Result<Body> result)
 {
     const PendingPtr pending = Take(serial);
     if (pending == nullptr) return;
-    m_guard.Run(pending->call.method, [&] { pending->completion(Judged(pending->call, std::move(result))); });
+    const Call& call = pending->call;
+    Result<Body> judged = Judged(call, std::move(result));
+    if (judged && call.isOrder) m_followed(call.method);
+    m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
 }
 
 std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
@@ -190,7 +198,10 @@ Result<Body> Bus::SendAndWait(const Call& call)
     GVariant* const body = g_dbus_connection_call_sync(
         connection->get(), kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
         G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call), NativeOf(call), &error);
-    return Judged(call, ToResult(body, error));
+    Result<Body> judged = Judged(call, ToResult(body, error));
+    if (judged && call.isOrder)
+        Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
+    return judged;
 }
 
 void Start(Call call, BodyCompletion completion)

@@ -1,5 +1,7 @@
 #include "session_impl.h"
 
+#include <cstring>
+
 #include "context.h"
 #include "weak_session.h"
 
@@ -39,6 +41,11 @@ Session::Impl::Impl(const SessionOptions& options)
 
 void Session::Impl::Start()
 {
+    m_bus->OnFollowed(
+        [weak = weak_from_this()](const char* method)
+        {
+            if (const auto self = weak.lock()) self->Followed(method);
+        });
     Post(m_context.get(),
          [weak = weak_from_this()]
          {
@@ -120,6 +127,14 @@ void Session::Impl::RetryLater(void (Impl::*step)())
     g_source_set_callback(m_retry.get(), run, new Retry(weak_from_this(), step),
                           [](gpointer data) { delete static_cast<Retry*>(data); });
     g_source_attach(m_retry.get(), m_context.get());
+}
+
+// No event tells that another device is browsed now.
+void Session::Impl::Followed(const char* method)
+{
+    if (std::strcmp(method, "EnterDeviceChildList") != 0) return;
+    m_lanes.OutdateAll();
+    DevicesChanged();
 }
 
 void Session::Impl::Replay()

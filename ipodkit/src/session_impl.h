@@ -38,6 +38,9 @@ public:
     const SessionOptions& Options() const { return m_options; }
     /// @}
 
+    /// Delivers the events that have arrived: those that came before an answer are to be heard before it.
+    void Replay();
+
     Lanes& ListLanes() { return m_lanes; }
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
@@ -83,7 +86,7 @@ private:
     void ArtworkArrived(const Result<PictureHead>& head);
     void TakeArtwork(const PictureHead& head);
 
-    void Replay();
+    void Followed(const char* method);
     void Published(Fields changed);
     void SetConnection(Phase phase, std::optional<Error> error = std::nullopt);
     void RetryLater(void (Impl::*step)());

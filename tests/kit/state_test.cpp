@@ -171,6 +171,17 @@ TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
     EXPECT_EQ(State()->deviceCount, 2);
 }
 
+TEST_F(StateTest, ADeviceThatTheApplicationEntersIsAskedForToo)
+{
+    Ready();
+    service.Answer("EnterDeviceChildList", "(true,)");
+    service.Answer("GetIpodName", "('Other',)");
+
+    EXPECT_TRUE(Completed(session->Commands().EnterDevice(1)));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
+}
+
 TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
 {
     Ready();
