@@ -1,6 +1,8 @@
 #include <ipodkit/pager.h>
 
 #include <algorithm>
+#include <future>
+#include <thread>
 
 #include "kit/kit_test.h"
 
@@ -248,6 +250,36 @@ TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
 
     EXPECT_EQ(pager.Cached(0), nullptr);
     EXPECT_EQ(Get(pager, 0).value()->names.size(), 10U);
+}
+
+// The event and the answer are both there when the loop goes on.
+TEST_F(PagerTest, APageThatAChangeOfItsListOvertookIsCancelled)
+{
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(pager, 0);
+    std::promise<void> go;
+    std::promise<void> answered;
+    service.React("GetPlayingListItems",
+                  [&](GDBusMethodInvocation* call)
+                  {
+                      go.get_future().wait();
+                      service.Emit("OnIpodPlayingListAmountChange", "(1000,)");
+                      shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(50, "old"));
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
+                      service.Flush();
+                      answered.set_value();
+                  });
+    std::optional<Result<PagePtr>> result;
+    pager.At(50, [&result](Result<PagePtr> page) { result = std::move(page); });
+    ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(50, 99)") == 1; }));
+
+    go.set_value();
+    answered.get_future().wait();
+    std::this_thread::sleep_for(20ms);
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(pager.Cached(50), nullptr);
 }
 
 TEST_F(PagerTest, TheDevicesAreOnePage)
