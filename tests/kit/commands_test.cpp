@@ -129,6 +129,40 @@ TEST_F(CommandsTest, ACancelledRequestCompletesAtOnce)
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
 }
 
+TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
+{
+    service.Hold("Next");
+    const Cancellation stop;
+    std::thread stopping(
+        [&]
+        {
+            service.WaitForCalls(1);
+            stop.Cancel();
+        });
+
+    EXPECT_EQ(KindOf(Ask().Next().CancelledBy(stop).Wait()), ErrorKind::Cancelled);
+
+    stopping.join();
+}
+
+TEST_F(CommandsTest, AccessoryTextsStandInSlotsOfTheRecord)
+{
+    service.Answer("EapInit", "()");
+    const std::string longest(255, 'x');
+
+    EXPECT_TRUE(Completed(Ask().AnnounceAccessory({longest, "app"})));
+
+    std::string record = longest + std::string(1, '\0') + "app";
+    record.resize(512);
+    GVariant* const arguments = service.LastArguments();
+    GVariant* const boxed = g_variant_get_child_value(arguments, 0);
+    GVariant* const bytes = g_variant_get_variant(boxed);
+    gsize size = 0;
+    const auto* const sent = static_cast<const char*>(g_variant_get_fixed_array(bytes, &size, 1));
+    EXPECT_EQ(std::string(sent, size), record);
+    for (GVariant* const each : {bytes, boxed, arguments}) g_variant_unref(each);
+}
+
 TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)
 {
     RunLoopFor(50ms);

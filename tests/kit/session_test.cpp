@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <future>
+
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
 #include "support/recording_listener.h"
@@ -354,6 +356,36 @@ TEST_F(SessionTest, ListenersGetEveryEventOutsideTheListenerLock)
     EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(2)",
                                      R"(app.OnIpodPlayingTrackChange(7, "Other", "", "", "", 0, 0, 0, 0))",
                                      R"(app.OnOOBPairingInfo("addr", [01 02]))"));
+}
+
+TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
+{
+    struct Waiting : IQBXIpodPlayerListener
+    {
+        void OnPlayStatusChanged(iPodPlayerPlayStatus) override
+        {
+            std::future<void> locked = std::async(std::launch::async,
+                                                  []
+                                                  {
+                                                      QBX_GetIpodPlayer()->LockListener();
+                                                      QBX_GetIpodPlayer()->UnlockListener();
+                                                  });
+            outside = locked.wait_for(2s) == std::future_status::ready;
+            called = true;
+        }
+        bool called = false;
+        bool outside = false;
+    };
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    Waiting waiting;
+    const Subscription listening = session->Listen("waiting", waiting);
+
+    service.Emit("OnPlayStatusChanged", "(2,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return waiting.called; }));
+    EXPECT_TRUE(waiting.outside);
 }
 
 TEST_F(SessionTest, ListenersMayEndThemselvesAndAddOthersInsideACallback)

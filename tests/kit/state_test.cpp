@@ -100,6 +100,33 @@ TEST_F(StateTest, ABurstIsOneChange)
     EXPECT_EQ(State()->artwork->height, 200U);
 }
 
+TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
+{
+    Ready();
+    const StatePtr before = State();
+
+    Emit("OnIpodShuffleModeChange", "(0,)");
+    Emit("OnIpodShuffleModeChange", "(1,)");
+
+    EXPECT_EQ(State()->version, before->version + 2);
+    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_SONGS);
+    EXPECT_EQ(before->shuffle, IPOD_SHUFFLE_ALBUMS);
+}
+
+TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
+{
+    Ready();
+    const Position playing = *State()->position;
+    RunLoopFor(30ms);
+
+    Emit("OnPlayStatusChanged", "(2,)");
+
+    const Position paused = *State()->position;
+    EXPECT_GE(paused.position, playing.position + 30ms);
+    EXPECT_EQ(paused.position, playing.At(paused.at));
+    EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
+}
+
 TEST_F(StateTest, WhatComesBackWithinABurstIsNoChange)
 {
     Ready();
