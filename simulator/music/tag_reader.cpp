@@ -59,13 +59,13 @@ Bytes PictureIn(TagLib::FLAC::File& flac)
     return picture.empty() ? PictureIn(flac.ID3v2Tag()) : picture;
 }
 
-Bytes PictureIn(TagLib::File* file)
+Bytes PictureIn(TagLib::File& file)
 {
-    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) return PictureIn(mpeg->ID3v2Tag());
-    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) return PictureIn(*flac);
-    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(file)) return PictureIn(mp4->tag());
-    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) return PictureIn(wav->ID3v2Tag());
-    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file->tag())) return PictureIn(ogg->pictureList());
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return PictureIn(mpeg->ID3v2Tag());
+    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(&file)) return PictureIn(*flac);
+    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(&file)) return PictureIn(mp4->tag());
+    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(&file)) return PictureIn(wav->ID3v2Tag());
+    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag())) return PictureIn(ogg->pictureList());
     return {};
 }
 
@@ -84,7 +84,7 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
     track.genre = Text(tag.genre(), "Unknown genre");
     track.number = static_cast<int>(tag.track());
     track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
-    track.hasPicture = IsPicture(PictureIn(reference.file()));
+    track.hasPicture = IsPicture(PictureIn(*reference.file()));
     track.file = file;
     return track;
 }
@@ -101,6 +101,6 @@ std::optional<Track> ReadTrack(const std::string& file)
 Bytes ReadEmbeddedPicture(const std::string& file)
 {
     const TagLib::FileRef reference(file.c_str(), false);
-    return reference.isNull() ? Bytes{} : PictureIn(reference.file());
+    return reference.isNull() ? Bytes{} : PictureIn(*reference.file());
 }
 }  // namespace ipodsim
