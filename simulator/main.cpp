@@ -53,7 +53,7 @@ void Say(const std::string& line)
 std::string ReadScenario(const std::string& name)
 {
     std::ifstream in(name, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    std::string text{std::istreambuf_iterator<char>(in), {}};
     if (!in || in.bad()) throw std::runtime_error(name + ": cannot be read");
     try
     {

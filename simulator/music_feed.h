@@ -59,7 +59,7 @@ private:
 
     // On the service's thread:
     void Wake();
-    void Show(const DeviceFolder& device, Library library);
+    void Show(const DeviceFolder& folder, Library library);
     void RemoveAllBut(const std::vector<DeviceFolder>& devices);
 
     Service& m_service;

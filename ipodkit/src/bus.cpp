@@ -23,6 +23,28 @@ GCancellable* NativeOf(const Call& call)
     return call.cancellation ? call.cancellation->Native() : nullptr;
 }
 
+// "EnterDbChildList(3)".
+std::string TextOf(const Call& call)
+{
+    if (call.arguments == nullptr) return std::string(call.method) + "()";
+    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
+    std::string arguments(printed);
+    g_free(printed);
+    const std::size_t comma = arguments.size() - 2;
+    if (arguments[comma] == ',') arguments.erase(comma, 1);
+    return call.method + arguments;
+}
+
+// An order that was not followed is refused.
+Result<Body> Judged(const Call& call, Result<Body> result)
+{
+    if (!result || !call.isOrder) return result;
+    gboolean followed = FALSE;
+    g_variant_get(result->get(), "(b)", &followed);
+    if (followed != FALSE) return result;
+    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
+}
+
 Result<Body> ToResult(GVariant* body, GError* error)
 {
     if (error == nullptr) return Body(body, g_variant_unref);
@@ -32,6 +54,11 @@ Result<Body> ToResult(GVariant* body, GError* error)
 }  // namespace
 
 Bus::Bus(GMainContext* context, const Guard& guard) : m_context(g_main_context_ref(context)), m_guard(guard) {}
+
+void Bus::OnFollowed(std::function<void(const char*)> followed)
+{
+    m_followed = std::move(followed);
+}
 
 void Bus::Send(Call call, BodyCompletion completion)
 {
@@ -100,7 +127,10 @@ void Bus::Complete(Serial serial, Result<Body> result)
 {
     const PendingPtr pending = Take(serial);
     if (pending == nullptr) return;
-    m_guard.Run(pending->call.method, [&] { pending->completion(std::move(result)); });
+    const Call& call = pending->call;
+    Result<Body> judged = Judged(call, std::move(result));
+    if (judged && call.isOrder) m_followed(call.method);
+    m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
 }
 
 std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
@@ -168,7 +198,10 @@ Result<Body> Bus::SendAndWait(const Call& call)
     GVariant* const body = g_dbus_connection_call_sync(
         connection->get(), kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
         G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call), NativeOf(call), &error);
-    return ToResult(body, error);
+    Result<Body> judged = Judged(call, ToResult(body, error));
+    if (judged && call.isOrder)
+        Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
+    return judged;
 }
 
 void Start(Call call, BodyCompletion completion)

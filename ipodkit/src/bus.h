@@ -21,11 +21,15 @@ namespace detail
 /// Calls go to the service's well-known name over the connection itself. A proxy would send them to the unique name
 /// that it saw last, hence to a dead service until its context runs; and it knows no deadline per call.
 ///
-/// Send() and SendAndWait() may be called on any thread, the rest on the thread of the context.
+/// Send() and SendAndWait() may be called on any thread, OnFollowed() before they are; the rest on the thread of the
+/// context.
 class Bus : public std::enable_shared_from_this<Bus>
 {
 public:
     Bus(GMainContext* context, const Guard& guard);
+
+    /// @p followed hears, in the context, of each order that the service has followed, before the order's completion.
+    void OnFollowed(std::function<void(const char* method)> followed);
 
     /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.
     void Send(Call call, BodyCompletion completion);
@@ -68,6 +72,7 @@ private:
 
     const ContextPtr m_context;
     const Guard m_guard;
+    std::function<void(const char*)> m_followed = [](const char*) {};
     std::mutex m_mutex;
     ConnectionPtr m_connection;
     std::map<Serial, PendingPtr> m_pending;

@@ -27,12 +27,6 @@ Decoded<bool> Flag(GVariant* body)
     return flag != FALSE;
 }
 
-Decoded<void> Done(GVariant* body)
-{
-    if (*Flag(body)) return {};
-    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered false"});
-}
-
 template <class Number>
 Decoded<Number> Int(GVariant* body)
 {
@@ -72,10 +66,10 @@ Decoded<CarPlayDevice> StatusAndSerial(GVariant* body)
 }  // namespace
 
 // Spelled as in the bus contract: searching for a member of it finds its one use.
-#define ORDER                          \
-    Maker<void>                        \
-    {                                  \
-        m_bus, m_deadline, "(b)", Done \
+#define ORDER                                   \
+    Maker<void>                                 \
+    {                                           \
+        m_bus, m_deadline, "(b)", Nothing, true \
     }
 #define TELL                             \
     Maker<void>                          \

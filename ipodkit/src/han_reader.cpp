@@ -15,6 +15,9 @@ namespace
 constexpr int kShortestName = 2;
 constexpr int kLongestName = 3;
 
+constexpr char16_t kCharacterRules[] = u"::Han-Latin;::NFC;::Lower;[üǖǘǚǜ]>V;::Latin-ASCII;";
+constexpr char16_t kSurnameRules[] = u"::Han-Latin/Names;::NFC;::Lower;[üǖǘǚǜ]>V;::Latin-ASCII;";
+
 int EndOfRun(const icu::UnicodeString& name, int at)
 {
     while (at < name.length() && HanReader::IsHan(name.char32At(at))) at = name.moveIndex32(at, 1);
@@ -42,8 +45,8 @@ bool HanReader::IsHan(UChar32 character)
 
 std::optional<HanReader> HanReader::Make()
 {
-    auto characters = MakeRules(u"Han-Latin; Latin-ASCII; Lower");
-    auto surnames = MakeRules(u"Han-Latin/Names; Latin-ASCII; Lower");
+    auto characters = ParseRules(kCharacterRules);
+    auto surnames = ParseRules(kSurnameRules);
     auto simplified = MakeRules(u"Hant-Hans");
     if (characters == nullptr || surnames == nullptr || simplified == nullptr) return std::nullopt;
     return HanReader(std::move(characters), std::move(surnames), std::move(simplified));

@@ -8,6 +8,7 @@
 
 #include "matcher.h"
 #include "reader.h"
+#include "reading.h"
 
 namespace ipodkit
 {
@@ -139,10 +140,12 @@ const std::vector<JumpSection>& JumpIndex::Sections() const
     return m_contents->sections;
 }
 
-const std::string& JumpIndex::Reading(int index) const
+std::string JumpIndex::Reading(int index) const
 {
     const int position = m_contents->positions.at(static_cast<std::size_t>(index));
-    return m_contents->readings[static_cast<std::size_t>(position)];
+    std::string reading = m_contents->readings[static_cast<std::size_t>(position)];
+    std::replace(reading.begin(), reading.end(), kUmlaut, 'u');
+    return reading;
 }
 
 std::size_t JumpIndex::Size() const

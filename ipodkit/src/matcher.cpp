@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "reading.h"
+
 namespace ipodkit
 {
 namespace
@@ -11,6 +13,11 @@ constexpr std::size_t kLongest = 60;
 // Bit n: the first n letters of the query are accounted for.
 using Reached = std::uint64_t;
 
+bool Stands(char typed, char letter)
+{
+    return typed == letter || (letter == kUmlaut && (typed == 'v' || typed == 'u'));
+}
+
 // From each reached position on, the query may go on with any beginning of the token that fits.
 Reached Advance(Reached reached, const std::string& query, const char* token, std::size_t length)
 {
@@ -18,7 +25,7 @@ Reached Advance(Reached reached, const std::string& query, const char* token, st
     for (std::size_t from = 0; from < query.size(); ++from)
     {
         if ((reached >> from & 1) == 0) continue;
-        for (std::size_t i = 0; i < length && from + i < query.size() && query[from + i] == token[i]; ++i)
+        for (std::size_t i = 0; i < length && from + i < query.size() && Stands(query[from + i], token[i]); ++i)
             next |= Reached{1} << (from + i + 1);
     }
     return next;
@@ -40,9 +47,9 @@ bool Fits(const std::string& query, const std::string& reading, bool anywhere)
     return false;
 }
 
-int BitOf(char letter)
+std::uint64_t BitOf(char letter)
 {
-    return letter >= 'a' ? letter - 'a' : 26 + letter - '0';
+    return std::uint64_t{1} << (letter >= 'a' ? letter - 'a' : 26 + letter - '0');
 }
 
 bool IsTyped(char letter)
@@ -62,7 +69,10 @@ std::uint64_t LettersIn(const std::string& text)
 {
     std::uint64_t letters = 0;
     for (const char letter : text)
-        if (IsTyped(letter)) letters |= std::uint64_t{1} << BitOf(letter);
+    {
+        if (IsTyped(letter)) letters |= BitOf(letter);
+        if (letter == kUmlaut) letters |= BitOf('v') | BitOf('u');
+    }
     return letters;
 }
 
@@ -70,7 +80,7 @@ std::uint64_t InitialsIn(const std::string& reading)
 {
     std::uint64_t initials = 0;
     for (std::size_t i = 0; i < reading.size(); ++i)
-        if (i == 0 || reading[i - 1] == ' ') initials |= std::uint64_t{1} << BitOf(reading[i]);
+        if (i == 0 || reading[i - 1] == ' ') initials |= BitOf(reading[i]);
     return initials;
 }
 

@@ -7,7 +7,7 @@
 
 namespace ipodkit
 {
-/// A reading as Reader makes it: syllables and words, lower-case letters and digits, single blanks between.
+/// A reading as Reader makes it: syllables and words, lower-case letters, digits and kUmlaut, single blanks between.
 ///
 /// A query fits when it can be cut into pieces that are beginnings of successive syllables or words: "zjl", "zhoujl",
 /// "zhoujielun" all fit "zhou jie lun", and "jl" does from its second syllable on.

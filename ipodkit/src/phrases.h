@@ -10,7 +10,7 @@ namespace ipodkit
 struct Phrase
 {
     std::u16string_view characters;  ///< simplified
-    const char* reading;             ///< one syllable for each, separated by blanks
+    const char* reading;             ///< one syllable for each, separated by blanks; ü is kUmlaut
 };
 
 /// The longest phrase that @p text begins with; null when there is none.

@@ -58,6 +58,12 @@ void Publisher::Freeze(Phase phase, std::uint32_t generation)
     Publish(std::move(state));
 }
 
+void Publisher::End()
+{
+    Stop();
+    m_targets.End();
+}
+
 void Publisher::Stop()
 {
     m_live = false;

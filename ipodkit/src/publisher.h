@@ -32,8 +32,8 @@ public:
     /// Publishes the last value with another phase, and stops following the draft.
     void Freeze(Phase phase, std::uint32_t generation);
 
-    /// Publishes nothing more.
-    void Stop();
+    /// Publishes nothing more, and ends the subscriptions.
+    void End();
 
 private:
     struct Target
@@ -43,6 +43,7 @@ private:
         bool greeted;
     };
 
+    void Stop();
     void PublishDraft();
     void Publish(PlayerState state);
     void Deliver(Target& target, const StatePtr& state, Fields changed);

@@ -9,6 +9,15 @@ std::shared_ptr<icu::Transliterator> MakeRules(const char16_t* id)
     return U_FAILURE(status) ? nullptr : rules;
 }
 
+std::shared_ptr<icu::Transliterator> ParseRules(const char16_t* rules)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError where;
+    std::shared_ptr<icu::Transliterator> parsed(
+        icu::Transliterator::createFromRules(u"ipodkit", rules, UTRANS_FORWARD, where, status));
+    return U_FAILURE(status) ? nullptr : parsed;
+}
+
 std::string Letters(const icu::Transliterator& rules, icu::UnicodeString text)
 {
     rules.transliterate(text);
@@ -17,7 +26,7 @@ std::string Letters(const icu::Transliterator& rules, icu::UnicodeString text)
     {
         const char16_t unit = text.charAt(i);
         const bool typed = (unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9');
-        if (typed) letters += static_cast<char>(unit);
+        if (typed || unit == kUmlaut) letters += static_cast<char>(unit);
     }
     return letters;
 }

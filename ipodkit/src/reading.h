@@ -11,10 +11,16 @@
 
 namespace ipodkit
 {
+/// Stands for the ü of a Chinese syllable, which people type as v or as u. Nothing else in a reading is a capital.
+inline constexpr char kUmlaut = 'V';
+
 /// Null when the system's ICU lacks them.
 std::shared_ptr<icu::Transliterator> MakeRules(const char16_t* id);
 
-/// Only what can be typed of what the rules make of a text.
+/// Rules that are written out; null when they need some that the system's ICU lacks.
+std::shared_ptr<icu::Transliterator> ParseRules(const char16_t* rules);
+
+/// Only what can be typed, and kUmlaut, of what the rules make of a text.
 std::string Letters(const icu::Transliterator& rules, icu::UnicodeString text);
 
 /// One more syllable or word, or several; nothing when it is empty.

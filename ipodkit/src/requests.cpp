@@ -9,12 +9,9 @@ namespace
 {
 const tl::unexpected<Error> kNotFilled(Error{ErrorKind::Refused, "the service did not fill the page"});
 
-Result<void> Accepted(GVariant* body)
+Result<void> Nothing(GVariant*)
 {
-    gboolean accepted = FALSE;
-    g_variant_get(body, "(b)", &accepted);
-    if (accepted) return {};
-    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service did not accept the bytes"});
+    return {};
 }
 
 Result<PageHead> PlainHead(GVariant* body)
@@ -62,7 +59,7 @@ Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std:
 Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
                          std::uint16_t session)
 {
-    return Maker<void>{bus, deadline, "(b)", Accepted}("EapWrite", g_variant_new("(q)", session));
+    return Maker<void>{bus, deadline, "(b)", Nothing, true}("EapWrite", g_variant_new("(q)", session));
 }
 
 Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline, ListKind kind,

@@ -111,9 +111,10 @@ std::optional<Error> Probe(const char* segment)
     {
         return Map(segment, file);
     }
-    catch (const bip::lock_exception&)
+    catch (const bip::interprocess_exception& thrown)
     {
-        return Failure(segment, "it is locked by a process that died", Removal(segment));
+        const bool locked = thrown.get_error_code() == bip::timeout_when_locking_error;
+        return Failure(segment, locked ? "it is locked by a process that died" : thrown.what(), Removal(segment));
     }
     catch (const std::exception& thrown)
     {

@@ -110,6 +110,8 @@ void Session::Impl::Appeared()
 {
     ++m_generation;
     m_draft.Reset();
+    m_reading = 0;
+    m_devicesChanged = false;
     SetConnection(Phase::Connecting);
     m_publisher->Freeze(Phase::Connecting, m_generation);
     Ping();

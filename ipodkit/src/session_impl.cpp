@@ -1,5 +1,7 @@
 #include "session_impl.h"
 
+#include <cstring>
+
 #include "context.h"
 #include "weak_session.h"
 
@@ -39,6 +41,11 @@ Session::Impl::Impl(const SessionOptions& options)
 
 void Session::Impl::Start()
 {
+    m_bus->OnFollowed(
+        [weak = weak_from_this()](const char* method)
+        {
+            if (const auto self = weak.lock()) self->Followed(method);
+        });
     Post(m_context.get(),
          [weak = weak_from_this()]
          {
@@ -50,7 +57,9 @@ void Session::Impl::Close()
 {
     m_owner.clear();
     m_retry.reset();
-    m_publisher->Stop();
+    m_publisher->End();
+    m_connectionTargets.End();
+    m_listeners.End();
     if (m_connection != nullptr)
     {
         g_dbus_connection_signal_unsubscribe(m_connection.get(), m_ownerSubscription);
@@ -120,6 +129,14 @@ void Session::Impl::RetryLater(void (Impl::*step)())
     g_source_attach(m_retry.get(), m_context.get());
 }
 
+// No event tells that another device is browsed now.
+void Session::Impl::Followed(const char* method)
+{
+    if (std::strcmp(method, "EnterDeviceChildList") != 0) return;
+    m_lanes.OutdateAll();
+    DevicesChanged();
+}
+
 void Session::Impl::Replay()
 {
     const auto self = shared_from_this();
@@ -128,6 +145,7 @@ void Session::Impl::Replay()
         const EventQueue::Event event = m_queue.Take();
         event(m_draft);
         event(m_lanes);
+        event(m_deviceWatch);
         m_publisher->Touch();
         m_listeners.ForEach(m_guard, [&event](IQBXIpodPlayerListener* listener) { event(*listener); });
     }

@@ -38,6 +38,9 @@ public:
     const SessionOptions& Options() const { return m_options; }
     /// @}
 
+    /// Delivers the events that have arrived: those that came before an answer are to be heard before it.
+    void Replay();
+
     Lanes& ListLanes() { return m_lanes; }
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
@@ -47,6 +50,17 @@ private:
     {
         ConnectionCallback callback;
         bool greeted;
+    };
+
+    /// Hears of devices that come and go.
+    class DeviceWatch : public IQBXIpodPlayerListener
+    {
+    public:
+        explicit DeviceWatch(Impl& session) : m_session(session) {}
+        void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus, int) override { m_session.DevicesChanged(); }
+
+    private:
+        Impl& m_session;
     };
 
     // The bus, and who owns the service's name on it.
@@ -66,11 +80,13 @@ private:
     void Attached();
     void ReadAll();
     void ReadEnded();
+    void DevicesChanged();
+    void ReadDevices();
     void FetchArtwork();
     void ArtworkArrived(const Result<PictureHead>& head);
     void TakeArtwork(const PictureHead& head);
 
-    void Replay();
+    void Followed(const char* method);
     void Published(Fields changed);
     void SetConnection(Phase phase, std::optional<Error> error = std::nullopt);
     void RetryLater(void (Impl::*step)());
@@ -104,7 +120,9 @@ private:
     SourcePtr m_retry;
     std::string m_owner;  // unique name; empty while there is none
     std::uint32_t m_generation = 0;
+    DeviceWatch m_deviceWatch{*this};
     int m_reading = 0;
+    bool m_devicesChanged = false;  // while the answers were under way
     bool m_listening = false;
     bool m_fetchingArtwork = false;
     bool m_artworkOutdated = false;

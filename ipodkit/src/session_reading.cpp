@@ -72,6 +72,7 @@ void Session::Impl::Read(Request<T> request, Apply apply)
             if (self == nullptr || !self->Present(generation)) return;
             self->Replay();
             if (result) std::invoke(apply, self->m_draft, *result);
+            self->m_publisher->Touch();
             self->ReadEnded();
         });
 }
@@ -80,7 +81,6 @@ void Session::Impl::Read(Request<T> request, Apply apply)
 void Session::Impl::ReadAll()
 {
     const ipodkit::Commands commands = MakeCommands();
-    m_reading = 0;
     Read(commands.CurrentTrack(), &StateDraft::SetTrack);
     Read(commands.PlayingIndex(), &StateDraft::SetTrackIndex);
     Read(commands.PlayStatus(), &StateDraft::SetStatus);
@@ -99,8 +99,34 @@ void Session::Impl::ReadAll()
 void Session::Impl::ReadEnded()
 {
     if (--m_reading > 0) return;
-    SetConnection(Phase::Ready);
-    m_publisher->GoLive(m_generation);
+    if (CurrentConnection().phase != Phase::Ready)
+    {
+        SetConnection(Phase::Ready);
+        m_publisher->GoLive(m_generation);
+    }
+    if (std::exchange(m_devicesChanged, false)) ReadDevices();
+}
+
+// No event tells which device came or went, what it is called, and which of the others is played now. Asked for one
+// round at a time, however fast they come and go; while there is no state yet, all of it is still to be asked for.
+void Session::Impl::DevicesChanged()
+{
+    m_devicesChanged = m_reading > 0;
+    if (m_reading == 0 && CurrentConnection().phase == Phase::Ready) ReadDevices();
+}
+
+// Without a device there is nothing more to ask for, and what was said of one meanwhile does not count.
+void Session::Impl::ReadDevices()
+{
+    Read(MakeCommands().DeviceCount(),
+         [this](StateDraft& draft, int count)
+         {
+             draft.SetDeviceCount(count);
+             if (count > 0)
+                 ReadAll();
+             else
+                 draft.ForgetDevice();
+         });
 }
 
 // A track that came without a picture may have one all the same. Ready has just read it.
@@ -131,13 +157,14 @@ void Session::Impl::ArtworkArrived(const Result<PictureHead>& head)
 {
     Replay();
     if (m_artworkOutdated) return FetchArtwork();
-    if (!head || m_draft.State().artwork != nullptr) return;
-    TakeArtwork(*head);
+    if (head) TakeArtwork(*head);
     m_publisher->Touch();
 }
 
+// What an event has brought stays: it was the picture of this track.
 void Session::Impl::TakeArtwork(const PictureHead& head)
 {
+    if (m_draft.State().artwork != nullptr) return;
     auto bytes = head[0] == 0 ? BytesIn(g_VecArtworkBufferShareMemory) : std::nullopt;
     m_draft.SetArtwork(bytes ? m_pictures.Put(std::move(*bytes)) : nullptr);
 }

@@ -66,6 +66,12 @@ public:
         return entry;
     }
 
+    /// Ends all.
+    void End()
+    {
+        for (const EntryPtr& entry : Snapshot()) entry->End();
+    }
+
     /// Calls each, in the order of registration. Those added meanwhile are left out, those ended too.
     template <class Call>
     void ForEach(const Guard& guard, const Call& call)

@@ -38,10 +38,8 @@ void Merge(iPodPhoneCall_t& known, const iPodPhoneCall_t& told)
 }  // namespace
 
 // Another device has nothing in common with the last one.
-void StateDraft::OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int)
+void StateDraft::ForgetDevice()
 {
-    m_state.device = status;
-    if (status != APPLE_DEVICE_NOT_DETECTED) return;
     m_state.track.reset();
     m_state.trackIndex.reset();
     m_state.position.reset();
@@ -52,6 +50,12 @@ void StateDraft::OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int
     m_state.battery = {};
     m_state.calls.clear();
     m_state.accessorySessions.clear();
+}
+
+void StateDraft::OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int)
+{
+    m_state.device = status;
+    if (status == APPLE_DEVICE_NOT_DETECTED) ForgetDevice();
 }
 
 void StateDraft::OnPlayStatusChanged(iPodPlayerPlayStatus status)

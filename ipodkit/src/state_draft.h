@@ -22,6 +22,9 @@ public:
     /// Forgets everything: a service that has just appeared has no past.
     void Reset() { m_state = {}; }
 
+    /// Forgets what was known of the device.
+    void ForgetDevice();
+
     /// @name Answers of the service
     /// @{
     void SetTrack(const QBXiPodTrackInfo& track) { m_state.track = track; }

@@ -78,19 +78,10 @@ const char16_t* RulesOf(const icu::UnicodeString& word)
     }
 }
 
-std::shared_ptr<icu::Transliterator> Parsed(const char16_t* rules)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    UParseError where;
-    std::shared_ptr<icu::Transliterator> parsed(
-        icu::Transliterator::createFromRules(u"ipodkit", rules, UTRANS_FORWARD, where, status));
-    return U_FAILURE(status) ? nullptr : parsed;
-}
-
 // A system without the rules of a script has none that read it: its words are left out.
 std::shared_ptr<icu::Transliterator> RulesOrNone(const char16_t* id)
 {
-    auto rules = id == kKana ? Parsed(id) : MakeRules(id);
+    auto rules = id == kKana ? ParseRules(id) : MakeRules(id);
     if (rules == nullptr) rules = MakeRules(kOther);
     return rules == nullptr ? MakeRules(u"Null") : rules;
 }

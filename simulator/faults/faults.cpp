@@ -45,7 +45,7 @@ constexpr KindRow kKinds[] = {
 
 const KindRow& RowOf(const std::string& name)
 {
-    const auto found =
+    const auto* const found =
         std::find_if(std::begin(kKinds), std::end(kKinds), [&](const KindRow& row) { return name == row.name; });
     if (found != std::end(kKinds)) return *found;
     std::string names;

@@ -46,12 +46,9 @@ public:
     template <class ColourAt>
     void Paint(ColourAt colourAt)
     {
+        auto pixel = m_pixels.begin();
         for (int y = 0; y < kSide; ++y)
-            for (int x = 0; x < kSide; ++x)
-            {
-                Colour& pixel = m_pixels[static_cast<std::size_t>(y * kSide + x)];
-                pixel = colourAt(x, y, pixel);
-            }
+            for (int x = 0; x < kSide; ++x, ++pixel) *pixel = colourAt(x, y, *pixel);
     }
 
     void Circle(double centreX, double centreY, double radius, const Colour& colour, double opacity)

@@ -29,7 +29,7 @@ public:
 
 private:
     static gboolean OnReadable(gint descriptor, GIOCondition, gpointer self);
-    static gboolean OnQuiet(gpointer self);
+    static gboolean OnQuiet(gpointer data);
     void WaitForQuiet();
     void StopWaiting();
 

@@ -61,13 +61,13 @@ Bytes PictureIn(TagLib::FLAC::File& flac)
     return picture.empty() ? PictureIn(flac.ID3v2Tag()) : picture;
 }
 
-Bytes PictureIn(TagLib::File* file)
+Bytes PictureIn(TagLib::File& file)
 {
-    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) return PictureIn(mpeg->ID3v2Tag());
-    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) return PictureIn(*flac);
-    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(file)) return PictureIn(mp4->tag());
-    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) return PictureIn(wav->ID3v2Tag());
-    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file->tag())) return PictureIn(ogg->pictureList());
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return PictureIn(mpeg->ID3v2Tag());
+    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(&file)) return PictureIn(*flac);
+    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(&file)) return PictureIn(mp4->tag());
+    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(&file)) return PictureIn(wav->ID3v2Tag());
+    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag())) return PictureIn(ogg->pictureList());
     return {};
 }
 
@@ -103,7 +103,7 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
     track.genre = Text(tag.genre(), "Unknown genre");
     track.number = static_cast<int>(tag.track());
     track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
-    track.hasPicture = IsPicture(PictureIn(reference.file()));
+    track.hasPicture = IsPicture(PictureIn(*reference.file()));
     track.file = file;
     return track;
 }
@@ -121,6 +121,6 @@ std::optional<Track> ReadTrack(const std::string& file)
 Bytes ReadEmbeddedPicture(const std::string& file)
 {
     const OpenFile open(file, false);
-    return open.tags.isNull() ? Bytes{} : PictureIn(open.tags.file());
+    return open.tags.isNull() ? Bytes{} : PictureIn(*open.tags.file());
 }
 }  // namespace ipodsim

@@ -79,6 +79,7 @@ void Queue::ShuffleAlbums(std::size_t start)
     auto& opening = first.mapped();
     std::rotate(opening.begin(), std::find(opening.begin(), opening.end(), start), opening.end());
     std::vector<std::vector<std::size_t>> others;
+    others.reserve(albums.size());
     for (auto& [name, songs] : albums) others.push_back(std::move(songs));
     std::shuffle(others.begin(), others.end(), m_random);
     m_order = std::move(opening);

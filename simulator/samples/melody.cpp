@@ -30,7 +30,8 @@ int Throw(std::mt19937& random, unsigned count)
 double Pitch(double root, int step)
 {
     constexpr int kSemitones[] = {0, 2, 4, 7, 9};
-    return root * std::pow(2.0, step / 5 + kSemitones[step % 5] / 12.0);
+    const int octave = step / 5;
+    return root * std::pow(2.0, octave + kSemitones[step % 5] / 12.0);
 }
 
 // A short attack without a click, then an exponential decay.

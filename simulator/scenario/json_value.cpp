@@ -69,7 +69,7 @@ std::vector<JsonValue> JsonValue::Elements(const char* what) const
 std::string JsonValue::Text(const char* what) const
 {
     if (!m_json.is_string()) Refuse(what);
-    const auto text = m_json.get<std::string>();
+    auto text = m_json.get<std::string>();
     if (text.find('\0') != std::string::npos) Refuse(std::string(what) + " without NUL");
     return text;
 }

@@ -95,7 +95,7 @@ Happening App(const JsonValue& value)
 
 std::string NameOfDevice(const JsonValue& value)
 {
-    const std::string name = value.Text("the name of a device");
+    std::string name = value.Text("the name of a device");
     if (name.empty()) value.Refuse("a name that is not empty");
     return name;
 }

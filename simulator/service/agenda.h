@@ -22,7 +22,7 @@ public:
 
 private:
     struct Item;
-    static gboolean OnTime(gpointer item);
+    static gboolean OnTime(gpointer data);
 
     GMainContext* m_context;
     std::set<Item*> m_items;

@@ -75,7 +75,7 @@ public:
     /// Dies, as a fault wants it. Does nothing but warn where it may not.
     void Crash(const Fault& fault);
     bool MayCrash() const { return static_cast<bool>(m_settings.crash); }
-    void Restart(unsigned times) { m_settings.restart(times); }
+    void Restart(unsigned times) const { m_settings.restart(times); }
 
     /// What a time of the track's clock takes.
     double RealSeconds(double seconds) const { return seconds / m_settings.speed; }

@@ -127,7 +127,7 @@ Bytes Segments::TakeEapWrite() const
 {
     const std::size_t count = eapWrite->size();
     if (count == 0) return {};
-    const unsigned char* const begin = &(*eapWrite)[0];
+    const unsigned char* const begin = eapWrite->data();
     if (!m_buffers.belongs_to_segment(begin) || count > m_buffers.get_size() ||
         !m_buffers.belongs_to_segment(begin + count - 1))
         throw std::runtime_error("the accessory write buffer points outside its segment");

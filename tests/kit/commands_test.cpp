@@ -38,11 +38,25 @@ TEST_F(CommandsTest, SuccessIsAValue)
     EXPECT_TRUE(Ask().Next().Wait());
 }
 
-TEST_F(CommandsTest, FalseIsARefusal)
+TEST_F(CommandsTest, FalseIsARefusalThatSaysWhatWasAskedAndAnswered)
 {
-    service.Answer("Next", "(false,)");
+    service.Answer("EnterDbRoot", "(false,)");
+    service.Answer("EnterDbChildList", "(false,)");
 
-    EXPECT_EQ(KindOf(Completed(Ask().Next())), ErrorKind::Refused);
+    const Result<void> root = Completed(Ask().EnterRoot());
+    const Result<void> child = Ask().EnterChild(3).Wait();
+
+    EXPECT_EQ(KindOf(root), ErrorKind::Refused);
+    EXPECT_EQ(root.error().reason, "the service answered EnterDbRoot() with false");
+    EXPECT_EQ(KindOf(child), ErrorKind::Refused);
+    EXPECT_EQ(child.error().reason, "the service answered EnterDbChildList(3) with false");
+}
+
+TEST_F(CommandsTest, FalseIsAValueWhereItIsNoRefusal)
+{
+    service.Answer("IsIPodInDbRoot", "(false,)");
+
+    EXPECT_EQ(Completed(Ask().AtRoot()).value(), false);
 }
 
 TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
@@ -113,6 +127,40 @@ TEST_F(CommandsTest, ACancelledRequestCompletesAtOnce)
 
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+}
+
+TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
+{
+    service.Hold("Next");
+    const Cancellation stop;
+    std::thread stopping(
+        [&]
+        {
+            service.WaitForCalls(1);
+            stop.Cancel();
+        });
+
+    EXPECT_EQ(KindOf(Ask().Next().CancelledBy(stop).Wait()), ErrorKind::Cancelled);
+
+    stopping.join();
+}
+
+TEST_F(CommandsTest, AccessoryTextsStandInSlotsOfTheRecord)
+{
+    service.Answer("EapInit", "()");
+    const std::string longest(255, 'x');
+
+    EXPECT_TRUE(Completed(Ask().AnnounceAccessory({longest, "app"})));
+
+    std::string record = longest + std::string(1, '\0') + "app";
+    record.resize(512);
+    GVariant* const arguments = service.LastArguments();
+    GVariant* const boxed = g_variant_get_child_value(arguments, 0);
+    GVariant* const bytes = g_variant_get_variant(boxed);
+    gsize size = 0;
+    const auto* const sent = static_cast<const char*>(g_variant_get_fixed_array(bytes, &size, 1));
+    EXPECT_EQ(std::string(sent, size), record);
+    for (GVariant* const each : {bytes, boxed, arguments}) g_variant_unref(each);
 }
 
 TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)

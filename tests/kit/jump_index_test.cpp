@@ -47,6 +47,21 @@ TEST_F(JumpIndexTest, FindsFromALaterSyllableToo)
     EXPECT_THAT(Found(index, "杰"), ElementsAre("杰克", "周杰伦"));
 }
 
+TEST_F(JumpIndexTest, TheUmlautOfASyllableIsTypedAsVOrU)
+{
+    const JumpIndex index = Index({"绿色", "女儿", "掠夺", "频率", "綠光", "路", "怒", "Love", "Lü"});
+
+    EXPECT_THAT(Found(index, "lv"), testing::UnorderedElementsAre("绿色", "掠夺", "频率", "綠光"));
+    EXPECT_THAT(Found(index, "lvse"), ElementsAre("绿色"));
+    EXPECT_THAT(Found(index, "luse"), ElementsAre("绿色"));
+    EXPECT_THAT(Found(index, "nv"), ElementsAre("女儿"));
+    EXPECT_THAT(Found(index, "nu"), testing::UnorderedElementsAre("女儿", "怒"));
+    EXPECT_THAT(Found(index, "lve"), ElementsAre("掠夺"));
+    EXPECT_THAT(Found(index, "plv"), ElementsAre("频率"));
+    EXPECT_THAT(Found(index, "love"), ElementsAre("Love"));
+    for (const char* query : {"v", "loue", "lw"}) EXPECT_THAT(Found(index, query), IsEmpty()) << query;
+}
+
 TEST_F(JumpIndexTest, FindsMixedScriptsByEither)
 {
     const JumpIndex index = Index({"Jay Chou 周杰伦", "Jason"});

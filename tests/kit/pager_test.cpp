@@ -1,6 +1,8 @@
 #include <ipodkit/pager.h>
 
 #include <algorithm>
+#include <future>
+#include <thread>
 
 #include "kit/kit_test.h"
 
@@ -248,6 +250,87 @@ TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
 
     EXPECT_EQ(pager.Cached(0), nullptr);
     EXPECT_EQ(Get(pager, 0).value()->names.size(), 10U);
+}
+
+// The event and the answer are both there when the loop goes on.
+TEST_F(PagerTest, APageThatAChangeOfItsListOvertookIsCancelled)
+{
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(pager, 0);
+    std::promise<void> go;
+    std::promise<void> answered;
+    service.React("GetPlayingListItems",
+                  [&](GDBusMethodInvocation* call)
+                  {
+                      go.get_future().wait();
+                      service.Emit("OnIpodPlayingListAmountChange", "(1000,)");
+                      shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(50, "old"));
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
+                      service.Flush();
+                      answered.set_value();
+                  });
+    std::optional<Result<PagePtr>> result;
+    pager.At(50, [&result](Result<PagePtr> page) { result = std::move(page); });
+    ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(50, 99)") == 1; }));
+
+    go.set_value();
+    answered.get_future().wait();
+    std::this_thread::sleep_for(20ms);
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(pager.Cached(50), nullptr);
+}
+
+TEST_F(PagerTest, TheDevicesAreOnePage)
+{
+    service.Answer("GetDeviceAmount", "(120,)");
+    service.Answer("GetDeviceList", "(true,)");
+    std::vector<std::string> names(120, "Phone");
+    names.back() = "Last";
+    shared.SetList("VecDeviceListShareMemory", names);
+    Pager pager(*session, ListKind::Devices);
+
+    EXPECT_EQ(Get(pager, 119).value()->At(119), "Last");
+    EXPECT_EQ(pager.Cached(0)->names.size(), 120U);
+    EXPECT_EQ(Calls("GetDeviceList()"), 1);
+}
+
+TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
+{
+    service.Answer("EnterDeviceChildList", "(true,)");
+    Pager playing(*session, ListKind::Playing, NoPrefetch());
+    Pager database(*session, ListKind::Database, NoPrefetch());
+    const auto fill = [&]
+    {
+        (void)Get(playing, 0);
+        (void)Get(database, 0);
+    };
+    const auto outdated = [&] { return playing.Cached(0) == nullptr && database.Cached(0) == nullptr; };
+
+    fill();
+    service.Emit("OnIpodDeviceStatusChange", "(0, true)");
+    Settle(service);
+    EXPECT_TRUE(outdated());
+
+    fill();
+    EXPECT_TRUE(Completed(session->Commands().EnterDevice(1)));
+    EXPECT_TRUE(outdated());
+
+    fill();
+    EXPECT_TRUE(session->Commands().EnterDevice(0).Wait());
+    EXPECT_TRUE(RunLoopUntil(outdated));
+}
+
+TEST_F(PagerTest, ADeviceThatIsNotEnteredOutdatesNothing)
+{
+    service.Answer("EnterDeviceChildList", "(false,)");
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(pager, 0);
+
+    EXPECT_EQ(KindOf(Completed(session->Commands().EnterDevice(1))), ErrorKind::Refused);
+
+    EXPECT_NE(pager.Cached(0), nullptr);
 }
 
 TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)

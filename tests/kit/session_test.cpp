@@ -1,7 +1,11 @@
 #include <IQBXIpodPlayer.h>
+#include <QBXIpodShareMemory.h>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <future>
 
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
@@ -190,6 +194,69 @@ TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
     EXPECT_EQ(session->State()->queueSize, 3);
 }
 
+// The lock is given up on after ten seconds.
+TEST_F(SessionTest, ASegmentThatADeadProcessLockedIsAnErrorWithARemedy)
+{
+    QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        auto die = [] { _exit(0); };
+        segment.atomic_func(die);
+    }
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    FakeService service;
+    AnswerState(service);
+    Open();
+    const Ticker ticker;
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }, 20s));
+
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("locked by a process that died"));
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remove /dev/shm/ListVectorSharedMemory"));
+    EXPECT_LE(ticker.Longest(), kNotBlocked);
+
+    shm_unlink(kListSegmentName);
+    Ready();
+}
+
+TEST_F(SessionTest, ASegmentOfAnotherUserIsAnErrorThatNamesBoth)
+{
+    constexpr uid_t kNobody = 65534;
+    Open();
+    RunLoopFor(50ms);
+    FakeService service;
+    AnswerState(service);
+    const QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
+    if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "another user is there for the superuser only";
+
+    const bool failed = RunLoopUntil([&] { return session->Connection().error.has_value(); });
+    ASSERT_EQ(seteuid(0), 0);
+
+    ASSERT_TRUE(failed);
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("belongs to user 0 and this process is user 65534"));
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("as one user"));
+    Ready();
+}
+
+TEST_F(SessionTest, ASegmentOfAnotherSizeIsAnErrorWithARemedy)
+{
+    {
+        const QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
+    }
+    ASSERT_EQ(truncate((std::string("/dev/shm/") + kBufferSegmentName).c_str(), 32768), 0);
+    FakeService service;
+    AnswerState(service);
+    Open();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remove /dev/shm/BufferVectorSharedMemory"));
+}
+
 TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
 {
     const int file = shm_open(kListSegmentName, O_RDWR | O_CREAT, 0644);
@@ -238,19 +305,24 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
     EXPECT_EQ(amounts.seen, sent);
 }
 
-TEST_F(SessionTest, CallbacksMayDestroyTheSession)
+TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
 {
     FakeService service;
     AnswerState(service);
     Open();
+    int late = 0;
+    const auto count = [&] { late += session == nullptr ? 1 : 0; };
+    const Subscription states = session->OnState("states", [&](const StatePtr&, Fields) { count(); });
     const Subscription watching = session->OnConnection("end",
                                                         [&](const Connection& connection)
                                                         {
                                                             if (connection.phase == Phase::Ready) session.reset();
                                                         });
+    const Subscription steps = session->OnConnection("steps", [&](const Connection&) { count(); });
 
     EXPECT_TRUE(RunLoopUntil([&] { return session == nullptr; }));
     RunLoopFor(20ms);
+    EXPECT_EQ(late, 0);
 }
 
 TEST_F(SessionTest, TheEndOfTheBusIsTold)
@@ -284,6 +356,36 @@ TEST_F(SessionTest, ListenersGetEveryEventOutsideTheListenerLock)
     EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(2)",
                                      R"(app.OnIpodPlayingTrackChange(7, "Other", "", "", "", 0, 0, 0, 0))",
                                      R"(app.OnOOBPairingInfo("addr", [01 02]))"));
+}
+
+TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
+{
+    struct Waiting : IQBXIpodPlayerListener
+    {
+        void OnPlayStatusChanged(iPodPlayerPlayStatus) override
+        {
+            std::future<void> locked = std::async(std::launch::async,
+                                                  []
+                                                  {
+                                                      QBX_GetIpodPlayer()->LockListener();
+                                                      QBX_GetIpodPlayer()->UnlockListener();
+                                                  });
+            outside = locked.wait_for(2s) == std::future_status::ready;
+            called = true;
+        }
+        bool called = false;
+        bool outside = false;
+    };
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    Waiting waiting;
+    const Subscription listening = session->Listen("waiting", waiting);
+
+    service.Emit("OnPlayStatusChanged", "(2,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return waiting.called; }));
+    EXPECT_TRUE(waiting.outside);
 }
 
 TEST_F(SessionTest, ListenersMayEndThemselvesAndAddOthersInsideACallback)

@@ -100,6 +100,33 @@ TEST_F(StateTest, ABurstIsOneChange)
     EXPECT_EQ(State()->artwork->height, 200U);
 }
 
+TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
+{
+    Ready();
+    const StatePtr before = State();
+
+    Emit("OnIpodShuffleModeChange", "(0,)");
+    Emit("OnIpodShuffleModeChange", "(1,)");
+
+    EXPECT_EQ(State()->version, before->version + 2);
+    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_SONGS);
+    EXPECT_EQ(before->shuffle, IPOD_SHUFFLE_ALBUMS);
+}
+
+TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
+{
+    Ready();
+    const Position playing = *State()->position;
+    RunLoopFor(30ms);
+
+    Emit("OnPlayStatusChanged", "(2,)");
+
+    const Position paused = *State()->position;
+    EXPECT_GE(paused.position, playing.position + 30ms);
+    EXPECT_EQ(paused.position, playing.At(paused.at));
+    EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
+}
+
 TEST_F(StateTest, WhatComesBackWithinABurstIsNoChange)
 {
     Ready();
@@ -156,6 +183,77 @@ TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
     Emit("OnIpodShuffleModeChange", "(0,)");
 
     EXPECT_EQ(calls, 1);
+}
+
+TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
+{
+    Ready();
+    Emit("OnIpodDeviceStatusChange", "(1, false)");
+
+    service.Answer("GetDeviceAmount", "(2,)");
+    service.Answer("GetIpodName", "('Other',)");
+    Emit("OnIpodDeviceStatusChange", "(0, false)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
+    EXPECT_EQ(State()->deviceCount, 2);
+}
+
+TEST_F(StateTest, ADeviceThatTheApplicationEntersIsAskedForToo)
+{
+    Ready();
+    service.Answer("EnterDeviceChildList", "(true,)");
+    service.Answer("GetIpodName", "('Other',)");
+
+    EXPECT_TRUE(Completed(session->Commands().EnterDevice(1)));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
+}
+
+TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
+{
+    Ready();
+    service.Answer("GetDeviceAmount", "(0,)");
+    service.Answer("GetIpodName", "('',)");
+
+    Emit("OnIpodDeviceStatusChange", "(1, false)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
+    EXPECT_FALSE(State()->deviceName);
+    EXPECT_FALSE(State()->track);
+    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_ALBUMS);
+}
+
+TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
+{
+    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
+    shared.SetBytes("VecArtworkBufferShareMemory", kPng);
+    Ready();
+
+    Emit("OnIpodDeviceStatusChange", "(1, false)");
+
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->track && State()->deviceName && State()->artwork != nullptr; }));
+    EXPECT_EQ(State()->track->text1, "Song");
+    EXPECT_EQ(State()->deviceName, "Phone");
+    EXPECT_EQ(State()->queueSize, 3);
+    EXPECT_EQ(State()->device, APPLE_DEVICE_NOT_DETECTED);
+}
+
+TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
+{
+    Ready();
+    const auto asked = [&]
+    {
+        const std::vector<std::string> calls = service.Calls();
+        return std::count(calls.begin(), calls.end(), "GetIpodName()");
+    };
+    const auto before = asked();
+
+    for (int i = 0; i < 1000; ++i) service.Emit("OnIpodDeviceStatusChange", i % 2 == 0 ? "(1, false)" : "(0, false)");
+    Settle(service);
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->device == APPLE_DEVICE_DETECTED && State()->deviceName; }));
+    EXPECT_GT(asked(), before);
+    EXPECT_LT(asked(), before + 500);
 }
 
 TEST_F(StateTest, KeepsWhatIsKnownWhileTheServiceIsAwayButNotItsCallsAndSessions)

@@ -88,7 +88,7 @@ public:
     /// @name Devices
     /// @{
     Request<int> DeviceCount() const;
-    Request<void> EnterDevice(int index) const;
+    Request<void> EnterDevice(int index) const;  ///< all pagers start afresh, and the state is read again
     Request<std::string> IpodName() const;       ///< the name that its owner gave the device
     Request<std::string> ForegroundApp() const;  ///< bundle identifier, or empty
     Request<void> LaunchApp(const std::string& bundleId) const;

@@ -5,8 +5,9 @@
 ///     index->Search("zjl");          // finds 周杰伦, as "zhoujl", "zhou jie lun" and "杰伦" do
 ///     index->Sections();             // where A, B, … begin in the sorted list
 ///
-/// Chinese names are found by pinyin: whole syllables, their beginnings, or initials, mixed as they come. Surnames and
-/// common words with a reading of their own (曾, 单, 乐队) are read as such, traditional characters as simplified ones.
+/// Chinese names are found by pinyin: whole syllables, their beginnings, or initials, mixed as they come; the ü of 女
+/// and 绿 is typed as v or as u. Surnames and common words with a reading of their own (曾, 单, 乐队) are read as such,
+/// traditional characters as simplified ones.
 /// Names in other scripts are found by their Latin transcription, accents aside, in the way that people write it:
 /// Russian and Ukrainian after BGN, Greek after UNGEGN, Korean in Revised Romanization, kana in Hepburn's.
 #pragma once
@@ -51,8 +52,8 @@ public:
     /// the order of Order(). An empty query matches nothing; only its first 60 letters count.
     std::vector<int> Search(const std::string& query, std::size_t limit = 100) const;
 
-    /// How a name is read, for example "zhou jie lun".
-    const std::string& Reading(int index) const;
+    /// How a name is read, for example "zhou jie lun"; ü is written u.
+    std::string Reading(int index) const;
 
     std::size_t Size() const;
 

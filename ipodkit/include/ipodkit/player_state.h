@@ -108,8 +108,9 @@ struct PairingInfo
 
 /// What is not known is absent. Values of the service that the headers have no name for are passed on.
 ///
-/// Read from the service whenever it appears: track, index, status, position, modes, queue size, artwork, number and
-/// name of devices, CarPlay, CarLife, foreground app. The rest is told by events only, hence unknown until the first.
+/// Read from the service whenever it appears, and whenever a device comes, goes, or is entered by this session: track,
+/// index, status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app.
+/// The rest is told by events only, hence unknown until the first.
 struct PlayerState
 {
     std::uint64_t version = 0;  ///< grows by 1 with each value that is published

@@ -46,6 +46,7 @@ struct Call
     std::chrono::milliseconds deadline;
     std::optional<Cancellation> cancellation;
     std::optional<Error> obstacle;  // why it cannot be sent
+    bool isOrder = false;           // the reply "(b)" says whether it was followed
 };
 
 void Start(Call call, BodyCompletion completion);
