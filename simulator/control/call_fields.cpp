@@ -37,29 +37,31 @@ void SetEnum(Message& message, GVariant* value, const char* key)
     (message.*setter)(static_cast<Enum>(number));
 }
 
-using Call = ipod::iPodPhoneCall;
+using PhoneCall = ipod::iPodPhoneCall;
 using Battery = ipod::iPodBattery;
 
-constexpr Field<Call> kCallFields[] = {
+constexpr Field<PhoneCall> kCallFields[] = {
     {"remote-id", "s",
-     [](Call& call, GVariant* v, const char*) { call.set_remote_id(g_variant_get_string(v, nullptr)); }},
+     [](PhoneCall& call, GVariant* v, const char*) { call.set_remote_id(g_variant_get_string(v, nullptr)); }},
     {"display-name", "s",
-     [](Call& call, GVariant* v, const char*) { call.set_display_name(g_variant_get_string(v, nullptr)); }},
-    {"status", "u", SetEnum<Call, ipod::PhoneCallStatus, &Call::set_status, ipod::PhoneCallStatus_MAX>},
-    {"direction", "u", SetEnum<Call, ipod::PhoneCallDirection, &Call::set_direction, ipod::PhoneCallDirection_MAX>},
+     [](PhoneCall& call, GVariant* v, const char*) { call.set_display_name(g_variant_get_string(v, nullptr)); }},
+    {"status", "u", SetEnum<PhoneCall, ipod::PhoneCallStatus, &PhoneCall::set_status, ipod::PhoneCallStatus_MAX>},
+    {"direction", "u",
+     SetEnum<PhoneCall, ipod::PhoneCallDirection, &PhoneCall::set_direction, ipod::PhoneCallDirection_MAX>},
     {"call-uuid", "s",
-     [](Call& call, GVariant* v, const char*) { call.set_calluuid(g_variant_get_string(v, nullptr)); }},
+     [](PhoneCall& call, GVariant* v, const char*) { call.set_calluuid(g_variant_get_string(v, nullptr)); }},
     {"address-book-id", "s",
-     [](Call& call, GVariant* v, const char*) { call.set_addressbookid(g_variant_get_string(v, nullptr)); }},
-    {"label", "s", [](Call& call, GVariant* v, const char*) { call.set_label(g_variant_get_string(v, nullptr)); }},
-    {"service", "u", SetEnum<Call, ipod::CallStateService, &Call::set_service, ipod::CallStateService_MAX>},
+     [](PhoneCall& call, GVariant* v, const char*) { call.set_addressbookid(g_variant_get_string(v, nullptr)); }},
+    {"label", "s", [](PhoneCall& call, GVariant* v, const char*) { call.set_label(g_variant_get_string(v, nullptr)); }},
+    {"service", "u", SetEnum<PhoneCall, ipod::CallStateService, &PhoneCall::set_service, ipod::CallStateService_MAX>},
     {"is-conferenced", "b",
-     [](Call& call, GVariant* v, const char*) { call.set_is_conferenced(g_variant_get_boolean(v) != FALSE); }},
-    {"conference-group", "u", SetNumber<Call, &Call::set_conference_group>},
+     [](PhoneCall& call, GVariant* v, const char*) { call.set_is_conferenced(g_variant_get_boolean(v) != FALSE); }},
+    {"conference-group", "u", SetNumber<PhoneCall, &PhoneCall::set_conference_group>},
     {"disconnect-reason", "u",
-     SetEnum<Call, ipod::CallStateDisconnectReason, &Call::set_disconnect_reason, ipod::CallStateDisconnectReason_MAX>},
+     SetEnum<PhoneCall, ipod::CallStateDisconnectReason, &PhoneCall::set_disconnect_reason,
+             ipod::CallStateDisconnectReason_MAX>},
     {"start-timestamp", "t",
-     [](Call& call, GVariant* v, const char*) { call.set_start_timestamp(g_variant_get_uint64(v)); }},
+     [](PhoneCall& call, GVariant* v, const char*) { call.set_start_timestamp(g_variant_get_uint64(v)); }},
 };
 
 constexpr Field<Battery> kBatteryFields[] = {
@@ -81,7 +83,7 @@ void Set(Message& message, const Field<Message> (&fields)[count], const char* ke
     throw std::runtime_error(std::string("no such field: ") + key);
 }
 
-struct Unref
+struct UnrefVariant
 {
     void operator()(GVariant* value) const { g_variant_unref(value); }
 };
@@ -94,10 +96,10 @@ Message Read(GVariant* dictionary, const Field<Message> (&fields)[count])
     g_variant_iter_init(&iterator, dictionary);
     while (GVariant* next = g_variant_iter_next_value(&iterator))
     {
-        const std::unique_ptr<GVariant, Unref> entry(next);
-        const std::unique_ptr<GVariant, Unref> key(g_variant_get_child_value(next, 0));
-        const std::unique_ptr<GVariant, Unref> boxed(g_variant_get_child_value(next, 1));
-        const std::unique_ptr<GVariant, Unref> value(g_variant_get_variant(boxed.get()));
+        const std::unique_ptr<GVariant, UnrefVariant> entry(next);
+        const std::unique_ptr<GVariant, UnrefVariant> key(g_variant_get_child_value(next, 0));
+        const std::unique_ptr<GVariant, UnrefVariant> boxed(g_variant_get_child_value(next, 1));
+        const std::unique_ptr<GVariant, UnrefVariant> value(g_variant_get_variant(boxed.get()));
         Set(message, fields, g_variant_get_string(key.get(), nullptr), value.get());
     }
     return message;

@@ -58,7 +58,7 @@ Track MakeTrack(const Album& album, std::size_t index, const std::shared_ptr<con
     return track;
 }
 
-Playlist Selection(const char* name, const TrackList& tracks, std::size_t first, std::size_t step)
+Playlist PlaylistOf(const char* name, const TrackList& tracks, std::size_t first, std::size_t step)
 {
     Playlist playlist{name, {}};
     for (std::size_t i = first; i < tracks.size(); i += step) playlist.tracks.push_back(tracks[i]);
@@ -76,7 +76,8 @@ Library BuiltinLibrary()
         for (std::size_t i = 0; i < album.songs.size(); ++i)
             library.tracks.push_back(std::make_shared<const Track>(MakeTrack(album, i, cover)));
     }
-    library.playlists = {Selection("Evening drive", library.tracks, 0, 3), Selection("通勤路上", library.tracks, 1, 4)};
+    library.playlists = {PlaylistOf("Evening drive", library.tracks, 0, 3),
+                         PlaylistOf("通勤路上", library.tracks, 1, 4)};
     Finish(library);
     return library;
 }

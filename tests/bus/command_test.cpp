@@ -7,7 +7,7 @@ namespace test
 {
 namespace
 {
-std::string NameOf(const testing::TestParamInfo<Command>& info)
+std::string NameOfCommand(const testing::TestParamInfo<Command>& info)
 {
     return info.param.name;
 }
@@ -118,8 +118,8 @@ TEST_P(CommandWithoutProxyTest, IsRejectedByGLibAndLogsNoFailure)
     EXPECT_THAT(messages.Lines(), ElementsAre(testing::HasSubstr("G_IS_DBUS_PROXY (proxy)")));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, CommandTest, testing::ValuesIn(Commands()), NameOf);
-INSTANTIATE_TEST_SUITE_P(All, CommandWithoutServiceTest, testing::ValuesIn(Commands()), NameOf);
-INSTANTIATE_TEST_SUITE_P(All, CommandWithoutProxyTest, testing::ValuesIn(Commands()), NameOf);
+INSTANTIATE_TEST_SUITE_P(All, CommandTest, testing::ValuesIn(Commands()), NameOfCommand);
+INSTANTIATE_TEST_SUITE_P(All, CommandWithoutServiceTest, testing::ValuesIn(Commands()), NameOfCommand);
+INSTANTIATE_TEST_SUITE_P(All, CommandWithoutProxyTest, testing::ValuesIn(Commands()), NameOfCommand);
 }  // namespace
 }  // namespace test

@@ -127,7 +127,7 @@ const std::vector<Event> kEvents = {
      {"40 OnOOBPairingInfo: OnOOBPairingInfo() - %s, %d"}},
 };
 
-std::string NameOf(const testing::TestParamInfo<Event>& row)
+std::string NameOfEvent(const testing::TestParamInfo<Event>& row)
 {
     return row.param.signal;
 }
@@ -195,6 +195,6 @@ TEST_P(EventTest, WithABodyOfAnotherTypeIsDropped)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EventTest, testing::ValuesIn(kEvents), NameOf);
+INSTANTIATE_TEST_SUITE_P(All, EventTest, testing::ValuesIn(kEvents), NameOfEvent);
 }  // namespace
 }  // namespace test

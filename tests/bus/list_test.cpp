@@ -41,7 +41,7 @@ std::ostream& operator<<(std::ostream& out, const ListReader& reader)
     return out << reader.name;
 }
 
-std::string NameOf(const testing::TestParamInfo<ListReader>& row)
+std::string NameOfReader(const testing::TestParamInfo<ListReader>& row)
 {
     return row.param.name;
 }
@@ -178,7 +178,7 @@ TEST_P(ListTest, ReturnsZeroWithThePageWhenTheServiceSaysSo)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ListTest, testing::ValuesIn(kReaders), NameOf);
+INSTANTIATE_TEST_SUITE_P(All, ListTest, testing::ValuesIn(kReaders), NameOfReader);
 
 TEST_F(DatabaseListTest, HandsTheTwoFlagsOfTheLevelOver)
 {

@@ -59,7 +59,7 @@ void Reply(GDBusMethodInvocation* invocation, const std::string& body)
     g_variant_unref(value);
 }
 
-std::string Text(const gchar* method, GVariant* arguments)
+std::string CallText(const gchar* method, GVariant* arguments)
 {
     gchar* const text = g_variant_print(arguments, FALSE);
     const std::string call = std::string(method) + text;
@@ -154,7 +154,7 @@ void FakeService::Record(const gchar* method, GVariant* arguments)
     if (!m_keepingCalls) return;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_calls.push_back(Text(method, arguments));
+        m_calls.push_back(CallText(method, arguments));
         if (m_lastArguments != nullptr) g_variant_unref(m_lastArguments);
         m_lastArguments = g_variant_ref(arguments);
     }

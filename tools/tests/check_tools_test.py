@@ -165,6 +165,14 @@ class CheckFunctionSize(Case):
         self.assertEqual(0, status, output)
         self.assertIn("1 functions, median 1 lines", output)
 
+    def test_measures_a_lambda_in_a_table_without_a_name(self):
+        long = "    {\"long\",\n     [](int& a)\n     {\n" + "         ++a;\n" * 41 + "     }},\n"
+        short = "    {\"short\",\n     [](int& a) { ++a; }\n    },\n"
+        status, output = self.check("const Row kTable[] = {\n" + long + short + "};\n")
+        self.assertEqual(1, status, output)
+        self.assertIn("lambda() has 41 lines", output)
+        self.assertIn("2 functions", output)
+
     def test_refuses_a_folder_without_functions(self):
         self.assertEqual(2, self.check("int x;\n")[0])
 
