@@ -1,5 +1,7 @@
 #include "music/builtin_library.h"
 
+#include <future>
+
 #include "music/cover.h"
 #include "music/music_library.h"
 
@@ -44,7 +46,7 @@ const std::vector<Album>& Albums()
     return albums;
 }
 
-Track MakeTrack(const Album& album, std::size_t index, const std::shared_ptr<const Picture>& cover)
+Track MakeTrack(const Album& album, std::size_t index, const std::shared_future<Picture>& cover)
 {
     Track track;
     track.title = album.songs[index].title;
@@ -54,7 +56,7 @@ Track MakeTrack(const Album& album, std::size_t index, const std::shared_ptr<con
     track.number = static_cast<int>(index) + 1;
     track.lengthMs = album.songs[index].seconds * 1000;
     track.hasPicture = true;
-    track.picture = cover;
+    track.cover = cover;
     return track;
 }
 
@@ -72,7 +74,7 @@ Library BuiltinLibrary()
     unsigned number = 0;
     for (const Album& album : Albums())
     {
-        const auto cover = std::make_shared<const Picture>(DrawCover(number++));
+        const auto cover = std::async(std::launch::deferred, DrawCover, number++).share();
         for (std::size_t i = 0; i < album.songs.size(); ++i)
             library.tracks.push_back(std::make_shared<const Track>(MakeTrack(album, i, cover)));
     }

@@ -46,30 +46,32 @@ public:
     template <class ColourAt>
     void Paint(ColourAt colourAt)
     {
-        auto pixel = m_pixels.begin();
         for (int y = 0; y < kSide; ++y)
-            for (int x = 0; x < kSide; ++x, ++pixel) *pixel = colourAt(x, y, *pixel);
+            for (int x = 0; x < kSide; ++x) PaintPixel(x, y, colourAt);
     }
 
     void Circle(double centreX, double centreY, double radius, const Colour& colour, double opacity)
     {
-        Paint(
-            [&](int x, int y, const Colour& under)
-            {
-                const double edge = radius - std::hypot(x - centreX, y - centreY);
-                return Mix(under, colour, opacity * std::clamp(edge, 0.0, 1.0));
-            });
+        const auto colourAt = [&](int x, int y, const Colour& under)
+        {
+            const double edge = radius - std::hypot(x - centreX, y - centreY);
+            return Mix(under, colour, opacity * std::clamp(edge, 0.0, 1.0));
+        };
+        // Only the square around it: there are many small ones.
+        for (int y = Within(centreY - radius); y < Within(centreY + radius + 1); ++y)
+            for (int x = Within(centreX - radius); x < Within(centreX + radius + 1); ++x) PaintPixel(x, y, colourAt);
     }
 
     /// Everything below a wave.
     void Hill(double height, double swing, double waves, double phase, const Colour& colour, double opacity)
     {
-        Paint(
-            [&](int x, int y, const Colour& under)
-            {
-                const double line = height + swing * std::sin(phase + waves * 2 * kPi * x / kSide);
-                return Mix(under, colour, opacity * std::clamp(y - line, 0.0, 1.0));
-            });
+        for (int x = 0; x < kSide; ++x)
+        {
+            const double line = height + swing * std::sin(phase + waves * 2 * kPi * x / kSide);
+            const auto colourAt = [&](int, int y, const Colour& under)
+            { return Mix(under, colour, opacity * std::clamp(y - line, 0.0, 1.0)); };
+            for (int y = Within(line); y < kSide; ++y) PaintPixel(x, y, colourAt);
+        }
     }
 
     Bytes Png() const
@@ -89,6 +91,16 @@ public:
     }
 
 private:
+    static int Within(double place) { return static_cast<int>(std::clamp(place, 0.0, static_cast<double>(kSide))); }
+
+    template <class ColourAt>
+    void PaintPixel(int x, int y, ColourAt colourAt)
+    {
+        const int index = y * kSide + x;
+        Colour& pixel = m_pixels[static_cast<std::size_t>(index)];
+        pixel = colourAt(x, y, pixel);
+    }
+
     std::vector<unsigned char> Rows() const
     {
         std::vector<unsigned char> rows;

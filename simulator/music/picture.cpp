@@ -91,7 +91,7 @@ bool IsPictureFile(const std::string& file)
 
 Picture PictureOf(const Track& track)
 {
-    if (track.picture != nullptr) return *track.picture;
+    if (track.cover.valid()) return track.cover.get();
     if (!track.hasPicture) return {};
     if (!track.folderPicture.empty()) return MakePicture(ReadBeginning(track.folderPicture, kLargestPicture));
     return MakePicture(ReadEmbeddedPicture(track.file));

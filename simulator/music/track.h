@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <future>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,8 +43,8 @@ struct Track
     bool hasPicture = false;    ///< its own, or that of its folder
     std::string folderPicture;  ///< file with the picture of its folder, for a track without one of its own
     Readings readings;
-    std::string file;                        ///< empty for a track of the built-in library
-    std::shared_ptr<const Picture> picture;  ///< of a track without file
+    std::string file;                   ///< empty for a track of the built-in library
+    std::shared_future<Picture> cover;  ///< of a track without file: drawn when it is first asked for
 };
 
 using TrackPtr = std::shared_ptr<const Track>;

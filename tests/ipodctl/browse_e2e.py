@@ -10,12 +10,14 @@ import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [os.path.join(HERE, "..", "support"), os.path.join(HERE, "..", "..", "tools")]
 
-from ipodctl_e2e import (DONE, LIMIT, NO_BUS, NO_SERVICE, PRIVATE, SERVICE_LOST, USAGE, Bus, clear_shared_memory,
-                         enter_private_namespace, line_within)
-from music_folder import write_collection
-from terminal_session import TerminalSession
+from ipodctl_e2e import DONE, NO_BUS, NO_SERVICE, SERVICE_LOST, USAGE  # noqa: E402
+from music_folder import write_collection  # noqa: E402
+from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
+                             line_within)
+from terminal_session import TerminalSession  # noqa: E402
 
 ENTER, ESCAPE, CTRL_C, CTRL_L, CTRL_Z = "\r", "\033", "\003", "\014", "\032"
 UP, LEFT = "\033OA", "\033OD"
@@ -31,8 +33,9 @@ def selected(screen):
 
 class InATerminal(unittest.TestCase):
     def setUp(self):
+        end_in_time(self)
         self.addCleanup(clear_shared_memory)
-        self.bus = Bus()
+        self.bus = Bus(TZ="UTC")
         self.addCleanup(self.bus.stop)
         self.bus.environment["TERM"] = "xterm-256color"
         folder = tempfile.TemporaryDirectory()
@@ -323,7 +326,6 @@ def parse_options():
 
 if __name__ == "__main__":
     OPTIONS = parse_options()
-    if PRIVATE not in os.environ:
-        enter_private_namespace()
+    enter_private_namespace()
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     unittest.main(argv=[sys.argv[0], "-v", *OPTIONS.tests])

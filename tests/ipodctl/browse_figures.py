@@ -13,8 +13,8 @@ import time
 
 import browse_e2e
 from browse_e2e import CTRL_C, ENTER, ESCAPE, TerminalSession, selected
-from ipodctl_e2e import PRIVATE, Bus, enter_private_namespace
 from music_folder import write_tracks
+from private_session import Bus, enter_private_namespace
 
 PATIENCE = 60
 KEYS = {"down": "\033OB", "up": "\033OA", "page down": "\033[6~", "page up": "\033[5~", "end": "\033OF",
@@ -83,9 +83,8 @@ def measure(options, bus):
 
 def main():
     options = browse_e2e.parse_options()
-    if PRIVATE not in os.environ:
-        enter_private_namespace()
-    bus = Bus()
+    enter_private_namespace()
+    bus = Bus(TZ="UTC")
     with tempfile.TemporaryDirectory() as music:
         write_tracks(music, int(options.tests[0]) if options.tests else 50000)
         with subprocess.Popen([options.simulator, "--one-device", "--no-cache", music], env=bus.environment, stdout=subprocess.PIPE,

@@ -4,7 +4,6 @@ its own."""
 import argparse
 import datetime
 import os
-import select
 import signal
 import subprocess
 import sys
@@ -12,39 +11,15 @@ import threading
 import time
 import unittest
 
-SKIPPED = 77
-PRIVATE = "IPODKIT_PYTHON_PRIVATE"
-LIMIT = 20
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+
+from private_session import LIMIT, SKIPPED, Bus, enter_private_namespace, line_within  # noqa: E402
 
 try:
     from gi.repository import Gio, GLib
 except ImportError:
     print("no python3-gi here")
     sys.exit(SKIPPED)
-
-
-def enter_private_namespace():
-    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
-    unshare = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-rm"]
-    if subprocess.run(unshare + ["true"], capture_output=True).returncode != 0:
-        print("no private mount namespace here")
-        sys.exit(SKIPPED)
-    os.environ[PRIVATE] = "1"
-    command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
-    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
-
-
-def line_within(stream, seconds):
-    ready, _, _ = select.select([stream], [], [], seconds)
-    return stream.readline() if ready else ""
-
-
-def start_bus():
-    """A session bus for this process, which keeps its first one for good."""
-    command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]
-    daemon = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-    os.environ["DBUS_SESSION_BUS_ADDRESS"] = line_within(daemon.stdout, LIMIT).strip()
-    return daemon
 
 
 def run_until(condition, seconds=LIMIT):
@@ -315,12 +290,13 @@ if __name__ == "__main__":
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--example", required=True)
     OPTIONS, rest = parser.parse_known_args()
-    if PRIVATE not in os.environ:
-        enter_private_namespace()
+    enter_private_namespace()
     import ipodkit
     ipodkit.log("ERROR:/dev/null")
-    BUS = start_bus()
+    # This process keeps its first bus for good.
+    BUS = Bus()
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = BUS.environment["DBUS_SESSION_BUS_ADDRESS"]
     try:
         unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
     finally:
-        BUS.kill()
+        BUS.stop()

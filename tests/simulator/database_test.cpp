@@ -8,6 +8,7 @@
 
 #include "music/builtin_library.h"
 #include "music/music_library.h"
+#include "music/picture.h"
 #include "tracks.h"
 
 using ipodsim::BuiltinLibrary;
@@ -204,10 +205,10 @@ TEST(BuiltinLibrary, HasACoverOnEveryTrackAndADifferentOnePerAlbum)
     std::map<std::string, ipodsim::Bytes> covers;
     for (const auto& track : library.tracks)
     {
-        ASSERT_TRUE(track->picture != nullptr);
-        EXPECT_EQ(track->picture->width, 300U);
-        EXPECT_EQ(track->picture->height, 300U);
-        covers[track->album] = track->picture->bytes;
+        const ipodsim::Picture cover = ipodsim::PictureOf(*track);
+        EXPECT_EQ(cover.width, 300U);
+        EXPECT_EQ(cover.height, 300U);
+        covers[track->album] = cover.bytes;
     }
 
     std::set<ipodsim::Bytes> different;

@@ -13,41 +13,23 @@ import tempfile
 import time
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "ipodctl"))
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [os.path.join(TESTS, "ipodctl"), os.path.join(TESTS, "support")]
+
+from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
+                             line_within, within)
 from schema_check import check  # noqa: E402
 
-SKIPPED = 77
-PRIVATE = "SIMULATOR_E2E_PRIVATE"
-LIMIT = 60
-
-
-def enter_private_namespace():
-    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
-    unshare = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-rm"]
-    if subprocess.run(unshare + ["true"], capture_output=True).returncode != 0:
-        print("no private mount namespace here")
-        sys.exit(SKIPPED)
-    command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
-    os.environ[PRIVATE] = "1"
-    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
-
-
-def within(seconds, condition):
-    end = time.monotonic() + seconds
-    while not (holds := condition()) and time.monotonic() < end:
-        time.sleep(0.02)
-    return holds
 
 
 class OnABus(unittest.TestCase):
     def setUp(self):
+        end_in_time(self)
         self.folder = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, self.folder)
-        command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]
-        self.bus = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.addCleanup(self.stop, self.bus)
-        self.environment = dict(os.environ, DBUS_SESSION_BUS_ADDRESS=self.bus.stdout.readline().strip(),
-                                XDG_CACHE_HOME=f"{self.folder}/cache", LC_ALL="C.UTF-8")
+        bus = Bus(XDG_CACHE_HOME=f"{self.folder}/cache", LC_ALL="C.UTF-8")
+        self.addCleanup(bus.stop)
+        self.environment = bus.environment
 
     def stop(self, process):
         process.kill()
@@ -65,12 +47,8 @@ class OnABus(unittest.TestCase):
 
     def start(self, *words, **options):
         process = self.launch(*words, **options)
-        self.assertIn("ready: ", self.line(process.stdout))
+        self.assertIn("ready: ", line_within(process.stdout, LIMIT))
         return process
-
-    def line(self, stream, seconds=LIMIT):
-        ready, _, _ = select.select([stream], [], [], seconds)
-        return stream.readline() if ready else ""
 
     def refusal(self, *words):
         process = self.launch(*words)
@@ -146,7 +124,7 @@ class Program(OnABus):
     def test_writes_requests_with_their_answers(self):
         process = self.start("--verbose")
         self.ask("Seek", "5")
-        self.assertEqual(self.line(process.stderr), "Seek (5,) -> ()\n")
+        self.assertEqual(line_within(process.stderr, LIMIT), "Seek (5,) -> ()\n")
 
     def test_refuses_what_it_cannot_use(self):
         self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
@@ -164,14 +142,14 @@ class Program(OnABus):
     def test_plays_a_scenario(self):
         file = self.write("short.json", '{"title": "Short", "steps": [{"time": 0.1, "event": "button", "value": "play"}]}')
         process = self.start("--scenario", file)
-        self.assertEqual(self.line(process.stdout), "scenario ended: Short\n")
+        self.assertEqual(line_within(process.stdout, LIMIT), "scenario ended: Short\n")
         self.assertEqual(self.ask("GetPlayStatus"), "(1,)")
 
     def test_plays_the_scenarios_that_are_shipped(self):
         for name in sorted(os.listdir(OPTIONS.scenarios)):
             with self.subTest(name):
                 process = self.start("--speed", "40", "--scenario", os.path.join(OPTIONS.scenarios, name))
-                self.assertIn("scenario ended: ", self.line(process.stdout))
+                self.assertIn("scenario ended: ", line_within(process.stdout, LIMIT))
                 process.send_signal(signal.SIGTERM)
                 _, err = process.communicate(timeout=LIMIT)
                 self.assertEqual(err, "")
@@ -223,8 +201,7 @@ class Faults(OnABus):
                 self.assertIn("ListVectorSharedMemory", os.listdir("/dev/shm"))
                 # Whoever comes next waits for the lock for ten seconds, and says so.
                 self.assertIn("shared memory", self.refusal())
-                for name in os.listdir("/dev/shm"):
-                    os.remove(f"/dev/shm/{name}")
+                clear_shared_memory()
 
     def test_vectors_are_falsified(self):
         self.start()
@@ -340,6 +317,5 @@ if __name__ == "__main__":
     OPTIONS, REST = parser.parse_known_args()
     with open(OPTIONS.schema, encoding="utf-8") as schema:
         SCHEMA = json.load(schema)
-    if not os.environ.get(PRIVATE):
-        enter_private_namespace()
+    enter_private_namespace()
     unittest.main(argv=sys.argv[:1] + REST, verbosity=2)

@@ -67,7 +67,7 @@ def figures(ledger, faults, samples, seconds):
     }
 
 
-def shortfalls(found, tally, ends):
+def shortfalls(found, tally, ends, patience=1):
     """Everything in which a run falls short, in words."""
     def check(holds, text):
         return [] if holds else [text]
@@ -77,7 +77,7 @@ def shortfalls(found, tally, ends):
         *check(found["events_received"] > 0 and found["bytes_moved"] > 0, "nothing arrived"),
         *(f"{found[name]} {name}" for name in ("wrong", "lost", "doubled", "bytes_changed") if found[name]),
         *check(found["faults_survived"] == found["faults_injected"] > 0, "not every fault was survived"),
-        *check(found["worst_recovery_ms"] <= LONGEST_RECOVERY, f"a recovery took {found['worst_recovery_ms']} ms"),
+        *check(found["worst_recovery_ms"] <= patience * LONGEST_RECOVERY, f"a recovery took {found['worst_recovery_ms']} ms"),
         *check(not silence["survived"] or SILENCE[0] <= silence["worst_ms"] <= SILENCE[1],
                f"a call without an answer took {silence['worst_ms']} ms"),
         *(growth(found) if found["minutes"] >= SHORTEST_FOR_SLOPES else []),
@@ -93,9 +93,9 @@ def growth(found):
         yield "descriptors grow"
 
 
-def result(ledger, faults, samples, ends, seconds):
+def result(ledger, faults, samples, ends, seconds, patience):
     found = figures(ledger, faults, samples, seconds)
-    return {"figures": found, "faults": faults.tally, "shortfalls": shortfalls(found, faults.tally, ends),
+    return {"figures": found, "faults": faults.tally, "shortfalls": shortfalls(found, faults.tally, ends, patience),
             "fault_log": faults.log, "samples": samples}
 
 

@@ -18,7 +18,7 @@ std::uint64_t Scrambled(std::uint64_t state)
 Bytes Payload(std::uint64_t number, std::size_t largest)
 {
     std::uint64_t word = number * 0x9e3779b97f4a7c15U + 1;
-    Bytes bytes(1 + Scrambled(word) % largest);
+    Bytes bytes(1 + static_cast<std::size_t>(Scrambled(word) % largest));
     for (std::size_t at = 0; at < bytes.size(); at += sizeof(word))
     {
         word = Scrambled(word);

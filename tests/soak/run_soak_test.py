@@ -35,6 +35,11 @@ class Judging(unittest.TestCase):
     def test_in_a_short_run_slopes_mean_nothing(self):
         self.assertEqual(judge.shortfalls({**GOOD, "minutes": 0.2, "rss_kib_per_minute": 5000}, TALLY, ENDS), [])
 
+    def test_a_recovery_may_take_longer_where_everything_does(self):
+        late = {**GOOD, "worst_recovery_ms": 5000}
+        self.assertEqual(judge.shortfalls(late, TALLY, ENDS, patience=5), [])
+        self.assertEqual(len(judge.shortfalls(late, TALLY, ENDS, patience=4)), 1)
+
     def test_an_application_that_died_is_noticed(self):
         self.assertEqual(len(judge.shortfalls(GOOD, TALLY, [0, -11])), 1)
 

@@ -280,7 +280,8 @@ private:
     {
         static_assert(sizeof(QBXStringPageVector) == 4 * sizeof(std::size_t), "allocator, pointer, size, capacity");
         auto* const header = reinterpret_cast<volatile std::size_t*>(&m_vectors.scribbled) + 1;
-        std::mt19937_64 random(m_random());
+        std::mt19937_64 engine(m_random());
+        const auto random = [&] { return static_cast<std::size_t>(engine()); };
         for (int i = 0; i < count; ++i)
         {
             header[0] = random() % 2 == 0 ? random() : random() % (2 * kListSegmentSize);

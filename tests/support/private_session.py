@@ -1,0 +1,69 @@
+"""What the tests of whole programs stand on: a /dev/shm and a session bus of their own, and waiting that ends."""
+import os
+import select
+import signal
+import subprocess
+import sys
+import time
+
+SKIPPED = 77
+# Seconds; an emulator on a busy machine needs many of them.
+LIMIT = 60
+LIMIT_OF_A_TEST = 240
+INSIDE = "IPOD_TEST_HAS_A_PRIVATE_NAMESPACE"
+
+
+def enter_private_namespace():
+    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
+    if INSIDE in os.environ:
+        return
+    unshare = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-rm"]
+    if subprocess.run(unshare + ["true"], capture_output=True).returncode != 0:
+        print("no private mount namespace here")
+        sys.exit(SKIPPED)
+    command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
+    os.environ[INSIDE] = "1"
+    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
+
+
+def clear_shared_memory():
+    for name in os.listdir("/dev/shm"):
+        os.remove(f"/dev/shm/{name}")
+
+
+def line_within(stream, seconds):
+    ready, _, _ = select.select([stream], [], [], seconds)
+    return stream.readline() if ready else ""
+
+
+def within(seconds, condition):
+    end = time.monotonic() + seconds
+    while not (holds := condition()) and time.monotonic() < end:
+        time.sleep(0.02)
+    return holds
+
+
+def end_in_time(test):
+    """A test that would wait for ever fails instead, and says where it waited."""
+    def fail(*_):
+        raise TimeoutError(f"not over after {LIMIT_OF_A_TEST} seconds")
+    signal.signal(signal.SIGALRM, fail)
+    signal.alarm(LIMIT_OF_A_TEST)
+    test.addCleanup(signal.alarm, 0)
+
+
+class Bus:
+    """A session bus, and the environment that leads to it."""
+
+    def __init__(self, **environment):
+        command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]
+        self.daemon = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        address = line_within(self.daemon.stdout, LIMIT).strip()
+        self.environment = dict(os.environ, DBUS_SESSION_BUS_ADDRESS=address, **environment)
+        for name in ("QBX_LOG", "QBX_SOURCE_REFUSE", "NO_COLOR"):
+            self.environment.pop(name, None)
+
+    def stop(self):
+        self.daemon.kill()
+        self.daemon.wait()
+        self.daemon.stdout.close()
