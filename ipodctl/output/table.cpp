@@ -10,7 +10,7 @@ namespace ctl
 namespace
 {
 constexpr int kGap = 2;
-constexpr int kNarrowest = 8;
+constexpr int kNarrowestColumn = 8;
 
 using Row = std::vector<std::string>;
 
@@ -33,12 +33,12 @@ void Fit(std::vector<int>& widths, int width)
     {
         const int total = std::accumulate(widths.begin(), widths.end(), static_cast<int>(widths.size() - 1) * kGap);
         int& widest = *std::max_element(widths.begin(), widths.end());
-        if (total <= width || widest <= kNarrowest) return;
+        if (total <= width || widest <= kNarrowestColumn) return;
         --widest;
     }
 }
 
-std::string Line(const Row& row, const std::vector<int>& widths)
+std::string RowText(const Row& row, const std::vector<int>& widths)
 {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i)
@@ -53,7 +53,7 @@ std::string Table(const std::vector<Row>& rows, int width)
     std::vector<int> widths = Widths(rows);
     Fit(widths, width);
     std::string text;
-    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + Line(row, widths);
+    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, widths);
     return text;
 }
 }  // namespace ctl

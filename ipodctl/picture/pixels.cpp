@@ -28,7 +28,7 @@ bool IsSensible(std::uint64_t width, std::uint64_t height)
     return width > 0 && height > 0 && width * height <= kMostPixels;
 }
 
-Pixels Canvas(std::size_t width, std::size_t height)
+Pixels BlankPixels(std::size_t width, std::size_t height)
 {
     return {static_cast<int>(width), static_cast<int>(height), Bytes(width * height * kChannels)};
 }
@@ -40,7 +40,7 @@ std::optional<Pixels> DecodePng(const Bytes& picture)
     if (png_image_begin_read_from_memory(&image, picture.data(), picture.size()) == 0) return std::nullopt;
     image.format = PNG_FORMAT_RGBA;
     const bool sensible = IsSensible(image.width, image.height);
-    Pixels pixels = sensible ? Canvas(image.width, image.height) : Pixels{};
+    Pixels pixels = sensible ? BlankPixels(image.width, image.height) : Pixels{};
     const bool read = sensible && png_image_finish_read(&image, nullptr, pixels.bytes.data(), 0, nullptr) != 0;
     png_image_free(&image);
     return read ? std::optional<Pixels>(std::move(pixels)) : std::nullopt;
@@ -99,7 +99,7 @@ std::optional<Pixels> DecodeJpeg(const Bytes& picture)
     jpeg_decompress_struct info{};
     JpegErrors errors{};
     const bool known = ReadJpegHead(info, errors, picture);
-    Pixels pixels = known ? Canvas(info.output_width, info.output_height) : Pixels{};
+    Pixels pixels = known ? BlankPixels(info.output_width, info.output_height) : Pixels{};
     const bool read = known && ReadJpegRows(info, errors, pixels.bytes.data());
     jpeg_destroy_decompress(&info);
     return read ? std::optional<Pixels>(std::move(pixels)) : std::nullopt;
