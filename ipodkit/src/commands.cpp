@@ -15,11 +15,6 @@ constexpr std::size_t kSlotLength = 255;
 template <class T>
 using Decoded = Result<T>;
 
-Decoded<void> Nothing(GVariant*)
-{
-    return {};
-}
-
 Decoded<bool> Flag(GVariant* body)
 {
     gboolean flag = FALSE;

@@ -8,6 +8,12 @@
 
 namespace ipodkit
 {
+/// Decodes a reply that says no more than that the request was served.
+inline Result<void> Nothing(GVariant*)
+{
+    return {};
+}
+
 /// What the reply looks like and what to make of it; then the method. @p arguments may be floating or null. To an
 /// order, the reply "(b)" says whether it was followed: false is ErrorKind::Refused, and true is decoded.
 template <class T>

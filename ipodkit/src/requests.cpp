@@ -9,11 +9,6 @@ namespace
 {
 const tl::unexpected<Error> kNotFilled(Error{ErrorKind::Refused, "the service did not fill the page"});
 
-Result<void> Nothing(GVariant*)
-{
-    return {};
-}
-
 Result<PageHead> PlainHead(GVariant* body)
 {
     gboolean filled = FALSE;

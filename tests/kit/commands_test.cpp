@@ -1,3 +1,4 @@
+#include <future>
 #include <thread>
 
 #include "kit/kit_test.h"
@@ -147,20 +148,25 @@ TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
 
 TEST_F(CommandsTest, AccessoryTextsStandInSlotsOfTheRecord)
 {
-    service.Answer("EapInit", "()");
+    std::promise<std::string> sent;
+    service.React("EapInit",
+                  [&sent](GDBusMethodInvocation* call)
+                  {
+                      GVariant* boxed = nullptr;
+                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(v)", &boxed);
+                      gsize size = 0;
+                      const gconstpointer bytes = g_variant_get_fixed_array(boxed, &size, 1);
+                      sent.set_value({static_cast<const char*>(bytes), size});
+                      g_variant_unref(boxed);
+                      g_dbus_method_invocation_return_value(call, nullptr);
+                  });
     const std::string longest(255, 'x');
 
     EXPECT_TRUE(Completed(Ask().AnnounceAccessory({longest, "app"})));
 
     std::string record = longest + std::string(1, '\0') + "app";
     record.resize(512);
-    GVariant* const arguments = service.LastArguments();
-    GVariant* const boxed = g_variant_get_child_value(arguments, 0);
-    GVariant* const bytes = g_variant_get_variant(boxed);
-    gsize size = 0;
-    const auto* const sent = static_cast<const char*>(g_variant_get_fixed_array(bytes, &size, 1));
-    EXPECT_EQ(std::string(sent, size), record);
-    for (GVariant* const each : {bytes, boxed, arguments}) g_variant_unref(each);
+    EXPECT_EQ(sent.get_future().get(), record);
 }
 
 TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)
