@@ -18,7 +18,7 @@ constexpr int kNameWidth = 14;
 std::string Written(GDateTime* time, const char* format)
 {
     gchar* const text = g_date_time_format(time, format);
-    const std::string result = text;
+    std::string result = text;
     g_free(text);
     return result;
 }

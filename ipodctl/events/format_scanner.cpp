@@ -26,7 +26,8 @@ bool IsDigit(char c)
 std::size_t NameLength(std::string_view text)
 {
     if (text.empty() || !IsLetter(text[0])) return 0;
-    const auto end = std::find_if_not(text.begin(), text.end(), [](char c) { return IsLetter(c) || IsDigit(c); });
+    const auto* const end =
+        std::find_if_not(text.begin(), text.end(), [](char c) { return IsLetter(c) || IsDigit(c); });
     return static_cast<std::size_t>(end - text.begin());
 }
 
@@ -89,7 +90,7 @@ bool FormatScanner::TakeWord(std::string_view word)
 std::string FormatScanner::TakeName()
 {
     SkipBlanks();
-    const std::string name(Rest().substr(0, NameLength(Rest())));
+    std::string name(Rest().substr(0, NameLength(Rest())));
     m_at += name.size();
     return name;
 }
@@ -98,8 +99,8 @@ std::string FormatScanner::TakeNumber()
 {
     SkipBlanks();
     const std::string_view rest = Rest();
-    const auto end = std::find_if_not(rest.begin(), rest.end(), IsDigit);
-    const std::string number(rest.begin(), end);
+    const auto* const end = std::find_if_not(rest.begin(), rest.end(), IsDigit);
+    std::string number(rest.begin(), end);
     m_at += number.size();
     return number;
 }

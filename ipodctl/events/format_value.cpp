@@ -21,7 +21,7 @@ int NumberIn(const Json& value)
 
 std::string Taken(gchar* text)
 {
-    const std::string result = text;
+    std::string result = text;
     g_free(text);
     return result;
 }
@@ -102,8 +102,8 @@ bool Compare(const Json& one, const std::string& comparison, const Json& other)
 
 const FormatFunction* FindFormatFunction(const std::string& name)
 {
-    const auto found = std::find_if(std::begin(kFunctions), std::end(kFunctions),
-                                    [&](const FormatFunction& function) { return function.name == name; });
+    const auto* const found = std::find_if(std::begin(kFunctions), std::end(kFunctions),
+                                           [&](const FormatFunction& function) { return function.name == name; });
     return found == std::end(kFunctions) ? nullptr : found;
 }
 

@@ -85,7 +85,7 @@ std::string Printable(std::string_view text)
 std::string Folded(std::string_view text)
 {
     gchar* const folded = g_utf8_casefold(Printable(text).c_str(), -1);
-    const std::string result = folded;
+    std::string result = folded;
     g_free(folded);
     return result;
 }

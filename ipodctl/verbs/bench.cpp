@@ -86,6 +86,7 @@ double Microseconds(std::chrono::steady_clock::duration duration)
 Latency Measure(Session& session, const Command& command, int count)
 {
     std::vector<double> times;
+    times.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         times.push_back(session.Ask(
             [&command](IQBXIpodPlayer& player)

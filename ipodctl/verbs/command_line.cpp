@@ -74,6 +74,7 @@ Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 {
     app.require_subcommand(1);
     std::vector<Choice> choices;
+    choices.reserve(verbs.size());
     for (const Verb& verb : verbs) choices.push_back(Add(app, verb));
     return [choices](Context& context)
     {

@@ -25,6 +25,7 @@ CLI::Validator OneOf(std::vector<std::string> words)
 std::vector<std::string> WordsOf(std::string (*name)(int), int count)
 {
     std::vector<std::string> words;
+    words.reserve(static_cast<std::size_t>(count));
     for (int number = 0; number < count; ++number) words.push_back(name(number));
     return words;
 }
