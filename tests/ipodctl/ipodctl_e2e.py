@@ -189,9 +189,11 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(lines[5:], [f"> 0  {queue[0]}", f"  1  {queue[1]}", f"  2  {queue[2]}"])
 
     def test_what_only_events_tell_is_listened_for(self):
+        began = time.monotonic()
         self.play_first_song()
+        commands = time.monotonic() - began
         self.assertEqual((self.json("status")["battery"], self.json("status")["calls"]), ({}, []))
-        process = self.follow("--json", "status", "--listen", "3")
+        process = self.follow("--json", "status", "--listen", str(3 + 3 * commands))
         self.tell("battery", "--level", "80", "--charging")
         self.tell("call", "--status", "ringing", "--name", "Anna", "--uuid", "1")
         out, _ = process.communicate(timeout=LIMIT)
@@ -721,9 +723,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 self.assertLess(time.monotonic() - began, 10)
 
     def test_a_service_that_dies_during_a_call_is_told(self):
+        began = time.monotonic()
+        self.run_ctl("status")
+        once = time.monotonic() - began
         self.simulator.send_signal(signal.SIGSTOP)
         process = self.start("status")
-        time.sleep(0.5)
+        time.sleep(0.5 + 2 * once)
         self.assertIsNone(process.poll())
         self.simulator.kill()
         out, err = process.communicate(timeout=LIMIT)
