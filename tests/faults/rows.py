@@ -145,7 +145,7 @@ SERVICE = [
     Row("service", "flood of 60,000 events", "events queue up", "each arrives once and in order", "flood", [["60000"]],
         limit=70),
     Row("service", "calls and events without a pause, on one thread", "every call is answered, every event arrives",
-        "3,000 calls and 20,000 events a second", "held-rates", [["5"]], limit=40, alone=True),
+        "3,000 calls and 20,000 events in a second of processor time", "held-rates", [["5"]], limit=40, alone=True),
     Row("service", "bus killed while the main loop runs", "**GDBus ends the process**", "SIGTERM",
         "bus-killed-while-the-loop-runs", exit=-signal.SIGTERM, says=()),
     Row("service", "bus killed, no main loop", "calls fail", "failure value at once", "bus-killed-without-a-loop",
