@@ -31,10 +31,7 @@ inline VariantPtr Boxed(GVariant* inner)
 /// A "v" holding an "ay", made without the code under test.
 inline VariantPtr Packed(const std::vector<unsigned char>& bytes)
 {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("ay"));
-    for (const unsigned char byte : bytes) g_variant_builder_add(&builder, "y", byte);
-    return Boxed(g_variant_builder_end(&builder));
+    return Boxed(g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.data(), bytes.size(), sizeof(bytes[0])));
 }
 
 /// @p count bytes, none of them 0, that repeat with a period of 251, so that a shift by a power of two shows.
