@@ -50,7 +50,9 @@ TEST_F(StateTest, FollowsEveryEvent)
 {
     Ready();
 
+    // The state is read again after it: older answers are in before the next events.
     Emit("OnIpodDeviceStatusChange", "(0, true)");
+    RunLoopFor(500ms);
     Emit("OnPlayStatusChanged", "(2,)");
     Emit("OnIpodShuffleModeChange", "(0,)");
     Emit("OnIpodRepeatModeChange", "(2,)");
