@@ -147,7 +147,7 @@ namespace
 {
 int Usage()
 {
-    std::fprintf(stderr, "usage: bench_calls commands|bulk|events|connecting|attachment CALLS [BIG-CALLS]\n");
+    std::fprintf(stderr, "usage: bench_calls commands|bulk|events|connecting|attachment CALLS [BIG-CALLS [CONTEST...]]\n");
     return 2;
 }
 
@@ -175,6 +175,7 @@ int main(int argc, char** argv)
     const int calls = std::atoi(argv[2]);
     const int bigCalls = argc > 3 ? std::atoi(argv[3]) : calls;
     if (calls < 1 || bigCalls < 1) return Usage();
+    if (argc > 4) bench::RunOnly({argv + 4, argv + argc});
     QBX_LogInit("ERROR:/dev/null");
     return RunSuite(argv[1], calls, bigCalls) ? 0 : Usage();
 }

@@ -12,6 +12,9 @@ namespace
 // Not counted: caches and the machine's clock come to rest.
 constexpr int kWarmUpCalls = 50;
 
+// Empty: all.
+std::set<std::string> wanted;
+
 double Now(clockid_t clock)
 {
     timespec now{};
@@ -71,8 +74,14 @@ Variant CpuTimed(std::string name, std::function<void()> before, std::function<v
             }};
 }
 
+void RunOnly(std::set<std::string> names)
+{
+    wanted = std::move(names);
+}
+
 void Run(Contest contest)
 {
+    if (!wanted.empty() && wanted.count(contest.name) == 0) return;
     contest.variants.push_back({"control", contest.variants.front().measure});
     RunRounds(contest, std::min(contest.calls, kWarmUpCalls));
     const Costs costs = RunRounds(contest, contest.calls);

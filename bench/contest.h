@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ Variant Timed(std::string name, std::function<void()> call);
 
 /// A variant whose cost is the processor time of the process, all threads together.
 Variant CpuTimed(std::string name, std::function<void()> before, std::function<void()> call);
+
+/// From now on Run() leaves out every contest that is not among @p names.
+void RunOnly(std::set<std::string> names);
 
 /// Runs a contest and prints one line of JSON with the percentiles of each variant.
 void Run(Contest contest);
