@@ -1,10 +1,5 @@
-# Target ipod::ipodkit, found through the pkg-config file beside this one, so that an installed tree may be moved.
-find_package(PkgConfig REQUIRED)
-get_filename_component(ipodkit_pc "${CMAKE_CURRENT_LIST_DIR}/../../pkgconfig" ABSOLUTE)
-set(ipodkit_saved_path "$ENV{PKG_CONFIG_PATH}")
-set(ENV{PKG_CONFIG_PATH} "${ipodkit_pc}:${ipodkit_saved_path}")
-pkg_check_modules(IPODKIT REQUIRED QUIET IMPORTED_TARGET GLOBAL ipodkit)
-set(ENV{PKG_CONFIG_PATH} "${ipodkit_saved_path}")
-if(NOT TARGET ipod::ipodkit)
-  add_library(ipod::ipodkit ALIAS PkgConfig::IPODKIT)
-endif()
+# The companion of the client library: find_package(ipodkit) gives the target ipod::ipodkit.
+include(CMakeFindDependencyMacro)
+find_dependency(libipod 1 HINTS "${CMAKE_CURRENT_LIST_DIR}/../libipod")
+find_dependency(tl-expected)
+include("${CMAKE_CURRENT_LIST_DIR}/ipodkitTargets.cmake")
