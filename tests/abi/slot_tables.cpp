@@ -59,11 +59,13 @@ std::vector<Row<Registry>> RegistryTable()
     };
 }
 
-std::vector<Row<IQBXIpodPlayer>> PlayerTable()
+namespace
+{
+// The operations of the player, in three runs of one order.
+std::vector<Row<IQBXIpodPlayer>> FirstPlayerRows()
 {
     using I = IQBXIpodPlayer;
     using T = IQBXIpodPlayerListener;
-    using Names = std::vector<std::string>;
     return {
         ROW(I, InitInstance, bool),
         ROW(I, ExitInstance, bool),
@@ -84,6 +86,14 @@ std::vector<Row<IQBXIpodPlayer>> PlayerTable()
         ROW(I, GetRepeatMode, int),
         ROW(I, SetButtonStatus, bool, iPodPlayerButtonControl),
         ROW(I, SetTransmissionState, void, unsigned char),
+    };
+}
+
+std::vector<Row<IQBXIpodPlayer>> NextPlayerRows()
+{
+    using I = IQBXIpodPlayer;
+    using Names = std::vector<std::string>;
+    return {
         ROW(I, GetPlayingTrackIdx, int),
         ROW(I, GetPlayingListItemsAmount, int),
         ROW(I, GetCurDBListItemsAmount, int, int),
@@ -98,6 +108,14 @@ std::vector<Row<IQBXIpodPlayer>> PlayerTable()
         ROW(I, IsiPodInDBRoot, bool),
         ROW(I, EnterDBParentList, bool),
         ROW(I, EnterDBChildList, bool, int),
+    };
+}
+
+std::vector<Row<IQBXIpodPlayer>> LastPlayerRows()
+{
+    using I = IQBXIpodPlayer;
+    using Names = std::vector<std::string>;
+    return {
         ROW(I, Seek, void, int),
         ROW(I, EnterDeviceChildList, bool, int),
         ROW(I, GetDeviceList, int, Names&),
@@ -118,6 +136,15 @@ std::vector<Row<IQBXIpodPlayer>> PlayerTable()
         ROW(I, EapInit, void, EAPInfo),
         ROW(I, CarPlayConnectStatusNotify, void, int, int),
     };
+}
+}  // namespace
+
+std::vector<Row<IQBXIpodPlayer>> PlayerTable()
+{
+    std::vector<Row<IQBXIpodPlayer>> table;
+    for (const auto& rows : {FirstPlayerRows(), NextPlayerRows(), LastPlayerRows()})
+        table.insert(table.end(), rows.begin(), rows.end());
+    return table;
 }
 
 std::size_t ClientProgressSlot()

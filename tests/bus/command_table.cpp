@@ -110,6 +110,12 @@ std::vector<Command> Transport()
          "255", kUnset, "com_zarn_linux_ipod_call_get_play_status_sync"},
         {"Seek", [](Player& p) { return p.Seek(-12), kVoid; }, "Seek", "(-12,)", "()", "void", "void", "void",
          "com_zarn_linux_ipod_call_seek_sync"},
+    };
+}
+
+std::vector<Command> Skipping()
+{
+    return {
         {"Next", [](Player& p) { return Text(p.Next()); }, "Next", "()", "(true,)", "true", "false", "false",
          "com_zarn_linux_ipod_call_next_sync"},
         {"Previous", [](Player& p) { return Text(p.Previous()); }, "Previous", "()", "(true,)", "true", "false",
@@ -217,7 +223,7 @@ std::vector<Command> Lists()
 }
 
 // GetCurrentMediaInfo() is not here: it asks also when there is no client.
-std::vector<Command> DetectionAndTexts()
+std::vector<Command> ArtworkAndDetection()
 {
     return {
         {"GetPlayingTrackAlbumArtwork", [](Player& p) { return Text(p.GetPlayingTrackAlbumArtwork()); },
@@ -244,6 +250,12 @@ std::vector<Command> DetectionAndTexts()
          kUnset,
          "com_zarn_linux_ipod_call_get_carlife_device_detect_status_sync",
          {{"GetCarlifeDeviceDetectStatus()", "GetCarlifeDeviceDetectStatus()"}}},
+    };
+}
+
+std::vector<Command> Texts()
+{
+    return {
         {"GetIpodName",
          [](Player& p) { return AfterReading([&](std::string& text) { p.GetIpodName(text); }); },
          "GetIpodName",
@@ -298,7 +310,8 @@ const std::vector<Command>& Commands()
     static const std::vector<Command> commands = []
     {
         std::vector<Command> all;
-        for (const auto& group : {Transport(), Modes(), Browsing(), Lists(), DetectionAndTexts(), Accessories()})
+        for (const auto& group :
+             {Transport(), Skipping(), Modes(), Browsing(), Lists(), ArtworkAndDetection(), Texts(), Accessories()})
             all.insert(all.end(), group.begin(), group.end());
         return all;
     }();

@@ -26,6 +26,27 @@ protected:
         qbx::clientCreated = 0;
         return client;
     }
+
+    void DeliverEventsThatLogFirst()
+    {
+        Deliver("OnIpodDeviceStatusChange", "(1, true)");
+        Deliver("OnIpodRepeatModeChange", "(1,)");
+        Deliver("OnIpodShuffleModeChange", "(1,)");
+        Deliver("OnIpodPlayingTrackChange", "(1, <@ay []>)");
+        Deliver("OnIpodSourceValidStatusChange", "(false,)");
+        Deliver("OnIpodArtworkChange", "(<@ay []>,)");
+        Deliver("OnCarplayDeviceDetectStatusChange", "(1, 's')");
+        Deliver("OnIpodPhoneCallChange", "(<[byte 10, 1, 49]>,)");
+        Deliver("OnIpodBatteryChange", "(<[byte 8, 1]>,)");
+        Deliver("OnIpodLocationStatusChange", "(1,)");
+        Deliver("OnIpodAppBundleNameChange", "('a',)");
+        Deliver("OnIpodStartEapSession", "(1, 2)");
+        Deliver("OnIpodStopEapSession", "(2,)");
+        Deliver("OnIpodReceiveEapData", "(2,)");
+        Deliver("OnCarlifeDeviceDetectStatusChange", "(1,)");
+        Deliver("OnWirelessCarPlayUpdate", "(true, 'a')");
+        Deliver("OnOOBPairingInfo", "('a', [])");
+    }
 };
 
 class CommandNotReadyTest : public NotReadyTest, public testing::WithParamInterface<Command>
@@ -91,23 +112,7 @@ TEST_F(NotReadyTest, EventsThatLogFirstWriteTheirLineAndReachNoListener)
     RecordingListener listener(journal, "app");
     NotReady().AddListener(&listener);
 
-    Deliver("OnIpodDeviceStatusChange", "(1, true)");
-    Deliver("OnIpodRepeatModeChange", "(1,)");
-    Deliver("OnIpodShuffleModeChange", "(1,)");
-    Deliver("OnIpodPlayingTrackChange", "(1, <@ay []>)");
-    Deliver("OnIpodSourceValidStatusChange", "(false,)");
-    Deliver("OnIpodArtworkChange", "(<@ay []>,)");
-    Deliver("OnCarplayDeviceDetectStatusChange", "(1, 's')");
-    Deliver("OnIpodPhoneCallChange", "(<[byte 10, 1, 49]>,)");
-    Deliver("OnIpodBatteryChange", "(<[byte 8, 1]>,)");
-    Deliver("OnIpodLocationStatusChange", "(1,)");
-    Deliver("OnIpodAppBundleNameChange", "('a',)");
-    Deliver("OnIpodStartEapSession", "(1, 2)");
-    Deliver("OnIpodStopEapSession", "(2,)");
-    Deliver("OnIpodReceiveEapData", "(2,)");
-    Deliver("OnCarlifeDeviceDetectStatusChange", "(1,)");
-    Deliver("OnWirelessCarPlayUpdate", "(true, 'a')");
-    Deliver("OnOOBPairingInfo", "('a', [])");
+    DeliverEventsThatLogFirst();
 
     EXPECT_THAT(journal, IsEmpty());
     EXPECT_THAT(Sources().calls, IsEmpty());
