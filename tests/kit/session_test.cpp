@@ -276,6 +276,26 @@ TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
     Ready();
 }
 
+// A look at it from outside finds nothing wrong: that its vectors have no room is seen by the core only, which does not
+// try twice.
+TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
+{
+    QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
+    for (std::size_t size = 65536; size > 0; size /= 2)
+        while (segment.allocate(size, std::nothrow) != nullptr) continue;
+    FakeService service;
+    AnswerState(service);
+    Open();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remedy this and start the application again"));
+    shm_unlink(kBufferSegmentName);
+    RunLoopFor(1500ms);
+    EXPECT_EQ(session->Connection().phase, Phase::Connecting);
+}
+
 TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
 {
     struct Amounts : IQBXIpodPlayerListener
