@@ -37,7 +37,11 @@ GDBusMessage* OnMessage(GDBusConnection*, GDBusMessage* message, gboolean incomi
 
 void FalsifySignals(GDBusConnection* connection, const std::shared_ptr<Faults>& faults)
 {
-    g_dbus_connection_add_filter(connection, OnMessage, new Kept(faults),
-                                 [](gpointer kept) { delete static_cast<Kept*>(kept); });
+    // They stay as long as the connection, which GDBus' thread holds while it filters. A function that gives up the
+    // filter's data would be left to the main context, which may be gone by then.
+    auto* const kept = new Kept(faults);
+    g_object_set_data_full(G_OBJECT(connection), "ipodsim-faults", kept,
+                           [](gpointer data) { delete static_cast<Kept*>(data); });
+    g_dbus_connection_add_filter(connection, OnMessage, kept, nullptr);
 }
 }  // namespace ipodsim
