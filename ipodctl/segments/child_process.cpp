@@ -47,7 +47,7 @@ ChildOutcome Judge(pid_t child, std::string text, bool hung)
     int status = 0;
     waitpid(child, &status, 0);
     if (hung) return {End::Hung, ""};
-    if (WIFSIGNALED(status)) return {End::Crashed, ""};
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) return {End::Crashed, ""};
     return {End::Well, std::move(text)};
 }
 }  // namespace

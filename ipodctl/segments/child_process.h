@@ -14,7 +14,7 @@ struct ChildOutcome
         Well,
         NotStarted,
         Hung,     ///< nothing came for some seconds, or too much
-        Crashed,  ///< by a signal
+        Crashed,  ///< by a signal, or with a status of its own
     };
     End end;
     std::string text;  ///< what the work returned, when it ended well

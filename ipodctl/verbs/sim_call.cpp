@@ -96,16 +96,19 @@ Step ToStep(const std::string& text)
     return step;
 }
 
-GVariant* ToSteps(const std::string& sequence)
+std::vector<Step> ToSteps(const std::string& sequence)
+{
+    std::vector<Step> steps;
+    std::istringstream texts(sequence);
+    for (std::string text; std::getline(texts, text, ',');) steps.push_back(ToStep(text));
+    return steps;
+}
+
+GVariant* ToVariant(const std::vector<Step>& steps)
 {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a(ud)"));
-    std::istringstream texts(sequence);
-    for (std::string text; std::getline(texts, text, ',');)
-    {
-        const Step step = ToStep(text);
-        g_variant_builder_add(&builder, "(ud)", step.status, step.seconds);
-    }
+    for (const Step& step : steps) g_variant_builder_add(&builder, "(ud)", step.status, step.seconds);
     return g_variant_builder_end(&builder);
 }
 
@@ -115,12 +118,13 @@ Run BuildCall(CLI::App& app)
     AddCallOptions(app, *call);
     return [call](Context& context)
     {
+        const std::vector<Step> steps = ToSteps(call->sequence);
         Fields fields = ToFields(*call);
-        if (call->sequence.empty())
+        if (steps.empty())
             AskSimulator(context.session, "PhoneCall", g_variant_new("(@a{sv})", fields.Take()));
         else
             AskSimulator(context.session, "CallSequence",
-                         g_variant_new("(@a{sv}@a(ud))", fields.Take(), ToSteps(call->sequence)));
+                         g_variant_new("(@a{sv}@a(ud))", fields.Take(), ToVariant(steps)));
         return Asked("call");
     };
 }
