@@ -273,7 +273,7 @@ class WithSimulator(unittest.TestCase):
         ending.join()
 
     def test_the_example_shows_what_plays(self):
-        example = subprocess.Popen([sys.executable, OPTIONS.example], stdout=subprocess.PIPE, text=True)
+        example = subprocess.Popen([OPTIONS.interpreter, OPTIONS.example], stdout=subprocess.PIPE, text=True)
         self.addCleanup(example.stdout.close)
         self.addCleanup(example.wait)
         self.addCleanup(example.kill)
@@ -289,8 +289,9 @@ if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--example", required=True)
+    parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
     OPTIONS, rest = parser.parse_known_args()
-    enter_private_namespace()
+    enter_private_namespace(OPTIONS.interpreter)
     import ipodkit
     ipodkit.log("ERROR:/dev/null")
     # This process keeps its first bus for good.

@@ -13,7 +13,7 @@ LIMIT_OF_A_TEST = 240
 INSIDE = "IPOD_TEST_HAS_A_PRIVATE_NAMESPACE"
 
 
-def enter_private_namespace():
+def enter_private_namespace(interpreter=sys.executable):
     """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
     if INSIDE in os.environ:
         return
@@ -23,7 +23,7 @@ def enter_private_namespace():
         sys.exit(SKIPPED)
     command = 'mount -t tmpfs tmpfs /dev/shm && exec "$@"'
     os.environ[INSIDE] = "1"
-    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", sys.executable] + sys.argv)
+    os.execvp("unshare", unshare + ["sh", "-c", command, "sh", interpreter] + sys.argv)
 
 
 def clear_shared_memory():
