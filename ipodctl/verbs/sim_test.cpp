@@ -57,7 +57,7 @@ std::string TimeOfDay(std::uint64_t microseconds)
     char* const text = g_date_time_format(time, "%H:%M:%S");
     char milliseconds[8];
     g_snprintf(milliseconds, sizeof(milliseconds), ".%03u", static_cast<unsigned>(microseconds / 1000 % 1000));
-    const std::string clock = std::string(text) + milliseconds;
+    std::string clock = std::string(text) + milliseconds;
     g_free(text);
     g_date_time_unref(time);
     return clock;
