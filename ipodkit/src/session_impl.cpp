@@ -15,6 +15,18 @@ GMainContext* ContextOf(const SessionOptions& options)
 {
     return g_main_context_ref(options.context != nullptr ? options.context : g_main_context_default());
 }
+
+bool Same(const std::optional<Error>& one, const std::optional<Error>& other)
+{
+    if (!one || !other) return one.has_value() == other.has_value();
+    return one->kind == other->kind && one->reason == other->reason;
+}
+
+// An attempt that fails as the one before did is no step.
+bool Same(const Connection& one, const Connection& other)
+{
+    return one.phase == other.phase && one.generation == other.generation && Same(one.error, other.error);
+}
 }  // namespace
 
 Session::Impl::Impl(const SessionOptions& options)
@@ -100,8 +112,7 @@ void Session::Impl::SetConnection(Phase phase, std::optional<Error> error)
     const ipodkit::Connection connection{phase, m_generation, std::move(error)};
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        const bool same = m_published.phase == phase && m_published.generation == m_generation;
-        if (same && !m_published.error && !connection.error) return;
+        if (Same(m_published, connection)) return;
         m_published = connection;
     }
     m_connectionTargets.ForEach(m_guard,

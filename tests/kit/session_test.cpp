@@ -291,9 +291,10 @@ TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
 
     EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
     EXPECT_THAT(session->Connection().error->reason, HasSubstr("remedy this and start the application again"));
+    RecordPhases();
     shm_unlink(kBufferSegmentName);
     RunLoopFor(1500ms);
-    EXPECT_EQ(session->Connection().phase, Phase::Connecting);
+    EXPECT_THAT(Phases(), ElementsAre("Connecting 1")) << "the second attempt fails as the first did";
 }
 
 TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
