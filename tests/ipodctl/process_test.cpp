@@ -82,6 +82,12 @@ TEST(RunInChild, SurvivesACrash)
     EXPECT_EQ(RunInChild([]() -> std::string { std::abort(); }).end, ChildOutcome::End::Crashed);
 }
 
+// As a runtime ends it that catches the crash.
+TEST(RunInChild, TakesABadStatusForACrash)
+{
+    EXPECT_EQ(RunInChild([]() -> std::string { _exit(1); }).end, ChildOutcome::End::Crashed);
+}
+
 TEST(RunInChild, EndsAHang)
 {
     const auto hang = []() -> std::string
