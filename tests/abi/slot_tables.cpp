@@ -61,8 +61,8 @@ std::vector<Row<Registry>> RegistryTable()
 
 namespace
 {
-// The operations of the player, in three runs of one order.
-std::vector<Row<IQBXIpodPlayer>> FirstPlayerRows()
+// The operations of the player, in three runs of one order, each named after most of what it has.
+std::vector<Row<IQBXIpodPlayer>> PlaybackRows()
 {
     using I = IQBXIpodPlayer;
     using T = IQBXIpodPlayerListener;
@@ -89,7 +89,7 @@ std::vector<Row<IQBXIpodPlayer>> FirstPlayerRows()
     };
 }
 
-std::vector<Row<IQBXIpodPlayer>> NextPlayerRows()
+std::vector<Row<IQBXIpodPlayer>> ListRows()
 {
     using I = IQBXIpodPlayer;
     using Names = std::vector<std::string>;
@@ -111,7 +111,7 @@ std::vector<Row<IQBXIpodPlayer>> NextPlayerRows()
     };
 }
 
-std::vector<Row<IQBXIpodPlayer>> LastPlayerRows()
+std::vector<Row<IQBXIpodPlayer>> DeviceRows()
 {
     using I = IQBXIpodPlayer;
     using Names = std::vector<std::string>;
@@ -142,7 +142,7 @@ std::vector<Row<IQBXIpodPlayer>> LastPlayerRows()
 std::vector<Row<IQBXIpodPlayer>> PlayerTable()
 {
     std::vector<Row<IQBXIpodPlayer>> table;
-    for (const auto& rows : {FirstPlayerRows(), NextPlayerRows(), LastPlayerRows()})
+    for (const auto& rows : {PlaybackRows(), ListRows(), DeviceRows()})
         table.insert(table.end(), rows.begin(), rows.end());
     return table;
 }

@@ -229,7 +229,6 @@ void Flood(const Arguments& arguments)
     ExpectAlive(player);
 }
 
-// One thread calls for some seconds, and takes events for as long.
 double ProcessorSeconds()
 {
     timespec used{};
@@ -237,8 +236,8 @@ double ProcessorSeconds()
     return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) / 1e9;
 }
 
-// How many fit into a second of the clock depends on the daemon, the service and the neighbours as well; how many the
-// application could take does not.
+// One thread calls for some seconds, and takes events for as long. How many fit into a second of the clock depends on
+// the daemon, the service and the neighbours as well; how many the application could take does not.
 void HeldRates(const Arguments& arguments)
 {
     const int seconds = std::stoi(arguments.at(0));
