@@ -77,7 +77,7 @@ int QBXIpod_MediaPlayer_Client::GetPlayingListItemsAmount()
 int QBXIpod_MediaPlayer_Client::GetCurDBListItemsAmount(int fromTop)
 {
     if (!clientCreated) return 0;
-    return Ask<gint>(SYNC(com_zarn_linux_ipod_call_get_cur_db_list_items_amount_sync), Unset{}, fromTop);
+    return Ask<gint>(SYNC(com_zarn_linux_ipod_call_get_cur_db_list_items_amount_sync), Unset{}, fromTop != 0);
 }
 
 void QBXIpod_MediaPlayer_Client::PlayDBList(int index)
@@ -255,6 +255,6 @@ void QBXIpod_MediaPlayer_Client::GetIpodAPPBundleName(std::string& bundleName)
 void QBXIpod_MediaPlayer_Client::CarPlayConnectStatusNotify(int isconnected, int iswifi)
 {
     if (!clientCreated) return;
-    com_zarn_linux_ipod_call_carplay_connect_status_notify(qbx::serviceProxy, isconnected, iswifi, nullptr,
+    com_zarn_linux_ipod_call_carplay_connect_status_notify(qbx::serviceProxy, isconnected != 0, iswifi != 0, nullptr,
                                                            CarPlayConnectStatusNotifyCallback, nullptr);
 }

@@ -169,7 +169,7 @@ std::vector<Command> Browsing()
         {"GetPlayingListItemsAmount", [](Player& p) { return Text(p.GetPlayingListItemsAmount()); },
          "GetPlayingListItemsAmount", "()", "(70000,)", "70000", "0", kUnset,
          "com_zarn_linux_ipod_call_get_playing_list_items_amount_sync"},
-        {"GetCurDBListItemsAmount", [](Player& p) { return Text(p.GetCurDBListItemsAmount(2)); },
+        {"GetCurDBListItemsAmount", [](Player& p) { return Text(p.GetCurDBListItemsAmount(256)); },
          "GetCurDbListItemsAmount", "(true,)", "(9,)", "9", "0", kUnset,
          "com_zarn_linux_ipod_call_get_cur_db_list_items_amount_sync"},
         {"PlayDBList", [](Player& p) { return p.PlayDBList(-1), kVoid; }, "PlayDbList", "(-1,)", "()", "void", "void",

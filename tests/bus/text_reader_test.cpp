@@ -86,10 +86,12 @@ TEST_F(NotifyTest, SendsBothFlagsAsBooleans)
 
     player.CarPlayConnectStatusNotify(2, 0);
     player.CarPlayConnectStatusNotify(0, -1);
+    player.CarPlayConnectStatusNotify(256, 65536);
 
-    EXPECT_TRUE(service.WaitForCalls(2));
+    EXPECT_TRUE(service.WaitForCalls(3));
     EXPECT_THAT(service.Calls(),
-                ElementsAre("CarplayConnectStatusNotify(true, false)", "CarplayConnectStatusNotify(false, true)"));
+                ElementsAre("CarplayConnectStatusNotify(true, false)", "CarplayConnectStatusNotify(false, true)",
+                            "CarplayConnectStatusNotify(true, true)"));
 }
 
 TEST_F(NotifyTest, ReturnsBeforeTheServiceHasAnswered)
