@@ -21,10 +21,11 @@ void CopyOut(const std::string& text, gchar* reply)
     if (reply != nullptr) text.copy(reply, std::strlen(reply));
 }
 
-void CarPlayConnectStatusNotifyCallback(GObject*, GAsyncResult* result, gpointer)
+// Finished on the proxy that the call was made on: InitInstance() may have replaced it since.
+void CarPlayConnectStatusNotifyCallback(GObject* proxy, GAsyncResult* result, gpointer)
 {
     GError* error = nullptr;
-    com_zarn_linux_ipod_call_carplay_connect_status_notify_finish(qbx::serviceProxy, result, &error);
+    com_zarn_linux_ipod_call_carplay_connect_status_notify_finish(COM_ZARN_LINUX_IPOD(proxy), result, &error);
     if (error != nullptr)
         LOG_ERROR("CarPlayConnectStatusNotifyCallback: Failed to call dbus method. Reason: %s.", error->message);
 }

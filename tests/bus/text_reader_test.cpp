@@ -139,6 +139,21 @@ TEST_F(NotifyTest, LogsThatTheServiceDied)
     EXPECT_THAT(LogLines(), ElementsAre(testing::StartsWith("100 CarPlayConnectStatusNotifyCallback: ")));
 }
 
+TEST_F(NotifyTest, LogsAFailureAlsoWhenTheConnectionIsMadeAgainMeanwhile)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Hold("CarplayConnectStatusNotify");
+    player.CarPlayConnectStatusNotify(1, 1);
+    EXPECT_TRUE(service.WaitForCalls(1));
+    ASSERT_TRUE(player.InitInstance());
+    ClearLog();
+
+    service.Vanish();
+
+    EXPECT_TRUE(RunLoopUntil([] { return !LogLines().empty(); }));
+    EXPECT_THAT(LogLines(), ElementsAre(testing::StartsWith("100 CarPlayConnectStatusNotifyCallback: ")));
+}
+
 TEST_F(NotifyWithoutServiceTest, LogsTheReasonOfTheBus)
 {
     Unconnected().CarPlayConnectStatusNotify(1, 1);
