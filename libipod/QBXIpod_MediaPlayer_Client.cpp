@@ -29,6 +29,11 @@ namespace qbx
 int clientCreated = 0;
 unsigned clientsBuilt = 0;
 ComZarnLinuxIpod* serviceProxy = nullptr;
+
+unsigned LivingClient()
+{
+    return Singleton::ms_pSingleton == nullptr ? 0 : clientsBuilt;
+}
 }  // namespace qbx
 
 namespace
@@ -70,12 +75,6 @@ QBXIpod_MediaPlayer_Client::QBXIpod_MediaPlayer_Client()
 QBXIpod_MediaPlayer_Client::~QBXIpod_MediaPlayer_Client()
 {
     LOG_INFO("%s()", __func__);
-}
-
-QBXIpod_MediaPlayer_Client* QBXIpod_MediaPlayer_Client::Live(ComZarnLinuxIpod* proxy, const void* object)
-{
-    const bool lives = object == Singleton::ms_pSingleton && qbx::SubscriberOf(proxy) == qbx::clientsBuilt;
-    return lives ? Singleton::ms_pSingleton : nullptr;
 }
 
 bool QBXIpod_MediaPlayer_Client::InitInstance()

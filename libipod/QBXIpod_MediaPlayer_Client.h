@@ -12,10 +12,6 @@ public:
     QBXIpod_MediaPlayer_Client();
     ~QBXIpod_MediaPlayer_Client() override;
 
-    /// The client that @p object points to and that subscribed to @p proxy, or null when it was destroyed since:
-    /// signal connections outlive it, and its successor may have the same address.
-    static QBXIpod_MediaPlayer_Client* Live(ComZarnLinuxIpod* proxy, const void* object);
-
     bool InitInstance() override;
     bool ExitInstance() override;
     void InitListener() override {}

@@ -76,9 +76,11 @@ void NoteSubscriber(ComZarnLinuxIpod* proxy)
     g_object_set_qdata(G_OBJECT(proxy), SubscriberKey(), GUINT_TO_POINTER(clientsBuilt));
 }
 
-unsigned SubscriberOf(ComZarnLinuxIpod* proxy)
+bool SubscriberIsGone(ComZarnLinuxIpod* proxy)
 {
-    return GPOINTER_TO_UINT(g_object_get_qdata(G_OBJECT(proxy), SubscriberKey()));
+    if (proxy == nullptr) return false;
+    const unsigned subscriber = GPOINTER_TO_UINT(g_object_get_qdata(G_OBJECT(proxy), SubscriberKey()));
+    return subscriber != 0 && subscriber != LivingClient();
 }
 }  // namespace qbx
 

@@ -79,7 +79,7 @@ namespace qbx
 {
 gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod* proxy, GVariant* value, gpointer client)
 {
-    if (QBXIpod_MediaPlayer_Client::Live(proxy, client) == nullptr) return FALSE;
+    if (SubscriberIsGone(proxy)) return FALSE;
     ipod::iPodPhoneCall message;
     if (!Parse(value, message)) return FALSE;
     const iPodPhoneCall_t call = ToPhoneCall(message);
@@ -95,7 +95,7 @@ gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod* proxy, GVariant* value
 
 gboolean CallBack_OnIpodBatteryChange(ComZarnLinuxIpod* proxy, GVariant* value, gpointer client)
 {
-    if (QBXIpod_MediaPlayer_Client::Live(proxy, client) == nullptr) return FALSE;
+    if (SubscriberIsGone(proxy)) return FALSE;
     ipod::iPodBattery message;
     if (!Parse(value, message)) return FALSE;
     const iPodBattery_t battery = ToBattery(message);

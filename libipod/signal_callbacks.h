@@ -8,17 +8,18 @@
 #include <utility>
 
 #include "QBXIpod_MediaPlayer_Client.h"
+#include "internal/module_state.h"
 
 namespace qbx
 {
-/// Calls @p operation, each argument converted to the type of the public interface. GLib ignores the result.
+/// Calls @p operation of @p client, each argument converted to the type of the public interface; does nothing when
+/// the client is gone. GLib ignores the result.
 template <class... Params, class... Args>
 gboolean Deliver(ComZarnLinuxIpod* proxy, gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(Params...),
                  Args&&... args)
 {
-    QBXIpod_MediaPlayer_Client* const live = QBXIpod_MediaPlayer_Client::Live(proxy, client);
-    if (live == nullptr) return FALSE;
-    (live->*operation)(static_cast<Params>(std::forward<Args>(args))...);
+    if (SubscriberIsGone(proxy)) return FALSE;
+    (static_cast<QBXIpod_MediaPlayer_Client*>(client)->*operation)(static_cast<Params>(std::forward<Args>(args))...);
     return TRUE;
 }
 

@@ -63,6 +63,30 @@ TEST_F(CallbackTest, ADroppedEventReturnsFalse)
     EXPECT_THAT(journal, IsEmpty());
 }
 
+TEST_F(CallbackTest, AProxyThatNoClientSubscribedToDelivers)
+{
+    auto* const stranger = COM_ZARN_LINUX_IPOD(g_object_new(TYPE_COM_ZARN_LINUX_IPOD_PROXY, nullptr));
+
+    EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(nullptr, "a", client), TRUE);
+    EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(stranger, "b", client), TRUE);
+
+    EXPECT_THAT(journal, ElementsAre("app.OnIpodAPPBundleNameChange(\"a\")", "app.OnIpodAPPBundleNameChange(\"b\")"));
+    g_object_unref(stranger);
+}
+
+TEST_F(CallbackTest, TheProxyOfADestroyedClientDeliversNothing)
+{
+    QBX_DestroyIpodPlayer();
+    ClearLog();
+
+    EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), FALSE);
+    QBX_GetIpodPlayer()->AddListener(&listener);
+    EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "b", QBX_GetIpodPlayer()), FALSE);
+
+    EXPECT_THAT(journal, IsEmpty());
+    EXPECT_THAT(LogLines(), testing::Not(testing::Contains(testing::HasSubstr("OnIpodAPPBundleNameChange"))));
+}
+
 TEST_F(CallbackTest, ANullVariantIsNoCrash)
 {
     EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, nullptr, client), FALSE);
