@@ -1,12 +1,12 @@
 // Module state, the singleton and the life cycle of the client.
 //
 // Everything that is built when the library is loaded stands in this unit, in the order in which it is needed:
-// the segments use Boost's page size, the accessor uses the lock.
+// the streams, then Boost's page size, which the segments use, then the lock of the accessor.
+#include <iostream>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 
 #include <QBXIpodShareMemory.h>
-
-#include <iostream>
 
 #include "internal/QBXSingleton.h"
 #include "internal/log.h"
