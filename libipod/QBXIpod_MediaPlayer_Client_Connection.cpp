@@ -97,7 +97,8 @@ bool QBXIpod_MediaPlayer_Client::InitDBusConnect()
             continue;
         }
         LOG_ERROR("InitDBusConnect: Failed to create proxy. Reason: %s.retry->%d", error->message, attempt);
-        g_clear_error(&error);
+        g_error_free(error);
+        error = nullptr;
         if (attempt > kLastRetry) return false;
         ++attempt;
         noFailureYet = false;

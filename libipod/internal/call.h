@@ -43,7 +43,7 @@ template <class Function, class... Args>
 void CallAndRelease(const CallSite<Function>& site, Args... args)
 {
     GError* error = Call(site, args...);
-    g_clear_error(&error);
+    if (error != nullptr) g_error_free(error);
 }
 
 /// In place of a start value: the reply holder is left without one on purpose.
