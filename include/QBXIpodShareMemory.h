@@ -83,6 +83,7 @@ extern QBXSharedSegment segment_list_vector;    ///< the segment of the lists
 extern QBXSharedSegment segment_buffer_vector;  ///< the segment of the bytes
 
 /// The vectors; null until the segments are attached. Filled by the service unless stated otherwise.
+/// An application may point them at vectors of its own; commands and events use those then.
 extern QBXStringPageVector* g_VecPlayingListShareMemory;       ///< page of the playing list
 extern QBXStringPageVector* g_VecDBListShareMemory;            ///< page of the current database level
 extern QBXStringPageVector* g_VecDBListPinyinShareMemory;      ///< the same in pinyin

@@ -24,7 +24,7 @@ Record TakeRecord(GVariant* reply)
 
 std::vector<unsigned char> ImageIn(const QBXByteVector* vector)
 {
-    return qbx::CopyBytes(qbx::TakeSnapshot(vector, qbx::bufferMapping));
+    return qbx::CopyBytes(qbx::TakeSnapshot(vector, qbx::BoundsOf(vector, qbx::bufferMapping)));
 }
 }  // namespace
 

@@ -29,7 +29,8 @@ int QBXIpod_MediaPlayer_Client::EapLaunchApp(std::string& AppBundleID)
 int QBXIpod_MediaPlayer_Client::EapWrite(unsigned short SessionID, std::vector<unsigned char>& data)
 {
     if (!clientCreated) return 0;
-    qbx::Replace(g_VecEapWriteBufferShareMemory, qbx::bufferMapping, data);
+    auto* const buffer = g_VecEapWriteBufferShareMemory;
+    qbx::Replace(buffer, qbx::BoundsOf(buffer, qbx::bufferMapping), data);
     return qbx::Ask<gboolean>(SYNC(com_zarn_linux_ipod_call_eap_write_sync), FALSE, SessionID);
 }
 
@@ -59,7 +60,8 @@ namespace qbx
 {
 gboolean CallBack_OnIpodReceiveEapData(ComZarnLinuxIpod* proxy, guchar session, gpointer client)
 {
-    std::vector<unsigned char> data = CopyBytes(TakeSnapshot(g_VecEapReadBufferShareMemory, bufferMapping));
+    const auto* const buffer = g_VecEapReadBufferShareMemory;
+    std::vector<unsigned char> data = CopyBytes(TakeSnapshot(buffer, BoundsOf(buffer, bufferMapping)));
     return Deliver(proxy, client, &QBXIpod_MediaPlayer_Client::OnIpodReceiveEapData, session, data);
 }
 }  // namespace qbx

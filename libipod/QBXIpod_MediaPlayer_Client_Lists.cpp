@@ -12,7 +12,7 @@ int FetchPage(const qbx::CallSite<Function>& site, const QBXStringPageVector* ve
 {
     gboolean result = FALSE;
     qbx::CallAndRelease(site, args..., &result);
-    qbx::CopyNames(qbx::TakeSnapshot(vector, qbx::listMapping), list);
+    qbx::CopyNames(qbx::TakeSnapshot(vector, qbx::BoundsOf(vector, qbx::listMapping)), list);
     return result;
 }
 }  // namespace

@@ -1,6 +1,7 @@
 #include "internal/shared_bulk.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace qbx
@@ -32,6 +33,12 @@ std::size_t FillCapacity(QBXByteVector& vector, const unsigned char* bytes, std:
     return taken;
 }
 }  // namespace
+
+Mapping BoundsOf(const void* vector, const Mapping& mapping)
+{
+    const bool inside = vector >= mapping.begin && vector < mapping.end;
+    return inside ? mapping : Mapping{nullptr, reinterpret_cast<const char*>(UINTPTR_MAX)};
+}
 
 // Inlined down to the string, which GCC otherwise builds through a call: that is a tenth of the cost of a name.
 [[gnu::flatten]] void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list)

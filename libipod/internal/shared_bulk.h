@@ -20,6 +20,10 @@ struct Mapping
     const char* end = nullptr;
 };
 
+/// Where the elements of @p vector may lie: in @p mapping when the vector itself does. A vector elsewhere is the
+/// application's own, which pointed the exported variable at it; no other process can spoil that one.
+Mapping BoundsOf(const void* vector, const Mapping& mapping);
+
 /// The elements of a shared vector at one moment.
 template <class Element>
 struct Snapshot
@@ -28,7 +32,7 @@ struct Snapshot
     std::size_t count = 0;
 };
 
-/// Empty when @p vector is null or does not lie, with all its elements, inside @p mapping.
+/// Empty when @p vector is null or its elements do not all lie inside @p mapping.
 template <class Vector>
 Snapshot<typename Vector::value_type> TakeSnapshot(const Vector* vector, const Mapping& mapping)
 {
@@ -72,7 +76,7 @@ std::vector<unsigned char> CopyBytes(const Snapshot<unsigned char>& bytes);
 /// Replaces the contents of @p shared by @p data, growing as if the bytes were appended one by one: capacity and
 /// free memory of the segment, which the service shares, end the same, and so does a segment that is too full.
 ///
-/// @throws boost::interprocess::interprocess_exception  @p shared is null or does not lie inside @p mapping
+/// @throws boost::interprocess::interprocess_exception  @p shared is null or its memory does not lie inside @p mapping
 /// @throws boost::interprocess::lock_exception          the segment's lock is held by a process that died
 /// @throws boost::interprocess::bad_alloc               the segment is full; the bytes that fitted are there
 void Replace(QBXByteVector* shared, const Mapping& mapping, const std::vector<unsigned char>& data);

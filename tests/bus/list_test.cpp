@@ -198,6 +198,22 @@ TEST_F(DatabaseListTest, HandsTheTwoFlagsOfTheLevelOver)
     EXPECT_EQ(root, 1);
 }
 
+TEST_F(DatabaseListTest, ReadsTheVectorThatTheApplicationPointsAt)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetDeviceList", "(true,)");
+    QBXSharedSegment elsewhere(boost::interprocess::create_only, "SegmentOfTheApplication", 65536);
+    const QBXStringPageVector::allocator_type allocator(elsewhere.get_segment_manager());
+    g_VecDeviceListShareMemory = elsewhere.construct<QBXStringPageVector>("page")(allocator);
+    g_VecDeviceListShareMemory->push_back(Entry("a device"));
+    Names list;
+
+    player.GetDeviceList(list);
+
+    EXPECT_THAT(list, ElementsAre("a device"));
+    boost::interprocess::shared_memory_object::remove("SegmentOfTheApplication");
+}
+
 TEST_F(DatabaseListTest, PassesIndicesThroughAsTheyAre)
 {
     IQBXIpodPlayer& player = Connected();
