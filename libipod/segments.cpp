@@ -90,15 +90,16 @@ void CheckSpaceToCreate(const char* name)
     if (device.f_bavail * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
 }
 
-// The segment's own idea of its size stands where the layout says, so that another word size shows here.
+// The segment's own idea of its size stands where the layout says, so that another word size shows here. The object may
+// be longer: it is when a service is about to grow its segment.
 void CheckLayout(const QBXSharedSegment& segment, const char* name)
 {
     const Mapping mapping = MappingOf(segment);
     const auto bytesBefore = reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size();
     const SharedObject object(name);
     const auto total = static_cast<std::size_t>(object.size());
-    const bool holdsHeader = total > sizeof(QBXSegmentManager);
-    if (!holdsHeader || segment.get_size() != total - bytesBefore)
+    const std::size_t size = segment.get_size();
+    if (size < sizeof(QBXSegmentManager) || size + bytesBefore > total)
         Refuse(name, "its layout is not the one of this build");
 }
 }  // namespace

@@ -20,17 +20,17 @@ namespace bip = boost::interprocess;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::size_t kSize = 65536;
+constexpr std::size_t kSegmentSize = 65536;
 constexpr std::uint32_t kBeingMade = 1;
 constexpr std::uint32_t kReady = 2;
 constexpr milliseconds kAtOnce{1000};
 constexpr milliseconds kCreatorIsGiven{5000};
-constexpr milliseconds kAtTheLatest{8000};
+constexpr milliseconds kRefusedAtTheLatest{8000};
 
 class AttachSegment : public testing::Test
 {
 protected:
-    QBXSharedSegment Attach(std::size_t size = kSize) { return qbx::AttachSegment(m_name.c_str(), size); }
+    QBXSharedSegment Attach(std::size_t size = kSegmentSize) { return qbx::AttachSegment(m_name.c_str(), size); }
 
     // The message of the exception in which the attempt ends, and how long it took.
     std::string Refusal()
@@ -60,7 +60,7 @@ protected:
         EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": it exists but was never finished by its creator",
                   Refusal());
         EXPECT_GE(m_took, kCreatorIsGiven);
-        EXPECT_LT(m_took, kAtTheLatest);
+        EXPECT_LT(m_took, kRefusedAtTheLatest);
     }
 
     // The bytes of a sound segment with one named number in it.
@@ -129,17 +129,31 @@ TEST_F(AttachSegment, FindsWhatAnEarlierOneHolds)
 
 TEST_F(AttachSegment, TakesAnExistingOneAtTheSizeThatItsCreatorGaveIt)
 {
-    const QBXSharedSegment larger = Attach(2 * kSize);
+    const QBXSharedSegment larger = Attach(2 * kSegmentSize);
 
-    const QBXSharedSegment opened = Attach(kSize);
+    const QBXSharedSegment opened = Attach(kSegmentSize);
 
     EXPECT_EQ(larger.get_size(), opened.get_size());
-    EXPECT_EQ(2 * kSize, test::ReadFile(m_name.path()).size());
+    EXPECT_EQ(2 * kSegmentSize, test::ReadFile(m_name.path()).size());
 }
 
 TEST_F(AttachSegment, TakesASoundOneThatLiesThereAsAFile)
 {
     Put(SoundImage());
+
+    QBXSharedSegment segment = Attach();
+
+    ASSERT_NE(nullptr, segment.find<int>("number").first);
+    EXPECT_EQ(42, *segment.find<int>("number").first);
+    EXPECT_TRUE(segment.check_sanity());
+}
+
+// As between the two steps in which its creator makes it larger.
+TEST_F(AttachSegment, TakesAnObjectThatIsLongerThanItsSegment)
+{
+    std::vector<char> image = SoundImage();
+    image.resize(image.size() + kSegmentSize);
+    Put(image);
 
     QBXSharedSegment segment = Attach();
 
@@ -188,7 +202,7 @@ TEST_F(AttachSegment, GivesUpOnAHalfMadeObjectAfterFiveSeconds)
 
 TEST_F(AttachSegment, GivesUpOnAnObjectOfTheRightSizeThatIsAllZeroAfterFiveSeconds)
 {
-    Put(std::vector<char>(kSize, '\0'));
+    Put(std::vector<char>(kSegmentSize, '\0'));
 
     ExpectRefusalAfterTheWait();
 }
@@ -202,14 +216,14 @@ TEST_F(AttachSegment, GivesUpOnAnObjectOfThreeBytesAfterFiveSeconds)
 
 TEST_F(AttachSegment, RefusesGarbage)
 {
-    Put(Garbage(kSize));
+    Put(Garbage(kSegmentSize));
 
     ExpectRefusalAtOnce();
 }
 
 TEST_F(AttachSegment, RefusesGarbageThatCallsItselfReady)
 {
-    std::vector<char> image = Garbage(kSize);
+    std::vector<char> image = Garbage(kSegmentSize);
     SetState(image, kReady);
     Put(image);
 
@@ -257,7 +271,7 @@ TEST_F(AttachSegment, RefusesALinkWhetherOrNotItLeadsSomewhere)
     ASSERT_EQ(0, symlink(target.path().c_str(), m_name.path().c_str()));
     ExpectRefusalAtOnce();
 
-    test::WriteFile(target.path(), std::vector<char>(kSize, 'x'));
+    test::WriteFile(target.path(), std::vector<char>(kSegmentSize, 'x'));
     ExpectRefusalAtOnce();
 }
 
@@ -286,6 +300,6 @@ TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObjectBehindItsHeader)
     const qbx::Mapping mapping = qbx::MappingOf(segment);
 
     EXPECT_EQ(segment.get_address(), mapping.begin);
-    const std::size_t header = kSize - static_cast<std::size_t>(mapping.end - mapping.begin);
+    const std::size_t header = kSegmentSize - static_cast<std::size_t>(mapping.end - mapping.begin);
     EXPECT_EQ(header, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
 }
