@@ -37,9 +37,23 @@ private:
     sigset_t m_before{};
 };
 
+[[noreturn]] void RefuseToWrite(const Bytes& data, const std::string& why)
+{
+    throw Failure(kNoSegments, "cannot put " + Count(static_cast<int>(data.size()), "byte", "bytes") +
+                                   " into the shared memory: " + why + "; send less at once");
+}
+
+// The library fills the segment to its end before it gives up.
+void CheckRoom(const Bytes& data)
+{
+    const std::size_t room = ipodkit::RoomForAccessoryBytes();
+    if (room != 0 && data.size() > room) RefuseToWrite(data, "it takes " + std::to_string(room) + " at most");
+}
+
 int TryWrite(Session& session, unsigned short number, Bytes& data)
 {
     session.Player();
+    CheckRoom(data);
     try
     {
         return session.Ask([&](IQBXIpodPlayer& player) { return player.EapWrite(number, data); });
@@ -50,16 +64,16 @@ int TryWrite(Session& session, unsigned short number, Bytes& data)
     }
     catch (const std::exception& error)
     {
-        throw Failure(kNoSegments, "cannot put " + Count(static_cast<int>(data.size()), "byte", "bytes") +
-                                       " into the shared memory: " + error.what() + "; send less at once");
+        RefuseToWrite(data, error.what());
     }
 }
 
 void Write(Session& session, unsigned short number, Bytes data)
 {
     if (TryWrite(session, number, data) != 1)
-        throw Failure(kNothingDone, "the service did not take the bytes; is session " + std::to_string(number) +
-                                        " open? ipodctl eap listen shows sessions");
+        throw Failure(kNothingDone, "the service did not take the bytes: session " + std::to_string(number) +
+                                        " is not open (ipodctl eap listen shows sessions), or the shared memory has "
+                                        "no room for an answer (ipodctl shm shows what is free)");
 }
 
 Run BuildInit(CLI::App& app)
@@ -117,7 +131,7 @@ bool IsEap(const Event& event)
 Run BuildListen(CLI::App& app)
 {
     const auto limits = Argument<Limits>();
-    AddLimits(app, *limits);
+    AddLimits(app, *limits, "--count");
     return [limits](Context& context)
     {
         Following following;
@@ -131,7 +145,7 @@ void AddAccessory(CLI::App& app, AccessoryRequest& request, const char* timeout)
 {
     app.add_option("--protocols", request.info.text1, "Protocols to announce")->capture_default_str();
     app.add_option("--bundle", request.info.text2, "App to launch")->capture_default_str();
-    app.add_option("--timeout", request.seconds, timeout)->capture_default_str()->check(CLI::PositiveNumber);
+    app.add_option("--timeout", request.seconds, timeout)->capture_default_str()->check(Seconds());
 }
 
 struct EchoRequest
@@ -195,7 +209,7 @@ Run BuildBridge(CLI::App& app)
         "Serve a UNIX socket at this path, one client after the other, in place of standard input and output");
     app.add_option("--linger", request->linger, "Seconds of silence after the end of the input that end it")
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(Seconds());
     return [request](Context& context) { return RunBridge(context, *request); };
 }
 

@@ -2,9 +2,15 @@
 
 #include "accessory_session.h"
 #include "context.h"
+#include "shared_vectors.h"
 
 namespace ipodkit
 {
+std::size_t RoomForAccessoryBytes()
+{
+    return RoomToWrite(g_VecEapWriteBufferShareMemory);
+}
+
 /// Hears of the sessions' openings, bytes and closings.
 class AccessoryPort::Impl : public IQBXIpodPlayerListener, public std::enable_shared_from_this<AccessoryPort::Impl>
 {

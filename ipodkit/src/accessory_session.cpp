@@ -7,6 +7,15 @@
 
 namespace ipodkit
 {
+namespace
+{
+Error DoesNotFit(std::size_t size, std::size_t room)
+{
+    return {ErrorKind::NoSharedMemory, "the write buffer does not take " + std::to_string(size) +
+                                           " bytes at once; the most that fit are " + std::to_string(room)};
+}
+}  // namespace
+
 bool AccessorySession::Impl::Write(Bytes bytes, Completion completion)
 {
     const bool full = m_waiting > 0 && m_waiting + bytes.size() > m_options.highWater;
@@ -49,12 +58,12 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
     }
     const Job& job = m_jobs.front();
     const std::size_t size = std::min(std::max<std::size_t>(m_options.chunk, 1), job.bytes.size() - job.sent);
-    if (!WriteBytes(g_VecEapWriteBufferShareMemory, job.bytes.data() + job.sent, size))
+    const std::size_t room = RoomForAccessoryBytes();
+    if (size > room || !WriteBytes(g_VecEapWriteBufferShareMemory, job.bytes.data() + job.sent, size))
     {
         m_sending = false;
         release();
-        return FailAll(
-            {ErrorKind::NoSharedMemory, "the write buffer does not take " + std::to_string(size) + " bytes"});
+        return FailAll(DoesNotFit(size, room));
     }
     AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
         .Start(

@@ -1,5 +1,6 @@
 #include "shared_vectors.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace ipodkit
@@ -61,6 +62,16 @@ std::optional<std::vector<unsigned char>> BytesIn(const QBXByteVector* vector)
     const auto bytes = Take(segment_buffer_vector, vector);
     if (!bytes) return std::nullopt;
     return std::vector<unsigned char>(bytes->begin, bytes->begin + bytes->count);
+}
+
+// A vector that grows has its old storage beside the new, which may be twice as long; and it never gives any back.
+std::size_t RoomToWrite(const QBXByteVector* vector)
+{
+    constexpr std::size_t kOldAndNew = 3;
+    if (vector == nullptr || !HasSoundRoom(*vector)) return 0;
+    const std::size_t size = segment_buffer_vector.get_size();
+    const std::size_t unused = std::min(segment_buffer_vector.get_free_memory(), size - vector->capacity());
+    return std::max(vector->capacity(), (vector->capacity() + unused) / kOldAndNew);
 }
 
 bool WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t count)

@@ -15,6 +15,9 @@ namespace ipodkit
 std::optional<std::vector<std::string>> NamesIn(const QBXStringPageVector* vector);
 std::optional<std::vector<unsigned char>> BytesIn(const QBXByteVector* vector);
 
+/// How many bytes the write buffer takes at once without using up its segment; 0 when it is not attached or damaged.
+std::size_t RoomToWrite(const QBXByteVector* vector);
+
 /// Replaces the bytes of the write buffer. False when it is not attached, is damaged, or has no room.
 bool WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t count);
 }  // namespace ipodkit

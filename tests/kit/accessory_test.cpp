@@ -1,3 +1,4 @@
+#include <IQBXIpodPlayer.h>
 #include <ipodkit/accessory.h>
 
 #include "kit/kit_test.h"
@@ -187,6 +188,55 @@ TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
 
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
+}
+
+TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
+{
+    AccessoryOptions large;
+    large.chunk = 600 * 1024;
+    AccessoryPort port(*session, large);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    const std::size_t free = shared.Buffers().get_free_memory();
+    const std::size_t room = RoomForAccessoryBytes();
+    std::optional<Result<void>> result;
+
+    EXPECT_TRUE(peer->Write(Bytes(large.chunk), [&result](const Result<void>& done) { result = done; }));
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
+    EXPECT_EQ(result->error().reason,
+              "the write buffer does not take 614400 bytes at once; the most that fit are " + std::to_string(room));
+    EXPECT_EQ(shared.Buffers().get_free_memory(), free);
+    EXPECT_THAT(written, IsEmpty());
+}
+
+TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
+{
+    constexpr std::size_t kBookkeeping = 64;
+    const std::size_t size = RoomForAccessoryBytes() - kBookkeeping;
+    AccessoryOptions large;
+    large.chunk = size;
+    large.highWater = 3 * size;
+    AccessoryPort port(*session, large);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    int done = 0;
+    const auto count = [&done](const Result<void>& result) { done += result ? 1 : 100; };
+
+    EXPECT_GT(size, 300'000U);
+    for (const std::size_t each : {size / 2, size, size}) EXPECT_TRUE(peer->Write(Bytes(each), count)) << each;
+
+    EXPECT_TRUE(RunLoopUntil([&] { return done == 3; }));
+    EXPECT_EQ(largest, size);
+    shared.SetBytes("VecEapReadBufferShareMemory", Bytes(size));
+}
+
+TEST_F(AccessoryTest, TheLibraryItselfTakesTheLargestWriteAndLeavesRoomForAnAnswer)
+{
+    Bytes most(RoomForAccessoryBytes());
+
+    EXPECT_EQ(QBX_GetIpodPlayer()->EapWrite(1, most), 1);
+
+    shared.SetBytes("VecEapReadBufferShareMemory", most);
 }
 
 TEST_F(AccessoryTest, SessionsEndWithTheService)

@@ -28,9 +28,16 @@ using Bytes = std::vector<unsigned char>;
 
 struct AccessoryOptions
 {
-    std::size_t chunk = 1 << 14;      ///< bytes per call of the service; the segment takes some hundred KiB
+    std::size_t chunk = 1 << 14;      ///< bytes per call of the service; see RoomForAccessoryBytes()
     std::size_t highWater = 1 << 18;  ///< a session takes no more bytes while so many are waiting
 };
+
+/// How many bytes the write buffer takes at once now; 0 while it is not attached. More would use up the segment, from
+/// which the buffer never returns anything: pictures and received bytes would find no room any more. A new segment
+/// takes a third of its size. Any thread.
+///
+/// Ask it before the core's EapWrite(), which knows no limit; sessions refuse larger chunks by themselves.
+std::size_t RoomForAccessoryBytes();
 
 /// One session, from its opening to its closing. Closed for ever once it is.
 class AccessorySession

@@ -31,6 +31,7 @@ struct Error
 {
     ErrorKind kind;
     std::string reason;  ///< in the words of the bus where it has any; otherwise what is wrong and what helps
+    std::string name{};  ///< the bus's name of the error that was the answer; empty for "false" and for no answer
 
     /// "TimedOut: Timeout was reached", for logs.
     std::string Text() const;
