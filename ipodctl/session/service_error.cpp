@@ -68,7 +68,9 @@ const char* Advice(ErrorKind kind)
 
 Failure ToFailure(const ipodkit::Error& error, const char* refusal)
 {
-    if (error.kind == ErrorKind::Refused && refusal != nullptr) return {kNothingDone, refusal};
-    return {CodeFor(error.kind), Summary(error.kind) + error.reason + Advice(error.kind)};
+    const bool refused = error.kind == ErrorKind::Refused;
+    if (refused && error.name.empty() && refusal != nullptr) return {kNothingDone, refusal};
+    const std::string name = refused && !error.name.empty() ? "GDBus.Error:" + error.name + ": " : "";
+    return {CodeFor(error.kind), Summary(error.kind) + name + error.reason + Advice(error.kind)};
 }
 }  // namespace ctl

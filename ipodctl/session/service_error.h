@@ -8,6 +8,7 @@
 
 namespace ctl
 {
-/// @param refusal  what to say when the service refused; null: its own words
+/// @param refusal  what to say when the service answered "false"; null: its own words. An error has a name and words of
+///                 its own, and may mean anything.
 Failure ToFailure(const ipodkit::Error& error, const char* refusal = nullptr);
 }  // namespace ctl

@@ -48,6 +48,15 @@ ErrorKind KindOf(const GError& error)
     if (g_dbus_error_is_remote_error(&error)) return ErrorKind::Refused;
     return error.domain == G_IO_ERROR ? KindOfLocalError(error.code) : ErrorKind::NoBus;
 }
+
+std::string RemoteName(const GError& error)
+{
+    if (g_dbus_error_is_remote_error(&error) == FALSE) return {};
+    gchar* const name = g_dbus_error_get_remote_error(&error);
+    std::string copy(name);
+    g_free(name);
+    return copy;
+}
 }  // namespace
 
 const char* Name(ErrorKind kind)
@@ -68,6 +77,6 @@ Error ToError(const GError& error)
     const ErrorKind kind = KindOf(error);
     const ErrorPtr stripped(g_error_copy(&error));
     g_dbus_error_strip_remote_error(stripped.get());
-    return {kind, stripped->message};
+    return {kind, stripped->message, RemoteName(error)};
 }
 }  // namespace ipodkit

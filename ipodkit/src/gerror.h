@@ -8,6 +8,6 @@
 
 namespace ipodkit
 {
-/// The reason is the bus's own message, without the error's name in front.
+/// The reason is the bus's own message; the error's name stands beside it, not in front.
 Error ToError(const GError& error);
 }  // namespace ipodkit

@@ -48,5 +48,12 @@ TEST(ToFailure, TellsARefusalInTheWordsOfTheVerb)
     EXPECT_STREQ(ToFailure({ErrorKind::Refused, "x"}, "it did not pause").what(), "it did not pause");
     EXPECT_STRNE(ToFailure({ErrorKind::TimedOut, "x"}, "it did not pause").what(), "it did not pause");
 }
+
+TEST(ToFailure, TellsAnErrorOfTheServiceByItsName)
+{
+    const Failure failure = ToFailure({ErrorKind::Refused, "not now", "com.example.Busy"}, "it did not pause");
+    EXPECT_EQ(failure.code(), kNothingDone);
+    EXPECT_STREQ(failure.what(), "the service refused: GDBus.Error:com.example.Busy: not now");
+}
 }  // namespace
 }  // namespace ctl

@@ -49,6 +49,7 @@ TEST_F(CommandsTest, FalseIsARefusalThatSaysWhatWasAskedAndAnswered)
 
     EXPECT_EQ(KindOf(root), ErrorKind::Refused);
     EXPECT_EQ(root.error().reason, "the service answered EnterDbRoot() with false");
+    EXPECT_EQ(root.error().name, "");
     EXPECT_EQ(KindOf(child), ErrorKind::Refused);
     EXPECT_EQ(child.error().reason, "the service answered EnterDbChildList(3) with false");
 }
@@ -69,6 +70,7 @@ TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
     ASSERT_FALSE(result);
     EXPECT_EQ(result.error().kind, ErrorKind::Refused);
     EXPECT_EQ(result.error().reason, "the device is asleep");
+    EXPECT_EQ(result.error().name, "com.example.Broken");
 }
 
 TEST_F(CommandsTest, AReplyOfAnotherTypeIsABadReply)
