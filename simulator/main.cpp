@@ -17,6 +17,7 @@
 #include "printable.h"
 #include "progress_bar.h"
 #include "scenario/scenario.h"
+#include "usage_error.h"
 
 namespace
 {
@@ -163,7 +164,7 @@ int main(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
-        return app.exit(error);
+        return ipodsim::ReportParsing(app, error);
     }
     catch (const std::exception& error)
     {

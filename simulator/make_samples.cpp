@@ -4,6 +4,7 @@
 #include <string>
 
 #include "samples/samples.h"
+#include "usage_error.h"
 
 int main(int argc, char** argv)
 {
@@ -17,12 +18,16 @@ int main(int argc, char** argv)
     app.footer(
         "Examples:\n  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"
         "  ipod-make-samples --count 50000 /tmp/many");
-    CLI11_PARSE(app, argc, argv);
     try
     {
+        app.parse(argc, argv);
         std::printf("%d files in %s\n",
                     count > 0 ? ipodsim::MakeManySamples(folder, count) : ipodsim::MakeSamples(folder), folder.c_str());
         return 0;
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return ipodsim::ReportParsing(app, error);
     }
     catch (const std::exception& error)
     {
