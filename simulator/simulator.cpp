@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "printable.h"
 #include "running.h"
 #include "scenario/scenario.h"
 #include "service/events.h"
@@ -25,6 +26,9 @@ Options WithDefaults(Options options)
     if (!options.warn) options.warn = WriteToStandardError;
     if (!(options.speed > 0) || !std::isfinite(options.speed))
         throw std::runtime_error("speed: expected a number above 0");
+    if (g_utf8_validate(options.deviceName.data(), static_cast<gssize>(options.deviceName.size()), nullptr) == FALSE)
+        throw std::runtime_error("name of the device: expected UTF-8 text, not '" + Printable(options.deviceName) +
+                                 "'");
     return options;
 }
 

@@ -34,10 +34,11 @@ struct Options
 {
     /// Its sub-folders are devices; empty: one device with the built-in library.
     std::string musicFolder;
-    std::string deviceName = "Desk iPod";  ///< of the device with the built-in library, or the folder's own files
-    bool oneDevice = false;                ///< everything below the music folder belongs to that device
-    std::string cacheFolder;               ///< where what is read of files is kept; empty: nowhere
-    bool waitForIndex = true;              ///< the constructor returns when all music has been read once
+    /// Of the device with the built-in library, or the folder's own files: UTF-8.
+    std::string deviceName = "Desk iPod";
+    bool oneDevice = false;    ///< everything below the music folder belongs to that device
+    std::string cacheFolder;   ///< where what is read of files is kept; empty: nowhere
+    bool waitForIndex = true;  ///< the constructor returns when all music has been read once
 
     double speed = 1;       ///< of the clock; above 0
     unsigned seed = 1;      ///< of shuffled orders; the same seed gives the same orders
@@ -79,8 +80,8 @@ class Simulator
 public:
     /// Returns when the service can be called.
     ///
-    /// @throws std::runtime_error  no session bus; one of its names has an owner already; the music folder or shared
-    ///         memory cannot be used. The message is one line for people.
+    /// @throws std::runtime_error  no session bus; one of its names has an owner already; an option, the music folder
+    ///         or shared memory cannot be used. The message is one line for people.
     explicit Simulator(Options options = {});
     /// Gives the names back. The segments stay.
     ~Simulator();
