@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <thread>
+#include <type_traits>
 
 #include "music/text.h"
 
@@ -29,15 +31,55 @@ bool HalfMade(const char* name)
     return !finished;
 }
 
+// Whoever makes a segment or works in it needs a moment; who died in the meantime never ends.
+constexpr int kTries = 3000;
+constexpr auto kBetween = std::chrono::milliseconds(1);
+
 // Boost would wait for ever for a creator that died.
 void WaitUntilMade(const char* name)
 {
     for (int tries = 0; HalfMade(name); ++tries)
     {
-        if (tries == 3000)
-            throw std::runtime_error(std::string("its creator never finished it; remove /dev/shm/") + name);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        if (tries == kTries) throw std::runtime_error("its creator never finished it");
+        std::this_thread::sleep_for(kBetween);
     }
+}
+
+// A segment says itself how long it is; in one of zeros, Boost would follow null pointers.
+void CheckLength(const QBXSharedSegment& segment, const char* name)
+{
+    struct stat status
+    {
+    };
+    const std::string file = std::string("/dev/shm/") + name;
+    const auto address = reinterpret_cast<std::uintptr_t>(segment.get_address());
+    const std::size_t before = address % bip::mapped_region::get_page_size();
+    if (stat(file.c_str(), &status) != 0 || segment.get_size() != static_cast<std::size_t>(status.st_size) - before)
+        throw std::runtime_error("it is damaged or was made for another word size");
+}
+
+// For a lock inside the segment Boost would wait ten seconds and say nothing of use.
+void WaitUntilUnlocked(QBXSharedSegment& segment)
+{
+    const auto nothing = [] {};
+    for (int tries = 0; !segment.try_atomic_func(nothing); ++tries)
+    {
+        if (tries == kTries) throw std::runtime_error("it is locked by a process that died");
+        std::this_thread::sleep_for(kBetween);
+    }
+}
+
+[[noreturn]] void Fail(const char* name, const std::string& wrong)
+{
+    throw std::runtime_error(std::string("shared memory ") + name + ": " + wrong +
+                             "; stop all applications of the service, remove /dev/shm/" + name + " and start again");
+}
+
+// Boost's own words tell next to nothing of what does not look like a segment.
+std::string WhatIsWrong(const bip::interprocess_exception& error)
+{
+    const bool ofTheSystem = error.get_native_error() != 0;
+    return ofTheSystem ? error.what() : std::string("it is damaged (") + error.what() + ")";
 }
 
 QBXSharedSegment Attach(const char* name, std::size_t size)
@@ -47,11 +89,18 @@ QBXSharedSegment Attach(const char* name, std::size_t size)
         WaitUntilMade(name);
         bip::permissions mode;
         mode.set_permissions(0644);
-        return QBXSharedSegment(bip::open_or_create, name, size, nullptr, mode);
+        QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);
+        CheckLength(segment, name);
+        WaitUntilUnlocked(segment);
+        return segment;
+    }
+    catch (const bip::interprocess_exception& error)
+    {
+        Fail(name, WhatIsWrong(error));
     }
     catch (const std::exception& error)
     {
-        throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
+        Fail(name, error.what());
     }
 }
 
@@ -64,7 +113,8 @@ Vector* Find(QBXSharedSegment& segment, const char* name)
     }
     catch (const std::exception& error)
     {
-        throw std::runtime_error(std::string("shared memory, vector ") + name + ": " + error.what());
+        const bool ofBytes = std::is_same<Vector, QBXByteVector>::value;
+        Fail(ofBytes ? kBufferSegmentName : kListSegmentName, std::string("vector ") + name + ": " + error.what());
     }
 }
 
