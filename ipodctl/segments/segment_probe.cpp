@@ -52,8 +52,12 @@ SegmentObject LookAt(const std::string& segment)
 {
     struct stat status;
     if (lstat(("/dev/shm/" + segment).c_str(), &status) != 0) return {};
-    return {true, S_ISREG(status.st_mode), status.st_uid, status.st_mode & 07777,
-            static_cast<std::size_t>(status.st_size)};
+    return {true,
+            S_ISREG(status.st_mode),
+            status.st_uid,
+            status.st_mode & 07777,
+            static_cast<std::size_t>(status.st_size),
+            status.st_ino};
 }
 
 std::string Probe(const char* segment, const std::vector<const char*>& lists, const std::vector<const char*>& buffers)

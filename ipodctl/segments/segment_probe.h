@@ -20,6 +20,7 @@ struct SegmentObject
     uid_t owner = 0;
     mode_t mode = 0;
     std::size_t size = 0;
+    ino_t inode = 0;
 };
 
 SegmentObject LookAt(const std::string& segment);

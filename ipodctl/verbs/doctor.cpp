@@ -8,8 +8,9 @@
 #include <cstdio>
 
 #include "output/text.h"
-#include "segments/segment_plan.h"
+#include "segments/segment_contents.h"
 #include "segments/segment_probe.h"
+#include "segments/segment_use.h"
 #include "session/bus_daemon.h"
 #include "verbs/verbs.h"
 
@@ -18,6 +19,7 @@ namespace ctl
 namespace
 {
 constexpr char kServiceName[] = "com.zarn.linux.ipod";
+constexpr std::size_t kScarce = 8;  // of so many parts the last: a vector that grows takes more than it gains
 
 struct Finding
 {
@@ -34,10 +36,15 @@ std::string Described(const SegmentObject& object)
     return std::to_string(object.size) + " bytes, mode " + mode + ", owner " + std::to_string(object.owner);
 }
 
+std::string Removal(const SegmentPlan& plan)
+{
+    return std::string("stop service and applications, remove /dev/shm/") + plan.name;
+}
+
 Finding ExamineSegment(const SegmentPlan& plan)
 {
     const SegmentObject object = LookAt(plan.name);
-    const std::string remove = std::string("stop service and applications, remove /dev/shm/") + plan.name;
+    const std::string remove = Removal(plan);
     if (!object.exists)
         return {plan.what, kNothingDone, "not there", "whoever starts first makes it: start the service"};
     if (!object.isMemory) return {plan.what, kNoSegments, "no shared memory stands under its name", remove};
@@ -46,6 +53,12 @@ Finding ExamineSegment(const SegmentPlan& plan)
         return {plan.what, kNoSegments, description, "run service and applications under one user"};
     const std::string wrong = Probe(plan.name, plan.lists, plan.buffers);
     if (!wrong.empty()) return {plan.what, kNoSegments, description + "; " + wrong, remove};
+    const SegmentContents contents = ReadContents(plan);
+    if (contents.problem.empty() && contents.free < object.size / kScarce)
+        return {plan.what, kNothingDone, description + ", only " + std::to_string(contents.free) + " bytes free",
+                "what does not fit fails, and memory once taken is not given back: send less at once, and to begin "
+                "anew " +
+                    remove};
     if (object.mode != 0644 || object.size != plan.size)
         return {plan.what, kNothingDone, description,
                 "mode 0644 and " + std::to_string(plan.size) + " bytes are usual"};
@@ -65,7 +78,44 @@ bool IsActivatable(GDBusConnection* bus)
     return found;
 }
 
-Finding ExamineService(GDBusConnection* bus)
+// Who hangs still owns the name.
+std::string WhyNoAnswer(Session& session, ExitCode& code)
+{
+    try
+    {
+        session.Ask(session.Commands().PlayStatus());
+    }
+    catch (const Failure& failure)
+    {
+        code = failure.code();
+        return failure.what();
+    }
+    return {};
+}
+
+// 0 when the bus does not tell it.
+pid_t ProcessOfService(GDBusConnection* bus)
+{
+    GVariant* const reply = AskBus(bus, "GetConnectionUnixProcessID", g_variant_new("(s)", kServiceName));
+    if (reply == nullptr) return 0;
+    guint32 process = 0;
+    g_variant_get(reply, "(u)", &process);
+    g_variant_unref(reply);
+    return static_cast<pid_t>(process);
+}
+
+// All is well inside, but not where the service is.
+void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service)
+{
+    const SegmentUse use = UseBy(service, plan.name, LookAt(plan.name).inode);
+    if (finding.code > kNothingDone || use != SegmentUse::Other) return;
+    finding = {
+        plan.what, kNoSegments,
+        "the service (process " + std::to_string(service) + ") uses an object that no longer stands under its name",
+        Removal(plan) + ", start them again"};
+}
+
+Finding ExamineService(Session& session, GDBusConnection* bus)
 {
     GVariant* const reply = AskBus(bus, "GetNameOwner", g_variant_new("(s)", kServiceName));
     if (reply == nullptr)
@@ -75,6 +125,9 @@ Finding ExamineService(GDBusConnection* bus)
     g_variant_get(reply, "(&s)", &name);
     const std::string owner = std::string(kServiceName) + " is owned by " + name;
     g_variant_unref(reply);
+    ExitCode code = kDone;
+    const std::string why = WhyNoAnswer(session, code);
+    if (!why.empty()) return {"service", code, owner + ", but " + why, "restart it when it does not recover"};
     if (IsActivatable(bus))
         return {"service", kNothingDone, owner + ", and the bus may start it",
                 "start it before the applications: one that fails at its first start by the bus hangs them"};
@@ -91,7 +144,9 @@ std::vector<Finding> Examine(Session& session)
     {
         GDBusConnection* const bus = session.Bus();
         all.push_back({"bus", kDone, "session bus reached", ""});
-        all.push_back(ExamineService(bus));
+        all.push_back(ExamineService(session, bus));
+        const pid_t service = ProcessOfService(bus);
+        for (std::size_t i = 0; i < segments.size(); ++i) CompareWithService(segments[i], SegmentPlans()[i], service);
     }
     catch (const Failure& failure)
     {
