@@ -15,6 +15,11 @@ Json Named(const std::optional<T>& value, std::string (*nameOf)(int))
     return value ? Json(nameOf(*value)) : Json();
 }
 
+Json NumberOrNull(const std::optional<int>& value)
+{
+    return value ? Json(*value) : Json();
+}
+
 Json PictureJson(const ipodkit::PicturePtr& picture)
 {
     if (picture == nullptr) return {};
@@ -49,14 +54,14 @@ Json StatusJson(const Status& status)
 {
     const ipodkit::PlayerState& state = *status.state;
     Json json{{"state", Named(state.status, PlayStatusName)},
-              {"position_ms", status.position},
-              {"length_ms", status.length},
-              {"index", state.trackIndex.value_or(-1)},
-              {"count", state.queueSize.value_or(0)},
+              {"position_ms", state.position ? Json(status.position) : Json()},
+              {"length_ms", state.position ? Json(status.length) : Json()},
+              {"index", NumberOrNull(state.trackIndex)},
+              {"count", NumberOrNull(state.queueSize)},
               {"track", HasTrack(status) ? TrackJson(*state.track) : Json()},
               {"shuffle", Named(state.shuffle, ShuffleName)},
               {"repeat", Named(state.repeat, RepeatName)},
-              {"devices", state.deviceCount.value_or(0)}};
+              {"devices", NumberOrNull(state.deviceCount)}};
     json["device"] = state.deviceName ? Json(*state.deviceName) : Json();
     json["app"] = state.foregroundApp && !state.foregroundApp->empty() ? Json(*state.foregroundApp) : Json();
     json["carplay"] = state.carPlay ? Json(DetectName(state.carPlay->status)) : Json();

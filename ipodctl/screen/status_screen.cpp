@@ -40,19 +40,25 @@ std::optional<int> Number(const std::optional<T>& value)
 
 std::string QueueText(const ipodkit::PlayerState& state)
 {
-    const int amount = state.queueSize.value_or(0);
+    if (!state.queueSize) return "queue unknown";
+    const int amount = *state.queueSize;
     const int index = state.trackIndex.value_or(-1);
     if (index < 0) return "queue " + Count(amount, "entry", "entries");
     return "queue " + std::to_string(std::int64_t{index} + 1) + " of " + std::to_string(amount);
 }
 
+std::string DevicesText(const ipodkit::PlayerState& state)
+{
+    return state.deviceCount ? Count(*state.deviceCount, "device", "devices") : "devices unknown";
+}
+
 std::string ModesLine(const ipodkit::PlayerState& state, const Output& out, int width)
 {
     const std::string word = NameOr(Number(state.status), PlayStatusName);
-    const std::string line = Fitting({word, "shuffle " + NameOr(Number(state.shuffle), ShuffleName),
-                                      "repeat " + NameOr(Number(state.repeat), RepeatName), QueueText(state),
-                                      Count(state.deviceCount.value_or(0), "device", "devices")},
-                                     width);
+    const std::string line =
+        Fitting({word, "shuffle " + NameOr(Number(state.shuffle), ShuffleName),
+                 "repeat " + NameOr(Number(state.repeat), RepeatName), QueueText(state), DevicesText(state)},
+                width);
     return out.Paint(Colour::Green, word) + line.substr(word.size());
 }
 

@@ -112,17 +112,28 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
                                          : "the iPod service left the bus; waiting for it");
     } while (watcher.Next(kSecond));
 }
-}  // namespace
-
-void Watch(Context& context, int near, const std::function<Answer(const Status&)>& show)
+void WatchInLines(Context& context, int near, const std::function<Answer(const Status&)>& show)
 {
-    if (context.out.terminal() && !context.out.json()) return WatchOnTerminal(context, near, show);
     Watcher watcher(context);
     while (watcher.Next(0))
     {
         if (!watcher.HasService()) continue;
         const Answer answer = show(ReadStatus(context.session, near));
         context.out.Line(answer.json, answer.text);
+    }
+}
+}  // namespace
+
+void Watch(Context& context, int near, const std::function<Answer(const Status&)>& show)
+{
+    try
+    {
+        const bool lines = context.out.json() || !context.out.terminal();
+        lines ? WatchInLines(context, near, show) : WatchOnTerminal(context, near, show);
+    }
+    catch (const Interrupted&)
+    {
+        // That is how watching ends, also while the service is being asked.
     }
 }
 }  // namespace ctl

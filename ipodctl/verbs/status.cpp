@@ -1,7 +1,12 @@
 // What plays, on one screen; and all that is known of the track.
 #include "player/status.h"
+
+#include <cstdio>
+
+#include "output/text.h"
 #include "picture/drawing.h"
 #include "player/playing.h"
+#include "player/told.h"
 #include "screen/status_screen.h"
 #include "screen/watch.h"
 #include "session/loop.h"
@@ -53,9 +58,15 @@ Answer ShowStatus(Context& context, const Look& look)
         return {json, context.out.json() ? "" : StatusText(status, context.out, look.art)};
     };
     Listen(context.session, look.listen);
-    if (!look.watch) return show(ReadStatus(context.session, kNear));
-    Watch(context, kNear, show);
-    return {};
+    if (look.watch)
+    {
+        Watch(context, kNear, show);
+        return {};
+    }
+    const Status status = ReadStatus(context.session, kNear);
+    const std::string unknown = NotTold(context.session, *status.state);
+    if (!unknown.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(unknown).c_str());
+    return show(status);
 }
 
 Run BuildStatus(CLI::App& app)
@@ -64,7 +75,7 @@ Run BuildStatus(CLI::App& app)
     AddArt(app, look);
     auto* const listen = app.add_option("--listen", look->listen,
                                         "Listen so many seconds first: battery and calls are told by events only");
-    listen->check(CLI::PositiveNumber);
+    listen->check(Seconds());
     app.add_flag("--watch", look->watch, "Stay, and show every change, until Ctrl-C")->excludes(listen);
     return [look](Context& context) { return ShowStatus(context, *look); };
 }
@@ -85,6 +96,7 @@ Run BuildInfo(CLI::App& app)
     return [look](Context& context) -> Answer
     {
         const Status status = ReadStatus(context.session, 0);
+        RequireTrackTold(context.session, *status.state);
         if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
         return {InfoJson(status), InfoText(status, context.out, look->art)};
     };

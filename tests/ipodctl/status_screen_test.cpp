@@ -120,7 +120,8 @@ TEST(StatusScreen, SaysWhatIsUnknown)
 {
     Status status;
     status.state = std::make_shared<ipodkit::PlayerState>();
-    EXPECT_EQ(Shown(status, 80, 24), Lines{"unknown   shuffle unknown   repeat unknown   queue 0 entries   0 devices"});
+    EXPECT_EQ(Shown(status, 80, 24),
+              Lines{"unknown   shuffle unknown   repeat unknown   queue unknown   devices unknown"});
 }
 
 // The head of a picture that is cut off.
