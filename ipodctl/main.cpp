@@ -50,7 +50,7 @@ void AddOptions(CLI::App& app, Options& options)
     app.add_flag("--json", options.json, "Answer with one JSON object, events with one per line (ipodctl.schema.json)");
     app.add_flag("--verbose", options.settings.verbose, "Show what the library logs, on standard error");
     app.add_option("--deadline", options.settings.deadline, "Seconds that the service may take for an answer (10)")
-        ->check(CLI::Range(0.001, 86400.0));
+        ->check(Seconds(86400));
     app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION);
     app.footer(kExitCodes);
 }
@@ -74,11 +74,26 @@ int RunVerb(const Run& run, const Options& options)
     return answer.code;
 }
 
+// With the verbs that the command line named.
+std::string CommandOf(const CLI::App& app)
+{
+    const auto chosen = app.get_subcommands();
+    return app.get_name() + (chosen.empty() ? "" : " " + CommandOf(*chosen.front()));
+}
+
+// That something is missing says little where something else was given in its place.
+std::string Complaint(const CLI::App& app, const CLI::ParseError& error)
+{
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (unknown.empty() || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) return error.what();
+    return (unknown.front().front() == '-' ? "unknown option '" : "unknown verb '") + unknown.front() + "'";
+}
+
 // Help and version are "errors" with code 0 to the parser.
 int ReportParsing(const CLI::App& app, const CLI::ParseError& error, const Options& options)
 {
     if (error.get_exit_code() == 0) return app.exit(error);
-    return Report(options, kUsage, std::string(error.what()) + "; ipodctl --help shows the usage");
+    return Report(options, kUsage, Complaint(app, error) + "; " + CommandOf(app) + " --help shows the usage");
 }
 
 int Execute(int argc, char** argv, Options& options)

@@ -179,7 +179,7 @@ Browser::Done Browser::Report()
     return [weak = std::weak_ptr<Browser*>(m_self)](const ipodkit::Result<void>& done)
     {
         const auto self = weak.lock();
-        if (self != nullptr && !done) (*self)->Say(done.error().reason);
+        if (self != nullptr && !done && !IsOfNoService(done.error())) (*self)->Say(done.error().reason);
     };
 }
 

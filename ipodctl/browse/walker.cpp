@@ -12,6 +12,11 @@ constexpr ipodkit::PagerOptions kNames{kPageSize, 1, 0};
 constexpr ipodkit::PagerOptions kOneEntry{1, 1, 0};
 }  // namespace
 
+bool IsOfNoService(const ipodkit::Error& error)
+{
+    return error.kind == ipodkit::ErrorKind::NoService || error.kind == ipodkit::ErrorKind::ServiceLost;
+}
+
 Walker::Walker(ipodkit::Session& session, Model& model, std::function<void()> changed, Play play)
     : m_model(model),
       m_changed(std::move(changed)),
@@ -63,7 +68,7 @@ void Walker::Failed(const ipodkit::Error& error)
 {
     m_moving = false;
     m_reading = false;
-    Say(error.reason);
+    if (!IsOfNoService(error)) Say(error.reason);
 }
 
 void Walker::Restart()

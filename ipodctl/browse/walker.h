@@ -14,6 +14,9 @@
 
 namespace ctl::browse
 {
+/// Whether that is said on the screen already, for as long as it is true.
+bool IsOfNoService(const ipodkit::Error& error);
+
 /// The service keeps one level for all its clients. The walker starts at the root, and before an entry is opened it
 /// looks whether it is still where it was; if others have changed the level, it goes back by the names of the path.
 class Walker : private IQBXIpodPlayerListener

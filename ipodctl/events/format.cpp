@@ -232,7 +232,8 @@ Value Parser::Named(std::size_t place, const std::string& name)
 {
     if (m_scan.TakeAfterBlanks("(")) return Called(place, name);
     if (std::find(m_fields.begin(), m_fields.end(), name) == m_fields.end())
-        m_scan.ExpectedAt(place, "a field; ipodctl events --help tells where they are listed");
+        m_scan.ExpectedAt(place,
+                          "a field such as title, artist, state or event; ipodctl(1) lists them under TEMPLATES");
     return [name](const Json& values) { return values.contains(name) ? values[name] : Json(); };
 }
 

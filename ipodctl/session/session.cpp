@@ -67,7 +67,7 @@ ipodkit::Session& Session::KitWithoutService()
     if (m_kit != nullptr) return *m_kit;
     Bus();
     ipodkit::SessionOptions options;
-    options.deadline = std::chrono::milliseconds(std::max(1L, static_cast<long>(m_settings.deadline * 1000)));
+    options.deadline = std::chrono::milliseconds(Deadline());
     m_kit = Taken(ipodkit::Session::Open(options));
     return *m_kit;
 }

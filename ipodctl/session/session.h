@@ -7,6 +7,7 @@
 #include <gio/gio.h>
 #include <ipodkit/session.h>
 
+#include <algorithm>
 #include <functional>
 #include <type_traits>
 
@@ -36,7 +37,7 @@ public:
 
     /// Makes a request and hands its result over.
     ///
-    /// @param refusal  what to say when the service refuses; null: its own words
+    /// @param refusal  what to say when the service answers "false"; null: its own words
     /// @throws Failure  when it failed
     template <class T>
     T Ask(ipodkit::Request<T> request, const char* refusal = nullptr)
@@ -103,6 +104,9 @@ public:
     /// The core's player, connected.
     /// @throws Failure  with the code that says why there is none
     IQBXIpodPlayer& Player();
+
+    /// How long an answer may take, in milliseconds.
+    int Deadline() const { return std::max(1, static_cast<int>(m_settings.deadline * 1000)); }
 
     /// The session bus that the library uses.
     GDBusConnection* Bus();

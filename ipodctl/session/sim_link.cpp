@@ -11,7 +11,6 @@ namespace
 {
 constexpr char kName[] = "com.zarn.linux.ipod.Simulator";
 constexpr char kPath[] = "/com/zarn/linux/ipod/simulator";
-constexpr int kTimeoutMs = 10000;
 
 [[noreturn]] void Fail(GError* error)
 {
@@ -24,15 +23,16 @@ constexpr int kTimeoutMs = 10000;
     g_error_free(error);
     if (nobody) throw Failure(kNoService, "no simulator on the bus; start ipod-simulator");
     if (refused) throw Failure(kNothingDone, "the simulator refused: " + message);
-    throw Failure(kServiceLost, "the simulator did not answer: " + message);
+    throw Failure(kServiceLost, "the simulator did not answer: " + message + "; see whether it hangs");
 }
 }  // namespace
 
 VariantPtr AskSimulator(Session& session, const char* method, GVariant* arguments)
 {
     GError* error = nullptr;
-    GVariant* const reply = g_dbus_connection_call_sync(session.Bus(), kName, kPath, kName, method, arguments, nullptr,
-                                                        G_DBUS_CALL_FLAGS_NO_AUTO_START, kTimeoutMs, nullptr, &error);
+    GVariant* const reply =
+        g_dbus_connection_call_sync(session.Bus(), kName, kPath, kName, method, arguments, nullptr,
+                                    G_DBUS_CALL_FLAGS_NO_AUTO_START, session.Deadline(), nullptr, &error);
     if (reply == nullptr) Fail(error);
     return VariantPtr(reply);
 }

@@ -36,6 +36,7 @@ class Fields
 {
 public:
     void Add(const char* key, GVariant* value);
+    bool Empty() const { return m_fields.empty(); }
     /// The dictionary, floating; the object is empty then.
     GVariant* Take();
 

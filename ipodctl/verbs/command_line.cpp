@@ -1,6 +1,9 @@
 #include "verbs/command_line.h"
 
+#include <glib.h>
+
 #include <algorithm>
+#include <charconv>
 #include <sstream>
 
 #include "output/text.h"
@@ -54,8 +57,9 @@ std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
 // The parser takes "-10" for an option.
 void SpellOutBackward(std::vector<std::string>& arguments)
 {
-    for (std::string& argument : arguments)
-        if (IsBackward(argument)) argument = "--back=" + argument.substr(1);
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    for (auto argument = arguments.begin(); argument != end; ++argument)
+        if (IsBackward(*argument)) *argument = "--back=" + argument->substr(1);
 }
 }  // namespace
 
@@ -68,6 +72,34 @@ CLI::Validator WholeNumber(int least)
         return "'" + Printable(text) + "' is no whole number from " + std::to_string(least) + " on";
     };
     return {check, "N"};
+}
+
+CLI::Validator NumberUpTo(std::uint64_t most)
+{
+    const auto check = [most](const std::string& text)
+    {
+        std::uint64_t number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [read, error] = std::from_chars(text.data(), end, number);
+        if (error == std::errc() && read == end && number <= most) return std::string();
+        return "'" + Printable(text) + "' is no whole number from 0 to " + std::to_string(most);
+    };
+    return {check, "N"};
+}
+
+CLI::Validator Seconds(double most)
+{
+    constexpr double kLeast = 0.001;
+    const auto check = [most](const std::string& text)
+    {
+        char* end = nullptr;
+        const double number = g_ascii_strtod(text.c_str(), &end);
+        // What is not a number compares to nothing.
+        if (!text.empty() && *end == '\0' && number >= kLeast && number <= most) return std::string();
+        return "'" + Printable(text) + "' is no number of seconds from 0.001 to " +
+               std::to_string(static_cast<long>(most));
+    };
+    return {check, "SECONDS"};
 }
 
 Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)

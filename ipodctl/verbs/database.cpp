@@ -38,7 +38,8 @@ void EnterPart(Session& session, const std::string& part)
 // A path that ends too early has changed the level all the same.
 [[noreturn]] void RefuseRest(const Failure& failure, const std::string& entered)
 {
-    throw Failure(failure.code(), failure.what() + (entered.empty() ? "" : "; the level is now " + Printable(entered)));
+    throw Failure(failure.code(),
+                  failure.what() + (entered.empty() ? "" : "; the way led to '" + Printable(entered) + "'"));
 }
 
 // Parts of a path are names, also those that look like numbers.
@@ -74,8 +75,8 @@ bool EnterWholeName(Session& session, const std::string& name)
 
 void ChangeLevel(Session& session, const std::string& where)
 {
-    if (where == "..")
-        EnterParent(session);
+    if (where == "." || where == "..")
+        EnterPart(session, where);
     else if (where.find('/') == std::string::npos)
         Enter(session, FindEntry(session, where));
     else if (where.front() == '/' || !EnterWholeName(session, where))

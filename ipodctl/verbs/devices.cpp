@@ -91,8 +91,9 @@ void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 Run BuildButton(CLI::App& app)
 {
     const auto button = Argument<Button>();
-    app.add_option("number", button->number, "Number of the button")->required();
-    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as it is told to the device");
+    app.add_option("number", button->number, "Number of the button")->required()->check(NumberUpTo(UINT32_MAX));
+    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as it is told to the device")
+        ->check(NumberUpTo(UINT32_MAX));
     return [button](Context& context) -> Answer
     {
         SetButton(context.session, *button, 1);

@@ -21,14 +21,21 @@ struct Choice
     }
 };
 
+CLI::Validator Something()
+{
+    return {[](const std::string& text) { return text.empty() ? "it is empty" : ""; }, ""};
+}
+
 void AddPresentation(CLI::App& app, Following& following)
 {
     auto* const format = app.add_option("--format", following.format,
                                         "Show each event by a template such as '{{ title }} {{ duration(length) }}'; "
-                                        "ipodctl(1) lists its fields and functions");
+                                        "ipodctl(1) lists its fields and functions")
+                             ->check(Something());
     app.add_option("--exec", following.command,
                    "Run this shell command for each event instead: its fields are variables of the environment "
                    "(IPOD_EVENT, IPOD_TITLE, ...), standard input is the event as JSON")
+        ->check(Something())
         ->excludes(format);
 }
 
@@ -38,7 +45,7 @@ Run BuildEvents(CLI::App& app)
     app.add_option("event", choice->names, "Only these events; without them, all")
         ->type_name("EVENT")
         ->check(CLI::IsMember(EventNames()));
-    AddLimits(app, choice->following.limits);
+    AddLimits(app, choice->following.limits, "--count or --until");
     app.add_option("--until", choice->following.limits.until, "End after the first event of this name")
         ->type_name("EVENT")
         ->check(CLI::IsMember(EventNames()).description(""));

@@ -4,11 +4,11 @@
 
 namespace ctl
 {
-void AddLimits(CLI::App& app, Limits& limits)
+void AddLimits(CLI::App& app, Limits& limits, const std::string& goal)
 {
     app.add_option("--count", limits.count, "End after so many events")->check(WholeNumber(1));
     app.add_option("--timeout", limits.seconds,
-                   "End after so many seconds; exit code 1 if --count or --until was not reached")
-        ->check(CLI::PositiveNumber);
+                   "End after so many seconds; exit code 1 if " + goal + " was not reached")
+        ->check(Seconds());
 }
 }  // namespace ctl

@@ -9,5 +9,6 @@
 namespace ctl
 {
 /// Adds --count and --timeout.
-void AddLimits(CLI::App& app, Limits& limits);
+/// @param goal  the options that may not be reached within the time
+void AddLimits(CLI::App& app, Limits& limits, const std::string& goal);
 }  // namespace ctl

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "output/text.h"
 #include "verbs/command_line.h"
 #include "verbs/verbs.h"
 
@@ -20,6 +21,16 @@ CLI::Validator OneOf(std::vector<std::string> words)
         return std::string();
     };
     return CLI::Validator(replace, listed);
+}
+
+CLI::Validator Utf8()
+{
+    const auto check = [](const std::string& text)
+    {
+        const bool valid = g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+        return valid ? std::string() : "'" + Printable(text) + "' is no text in UTF-8";
+    };
+    return {check, ""};
 }
 
 std::vector<std::string> WordsOf(std::string (*name)(int), int count)

@@ -13,6 +13,9 @@ namespace ctl
 /// One of a few words, whose place in the list is the number that travels. Parsing replaces the word by the number.
 CLI::Validator OneOf(std::vector<std::string> words);
 
+/// Accepts what the bus takes for a text.
+CLI::Validator Utf8();
+
 /// The words for the numbers 0, 1, 2, … as names.h gives them.
 std::vector<std::string> WordsOf(std::string (*name)(int), int count);
 

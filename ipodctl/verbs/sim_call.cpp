@@ -10,6 +10,7 @@ namespace ctl
 namespace
 {
 constexpr int kCallStates = 7;
+constexpr double kLongest = 4000000;  // seconds
 
 // What an option contributes to a dictionary, once it was given.
 template <class Value>
@@ -44,6 +45,8 @@ void AddCallOptions(CLI::App& app, CallFields& call)
     call.uuid.option = app.add_option("--uuid", call.uuid.value, "Identifies the call while it lives");
     call.book.option = app.add_option("--book-id", call.book.value, "Entry of the address book");
     call.label.option = app.add_option("--label", call.label.value, "home, mobile, ...");
+    for (const auto* text : {&call.number, &call.name, &call.uuid, &call.book, &call.label})
+        text->option->check(Utf8());
     call.status.option = app.add_option("--status", call.status.value, "State of the call")
                              ->transform(OneOf(WordsOf(CallStatusName, kCallStates)));
     call.direction.option = app.add_option("--direction", call.direction.value, "Who called whom")
@@ -52,10 +55,11 @@ void AddCallOptions(CLI::App& app, CallFields& call)
         app.add_option("--service", call.service.value, "Kind of call")->transform(OneOf(WordsOf(CallServiceName, 4)));
     call.reason.option =
         app.add_option("--reason", call.reason.value, "Why the call ended")->transform(OneOf(WordsOf(CallEndName, 3)));
-    call.group.option = app.add_option("--group", call.group.value, "Conference group");
+    call.group.option = app.add_option("--group", call.group.value, "Conference group")->check(NumberUpTo(UINT32_MAX));
     call.conferenced.option =
         app.add_flag("--conferenced,!--not-conferenced", call.conferenced.value, "Part of a conference");
-    call.start.option = app.add_option("--start", call.start.value, "Start, in seconds since 1970-01-01 UTC");
+    call.start.option = app.add_option("--start", call.start.value, "Start, in seconds since 1970-01-01 UTC")
+                            ->check(NumberUpTo(UINT64_MAX));
     app.add_option("--sequence", call.sequence,
                    "States in turn, each with the seconds until the next: ringing:3,active:10,held:2,disconnected")
         ->excludes(call.status.option);
@@ -91,7 +95,7 @@ Step ToStep(const std::string& text)
     if (colon == std::string::npos) return step;
     char* end = nullptr;
     step.seconds = g_ascii_strtod(text.c_str() + colon + 1, &end);
-    if (*end != '\0' || end == text.c_str() + colon + 1 || !(step.seconds >= 0))
+    if (*end != '\0' || end == text.c_str() + colon + 1 || !(step.seconds >= 0 && step.seconds < kLongest))
         throw Failure(kUsage, "--sequence: expected seconds after the colon in '" + text + "'");
     return step;
 }
@@ -120,6 +124,8 @@ Run BuildCall(CLI::App& app)
     {
         const std::vector<Step> steps = ToSteps(call->sequence);
         Fields fields = ToFields(*call);
+        if (fields.Empty() && steps.empty())
+            throw Failure(kUsage, "a call event tells something: give --status, or another field");
         if (steps.empty())
             AskSimulator(context.session, "PhoneCall", g_variant_new("(@a{sv})", fields.Take()));
         else
@@ -135,15 +141,24 @@ struct BatteryFields
     Field<std::uint32_t> status{"charging-status"};
 };
 
+// Nothing at all would be no event, and of several states only one is true.
+void RequireOne(const CLI::Option* level, const CLI::Option* status)
+{
+    if (level->count() + status->count() == 0)
+        throw Failure(kUsage, "a battery event tells something: give --level, or whether it is being charged");
+    if (status->count() > 1) throw Failure(kUsage, "give one of --disabled, --charging, --charged and --discharging");
+}
+
 Run BuildBattery(CLI::App& app)
 {
     const auto battery = Argument<BatteryFields>();
-    battery->level.option = app.add_option("--level", battery->level.value, "Percent");
+    battery->level.option = app.add_option("--level", battery->level.value, "Percent")->check(NumberUpTo(UINT32_MAX));
     battery->status.option = app.add_flag("--disabled{0},--charging{1},--charged{2},--discharging{3}",
                                           battery->status.value, "Whether it is being charged")
-                                 ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+                                 ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     return [battery](Context& context)
     {
+        RequireOne(battery->level.option, battery->status.option);
         Fields fields;
         for (const auto* field : {&battery->level, &battery->status})
             if (field->option->count() != 0) fields.Add(field->key, g_variant_new_uint32(field->value));
@@ -155,7 +170,7 @@ Run BuildBattery(CLI::App& app)
 
 std::vector<Verb> SimCallVerbs()
 {
-    return {{"call", "A phone call changed, once or in a sequence; every field may be left out",
+    return {{"call", "A phone call changed, once or in a sequence; fields may be left out, but not all",
              "ipodctl sim call --status ringing --direction incoming --name \"Li Lei\" --number 123\n"
              "ipodctl sim call --sequence ringing:3,active:10,held:2,active:5,disconnected --name \"Li Lei\"",
              BuildCall},

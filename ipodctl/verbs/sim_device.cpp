@@ -18,13 +18,13 @@ struct StateAndText
     std::string text;
 };
 
-Run BuildCarPlay(CLI::App& app)
+Run BuildCarPlayEvent(CLI::App& app)
 {
     const auto given = Argument<StateAndText>();
     app.add_option("status", given->state, "on, off or unsupported")
         ->required()
         ->transform(OneOf({"on", "off", "unsupported"}));
-    app.add_option("--serial", given->text, "Serial number of the device");
+    app.add_option("--serial", given->text, "Serial number of the device")->check(Utf8());
     return [given](Context& context)
     {
         AskSimulator(context.session, "Carplay",
@@ -33,7 +33,7 @@ Run BuildCarPlay(CLI::App& app)
     };
 }
 
-Run BuildCarLife(CLI::App& app)
+Run BuildCarLifeEvent(CLI::App& app)
 {
     const auto state = Argument<unsigned>();
     app.add_option("status", *state, "on, off or unsupported")
@@ -50,7 +50,7 @@ Run BuildWireless(CLI::App& app)
 {
     const auto given = Argument<StateAndText>();
     app.add_option("available", given->state, "on or off")->required()->transform(OneOf(Switch()));
-    app.add_option("--address", given->text, "Bluetooth address of the device");
+    app.add_option("--address", given->text, "Bluetooth address of the device")->check(Utf8());
     return [given](Context& context)
     {
         AskSimulator(context.session, "WirelessCarPlay",
@@ -68,7 +68,7 @@ struct Pairing
 Run BuildPairing(CLI::App& app)
 {
     const auto given = Argument<Pairing>();
-    app.add_option("address", given->address, "Bluetooth address of the device")->required();
+    app.add_option("address", given->address, "Bluetooth address of the device")->required()->check(Utf8());
     app.add_option("--hex", given->hex, "The information, in hexadecimal");
     return [given](Context& context)
     {
@@ -104,7 +104,7 @@ Run BuildSource(CLI::App& app)
 Run BuildText(CLI::App& app, const char* verb, const char* method, const char* what)
 {
     const auto text = Argument<std::string>();
-    app.add_option("name", *text, what)->required();
+    app.add_option("name", *text, what)->required()->check(Utf8());
     return [text, verb, method](Context& context)
     {
         AskSimulator(context.session, method, g_variant_new("(s)", text->c_str()));
@@ -127,7 +127,7 @@ Run BuildDetach(CLI::App& app)
     return BuildText(app, "detach", "DetachDevice", "Name of the device");
 }
 
-Run BuildButton(CLI::App& app)
+Run BuildButtonEvent(CLI::App& app)
 {
     return BuildText(app, "button", "PressButton", "play, pause, stop, next or previous");
 }
@@ -136,8 +136,9 @@ Run BuildButton(CLI::App& app)
 std::vector<Verb> SimDeviceVerbs()
 {
     return {
-        {"carplay", "A CarPlay device was detected or lost", "ipodctl sim carplay on --serial F17XK", BuildCarPlay},
-        {"carlife", "A CarLife device was detected or lost", "ipodctl sim carlife on", BuildCarLife},
+        {"carplay", "A CarPlay device was detected or lost", "ipodctl sim carplay on --serial F17XK",
+         BuildCarPlayEvent},
+        {"carlife", "A CarLife device was detected or lost", "ipodctl sim carlife on", BuildCarLifeEvent},
         {"wireless", "Wireless CarPlay became available or unavailable",
          "ipodctl sim wireless on --address 00:11:22:33:44:55", BuildWireless},
         {"pairing", "Out-of-band pairing information arrived", "ipodctl sim pairing 00:11:22:33:44:55 --hex 0a1b2c",
@@ -148,6 +149,6 @@ std::vector<Verb> SimDeviceVerbs()
         {"app", "Another app came to the foreground", "ipodctl sim app com.example.maps", BuildApp},
         {"attach", "A device was attached; it holds the built-in library", "ipodctl sim attach Second", BuildAttach},
         {"detach", "A device went away", "ipodctl sim detach Second", BuildDetach},
-        {"button", "The user presses a button on the device itself", "ipodctl sim button next", BuildButton}};
+        {"button", "The user presses a button on the device itself", "ipodctl sim button next", BuildButtonEvent}};
 }
 }  // namespace ctl

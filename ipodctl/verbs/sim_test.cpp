@@ -116,7 +116,7 @@ Answer ShowCalls(Context& context, const std::string& method)
 Run BuildCalls(CLI::App& app)
 {
     const auto query = Argument<CallQuery>();
-    app.add_option("method", query->method, "Only calls of this method");
+    app.add_option("method", query->method, "Only calls of this method")->check(Utf8());
     app.add_flag("--clear", query->clear, "Forget all calls instead");
     return [query](Context& context)
     {
@@ -163,7 +163,9 @@ Fault ToFault(std::string text)
 Run BuildFault(CLI::App& app)
 {
     const auto text = Argument<std::string>();
-    app.add_option("fault", *text, "KIND[=PARAMETER][@MEMBER][/COUNT]; ipod-simulator(1) lists the kinds")->required();
+    app.add_option("fault", *text, "KIND[=PARAMETER][@MEMBER][/COUNT]; ipod-simulator(1) lists the kinds")
+        ->required()
+        ->check(Utf8());
     return [text](Context& context)
     {
         const Fault fault = ToFault(*text);

@@ -1,4 +1,6 @@
 // Starting, stopping, and moving within and between tracks.
+#include <glib.h>
+
 #include <algorithm>
 
 #include "output/text.h"
@@ -95,6 +97,8 @@ Answer Seek(Session& session, const SeekTarget& target)
     return answer;
 }
 
+constexpr char kTimes[] = "give SECONDS, MM:SS, +N or -N";
+
 Run BuildSeek(CLI::App& app)
 {
     const auto target = Argument<std::string>();
@@ -103,9 +107,11 @@ Run BuildSeek(CLI::App& app)
     app.add_option("--back", *back, "The same as -N")->excludes(time);
     return [target, back](Context& context)
     {
+        if (target->empty() && back->empty()) throw Failure(kUsage, std::string("no time is given: ") + kTimes);
         const std::string text = back->empty() ? *target : "-" + *back;
         const std::optional<SeekTarget> parsed = ParseSeek(text);
-        if (!parsed) throw Failure(kUsage, "'" + Printable(text) + "' is no time: give SECONDS, MM:SS, +N or -N");
+        const std::string& given = back->empty() || g_ascii_isdigit(back->front()) ? text : *back;
+        if (!parsed) throw Failure(kUsage, "'" + Printable(given) + "' is no time: " + kTimes);
         return Seek(context.session, *parsed);
     };
 }

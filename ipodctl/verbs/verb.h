@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -25,6 +26,12 @@ struct Verb
 
 /// Accepts whole numbers from @p least on, and says so when it is given something else.
 CLI::Validator WholeNumber(int least);
+
+/// The same from 0 to @p most.
+CLI::Validator NumberUpTo(std::uint64_t most);
+
+/// Accepts times from a millisecond to @p most seconds.
+CLI::Validator Seconds(double most = 4000000);
 
 /// A place for an argument of the command line that lives as long as those who hold it.
 template <class T>

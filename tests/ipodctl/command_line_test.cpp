@@ -32,6 +32,7 @@ TEST(CommandLine, TellsANegativeTimeFromAnOption)
 {
     EXPECT_EQ(Parse({"--json", "seek", "-1:30", "--verbose"}), (Words{"--verbose", "--back=1:30", "seek", "--json"}));
     EXPECT_EQ(Parse({"ls", "-10"}), (Words{"-10", "ls"}));
+    EXPECT_EQ(Parse({"seek", "--", "-5"}), (Words{"-5", "--", "seek"}));
 }
 
 TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
@@ -46,4 +47,20 @@ TEST(WholeNumber, SaysWhatItWants)
     EXPECT_EQ(WholeNumber(1)("5"), "");
     EXPECT_EQ(WholeNumber(1)("0"), "'0' is no whole number from 1 on");
     EXPECT_EQ(WholeNumber(0)("-1"), "'-1' is no whole number from 0 on");
+}
+
+TEST(NumberUpTo, KnowsTheWholeRange)
+{
+    EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967295"), "");
+    EXPECT_EQ(NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
+    EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967296"), "'4294967296' is no whole number from 0 to 4294967295");
+    for (const char* wrong : {"-1", "", "1x", " 1", "99999999999999999999"})
+        EXPECT_NE(NumberUpTo(UINT64_MAX)(wrong), "");
+}
+
+TEST(Seconds, AreFiniteAndAboveNothing)
+{
+    for (const char* right : {"0.001", "1", "2.5", "1e3", "60"}) EXPECT_EQ(Seconds(1000)(right), "");
+    for (const char* wrong : {"", "0", "-1", "nan", "inf", "1x", "1001", "0.0001"})
+        EXPECT_EQ(Seconds(1000)(wrong), std::string("'") + wrong + "' is no number of seconds from 0.001 to 1000");
 }

@@ -32,6 +32,13 @@ TEST_F(Files, GetAnExtensionWhereTheyHaveNone)
     EXPECT_EQ(FileIn("/tmp/a.b/cover", "artwork", ".png"), "/tmp/a.b/cover.png");
 }
 
+TEST_F(Files, AreWrittenUnderTheirNameWhereADeviceHasIt)
+{
+    EXPECT_EQ(FileIn("/dev/null", "artwork", ".png"), "/dev/null");
+    WriteFile(m_folder + "/cover", {1});
+    EXPECT_EQ(FileIn(m_folder + "/cover", "artwork", ".png"), m_folder + "/cover.png");
+}
+
 TEST_F(Files, GetANameInAFolder)
 {
     EXPECT_EQ(FileIn(m_folder, "artwork", ".png"), m_folder + "/artwork.png");

@@ -7,6 +7,7 @@ import os
 import pty
 import re
 import select
+import shutil
 import signal
 import socket
 import struct
@@ -91,9 +92,31 @@ class WithoutAService(OnABus):
                       ["events", "--exec", "a", "--format", "b"], ["queue", "-1"],
                       ["queue", "x"], ["cd"], ["cd", ""], ["eap"], ["eap", "write", "70000"], ["hub", "256"],
                       ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"],
-                      ["eap", "launch", b"\xff"]):
+                      ["eap", "launch", b"\xff"], ["--deadline", "nan", "status"], ["events", "--timeout", "nan"],
+                      ["status", "--listen", "inf"], ["sim", "call", "--sequence", "ringing:inf"],
+                      ["sim", "call"], ["sim", "battery"], ["events", "--format", ""], ["events", "--exec", ""]):
             with self.subTest(words):
                 self.refused(*words, code=USAGE)
+
+    def test_wrong_arguments_are_told_by_what_is_wrong(self):
+        for words, part in ((["--foo"], "unknown option '--foo'; ipodctl --help"),
+                            (["eap", "foo"], "unknown verb 'foo'; ipodctl eap --help"),
+                            (["sim", "foo"], "unknown verb 'foo'; ipodctl sim --help"),
+                            (["sim", "call", "--foo"], "--foo; ipodctl sim call --help"),
+                            (["seek"], "no time is given"),
+                            (["seek", "--back=-3"], "'-3' is no time"),
+                            (["seek", "-1:99"], "'-1:99' is no time"),
+                            (["button", "-1"], "'-1' is no whole number"),
+                            (["events", "--timeout", "0"], "'0' is no number of seconds"),
+                            (["sim", "battery", "--charging", "--charged"], "give one of --disabled")):
+            with self.subTest(words):
+                self.assertIn(part, self.refused(*words, code=USAGE))
+
+    def test_texts_for_the_simulator_are_utf_8(self):
+        for words in (["app"], ["attach"], ["detach"], ["button"], ["fault"], ["calls"], ["pairing"],
+                      ["call", "--name"], ["carplay", "on", "--serial"], ["wireless", "on", "--address"]):
+            with self.subTest(words):
+                self.assertIn("no text in UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
 
     def test_help_and_version_need_nothing(self):
         self.assertIn("Exit codes:", self.text("--help"))
@@ -213,6 +236,18 @@ class WithTheSimulator(OnABusWithTheSimulator):
         for line in lines:
             self.assertEqual(check(json.loads(line), SCHEMA), [])
 
+    def test_watching_ends_well_also_while_the_service_is_asked(self):
+        self.play_first_song()
+        began = time.monotonic()
+        self.json("status")
+        once = time.monotonic() - began
+        self.tell("fault", "delay=4000@GetPlayingListItems")
+        process = self.follow("--json", "status", "--watch")
+        time.sleep(0.5 + once)
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+
     def test_a_terminal_gets_its_screen_back_after_watching(self):
         self.play_first_song()
         shown = self.on_terminal("status", "--watch", interrupt_at="playing")
@@ -265,6 +300,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         for words, second in ((["90"], 90), (["1:00"], 60), (["+10"], 70), (["-1:05"], 5), (["-99"], 0)):
             with self.subTest(words):
                 self.assertEqual(self.json("seek", *words)["position_ms"] // 1000, second)
+        self.assertEqual(self.json("seek", "--", "-5")["position_ms"], 0)
         self.assertIn("long", self.refused("seek", "59:59", code=USAGE))
 
     def test_info_tells_all_of_the_track(self):
@@ -346,6 +382,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("folder", self.text("cd", "/Artists/周明轩"))
         self.assertIn("folder", self.text("cd", "../周明轩"))
         self.refused("cd", "/Artists/Nobody", code=USAGE)
+        self.assertEqual(self.json("cd", "."), self.json("cd", "./"))
+        self.assertIn("root already; the way led to '/Artists/../'",
+                      self.refused("cd", "/Artists/../..", code=NOTHING_DONE))
 
     def test_a_level_that_cannot_be_entered_is_told(self):
         self.assertIn("root already", self.refused("cd", "..", code=NOTHING_DONE))
@@ -415,6 +454,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.run_ctl("art", "-"), picture)
         self.assertTrue(self.text("art").startswith("artwork.png: image/png, "))
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
+        self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=USAGE))
 
     def test_a_folder_gets_the_picture_under_a_name_of_its_own(self):
         self.play_first_song()
@@ -593,6 +633,24 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(process.returncode, DONE)
         self.assertFalse(os.path.exists(path))
 
+    def test_a_bridge_takes_the_socket_over_from_one_that_was_killed(self):
+        path = os.path.join(self.folder.name, "socket")
+        killed = self.start("eap", "bridge", "--socket", path)
+        self.assertEqual(self.exchange(path, b"first"), b"first")
+        killed.kill()
+        killed.communicate(timeout=LIMIT)
+        self.assertTrue(os.path.exists(path))
+        process = self.start("eap", "bridge", "--socket", path)
+        self.assertTrue(within(LIMIT, lambda: self.serves(path)))
+        self.assertEqual(self.exchange(path, b"second"), b"second")
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertFalse(os.path.exists(path))
+
+    def serves(self, path):
+        with socket.socket(socket.AF_UNIX) as client:
+            return client.connect_ex(path) == 0
+
     def exchange(self, path, text):
         """What a client of a socket gets back."""
         self.assertTrue(within(LIMIT, lambda: os.path.exists(path)))
@@ -614,8 +672,23 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_bytes_that_cannot_be_sent_are_told(self):
         self.assertIn("session 77", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
-        self.assertIn("2000000 bytes", self.refused("eap", "write", "1", data=bytes(2000000), code=NO_SEGMENTS))
+        self.assertIn("shared memory has no room", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
         self.assertIn("cannot read", self.refused("eap", "write", "1", "/nonexistent", code=USAGE))
+
+    def test_more_than_the_shared_memory_takes_is_refused_beforehand(self):
+        self.tell("eap-open")
+        free = self.free_bytes()
+        for size in (3000000, 2000000, 614400):
+            refusal = self.refused("eap", "write", "1", data=bytes(size), code=NO_SEGMENTS)
+            self.assertRegex(refusal, rf"cannot put {size} bytes into the shared memory: it takes \d+ at most")
+            self.assertEqual(self.free_bytes(), free)
+        most = int(re.search(r"takes (\d+) at most", refusal).group(1))
+        self.json("eap", "write", "1", data=bytes(most))
+        self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
+
+    def free_bytes(self):
+        segments = {segment["name"]: segment for segment in self.json("shm")["segments"]}
+        return segments["BufferVectorSharedMemory"]["free"]
 
     # Shared memory
 
@@ -672,6 +745,13 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     # The service, misbehaving
 
+    def test_an_error_of_the_service_is_told_as_it_came(self):
+        self.tell("fault", "error=com.example.Busy")
+        for words in (["next"], ["cd", ".."], ["cd", "/"], ["pause"], ["art"]):
+            with self.subTest(words):
+                self.assertIn("the service refused: GDBus.Error:com.example.Busy: ",
+                              self.refused(*words, code=NOTHING_DONE))
+
     def restart_simulator(self):
         self.stop_simulator()
         self.start_simulator()
@@ -711,6 +791,39 @@ class WithTheSimulator(OnABusWithTheSimulator):
         out, _ = process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, DONE)
         self.assertIn(b"percent 9", out)
+
+    def test_what_the_service_does_not_tell_is_told(self):
+        self.play_first_song()
+        self.tell("fault", "long-record@GetCurrentMediaInfo")
+        process = self.start("status")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+        self.assertRegex(err.decode(), r"^ipodctl: the service did not tell the track: [^\n]*broken answer[^\n]*\n$")
+        self.assertIn(b"queue 1 of ", out)
+        self.assertIn("broken answer", self.refused("info", code=SERVICE_LOST))
+        self.tell("fault", "error=com.example.Busy@GetDeviceAmount")
+        process = self.start("--json", "status")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertIn(b"tell the track, the devices", err)
+        self.assertEqual(check(json.loads(out), SCHEMA), [])
+        self.assertIsNone(json.loads(out)["devices"])
+
+    def test_a_service_that_tells_nothing_is_told(self):
+        self.play_first_song()
+        self.tell("fault", "error=com.example.Busy")
+        for words in (["status"], ["info"]):
+            self.assertIn("GDBus.Error:com.example.Busy: ", self.refused(*words, code=NOTHING_DONE))
+        self.tell("clear-faults")
+        self.tell("fault", "wrong-type")
+        self.assertIn("broken answer", self.refused("status", code=SERVICE_LOST))
+
+    def test_a_simulator_that_hangs_is_told_after_the_deadline(self):
+        self.simulator.send_signal(signal.SIGSTOP)
+        self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
+        began = time.monotonic()
+        self.assertIn("the simulator did not answer",
+                      self.refused("--deadline", "0.3", "sim", "calls", code=SERVICE_LOST))
+        self.assertLess(time.monotonic() - began, 8)
 
     def test_a_service_that_hangs_is_told_after_the_deadline(self):
         self.simulator.send_signal(signal.SIGSTOP)
@@ -796,8 +909,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
 class Doctor:
     """What doctor finds, and the exit code that goes with it; every answer fits the schema."""
 
-    def examine(self, code):
-        process = self.start("--json", "doctor")
+    def examine(self, code, *options):
+        process = self.start("--json", *options, "doctor")
         out, err = process.communicate(timeout=LIMIT)
         # An emulator adds a line of its own when a process dies of a signal.
         err = re.sub(rb"qemu: uncaught target signal .*\n", b"", err)
@@ -828,6 +941,38 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
     def test_all_is_well(self):
         self.assertEqual({finding["state"] for finding in self.examine(DONE).values()}, {"well"})
         self.assertIn("build: contract ", self.text("doctor"))
+
+    def test_a_service_that_hangs_is_a_problem(self):
+        self.simulator.send_signal(signal.SIGSTOP)
+        self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
+        service = self.examine(SERVICE_LOST, "--deadline", "0.3")["service"]
+        self.assertEqual(service["state"], "problem")
+        self.assertIn("did not answer in time", service["text"])
+
+    def test_a_service_that_refuses_is_a_warning(self):
+        self.run_ctl("sim", "fault", "error=com.example.Busy@GetPlayStatus")
+        service = self.examine(NOTHING_DONE)["service"]
+        self.assertIn("com.example.Busy", service["text"])
+
+    def test_a_name_taken_from_under_the_service_is_a_problem(self):
+        path = "/dev/shm/ListVectorSharedMemory"
+        shutil.copyfile(path, path + ".new")
+        os.remove(path)
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "no longer stands under its name")
+        os.chmod(path + ".new", 0o644)
+        os.rename(path + ".new", path)
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "no longer stands under its name")
+
+    def test_a_segment_that_is_nearly_full_is_a_warning(self):
+        data = os.path.join(self.folder.name, "data")
+        with open(data, "wb") as file:
+            file.write(bytes(950000))
+        self.run_ctl("sim", "eap-open")
+        self.run_ctl("sim", "eap-data", "1", "--file", data)
+        buffers = self.examine(NOTHING_DONE)["buffers"]
+        self.assertEqual(buffers["state"], "warning")
+        self.assertRegex(buffers["text"], r"only \d+ bytes free")
+        self.assertIn("remove /dev/shm/BufferVectorSharedMemory", buffers["advice"])
 
     def test_another_mode_is_a_warning(self):
         os.chmod("/dev/shm/ListVectorSharedMemory", 0o666)
