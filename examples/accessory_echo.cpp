@@ -1,9 +1,13 @@
 // Announces a protocol and sends back whatever the companion app on the device sends.
+//
+// The simulator is an echo too: what comes back of what was sent back ends here, or it would go to and fro for ever.
+#include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/accessory.h>
 
 #include <cstdio>
 #include <map>
+#include <utility>
 
 using namespace ipodkit;
 
@@ -24,11 +28,14 @@ private:
         std::printf("session %u opened\n", peer->Number());
         std::fflush(stdout);
         m_served[peer->Number()] = peer->OnData(
-            "echo", [peer](const Result<Bytes>& data) { data ? Return(*peer, *data) : Report(data.error()); });
+            "echo", [this, peer](const Result<Bytes>& data) { data ? Return(*peer, *data) : Report(data.error()); });
     }
 
-    static void Return(AccessorySession& peer, const Bytes& data)
+    void Return(AccessorySession& peer, const Bytes& data)
     {
+        Bytes& returned = m_returned[peer.Number()];
+        if (data == std::exchange(returned, {})) return;
+        returned = data;
         const auto done = [](const Result<void>& result)
         {
             if (!result) Report(result.error());
@@ -40,12 +47,15 @@ private:
 
     AccessoryPort m_port;
     Subscription m_opened;
+    std::map<std::uint16_t, Bytes> m_returned;
     std::map<std::uint16_t, Subscription> m_served;
 };
 }  // namespace
 
 int main()
 {
+    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
     const auto session = Session::Open();
     if (!session)
     {

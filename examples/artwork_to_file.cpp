@@ -1,4 +1,5 @@
 // Writes the picture of each track that plays to a file and prints its address: artwork_to_file [DIRECTORY]
+#include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/picture_files.h>
 #include <ipodkit/session.h>
@@ -7,6 +8,8 @@
 
 int main(int argc, char** argv)
 {
+    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
     const ipodkit::PictureFiles files(argc > 1 ? argv[1] : "");
     const auto session = ipodkit::Session::Open();
     if (!session)

@@ -1,5 +1,6 @@
 // Reads the current level of the music database and prints the names that match what was typed:
 // browse_and_jump zjl
+#include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/jump_index.h>
 #include <ipodkit/pager.h>
@@ -67,6 +68,8 @@ private:
 
 int main(int argc, char** argv)
 {
+    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
     const auto session = Session::Open();
     if (argc < 2 || !session)
     {

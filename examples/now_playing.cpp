@@ -1,4 +1,5 @@
 // Shows what plays, for as long as it runs. Compare with now_playing_core.cpp.
+#include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/session.h>
 
@@ -6,6 +7,8 @@
 
 int main()
 {
+    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
     const auto session = ipodkit::Session::Open();
     if (!session)
     {

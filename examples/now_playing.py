@@ -10,6 +10,7 @@ def show(state, changed):
     print(f"[{state.phase.name}] {sign} {artist} - {title}", flush=True)
 
 
+ipodkit.log("WARN")  # otherwise each record of the library is a line of warning
 session = ipodkit.Session()
 fields = {ipodkit.Field.TRACK, ipodkit.Field.STATUS, ipodkit.Field.CONNECTION}
 shown = session.on_state("now playing", show, fields)

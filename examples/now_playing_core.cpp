@@ -1,6 +1,7 @@
 // The same as now_playing.cpp with the core's own interface: it must be started after the service, does not notice
 // that the service went away, and blocks when the service hangs.
 #include <IQBXIpodPlayer.h>
+#include <QBXLog.h>
 #include <glib.h>
 
 #include <cstdio>
@@ -42,6 +43,8 @@ private:
 
 int main()
 {
+    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
     if (!player->InitInstance())
     {

@@ -1,20 +1,42 @@
 // A service for your own test: it lives in the test's process, plays along, fails on demand and tells what it was
 // asked. Run it on a bus of its own: dbus-run-session -- ./service_in_your_test
 #include <IQBXIpodPlayer.h>
+#include <QBXLog.h>
 #include <ipodsim.h>
 
 #include <cstdio>
+#include <exception>
 
-int main()
+namespace
+{
+bool Passes()
 {
     ipodsim::Simulator service;
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
-    if (!player->InitInstance()) return 1;
+    if (!player->InitInstance()) return false;
     service.PressButton("play");
     const bool plays = player->GetPlayStatus() == IPOD_PLAY_STATUS_PLAYING;
     service.Fault("out-of-range=42@GetPlayStatus/1");
     const bool isPassedOn = player->GetPlayStatus() == 42;
     const bool wasAskedTwice = service.Calls("GetPlayStatus").size() == 2;
-    std::printf("%s\n", plays && isPassedOn && wasAskedTwice ? "as it should be" : "something is wrong");
-    return plays && isPassedOn && wasAskedTwice ? 0 : 1;
+    return plays && isPassedOn && wasAskedTwice;
+}
+}  // namespace
+
+int main()
+{
+    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
+    try
+    {
+        const bool passed = Passes();
+        std::printf("%s\n", passed ? "as it should be" : "something is wrong");
+        return passed ? 0 : 1;
+    }
+    catch (const std::exception& error)
+    {
+        // Such as that there is no bus.
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
 }

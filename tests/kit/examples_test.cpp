@@ -22,6 +22,7 @@ public:
     }
     ~Example()
     {
+        EXPECT_THAT(m_printed, testing::Not(HasSubstr("Log system not init")));
         g_subprocess_force_exit(m_process);
         g_subprocess_wait(m_process, nullptr, nullptr);
         g_object_unref(m_process);
@@ -107,20 +108,50 @@ TEST_F(ExamplesTest, ArtworkToFileWritesAFile)
     EXPECT_EQ(g_rmdir(directory), 0);
 }
 
-TEST_F(ExamplesTest, AccessoryEchoSendsBackWhatItGets)
+class AccessoryEchoTest : public ExamplesTest
 {
-    service.Answer("EapInit", "()");
+protected:
+    AccessoryEchoTest() { service.Answer("EapInit", "()"); }
+
+    // Two bytes in a session of their own.
+    void SendBytes(Example& example)
+    {
+        ASSERT_TRUE(RunLoopUntil([&] { return service.WaitForCalls(15); }));
+        service.Emit("OnIpodStartEapSession", "(0, 300)");
+        ASSERT_TRUE(example.Prints("session 300 opened"));
+        shared.SetBytes("VecEapReadBufferShareMemory", {'h', 'i'});
+        service.Emit("OnIpodReceiveEapData", "(44,)");
+    }
+};
+
+TEST_F(AccessoryEchoTest, SendsBackWhatItGets)
+{
     service.Answer("EapWrite", "(true,)");
     Example example("accessory_echo", "");
-    ASSERT_TRUE(RunLoopUntil([&] { return service.WaitForCalls(15); }));
-    service.Emit("OnIpodStartEapSession", "(0, 300)");
-    ASSERT_TRUE(example.Prints("session 300 opened"));
-    shared.SetBytes("VecEapReadBufferShareMemory", {'h', 'i'});
 
-    service.Emit("OnIpodReceiveEapData", "(44,)");
+    SendBytes(example);
 
     EXPECT_TRUE(RunLoopUntil([&] { return service.Calls().back() == "EapWrite(300,)"; }));
     EXPECT_EQ(shared.Bytes("VecEapWriteBufferShareMemory"), (std::vector<unsigned char>{'h', 'i'}));
+}
+
+TEST_F(AccessoryEchoTest, DoesNotAnswerAnotherEcho)
+{
+    service.React("EapWrite",
+                  [this](GDBusMethodInvocation* call)
+                  {
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
+                      shared.SetBytes("VecEapReadBufferShareMemory", shared.Bytes("VecEapWriteBufferShareMemory"));
+                      service.Emit("OnIpodReceiveEapData", "(44,)");
+                  });
+    Example example("accessory_echo", "");
+
+    SendBytes(example);
+
+    EXPECT_TRUE(RunLoopUntil([&] { return service.Calls().back() == "EapWrite(300,)"; }));
+    RunLoopFor(std::chrono::milliseconds(300));
+    const std::vector<std::string> calls = service.Calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "EapWrite(300,)"), 1);
 }
 }  // namespace
 }  // namespace test

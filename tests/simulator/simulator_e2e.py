@@ -143,10 +143,22 @@ class Program(OnABus):
     def test_refuses_what_it_cannot_use(self):
         self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
         self.assertIn("speed: expected a number above 0", self.refusal("--speed", "0"))
+        self.assertEqual("ipod-simulator: name of the device: expected UTF-8 text, not '\N{REPLACEMENT CHARACTER}'\n",
+                         self.refusal("--name", b"\xff"))
         self.assertIn("expected one of delay, ", self.refusal("--fault", "dely"))
         self.assertIn("cannot be read", self.refusal("--scenario", "/nonexistent"))
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.assertIn("no session bus", self.refusal())
+
+    def test_usage_errors_are_one_line_and_have_a_code_of_their_own(self):
+        for program in (OPTIONS.simulator, OPTIONS.samples):
+            name = os.path.basename(program)
+            for words in (["a", "--wrong"], ["a", "--speed" if name == "ipod-simulator" else "--count", "x"], ["a", "b"]):
+                with self.subTest([name, *words]):
+                    done = subprocess.run([program, *words], env=self.environment, capture_output=True, text=True,
+                                          timeout=LIMIT)
+                    self.assertEqual((done.returncode, done.stdout), (2, ""))
+                    self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*; {name} --help shows the usage\n$")
 
     def test_tells_where_a_scenario_is_malformed(self):
         file = self.write("bad.json", '{"steps": [\n  {"time": 0, "event": "button", "value": "eject"}\n]}\n')
@@ -196,6 +208,23 @@ class Program(OnABus):
                 os.truncate(f"{self.folder}/cache/ipod-simulator/{kept[0]}", 50)
 
 
+class InATest(OnABus):
+    def run_example(self):
+        if not OPTIONS.example:
+            self.skipTest("the examples are not built")
+        done = subprocess.run([OPTIONS.example], env=self.environment, capture_output=True, text=True, timeout=LIMIT)
+        return done.returncode, done.stdout, done.stderr
+
+    def test_the_example_says_that_all_is_well_and_nothing_else(self):
+        self.assertEqual(self.run_example(), (0, "as it should be\n", ""))
+
+    def test_the_example_tells_that_there_is_no_bus(self):
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
+        code, out, err = self.run_example()
+        self.assertEqual((code, out), (1, ""))
+        self.assertRegex(err, r"^no session bus.*\n$")
+
+
 class Faults(OnABus):
     def test_crash_in_the_middle_of_a_call(self):
         process = self.start("--fault", "crash@Next/1")
@@ -213,9 +242,20 @@ class Faults(OnABus):
                 self.ask("Pause")
                 self.assertEqual(process.wait(timeout=LIMIT), -signal.SIGKILL)
                 self.assertIn("ListVectorSharedMemory", os.listdir("/dev/shm"))
-                # Whoever comes next waits for the lock for ten seconds, and says so.
-                self.assertIn("shared memory", self.refusal())
+                locked = segment.capitalize().rstrip("s") or "List"
+                self.assertEqual(self.refusal(), f"ipod-simulator: shared memory {locked}VectorSharedMemory: it is "
+                                 "locked by a process that died; stop all applications of the service, remove "
+                                 f"/dev/shm/{locked}VectorSharedMemory and start again\n")
                 clear_shared_memory()
+
+    def test_segments_that_cannot_be_used_are_told_with_what_helps(self):
+        for contents in (b"\2\0\0\0", b"\2\0\0\0" + b"x" * 0x4ffffc, b"\2\0\0\0" + bytes(0x4ffffc)):
+            with self.subTest(len(contents)):
+                self.addCleanup(clear_shared_memory)
+                with open("/dev/shm/ListVectorSharedMemory", "wb") as segment:
+                    segment.write(contents)
+                self.assertRegex(self.refusal(), "^ipod-simulator: shared memory ListVectorSharedMemory: .*; stop all "
+                                 "applications of the service, remove /dev/shm/ListVectorSharedMemory and start again$")
 
     def test_vectors_are_falsified(self):
         self.start()
@@ -326,6 +366,7 @@ if __name__ == "__main__":
     parser.add_argument("--ipodctl", required=True)
     parser.add_argument("--schema", required=True)
     parser.add_argument("--scenarios", required=True)
+    parser.add_argument("--example", help="a service in a test of its own")
     OPTIONS, REST = parser.parse_known_args()
     with open(OPTIONS.schema, encoding="utf-8") as schema:
         SCHEMA = json.load(schema)
