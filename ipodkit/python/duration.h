@@ -5,6 +5,7 @@
 #include <pybind11/pybind11.h>
 
 #include <chrono>
+#include <cmath>
 
 namespace ipodkit::python
 {
@@ -12,6 +13,10 @@ inline std::chrono::milliseconds ToMilliseconds(const pybind11::object& duration
 {
     const bool isTimedelta = pybind11::hasattr(duration, "total_seconds");
     const pybind11::object seconds = isTimedelta ? duration.attr("total_seconds")() : duration;
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(seconds.cast<double>()));
+    const double number = PyFloat_AsDouble(seconds.ptr());
+    if (PyErr_Occurred() != nullptr) throw pybind11::error_already_set();
+    constexpr double kMost = 1e9;
+    if (!(std::abs(number) <= kMost)) throw pybind11::value_error("expected a number of seconds, or a timedelta");
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(number));
 }
 }  // namespace ipodkit::python

@@ -52,7 +52,8 @@ void BindRequest(py::module_& module)
         .def_property_readonly("cancelled", &Cancellation::Cancelled);
     constexpr auto same = py::return_value_policy::reference;
     py::class_<AnyRequest>(module, "Request", kDoc)
-        .def("within", Within, py::arg("deadline"), same, "Sets the deadline: seconds or a timedelta.")
+        .def("within", Within, py::arg("deadline"), same,
+             "Sets the deadline: seconds or a timedelta; at least a millisecond.")
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
         .def("start", Start, py::arg("callback"),
              "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")

@@ -72,6 +72,16 @@ class WithoutService(unittest.TestCase):
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.NO_SERVICE)
         self.assertIn("NoService: ", str(raised.exception))
 
+    def test_what_is_no_duration_is_an_error_of_its_type_or_value(self):
+        for wrong in ("x", None, [1]):
+            with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
+                self.session.commands.seek(wrong)
+            with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
+                self.session.commands.next().within(wrong)
+        for wrong in (float("nan"), float("inf"), -1e300):
+            with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a number of seconds"):
+                self.session.commands.seek(wrong)
+
     def test_there_is_one_session_at_a_time(self):
         with self.assertRaises(ipodkit.Error) as raised:
             ipodkit.Session()
@@ -175,6 +185,13 @@ class WithSimulator(unittest.TestCase):
 
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
         self.assertGreater(count, 5)
+
+    def test_the_shortest_deadline_is_a_millisecond(self):
+        self.simulator.hang()
+        for deadline in (1e-9, 0, -1):
+            with self.subTest(deadline), self.assertRaises(ipodkit.Error) as raised:
+                self.session.commands.next().within(deadline).wait()
+            self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
 
     def test_a_future_is_fulfilled_by_the_loop_for_another_thread(self):
         names = []
