@@ -163,7 +163,7 @@ TEST_F(AnyStepTest, FourThreadsMaySubscribeAndEndWhileEventsCome)
         threads.emplace_back(
             [&]
             {
-                for (int n = 0; n < 100; ++n)
+                for (int n = 0; n < 100 || (calls == 0 && n < 100000); ++n)
                 {
                     Subscription states = session->OnState("thread", [&calls](const StatePtr&, Fields) { ++calls; });
                     const Subscription steps =

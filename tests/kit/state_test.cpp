@@ -50,16 +50,18 @@ TEST_F(StateTest, FollowsEveryEvent)
 {
     Ready();
 
-    // The state is read again after it: older answers are in before the next events.
+    // The state is read again after it, CarLife last of what is told below: older answers are in before the next
+    // events.
+    service.Answer("GetCarlifeDeviceDetectStatus", "(0,)");
     Emit("OnIpodDeviceStatusChange", "(0, true)");
-    RunLoopFor(500ms);
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->carLife == APPLE_DEVICE_DETECTED; }));
     Emit("OnPlayStatusChanged", "(2,)");
     Emit("OnIpodShuffleModeChange", "(0,)");
     Emit("OnIpodRepeatModeChange", "(2,)");
     Emit("OnIpodPlayingListAmountChange", "(9,)");
     Emit("OnIpodSourceValidStatusChange", "(true,)");
     Emit("OnCarplayDeviceDetectStatusChange", "(1, '')");
-    Emit("OnCarlifeDeviceDetectStatusChange", "(0,)");
+    Emit("OnCarlifeDeviceDetectStatusChange", "(1,)");
     Emit("OnIpodLocationStatusChange", "(1,)");
     Emit("OnIpodAppBundleNameChange", "('com.example.other',)");
     Emit("OnWirelessCarPlayUpdate", "(true, 'addr')");
@@ -74,7 +76,7 @@ TEST_F(StateTest, FollowsEveryEvent)
     EXPECT_EQ(State()->queueSize, 9);
     EXPECT_EQ(State()->sourceValid, true);
     EXPECT_EQ(State()->carPlay->status, APPLE_DEVICE_NOT_DETECTED);
-    EXPECT_EQ(State()->carLife, APPLE_DEVICE_DETECTED);
+    EXPECT_EQ(State()->carLife, APPLE_DEVICE_NOT_DETECTED);
     EXPECT_EQ(State()->location, LOCATION_STATUS_REQUESTED);
     EXPECT_EQ(State()->foregroundApp, "com.example.other");
     EXPECT_EQ(State()->wireless->deviceAddress, "addr");

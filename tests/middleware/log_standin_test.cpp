@@ -89,11 +89,11 @@ TEST_F(LogStandIn, KeepsTheLinesOfThreadsApart)
             });
     for (std::thread& thread : threads) thread.join();
 
+    const std::regex whole(R"(.{23} INFO  libipod/Unit Pause:42 thread \d line \d+ end)");
     std::istringstream lines(Written());
-    int whole = 0;
-    for (std::string line; std::getline(lines, line);)
-        whole += std::regex_match(line, std::regex(R"(.{23} INFO  libipod/Unit Pause:42 thread \d line \d+ end)"));
-    EXPECT_EQ(2000, whole);
+    int found = 0;
+    for (std::string line; std::getline(lines, line);) found += std::regex_match(line, whole);
+    EXPECT_EQ(2000, found);
 }
 
 TEST_F(LogStandIn, RefusesAnUnknownLevelAndAnImpossibleFileAndStaysAsItWas)

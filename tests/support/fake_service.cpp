@@ -12,7 +12,7 @@ namespace
 constexpr char kName[] = "com.zarn.linux.ipod";
 constexpr char kPath[] = "/com/zarn/linux/ipod";
 constexpr guint kDoNotQueue = 4;
-constexpr auto kPatience = std::chrono::seconds(5);
+constexpr auto kPatience = std::chrono::seconds(20);
 
 void Require(bool holds, const GError* error)
 {

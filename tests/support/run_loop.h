@@ -8,7 +8,7 @@
 namespace test
 {
 /// Runs the default main context until @p condition holds. False when it did not within @p limit.
-bool RunLoopUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::seconds(5));
+bool RunLoopUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::seconds(20));
 
 /// Runs the default main context for that long, for what must not happen.
 void RunLoopFor(std::chrono::milliseconds duration);

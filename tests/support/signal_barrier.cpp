@@ -31,7 +31,7 @@ bool PassBarrier(FakeService& service)
                                                                   G_DBUS_SIGNAL_FLAGS_NONE, SetTrue, &passed, nullptr);
     WaitForTheBus(session);
     service.EmitBody(kMember, nullptr);
-    RunLoopUntil([&passed] { return passed; }, std::chrono::seconds(15));
+    RunLoopUntil([&passed] { return passed; }, std::chrono::seconds(60));
     g_dbus_connection_signal_unsubscribe(session, subscription);
     g_object_unref(session);
     return passed;
