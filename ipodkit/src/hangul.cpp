@@ -8,7 +8,7 @@ namespace ipodkit
 {
 namespace
 {
-using Text = std::string_view;
+using Spelling = std::string_view;
 
 constexpr int kFirstSyllable = 0xAC00;
 constexpr int kLastSyllable = 0xD7A3;
@@ -32,15 +32,16 @@ constexpr int kFinalLh = 15;
 constexpr int kFinalT = 25;
 constexpr int kFinalH = 27;
 
-constexpr Text kInitialLetters[] = {"g",  "kk", "n", "d",  "tt", "r", "m", "b", "pp", "s",
-                                    "ss", "",   "j", "jj", "ch", "k", "t", "p", "h"};
-constexpr Text kVowelLetters[kVowels] = {"a",  "ae", "ya", "yae", "eo", "e",  "yeo", "ye", "o",  "wa", "wae",
-                                         "oe", "yo", "u",  "wo",  "we", "wi", "yu",  "eu", "ui", "i"};
+constexpr Spelling kInitialLetters[] = {"g",  "kk", "n", "d",  "tt", "r", "m", "b", "pp", "s",
+                                        "ss", "",   "j", "jj", "ch", "k", "t", "p", "h"};
+constexpr Spelling kVowelLetters[kVowels] = {"a",  "ae", "ya", "yae", "eo", "e",  "yeo", "ye", "o",  "wa", "wae",
+                                             "oe", "yo", "u",  "wo",  "we", "wi", "yu",  "eu", "ui", "i"};
 // At the end of a syllable, and before a vowel.
-constexpr Text kStops[kFinals] = {"",  "k", "k", "k", "n", "n", "n", "t",  "l", "k", "m", "l", "l", "l",
-                                  "p", "l", "m", "p", "p", "t", "t", "ng", "t", "t", "k", "t", "p", "t"};
-constexpr Text kLiaisons[kFinals] = {"",   "g", "kk", "ks", "n",  "nj", "n",  "d",  "r", "lg", "lm", "lb", "ls", "lt",
-                                     "lp", "r", "m",  "b",  "ps", "s",  "ss", "ng", "j", "ch", "k",  "t",  "p",  ""};
+constexpr Spelling kStops[kFinals] = {"",  "k", "k", "k", "n", "n", "n", "t",  "l", "k", "m", "l", "l", "l",
+                                      "p", "l", "m", "p", "p", "t", "t", "ng", "t", "t", "k", "t", "p", "t"};
+constexpr Spelling kLiaisons[kFinals] = {"",   "g",  "kk", "ks", "n",  "nj", "n", "d", "r",  "lg",
+                                         "lm", "lb", "ls", "lt", "lp", "r",  "m", "b", "ps", "s",
+                                         "ss", "ng", "j",  "ch", "k",  "t",  "p", ""};
 
 struct Syllable
 {
@@ -58,7 +59,7 @@ std::optional<Syllable> SyllableAt(const icu::UnicodeString& word, int at)
     return Syllable{index / kFinals / kVowels, index / kFinals % kVowels, index % kFinals};
 }
 
-Text Nasal(Text stop)
+Spelling Nasal(Spelling stop)
 {
     if (stop == "k") return "ng";
     if (stop == "t") return "n";
@@ -68,8 +69,8 @@ Text Nasal(Text stop)
 // The consonants between two vowels.
 struct Joint
 {
-    Text end;
-    Text begin;
+    Spelling end;
+    Spelling begin;
 };
 
 Joint BeforeVowel(int final, int vowel)
@@ -84,7 +85,7 @@ Joint BeforeVowel(int final, int vowel)
 std::optional<Joint> Aspirated(int final, int initial)
 {
     if (final != kFinalH && final != kFinalNh && final != kFinalLh) return std::nullopt;
-    const Text end = final == kFinalH ? "" : kStops[final];
+    const Spelling end = final == kFinalH ? "" : kStops[final];
     if (initial == kInitialG) return Joint{end, "k"};
     if (initial == kInitialD) return Joint{end, "t"};
     if (initial == kInitialJ) return Joint{end, "ch"};
@@ -92,7 +93,7 @@ std::optional<Joint> Aspirated(int final, int initial)
     return std::nullopt;
 }
 
-Joint BeforeLiquid(Text stop)
+Joint BeforeLiquid(Spelling stop)
 {
     if (stop.empty()) return {"", "r"};
     if (stop == "l" || stop == "n") return {"l", "l"};
@@ -103,14 +104,14 @@ Joint Joined(const Syllable& one, const Syllable& next)
 {
     if (next.initial == kInitialSilent) return BeforeVowel(one.final, next.vowel);
     if (const auto joint = Aspirated(one.final, next.initial)) return *joint;
-    const Text stop = kStops[one.final];
+    const Spelling stop = kStops[one.final];
     if (next.initial == kInitialR) return BeforeLiquid(stop);
     if (next.initial == kInitialN && stop == "l") return {"l", "l"};
     const bool nasal = next.initial == kInitialN || next.initial == kInitialM;
     return {nasal ? Nasal(stop) : stop, kInitialLetters[next.initial]};
 }
 
-void Append(icu::UnicodeString& latin, Text letters)
+void Append(icu::UnicodeString& latin, Spelling letters)
 {
     for (const char letter : letters) latin.append(static_cast<char16_t>(letter));
 }

@@ -37,37 +37,39 @@ void SetEnum(Message& message, GVariant* value, const char* key)
     (message.*setter)(static_cast<Enum>(number));
 }
 
-using PhoneCall = ipod::iPodPhoneCall;
-using Battery = ipod::iPodBattery;
+using CallMessage = ipod::iPodPhoneCall;
+using BatteryMessage = ipod::iPodBattery;
 
-constexpr Field<PhoneCall> kCallFields[] = {
+constexpr Field<CallMessage> kCallFields[] = {
     {"remote-id", "s",
-     [](PhoneCall& call, GVariant* v, const char*) { call.set_remote_id(g_variant_get_string(v, nullptr)); }},
+     [](CallMessage& call, GVariant* v, const char*) { call.set_remote_id(g_variant_get_string(v, nullptr)); }},
     {"display-name", "s",
-     [](PhoneCall& call, GVariant* v, const char*) { call.set_display_name(g_variant_get_string(v, nullptr)); }},
-    {"status", "u", SetEnum<PhoneCall, ipod::PhoneCallStatus, &PhoneCall::set_status, ipod::PhoneCallStatus_MAX>},
+     [](CallMessage& call, GVariant* v, const char*) { call.set_display_name(g_variant_get_string(v, nullptr)); }},
+    {"status", "u", SetEnum<CallMessage, ipod::PhoneCallStatus, &CallMessage::set_status, ipod::PhoneCallStatus_MAX>},
     {"direction", "u",
-     SetEnum<PhoneCall, ipod::PhoneCallDirection, &PhoneCall::set_direction, ipod::PhoneCallDirection_MAX>},
+     SetEnum<CallMessage, ipod::PhoneCallDirection, &CallMessage::set_direction, ipod::PhoneCallDirection_MAX>},
     {"call-uuid", "s",
-     [](PhoneCall& call, GVariant* v, const char*) { call.set_calluuid(g_variant_get_string(v, nullptr)); }},
+     [](CallMessage& call, GVariant* v, const char*) { call.set_calluuid(g_variant_get_string(v, nullptr)); }},
     {"address-book-id", "s",
-     [](PhoneCall& call, GVariant* v, const char*) { call.set_addressbookid(g_variant_get_string(v, nullptr)); }},
-    {"label", "s", [](PhoneCall& call, GVariant* v, const char*) { call.set_label(g_variant_get_string(v, nullptr)); }},
-    {"service", "u", SetEnum<PhoneCall, ipod::CallStateService, &PhoneCall::set_service, ipod::CallStateService_MAX>},
+     [](CallMessage& call, GVariant* v, const char*) { call.set_addressbookid(g_variant_get_string(v, nullptr)); }},
+    {"label", "s",
+     [](CallMessage& call, GVariant* v, const char*) { call.set_label(g_variant_get_string(v, nullptr)); }},
+    {"service", "u",
+     SetEnum<CallMessage, ipod::CallStateService, &CallMessage::set_service, ipod::CallStateService_MAX>},
     {"is-conferenced", "b",
-     [](PhoneCall& call, GVariant* v, const char*) { call.set_is_conferenced(g_variant_get_boolean(v) != FALSE); }},
-    {"conference-group", "u", SetNumber<PhoneCall, &PhoneCall::set_conference_group>},
+     [](CallMessage& call, GVariant* v, const char*) { call.set_is_conferenced(g_variant_get_boolean(v) != FALSE); }},
+    {"conference-group", "u", SetNumber<CallMessage, &CallMessage::set_conference_group>},
     {"disconnect-reason", "u",
-     SetEnum<PhoneCall, ipod::CallStateDisconnectReason, &PhoneCall::set_disconnect_reason,
+     SetEnum<CallMessage, ipod::CallStateDisconnectReason, &CallMessage::set_disconnect_reason,
              ipod::CallStateDisconnectReason_MAX>},
     {"start-timestamp", "t",
-     [](PhoneCall& call, GVariant* v, const char*) { call.set_start_timestamp(g_variant_get_uint64(v)); }},
+     [](CallMessage& call, GVariant* v, const char*) { call.set_start_timestamp(g_variant_get_uint64(v)); }},
 };
 
-constexpr Field<Battery> kBatteryFields[] = {
-    {"level", "u", SetNumber<Battery, &Battery::set_battery_charge_level>},
+constexpr Field<BatteryMessage> kBatteryFields[] = {
+    {"level", "u", SetNumber<BatteryMessage, &BatteryMessage::set_battery_charge_level>},
     {"charging-status", "u",
-     SetEnum<Battery, ipod::BatteryChargingStatus, &Battery::set_battery_charging_status,
+     SetEnum<BatteryMessage, ipod::BatteryChargingStatus, &BatteryMessage::set_battery_charging_status,
              ipod::BatteryChargingStatus_MAX>},
 };
 

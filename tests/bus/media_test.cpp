@@ -11,7 +11,7 @@ constexpr char kNothing[] = "\"\", \"\", \"\", \"\", 0, 0, 0, 0";
 constexpr char kPicture[] = "VecArtworkBufferShareMemory";
 constexpr char kChangedPicture[] = "VecArtworkChangeBufferShareMemory";
 
-const std::string kTrack = TrackRecord({"Title", "Artist", "Album", "Genre"}, {1, -2, 3, -4});
+const std::string kCurrentTrack = TrackRecord({"Title", "Artist", "Album", "Genre"}, {1, -2, 3, -4});
 constexpr char kTrackText[] = "\"Title\", \"Artist\", \"Album\", \"Genre\", 1, -2, 3, -4";
 
 // Records come in the reply of GetCurrentMediaInfo() and in the signal OnIpodPlayingTrackChange; both must be
@@ -80,12 +80,12 @@ protected:
 
 TEST_F(TrackTest, IsReadFromARecordOfExactly1040Bytes)
 {
-    ExpectBoth(BytesInVariant(kTrack), kTrackText);
+    ExpectBoth(BytesInVariant(kCurrentTrack), kTrackText);
 }
 
 TEST_F(TrackTest, IsAskedForWithOneCallAndNoLogLine)
 {
-    EXPECT_EQ(FromReply(BytesInVariant(kTrack)), kTrackText);
+    EXPECT_EQ(FromReply(BytesInVariant(kCurrentTrack)), kTrackText);
 
     EXPECT_THAT(service.Calls(), ElementsAre("GetCurrentMediaInfo()"));
     EXPECT_THAT(LogLines(), IsEmpty());
@@ -117,7 +117,7 @@ TEST_F(TrackTest, ATextWithoutNulEndsWithTheRecordAtTheLatest)
 
 TEST_F(TrackTest, AShortRecordLeavesTheRestEmpty)
 {
-    ExpectBoth(BytesInVariant(kTrack.substr(0, 258)), "\"Title\", \"Ar\", \"\", \"\", 0, 0, 0, 0");
+    ExpectBoth(BytesInVariant(kCurrentTrack.substr(0, 258)), "\"Title\", \"Ar\", \"\", \"\", 0, 0, 0, 0");
 }
 
 TEST_F(TrackTest, AnEmptyRecordIsAnEmptyTrack)
@@ -127,7 +127,7 @@ TEST_F(TrackTest, AnEmptyRecordIsAnEmptyTrack)
 
 TEST_F(TrackTest, WhatALongRecordHasTooMuchIsLeftOut)
 {
-    ExpectBoth(BytesInVariant(kTrack + std::string(3000, '!')), kTrackText);
+    ExpectBoth(BytesInVariant(kCurrentTrack + std::string(3000, '!')), kTrackText);
 }
 
 TEST_F(TrackTest, AVariantOfAnotherTypeIsAnEmptyTrack)

@@ -55,7 +55,7 @@ def make_later(package, target):
     rename_library(tree, version)
     for program in tree.rglob("usr/bin/ipod-make-samples"):
         program.rename(program.with_name("ipod-new-tool"))
-    run("dpkg-deb", "--root-owner-group", "--build", tree, target / package.name)
+    run("dpkg-deb", "--root-owner-group", "-Znone", "--build", tree, target / package.name)
     shutil.rmtree(tree)
 
 
@@ -103,7 +103,7 @@ class Root:
 
     def dpkg(self, *words):
         environment = dict(os.environ, PATH=f"{self.programs}:{os.environ['PATH']}:/usr/sbin:/sbin", LC_ALL="C")
-        return run("dpkg", f"--root={self.path}", "--force-not-root,script-chrootless", *words, env=environment,
+        return run("dpkg", f"--root={self.path}", "--force-not-root,script-chrootless,unsafe-io", *words, env=environment,
                    timeout=120)
 
     def files(self):

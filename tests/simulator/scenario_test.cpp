@@ -17,7 +17,7 @@ using ipodsim::PlaceOf;
 
 namespace
 {
-std::string ComplaintAbout(const std::string& json)
+std::string ComplaintAboutScenario(const std::string& json)
 {
     try
     {
@@ -75,16 +75,16 @@ TEST(Scenario, HasItsStepsInTheOrderOfTime)
 
 TEST(Scenario, ThatIsNoJsonIsToldWithItsPlace)
 {
-    EXPECT_EQ(ComplaintAbout("{\n  \"steps\": [\n    {\"time\" 5}\n]}").rfind("line 3, column ", 0), 0U);
-    EXPECT_NE(ComplaintAbout("{\"steps\": [").find("expected"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("{\"steps\": nul}").find("expected"), std::string::npos);
-    EXPECT_EQ(ComplaintAbout("").rfind("line 1, column 1: ", 0), 0U);
-    EXPECT_EQ(ComplaintAbout("{\"title\": \"\xFF\"}").rfind("line 1, column 12: ", 0), 0U);
+    EXPECT_EQ(ComplaintAboutScenario("{\n  \"steps\": [\n    {\"time\" 5}\n]}").rfind("line 3, column ", 0), 0U);
+    EXPECT_NE(ComplaintAboutScenario("{\"steps\": [").find("expected"), std::string::npos);
+    EXPECT_NE(ComplaintAboutScenario("{\"steps\": nul}").find("expected"), std::string::npos);
+    EXPECT_EQ(ComplaintAboutScenario("").rfind("line 1, column 1: ", 0), 0U);
+    EXPECT_EQ(ComplaintAboutScenario("{\"title\": \"\xFF\"}").rfind("line 1, column 12: ", 0), 0U);
 }
 
 TEST(Scenario, WithANumberThatIsTooLargeIsToldWithItsPlace)
 {
-    EXPECT_EQ(ComplaintAbout("{\"steps\": [\n  {\"time\": 1e999}]}"),
+    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": [\n  {\"time\": 1e999}]}"),
               "line 2, column 12: expected a number that can be stored, not 1e999");
 }
 
@@ -92,25 +92,27 @@ TEST(Scenario, ThatIsNestedDeeplyIsToldWithItsPlace)
 {
     const std::string deep(100000, '[');
 
-    EXPECT_EQ(ComplaintAbout("{\"steps\": " + deep + std::string(deep.size(), ']') + "}")
+    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": " + deep + std::string(deep.size(), ']') + "}")
                   .rfind("line 1, column 12: expected an object with time", 0),
               0U);
 }
 
 TEST(Scenario, ThatDoesNotFitIsToldWithPlaceAndWhatWasExpected)
 {
-    EXPECT_EQ(ComplaintAbout("[]"),
+    EXPECT_EQ(ComplaintAboutScenario("[]"),
               "line 1, column 1: expected an object with $schema, title, description, steps, "
               "not an array");
-    EXPECT_EQ(ComplaintAbout("{}"), "line 1, column 1: expected a member \"steps\", an array of steps");
-    EXPECT_EQ(ComplaintAbout("{\"steps\": 5}"), "line 1, column 11: expected an array of steps, not 5");
-    EXPECT_EQ(ComplaintAbout("{\"steps\": [],\n\"stesp\": []}"),
+    EXPECT_EQ(ComplaintAboutScenario("{}"), "line 1, column 1: expected a member \"steps\", an array of steps");
+    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": 5}"), "line 1, column 11: expected an array of steps, not 5");
+    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": [],\n\"stesp\": []}"),
               "line 2, column 10: expected one of $schema, title, description, steps, not \"stesp\"");
-    EXPECT_EQ(ComplaintAbout("{\"steps\": [\n  {\"time\": -1, \"event\": \"button\"}]}"),
+    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": [\n  {\"time\": -1, \"event\": \"button\"}]}"),
               "line 2, column 12: expected a number of seconds, from 0 to 604800, not -1");
-    EXPECT_EQ(ComplaintAbout("{\"steps\": [\n  {\"time\": 0, \"event\": \"button\",\n    \"value\": \"eject\"}]}"),
-              "line 3, column 14: expected one of next, pause, play, previous, stop, not \"eject\"");
-    EXPECT_EQ(ComplaintAbout(Step(R"("event": "phone")")).rfind("line 1, column 33: expected one of app, ", 0), 0U);
+    EXPECT_EQ(
+        ComplaintAboutScenario("{\"steps\": [\n  {\"time\": 0, \"event\": \"button\",\n    \"value\": \"eject\"}]}"),
+        "line 3, column 14: expected one of next, pause, play, previous, stop, not \"eject\"");
+    EXPECT_EQ(ComplaintAboutScenario(Step(R"("event": "phone")")).rfind("line 1, column 33: expected one of app, ", 0),
+              0U);
 }
 
 TEST(Scenario, ChecksEveryValue)
@@ -139,7 +141,8 @@ TEST(Scenario, ChecksEveryValue)
                              R"("event": "clear-faults", "value": {"all": true})"})
     {
         SCOPED_TRACE(step);
-        EXPECT_NE(ComplaintAbout(Step(step)).find("expected"), std::string::npos) << ComplaintAbout(Step(step));
+        EXPECT_NE(ComplaintAboutScenario(Step(step)).find("expected"), std::string::npos)
+            << ComplaintAboutScenario(Step(step));
     }
 }
 
@@ -149,7 +152,7 @@ TEST(Scenario, OfEachThatIsShippedIsWellFormed)
     for (const auto& entry : std::filesystem::directory_iterator(IPOD_SCENARIOS))
     {
         SCOPED_TRACE(entry.path());
-        EXPECT_EQ(ComplaintAbout(ContentsOf(entry.path())), "none");
+        EXPECT_EQ(ComplaintAboutScenario(ContentsOf(entry.path())), "none");
         ++count;
     }
     EXPECT_EQ(count, 3);
