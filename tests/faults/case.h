@@ -20,6 +20,7 @@ struct Case
 std::vector<Case> DecodingCases();     ///< records, messages and types that the contract does not allow
 std::vector<Case> SegmentCases();      ///< objects under the segments' names, and what others write into segments
 std::vector<Case> ServiceCases();      ///< a service or a bus that dies, hangs or lies
+std::vector<Case> RateCases();         ///< more calls and events than anybody needs
 std::vector<Case> ApplicationCases();  ///< what applications do to themselves
 std::vector<Case> MemoryCases();       ///< what calls leave behind
 std::vector<Case> Helpers();           ///< the processes at the other end

@@ -33,7 +33,7 @@ int Run(const Case& row, const faults::Arguments& arguments)
 std::vector<Case> AllCases()
 {
     std::vector<Case> all;
-    for (const auto cases : {faults::DecodingCases, faults::SegmentCases, faults::ServiceCases,
+    for (const auto cases : {faults::DecodingCases, faults::SegmentCases, faults::ServiceCases, faults::RateCases,
                              faults::ApplicationCases, faults::MemoryCases})
         for (const Case& row : cases()) all.push_back(row);
     return all;

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <ctime>
 #include <fstream>
 #include <thread>
 
@@ -203,65 +202,6 @@ void SecondOwner(const Arguments&)
     desk.ExpectAlive();
 }
 
-// How fast so many events are sent and heard, each once.
-double EventsPerSecond(IQBXIpodPlayer& player, HelperProcess& service, int events)
-{
-    Counter counter;
-    player.AddListener(&counter);
-    const auto start = Clock::now();
-    service.Send("emit " + std::to_string(events));
-    test::RunLoopUntil([&] { return counter.received >= events; }, std::chrono::seconds(60));
-    const double rate = events / SecondsSince(start);
-    test::RunLoopFor(std::chrono::milliseconds(100));
-    player.RemoveListener(&counter);
-    Figure("events", counter.received);
-    Expect(counter.received == events && counter.outOfTurn == 0, "each event arrives once and in order");
-    return rate;
-}
-
-void Flood(const Arguments& arguments)
-{
-    const test::PrivateBus bus;
-    HelperProcess service(Service());
-    service.WaitFor("ready");
-    IQBXIpodPlayer& player = Connected();
-    Figure("events_per_second", EventsPerSecond(player, service, std::stoi(arguments.at(0))));
-    ExpectAlive(player);
-}
-
-double ProcessorSeconds()
-{
-    timespec used{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
-    return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) / 1e9;
-}
-
-// One thread calls for some seconds, and takes events for as long. How many fit into a second of the clock depends on
-// the daemon, the service and the neighbours as well; how many the application could take does not.
-void HeldRates(const Arguments& arguments)
-{
-    const int seconds = std::stoi(arguments.at(0));
-    const test::PrivateBus bus;
-    HelperProcess service(Service());
-    service.WaitFor("ready");
-    IQBXIpodPlayer& player = Connected();
-    const auto start = Clock::now();
-    const double usedBefore = ProcessorSeconds();
-    int calls = 0;
-    for (; SecondsSince(start) < seconds; ++calls)
-        if (player.GetPlayStatus() != 77) return Expect(false, "every call is answered");
-    Figure("calls_per_second", calls / SecondsSince(start));
-    const double usedByCalls = ProcessorSeconds() - usedBefore;
-    Figure("calls_per_processor_second", calls / usedByCalls);
-    Expect(calls >= 3000 * usedByCalls, "3,000 calls in a second of the application's processor time");
-    const int events = 20000 * seconds;
-    Figure("events_per_second", EventsPerSecond(player, service, events));
-    const double usedByEvents = ProcessorSeconds() - usedBefore - usedByCalls;
-    Figure("events_per_processor_second", events / usedByEvents);
-    Expect(events >= 20000 * usedByEvents, "20,000 events in a second of the application's processor time");
-    ExpectAlive(player);
-}
-
 void KillTheBus()
 {
     GDBusConnection* const session = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
@@ -365,8 +305,6 @@ std::vector<Case> ServiceCases()
             {"no-reply", NoReply},
             {"error-reply", ErrorReply},
             {"second-owner", SecondOwner},
-            {"flood", Flood},
-            {"held-rates", HeldRates},
             {"bus-killed-while-the-loop-runs", BusKilledWhileTheLoopRuns},
             {"bus-killed-without-a-loop", BusKilledWithoutALoop},
             {"bus-killed-and-survived", BusKilledAndSurvived},
