@@ -20,12 +20,12 @@ GVariant* gvariant_data_build(void* data, int length)
 void gvariant_data_extract(void* dest, GVariant* value)
 {
     const qbx::VariantBytes bytes(value);
-    for (gsize begin = 0; begin < bytes.size(); begin += kPositions)
-        std::memcpy(dest, bytes.data() + begin, std::min(bytes.size() - begin, kPositions));
+    for (gsize begin = 0; begin < bytes.count(); begin += kPositions)
+        std::memcpy(dest, bytes.data() + begin, std::min(bytes.count() - begin, kPositions));
 }
 
 void gvariant_data_extract(std::vector<unsigned char>& dest, GVariant* value)
 {
     const qbx::VariantBytes bytes(value);
-    dest.insert(dest.end(), bytes.data(), bytes.data() + bytes.size());
+    dest.insert(dest.end(), bytes.data(), bytes.data() + bytes.count());
 }

@@ -28,7 +28,7 @@ void FillSlot(char (&slot)[256], const std::string& text)
 void ExtractBounded(void* dest, std::size_t size, GVariant* value)
 {
     const VariantBytes bytes(value);
-    const std::size_t received = std::min<std::size_t>(bytes.size(), size);
+    const std::size_t received = std::min<std::size_t>(bytes.count(), size);
     if (received > 0) std::memcpy(dest, bytes.data(), received);
     std::memset(static_cast<char*>(dest) + received, 0, size - received);
 }

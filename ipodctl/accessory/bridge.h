@@ -2,7 +2,7 @@
 /// An accessory session as standard input and output, or as a UNIX socket.
 #pragma once
 
-#include "accessory/accessory.h"
+#include "accessory/opening.h"
 #include "session/context.h"
 
 namespace ctl

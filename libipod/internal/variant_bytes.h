@@ -17,7 +17,7 @@ public:
     VariantBytes& operator=(const VariantBytes&) = delete;
 
     const unsigned char* data() const { return m_data; }
-    gsize size() const { return m_size; }
+    gsize count() const { return m_size; }
 
 private:
     GVariant* m_inner = nullptr;

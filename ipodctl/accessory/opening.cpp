@@ -1,4 +1,4 @@
-#include "accessory/accessory.h"
+#include "accessory/opening.h"
 
 #include <glib.h>
 
