@@ -13,6 +13,7 @@
 /// that took them.
 #pragma once
 
+#include <ipodkit/list_kind.h>
 #include <ipodkit/session.h>
 
 #include <functional>
@@ -24,16 +25,6 @@
 
 namespace ipodkit
 {
-enum class ListKind
-{
-    Playing,
-    Database,  ///< the current level of the music database
-    DatabasePinyin,
-    Update,  ///< the list that the device is updating; the service does not tell its size
-    UpdatePinyin,
-    Devices,  ///< always one page
-};
-
 /// A run of entries. Immutable and shared.
 struct Page
 {

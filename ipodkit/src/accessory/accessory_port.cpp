@@ -1,0 +1,125 @@
+#include <map>
+
+#include "accessory/accessory_session.h"
+#include "loop/context.h"
+#include "memory/shared_vectors.h"
+
+namespace ipodkit
+{
+std::size_t RoomForAccessoryBytes()
+{
+    return RoomToWrite(g_VecEapWriteBufferShareMemory);
+}
+
+/// Hears of the sessions' openings, bytes and closings.
+class AccessoryPort::Impl : public IQBXIpodPlayerListener, public std::enable_shared_from_this<AccessoryPort::Impl>
+{
+public:
+    Impl(std::shared_ptr<Session::Impl> session, const AccessoryOptions& options)
+        : m_session(std::move(session)), m_options(options)
+    {
+        for (const auto& [number, protocol] : m_session->Draft().State().accessorySessions) Add(number, protocol);
+    }
+
+    void OnIpodStartEapSession(unsigned char protocol, unsigned short number) override;
+    void OnIpodStopEapSession(unsigned short number) override;
+    void OnIpodReceiveEapData(unsigned short lowByte, std::vector<unsigned char>& data) override;
+    void CloseAll();
+    void Outlive()
+    {
+        Post(m_session->Context(), [self = shared_from_this()] {});
+    }
+
+    std::vector<AccessorySessionPtr> Sessions() const;
+    Registry<std::function<void(const AccessorySessionPtr&)>> openedCallbacks;
+
+private:
+    using ImplPtr = std::shared_ptr<AccessorySession::Impl>;
+    struct Entry
+    {
+        ImplPtr inside;
+        AccessorySessionPtr session;
+    };
+
+    const Entry& Add(std::uint16_t number, unsigned char protocol);
+
+    const std::shared_ptr<Session::Impl> m_session;
+    const AccessoryOptions m_options;
+    std::map<std::uint16_t, Entry> m_entries;
+};
+
+const AccessoryPort::Impl::Entry& AccessoryPort::Impl::Add(std::uint16_t number, unsigned char protocol)
+{
+    auto inside = std::make_shared<AccessorySession::Impl>(m_session, m_options, number, protocol);
+    return m_entries[number] = {inside, std::make_shared<AccessorySession>(inside)};
+}
+
+// A number that is opened twice was closed in between, though nobody said so.
+void AccessoryPort::Impl::OnIpodStartEapSession(unsigned char protocol, unsigned short number)
+{
+    OnIpodStopEapSession(number);
+    const AccessorySessionPtr session = Add(number, protocol).session;
+    openedCallbacks.ForEach(m_session->CallbackGuard(), [&session](const auto& callback) { callback(session); });
+}
+
+void AccessoryPort::Impl::OnIpodStopEapSession(unsigned short number)
+{
+    const auto closed = m_entries.extract(number);
+    if (!closed.empty()) closed.mapped().inside->Close();
+}
+
+void AccessoryPort::Impl::OnIpodReceiveEapData(unsigned short lowByte, std::vector<unsigned char>& data)
+{
+    std::vector<ImplPtr> fitting;
+    for (const auto& [number, entry] : m_entries)
+        if ((number & 0xFF) == lowByte) fitting.push_back(entry.inside);
+    if (fitting.size() == 1) return fitting.front()->Receive(data);
+    if (fitting.empty())
+        return LogWarning("bytes for accessory session " + std::to_string(lowByte) + ", which is not open");
+    const Error error{ErrorKind::Ambiguous, "bytes for a session whose number ends in " + std::to_string(lowByte) +
+                                                "; " + std::to_string(fitting.size()) + " such sessions are open"};
+    for (const ImplPtr& each : fitting) each->Receive(tl::unexpected<Error>(error));
+}
+
+void AccessoryPort::Impl::CloseAll()
+{
+    for (const auto& [number, entry] : std::exchange(m_entries, {})) entry.inside->Close();
+}
+
+std::vector<AccessorySessionPtr> AccessoryPort::Impl::Sessions() const
+{
+    std::vector<AccessorySessionPtr> sessions;
+    for (const auto& [number, entry] : m_entries) sessions.push_back(entry.session);
+    return sessions;
+}
+
+AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
+    : m_impl(std::make_shared<Impl>(session.Inside(), options)),
+      m_listening(session.Listen("accessory port", *m_impl)),
+      m_watching(session.OnConnection("accessory port",
+                                      [impl = m_impl](const Connection& connection)
+                                      {
+                                          if (connection.phase == Phase::Lost) impl->CloseAll();
+                                      }))
+{
+}
+
+// It may be one of its own callbacks that ends it: what runs there stays until that has returned.
+AccessoryPort::~AccessoryPort()
+{
+    m_listening.Reset();
+    m_watching.Reset();
+    m_impl->CloseAll();
+    m_impl->Outlive();
+}
+
+std::vector<AccessorySessionPtr> AccessoryPort::Sessions() const
+{
+    return m_impl->Sessions();
+}
+
+Subscription AccessoryPort::OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback)
+{
+    return Subscription(m_impl->openedCallbacks.Add(std::move(name), std::move(callback)));
+}
+}  // namespace ipodkit

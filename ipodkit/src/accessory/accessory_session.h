@@ -1,0 +1,59 @@
+/// @file
+/// The inside of an accessory session.
+#pragma once
+
+#include <ipodkit/accessory.h>
+
+#include <deque>
+
+#include "session/session_impl.h"
+
+namespace ipodkit
+{
+/// Context thread only.
+class AccessorySession::Impl : public std::enable_shared_from_this<AccessorySession::Impl>
+{
+public:
+    Impl(std::shared_ptr<Session::Impl> session, const AccessoryOptions& options, std::uint16_t number,
+         unsigned char protocol)
+        : m_session(std::move(session)), m_options(options), m_number(number), m_protocol(protocol)
+    {
+    }
+
+    bool Write(Bytes bytes, Completion completion);
+    void Close();
+    void Receive(const Result<Bytes>& data);
+
+    std::uint16_t Number() const { return m_number; }
+    unsigned char Protocol() const { return m_protocol; }
+    bool IsOpen() const { return m_open; }
+    std::size_t Waiting() const { return m_waiting; }
+
+    Registry<DataCallback> dataCallbacks;
+    Registry<std::function<void()>> drainedCallbacks;
+    Registry<std::function<void()>> closedCallbacks;
+
+private:
+    struct Job
+    {
+        Bytes bytes;
+        Completion completion;
+        std::size_t sent = 0;
+    };
+
+    void SendNext();
+    void SendChunk(const Lane::Release& release);
+    void ChunkAnswered(std::size_t size, const Result<void>& result);
+    void FailAll(const Error& error);
+
+    const std::shared_ptr<Session::Impl> m_session;
+    const AccessoryOptions m_options;
+    const std::uint16_t m_number;
+    const unsigned char m_protocol;
+    std::deque<Job> m_jobs;
+    std::size_t m_waiting = 0;
+    bool m_sending = false;
+    bool m_refusedSome = false;
+    bool m_open = true;
+};
+}  // namespace ipodkit

@@ -1,0 +1,217 @@
+#include "bus/bus.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "bus/gerror.h"
+#include "loop/context.h"
+
+namespace ipodkit::detail
+{
+namespace
+{
+const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
+
+int Milliseconds(const Call& call)
+{
+    using Count = std::chrono::milliseconds::rep;
+    return static_cast<int>(std::clamp(call.deadline.count(), Count{1}, Count{G_MAXINT - 1}));
+}
+
+GCancellable* NativeOf(const Call& call)
+{
+    return call.cancellation ? call.cancellation->Native() : nullptr;
+}
+
+// "EnterDbChildList(3)".
+std::string TextOf(const Call& call)
+{
+    if (call.arguments == nullptr) return std::string(call.method) + "()";
+    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
+    std::string arguments(printed);
+    g_free(printed);
+    const std::size_t comma = arguments.size() - 2;
+    if (arguments[comma] == ',') arguments.erase(comma, 1);
+    return call.method + arguments;
+}
+
+// An order that was not followed is refused.
+Result<Body> Judged(const Call& call, Result<Body> result)
+{
+    if (!result || !call.isOrder) return result;
+    gboolean followed = FALSE;
+    g_variant_get(result->get(), "(b)", &followed);
+    if (followed != FALSE) return result;
+    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
+}
+
+Result<Body> ToResult(GVariant* body, GError* error)
+{
+    if (error == nullptr) return Body(body, g_variant_unref);
+    const ErrorPtr owned(error);
+    return tl::unexpected<Error>(ToError(*owned));
+}
+}  // namespace
+
+Bus::Bus(GMainContext* context, const Guard& guard) : m_context(g_main_context_ref(context)), m_guard(guard) {}
+
+void Bus::OnFollowed(std::function<void(const char*)> followed)
+{
+    m_followed = std::move(followed);
+}
+
+void Bus::Send(Call call, BodyCompletion completion)
+{
+    const bool here = g_main_context_is_owner(m_context.get());
+    const bool sendable = !call.obstacle;
+    const Serial serial = Remember(std::move(call), std::move(completion));
+    if (here && sendable)
+        Transmit(serial);
+    else
+        Post(m_context.get(), [self = shared_from_this(), serial] { self->Transmit(serial); });
+}
+
+Bus::Serial Bus::Remember(Call call, BodyCompletion completion)
+{
+    auto pending = std::make_shared<Pending>(Pending{std::move(call), std::move(completion)});
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_closed) pending->call.obstacle = kSessionEnded;
+    m_pending.emplace_hint(m_pending.end(), ++m_lastSerial, std::move(pending));
+    return m_lastSerial;
+}
+
+// Keeps the request when there is no connection yet.
+void Bus::Transmit(Serial serial)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const auto found = m_pending.find(serial);
+    if (found == m_pending.end()) return;
+    const PendingPtr pending = found->second;
+    const std::optional<Error> obstacle = pending->call.obstacle ? pending->call.obstacle : m_obstacle;
+    pending->sent = !obstacle && m_connection != nullptr;
+    lock.unlock();
+    if (obstacle)
+        Post(m_context.get(), [self = shared_from_this(), serial, obstacle]
+             { self->Complete(serial, tl::unexpected<Error>(*obstacle)); });
+    else if (pending->sent)
+        TransmitOn(m_connection.get(), pending->call, serial);
+}
+
+void Bus::TransmitOn(GDBusConnection* connection, const Call& call, Serial serial)
+{
+    const DefaultContext delivered(m_context.get());
+    g_dbus_connection_call(connection, kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
+                           G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call),
+                           NativeOf(call), OnReply, new Ticket{shared_from_this(), serial});
+}
+
+void Bus::OnReply(GObject* connection, GAsyncResult* result, gpointer data)
+{
+    const std::unique_ptr<Ticket> ticket(static_cast<Ticket*>(data));
+    GError* error = nullptr;
+    GVariant* const body = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
+    ticket->bus->Complete(ticket->serial, ToResult(body, error));
+}
+
+Bus::PendingPtr Bus::Take(Serial serial)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_pending.find(serial);
+    if (found == m_pending.end()) return nullptr;
+    PendingPtr pending = std::move(found->second);
+    m_pending.erase(found);
+    return pending;
+}
+
+void Bus::Complete(Serial serial, Result<Body> result)
+{
+    const PendingPtr pending = Take(serial);
+    if (pending == nullptr) return;
+    const Call& call = pending->call;
+    Result<Body> judged = Judged(call, std::move(result));
+    if (judged && call.isOrder) m_followed(call.method);
+    m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
+}
+
+std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return std::exchange(m_pending, {});
+}
+
+void Bus::Connected(GDBusConnection* connection)
+{
+    std::vector<Serial> waiting;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_connection.reset(G_DBUS_CONNECTION(g_object_ref(connection)));
+        m_obstacle.reset();
+        for (const auto& [serial, pending] : m_pending)
+            if (!pending->sent) waiting.push_back(serial);
+    }
+    for (const Serial serial : waiting) Transmit(serial);
+}
+
+void Bus::Unconnected(const Error& error)
+{
+    std::vector<Serial> waiting;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_obstacle = error;
+        for (const auto& [serial, pending] : m_pending)
+            if (!pending->sent) waiting.push_back(serial);
+    }
+    for (const Serial serial : waiting) Complete(serial, tl::unexpected<Error>(error));
+}
+
+void Bus::Close()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_closed = true;
+    }
+    for (const auto& [serial, pending] : TakeAll())
+        m_guard.Run(pending->call.method,
+                    [&pending = *pending] { pending.completion(tl::unexpected<Error>(kSessionEnded)); });
+}
+
+Result<ConnectionPtr> Bus::ConnectionForWaiting()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_closed) return tl::unexpected<Error>(kSessionEnded);
+        if (m_connection != nullptr) return ConnectionPtr(G_DBUS_CONNECTION(g_object_ref(m_connection.get())));
+    }
+    GError* error = nullptr;
+    ConnectionPtr connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+    if (connection != nullptr) return connection;
+    const ErrorPtr owned(error);
+    return tl::unexpected<Error>(Error{ErrorKind::NoBus, owned->message});
+}
+
+Result<Body> Bus::SendAndWait(const Call& call)
+{
+    if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
+    const Result<ConnectionPtr> connection = ConnectionForWaiting();
+    if (!connection) return tl::unexpected<Error>(connection.error());
+    GError* error = nullptr;
+    GVariant* const body = g_dbus_connection_call_sync(
+        connection->get(), kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
+        G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call), NativeOf(call), &error);
+    Result<Body> judged = Judged(call, ToResult(body, error));
+    if (judged && call.isOrder)
+        Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
+    return judged;
+}
+
+void Start(Call call, BodyCompletion completion)
+{
+    const std::shared_ptr<Bus> bus = call.bus;
+    bus->Send(std::move(call), std::move(completion));
+}
+
+Result<Body> Wait(const Call& call)
+{
+    return call.bus->SendAndWait(call);
+}
+}  // namespace ipodkit::detail

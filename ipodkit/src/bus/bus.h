@@ -1,0 +1,84 @@
+/// @file
+/// The session's connection to the bus and the calls that are under way on it.
+#pragma once
+
+#include <ipodkit/request.h>
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+
+#include "loop/glib_ptr.h"
+#include "loop/guard.h"
+
+namespace ipodkit
+{
+inline constexpr char kBusName[] = "com.zarn.linux.ipod";
+inline constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
+
+namespace detail
+{
+/// Calls go to the service's well-known name over the connection itself. A proxy would send them to the unique name
+/// that it saw last, hence to a dead service until its context runs; and it knows no deadline per call.
+///
+/// Send() and SendAndWait() may be called on any thread, OnFollowed() before they are; the rest on the thread of the
+/// context.
+class Bus : public std::enable_shared_from_this<Bus>
+{
+public:
+    Bus(GMainContext* context, const Guard& guard);
+
+    /// @p followed hears, in the context, of each order that the service has followed, before the order's completion.
+    void OnFollowed(std::function<void(const char* method)> followed);
+
+    /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.
+    void Send(Call call, BodyCompletion completion);
+
+    /// Blocks. Iterates a context of its own only.
+    Result<Body> SendAndWait(const Call& call);
+
+    /// Sends what has been waiting for the connection.
+    void Connected(GDBusConnection* connection);
+
+    /// Completes what has been waiting for a connection; until there is one, requests fail with this error.
+    void Unconnected(const Error& error);
+
+    /// Completes everything that is under way, and whatever is sent from now on, with ErrorKind::Cancelled.
+    void Close();
+
+private:
+    using Serial = std::uint64_t;
+    struct Pending
+    {
+        Call call;
+        BodyCompletion completion;
+        bool sent = false;
+    };
+    using PendingPtr = std::shared_ptr<Pending>;
+    struct Ticket
+    {
+        std::shared_ptr<Bus> bus;
+        Serial serial;
+    };
+
+    Serial Remember(Call call, BodyCompletion completion);
+    void Transmit(Serial serial);
+    void TransmitOn(GDBusConnection* connection, const Call& call, Serial serial);
+    PendingPtr Take(Serial serial);
+    void Complete(Serial serial, Result<Body> result);
+    Result<ConnectionPtr> ConnectionForWaiting();
+    std::map<Serial, PendingPtr> TakeAll();
+    static void OnReply(GObject* connection, GAsyncResult* result, gpointer data);
+
+    const ContextPtr m_context;
+    const Guard m_guard;
+    std::function<void(const char*)> m_followed = [](const char*) {};
+    std::mutex m_mutex;
+    ConnectionPtr m_connection;
+    std::map<Serial, PendingPtr> m_pending;
+    std::optional<Error> m_obstacle;  // why nothing can be sent
+    bool m_closed = false;
+    Serial m_lastSerial = 0;
+};
+}  // namespace detail
+}  // namespace ipodkit

@@ -1,0 +1,82 @@
+#include <ipodkit/error.h>
+
+#include "bus/gerror.h"
+
+namespace ipodkit
+{
+namespace
+{
+ErrorKind KindOfBusError(int code)
+{
+    switch (code)
+    {
+        case G_DBUS_ERROR_SERVICE_UNKNOWN:
+        case G_DBUS_ERROR_NAME_HAS_NO_OWNER:
+            return ErrorKind::NoService;
+        case G_DBUS_ERROR_NO_REPLY:
+            return ErrorKind::ServiceLost;
+        case G_DBUS_ERROR_TIMEOUT:
+        case G_DBUS_ERROR_TIMED_OUT:
+            return ErrorKind::TimedOut;
+        case G_DBUS_ERROR_DISCONNECTED:
+        case G_DBUS_ERROR_NO_SERVER:
+            return ErrorKind::NoBus;
+        default:
+            return ErrorKind::Refused;
+    }
+}
+
+// What GDBus itself says on this side of the bus.
+ErrorKind KindOfLocalError(int code)
+{
+    switch (code)
+    {
+        case G_IO_ERROR_CANCELLED:
+            return ErrorKind::Cancelled;
+        case G_IO_ERROR_TIMED_OUT:
+            return ErrorKind::TimedOut;
+        case G_IO_ERROR_INVALID_ARGUMENT:
+            return ErrorKind::BadReply;
+        default:
+            return ErrorKind::NoBus;
+    }
+}
+
+ErrorKind KindOf(const GError& error)
+{
+    if (error.domain == G_DBUS_ERROR) return KindOfBusError(error.code);
+    if (g_dbus_error_is_remote_error(&error)) return ErrorKind::Refused;
+    return error.domain == G_IO_ERROR ? KindOfLocalError(error.code) : ErrorKind::NoBus;
+}
+
+std::string RemoteName(const GError& error)
+{
+    if (g_dbus_error_is_remote_error(&error) == FALSE) return {};
+    gchar* const name = g_dbus_error_get_remote_error(&error);
+    std::string copy(name);
+    g_free(name);
+    return copy;
+}
+}  // namespace
+
+const char* Name(ErrorKind kind)
+{
+    static constexpr const char* names[] = {"NoBus",       "NoService", "ServiceLost", "TimedOut",
+                                            "Refused",     "BadReply",  "Cancelled",   "NoSharedMemory",
+                                            "BadArgument", "Ambiguous", "NoStorage"};
+    return names[static_cast<int>(kind)];
+}
+
+std::string Error::Text() const
+{
+    return std::string(Name(kind)) + ": " + reason;
+}
+
+Error ToError(const GError& error)
+{
+    const ErrorKind kind = KindOf(error);
+    const ErrorPtr stripped(g_error_copy(&error));
+    g_dbus_error_strip_remote_error(stripped.get());
+    return {kind, stripped->message, RemoteName(error)};
+}
+}  // namespace ipodkit

@@ -1,0 +1,35 @@
+/// @file
+/// Requests from a member of the bus contract, its arguments and its reply.
+#pragma once
+
+#include <ipodkit/request.h>
+
+#include "bus/bus.h"
+
+namespace ipodkit
+{
+/// Decodes a reply that says no more than that the request was served.
+inline Result<void> Nothing(GVariant*)
+{
+    return {};
+}
+
+/// What the reply looks like and what to make of it; then the method. @p arguments may be floating or null. To an
+/// order, the reply "(b)" says whether it was followed: false is ErrorKind::Refused, and true is decoded.
+template <class T>
+struct Maker
+{
+    const std::shared_ptr<detail::Bus>& bus;
+    std::chrono::milliseconds deadline;
+    const char* replyType;
+    Result<T> (*decode)(GVariant*);
+    bool isOrder = false;
+
+    Request<T> operator()(const char* method, GVariant* arguments = nullptr, std::optional<Error> obstacle = {}) const
+    {
+        const detail::Body owned =
+            arguments == nullptr ? nullptr : detail::Body(g_variant_ref_sink(arguments), g_variant_unref);
+        return {{bus, method, replyType, owned, deadline, std::nullopt, std::move(obstacle), isOrder}, decode};
+    }
+};
+}  // namespace ipodkit

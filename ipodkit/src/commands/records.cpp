@@ -1,0 +1,84 @@
+#include "commands/records.h"
+
+#include <gvariant_data.h>
+
+#include <cstring>
+
+namespace ipodkit
+{
+namespace
+{
+constexpr std::size_t kSlot = 256;
+
+struct TrackRecord
+{
+    char text[4][kSlot];
+    std::int32_t value[4];
+};
+static_assert(sizeof(TrackRecord) == 1040, "the service sends exactly this record");
+
+struct EapInitRecord
+{
+    char text[2][kSlot];
+};
+
+tl::unexpected<Error> BadReply(const std::string& reason)
+{
+    return tl::unexpected<Error>(Error{ErrorKind::BadReply, reason});
+}
+
+template <class Record>
+Result<Record> ToRecord(GVariant* body)
+{
+    GVariant* const boxed = g_variant_get_child_value(body, 0);
+    std::vector<unsigned char> bytes;
+    gvariant_data_extract(bytes, boxed);
+    g_variant_unref(boxed);
+    if (bytes.size() != sizeof(Record))
+        return BadReply("a record of " + std::to_string(bytes.size()) + " bytes instead of " +
+                        std::to_string(sizeof(Record)));
+    Record record;
+    std::memcpy(&record, bytes.data(), sizeof(record));
+    return record;
+}
+
+std::string TextIn(const char (&slot)[kSlot])
+{
+    return {slot, strnlen(slot, kSlot)};
+}
+
+QBXiPodTrackInfo FromRecord(const TrackRecord& record)
+{
+    return {TextIn(record.text[0]), TextIn(record.text[1]), TextIn(record.text[2]), TextIn(record.text[3]),
+            record.value[0],        record.value[1],        record.value[2],        record.value[3]};
+}
+}  // namespace
+
+Result<QBXiPodTrackInfo> ToTrack(GVariant* body)
+{
+    return ToRecord<TrackRecord>(body).map(FromRecord);
+}
+
+Result<PictureHead> ToPictureHead(GVariant* body)
+{
+    return ToRecord<PictureHead>(body);
+}
+
+std::optional<Error> Obstacle(const std::string& text, std::size_t longest)
+{
+    if (text.size() > longest)
+        return Error{ErrorKind::BadArgument, "a text of " + std::to_string(text.size()) + " bytes; at most " +
+                                                 std::to_string(longest) + " can be sent"};
+    if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
+        return Error{ErrorKind::BadArgument, "a text that is not UTF-8 or has a NUL in it"};
+    return std::nullopt;
+}
+
+GVariant* ToEapInit(const EAPInfo& info)
+{
+    EapInitRecord record{};
+    info.text1.copy(record.text[0], kSlot - 1);
+    info.text2.copy(record.text[1], kSlot - 1);
+    return gvariant_data_build(&record, sizeof(record));
+}
+}  // namespace ipodkit

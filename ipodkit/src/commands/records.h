@@ -1,0 +1,26 @@
+/// @file
+/// Byte records inside variants, and other shapes of replies and arguments.
+#pragma once
+
+#include <QBXIpodTypes.h>
+#include <ipodkit/commands.h>
+
+#include <array>
+#include <string>
+
+#include "loop/glib_ptr.h"
+
+namespace ipodkit
+{
+using PictureHead = std::array<std::uint32_t, 4>;
+
+/// Bodies "(v)" that hold a byte array. ErrorKind::BadReply when the array has another size than the record.
+Result<QBXiPodTrackInfo> ToTrack(GVariant* body);
+Result<PictureHead> ToPictureHead(GVariant* body);
+
+/// Why a text cannot be sent; nothing when it can.
+std::optional<Error> Obstacle(const std::string& text, std::size_t longest);
+
+/// The argument of EapInit, "v", floating. The texts must be sendable.
+GVariant* ToEapInit(const EAPInfo& info);
+}  // namespace ipodkit

@@ -1,0 +1,73 @@
+#include "commands/requests.h"
+
+#include "commands/maker.h"
+#include "memory/shared_vectors.h"
+
+namespace ipodkit
+{
+namespace
+{
+const tl::unexpected<Error> kNotFilled(Error{ErrorKind::Refused, "the service did not fill the page"});
+
+Result<PageHead> PlainHead(GVariant* body)
+{
+    gboolean filled = FALSE;
+    g_variant_get(body, "(b)", &filled);
+    if (!filled) return kNotFilled;
+    return PageHead{};
+}
+
+Result<PageHead> DatabaseHead(GVariant* body)
+{
+    gboolean folders = FALSE;
+    gboolean root = FALSE;
+    gboolean filled = FALSE;
+    g_variant_get(body, "(bbb)", &folders, &root, &filled);
+    if (!filled) return kNotFilled;
+    return PageHead{folders != FALSE, root != FALSE};
+}
+
+struct List
+{
+    const char* method;
+    QBXStringPageVector* const& vector;
+    bool hasRange;
+    bool isDatabase;
+};
+
+// In the order of ListKind.
+const List kLists[] = {
+    {"GetPlayingListItems", g_VecPlayingListShareMemory, true, false},
+    {"GetCurDbListItems", g_VecDBListShareMemory, true, true},
+    {"GetCurDbListItemsPinyin", g_VecDBListPinyinShareMemory, true, true},
+    {"GetUpdateListItems", g_VecUpdateListShareMemory, true, false},
+    {"GetUpdateListItemsPinyin", g_VecUpdateListPinyinShareMemory, true, false},
+    {"GetDeviceList", g_VecDeviceListShareMemory, false, false},
+};
+}  // namespace
+
+Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline)
+{
+    return Maker<PictureHead>{bus, deadline, "(v)", ToPictureHead}("GetPlayingTrackAlbumArtwork");
+}
+
+Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
+                         std::uint16_t session)
+{
+    return Maker<void>{bus, deadline, "(b)", Nothing, true}("EapWrite", g_variant_new("(q)", session));
+}
+
+Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline, ListKind kind,
+                             int first, int last)
+{
+    const List& list = kLists[static_cast<int>(kind)];
+    const Maker<PageHead> ask{bus, deadline, list.isDatabase ? "(bbb)" : "(b)",
+                              list.isDatabase ? DatabaseHead : PlainHead};
+    return ask(list.method, list.hasRange ? g_variant_new("(ii)", first, last) : nullptr);
+}
+
+std::optional<std::vector<std::string>> NamesOf(ListKind kind)
+{
+    return NamesIn(kLists[static_cast<int>(kind)].vector);
+}
+}  // namespace ipodkit

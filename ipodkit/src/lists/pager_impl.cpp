@@ -1,0 +1,238 @@
+#include "lists/pager_impl.h"
+
+#include "loop/context.h"
+
+namespace ipodkit
+{
+namespace
+{
+constexpr char kNoSize[] = "the service does not tell the size of this list";
+
+tl::unexpected<Error> NoSuchEntry(int index)
+{
+    return tl::unexpected<Error>(Error{ErrorKind::BadArgument, "there is no entry " + std::to_string(index)});
+}
+
+tl::unexpected<Error> WrongSize(std::size_t got, std::size_t wanted)
+{
+    return tl::unexpected<Error>(Error{
+        ErrorKind::BadReply, "a page of " + std::to_string(got) + " entries instead of " + std::to_string(wanted)});
+}
+}  // namespace
+
+Pager::Impl::Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const PagerOptions& options)
+    : m_session(std::move(session)),
+      m_kind(kind),
+      m_options(options),
+      m_lane(m_session->ListLanes().Of(kind)),
+      m_cache(options.cachedPages)
+{
+    m_options.pageSize = std::max(m_options.pageSize, 1);
+}
+
+void Pager::Impl::Watch()
+{
+    m_watch = OnOutdated("pager",
+                         [weak = weak_from_this()]
+                         {
+                             if (const auto self = weak.lock()) self->Refresh();
+                         });
+}
+
+void Pager::Impl::Refresh()
+{
+    Forget({ErrorKind::Cancelled, "the list became another one"});
+}
+
+void Pager::Impl::End()
+{
+    m_watch.Reset();
+    Forget({ErrorKind::Cancelled, "the pager ended"});
+}
+
+Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> callback)
+{
+    return Subscription(m_lane->Watchers().Add(std::move(name), std::move(callback)));
+}
+
+template <class T>
+void Pager::Impl::Tell(const std::function<void(Result<T>)>& completion, const Result<T>& result) const
+{
+    m_session->CallbackGuard().Run("pager", [&] { completion(result); });
+}
+
+template <class T>
+void Pager::Impl::TellLater(std::function<void(Result<T>)> completion, Result<T> result) const
+{
+    Post(m_session->Context(), [guard = m_session->CallbackGuard(), completion = std::move(completion),
+                                result = std::move(result)] { guard.Run("pager", [&] { completion(result); }); });
+}
+
+// An answer that belongs to a list that became another one meanwhile is dropped: who waited for it has been told.
+template <class T>
+void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived)
+{
+    const auto held = std::make_shared<Request<T>>(std::move(request));
+    const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch()]
+    {
+        const auto self = weak.lock();
+        return self != nullptr && self->m_lane->Epoch() == epoch ? self : nullptr;
+    };
+    m_lane->Wait(
+        [held, arrived = std::move(arrived), current, session = m_session](const Lane::Release& release)
+        {
+            if (current() == nullptr) return release();
+            std::move(*held).Start(
+                [arrived, current, release, session](const Result<T>& result)
+                {
+                    session->Replay();
+                    if (const auto self = current()) arrived(result);
+                    release();
+                });
+        });
+}
+
+// Each is told that its list is gone, also by callbacks that ask again meanwhile.
+void Pager::Impl::Forget(const Error& error)
+{
+    m_cache.Clear();
+    m_count.reset();
+    const auto counts = std::exchange(m_counts, {});
+    const auto pages = std::exchange(m_pages, {});
+    for (const auto& completion : counts) Tell<int>(completion, tl::unexpected<Error>(error));
+    for (const auto& [number, completions] : pages)
+        for (const auto& completion : completions) Tell<PagePtr>(completion, tl::unexpected<Error>(error));
+}
+
+Request<int> Pager::Impl::AskForCount() const
+{
+    if (IsDatabase()) return Ask().DatabaseCount();
+    return m_kind == ListKind::Playing ? Ask().PlayingCount() : Ask().DeviceCount();
+}
+
+void Pager::Impl::Count(CountCompletion completion)
+{
+    if (!HasCount())
+        return TellLater<int>(std::move(completion), tl::unexpected<Error>(Error{ErrorKind::BadArgument, kNoSize}));
+    if (m_count) return TellLater<int>(std::move(completion), *m_count);
+    m_counts.push_back(std::move(completion));
+    if (m_counts.size() == 1) FetchCount();
+}
+
+void Pager::Impl::FetchCount()
+{
+    InTurn<int>(AskForCount(), [this](const Result<int>& count) { CountArrived(count); });
+}
+
+void Pager::Impl::CountArrived(const Result<int>& count)
+{
+    if (count) m_count = *count;
+    for (const auto& completion : std::exchange(m_counts, {})) Tell<int>(completion, count);
+}
+
+// The size comes first: without it nobody knows how long a page must be.
+void Pager::Impl::At(int index, PageCompletion completion)
+{
+    if (index < 0) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
+    if (m_count || !HasCount()) return PageWanted(index, std::move(completion));
+    Count(
+        [self = shared_from_this(), index, completion = std::move(completion)](const Result<int>& count)
+        {
+            if (count) return self->PageWanted(index, completion);
+            completion(tl::unexpected<Error>(count.error()));
+        });
+}
+
+void Pager::Impl::PageWanted(int index, PageCompletion completion)
+{
+    if (m_count && index >= *m_count) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
+    const int number = NumberOf(index);
+    if (const PagePtr page = m_cache.Find(number))
+    {
+        TellLater<PagePtr>(std::move(completion), page);
+        return Prefetch(number);
+    }
+    const bool fresh = m_pages.count(number) == 0;
+    m_pages[number].push_back(std::move(completion));
+    if (fresh) FetchPage(number);
+}
+
+// Beyond the end when the size is not known.
+int Pager::Impl::LastOf(int number) const
+{
+    if (m_kind == ListKind::Devices) return m_count.value_or(0) - 1;
+    const std::int64_t last = FirstOf(number) + m_options.pageSize - 1;
+    return static_cast<int>(std::min<std::int64_t>(last, m_count ? *m_count - 1 : INT32_MAX));
+}
+
+void Pager::Impl::FetchPage(int number)
+{
+    InTurn<PageHead>(AskForPage(m_session->Bus(), m_session->Options().deadline, m_kind,
+                                static_cast<int>(FirstOf(number)), LastOf(number)),
+                     [this, number](const Result<PageHead>& head) { PageArrived(number, head); });
+}
+
+// A page of the wrong size says that the size of the list was wrong too.
+void Pager::Impl::PageArrived(int number, const Result<PageHead>& head)
+{
+    const Result<PagePtr> page = head.and_then([&](const PageHead& arrived) { return MakePage(number, arrived); });
+    if (page)
+        m_cache.Put(number, *page);
+    else if (page.error().kind == ErrorKind::BadReply)
+        m_count.reset();
+    const auto waiting = m_pages.extract(number);
+    if (waiting.empty() || waiting.mapped().empty()) return;
+    if (page) Prefetch(number);
+    for (const auto& completion : waiting.mapped()) Tell<PagePtr>(completion, page);
+}
+
+Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
+{
+    auto names = NamesOf(m_kind);
+    if (!names) return tl::unexpected<Error>(Error{ErrorKind::BadReply, "the shared list is damaged"});
+    const auto wanted = static_cast<std::size_t>(LastOf(number) - FirstOf(number) + 1);
+    const bool fits = HasCount() ? names->size() == wanted : names->size() <= wanted;
+    if (!fits) return WrongSize(names->size(), wanted);
+    return std::make_shared<const Page>(
+        Page{static_cast<int>(FirstOf(number)), std::move(*names), head.folders, head.root});
+}
+
+// In the direction of the last two requests. Nobody waits for these pages; a later request may join.
+void Pager::Impl::Prefetch(int number)
+{
+    const int step = number < m_lastNumber ? -1 : 1;
+    m_lastNumber = number;
+    if (!m_count) return;
+    for (int ahead = 1; ahead <= m_options.prefetch; ++ahead)
+    {
+        const int next = number + step * ahead;
+        const bool exists = next >= 0 && m_kind != ListKind::Devices && FirstOf(next) < *m_count;
+        if (!exists || m_cache.Find(next) != nullptr || m_pages.count(next) != 0) continue;
+        m_pages[next];
+        FetchPage(next);
+    }
+}
+
+// Outdates at once, so that nothing of the old level is shown, and again when it is done, because the other pagers
+// may have asked in between.
+void Pager::Impl::Enter(Request<void> request, Completion completion)
+{
+    if (!IsDatabase())
+        return TellLater<void>(std::move(completion),
+                               tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));
+    const Guard guard = m_session->CallbackGuard();
+    const auto held = std::make_shared<Request<void>>(std::move(request));
+    m_lane->Outdate(guard);
+    m_lane->Wait(
+        [held, completion = std::move(completion), lane = m_lane, guard](const Lane::Release& release)
+        {
+            std::move(*held).Start(
+                [completion, lane, guard, release](const Result<void>& result)
+                {
+                    lane->Outdate(guard);
+                    release();
+                    guard.Run("pager", [&] { completion(result); });
+                });
+        });
+}
+}  // namespace ipodkit

@@ -1,0 +1,68 @@
+/// @file
+/// The inside of a pager.
+#pragma once
+
+#include <ipodkit/pager.h>
+
+#include <map>
+
+#include "commands/requests.h"
+#include "lists/page_cache.h"
+#include "session/lanes.h"
+#include "session/session_impl.h"
+
+namespace ipodkit
+{
+/// Context thread only. Whatever waits for an answer stands in m_counts or m_pages until it completes.
+class Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
+{
+public:
+    Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const PagerOptions& options);
+
+    void Watch();
+    void End();
+    void Count(CountCompletion completion);
+    void At(int index, PageCompletion completion);
+    PagePtr Cached(int index) { return index < 0 ? nullptr : m_cache.Find(NumberOf(index)); }
+    void Enter(Request<void> request, Completion completion);
+    void Refresh();
+    Subscription OnOutdated(std::string name, std::function<void()> callback);
+    Commands Ask() const { return m_session->MakeCommands(); }
+
+private:
+    using Arrived = std::function<void()>;
+
+    bool IsDatabase() const { return m_kind == ListKind::Database || m_kind == ListKind::DatabasePinyin; }
+    bool HasCount() const { return m_kind != ListKind::Update && m_kind != ListKind::UpdatePinyin; }
+    int NumberOf(int index) const { return m_kind == ListKind::Devices ? 0 : index / m_options.pageSize; }
+    std::int64_t FirstOf(int number) const { return std::int64_t{number} * m_options.pageSize; }
+    int LastOf(int number) const;
+    Request<int> AskForCount() const;
+    void Forget(const Error& error);
+    void FetchCount();
+    void CountArrived(const Result<int>& count);
+    void PageWanted(int index, PageCompletion completion);
+    void FetchPage(int number);
+    void PageArrived(int number, const Result<PageHead>& head);
+    Result<PagePtr> MakePage(int number, const PageHead& head) const;
+    void Prefetch(int number);
+
+    template <class T>
+    void InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived);
+    template <class T>
+    void Tell(const std::function<void(Result<T>)>& completion, const Result<T>& result) const;
+    template <class T>
+    void TellLater(std::function<void(Result<T>)> completion, Result<T> result) const;
+
+    const std::shared_ptr<Session::Impl> m_session;
+    const ListKind m_kind;
+    PagerOptions m_options;
+    const std::shared_ptr<Lane> m_lane;
+    PageCache m_cache;
+    Subscription m_watch;
+    std::optional<int> m_count;
+    std::vector<CountCompletion> m_counts;
+    std::map<int, std::vector<PageCompletion>> m_pages;
+    int m_lastNumber = 0;
+};
+}  // namespace ipodkit

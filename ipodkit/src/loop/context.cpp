@@ -1,0 +1,57 @@
+#include "loop/context.h"
+
+namespace ipodkit
+{
+namespace
+{
+bool IsDefaultHere(GMainContext* context)
+{
+    GMainContext* const here = g_main_context_get_thread_default();
+    return here == context || (here == nullptr && context == g_main_context_default());
+}
+
+gboolean RunWork(gpointer work)
+{
+    static_cast<Handover*>(work)->Do();
+    return G_SOURCE_REMOVE;
+}
+
+void DeleteWork(gpointer work)
+{
+    delete static_cast<Handover*>(work);
+}
+}  // namespace
+
+DefaultContext::DefaultContext(GMainContext* context) : m_pushed(IsDefaultHere(context) ? nullptr : context)
+{
+    if (m_pushed != nullptr) g_main_context_push_thread_default(m_pushed);
+}
+
+DefaultContext::~DefaultContext()
+{
+    if (m_pushed != nullptr) g_main_context_pop_thread_default(m_pushed);
+}
+
+void Post(GMainContext* context, std::function<void()> work)
+{
+    GSource* const source = g_idle_source_new();
+    g_source_set_priority(source, G_PRIORITY_DEFAULT);
+    g_source_set_callback(source, RunWork, new Handover(std::move(work)), DeleteWork);
+    g_source_attach(source, context);
+    g_source_unref(source);
+}
+
+void RunAside(std::function<void()> work)
+{
+    GTask* const task = g_task_new(nullptr, nullptr, nullptr, nullptr);
+    g_task_set_task_data(task, new Handover(std::move(work)),
+                         [](gpointer data) { delete static_cast<Handover*>(data); });
+    g_task_run_in_thread(task,
+                         [](GTask* self, gpointer, gpointer data, GCancellable*)
+                         {
+                             static_cast<Handover*>(data)->Do();
+                             g_task_return_boolean(self, TRUE);
+                         });
+    g_object_unref(task);
+}
+}  // namespace ipodkit

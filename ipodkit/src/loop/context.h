@@ -1,0 +1,55 @@
+/// @file
+/// Work for the thread that runs a main context.
+#pragma once
+
+#include <functional>
+#include <mutex>
+
+#include "loop/glib_ptr.h"
+
+namespace ipodkit
+{
+/// Makes @p context the thread-default one for as long as it lives, so that GIO delivers there. The calling thread
+/// runs the context.
+class DefaultContext
+{
+public:
+    explicit DefaultContext(GMainContext* context);
+    ~DefaultContext();
+    DefaultContext(const DefaultContext&) = delete;
+    DefaultContext& operator=(const DefaultContext&) = delete;
+
+private:
+    GMainContext* m_pushed;
+};
+
+/// Work that one thread makes and another one does. GLib orders the two; the lock says so to thread checkers too,
+/// which do not see into GLib.
+class Handover
+{
+public:
+    explicit Handover(std::function<void()> work)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_work = std::move(work);
+    }
+
+    void Do()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const std::function<void()> work = std::move(m_work);
+        lock.unlock();
+        work();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::function<void()> m_work;
+};
+
+/// Runs @p work in @p context, later, also when the caller is there already.
+void Post(GMainContext* context, std::function<void()> work);
+
+/// Runs @p work on a thread of GLib's pool.
+void RunAside(std::function<void()> work);
+}  // namespace ipodkit

@@ -1,0 +1,30 @@
+#include "loop/lane.h"
+
+namespace ipodkit
+{
+void Lane::Wait(Turn turn)
+{
+    m_waiting.push_back(std::move(turn));
+    Next();
+}
+
+void Lane::Outdate(const Guard& guard)
+{
+    ++m_epoch;
+    m_watchers.ForEach(guard, [](const std::function<void()>& watcher) { watcher(); });
+}
+
+void Lane::Next()
+{
+    if (m_taken || m_waiting.empty()) return;
+    m_taken = true;
+    const Turn turn = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    turn(
+        [self = shared_from_this()]
+        {
+            self->m_taken = false;
+            self->Next();
+        });
+}
+}  // namespace ipodkit

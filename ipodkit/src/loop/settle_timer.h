@@ -1,0 +1,35 @@
+/// @file
+/// A timer that is exact to the microsecond, where GLib's are rounded up to the millisecond.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "loop/glib_ptr.h"
+
+namespace ipodkit
+{
+/// Context thread only.
+class SettleTimer
+{
+public:
+    /// @p expired runs in @p context.
+    SettleTimer(GMainContext* context, std::function<void()> expired);
+    ~SettleTimer();
+    SettleTimer(const SettleTimer&) = delete;
+    SettleTimer& operator=(const SettleTimer&) = delete;
+
+    /// Lets it expire so long from now, unless it is running already.
+    void Start(std::chrono::microseconds delay);
+    void Stop();
+
+private:
+    static int OnReadable(int fd, GIOCondition condition, gpointer data);
+    void Set(std::chrono::microseconds delay) const;
+
+    std::function<void()> m_expired;
+    int m_fd;
+    SourcePtr m_source;
+    bool m_running = false;
+};
+}  // namespace ipodkit

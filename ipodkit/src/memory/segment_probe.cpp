@@ -1,0 +1,137 @@
+#include "memory/segment_probe.h"
+
+#include <QBXIpodShareMemory.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+namespace ipodkit
+{
+namespace
+{
+namespace bip = boost::interprocess;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kCreatorAtWork = std::chrono::seconds(5);
+constexpr std::uint32_t kInitialised = 2;
+
+std::string FileOf(const char* segment)
+{
+    return std::string("/dev/shm/") + segment;
+}
+
+std::string Removal(const char* segment)
+{
+    return "stop the service and all its applications, remove " + FileOf(segment) + " and start the service again";
+}
+
+Error Failure(const char* segment, const std::string& wrong, const std::string& remedy)
+{
+    return {ErrorKind::NoSharedMemory, std::string("segment ") + segment + ": " + wrong + "; " + remedy};
+}
+
+Error CannotOpen(const char* segment, int reason)
+{
+    struct stat status
+    {
+    };
+    if (reason != EACCES || stat(FileOf(segment).c_str(), &status) != 0)
+        return Failure(segment, std::strerror(reason), Removal(segment));
+    return Failure(segment,
+                   "it belongs to user " + std::to_string(status.st_uid) + " and this process is user " +
+                       std::to_string(geteuid()),
+                   "run the service and its applications as one user, or " + Removal(segment));
+}
+
+class File
+{
+public:
+    explicit File(int fd) : m_fd(fd) {}
+    ~File() { close(m_fd); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    struct stat Status() const
+    {
+        struct stat status
+        {
+        };
+        fstat(m_fd, &status);
+        return status;
+    }
+
+    // Its first word says how far its creator is.
+    bool Ready() const
+    {
+        std::uint32_t state = 0;
+        return pread(m_fd, &state, sizeof(state), 0) == ssize_t{sizeof(state)} && state == kInitialised;
+    }
+
+private:
+    int m_fd;
+};
+
+bool BecomesReady(const File& file)
+{
+    for (const auto giveUp = Clock::now() + kCreatorAtWork; !file.Ready();)
+    {
+        if (Clock::now() > giveUp) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+// Taking the lock inside it is what a dead process would prevent.
+std::optional<Error> Map(const char* segment, const File& file)
+{
+    QBXSharedSegment mapped(bip::open_only, segment);
+    const auto address = reinterpret_cast<std::uintptr_t>(mapped.get_address());
+    const std::size_t before = address % bip::mapped_region::get_page_size();
+    if (mapped.get_size() != static_cast<std::size_t>(file.Status().st_size) - before)
+        return Failure(segment, "it was made for another word size or is damaged", Removal(segment));
+    mapped.find<QBXByteVector>("");
+    return std::nullopt;
+}
+
+std::optional<Error> Probe(const char* segment)
+{
+    const int fd = shm_open(segment, O_RDWR | O_NONBLOCK, 0);
+    if (fd < 0) return errno == ENOENT ? std::nullopt : std::make_optional(CannotOpen(segment, errno));
+    const File file(fd);
+    if (!S_ISREG(file.Status().st_mode))
+        return Failure(segment, "its name is taken by something else", Removal(segment));
+    if (!BecomesReady(file)) return Failure(segment, "its creator never finished it", Removal(segment));
+    try
+    {
+        return Map(segment, file);
+    }
+    catch (const bip::interprocess_exception& thrown)
+    {
+        const bool locked = thrown.get_error_code() == bip::timeout_when_locking_error;
+        return Failure(segment, locked ? "it is locked by a process that died" : thrown.what(), Removal(segment));
+    }
+    catch (const std::exception& thrown)
+    {
+        return Failure(segment, thrown.what(), Removal(segment));
+    }
+}
+}  // namespace
+
+std::optional<Error> ProbeSegments()
+{
+    std::optional<Error> error = Probe(kListSegmentName);
+    return error ? error : Probe(kBufferSegmentName);
+}
+
+Error AttachFailure(const std::string& what)
+{
+    return {ErrorKind::NoSharedMemory,
+            what + "; the core tries once only: remedy this and start the application again"};
+}
+}  // namespace ipodkit

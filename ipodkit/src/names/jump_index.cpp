@@ -1,0 +1,188 @@
+#include <ipodkit/jump_index.h>
+
+#include <unicode/coll.h>
+#include <unicode/sortkey.h>
+
+#include <algorithm>
+#include <numeric>
+
+#include "names/matcher.h"
+#include "names/reader.h"
+#include "names/reading.h"
+
+namespace ipodkit
+{
+/// In the order of the index, so that a search runs through memory from one end to the other.
+struct JumpIndex::Contents
+{
+    std::vector<std::string> readings;
+    std::vector<std::uint64_t> letters;   // of each reading
+    std::vector<std::uint64_t> initials;  // of its syllables and words
+    std::vector<std::string> folded;      // the names without case, for queries in their own script
+    std::vector<int> order;               // the name at each position
+    std::vector<int> positions;           // the position of each name
+    std::vector<JumpSection> sections;
+};
+
+namespace
+{
+using Keys = std::vector<std::string>;
+
+std::string Folded(icu::UnicodeString name)
+{
+    std::string folded;
+    name.foldCase().toUTF8String(folded);
+    return folded;
+}
+
+bool IsAscii(const std::string& text)
+{
+    return std::all_of(text.begin(), text.end(),
+                       [](char character) { return static_cast<signed char>(character) >= 0; });
+}
+
+std::string SortKey(const icu::Collator& collator, const icu::UnicodeString& name)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    icu::CollationKey key;
+    collator.getCollationKey(name, key, status);
+    int32_t length = 0;
+    const uint8_t* const bytes = key.getByteArray(length);
+    return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
+
+std::string LabelOf(const std::string& reading)
+{
+    const bool isLetter = !reading.empty() && reading[0] >= 'a' && reading[0] <= 'z';
+    return isLetter ? std::string(1, static_cast<char>(reading[0] - 'a' + 'A')) : "#";
+}
+
+// By letter first, so that a letter is one section whatever script its names have; "#" comes last.
+std::vector<int> Sorted(const Keys& keys, const std::vector<std::string>& readings)
+{
+    std::vector<int> order(keys.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto rank = [&](int index)
+    {
+        const std::string& reading = readings[static_cast<std::size_t>(index)];
+        const bool isLetter = !reading.empty() && reading[0] >= 'a';
+        return isLetter ? reading[0] : '\x7f';
+    };
+    std::stable_sort(order.begin(), order.end(),
+                     [&](int left, int right)
+                     {
+                         const char one = rank(left);
+                         const char other = rank(right);
+                         if (one != other) return one < other;
+                         return keys[static_cast<std::size_t>(left)] < keys[static_cast<std::size_t>(right)];
+                     });
+    return order;
+}
+
+std::vector<JumpSection> SectionsOf(const std::vector<std::string>& sortedReadings)
+{
+    std::vector<JumpSection> sections;
+    for (std::size_t position = 0; position < sortedReadings.size(); ++position)
+    {
+        std::string label = LabelOf(sortedReadings[position]);
+        const bool fresh = sections.empty() || sections.back().label != label;
+        if (fresh) sections.push_back({std::move(label), static_cast<int>(position)});
+    }
+    return sections;
+}
+
+std::unique_ptr<icu::Collator> CollatorOf(const std::string& locale)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(
+        icu::Collator::createInstance(icu::Locale::createFromName(locale.c_str()), status));
+    return U_FAILURE(status) ? nullptr : std::move(collator);
+}
+}  // namespace
+
+Result<JumpIndex> JumpIndex::Build(std::vector<std::string> names, const JumpIndexOptions& options)
+{
+    Result<Reader> reader = Reader::Make();
+    if (!reader) return tl::unexpected<Error>(reader.error());
+    const auto collator = CollatorOf(options.locale);
+    if (collator == nullptr) return tl::unexpected<Error>(Error{ErrorKind::BadArgument, "ICU has no collation here"});
+    auto contents = std::make_shared<Contents>();
+    Keys keys;
+    std::vector<std::string> readings;
+    for (const std::string& name : names)
+    {
+        const icu::UnicodeString text = icu::UnicodeString::fromUTF8(name);
+        readings.push_back(reader->Read(text));
+        keys.push_back(SortKey(*collator, text));
+    }
+    contents->order = Sorted(keys, readings);
+    contents->positions.resize(names.size());
+    for (const int index : contents->order)
+    {
+        const auto at = static_cast<std::size_t>(index);
+        contents->positions[at] = static_cast<int>(contents->readings.size());
+        contents->letters.push_back(LettersIn(readings[at]));
+        contents->initials.push_back(InitialsIn(readings[at]));
+        contents->folded.push_back(Folded(icu::UnicodeString::fromUTF8(names[at])));
+        contents->readings.emplace_back(readings[at]);
+    }
+    contents->sections = SectionsOf(contents->readings);
+    return JumpIndex(std::move(contents));
+}
+
+const std::vector<int>& JumpIndex::Order() const
+{
+    return m_contents->order;
+}
+
+const std::vector<JumpSection>& JumpIndex::Sections() const
+{
+    return m_contents->sections;
+}
+
+std::string JumpIndex::Reading(int index) const
+{
+    const int position = m_contents->positions.at(static_cast<std::size_t>(index));
+    std::string reading = m_contents->readings[static_cast<std::size_t>(position)];
+    std::replace(reading.begin(), reading.end(), kUmlaut, 'u');
+    return reading;
+}
+
+std::size_t JumpIndex::Size() const
+{
+    return m_contents->order.size();
+}
+
+// A query in another script than ASCII is looked for as it stands.
+std::vector<int> JumpIndex::Search(const std::string& query, std::size_t limit) const
+{
+    const bool typed = IsAscii(query);
+    const std::string wanted = typed ? Typed(query) : Folded(icu::UnicodeString::fromUTF8(query));
+    if (wanted.empty() || limit == 0) return {};
+    const std::uint64_t letters = typed ? LettersIn(wanted) : 0;
+    const std::uint64_t initial = typed ? LettersIn(wanted.substr(0, 1)) : 0;
+    const auto fit = [&](std::size_t position)
+    {
+        if (typed)
+        {
+            const bool possible =
+                (letters & ~m_contents->letters[position]) == 0 && (initial & m_contents->initials[position]) != 0;
+            return possible ? Match(wanted, m_contents->readings[position]) : Fit::None;
+        }
+        const std::size_t at = m_contents->folded[position].find(wanted);
+        return at == 0 ? Fit::Beginning : at == std::string::npos ? Fit::None : Fit::Inside;
+    };
+    std::vector<int> found;
+    std::vector<int> inside;
+    for (std::size_t position = 0; position < m_contents->order.size(); ++position)
+    {
+        const Fit fits = fit(position);
+        if (fits == Fit::Beginning) found.push_back(m_contents->order[position]);
+        if (fits == Fit::Inside && inside.size() < limit) inside.push_back(m_contents->order[position]);
+        if (found.size() == limit) return found;
+    }
+    found.insert(found.end(), inside.begin(),
+                 inside.begin() + static_cast<std::ptrdiff_t>(std::min(inside.size(), limit - found.size())));
+    return found;
+}
+}  // namespace ipodkit

@@ -1,0 +1,94 @@
+#include <ipodkit/picture_files.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <regex>
+#include <vector>
+
+#include "loop/glib_ptr.h"
+
+namespace ipodkit
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+const char* Extension(PictureType type)
+{
+    static constexpr const char* extensions[] = {".bin", ".jpg", ".png", ".gif", ".bmp", ".webp"};
+    return extensions[static_cast<int>(type)];
+}
+
+// Size and hash: what two different pictures hardly share.
+std::string NameOf(const Picture& picture)
+{
+    gchar* const name = g_strdup_printf("%zu-%016" G_GINT64_MODIFIER "x%s", picture.bytes.size(), picture.hash,
+                                        Extension(picture.type));
+    std::string owned(name);
+    g_free(name);
+    return owned;
+}
+
+std::string AddressOf(const std::string& path)
+{
+    gchar* const uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
+    std::string owned(uri == nullptr ? "" : uri);
+    g_free(uri);
+    return owned;
+}
+
+tl::unexpected<Error> NoStorage(const std::string& reason)
+{
+    return tl::unexpected<Error>(Error{ErrorKind::NoStorage, reason});
+}
+
+// Whoever names a directory that has other files in it keeps them.
+bool IsOurs(const std::string& name)
+{
+    static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp)");
+    return std::regex_match(name, ours);
+}
+
+std::string AbsoluteOf(const std::string& directory)
+{
+    if (directory.empty()) return fs::path(g_get_user_runtime_dir()) / "ipodkit";
+    return fs::absolute(directory);
+}
+}  // namespace
+
+PictureFiles::PictureFiles(std::string directory, std::size_t keep)
+    : m_directory(AbsoluteOf(directory)), m_keep(std::max<std::size_t>(keep, 1))
+{
+}
+
+// GLib writes a file beside it and renames that.
+Result<std::string> PictureFiles::Uri(const Picture& picture) const
+{
+    if (g_mkdir_with_parents(m_directory.c_str(), 0700) != 0)
+        return NoStorage(m_directory + ": " + std::strerror(errno));
+    const std::string path = fs::path(m_directory) / NameOf(picture);
+    std::error_code missing;
+    if (fs::file_size(path, missing) == picture.bytes.size() && !missing) return AddressOf(path);
+    GError* failure = nullptr;
+    g_file_set_contents(path.c_str(), reinterpret_cast<const gchar*>(picture.bytes.data()),
+                        static_cast<gssize>(picture.bytes.size()), &failure);
+    const ErrorPtr error(failure);
+    if (error != nullptr) return NoStorage(error->message);
+    RemoveOldestBut(path);
+    return AddressOf(path);
+}
+
+// Files of one moment have one age; the new one stays whatever the clock says.
+void PictureFiles::RemoveOldestBut(const std::string& fresh) const
+{
+    std::error_code ignored;
+    std::vector<std::pair<fs::file_time_type, fs::path>> files;
+    for (const auto& entry : fs::directory_iterator(m_directory, ignored))
+        if (entry.path() != fresh && IsOurs(entry.path().filename()))
+            files.emplace_back(entry.last_write_time(ignored), entry.path());
+    std::sort(files.begin(), files.end());
+    for (std::size_t i = 0; i + m_keep - 1 < files.size(); ++i) fs::remove(files[i].second, ignored);
+}
+}  // namespace ipodkit

@@ -1,0 +1,52 @@
+#include <ipodkit/session.h>
+
+#include "session/session_impl.h"
+
+namespace ipodkit
+{
+Result<std::unique_ptr<Session>> Session::Open(const SessionOptions& options)
+{
+    auto impl = std::make_shared<Impl>(options);
+    if (const std::optional<Error> error = CoreLink::Instance().Claim(impl->Context()))
+        return tl::unexpected<Error>(*error);
+    impl->Start();
+    return std::unique_ptr<Session>(new Session(std::move(impl)));
+}
+
+Session::Session(std::shared_ptr<Impl> impl) : m_impl(std::move(impl)) {}
+
+Session::~Session()
+{
+    m_impl->Close();
+}
+
+ipodkit::Connection Session::Connection() const
+{
+    return m_impl->CurrentConnection();
+}
+
+StatePtr Session::State() const
+{
+    return m_impl->States()->Published();
+}
+
+ipodkit::Commands Session::Commands() const
+{
+    return m_impl->MakeCommands();
+}
+
+Subscription Session::OnConnection(std::string name, ConnectionCallback callback)
+{
+    return m_impl->OnConnection(std::move(name), std::move(callback));
+}
+
+Subscription Session::OnState(std::string name, StateCallback callback, Fields fields)
+{
+    return m_impl->States()->Subscribe(std::move(name), std::move(callback), fields);
+}
+
+Subscription Session::Listen(std::string name, IQBXIpodPlayerListener& listener)
+{
+    return m_impl->Listen(std::move(name), listener);
+}
+}  // namespace ipodkit
