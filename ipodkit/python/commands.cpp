@@ -1,10 +1,10 @@
-#include "commands.h"
+#include "bindings.h"
 
 #include <ipodkit/commands.h>
 #include <pybind11/stl.h>
 
+#include "any_request.h"
 #include "duration.h"
-#include "request.h"
 
 namespace ipodkit::python
 {

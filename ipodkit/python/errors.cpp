@@ -1,5 +1,7 @@
 #include "errors.h"
 
+#include "bindings.h"
+
 namespace ipodkit::python
 {
 namespace

@@ -9,8 +9,6 @@ namespace ipodkit::python
 {
 namespace py = pybind11;
 
-void BindErrors(py::module_& module);
-
 /// An instance of ipodkit.Error.
 py::object ToException(const Error& error);
 

@@ -2,15 +2,11 @@
 #include <QBXLog.h>
 #include <pybind11/pybind11.h>
 
-#include "commands.h"
-#include "errors.h"
-#include "request.h"
-#include "session.h"
-#include "values.h"
+#include "bindings.h"
 
 namespace
 {
-constexpr char kDoc[] = R"(Control an attached Apple device and learn of its state.
+constexpr char kModuleDoc[] = R"(Control an attached Apple device and learn of its state.
 
     session = ipodkit.Session()
     shown = session.on_state("now playing", lambda state, changed: print(state.track.title if state.track else "-"))
@@ -33,7 +29,7 @@ bool Log(const std::string& config)
 PYBIND11_MODULE(ipodkit, module)
 {
     using namespace ipodkit::python;
-    module.doc() = kDoc;
+    module.doc() = kModuleDoc;
     module.def("log", Log, pybind11::arg("config"), kLogDoc);
     BindErrors(module);
     BindValues(module);

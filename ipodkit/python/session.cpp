@@ -1,4 +1,4 @@
-#include "session.h"
+#include "bindings.h"
 
 #include <ipodkit/session.h>
 

@@ -1,6 +1,7 @@
 #include <pybind11/chrono.h>
 #include <pybind11/stl.h>
 
+#include "bindings.h"
 #include "values.h"
 
 namespace ipodkit::python

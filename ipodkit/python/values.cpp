@@ -2,6 +2,8 @@
 
 #include <pybind11/stl.h>
 
+#include "bindings.h"
+
 namespace ipodkit::python
 {
 namespace

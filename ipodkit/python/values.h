@@ -9,12 +9,6 @@ namespace ipodkit::python
 {
 namespace py = pybind11;
 
-/// Enumerations and records of the core, and what commands return.
-void BindValues(py::module_& module);
-
-/// PlayerState and its parts. After BindValues().
-void BindState(py::module_& module);
-
 py::object ToPython(const StatePtr& state);
 
 /// A frozenset of Field, and any iterable of them; None stands for all.

@@ -1,12 +1,13 @@
-#include "request.h"
+#include "any_request.h"
 
+#include "bindings.h"
 #include "duration.h"
 
 namespace ipodkit::python
 {
 namespace
 {
-constexpr char kDoc[] =
+constexpr char kRequestDoc[] =
     "A request that has been written down but not sent. It is sent once, by start(), future() or wait().";
 
 AnyRequest& Within(AnyRequest& request, const py::object& deadline)
@@ -51,7 +52,7 @@ void BindRequest(py::module_& module)
         .def("cancel", &Cancellation::Cancel, py::call_guard<py::gil_scoped_release>())
         .def_property_readonly("cancelled", &Cancellation::Cancelled);
     constexpr auto same = py::return_value_policy::reference;
-    py::class_<AnyRequest>(module, "Request", kDoc)
+    py::class_<AnyRequest>(module, "Request", kRequestDoc)
         .def("within", Within, py::arg("deadline"), same,
              "Sets the deadline: seconds or a timedelta; at least a millisecond.")
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)

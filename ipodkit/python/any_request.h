@@ -11,8 +11,6 @@
 
 namespace ipodkit::python
 {
-void BindRequest(py::module_& module);
-
 /// A request that is sent once, in one of three ways.
 class AnyRequest
 {

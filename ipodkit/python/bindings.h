@@ -1,0 +1,17 @@
+/// @file
+/// The parts of the module, in the order in which they are added to it.
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace ipodkit::python
+{
+void BindErrors(pybind11::module_& module);
+/// Enumerations and records of the core, and what commands return.
+void BindValues(pybind11::module_& module);
+/// PlayerState and its parts.
+void BindState(pybind11::module_& module);
+void BindRequest(pybind11::module_& module);
+void BindCommands(pybind11::module_& module);
+void BindSession(pybind11::module_& module);
+}  // namespace ipodkit::python
