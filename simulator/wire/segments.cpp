@@ -45,7 +45,7 @@ void WaitUntilMade(const char* name)
     }
 }
 
-// A segment says itself how long it is; in one of zeros, Boost would follow null pointers.
+// A segment says itself how long it is, and its object may be longer; in one of zeros, Boost would follow null pointers.
 void CheckLength(const QBXSharedSegment& segment, const char* name)
 {
     struct stat status
@@ -54,7 +54,9 @@ void CheckLength(const QBXSharedSegment& segment, const char* name)
     const std::string file = std::string("/dev/shm/") + name;
     const auto address = reinterpret_cast<std::uintptr_t>(segment.get_address());
     const std::size_t before = address % bip::mapped_region::get_page_size();
-    if (stat(file.c_str(), &status) != 0 || segment.get_size() != static_cast<std::size_t>(status.st_size) - before)
+    const std::size_t size = segment.get_size();
+    const bool fits = stat(file.c_str(), &status) == 0 && size + before <= static_cast<std::size_t>(status.st_size);
+    if (!fits || size < sizeof(QBXSharedSegment::segment_manager))
         throw std::runtime_error("it is damaged or was made for another word size");
 }
 

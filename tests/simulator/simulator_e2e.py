@@ -257,6 +257,16 @@ class Faults(OnABus):
                 self.assertRegex(self.refusal(), "^ipod-simulator: shared memory ListVectorSharedMemory: .*; stop all "
                                  "applications of the service, remove /dev/shm/ListVectorSharedMemory and start again$")
 
+    def test_a_segment_whose_object_is_longer_than_it_is_used(self):
+        self.addCleanup(clear_shared_memory)
+        process = self.start()
+        process.terminate()
+        process.wait(timeout=LIMIT)
+        path = "/dev/shm/ListVectorSharedMemory"
+        os.truncate(path, os.path.getsize(path) + 4096)
+        self.start()
+        self.assertIn("true", self.ask("EnterDbRoot"))
+
     def test_vectors_are_falsified(self):
         self.start()
         self.control("Fault", "GetDeviceList", "unterminated", "", "1")
