@@ -21,14 +21,20 @@ void WriteToStandardError(const std::string& line)
     std::fprintf(stderr, "warning: %s\n", line.c_str());
 }
 
+// The bus carries no other text: it would end the connection.
+const std::string& Utf8(const char* what, const std::string& text)
+{
+    if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
+        throw std::runtime_error(std::string(what) + ": expected UTF-8 text, not '" + Printable(text) + "'");
+    return text;
+}
+
 Options WithDefaults(Options options)
 {
     if (!options.warn) options.warn = WriteToStandardError;
     if (!(options.speed > 0) || !std::isfinite(options.speed))
         throw std::runtime_error("speed: expected a number above 0");
-    if (g_utf8_validate(options.deviceName.data(), static_cast<gssize>(options.deviceName.size()), nullptr) == FALSE)
-        throw std::runtime_error("name of the device: expected UTF-8 text, not '" + Printable(options.deviceName) +
-                                 "'");
+    Utf8("name of the device", options.deviceName);
     return options;
 }
 
@@ -182,7 +188,7 @@ void Simulator::Battery(const ipod::iPodBattery& battery)
 
 void Simulator::Carplay(int status, const std::string& serialNumber)
 {
-    m_host->Tell(events::Carplay, status, serialNumber);
+    m_host->Tell(events::Carplay, status, Utf8("serial number", serialNumber));
 }
 
 void Simulator::Carlife(int status)
@@ -192,12 +198,12 @@ void Simulator::Carlife(int status)
 
 void Simulator::WirelessCarPlay(bool available, const std::string& deviceAddress)
 {
-    m_host->Tell(events::WirelessCarPlay, available, deviceAddress);
+    m_host->Tell(events::WirelessCarPlay, available, Utf8("address of the device", deviceAddress));
 }
 
 void Simulator::PairingInfo(const std::string& btAddress, const std::vector<unsigned char>& bytes)
 {
-    m_host->Tell(events::PairingInfo, btAddress, bytes);
+    m_host->Tell(events::PairingInfo, Utf8("address of the device", btAddress), bytes);
 }
 
 void Simulator::Location(int status)
@@ -207,7 +213,7 @@ void Simulator::Location(int status)
 
 void Simulator::ForegroundApp(const std::string& bundleName)
 {
-    m_host->Tell(events::ForegroundApp, bundleName);
+    m_host->Tell(events::ForegroundApp, Utf8("name of the app", bundleName));
 }
 
 void Simulator::SourceValid(bool valid)
@@ -222,7 +228,7 @@ bool Simulator::PressButton(const std::string& button)
 
 void Simulator::AttachDevice(const std::string& name)
 {
-    m_host->Tell(events::AttachDevice, name);
+    m_host->Tell(events::AttachDevice, Utf8("name of the device", name));
 }
 
 bool Simulator::DetachDevice(const std::string& name)

@@ -95,7 +95,9 @@ public:
 
     /// @name Events
     /// Each makes the service emit the signal of the like name. A status is a number of the enumerations of
-    /// QBXIpodTypes.h. @{
+    /// QBXIpodTypes.h.
+    /// @throws std::runtime_error  a text is not UTF-8, but for those in messages
+    /// @{
     void PhoneCall(const ipod::iPodPhoneCall& call);
     /// The event again for each step; returns after the first. An identifier, the start and the reason of the end are
     /// filled in where the call has none.

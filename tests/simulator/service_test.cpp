@@ -309,6 +309,18 @@ TEST_F(BuiltinService, FalsifiesSignalsOnRequest)
                             "OnIpodAppBundleNameChange ('no such type',)", "OnIpodSourceValidStatusChange (false,)"));
 }
 
+TEST_F(BuiltinService, RefusesTextsThatTheBusDoesNotCarry)
+{
+    const std::string wrong = "\xFF";
+
+    EXPECT_THROW(service.Carplay(1, wrong), std::runtime_error);
+    EXPECT_THROW(service.WirelessCarPlay(true, wrong), std::runtime_error);
+    EXPECT_THROW(service.PairingInfo(wrong, {1}), std::runtime_error);
+    EXPECT_THROW(service.ForegroundApp(wrong), std::runtime_error);
+    EXPECT_THROW(service.AttachDevice(wrong), std::runtime_error);
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
+}
+
 TEST_F(BuiltinService, GoesAndComesBackOnRequest)
 {
     client.Ask("Play", g_variant_new("(y)", guchar{3}));
