@@ -139,7 +139,11 @@ Fields ToFields(const py::object& fields)
 {
     if (fields.is_none()) return Fields::All();
     Fields wanted;
-    for (const py::handle each : fields) wanted = wanted | Fields(each.cast<Field>());
+    for (const py::handle each : fields)
+    {
+        if (!py::isinstance<Field>(each)) throw py::type_error("expected members of ipodkit.Field");
+        wanted = wanted | Fields(each.cast<Field>());
+    }
     return wanted;
 }
 }  // namespace ipodkit::python

@@ -72,6 +72,11 @@ class WithoutService(unittest.TestCase):
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.NO_SERVICE)
         self.assertIn("NoService: ", str(raised.exception))
 
+    def test_what_are_no_fields_is_an_error_of_their_type(self):
+        for wrong in ({"track"}, [None], 1, ipodkit.Field.TRACK):
+            with self.subTest(wrong), self.assertRaises(TypeError):
+                self.session.on_state("wrong", print, wrong)
+
     def test_what_is_no_duration_is_an_error_of_its_type_or_value(self):
         for wrong in ("x", None, [1]):
             with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
