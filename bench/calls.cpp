@@ -147,7 +147,8 @@ namespace
 {
 int Usage()
 {
-    std::fprintf(stderr, "usage: bench_calls commands|bulk|events|connecting|attachment CALLS [BIG-CALLS [CONTEST...]]\n");
+    std::fprintf(stderr,
+                 "usage: bench_calls commands|bulk|events|connecting|attachment CALLS [BIG-CALLS [CONTEST...]]\n");
     return 2;
 }
 

@@ -45,7 +45,8 @@ void WaitUntilMade(const char* name)
     }
 }
 
-// A segment says itself how long it is, and its object may be longer; in one of zeros, Boost would follow null pointers.
+// A segment says itself how long it is, and its object may be longer; in one of zeros, Boost would follow null
+// pointers.
 void CheckLength(const QBXSharedSegment& segment, const char* name)
 {
     struct stat status
