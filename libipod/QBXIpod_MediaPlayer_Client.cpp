@@ -8,6 +8,8 @@
 
 #include <QBXIpodShareMemory.h>
 
+#include <atomic>
+
 #include "internal/QBXSingleton.h"
 #include "internal/log.h"
 #include "internal/module_state.h"
@@ -32,36 +34,33 @@ ComZarnLinuxIpod* serviceProxy = nullptr;
 
 unsigned LivingClient()
 {
-    return Singleton::ms_pSingleton == nullptr ? 0 : clientsBuilt;
+    return Singleton::Get() == nullptr ? 0 : clientsBuilt;
 }
 }  // namespace qbx
 
 namespace
 {
-int connectStartLogged = 0;
+std::atomic<bool> connectStartLogged{false};
 }  // namespace
 
 // The lock is taken without a guard: it stays held when the constructor throws, so that no other thread
 // works with a half-attached player.
 IQBXIpodPlayer* QBX_GetIpodPlayer()
 {
-    if (connectStartLogged == 0)
-    {
+    if (!connectStartLogged && !connectStartLogged.exchange(true))
         LOG_INFO("QBX_Dbus_Connect_Init(TunerService Lib):AppMgr Connect Start.");
-        connectStartLogged = 1;
-    }
-    if (Singleton::ms_pSingleton != nullptr) return Singleton::ms_pSingleton;
+    if (QBXIpod_MediaPlayer_Client* const player = Singleton::Get()) return player;
     Singleton::ms_cs.Lock();
-    if (Singleton::ms_pSingleton == nullptr) Singleton::ms_pSingleton = new QBXIpod_MediaPlayer_Client;
+    if (Singleton::Get() == nullptr) Singleton::Set(new QBXIpod_MediaPlayer_Client);
     Singleton::ms_cs.Unlock();
-    return Singleton::ms_pSingleton;
+    return Singleton::Get();
 }
 
 void QBX_DestroyIpodPlayer()
 {
     Singleton::ms_cs.Lock();
-    delete Singleton::ms_pSingleton;
-    Singleton::ms_pSingleton = nullptr;
+    delete Singleton::Get();
+    Singleton::Set(nullptr);
     Singleton::ms_cs.Unlock();
 }
 

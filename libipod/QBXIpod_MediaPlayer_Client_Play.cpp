@@ -1,6 +1,8 @@
 // Play: the one command that takes part in the arbitration of the unit's audio sources.
 #include <QBXSource.h>
 
+#include <atomic>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "internal/call.h"
 #include "source_names.h"
@@ -14,7 +16,7 @@ namespace
 constexpr auto kGain = static_cast<QBXSource::AudioGainType>(0);
 
 // The source that was granted last; stays when it is released.
-int currentIpodSource = 0;
+std::atomic<int> currentIpodSource{0};
 
 bool RequestsSource(int option)
 {
