@@ -3,7 +3,9 @@
 #include <QBXIpodShareMemory.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <exception>
+#include <thread>
 
 namespace ctl
 {
@@ -17,12 +19,30 @@ std::string Missing(QBXSharedSegment& segment, const std::vector<const char*>& n
     return {};
 }
 
+// The object may be longer: it is between the two steps in which a service grows its segment.
+bool FitsItsObject(const QBXSharedSegment& segment, const char* name)
+{
+    const std::size_t size = segment.get_size();
+    return size >= sizeof(QBXSharedSegment::segment_manager) && size <= LookAt(name).size;
+}
+
+// A process that dies with the lock leaves it held for all. So the lock is only tried here, and what may crash works on
+// a copy; whoever waits in vain is ended from outside.
+void WaitUntilUnlocked(const char* name)
+{
+    QBXSharedSegment segment(boost::interprocess::open_only, name);
+    if (!FitsItsObject(segment, name)) return;
+    const auto nothing = [] {};
+    while (!segment.try_atomic_func(nothing)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 std::string LookInside(const char* name, const std::vector<const char*>& lists, const std::vector<const char*>& buffers)
 {
     try
     {
-        QBXSharedSegment segment(boost::interprocess::open_only, name);
-        if (segment.get_size() != LookAt(name).size) return "it was made for another word size, or is damaged";
+        WaitUntilUnlocked(name);
+        QBXSharedSegment segment(boost::interprocess::open_copy_on_write, name);
+        if (!FitsItsObject(segment, name)) return "it was made for another word size, or is damaged";
         if (!segment.check_sanity()) return "its inside is damaged";
         const std::string missing = Missing<QBXStringPageVector>(segment, lists);
         return missing.empty() ? Missing<QBXByteVector>(segment, buffers) : missing;
@@ -32,7 +52,6 @@ std::string LookInside(const char* name, const std::vector<const char*>& lists, 
         return std::string("it cannot be opened: ") + error.what();
     }
 }
-
 }  // namespace
 
 const char* WhyUnreadable(ChildOutcome::End end)

@@ -978,6 +978,13 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         os.chmod("/dev/shm/ListVectorSharedMemory", 0o666)
         self.assertEqual(self.examine(NOTHING_DONE)["lists"]["state"], "warning")
 
+    def test_an_object_longer_than_its_segment_is_a_warning(self):
+        path = "/dev/shm/ListVectorSharedMemory"
+        os.truncate(path, os.path.getsize(path) + 4096)
+        lists = self.examine(NOTHING_DONE)["lists"]
+        self.assertEqual(lists["state"], "warning")
+        self.assertIn("bytes are usual", lists["advice"])
+
     def test_another_owner_is_a_problem(self):
         if os.geteuid() != 0:
             self.skipTest("only root can give a file away")
