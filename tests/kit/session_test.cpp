@@ -276,6 +276,18 @@ TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
     Ready();
 }
 
+// As between the two steps in which a service makes it larger.
+TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
+{
+    QBXSharedSegment(boost::interprocess::open_or_create, kListSegmentName, 65536);
+    ASSERT_EQ(truncate((std::string("/dev/shm/") + kListSegmentName).c_str(), 65536 + 4096), 0);
+    FakeService service;
+    AnswerState(service);
+    Open();
+
+    Ready();
+}
+
 // A look at it from outside finds nothing wrong: that its vectors have no room is seen by the core only, which does not
 // try twice.
 TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)

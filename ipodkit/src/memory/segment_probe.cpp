@@ -18,7 +18,7 @@ namespace
 namespace bip = boost::interprocess;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kCreatorAtWork = std::chrono::seconds(5);
+constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
 constexpr std::uint32_t kInitialised = 2;
 
 std::string FileOf(const char* segment)
@@ -79,7 +79,7 @@ private:
 
 bool BecomesReady(const File& file)
 {
-    for (const auto giveUp = Clock::now() + kCreatorAtWork; !file.Ready();)
+    for (const auto giveUp = Clock::now() + kCreatorTimeLimit; !file.Ready();)
     {
         if (Clock::now() > giveUp) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -91,9 +91,8 @@ bool BecomesReady(const File& file)
 std::optional<Error> Map(const char* segment, const File& file)
 {
     QBXSharedSegment mapped(bip::open_only, segment);
-    const auto address = reinterpret_cast<std::uintptr_t>(mapped.get_address());
-    const std::size_t before = address % bip::mapped_region::get_page_size();
-    if (mapped.get_size() != static_cast<std::size_t>(file.Status().st_size) - before)
+    const std::size_t size = mapped.get_size();
+    if (size < sizeof(QBXSharedSegment::segment_manager) || size > static_cast<std::size_t>(file.Status().st_size))
         return Failure(segment, "it was made for another word size or is damaged", Removal(segment));
     mapped.find<QBXByteVector>("");
     return std::nullopt;
