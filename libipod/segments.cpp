@@ -21,9 +21,10 @@ namespace
 namespace bip = boost::interprocess;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kCreatorAtWork = std::chrono::seconds(5);
-constexpr std::size_t kSpaceToCreate = 16384;
-constexpr auto kLookAgain = std::chrono::milliseconds(1);
+constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
+constexpr std::uint64_t kSpaceToCreate = 16384;
+constexpr std::uint32_t kInitializing = 1;
+constexpr auto kPollInterval = std::chrono::milliseconds(1);
 
 [[noreturn]] void Refuse(const char* name, const char* why)
 {
@@ -47,11 +48,11 @@ public:
 
     bool IsMemory() const { return S_ISREG(Status().st_mode); }
 
-    // Its first word: 0 and 1 until its creator has finished.
+    // Its first word counts the stages of its making.
     bool IsBeingMade() const
     {
         std::uint32_t state = 0;
-        return pread(m_fd, &state, sizeof(state), 0) != ssize_t{sizeof(state)} || state <= 1;
+        return pread(m_fd, &state, sizeof(state), 0) != ssize_t{sizeof(state)} || state <= kInitializing;
     }
 
 private:
@@ -73,10 +74,10 @@ void WaitForCreator(const char* name)
     const SharedObject object(name);
     if (!object.exists()) return;
     if (!object.IsMemory()) Refuse(name, "its name is taken by something that is no shared memory");
-    for (const auto giveUp = Clock::now() + kCreatorAtWork; object.IsBeingMade();)
+    for (const auto giveUp = Clock::now() + kCreatorTimeLimit; object.IsBeingMade();)
     {
         if (Clock::now() > giveUp) Refuse(name, "it exists but was never finished by its creator");
-        std::this_thread::sleep_for(kLookAgain);
+        std::this_thread::sleep_for(kPollInterval);
     }
 }
 
@@ -87,19 +88,16 @@ void CheckSpaceToCreate(const char* name)
     struct statvfs device;
     const bool known = statvfs("/dev/shm", &device) == 0 && device.f_blocks > 0;
     if (!known || SharedObject(name).exists()) return;
-    if (device.f_bavail * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
+    if (std::uint64_t{device.f_bavail} * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
 }
 
 // The segment's own idea of its size stands where the layout says, so that another word size shows here. The object may
 // be longer: it is when a service is about to grow its segment.
 void CheckLayout(const QBXSharedSegment& segment, const char* name)
 {
-    const Mapping mapping = MappingOf(segment);
-    const auto bytesBefore = reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size();
     const SharedObject object(name);
-    const auto total = static_cast<std::size_t>(object.size());
     const std::size_t size = segment.get_size();
-    if (size < sizeof(QBXSegmentManager) || size + bytesBefore > total)
+    if (size < sizeof(QBXSegmentManager) || size > static_cast<std::size_t>(object.size()))
         Refuse(name, "its layout is not the one of this build");
 }
 }  // namespace

@@ -53,10 +53,8 @@ void CheckLength(const QBXSharedSegment& segment, const char* name)
     {
     };
     const std::string file = std::string("/dev/shm/") + name;
-    const auto address = reinterpret_cast<std::uintptr_t>(segment.get_address());
-    const std::size_t before = address % bip::mapped_region::get_page_size();
     const std::size_t size = segment.get_size();
-    const bool fits = stat(file.c_str(), &status) == 0 && size + before <= static_cast<std::size_t>(status.st_size);
+    const bool fits = stat(file.c_str(), &status) == 0 && size <= static_cast<std::size_t>(status.st_size);
     if (!fits || size < sizeof(QBXSharedSegment::segment_manager))
         throw std::runtime_error("it is damaged or was made for another word size");
 }

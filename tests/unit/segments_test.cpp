@@ -293,13 +293,13 @@ TEST_F(AttachSegment, ThrowsWhenTheSegmentIsTooSmallForItsOwnBookkeeping)
     EXPECT_THROW(Attach(16), bip::interprocess_exception);
 }
 
-TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObjectBehindItsHeader)
+TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObject)
 {
     const QBXSharedSegment segment = Attach();
 
     const qbx::Mapping mapping = qbx::MappingOf(segment);
 
     EXPECT_EQ(segment.get_address(), mapping.begin);
-    const std::size_t header = kSegmentSize - static_cast<std::size_t>(mapping.end - mapping.begin);
-    EXPECT_EQ(header, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
+    EXPECT_EQ(kSegmentSize, static_cast<std::size_t>(mapping.end - mapping.begin));
+    EXPECT_EQ(0, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
 }
