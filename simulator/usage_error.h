@@ -14,7 +14,7 @@ inline int ReportParsing(const CLI::App& app, const CLI::ParseError& error)
 {
     constexpr int kUsage = 2;
     if (error.get_exit_code() == 0) return app.exit(error);
-    const std::string name = app.get_name();
+    const std::string& name = app.get_name();
     std::fprintf(stderr, "%s: %s; %s --help shows the usage\n", name.c_str(), Printable(error.what()).c_str(),
                  name.c_str());
     return kUsage;

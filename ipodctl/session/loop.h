@@ -54,7 +54,7 @@ private:
         std::function<void()> function;
     };
 
-    static gboolean OnReadable(gint, GIOCondition, gpointer reader);
+    static gboolean OnReadable(gint, GIOCondition, gpointer data);
     static gboolean OnOutputClosed(gint, GIOCondition, gpointer loop);
     void End(Ending ending);
 
