@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -99,7 +100,8 @@ void AppendMessage(std::string& line, const char* format, va_list arguments)
     va_end(again);
 }
 
-// In one piece, so that the lines of several processes in one file do not mix.
+// In one piece, so that the lines of several processes in one file do not mix. A line that cannot be written is lost:
+// there is nobody to tell.
 void Write(int out, const std::string& line)
 {
     const ssize_t written = write(out, line.data(), line.size());
@@ -110,9 +112,10 @@ void Write(int out, const std::string& line)
 [[gnu::constructor]] void InitFromEnvironment()
 {
     const char* config = std::getenv("QBX_LOG");
-    if (config != nullptr && QBX_LogInit(config) == 0)
-        std::fprintf(stderr, "QBX_LOG=%s: expected LEVEL or LEVEL:FILE with a level of DEBUG, INFO, WARN, ERROR\n",
-                     config);
+    if (config == nullptr || QBX_LogInit(config) != 0) return;
+    const char* const why = errno == EINVAL ? "expected LEVEL or LEVEL:FILE with a level of DEBUG, INFO, WARN, ERROR"
+                                            : std::strerror(errno);
+    std::fprintf(stderr, "QBX_LOG=%s: %s\n", config, why);
 }
 }  // namespace
 
@@ -121,7 +124,11 @@ int QBX_LogInit(const char* config)
     const std::string text = config == nullptr ? "" : config;
     const std::size_t colon = text.find(':');
     const int threshold = NumberOf(text.substr(0, colon));
-    if (threshold < 0) return 0;
+    if (threshold < 0)
+    {
+        errno = EINVAL;
+        return 0;
+    }
     const int out = colon == std::string::npos
                         ? STDERR_FILENO
                         : open(text.c_str() + colon + 1, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);

@@ -8,7 +8,10 @@ int QBX_LogInit(const char* config)
     QBX_LogExit();
     if (zlog_init(config) != 0) return 0;
     liblog_category = zlog_get_category("ipod");
-    return liblog_category == nullptr ? 0 : 1;
+    if (liblog_category != nullptr) return 1;
+    // zlog_init() refuses to be called twice.
+    zlog_fini();
+    return 0;
 }
 
 void QBX_LogExit(void)
