@@ -16,10 +16,10 @@ public:
     virtual ~IQBXAppListener() = default;
 
     /// A module was started or stopped.
-    virtual void OnModuleStatusChanged(AppBootInfo&) {}
+    virtual void OnModuleStatusChanged(AppBootInfo& /*info*/) {}
 
     /// The unit reached a stage of its start.
-    virtual void OnSystemBootStageNotify(BootStage) {}
+    virtual void OnSystemBootStageNotify(BootStage /*stage*/) {}
 
     /// Android Auto ended abnormally.
     virtual void OnAndroidAutoAbortHandle(int) {}
@@ -28,11 +28,11 @@ public:
     virtual void OnAAConnectionTimeoutNotify(int, const std::string&) {}
 
     /// Logging is to use another level from now on.
-    virtual void OnReloadLogConfigNotify(eLogLevel) {}
+    virtual void OnReloadLogConfigNotify(eLogLevel /*level*/) {}
 
     /// The resource data of the unit changed.
     virtual void OnResourceDataChangeNotify() {}
 
     /// The process of a module was started anew.
-    virtual void OnProcRebootNotify(ServiceModule) {}
+    virtual void OnProcRebootNotify(ServiceModule /*module*/) {}
 };

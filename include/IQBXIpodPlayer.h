@@ -13,8 +13,10 @@
 ///
 /// **Blocking.** Every command but CarPlayConnectStatusNotify() blocks the calling thread for one round trip
 /// over the session bus: well below a millisecond as a rule, up to 25 seconds when the service hangs.
+/// InitInstance() blocks while the proxy is made.
 ///
-/// **Threads.** The library starts none. Commands may be called from any thread, also at the same time; but
+/// **Threads.** The library starts none. Commands and QBX_GetIpodPlayer() may be called from any thread, also at the
+/// same time; but
 /// requests that return data through the same shared vector (see each command) must be serialised by the
 /// callers. Events are delivered in the GLib main context that was the thread-default one of the thread that
 /// called InitInstance(); without a running main loop none arrives. InitInstance() and QBX_DestroyIpodPlayer()
@@ -51,6 +53,8 @@
 ///
 ///   * InitInstance() connects to the service. True when the service is on the bus: events are then delivered.
 ///     False when there is no session bus or nobody owns the service's name; it may be called again later.
+///     It does not return at all when its first attempt to make the proxy fails and a later one succeeds:
+///     never let the bus activate the service, which is how that happens.
 ///     Each call that returns true subscribes once more, so that every event arrives once per such call:
 ///     call it until it returns true, then no more.
 ///   * ExitInstance() returns true and releases nothing; commands still work after it.
@@ -100,7 +104,8 @@ public:
     /// Tells the device whether the unit takes its audio (non-zero) or not.
     virtual void SetTransmissionState(unsigned char state) = 0;
 
-    /// Index of the playing entry within the playing list, from 0. Not ready: -1. Failure: unset.
+    /// Index of the playing entry within the playing list, from 0; -1 when nothing plays. Not ready: -1.
+    /// Failure: unset.
     virtual int GetPlayingTrackIdx() = 0;
 
     /// Number of entries of the playing list. Not ready: 0. Failure: unset.

@@ -27,65 +27,67 @@ class IQBXIpodPlayerListener
 public:
     virtual ~IQBXIpodPlayerListener() = default;
 
-    /// A device was attached or went away. The second value is 1 when media playback starts anew, else 0.
-    virtual void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus, int) {}
+    /// A device was attached or went away. @p mediaRestart is 1 when media playback starts anew, else 0.
+    virtual void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus /*status*/, int /*mediaRestart*/) {}
 
     /// The play state changed.
-    virtual void OnPlayStatusChanged(iPodPlayerPlayStatus) {}
+    virtual void OnPlayStatusChanged(iPodPlayerPlayStatus /*status*/) {}
 
     /// Playback advanced: position and length of the track, in milliseconds.
-    virtual void OnPlayProgressChange(int, int) {}
+    virtual void OnPlayProgressChange(int /*pos*/, int /*duration*/) {}
 
     /// The repeat mode changed.
-    virtual void OnIpodRepeatModeChange(iPodPlayerRepeatStatus) {}
+    virtual void OnIpodRepeatModeChange(iPodPlayerRepeatStatus /*mode*/) {}
 
     /// The shuffle mode changed.
-    virtual void OnIpodShuffleModeChange(iPodPlayerShuffleStatus) {}
+    virtual void OnIpodShuffleModeChange(iPodPlayerShuffleStatus /*mode*/) {}
 
     /// Another track plays: its index within the playing list, from 0, and its details.
-    virtual void OnIpodPlayingTrackChange(int, QBXiPodTrackInfo) {}
+    virtual void OnIpodPlayingTrackChange(int /*index*/, QBXiPodTrackInfo /*track*/) {}
 
     /// The playing list has a new number of entries.
-    virtual void OnIpodPlayingListAmountChange(int) {}
+    virtual void OnIpodPlayingListAmountChange(int /*amount*/) {}
 
     /// The audio source of the device became valid (non-zero) or invalid (0). On 0 the player has already
     /// released the source if it was active.
-    virtual void OnIpodSourceValidStatusChange(int) {}
+    virtual void OnIpodSourceValidStatusChange(int /*valid*/) {}
 
     /// The playing track has a picture.
-    virtual void OnIpodArtworkChange(QBXTrackArtwork) {}
+    virtual void OnIpodArtworkChange(QBXTrackArtwork /*artwork*/) {}
 
-    /// A CarPlay device was detected or lost; the text is its serial number.
-    virtual void OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus, std::string) {}
+    /// A CarPlay device was detected or lost.
+    virtual void OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus /*status*/, std::string /*serialNumber*/)
+    {
+    }
 
     /// A phone call began, changed or ended.
-    virtual void OnIpodPhoneCallChange(const iPodPhoneCall_t&) {}
+    virtual void OnIpodPhoneCallChange(const iPodPhoneCall_t& /*call*/) {}
 
     /// The state of the battery changed.
-    virtual void OnIpodBatteryChange(const iPodBattery_t&) {}
+    virtual void OnIpodBatteryChange(const iPodBattery_t& /*battery*/) {}
 
     /// The device asks for location information, or no longer does.
-    virtual void OnIpodLocationStatusChange(LocationStatus) {}
+    virtual void OnIpodLocationStatusChange(LocationStatus /*status*/) {}
 
     /// Another app came to the foreground of the device: its bundle identifier.
-    virtual void OnIpodAPPBundleNameChange(std::string) {}
+    virtual void OnIpodAPPBundleNameChange(std::string /*bundleName*/) {}
 
     /// An accessory session was opened: index of its protocol, number of the session.
-    virtual void OnIpodStartEapSession(unsigned char, unsigned short) {}
+    virtual void OnIpodStartEapSession(unsigned char /*protocol*/, unsigned short /*session*/) {}
 
     /// The accessory session of that number was closed.
-    virtual void OnIpodStopEapSession(unsigned short) {}
+    virtual void OnIpodStopEapSession(unsigned short /*session*/) {}
 
     /// Bytes of an accessory session arrived. The service announces them with the low byte of the session's
     /// number only, so this number is 0 to 255 although sessions have 16 bits. All listeners share one vector.
-    virtual void OnIpodReceiveEapData(unsigned short, std::vector<unsigned char>&) {}
+    virtual void OnIpodReceiveEapData(unsigned short /*session*/, std::vector<unsigned char>& /*data*/) {}
 
     /// A CarLife device was detected or lost.
-    virtual void OnCarlifeDeviceDetectStatusChange(QBXAppleDeviceDetectStatus) {}
+    virtual void OnCarlifeDeviceDetectStatusChange(QBXAppleDeviceDetectStatus /*status*/) {}
 
-    /// Wireless CarPlay became available or unavailable; the text is the device's Bluetooth address.
-    virtual void OnWirelessCarPlayUpdate(bool, const std::string&) {}
+    /// Wireless CarPlay became available or unavailable, for the device of that Bluetooth address.
+    virtual void OnWirelessCarPlayUpdate(bool /*available*/, const std::string& /*address*/) {}
 
     /// Out-of-band pairing information arrived: Bluetooth address and the bytes of the information.
-    virtual void OnOOBPairingInfo(std::string, const std::vector<unsigned char>&) {}
+    virtual void OnOOBPairingInfo(std::string /*address*/, const std::vector<unsigned char>& /*info*/) {}
 };

@@ -71,9 +71,9 @@ enum LocationStatus : int
 
 /// One track (`GetCurrentMediaInfo`, `OnIpodPlayingTrackChange`).
 ///
-/// The library carries the eight members unchanged from the service's 1040-byte record; a text ends at the
-/// first NUL of its 256-byte slot. Only `text1` has a meaning for the library: its log lines print it. The
-/// comments give what the services that we know of put there.
+/// The library carries the eight members unchanged from the service's 1040-byte record; a text ends at its first
+/// NUL, and without one in its 256-byte slot it runs on into the next. Only `text1` has a meaning for the library:
+/// its log lines print it. The comments give what the services that we know of put there.
 struct QBXiPodTrackInfo
 {
     std::string text1;        ///< title
@@ -164,7 +164,8 @@ enum BatteryChargingStatus : int
     BATTERY_DISCHARGING = 3,
 };
 
-/// State of the device's battery (`OnIpodBatteryChange`). A member is absent when the service did not send it.
+/// State of the device's battery (`OnIpodBatteryChange`). A member is absent when the service did not send it, or sent
+/// a number outside its enumeration.
 struct iPodBattery_t
 {
     std::optional<::BatteryChargingStatus> BatteryChargingStatus;  ///< whether it is being charged

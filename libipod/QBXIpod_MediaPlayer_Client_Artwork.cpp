@@ -13,7 +13,7 @@ using qbx::clientCreated;
 
 namespace
 {
-// Decodes the reply and releases it; null after a failed call.
+// Decodes the reply, which is null after a failed call, and releases it.
 template <class Record>
 Record TakeRecord(GVariant* reply)
 {

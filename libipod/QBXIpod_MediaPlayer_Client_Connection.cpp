@@ -11,6 +11,7 @@ namespace
 constexpr char kBusName[] = "com.zarn.linux.ipod";
 constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 constexpr int kLastRetry = 5;
+
 // Known by number, not by name: every event asks.
 GQuark SubscriberKey()
 {

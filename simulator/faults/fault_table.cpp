@@ -42,7 +42,7 @@ bool Contains(std::string_view text, std::string_view part)
 
 bool FillsNames(const std::string& name)
 {
-    return Contains(name, "ListItems") && !Contains(name, "Amount") && IsMethod(name) ? true : name == "GetDeviceList";
+    return name == "GetDeviceList" || (Contains(name, "ListItems") && !Contains(name, "Amount") && IsMethod(name));
 }
 
 bool CarriesMessage(const std::string& name)

@@ -16,7 +16,7 @@ enum class FaultKind
     NoReply,       ///< the answer, or the signal, never comes
     Error,         ///< an error is answered; parameter: its name
     WrongType,     ///< another type than the interface says
-    ShortRecord,   ///< a record with less bytes than it should have; parameter: how many
+    ShortRecord,   ///< a record with fewer bytes than it should have; parameter: how many
     LongRecord,    ///< or with more
     HalfFilled,    ///< a vector with the first half of what belongs into it
     Unterminated,  ///< names without a terminator
