@@ -10,7 +10,6 @@ namespace ctl
 {
 namespace
 {
-constexpr char kServiceName[] = "com.zarn.linux.ipod";
 // Beyond the deadline of each answer: a creator of shared memory, or a lock of a dead process.
 constexpr double kPatience = 12;
 

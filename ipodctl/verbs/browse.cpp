@@ -1,9 +1,4 @@
 // The verb that opens the browser.
-#include <gio/gio.h>
-#include <ipodkit/session.h>
-
-#include <memory>
-
 #include "browse/browser.h"
 #include "browse/message_box.h"
 #include "browse/screen.h"
@@ -13,59 +8,13 @@ namespace ctl
 {
 namespace
 {
-constexpr char kServiceName[] = "com.zarn.linux.ipod";
-constexpr int kAnswerWithin = 10000;
-
-using BusPtr = std::unique_ptr<GDBusConnection, decltype(&g_object_unref)>;
-
-// The program outlives the bus, to give the terminal back and to say what happened.
-BusPtr RequireBus()
-{
-    GError* error = nullptr;
-    BusPtr bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error), &g_object_unref);
-    if (bus == nullptr)
-    {
-        const std::string reason = error->message;
-        g_error_free(error);
-        throw Failure(kNoBus, "no session bus: " + reason + "; set DBUS_SESSION_BUS_ADDRESS to the service's bus");
-    }
-    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-    return bus;
-}
-
-bool AskDaemon(GDBusConnection* bus, const char* method, GVariant* arguments, const char* format, void* answer)
-{
-    GVariant* const reply = g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                        "org.freedesktop.DBus", method, arguments, nullptr,
-                                                        G_DBUS_CALL_FLAGS_NONE, kAnswerWithin, nullptr, nullptr);
-    if (reply == nullptr) return false;
-    g_variant_get(reply, format, answer);
-    g_variant_unref(reply);
-    return true;
-}
-
-// The bus may know how to start it.
-void RequireService(GDBusConnection* bus)
-{
-    gboolean owned = FALSE;
-    guint started = 0;
-    AskDaemon(bus, "NameHasOwner", g_variant_new("(s)", kServiceName), "(b)", &owned);
-    if (owned == TRUE || AskDaemon(bus, "StartServiceByName", g_variant_new("(su)", kServiceName, 0U), "(u)", &started))
-        return;
-    throw Failure(kNoService, std::string("no iPod service on the bus: nobody owns ") + kServiceName +
-                                  "; start the service, or ipod-simulator");
-}
-
-Answer Browse()
+Answer Browse(Session& session)
 {
     const browse::MessageBox messages;
     const SuspendSignal suspend;
-    const BusPtr bus = RequireBus();
-    RequireService(bus.get());
-    const auto session = ipodkit::Session::Open();
-    if (!session) throw Failure(kNothingDone, session.error().Text());
+    ipodkit::Session& kit = session.Kit();
     browse::Screen screen;
-    browse::Browser(**session, screen, suspend).Run();
+    browse::Browser(kit, screen, suspend).Run();
     return {};
 }
 
@@ -75,7 +24,7 @@ Run BuildBrowse(CLI::App&)
     {
         if (context.out.json()) throw Failure(kUsage, "browse is for people; ipodctl ls --json lists a level");
         browse::RequireTerminal();
-        return Browse();
+        return Browse(context.session);
     };
 }
 }  // namespace

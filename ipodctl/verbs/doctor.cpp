@@ -18,7 +18,6 @@ namespace ctl
 {
 namespace
 {
-constexpr char kServiceName[] = "com.zarn.linux.ipod";
 constexpr std::size_t kScarce = 8;  // of so many parts the last: a vector that grows takes more than it gains
 
 struct Finding
