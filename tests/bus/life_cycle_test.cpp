@@ -5,6 +5,7 @@
 #include <chrono>
 #include <future>
 #include <thread>
+#include <vector>
 
 #include "bus/bus_test.h"
 
@@ -32,6 +33,17 @@ TEST_F(LifeCycleTest, TheAccessorReturnsTheSameObjectAndLogsConnectStartOnce)
     EXPECT_EQ(first, second);
     EXPECT_THAT(LogLines(), ElementsAre(kConnectStart, "40 InitShareMemory: InitShareMemory()"));
     EXPECT_EQ(LogFormats().back(), "40 InitShareMemory: %s()");
+}
+
+TEST_F(LifeCycleTest, ThreadsThatAskAtTheSameTimeGetOneObject)
+{
+    std::vector<std::future<IQBXIpodPlayer*>> players;
+    for (int i = 0; i < 8; ++i) players.push_back(std::async(std::launch::async, QBX_GetIpodPlayer));
+
+    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
+
+    for (auto& other : players) EXPECT_EQ(other.get(), player);
+    EXPECT_THAT(LogLines(), ElementsAre(kConnectStart, "40 InitShareMemory: InitShareMemory()"));
 }
 
 TEST_F(LifeCycleTest, DestroyingWithoutAnObjectDoesNothing)
