@@ -189,6 +189,27 @@ TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
     EXPECT_EQ(calls, 1);
 }
 
+TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
+{
+    Ready();
+    int calls = 0;
+    bool greeted = false;
+    const Subscription ending = session->OnState("end",
+                                                 [&](const StatePtr&, Fields)
+                                                 {
+                                                     if (std::exchange(greeted, true)) session.reset();
+                                                 });
+    const Subscription counting = session->OnState("count", [&](const StatePtr&, Fields) { ++calls; });
+    RunLoopFor(5ms);
+    ASSERT_TRUE(greeted);
+
+    service.Emit("OnIpodShuffleModeChange", "(0,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return session == nullptr; }));
+    RunLoopFor(5ms);
+    EXPECT_EQ(calls, 1);
+}
+
 TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
 {
     Ready();

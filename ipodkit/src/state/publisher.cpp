@@ -80,8 +80,10 @@ void Publisher::PublishDraft()
     Publish(std::move(state));
 }
 
+// A subscriber may end the session, and with it all that holds the publisher.
 void Publisher::Publish(PlayerState state)
 {
+    const auto self = shared_from_this();
     const StatePtr last = Published();
     const Fields changed = Differences(*last, state);
     if (changed.Empty()) return;
