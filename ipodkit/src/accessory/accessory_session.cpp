@@ -88,8 +88,7 @@ void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>&
         m_session->CallbackGuard().Run("accessory write", [&done] { done.completion({}); });
     }
     SendNext();
-    if (m_waiting > 0 || !std::exchange(m_refusedSome, false)) return;
-    drainedCallbacks.ForEach(m_session->CallbackGuard(), [](const auto& callback) { callback(); });
+    TellDrained();
 }
 
 void AccessorySession::Impl::FailAll(const Error& error)
@@ -97,6 +96,14 @@ void AccessorySession::Impl::FailAll(const Error& error)
     m_waiting = 0;
     for (const Job& job : std::exchange(m_jobs, {}))
         m_session->CallbackGuard().Run("accessory write", [&] { job.completion(tl::unexpected<Error>(error)); });
+    TellDrained();
+}
+
+// Whoever was refused waits for this, whatever became of the bytes that were in the way.
+void AccessorySession::Impl::TellDrained()
+{
+    if (!m_open || m_waiting > 0 || !std::exchange(m_refusedSome, false)) return;
+    drainedCallbacks.ForEach(m_session->CallbackGuard(), [](const auto& callback) { callback(); });
 }
 
 std::uint16_t AccessorySession::Number() const

@@ -45,6 +45,7 @@ private:
     void SendChunk(const Lane::Release& release);
     void ChunkAnswered(std::size_t size, const Result<void>& result);
     void FailAll(const Error& error);
+    void TellDrained();
 
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;
