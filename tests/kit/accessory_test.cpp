@@ -224,6 +224,7 @@ TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
 
     EXPECT_TRUE(peer->Write(Bytes(2 << 20), [&result](const Result<void>& done) { result = done; }));
 
+    EXPECT_FALSE(result) << "completed inside Write()";
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
 }

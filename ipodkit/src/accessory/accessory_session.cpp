@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "commands/requests.h"
+#include "loop/context.h"
 #include "memory/shared_vectors.h"
 
 namespace ipodkit
@@ -61,9 +62,8 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
     const std::size_t room = RoomForAccessoryBytes();
     if (size > room || !WriteBytes(g_VecEapWriteBufferShareMemory, job.bytes.data() + job.sent, size))
     {
-        m_sending = false;
         release();
-        return FailAll(DoesNotFit(size, room));
+        return FailLater(DoesNotFit(size, room));
     }
     AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
         .Start(
@@ -72,6 +72,13 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
                 release();
                 self->ChunkAnswered(size, result);
             });
+}
+
+// It may be the caller of Write() who finds out.
+void AccessorySession::Impl::FailLater(const Error& error)
+{
+    Post(m_session->Context(),
+         [self = shared_from_this(), error] { self->ChunkAnswered(0, tl::unexpected<Error>(error)); });
 }
 
 void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>& result)

@@ -44,6 +44,7 @@ private:
     void SendNext();
     void SendChunk(const Lane::Release& release);
     void ChunkAnswered(std::size_t size, const Result<void>& result);
+    void FailLater(const Error& error);
     void FailAll(const Error& error);
     void TellDrained();
 
