@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "kit/kit_test.h"
 
 namespace test
@@ -187,6 +189,78 @@ TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
     Emit("OnIpodShuffleModeChange", "(0,)");
 
     EXPECT_EQ(calls, 1);
+}
+
+TEST_F(StateTest, AnEndedSubscriptionLetsGoOfItsCallbackAtOnce)
+{
+    Ready();
+    const auto held = std::make_shared<int>();
+    Subscription watching = session->OnState("held", [held](const StatePtr&, Fields) {});
+    RunLoopFor(5ms);
+
+    watching.Reset();
+
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(StateTest, ACallbackThatEndsItselfKeepsWhatItHoldsUntilItReturns)
+{
+    Ready();
+    const auto held = std::make_shared<int>();
+    long inside = 0;
+    Subscription watching;
+    watching = session->OnState("held",
+                                [&inside, &watching, held](const StatePtr&, Fields)
+                                {
+                                    watching.Reset();
+                                    inside = held.use_count();
+                                });
+
+    RunLoopFor(5ms);
+
+    EXPECT_EQ(inside, 2);
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
+{
+    Ready();
+    std::shared_ptr<Subscription> holder(new Subscription);
+    const std::weak_ptr<Subscription> watched = holder;
+    *holder = session->OnState("held", [held = holder](const StatePtr&, Fields) {});
+    Subscription& watching = *std::exchange(holder, nullptr);
+
+    watching.Reset();
+
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(StateTest, ACallbackThatAnotherThreadEndsIsLetGoWhenItHasReturned)
+{
+    Ready();
+    const auto held = std::make_shared<int>();
+    std::atomic<bool> running{false};
+    std::atomic<bool> returned{false};
+    Subscription watching = session->OnState("held",
+                                             [&running, &returned, held](const StatePtr&, Fields)
+                                             {
+                                                 running = true;
+                                                 std::this_thread::sleep_for(20ms);
+                                                 returned = true;
+                                             });
+    long after = 0;
+    std::thread ending(
+        [&]
+        {
+            while (!running) std::this_thread::yield();
+            watching.Reset();
+            after = returned ? held.use_count() : 0;
+        });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return returned.load(); }));
+
+    ending.join();
+    EXPECT_EQ(after, 1);
 }
 
 TEST_F(StateTest, AStateCallbackMayDestroyTheSession)

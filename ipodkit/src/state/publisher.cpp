@@ -29,7 +29,7 @@ Subscription Publisher::Subscribe(std::string name, Session::StateCallback callb
          {
              const auto self = weak.lock();
              if (self == nullptr) return;
-             entry->Run(self->m_guard, [&] { self->Deliver(entry->target, self->Published(), {}); });
+             entry->Run(self->m_guard, [&](Target& target) { self->Deliver(target, self->Published(), {}); });
          });
     return Subscription(entry);
 }
