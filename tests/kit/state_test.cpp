@@ -106,6 +106,24 @@ TEST_F(StateTest, ABurstIsOneChange)
     EXPECT_EQ(State()->artwork->height, 200U);
 }
 
+TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
+{
+    Ready();
+    for (const std::size_t length : {255, 256, 300, 1024})
+    {
+        const std::string title(length, 'a');
+        service.Answer("GetCurrentMediaInfo", TrackBody(title, 0x7A7A7A7A));
+        const QBXiPodTrackInfo replied = Completed(session->Commands().CurrentTrack()).value();
+
+        Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
+
+        const QBXiPodTrackInfo told = State()->track.value();
+        EXPECT_THAT((std::vector{replied.text1, replied.text2, replied.text3, replied.text4}),
+                    ElementsAre(told.text1, told.text2, told.text3, told.text4));
+        EXPECT_EQ(told.text1.size(), length < 1024 ? length : 1028) << length;
+    }
+}
+
 TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
 {
     Ready();
