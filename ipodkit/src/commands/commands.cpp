@@ -11,7 +11,7 @@ namespace ipodkit
 {
 namespace
 {
-constexpr std::size_t kAnyLength = 1 << 20;
+constexpr std::size_t kLongestText = 1 << 20;
 constexpr std::size_t kSlotLength = 255;
 
 template <class T>
@@ -72,7 +72,10 @@ std::optional<Error> Unfit(Number number)
 }
 }  // namespace
 
-// Spelled as in the bus contract: searching for a member of it finds its one use.
+// Makers with what every command has in common. Macros, because they name private members of Commands: functions that
+// do would have to be declared in the public header, and Maker with them.
+//
+// The members are spelled as in the bus contract: searching for one finds its one use.
 #define ORDER                                   \
     Maker<void>                                 \
     {                                           \
@@ -255,7 +258,7 @@ Request<std::string> Commands::ForegroundApp() const
 
 Request<void> Commands::LaunchApp(const std::string& bundleId) const
 {
-    const std::optional<Error> obstacle = Obstacle(bundleId, kAnyLength);
+    const std::optional<Error> obstacle = Obstacle(bundleId, kLongestText);
     return ORDER("EapLaunchApp", g_variant_new("(s)", obstacle ? "" : bundleId.c_str()), obstacle);
 }
 
