@@ -304,6 +304,24 @@ TEST_F(CommandsTest, TheEndOfTheSessionCompletesWhatIsUnderWay)
     EXPECT_EQ(KindOf(commands.Next().Wait()), ErrorKind::Cancelled);
 }
 
+TEST_F(CommandsTest, ABlockedCallerGoesOnToItsAnswerWhenTheSessionEnds)
+{
+    service.React("Next",
+                  [](GDBusMethodInvocation* call)
+                  {
+                      std::this_thread::sleep_for(50ms);
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
+                  });
+    std::optional<Result<void>> result;
+    std::thread waiting([commands = Ask(), &result] { result = commands.Next().Wait(); });
+    while (!Sent("Next()")) std::this_thread::yield();
+
+    session.reset();
+
+    waiting.join();
+    EXPECT_TRUE(*result);
+}
+
 TEST_F(CommandsTest, TextsThatCannotBeSentAreNotSent)
 {
     EXPECT_EQ(KindOf(Completed(Ask().LaunchApp("\xC3\x28"))), ErrorKind::BadArgument);
