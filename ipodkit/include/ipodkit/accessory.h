@@ -15,6 +15,7 @@
 
 #include <ipodkit/session.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>

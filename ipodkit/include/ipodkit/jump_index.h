@@ -14,6 +14,7 @@
 
 #include <ipodkit/error.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>

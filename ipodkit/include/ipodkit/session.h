@@ -25,6 +25,7 @@
 #include <ipodkit/subscription.h>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
