@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <utility>
 
 using namespace ipodkit;
@@ -27,20 +28,23 @@ private:
     {
         std::printf("session %u opened\n", peer->Number());
         std::fflush(stdout);
-        m_served[peer->Number()] = peer->OnData(
-            "echo", [this, peer](const Result<Bytes>& data) { data ? Return(*peer, *data) : Report(data.error()); });
+        // A session that its own callback held would never go.
+        const auto echo = [this, weak = std::weak_ptr(peer)](const Result<Bytes>& data)
+        { data ? Return(weak.lock(), *data) : Report(data.error()); };
+        m_served[peer->Number()] = peer->OnData("echo", echo);
     }
 
-    void Return(AccessorySession& peer, const Bytes& data)
+    void Return(const AccessorySessionPtr& peer, const Bytes& data)
     {
-        Bytes& returned = m_returned[peer.Number()];
+        if (peer == nullptr) return;
+        Bytes& returned = m_returned[peer->Number()];
         if (data == std::exchange(returned, {})) return;
         returned = data;
         const auto done = [](const Result<void>& result)
         {
             if (!result) Report(result.error());
         };
-        if (!peer.Write(data, done)) std::fprintf(stderr, "%zu bytes dropped: too many are waiting\n", data.size());
+        if (!peer->Write(data, done)) std::fprintf(stderr, "%zu bytes dropped: too many are waiting\n", data.size());
     }
 
     static void Report(const Error& error) { std::fprintf(stderr, "%s\n", error.Text().c_str()); }

@@ -16,13 +16,13 @@ constexpr char kSessionDoc[] =
     "and close it on the thread that runs it. There is one at a time in a process.";
 
 // Ending waits for a callback on another thread, which wants the interpreter's lock.
-class Token
+class OwnedSubscription
 {
 public:
-    explicit Token(Subscription subscription) : m_subscription(std::move(subscription)) {}
-    ~Token() { End(); }
-    Token(const Token&) = delete;
-    Token& operator=(const Token&) = delete;
+    explicit OwnedSubscription(Subscription subscription) : m_subscription(std::move(subscription)) {}
+    ~OwnedSubscription() { End(); }
+    OwnedSubscription(const OwnedSubscription&) = delete;
+    OwnedSubscription& operator=(const OwnedSubscription&) = delete;
 
     void End()
     {
@@ -34,20 +34,20 @@ private:
     Subscription m_subscription;
 };
 
-using TokenPtr = std::unique_ptr<Token>;
+using OwnedSubscriptionPtr = std::unique_ptr<OwnedSubscription>;
 
-class Owner
+class SessionHandle
 {
 public:
-    explicit Owner(const SessionOptions& options)
+    explicit SessionHandle(const SessionOptions& options)
     {
         auto opened = Session::Open(options);
         if (!opened) Raise(opened.error());
         m_session = std::move(*opened);
     }
-    ~Owner() { Close(); }
-    Owner(const Owner&) = delete;
-    Owner& operator=(const Owner&) = delete;
+    ~SessionHandle() { Close(); }
+    SessionHandle(const SessionHandle&) = delete;
+    SessionHandle& operator=(const SessionHandle&) = delete;
 
     void Close()
     {
@@ -65,15 +65,15 @@ private:
     std::unique_ptr<Session> m_session;
 };
 
-std::unique_ptr<Owner> Open(const py::object& settle, const py::object& deadline, const py::object& callbackBudget,
-                            std::size_t artworkLimit)
+std::unique_ptr<SessionHandle> Open(const py::object& settle, const py::object& deadline,
+                                    const py::object& callbackBudget, std::size_t artworkLimit)
 {
     SessionOptions options;
     options.settle = ToMilliseconds(settle);
     options.deadline = ToMilliseconds(deadline);
     options.callbackBudget = ToMilliseconds(callbackBudget);
     options.artworkLimit = artworkLimit;
-    return std::make_unique<Owner>(options);
+    return std::make_unique<SessionHandle>(options);
 }
 
 double Seconds(std::chrono::milliseconds duration)
@@ -81,20 +81,21 @@ double Seconds(std::chrono::milliseconds duration)
     return std::chrono::duration<double>(duration).count();
 }
 
-TokenPtr OnConnection(const Owner& owner, const std::string& name, py::function function)
+OwnedSubscriptionPtr OnConnection(const SessionHandle& handle, const std::string& name, py::function function)
 {
     const Callback callback(name, std::move(function));
     const py::gil_scoped_release others;
-    return std::make_unique<Token>(owner.Get().OnConnection(
+    return std::make_unique<OwnedSubscription>(handle.Get().OnConnection(
         name, [callback](const Connection& connection) { callback.Call([&] { return py::make_tuple(connection); }); }));
 }
 
-TokenPtr OnState(const Owner& owner, const std::string& name, py::function function, const py::object& fields)
+OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& name, py::function function,
+                             const py::object& fields)
 {
     const Callback callback(name, std::move(function));
     const Fields wanted = ToFields(fields);
     const py::gil_scoped_release others;
-    return std::make_unique<Token>(owner.Get().OnState(
+    return std::make_unique<OwnedSubscription>(handle.Get().OnState(
         name,
         [callback](const StatePtr& state, Fields changed)
         { callback.Call([&] { return py::make_tuple(ToPython(state), ToPython(changed)); }); },
@@ -112,8 +113,8 @@ void BindConnection(py::module_& module)
         .def_readonly("phase", &Connection::phase)
         .def_readonly("generation", &Connection::generation, "How often the service has appeared.")
         .def_property_readonly("error", ErrorOf, "What stands in the way: an Error, or None.");
-    py::class_<Token>(module, "Subscription", "Ends when it is no longer referred to, or by end().")
-        .def("end", &Token::End, "When it returns the callback is not running, and will not run again.");
+    py::class_<OwnedSubscription>(module, "Subscription", "Ends when it is no longer referred to, or by end().")
+        .def("end", &OwnedSubscription::End, "When it returns the callback is not running, and will not run again.");
 }
 }  // namespace
 
@@ -121,16 +122,16 @@ void BindSession(py::module_& module)
 {
     BindConnection(module);
     const SessionOptions usual;
-    py::class_<Owner>(module, "Session", kSessionDoc)
+    py::class_<SessionHandle>(module, "Session", kSessionDoc)
         .def(py::init(&Open), py::kw_only(), py::arg("settle") = Seconds(usual.settle),
              py::arg("deadline") = Seconds(usual.deadline), py::arg("callback_budget") = Seconds(usual.callbackBudget),
              py::arg("artwork_limit") = usual.artworkLimit)
-        .def("close", &Owner::Close, "Completes the requests that are under way with ErrorKind.CANCELLED.")
+        .def("close", &SessionHandle::Close, "Completes the requests that are under way with ErrorKind.CANCELLED.")
         .def("__enter__", [](py::object self) { return self; })
-        .def("__exit__", [](Owner& owner, const py::args&) { owner.Close(); })
-        .def_property_readonly("connection", [](const Owner& owner) { return owner.Get().Connection(); })
-        .def_property_readonly("state", [](const Owner& owner) { return ToPython(owner.Get().State()); })
-        .def_property_readonly("commands", [](const Owner& owner) { return owner.Get().Commands(); })
+        .def("__exit__", [](SessionHandle& handle, const py::args&) { handle.Close(); })
+        .def_property_readonly("connection", [](const SessionHandle& handle) { return handle.Get().Connection(); })
+        .def_property_readonly("state", [](const SessionHandle& handle) { return ToPython(handle.Get().State()); })
+        .def_property_readonly("commands", [](const SessionHandle& handle) { return handle.Get().Commands(); })
         .def("on_connection", OnConnection, py::arg("name"), py::arg("callback"),
              "Calls callback(connection) at every step of the connection, first the present one.")
         .def("on_state", OnState, py::arg("name"), py::arg("callback"), py::arg("fields") = py::none(),

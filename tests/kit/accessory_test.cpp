@@ -176,6 +176,44 @@ TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
     EXPECT_TRUE(RunLoopUntil([&] { return again; }));
 }
 
+TEST_F(AccessoryTest, SaysThatItTakesBytesAgainAfterAFailureToo)
+{
+    accepting = false;
+    AccessoryOptions small;
+    small.highWater = 1000;
+    AccessoryPort port(*session, small);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    std::vector<std::string> told;
+    const auto failed = [&told](const Result<void>& result) { told.push_back(Name(KindOf(result))); };
+    const Subscription watching = peer->OnDrained("test", [&told] { told.push_back("drained"); });
+
+    EXPECT_TRUE(peer->Write(Bytes(5000), failed));
+    EXPECT_FALSE(peer->Write(Bytes(1), failed));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return told.size() == 2; }));
+    EXPECT_THAT(told, ElementsAre("Refused", "drained"));
+}
+
+TEST_F(AccessoryTest, AClosedSessionIsNotSaidToTakeBytesAgain)
+{
+    service.Hold("EapWrite");
+    AccessoryOptions small;
+    small.highWater = 1000;
+    AccessoryPort port(*session, small);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    bool closed = false;
+    bool drained = false;
+    const Subscription closing = peer->OnClosed("test", [&closed] { closed = true; });
+    const Subscription watching = peer->OnDrained("test", [&drained] { drained = true; });
+    EXPECT_TRUE(peer->Write(Bytes(5000), [](const Result<void>&) {}));
+    EXPECT_FALSE(peer->Write(Bytes(1), [](const Result<void>&) {}));
+
+    service.Emit("OnIpodStopEapSession", "(1,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return closed; }));
+    EXPECT_FALSE(drained);
+}
+
 TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
 {
     AccessoryOptions huge;
@@ -186,6 +224,7 @@ TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
 
     EXPECT_TRUE(peer->Write(Bytes(2 << 20), [&result](const Result<void>& done) { result = done; }));
 
+    EXPECT_FALSE(result) << "completed inside Write()";
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
 }

@@ -126,6 +126,22 @@ TEST_F(AudioSourceTest, ResumesAfterALossForAWhile)
     EXPECT_THAT(Sources().calls, testing::Contains(HasSubstr("DeactiveSourceConfirm(10, 78)")));
 }
 
+TEST_F(AudioSourceTest, SaysWhyInterruptedPlaybackDoesNotGoOn)
+{
+    AudioSource source(*session, 0);
+    ASSERT_TRUE(source.Request());
+    Activate(source);
+    ASSERT_TRUE(Play(source));
+    source.Deactivated(78, true);
+    service.Fail("Play", "the device is asleep");
+
+    Activate(source);
+
+    const char* const line = "80 LogWarning: interrupted playback does not go on: Refused: the device is asleep";
+    EXPECT_TRUE(RunLoopUntil([line] { return CountLogLines(line) == 1; }));
+    EXPECT_EQ(source.State(), AudioState::Active);
+}
+
 TEST_F(AudioSourceTest, DoesNotResumeAfterALossForGood)
 {
     AudioSource source(*session, 0);

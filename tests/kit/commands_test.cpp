@@ -1,4 +1,5 @@
 #include <future>
+#include <limits>
 #include <thread>
 
 #include "kit/kit_test.h"
@@ -303,12 +304,50 @@ TEST_F(CommandsTest, TheEndOfTheSessionCompletesWhatIsUnderWay)
     EXPECT_EQ(KindOf(commands.Next().Wait()), ErrorKind::Cancelled);
 }
 
+TEST_F(CommandsTest, ABlockedCallerGoesOnToItsAnswerWhenTheSessionEnds)
+{
+    service.React("Next",
+                  [](GDBusMethodInvocation* call)
+                  {
+                      std::this_thread::sleep_for(50ms);
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
+                  });
+    std::optional<Result<void>> result;
+    std::thread waiting([commands = Ask(), &result] { result = commands.Next().Wait(); });
+    while (!Sent("Next()")) std::this_thread::yield();
+
+    session.reset();
+
+    waiting.join();
+    EXPECT_TRUE(*result);
+}
+
 TEST_F(CommandsTest, TextsThatCannotBeSentAreNotSent)
 {
     EXPECT_EQ(KindOf(Completed(Ask().LaunchApp("\xC3\x28"))), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Ask().LaunchApp(std::string("a\0b", 3)).Wait()), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Ask().AnnounceAccessory({std::string(256, 'x'), ""}).Wait()), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Ask().StartPlayback(IPOD_PLAY_CONFIRM_ACTIVE).Wait()), ErrorKind::BadArgument);
+}
+
+TEST_F(CommandsTest, NumbersThatTheContractHasNoRoomForAreNotSent)
+{
+    service.Answer("Seek", "()");
+    service.Answer("SetShuffleMode", "()");
+    service.Answer("SetRepeatMode", "()");
+    constexpr std::chrono::seconds most{std::numeric_limits<std::int32_t>::max()};
+
+    EXPECT_TRUE(Completed(Ask().Seek(most)));
+    for (const std::chrono::seconds beyond : {most + 1s, -most - 2s})
+        EXPECT_EQ(KindOf(Completed(Ask().Seek(beyond))), ErrorKind::BadArgument);
+    EXPECT_TRUE(Completed(Ask().SetShuffle(static_cast<iPodPlayerShuffleStatus>(255))));
+    EXPECT_TRUE(Completed(Ask().SetRepeat(static_cast<iPodPlayerRepeatStatus>(255))));
+    for (const int beyond : {-1, 256})
+    {
+        EXPECT_EQ(KindOf(Completed(Ask().SetShuffle(static_cast<iPodPlayerShuffleStatus>(beyond)))),
+                  ErrorKind::BadArgument);
+        EXPECT_EQ(KindOf(Ask().SetRepeat(static_cast<iPodPlayerRepeatStatus>(beyond)).Wait()), ErrorKind::BadArgument);
+    }
 }
 
 TEST_F(CommandsTest, ACompletionThatThrowsIsNamedInTheLog)

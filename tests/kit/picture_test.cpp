@@ -195,6 +195,34 @@ TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
     EXPECT_EQ(halves, 0);
 }
 
+TEST_F(PictureFilesTest, ADirectoryThatHasNoAddressIsAnError)
+{
+    setenv("XDG_RUNTIME_DIR", "nowhere", 1);
+    fs::current_path(directory);
+    const PictureFiles files;
+
+    const Result<std::string> uri = files.Uri(Examine(Png(1)));
+
+    fs::current_path("/");
+    ASSERT_FALSE(uri);
+    EXPECT_EQ(uri.error().kind, ErrorKind::NoStorage);
+    EXPECT_FALSE(fs::exists(directory / "nowhere"));
+}
+
+TEST_F(PictureFilesTest, AWorkingDirectoryThatIsGoneIsAnError)
+{
+    fs::create_directory(directory / "gone");
+    fs::current_path(directory / "gone");
+    fs::remove(directory / "gone");
+    const PictureFiles files("pictures");
+
+    const Result<std::string> uri = files.Uri(Examine(Png(1)));
+
+    fs::current_path("/");
+    ASSERT_FALSE(uri);
+    EXPECT_EQ(uri.error().kind, ErrorKind::NoStorage);
+}
+
 TEST_F(PictureFilesTest, SaysWhyItCannotWrite)
 {
     std::ofstream(directory / "file") << "x";

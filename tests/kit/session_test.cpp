@@ -2,6 +2,7 @@
 #include <QBXIpodShareMemory.h>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -354,6 +355,25 @@ TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
     EXPECT_TRUE(RunLoopUntil([&] { return session == nullptr; }));
     RunLoopFor(20ms);
     EXPECT_EQ(late, 0);
+}
+
+TEST_F(SessionTest, PublishesWithoutADescriptorForItsTimerToo)
+{
+    FakeService service;
+    AnswerState(service);
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit none{0, usual.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    Open();
+    setrlimit(RLIMIT_NOFILE, &usual);
+    Ready();
+
+    service.Emit("OnPlayStatusChanged", "(2,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
+    service.Emit("OnPlayStatusChanged", "(1,)");
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PLAYING; }));
 }
 
 TEST_F(SessionTest, TheEndOfTheBusIsTold)

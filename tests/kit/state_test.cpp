@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "kit/kit_test.h"
 
 namespace test
@@ -104,6 +106,24 @@ TEST_F(StateTest, ABurstIsOneChange)
     EXPECT_EQ(State()->artwork->height, 200U);
 }
 
+TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
+{
+    Ready();
+    for (const std::size_t length : {255, 256, 300, 1024})
+    {
+        const std::string title(length, 'a');
+        service.Answer("GetCurrentMediaInfo", TrackBody(title, 0x7A7A7A7A));
+        const QBXiPodTrackInfo replied = Completed(session->Commands().CurrentTrack()).value();
+
+        Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
+
+        const QBXiPodTrackInfo told = State()->track.value();
+        EXPECT_THAT((std::vector{replied.text1, replied.text2, replied.text3, replied.text4}),
+                    ElementsAre(told.text1, told.text2, told.text3, told.text4));
+        EXPECT_EQ(told.text1.size(), length < 1024 ? length : 1028) << length;
+    }
+}
+
 TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
 {
     Ready();
@@ -186,6 +206,99 @@ TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
     watching.Reset();
     Emit("OnIpodShuffleModeChange", "(0,)");
 
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(StateTest, AnEndedSubscriptionLetsGoOfItsCallbackAtOnce)
+{
+    Ready();
+    const auto held = std::make_shared<int>();
+    Subscription watching = session->OnState("held", [held](const StatePtr&, Fields) {});
+    RunLoopFor(5ms);
+
+    watching.Reset();
+
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(StateTest, ACallbackThatEndsItselfKeepsWhatItHoldsUntilItReturns)
+{
+    Ready();
+    const auto held = std::make_shared<int>();
+    long inside = 0;
+    Subscription watching;
+    watching = session->OnState("held",
+                                [&inside, &watching, held](const StatePtr&, Fields)
+                                {
+                                    watching.Reset();
+                                    inside = held.use_count();
+                                });
+
+    RunLoopFor(5ms);
+
+    EXPECT_EQ(inside, 2);
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
+{
+    Ready();
+    std::shared_ptr<Subscription> holder(new Subscription);
+    const std::weak_ptr<Subscription> watched = holder;
+    *holder = session->OnState("held", [held = holder](const StatePtr&, Fields) {});
+    Subscription& watching = *std::exchange(holder, nullptr);
+
+    watching.Reset();
+
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(StateTest, ACallbackThatAnotherThreadEndsIsLetGoWhenItHasReturned)
+{
+    Ready();
+    const auto held = std::make_shared<int>();
+    std::atomic<bool> running{false};
+    std::atomic<bool> returned{false};
+    Subscription watching = session->OnState("held",
+                                             [&running, &returned, held](const StatePtr&, Fields)
+                                             {
+                                                 running = true;
+                                                 std::this_thread::sleep_for(20ms);
+                                                 returned = true;
+                                             });
+    long after = 0;
+    std::thread ending(
+        [&]
+        {
+            while (!running) std::this_thread::yield();
+            watching.Reset();
+            after = returned ? held.use_count() : 0;
+        });
+
+    EXPECT_TRUE(RunLoopUntil([&] { return returned.load(); }));
+
+    ending.join();
+    EXPECT_EQ(after, 1);
+}
+
+TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
+{
+    Ready();
+    int calls = 0;
+    bool greeted = false;
+    const Subscription ending = session->OnState("end",
+                                                 [&](const StatePtr&, Fields)
+                                                 {
+                                                     if (std::exchange(greeted, true)) session.reset();
+                                                 });
+    const Subscription counting = session->OnState("count", [&](const StatePtr&, Fields) { ++calls; });
+    RunLoopFor(5ms);
+    ASSERT_TRUE(greeted);
+
+    service.Emit("OnIpodShuffleModeChange", "(0,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return session == nullptr; }));
+    RunLoopFor(5ms);
     EXPECT_EQ(calls, 1);
 }
 

@@ -15,6 +15,7 @@
 
 #include <ipodkit/session.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -51,10 +52,12 @@ public:
     bool IsOpen() const;
 
     /// Sends bytes after those that were taken before. False when the session is closed or too many bytes are waiting:
-    /// then nothing was taken, and OnDrained() tells when to try again. Any amount is taken when nothing is waiting.
+    /// then nothing was taken. Of a session that is open, OnDrained() tells when to try again, also after an error. Any
+    /// amount is taken when nothing is waiting.
     ///
-    /// The completion comes when the service has accepted the last byte. After an error nothing that was taken later
-    /// is sent either, since the stream has a gap: it completes with the same error.
+    /// The completion comes when the service has accepted the last byte, in the session's context, never inside
+    /// Write(). After an error everything taken so far completes with that error; bytes taken afterwards are sent
+    /// again, and the stream has a gap.
     bool Write(Bytes bytes, Completion completion);
 
     /// Bytes that were taken and not accepted yet.

@@ -9,7 +9,8 @@
 /// The manager tells the application, not the player, when it activates or deactivates a source; the application hands
 /// that on. Playback that the manager interrupted for a while goes on by itself when it activates the source again.
 ///
-/// **Context thread only.** The manager's own operations are called on it; they are the middleware's, and quick there.
+/// **Context thread only.** Calls the audio-source manager on the context thread; the manager is expected to answer at
+/// once.
 #pragma once
 
 #include <ipodkit/session.h>
@@ -61,10 +62,20 @@ public:
     /// ErrorKind::BadArgument for a number that is neither 0 nor 1.
     Result<void> Request();
 
-    /// The manager activated or deactivated the source: confirms it with the manager's value. The core's confirmation
-    /// names source 10, whichever it is.
+    /// @name What the manager did
+    /// Both confirm it to the manager through the core's player; without one, before the session was ready once, they
+    /// do nothing. @p confirmation is the value that the manager gave with its word and wants back; the companion does
+    /// not look at it. The core's confirmation names source 10, whichever it is.
+    /// @{
+
+    /// The source is active, asked for or not. Suspended playback goes on; when the service does not let it, the log
+    /// has a line of level WARN with the reason, and the state stays Active.
     void Activated(int confirmation);
+
+    /// The source was taken away. @p forAWhile: the manager will activate it again by itself, and playback goes on
+    /// then; the state is Suspended while something played, else Granted. Otherwise the source is Released.
     void Deactivated(int confirmation, bool forAWhile);
+    /// @}
 
     /// Starts playback. ErrorKind::Refused unless the manager says that the source is active.
     void Play(Completion completion, iPodPlayerPlayOption_e option = IPOD_PLAY_START);

@@ -1,6 +1,7 @@
 /// @file
 /// The commands of the service, with real results. Each returns a Request: nothing is sent before Start(), Future()
-/// or Wait(). Where the service answers "false", the result is ErrorKind::Refused.
+/// or Wait(). Where the service answers "false", the result is ErrorKind::Refused. Where one says what it takes,
+/// everything else is ErrorKind::BadArgument, and nothing is sent.
 ///
 /// Pages of lists are the Pager's, pictures come with the PlayerState, accessory bytes go through an
 /// AccessorySession, and the request for an audio source is AudioSource's.
@@ -47,17 +48,17 @@ public:
 
     /// @name Playback
     /// @{
-    Request<void> StartPlayback(iPodPlayerPlayOption_e option) const;  ///< IPOD_PLAY_START, _RESUME or _RESTART
+    Request<void> StartPlayback(iPodPlayerPlayOption_e option) const;  ///< takes IPOD_PLAY_START, _RESUME, _RESTART
     Request<void> Pause() const;
     Request<void> Stop() const;
     Request<void> Next() const;
     Request<void> Previous() const;
-    Request<void> Seek(std::chrono::seconds position) const;
+    Request<void> Seek(std::chrono::seconds position) const;  ///< takes what fits into 32 bits, with a sign
     Request<void> FastForward() const;
     Request<void> FastBackward() const;
     Request<void> StopWinding() const;
-    Request<void> SetShuffle(iPodPlayerShuffleStatus mode) const;
-    Request<void> SetRepeat(iPodPlayerRepeatStatus mode) const;
+    Request<void> SetShuffle(iPodPlayerShuffleStatus mode) const;  ///< takes 0 to 255, with a name or without
+    Request<void> SetRepeat(iPodPlayerRepeatStatus mode) const;    ///< the same
     Request<void> PressButton(iPodPlayerButtonControl control) const;
     Request<void> SetTransmission(bool on) const;  ///< whether the unit takes audio from the device
     /// @}
@@ -91,11 +92,11 @@ public:
     Request<void> EnterDevice(int index) const;  ///< all pagers start afresh, and the state is read again
     Request<std::string> IpodName() const;       ///< the name that its owner gave the device
     Request<std::string> ForegroundApp() const;  ///< bundle identifier, or empty
-    Request<void> LaunchApp(const std::string& bundleId) const;
+    Request<void> LaunchApp(const std::string& bundleId) const;  ///< takes UTF-8 without NUL, at most 1 MiB
     Request<CarPlayDevice> CarPlayStatus() const;
     Request<QBXAppleDeviceDetectStatus> CarLifeStatus() const;
     Request<void> NotifyCarPlay(bool connected, bool wireless) const;
-    Request<void> AnnounceAccessory(const EAPInfo& info) const;  ///< texts of at most 255 bytes without NUL
+    Request<void> AnnounceAccessory(const EAPInfo& info) const;  ///< takes UTF-8 without NUL, at most 255 bytes each
     Request<void> SetHubTestMode(unsigned char mode) const;      ///< for production and service only
     /// @}
 

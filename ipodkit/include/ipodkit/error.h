@@ -1,5 +1,6 @@
 /// @file
-/// Why something failed. Every operation of the companion that can fail returns a Result.
+/// Why something failed. What the service, the bus or the system may refuse is returned as a Result. An index that was
+/// never valid is an error of the program, and thrown.
 #pragma once
 
 #include <string>

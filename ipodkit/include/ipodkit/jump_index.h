@@ -14,6 +14,7 @@
 
 #include <ipodkit/error.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -53,6 +54,7 @@ public:
     std::vector<int> Search(const std::string& query, std::size_t limit = 100) const;
 
     /// How a name is read, for example "zhou jie lun"; ü is written u.
+    /// @throws std::out_of_range when there is no name with this index
     std::string Reading(int index) const;
 
     std::size_t Size() const;

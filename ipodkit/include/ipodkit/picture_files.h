@@ -5,6 +5,7 @@
 #include <ipodkit/error.h>
 #include <ipodkit/picture.h>
 
+#include <cstddef>
 #include <string>
 
 #pragma GCC visibility push(default)

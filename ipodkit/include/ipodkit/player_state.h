@@ -53,7 +53,7 @@ enum class Field : std::uint32_t
     ForegroundApp = 1U << 18,
     Battery = 1U << 19,
     Calls = 1U << 20,
-    AccessorySessions = 1U << 21,
+    AccessorySessions = 1U << 21,  ///< the last one, which Fields::All() goes by
 };
 
 /// A set of fields.
@@ -62,7 +62,7 @@ class Fields
 public:
     constexpr Fields() = default;
     constexpr Fields(Field field) : m_bits(static_cast<std::uint32_t>(field)) {}
-    static constexpr Fields All() { return Fields((1U << 22) - 1); }
+    static constexpr Fields All() { return Fields((static_cast<std::uint32_t>(Field::AccessorySessions) << 1) - 1); }
 
     constexpr bool Has(Field field) const { return (m_bits & static_cast<std::uint32_t>(field)) != 0; }
     constexpr bool Empty() const { return m_bits == 0; }

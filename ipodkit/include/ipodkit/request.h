@@ -11,8 +11,8 @@
 ///
 /// **Time.** A request waits for its answer no longer than its deadline: the session's, or that of Within().
 ///
-/// **End.** When the session ends, requests under way complete with ErrorKind::Cancelled before its destructor
-/// returns.
+/// **End.** When the session ends, requests under way by Start() or Future() complete with ErrorKind::Cancelled before
+/// its destructor returns. A Wait() on another thread goes on to its answer or its deadline.
 #pragma once
 
 #include <ipodkit/cancellation.h>

@@ -25,6 +25,7 @@
 #include <ipodkit/subscription.h>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -60,8 +61,9 @@ public:
     /// ErrorKind::BadArgument when there is a session already, or was one in another context.
     static Result<std::unique_ptr<Session>> Open(const SessionOptions& options = {});
 
-    /// Completes the requests that are under way with ErrorKind::Cancelled. Subscriptions may outlive it; none of their
-    /// callbacks runs any more, also when it is a callback that ends the session.
+    /// Completes the requests that are under way with ErrorKind::Cancelled; a Wait() on another thread goes on.
+    /// Subscriptions may outlive it; none of their callbacks runs any more, also when it is a callback that ends the
+    /// session.
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;

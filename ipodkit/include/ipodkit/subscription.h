@@ -16,8 +16,8 @@ class Slot;
 /// Ends the registration when it is destroyed, reset or assigned over. Move-only.
 ///
 /// Any thread may end it, also from inside the callback itself. When that returns, the callback is not running on
-/// another thread and will not run again; so do not end it while holding a lock that the callback wants.
-/// It may outlive the session.
+/// another thread and will not run again, and what it held is let go; from inside the callback, when the callback
+/// returns. So do not end it while holding a lock that the callback wants. It may outlive the session.
 class [[nodiscard]] Subscription
 {
 public:

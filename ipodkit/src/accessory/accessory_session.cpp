@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "commands/requests.h"
+#include "loop/context.h"
 #include "memory/shared_vectors.h"
 
 namespace ipodkit
@@ -61,9 +62,8 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
     const std::size_t room = RoomForAccessoryBytes();
     if (size > room || !WriteBytes(g_VecEapWriteBufferShareMemory, job.bytes.data() + job.sent, size))
     {
-        m_sending = false;
         release();
-        return FailAll(DoesNotFit(size, room));
+        return FailLater(DoesNotFit(size, room));
     }
     AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
         .Start(
@@ -72,6 +72,13 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
                 release();
                 self->ChunkAnswered(size, result);
             });
+}
+
+// It may be the caller of Write() who finds out.
+void AccessorySession::Impl::FailLater(const Error& error)
+{
+    Post(m_session->Context(),
+         [self = shared_from_this(), error] { self->ChunkAnswered(0, tl::unexpected<Error>(error)); });
 }
 
 void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>& result)
@@ -88,8 +95,7 @@ void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>&
         m_session->CallbackGuard().Run("accessory write", [&done] { done.completion({}); });
     }
     SendNext();
-    if (m_waiting > 0 || !std::exchange(m_refusedSome, false)) return;
-    drainedCallbacks.ForEach(m_session->CallbackGuard(), [](const auto& callback) { callback(); });
+    TellDrained();
 }
 
 void AccessorySession::Impl::FailAll(const Error& error)
@@ -97,6 +103,14 @@ void AccessorySession::Impl::FailAll(const Error& error)
     m_waiting = 0;
     for (const Job& job : std::exchange(m_jobs, {}))
         m_session->CallbackGuard().Run("accessory write", [&] { job.completion(tl::unexpected<Error>(error)); });
+    TellDrained();
+}
+
+// Whoever was refused waits for this, whatever became of the bytes that were in the way.
+void AccessorySession::Impl::TellDrained()
+{
+    if (!m_open || m_waiting > 0 || !std::exchange(m_refusedSome, false)) return;
+    drainedCallbacks.ForEach(m_session->CallbackGuard(), [](const auto& callback) { callback(); });
 }
 
 std::uint16_t AccessorySession::Number() const

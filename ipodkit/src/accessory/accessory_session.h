@@ -44,7 +44,9 @@ private:
     void SendNext();
     void SendChunk(const Lane::Release& release);
     void ChunkAnswered(std::size_t size, const Result<void>& result);
+    void FailLater(const Error& error);
     void FailAll(const Error& error);
+    void TellDrained();
 
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;

@@ -90,7 +90,12 @@ void AudioSource::Impl::Activated(int confirmation)
     const bool resume = m_state == AudioState::Suspended;
     if (m_state == AudioState::Playing) return;
     Go(AudioState::Active, "activated");
-    if (resume) Play([](const Result<void>&) {}, IPOD_PLAY_RESUME);
+    if (!resume) return;
+    const auto tell = [](const Result<void>& result)
+    {
+        if (!result) LogWarning("interrupted playback does not go on: " + result.error().Text());
+    };
+    Play(tell, IPOD_PLAY_RESUME);
 }
 
 void AudioSource::Impl::Deactivated(int confirmation, bool forAWhile)

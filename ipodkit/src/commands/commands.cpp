@@ -2,6 +2,8 @@
 
 #include <gvariant_data.h>
 
+#include <limits>
+
 #include "commands/maker.h"
 #include "commands/records.h"
 
@@ -9,7 +11,7 @@ namespace ipodkit
 {
 namespace
 {
-constexpr std::size_t kAnyLength = 1 << 20;
+constexpr std::size_t kLongestText = 1 << 20;
 constexpr std::size_t kSlotLength = 255;
 
 template <class T>
@@ -58,9 +60,22 @@ Decoded<CarPlayDevice> StatusAndSerial(GVariant* body)
     g_variant_get(body, "(y&s)", &status, &serial);
     return CarPlayDevice{static_cast<QBXAppleDeviceDetectStatus>(status), serial};
 }
+
+// Why a number cannot be sent as a @p Wire; nothing when it can.
+template <class Wire, class Number>
+std::optional<Error> Unfit(Number number)
+{
+    using Limits = std::numeric_limits<Wire>;
+    if (number >= Limits::min() && number <= Limits::max()) return std::nullopt;
+    return Error{ErrorKind::BadArgument, "the number " + std::to_string(number) + "; " + std::to_string(Limits::min()) +
+                                             " to " + std::to_string(Limits::max()) + " can be sent"};
+}
 }  // namespace
 
-// Spelled as in the bus contract: searching for a member of it finds its one use.
+// Makers with what every command has in common. Macros, because they name private members of Commands: functions that
+// do would have to be declared in the public header, and Maker with them.
+//
+// The members are spelled as in the bus contract: searching for one finds its one use.
 #define ORDER                                   \
     Maker<void>                                 \
     {                                           \
@@ -107,7 +122,8 @@ Request<void> Commands::Previous() const
 
 Request<void> Commands::Seek(std::chrono::seconds position) const
 {
-    return TELL("Seek", g_variant_new("(i)", static_cast<gint32>(position.count())));
+    const auto seconds = position.count();
+    return TELL("Seek", g_variant_new("(i)", static_cast<gint32>(seconds)), Unfit<gint32>(seconds));
 }
 
 Request<void> Commands::FastForward() const
@@ -127,12 +143,12 @@ Request<void> Commands::StopWinding() const
 
 Request<void> Commands::SetShuffle(iPodPlayerShuffleStatus mode) const
 {
-    return TELL("SetShuffleMode", g_variant_new("(y)", static_cast<guchar>(mode)));
+    return TELL("SetShuffleMode", g_variant_new("(y)", static_cast<guchar>(mode)), Unfit<guchar>(mode));
 }
 
 Request<void> Commands::SetRepeat(iPodPlayerRepeatStatus mode) const
 {
-    return TELL("SetRepeatMode", g_variant_new("(y)", static_cast<guchar>(mode)));
+    return TELL("SetRepeatMode", g_variant_new("(y)", static_cast<guchar>(mode)), Unfit<guchar>(mode));
 }
 
 Request<void> Commands::PressButton(iPodPlayerButtonControl control) const
@@ -242,7 +258,7 @@ Request<std::string> Commands::ForegroundApp() const
 
 Request<void> Commands::LaunchApp(const std::string& bundleId) const
 {
-    const std::optional<Error> obstacle = Obstacle(bundleId, kAnyLength);
+    const std::optional<Error> obstacle = Obstacle(bundleId, kLongestText);
     return ORDER("EapLaunchApp", g_variant_new("(s)", obstacle ? "" : bundleId.c_str()), obstacle);
 }
 

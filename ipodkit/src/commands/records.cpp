@@ -42,15 +42,19 @@ Result<Record> ToRecord(GVariant* body)
     return record;
 }
 
-std::string TextIn(const char (&slot)[kSlot])
+// As the core reads the records of events: a text without a NUL in its slot runs on into the next one, up to the end of
+// the record.
+std::string TextIn(const TrackRecord& record, std::size_t slot)
 {
-    return {slot, strnlen(slot, kSlot)};
+    const char* const begin = record.text[slot];
+    const char* const end = reinterpret_cast<const char*>(&record + 1);
+    return {begin, strnlen(begin, static_cast<std::size_t>(end - begin))};
 }
 
 QBXiPodTrackInfo FromRecord(const TrackRecord& record)
 {
-    return {TextIn(record.text[0]), TextIn(record.text[1]), TextIn(record.text[2]), TextIn(record.text[3]),
-            record.value[0],        record.value[1],        record.value[2],        record.value[3]};
+    return {TextIn(record, 0), TextIn(record, 1), TextIn(record, 2), TextIn(record, 3),
+            record.value[0],   record.value[1],   record.value[2],   record.value[3]};
 }
 }  // namespace
 

@@ -20,7 +20,7 @@ SettleTimer::SettleTimer(GMainContext* context, std::function<void()> expired)
 SettleTimer::~SettleTimer()
 {
     m_source.reset();
-    close(m_fd);
+    if (m_fd >= 0) close(m_fd);
 }
 
 void SettleTimer::Start(std::chrono::microseconds delay)
@@ -36,15 +36,22 @@ void SettleTimer::Stop()
     Set(std::chrono::microseconds(0));
 }
 
-// Zero disarms.
+// Zero disarms, and clears an expiry that nobody has seen yet, so that the descriptor need not be read.
 void SettleTimer::Set(std::chrono::microseconds delay) const
 {
+    if (m_fd < 0) return SetReadyTime(delay);
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(delay);
     const std::chrono::nanoseconds rest = delay - seconds;
     itimerspec when{};
     when.it_value.tv_sec = static_cast<time_t>(seconds.count());
     when.it_value.tv_nsec = static_cast<long>(rest.count());
     timerfd_settime(m_fd, 0, &when, nullptr);
+}
+
+// For a process that has no descriptor left: the source has nothing to poll then, and goes by GLib's clock alone.
+void SettleTimer::SetReadyTime(std::chrono::microseconds delay) const
+{
+    g_source_set_ready_time(m_source.get(), delay.count() == 0 ? -1 : g_get_monotonic_time() + delay.count());
 }
 
 // The callback may destroy the timer.

@@ -1,5 +1,6 @@
 /// @file
-/// A timer that is exact to the microsecond, where GLib's are rounded up to the millisecond.
+/// A timer that is exact to the microsecond, where GLib's are rounded up to the millisecond. While the process has no
+/// descriptor left for it, it is no better than they are.
 #pragma once
 
 #include <chrono>
@@ -26,9 +27,10 @@ public:
 private:
     static int OnReadable(int fd, GIOCondition condition, gpointer data);
     void Set(std::chrono::microseconds delay) const;
+    void SetReadyTime(std::chrono::microseconds delay) const;
 
     std::function<void()> m_expired;
-    int m_fd;
+    const int m_fd;  // negative when there was none to be had
     SourcePtr m_source;
     bool m_running = false;
 };

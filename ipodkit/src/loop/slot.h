@@ -21,10 +21,13 @@ namespace detail
 {
 /// One registration. Its lock is held while its callback runs, and is recursive, so that a callback can end its own
 /// registration and another thread waits for the callback to return.
+///
+/// What is registered is let go when the registration ends, or, when its own callback ends it, as soon as that has
+/// returned. The lock is free by then: what a callback holds may want other locks when it goes.
 class Slot
 {
 public:
-    explicit Slot(std::string name) : m_name(std::move(name)) {}
+    Slot(std::string name, std::shared_ptr<void> target) : m_name(std::move(name)), m_target(std::move(target)) {}
     virtual ~Slot() = default;
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
@@ -32,17 +35,27 @@ public:
     void End();
     bool Live() const { return m_live; }
 
+protected:
     template <class Callback>
-    void Run(const Guard& guard, Callback&& callback)
+    void RunWith(const Guard& guard, const Callback& callback)
     {
+        std::shared_ptr<void> ended;
         const std::lock_guard<std::recursive_mutex> lock(m_mutex);
-        if (m_live) guard.Run(m_name, callback);
+        if (!m_live) return;
+        ++m_running;
+        guard.Run(m_name, [&] { callback(m_target.get()); });
+        --m_running;
+        ended = TakeEnded();
     }
 
 private:
+    std::shared_ptr<void> TakeEnded();
+
     const std::string m_name;
+    std::shared_ptr<void> m_target;
     std::recursive_mutex m_mutex;
     std::atomic<bool> m_live{true};
+    int m_running = 0;  // a callback that runs the loop may be called inside itself
 };
 }  // namespace detail
 
@@ -53,8 +66,14 @@ class Registry
 public:
     struct Entry final : detail::Slot
     {
-        Entry(std::string name, Target registered) : Slot(std::move(name)), target(std::move(registered)) {}
-        Target target;
+        Entry(std::string name, Target target) : Slot(std::move(name), std::make_shared<Target>(std::move(target))) {}
+
+        /// Calls it with the target, unless the registration has ended.
+        template <class Call>
+        void Run(const Guard& guard, const Call& call)
+        {
+            RunWith(guard, [&call](void* target) { call(*static_cast<Target*>(target)); });
+        }
     };
     using EntryPtr = std::shared_ptr<Entry>;
 
@@ -62,6 +81,7 @@ public:
     {
         auto entry = std::make_shared<Entry>(std::move(name), std::move(target));
         const std::lock_guard<std::mutex> lock(m_mutex);
+        ForgetEnded();
         m_entries.push_back(entry);
         return entry;
     }
@@ -76,17 +96,21 @@ public:
     template <class Call>
     void ForEach(const Guard& guard, const Call& call)
     {
-        for (const EntryPtr& entry : Snapshot()) entry->Run(guard, [&] { call(entry->target); });
+        for (const EntryPtr& entry : Snapshot()) entry->Run(guard, call);
     }
 
 private:
-    // Without those that were ended, which are let go.
     std::vector<EntryPtr> Snapshot()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
+        ForgetEnded();
+        return m_entries;
+    }
+
+    void ForgetEnded()
+    {
         m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(), [](auto& each) { return !each->Live(); }),
                         m_entries.end());
-        return m_entries;
     }
 
     std::mutex m_mutex;

@@ -8,15 +8,22 @@ namespace detail
 {
 void Slot::End()
 {
+    std::shared_ptr<void> ended;
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     m_live = false;
+    ended = TakeEnded();
+}
+
+// Nothing while it is registered or runs.
+std::shared_ptr<void> Slot::TakeEnded()
+{
+    return m_live || m_running > 0 ? nullptr : std::move(m_target);
 }
 }  // namespace detail
 
 Subscription& Subscription::operator=(Subscription&& other) noexcept
 {
-    Reset();
-    m_slot = std::move(other.m_slot);
+    const Subscription ended(std::exchange(m_slot, std::move(other.m_slot)));
     return *this;
 }
 
@@ -25,9 +32,10 @@ Subscription::~Subscription()
     Reset();
 }
 
+// What the callback held may have been the last to hold this subscription.
 void Subscription::Reset()
 {
-    if (m_slot != nullptr) m_slot->End();
-    m_slot.reset();
+    const std::shared_ptr<detail::Slot> slot = std::move(m_slot);
+    if (slot != nullptr) slot->End();
 }
 }  // namespace ipodkit

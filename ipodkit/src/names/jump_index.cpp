@@ -12,18 +12,6 @@
 
 namespace ipodkit
 {
-/// In the order of the index, so that a search runs through memory from one end to the other.
-struct JumpIndex::Contents
-{
-    std::vector<std::string> readings;
-    std::vector<std::uint64_t> letters;   // of each reading
-    std::vector<std::uint64_t> initials;  // of its syllables and words
-    std::vector<std::string> folded;      // the names without case, for queries in their own script
-    std::vector<int> order;               // the name at each position
-    std::vector<int> positions;           // the position of each name
-    std::vector<JumpSection> sections;
-};
-
 namespace
 {
 using Keys = std::vector<std::string>;
@@ -98,15 +86,76 @@ std::unique_ptr<icu::Collator> CollatorOf(const std::string& locale)
         icu::Collator::createInstance(icu::Locale::createFromName(locale.c_str()), status));
     return U_FAILURE(status) ? nullptr : std::move(collator);
 }
+
+struct Query
+{
+    bool typed;  // in letters of the readings; otherwise it is looked for as it stands
+    std::string text;
+    std::uint64_t letters;
+    std::uint64_t initial;
+};
+
+Query QueryOf(const std::string& text)
+{
+    if (!IsAscii(text)) return {false, Folded(icu::UnicodeString::fromUTF8(text)), 0, 0};
+    const std::string typed = Typed(text);
+    return {true, typed, LettersIn(typed), LettersIn(typed.substr(0, 1))};
+}
 }  // namespace
+
+/// In the order of the index, so that a search runs through memory from one end to the other.
+struct JumpIndex::Contents
+{
+    Contents(const std::vector<std::string>& names, const std::vector<std::string>& namesRead, std::vector<int> sorted);
+
+    Fit FitOf(const Query& query, std::size_t position) const;
+
+    std::vector<std::string> readings;
+    std::vector<std::uint64_t> letters;   // of each reading
+    std::vector<std::uint64_t> initials;  // of its syllables and words
+    std::vector<std::string> folded;      // the names without case, for queries in their own script
+    std::vector<int> order;               // the name at each position
+    std::vector<int> positions;           // the position of each name
+    std::vector<JumpSection> sections;
+};
+
+JumpIndex::Contents::Contents(const std::vector<std::string>& names, const std::vector<std::string>& namesRead,
+                              std::vector<int> sorted)
+    : order(std::move(sorted)), positions(names.size())
+{
+    for (const int index : order)
+    {
+        const auto at = static_cast<std::size_t>(index);
+        positions[at] = static_cast<int>(readings.size());
+        readings.push_back(namesRead[at]);
+        letters.push_back(LettersIn(namesRead[at]));
+        initials.push_back(InitialsIn(namesRead[at]));
+        folded.push_back(Folded(icu::UnicodeString::fromUTF8(names[at])));
+    }
+    sections = SectionsOf(readings);
+}
+
+// Most names lack a letter of the query, which is seen at once.
+Fit JumpIndex::Contents::FitOf(const Query& query, std::size_t position) const
+{
+    if (query.typed)
+    {
+        const bool possible = (query.letters & ~letters[position]) == 0 && (query.initial & initials[position]) != 0;
+        return possible ? Match(query.text, readings[position]) : Fit::None;
+    }
+    const std::size_t at = folded[position].find(query.text);
+    if (at == std::string::npos) return Fit::None;
+    return at == 0 ? Fit::Beginning : Fit::Inside;
+}
 
 Result<JumpIndex> JumpIndex::Build(std::vector<std::string> names, const JumpIndexOptions& options)
 {
     Result<Reader> reader = Reader::Make();
     if (!reader) return tl::unexpected<Error>(reader.error());
     const auto collator = CollatorOf(options.locale);
-    if (collator == nullptr) return tl::unexpected<Error>(Error{ErrorKind::BadArgument, "ICU has no collation here"});
-    auto contents = std::make_shared<Contents>();
+    if (collator == nullptr)
+        return tl::unexpected<Error>(
+            Error{ErrorKind::BadArgument, "ICU has no collation for the locale '" + options.locale + "'"});
     Keys keys;
     std::vector<std::string> readings;
     for (const std::string& name : names)
@@ -115,19 +164,7 @@ Result<JumpIndex> JumpIndex::Build(std::vector<std::string> names, const JumpInd
         readings.push_back(reader->Read(text));
         keys.push_back(SortKey(*collator, text));
     }
-    contents->order = Sorted(keys, readings);
-    contents->positions.resize(names.size());
-    for (const int index : contents->order)
-    {
-        const auto at = static_cast<std::size_t>(index);
-        contents->positions[at] = static_cast<int>(contents->readings.size());
-        contents->letters.push_back(LettersIn(readings[at]));
-        contents->initials.push_back(InitialsIn(readings[at]));
-        contents->folded.push_back(Folded(icu::UnicodeString::fromUTF8(names[at])));
-        contents->readings.emplace_back(readings[at]);
-    }
-    contents->sections = SectionsOf(contents->readings);
-    return JumpIndex(std::move(contents));
+    return JumpIndex(std::make_shared<const Contents>(names, readings, Sorted(keys, readings)));
 }
 
 const std::vector<int>& JumpIndex::Order() const
@@ -153,36 +190,20 @@ std::size_t JumpIndex::Size() const
     return m_contents->order.size();
 }
 
-// A query in another script than ASCII is looked for as it stands.
 std::vector<int> JumpIndex::Search(const std::string& query, std::size_t limit) const
 {
-    const bool typed = IsAscii(query);
-    const std::string wanted = typed ? Typed(query) : Folded(icu::UnicodeString::fromUTF8(query));
-    if (wanted.empty() || limit == 0) return {};
-    const std::uint64_t letters = typed ? LettersIn(wanted) : 0;
-    const std::uint64_t initial = typed ? LettersIn(wanted.substr(0, 1)) : 0;
-    const auto fit = [&](std::size_t position)
-    {
-        if (typed)
-        {
-            const bool possible =
-                (letters & ~m_contents->letters[position]) == 0 && (initial & m_contents->initials[position]) != 0;
-            return possible ? Match(wanted, m_contents->readings[position]) : Fit::None;
-        }
-        const std::size_t at = m_contents->folded[position].find(wanted);
-        return at == 0 ? Fit::Beginning : at == std::string::npos ? Fit::None : Fit::Inside;
-    };
+    const Query wanted = QueryOf(query);
+    if (wanted.text.empty()) return {};
     std::vector<int> found;
     std::vector<int> inside;
-    for (std::size_t position = 0; position < m_contents->order.size(); ++position)
+    for (std::size_t position = 0; position < Size() && found.size() < limit; ++position)
     {
-        const Fit fits = fit(position);
-        if (fits == Fit::Beginning) found.push_back(m_contents->order[position]);
-        if (fits == Fit::Inside && inside.size() < limit) inside.push_back(m_contents->order[position]);
-        if (found.size() == limit) return found;
+        const Fit fit = m_contents->FitOf(wanted, position);
+        if (fit == Fit::Beginning) found.push_back(m_contents->order[position]);
+        if (fit == Fit::Inside && inside.size() < limit) inside.push_back(m_contents->order[position]);
     }
-    found.insert(found.end(), inside.begin(),
-                 inside.begin() + static_cast<std::ptrdiff_t>(std::min(inside.size(), limit - found.size())));
+    const std::size_t rest = std::min(inside.size(), limit - found.size());
+    found.insert(found.end(), inside.begin(), inside.begin() + static_cast<std::ptrdiff_t>(rest));
     return found;
 }
 }  // namespace ipodkit

@@ -47,14 +47,21 @@ bool Fits(const std::string& query, const std::string& reading, bool anywhere)
     return false;
 }
 
-std::uint64_t BitOf(char letter)
-{
-    return std::uint64_t{1} << (letter >= 'a' ? letter - 'a' : 26 + letter - '0');
-}
-
 bool IsTyped(char letter)
 {
     return (letter >= 'a' && letter <= 'z') || (letter >= '0' && letter <= '9');
+}
+
+std::uint64_t BitOf(char typed)
+{
+    return std::uint64_t{1} << (typed >= 'a' ? typed - 'a' : 26 + typed - '0');
+}
+
+// What a letter of a reading may be typed as; nothing for a blank.
+std::uint64_t BitsOf(char letter)
+{
+    if (letter == kUmlaut) return BitOf('v') | BitOf('u');
+    return IsTyped(letter) ? BitOf(letter) : 0;
 }
 }  // namespace
 
@@ -68,11 +75,7 @@ Fit Match(const std::string& query, const std::string& reading)
 std::uint64_t LettersIn(const std::string& text)
 {
     std::uint64_t letters = 0;
-    for (const char letter : text)
-    {
-        if (IsTyped(letter)) letters |= BitOf(letter);
-        if (letter == kUmlaut) letters |= BitOf('v') | BitOf('u');
-    }
+    for (const char letter : text) letters |= BitsOf(letter);
     return letters;
 }
 
@@ -80,7 +83,7 @@ std::uint64_t InitialsIn(const std::string& reading)
 {
     std::uint64_t initials = 0;
     for (std::size_t i = 0; i < reading.size(); ++i)
-        if (i == 0 || reading[i - 1] == ' ') initials |= BitOf(reading[i]);
+        if (i == 0 || reading[i - 1] == ' ') initials |= BitsOf(reading[i]);
     return initials;
 }
 

@@ -31,17 +31,20 @@ std::string NameOf(const Picture& picture)
     return owned;
 }
 
-std::string AddressOf(const std::string& path)
-{
-    gchar* const uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    std::string owned(uri == nullptr ? "" : uri);
-    g_free(uri);
-    return owned;
-}
-
 tl::unexpected<Error> NoStorage(const std::string& reason)
 {
     return tl::unexpected<Error>(Error{ErrorKind::NoStorage, reason});
+}
+
+Result<std::string> AddressOf(const std::string& path)
+{
+    GError* failure = nullptr;
+    gchar* const uri = g_filename_to_uri(path.c_str(), nullptr, &failure);
+    const ErrorPtr error(failure);
+    if (error != nullptr) return NoStorage(error->message);
+    std::string owned(uri);
+    g_free(uri);
+    return owned;
 }
 
 // Whoever names a directory that has other files in it keeps them.
@@ -54,7 +57,9 @@ bool IsOurs(const std::string& name)
 std::string AbsoluteOf(const std::string& directory)
 {
     if (directory.empty()) return fs::path(g_get_user_runtime_dir()) / "ipodkit";
-    return fs::absolute(directory);
+    std::error_code unknown;
+    const fs::path absolute = fs::absolute(directory, unknown);
+    return unknown ? directory : absolute.string();
 }
 }  // namespace
 
@@ -66,28 +71,32 @@ PictureFiles::PictureFiles(std::string directory, std::size_t keep)
 // GLib writes a file beside it and renames that.
 Result<std::string> PictureFiles::Uri(const Picture& picture) const
 {
+    const std::string path = fs::path(m_directory) / NameOf(picture);
+    const Result<std::string> address = AddressOf(path);
+    if (!address) return address;
     if (g_mkdir_with_parents(m_directory.c_str(), 0700) != 0)
         return NoStorage(m_directory + ": " + std::strerror(errno));
-    const std::string path = fs::path(m_directory) / NameOf(picture);
     std::error_code missing;
-    if (fs::file_size(path, missing) == picture.bytes.size() && !missing) return AddressOf(path);
+    if (fs::file_size(path, missing) == picture.bytes.size() && !missing) return address;
     GError* failure = nullptr;
     g_file_set_contents(path.c_str(), reinterpret_cast<const gchar*>(picture.bytes.data()),
                         static_cast<gssize>(picture.bytes.size()), &failure);
     const ErrorPtr error(failure);
     if (error != nullptr) return NoStorage(error->message);
     RemoveOldestBut(path);
-    return AddressOf(path);
+    return address;
 }
 
-// Files of one moment have one age; the new one stays whatever the clock says.
+// Files of one moment have one age; the new one stays whatever the clock says. What cannot be read now is removed when
+// another picture is written.
 void PictureFiles::RemoveOldestBut(const std::string& fresh) const
 {
     std::error_code ignored;
     std::vector<std::pair<fs::file_time_type, fs::path>> files;
-    for (const auto& entry : fs::directory_iterator(m_directory, ignored))
-        if (entry.path() != fresh && IsOurs(entry.path().filename()))
-            files.emplace_back(entry.last_write_time(ignored), entry.path());
+    for (fs::directory_iterator entry(m_directory, ignored); entry != fs::directory_iterator();
+         entry.increment(ignored))
+        if (entry->path() != fresh && IsOurs(entry->path().filename()))
+            files.emplace_back(entry->last_write_time(ignored), entry->path());
     std::sort(files.begin(), files.end());
     for (std::size_t i = 0; i + m_keep - 1 < files.size(); ++i) fs::remove(files[i].second, ignored);
 }

@@ -94,9 +94,12 @@ Subscription Session::Impl::OnConnection(std::string name, ConnectionCallback ca
     const auto greet = [weak = weak_from_this(), entry]
     {
         const auto self = weak.lock();
-        if (self == nullptr || entry->target.greeted) return;
-        entry->target.greeted = true;
-        entry->Run(self->m_guard, [&] { entry->target.callback(self->CurrentConnection()); });
+        if (self == nullptr) return;
+        entry->Run(self->m_guard,
+                   [&](ConnectionTarget& target)
+                   {
+                       if (!std::exchange(target.greeted, true)) target.callback(self->CurrentConnection());
+                   });
     };
     Post(m_context.get(), greet);
     return Subscription(entry);

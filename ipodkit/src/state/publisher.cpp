@@ -29,7 +29,7 @@ Subscription Publisher::Subscribe(std::string name, Session::StateCallback callb
          {
              const auto self = weak.lock();
              if (self == nullptr) return;
-             entry->Run(self->m_guard, [&] { self->Deliver(entry->target, self->Published(), {}); });
+             entry->Run(self->m_guard, [&](Target& target) { self->Deliver(target, self->Published(), {}); });
          });
     return Subscription(entry);
 }
@@ -80,8 +80,10 @@ void Publisher::PublishDraft()
     Publish(std::move(state));
 }
 
+// A subscriber may end the session, and with it all that holds the publisher.
 void Publisher::Publish(PlayerState state)
 {
+    const auto self = shared_from_this();
     const StatePtr last = Published();
     const Fields changed = Differences(*last, state);
     if (changed.Empty()) return;
