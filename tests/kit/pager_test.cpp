@@ -1,4 +1,5 @@
 #include <ipodkit/pager.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <future>
@@ -212,6 +213,32 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
     EXPECT_TRUE(*entered);
     EXPECT_EQ(outdated, 2);
     EXPECT_TRUE(Get(names, 0));
+}
+
+// Their turns, one inside the other, do not fit into the stack.
+TEST_F(PagerTest, AChangeOfLevelCancelsThousandsOfPages)
+{
+    constexpr int kPages = 30000;
+    rlimit stack{};
+    ASSERT_EQ(getrlimit(RLIMIT_STACK, &stack), 0);
+    stack.rlim_cur = std::min<rlim_t>(stack.rlim_cur, 1 << 20);
+    ASSERT_EQ(setrlimit(RLIMIT_STACK, &stack), 0);
+    SetSize(kPages);
+    service.Answer("EnterDbRoot", "(true,)");
+    PagerOptions single = NoPrefetch();
+    single.pageSize = 1;
+    Pager pager(*session, ListKind::Database, single);
+    (void)Get(pager, 0);
+    int cancelled = 0;
+    for (int i = 1; i < kPages; ++i)
+        pager.At(i, [&cancelled](const Result<PagePtr>& page) { cancelled += page ? 0 : 1; });
+    std::optional<Result<void>> entered;
+
+    pager.EnterRoot([&entered](Result<void> result) { entered = std::move(result); });
+
+    EXPECT_EQ(cancelled, kPages - 1);
+    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
+    EXPECT_TRUE(*entered);
 }
 
 TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
