@@ -30,8 +30,6 @@ public:
     Commands Ask() const { return m_session->MakeCommands(); }
 
 private:
-    using Arrived = std::function<void()>;
-
     bool IsDatabase() const { return m_kind == ListKind::Database || m_kind == ListKind::DatabasePinyin; }
     bool HasCount() const { return m_kind != ListKind::Update && m_kind != ListKind::UpdatePinyin; }
     int NumberOf(int index) const { return m_kind == ListKind::Devices ? 0 : index / m_options.pageSize; }
