@@ -16,6 +16,7 @@
 #include <ipodkit/list_kind.h>
 #include <ipodkit/session.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>

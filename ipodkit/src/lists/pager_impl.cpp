@@ -1,5 +1,8 @@
 #include "lists/pager_impl.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "loop/context.h"
 
 namespace ipodkit
