@@ -35,6 +35,8 @@ struct Page
     bool root = false;               ///< Database only: this is the top level
 
     bool Holds(int index) const { return index >= first && index < first + static_cast<int>(names.size()); }
+
+    /// @throws std::out_of_range  when the page does not hold the entry
     const std::string& At(int index) const { return names.at(static_cast<std::size_t>(index - first)); }
 };
 
