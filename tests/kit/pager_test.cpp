@@ -59,10 +59,37 @@ protected:
         return *result;
     }
 
+    // A completion that writes down what it is told.
+    template <class T>
+    static std::function<void(Result<T>)> Into(std::vector<Result<T>>& results)
+    {
+        return [&results](Result<T> result) { results.push_back(std::move(result)); };
+    }
+
+    template <class T>
+    static std::vector<ErrorKind> KindsOf(const std::vector<Result<T>>& results)
+    {
+        std::vector<ErrorKind> kinds;
+        for (const Result<T>& result : results) kinds.push_back(KindOf(result));
+        return kinds;
+    }
+
+    bool RunUntilCalled(const std::string& call, std::ptrdiff_t times = 1)
+    {
+        return RunLoopUntil([&] { return Calls(call) == times; });
+    }
+
     std::ptrdiff_t Calls(const std::string& call) const
     {
         const std::vector<std::string> calls = service.Calls();
         return std::count(calls.begin(), calls.end(), call);
+    }
+
+    // Answers the page that is held back with entries that are not those of the list.
+    void AnswerHeldPage(const std::string& name)
+    {
+        shared.SetList("VecDBListShareMemory", std::vector<std::string>(50, name));
+        service.AnswerHeld("(true, false, true)");
     }
 
     static PagerOptions NoPrefetch()
@@ -371,6 +398,70 @@ TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
     ASSERT_TRUE(result);
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
     RunLoopFor(20ms);
+}
+
+TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
+{
+    service.Hold("GetCurDbListItemsAmount");
+    Pager pager(*session, ListKind::Database);
+    std::vector<Result<int>> before;
+    std::vector<Result<int>> after;
+    pager.Count(Into(before));
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)"));
+
+    pager.Refresh();
+    EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
+    pager.Count(Into(after));
+    service.AnswerHeld("(1000,)");
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)", 2));
+    service.AnswerHeld("(10,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return !after.empty(); }));
+    EXPECT_EQ(after.at(0).value(), 10);
+    EXPECT_EQ(before.size(), 1U);
+}
+
+TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
+{
+    Pager pager(*session, ListKind::Update, NoPrefetch());
+    service.Hold("GetUpdateListItems");
+    std::vector<Result<PagePtr>> before;
+    std::vector<Result<PagePtr>> after;
+    pager.At(0, Into(before));
+    ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)"));
+
+    pager.Refresh();
+    EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
+    pager.At(0, Into(after));
+    shared.SetList("VecUpdateListShareMemory", {"old"});
+    service.AnswerHeld("(true,)");
+    ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)", 2));
+    shared.SetList("VecUpdateListShareMemory", {"new"});
+    service.AnswerHeld("(true,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return !after.empty(); }));
+    EXPECT_EQ(after.at(0).value()->At(0), "new");
+    EXPECT_EQ(before.size(), 1U);
+}
+
+TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
+{
+    Pager pager(*session, ListKind::Database);
+    std::vector<Result<int>> counts;
+    pager.At(0,
+             [&](const Result<PagePtr>& page)
+             {
+                 EXPECT_TRUE(page);
+                 service.Hold("GetCurDbListItems");
+             });
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(50, 99)"));
+
+    pager.Refresh();
+    pager.Count(Into(counts));
+    AnswerHeldPage("old");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return !counts.empty(); }));
+    EXPECT_EQ(pager.Cached(50), nullptr);
 }
 
 TEST_F(PagerTest, WalksFiftyThousandEntries)

@@ -80,7 +80,8 @@ public:
     void EnterChild(int index, Completion completion);
     /// @}
 
-    /// Forgets everything; for lists that changed without an event.
+    /// Forgets everything; for lists that changed without an event. What was asked for before is cancelled, before
+    /// this returns, and its answer is dropped when it comes; what is asked for afterwards is asked of the service.
     void Refresh();
 
     /// Called when everything that was handed out is outdated: the level, the list, the device or the service changed.

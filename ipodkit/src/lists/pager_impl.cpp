@@ -71,15 +71,16 @@ void Pager::Impl::TellLater(std::function<void(Result<T>)> completion, Result<T>
                                 result = std::move(result)] { guard.Run("pager", [&] { completion(result); }); });
 }
 
-// An answer that belongs to a list that became another one meanwhile is dropped: who waited for it has been told.
+// An answer to what was asked before all was forgotten, or that belongs to a list that became another one meanwhile,
+// is dropped: who waited for it has been told.
 template <class T>
 void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived)
 {
     const auto held = std::make_shared<Request<T>>(std::move(request));
-    const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch()]
+    const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch(), round = m_round]
     {
         const auto self = weak.lock();
-        return self != nullptr && self->m_lane->Epoch() == epoch ? self : nullptr;
+        return self != nullptr && self->m_lane->Epoch() == epoch && self->m_round == round ? self : nullptr;
     };
     m_lane->Wait(
         [held, arrived = std::move(arrived), current, session = m_session](const Lane::Release& release)
@@ -98,6 +99,7 @@ void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&
 // Each is told that its list is gone, also by callbacks that ask again meanwhile.
 void Pager::Impl::Forget(const Error& error)
 {
+    ++m_round;
     m_cache.Clear();
     m_count.reset();
     const auto counts = std::exchange(m_counts, {});

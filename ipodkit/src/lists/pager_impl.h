@@ -58,6 +58,7 @@ private:
     const std::shared_ptr<Lane> m_lane;
     PageCache m_cache;
     Subscription m_watch;
+    std::uint64_t m_round = 0;  // grows whenever all is forgotten
     std::optional<int> m_count;
     std::vector<CountCompletion> m_counts;
     std::map<int, std::vector<PageCompletion>> m_pages;
