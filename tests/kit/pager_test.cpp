@@ -400,12 +400,151 @@ TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
     RunLoopFor(20ms);
 }
 
+TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
+{
+    std::vector<Result<void>> entered;
+    service.Hold("EnterDbChildList");
+    Pager other(*session, ListKind::Database);
+    int outdated = 0;
+    const Subscription watching = other.OnOutdated("watching", [&outdated] { ++outdated; });
+    {
+        Pager pager(*session, ListKind::Database);
+        pager.EnterChild(3, Into(entered));
+        ASSERT_TRUE(RunUntilCalled("EnterDbChildList(3,)"));
+    }
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(outdated, 1);
+
+    service.AnswerHeld("(true,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return outdated == 2; }));
+    RunLoopFor(20ms);
+    EXPECT_EQ(entered.size(), 1U);
+}
+
+TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<void>> entered;
+    service.Hold("GetCurDbListItems");
+    Pager other(*session, ListKind::Database, NoPrefetch());
+    other.At(0, Into(pages));
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
+    {
+        Pager pager(*session, ListKind::Database);
+        pager.EnterChild(3, Into(entered));
+        RunLoopFor(20ms);
+    }
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+
+    AnswerHeldPage("x");
+    other.At(0, Into(pages));
+
+    EXPECT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)", 2));
+    EXPECT_EQ(Calls("EnterDbChildList(3,)"), 0);
+    EXPECT_EQ(entered.size(), 1U);
+}
+
+TEST_F(PagerTest, ItsEndCancelsWhatItKnowsAlready)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<int>> counts;
+    std::vector<Result<void>> entered;
+    {
+        Pager pager(*session, ListKind::Playing, NoPrefetch());
+        (void)Get(pager, 0);
+        pager.At(10, Into(pages));
+        pager.At(-1, Into(pages));
+        pager.Count(Into(counts));
+        pager.EnterRoot(Into(entered));
+    }
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    RunLoopFor(20ms);
+    EXPECT_EQ(pages.size() + counts.size() + entered.size(), 4U);
+}
+
+TEST_F(PagerTest, ItsEndInACompletionCancelsTheOthers)
+{
+    std::vector<Result<PagePtr>> pages;
+    auto pager = std::make_unique<Pager>(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(*pager, 0);
+    pager->At(50,
+              [&](const Result<PagePtr>& page)
+              {
+                  EXPECT_TRUE(page);
+                  pager.reset();
+                  EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+              });
+    pager->At(60, Into(pages));
+    pager->At(100, Into(pages));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return pager == nullptr; }));
+
+    RunLoopFor(20ms);
+    EXPECT_EQ(pages.size(), 2U);
+}
+
+TEST_F(PagerTest, MayEndInACompletionThatAChangeOfLevelCancels)
+{
+    std::vector<Result<void>> entered;
+    service.Answer("EnterDbRoot", "(true,)");
+    auto pager = std::make_unique<Pager>(*session, ListKind::Database);
+    pager->At(0, [&pager](const Result<PagePtr>&) { pager.reset(); });
+
+    pager->EnterRoot(Into(entered));
+
+    EXPECT_EQ(pager, nullptr);
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    RunLoopFor(20ms);
+    EXPECT_EQ(Calls("EnterDbRoot()"), 0);
+    EXPECT_EQ(entered.size(), 1U);
+}
+
+TEST_F(PagerTest, MayEndInACompletionThatRefreshCancels)
+{
+    std::vector<Result<PagePtr>> pages;
+    auto pager = std::make_unique<Pager>(*session, ListKind::Database, NoPrefetch());
+    (void)Get(*pager, 0);
+    pager->At(50,
+              [&](const Result<PagePtr>&)
+              {
+                  pager.reset();
+                  EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+              });
+    pager->At(60, Into(pages));
+    pager->At(100, Into(pages));
+
+    pager->Refresh();
+
+    EXPECT_EQ(pager, nullptr);
+    EXPECT_EQ(pages.size(), 2U);
+}
+
+TEST_F(PagerTest, AChangeOfLevelCancelsAPageFromTheCache)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<void>> entered;
+    service.Answer("EnterDbChildList", "(true,)");
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    (void)Get(pager, 0);
+    pager.At(10, Into(pages));
+
+    pager.EnterChild(3, Into(entered));
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_TRUE(RunLoopUntil([&] { return !entered.empty(); }));
+    EXPECT_EQ(pages.size(), 1U);
+}
+
 TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
 {
-    service.Hold("GetCurDbListItemsAmount");
-    Pager pager(*session, ListKind::Database);
     std::vector<Result<int>> before;
     std::vector<Result<int>> after;
+    service.Hold("GetCurDbListItemsAmount");
+    Pager pager(*session, ListKind::Database);
     pager.Count(Into(before));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)"));
 
@@ -423,10 +562,10 @@ TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
 
 TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
 {
-    Pager pager(*session, ListKind::Update, NoPrefetch());
-    service.Hold("GetUpdateListItems");
     std::vector<Result<PagePtr>> before;
     std::vector<Result<PagePtr>> after;
+    Pager pager(*session, ListKind::Update, NoPrefetch());
+    service.Hold("GetUpdateListItems");
     pager.At(0, Into(before));
     ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)"));
 
@@ -446,8 +585,8 @@ TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
 
 TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
 {
-    Pager pager(*session, ListKind::Database);
     std::vector<Result<int>> counts;
+    Pager pager(*session, ListKind::Database);
     pager.At(0,
              [&](const Result<PagePtr>& page)
              {
@@ -462,6 +601,25 @@ TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
 
     EXPECT_TRUE(RunLoopUntil([&] { return !counts.empty(); }));
     EXPECT_EQ(pager.Cached(50), nullptr);
+}
+
+TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<int>> counts;
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(pager, 0);
+    pager.At(10, Into(pages));
+    pager.At(50, Into(pages));
+    pager.Count(Into(counts));
+
+    pager.Refresh();
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(pager.Cached(0), nullptr);
+    RunLoopFor(20ms);
+    EXPECT_EQ(pages.size() + counts.size(), 3U);
 }
 
 TEST_F(PagerTest, WalksFiftyThousandEntries)

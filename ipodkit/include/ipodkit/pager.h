@@ -10,7 +10,7 @@
 /// or to a service that restarted is never handed out: the request completes with ErrorKind::Cancelled instead.
 ///
 /// **Context thread only.** Completions run in the session's context, exactly once, and never inside the operation
-/// that took them.
+/// that took them. They may end the pager.
 #pragma once
 
 #include <ipodkit/list_kind.h>
@@ -58,7 +58,8 @@ public:
 
     Pager(Session& session, ListKind kind, const PagerOptions& options = {});
 
-    /// Completes what is under way with ErrorKind::Cancelled.
+    /// Completes everything that was not completed yet with ErrorKind::Cancelled before it returns. These completions
+    /// must not use the pager any more. A change of level that was sent to the service is not taken back.
     ~Pager();
     Pager(const Pager&) = delete;
     Pager& operator=(const Pager&) = delete;
