@@ -2,7 +2,9 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <climits>
 #include <future>
+#include <stdexcept>
 #include <thread>
 
 #include "kit/kit_test.h"
@@ -125,6 +127,16 @@ TEST_F(PagerTest, TheLastPageIsShorter)
     EXPECT_EQ(Get(pager, 102).value()->names.size(), 3U);
     EXPECT_EQ(KindOf(Get(pager, 103)), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Get(pager, -1)), ErrorKind::BadArgument);
+}
+
+TEST(PageTest, HoldsTheLastEntryThatThereCanBe)
+{
+    const Page page{INT_MAX - 1, {"one", "last"}};
+
+    EXPECT_TRUE(page.Holds(INT_MAX));
+    EXPECT_EQ(page.At(INT_MAX), "last");
+    EXPECT_FALSE(page.Holds(INT_MIN));
+    EXPECT_THROW((void)page.At(INT_MIN), std::out_of_range);
 }
 
 TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)

@@ -34,10 +34,13 @@ struct Page
     bool folders = false;            ///< Database only: the entries can be entered
     bool root = false;               ///< Database only: this is the top level
 
-    bool Holds(int index) const { return index >= first && index < first + static_cast<int>(names.size()); }
+    bool Holds(int index) const { return index >= first && index - first < static_cast<int>(names.size()); }
 
     /// @throws std::out_of_range  when the page does not hold the entry
-    const std::string& At(int index) const { return names.at(static_cast<std::size_t>(index - first)); }
+    const std::string& At(int index) const
+    {
+        return names.at(Holds(index) ? static_cast<std::size_t>(index - first) : names.size());
+    }
 };
 
 using PagePtr = std::shared_ptr<const Page>;
