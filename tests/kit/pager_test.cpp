@@ -1,7 +1,10 @@
 #include <ipodkit/pager.h>
+#include <sys/resource.h>
 
 #include <algorithm>
+#include <climits>
 #include <future>
+#include <stdexcept>
 #include <thread>
 
 #include "kit/kit_test.h"
@@ -58,10 +61,37 @@ protected:
         return *result;
     }
 
+    // A completion that writes down what it is told.
+    template <class T>
+    static std::function<void(Result<T>)> Into(std::vector<Result<T>>& results)
+    {
+        return [&results](Result<T> result) { results.push_back(std::move(result)); };
+    }
+
+    template <class T>
+    static std::vector<ErrorKind> KindsOf(const std::vector<Result<T>>& results)
+    {
+        std::vector<ErrorKind> kinds;
+        for (const Result<T>& result : results) kinds.push_back(KindOf(result));
+        return kinds;
+    }
+
+    bool RunUntilCalled(const std::string& call, std::ptrdiff_t times = 1)
+    {
+        return RunLoopUntil([&] { return Calls(call) == times; });
+    }
+
     std::ptrdiff_t Calls(const std::string& call) const
     {
         const std::vector<std::string> calls = service.Calls();
         return std::count(calls.begin(), calls.end(), call);
+    }
+
+    // Answers the page that is held back with entries that are not those of the list.
+    void AnswerHeldPage(const std::string& name)
+    {
+        shared.SetList("VecDBListShareMemory", std::vector<std::string>(50, name));
+        service.AnswerHeld("(true, false, true)");
     }
 
     static PagerOptions NoPrefetch()
@@ -97,6 +127,16 @@ TEST_F(PagerTest, TheLastPageIsShorter)
     EXPECT_EQ(Get(pager, 102).value()->names.size(), 3U);
     EXPECT_EQ(KindOf(Get(pager, 103)), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Get(pager, -1)), ErrorKind::BadArgument);
+}
+
+TEST(PageTest, HoldsTheLastEntryThatThereCanBe)
+{
+    const Page page{INT_MAX - 1, {"one", "last"}};
+
+    EXPECT_TRUE(page.Holds(INT_MAX));
+    EXPECT_EQ(page.At(INT_MAX), "last");
+    EXPECT_FALSE(page.Holds(INT_MIN));
+    EXPECT_THROW((void)page.At(INT_MIN), std::out_of_range);
 }
 
 TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)
@@ -212,6 +252,32 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
     EXPECT_TRUE(*entered);
     EXPECT_EQ(outdated, 2);
     EXPECT_TRUE(Get(names, 0));
+}
+
+// Their turns, one inside the other, do not fit into the stack.
+TEST_F(PagerTest, AChangeOfLevelCancelsThousandsOfPages)
+{
+    constexpr int kPages = 30000;
+    rlimit stack{};
+    ASSERT_EQ(getrlimit(RLIMIT_STACK, &stack), 0);
+    stack.rlim_cur = std::min<rlim_t>(stack.rlim_cur, 1 << 20);
+    ASSERT_EQ(setrlimit(RLIMIT_STACK, &stack), 0);
+    SetSize(kPages);
+    service.Answer("EnterDbRoot", "(true,)");
+    PagerOptions single = NoPrefetch();
+    single.pageSize = 1;
+    Pager pager(*session, ListKind::Database, single);
+    (void)Get(pager, 0);
+    int cancelled = 0;
+    for (int i = 1; i < kPages; ++i)
+        pager.At(i, [&cancelled](const Result<PagePtr>& page) { cancelled += page ? 0 : 1; });
+    std::optional<Result<void>> entered;
+
+    pager.EnterRoot([&entered](Result<void> result) { entered = std::move(result); });
+
+    EXPECT_EQ(cancelled, kPages - 1);
+    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
+    EXPECT_TRUE(*entered);
 }
 
 TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
@@ -344,6 +410,228 @@ TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
     ASSERT_TRUE(result);
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
     RunLoopFor(20ms);
+}
+
+TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
+{
+    std::vector<Result<void>> entered;
+    service.Hold("EnterDbChildList");
+    Pager other(*session, ListKind::Database);
+    int outdated = 0;
+    const Subscription watching = other.OnOutdated("watching", [&outdated] { ++outdated; });
+    {
+        Pager pager(*session, ListKind::Database);
+        pager.EnterChild(3, Into(entered));
+        ASSERT_TRUE(RunUntilCalled("EnterDbChildList(3,)"));
+    }
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(outdated, 1);
+
+    service.AnswerHeld("(true,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return outdated == 2; }));
+    RunLoopFor(20ms);
+    EXPECT_EQ(entered.size(), 1U);
+}
+
+TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<void>> entered;
+    service.Hold("GetCurDbListItems");
+    Pager other(*session, ListKind::Database, NoPrefetch());
+    other.At(0, Into(pages));
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
+    {
+        Pager pager(*session, ListKind::Database);
+        pager.EnterChild(3, Into(entered));
+        RunLoopFor(20ms);
+    }
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+
+    AnswerHeldPage("x");
+    other.At(0, Into(pages));
+
+    EXPECT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)", 2));
+    EXPECT_EQ(Calls("EnterDbChildList(3,)"), 0);
+    EXPECT_EQ(entered.size(), 1U);
+}
+
+TEST_F(PagerTest, ItsEndCancelsWhatItKnowsAlready)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<int>> counts;
+    std::vector<Result<void>> entered;
+    {
+        Pager pager(*session, ListKind::Playing, NoPrefetch());
+        (void)Get(pager, 0);
+        pager.At(10, Into(pages));
+        pager.At(-1, Into(pages));
+        pager.Count(Into(counts));
+        pager.EnterRoot(Into(entered));
+    }
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    RunLoopFor(20ms);
+    EXPECT_EQ(pages.size() + counts.size() + entered.size(), 4U);
+}
+
+TEST_F(PagerTest, ItsEndInACompletionCancelsTheOthers)
+{
+    std::vector<Result<PagePtr>> pages;
+    auto pager = std::make_unique<Pager>(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(*pager, 0);
+    pager->At(50,
+              [&](const Result<PagePtr>& page)
+              {
+                  EXPECT_TRUE(page);
+                  pager.reset();
+                  EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+              });
+    pager->At(60, Into(pages));
+    pager->At(100, Into(pages));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return pager == nullptr; }));
+
+    RunLoopFor(20ms);
+    EXPECT_EQ(pages.size(), 2U);
+}
+
+TEST_F(PagerTest, MayEndInACompletionThatAChangeOfLevelCancels)
+{
+    std::vector<Result<void>> entered;
+    service.Answer("EnterDbRoot", "(true,)");
+    auto pager = std::make_unique<Pager>(*session, ListKind::Database);
+    pager->At(0, [&pager](const Result<PagePtr>&) { pager.reset(); });
+
+    pager->EnterRoot(Into(entered));
+
+    EXPECT_EQ(pager, nullptr);
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    RunLoopFor(20ms);
+    EXPECT_EQ(Calls("EnterDbRoot()"), 0);
+    EXPECT_EQ(entered.size(), 1U);
+}
+
+TEST_F(PagerTest, MayEndInACompletionThatRefreshCancels)
+{
+    std::vector<Result<PagePtr>> pages;
+    auto pager = std::make_unique<Pager>(*session, ListKind::Database, NoPrefetch());
+    (void)Get(*pager, 0);
+    pager->At(50,
+              [&](const Result<PagePtr>&)
+              {
+                  pager.reset();
+                  EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+              });
+    pager->At(60, Into(pages));
+    pager->At(100, Into(pages));
+
+    pager->Refresh();
+
+    EXPECT_EQ(pager, nullptr);
+    EXPECT_EQ(pages.size(), 2U);
+}
+
+TEST_F(PagerTest, AChangeOfLevelCancelsAPageFromTheCache)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<void>> entered;
+    service.Answer("EnterDbChildList", "(true,)");
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    (void)Get(pager, 0);
+    pager.At(10, Into(pages));
+
+    pager.EnterChild(3, Into(entered));
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_TRUE(RunLoopUntil([&] { return !entered.empty(); }));
+    EXPECT_EQ(pages.size(), 1U);
+}
+
+TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
+{
+    std::vector<Result<int>> before;
+    std::vector<Result<int>> after;
+    service.Hold("GetCurDbListItemsAmount");
+    Pager pager(*session, ListKind::Database);
+    pager.Count(Into(before));
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)"));
+
+    pager.Refresh();
+    EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
+    pager.Count(Into(after));
+    service.AnswerHeld("(1000,)");
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)", 2));
+    service.AnswerHeld("(10,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return !after.empty(); }));
+    EXPECT_EQ(after.at(0).value(), 10);
+    EXPECT_EQ(before.size(), 1U);
+}
+
+TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
+{
+    std::vector<Result<PagePtr>> before;
+    std::vector<Result<PagePtr>> after;
+    Pager pager(*session, ListKind::Update, NoPrefetch());
+    service.Hold("GetUpdateListItems");
+    pager.At(0, Into(before));
+    ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)"));
+
+    pager.Refresh();
+    EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
+    pager.At(0, Into(after));
+    shared.SetList("VecUpdateListShareMemory", {"old"});
+    service.AnswerHeld("(true,)");
+    ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)", 2));
+    shared.SetList("VecUpdateListShareMemory", {"new"});
+    service.AnswerHeld("(true,)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return !after.empty(); }));
+    EXPECT_EQ(after.at(0).value()->At(0), "new");
+    EXPECT_EQ(before.size(), 1U);
+}
+
+TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
+{
+    std::vector<Result<int>> counts;
+    Pager pager(*session, ListKind::Database);
+    pager.At(0,
+             [&](const Result<PagePtr>& page)
+             {
+                 EXPECT_TRUE(page);
+                 service.Hold("GetCurDbListItems");
+             });
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(50, 99)"));
+
+    pager.Refresh();
+    pager.Count(Into(counts));
+    AnswerHeldPage("old");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return !counts.empty(); }));
+    EXPECT_EQ(pager.Cached(50), nullptr);
+}
+
+TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
+{
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<int>> counts;
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    (void)Get(pager, 0);
+    pager.At(10, Into(pages));
+    pager.At(50, Into(pages));
+    pager.Count(Into(counts));
+
+    pager.Refresh();
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(pager.Cached(0), nullptr);
+    RunLoopFor(20ms);
+    EXPECT_EQ(pages.size() + counts.size(), 3U);
 }
 
 TEST_F(PagerTest, WalksFiftyThousandEntries)

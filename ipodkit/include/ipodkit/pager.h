@@ -10,12 +10,13 @@
 /// or to a service that restarted is never handed out: the request completes with ErrorKind::Cancelled instead.
 ///
 /// **Context thread only.** Completions run in the session's context, exactly once, and never inside the operation
-/// that took them.
+/// that took them. They may end the pager.
 #pragma once
 
 #include <ipodkit/list_kind.h>
 #include <ipodkit/session.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -33,8 +34,13 @@ struct Page
     bool folders = false;            ///< Database only: the entries can be entered
     bool root = false;               ///< Database only: this is the top level
 
-    bool Holds(int index) const { return index >= first && index < first + static_cast<int>(names.size()); }
-    const std::string& At(int index) const { return names.at(static_cast<std::size_t>(index - first)); }
+    bool Holds(int index) const { return index >= first && index - first < static_cast<int>(names.size()); }
+
+    /// @throws std::out_of_range  when the page does not hold the entry
+    const std::string& At(int index) const
+    {
+        return names.at(Holds(index) ? static_cast<std::size_t>(index - first) : names.size());
+    }
 };
 
 using PagePtr = std::shared_ptr<const Page>;
@@ -55,7 +61,8 @@ public:
 
     Pager(Session& session, ListKind kind, const PagerOptions& options = {});
 
-    /// Completes what is under way with ErrorKind::Cancelled.
+    /// Completes everything that was not completed yet with ErrorKind::Cancelled before it returns. These completions
+    /// must not use the pager any more. A change of level that was sent to the service is not taken back.
     ~Pager();
     Pager(const Pager&) = delete;
     Pager& operator=(const Pager&) = delete;
@@ -77,7 +84,8 @@ public:
     void EnterChild(int index, Completion completion);
     /// @}
 
-    /// Forgets everything; for lists that changed without an event.
+    /// Forgets everything; for lists that changed without an event. What was asked for before is cancelled, before
+    /// this returns, and its answer is dropped when it comes; what is asked for afterwards is asked of the service.
     void Refresh();
 
     /// Called when everything that was handed out is outdated: the level, the list, the device or the service changed.

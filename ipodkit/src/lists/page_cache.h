@@ -4,8 +4,10 @@
 
 #include <ipodkit/pager.h>
 
+#include <algorithm>
 #include <list>
 #include <unordered_map>
+#include <utility>
 
 namespace ipodkit
 {

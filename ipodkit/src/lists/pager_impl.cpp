@@ -1,5 +1,8 @@
 #include "lists/pager_impl.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "loop/context.h"
 
 namespace ipodkit
@@ -25,7 +28,8 @@ Pager::Impl::Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const P
       m_kind(kind),
       m_options(options),
       m_lane(m_session->ListLanes().Of(kind)),
-      m_cache(options.cachedPages)
+      m_cache(options.cachedPages),
+      m_answers(m_session->CallbackGuard())
 {
     m_options.pageSize = std::max(m_options.pageSize, 1);
 }
@@ -46,8 +50,11 @@ void Pager::Impl::Refresh()
 
 void Pager::Impl::End()
 {
+    const Error error{ErrorKind::Cancelled, "the pager ended"};
     m_watch.Reset();
-    Forget({ErrorKind::Cancelled, "the pager ended"});
+    for (auto& [number, completion] : std::exchange(m_changes, {}))
+        m_answers.Add<void>(std::move(completion), tl::unexpected<Error>(error));
+    Forget(error);
 }
 
 Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> callback)
@@ -56,27 +63,26 @@ Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> cal
 }
 
 template <class T>
-void Pager::Impl::Tell(const std::function<void(Result<T>)>& completion, const Result<T>& result) const
+void Pager::Impl::TellLater(std::function<void(Result<T>)> completion, Result<T> result)
 {
-    m_session->CallbackGuard().Run("pager", [&] { completion(result); });
+    m_answers.Add<T>(std::move(completion), std::move(result));
+    Post(m_session->Context(),
+         [weak = weak_from_this()]
+         {
+             if (const auto self = weak.lock()) self->m_answers.TellFirst();
+         });
 }
 
-template <class T>
-void Pager::Impl::TellLater(std::function<void(Result<T>)> completion, Result<T> result) const
-{
-    Post(m_session->Context(), [guard = m_session->CallbackGuard(), completion = std::move(completion),
-                                result = std::move(result)] { guard.Run("pager", [&] { completion(result); }); });
-}
-
-// An answer that belongs to a list that became another one meanwhile is dropped: who waited for it has been told.
+// An answer to what was asked before all was forgotten, or that belongs to a list that became another one meanwhile,
+// is dropped: who waited for it has been told.
 template <class T>
 void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived)
 {
     const auto held = std::make_shared<Request<T>>(std::move(request));
-    const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch()]
+    const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch(), round = m_round]
     {
         const auto self = weak.lock();
-        return self != nullptr && self->m_lane->Epoch() == epoch ? self : nullptr;
+        return self != nullptr && self->m_lane->Epoch() == epoch && self->m_round == round ? self : nullptr;
     };
     m_lane->Wait(
         [held, arrived = std::move(arrived), current, session = m_session](const Lane::Release& release)
@@ -92,16 +98,21 @@ void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&
         });
 }
 
-// Each is told that its list is gone, also by callbacks that ask again meanwhile.
+// Each is told that its list is gone, what is known already is not told any more. Callbacks may ask again meanwhile,
+// and end the pager.
 void Pager::Impl::Forget(const Error& error)
 {
+    const auto self = shared_from_this();
+    ++m_round;
     m_cache.Clear();
     m_count.reset();
-    const auto counts = std::exchange(m_counts, {});
-    const auto pages = std::exchange(m_pages, {});
-    for (const auto& completion : counts) Tell<int>(completion, tl::unexpected<Error>(error));
-    for (const auto& [number, completions] : pages)
-        for (const auto& completion : completions) Tell<PagePtr>(completion, tl::unexpected<Error>(error));
+    m_answers.Replace(error);
+    for (auto& completion : std::exchange(m_counts, {}))
+        m_answers.Add<int>(std::move(completion), tl::unexpected<Error>(error));
+    for (auto& [number, completions] : std::exchange(m_pages, {}))
+        for (auto& completion : completions)
+            m_answers.Add<PagePtr>(std::move(completion), tl::unexpected<Error>(error));
+    m_answers.TellAll();
 }
 
 Request<int> Pager::Impl::AskForCount() const
@@ -127,7 +138,8 @@ void Pager::Impl::FetchCount()
 void Pager::Impl::CountArrived(const Result<int>& count)
 {
     if (count) m_count = *count;
-    for (const auto& completion : std::exchange(m_counts, {})) Tell<int>(completion, count);
+    for (auto& completion : std::exchange(m_counts, {})) m_answers.Add<int>(std::move(completion), count);
+    m_answers.TellAll();
 }
 
 // The size comes first: without it nobody knows how long a page must be.
@@ -136,9 +148,9 @@ void Pager::Impl::At(int index, PageCompletion completion)
     if (index < 0) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
     if (m_count || !HasCount()) return PageWanted(index, std::move(completion));
     Count(
-        [self = shared_from_this(), index, completion = std::move(completion)](const Result<int>& count)
+        [this, index, completion = std::move(completion)](const Result<int>& count)
         {
-            if (count) return self->PageWanted(index, completion);
+            if (count) return PageWanted(index, completion);
             completion(tl::unexpected<Error>(count.error()));
         });
 }
@@ -180,10 +192,11 @@ void Pager::Impl::PageArrived(int number, const Result<PageHead>& head)
         m_cache.Put(number, *page);
     else if (page.error().kind == ErrorKind::BadReply)
         m_count.reset();
-    const auto waiting = m_pages.extract(number);
+    auto waiting = m_pages.extract(number);
     if (waiting.empty() || waiting.mapped().empty()) return;
     if (page) Prefetch(number);
-    for (const auto& completion : waiting.mapped()) Tell<PagePtr>(completion, page);
+    for (auto& completion : waiting.mapped()) m_answers.Add<PagePtr>(std::move(completion), page);
+    m_answers.TellAll();
 }
 
 Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
@@ -213,26 +226,45 @@ void Pager::Impl::Prefetch(int number)
     }
 }
 
-// Outdates at once, so that nothing of the old level is shown, and again when it is done, because the other pagers
-// may have asked in between.
+// Outdates at once, so that nothing of the old level is shown. Whom that tells may end the pager, which withdraws what
+// was not sent yet.
 void Pager::Impl::Enter(Request<void> request, Completion completion)
 {
     if (!IsDatabase())
         return TellLater<void>(std::move(completion),
                                tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));
-    const Guard guard = m_session->CallbackGuard();
+    const auto self = shared_from_this();
     const auto held = std::make_shared<Request<void>>(std::move(request));
-    m_lane->Outdate(guard);
+    const std::uint64_t number = ++m_lastChange;
+    m_changes.emplace(number, std::move(completion));
+    m_lane->Outdate(m_session->CallbackGuard());
     m_lane->Wait(
-        [held, completion = std::move(completion), lane = m_lane, guard](const Lane::Release& release)
+        [weak = weak_from_this(), number, held](const Lane::Release& release)
         {
-            std::move(*held).Start(
-                [completion, lane, guard, release](const Result<void>& result)
-                {
-                    lane->Outdate(guard);
-                    release();
-                    guard.Run("pager", [&] { completion(result); });
-                });
+            const auto waiting = weak.lock();
+            if (waiting == nullptr || waiting->m_changes.count(number) == 0) return release();
+            waiting->SendChange(number, std::move(*held), release);
         });
+}
+
+// Outdates again when it is done, because the other pagers may have asked in between; also when this one has ended.
+void Pager::Impl::SendChange(std::uint64_t number, Request<void> request, const Lane::Release& release)
+{
+    std::move(request).Start(
+        [weak = weak_from_this(), number, lane = m_lane, guard = m_session->CallbackGuard(),
+         release](const Result<void>& result)
+        {
+            lane->Outdate(guard);
+            release();
+            if (const auto self = weak.lock()) self->Changed(number, result);
+        });
+}
+
+void Pager::Impl::Changed(std::uint64_t number, const Result<void>& result)
+{
+    auto change = m_changes.extract(number);
+    if (change.empty()) return;
+    m_answers.Add<void>(std::move(change.mapped()), result);
+    m_answers.TellAll();
 }
 }  // namespace ipodkit

@@ -7,13 +7,15 @@
 #include <map>
 
 #include "commands/requests.h"
+#include "lists/answers.h"
 #include "lists/page_cache.h"
 #include "session/lanes.h"
 #include "session/session_impl.h"
 
 namespace ipodkit
 {
-/// Context thread only. Whatever waits for an answer stands in m_counts or m_pages until it completes.
+/// Context thread only. Each completion stands in m_counts, m_pages or m_changes until its answer is known, and in
+/// m_answers until it is told; the pager's end finds it there.
 class Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
 {
 public:
@@ -30,8 +32,6 @@ public:
     Commands Ask() const { return m_session->MakeCommands(); }
 
 private:
-    using Arrived = std::function<void()>;
-
     bool IsDatabase() const { return m_kind == ListKind::Database || m_kind == ListKind::DatabasePinyin; }
     bool HasCount() const { return m_kind != ListKind::Update && m_kind != ListKind::UpdatePinyin; }
     int NumberOf(int index) const { return m_kind == ListKind::Devices ? 0 : index / m_options.pageSize; }
@@ -46,13 +46,13 @@ private:
     void PageArrived(int number, const Result<PageHead>& head);
     Result<PagePtr> MakePage(int number, const PageHead& head) const;
     void Prefetch(int number);
+    void SendChange(std::uint64_t number, Request<void> request, const Lane::Release& release);
+    void Changed(std::uint64_t number, const Result<void>& result);
 
     template <class T>
     void InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived);
     template <class T>
-    void Tell(const std::function<void(Result<T>)>& completion, const Result<T>& result) const;
-    template <class T>
-    void TellLater(std::function<void(Result<T>)> completion, Result<T> result) const;
+    void TellLater(std::function<void(Result<T>)> completion, Result<T> result);
 
     const std::shared_ptr<Session::Impl> m_session;
     const ListKind m_kind;
@@ -60,9 +60,13 @@ private:
     const std::shared_ptr<Lane> m_lane;
     PageCache m_cache;
     Subscription m_watch;
+    std::uint64_t m_round = 0;  // grows whenever all is forgotten
     std::optional<int> m_count;
     std::vector<CountCompletion> m_counts;
     std::map<int, std::vector<PageCompletion>> m_pages;
+    std::map<std::uint64_t, Completion> m_changes;  // of level
+    std::uint64_t m_lastChange = 0;
+    Answers m_answers;
     int m_lastNumber = 0;
 };
 }  // namespace ipodkit

@@ -14,9 +14,18 @@ void Lane::Outdate(const Guard& guard)
     m_watchers.ForEach(guard, [](const std::function<void()>& watcher) { watcher(); });
 }
 
+// One after the other, those too that give theirs back at once: one inside the other, many would fill the stack.
 void Lane::Next()
 {
-    if (m_taken || m_waiting.empty()) return;
+    if (m_running) return;
+    const auto self = shared_from_this();
+    m_running = true;
+    while (!m_taken && !m_waiting.empty()) RunFirst();
+    m_running = false;
+}
+
+void Lane::RunFirst()
+{
     m_taken = true;
     const Turn turn = std::move(m_waiting.front());
     m_waiting.pop_front();

@@ -32,10 +32,12 @@ public:
 
 private:
     void Next();
+    void RunFirst();
 
     std::deque<Turn> m_waiting;
     Registry<std::function<void()>> m_watchers;
     std::uint64_t m_epoch = 0;
     bool m_taken = false;
+    bool m_running = false;
 };
 }  // namespace ipodkit

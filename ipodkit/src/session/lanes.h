@@ -6,6 +6,8 @@
 #include <ipodkit/list_kind.h>
 
 #include <array>
+#include <cstddef>
+#include <memory>
 
 #include "loop/lane.h"
 
