@@ -54,6 +54,7 @@ private:
     void Judge(const ipodkit::Connection& connection);
     void Tell(const char* state, const std::string& what);
     void Begin();
+    Ending AwaitEvents();
     void AwaitCommands(Ending ending);
 
     Context& m_context;
@@ -116,13 +117,8 @@ void Follower::Judge(const ipodkit::Connection& connection)
     if (news) m_told = connection.phase;
 }
 
-// The time that was given is for the events; commands that were started may end.
-void Follower::AwaitCommands(Ending ending)
-{
-    while (ending != Ending::Interrupted && !m_presentation->IsDone()) ending = m_loop.Run(0);
-}
-
-Answer Follower::Run()
+// Events that come later are not taken.
+Ending Follower::AwaitEvents()
 {
     ipodkit::Session& session = KitFor(m_context.session, m_following.wait);
     const auto listening = session.Listen("ipodctl", m_listener);
@@ -136,10 +132,29 @@ Answer Follower::Run()
         const double left = static_cast<double>(end - g_get_monotonic_time()) / G_USEC_PER_SEC;
         ending = m_loop.Run(limits.seconds > 0 ? std::max(left, 0.001) : 0);
     } while (ending == Ending::Finished && !m_enough);
+    return ending;
+}
+
+// The events that were waited for all get their command. The time that was given is for the events: a command that was
+// started may end.
+void Follower::AwaitCommands(Ending ending)
+{
+    while (!m_presentation->IsDone())
+    {
+        if (ending == Ending::TimedOut) m_presentation->Drop();
+        if (ending == Ending::Interrupted) m_presentation->Stop(m_loop.Signal());
+        ending = m_loop.Run(0);
+    }
+}
+
+Answer Follower::Run()
+{
+    const Ending ending = AwaitEvents();
     m_context.out.Finish();
     AwaitCommands(ending);
     m_context.session.FlushLog();
     if (ending != Ending::TimedOut || !HasGoal()) return {};
+    const Limits& limits = m_following.limits;
     throw Failure(kNothingDone, (limits.until.empty() ? "only " + std::to_string(m_seen) + " of " +
                                                             std::to_string(limits.count) + " events came"
                                                       : "no event '" + limits.until + "' came") +

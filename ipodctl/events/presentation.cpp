@@ -76,6 +76,8 @@ public:
 
     void Begin(const ipodkit::PlayerState& state) override { m_fields.Reset(state); }
     bool IsDone() const override { return m_queue.IsIdle(); }
+    void Drop() override { m_queue.Drop(); }
+    void Stop(int signal) override { m_queue.Stop(signal); }
 
     void Take(const Event& event, bool wanted) override
     {

@@ -553,6 +553,41 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(check(json.loads(lines[1]), SCHEMA), [])
         self.assertEqual(json.loads(lines[3])["percent"], 6)
 
+    def test_an_interrupt_ends_the_command_and_all_that_it_started_and_begins_no_other(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(number):
+                process = self.follow("events", "battery", "--exec", 'echo "$IPOD_PERCENT"; sleep 300; echo survived')
+                self.tell("battery", "--level", "5")
+                self.tell("battery", "--level", "6")
+                self.assertEqual(line_within(process.stdout, LIMIT), b"5\n")
+                process.send_signal(number)
+                # The end of the output comes when the last one that could write is gone.
+                out, err = process.communicate(timeout=LIMIT)
+                self.assertEqual((process.returncode, out), (DONE, b""))
+                self.assertNotIn(b"ipodctl:", err)
+
+    def test_a_command_that_ignores_the_first_interrupt_is_killed_by_the_second(self):
+        process = self.follow("events", "battery", "--exec", "trap '' INT; echo begun; sleep 300; echo survived")
+        self.tell("battery", "--level", "5")
+        self.assertEqual(line_within(process.stdout, LIMIT), b"begun\n")
+        process.send_signal(signal.SIGINT)
+        with self.assertRaises(subprocess.TimeoutExpired):
+            process.wait(0.5)
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.communicate(timeout=LIMIT)[0], b"")
+        self.assertEqual(process.returncode, DONE)
+
+    def test_a_command_that_is_slower_than_its_events_does_not_go_on_when_the_time_is_up(self):
+        began = time.monotonic()
+        self.tell("battery", "--level", "5")
+        once = time.monotonic() - began
+        process = self.follow("events", "battery", "--timeout", str(0.5 + 3 * once), "--exec",
+                              f'echo "$IPOD_PERCENT"; sleep {1 + 3 * once}; echo ended')
+        self.tell("battery", "--level", "6")
+        self.tell("battery", "--level", "7")
+        out, _ = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (DONE, b"6\nended\n"))
+
     def test_following_ends_with_its_time(self):
         self.assertEqual(self.run_ctl("events", "--no-progress", "--timeout", "0.3"), b"")
         self.assertIn("0 of 2", self.refused("events", "--count", "2", "--timeout", "0.3", code=NOTHING_DONE))
