@@ -118,6 +118,12 @@ class WithoutAService(OnABus):
             with self.subTest(words):
                 self.assertIn("no text in UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
 
+    def test_files_without_an_end_are_told(self):
+        for words in (["sim", "scenario"], ["sim", "eap-data", "1", "--file"], ["eap", "write", "1"]):
+            with self.subTest(words):
+                self.assertRegex(self.refused(*words, "/dev/zero", code=USAGE),
+                                 r"^cannot use '/dev/zero': it is longer than \d+ bytes$")
+
     def test_help_and_version_need_nothing(self):
         self.assertIn("Exit codes:", self.text("--help"))
         self.assertRegex(self.text("--version"), r"^ipodctl \d+\.\d+\.\d+\n$")
