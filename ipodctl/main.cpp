@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <sstream>
 
 #include "output/text.h"
 #include "verbs/command_line.h"
@@ -89,10 +90,18 @@ std::string Complaint(const CLI::App& app, const CLI::ParseError& error)
     return (unknown.front().front() == '-' ? "unknown option '" : "unknown verb '") + unknown.front() + "'";
 }
 
+int ShowHelp(const CLI::App& app, const CLI::ParseError& error)
+{
+    std::ostringstream text;
+    const int code = app.exit(error, text, text);
+    Output(false).Text(text.str());
+    return code;
+}
+
 // Help and version are "errors" with code 0 to the parser.
 int ReportParsing(const CLI::App& app, const CLI::ParseError& error, const Options& options)
 {
-    if (error.get_exit_code() == 0) return app.exit(error);
+    if (error.get_exit_code() == 0) return ShowHelp(app, error);
     return Report(options, kUsage, Complaint(app, error) + "; " + CommandOf(app) + " --help shows the usage");
 }
 
@@ -136,11 +145,11 @@ int Main(int argc, char** argv)
     }
 }
 
-// A descriptor that is closed would be taken by the next file that is opened.
+// A descriptor that is closed would be taken by the next file that is opened. What is written there still fails.
 void OpenStandardStreams()
 {
     int opened = 0;
-    while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDWR);
+    while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDONLY);
     if (opened > STDERR_FILENO) close(opened);
 }
 }  // namespace

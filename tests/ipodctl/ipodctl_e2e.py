@@ -70,6 +70,13 @@ class OnABus(unittest.TestCase):
         return answer["error"]["message"]
 
 
+    def assert_output_is_told(self, words, redirection, reason, **options):
+        done = subprocess.run(f"'{OPTIONS.ipodctl}' {words} {redirection}", env=self.bus.environment, shell=True,
+                              stderr=subprocess.PIPE, timeout=LIMIT, check=False, **options)
+        self.assertEqual((done.returncode, done.stderr.decode()),
+                         (NOTHING_DONE, f"ipodctl: cannot write to standard output: {reason}\n"))
+
+
 class WithoutAService(OnABus):
     def test_no_bus_is_told(self):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
@@ -117,6 +124,12 @@ class WithoutAService(OnABus):
                       ["call", "--name"], ["carplay", "on", "--serial"], ["wireless", "on", "--address"]):
             with self.subTest(words):
                 self.assertIn("no text in UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
+
+    def test_an_output_that_takes_nothing_is_told(self):
+        for redirection, reason in ((">/dev/full", "No space left on device"), (">&-", "Bad file descriptor")):
+            for word in ("--help", "--version", "fingerprint"):
+                with self.subTest((word, redirection)):
+                    self.assert_output_is_told(word, redirection, reason)
 
     def test_files_without_an_end_are_told(self):
         for words in (["sim", "scenario"], ["sim", "eap-data", "1", "--file"], ["eap", "write", "1"]):
@@ -641,6 +654,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_bridge_carries_bytes_both_ways_and_ends_with_its_input(self):
         data = bytes(range(256)) * 2000
         self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
+
+    def test_a_bridge_whose_output_is_full_is_told(self):
+        self.assert_output_is_told("eap bridge", ">/dev/full", "No space left on device", input=b"hi")
 
     def test_a_bridge_ends_with_the_session(self):
         process = self.start("--verbose", "eap", "bridge", "--no-launch", stdin=subprocess.PIPE)
