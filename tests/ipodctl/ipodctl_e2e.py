@@ -942,6 +942,19 @@ class WithTheSimulator(OnABusWithTheSimulator):
         shown = self.on_terminal("events", "--count", "2", "--timeout", str(LIMIT), LC_ALL="C.UTF-8")
         self.assertRegex(shown, r"^(\r\033\[K━*╸?─* 0:0\d / \d+:\d\d){2}\r\n$")
 
+    def test_progress_keeps_within_a_terminal_that_was_made_narrower(self):
+        self.play_first_song()
+        main, terminal = pty.openpty()
+        self.addCleanup(os.close, main)
+        fcntl.ioctl(main, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
+        process = subprocess.Popen([OPTIONS.ipodctl, "events", "progress", "--count", "2"], stdout=terminal,
+                                   env={**self.bus.environment, "TERM": "xterm", "LC_ALL": "C"})
+        os.close(terminal)
+        self.assertGreater(len(os.read(main, 4096).removeprefix(b"\r\033[K")), 40)
+        fcntl.ioctl(main, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 40, 0, 0))
+        self.assertLessEqual(len(os.read(main, 4096).removeprefix(b"\r\033[K").rstrip()), 40)
+        self.assertEqual(process.wait(timeout=LIMIT), DONE)
+
     def on_terminal(self, *words, size=None, interrupt_at=None, **environment):
         main, terminal = pty.openpty()
         if size:
