@@ -208,7 +208,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual((status["state"], status["index"], status["track"]), ("stopped", -1, None))
         for words in (["info"], ["next"], ["previous"], ["pause"], ["seek", "5"], ["art"]):
             with self.subTest(words):
-                self.refused(*words, code=NOTHING_DONE)
+                self.assertEqual(self.refused(*words, code=NOTHING_DONE),
+                                 "nothing is loaded; start with ipodctl play INDEX")
 
     def test_a_song_is_played_by_its_index_and_by_its_name(self):
         by_index = self.play_first_song()
