@@ -476,6 +476,22 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
         self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=USAGE))
 
+    def test_a_picture_that_the_shared_memory_has_no_room_for_is_told(self):
+        self.tell("eap-open")
+        data = os.path.join(self.folder.name, "data")
+        with open(data, "wb") as file:
+            file.write(bytes(1030000))
+        self.tell("eap-data", "1", "--file", data)
+        self.assertTrue(self.play_first_song()["track"]["picture"])
+        self.assertIn("has a picture, but the service did not hand it over", self.refused("art", code=NOTHING_DONE))
+
+    def test_a_picture_that_is_not_handed_over_whole_is_told(self):
+        self.play_first_song()
+        self.tell("fault", "half-filled@GetPlayingTrackAlbumArtwork")
+        self.assertIn("the picture has no end after ", self.refused("art", "half.png", code=SERVICE_LOST))
+        self.assertEqual(os.listdir(self.folder.name), [])
+        self.assertIn("300 x 300, incomplete\n", self.text("info"))
+
     def test_a_folder_gets_the_picture_under_a_name_of_its_own(self):
         self.play_first_song()
         folder = os.path.join(self.folder.name, "pictures")
