@@ -103,11 +103,13 @@ IQBXIpodPlayer& Session::Player()
     return *QBX_GetIpodPlayer();
 }
 
-// Lists of a service that is gone are cancelled by the companion; people want to know why.
+// Lists of a service that is gone are cancelled by the companion as those that became others; people want to know why.
 ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
 {
     const bool lost = m_kit != nullptr && m_kit->Connection().phase == ipodkit::Phase::Lost;
-    return lost ? ipodkit::Error{ipodkit::ErrorKind::ServiceLost, error.reason} : error;
+    if (!lost) return error;
+    const bool cancelled = error.kind == ipodkit::ErrorKind::Cancelled;
+    return {ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus while it was asked" : error.reason};
 }
 
 // The bus may know how to start the service.

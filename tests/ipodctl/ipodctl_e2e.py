@@ -922,6 +922,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
         self.assertIn(b"went away", err)
 
+    def test_a_service_that_dies_during_a_list_is_told_by_one_reason(self):
+        self.run_ctl("cd", "/Songs")
+        self.tell("fault", "crash@GetCurDbListItems")
+        process = self.start("ls")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
+        self.assertEqual(err.decode(), "ipodctl: the iPod service went away: it left the bus while it was asked; "
+                                       "see whether it runs, then try again\n")
+
     def test_a_bus_that_goes_away_while_events_are_followed_is_told(self):
         process = self.follow("events", "--no-progress")
         self.bus.daemon.kill()
