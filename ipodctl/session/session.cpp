@@ -24,6 +24,12 @@ bool IsAnswerOfService(const std::string& reason)
                         });
 }
 
+// In the words of GLib, which compares the type of each answer with the contract.
+bool IsBrokenAnswer(const std::string& reason)
+{
+    return reason.find(" returned type ") != std::string::npos;
+}
+
 // Whether it got there; what stands in the way ends the run.
 bool IsReady(const ipodkit::Connection& connection)
 {
@@ -137,6 +143,7 @@ void Session::CheckCall()
 {
     const std::string reason = m_log.TakeFailure();
     if (!reason.empty() && IsAnswerOfService(reason)) throw Failure(kNothingDone, "the service refused: " + reason);
+    if (IsBrokenAnswer(reason)) throw Failure(kServiceLost, "the iPod service sent a broken answer: " + reason);
     if (reason.empty() && (m_log.readable() || IsServiceThere())) return;
     const std::string what = IsServiceThere() ? "the iPod service did not answer" : "the iPod service went away";
     throw Failure(kServiceLost, what + (reason.empty() ? "" : ": " + reason) + "; see whether it runs, then try again");

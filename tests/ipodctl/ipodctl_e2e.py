@@ -889,7 +889,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
             self.assertIn("GDBus.Error:com.example.Busy: ", self.refused(*words, code=NOTHING_DONE))
         self.tell("clear-faults")
         self.tell("fault", "wrong-type")
-        self.assertIn("broken answer", self.refused("status", code=SERVICE_LOST))
+        for words in (["status"], ["bench", "--count", "1"]):
+            self.assertIn("sent a broken answer", self.refused(*words, code=SERVICE_LOST))
 
     def test_a_simulator_that_hangs_is_told_after_the_deadline(self):
         self.simulator.send_signal(signal.SIGSTOP)
