@@ -1,11 +1,10 @@
 #include "events/follow.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "events/presentation.h"
-#include "output/text.h"
 #include "session/loop.h"
+#include "session/service_news.h"
 
 namespace ctl
 {
@@ -85,19 +84,15 @@ void Follower::Take(const Event& event)
     if (m_enough) m_loop.Finish();
 }
 
-// For people on standard error; for programs a line of the same kind as the events.
 void Follower::Tell(const char* state, const std::string& what)
 {
-    const Moment now = Moment::Now();
-    if (m_context.out.json() && m_following.command.empty() && m_following.format.empty())
-        return m_context.out.Line({{"time", now.full}, {"event", "service"}, {"state", state}, {"text", what}}, "");
-    m_context.out.Finish();
-    std::fprintf(stderr, "ipodctl: %s  %s\n", now.clock.c_str(), Printable(what).c_str());
+    const bool lines = m_context.out.json() && m_following.command.empty() && m_following.format.empty();
+    TellOfService(m_context.out, lines, state, what);
 }
 
 void Follower::Begin()
 {
-    if (m_told != Phase::Ready) Tell("ready", "the iPod service is there; following its events");
+    if (m_told != Phase::Ready) Tell("ready", kServiceIsThere);
     m_told = Phase::Ready;
     m_presentation->Begin(*m_context.session.Kit().State());
 }
@@ -111,8 +106,7 @@ void Follower::Judge(const ipodkit::Connection& connection)
     const bool news = connection.phase != m_told && connection.phase != Phase::Connecting;
     if (connection.error && connection.error->reason != m_trouble) Tell("trouble", connection.error->reason);
     m_trouble = connection.error ? connection.error->reason : "";
-    if (news && connection.phase == Phase::Lost)
-        Tell("lost", "the iPod service left the bus; waiting for it to come back");
+    if (news && connection.phase == Phase::Lost) Tell("lost", kServiceLeft);
     if (news && connection.phase == Phase::Absent) Tell("absent", "there is no iPod service yet; waiting for it");
     if (news) m_told = connection.phase;
 }

@@ -256,6 +256,29 @@ class WithTheSimulator(OnABusWithTheSimulator):
         for line in lines:
             self.assertEqual(check(json.loads(line), SCHEMA), [])
 
+    def test_a_restart_is_told_between_the_answers_of_a_watched_status(self):
+        self.play_first_song()
+        process = self.follow("status", "--watch")
+        self.await_line(process.stdout, b"playing")
+        self.restart_simulator()
+        self.await_line(process.stderr, b"left the bus; waiting for it to come back")
+        self.await_line(process.stderr, b"the iPod service is there")
+        self.await_line(process.stdout, b"stopped")
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+
+    def test_a_restart_is_a_line_between_the_answers_in_json(self):
+        process = self.follow("--json", "status", "--watch")
+        self.await_line(process.stdout, b'"verb"')
+        self.restart_simulator()
+        self.await_line(process.stdout, b'"ready"', keep=(lines := []))
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        for line in lines:
+            self.assertEqual(check(json.loads(line), SCHEMA), [])
+        self.assertIn("lost", [json.loads(line).get("state") for line in lines])
+
     def test_watching_ends_well_also_while_the_service_is_asked(self):
         self.play_first_song()
         began = time.monotonic()
