@@ -765,7 +765,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
                       self.refused("eap", "bridge", "--socket", "/nonexistent/socket", code=USAGE))
         with open(os.path.join(self.folder.name, "file"), "w", encoding="utf-8"):
             pass
-        self.assertIn("cannot make the socket", self.refused("eap", "bridge", "--socket", "file", code=USAGE))
+        self.assertIn("cannot make the socket 'file': it is there already and is no socket",
+                      self.refused("eap", "bridge", "--socket", "file", code=USAGE))
 
     def test_bytes_that_cannot_be_sent_are_told(self):
         self.assertIn("session 77", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
