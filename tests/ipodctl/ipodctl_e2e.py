@@ -440,6 +440,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("no 'Nobody'", self.refused("play", "Nobody", code=USAGE))
         self.assertIn("no ''", self.refused("play", "", code=USAGE))
 
+    def test_a_page_of_another_size_is_told_with_what_may_have_caused_it(self):
+        self.run_ctl("cd", "/Songs")
+        self.tell("fault", "half-filled@GetCurDbListItems")
+        self.assertIn("a page of 12 entries instead of 24; another application may have read a list at the same time",
+                      self.refused("ls", code=SERVICE_LOST))
+
     # The playing list
 
     def test_the_playing_list_is_shown_with_a_mark_and_jumped_within(self):
