@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <sstream>
 
 #include "output/text.h"
 #include "verbs/command_line.h"
@@ -81,18 +82,40 @@ std::string CommandOf(const CLI::App& app)
     return app.get_name() + (chosen.empty() ? "" : " " + CommandOf(*chosen.front()));
 }
 
+const CLI::App& Chosen(const CLI::App& app)
+{
+    const auto chosen = app.get_subcommands();
+    return chosen.empty() ? app : Chosen(*chosen.front());
+}
+
+bool WantsVerb(const CLI::App& app)
+{
+    return !Chosen(app).get_subcommands([](const CLI::App*) { return true; }).empty();
+}
+
 // That something is missing says little where something else was given in its place.
 std::string Complaint(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::vector<std::string> unknown = app.remaining(true);
-    if (unknown.empty() || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) return error.what();
+    const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+    if (unknown.empty() && missing && WantsVerb(app)) return "no verb is given";
+    if (unknown.empty() || !(missing || error.get_exit_code() == 0)) return error.what();
     return (unknown.front().front() == '-' ? "unknown option '" : "unknown verb '") + unknown.front() + "'";
 }
 
-// Help and version are "errors" with code 0 to the parser.
+int ShowHelp(const CLI::App& app, const CLI::ParseError& error)
+{
+    std::ostringstream text;
+    const int code = app.exit(error, text, text);
+    Output(false).Text(text.str());
+    return code;
+}
+
+// Help and version are "errors" with code 0 to the parser. Help for a verb that there is not is not that of all verbs.
 int ReportParsing(const CLI::App& app, const CLI::ParseError& error, const Options& options)
 {
-    if (error.get_exit_code() == 0) return app.exit(error);
+    const bool wrongVerb = WantsVerb(app) && !app.remaining(true).empty();
+    if (error.get_exit_code() == 0 && !wrongVerb) return ShowHelp(app, error);
     return Report(options, kUsage, Complaint(app, error) + "; " + CommandOf(app) + " --help shows the usage");
 }
 
@@ -136,11 +159,11 @@ int Main(int argc, char** argv)
     }
 }
 
-// A descriptor that is closed would be taken by the next file that is opened.
+// A descriptor that is closed would be taken by the next file that is opened. What is written there still fails.
 void OpenStandardStreams()
 {
     int opened = 0;
-    while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDWR);
+    while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDONLY);
     if (opened > STDERR_FILENO) close(opened);
 }
 }  // namespace

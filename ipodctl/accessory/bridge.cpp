@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <optional>
 
 #include "accessory/pumps.h"
@@ -31,6 +32,7 @@ private:
     void ServeStandardStreams();
     void Connected(int client);
     void DropClient();
+    void OutputEnded(int error);
     void Note(bool& happened)
     {
         happened = true;
@@ -57,7 +59,11 @@ private:
 };
 
 Bridge::Bridge(Context& context, const BridgeRequest& request, Loop& loop, const ipodkit::AccessorySessionPtr& peer)
-    : m_context(context), m_request(request), m_loop(loop), m_peer(peer), m_output([this] { Note(m_outputClosed); })
+    : m_context(context),
+      m_request(request),
+      m_loop(loop),
+      m_peer(peer),
+      m_output([this](int error) { OutputEnded(error); })
 {
     m_subscriptions.push_back(
         m_peer->OnData("ipodctl", [this](const ipodkit::Result<ipodkit::Bytes>& data) { Receive(data); }));
@@ -91,6 +97,13 @@ void Bridge::DropClient()
     m_output.Use(-1);
     if (m_client >= 0) close(m_client);
     m_client = -1;
+}
+
+// A client may leave in any way; standard output only as it always may.
+void Bridge::OutputEnded(int error)
+{
+    if (!m_server && error != EPIPE) return m_loop.Guard([error] { RefuseOutput(error); });
+    Note(m_outputClosed);
 }
 
 void Bridge::Receive(const ipodkit::Result<ipodkit::Bytes>& data)

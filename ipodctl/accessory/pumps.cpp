@@ -110,7 +110,7 @@ bool OutputPump::Write()
     if (written < 0)
     {
         m_watch = 0;
-        m_closed();
+        m_closed(errno);
         return false;
     }
     m_bytes.erase(0, static_cast<std::size_t>(written));

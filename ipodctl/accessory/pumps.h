@@ -42,8 +42,8 @@ private:
 class OutputPump
 {
 public:
-    /// @param closed  called when nobody reads the file any more
-    explicit OutputPump(std::function<void()> closed) : m_closed(std::move(closed)) {}
+    /// @param closed  called when the file takes no more, with the reason: EPIPE when nobody reads it any more
+    explicit OutputPump(std::function<void(int error)> closed) : m_closed(std::move(closed)) {}
     ~OutputPump() { Use(-1); }
     OutputPump(const OutputPump&) = delete;
     OutputPump& operator=(const OutputPump&) = delete;
@@ -64,7 +64,7 @@ private:
     void Watch();
     bool Write();
 
-    const std::function<void()> m_closed;
+    const std::function<void(int error)> m_closed;
     int m_file = -1;
     std::string m_bytes;
     guint m_watch = 0;

@@ -38,12 +38,18 @@ const sockaddr* Generic(const sockaddr_un& address)
 // Left behind by a process that was killed.
 bool IsStale(const sockaddr_un& address)
 {
-    struct stat status;
-    if (lstat(address.sun_path, &status) != 0 || !S_ISSOCK(status.st_mode)) return false;
     const int probe = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const bool refused = connect(probe, Generic(address), sizeof(address)) != 0 && errno == ECONNREFUSED;
     close(probe);
     return refused;
+}
+
+void RemoveStale(const std::string& path, const sockaddr_un& address)
+{
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0) return;
+    if (!S_ISSOCK(status.st_mode)) Refuse(path, "it is there already and is no socket");
+    if (IsStale(address)) unlink(path.c_str());
 }
 
 bool Bind(int file, const sockaddr_un& address)
@@ -59,7 +65,7 @@ SocketServer::SocketServer(const std::string& path, std::function<void(int clien
     : m_path(path), m_connected(std::move(connected))
 {
     const sockaddr_un address = AddressOf(path);
-    if (IsStale(address)) unlink(path.c_str());
+    RemoveStale(path, address);
     m_file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (m_file < 0 || !Bind(m_file, address) || listen(m_file, 4) != 0)
     {

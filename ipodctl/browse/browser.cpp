@@ -7,12 +7,14 @@
 
 #include "output/failure.h"
 #include "output/text.h"
+#include "session/service_error.h"
 
 namespace ctl::browse
 {
 namespace
 {
 constexpr unsigned kTickMilliseconds = 250;
+constexpr char kNotPlayed[] = "the service did not start playback";
 
 Time Now()
 {
@@ -155,13 +157,13 @@ void Browser::Fulfil(const Wish& wish)
         case Wish::What::Reload:
             m_screen.Forget();
             m_shown.clear();
-            return m_walker.Restart();
+            return m_walker.Reload();
         case Wish::What::TogglePause:
             return TogglePause();
         case Wish::What::Next:
-            return m_session.Commands().Next().Start(Report());
+            return m_session.Commands().Next().Start(Report("the service did not move on"));
         case Wish::What::Previous:
-            return m_session.Commands().Previous().Start(Report());
+            return m_session.Commands().Previous().Start(Report("the service did not move back"));
         default:
             return;
     }
@@ -174,13 +176,26 @@ void Browser::Say(const std::string& message)
 }
 
 // An answer that worked shows by itself.
-Browser::Done Browser::Report()
+Browser::Done Browser::Report(const char* refusal)
 {
-    return [weak = std::weak_ptr<Browser*>(m_self)](const ipodkit::Result<void>& done)
+    BeginWaiting();
+    return [weak = std::weak_ptr<Browser*>(m_self), refusal](const ipodkit::Result<void>& done)
     {
         const auto self = weak.lock();
-        if (self != nullptr && !done && !IsOfNoService(done.error())) (*self)->Say(done.error().reason);
+        if (self == nullptr) return;
+        (*self)->EndWaiting();
+        if (!done && !IsOfNoService(done.error())) (*self)->Say(ToFailure(done.error(), refusal).what());
     };
+}
+
+void Browser::BeginWaiting()
+{
+    if (m_unanswered++ == 0) m_askedAt = Now();
+}
+
+void Browser::EndWaiting()
+{
+    if (--m_unanswered == 0) m_askedAt.reset();
 }
 
 // Like an application of the unit: no sound without the source.
@@ -195,14 +210,14 @@ bool Browser::TakeAudioSource()
 void Browser::TogglePause()
 {
     if (m_model.state->status == IPOD_PLAY_STATUS_PLAYING)
-        m_session.Commands().Pause().Start(Report());
+        m_session.Commands().Pause().Start(Report("the service did not pause"));
     else if (TakeAudioSource())
-        m_audio.Play(Report());
+        m_audio.Play(Report(kNotPlayed));
 }
 
 void Browser::Play(int entry)
 {
-    if (TakeAudioSource()) m_session.Commands().PlayDatabaseEntry(entry).Start(Report());
+    if (TakeAudioSource()) m_session.Commands().PlayDatabaseEntry(entry).Start(Report(kNotPlayed));
 }
 
 // Without the bus nothing will ever come back.
@@ -242,6 +257,7 @@ gboolean Browser::OnPaint(gpointer browser)
 
 void Browser::Paint()
 {
+    m_model.waitingSince = m_walker.AskedAt() ? m_walker.AskedAt() : m_askedAt;
     Frame frame = Draw(m_model, m_screen.Rows(), m_screen.Columns(), Now());
     if (frame == m_shown) return;
     m_screen.Paint(frame);

@@ -49,7 +49,9 @@ private:
     void TogglePause();
     void Play(int entry);
     bool TakeAudioSource();
-    Done Report();
+    Done Report(const char* refusal);
+    void BeginWaiting();
+    void EndWaiting();
     void ConnectionIs(const ipodkit::Connection& connection);
     void Changed();
     void Paint();
@@ -63,6 +65,8 @@ private:
     std::deque<KeyPress> m_keys;  // typed ahead
     unsigned m_painting = 0;      // the source that will paint, when there is something new
     std::exception_ptr m_thrown;
+    int m_unanswered = 0;
+    std::optional<Time> m_askedAt;  // the first of those
     GMainLoop* m_loop;
     std::vector<unsigned> m_sources;
     std::shared_ptr<Browser*> m_self;  // for answers that come when it is gone

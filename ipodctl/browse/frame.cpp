@@ -109,7 +109,7 @@ Frame Draw(const Model& model, int rows, int columns, Time now)
     Frame frame = model.Help() ? HelpLines(*model.Help(), height, columns) : ListLines(model, height, columns);
     if (rows >= 4) frame.insert(frame.begin(), TitleLine(model, columns));
     if (rows >= 3) frame.push_back(PlayingLine(model, columns, now));
-    if (rows >= 2) frame.push_back(FootLine(model, columns));
+    if (rows >= 2) frame.push_back(FootLine(model, columns, now));
     for (Line& line : frame) line = Clipped(line, columns);
     return frame;
 }

@@ -16,6 +16,10 @@ constexpr int kLeastForBar = 50;
 constexpr int kLeastForLength = 30;
 constexpr int kLeastForTable = 70;
 constexpr int kHelpColumn = 30;
+constexpr char kWaiting[] = "waiting for the service\xE2\x80\xA6";
+
+// Most answers come sooner: it would only flicker.
+constexpr std::chrono::seconds kPatience{1};
 
 struct HelpEntry
 {
@@ -80,10 +84,10 @@ std::string PlaceText(const Model& model)
 {
     const int rows = model.Rows();
     const LevelNames& names = model.Current().names;
-    if (!model.Current().counted) return "\xE2\x80\xA6";
+    if (!model.Current().counted) return model.Current().unreadable ? "?" : "\xE2\x80\xA6";
     const std::string more = model.Searching() && static_cast<std::size_t>(rows) >= Model::kMostMatches ? "+" : "";
     std::string place = std::to_string(rows == 0 ? 0 : model.Cursor().at + 1) + "/" + std::to_string(rows) + more;
-    if (names.Complete() || names.Count() == 0) return place;
+    if (names.Complete() || names.Count() == 0 || model.Current().unreadable) return place;
     return place + "  " + std::to_string(static_cast<long long>(names.Arrived()) * 100 / names.Count()) + " %";
 }
 
@@ -156,23 +160,30 @@ std::string PromptText(const Model& model)
     return "jump: " + CellText(model.Jumping()->query);
 }
 
+bool IsWaiting(const Model& model, Time now)
+{
+    return model.waitingSince && now - *model.waitingSince >= kPatience &&
+           model.connection.phase == ipodkit::Phase::Ready;
+}
+
 // What came of it.
-std::string OutcomeText(const Model& model)
+std::string OutcomeText(const Model& model, Time now)
 {
     const Level& level = model.Current();
     if (model.Searching() && model.Searching()->query.empty()) return "type a part of a name; Esc ends";
+    if (!level.index && IsWaiting(model, now)) return kWaiting;
     if (!level.index) return "reading the names";
     const bool matches = model.Searching() ? !model.Searching()->found.empty() : model.Jumping()->matches;
     if (!matches) return "no match";
     return model.Searching() ? Count(model.Rows(), "match", "matches") : "";
 }
 
-Line PromptLine(const Model& model, int columns)
+Line PromptLine(const Model& model, int columns, Time now)
 {
     const std::string prompt = CutFront(PromptText(model), columns - 1);
     const int column = Width(prompt) + 3;
     Line line{{1, prompt, Style::Strong}};
-    line.push_back({column, OutcomeText(model), Style::Dim});
+    line.push_back({column, OutcomeText(model, now), Style::Dim});
     return line;
 }
 
@@ -219,8 +230,9 @@ Line TitleLine(const Model& model, int columns)
 
 Line EmptyLine(const Model& model)
 {
-    const bool empty = model.Current().counted && model.Current().names.Count() == 0;
-    return {{1, empty ? "(empty)" : "", Style::Dim}};
+    const Level& level = model.Current();
+    if (!level.counted) return {{1, level.unreadable ? "(could not be read)" : "", Style::Dim}};
+    return {{1, level.names.Count() == 0 ? "(empty)" : "", Style::Dim}};
 }
 
 Frame HelpLines(int first, int height, int columns)
@@ -247,9 +259,13 @@ Line PlayingLine(const Model& model, int columns, Time now)
     return line;
 }
 
-Line FootLine(const Model& model, int columns)
+Line FootLine(const Model& model, int columns, Time now)
 {
     if (!model.Message().empty()) return {{1, Printable(model.Message()), Style::Warning}};
-    return model.Searching() || model.Jumping() ? PromptLine(model, columns) : HintLine(columns);
+    if (model.Searching() || model.Jumping()) return PromptLine(model, columns, now);
+    if (IsWaiting(model, now)) return {{1, kWaiting, Style::Dim}};
+    if (model.Current().unreadable)
+        return {{1, "the list could not be read to its end; Ctrl-L tries again", Style::Warning}};
+    return HintLine(columns);
 }
 }  // namespace ctl::browse

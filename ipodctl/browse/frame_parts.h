@@ -20,6 +20,6 @@ Frame HelpLines(int first, int height, int columns);
 /// What plays, or what is wrong with the service.
 Line PlayingLine(const Model& model, int columns, Time now);
 
-/// What is typed, a message, or the keys.
-Line FootLine(const Model& model, int columns);
+/// What is typed, a message, what is wrong with the list, or the keys.
+Line FootLine(const Model& model, int columns, Time now);
 }  // namespace ctl::browse

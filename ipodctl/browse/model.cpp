@@ -217,6 +217,7 @@ void Model::SetCount(int count)
 {
     Level& level = Top();
     level.counted = true;
+    level.unreadable = false;
     if (count == level.names.Count()) return;
     level.names.Reset(count);
     level.index.reset();

@@ -26,6 +26,7 @@ struct Level
     std::string title;  ///< the name of the entry that was entered
     int place = 0;      ///< and its index in the level above
     bool counted = false;
+    bool unreadable = false;  ///< what is missing of it does not come
     bool folders = false;
     LevelNames names;
     ListCursor cursor;
@@ -100,6 +101,7 @@ public:
     void LeaveAll();
 
     void SetCount(int count);
+    void SetUnreadable() { Top().unreadable = true; }
     void Put(const ipodkit::Page& page);
     void SetIndex(ipodkit::JumpIndex index);
     /// @}
@@ -119,7 +121,8 @@ public:
 
     ipodkit::StatePtr state = std::make_shared<ipodkit::PlayerState>();
     ipodkit::Connection connection;
-    std::string device;  ///< its name
+    std::string device;                ///< its name
+    std::optional<Time> waitingSince;  ///< when the service was asked what it has not answered yet
 
 private:
     Level& Top() { return m_levels.back(); }

@@ -1,5 +1,7 @@
 #include "browse/walker.h"
 
+#include "session/service_error.h"
+
 namespace ctl::browse
 {
 namespace
@@ -45,6 +47,19 @@ std::function<void(const ipodkit::Result<T>&)> Walker::WhileCurrent(
     };
 }
 
+// The same, and until then the service is waited for.
+template <class T>
+std::function<void(const ipodkit::Result<T>&)> Walker::Asked(std::function<void(const ipodkit::Result<T>&)> arrived)
+{
+    m_askedAt = std::chrono::steady_clock::now();
+    return WhileCurrent<T>(
+        [this, arrived = std::move(arrived)](const ipodkit::Result<T>& result)
+        {
+            m_askedAt.reset();
+            arrived(result);
+        });
+}
+
 void Walker::BeginStep()
 {
     ++*m_step;
@@ -56,6 +71,7 @@ void Walker::Stop()
     ++*m_step;
     m_moving = false;
     m_reading = false;
+    m_askedAt.reset();
 }
 
 void Walker::Say(const std::string& message)
@@ -68,7 +84,19 @@ void Walker::Failed(const ipodkit::Error& error)
 {
     m_moving = false;
     m_reading = false;
-    if (!IsOfNoService(error)) Say(error.reason);
+    if (!IsOfNoService(error)) Say(ToFailure(error).what());
+}
+
+void Walker::Unreadable(const ipodkit::Error& error)
+{
+    if (!IsOfNoService(error)) m_model.SetUnreadable();
+    Failed(error);
+}
+
+void Walker::Reload()
+{
+    m_rejoined = 0;
+    Restart();
 }
 
 void Walker::Restart()
@@ -81,20 +109,20 @@ void Walker::Restart()
     m_way.insert(m_way.end(), m_unreached.begin(), m_unreached.end());
     m_unreached.clear();
     m_model.LeaveAll();
-    m_names.EnterRoot(WhileCurrent<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
+    m_names.EnterRoot(Asked<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
 }
 
-// What refuses its root has no database at all.
+// What answers "false" to its root has no database at all; an error may mean anything.
 void Walker::RootEntered(const ipodkit::Result<void>& done)
 {
-    if (!done && done.error().kind == ipodkit::ErrorKind::Refused)
+    if (!done && done.error().kind == ipodkit::ErrorKind::Refused && done.error().name.empty())
     {
         Stop();
         ForgetTheWay();
         m_model.SetCount(0);
         return Say("there is no database to show; is a device attached?");
     }
-    if (!done) return Failed(done.error());
+    if (!done) return Unreadable(done.error());
     m_commands.IpodName().Start(WhileCurrent<std::string>(
         [this](const ipodkit::Result<std::string>& name)
         {
@@ -110,6 +138,7 @@ void Walker::Rejoin(const std::string& why)
     if (++m_rejoined > kMostRejoins)
     {
         Stop();
+        m_model.SetUnreadable();
         return Say(why + "; Ctrl-L tries again");
     }
     Restart();
@@ -119,10 +148,10 @@ void Walker::Rejoin(const std::string& why)
 // Nothing is shown before the first names are there: it would only flicker.
 void Walker::ReadLevel()
 {
-    m_names.Count(WhileCurrent<int>(
+    m_names.Count(Asked<int>(
         [this](const ipodkit::Result<int>& count)
         {
-            if (!count) return Failed(count.error());
+            if (!count) return Unreadable(count.error());
             m_model.SetCount(*count);
             ReadOn();
         }));
@@ -137,13 +166,13 @@ void Walker::ReadOn()
     const int missing = names.Missing(seen, m_way.empty() ? m_model.Height() : 1);
     if (missing < 0) return BuildIndex();
     m_reading = true;
-    m_names.At(missing, WhileCurrent<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page)
-                                                       { PageArrived(page); }));
+    m_names.At(missing,
+               Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { PageArrived(page); }));
 }
 
 void Walker::PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
 {
-    if (!page && page.error().kind != ipodkit::ErrorKind::BadReply) return Failed(page.error());
+    if (!page && page.error().kind != ipodkit::ErrorKind::BadReply) return Unreadable(page.error());
     if (!page || !Belongs(**page)) return Rejoin("the level is another one than it was");
     m_model.Put(**page);
     m_moving = !m_way.empty();
@@ -194,7 +223,7 @@ void Walker::ForgetTheWay()
 void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
 {
     BeginStep();
-    m_names.EnterChild(entry, WhileCurrent<void>(
+    m_names.EnterChild(entry, Asked<void>(
                                   [=](const ipodkit::Result<void>& done)
                                   {
                                       if (done)
@@ -215,7 +244,7 @@ void Walker::Back()
     m_rejoined = 0;
     ForgetTheWay();
     BeginStep();
-    m_names.EnterParent(WhileCurrent<void>(
+    m_names.EnterParent(Asked<void>(
         [this](const ipodkit::Result<void>& done)
         {
             if (!done) return Rejoin("the level is another one than it was");
@@ -231,8 +260,8 @@ void Walker::Open(int entry)
     ForgetTheWay();
     m_moving = true;
     m_check.Refresh();
-    m_check.At(entry, WhileCurrent<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
-                                                     { EntryChecked(entry, page); }));
+    m_check.At(entry, Asked<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
+                                              { EntryChecked(entry, page); }));
 }
 
 // The size of the level is checked by the page: asking for an entry that is not there is a mistake.

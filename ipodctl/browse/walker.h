@@ -8,6 +8,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "browse/index_builder.h"
 #include "browse/model.h"
@@ -31,6 +32,9 @@ public:
     Walker(const Walker&) = delete;
     Walker& operator=(const Walker&) = delete;
 
+    /// The same as Restart(), because the user wants it.
+    void Reload();
+
     /// Goes to the root and from there to where the model is, as far as the names still lead there.
     void Restart();
 
@@ -42,6 +46,9 @@ public:
 
     /// Whether the level is about to become another one: what is typed now is meant for that one.
     bool IsMoving() const { return m_moving; }
+
+    /// When the service was asked what it has not answered yet.
+    const std::optional<Time>& AskedAt() const { return m_askedAt; }
 
     /// Whether names or their index are still to come.
     bool IsReading() const { return m_reading; }
@@ -59,6 +66,8 @@ private:
 
     template <class T>
     std::function<void(const ipodkit::Result<T>&)> WhileCurrent(std::function<void(const ipodkit::Result<T>&)> arrived);
+    template <class T>
+    std::function<void(const ipodkit::Result<T>&)> Asked(std::function<void(const ipodkit::Result<T>&)> arrived);
     void BeginStep();
     void RootEntered(const ipodkit::Result<void>& done);
     void Rejoin(const std::string& why);
@@ -73,6 +82,7 @@ private:
     void BuildIndex();
     void EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& page);
     void Failed(const ipodkit::Error& error);
+    void Unreadable(const ipodkit::Error& error);
     void Say(const std::string& message);
 
     Model& m_model;
@@ -83,6 +93,7 @@ private:
     std::shared_ptr<unsigned> m_step = std::make_shared<unsigned>(0);
     bool m_moving = true;  // until the root is reached for the first time
     bool m_reading = false;
+    std::optional<Time> m_askedAt;
     int m_rejoined = 0;  // in a row, without the user in between
     std::deque<Stage> m_way;
     std::deque<Stage> m_unreached;  // a service that has just started may know the names only later

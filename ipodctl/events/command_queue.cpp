@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <utility>
 
 #include "events/format_value.h"
@@ -48,6 +49,12 @@ gchar** EnvironmentWith(const Json& fields)
     return environment;
 }
 
+// So that a signal reaches all that the command has started, and reaches it once: not from the terminal as well.
+void BecomeGroup(gpointer)
+{
+    setpgid(0, 0);
+}
+
 std::string Ended(int status)
 {
     return WIFSIGNALED(status) ? "the command ended by signal " + std::to_string(WTERMSIG(status))
@@ -72,6 +79,16 @@ void CommandQueue::Add(Job job)
     if (IsIdle()) StartNext();
 }
 
+// Also when it was stopped, such as for reading from the terminal.
+void CommandQueue::Stop(int signal)
+{
+    Drop();
+    if (IsIdle()) return;
+    kill(-m_child, m_stopped ? SIGKILL : signal);
+    kill(-m_child, SIGCONT);
+    m_stopped = true;
+}
+
 void CommandQueue::StartNext()
 {
     while (IsIdle() && !m_waiting.empty())
@@ -90,8 +107,8 @@ bool CommandQueue::Start(const Job& job)
     std::string option = "-c";
     gchar* arguments[] = {shell.data(), option.data(), m_command.data(), nullptr};
     gchar** const environment = EnvironmentWith(job.fields);
-    const gboolean started = g_spawn_async_with_fds(nullptr, arguments, environment, G_SPAWN_DO_NOT_REAP_CHILD, nullptr,
-                                                    nullptr, &m_child, input, -1, -1, nullptr);
+    const gboolean started = g_spawn_async_with_fds(nullptr, arguments, environment, G_SPAWN_DO_NOT_REAP_CHILD,
+                                                    &BecomeGroup, nullptr, &m_child, input, -1, -1, nullptr);
     g_strfreev(environment);
     if (input >= 0) close(input);
     if (started == FALSE) return false;
@@ -104,7 +121,7 @@ void CommandQueue::OnEnded(GPid, gint status, gpointer data)
     auto& queue = *static_cast<CommandQueue*>(data);
     queue.m_child = 0;
     queue.m_watch = 0;
-    if (status != 0) queue.m_complain(Ended(status));
+    if (status != 0 && !queue.m_stopped) queue.m_complain(Ended(status));
     queue.StartNext();
 }
 

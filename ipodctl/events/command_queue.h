@@ -33,6 +33,12 @@ public:
 
     bool IsIdle() const { return m_child == 0; }
 
+    /// What has not been started never is.
+    void Drop() { m_waiting.clear(); }
+
+    /// The same, and the running one is sent a signal with all that it has started; a second time it is killed.
+    void Stop(int signal);
+
 private:
     static void OnEnded(GPid, gint status, gpointer data);
     bool Start(const Job& job);
@@ -43,6 +49,7 @@ private:
     std::function<void(const std::string&)> m_complain;
     std::deque<Job> m_waiting;
     GPid m_child = 0;
+    bool m_stopped = false;
     guint m_watch = 0;
 };
 

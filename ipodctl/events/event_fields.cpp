@@ -3,6 +3,7 @@
 #include <iterator>
 #include <map>
 
+#include "output/moment.h"
 #include "output/names.h"
 #include "player/phone.h"
 

@@ -1,8 +1,7 @@
 #include "events/events.h"
 
-#include <glib.h>
-
 #include "output/hexdump.h"
+#include "output/moment.h"
 #include "output/names.h"
 #include "output/text.h"
 #include "picture/picture.h"
@@ -14,14 +13,6 @@ namespace ctl
 namespace
 {
 constexpr int kNameWidth = 14;
-
-std::string Written(GDateTime* time, const char* format)
-{
-    gchar* const text = g_date_time_format(time, format);
-    std::string result = text;
-    g_free(text);
-    return result;
-}
 
 std::string_view View(const std::vector<unsigned char>& bytes)
 {
@@ -171,16 +162,6 @@ void EventListener::OnOOBPairingInfo(std::string address, const std::vector<unsi
     m_sink({"pairing",
             {{"address", address}, {"hex", Hex(View(bytes))}},
             Printable(address) + ", " + Size(bytes.size()) + ": " + Hex(View(bytes))});
-}
-
-Moment Moment::Now()
-{
-    GDateTime* const now = g_date_time_new_now_local();
-    char fraction[8];
-    g_snprintf(fraction, sizeof(fraction), ".%03d", g_date_time_get_microsecond(now) / 1000);
-    Moment moment{Written(now, "%FT%T") + fraction + Written(now, "%:z"), Written(now, "%T") + fraction};
-    g_date_time_unref(now);
-    return moment;
 }
 
 const std::vector<std::string>& EventNames()

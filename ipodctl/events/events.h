@@ -51,15 +51,6 @@ private:
     Sink m_sink;
 };
 
-/// A local time.
-struct Moment
-{
-    std::string full;   ///< "2026-11-21T10:12:42.123+01:00"
-    std::string clock;  ///< "10:12:42.123"
-
-    static Moment Now();
-};
-
 /// What Event::name may be.
 const std::vector<std::string>& EventNames();
 

@@ -1,11 +1,10 @@
 #include "events/follow.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "events/presentation.h"
-#include "output/text.h"
 #include "session/loop.h"
+#include "session/service_news.h"
 
 namespace ctl
 {
@@ -54,6 +53,7 @@ private:
     void Judge(const ipodkit::Connection& connection);
     void Tell(const char* state, const std::string& what);
     void Begin();
+    Ending AwaitEvents();
     void AwaitCommands(Ending ending);
 
     Context& m_context;
@@ -84,19 +84,15 @@ void Follower::Take(const Event& event)
     if (m_enough) m_loop.Finish();
 }
 
-// For people on standard error; for programs a line of the same kind as the events.
 void Follower::Tell(const char* state, const std::string& what)
 {
-    const Moment now = Moment::Now();
-    if (m_context.out.json() && m_following.command.empty() && m_following.format.empty())
-        return m_context.out.Line({{"time", now.full}, {"event", "service"}, {"state", state}, {"text", what}}, "");
-    m_context.out.Finish();
-    std::fprintf(stderr, "ipodctl: %s  %s\n", now.clock.c_str(), Printable(what).c_str());
+    const bool lines = m_context.out.json() && m_following.command.empty() && m_following.format.empty();
+    TellOfService(m_context.out, lines, state, what);
 }
 
 void Follower::Begin()
 {
-    if (m_told != Phase::Ready) Tell("ready", "the iPod service is there; following its events");
+    if (m_told != Phase::Ready) Tell("ready", kServiceIsThere);
     m_told = Phase::Ready;
     m_presentation->Begin(*m_context.session.Kit().State());
 }
@@ -110,19 +106,13 @@ void Follower::Judge(const ipodkit::Connection& connection)
     const bool news = connection.phase != m_told && connection.phase != Phase::Connecting;
     if (connection.error && connection.error->reason != m_trouble) Tell("trouble", connection.error->reason);
     m_trouble = connection.error ? connection.error->reason : "";
-    if (news && connection.phase == Phase::Lost)
-        Tell("lost", "the iPod service left the bus; waiting for it to come back");
+    if (news && connection.phase == Phase::Lost) Tell("lost", kServiceLeft);
     if (news && connection.phase == Phase::Absent) Tell("absent", "there is no iPod service yet; waiting for it");
     if (news) m_told = connection.phase;
 }
 
-// The time that was given is for the events; commands that were started may end.
-void Follower::AwaitCommands(Ending ending)
-{
-    while (ending != Ending::Interrupted && !m_presentation->IsDone()) ending = m_loop.Run(0);
-}
-
-Answer Follower::Run()
+// Events that come later are not taken.
+Ending Follower::AwaitEvents()
 {
     ipodkit::Session& session = KitFor(m_context.session, m_following.wait);
     const auto listening = session.Listen("ipodctl", m_listener);
@@ -136,10 +126,29 @@ Answer Follower::Run()
         const double left = static_cast<double>(end - g_get_monotonic_time()) / G_USEC_PER_SEC;
         ending = m_loop.Run(limits.seconds > 0 ? std::max(left, 0.001) : 0);
     } while (ending == Ending::Finished && !m_enough);
+    return ending;
+}
+
+// The events that were waited for all get their command. The time that was given is for the events: a command that was
+// started may end.
+void Follower::AwaitCommands(Ending ending)
+{
+    while (!m_presentation->IsDone())
+    {
+        if (ending == Ending::TimedOut) m_presentation->Drop();
+        if (ending == Ending::Interrupted) m_presentation->Stop(m_loop.Signal());
+        ending = m_loop.Run(0);
+    }
+}
+
+Answer Follower::Run()
+{
+    const Ending ending = AwaitEvents();
     m_context.out.Finish();
     AwaitCommands(ending);
     m_context.session.FlushLog();
     if (ending != Ending::TimedOut || !HasGoal()) return {};
+    const Limits& limits = m_following.limits;
     throw Failure(kNothingDone, (limits.until.empty() ? "only " + std::to_string(m_seen) + " of " +
                                                             std::to_string(limits.count) + " events came"
                                                       : "no event '" + limits.until + "' came") +

@@ -33,8 +33,10 @@ public:
     }
 
 private:
+    // What is wider than the terminal would stay in the lines above.
     void ShowBar(const Event& event)
     {
+        m_out.Measure();
         const int room = m_out.width() - Width(event.text) - 1;
         const std::string bar = ProgressBar(event.fields["position_ms"], event.fields["length_ms"], room, m_out.utf8());
         m_out.Transient(Cut(bar + " " + event.text, m_out.width()));
@@ -76,6 +78,8 @@ public:
 
     void Begin(const ipodkit::PlayerState& state) override { m_fields.Reset(state); }
     bool IsDone() const override { return m_queue.IsIdle(); }
+    void Drop() override { m_queue.Drop(); }
+    void Stop(int signal) override { m_queue.Stop(signal); }
 
     void Take(const Event& event, bool wanted) override
     {

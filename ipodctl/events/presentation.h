@@ -24,6 +24,12 @@ public:
 
     /// Whether nothing of what was taken is still to be done.
     virtual bool IsDone() const { return true; }
+
+    /// Nothing of it is begun any more.
+    virtual void Drop() {}
+
+    /// The same, and what is being done is to end: it is passed the signal that ended this program.
+    virtual void Stop(int) {}
 };
 
 /// A line of the usual form; on a terminal, progress is a bar that stays in its line.

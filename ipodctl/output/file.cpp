@@ -20,6 +20,11 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
     throw Failure(kUsage, std::string("cannot ") + what + " '" + Printable(path) + "': " + std::strerror(errno));
 }
 
+[[noreturn]] void RefuseLength(const std::string& path, std::size_t most)
+{
+    throw Failure(kUsage, "cannot use '" + Printable(path) + "': it is longer than " + std::to_string(most) + " bytes");
+}
+
 int LeaveOpen(std::FILE*)
 {
     return 0;
@@ -31,14 +36,17 @@ File Open(const std::string& path)
 }
 }  // namespace
 
-std::vector<unsigned char> ReadFile(const std::string& path)
+std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most)
 {
     const File file = Open(path);
     if (!file) Refuse("read", path);
     std::vector<unsigned char> bytes;
     unsigned char block[4096];
     while (const std::size_t got = std::fread(block, 1, sizeof(block), file.get()))
+    {
         bytes.insert(bytes.end(), block, block + got);
+        if (bytes.size() > most) RefuseLength(path, most);
+    }
     if (std::ferror(file.get()) != 0) Refuse("read", path);
     return bytes;
 }

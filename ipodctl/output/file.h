@@ -2,14 +2,18 @@
 /// Whole files, with clear errors.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace ctl
 {
+/// Far more than the shared memory takes; files without an end have one here.
+constexpr std::size_t kMostBytes = std::size_t{16} << 20;
+
 /// The bytes of a file, or of standard input for "-".
-/// @throws Failure  kUsage, when it cannot be read
-std::vector<unsigned char> ReadFile(const std::string& path);
+/// @throws Failure  kUsage, when it cannot be read, or is longer than @p most bytes
+std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most = kMostBytes);
 
 /// Writes a file anew.
 /// @throws Failure  kUsage, when it cannot be written

@@ -116,7 +116,12 @@ void Output::Raw(const void* data, std::size_t size)
 {
     if (std::fwrite(data, 1, size, stdout) == size && std::fflush(stdout) == 0) return;
     if (errno == EPIPE) throw OutputClosed{};
-    throw Failure(kNothingDone, std::string("cannot write to standard output: ") + std::strerror(errno));
+    RefuseOutput(errno);
+}
+
+void RefuseOutput(int error)
+{
+    throw Failure(kNothingDone, std::string("cannot write to standard output: ") + std::strerror(error));
 }
 
 // Whatever is unsafe below U+0020 is escaped by the dump itself; the rest can only stand inside its strings.

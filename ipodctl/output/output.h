@@ -86,6 +86,9 @@ private:
     int m_height = INT_MAX;
 };
 
+/// @throws Failure  standard output takes no more, for this reason of errno
+[[noreturn]] void RefuseOutput(int error);
+
 /// A JSON value on one line, safe to show: invalid UTF-8 replaced, unsafe characters escaped.
 std::string Dump(const Json& json);
 }  // namespace ctl

@@ -14,6 +14,14 @@ ipodkit::PagerOptions OptionsFor(int pageSize)
     options.prefetch = 0;
     return options;
 }
+
+// All applications are handed their pages in the same place.
+ipodkit::Error WithCause(ipodkit::Error error)
+{
+    const bool otherSize = error.kind == ipodkit::ErrorKind::BadReply && error.reason.rfind("a page of ", 0) == 0;
+    if (otherSize) error.reason += "; another application may have read a list at the same time, try again";
+    return error;
+}
 }  // namespace
 
 List::List(Session& session, ipodkit::ListKind kind, int pageSize)
@@ -31,7 +39,7 @@ ipodkit::Result<ipodkit::PagePtr> List::PageWith(int index)
 {
     const auto start = [this, index](const Session::Completion<ipodkit::PagePtr>& completion)
     { m_pager.At(index, completion); };
-    return m_session.Await<ipodkit::PagePtr>(start);
+    return m_session.Await<ipodkit::PagePtr>(start).map_error(WithCause);
 }
 
 std::vector<std::string> List::Names(int first, int end, const char* refusal)

@@ -44,6 +44,14 @@ Answer NowPlaying(Session& session, const char* verb)
     return {json, PlayingLine(playing)};
 }
 
+void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* refusal)
+{
+    ipodkit::Result<void> done = std::move(request).Wait();
+    const bool refused = !done && done.error().kind == ipodkit::ErrorKind::Refused && done.error().name.empty();
+    if (refused) RequireTrack(session);
+    session.Taken(std::move(done), refusal);
+}
+
 void RefuseNothingLoaded()
 {
     throw Failure(kNothingDone, "nothing is loaded; start with ipodctl play INDEX");

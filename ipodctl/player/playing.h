@@ -27,6 +27,12 @@ std::string PlayingLine(const Playing& playing);
 /// The answer of a verb that changed what is playing: what it is now.
 Answer NowPlaying(Session& session, const char* verb);
 
+/// Makes a request that acts on what is loaded.
+///
+/// @param refusal  what to say when the service answers "false" although something is
+/// @throws Failure  kNothingDone, when the service does not do it
+void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* refusal);
+
 /// @throws Failure  kNothingDone
 [[noreturn]] void RefuseNothingLoaded();
 

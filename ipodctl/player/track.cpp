@@ -25,9 +25,10 @@ bool IsEmpty(const QBXiPodTrackInfo& track)
 
 std::string PictureLine(const std::vector<unsigned char>& picture, std::uint32_t width, std::uint32_t height)
 {
-    const bool sized = width != 0 && height != 0;
+    const bool sized = IsSize(width, height);
     return std::string(Sniff(picture).mime) + ", " + Count(static_cast<int>(picture.size()), "byte", "bytes") +
-           (sized ? ", " + std::to_string(width) + " x " + std::to_string(height) : "");
+           (sized ? ", " + std::to_string(width) + " x " + std::to_string(height) : "") +
+           (IsWhole(picture) ? "" : ", incomplete");
 }
 
 std::string ArtworkLine(const QBXTrackArtwork& artwork)

@@ -18,7 +18,7 @@ Json TrackJson(const QBXiPodTrackInfo& track);
 /// Whether nothing at all is known of the track.
 bool IsEmpty(const QBXiPodTrackInfo& track);
 
-/// "image/png, 1234 bytes, 300 x 300", without dimensions that are 0.
+/// "image/png, 1234 bytes, 300 x 300", without dimensions that it cannot have; and whether it lacks its end.
 std::string PictureLine(const std::vector<unsigned char>& picture, std::uint32_t width, std::uint32_t height);
 
 /// The same, with the dimensions that the service reported.

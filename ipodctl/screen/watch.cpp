@@ -2,6 +2,7 @@
 
 #include "picture/columns.h"
 #include "session/loop.h"
+#include "session/service_news.h"
 #include "session/suspend_signal.h"
 
 namespace ctl
@@ -112,12 +113,19 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
                                          : "the iPod service left the bus; waiting for it");
     } while (watcher.Next(kSecond));
 }
+
 void WatchInLines(Context& context, int near, const std::function<Answer(const Status&)>& show)
 {
     Watcher watcher(context);
+    bool told = true;
     while (watcher.Next(0))
     {
-        if (!watcher.HasService()) continue;
+        const bool there = watcher.HasService();
+        if (there != told)
+            TellOfService(context.out, context.out.json(), there ? "ready" : "lost",
+                          there ? kServiceIsThere : kServiceLeft);
+        told = there;
+        if (!there) continue;
         const Answer answer = show(ReadStatus(context.session, near));
         context.out.Line(answer.json, answer.text);
     }

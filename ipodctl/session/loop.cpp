@@ -10,10 +10,21 @@
 
 namespace ctl
 {
-Loop::Loop()
-    : m_loop(g_main_loop_new(nullptr, FALSE)),
-      m_sources{g_unix_signal_add(SIGINT, &Loop::OnSignal, this), g_unix_signal_add(SIGTERM, &Loop::OnSignal, this)}
+namespace
 {
+// By nohup.
+bool HangUpIsIgnored()
+{
+    struct sigaction action
+    {
+    };
+    return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+}  // namespace
+
+Loop::Loop() : m_loop(g_main_loop_new(nullptr, FALSE))
+{
+    AddSignals();
 }
 
 Loop::~Loop()
@@ -58,6 +69,13 @@ void Loop::Guard(const std::function<void()>& function)
     }
 }
 
+void Loop::AddSignals()
+{
+    m_sources.push_back(g_unix_signal_add(SIGINT, &Loop::OnSignal<SIGINT>, this));
+    m_sources.push_back(g_unix_signal_add(SIGTERM, &Loop::OnSignal<SIGTERM>, this));
+    if (!HangUpIsIgnored()) m_sources.push_back(g_unix_signal_add(SIGHUP, &Loop::OnSignal<SIGHUP>, this));
+}
+
 // Whoever wants it to end is heard, whatever else happens in the same moment.
 void Loop::End(Ending ending)
 {
@@ -65,8 +83,10 @@ void Loop::End(Ending ending)
     g_main_loop_quit(m_loop);
 }
 
+template <int signal>
 gboolean Loop::OnSignal(gpointer loop)
 {
+    static_cast<Loop*>(loop)->m_signal = signal;
     static_cast<Loop*>(loop)->End(Ending::Interrupted);
     return G_SOURCE_CONTINUE;
 }

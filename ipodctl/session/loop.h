@@ -14,7 +14,7 @@ enum class Ending
 {
     Finished,     ///< Finish() was called
     TimedOut,     ///< the time was up
-    Interrupted,  ///< Ctrl-C, or asked to terminate
+    Interrupted,  ///< Ctrl-C, or asked to terminate, or the terminal went away
 };
 
 /// The main loop with its ends. May be run again. While it exists, Ctrl-C ends it and not the process.
@@ -35,6 +35,9 @@ public:
 
     void Finish() { End(Ending::Finished); }
 
+    /// The signal that interrupted it last, 0 for none.
+    int Signal() const { return m_signal; }
+
     /// From now on it also ends when nobody reads standard output any more.
     void EndWithOutput();
 
@@ -46,6 +49,7 @@ public:
     void Guard(const std::function<void()>& function);
 
 private:
+    template <int signal>
     static gboolean OnSignal(gpointer loop);
     static gboolean OnTimeout(gpointer loop);
     struct Reader
@@ -56,10 +60,12 @@ private:
 
     static gboolean OnReadable(gint, GIOCondition, gpointer data);
     static gboolean OnOutputClosed(gint, GIOCondition, gpointer loop);
+    void AddSignals();
     void End(Ending ending);
 
     GMainLoop* m_loop;
     Ending m_ending = Ending::Finished;
+    int m_signal = 0;
     std::exception_ptr m_thrown;
     std::vector<guint> m_sources;
 };

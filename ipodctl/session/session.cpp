@@ -24,6 +24,12 @@ bool IsAnswerOfService(const std::string& reason)
                         });
 }
 
+// In the words of GLib, which compares the type of each answer with the contract.
+bool IsBrokenAnswer(const std::string& reason)
+{
+    return reason.find(" returned type ") != std::string::npos;
+}
+
 // Whether it got there; what stands in the way ends the run.
 bool IsReady(const ipodkit::Connection& connection)
 {
@@ -103,11 +109,13 @@ IQBXIpodPlayer& Session::Player()
     return *QBX_GetIpodPlayer();
 }
 
-// Lists of a service that is gone are cancelled by the companion; people want to know why.
+// Lists of a service that is gone are cancelled by the companion as those that became others; people want to know why.
 ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
 {
     const bool lost = m_kit != nullptr && m_kit->Connection().phase == ipodkit::Phase::Lost;
-    return lost ? ipodkit::Error{ipodkit::ErrorKind::ServiceLost, error.reason} : error;
+    if (!lost) return error;
+    const bool cancelled = error.kind == ipodkit::ErrorKind::Cancelled;
+    return {ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus while it was asked" : error.reason};
 }
 
 // The bus may know how to start the service.
@@ -135,6 +143,7 @@ void Session::CheckCall()
 {
     const std::string reason = m_log.TakeFailure();
     if (!reason.empty() && IsAnswerOfService(reason)) throw Failure(kNothingDone, "the service refused: " + reason);
+    if (IsBrokenAnswer(reason)) throw Failure(kServiceLost, "the iPod service sent a broken answer: " + reason);
     if (reason.empty() && (m_log.readable() || IsServiceThere())) return;
     const std::string what = IsServiceThere() ? "the iPod service did not answer" : "the iPod service went away";
     throw Failure(kServiceLost, what + (reason.empty() ? "" : ": " + reason) + "; see whether it runs, then try again");

@@ -2,6 +2,7 @@
 #include "output/file.h"
 #include "output/text.h"
 #include "picture/picture.h"
+#include "player/playing.h"
 #include "player/track.h"
 #include "verbs/verbs.h"
 
@@ -9,11 +10,21 @@ namespace ctl
 {
 namespace
 {
+[[noreturn]] void RefuseNoPicture(Session& session)
+{
+    const bool has = RequireTrack(session).track.value4 == 1;
+    throw Failure(kNothingDone, has ? "the playing track has a picture, but the service did not hand it over"
+                                    : "the playing track has no picture");
+}
+
 // The core's call, because the answer tells what the service says of the picture, too.
 QBXTrackArtwork ReadArtwork(Session& session)
 {
     QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
-    if (artwork.word1 != 0 || artwork.image.empty()) throw Failure(kNothingDone, "the playing track has no picture");
+    if (artwork.word1 != 0 || artwork.image.empty()) RefuseNoPicture(session);
+    if (!IsWhole(artwork.image))
+        throw Failure(kServiceLost, "the iPod service sent a broken answer: the picture has no end after " +
+                                        Count(static_cast<int>(artwork.image.size()), "byte", "bytes"));
     return artwork;
 }
 

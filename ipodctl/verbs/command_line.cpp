@@ -54,12 +54,22 @@ std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
     return found;
 }
 
-// The parser takes "-10" for an option.
+// The parser takes "-10" for an option, also behind one that has a value.
 void SpellOutBackward(std::vector<std::string>& arguments)
 {
-    const auto end = std::find(arguments.begin(), arguments.end(), "--");
-    for (auto argument = arguments.begin(); argument != end; ++argument)
-        if (IsBackward(*argument)) *argument = "--back=" + argument->substr(1);
+    std::vector<std::string> spelled;
+    bool literal = false;
+    for (const std::string& argument : arguments)
+    {
+        literal = literal || argument == "--";
+        if (literal || !IsBackward(argument))
+            spelled.push_back(argument);
+        else if (!spelled.empty() && spelled.back() == "--back")
+            spelled.back() += "=" + argument;
+        else
+            spelled.push_back("--back=" + argument.substr(1));
+    }
+    arguments = std::move(spelled);
 }
 }  // namespace
 
@@ -74,17 +84,23 @@ CLI::Validator WholeNumber(int least)
     return {check, "N"};
 }
 
-CLI::Validator NumberUpTo(std::uint64_t most)
+CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
 {
-    const auto check = [most](const std::string& text)
+    const auto check = [most, least](const std::string& text)
     {
         std::uint64_t number = 0;
         const char* const end = text.data() + text.size();
         const auto [read, error] = std::from_chars(text.data(), end, number);
-        if (error == std::errc() && read == end && number <= most) return std::string();
-        return "'" + Printable(text) + "' is no whole number from 0 to " + std::to_string(most);
+        if (error == std::errc() && read == end && number >= least && number <= most) return std::string();
+        return "'" + Printable(text) + "' is no whole number from " + std::to_string(least) + " to " +
+               std::to_string(most);
     };
     return {check, "N"};
+}
+
+CLI::Validator Something()
+{
+    return {[](const std::string& text) { return text.empty() ? "it is empty" : ""; }, ""};
 }
 
 CLI::Validator Seconds(double most)

@@ -106,7 +106,7 @@ Run BuildButton(CLI::App& app)
 Run BuildHub(CLI::App& app)
 {
     const auto mode = Argument<int>();
-    app.add_option("mode", *mode, "Test mode, 0 ends it")->required()->check(CLI::Range(0, 255));
+    app.add_option("mode", *mode, "Test mode, 0 ends it")->required()->check(NumberUpTo(255));
     return [mode](Context& context) -> Answer
     {
         context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));

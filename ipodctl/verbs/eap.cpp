@@ -111,7 +111,7 @@ Run BuildWrite(CLI::App& app)
     const auto writing = Argument<Writing>();
     app.add_option("session", writing->session, "Number of the session, as eap-start told it")
         ->required()
-        ->check(CLI::Range(0, kLastSession));
+        ->check(NumberUpTo(kLastSession));
     app.add_option("file", writing->file, "File to send, - for standard input");
     return [writing](Context& context) -> Answer
     {
@@ -205,8 +205,9 @@ Run BuildBridge(CLI::App& app)
         "--no-launch", [request] { request->accessory.launch = false; },
         "Announce and launch nothing: the device opens the session by itself");
     app.add_option(
-        "--socket", request->socket,
-        "Serve a UNIX socket at this path, one client after the other, in place of standard input and output");
+           "--socket", request->socket,
+           "Serve a UNIX socket at this path, one client after the other, in place of standard input and output")
+        ->check(Something());
     app.add_option("--linger", request->linger, "Seconds of silence after the end of the input that end it")
         ->capture_default_str()
         ->check(Seconds());

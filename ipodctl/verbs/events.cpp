@@ -21,11 +21,6 @@ struct Choice
     }
 };
 
-CLI::Validator Something()
-{
-    return {[](const std::string& text) { return text.empty() ? "it is empty" : ""; }, ""};
-}
-
 void AddPresentation(CLI::App& app, Following& following)
 {
     auto* const format = app.add_option("--format", following.format,

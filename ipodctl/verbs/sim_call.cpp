@@ -152,7 +152,8 @@ void RequireOne(const CLI::Option* level, const CLI::Option* status)
 Run BuildBattery(CLI::App& app)
 {
     const auto battery = Argument<BatteryFields>();
-    battery->level.option = app.add_option("--level", battery->level.value, "Percent")->check(NumberUpTo(UINT32_MAX));
+    battery->level.option = app.add_option("--level", battery->level.value, "Percent; more than 100 is told as it is")
+                                ->check(NumberUpTo(UINT32_MAX));
     battery->status.option = app.add_flag("--disabled{0},--charging{1},--charged{2},--discharging{3}",
                                           battery->status.value, "Whether it is being charged")
                                  ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);

@@ -12,13 +12,13 @@ constexpr int kLastSession = 65535;
 
 CLI::Option* AddSession(CLI::App& app, std::uint16_t& session)
 {
-    return app.add_option("session", session, "Number of the session")->required()->check(CLI::Range(1, kLastSession));
+    return app.add_option("session", session, "Number of the session")->required()->check(NumberUpTo(kLastSession, 1));
 }
 
 Run BuildOpen(CLI::App& app)
 {
     const auto protocol = Argument<unsigned>();
-    app.add_option("--protocol", *protocol, "Index of the protocol")->check(CLI::Range(0, 255));
+    app.add_option("--protocol", *protocol, "Index of the protocol")->check(NumberUpTo(255));
     return [protocol](Context& context) -> Answer
     {
         const VariantPtr reply =

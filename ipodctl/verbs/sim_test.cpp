@@ -11,6 +11,9 @@ namespace ctl
 {
 namespace
 {
+// Some ten thousand events.
+constexpr std::size_t kMostOfScenario = std::size_t{4} << 20;
+
 struct CallQuery
 {
     std::string method;
@@ -191,7 +194,7 @@ Run BuildScenario(CLI::App& app)
     app.add_option("file", *file, "File with the scenario, - for standard input")->required();
     return [file](Context& context)
     {
-        const auto bytes = ReadFile(*file);
+        const auto bytes = ReadFile(*file, kMostOfScenario);
         const std::string text(bytes.begin(), bytes.end());
         if (text.find('\0') != std::string::npos ||
             g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)

@@ -16,8 +16,8 @@ namespace
 void Resume(Session& session)
 {
     TakeAudioSource(session);
-    session.Ask(session.Commands().StartPlayback(IPOD_PLAY_START),
-                "the service did not start playback; load something with ipodctl play INDEX");
+    AskOfTrack(session, session.Commands().StartPlayback(IPOD_PLAY_START),
+               "the service did not start playback; ipodctl status shows what it does");
 }
 
 void PlayEntry(Session& session, const std::string& wanted)
@@ -50,7 +50,7 @@ Run BuildSimple(const char* verb, const char* refusal)
 {
     return [verb, refusal](Context& context)
     {
-        context.session.Ask((context.session.Commands().*command)(), refusal);
+        AskOfTrack(context.session, (context.session.Commands().*command)(), refusal);
         return NowPlaying(context.session, verb);
     };
 }

@@ -27,8 +27,11 @@ struct Verb
 /// Accepts whole numbers from @p least on, and says so when it is given something else.
 CLI::Validator WholeNumber(int least);
 
-/// The same from 0 to @p most.
-CLI::Validator NumberUpTo(std::uint64_t most);
+/// The same from @p least to @p most.
+CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
+
+/// Accepts every text that is not empty.
+CLI::Validator Something();
 
 /// Accepts times from a millisecond to @p most seconds.
 CLI::Validator Seconds(double most = 4000000);

@@ -290,6 +290,46 @@ class WithTheSimulator(InATerminal):
         terminal.type(CTRL_L)
         self.sees(terminal, before)
 
+    def test_a_service_that_is_slow_is_waited_for_visibly(self):
+        terminal = self.in_artists()
+        self.happen("fault", "delay=4000@GetCurDbListItemsAmount/1")
+        terminal.type("zjl" + ENTER)
+        self.sees(terminal, "waiting for the service…")
+        self.sees(terminal, "› 周杰伦", "七里香/", "a-z jump")
+        self.assertNotIn("waiting", terminal.screen.text())
+        self.happen("fault", "delay=4000@Next/1")
+        terminal.type(">")
+        self.sees(terminal, "waiting for the service…")
+
+    def test_what_goes_wrong_is_told_as_the_verbs_do(self):
+        terminal = self.in_artists()
+        terminal.type(">")
+        self.sees(terminal, "the service did not move on")
+        self.happen("fault", "error=com.example.Busy@Next")
+        terminal.type(">")
+        self.sees(terminal, "the service refused: GDBus.Error:com.example.Busy")
+
+    def test_a_level_that_cannot_be_read_is_no_empty_one(self):
+        for member in ("GetCurDbListItemsAmount", "EnterDbRoot"):
+            with self.subTest(member):
+                self.happen("fault", "error=com.example.Busy@" + member)
+                terminal = self.start()
+                self.sees(terminal, "(could not be read)", "the service refused: GDBus.Error:com.example.Busy")
+                self.assertNotIn("0/0", terminal.screen.text())
+                self.sees(terminal, "Ctrl-L tries again")
+                self.happen("clear-faults")
+                terminal.type(CTRL_L)
+                self.sees(terminal, "Artists/", "a-z jump")
+
+    def test_names_that_never_come_are_told_as_long_as_they_are_missing(self):
+        terminal = self.in_artists()
+        self.happen("fault", "out-of-range")
+        terminal.type(CTRL_L)
+        self.sees(terminal, "the list could not be read to its end; Ctrl-L tries again")
+        self.happen("clear-faults")
+        terminal.type(CTRL_L)
+        self.sees(terminal, "› Artists", "周杰伦/", "a-z jump")
+
     def test_a_bus_that_goes_away_is_told(self):
         terminal = self.in_artists()
         self.bus.daemon.kill()

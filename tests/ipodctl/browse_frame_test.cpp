@@ -185,6 +185,33 @@ TEST(BrowseFrame, SaysThatALevelIsEmpty)
     EXPECT_EQ(Screen(model, 8, 60)[1], " (empty)");
 }
 
+TEST(BrowseFrame, SaysThatALevelCouldNotBeRead)
+{
+    Model model = PlayingModel();
+    model.SetUnreadable();
+    EXPECT_EQ(Screen(model, 8, 60)[1], " (could not be read)");
+    EXPECT_EQ(Screen(model, 8, 60)[0].find("0/0"), std::string::npos);
+    EXPECT_EQ(Screen(model, 8, 60).back(), " the list could not be read to its end; Ctrl-L tries again");
+    model.SetCount(2);
+    EXPECT_NE(Screen(model, 8, 60).back().find("help"), std::string::npos);
+    model.SetUnreadable();
+    EXPECT_EQ(Screen(model, 8, 60)[0].find('%'), std::string::npos);
+    EXPECT_EQ(Screen(model, 8, 60).back(), " the list could not be read to its end; Ctrl-L tries again");
+}
+
+TEST(BrowseFrame, SaysThatItWaitsAfterAMoment)
+{
+    Model model = PlayingModel();
+    model.waitingSince = kNow;
+    EXPECT_EQ(Screen(model, 8, 60, kNow + std::chrono::milliseconds(500)).back().find("waiting"), std::string::npos);
+    const Time later = kNow + std::chrono::seconds(2);
+    EXPECT_EQ(Screen(model, 8, 60, later).back(), " waiting for the service…");
+    Type(model, "x");
+    EXPECT_EQ(Screen(model, 8, 60, later).back(), " jump: x  waiting for the service…");
+    model.connection.phase = ipodkit::Phase::Lost;
+    EXPECT_EQ(Screen(model, 8, 60, later).back(), " jump: x  reading the names");
+}
+
 TEST(BrowseFrame, ListsItsKeys)
 {
     Model model = PlayingModel();

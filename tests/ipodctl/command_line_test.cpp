@@ -33,6 +33,7 @@ TEST(CommandLine, TellsANegativeTimeFromAnOption)
     EXPECT_EQ(Parse({"--json", "seek", "-1:30", "--verbose"}), (Words{"--verbose", "--back=1:30", "seek", "--json"}));
     EXPECT_EQ(Parse({"ls", "-10"}), (Words{"-10", "ls"}));
     EXPECT_EQ(Parse({"seek", "--", "-5"}), (Words{"-5", "--", "seek"}));
+    EXPECT_EQ(Parse({"seek", "--back", "-5"}), (Words{"--back=-5", "seek"}));
 }
 
 TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
@@ -54,6 +55,8 @@ TEST(NumberUpTo, KnowsTheWholeRange)
     EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967295"), "");
     EXPECT_EQ(NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
     EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967296"), "'4294967296' is no whole number from 0 to 4294967295");
+    EXPECT_EQ(NumberUpTo(9, 1)("9"), "");
+    EXPECT_EQ(NumberUpTo(9, 1)("0"), "'0' is no whole number from 1 to 9");
     for (const char* wrong : {"-1", "", "1x", " 1", "99999999999999999999"})
         EXPECT_NE(NumberUpTo(UINT64_MAX)(wrong), "");
 }

@@ -55,6 +55,13 @@ TEST_F(Files, ComeBackAsTheyWereWritten)
     EXPECT_TRUE(ReadFile(m_folder + "/a").empty());
 }
 
+TEST_F(Files, AreReadUpToALength)
+{
+    WriteFile(m_folder + "/a", std::vector<unsigned char>(10000));
+    EXPECT_EQ(ReadFile(m_folder + "/a", 10000).size(), 10000U);
+    EXPECT_THROW(ReadFile(m_folder + "/a", 9999), Failure);
+}
+
 TEST_F(Files, ThatCannotBeUsedSayWhy)
 {
     EXPECT_THROW(ReadFile(m_folder + "/none"), Failure);

@@ -70,6 +70,13 @@ class OnABus(unittest.TestCase):
         return answer["error"]["message"]
 
 
+    def assert_output_is_told(self, words, redirection, reason, **options):
+        done = subprocess.run(f"'{OPTIONS.ipodctl}' {words} {redirection}", env=self.bus.environment, shell=True,
+                              stderr=subprocess.PIPE, timeout=LIMIT, check=False, **options)
+        self.assertEqual((done.returncode, done.stderr.decode()),
+                         (NOTHING_DONE, f"ipodctl: cannot write to standard output: {reason}\n"))
+
+
 class WithoutAService(OnABus):
     def test_no_bus_is_told(self):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
@@ -104,6 +111,14 @@ class WithoutAService(OnABus):
                             (["sim", "foo"], "unknown verb 'foo'; ipodctl sim --help"),
                             (["sim", "call", "--foo"], "--foo; ipodctl sim call --help"),
                             (["seek"], "no time is given"),
+                            (["sim", "foo", "--help"], "unknown verb 'foo'; ipodctl sim --help"),
+                            ([], "no verb is given; ipodctl --help"),
+                            (["eap"], "no verb is given; ipodctl eap --help"),
+                            (["hub", "x"], "'x' is no whole number from 0 to 255"),
+                            (["eap", "write", "x"], "'x' is no whole number from 0 to 65535"),
+                            (["sim", "eap-close", "0"], "'0' is no whole number from 1 to 65535"),
+                            (["eap", "bridge", "--socket", ""], "--socket: it is empty"),
+                            (["seek", "--back", "-5"], "'-5' is no time"),
                             (["seek", "--back=-3"], "'-3' is no time"),
                             (["seek", "-1:99"], "'-1:99' is no time"),
                             (["button", "-1"], "'-1' is no whole number"),
@@ -117,6 +132,18 @@ class WithoutAService(OnABus):
                       ["call", "--name"], ["carplay", "on", "--serial"], ["wireless", "on", "--address"]):
             with self.subTest(words):
                 self.assertIn("no text in UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
+
+    def test_an_output_that_takes_nothing_is_told(self):
+        for redirection, reason in ((">/dev/full", "No space left on device"), (">&-", "Bad file descriptor")):
+            for word in ("--help", "--version", "fingerprint"):
+                with self.subTest((word, redirection)):
+                    self.assert_output_is_told(word, redirection, reason)
+
+    def test_files_without_an_end_are_told(self):
+        for words in (["sim", "scenario"], ["sim", "eap-data", "1", "--file"], ["eap", "write", "1"]):
+            with self.subTest(words):
+                self.assertRegex(self.refused(*words, "/dev/zero", code=USAGE),
+                                 r"^cannot use '/dev/zero': it is longer than \d+ bytes$")
 
     def test_help_and_version_need_nothing(self):
         self.assertIn("Exit codes:", self.text("--help"))
@@ -189,7 +216,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual((status["state"], status["index"], status["track"]), ("stopped", -1, None))
         for words in (["info"], ["next"], ["previous"], ["pause"], ["seek", "5"], ["art"]):
             with self.subTest(words):
-                self.refused(*words, code=NOTHING_DONE)
+                self.assertEqual(self.refused(*words, code=NOTHING_DONE),
+                                 "nothing is loaded; start with ipodctl play INDEX")
 
     def test_a_song_is_played_by_its_index_and_by_its_name(self):
         by_index = self.play_first_song()
@@ -235,6 +263,29 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(process.returncode, DONE)
         for line in lines:
             self.assertEqual(check(json.loads(line), SCHEMA), [])
+
+    def test_a_restart_is_told_between_the_answers_of_a_watched_status(self):
+        self.play_first_song()
+        process = self.follow("status", "--watch")
+        self.await_line(process.stdout, b"playing")
+        self.restart_simulator()
+        self.await_line(process.stderr, b"left the bus; waiting for it to come back")
+        self.await_line(process.stderr, b"the iPod service is there")
+        self.await_line(process.stdout, b"stopped")
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, DONE)
+
+    def test_a_restart_is_a_line_between_the_answers_in_json(self):
+        process = self.follow("--json", "status", "--watch")
+        self.await_line(process.stdout, b'"verb"')
+        self.restart_simulator()
+        self.await_line(process.stdout, b'"ready"', keep=(lines := []))
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        for line in lines:
+            self.assertEqual(check(json.loads(line), SCHEMA), [])
+        self.assertIn("lost", [json.loads(line).get("state") for line in lines])
 
     def test_watching_ends_well_also_while_the_service_is_asked(self):
         self.play_first_song()
@@ -397,6 +448,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("no 'Nobody'", self.refused("play", "Nobody", code=USAGE))
         self.assertIn("no ''", self.refused("play", "", code=USAGE))
 
+    def test_a_page_of_another_size_is_told_with_what_may_have_caused_it(self):
+        self.run_ctl("cd", "/Songs")
+        self.tell("fault", "half-filled@GetCurDbListItems")
+        self.assertIn("a page of 12 entries instead of 24; another application may have read a list at the same time",
+                      self.refused("ls", code=SERVICE_LOST))
+
     # The playing list
 
     def test_the_playing_list_is_shown_with_a_mark_and_jumped_within(self):
@@ -455,6 +512,22 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertTrue(self.text("art").startswith("artwork.png: image/png, "))
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
         self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=USAGE))
+
+    def test_a_picture_that_the_shared_memory_has_no_room_for_is_told(self):
+        self.tell("eap-open")
+        data = os.path.join(self.folder.name, "data")
+        with open(data, "wb") as file:
+            file.write(bytes(1030000))
+        self.tell("eap-data", "1", "--file", data)
+        self.assertTrue(self.play_first_song()["track"]["picture"])
+        self.assertIn("has a picture, but the service did not hand it over", self.refused("art", code=NOTHING_DONE))
+
+    def test_a_picture_that_is_not_handed_over_whole_is_told(self):
+        self.play_first_song()
+        self.tell("fault", "half-filled@GetPlayingTrackAlbumArtwork")
+        self.assertIn("the picture has no end after ", self.refused("art", "half.png", code=SERVICE_LOST))
+        self.assertEqual(os.listdir(self.folder.name), [])
+        self.assertIn("300 x 300, incomplete\n", self.text("info"))
 
     def test_a_folder_gets_the_picture_under_a_name_of_its_own(self):
         self.play_first_song()
@@ -553,6 +626,41 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(check(json.loads(lines[1]), SCHEMA), [])
         self.assertEqual(json.loads(lines[3])["percent"], 6)
 
+    def test_an_interrupt_ends_the_command_and_all_that_it_started_and_begins_no_other(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(number):
+                process = self.follow("events", "battery", "--exec", 'echo "$IPOD_PERCENT"; sleep 300; echo survived')
+                self.tell("battery", "--level", "5")
+                self.tell("battery", "--level", "6")
+                self.assertEqual(line_within(process.stdout, LIMIT), b"5\n")
+                process.send_signal(number)
+                # The end of the output comes when the last one that could write is gone.
+                out, err = process.communicate(timeout=LIMIT)
+                self.assertEqual((process.returncode, out), (DONE, b""))
+                self.assertNotIn(b"ipodctl:", err)
+
+    def test_a_command_that_ignores_the_first_interrupt_is_killed_by_the_second(self):
+        process = self.follow("events", "battery", "--exec", "trap '' INT; echo begun; sleep 300; echo survived")
+        self.tell("battery", "--level", "5")
+        self.assertEqual(line_within(process.stdout, LIMIT), b"begun\n")
+        process.send_signal(signal.SIGINT)
+        with self.assertRaises(subprocess.TimeoutExpired):
+            process.wait(0.5)
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.communicate(timeout=LIMIT)[0], b"")
+        self.assertEqual(process.returncode, DONE)
+
+    def test_a_command_that_is_slower_than_its_events_does_not_go_on_when_the_time_is_up(self):
+        began = time.monotonic()
+        self.tell("battery", "--level", "5")
+        once = time.monotonic() - began
+        process = self.follow("events", "battery", "--timeout", str(0.5 + 3 * once), "--exec",
+                              f'echo "$IPOD_PERCENT"; sleep {1 + 3 * once}; echo ended')
+        self.tell("battery", "--level", "6")
+        self.tell("battery", "--level", "7")
+        out, _ = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (DONE, b"6\nended\n"))
+
     def test_following_ends_with_its_time(self):
         self.assertEqual(self.run_ctl("events", "--no-progress", "--timeout", "0.3"), b"")
         self.assertIn("0 of 2", self.refused("events", "--count", "2", "--timeout", "0.3", code=NOTHING_DONE))
@@ -600,6 +708,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_bridge_carries_bytes_both_ways_and_ends_with_its_input(self):
         data = bytes(range(256)) * 2000
         self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
+
+    def test_a_bridge_whose_output_is_full_is_told(self):
+        self.assert_output_is_told("eap bridge", ">/dev/full", "No space left on device", input=b"hi")
 
     def test_a_bridge_ends_with_the_session(self):
         process = self.start("--verbose", "eap", "bridge", "--no-launch", stdin=subprocess.PIPE)
@@ -668,7 +779,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
                       self.refused("eap", "bridge", "--socket", "/nonexistent/socket", code=USAGE))
         with open(os.path.join(self.folder.name, "file"), "w", encoding="utf-8"):
             pass
-        self.assertIn("cannot make the socket", self.refused("eap", "bridge", "--socket", "file", code=USAGE))
+        self.assertIn("cannot make the socket 'file': it is there already and is no socket",
+                      self.refused("eap", "bridge", "--socket", "file", code=USAGE))
 
     def test_bytes_that_cannot_be_sent_are_told(self):
         self.assertIn("session 77", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
@@ -815,7 +927,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
             self.assertIn("GDBus.Error:com.example.Busy: ", self.refused(*words, code=NOTHING_DONE))
         self.tell("clear-faults")
         self.tell("fault", "wrong-type")
-        self.assertIn("broken answer", self.refused("status", code=SERVICE_LOST))
+        for words in (["status"], ["bench", "--count", "1"]):
+            self.assertIn("sent a broken answer", self.refused(*words, code=SERVICE_LOST))
 
     def test_a_simulator_that_hangs_is_told_after_the_deadline(self):
         self.simulator.send_signal(signal.SIGSTOP)
@@ -847,6 +960,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
         self.assertIn(b"went away", err)
+
+    def test_a_service_that_dies_during_a_list_is_told_by_one_reason(self):
+        self.run_ctl("cd", "/Songs")
+        self.tell("fault", "crash@GetCurDbListItems")
+        process = self.start("ls")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
+        self.assertEqual(err.decode(), "ipodctl: the iPod service went away: it left the bus while it was asked; "
+                                       "see whether it runs, then try again\n")
 
     def test_a_bus_that_goes_away_while_events_are_followed_is_told(self):
         process = self.follow("events", "--no-progress")
@@ -884,6 +1006,19 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertRegex(shown, r"^(\r\033\[K\[=*> *\] 0:0\d / \d+:\d\d){2}\r\n$")
         shown = self.on_terminal("events", "--count", "2", "--timeout", str(LIMIT), LC_ALL="C.UTF-8")
         self.assertRegex(shown, r"^(\r\033\[K━*╸?─* 0:0\d / \d+:\d\d){2}\r\n$")
+
+    def test_progress_keeps_within_a_terminal_that_was_made_narrower(self):
+        self.play_first_song()
+        main, terminal = pty.openpty()
+        self.addCleanup(os.close, main)
+        fcntl.ioctl(main, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
+        process = subprocess.Popen([OPTIONS.ipodctl, "events", "progress", "--count", "2"], stdout=terminal,
+                                   env={**self.bus.environment, "TERM": "xterm", "LC_ALL": "C"})
+        os.close(terminal)
+        self.assertGreater(len(os.read(main, 4096).removeprefix(b"\r\033[K")), 40)
+        fcntl.ioctl(main, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 40, 0, 0))
+        self.assertLessEqual(len(os.read(main, 4096).removeprefix(b"\r\033[K").rstrip()), 40)
+        self.assertEqual(process.wait(timeout=LIMIT), DONE)
 
     def on_terminal(self, *words, size=None, interrupt_at=None, **environment):
         main, terminal = pty.openpty()

@@ -4,6 +4,8 @@
 
 #include <string>
 
+using ctl::IsSize;
+using ctl::IsWhole;
 using ctl::Sniff;
 
 namespace
@@ -11,6 +13,24 @@ namespace
 std::vector<unsigned char> Bytes(const std::string& text)
 {
     return {text.begin(), text.end()};
+}
+
+std::string Chunk(const char* name, const std::string& content)
+{
+    return std::string(3, '\0') + static_cast<char>(content.size()) + name + content + "sum!";
+}
+
+std::string Png()
+{
+    return "\x89PNG\r\n\x1A\n" + Chunk("IHDR", std::string(13, 'x')) + Chunk("IDAT", "pixels, IEND") +
+           Chunk("IEND", "");
+}
+
+// With a small picture in a segment of its own.
+std::string Jpeg()
+{
+    return "\xFF\xD8\xFF\xE1" + std::string("\0\x07", 2) + "\xFF\xD8 \xFF\xD9" + "\xFF\xFF\xDA" +
+           std::string("\0\x04", 2) + "12pixels\xFF\xD9";
 }
 }  // namespace
 
@@ -22,6 +42,36 @@ TEST(Sniff, KnowsTheUsualKindsOfPictures)
     EXPECT_STREQ(Sniff(Bytes("BM....")).extension, ".bmp");
     EXPECT_STREQ(Sniff(Bytes("RIFF\x01\x02\x03\x04WEBPVP8 ")).extension, ".webp");
     EXPECT_STREQ(Sniff(Bytes(std::string("II*\0", 4))).extension, ".tiff");
+}
+
+TEST(IsWhole, WantsTheLastChunkOfAPng)
+{
+    const std::string png = Png();
+    EXPECT_TRUE(IsWhole(Bytes(png)));
+    EXPECT_TRUE(IsWhole(Bytes(png + "behind it")));
+    for (std::size_t size = 8; size < png.size(); ++size) EXPECT_FALSE(IsWhole(Bytes(png.substr(0, size)))) << size;
+    EXPECT_FALSE(IsWhole(Bytes("\x89PNG\r\n\x1A\nrubbish rubbish rubbish IEND")));
+}
+
+TEST(IsWhole, WantsTheEndOfAJpegAndNotThatOfAPictureInside)
+{
+    const std::string jpeg = Jpeg();
+    EXPECT_TRUE(IsWhole(Bytes(jpeg)));
+    EXPECT_TRUE(IsWhole(Bytes(jpeg + std::string(3, '\0'))));
+    for (std::size_t size = 3; size < jpeg.size(); ++size) EXPECT_FALSE(IsWhole(Bytes(jpeg.substr(0, size)))) << size;
+}
+
+TEST(IsWhole, BelievesOtherKinds)
+{
+    EXPECT_TRUE(IsWhole(Bytes("GIF89a")));
+    EXPECT_TRUE(IsWhole({}));
+}
+
+TEST(IsSize, LeavesOutWhatNoPictureOfATrackHas)
+{
+    EXPECT_TRUE(IsSize(1, 65535));
+    EXPECT_FALSE(IsSize(0, 300));
+    EXPECT_FALSE(IsSize(1347307277, 169478770));
 }
 
 TEST(Sniff, CallsEverythingElseBytes)
