@@ -45,6 +45,23 @@ py::object Future(AnyRequest& request)
 }
 }  // namespace
 
+void AnyRequest::WaitUntil(const std::function<bool(std::chrono::milliseconds)>& ready, const Cancellation& stop,
+                           const std::optional<Cancellation>& other)
+{
+    // So long does a Ctrl-C wait. An answer does not.
+    constexpr std::chrono::milliseconds kSlice(20);
+    for (bool done = false; !done;)
+    {
+        {
+            const py::gil_scoped_release others;
+            done = ready(kSlice);
+        }
+        const bool interrupted = PyErr_CheckSignals() != 0;
+        if (interrupted || (other && other->Cancelled())) stop.Cancel();
+        if (interrupted) throw py::error_already_set();
+    }
+}
+
 void BindRequest(py::module_& module)
 {
     py::class_<Cancellation>(module, "Cancellation", "A switch that can be thrown once; it may serve many requests.")
@@ -60,6 +77,8 @@ void BindRequest(py::module_& module)
              "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")
         .def("future", Future,
              "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread.")
-        .def("wait", &AnyRequest::Wait, "Sends it and blocks until the answer: returns the value or raises Error.");
+        .def("wait", &AnyRequest::Wait,
+             "Sends it and blocks until the answer: returns the value or raises Error. What a handler of a signal "
+             "raises, such as KeyboardInterrupt, ends it at once and withdraws the request.");
 }
 }  // namespace ipodkit::python

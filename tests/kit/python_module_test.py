@@ -114,6 +114,10 @@ class WithoutService(unittest.TestCase):
             session.commands
 
 
+class Interrupted(Exception):
+    """What a handler of a signal raises."""
+
+
 class WithSimulator(unittest.TestCase):
     def setUp(self):
         self.simulator = Simulator()
@@ -190,6 +194,47 @@ class WithSimulator(unittest.TestCase):
 
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
         self.assertGreater(count, 5)
+
+    def interrupted_in(self, seconds):
+        """Lets a signal come whose handler raises."""
+        def interrupt(*_):
+            raise Interrupted
+        self.addCleanup(signal.signal, signal.SIGALRM, signal.signal(signal.SIGALRM, interrupt))
+        self.addCleanup(signal.setitimer, signal.ITIMER_REAL, 0)
+        signal.setitimer(signal.ITIMER_REAL, seconds)
+
+    def test_a_signal_ends_the_waiting_at_once(self):
+        self.simulator.hang()
+        request = self.session.commands.next().within(LIMIT)
+        begin = time.monotonic()
+
+        self.interrupted_in(0.3)
+        with self.assertRaises(Interrupted):
+            request.wait()
+
+        self.assertLess(time.monotonic() - begin, LIMIT / 2)
+
+    def test_a_signal_does_not_throw_the_switch_of_other_requests(self):
+        self.simulator.hang()
+        stop = ipodkit.Cancellation()
+
+        self.interrupted_in(0.3)
+        with self.assertRaises(Interrupted):
+            self.session.commands.next().within(LIMIT).cancelled_by(stop).wait()
+
+        self.assertFalse(stop.cancelled)
+
+    def test_another_thread_can_withdraw_what_is_waited_for(self):
+        self.simulator.hang()
+        stop = ipodkit.Cancellation()
+        withdrawing = threading.Timer(0.2, stop.cancel)
+        withdrawing.start()
+        self.addCleanup(withdrawing.join)
+
+        with self.assertRaises(ipodkit.Error) as raised:
+            self.session.commands.next().within(LIMIT).cancelled_by(stop).wait()
+
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.CANCELLED)
 
     def test_the_shortest_deadline_is_a_millisecond(self):
         self.simulator.hang()
