@@ -27,17 +27,36 @@ void Start(AnyRequest& request, py::function callback)
     request.Start({"completion", std::move(callback)});
 }
 
+// One that was given up takes no result.
 void Settle(const py::object& future, const py::object& value, const py::object& error)
 {
+    if (!future.attr("set_running_or_notify_cancel")().cast<bool>()) return;
     if (error.is_none())
         future.attr("set_result")(value);
     else
         future.attr("set_exception")(error);
 }
 
+// A switch that the caller has given may serve other requests.
+void WithdrawWhenGivenUp(AnyRequest& request, const py::object& future)
+{
+    if (request.HasSwitch()) return;
+    const Cancellation stop;
+    request.CancelledBy(stop);
+    const py::cpp_function done(
+        [stop](const py::object& given)
+        {
+            const bool givenUp = given.attr("cancelled")().cast<bool>();
+            const py::gil_scoped_release others;
+            if (givenUp) stop.Cancel();
+        });
+    future.attr("add_done_callback")(done);
+}
+
 py::object Future(AnyRequest& request)
 {
     py::object future = py::module_::import("concurrent.futures").attr("Future")();
+    WithdrawWhenGivenUp(request, future);
     const py::cpp_function settle([future](const py::object& value, const py::object& error)
                                   { Settle(future, value, error); });
     request.Start({"future", settle});
@@ -76,7 +95,8 @@ void BindRequest(py::module_& module)
         .def("start", Start, py::arg("callback"),
              "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")
         .def("future", Future,
-             "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread.")
+             "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread. "
+             "Cancelling it withdraws the request, unless that has a Cancellation of its own.")
         .def("wait", &AnyRequest::Wait,
              "Sends it and blocks until the answer: returns the value or raises Error. What a handler of a signal "
              "raises, such as KeyboardInterrupt, ends it at once and withdraws the request.");

@@ -24,6 +24,7 @@ public:
 
     virtual void Within(std::chrono::milliseconds deadline) = 0;
     virtual void CancelledBy(const Cancellation& cancellation) = 0;
+    virtual bool HasSwitch() const = 0;
 
     /// The callback is given the value and None, or None and an ipodkit.Error.
     virtual void Start(const Callback& callback) = 0;
@@ -52,6 +53,8 @@ public:
         m_request = Take();
         m_switch = cancellation;
     }
+
+    bool HasSwitch() const override { return m_switch.has_value(); }
 
     void Start(const Callback& callback) override
     {

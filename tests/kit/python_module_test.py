@@ -2,6 +2,7 @@
 """Runs the Python module with the main loop of python3-gi, against the simulator on a bus and in a shared memory of
 its own."""
 import argparse
+import asyncio
 import datetime
 import os
 import signal
@@ -10,6 +11,7 @@ import sys
 import threading
 import time
 import unittest
+import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
@@ -53,6 +55,9 @@ class Simulator:
 
     def hang(self):
         self.process.send_signal(signal.SIGSTOP)
+
+    def go_on(self):
+        self.process.send_signal(signal.SIGCONT)
 
     def end(self):
         self.process.kill()
@@ -253,6 +258,57 @@ class WithSimulator(unittest.TestCase):
         asking.join()
         self.assertEqual(names, ["Desk iPod"])
 
+    def reported_as_unraisable(self):
+        """What is told of exceptions that nobody can catch, from now on."""
+        reported = []
+        self.addCleanup(setattr, sys, "unraisablehook", sys.unraisablehook)
+        sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
+        return reported
+
+    def test_a_future_that_was_given_up_makes_no_noise_when_the_answer_comes(self):
+        reported = self.reported_as_unraisable()
+        self.simulator.hang()
+        future = self.session.commands.ipod_name().within(LIMIT).future()
+
+        self.assertTrue(future.cancel())
+        self.simulator.go_on()
+        self.assertEqual(self.completed(self.session.commands.device_count()), (1, None))
+
+        self.assertTrue(future.cancelled())
+        self.assertEqual(reported, [])
+
+    def test_a_future_that_asyncio_gives_up_makes_no_noise(self):
+        reported = self.reported_as_unraisable()
+        self.simulator.hang()
+
+        async def ask():
+            await asyncio.wait_for(asyncio.wrap_future(self.session.commands.ipod_name().future()), 0.1)
+
+        with self.assertRaises(asyncio.TimeoutError):
+            asyncio.run(ask())
+        self.simulator.go_on()
+        self.assertEqual(self.completed(self.session.commands.device_count()), (1, None))
+
+        self.assertEqual(reported, [])
+
+    def test_the_switch_of_a_future_that_was_given_up_is_not_thrown(self):
+        stop = ipodkit.Cancellation()
+        future = self.session.commands.ipod_name().cancelled_by(stop).future()
+
+        future.cancel()
+
+        self.assertFalse(stop.cancelled)
+
+    def test_a_future_that_was_given_up_withdraws_its_request(self):
+        self.simulator.hang()
+        future = self.session.commands.ipod_name().within(LIMIT).future()
+        held_by_its_request = weakref.ref(future)
+
+        future.cancel()
+        del future
+
+        self.assertTrue(run_until(lambda: held_by_its_request() is None, LIMIT / 2))
+
     def test_a_cancelled_request_completes_at_once(self):
         self.simulator.hang()
         stop = ipodkit.Cancellation()
@@ -312,9 +368,7 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(len(calls), 1)
 
     def test_what_a_callback_raises_is_reported_and_ends_nothing(self):
-        reported = []
-        self.addCleanup(setattr, sys, "unraisablehook", sys.unraisablehook)
-        sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
+        reported = self.reported_as_unraisable()
 
         watching = self.session.on_state("broken", lambda state, changed: 1 / 0)
 
