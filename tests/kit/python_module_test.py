@@ -405,6 +405,17 @@ class WithSimulator(unittest.TestCase):
         shown = next((line for line in example.stdout if line.startswith("[READY]")), "")
         self.assertRegex(shown, r"^\[READY\] [>=] .* - .*\n$")
 
+    def test_the_example_ends_quietly(self):
+        example = subprocess.Popen([OPTIONS.interpreter, OPTIONS.example], stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(example.kill)
+        self.assertNotEqual(line_within(example.stdout, LIMIT), "")
+
+        example.send_signal(signal.SIGINT)
+
+        self.assertEqual(example.communicate(timeout=LIMIT)[1], "")
+        self.assertEqual(example.returncode, 0)
+
 
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
