@@ -12,7 +12,9 @@ constexpr char kRequestDoc[] =
 
 AnyRequest& Within(AnyRequest& request, const py::object& deadline)
 {
-    request.Within(ToMilliseconds(deadline));
+    const std::chrono::milliseconds duration = ToMilliseconds(deadline);
+    if (duration.count() < 0) throw py::value_error("expected a deadline of 0 or more");
+    request.Within(duration);
     return request;
 }
 
@@ -90,7 +92,7 @@ void BindRequest(py::module_& module)
     constexpr auto same = py::return_value_policy::reference;
     py::class_<AnyRequest>(module, "Request", kRequestDoc)
         .def("within", Within, py::arg("deadline"), same,
-             "Sets the deadline: seconds or a timedelta; at least a millisecond.")
+             "Sets the deadline: seconds or a timedelta, 0 or more; it becomes a millisecond at least.")
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
         .def("start", Start, py::arg("callback"),
              "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")

@@ -92,6 +92,11 @@ class WithoutService(unittest.TestCase):
             with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a number of seconds"):
                 self.session.commands.seek(wrong)
 
+    def test_a_deadline_does_not_lie_in_the_past(self):
+        for wrong in (-1, datetime.timedelta(seconds=-1), -0.001):
+            with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
+                self.session.commands.next().within(wrong)
+
     def test_there_is_one_session_at_a_time(self):
         with self.assertRaises(ipodkit.Error) as raised:
             ipodkit.Session()
@@ -243,7 +248,7 @@ class WithSimulator(unittest.TestCase):
 
     def test_the_shortest_deadline_is_a_millisecond(self):
         self.simulator.hang()
-        for deadline in (1e-9, 0, -1):
+        for deadline in (1e-9, 0):
             with self.subTest(deadline), self.assertRaises(ipodkit.Error) as raised:
                 self.session.commands.next().within(deadline).wait()
             self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
