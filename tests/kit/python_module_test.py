@@ -113,6 +113,8 @@ class WithoutService(unittest.TestCase):
         self.assertEqual(self.session.state.phase, ipodkit.Phase.ABSENT)
         self.assertIsNone(self.session.state.track)
         self.assertEqual(self.session.state.calls, {})
+        self.assertRegex(repr(self.session.state),
+                         r"^<ipodkit\.PlayerState \d+: phase ABSENT, status None, track None>$")
 
     def test_a_session_ends_with_its_block(self):
         self.session.close()
@@ -162,6 +164,23 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(seen[1][0].battery.level, 42)
         self.assertEqual(self.session.state.battery.level, 42)
         watching.end()
+
+    def test_values_tell_what_they_hold(self):
+        commands = self.session.commands
+        commands.start_playback(ipodkit.PlayOption.START).wait()
+        self.assertTrue(run_until(lambda: self.session.state.status == ipodkit.PlayStatus.PLAYING))
+        track = self.session.state.track
+
+        self.assertEqual(repr(track), f"<ipodkit.Track '{track.title}' by '{track.artist}'>")
+        self.assertRegex(repr(self.session.state),
+                         r"^<ipodkit\.PlayerState \d+: phase READY, status PLAYING, track <ipodkit\.Track '.*>>$")
+        self.assertRegex(repr(self.session.state.position), r"^<ipodkit\.Position 0:00:.* of 0:0.*, advancing>$")
+        self.assertRegex(repr(self.session.state.artwork), r"^<ipodkit\.Picture image/png, 300x300, \d+ bytes>$")
+        self.assertRegex(repr(commands.position().wait()), r"^<ipodkit\.PlayPosition \d+ of \d+ ms>$")
+        self.assertEqual(repr(commands.carplay_status().wait()), "<ipodkit.CarPlayDevice NOT_DETECTED, serial ''>")
+        self.simulator.battery(42)
+        self.assertTrue(run_until(lambda: self.session.state.battery.level == 42))
+        self.assertEqual(repr(self.session.state.battery), "<ipodkit.Battery level 42, charging None>")
 
     def test_values_and_refusals_reach_the_completion(self):
         value, error = self.completed(self.session.commands.device_count())
