@@ -4,14 +4,14 @@
 
 #include <CLI/CLI.hpp>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <optional>
 #include <stdexcept>
+#include <system_error>
 
 #include "faults/faults.h"
 #include "printable.h"
@@ -51,11 +51,21 @@ void Say(const std::string& line)
     std::fflush(stdout);
 }
 
+std::string ReadWhole(const std::string& name)
+{
+    constexpr std::size_t kMost = std::size_t{8} << 20U;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "rb"), &std::fclose);
+    std::string text(kMost + 1, '\0');
+    text.resize(file == nullptr ? 0 : std::fread(text.data(), 1, text.size(), file.get()));
+    if (file == nullptr || std::ferror(file.get()) != 0)
+        throw std::runtime_error(name + ": " + std::generic_category().message(errno));
+    if (text.size() > kMost) throw std::runtime_error(name + ": expected a scenario of at most 8 MiB");
+    return text;
+}
+
 std::string ReadScenario(const std::string& name)
 {
-    std::ifstream in(name, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(in), {}};
-    if (!in || in.bad()) throw std::runtime_error(name + ": cannot be read");
+    const std::string text = ReadWhole(name);
     try
     {
         ipodsim::ParseScenario(text);

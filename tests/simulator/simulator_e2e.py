@@ -146,7 +146,8 @@ class Program(OnABus):
         self.assertEqual("ipod-simulator: name of the device: expected UTF-8 text, not '\N{REPLACEMENT CHARACTER}'\n",
                          self.refusal("--name", b"\xff"))
         self.assertIn("expected one of delay, ", self.refusal("--fault", "dely"))
-        self.assertIn("cannot be read", self.refusal("--scenario", "/nonexistent"))
+        self.assertIn("/nonexistent: No such file or directory", self.refusal("--scenario", "/nonexistent"))
+        self.assertIn(f"{self.folder}: Is a directory", self.refusal("--scenario", self.folder))
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.assertIn("no session bus", self.refusal())
 
@@ -159,6 +160,10 @@ class Program(OnABus):
                                           timeout=LIMIT)
                     self.assertEqual((done.returncode, done.stdout), (2, ""))
                     self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*; {name} --help shows the usage\n$")
+
+    def test_reads_no_more_of_a_scenario_than_one_can_have(self):
+        self.assertEqual(self.refusal("--scenario", "/dev/zero"),
+                         "ipod-simulator: /dev/zero: expected a scenario of at most 8 MiB\n")
 
     def test_tells_where_a_scenario_is_malformed(self):
         file = self.write("bad.json", '{"steps": [\n  {"time": 0, "event": "button", "value": "eject"}\n]}\n')
