@@ -142,10 +142,6 @@ class Program(OnABus):
 
     def test_refuses_what_it_cannot_use(self):
         self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
-        self.assertIn("speed: expected a number above 0", self.refusal("--speed", "0"))
-        self.assertEqual("ipod-simulator: name of the device: expected UTF-8 text, not '\N{REPLACEMENT CHARACTER}'\n",
-                         self.refusal("--name", b"\xff"))
-        self.assertIn("expected one of delay, ", self.refusal("--fault", "dely"))
         self.assertIn("/nonexistent: No such file or directory", self.refusal("--scenario", "/nonexistent"))
         self.assertIn(f"{self.folder}: Is a directory", self.refusal("--scenario", self.folder))
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
@@ -160,6 +156,26 @@ class Program(OnABus):
                                           timeout=LIMIT)
                     self.assertEqual((done.returncode, done.stdout), (2, ""))
                     self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*; {name} --help shows the usage\n$")
+
+    def test_values_that_are_none_are_usage_errors_and_tell_what_was_expected(self):
+        for words, expected in ((["--speed", "0"], "--speed: expected a number above 0, not 0"),
+                                (["--speed", "x"], "--speed: expected a number above 0, not x"),
+                                (["--speed", "nan"], "--speed: expected a number above 0, not nan"),
+                                (["--speed", "1e999"], "--speed: expected a number above 0, not 1e999"),
+                                (["--speed", ""], "--speed: expected a number above 0, not "),
+                                (["--seed", "-1"], "--seed: expected a whole number from 0 to 4294967295, not -1"),
+                                (["--name", ""], "--name: expected a name that is not empty"),
+                                (["--name", b"\xff"], "--name: expected UTF-8 text, not \N{REPLACEMENT CHARACTER}"),
+                                (["--fault", "delay=-1"], "fault delay: expected a number from 0 on"),
+                                (["--fault", "delay", "--fault", "dely"],
+                                 'fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
+                                 'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
+                                 'restart-storm, not "dely"')):
+            with self.subTest(words):
+                process = self.launch(*words)
+                out, err = process.communicate(timeout=LIMIT)
+                self.assertEqual((process.returncode, out), (2, ""))
+                self.assertEqual(err, f"ipod-simulator: {expected}; ipod-simulator --help shows the usage\n")
 
     def test_reads_no_more_of_a_scenario_than_one_can_have(self):
         self.assertEqual(self.refusal("--scenario", "/dev/zero"),
