@@ -407,6 +407,33 @@ TEST_F(Service, AttachesAndDetachesWhatComesAndGoes)
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
 }
 
+TEST_F(Service, SeesTheMusicFolderComeBack)
+{
+    TemporaryFolder folder;
+    folder.CopySample("one.ogg");
+    std::atomic<int> warnings{0};
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.oneDevice = true;
+    options.warn = [&](const std::string& line)
+    {
+        EXPECT_EQ(line, "the music folder " + folder.path.string() + " is gone; what is in it comes back with it");
+        ++warnings;
+    };
+    const ipodsim::Simulator service(options);
+    Client client;
+
+    std::filesystem::remove_all(folder.path);
+    ASSERT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x01, false)"));
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(0,)");
+    folder.CopySample("Phone/one.ogg");
+    folder.CopySample("Phone/two.ogg");
+
+    EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x00, false)"));
+    EXPECT_EQ(service.Summary(), "2 songs, 1 artist, 1 album");
+    EXPECT_EQ(warnings, 1);
+}
+
 TEST_F(Service, AnswersWhileMusicIsRead)
 {
     TemporaryFolder folder;
