@@ -278,6 +278,34 @@ class Faults(OnABus):
                 self.assertRegex(self.refusal(), "^ipod-simulator: shared memory ListVectorSharedMemory: .*; stop all "
                                  "applications of the service, remove /dev/shm/ListVectorSharedMemory and start again$")
 
+    def remount_shared_memory(self, options):
+        subprocess.run(["mount", "-o", f"remount,{options}", "/dev/shm"], check=True)
+
+    def test_shared_memory_without_room_is_told(self):
+        self.addCleanup(self.remount_shared_memory, "size=50%")
+        for size in ("48k", "5200k"):
+            with self.subTest(size):
+                clear_shared_memory()
+                self.remount_shared_memory(f"size={size}")
+                name = "List" if size == "48k" else "Buffer"
+                self.assertRegex(self.refusal(), rf"^ipod-simulator: shared memory {name}VectorSharedMemory: no room for "
+                                 r"its \d+ bytes; make room in /dev/shm and start again\n$")
+
+    def test_segments_without_all_their_pages_are_given_them(self):
+        clear_shared_memory()
+        self.addCleanup(clear_shared_memory)
+        self.start()
+        for segment in ("ListVectorSharedMemory", "BufferVectorSharedMemory"):
+            status = os.stat(f"/dev/shm/{segment}")
+            self.assertGreaterEqual(status.st_blocks * 512, status.st_size)
+
+    def test_a_file_system_that_cannot_be_written_is_told_without_advice_that_does_not_help(self):
+        clear_shared_memory()
+        self.addCleanup(self.remount_shared_memory, "rw")
+        self.remount_shared_memory("ro")
+        self.assertEqual(self.refusal(),
+                         "ipod-simulator: shared memory ListVectorSharedMemory: Read-only file system\n")
+
     def test_a_segment_whose_object_is_longer_than_it_is_used(self):
         self.addCleanup(clear_shared_memory)
         process = self.start()
