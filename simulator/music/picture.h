@@ -9,7 +9,7 @@ namespace ipodsim
 /// Wraps the bytes of a picture and reads its size from a PNG or JPEG header.
 Picture MakePicture(Bytes bytes);
 
-/// Whether bytes begin like a PNG, JPEG, GIF, BMP or WebP.
+/// Whether bytes begin with the head of a PNG, JPEG, GIF, BMP or WebP; a signature alone is none.
 bool IsPicture(const Bytes& bytes);
 /// The same of a file; false also when it cannot be read.
 bool IsPictureFile(const std::string& file);
