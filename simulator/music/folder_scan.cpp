@@ -106,18 +106,19 @@ private:
             return;
         }
         if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
-        if (IsPictureName(name)) return ReadPicture(folder, name, path, bestCover);
+        if (IsPictureName(name)) return ReadPicture({path, MarkOf(status), folder}, name, bestCover);
         auto& files = IsPlaylist(name) ? m_scan.playlists : m_scan.files;
         files.push_back({path, MarkOf(status), folder});
     }
 
-    void ReadPicture(std::size_t folder, const std::string& name, const std::string& path, int& bestCover)
+    void ReadPicture(const ScannedFile& file, const std::string& name, int& bestCover)
     {
         const int rank = CoverRank(name);
         if (rank >= bestCover) return;
-        if (!IsPictureFile(path)) return Skip(path, "no picture");
+        if (!IsPictureFile(file.path)) return Skip(file.path, "no picture");
+        if (file.mark.size > kLargestPicture) return Skip(file.path, "a picture that does not fit into shared memory");
         bestCover = rank;
-        m_scan.folders[folder].picture = path;
+        m_scan.folders[file.folder].picture = file.path;
     }
 
     void Skip(const std::string& path, int error) const { Skip(path, std::generic_category().message(error)); }

@@ -87,8 +87,9 @@ void ReadPngSize(Picture& picture)
     picture.width = BigEndian(picture.bytes, 16, 4);
     picture.height = BigEndian(picture.bytes, 20, 4);
 }
-// More than any picture that fits into shared memory, so that a larger one is refused there and not cut here.
-constexpr std::size_t kLargestPicture = std::size_t{4} << 20U;
+
+// More than any picture that fits into shared memory, so that one that has grown is refused there and not cut here.
+constexpr std::size_t kMostRead = std::size_t{4} << 20U;
 constexpr std::size_t kSignatureBytes = 32;
 
 Bytes ReadBeginning(const std::string& file, std::size_t most)
@@ -124,7 +125,7 @@ Picture PictureOf(const Track& track)
 {
     if (track.cover.valid()) return track.cover.get();
     if (!track.hasPicture) return {};
-    if (!track.folderPicture.empty()) return MakePicture(ReadBeginning(track.folderPicture, kLargestPicture));
+    if (!track.folderPicture.empty()) return MakePicture(ReadBeginning(track.folderPicture, kMostRead));
     return MakePicture(ReadEmbeddedPicture(track.file));
 }
 }  // namespace ipodsim

@@ -2,10 +2,16 @@
 /// Pictures of tracks.
 #pragma once
 
+#include <cstddef>
+#include <string>
+
 #include "music/track.h"
 
 namespace ipodsim
 {
+/// More bytes never fit into the segment for pictures, which has a megabyte for its vectors and their heads.
+constexpr std::size_t kLargestPicture = (std::size_t{1} << 20U) - 4096;
+
 /// Wraps the bytes of a picture and reads its size from a PNG or JPEG header.
 Picture MakePicture(Bytes bytes);
 

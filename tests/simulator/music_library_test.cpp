@@ -72,6 +72,19 @@ protected:
 
 const std::string kSmallPng("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
 
+// In place of those that the track has.
+void PutPicture(const fs::path& ogg, const std::string& bytes)
+{
+    TagLib::FileRef file(ogg.c_str());
+    auto* const comment = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag());
+    comment->removeAllPictures();
+    auto* const picture = new TagLib::FLAC::Picture;  // the comment owns it
+    picture->setType(TagLib::FLAC::Picture::FrontCover);
+    picture->setData({bytes.data(), static_cast<unsigned>(bytes.size())});
+    comment->addPicture(picture);
+    if (!file.save()) throw std::runtime_error("the track cannot be saved");
+}
+
 void ExpectPngOf300Pixels(const Track& track)
 {
     const ipodsim::Picture picture = ipodsim::PictureOf(track);
@@ -335,19 +348,31 @@ TEST_F(MusicFolder, PrefersTheTracksOwnPictureToThatOfItsFolder)
 
 TEST_F(MusicFolder, TakesAnEmbeddedPictureThatIsNoneForNone)
 {
-    TagLib::FileRef bare(CopySample("bare.ogg").c_str());
-    auto* const comment = dynamic_cast<TagLib::Ogg::XiphComment*>(bare.tag());
-    comment->removeAllPictures();
-    auto* const picture = new TagLib::FLAC::Picture;  // the comment owns it
-    picture->setType(TagLib::FLAC::Picture::FrontCover);
-    picture->setData("no picture at all");
-    comment->addPicture(picture);
-    ASSERT_TRUE(bare.save());
+    PutPicture(CopySample("bare.ogg"), "no picture at all");
 
     const Library library = Read();
 
     ASSERT_EQ(library.tracks.size(), 1U);
     EXPECT_FALSE(library.tracks[0]->hasPicture);
+}
+
+TEST_F(MusicFolder, LeavesOutAPictureThatNeverFitsIntoSharedMemory)
+{
+    const std::string large = kSmallPng + std::string(std::size_t{2} << 20U, 'x');
+    PutPicture(CopySample("a/large.ogg"), large);
+    PutPicture(CopySample("b/large.ogg"), large);
+    Write("b/cover.png", kSmallPng);
+    Write("c/cover.png", large);
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.tracks.size(), 2U);
+    EXPECT_FALSE(library.tracks[0]->hasPicture);
+    EXPECT_EQ(ipodsim::PictureOf(*library.tracks[1]).bytes.size(), kSmallPng.size()) << "that of its folder";
+    ASSERT_EQ(warnings.size(), 3U);
+    EXPECT_EQ(warnings[0],
+              "skipped " + (folder.path / "c/cover.png").string() + ": a picture that does not fit into shared memory");
+    EXPECT_EQ(warnings[1], (folder.path / "a/large.ogg").string() + ": its picture does not fit into shared memory");
 }
 
 TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)

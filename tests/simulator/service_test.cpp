@@ -40,6 +40,17 @@ std::string ToText(GVariant* value)
     return copy;
 }
 
+// A track without tags and picture.
+std::string ASecondOfSilence()
+{
+    constexpr std::size_t kRate = 8000;
+    const std::string header(
+        "RIFF\x64\x1F\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1F\0\0\x40\x1F\0\0\1\0\x08\0"
+        "data\x40\x1F\0\0",
+        44);
+    return header + std::string(kRate, '\x80');
+}
+
 // A client with nothing but a connection; keeps the signals that it receives.
 class Client
 {
@@ -432,6 +443,32 @@ TEST_F(Service, SeesTheMusicFolderComeBack)
     EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x00, false)"));
     EXPECT_EQ(service.Summary(), "2 songs, 1 artist, 1 album");
     EXPECT_EQ(warnings, 1);
+}
+
+TEST_F(Service, TellsOnceOfEachPictureThatHasNoRoom)
+{
+    TemporaryFolder folder;
+    const std::string head("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
+    folder.Write("one.wav", ASecondOfSilence());
+    folder.Write("two.wav", ASecondOfSilence());
+    // Fits into the segment, but not beside itself.
+    folder.Write("cover.png", head + std::string(600000, 'x'));
+    std::vector<std::string> warnings;
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.warn = [&](const std::string& line) { warnings.push_back(line); };
+    ipodsim::Simulator service(options);
+    Client client;
+
+    service.PressButton("play");
+    for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
+
+    service.ClearCalls();  // what the service's thread did is over
+    EXPECT_EQ(warnings, (std::vector<std::string>{"the picture of \"one\" does not fit into shared memory"}));
+    service.PressButton("next");
+    for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
+    service.ClearCalls();
+    EXPECT_EQ(warnings.size(), 2U);
 }
 
 TEST_F(Service, AnswersWhileMusicIsRead)
