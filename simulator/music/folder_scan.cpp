@@ -1,12 +1,15 @@
 #include "music/folder_scan.h"
 
 #include <dirent.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <taglib/fileref.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <system_error>
@@ -54,6 +57,20 @@ FileMark MarkOf(const struct stat& status)
             static_cast<std::uint64_t>(status.st_size)};
 }
 
+// Without music, without end, and full of names that go while they are read.
+bool IsMadeUpByTheKernel(const std::string& folder)
+{
+    constexpr std::uint32_t kTypes[] = {PROC_SUPER_MAGIC,   SYSFS_MAGIC,         DEBUGFS_MAGIC,
+                                        TRACEFS_MAGIC,      SECURITYFS_MAGIC,    BPF_FS_MAGIC,
+                                        CGROUP_SUPER_MAGIC, CGROUP2_SUPER_MAGIC, DEVPTS_SUPER_MAGIC};
+    struct statfs system
+    {
+    };
+    return statfs(folder.c_str(), &system) == 0 &&
+           std::find(std::begin(kTypes), std::end(kTypes), static_cast<std::uint32_t>(system.f_type)) !=
+               std::end(kTypes);
+}
+
 using Enter = std::function<void(const std::string&)>;
 
 class Scanner
@@ -72,6 +89,7 @@ public:
     void Read(const std::string& path, const struct stat& status)
     {
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
+        if (IsMadeUpByTheKernel(path)) return Skip(path, "no file system for music");
         if (m_enter) m_enter(path);
         const std::size_t folder = m_scan.folders.size();
         m_scan.folders.push_back({path, CleanName(path.substr(path.rfind('/') + 1), "Music"), {}});

@@ -296,6 +296,17 @@ TEST_F(MusicFolder, WithALoopOfLinksIsReadOnce)
     EXPECT_TRUE(warnings.empty());
 }
 
+TEST_F(MusicFolder, DoesNotReadWhatTheKernelMakesUp)
+{
+    CopySample("one.ogg");
+    fs::create_directory_symlink("/proc", folder.path / "proc");
+
+    EXPECT_EQ(Read().tracks.size(), 1U);
+
+    EXPECT_EQ(warnings,
+              (std::vector<std::string>{"skipped " + (folder.path / "proc").string() + ": no file system for music"}));
+}
+
 TEST_F(MusicFolder, MakesASubFolderAPlaylist)
 {
     CopySample("Evening/one.ogg");
