@@ -471,6 +471,23 @@ TEST_F(Service, TellsOnceOfEachPictureThatHasNoRoom)
     EXPECT_EQ(warnings.size(), 2U);
 }
 
+TEST_F(Service, SumsUpWhatIsWrongWithManyFiles)
+{
+    TemporaryFolder folder;
+    for (int i = 0; i < 800; ++i) folder.Write("Phone/" + std::to_string(i) + ".ogg", "no audio");
+    folder.Write("Watch/one.ogg", "no audio");
+    std::vector<std::string> warnings;
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.warn = [&](const std::string& line) { warnings.push_back(line); };
+
+    const ipodsim::Simulator service(options);
+
+    ASSERT_EQ(warnings.size(), 11U);
+    EXPECT_EQ(warnings[9], "skipped " + (folder.path / "Phone/106.ogg").string() + ": no audio file");
+    EXPECT_EQ(warnings[10], "and 791 more warnings like these");
+}
+
 TEST_F(Service, AnswersWhileMusicIsRead)
 {
     TemporaryFolder folder;
