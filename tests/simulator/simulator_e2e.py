@@ -157,6 +157,20 @@ class Program(OnABus):
                     self.assertEqual((done.returncode, done.stdout), (2, ""))
                     self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*; {name} --help shows the usage\n$")
 
+    def test_samples_need_a_folder_that_can_be_made(self):
+        file = self.write("file", "")
+        for folder, code, expected in (("", 2, "folder: expected a name that is not empty; ipod-make-samples --help shows "
+                                               "the usage"),
+                                       ("/proc/x", 1, "/proc/x: No such file or directory"),
+                                       (file, 1, f"{file}: Not a directory")):
+            for more in ([], ["--count", "3"]):
+                with self.subTest([folder, *more]):
+                    done = subprocess.run([OPTIONS.samples, folder, *more], cwd=self.folder, capture_output=True,
+                                          text=True, timeout=LIMIT)
+                    self.assertEqual((done.returncode, done.stdout), (code, ""))
+                    self.assertEqual(done.stderr, f"ipod-make-samples: {expected}\n")
+        self.assertEqual(os.listdir(self.folder), ["file"])
+
     def test_values_that_are_none_are_usage_errors_and_tell_what_was_expected(self):
         for words, expected in ((["--speed", "0"], "--speed: expected a number above 0, not 0"),
                                 (["--speed", "x"], "--speed: expected a number above 0, not x"),
