@@ -112,8 +112,8 @@ public:
     void SourceValid(bool valid);
     /// A button of the device itself: play, pause, stop, next, previous; false when it is none of them.
     bool PressButton(const std::string& button);
-    /// The new device holds the built-in library.
-    void AttachDevice(const std::string& name);
+    /// The new device holds the built-in library. False when there is one of that name.
+    bool AttachDevice(const std::string& name);
     /// False when there is none of that name.
     bool DetachDevice(const std::string& name);
     /// The number of the new session; 0 when none is left.

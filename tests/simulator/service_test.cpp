@@ -332,6 +332,15 @@ TEST_F(BuiltinService, RefusesTextsThatTheBusDoesNotCarry)
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
 }
 
+TEST_F(BuiltinService, HasNoTwoDevicesOfOneNameOnRequest)
+{
+    EXPECT_TRUE(service.AttachDevice("Second"));
+    EXPECT_FALSE(service.AttachDevice("Second"));
+    EXPECT_THAT(client.Control("AttachDevice", g_variant_new("(s)", "Desk iPod")),
+                HasSubstr("a device of that name is attached already"));
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(2,)");
+}
+
 TEST_F(BuiltinService, GoesAndComesBackOnRequest)
 {
     client.Ask("Play", g_variant_new("(y)", guchar{3}));

@@ -405,6 +405,8 @@ class FromTheCommandLine(OnABus):
         self.start()
         self.assertIn("expected play, pause", self.ctl("sim", "button", "eject", code=1))
         self.assertIn("expected one of delay", self.ctl("sim", "fault", "dely", code=1))
+        self.assertIn('a device of that name is attached already', self.ctl("sim", "attach", "Desk iPod", code=1))
+        self.assertEqual(self.ask("GetDeviceAmount"), "(1,)")
         self.assertIn("line 1, column 1: expected", self.ctl("sim", "scenario", self.write("bad.json", "{}"), code=1))
         for words in (["call", "--sequence", "ringing:x"], ["call", "--sequence", "asleep"], ["carplay", "maybe"],
                       ["pairing", "a", "--hex", "0"], ["eap-close", "0"], ["fault", "delay/x"],
