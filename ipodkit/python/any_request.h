@@ -4,9 +4,11 @@
 
 #include <ipodkit/request.h>
 
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
+#include <optional>
 
 #include "callback.h"
 #include "errors.h"
