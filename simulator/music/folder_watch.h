@@ -37,7 +37,7 @@ private:
 
     static Identity IdentityOf(const std::string& folder);
     static gboolean OnReadable(gint descriptor, GIOCondition, gpointer self);
-    static gboolean OnLook(gpointer self);
+    static gboolean OnLook(gpointer data);
     void FollowRoot();
     static gboolean OnQuiet(gpointer data);
     void WaitForQuiet();
