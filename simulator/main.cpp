@@ -65,7 +65,7 @@ std::string ReadWhole(const std::string& name)
 
 std::string ReadScenario(const std::string& name)
 {
-    const std::string text = ReadWhole(name);
+    std::string text = ReadWhole(name);
     try
     {
         ipodsim::ParseScenario(text);
