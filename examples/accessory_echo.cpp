@@ -76,5 +76,13 @@ int main()
                 .Start([](Result<void>) {});
     };
     const auto announced = (*session)->OnConnection("announce", announce);
+    // A service that is there is found sooner.
+    const auto tellWhatIsMissing = [](gpointer opened) -> gboolean
+    {
+        if (static_cast<const Session*>(opened)->Connection().phase != Phase::Ready)
+            std::fprintf(stderr, "waiting for the iPod service\n");
+        return G_SOURCE_REMOVE;
+    };
+    g_timeout_add(1000, tellWhatIsMissing, session->get());
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

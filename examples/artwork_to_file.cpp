@@ -26,5 +26,13 @@ int main(int argc, char** argv)
         std::fflush(stdout);
     };
     const auto written = (*session)->OnState("artwork", write, ipodkit::Field::Artwork);
+    // A service that is there is found sooner.
+    const auto tellWhatIsMissing = [](gpointer opened) -> gboolean
+    {
+        if (static_cast<const ipodkit::Session*>(opened)->Connection().phase != ipodkit::Phase::Ready)
+            std::fprintf(stderr, "waiting for the iPod service\n");
+        return G_SOURCE_REMOVE;
+    };
+    g_timeout_add(1000, tellWhatIsMissing, session->get());
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

@@ -14,4 +14,7 @@ ipodkit.log("WARN")  # otherwise each record of the library is a line of warning
 session = ipodkit.Session()
 fields = {ipodkit.Field.TRACK, ipodkit.Field.STATUS, ipodkit.Field.CONNECTION}
 shown = session.on_state("now playing", show, fields)
-GLib.MainLoop().run()
+try:
+    GLib.MainLoop().run()
+except KeyboardInterrupt:
+    pass  # Ctrl-C is how it ends

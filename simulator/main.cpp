@@ -4,16 +4,16 @@
 
 #include <CLI/CLI.hpp>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <optional>
 #include <stdexcept>
+#include <system_error>
 
-#include "faults/faults.h"
+#include "option_checks.h"
 #include "printable.h"
 #include "progress_bar.h"
 #include "scenario/scenario.h"
@@ -51,11 +51,21 @@ void Say(const std::string& line)
     std::fflush(stdout);
 }
 
+std::string ReadWhole(const std::string& name)
+{
+    constexpr std::size_t kMost = std::size_t{8} << 20U;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "rb"), &std::fclose);
+    std::string text(kMost + 1, '\0');
+    text.resize(file == nullptr ? 0 : std::fread(text.data(), 1, text.size(), file.get()));
+    if (file == nullptr || std::ferror(file.get()) != 0)
+        throw std::runtime_error(name + ": " + std::generic_category().message(errno));
+    if (text.size() > kMost) throw std::runtime_error(name + ": expected a scenario of at most 8 MiB");
+    return text;
+}
+
 std::string ReadScenario(const std::string& name)
 {
-    std::ifstream in(name, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(in), {}};
-    if (!in || in.bad()) throw std::runtime_error(name + ": cannot be read");
+    std::string text = ReadWhole(name);
     try
     {
         ipodsim::ParseScenario(text);
@@ -115,7 +125,6 @@ void Serve(Arguments arguments)
     arguments.options.mayCrash = true;
     arguments.options.waitForIndex = false;
     if (!arguments.noCache) arguments.options.cacheFolder = std::string(g_get_user_cache_dir()) + "/ipod-simulator";
-    for (const std::string& fault : arguments.faults) ipodsim::ParseFault(fault);
     const std::string scenario = arguments.scenarioFile.empty() ? "" : ReadScenario(arguments.scenarioFile);
     ipodsim::Simulator simulator(arguments.options);
     Run(simulator, arguments, scenario, wishes, bar);
@@ -131,10 +140,13 @@ void AddOptions(CLI::App& app, Arguments& arguments)
                    "library");
     app.add_flag("--one-device", options.oneDevice, "Everything below the folder belongs to one device");
     app.add_option("--name", options.deviceName, "Name of the device with the folder's own files")
+        ->check(ipodsim::CheckDeviceName)
         ->capture_default_str();
     app.add_flag("--no-cache", arguments.noCache, "Read every file, and keep nothing of what was read");
-    app.add_option("--speed", options.speed, "Factor of the clock, above 0")->capture_default_str();
-    app.add_option("--seed", options.seed, "Seed of shuffled orders")->capture_default_str();
+    app.add_option("--speed", options.speed, "Factor of the clock, above 0")
+        ->check(ipodsim::CheckSpeed)
+        ->capture_default_str();
+    app.add_option("--seed", options.seed, "Seed of shuffled orders")->check(ipodsim::CheckSeed)->capture_default_str();
     app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves");
     app.add_option("--fault", arguments.faults,
                    "What goes wrong, as KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
@@ -149,6 +161,12 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         "\n"
         "Ask the one that runs for events with ipodctl sim.");
 }
+// Not by the parser: the message names the fault already.
+void RequireFaults(const std::vector<std::string>& faults)
+{
+    for (const std::string& fault : faults)
+        if (const std::string wrong = ipodsim::CheckFault(fault); !wrong.empty()) throw CLI::ValidationError(wrong);
+}
 }  // namespace
 
 int main(int argc, char** argv)
@@ -159,6 +177,7 @@ int main(int argc, char** argv)
     try
     {
         app.parse(argc, argv);
+        RequireFaults(arguments.faults);
         Serve(std::move(arguments));
         return 0;
     }

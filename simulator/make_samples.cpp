@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "printable.h"
 #include "samples/samples.h"
 #include "usage_error.h"
 
@@ -11,7 +12,9 @@ int main(int argc, char** argv)
     CLI::App app("Writes short sample files with tags and covers: FLAC, Ogg Vorbis and MP3", "ipod-make-samples");
     std::string folder;
     app.set_version_flag("--version", "ipod-make-samples " IPOD_VERSION);
-    app.add_option("folder", folder, "Folder to write to; it is made when it is missing")->required();
+    app.add_option("folder", folder, "Folder to write to; it is made when it is missing")
+        ->required()
+        ->check([](const std::string& name) { return name.empty() ? "expected a name that is not empty" : ""; });
     int count = 0;
     app.add_option("--count", count, "Write so many files of one second instead, to measure with")
         ->check(CLI::Range(1, 1000000));
@@ -31,7 +34,7 @@ int main(int argc, char** argv)
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "ipod-make-samples: %s\n", error.what());
+        std::fprintf(stderr, "ipod-make-samples: %s\n", ipodsim::Printable(error.what()).c_str());
         return 1;
     }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "music/few_warnings.h"
 #include "music/indexer.h"
 #include "music/music_library.h"
 #include "service/events.h"
@@ -62,20 +63,23 @@ void MusicFeed::ReadChanges(IndexCache& cache)
 {
     const auto devices = DeviceFoldersOf(m_settings.folder, m_settings.ownName, m_settings.oneDevice);
     Post([this, devices] { RemoveAllBut(devices); });
-    ReadDevices(FindChanges(devices), cache);
+    FewWarnings warnings(m_settings.warn);
+    const Warn warn = [&warnings](const std::string& line) { warnings.Tell(line); };
+    ReadDevices(FindChanges(devices, warn), cache, warn);
     if (m_stop) return;
+    warnings.SumUp();
     cache.Save(IndexCache::Unused::Forget);
     if (m_settings.indexed) Post(m_settings.indexed);
 }
 
-std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFolder>& devices)
+std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFolder>& devices, const Warn& warn)
 {
     std::vector<Work> changes;
     std::map<std::string, std::uint64_t> known;
     for (const DeviceFolder& device : devices)
     {
         // Watched before it is read, so that no change falls in between.
-        FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, m_settings.warn,
+        FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, warn,
                                      [this](const std::string& folder) { m_watch->Add(folder); });
         const std::uint64_t fingerprint = Fingerprint(scan);
         const auto before = m_known.find(device.path);
@@ -86,7 +90,7 @@ std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFold
     return changes;
 }
 
-void MusicFeed::ReadDevices(const std::vector<Work>& changes, IndexCache& cache)
+void MusicFeed::ReadDevices(const std::vector<Work>& changes, IndexCache& cache, const Warn& warn)
 {
     std::size_t all = 0;
     std::size_t done = 0;
@@ -97,7 +101,7 @@ void MusicFeed::ReadDevices(const std::vector<Work>& changes, IndexCache& cache)
         {
             if (m_settings.progress) m_settings.progress(done + ofThis, all);
         };
-        const auto library = std::make_shared<Library>(Index(work.scan, cache, {m_settings.warn, progress, &m_stop}));
+        const auto library = std::make_shared<Library>(Index(work.scan, cache, {warn, progress, &m_stop}));
         if (m_stop) return;
         Post([this, device = work.device, library] { Show(device, std::move(*library)); });
         done += work.scan.files.size();

@@ -53,8 +53,8 @@ private:
     void Read();
     bool WaitForWork();
     void ReadChanges(IndexCache& cache);
-    std::vector<Work> FindChanges(const std::vector<DeviceFolder>& devices);
-    void ReadDevices(const std::vector<Work>& changes, IndexCache& cache);
+    std::vector<Work> FindChanges(const std::vector<DeviceFolder>& devices, const Warn& warn);
+    void ReadDevices(const std::vector<Work>& changes, IndexCache& cache, const Warn& warn);
     void Post(std::function<void()> work);
 
     // On the service's thread:

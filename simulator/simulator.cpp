@@ -226,9 +226,9 @@ bool Simulator::PressButton(const std::string& button)
     return m_host->Ask(events::PressButton, button);
 }
 
-void Simulator::AttachDevice(const std::string& name)
+bool Simulator::AttachDevice(const std::string& name)
 {
-    m_host->Tell(events::AttachDevice, Utf8("name of the device", name));
+    return m_host->Ask(events::AttachDevice, Utf8("name of the device", name));
 }
 
 bool Simulator::DetachDevice(const std::string& name)

@@ -12,7 +12,9 @@ constexpr char kRequestDoc[] =
 
 AnyRequest& Within(AnyRequest& request, const py::object& deadline)
 {
-    request.Within(ToMilliseconds(deadline));
+    const std::chrono::milliseconds duration = ToMilliseconds(deadline);
+    if (duration.count() < 0) throw py::value_error("expected a deadline of 0 or more");
+    request.Within(duration);
     return request;
 }
 
@@ -27,23 +29,59 @@ void Start(AnyRequest& request, py::function callback)
     request.Start({"completion", std::move(callback)});
 }
 
+// One that was given up takes no result.
 void Settle(const py::object& future, const py::object& value, const py::object& error)
 {
+    if (!future.attr("set_running_or_notify_cancel")().cast<bool>()) return;
     if (error.is_none())
         future.attr("set_result")(value);
     else
         future.attr("set_exception")(error);
 }
 
+// A switch that the caller has given may serve other requests.
+void WithdrawWhenGivenUp(AnyRequest& request, const py::object& future)
+{
+    if (request.HasSwitch()) return;
+    const Cancellation stop;
+    request.CancelledBy(stop);
+    const py::cpp_function done(
+        [stop](const py::object& given)
+        {
+            const bool givenUp = given.attr("cancelled")().cast<bool>();
+            const py::gil_scoped_release others;
+            if (givenUp) stop.Cancel();
+        });
+    future.attr("add_done_callback")(done);
+}
+
 py::object Future(AnyRequest& request)
 {
     py::object future = py::module_::import("concurrent.futures").attr("Future")();
+    WithdrawWhenGivenUp(request, future);
     const py::cpp_function settle([future](const py::object& value, const py::object& error)
                                   { Settle(future, value, error); });
     request.Start({"future", settle});
     return future;
 }
 }  // namespace
+
+void AnyRequest::WaitUntil(const std::function<bool(std::chrono::milliseconds)>& ready, const Cancellation& stop,
+                           const std::optional<Cancellation>& other)
+{
+    // So long does a Ctrl-C wait. An answer does not.
+    constexpr std::chrono::milliseconds kSlice(20);
+    for (bool done = false; !done;)
+    {
+        {
+            const py::gil_scoped_release others;
+            done = ready(kSlice);
+        }
+        const bool interrupted = PyErr_CheckSignals() != 0;
+        if (interrupted || (other && other->Cancelled())) stop.Cancel();
+        if (interrupted) throw py::error_already_set();
+    }
+}
 
 void BindRequest(py::module_& module)
 {
@@ -54,12 +92,15 @@ void BindRequest(py::module_& module)
     constexpr auto same = py::return_value_policy::reference;
     py::class_<AnyRequest>(module, "Request", kRequestDoc)
         .def("within", Within, py::arg("deadline"), same,
-             "Sets the deadline: seconds or a timedelta; at least a millisecond.")
+             "Sets the deadline: seconds or a timedelta, 0 or more; it becomes a millisecond at least.")
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
         .def("start", Start, py::arg("callback"),
              "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")
         .def("future", Future,
-             "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread.")
-        .def("wait", &AnyRequest::Wait, "Sends it and blocks until the answer: returns the value or raises Error.");
+             "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread. "
+             "Cancelling it withdraws the request, unless that has a Cancellation of its own.")
+        .def("wait", &AnyRequest::Wait,
+             "Sends it and blocks until the answer: returns the value or raises Error. What a handler of a signal "
+             "raises, such as KeyboardInterrupt, ends it at once and withdraws the request.");
 }
 }  // namespace ipodkit::python

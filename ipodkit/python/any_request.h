@@ -4,7 +4,11 @@
 
 #include <ipodkit/request.h>
 
+#include <chrono>
+#include <functional>
+#include <future>
 #include <memory>
+#include <optional>
 
 #include "callback.h"
 #include "errors.h"
@@ -22,12 +26,20 @@ public:
 
     virtual void Within(std::chrono::milliseconds deadline) = 0;
     virtual void CancelledBy(const Cancellation& cancellation) = 0;
+    virtual bool HasSwitch() const = 0;
 
     /// The callback is given the value and None, or None and an ipodkit.Error.
     virtual void Start(const Callback& callback) = 0;
 
-    /// Lets other Python threads run; raises ipodkit.Error.
+    /// Lets other Python threads and handlers of signals run. Raises ipodkit.Error, or what a handler raises: the
+    /// request is withdrawn then.
     virtual py::object Wait() = 0;
+
+protected:
+    /// Returns when @p ready does so with true; it is given the time that it may take.
+    /// @param stop  thrown by the switch @p other, and when a handler of a signal raises
+    static void WaitUntil(const std::function<bool(std::chrono::milliseconds)>& ready, const Cancellation& stop,
+                          const std::optional<Cancellation>& other);
 };
 
 template <class T>
@@ -37,19 +49,26 @@ public:
     explicit RequestOf(Request<T> request) : m_request(std::move(request)) {}
 
     void Within(std::chrono::milliseconds deadline) override { m_request = Take().Within(deadline); }
-    void CancelledBy(const Cancellation& cancellation) override { m_request = Take().CancelledBy(cancellation); }
+
+    void CancelledBy(const Cancellation& cancellation) override
+    {
+        m_request = Take();
+        m_switch = cancellation;
+    }
+
+    bool HasSwitch() const override { return m_switch.has_value(); }
 
     void Start(const Callback& callback) override
     {
         Request<T> request = Take();
+        if (m_switch) request = std::move(request).CancelledBy(*m_switch);
         const py::gil_scoped_release others;
         std::move(request).Start([callback](Result<T> result) { callback.Call([&] { return ArgumentsOf(result); }); });
     }
 
     py::object Wait() override
     {
-        Request<T> request = Take();
-        const Result<T> result = WaitWithoutLock(std::move(request));
+        const Result<T> result = AwaitInterruptibly(Take());
         if (!result) Raise(result.error());
         return ValueOf(result);
     }
@@ -63,10 +82,17 @@ private:
         return request;
     }
 
-    static Result<T> WaitWithoutLock(Request<T> request)
+    // The request waits on a thread of its own, since nothing but a switch ends that early. This switch is the
+    // waiting's own: one by which the request is cancelled may serve others.
+    Result<T> AwaitInterruptibly(Request<T> request) const
     {
-        const py::gil_scoped_release others;
-        return std::move(request).Wait();
+        const Cancellation stop;
+        if (m_switch && m_switch->Cancelled()) stop.Cancel();
+        std::future<Result<T>> answer =
+            std::async(std::launch::async, [&] { return std::move(request).CancelledBy(stop).Wait(); });
+        WaitUntil([&](std::chrono::milliseconds slice) { return answer.wait_for(slice) == std::future_status::ready; },
+                  stop, m_switch);
+        return answer.get();
     }
 
     static py::object ValueOf(const Result<T>& result)
@@ -84,5 +110,6 @@ private:
     }
 
     std::optional<Request<T>> m_request;
+    std::optional<Cancellation> m_switch;
 };
 }  // namespace ipodkit::python

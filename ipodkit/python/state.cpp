@@ -45,6 +45,12 @@ py::bytes ToBytes(const Bytes& bytes)
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+py::str ReprOfPicture(const Picture& picture)
+{
+    return Described("<ipodkit.Picture {}, {}x{}, {} bytes>", MediaType(picture.type), picture.width, picture.height,
+                     picture.bytes.size());
+}
+
 void BindPicture(py::module_& module)
 {
     py::class_<Picture, std::shared_ptr<Picture>>(module, "Picture")
@@ -52,7 +58,14 @@ void BindPicture(py::module_& module)
         .def_property_readonly("media_type", [](const Picture& picture) { return MediaType(picture.type); })
         .def_readonly("width", &Picture::width, "Pixels; 0 when the bytes do not tell.")
         .def_readonly("height", &Picture::height, "Pixels; 0 when the bytes do not tell.")
-        .def_readonly("hash", &Picture::hash);
+        .def_readonly("hash", &Picture::hash)
+        .def("__repr__", ReprOfPicture);
+}
+
+py::str ReprOfPosition(const Position& position)
+{
+    return Described("<ipodkit.Position {} of {}, {}>", position.position, position.duration,
+                     position.advancing ? "advancing" : "standing");
 }
 
 void BindParts(py::module_& module)
@@ -63,7 +76,8 @@ void BindParts(py::module_& module)
         .def_readonly("advancing", &Position::advancing, "Whether it goes on by itself.")
         .def(
             "now", [](const Position& position) { return position.At(std::chrono::steady_clock::now()); },
-            "Where playback is if nothing else was heard: a timedelta.");
+            "Where playback is if nothing else was heard: a timedelta.")
+        .def("__repr__", ReprOfPosition);
     py::class_<WirelessCarPlay>(module, "WirelessCarPlay")
         .def_readonly("available", &WirelessCarPlay::available)
         .def_readonly("device_address", &WirelessCarPlay::deviceAddress);
@@ -75,6 +89,12 @@ void BindParts(py::module_& module)
 std::shared_ptr<Picture> ArtworkOf(const PlayerState& state)
 {
     return std::const_pointer_cast<Picture>(state.artwork);
+}
+
+py::str ReprOfState(const PlayerState& state)
+{
+    return Described("<ipodkit.PlayerState {}: phase {}, status {}, track {!r}>", state.version,
+                     NameOf(std::optional(state.phase)), NameOf(state.status), state.track);
 }
 
 void BindPlayerState(py::module_& module)
@@ -103,7 +123,8 @@ void BindPlayerState(py::module_& module)
         .def_readonly("foreground_app", &PlayerState::foregroundApp)
         .def_readonly("battery", &PlayerState::battery)
         .def_readonly("calls", &PlayerState::calls, "By UUID.")
-        .def_readonly("accessory_sessions", &PlayerState::accessorySessions, "Index of the protocol by number.");
+        .def_readonly("accessory_sessions", &PlayerState::accessorySessions, "Index of the protocol by number.")
+        .def("__repr__", ReprOfState);
 }
 }  // namespace
 

@@ -34,6 +34,18 @@ void BindPlayback(py::module_& module)
         .value("NONE", Winding::None);
 }
 
+py::str ReprOfBattery(const iPodBattery_t& battery)
+{
+    return Described("<ipodkit.Battery level {}, charging {}>", battery.BatteryChargeLevel,
+                     NameOf(battery.BatteryChargingStatus));
+}
+
+py::str ReprOfCarPlay(const CarPlayDevice& device)
+{
+    return Described("<ipodkit.CarPlayDevice {}, serial {!r}>", NameOf(std::optional(device.status)),
+                     device.serialNumber);
+}
+
 void BindDevice(py::module_& module)
 {
     py::enum_<QBXAppleDeviceDetectStatus>(module, "DeviceStatus")
@@ -50,10 +62,12 @@ void BindDevice(py::module_& module)
         .value("DISCHARGING", BATTERY_DISCHARGING);
     py::class_<iPodBattery_t>(module, "Battery", "What is not known is None.")
         .def_readonly("charging", &iPodBattery_t::BatteryChargingStatus)
-        .def_readonly("level", &iPodBattery_t::BatteryChargeLevel, "Percent.");
+        .def_readonly("level", &iPodBattery_t::BatteryChargeLevel, "Percent.")
+        .def("__repr__", ReprOfBattery);
     py::class_<CarPlayDevice>(module, "CarPlayDevice")
         .def_readonly("status", &CarPlayDevice::status)
-        .def_readonly("serial_number", &CarPlayDevice::serialNumber);
+        .def_readonly("serial_number", &CarPlayDevice::serialNumber)
+        .def("__repr__", ReprOfCarPlay);
 }
 
 void BindCallEnumerations(py::module_& module)
@@ -108,6 +122,17 @@ py::str Text(const QBXiPodTrackInfo& track)
     return py::reinterpret_steal<py::str>(decoded);
 }
 
+py::str ReprOfTrack(const QBXiPodTrackInfo& track)
+{
+    return Described("<ipodkit.Track {!r} by {!r}>", Text<&QBXiPodTrackInfo::text1>(track),
+                     Text<&QBXiPodTrackInfo::text2>(track));
+}
+
+py::str ReprOfPlayPosition(const PlayPosition& position)
+{
+    return Described("<ipodkit.PlayPosition {} of {} ms>", position.position, position.duration);
+}
+
 void BindTrack(py::module_& module)
 {
     py::class_<QBXiPodTrackInfo>(module, "Track")
@@ -116,10 +141,12 @@ void BindTrack(py::module_& module)
         .def_property_readonly("album", Text<&QBXiPodTrackInfo::text3>)
         .def_property_readonly("genre", Text<&QBXiPodTrackInfo::text4>)
         .def_readonly("length", &QBXiPodTrackInfo::value1, "Milliseconds.")
-        .def_readonly("number", &QBXiPodTrackInfo::value2, "Within its album; 0 when unknown.");
+        .def_readonly("number", &QBXiPodTrackInfo::value2, "Within its album; 0 when unknown.")
+        .def("__repr__", ReprOfTrack);
     py::class_<PlayPosition>(module, "PlayPosition")
         .def_readonly("position", &PlayPosition::position, "Milliseconds.")
-        .def_readonly("duration", &PlayPosition::duration, "Milliseconds.");
+        .def_readonly("duration", &PlayPosition::duration, "Milliseconds.")
+        .def("__repr__", ReprOfPlayPosition);
 }
 }  // namespace
 

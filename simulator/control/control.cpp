@@ -118,7 +118,7 @@ void PressButton(Service& service, const gchar* button)
 void AttachDevice(Service& service, const gchar* name)
 {
     Require(*name != '\0', "name: expected a name that is not empty");
-    events::AttachDevice(service, name);
+    Require(events::AttachDevice(service, name), "a device of that name is attached already");
 }
 
 void DetachDevice(Service& service, const gchar* name)

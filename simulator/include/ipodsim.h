@@ -44,8 +44,8 @@ struct Options
     unsigned seed = 1;      ///< of shuffled orders; the same seed gives the same orders
     bool mayCrash = false;  ///< the faults "crash" and "crash-locked" end this process; otherwise they are refused
 
-    /// Receives a line about each file or picture that is left out. Empty: written to standard error. Called on the
-    /// service's threads.
+    /// Receives a line about each of the first ten files or pictures that a reading leaves out, and one with the number
+    /// of the others. Empty: written to standard error. Called on the service's threads.
     std::function<void(const std::string&)> warn;
     /// Receives a line for each request and its answer. Empty: requests are not logged. Called on the service's thread.
     std::function<void(const std::string&)> logRequest;
@@ -112,8 +112,8 @@ public:
     void SourceValid(bool valid);
     /// A button of the device itself: play, pause, stop, next, previous; false when it is none of them.
     bool PressButton(const std::string& button);
-    /// The new device holds the built-in library.
-    void AttachDevice(const std::string& name);
+    /// The new device holds the built-in library. False when there is one of that name.
+    bool AttachDevice(const std::string& name);
     /// False when there is none of that name.
     bool DetachDevice(const std::string& name);
     /// The number of the new session; 0 when none is left.

@@ -1,12 +1,15 @@
 #include "music/folder_scan.h"
 
 #include <dirent.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <taglib/fileref.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <system_error>
@@ -54,6 +57,20 @@ FileMark MarkOf(const struct stat& status)
             static_cast<std::uint64_t>(status.st_size)};
 }
 
+// Without music, without end, and full of names that go while they are read.
+bool IsMadeUpByTheKernel(const std::string& folder)
+{
+    constexpr std::uint32_t kTypes[] = {PROC_SUPER_MAGIC,   SYSFS_MAGIC,         DEBUGFS_MAGIC,
+                                        TRACEFS_MAGIC,      SECURITYFS_MAGIC,    BPF_FS_MAGIC,
+                                        CGROUP_SUPER_MAGIC, CGROUP2_SUPER_MAGIC, DEVPTS_SUPER_MAGIC};
+    struct statfs system
+    {
+    };
+    return statfs(folder.c_str(), &system) == 0 &&
+           std::find(std::begin(kTypes), std::end(kTypes), static_cast<std::uint32_t>(system.f_type)) !=
+               std::end(kTypes);
+}
+
 using Enter = std::function<void(const std::string&)>;
 
 class Scanner
@@ -72,6 +89,7 @@ public:
     void Read(const std::string& path, const struct stat& status)
     {
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
+        if (IsMadeUpByTheKernel(path)) return Skip(path, "no file system for music");
         if (m_enter) m_enter(path);
         const std::size_t folder = m_scan.folders.size();
         m_scan.folders.push_back({path, CleanName(path.substr(path.rfind('/') + 1), "Music"), {}});
@@ -106,18 +124,19 @@ private:
             return;
         }
         if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
-        if (IsPictureName(name)) return ReadPicture(folder, name, path, bestCover);
+        if (IsPictureName(name)) return ReadPicture({path, MarkOf(status), folder}, name, bestCover);
         auto& files = IsPlaylist(name) ? m_scan.playlists : m_scan.files;
         files.push_back({path, MarkOf(status), folder});
     }
 
-    void ReadPicture(std::size_t folder, const std::string& name, const std::string& path, int& bestCover)
+    void ReadPicture(const ScannedFile& file, const std::string& name, int& bestCover)
     {
         const int rank = CoverRank(name);
         if (rank >= bestCover) return;
-        if (!IsPictureFile(path)) return Skip(path, "no picture");
+        if (!IsPictureFile(file.path)) return Skip(file.path, "no picture");
+        if (file.mark.size > kLargestPicture) return Skip(file.path, "a picture that does not fit into shared memory");
         bestCover = rank;
-        m_scan.folders[folder].picture = path;
+        m_scan.folders[file.folder].picture = file.path;
     }
 
     void Skip(const std::string& path, int error) const { Skip(path, std::generic_category().message(error)); }

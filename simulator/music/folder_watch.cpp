@@ -2,6 +2,7 @@
 
 #include <glib-unix.h>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,6 +15,7 @@ namespace ipodsim
 namespace
 {
 constexpr guint kQuietMs = 400;
+constexpr guint kLookEverySeconds = 1;
 constexpr gint64 kLongestBurst = 5000000;  // microseconds
 
 // Not what is merely read: indexing itself would be a change.
@@ -30,7 +32,8 @@ void Destroy(GSource*& source)
 }  // namespace
 
 FolderWatch::FolderWatch(const std::string& root, GMainContext* context, Warn warn, std::function<void()> changed)
-    : m_context(context),
+    : m_root(root),
+      m_context(context),
       m_warn(std::move(warn)),
       m_changed(std::move(changed)),
       m_descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
@@ -44,12 +47,16 @@ FolderWatch::FolderWatch(const std::string& root, GMainContext* context, Warn wa
     g_source_set_callback(m_readable, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnReadable)), this,
                           nullptr);
     g_source_attach(m_readable, m_context);
-    Add(root);
+    m_look = g_timeout_source_new_seconds(kLookEverySeconds);
+    g_source_set_callback(m_look, OnLook, this, nullptr);
+    g_source_attach(m_look, m_context);
+    FollowRoot();
 }
 
 FolderWatch::~FolderWatch()
 {
     StopWaiting();
+    Destroy(m_look);
     Destroy(m_readable);
     if (m_descriptor >= 0) close(m_descriptor);
 }
@@ -60,6 +67,33 @@ void FolderWatch::Add(const std::string& folder)
         m_descriptor >= 0 && inotify_add_watch(m_descriptor, folder.c_str(), kChanges) < 0 && errno == ENOSPC;
     if (full && !m_full.exchange(true))
         m_warn("changes in " + folder + " and others go unnoticed: the system's limit of watches is reached");
+}
+
+FolderWatch::Identity FolderWatch::IdentityOf(const std::string& folder)
+{
+    struct stat status
+    {
+    };
+    if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return {};
+    return std::pair(status.st_dev, status.st_ino);
+}
+
+void FolderWatch::FollowRoot()
+{
+    const Identity now = IdentityOf(m_root);
+    if (m_watched && !now) m_warn("the music folder " + m_root + " is gone; what is in it comes back with it");
+    m_watched = now;
+    if (now) Add(m_root);
+}
+
+// No watch tells that a folder has come, or that a medium was mounted in its place.
+gboolean FolderWatch::OnLook(gpointer data)
+{
+    FolderWatch& self = *static_cast<FolderWatch*>(data);
+    if (IdentityOf(self.m_root) == self.m_watched) return G_SOURCE_CONTINUE;
+    self.FollowRoot();
+    self.WaitForQuiet();
+    return G_SOURCE_CONTINUE;
 }
 
 gboolean FolderWatch::OnReadable(gint descriptor, GIOCondition, gpointer self)
@@ -92,6 +126,8 @@ gboolean FolderWatch::OnQuiet(gpointer data)
 {
     FolderWatch& self = *static_cast<FolderWatch*>(data);
     self.StopWaiting();
+    // One that was removed and made again may be the same to the eye, and has no watch.
+    self.FollowRoot();
     self.m_changed();
     return G_SOURCE_REMOVE;
 }

@@ -18,7 +18,7 @@ namespace ipodsim
 namespace
 {
 // The number changes with everything that changes what is kept of a file: another layout, another reading.
-constexpr char kMagic[] = "ipod-simulator index 1\n";
+constexpr char kMagic[] = "ipod-simulator index 2\n";
 
 void Put(ByteWriter& out, const Track& track)
 {
@@ -28,6 +28,7 @@ void Put(ByteWriter& out, const Track& track)
     out.Put(static_cast<std::int32_t>(track.number));
     out.Put(static_cast<std::int32_t>(track.lengthMs));
     out.Put(static_cast<std::uint8_t>(track.hasPicture ? 1 : 0));
+    out.Put(static_cast<std::uint8_t>(track.pictureTooLarge ? 1 : 0));
 }
 
 TrackPtr TakeTrack(ByteReader& in, const std::string& file)
@@ -41,6 +42,7 @@ TrackPtr TakeTrack(ByteReader& in, const std::string& file)
     track.number = in.Take<std::int32_t>();
     track.lengthMs = in.Take<std::int32_t>();
     track.hasPicture = in.Take<std::uint8_t>() != 0;
+    track.pictureTooLarge = in.Take<std::uint8_t>() != 0;
     return taken;
 }
 

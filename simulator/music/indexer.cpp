@@ -135,6 +135,7 @@ public:
 
     void Add(const ScannedFile& file, const TrackPtr& read)
     {
+        if (read->pictureTooLarge) m_how.warn(file.path + ": its picture does not fit into shared memory");
         const std::string& cover = m_scan.folders[file.folder].picture;
         const TrackPtr track = read->hasPicture || cover.empty() ? read : WithCover(*read, cover);
         m_library.tracks.push_back(track);

@@ -19,15 +19,49 @@ std::uint32_t BigEndian(const Bytes& bytes, std::size_t at, std::size_t count)
     return value;
 }
 
-bool IsPng(const Bytes& bytes)
+std::string_view TextOf(const Bytes& bytes)
 {
-    constexpr unsigned char kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-    return bytes.size() >= 24 && std::equal(std::begin(kSignature), std::end(kSignature), bytes.begin());
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+bool Begins(const Bytes& bytes, std::string_view signature)
+{
+    return TextOf(bytes).substr(0, signature.size()) == signature;
+}
+
+// Its first chunk is the header, of 13 bytes, which begins with width and height.
+bool IsPng(const Bytes& bytes)
+{
+    constexpr std::string_view kSignature("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16);
+    return bytes.size() >= 24 && Begins(bytes, kSignature) && BigEndian(bytes, 16, 4) != 0 &&
+           BigEndian(bytes, 20, 4) != 0;
+}
+
+// A marker follows its first one: not a filler, a bare one or another start or end.
 bool IsJpeg(const Bytes& bytes)
 {
-    return bytes.size() >= 4 && bytes[0] == 0xFF && bytes[1] == 0xD8;
+    return bytes.size() >= 4 && Begins(bytes, "\xFF\xD8\xFF") && bytes[3] >= 0xC0 && bytes[3] < 0xFF &&
+           (bytes[3] < 0xD0 || bytes[3] > 0xD9);
+}
+
+bool IsGif(const Bytes& bytes)
+{
+    const bool hasSize = bytes.size() >= 10 && (bytes[6] | bytes[7]) != 0 && (bytes[8] | bytes[9]) != 0;
+    return hasSize && (Begins(bytes, "GIF87a") || Begins(bytes, "GIF89a"));
+}
+
+// The second of its headers says how long it is.
+bool IsBmp(const Bytes& bytes)
+{
+    constexpr unsigned char kLengths[] = {12, 40, 52, 56, 64, 108, 124};
+    const bool known =
+        bytes.size() >= 26 && std::find(std::begin(kLengths), std::end(kLengths), bytes[14]) != std::end(kLengths);
+    return known && Begins(bytes, "BM") && TextOf(bytes).substr(15, 3) == std::string_view("\0\0\0", 3);
+}
+
+bool IsWebp(const Bytes& bytes)
+{
+    return bytes.size() >= 16 && Begins(bytes, "RIFF") && TextOf(bytes).substr(8, 7) == "WEBPVP8";
 }
 
 // Frame headers are C0 to CF but for three markers of other meaning.
@@ -53,8 +87,9 @@ void ReadPngSize(Picture& picture)
     picture.width = BigEndian(picture.bytes, 16, 4);
     picture.height = BigEndian(picture.bytes, 20, 4);
 }
-// More than any picture that fits into shared memory, so that a larger one is refused there and not cut here.
-constexpr std::size_t kLargestPicture = std::size_t{4} << 20U;
+
+// More than any picture that fits into shared memory, so that one that has grown is refused there and not cut here.
+constexpr std::size_t kMostRead = std::size_t{4} << 20U;
 constexpr std::size_t kSignatureBytes = 32;
 
 Bytes ReadBeginning(const std::string& file, std::size_t most)
@@ -78,10 +113,7 @@ Picture MakePicture(Bytes bytes)
 
 bool IsPicture(const Bytes& bytes)
 {
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    const auto begins = [&](std::string_view signature) { return text.substr(0, signature.size()) == signature; };
-    return IsPng(bytes) || IsJpeg(bytes) || begins("GIF8") || begins("BM") ||
-           (begins("RIFF") && text.substr(0, 12).substr(8) == "WEBP");
+    return IsPng(bytes) || IsJpeg(bytes) || IsGif(bytes) || IsBmp(bytes) || IsWebp(bytes);
 }
 
 bool IsPictureFile(const std::string& file)
@@ -93,7 +125,7 @@ Picture PictureOf(const Track& track)
 {
     if (track.cover.valid()) return track.cover.get();
     if (!track.hasPicture) return {};
-    if (!track.folderPicture.empty()) return MakePicture(ReadBeginning(track.folderPicture, kLargestPicture));
+    if (!track.folderPicture.empty()) return MakePicture(ReadBeginning(track.folderPicture, kMostRead));
     return MakePicture(ReadEmbeddedPicture(track.file));
 }
 }  // namespace ipodsim

@@ -2,14 +2,20 @@
 /// Pictures of tracks.
 #pragma once
 
+#include <cstddef>
+#include <string>
+
 #include "music/track.h"
 
 namespace ipodsim
 {
+/// More bytes never fit into the segment for pictures, which has a megabyte for its vectors and their heads.
+constexpr std::size_t kLargestPicture = (std::size_t{1} << 20U) - 4096;
+
 /// Wraps the bytes of a picture and reads its size from a PNG or JPEG header.
 Picture MakePicture(Bytes bytes);
 
-/// Whether bytes begin like a PNG, JPEG, GIF, BMP or WebP.
+/// Whether bytes begin with the head of a PNG, JPEG, GIF, BMP or WebP; a signature alone is none.
 bool IsPicture(const Bytes& bytes);
 /// The same of a file; false also when it cannot be read.
 bool IsPictureFile(const std::string& file);

@@ -103,7 +103,9 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
     track.genre = Text(tag.genre(), "Unknown genre");
     track.number = static_cast<int>(tag.track());
     track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
-    track.hasPicture = IsPicture(PictureIn(*reference.file()));
+    const Bytes picture = PictureIn(*reference.file());
+    track.pictureTooLarge = picture.size() > kLargestPicture;
+    track.hasPicture = IsPicture(picture) && !track.pictureTooLarge;
     track.file = file;
     return track;
 }

@@ -38,10 +38,11 @@ struct Track
     std::string artist;
     std::string album;
     std::string genre;
-    int number = 0;             ///< within its album, 0 when unknown
-    int lengthMs = 0;           ///< above 0
-    bool hasPicture = false;    ///< its own, or that of its folder
-    std::string folderPicture;  ///< file with the picture of its folder, for a track without one of its own
+    int number = 0;                ///< within its album, 0 when unknown
+    int lengthMs = 0;              ///< above 0
+    bool hasPicture = false;       ///< its own, or that of its folder
+    bool pictureTooLarge = false;  ///< its own is left out for that
+    std::string folderPicture;     ///< file with the picture of its folder, for a track without one of its own
     Readings readings;
     std::string file;                   ///< empty for a track of the built-in library
     std::shared_future<Picture> cover;  ///< of a track without file: drawn when it is first asked for

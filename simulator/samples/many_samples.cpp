@@ -150,15 +150,16 @@ private:
 
 int MakeManySamples(const std::string& folder, int count)
 {
+    MakeFolder(folder);
     const fs::path root = fs::path(folder) / "Large iPod";
-    fs::create_directories(root);
+    MakeFolder(root);
     const Maker maker(root);
     const Picture cover = DrawCover(1);
     for (int i = 0; i < count; ++i)
     {
         const Names names = NamesOf(i);
         const fs::path album = root / names.artist / names.album;
-        if (i % kSongsPerAlbum == 0) fs::create_directories(album);
+        if (i % kSongsPerAlbum == 0) MakeFolder(album);
         const bool flac = i % 4 == 3;
         const bool covered = i / kSongsPerAlbum % kCoverEvery == 0;
         const std::string name = std::to_string(names.track) + " " + names.title;

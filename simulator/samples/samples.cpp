@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 #include <vector>
 
 #include "music/cover.h"
@@ -129,7 +130,7 @@ void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index
 void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number)
 {
     const Picture cover = DrawCover(number);
-    fs::create_directories(folder);
+    MakeFolder(folder);
     for (std::size_t i = 0; i < album.samples.size(); ++i)
     {
         const Sample& sample = album.samples[i];
@@ -140,8 +141,16 @@ void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number
 }
 }  // namespace
 
+void MakeFolder(const fs::path& folder)
+{
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error) throw std::runtime_error(folder.string() + ": " + error.message());
+}
+
 int MakeSamples(const std::string& folder)
 {
+    MakeFolder(folder);
     std::size_t count = 0;
     unsigned number = 0;
     for (const SampleAlbum& album : Albums())

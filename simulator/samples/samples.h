@@ -2,10 +2,15 @@
 /// A folder of sample files, for people and tests that have no music at hand.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace ipodsim
 {
+/// Makes a folder, and those that it lies in, where they are missing.
+/// @throws std::runtime_error  it cannot be made; the message names it
+void MakeFolder(const std::filesystem::path& folder);
+
 /// Writes short tagged audio files with covers below @p folder, which is made when it is missing: FLAC, Ogg Vorbis and
 /// MP3, for a device named "Desk iPod" with one folder per album. Files of the same names are replaced.
 ///

@@ -103,7 +103,8 @@ std::string NameOfDevice(const JsonValue& value)
 Happening Attach(const JsonValue& value)
 {
     const std::string name = NameOfDevice(value);
-    return [name](Service& service) { events::AttachDevice(service, name); };
+    return [name](Service& service)
+    { Require(events::AttachDevice(service, name), "a device of that name is attached already"); };
 }
 
 Happening Detach(const JsonValue& value)

@@ -1,5 +1,6 @@
 #include "service/events.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <stdexcept>
@@ -122,10 +123,13 @@ bool PressButton(Service& service, const std::string& button)
     return true;
 }
 
-void AttachDevice(Service& service, const std::string& name)
+bool AttachDevice(Service& service, const std::string& name)
 {
+    const std::vector<std::string> names = service.devices.Names();
+    if (std::find(names.begin(), names.end(), name) != names.end()) return false;
     service.devices.Attach(name, BuiltinLibrary());
     service.signals.DeviceStatus(APPLE_DEVICE_DETECTED, false);
+    return true;
 }
 
 bool DetachDevice(Service& service, const std::string& name)

@@ -28,8 +28,8 @@ void SourceValid(Service& service, bool valid);
 /// A button of the device itself; false when it is none of play, pause, stop, next, previous.
 bool PressButton(Service& service, const std::string& button);
 
-/// The new device holds the built-in library.
-void AttachDevice(Service& service, const std::string& name);
+/// The new device holds the built-in library. False when there is one of that name.
+bool AttachDevice(Service& service, const std::string& name);
 /// Playback stops when the device that is browsed goes. False when there is none of that name.
 bool DetachDevice(Service& service, const std::string& name);
 /// The same for the device whose music lies in a folder.

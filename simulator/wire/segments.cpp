@@ -3,10 +3,13 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <thread>
@@ -70,6 +73,52 @@ void WaitUntilUnlocked(QBXSharedSegment& segment)
     }
 }
 
+// What stands in the way is no segment: to remove one does not help.
+class OfTheMachine : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+bool IsOfTheMachine(int error)
+{
+    return error == EROFS || error == ENOSPC || error == ENOMEM || error == EMFILE || error == ENFILE;
+}
+
+[[noreturn]] void ThrowNoRoom(std::uint64_t bytes)
+{
+    throw OfTheMachine("no room for its " + std::to_string(bytes) + " bytes; make room in /dev/shm and start again");
+}
+
+// Whoever writes to a page for which there is no room is killed, and Boost writes when it creates.
+void RequireRoom(const char* name, std::uint64_t size)
+{
+    struct stat status
+    {
+    };
+    struct statvfs room
+    {
+    };
+    if (stat((std::string("/dev/shm/") + name).c_str(), &status) == 0 || statvfs("/dev/shm", &room) != 0) return;
+    const bool limited = room.f_blocks != 0;
+    if (limited && std::uint64_t{room.f_bavail} * room.f_frsize < size) ThrowNoRoom(size);
+}
+
+// Gives a segment the pages that it has not got yet. Its length stays, whatever it is.
+void ReservePages(const char* name)
+{
+    const int object = shm_open(name, O_RDWR, 0);
+    if (object < 0) return;
+    struct stat status
+    {
+    };
+    const bool known = fstat(object, &status) == 0;
+    const bool full =
+        known && fallocate(object, FALLOC_FL_KEEP_SIZE, 0, status.st_size) != 0 && (errno == ENOSPC || errno == ENOMEM);
+    close(object);
+    if (full) ThrowNoRoom(static_cast<std::uint64_t>(status.st_size));
+}
+
 [[noreturn]] void Fail(const char* name, const std::string& wrong)
 {
     throw std::runtime_error(std::string("shared memory ") + name + ": " + wrong +
@@ -77,27 +126,39 @@ void WaitUntilUnlocked(QBXSharedSegment& segment)
 }
 
 // Boost's own words tell next to nothing of what does not look like a segment.
-std::string WhatIsWrong(const bip::interprocess_exception& error)
+[[noreturn]] void FailInBoost(const char* name, const bip::interprocess_exception& error)
 {
-    const bool ofTheSystem = error.get_native_error() != 0;
-    return ofTheSystem ? error.what() : std::string("it is damaged (") + error.what() + ")";
+    const int number = error.get_native_error();
+    if (IsOfTheMachine(number)) throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
+    Fail(name, number != 0 ? error.what() : std::string("it is damaged (") + error.what() + ")");
+}
+
+QBXSharedSegment Open(const char* name, std::size_t size)
+{
+    WaitUntilMade(name);
+    RequireRoom(name, size);
+    bip::permissions mode;
+    mode.set_permissions(0644);
+    QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);
+    CheckLength(segment, name);
+    ReservePages(name);
+    WaitUntilUnlocked(segment);
+    return segment;
 }
 
 QBXSharedSegment Attach(const char* name, std::size_t size)
 {
     try
     {
-        WaitUntilMade(name);
-        bip::permissions mode;
-        mode.set_permissions(0644);
-        QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);
-        CheckLength(segment, name);
-        WaitUntilUnlocked(segment);
-        return segment;
+        return Open(name, size);
     }
     catch (const bip::interprocess_exception& error)
     {
-        Fail(name, WhatIsWrong(error));
+        FailInBoost(name, error);
+    }
+    catch (const OfTheMachine& error)
+    {
+        throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
     }
     catch (const std::exception& error)
     {

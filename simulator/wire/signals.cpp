@@ -149,7 +149,8 @@ ArtworkHead Signals::FillArtwork(QBXByteVector& vector, const Player& player)
     const TrackPtr track = player.Track();
     const Picture picture = track == nullptr ? Picture{} : PictureOf(*track);
     const bool filled = Fill(vector, picture.bytes);
-    if (!filled) m_warn("the picture of \"" + track->title + "\" does not fit into shared memory");
+    if (!filled && m_withoutRoom.insert(track->file).second)
+        m_warn("the picture of \"" + track->title + "\" does not fit into shared memory");
     return filled && !picture.bytes.empty() ? HeadOf(picture) : HeadOfNone();
 }
 }  // namespace ipodsim

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 
 #include "playback/player.h"
@@ -44,13 +45,14 @@ public:
     void WirelessCarPlay(bool available, const std::string& deviceAddress);
     void PairingInfo(const std::string& btAddress, const Bytes& bytes);
 
-    /// Puts the picture of the playing track into @p vector and returns its head; one that does not fit is left out
-    /// with a warning.
+    /// Puts the picture of the playing track into @p vector and returns its head; one that does not fit is left out,
+    /// the first time with a warning.
     ArtworkHead FillArtwork(QBXByteVector& vector, const Player& player);
 
 private:
     ComZarnLinuxIpod* m_skeleton;
     Segments& m_segments;
     std::function<void(const std::string&)> m_warn;
+    std::set<std::string> m_withoutRoom;  // files whose pictures did not fit
 };
 }  // namespace ipodsim

@@ -2,6 +2,7 @@
 """Runs the Python module with the main loop of python3-gi, against the simulator on a bus and in a shared memory of
 its own."""
 import argparse
+import asyncio
 import datetime
 import os
 import signal
@@ -10,6 +11,7 @@ import sys
 import threading
 import time
 import unittest
+import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
@@ -54,6 +56,9 @@ class Simulator:
     def hang(self):
         self.process.send_signal(signal.SIGSTOP)
 
+    def go_on(self):
+        self.process.send_signal(signal.SIGCONT)
+
     def end(self):
         self.process.kill()
         self.process.wait()
@@ -87,6 +92,11 @@ class WithoutService(unittest.TestCase):
             with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a number of seconds"):
                 self.session.commands.seek(wrong)
 
+    def test_a_deadline_does_not_lie_in_the_past(self):
+        for wrong in (-1, datetime.timedelta(seconds=-1), -0.001):
+            with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
+                self.session.commands.next().within(wrong)
+
     def test_there_is_one_session_at_a_time(self):
         with self.assertRaises(ipodkit.Error) as raised:
             ipodkit.Session()
@@ -103,6 +113,8 @@ class WithoutService(unittest.TestCase):
         self.assertEqual(self.session.state.phase, ipodkit.Phase.ABSENT)
         self.assertIsNone(self.session.state.track)
         self.assertEqual(self.session.state.calls, {})
+        self.assertRegex(repr(self.session.state),
+                         r"^<ipodkit\.PlayerState \d+: phase ABSENT, status None, track None>$")
 
     def test_a_session_ends_with_its_block(self):
         self.session.close()
@@ -112,6 +124,10 @@ class WithoutService(unittest.TestCase):
 
         with self.assertRaises(RuntimeError):
             session.commands
+
+
+class Interrupted(Exception):
+    """What a handler of a signal raises."""
 
 
 class WithSimulator(unittest.TestCase):
@@ -148,6 +164,23 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(seen[1][0].battery.level, 42)
         self.assertEqual(self.session.state.battery.level, 42)
         watching.end()
+
+    def test_values_tell_what_they_hold(self):
+        commands = self.session.commands
+        commands.start_playback(ipodkit.PlayOption.START).wait()
+        self.assertTrue(run_until(lambda: self.session.state.status == ipodkit.PlayStatus.PLAYING))
+        track = self.session.state.track
+
+        self.assertEqual(repr(track), f"<ipodkit.Track '{track.title}' by '{track.artist}'>")
+        self.assertRegex(repr(self.session.state),
+                         r"^<ipodkit\.PlayerState \d+: phase READY, status PLAYING, track <ipodkit\.Track '.*>>$")
+        self.assertRegex(repr(self.session.state.position), r"^<ipodkit\.Position 0:00:.* of 0:0.*, advancing>$")
+        self.assertRegex(repr(self.session.state.artwork), r"^<ipodkit\.Picture image/png, 300x300, \d+ bytes>$")
+        self.assertRegex(repr(commands.position().wait()), r"^<ipodkit\.PlayPosition \d+ of \d+ ms>$")
+        self.assertEqual(repr(commands.carplay_status().wait()), "<ipodkit.CarPlayDevice NOT_DETECTED, serial ''>")
+        self.simulator.battery(42)
+        self.assertTrue(run_until(lambda: self.session.state.battery.level == 42))
+        self.assertEqual(repr(self.session.state.battery), "<ipodkit.Battery level 42, charging None>")
 
     def test_values_and_refusals_reach_the_completion(self):
         value, error = self.completed(self.session.commands.device_count())
@@ -191,9 +224,50 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
         self.assertGreater(count, 5)
 
+    def interrupted_in(self, seconds):
+        """Lets a signal come whose handler raises."""
+        def interrupt(*_):
+            raise Interrupted
+        self.addCleanup(signal.signal, signal.SIGALRM, signal.signal(signal.SIGALRM, interrupt))
+        self.addCleanup(signal.setitimer, signal.ITIMER_REAL, 0)
+        signal.setitimer(signal.ITIMER_REAL, seconds)
+
+    def test_a_signal_ends_the_waiting_at_once(self):
+        self.simulator.hang()
+        request = self.session.commands.next().within(LIMIT)
+        begin = time.monotonic()
+
+        self.interrupted_in(0.3)
+        with self.assertRaises(Interrupted):
+            request.wait()
+
+        self.assertLess(time.monotonic() - begin, LIMIT / 2)
+
+    def test_a_signal_does_not_throw_the_switch_of_other_requests(self):
+        self.simulator.hang()
+        stop = ipodkit.Cancellation()
+
+        self.interrupted_in(0.3)
+        with self.assertRaises(Interrupted):
+            self.session.commands.next().within(LIMIT).cancelled_by(stop).wait()
+
+        self.assertFalse(stop.cancelled)
+
+    def test_another_thread_can_withdraw_what_is_waited_for(self):
+        self.simulator.hang()
+        stop = ipodkit.Cancellation()
+        withdrawing = threading.Timer(0.2, stop.cancel)
+        withdrawing.start()
+        self.addCleanup(withdrawing.join)
+
+        with self.assertRaises(ipodkit.Error) as raised:
+            self.session.commands.next().within(LIMIT).cancelled_by(stop).wait()
+
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.CANCELLED)
+
     def test_the_shortest_deadline_is_a_millisecond(self):
         self.simulator.hang()
-        for deadline in (1e-9, 0, -1):
+        for deadline in (1e-9, 0):
             with self.subTest(deadline), self.assertRaises(ipodkit.Error) as raised:
                 self.session.commands.next().within(deadline).wait()
             self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
@@ -207,6 +281,57 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: names))
         asking.join()
         self.assertEqual(names, ["Desk iPod"])
+
+    def reported_as_unraisable(self):
+        """What is told of exceptions that nobody can catch, from now on."""
+        reported = []
+        self.addCleanup(setattr, sys, "unraisablehook", sys.unraisablehook)
+        sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
+        return reported
+
+    def test_a_future_that_was_given_up_makes_no_noise_when_the_answer_comes(self):
+        reported = self.reported_as_unraisable()
+        self.simulator.hang()
+        future = self.session.commands.ipod_name().within(LIMIT).future()
+
+        self.assertTrue(future.cancel())
+        self.simulator.go_on()
+        self.assertEqual(self.completed(self.session.commands.device_count()), (1, None))
+
+        self.assertTrue(future.cancelled())
+        self.assertEqual(reported, [])
+
+    def test_a_future_that_asyncio_gives_up_makes_no_noise(self):
+        reported = self.reported_as_unraisable()
+        self.simulator.hang()
+
+        async def ask():
+            await asyncio.wait_for(asyncio.wrap_future(self.session.commands.ipod_name().future()), 0.1)
+
+        with self.assertRaises(asyncio.TimeoutError):
+            asyncio.run(ask())
+        self.simulator.go_on()
+        self.assertEqual(self.completed(self.session.commands.device_count()), (1, None))
+
+        self.assertEqual(reported, [])
+
+    def test_the_switch_of_a_future_that_was_given_up_is_not_thrown(self):
+        stop = ipodkit.Cancellation()
+        future = self.session.commands.ipod_name().cancelled_by(stop).future()
+
+        future.cancel()
+
+        self.assertFalse(stop.cancelled)
+
+    def test_a_future_that_was_given_up_withdraws_its_request(self):
+        self.simulator.hang()
+        future = self.session.commands.ipod_name().within(LIMIT).future()
+        held_by_its_request = weakref.ref(future)
+
+        future.cancel()
+        del future
+
+        self.assertTrue(run_until(lambda: held_by_its_request() is None, LIMIT / 2))
 
     def test_a_cancelled_request_completes_at_once(self):
         self.simulator.hang()
@@ -267,9 +392,7 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(len(calls), 1)
 
     def test_what_a_callback_raises_is_reported_and_ends_nothing(self):
-        reported = []
-        self.addCleanup(setattr, sys, "unraisablehook", sys.unraisablehook)
-        sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
+        reported = self.reported_as_unraisable()
 
         watching = self.session.on_state("broken", lambda state, changed: 1 / 0)
 
@@ -305,6 +428,17 @@ class WithSimulator(unittest.TestCase):
         self.addCleanup(giving_up.cancel)
         shown = next((line for line in example.stdout if line.startswith("[READY]")), "")
         self.assertRegex(shown, r"^\[READY\] [>=] .* - .*\n$")
+
+    def test_the_example_ends_quietly(self):
+        example = subprocess.Popen([OPTIONS.interpreter, OPTIONS.example], stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(example.kill)
+        self.assertNotEqual(line_within(example.stdout, LIMIT), "")
+
+        example.send_signal(signal.SIGINT)
+
+        self.assertEqual(example.communicate(timeout=LIMIT)[1], "")
+        self.assertEqual(example.returncode, 0)
 
 
 if __name__ == "__main__":

@@ -124,3 +124,41 @@ TEST(FolderWatch, SeesChangesInFoldersThatAreAddedLater)
 
     EXPECT_TRUE(Within(3000, [&] { return changes == 2; }));
 }
+
+TEST(FolderWatch, SeesChangesInARootThatCameBack)
+{
+    TemporaryFolder folder;
+    int changes = 0;
+    std::vector<std::string> warnings;
+    ipodsim::FolderWatch watch(
+        folder.path.string(), nullptr, [&](const std::string& line) { warnings.push_back(line); }, [&] { ++changes; });
+
+    fs::remove_all(folder.path);
+    ASSERT_TRUE(Within(3000, [&] { return changes == 1; }));
+    EXPECT_EQ(warnings,
+              (Names{"the music folder " + folder.path.string() + " is gone; what is in it comes back with it"}));
+    fs::create_directory(folder.path);
+    ASSERT_TRUE(Within(3000, [&] { return changes == 2; }));
+    folder.Write("one", "text");
+
+    EXPECT_TRUE(Within(3000, [&] { return changes == 3; }));
+    EXPECT_EQ(warnings.size(), 1U);
+}
+
+TEST(FolderWatch, SeesAnotherFolderTakeThePlaceOfTheRoot)
+{
+    TemporaryFolder parent;
+    TemporaryFolder elsewhere;
+    const fs::path root = parent.path / "stick" / "music";
+    fs::create_directories(root);
+    elsewhere.Write("music/one", "text");
+    int changes = 0;
+    ipodsim::FolderWatch watch(
+        root.string(), nullptr, [](const std::string&) {}, [&] { ++changes; });
+
+    fs::rename(parent.path / "stick", parent.path / "before");
+    fs::rename(elsewhere.path, parent.path / "stick");
+
+    EXPECT_TRUE(Within(3000, [&] { return changes == 1; })) << "no watched folder has changed";
+    fs::create_directory(elsewhere.path);
+}

@@ -70,6 +70,21 @@ protected:
     std::vector<std::string> warnings;
 };
 
+const std::string kSmallPng("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
+
+// In place of those that the track has.
+void PutPicture(const fs::path& ogg, const std::string& bytes)
+{
+    TagLib::FileRef file(ogg.c_str());
+    auto* const comment = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag());
+    comment->removeAllPictures();
+    auto* const picture = new TagLib::FLAC::Picture;  // the comment owns it
+    picture->setType(TagLib::FLAC::Picture::FrontCover);
+    picture->setData({bytes.data(), static_cast<unsigned>(bytes.size())});
+    comment->addPicture(picture);
+    if (!file.save()) throw std::runtime_error("the track cannot be saved");
+}
+
 void ExpectPngOf300Pixels(const Track& track)
 {
     const ipodsim::Picture picture = ipodsim::PictureOf(track);
@@ -150,6 +165,25 @@ TEST(Picture, TakesItsSizeFromTheFrameOfAJpeg)
 
     EXPECT_EQ(picture.height, 0x0102U);
     EXPECT_EQ(picture.width, 0x0304U);
+}
+
+TEST(Picture, BeginsWithAHeadAndNotWithASignatureOnly)
+{
+    const auto isPicture = [](const std::string& text) { return ipodsim::IsPicture({text.begin(), text.end()}); };
+    const std::string noise(40, 'x');
+    const std::string bmp = "BM" + std::string(12, '\1');
+    const std::string riff = "RIFF" + std::string(4, '\1');
+
+    EXPECT_TRUE(isPicture(kSmallPng));
+    EXPECT_TRUE(isPicture("\xFF\xD8\xFF\xE0" + noise));
+    EXPECT_TRUE(isPicture(std::string("GIF89a\5\0\6\0", 10)));
+    EXPECT_TRUE(isPicture(bmp + std::string("\x28\0\0\0", 4) + noise));
+    EXPECT_TRUE(isPicture(riff + "WEBPVP8L" + noise));
+    for (const std::string& rubbish :
+         {kSmallPng.substr(0, 8), kSmallPng.substr(0, 8) + noise, kSmallPng.substr(0, 16) + std::string(8, '\0'),
+          std::string("\xFF\xD8"), "\xFF\xD8" + noise, "\xFF\xD8\xFF\xD9" + noise, "GIF8" + noise,
+          "GIF89a" + std::string(10, '\0'), std::string("BM"), "BM" + noise, riff + "WEBP" + noise, std::string()})
+        EXPECT_FALSE(isPicture(rubbish)) << testing::PrintToString(rubbish);
 }
 
 TEST_F(MusicFolder, WithSamplesHasThemAllInOrder)
@@ -262,6 +296,17 @@ TEST_F(MusicFolder, WithALoopOfLinksIsReadOnce)
     EXPECT_TRUE(warnings.empty());
 }
 
+TEST_F(MusicFolder, DoesNotReadWhatTheKernelMakesUp)
+{
+    CopySample("one.ogg");
+    fs::create_directory_symlink("/proc", folder.path / "proc");
+
+    EXPECT_EQ(Read().tracks.size(), 1U);
+
+    EXPECT_EQ(warnings,
+              (std::vector<std::string>{"skipped " + (folder.path / "proc").string() + ": no file system for music"}));
+}
+
 TEST_F(MusicFolder, MakesASubFolderAPlaylist)
 {
     CopySample("Evening/one.ogg");
@@ -283,19 +328,18 @@ TEST_F(MusicFolder, PassesOverHiddenFilesAndFolders)
 
 TEST_F(MusicFolder, GivesTracksWithoutAPictureThatOfTheirFolder)
 {
-    const std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
     TagLib::FileRef bare(CopySample("bare.ogg").c_str());
     dynamic_cast<TagLib::Ogg::XiphComment*>(bare.tag())->removeAllPictures();
     ASSERT_TRUE(bare.save());
     Write("folder.jpg", "no picture");
-    Write("Front.PNG", png);
+    Write("Front.PNG", kSmallPng);
 
     const Library library = Read();
 
     ASSERT_EQ(library.tracks.size(), 1U);
     EXPECT_TRUE(library.tracks[0]->hasPicture);
     const ipodsim::Picture picture = ipodsim::PictureOf(*library.tracks[0]);
-    EXPECT_EQ(picture.bytes, ipodsim::Bytes(png.begin(), png.end()));
+    EXPECT_EQ(picture.bytes, ipodsim::Bytes(kSmallPng.begin(), kSmallPng.end()));
     EXPECT_EQ(picture.width, 5U);
     EXPECT_EQ(picture.height, 7U);
     ASSERT_EQ(warnings.size(), 1U);
@@ -315,19 +359,31 @@ TEST_F(MusicFolder, PrefersTheTracksOwnPictureToThatOfItsFolder)
 
 TEST_F(MusicFolder, TakesAnEmbeddedPictureThatIsNoneForNone)
 {
-    TagLib::FileRef bare(CopySample("bare.ogg").c_str());
-    auto* const comment = dynamic_cast<TagLib::Ogg::XiphComment*>(bare.tag());
-    comment->removeAllPictures();
-    auto* const picture = new TagLib::FLAC::Picture;  // the comment owns it
-    picture->setType(TagLib::FLAC::Picture::FrontCover);
-    picture->setData("no picture at all");
-    comment->addPicture(picture);
-    ASSERT_TRUE(bare.save());
+    PutPicture(CopySample("bare.ogg"), "no picture at all");
 
     const Library library = Read();
 
     ASSERT_EQ(library.tracks.size(), 1U);
     EXPECT_FALSE(library.tracks[0]->hasPicture);
+}
+
+TEST_F(MusicFolder, LeavesOutAPictureThatNeverFitsIntoSharedMemory)
+{
+    const std::string large = kSmallPng + std::string(std::size_t{2} << 20U, 'x');
+    PutPicture(CopySample("a/large.ogg"), large);
+    PutPicture(CopySample("b/large.ogg"), large);
+    Write("b/cover.png", kSmallPng);
+    Write("c/cover.png", large);
+
+    const Library library = Read();
+
+    ASSERT_EQ(library.tracks.size(), 2U);
+    EXPECT_FALSE(library.tracks[0]->hasPicture);
+    EXPECT_EQ(ipodsim::PictureOf(*library.tracks[1]).bytes.size(), kSmallPng.size()) << "that of its folder";
+    ASSERT_EQ(warnings.size(), 3U);
+    EXPECT_EQ(warnings[0],
+              "skipped " + (folder.path / "c/cover.png").string() + ": a picture that does not fit into shared memory");
+    EXPECT_EQ(warnings[1], (folder.path / "a/large.ogg").string() + ": its picture does not fit into shared memory");
 }
 
 TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)

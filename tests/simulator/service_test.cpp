@@ -40,6 +40,17 @@ std::string ToText(GVariant* value)
     return copy;
 }
 
+// A track without tags and picture.
+std::string ASecondOfSilence()
+{
+    constexpr std::size_t kRate = 8000;
+    const std::string header(
+        "RIFF\x64\x1F\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1F\0\0\x40\x1F\0\0\1\0\x08\0"
+        "data\x40\x1F\0\0",
+        44);
+    return header + std::string(kRate, '\x80');
+}
+
 // A client with nothing but a connection; keeps the signals that it receives.
 class Client
 {
@@ -321,6 +332,15 @@ TEST_F(BuiltinService, RefusesTextsThatTheBusDoesNotCarry)
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
 }
 
+TEST_F(BuiltinService, HasNoTwoDevicesOfOneNameOnRequest)
+{
+    EXPECT_TRUE(service.AttachDevice("Second"));
+    EXPECT_FALSE(service.AttachDevice("Second"));
+    EXPECT_THAT(client.Control("AttachDevice", g_variant_new("(s)", "Desk iPod")),
+                HasSubstr("a device of that name is attached already"));
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(2,)");
+}
+
 TEST_F(BuiltinService, GoesAndComesBackOnRequest)
 {
     client.Ask("Play", g_variant_new("(y)", guchar{3}));
@@ -405,6 +425,76 @@ TEST_F(Service, AttachesAndDetachesWhatComesAndGoes)
     std::filesystem::remove_all(folder.path / "Second");
     EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x01, false)"));
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
+}
+
+TEST_F(Service, SeesTheMusicFolderComeBack)
+{
+    TemporaryFolder folder;
+    folder.CopySample("one.ogg");
+    std::atomic<int> warnings{0};
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.oneDevice = true;
+    options.warn = [&](const std::string& line)
+    {
+        EXPECT_EQ(line, "the music folder " + folder.path.string() + " is gone; what is in it comes back with it");
+        ++warnings;
+    };
+    const ipodsim::Simulator service(options);
+    Client client;
+
+    std::filesystem::remove_all(folder.path);
+    ASSERT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x01, false)"));
+    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(0,)");
+    folder.CopySample("Phone/one.ogg");
+    folder.CopySample("Phone/two.ogg");
+
+    EXPECT_TRUE(client.Receives("OnIpodDeviceStatusChange (0x00, false)"));
+    EXPECT_EQ(service.Summary(), "2 songs, 1 artist, 1 album");
+    EXPECT_EQ(warnings, 1);
+}
+
+TEST_F(Service, TellsOnceOfEachPictureThatHasNoRoom)
+{
+    TemporaryFolder folder;
+    const std::string head("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
+    folder.Write("one.wav", ASecondOfSilence());
+    folder.Write("two.wav", ASecondOfSilence());
+    // Fits into the segment, but not beside itself.
+    folder.Write("cover.png", head + std::string(600000, 'x'));
+    std::vector<std::string> warnings;
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.warn = [&](const std::string& line) { warnings.push_back(line); };
+    ipodsim::Simulator service(options);
+    Client client;
+
+    service.PressButton("play");
+    for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
+
+    service.ClearCalls();  // what the service's thread did is over
+    EXPECT_EQ(warnings, (std::vector<std::string>{"the picture of \"one\" does not fit into shared memory"}));
+    service.PressButton("next");
+    for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
+    service.ClearCalls();
+    EXPECT_EQ(warnings.size(), 2U);
+}
+
+TEST_F(Service, SumsUpWhatIsWrongWithManyFiles)
+{
+    TemporaryFolder folder;
+    for (int i = 0; i < 800; ++i) folder.Write("Phone/" + std::to_string(i) + ".ogg", "no audio");
+    folder.Write("Watch/one.ogg", "no audio");
+    std::vector<std::string> warnings;
+    ipodsim::Options options = Quiet();
+    options.musicFolder = folder.path.string();
+    options.warn = [&](const std::string& line) { warnings.push_back(line); };
+
+    const ipodsim::Simulator service(options);
+
+    ASSERT_EQ(warnings.size(), 11U);
+    EXPECT_EQ(warnings[9], "skipped " + (folder.path / "Phone/106.ogg").string() + ": no audio file");
+    EXPECT_EQ(warnings[10], "and 791 more warnings like these");
 }
 
 TEST_F(Service, AnswersWhileMusicIsRead)

@@ -142,11 +142,8 @@ class Program(OnABus):
 
     def test_refuses_what_it_cannot_use(self):
         self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
-        self.assertIn("speed: expected a number above 0", self.refusal("--speed", "0"))
-        self.assertEqual("ipod-simulator: name of the device: expected UTF-8 text, not '\N{REPLACEMENT CHARACTER}'\n",
-                         self.refusal("--name", b"\xff"))
-        self.assertIn("expected one of delay, ", self.refusal("--fault", "dely"))
-        self.assertIn("cannot be read", self.refusal("--scenario", "/nonexistent"))
+        self.assertIn("/nonexistent: No such file or directory", self.refusal("--scenario", "/nonexistent"))
+        self.assertIn(f"{self.folder}: Is a directory", self.refusal("--scenario", self.folder))
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.assertIn("no session bus", self.refusal())
 
@@ -159,6 +156,44 @@ class Program(OnABus):
                                           timeout=LIMIT)
                     self.assertEqual((done.returncode, done.stdout), (2, ""))
                     self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*; {name} --help shows the usage\n$")
+
+    def test_samples_need_a_folder_that_can_be_made(self):
+        file = self.write("file", "")
+        for folder, code, expected in (("", 2, "folder: expected a name that is not empty; ipod-make-samples --help shows "
+                                               "the usage"),
+                                       ("/proc/x", 1, "/proc/x: No such file or directory"),
+                                       (file, 1, f"{file}: Not a directory")):
+            for more in ([], ["--count", "3"]):
+                with self.subTest([folder, *more]):
+                    done = subprocess.run([OPTIONS.samples, folder, *more], cwd=self.folder, capture_output=True,
+                                          text=True, timeout=LIMIT)
+                    self.assertEqual((done.returncode, done.stdout), (code, ""))
+                    self.assertEqual(done.stderr, f"ipod-make-samples: {expected}\n")
+        self.assertEqual(os.listdir(self.folder), ["file"])
+
+    def test_values_that_are_none_are_usage_errors_and_tell_what_was_expected(self):
+        for words, expected in ((["--speed", "0"], "--speed: expected a number above 0, not 0"),
+                                (["--speed", "x"], "--speed: expected a number above 0, not x"),
+                                (["--speed", "nan"], "--speed: expected a number above 0, not nan"),
+                                (["--speed", "1e999"], "--speed: expected a number above 0, not 1e999"),
+                                (["--speed", ""], "--speed: expected a number above 0, not "),
+                                (["--seed", "-1"], "--seed: expected a whole number from 0 to 4294967295, not -1"),
+                                (["--name", ""], "--name: expected a name that is not empty"),
+                                (["--name", b"\xff"], "--name: expected UTF-8 text, not \N{REPLACEMENT CHARACTER}"),
+                                (["--fault", "delay=-1"], "fault delay: expected a number from 0 on"),
+                                (["--fault", "delay", "--fault", "dely"],
+                                 'fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
+                                 'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
+                                 'restart-storm, not "dely"')):
+            with self.subTest(words):
+                process = self.launch(*words)
+                out, err = process.communicate(timeout=LIMIT)
+                self.assertEqual((process.returncode, out), (2, ""))
+                self.assertEqual(err, f"ipod-simulator: {expected}; ipod-simulator --help shows the usage\n")
+
+    def test_reads_no_more_of_a_scenario_than_one_can_have(self):
+        self.assertEqual(self.refusal("--scenario", "/dev/zero"),
+                         "ipod-simulator: /dev/zero: expected a scenario of at most 8 MiB\n")
 
     def test_tells_where_a_scenario_is_malformed(self):
         file = self.write("bad.json", '{"steps": [\n  {"time": 0, "event": "button", "value": "eject"}\n]}\n')
@@ -257,6 +292,34 @@ class Faults(OnABus):
                 self.assertRegex(self.refusal(), "^ipod-simulator: shared memory ListVectorSharedMemory: .*; stop all "
                                  "applications of the service, remove /dev/shm/ListVectorSharedMemory and start again$")
 
+    def remount_shared_memory(self, options):
+        subprocess.run(["mount", "-o", f"remount,{options}", "/dev/shm"], check=True)
+
+    def test_shared_memory_without_room_is_told(self):
+        self.addCleanup(self.remount_shared_memory, "size=50%")
+        for size in ("48k", "5200k"):
+            with self.subTest(size):
+                clear_shared_memory()
+                self.remount_shared_memory(f"size={size}")
+                name = "List" if size == "48k" else "Buffer"
+                self.assertRegex(self.refusal(), rf"^ipod-simulator: shared memory {name}VectorSharedMemory: no room for "
+                                 r"its \d+ bytes; make room in /dev/shm and start again\n$")
+
+    def test_segments_without_all_their_pages_are_given_them(self):
+        clear_shared_memory()
+        self.addCleanup(clear_shared_memory)
+        self.start()
+        for segment in ("ListVectorSharedMemory", "BufferVectorSharedMemory"):
+            status = os.stat(f"/dev/shm/{segment}")
+            self.assertGreaterEqual(status.st_blocks * 512, status.st_size)
+
+    def test_a_file_system_that_cannot_be_written_is_told_without_advice_that_does_not_help(self):
+        clear_shared_memory()
+        self.addCleanup(self.remount_shared_memory, "rw")
+        self.remount_shared_memory("ro")
+        self.assertEqual(self.refusal(),
+                         "ipod-simulator: shared memory ListVectorSharedMemory: Read-only file system\n")
+
     def test_a_segment_whose_object_is_longer_than_it_is_used(self):
         self.addCleanup(clear_shared_memory)
         process = self.start()
@@ -342,6 +405,8 @@ class FromTheCommandLine(OnABus):
         self.start()
         self.assertIn("expected play, pause", self.ctl("sim", "button", "eject", code=1))
         self.assertIn("expected one of delay", self.ctl("sim", "fault", "dely", code=1))
+        self.assertIn('a device of that name is attached already', self.ctl("sim", "attach", "Desk iPod", code=1))
+        self.assertEqual(self.ask("GetDeviceAmount"), "(1,)")
         self.assertIn("line 1, column 1: expected", self.ctl("sim", "scenario", self.write("bad.json", "{}"), code=1))
         for words in (["call", "--sequence", "ringing:x"], ["call", "--sequence", "asleep"], ["carplay", "maybe"],
                       ["pairing", "a", "--hex", "0"], ["eap-close", "0"], ["fault", "delay/x"],
