@@ -437,7 +437,9 @@ class WithSimulator(unittest.TestCase):
 
         example.send_signal(signal.SIGINT)
 
-        self.assertEqual(example.communicate(timeout=LIMIT)[1], "")
+        errors = example.communicate(timeout=LIMIT)[1]
+        # On a slow machine the log may say that its callback is slow.
+        self.assertEqual([line for line in errors.splitlines() if "its budget is" not in line], [])
         self.assertEqual(example.returncode, 0)
 
 
