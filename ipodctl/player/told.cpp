@@ -1,5 +1,7 @@
 #include "player/told.h"
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "output/failure.h"
@@ -27,15 +29,16 @@ constexpr Question About(const char* what)
 
 constexpr Question kTrack = About<&PlayerState::track, &Commands::CurrentTrack>("the track");
 constexpr Question kIndex = About<&PlayerState::trackIndex, &Commands::PlayingIndex>("its index");
+// What events tell by themselves, also when nothing is answered, stands last.
 constexpr Question kAll[] = {
     kTrack,
     kIndex,
     About<&PlayerState::status, &Commands::PlayStatus>("the state"),
-    About<&PlayerState::position, &Commands::Position>("the position"),
     About<&PlayerState::shuffle, &Commands::Shuffle>("shuffle"),
     About<&PlayerState::repeat, &Commands::Repeat>("repeat"),
     About<&PlayerState::queueSize, &Commands::PlayingCount>("the queue"),
     About<&PlayerState::deviceCount, &Commands::DeviceCount>("the devices"),
+    About<&PlayerState::position, &Commands::Position>("the position"),
 };
 
 // The state says that there is no answer, but not why: asking again does.
@@ -50,6 +53,12 @@ std::string Reason(Session& session, const Question& question)
         return failure.what();
     }
     return "it does now; try again";
+}
+
+bool ToldNothing(const PlayerState& state)
+{
+    return std::none_of(std::begin(kAll), std::prev(std::end(kAll)),
+                        [&state](const Question& question) { return question.isAnswered(state); });
 }
 
 // Who has no device has nothing to tell.
@@ -70,7 +79,7 @@ std::string NotTold(Session& session, const PlayerState& state)
         open.push_back(&question);
     }
     if (open.empty() || !HasDevice(state)) return {};
-    if (open.size() == std::size(kAll)) open.front()->askAgain(session);
+    if (ToldNothing(state)) open.front()->askAgain(session);
     return "the service did not tell " + names + ": " + Reason(session, *open.front());
 }
 
