@@ -161,6 +161,7 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         "\n"
         "Ask the one that runs for events with ipodctl sim.");
 }
+
 // Not by the parser: the message names the fault already.
 void RequireFaults(const std::vector<std::string>& faults)
 {

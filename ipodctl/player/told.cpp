@@ -29,7 +29,8 @@ constexpr Question About(const char* what)
 
 constexpr Question kTrack = About<&PlayerState::track, &Commands::CurrentTrack>("the track");
 constexpr Question kIndex = About<&PlayerState::trackIndex, &Commands::PlayingIndex>("its index");
-// What events tell by themselves, also when nothing is answered, stands last.
+
+// What events tell by themselves, also when nothing is answered, stands last: ToldNothing() leaves it out.
 constexpr Question kAll[] = {
     kTrack,
     kIndex,
