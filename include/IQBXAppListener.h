@@ -1,5 +1,5 @@
 /// @file
-/// Notifications of the unit's application manager.
+/// Notifications of the head unit's application manager.
 ///
 /// The player inherits them with their empty bodies and reacts to none. The order of the operations is part
 /// of the published interface: append, never insert.
@@ -18,21 +18,21 @@ public:
     /// A module was started or stopped.
     virtual void OnModuleStatusChanged(AppBootInfo& /*info*/) {}
 
-    /// The unit reached a stage of its start.
+    /// The head unit reached a stage of its start.
     virtual void OnSystemBootStageNotify(BootStage /*stage*/) {}
 
-    /// Android Auto ended abnormally.
+    /// Android Auto ended abnormally. The argument is the application manager's.
     virtual void OnAndroidAutoAbortHandle(int) {}
 
-    /// Android Auto could not connect in time.
+    /// Android Auto could not connect in time. The arguments are the application manager's.
     virtual void OnAAConnectionTimeoutNotify(int, const std::string&) {}
 
-    /// Logging is to use another level from now on.
+    /// The log level changed.
     virtual void OnReloadLogConfigNotify(eLogLevel /*level*/) {}
 
-    /// The resource data of the unit changed.
+    /// The resource data of the head unit changed.
     virtual void OnResourceDataChangeNotify() {}
 
-    /// The process of a module was started anew.
+    /// The process of a module was restarted.
     virtual void OnProcRebootNotify(ServiceModule /*module*/) {}
 };

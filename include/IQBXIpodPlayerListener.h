@@ -1,13 +1,18 @@
 /// @file
-/// The events of the iPod service. Implement what you need, register the object with the player's
-/// AddListener(), and remove it before it goes away.
+/// The events of the iPod service. Override what you need, register the object with the player's
+/// AddListener(), and remove it before you destroy it.
+///
+/// **Changes only.** The library emits no event of its own: when InitInstance() has returned true, read the initial
+/// state with the player's commands. When the service restarts, the subscription stays, the library repeats nothing,
+/// and no event reports the restart; what the service announces then is its own decision.
 ///
 /// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the
 /// thread-default one of the thread that called InitInstance(). Without a running main loop no event arrives.
 ///
-/// **Inside a callback** the listener lock is held and no other event can be delivered: return soon, and hand
-/// long work to another thread. A listener may remove itself. Commands may be called and block as usual.
-/// Do not throw.
+/// **Inside a callback** the listener lock is held and no other event can be delivered: return soon, and pass
+/// long work to another thread. Commands may be called and block as usual. Listeners, the running one included, may
+/// be added and removed: one that is added behind the running one (at a higher address) receives this event, too, one
+/// before it the next; one that is removed receives nothing more. Do not throw.
 ///
 /// **Arguments.** What is passed by value is a copy of the listener's own. What is passed by reference lives
 /// until the callback returns, and is the same object for all listeners.
@@ -27,13 +32,15 @@ class IQBXIpodPlayerListener
 public:
     virtual ~IQBXIpodPlayerListener() = default;
 
-    /// A device was attached or went away. @p mediaRestart is 1 when media playback starts anew, else 0.
+    /// A device was attached or detached. @p mediaRestart is 1 when the service announces that media playback starts
+    /// anew, else 0; the library passes it on and does nothing by itself.
     virtual void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus /*status*/, int /*mediaRestart*/) {}
 
     /// The play state changed.
     virtual void OnPlayStatusChanged(iPodPlayerPlayStatus /*status*/) {}
 
-    /// Playback advanced: position and length of the track, in milliseconds.
+    /// Playback advanced: position and length of the track, in milliseconds. The contract fixes no rate; the
+    /// simulator sends two a second.
     virtual void OnPlayProgressChange(int /*pos*/, int /*duration*/) {}
 
     /// The repeat mode changed.
@@ -42,7 +49,7 @@ public:
     /// The shuffle mode changed.
     virtual void OnIpodShuffleModeChange(iPodPlayerShuffleStatus /*mode*/) {}
 
-    /// Another track plays: its index within the playing list, from 0, and its details.
+    /// Another track became the playing one: its index within the playing list, from 0, and its details.
     virtual void OnIpodPlayingTrackChange(int /*index*/, QBXiPodTrackInfo /*track*/) {}
 
     /// The playing list has a new number of entries.
@@ -52,21 +59,21 @@ public:
     /// released the source if it was active.
     virtual void OnIpodSourceValidStatusChange(int /*valid*/) {}
 
-    /// The playing track has a picture.
+    /// The artwork of the playing track changed. The image is empty when the service supplied none.
     virtual void OnIpodArtworkChange(QBXTrackArtwork /*artwork*/) {}
 
-    /// A CarPlay device was detected or lost.
+    /// A CarPlay device was detected or lost; the serial number may be empty.
     virtual void OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus /*status*/, std::string /*serialNumber*/)
     {
     }
 
-    /// A phone call began, changed or ended.
+    /// A phone call began, changed or ended: its whole state.
     virtual void OnIpodPhoneCallChange(const iPodPhoneCall_t& /*call*/) {}
 
-    /// The state of the battery changed.
+    /// The state of the device's battery changed.
     virtual void OnIpodBatteryChange(const iPodBattery_t& /*battery*/) {}
 
-    /// The device asks for location information, or no longer does.
+    /// The device requests location information, or no longer does.
     virtual void OnIpodLocationStatusChange(LocationStatus /*status*/) {}
 
     /// Another app came to the foreground of the device: its bundle identifier.

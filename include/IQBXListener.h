@@ -1,11 +1,11 @@
 /// @file
 /// The registry of listeners: a set of pointers and the lock under which events are dispatched.
 ///
-/// The registry does not own its listeners: it never deletes them and tells them nothing when it goes away.
+/// The registry does not own its listeners: it never deletes them and does not notify them when it is destroyed.
 ///
 /// **Threads.** Dispatch holds the listener lock from the first listener to the last. Registration does not
-/// take it: an application that adds or removes listeners on another thread than the one that runs the events
-/// brackets the call with LockListener() and UnlockListener().
+/// take it: to add or remove a listener on another thread than the one that runs the events, hold the lock around
+/// the call with LockListener() and UnlockListener(). Inside a callback no lock is needed.
 ///
 /// The order of the virtual operations is part of the published interface: append, never insert.
 #pragma once
@@ -40,13 +40,13 @@ public:
         OnListenerRemoved(listener);
     }
 
-    /// The set itself, not a copy, in ascending order of address. Owned by the registry.
+    /// Returns the set itself, not a copy, in ascending order of address. Owned by the registry.
     virtual std::set<T*>& GetListeners() { return m_listeners; }
 
-    /// Number of registered listeners. Takes no lock.
+    /// Returns the number of registered listeners. Takes no lock.
     virtual std::size_t GetListenerCount() { return m_listeners.size(); }
 
-    /// Keeps events away until UnlockListener(); blocks while one is being dispatched.
+    /// Holds events back until UnlockListener(); blocks while one is being dispatched.
     virtual void LockListener() { m_lock.Lock(); }
 
     /// Lets events through again.

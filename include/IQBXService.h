@@ -1,5 +1,5 @@
 /// @file
-/// A service of the unit: a listener itself, with a registry of the listeners to which it passes events on.
+/// A service of the head unit: a listener itself, with a registry of the listeners to which it passes events on.
 ///
 /// The order of the virtual operations is part of the published interface: append, never insert.
 #pragma once
@@ -16,7 +16,7 @@ class IQBXService : public T, public IQBXListener<T>
 public:
     ~IQBXService() override { m_word = 0; }
 
-    /// Connects the service; false when it cannot be reached now.
+    /// Connects to the service; false when it cannot be reached now.
     virtual bool InitInstance() = 0;
 
     /// Ends the use of the service.
