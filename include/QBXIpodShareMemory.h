@@ -1,16 +1,18 @@
 /// @file
 /// The two shared-memory segments and their ten named vectors, through which bulk data reaches applications.
 ///
-/// Everything here is the contract between two processes that are built apart: a service maps the same
+/// Everything here is the contract between two processes that are built separately: a service maps the same
 /// segments with the same types. Whichever process comes first creates segments and empty vectors, the other
 /// finds them. The service fills a vector and then answers the call or emits the signal that announces it; a
 /// vector is valid until the next request or event of its kind. Applications use the player's commands and
 /// events, which copy the vectors, rather than these variables.
 ///
-/// No lock guards the vectors. Their memory belongs to the segments and is never released by the library.
+/// No lock guards the vectors. Their memory belongs to the segments and is never released by the library. The list
+/// segment holds fewer than 20,480 names, all six lists together; the four byte vectors share 1 MiB. A vector that
+/// has no room to grow throws `boost::interprocess::bad_alloc` in the process that fills it.
 #pragma once
 
-// A lock inside a segment may be held by a process that died. Without a limit everyone else waits for ever.
+// A lock inside a segment may be held by a process that died. Without a limit everyone else waits forever.
 #ifndef BOOST_INTERPROCESS_ENABLE_TIMEOUT_WHEN_LOCKING
 #define BOOST_INTERPROCESS_ENABLE_TIMEOUT_WHEN_LOCKING
 #endif
@@ -31,10 +33,10 @@ struct PlayListSongNameStr
 static_assert(sizeof(PlayListSongNameStr) == 256, "entries lie 256 bytes apart in the segment");
 static_assert(std::is_trivially_copyable<PlayListSongNameStr>::value, "entries are shared between processes");
 
-/// Distances inside a segment have the width of a pointer: 32 bits on the head unit, 64 on a desk.
+/// Offset pointer inside a segment, as wide as a pointer: 32 bits on the head unit, 64 on a desktop.
 using QBXSegmentPointer = boost::interprocess::offset_ptr<void, std::ptrdiff_t, std::size_t, 0>;
 
-/// How memory is found within a segment.
+/// Memory algorithm of a segment.
 using QBXSegmentAlgorithm =
     boost::interprocess::rbtree_best_fit<boost::interprocess::mutex_family, QBXSegmentPointer, 0>;
 
@@ -42,7 +44,7 @@ using QBXSegmentAlgorithm =
 using QBXSharedSegment =
     boost::interprocess::basic_managed_shared_memory<char, QBXSegmentAlgorithm, boost::interprocess::iset_index>;
 
-/// What allocates inside a segment and finds its named vectors.
+/// Allocates inside a segment and finds its named vectors.
 using QBXSegmentManager =
     boost::interprocess::segment_manager<char, QBXSegmentAlgorithm, boost::interprocess::iset_index>;
 
@@ -51,7 +53,7 @@ using QBXStringPageVector =
     boost::container::vector<PlayListSongNameStr,
                              boost::interprocess::allocator<PlayListSongNameStr, QBXSegmentManager>>;
 
-/// Bytes of a picture or of an accessory session.
+/// Bytes of an image or of an accessory session.
 using QBXByteVector =
     boost::container::vector<unsigned char, boost::interprocess::allocator<unsigned char, QBXSegmentManager>>;
 
@@ -90,8 +92,8 @@ extern QBXStringPageVector* g_VecDBListPinyinShareMemory;      ///< the same in 
 extern QBXStringPageVector* g_VecUpdateListShareMemory;        ///< page of the list being updated
 extern QBXStringPageVector* g_VecUpdateListPinyinShareMemory;  ///< the same in pinyin
 extern QBXStringPageVector* g_VecDeviceListShareMemory;        ///< names of the attached devices
-extern QBXByteVector* g_VecArtworkBufferShareMemory;           ///< picture that was asked for
-extern QBXByteVector* g_VecArtworkChangeBufferShareMemory;     ///< picture that an event announced
+extern QBXByteVector* g_VecArtworkBufferShareMemory;           ///< image that was requested
+extern QBXByteVector* g_VecArtworkChangeBufferShareMemory;     ///< image that an event announced
 extern QBXByteVector* g_VecEapWriteBufferShareMemory;          ///< accessory bytes to send; filled by the library
 extern QBXByteVector* g_VecEapReadBufferShareMemory;           ///< accessory bytes received
 

@@ -1,12 +1,12 @@
 /// @file
-/// Value types that cross the interface of libipod: what commands take and return, and what events carry.
+/// Value types that cross the interface of libipod: arguments and results of commands, contents of events.
 ///
 /// All of them are plain values. Copies are independent, nothing here refers to shared memory or to the bus,
 /// and no type needs a lock of its own. Text is passed through byte for byte as the service sent it, which
 /// is UTF-8 by agreement; the library does not check it.
 ///
 /// The enumerations are unscoped with the underlying type `int`, so that every number that a service sends is
-/// a legal value, also one that this header has no name for.
+/// a legal value, also one that this header has no name for: handle unknown numbers.
 #pragma once
 
 #include <cstdint>
@@ -15,65 +15,66 @@
 #include <vector>
 
 /// State of playback (`GetPlayStatus`, `OnPlayStatusChanged`).
-/// `GetPlayStatus` returns 255, which is no member, when no client exists.
+/// `GetPlayStatus` returns 255, which is not a member, when no player was ever built.
 enum iPodPlayerPlayStatus : int
 {
-    IPOD_PLAY_STATUS_STOPPED = 0,
-    IPOD_PLAY_STATUS_PLAYING = 1,
-    IPOD_PLAY_STATUS_PAUSED = 2,
-    IPOD_PLAY_STATUS_FAST_FORWARD = 3,
-    IPOD_PLAY_STATUS_FAST_BACKWARD = 4,
+    IPOD_PLAY_STATUS_STOPPED = 0,        ///< nothing plays
+    IPOD_PLAY_STATUS_PLAYING = 1,        ///< the position advances
+    IPOD_PLAY_STATUS_PAUSED = 2,         ///< the position stays until playback resumes
+    IPOD_PLAY_STATUS_FAST_FORWARD = 3,   ///< winds forward
+    IPOD_PLAY_STATUS_FAST_BACKWARD = 4,  ///< winds backward
 };
 
 /// Order of playback (`SetShuffleMode`, `GetShuffleMode`, `OnIpodShuffleModeChange`).
-/// `GetShuffleMode` returns 255, which is no member, when no client exists and when the call fails.
+/// `GetShuffleMode` returns 255, which is not a member, when no player was ever built and when the call fails.
 enum iPodPlayerShuffleStatus : int
 {
-    IPOD_SHUFFLE_OFF = 0,
-    IPOD_SHUFFLE_SONGS = 1,
-    IPOD_SHUFFLE_ALBUMS = 2,
+    IPOD_SHUFFLE_OFF = 0,     ///< in the order of the playing list
+    IPOD_SHUFFLE_SONGS = 1,   ///< songs in random order
+    IPOD_SHUFFLE_ALBUMS = 2,  ///< albums in random order, the songs of each in theirs
 };
 
 /// Repetition (`SetRepeatMode`, `GetRepeatMode`, `OnIpodRepeatModeChange`).
+/// `GetRepeatMode` returns 0 when no player was ever built and when the call fails.
 enum iPodPlayerRepeatStatus : int
 {
-    IPOD_REPEAT_OFF = 0,
-    IPOD_REPEAT_ONE = 1,
-    IPOD_REPEAT_ALL = 2,
+    IPOD_REPEAT_OFF = 0,  ///< playback ends with the playing list
+    IPOD_REPEAT_ONE = 1,  ///< repeats the track
+    IPOD_REPEAT_ALL = 2,  ///< repeats the playing list
 };
 
-/// What `Play` shall do. The numbers are shared with the service and with the audio-source manager.
+/// Operation requested from `Play`. The numbers are shared with the service and with the audio-source manager.
 enum iPodPlayerPlayOption_e : int
 {
-    IPOD_PLAY_REQUEST_SOURCE_0 = 1,  ///< ask the audio-source manager for source 10
-    IPOD_PLAY_REQUEST_SOURCE_1 = 2,  ///< ask the audio-source manager for source 11
+    IPOD_PLAY_REQUEST_SOURCE_0 = 1,  ///< request source 10 from the audio-source manager
+    IPOD_PLAY_REQUEST_SOURCE_1 = 2,  ///< request source 11 from the audio-source manager
     IPOD_PLAY_START = 3,             ///< start playback on the source that was granted last
     IPOD_PLAY_RESUME = 4,            ///< the same, continuing where playback was interrupted
     IPOD_PLAY_RESTART = 5,           ///< the same, from the start of the track
-    IPOD_PLAY_CONFIRM_ACTIVE = 6,    ///< tell the manager that its activation was seen (always source 10)
-    IPOD_PLAY_CONFIRM_DEACTIVE = 7,  ///< tell the manager that its deactivation was seen (always source 10)
+    IPOD_PLAY_CONFIRM_ACTIVE = 6,    ///< confirm an activation to the manager (always source 10)
+    IPOD_PLAY_CONFIRM_DEACTIVE = 7,  ///< confirm a deactivation to the manager (always source 10)
 };
 
 /// Whether a device was found (`OnIpodDeviceStatusChange`, the CarPlay and CarLife detections).
 enum QBXAppleDeviceDetectStatus : int
 {
-    APPLE_DEVICE_DETECTED = 0,
-    APPLE_DEVICE_NOT_DETECTED = 1,
-    APPLE_DEVICE_UNSUPPORTED = 2,
+    APPLE_DEVICE_DETECTED = 0,      ///< a device was found
+    APPLE_DEVICE_NOT_DETECTED = 1,  ///< there is no device
+    APPLE_DEVICE_UNSUPPORTED = 2,   ///< a device was found that is not supported
 };
 
 /// Whether the device asks for location information (`OnIpodLocationStatusChange`).
 enum LocationStatus : int
 {
-    LOCATION_STATUS_STOPPED = 0,
-    LOCATION_STATUS_REQUESTED = 1,
+    LOCATION_STATUS_STOPPED = 0,    ///< the device no longer wants location information
+    LOCATION_STATUS_REQUESTED = 1,  ///< the device wants location information
 };
 
 /// One track (`GetCurrentMediaInfo`, `OnIpodPlayingTrackChange`).
 ///
 /// The library carries the eight members unchanged from the service's 1040-byte record; a text ends at its first
 /// NUL, and without one in its 256-byte slot it runs on into the next. Only `text1` has a meaning for the library:
-/// its log lines print it. The comments give what the services that we know of put there.
+/// its log lines print it. The comments describe what known services store in the others.
 struct QBXiPodTrackInfo
 {
     std::string text1;        ///< title
@@ -83,60 +84,60 @@ struct QBXiPodTrackInfo
     std::int32_t value1 = 0;  ///< length in milliseconds
     std::int32_t value2 = 0;  ///< track number within its album, 0 when unknown
     std::int32_t value3 = 0;  ///< number of entries in the playing list
-    std::int32_t value4 = 0;  ///< 1 when the track has a picture, else 0
+    std::int32_t value4 = 0;  ///< 1 when the track has artwork, else 0
 };
 
-/// The picture of a track (`GetPlayingTrackAlbumArtwork`, `OnIpodArtworkChange`).
+/// Artwork of a track (`GetPlayingTrackAlbumArtwork`, `OnIpodArtworkChange`).
 ///
-/// The four words are the service's and are carried unchanged; the comments give what the services that we
-/// know of put there. The library itself sets them only when no client exists: 1, 0, 0, 0.
+/// The four words are the service's and are carried unchanged; the comments describe what known services store
+/// there. The library itself sets them only when no player was ever built: 1, 0, 0, 0.
 struct QBXTrackArtwork
 {
-    std::uint32_t word1 = 0;           ///< 0 when there is a picture, 1 when there is none
-    std::uint32_t word2 = 0;           ///< size of the picture in bytes
+    std::uint32_t word1 = 0;           ///< 0 when there is an image, 1 when there is none
+    std::uint32_t word2 = 0;           ///< size of the image in bytes
     std::uint32_t word3 = 0;           ///< width in pixels, 0 when unknown
     std::uint32_t word4 = 0;           ///< height in pixels, 0 when unknown
-    std::vector<unsigned char> image;  ///< the picture as stored in the track: JPEG, PNG, …; empty when none
+    std::vector<unsigned char> image;  ///< the image as stored in the track: JPEG, PNG, …; empty when none
 };
 
-/// State of a phone call, as far as the service told it.
+/// Progress of a phone call.
 enum PhoneCallStatus : int
 {
-    PHONE_CALL_DISCONNECTED = 0,
-    PHONE_CALL_SENDING = 1,
-    PHONE_CALL_RINGING = 2,
-    PHONE_CALL_CONNECTING = 3,
-    PHONE_CALL_ACTIVE = 4,
-    PHONE_CALL_HELD = 5,
-    PHONE_CALL_DISCONNECTING = 6,
+    PHONE_CALL_DISCONNECTED = 0,   ///< ended
+    PHONE_CALL_SENDING = 1,        ///< outgoing, being sent
+    PHONE_CALL_RINGING = 2,        ///< rings
+    PHONE_CALL_CONNECTING = 3,     ///< being connected
+    PHONE_CALL_ACTIVE = 4,         ///< connected
+    PHONE_CALL_HELD = 5,           ///< connected, on hold
+    PHONE_CALL_DISCONNECTING = 6,  ///< ends
 };
 
-/// Who called whom.
+/// Direction of a phone call.
 enum PhoneCallDirection : int
 {
-    PHONE_CALL_DIRECTION_UNKNOWN = 0,
-    PHONE_CALL_INCOMING = 1,
-    PHONE_CALL_OUTGOING = 2,
+    PHONE_CALL_DIRECTION_UNKNOWN = 0,  ///< not known to the device
+    PHONE_CALL_INCOMING = 1,           ///< the other party called
+    PHONE_CALL_OUTGOING = 2,           ///< the user of the device called
 };
 
-/// What kind of call it is.
+/// Kind of a phone call.
 enum CallStateService : int
 {
-    CALL_SERVICE_UNKNOWN = 0,
-    CALL_SERVICE_TELEPHONY = 1,
-    CALL_SERVICE_VIDEO = 2,
-    CALL_SERVICE_AUDIO = 3,
+    CALL_SERVICE_UNKNOWN = 0,    ///< not known to the device
+    CALL_SERVICE_TELEPHONY = 1,  ///< over the telephone network
+    CALL_SERVICE_VIDEO = 2,      ///< video call
+    CALL_SERVICE_AUDIO = 3,      ///< audio call other than telephony
 };
 
-/// Why a call ended.
+/// Reason for the end of a phone call.
 enum CallStateDisconnectReason : int
 {
-    CALL_ENDED = 0,
-    CALL_DECLINED = 1,
-    CALL_FAILED = 2,
+    CALL_ENDED = 0,     ///< ended normally
+    CALL_DECLINED = 1,  ///< declined
+    CALL_FAILED = 2,    ///< failed
 };
 
-/// State of one phone call (`OnIpodPhoneCallChange`).
+/// State of one phone call (`OnIpodPhoneCallChange`); calls are told apart by `CallUUID`.
 ///
 /// A member is absent when the service did not send it, or sent a number outside its enumeration.
 struct iPodPhoneCall_t
@@ -144,49 +145,51 @@ struct iPodPhoneCall_t
     std::optional<std::string> RemoteID;          ///< number or address of the other party
     std::optional<std::string> DisplayName;       ///< its name, as the device shows it
     std::optional<PhoneCallStatus> Status;        ///< how far the call has come
-    std::optional<PhoneCallDirection> Direction;  ///< who called
+    std::optional<PhoneCallDirection> Direction;  ///< who called whom
     std::optional<std::string> CallUUID;          ///< identifies the call while it lives
     std::optional<std::string> AddressBookID;     ///< entry of the other party in the device's address book
     std::optional<std::string> Label;             ///< "home", "mobile", …
     std::optional<CallStateService> Service;      ///< kind of call
     std::optional<bool> IsConferenced;            ///< whether the call is part of a conference
-    std::optional<std::uint8_t> ConferenceGroup;  ///< low 8 bits of the service's 32
+    std::optional<std::uint8_t> ConferenceGroup;  ///< number of the conference; low 8 bits of the service's 32
     std::optional<CallStateDisconnectReason> DisconnectReason;  ///< why the call ended
     std::optional<std::uint64_t> StartTimestamp;                ///< seconds since 1970-01-01 UTC
 };
 
-/// Whether the battery is being charged.
+/// Charging state of the device's battery.
 enum BatteryChargingStatus : int
 {
-    BATTERY_DISABLED = 0,
-    BATTERY_CHARGING = 1,
-    BATTERY_CHARGED = 2,
-    BATTERY_DISCHARGING = 3,
+    BATTERY_DISABLED = 0,     ///< charging is disabled
+    BATTERY_CHARGING = 1,     ///< charges
+    BATTERY_CHARGED = 2,      ///< full
+    BATTERY_DISCHARGING = 3,  ///< runs on battery
 };
 
 /// State of the device's battery (`OnIpodBatteryChange`). A member is absent when the service did not send it, or sent
 /// a number outside its enumeration.
 struct iPodBattery_t
 {
-    std::optional<::BatteryChargingStatus> BatteryChargingStatus;  ///< whether it is being charged
+    std::optional<::BatteryChargingStatus> BatteryChargingStatus;  ///< charging state
     std::optional<std::uint16_t> BatteryChargeLevel;               ///< percent; low 16 bits of the service's 32
 };
 
-/// What the unit tells the device of itself before accessory sessions can be opened (`EapInit`).
-/// Each text reaches the service cut to its first 255 bytes.
+/// The head unit's accessory protocols, announced before accessory sessions can be opened (`EapInit`).
+/// Each text reaches the service cut to its first 255 bytes. The library gives the texts no meaning; the comments
+/// describe what known services expect.
 struct EAPInfo
 {
     std::string text1;  ///< accessory protocols, separated by commas, for example "com.example.echo"
     std::string text2;  ///< bundle identifier of the companion app
 };
 
-/// Buttons of the accessory remote control (`SetButtonStatus`): 12 bytes, sent in memory order.
-/// The words are the service's; the comments give what the services that we know of expect.
+/// A button of the accessory remote control (`SetButtonStatus`): 12 bytes, sent in memory order.
+/// The words are the service's; the comments describe what known services expect. The contract assigns no button
+/// numbers: use those of the service.
 struct iPodPlayerButtonControl
 {
     std::uint32_t word1;  ///< button number
     std::uint32_t word2;  ///< 1 pressed, 0 released
-    std::uint32_t word3;  ///< time held, in milliseconds
+    std::uint32_t word3;  ///< time that the button was held, in milliseconds
 };
 
 static_assert(sizeof(iPodPlayerButtonControl) == 12, "SetButtonStatus sends these bytes as they lie in memory");

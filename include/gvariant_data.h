@@ -15,7 +15,7 @@
 ///
 /// @param data    the bytes; not read when @p length is 0 or below
 /// @param length  number of bytes; 0 or below gives an empty "ay"
-/// @return a floating reference, meant to be passed straight to a generated call, which takes it over
+/// @return a floating reference, meant to be passed straight to a generated call, which consumes it
 GVariant* gvariant_data_build(void* data, int length);
 
 /// Unpacks a "v" holding an "ay" into memory of the caller. There is no bound: supply room for whatever the

@@ -1,21 +1,21 @@
 /// @file
 /// Types of the head unit's application manager, as far as its notifications need them. The numbers belong to
-/// the unit; nothing in the player looks at them.
+/// the head unit; the player uses none of them.
 #pragma once
 
-/// What the application manager knows of a module that starts or stops.
+/// State of a module that starts or stops.
 struct AppBootInfo
 {
     int module;  ///< number of the module
     int status;  ///< its state
 };
 
-/// How far the unit's start has come.
+/// Stage of the head unit's start.
 enum BootStage : int
 {
 };
 
-/// Level of the unit's logging.
+/// Level of the head unit's logging.
 enum eLogLevel : int
 {
 };

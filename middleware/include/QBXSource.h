@@ -1,7 +1,8 @@
 /// @file
 /// The audio-source manager of the head unit: it decides which of the competing sources may sound.
 ///
-/// A source is a plain number; 10 and 11 are the two iPod sources.
+/// A source is a plain number; 10 and 11 are the two iPod sources. Codes, reasons and confirmation values beyond those
+/// named here belong to the manager of the head unit.
 #pragma once
 
 /// The manager: its operations need no object.
@@ -16,18 +17,19 @@ public:
         AUDIO_GAIN_DUCK = 2,       ///< they become quieter
     };
 
-    /// Asks for a source. 1 and 2 mean granted, everything else refused.
+    /// Requests a source. Returns 1 or 2 when it is granted, any other code when it is refused.
     static int Request(int source, AudioGainType gain);
 
-    /// Whether the source may sound now.
+    /// Returns whether the source may sound now. The stand-in returns true for the source that it granted last, until
+    /// that is released, and false before any request.
     static bool IsActived(int source);
 
-    /// Gives a source back.
+    /// Gives a source back. @p reason is the manager's; the library passes 1 when the device's source became invalid.
     static void Release(int source, int reason);
 
-    /// Tells the manager that its activation of a source was seen.
+    /// Confirms to the manager that it activated a source. @p confirm is the value that came with the activation.
     static void ActiveSourceConfirm(int source, int confirm);
 
-    /// Tells the manager that its deactivation of a source was seen.
+    /// Confirms to the manager that it deactivated a source. @p confirm is the value that came with the deactivation.
     static void DeactiveSourceConfirm(int source, int confirm);
 };
