@@ -124,15 +124,19 @@ public:
     bool SendEapData(std::uint16_t session, const std::vector<unsigned char>& bytes);
     /// @}
 
-    /// @name What it was asked @{
+    /// @name What it was asked
+    /// @{
+
     /// The last ten thousand calls of a method, or of all, the oldest first.
     std::vector<Call> Calls(const std::string& method = {}) const;
     void ClearCalls();
     /// @}
 
-    /// @name What goes wrong @{
-    /// Arms a fault, as KIND[=PARAMETER][@MEMBER][/COUNT], for example "delay=500@GetPlayStatus/3". docs/simulator.md
-    /// lists the kinds.
+    /// @name What goes wrong
+    /// @{
+
+    /// Arms a fault, as `KIND[=PARAMETER][@MEMBER][/COUNT]`, for example "delay=500@GetPlayStatus/3".
+    /// docs/simulator.md lists the kinds.
     /// @throws std::runtime_error  there is no such fault; the message says what was expected
     void Fault(const std::string& fault);
     void ClearFaults();
