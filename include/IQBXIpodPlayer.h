@@ -1,7 +1,7 @@
 /// @file
 /// The player: control of the Apple device attached to the head unit. Read this header first.
 ///
-/// **Use.** Obtain the one player object, initialise it, register listeners, run a GLib main loop:
+/// **Use.** Obtain the one player object, initialize it, register listeners, run a GLib main loop:
 ///
 ///     IQBXIpodPlayer* player = QBX_GetIpodPlayer();
 ///     if (!player->InitInstance()) … the service is not there; try again later …
@@ -16,7 +16,7 @@
 /// service hangs. InitInstance() blocks while the proxy is created.
 ///
 /// **Threads.** The library starts none. Commands and QBX_GetIpodPlayer() may be called from any thread, also at
-/// the same time; callers must serialise requests that return data through the same shared vector (see each
+/// the same time; callers must serialize requests that return data through the same shared vector (see each
 /// command). Events are delivered in the GLib main context that was the thread-default one of the thread that called
 /// InitInstance(); without a running main loop none arrives. InitInstance() and QBX_DestroyIpodPlayer() must not
 /// run while other threads use the player.
@@ -40,8 +40,8 @@
 /// service's name, the proxy exists: commands fail and are logged as usual, and work as soon as the service is
 /// there. Events arrive only after InitInstance() returned true.
 ///
-/// **Memory.** Results belong to the caller; the library keeps no reference to results or arguments. Some calls
-/// leave memory behind by contract: a failed call keeps 96 to 176 bytes, and GetIpodName(), GetIpodAPPBundleName()
+/// **Memory.** Results belong to the caller; commands keep no reference to their arguments. Some calls leave memory
+/// behind by contract: a failed call keeps 96 to 176 bytes, and GetIpodName(), GetIpodAPPBundleName()
 /// and GetCarplayDeviceDetectStatus() keep the text of each reply, 32 bytes for one of 16 characters. Pages,
 /// GetCurrentMediaInfo() and GetPlayingTrackAlbumArtwork() keep nothing. An application that polls should increase
 /// the interval while calls fail. docs/reliability.md has the figures.
