@@ -5,7 +5,8 @@
 ///
 /// **Threads.** Dispatch holds the listener lock from the first listener to the last. Registration does not
 /// take it: to add or remove a listener on another thread than the one that runs the events, hold the lock around
-/// the call with LockListener() and UnlockListener(). Inside a callback no lock is needed.
+/// the call with LockListener() and UnlockListener(). Inside a callback the lock is held already: do not lock it
+/// again, as the head unit's mutex may not be recursive.
 ///
 /// The order of the virtual operations is part of the published interface: append, never insert.
 #pragma once

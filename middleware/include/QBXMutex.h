@@ -8,7 +8,7 @@
 class QBXMutex
 {
 public:
-    /// Unlocked at first.
+    /// Builds an unlocked mutex.
     QBXMutex();
     ~QBXMutex();
     QBXMutex(const QBXMutex&) = delete;
@@ -17,17 +17,17 @@ public:
     /// Blocks until the calling thread holds the mutex.
     void Lock();
 
-    /// Only for the thread that holds the mutex.
+    /// Releases the mutex. Only the thread that holds it may call it.
     void Unlock();
 
 private:
     pthread_mutex_t m_mutex;
 };
 
-/// The lock of a module, built when the module is loaded.
+/// Lock of a module, built when the module is loaded.
 class QBXCriticalSection : public QBXMutex
 {
 public:
-    /// Unlocked at first.
+    /// Builds an unlocked mutex.
     using QBXMutex::QBXMutex;
 };
