@@ -106,7 +106,11 @@ void Session::AwaitReady()
 IQBXIpodPlayer& Session::Player()
 {
     Ready();
-    return *QBX_GetIpodPlayer();
+    IQBXIpodPlayer& player = *QBX_GetIpodPlayer();
+    if (!m_initialised && !player.InitInstance())
+        throw Failure(kServiceLost, "the iPod service went away; see whether it runs, then try again");
+    m_initialised = true;
+    return player;
 }
 
 // Lists of a service that is gone are cancelled by the companion as those that became others; people want to know why.

@@ -127,5 +127,6 @@ private:
     GDBusConnection* m_bus = nullptr;
     std::unique_ptr<ipodkit::Session> m_kit;
     bool m_ready = false;
+    bool m_initialised = false;
 };
 }  // namespace ctl

@@ -61,6 +61,40 @@ protected:
     FakeService service;  // last: its thread uses the others
 };
 
+TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 300);
+    service.Answer("GetDeviceAmount", "(0,)");
+
+    service.Emit("OnIpodDeviceStatusChange", "(1, false)");
+    Settle(service);
+
+    EXPECT_THAT(session->State()->accessorySessions, IsEmpty());
+    EXPECT_THAT(port.Sessions(), IsEmpty());
+    EXPECT_FALSE(peer->IsOpen());
+}
+
+TEST_F(AccessoryTest, APortThatIsMadeWhenTheServiceIsLostHasNoSessions)
+{
+    service.Emit("OnIpodStartEapSession", "(3, 300)");
+    Settle(service);
+    std::optional<std::size_t> listed;
+    const Subscription watching = session->OnConnection("lost",
+                                                        [&](const Connection& connection)
+                                                        {
+                                                            if (connection.phase != Phase::Lost) return;
+                                                            const AccessoryPort port(*session);
+                                                            listed = port.Sessions().size();
+                                                        });
+    RunLoopFor(5ms);
+
+    service.Vanish();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return listed.has_value(); }));
+    EXPECT_EQ(*listed, 0U);
+}
+
 TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
 {
     AccessoryPort port(*session);
@@ -94,7 +128,7 @@ TEST_F(AccessoryTest, ReceivedBytesReachTheOneSessionThatFits)
 
     EXPECT_THAT(toOne, ElementsAre("hi"));
     EXPECT_THAT(toOther, IsEmpty());
-    EXPECT_EQ(CountLogLines("80 LogWarning: bytes for accessory session 99, which is not open"), 1U);
+    EXPECT_EQ(CountLogLines("80 LogWarning: received bytes for accessory session 99, which is not open"), 1U);
 }
 
 TEST_F(AccessoryTest, BytesThatMayBeOfTwoSessionsAreAnErrorForBoth)
@@ -271,6 +305,7 @@ TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
 
 TEST_F(AccessoryTest, TheLibraryItselfTakesTheLargestWriteAndLeavesRoomForAnAnswer)
 {
+    ASSERT_TRUE(QBX_GetIpodPlayer()->InitInstance());
     Bytes most(RoomForAccessoryBytes());
 
     EXPECT_EQ(QBX_GetIpodPlayer()->EapWrite(1, most), 1);

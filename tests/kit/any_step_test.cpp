@@ -51,7 +51,7 @@ TEST_F(AnyStepTest, ASessionMayEnd)
 
     Ready(1);
     EXPECT_EQ(session->State()->track->text1, "Song");
-    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 1U);
+    EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
 }
 
 TEST_F(AnyStepTest, ASessionMayEndWithRequestsUnderWay)

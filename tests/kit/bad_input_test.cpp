@@ -106,7 +106,7 @@ TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
     const std::uint64_t version = State()->version;
 
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'z', 0x18, 0}));
-    Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
+    Emit("OnIpodPhoneCallChange", Record({0x18, 0}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 0xFF, 0xFF}));
     Emit("OnIpodStopEapSession", "(300,)");
     Emit("OnIpodReceiveEapData", "(44,)");

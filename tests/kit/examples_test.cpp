@@ -116,7 +116,7 @@ protected:
     // Two bytes in a session of their own.
     void SendBytes(Example& example)
     {
-        ASSERT_TRUE(RunLoopUntil([&] { return service.WaitForCalls(15); }));
+        ASSERT_TRUE(RunLoopUntil([&] { return service.WaitForCalls(14); }));
         service.Emit("OnIpodStartEapSession", "(0, 300)");
         ASSERT_TRUE(example.Prints("session 300 opened"));
         shared.SetBytes("VecEapReadBufferShareMemory", {'h', 'i'});

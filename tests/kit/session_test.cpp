@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <future>
+#include <set>
 
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
@@ -18,6 +19,21 @@ namespace
 {
 // Far below anything that could block here (deadlines, locks, creators at work), above the noise of a busy machine.
 constexpr auto kNotBlocked = 50ms;
+
+// What a session asks for before it is Ready.
+constexpr const char* kStateMethods[] = {"GetCurrentMediaInfo",
+                                         "GetPlayingTrackIdx",
+                                         "GetPlayStatus",
+                                         "GetPlayPosition",
+                                         "GetShuffleMode",
+                                         "GetRepeatMode",
+                                         "GetPlayingListItemsAmount",
+                                         "GetDeviceAmount",
+                                         "GetIpodName",
+                                         "GetIpodAppBundleName",
+                                         "GetCarplayDeviceDetectStatus",
+                                         "GetCarlifeDeviceDetectStatus",
+                                         "GetPlayingTrackAlbumArtwork"};
 
 class SessionTest : public KitTest
 {
@@ -78,7 +94,7 @@ TEST_F(SessionTest, IsLostWithTheServiceAndReadyWithTheNext)
     EXPECT_THAT(Phases(), ElementsAre("Ready 1", "Lost 1", "Connecting 2", "Ready 2"));
 }
 
-TEST_F(SessionTest, InitialisesThePlayerOnce)
+TEST_F(SessionTest, ObtainsThePlayerOnceAndLeavesItsConnectionToTheApplication)
 {
     for (std::uint32_t generation = 1; generation <= 3; ++generation)
     {
@@ -87,7 +103,8 @@ TEST_F(SessionTest, InitialisesThePlayerOnce)
         Ready(generation);
     }
 
-    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 1U);
+    EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
+    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 0U);
 }
 
 TEST_F(SessionTest, ThereIsOneAtATime)
@@ -100,7 +117,7 @@ TEST_F(SessionTest, ThereIsOneAtATime)
     EXPECT_EQ(second.error().kind, ErrorKind::BadArgument);
 }
 
-TEST_F(SessionTest, ASecondOneMayFollowInTheSameContext)
+TEST_F(SessionTest, ASecondOneMayFollow)
 {
     FakeService service;
     AnswerState(service);
@@ -111,28 +128,14 @@ TEST_F(SessionTest, ASecondOneMayFollowInTheSameContext)
     service.Emit("OnPlayStatusChanged", "(2,)");
 
     EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
-    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 1U);
 }
 
-TEST_F(SessionTest, ALaterOneInAnotherContextIsRefused)
-{
-    Open();
-    session.reset();
-    GMainContext* const other = g_main_context_new();
-    SessionOptions elsewhere;
-    elsewhere.context = other;
-
-    const auto second = Session::Open(elsewhere);
-
-    ASSERT_FALSE(second);
-    EXPECT_EQ(second.error().kind, ErrorKind::BadArgument);
-    g_main_context_unref(other);
-}
-
-TEST_F(SessionTest, LivesInAContextOfTheApplication)
+TEST_F(SessionTest, ALaterOneMayLiveInAContextOfTheApplication)
 {
     FakeService service;
     AnswerState(service);
+    Ready();
+    session.reset();
     GMainContext* const own = g_main_context_new();
     SessionOptions elsewhere;
     elsewhere.context = own;
@@ -155,7 +158,7 @@ TEST_F(SessionTest, LivesInAContextOfTheApplication)
 TEST_F(SessionTest, AHangingServiceDoesNotBlockTheLoop)
 {
     FakeService service;
-    service.Hold("GetPlayStatus");
+    for (const char* method : kStateMethods) service.Hold(method);
     options.deadline = 100ms;
     Open(options);
     RunLoopFor(20ms);
@@ -163,7 +166,6 @@ TEST_F(SessionTest, AHangingServiceDoesNotBlockTheLoop)
 
     RunLoopFor(1s);
 
-    EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 0U);
     EXPECT_EQ(session->Connection().phase, Phase::Connecting);
     EXPECT_EQ(session->Connection().error->kind, ErrorKind::TimedOut);
     EXPECT_LE(ticker.Longest(), kNotBlocked);
@@ -172,16 +174,66 @@ TEST_F(SessionTest, AHangingServiceDoesNotBlockTheLoop)
 TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
 {
     FakeService service;
-    AnswerState(service);
-    service.Hold("GetPlayStatus");
+    for (const char* method : kStateMethods) service.Hold(method);
     options.deadline = 100ms;
     Open(options);
     RunLoopFor(300ms);
 
-    service.Answer("GetPlayStatus", "(1,)");
+    AnswerState(service);
 
     Ready();
+    EXPECT_TRUE(RunLoopUntil([&] { return session->Connection().missing.Empty(); }));
     EXPECT_FALSE(session->Connection().error);
+}
+
+// As when a service is stopped after its first answer.
+TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
+{
+    FakeService service;
+    AnswerState(service);
+    service.Hold("GetCurrentMediaInfo");
+    service.Hold("GetIpodName");
+    options.deadline = 100ms;
+    Ready();
+
+    EXPECT_EQ(session->State()->missing, Field::Track | Field::DeviceName);
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::TimedOut);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("track, device name"));
+    EXPECT_EQ(session->State()->queueSize, 3);
+
+    AnswerState(service);
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->State()->missing.Empty(); }));
+    EXPECT_FALSE(session->State()->error);
+    EXPECT_EQ(session->State()->track->text1, "Song");
+    EXPECT_EQ(session->State()->deviceName, "Phone");
+}
+
+TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
+{
+    Open();
+    std::vector<std::string> differences;
+    const auto compare = [&](Phase phase, bool failed)
+    {
+        const StatePtr state = session->State();
+        if (phase != state->phase || failed != state->error.has_value() || phase != session->Connection().phase ||
+            (phase == Phase::Ready && !state->track))
+            differences.push_back(std::string(Name(phase)) + " beside " + Name(state->phase));
+    };
+    const Subscription steps = session->OnConnection(
+        "steps", [&](const Connection& connection) { compare(connection.phase, connection.error.has_value()); });
+    const Subscription states = session->OnState(
+        "states", [&](const StatePtr& state, Fields) { compare(state->phase, state->error.has_value()); });
+    for (std::uint32_t generation = 1; generation <= 3; ++generation)
+    {
+        FakeService service;
+        AnswerState(service);
+        Ready(generation);
+    }
+    bus.Stop();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+    EXPECT_THAT(differences, IsEmpty());
 }
 
 TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
@@ -337,6 +389,55 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
     EXPECT_EQ(amounts.seen, sent);
 }
 
+// The new process owns the name at once, and does not wait to be asked anything.
+TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
+{
+    std::vector<int> seen;
+    std::vector<int> sent;
+    Open();
+    const Subscription watching = session->OnEvent("amounts",
+                                                   [&seen](const Event& event)
+                                                   {
+                                                       const auto* const change = std::get_if<QueueSizeChanged>(&event);
+                                                       if (change != nullptr) seen.push_back(change->size);
+                                                   });
+    auto service = std::make_unique<FakeService>();
+    AnswerState(*service);
+    Ready(1);
+    for (std::uint32_t generation = 2; generation <= 100; ++generation)
+    {
+        auto next = std::make_unique<FakeService>(FakeService::Takeover::Yes);
+        AnswerState(*next);
+        for (int i = 0; i < 3; ++i)
+        {
+            sent.push_back(static_cast<int>(generation) * 3 + i);
+            next->Emit("OnIpodPlayingListAmountChange", "(" + std::to_string(sent.back()) + ",)");
+        }
+        service = std::move(next);
+        Ready(generation);
+    }
+
+    EXPECT_EQ(seen, sent);
+}
+
+TEST_F(SessionTest, ASignalFromAnybodyButTheServiceIsIgnored)
+{
+    FakeService service;
+    AnswerState(service);
+    Ready();
+    int seen = 0;
+    const Subscription watching = session->OnEvent("count", [&seen](const Event&) { ++seen; });
+    GDBusConnection* const other = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+
+    g_dbus_connection_emit_signal(other, nullptr, "/com/zarn/linux/ipod", "com.zarn.linux.ipod", "OnPlayStatusChanged",
+                                  g_variant_new("(y)", 2), nullptr);
+    g_dbus_connection_flush_sync(other, nullptr, nullptr);
+    Settle(service);
+
+    EXPECT_EQ(seen, 0);
+    g_object_unref(other);
+}
+
 TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
 {
     FakeService service;
@@ -388,6 +489,108 @@ TEST_F(SessionTest, TheEndOfTheBusIsTold)
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
     EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoBus);
     EXPECT_EQ(KindOf(Completed(session->Commands().Next())), ErrorKind::NoBus);
+}
+
+TEST_F(SessionTest, ABusThatComesBackIsFoundAgain)
+{
+    auto service = std::make_unique<FakeService>();
+    AnswerState(*service);
+    Ready();
+    service.reset();
+    bus.Stop();
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+
+    const PrivateBus next;
+    FakeService again;
+    AnswerState(again);
+
+    Ready(2);
+    EXPECT_FALSE(session->Connection().error);
+    EXPECT_TRUE(Completed(session->Commands().DeviceCount()));
+    again.Emit("OnPlayStatusChanged", "(2,)");
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
+}
+
+TEST_F(SessionTest, AServiceThatTheBusCannotStartIsAnErrorWithItsReason)
+{
+    options.activateService = true;
+    Open(options);
+
+    ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
+
+    EXPECT_EQ(session->Connection().phase, Phase::Absent);
+    EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoService);
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("com.zarn.linux.ipod"));
+    FakeService service;
+    AnswerState(service);
+    Ready();
+}
+
+// Each signal with a body, and what services that break the contract put in its place.
+const std::pair<const char*, const char*> kSignals[] = {
+    {"OnIpodDeviceStatusChange", "(0, true)"},
+    {"OnPlayStatusChanged", "(77,)"},
+    {"OnPlayProgressChange", "(-1, 2000)"},
+    {"OnIpodRepeatModeChange", "(1,)"},
+    {"OnIpodShuffleModeChange", "(255,)"},
+    {"OnIpodPlayingTrackChange", "(7, <[byte 0x41, 0x42, 0]>)"},
+    {"OnIpodPlayingTrackChange", "(7, <@ay []>)"},
+    {"OnIpodPlayingTrackChange", "(7, <'text'>)"},
+    {"OnIpodPlayingListAmountChange", "(-5,)"},
+    {"OnIpodSourceValidStatusChange", "(true,)"},
+    {"OnIpodArtworkChange", "(<[byte 0, 0, 0, 0, 3, 0, 0, 0, 44, 1]>,)"},
+    {"OnCarplayDeviceDetectStatusChange", "(0, 'serial')"},
+    {"OnIpodPhoneCallChange", "(<[byte 0x2A, 1, 0x61, 0x18, 2, 0x12, 1, 0x58]>,)"},
+    {"OnIpodPhoneCallChange", "(<[byte 0x18, 99]>,)"},
+    {"OnIpodPhoneCallChange", "(<@ay []>,)"},
+    {"OnIpodPhoneCallChange", "(<[byte 0x2A, 0xFF, 0xFF]>,)"},
+    {"OnIpodBatteryChange", "(<[byte 0x08, 1, 0x10, 80]>,)"},
+    {"OnIpodLocationStatusChange", "(1,)"},
+    {"OnIpodAppBundleNameChange", "('app',)"},
+    {"OnIpodStartEapSession", "(1, 300)"},
+    {"OnIpodReceiveEapData", "(44,)"},
+    {"OnIpodStopEapSession", "(300,)"},
+    {"OnCarlifeDeviceDetectStatusChange", "(0,)"},
+    {"OnWirelessCarPlayUpdate", "(true, 'address')"},
+    {"OnOOBPairingInfo", "('address', [(0x05,), (0x06,)])"},
+};
+
+TEST_F(SessionTest, EverySignalIsAnEventAndReadsAsInTheCore)
+{
+    FakeService service;
+    AnswerState(service);
+    SharedVectors shared;
+    Ready();
+    shared.SetBytes("VecArtworkChangeBufferShareMemory", {'G', 'I', 'F'});
+    shared.SetBytes("VecEapReadBufferShareMemory", {1, 2, 3});
+    Journal core;
+    Journal kit;
+    RecordingListener coreListener(core, "app");
+    RecordingListener kitListener(kit, "app");
+    std::set<std::string> signals;
+    std::set<std::size_t> kinds;
+    ASSERT_TRUE(QBX_GetIpodPlayer()->InitInstance());
+    QBX_GetIpodPlayer()->AddListener(&coreListener);
+    const Subscription listening = session->Listen("listener", kitListener);
+    const Subscription watching = session->OnEvent("events",
+                                                   [&](const Event& event)
+                                                   {
+                                                       signals.insert(SignalName(event));
+                                                       kinds.insert(event.index());
+                                                   });
+
+    std::set<std::string> sent;
+    for (const auto& [signal, body] : kSignals)
+    {
+        service.Emit(signal, body);
+        sent.insert(signal);
+    }
+    Settle(service);
+
+    EXPECT_EQ(kit, core);
+    EXPECT_EQ(signals, sent);
+    EXPECT_EQ(kinds.size(), std::variant_size_v<Event>);
+    QBX_GetIpodPlayer()->RemoveListener(&coreListener);
 }
 
 TEST_F(SessionTest, ListenersGetEveryEventOutsideTheListenerLock)

@@ -409,8 +409,35 @@ TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
 
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'z', 0x18, 0}));
-    Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
     EXPECT_EQ(State()->calls.size(), 1U);
+}
+
+TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
+{
+    Ready();
+
+    Emit("OnIpodPhoneCallChange", Record({0x18, 2, 0x12, 1, 'X'}));
+    Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
+    ASSERT_EQ(State()->calls.size(), 1U);
+    EXPECT_EQ(State()->calls.at("").Status, PHONE_CALL_ACTIVE);
+    EXPECT_EQ(State()->calls.at("").DisplayName, "X");
+
+    Emit("OnIpodPhoneCallChange", Record({0x18, 0}));
+    EXPECT_THAT(State()->calls, IsEmpty());
+}
+
+TEST_F(StateTest, TheNameOfTheLastDeviceIsForgottenWhenThatOfTheNextComesLate)
+{
+    options.deadline = 100ms;
+    Ready();
+    service.Hold("GetIpodName");
+
+    Emit("OnIpodDeviceStatusChange", "(0, false)");
+
+    ASSERT_TRUE(RunLoopUntil([&] { return !State()->deviceName; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->missing == Fields(Field::DeviceName); }));
+    service.Answer("GetIpodName", "('Next',)");
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Next" && State()->missing.Empty(); }));
 }
 
 TEST_F(StateTest, BatteryEventsComplementEachOther)

@@ -11,6 +11,8 @@ namespace
 {
 constexpr char kName[] = "com.zarn.linux.ipod";
 constexpr char kPath[] = "/com/zarn/linux/ipod";
+constexpr guint kAllowReplacement = 1;
+constexpr guint kReplaceExisting = 2;
 constexpr guint kDoNotQueue = 4;
 constexpr auto kPatience = std::chrono::seconds(20);
 
@@ -68,7 +70,10 @@ std::string CallText(const gchar* method, GVariant* arguments)
 }
 }  // namespace
 
-FakeService::FakeService() : m_context(g_main_context_new()), m_thread(&FakeService::Run, this)
+FakeService::FakeService(Takeover takeover)
+    : m_nameFlags(kAllowReplacement | kDoNotQueue | (takeover == Takeover::Yes ? kReplaceExisting : 0)),
+      m_context(g_main_context_new()),
+      m_thread(&FakeService::Run, this)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_changed.wait(lock, [this] { return m_ready; });
@@ -111,7 +116,7 @@ void FakeService::Connect()
     const guint registration = g_dbus_connection_register_object(
         m_connection, kPath, com_zarn_linux_ipod_interface_info(), &table, this, nullptr, &error);
     Require(registration != 0, error);
-    CallBus("RequestName", g_variant_new("(su)", kName, kDoNotQueue));
+    CallBus("RequestName", g_variant_new("(su)", kName, m_nameFlags));
 }
 
 void FakeService::CallBus(const char* method, GVariant* arguments)

@@ -30,8 +30,14 @@ public:
     /// What to do with a call. Runs on the service's thread and takes the invocation over.
     using Reaction = std::function<void(GDBusMethodInvocation*)>;
 
+    enum class Takeover
+    {
+        No,
+        Yes,  ///< takes the name away from the service that owns it, which stays connected
+    };
+
     /// Connects to the session bus of the environment, exports the object and owns the name.
-    FakeService();
+    explicit FakeService(Takeover takeover = Takeover::No);
     ~FakeService();
     FakeService(const FakeService&) = delete;
     FakeService& operator=(const FakeService&) = delete;
@@ -94,6 +100,7 @@ private:
     void Record(const gchar* method, GVariant* arguments);
     Reaction ReactionTo(const std::string& method) const;
 
+    const guint m_nameFlags;
     GMainContext* m_context;
     std::atomic<bool> m_keepingCalls{true};
     std::atomic<bool> m_vanishing{false};  // a loop would forget that it was told to quit before it ran

@@ -36,6 +36,12 @@ struct Error
 
     /// "TimedOut: Timeout was reached", for logs.
     std::string Text() const;
+
+    bool operator==(const Error& other) const
+    {
+        return kind == other.kind && reason == other.reason && name == other.name;
+    }
+    bool operator!=(const Error& other) const { return !(*this == other); }
 };
 
 /// A value, or why there is none.

@@ -22,7 +22,7 @@ enum class Phase
 {
     Absent,      ///< the service has not been seen
     Connecting,  ///< it is there; it is being asked for its state
-    Ready,       ///< the state is complete and follows the service's events
+    Ready,       ///< the state follows the service's events, and is complete but for PlayerState::missing
     Lost,        ///< it was there and went away; the state is the last that was known
 };
 
@@ -32,7 +32,7 @@ const char* Name(Phase phase);
 /// The parts of a PlayerState, one bit each.
 enum class Field : std::uint32_t
 {
-    Connection = 1U << 0,  ///< phase, generation
+    Connection = 1U << 0,  ///< phase, generation, error, missing
     Track = 1U << 1,
     TrackIndex = 1U << 2,
     Status = 1U << 3,
@@ -56,6 +56,9 @@ enum class Field : std::uint32_t
     AccessorySessions = 1U << 21,  ///< the last one, which Fields::All() goes by
 };
 
+/// "track index" for Field::TrackIndex.
+const char* Name(Field field);
+
 /// A set of fields.
 class Fields
 {
@@ -68,6 +71,7 @@ public:
     constexpr bool Empty() const { return m_bits == 0; }
     constexpr Fields operator|(Fields other) const { return Fields(m_bits | other.m_bits); }
     constexpr Fields operator&(Fields other) const { return Fields(m_bits & other.m_bits); }
+    constexpr Fields Without(Fields other) const { return Fields(m_bits & ~other.m_bits); }
     constexpr bool operator==(Fields other) const { return m_bits == other.m_bits; }
 
 private:
@@ -80,6 +84,9 @@ constexpr Fields operator|(Field one, Field other)
 {
     return Fields(one) | Fields(other);
 }
+
+/// "track, position": the fields that a set holds, separated by commas.
+std::string Names(Fields fields);
 
 /// Where playback was at a moment, and where it is now if nothing else was heard.
 struct Position
@@ -110,12 +117,14 @@ struct PairingInfo
 ///
 /// Read from the service whenever it appears, and whenever a device comes, goes, or is entered by this session: track,
 /// index, status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app.
-/// The rest is told by events only, hence unknown until the first.
+/// The rest is reported by events only, hence unknown until the first.
 struct PlayerState
 {
     std::uint64_t version = 0;  ///< grows by 1 with each value that is published
     Phase phase = Phase::Absent;
     std::uint32_t generation = 0;  ///< how often the service has appeared
+    std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
+    Fields missing;                ///< not answered within the deadline, and being asked for again; Ready only
 
     std::optional<QBXiPodTrackInfo> track;
     std::optional<int> trackIndex;  ///< -1 when nothing plays
@@ -137,7 +146,7 @@ struct PlayerState
     std::optional<LocationStatus> location;
     std::optional<std::string> foregroundApp;
     iPodBattery_t battery;
-    std::map<std::string, iPodPhoneCall_t> calls;              ///< ongoing ones, by UUID
+    std::map<std::string, iPodPhoneCall_t> calls;  ///< ongoing ones, by UUID; those without one share the key ""
     std::map<std::uint16_t, unsigned char> accessorySessions;  ///< open ones: number, index of the protocol
 };
 

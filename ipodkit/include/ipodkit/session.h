@@ -10,17 +10,18 @@
 /// nothing it does blocks there. Create and destroy it on the thread that runs the context, or before that runs. All
 /// other operations may be called on any thread.
 ///
-/// **Process.** There is one session at a time, since the core has one player: it obtains the player and calls its
-/// InitInstance(), once. The application must not call InitInstance() itself; it may use everything else of the core
-/// beside the session, from the time the session is Ready. A later session of the same process must live in the same
-/// context, where the player delivers its events.
+/// **Process.** There is one session at a time, because the lists in shared memory belong to the process. The session
+/// obtains the core's player, which attaches the shared memory, but does not call its InitInstance(): it receives the
+/// service's events itself. An application that uses the core beside the session calls InitInstance() on its own.
 ///
 /// **End of the bus.** GLib ends a process whose session bus goes away, unless `g_dbus_connection_set_exit_on_close()`
-/// says otherwise. A process that survives it gets ErrorKind::NoBus from then on.
+/// says otherwise. In a process that survives it requests fail with ErrorKind::NoBus until there is a bus again, at the
+/// same address; the session looks for it once a second.
 #pragma once
 
 #include <IQBXIpodPlayerListener.h>
 #include <ipodkit/commands.h>
+#include <ipodkit/event.h>
 #include <ipodkit/player_state.h>
 #include <ipodkit/subscription.h>
 
@@ -44,14 +45,16 @@ struct SessionOptions
     std::chrono::milliseconds deadline{5000};     ///< of each request, unless it says otherwise
     std::chrono::milliseconds callbackBudget{5};  ///< a callback that takes longer is named in the log
     std::size_t artworkLimit = 1 << 20;           ///< larger pictures are left out, in bytes
+    bool activateService = false;                 ///< ask the bus to start the service while nobody owns its name
 };
 
-/// How far the session is with the service.
+/// How far the session is with the service: the part of the PlayerState that Field::Connection stands for.
 struct Connection
 {
     Phase phase = Phase::Absent;
     std::uint32_t generation = 0;  ///< how often the service has appeared
-    std::optional<Error> error;    ///< what stands in the way; the session goes on trying where that makes sense
+    std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing; it keeps trying
+    Fields missing{};              ///< see PlayerState::missing
 };
 
 class Session
@@ -75,7 +78,7 @@ public:
     /// @name Subscriptions. The name is what the log calls the callback.
     /// @{
 
-    /// Every step of the connection, first the present one.
+    /// Every step of the connection, first the present one. Inside the callback State() has the same phase and error.
     using ConnectionCallback = std::function<void(const ipodkit::Connection&)>;
     Subscription OnConnection(std::string name, ConnectionCallback callback);
 
@@ -84,8 +87,12 @@ public:
     using StateCallback = std::function<void(const StatePtr&, Fields changed)>;
     Subscription OnState(std::string name, StateCallback callback, Fields fields = Fields::All());
 
-    /// Every single event of the service, as the core's listeners get it, but outside the core's listener lock.
-    /// The listener stays the caller's; end the subscription before it goes away.
+    /// Every single event of the service, in the order in which the service emitted them, also in relation to its
+    /// answers. Events of a service that has just replaced another come after Phase::Connecting.
+    using EventCallback = std::function<void(const Event&)>;
+    Subscription OnEvent(std::string name, EventCallback callback);
+
+    /// The same for a listener of the core, which stays the caller's; end the subscription before it goes away.
     Subscription Listen(std::string name, IQBXIpodPlayerListener& listener);
     /// @}
 

@@ -11,19 +11,18 @@ std::size_t RoomForAccessoryBytes()
     return RoomToWrite(g_VecEapWriteBufferShareMemory);
 }
 
-/// Hears of the sessions' openings, bytes and closings.
-class AccessoryPort::Impl : public IQBXIpodPlayerListener, public std::enable_shared_from_this<AccessoryPort::Impl>
+/// Follows the sessions of the state: which ones are open is decided there.
+class AccessoryPort::Impl : public std::enable_shared_from_this<AccessoryPort::Impl>
 {
 public:
     Impl(std::shared_ptr<Session::Impl> session, const AccessoryOptions& options)
         : m_session(std::move(session)), m_options(options)
     {
-        for (const auto& [number, protocol] : m_session->Draft().State().accessorySessions) Add(number, protocol);
+        for (const auto& [number, protocol] : Open()) Add(number, protocol);
     }
 
-    void OnIpodStartEapSession(unsigned char protocol, unsigned short number) override;
-    void OnIpodStopEapSession(unsigned short number) override;
-    void OnIpodReceiveEapData(unsigned short lowByte, std::vector<unsigned char>& data) override;
+    void Follow(const Event& event);
+    void CloseThoseThatEnded();
     void CloseAll();
     void Outlive()
     {
@@ -41,7 +40,11 @@ private:
         AccessorySessionPtr session;
     };
 
+    const std::map<std::uint16_t, unsigned char>& Open() const { return m_session->Draft().State().accessorySessions; }
     const Entry& Add(std::uint16_t number, unsigned char protocol);
+    void Opened(const AccessoryOpened& event);
+    void Close(std::uint16_t number);
+    void Received(const AccessoryData& event);
 
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;
@@ -54,30 +57,47 @@ const AccessoryPort::Impl::Entry& AccessoryPort::Impl::Add(std::uint16_t number,
     return m_entries[number] = {inside, std::make_shared<AccessorySession>(inside)};
 }
 
-// A number that is opened twice was closed in between, though nobody said so.
-void AccessoryPort::Impl::OnIpodStartEapSession(unsigned char protocol, unsigned short number)
+void AccessoryPort::Impl::Follow(const Event& event)
 {
-    OnIpodStopEapSession(number);
-    const AccessorySessionPtr session = Add(number, protocol).session;
+    if (const auto* const opened = std::get_if<AccessoryOpened>(&event)) Opened(*opened);
+    if (const auto* const data = std::get_if<AccessoryData>(&event)) Received(*data);
+    CloseThoseThatEnded();
+}
+
+// A number that is opened twice was closed in between, though no event reported it.
+void AccessoryPort::Impl::Opened(const AccessoryOpened& event)
+{
+    Close(event.session);
+    const AccessorySessionPtr session = Add(event.session, event.protocol).session;
     openedCallbacks.ForEach(m_session->CallbackGuard(), [&session](const auto& callback) { callback(session); });
 }
 
-void AccessoryPort::Impl::OnIpodStopEapSession(unsigned short number)
+void AccessoryPort::Impl::CloseThoseThatEnded()
+{
+    std::vector<std::uint16_t> ended;
+    for (const auto& [number, entry] : m_entries)
+        if (Open().count(number) == 0) ended.push_back(number);
+    for (const std::uint16_t number : ended) Close(number);
+}
+
+void AccessoryPort::Impl::Close(std::uint16_t number)
 {
     const auto closed = m_entries.extract(number);
     if (!closed.empty()) closed.mapped().inside->Close();
 }
 
-void AccessoryPort::Impl::OnIpodReceiveEapData(unsigned short lowByte, std::vector<unsigned char>& data)
+void AccessoryPort::Impl::Received(const AccessoryData& event)
 {
     std::vector<ImplPtr> fitting;
     for (const auto& [number, entry] : m_entries)
-        if ((number & 0xFF) == lowByte) fitting.push_back(entry.inside);
-    if (fitting.size() == 1) return fitting.front()->Receive(data);
+        if ((number & 0xFF) == event.sessionLowByte) fitting.push_back(entry.inside);
+    if (fitting.size() == 1) return fitting.front()->Receive(event.bytes);
     if (fitting.empty())
-        return LogWarning("bytes for accessory session " + std::to_string(lowByte) + ", which is not open");
-    const Error error{ErrorKind::Ambiguous, "bytes for a session whose number ends in " + std::to_string(lowByte) +
-                                                "; " + std::to_string(fitting.size()) + " such sessions are open"};
+        return LogWarning("received bytes for accessory session " + std::to_string(event.sessionLowByte) +
+                          ", which is not open");
+    const Error error{ErrorKind::Ambiguous, "bytes for a session whose number ends in " +
+                                                std::to_string(event.sessionLowByte) + "; " +
+                                                std::to_string(fitting.size()) + " such sessions are open"};
     for (const ImplPtr& each : fitting) each->Receive(tl::unexpected<Error>(error));
 }
 
@@ -95,12 +115,9 @@ std::vector<AccessorySessionPtr> AccessoryPort::Impl::Sessions() const
 
 AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
     : m_impl(std::make_shared<Impl>(session.Inside(), options)),
-      m_listening(session.Listen("accessory port", *m_impl)),
-      m_watching(session.OnConnection("accessory port",
-                                      [impl = m_impl](const Connection& connection)
-                                      {
-                                          if (connection.phase == Phase::Lost) impl->CloseAll();
-                                      }))
+      m_listening(session.OnEvent("accessory port", [impl = m_impl](const Event& event) { impl->Follow(event); })),
+      m_watching(
+          session.OnConnection("accessory port", [impl = m_impl](const Connection&) { impl->CloseThoseThatEnded(); }))
 {
 }
 

@@ -27,7 +27,7 @@ const char* Name(AudioState state)
     return names[static_cast<int>(state)];
 }
 
-class AudioSource::Impl : public IQBXIpodPlayerListener, public std::enable_shared_from_this<AudioSource::Impl>
+class AudioSource::Impl : public std::enable_shared_from_this<AudioSource::Impl>
 {
 public:
     Impl(std::shared_ptr<Session::Impl> session, int number) : m_session(std::move(session)), m_number(number) {}
@@ -42,7 +42,7 @@ public:
     {
         Post(m_session->Context(), [self = shared_from_this()] {});
     }
-    void OnIpodSourceValidStatusChange(int valid) override;
+    void Follow(const Event& event);
 
     AudioState State() const { return m_state; }
     const std::deque<AudioTransition>& Trace() const { return m_trace; }
@@ -143,15 +143,18 @@ void AudioSource::Impl::ServiceLost()
     if (m_state == AudioState::Suspended) Go(AudioState::Granted, "the service was lost");
 }
 
-// The core has released the source by itself when it was active.
-void AudioSource::Impl::OnIpodSourceValidStatusChange(int valid)
+// As the core does in an application that receives events from it.
+void AudioSource::Impl::Follow(const Event& event)
 {
-    if (valid == 0) Go(AudioState::Released, "the device's audio became invalid");
+    const auto* const change = std::get_if<SourceValidChanged>(&event);
+    if (change == nullptr || change->valid) return;
+    if (QBXSource::IsActived(Source())) QBXSource::Release(Source(), kReleaseReason);
+    Go(AudioState::Released, "the device's audio became invalid");
 }
 
 AudioSource::AudioSource(Session& session, int number)
     : m_impl(std::make_shared<Impl>(session.Inside(), number)),
-      m_listening(session.Listen("audio source", *m_impl)),
+      m_listening(session.OnEvent("audio source", [impl = m_impl](const Event& event) { impl->Follow(event); })),
       m_watching(session.OnConnection("audio source",
                                       [impl = m_impl](const Connection& connection)
                                       {

@@ -2,6 +2,7 @@
 
 #include <gvariant_data.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace ipodkit
@@ -27,19 +28,29 @@ tl::unexpected<Error> BadReply(const std::string& reason)
     return tl::unexpected<Error>(Error{ErrorKind::BadReply, reason});
 }
 
+std::vector<unsigned char> BytesOf(GVariant* boxed)
+{
+    std::vector<unsigned char> bytes;
+    gvariant_data_extract(bytes, boxed);
+    return bytes;
+}
+
+template <class Record>
+Record FilledFrom(const std::vector<unsigned char>& bytes)
+{
+    Record record{};
+    if (!bytes.empty()) std::memcpy(&record, bytes.data(), std::min(bytes.size(), sizeof(record)));
+    return record;
+}
+
 template <class Record>
 Result<Record> ToRecord(GVariant* body)
 {
-    GVariant* const boxed = g_variant_get_child_value(body, 0);
-    std::vector<unsigned char> bytes;
-    gvariant_data_extract(bytes, boxed);
-    g_variant_unref(boxed);
-    if (bytes.size() != sizeof(Record))
-        return BadReply("a record of " + std::to_string(bytes.size()) + " bytes instead of " +
-                        std::to_string(sizeof(Record)));
-    Record record;
-    std::memcpy(&record, bytes.data(), sizeof(record));
-    return record;
+    const VariantPtr boxed(g_variant_get_child_value(body, 0));
+    const std::vector<unsigned char> bytes = BytesOf(boxed.get());
+    if (bytes.size() == sizeof(Record)) return FilledFrom<Record>(bytes);
+    return BadReply("a record of " + std::to_string(bytes.size()) + " bytes instead of " +
+                    std::to_string(sizeof(Record)));
 }
 
 // As the core reads the records of events: a text without a NUL in its slot runs on into the next one, up to the end of
@@ -66,6 +77,16 @@ Result<QBXiPodTrackInfo> ToTrack(GVariant* body)
 Result<PictureHead> ToPictureHead(GVariant* body)
 {
     return ToRecord<PictureHead>(body);
+}
+
+QBXiPodTrackInfo TrackIn(GVariant* boxed)
+{
+    return FromRecord(FilledFrom<TrackRecord>(BytesOf(boxed)));
+}
+
+PictureHead PictureHeadIn(GVariant* boxed)
+{
+    return FilledFrom<PictureHead>(BytesOf(boxed));
 }
 
 std::optional<Error> Obstacle(const std::string& text, std::size_t longest)

@@ -18,6 +18,11 @@ using PictureHead = std::array<std::uint32_t, 4>;
 Result<QBXiPodTrackInfo> ToTrack(GVariant* body);
 Result<PictureHead> ToPictureHead(GVariant* body);
 
+/// The same from the variant of an event, as the core reads it: what is too short is filled with zeros, what is too
+/// long is cut.
+QBXiPodTrackInfo TrackIn(GVariant* boxed);
+PictureHead PictureHeadIn(GVariant* boxed);
+
 /// Why a text cannot be sent; nothing when it can.
 std::optional<Error> Obstacle(const std::string& text, std::size_t longest);
 

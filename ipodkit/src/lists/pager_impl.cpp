@@ -85,13 +85,12 @@ void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&
         return self != nullptr && self->m_lane->Epoch() == epoch && self->m_round == round ? self : nullptr;
     };
     m_lane->Wait(
-        [held, arrived = std::move(arrived), current, session = m_session](const Lane::Release& release)
+        [held, arrived = std::move(arrived), current](const Lane::Release& release)
         {
             if (current() == nullptr) return release();
             std::move(*held).Start(
-                [arrived, current, release, session](const Result<T>& result)
+                [arrived, current, release](const Result<T>& result)
                 {
-                    session->Replay();
                     if (const auto self = current()) arrived(result);
                     release();
                 });

@@ -41,6 +41,14 @@ void Post(GMainContext* context, std::function<void()> work)
     g_source_unref(source);
 }
 
+SourcePtr After(GMainContext* context, guint milliseconds, std::function<void()> work)
+{
+    SourcePtr source(g_timeout_source_new(milliseconds));
+    g_source_set_callback(source.get(), RunWork, new Handover(std::move(work)), DeleteWork);
+    g_source_attach(source.get(), context);
+    return source;
+}
+
 void RunAside(std::function<void()> work)
 {
     GTask* const task = g_task_new(nullptr, nullptr, nullptr, nullptr);

@@ -50,6 +50,9 @@ private:
 /// Runs @p work in @p context, later, also when the caller is there already.
 void Post(GMainContext* context, std::function<void()> work);
 
+/// Runs @p work in @p context after so many milliseconds, unless the source is destroyed before.
+SourcePtr After(GMainContext* context, guint milliseconds, std::function<void()> work);
+
 /// Runs @p work on a thread of GLib's pool.
 void RunAside(std::function<void()> work);
 }  // namespace ipodkit

@@ -33,8 +33,14 @@ struct SourceDestroy
     }
 };
 
+struct VariantUnref
+{
+    void operator()(GVariant* value) const { g_variant_unref(value); }
+};
+
 using ConnectionPtr = std::unique_ptr<GDBusConnection, ObjectUnref>;
 using ContextPtr = std::unique_ptr<GMainContext, ContextUnref>;
 using ErrorPtr = std::unique_ptr<GError, ErrorFree>;
 using SourcePtr = std::unique_ptr<GSource, SourceDestroy>;
+using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;
 }  // namespace ipodkit

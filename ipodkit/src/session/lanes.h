@@ -2,7 +2,7 @@
 /// The lists of a session, and the events that make them other lists.
 #pragma once
 
-#include <IQBXIpodPlayerListener.h>
+#include <ipodkit/event.h>
 #include <ipodkit/list_kind.h>
 
 #include <array>
@@ -14,7 +14,7 @@
 namespace ipodkit
 {
 /// One lane for each list that has a state of its own in the service; names and pinyin of a level share it.
-class Lanes : public IQBXIpodPlayerListener
+class Lanes
 {
 public:
     explicit Lanes(const Guard& guard) : m_guard(guard)
@@ -30,8 +30,11 @@ public:
         for (const auto& lane : m_lanes) lane->Outdate(m_guard);
     }
 
-    void OnIpodPlayingListAmountChange(int) override { Of(ListKind::Playing)->Outdate(m_guard); }
-    void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus, int) override { OutdateAll(); }
+    void Apply(const Event& event)
+    {
+        if (std::holds_alternative<QueueSizeChanged>(event)) Of(ListKind::Playing)->Outdate(m_guard);
+        if (std::holds_alternative<DeviceChanged>(event)) OutdateAll();
+    }
 
 private:
     static std::size_t Index(ListKind kind)

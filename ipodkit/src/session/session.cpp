@@ -7,8 +7,7 @@ namespace ipodkit
 Result<std::unique_ptr<Session>> Session::Open(const SessionOptions& options)
 {
     auto impl = std::make_shared<Impl>(options);
-    if (const std::optional<Error> error = CoreLink::Instance().Claim(impl->Context()))
-        return tl::unexpected<Error>(*error);
+    if (const std::optional<Error> error = CoreLink::Instance().Claim()) return tl::unexpected<Error>(*error);
     impl->Start();
     return std::unique_ptr<Session>(new Session(std::move(impl)));
 }
@@ -37,7 +36,10 @@ ipodkit::Commands Session::Commands() const
 
 Subscription Session::OnConnection(std::string name, ConnectionCallback callback)
 {
-    return m_impl->OnConnection(std::move(name), std::move(callback));
+    const auto step = [callback = std::move(callback)](const StatePtr& state, Fields) {
+        callback({state->phase, state->generation, state->error, state->missing});
+    };
+    return m_impl->States()->Subscribe(std::move(name), step, Field::Connection);
 }
 
 Subscription Session::OnState(std::string name, StateCallback callback, Fields fields)
@@ -45,8 +47,13 @@ Subscription Session::OnState(std::string name, StateCallback callback, Fields f
     return m_impl->States()->Subscribe(std::move(name), std::move(callback), fields);
 }
 
+Subscription Session::OnEvent(std::string name, EventCallback callback)
+{
+    return m_impl->OnEvent(std::move(name), std::move(callback));
+}
+
 Subscription Session::Listen(std::string name, IQBXIpodPlayerListener& listener)
 {
-    return m_impl->Listen(std::move(name), listener);
+    return OnEvent(std::move(name), [&listener](const Event& event) { Deliver(event, listener); });
 }
 }  // namespace ipodkit

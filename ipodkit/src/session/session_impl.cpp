@@ -3,29 +3,17 @@
 #include <cstring>
 
 #include "loop/context.h"
-#include "session/weak_session.h"
+#include "session/signals.h"
 
 namespace ipodkit
 {
 namespace
 {
-constexpr guint kRetryMilliseconds = 1000;
+constexpr guint kAttachAgainMilliseconds = 1000;
 
 GMainContext* ContextOf(const SessionOptions& options)
 {
     return g_main_context_ref(options.context != nullptr ? options.context : g_main_context_default());
-}
-
-bool IsSame(const std::optional<Error>& one, const std::optional<Error>& other)
-{
-    if (!one || !other) return one.has_value() == other.has_value();
-    return one->kind == other->kind && one->reason == other->reason;
-}
-
-// An attempt that fails as the one before did is no step.
-bool IsSame(const Connection& one, const Connection& other)
-{
-    return one.phase == other.phase && one.generation == other.generation && IsSame(one.error, other.error);
 }
 }  // namespace
 
@@ -34,134 +22,165 @@ Session::Impl::Impl(const SessionOptions& options)
       m_context(ContextOf(options)),
       m_guard(options.callbackBudget),
       m_bus(std::make_shared<detail::Bus>(m_context.get(), m_guard)),
-      m_queue(
-          [this]
-          {
-              Post(m_context.get(),
-                   [weak = weak_from_this()]
-                   {
-                       if (const auto self = weak.lock()) self->Replay();
-                   });
-          }),
       m_lanes(m_guard),
       m_pictures(options.artworkLimit),
-      m_draft(m_pictures),
       m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
-                                              [this](Fields changed) { Published(changed); }))
+                                              [this](Fields changed) { Published(changed); })),
+      m_reader(std::make_shared<StateReader>(m_context.get(), m_bus, options.deadline, m_draft, m_pictures,
+                                             [this] { Progressed(); }))
 {
+}
+
+// Whatever comes from the bus may make the application end the session, which stays until that has returned.
+template <class Method>
+auto Session::Impl::Bound(Method method)
+{
+    return [weak = weak_from_this(), method](const auto&... arguments)
+    {
+        if (const auto self = weak.lock()) (self.get()->*method)(arguments...);
+    };
 }
 
 void Session::Impl::Start()
 {
-    m_bus->OnFollowed(
-        [weak = weak_from_this()](const char* method)
-        {
-            if (const auto self = weak.lock()) self->Followed(method);
-        });
-    Post(m_context.get(),
-         [weak = weak_from_this()]
-         {
-             if (const auto self = weak.lock()) self->GetBus();
-         });
+    m_bus->OnFollowed(Bound(&Impl::Followed));
+    m_watch = std::make_shared<OwnerWatch>(
+        m_context.get(), m_options.activateService,
+        OwnerWatch::Listener{Bound(&Impl::Connected), Bound(&Impl::Disconnected), Bound(&Impl::OwnerIs),
+                             Bound(&Impl::NotStarted), Bound(&Impl::Signalled)});
+    Post(m_context.get(), [watch = m_watch] { watch->Start(); });
 }
 
 void Session::Impl::Close()
 {
-    m_owner.clear();
+    m_closed = true;
+    m_watch->Stop();
+    m_reader->Stop();
     m_retry.reset();
     m_publisher->End();
-    m_connectionTargets.End();
-    m_listeners.End();
-    if (m_connection != nullptr)
-    {
-        g_dbus_connection_signal_unsubscribe(m_connection.get(), m_ownerSubscription);
-        g_signal_handler_disconnect(m_connection.get(), m_closedHandler);
-    }
-    if (m_listening) CoreLink::Instance().Remove(&m_queue);
+    m_eventCallbacks.End();
     CoreLink::Instance().Release();
     m_bus->Close();
 }
 
 ipodkit::Connection Session::Impl::CurrentConnection() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_published;
+    const StatePtr state = m_publisher->Published();
+    return {state->phase, state->generation, state->error, state->missing};
 }
 
-Subscription Session::Impl::OnConnection(std::string name, ConnectionCallback callback)
+Subscription Session::Impl::OnEvent(std::string name, EventCallback callback)
 {
-    auto entry = m_connectionTargets.Add(std::move(name), ConnectionTarget{std::move(callback), false});
-    const auto greet = [weak = weak_from_this(), entry]
+    return Subscription(m_eventCallbacks.Add(std::move(name), std::move(callback)));
+}
+
+void Session::Impl::Step(Phase phase, std::optional<Error> error, Fields missing)
+{
+    m_phase = phase;
+    m_publisher->Publish({phase, m_generation, std::move(error), missing});
+}
+
+void Session::Impl::Connected(GDBusConnection* connection)
+{
+    m_bus->Connected(connection);
+    Step(m_phase);
+}
+
+void Session::Impl::Disconnected(const Error& error)
+{
+    m_bus->Unconnected(error);
+    Step(m_phase, error);
+}
+
+void Session::Impl::NotStarted(const Error& error)
+{
+    Step(m_phase, error);
+}
+
+// A service that another one replaced is lost, too.
+void Session::Impl::OwnerIs(const std::string& owner)
+{
+    if (m_phase == Phase::Connecting || m_phase == Phase::Ready) Vanished();
+    if (!owner.empty() && !m_closed) Appeared();
+}
+
+void Session::Impl::Appeared()
+{
+    ++m_generation;
+    m_draft.Reset();
+    Step(Phase::Connecting);
+    if (!m_closed) Attach();
+}
+
+void Session::Impl::Vanished()
+{
+    m_reader->Stop();
+    m_retry.reset();
+    m_draft.ForgetService();
+    Step(Phase::Lost);
+    m_lanes.OutdateAll();
+}
+
+// Processes that create the segments, and dead ones that hold their locks, are waited for on another thread.
+void Session::Impl::Attach()
+{
+    if (CoreLink::Instance().Player() != nullptr) return Attached(std::nullopt);
+    const auto done = [weak = weak_from_this(), generation = m_generation](const std::optional<Error>& error)
     {
         const auto self = weak.lock();
-        if (self == nullptr) return;
-        entry->Run(self->m_guard,
-                   [&](ConnectionTarget& target)
-                   {
-                       if (!std::exchange(target.greeted, true)) target.callback(self->CurrentConnection());
-                   });
+        if (self != nullptr && self->m_phase == Phase::Connecting && generation == self->m_generation)
+            self->Attached(error);
     };
-    Post(m_context.get(), greet);
-    return Subscription(entry);
+    const std::shared_ptr<GMainContext> context(g_main_context_ref(m_context.get()), g_main_context_unref);
+    RunAside([done, context] { Post(context.get(), [done, error = CoreLink::Instance().Attach()] { done(error); }); });
 }
 
-Subscription Session::Impl::Listen(std::string name, IQBXIpodPlayerListener& listener)
+void Session::Impl::Attached(const std::optional<Error>& error)
 {
-    return Subscription(m_listeners.Add(std::move(name), &listener));
+    if (!error) return m_reader->Start();
+    Step(Phase::Connecting, error);
+    m_retry = After(m_context.get(), kAttachAgainMilliseconds, [this] { Attach(); });
 }
 
-void Session::Impl::SetConnection(Phase phase, std::optional<Error> error)
+void Session::Impl::Signalled(const char* signal, GVariant* body)
 {
-    const ipodkit::Connection connection{phase, m_generation, std::move(error)};
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (IsSame(m_published, connection)) return;
-        m_published = connection;
-    }
-    m_connectionTargets.ForEach(m_guard,
-                                [&](ConnectionTarget& target)
-                                {
-                                    target.greeted = true;
-                                    target.callback(connection);
-                                });
+    const std::optional<Event> event = Decode(signal, body, m_pictures);
+    if (!event) return;
+    m_draft.Apply(*event);
+    m_lanes.Apply(*event);
+    if (std::holds_alternative<DeviceChanged>(*event)) m_reader->ReadDevices();
+    m_publisher->Touch();
+    m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(*event); });
 }
 
-void Session::Impl::RetryLater(void (Impl::*step)())
-{
-    using Retry = std::pair<WeakImpl, void (Impl::*)()>;
-    m_retry.reset(g_timeout_source_new(kRetryMilliseconds));
-    const GSourceFunc run = [](gpointer data) -> gboolean
-    {
-        const auto& [weak, todo] = *static_cast<Retry*>(data);
-        const auto self = weak.lock();
-        const auto next = todo;
-        if (self != nullptr) (self.get()->*next)();
-        return G_SOURCE_REMOVE;
-    };
-    g_source_set_callback(m_retry.get(), run, new Retry(weak_from_this(), step),
-                          [](gpointer data) { delete static_cast<Retry*>(data); });
-    g_source_attach(m_retry.get(), m_context.get());
-}
-
-// No event tells that another device is browsed now.
+// No event reports that another device is browsed now.
 void Session::Impl::Followed(const char* method)
 {
     if (std::strcmp(method, "EnterDeviceChildList") != 0) return;
     m_lanes.OutdateAll();
-    DevicesChanged();
+    m_reader->ReadDevices();
 }
 
-void Session::Impl::Replay()
+// A service that answers nothing at all is not usable yet; one that leaves some questions open is.
+void Session::Impl::Progressed()
 {
     const auto self = shared_from_this();
-    while (!m_queue.Empty())
-    {
-        const EventQueue::Event event = m_queue.Take();
-        event(m_draft);
-        event(m_lanes);
-        event(m_deviceWatch);
-        m_publisher->Touch();
-        m_listeners.ForEach(m_guard, [&event](IQBXIpodPlayerListener* listener) { event(*listener); });
-    }
+    m_publisher->Touch();
+    const StateReader::Progress progress = m_reader->Progressed();
+    const bool usable = m_phase == Phase::Ready || progress.answered;
+    if (!progress.complete) return;
+    std::optional<Error> error;
+    if (!progress.missing.Empty()) error = Error{ErrorKind::TimedOut, "no answer yet: " + Names(progress.missing)};
+    const ipodkit::Connection now = CurrentConnection();
+    const Phase phase = usable ? Phase::Ready : Phase::Connecting;
+    if (now.phase == phase && now.error == error) return;
+    Step(phase, std::move(error), usable ? progress.missing : Fields());
+}
+
+// A track that came without artwork may have some all the same. A state that has just become Ready includes it.
+void Session::Impl::Published(Fields changed)
+{
+    const bool fresh = changed.Has(Field::Track) && !changed.Has(Field::Connection);
+    if (fresh && m_draft.State().track && m_draft.State().artwork == nullptr) m_reader->ReadArtwork();
 }
 }  // namespace ipodkit

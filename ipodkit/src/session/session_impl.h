@@ -4,13 +4,11 @@
 
 #include <ipodkit/session.h>
 
-#include <mutex>
-
 #include "bus/bus.h"
-#include "commands/records.h"
 #include "session/core_link.h"
-#include "session/event_queue.h"
 #include "session/lanes.h"
+#include "session/owner_watch.h"
+#include "session/state_reader.h"
 #include "state/publisher.h"
 #include "state/state_draft.h"
 
@@ -28,8 +26,7 @@ public:
     /// @name Any thread
     /// @{
     ipodkit::Connection CurrentConnection() const;
-    Subscription OnConnection(std::string name, ConnectionCallback callback);
-    Subscription Listen(std::string name, IQBXIpodPlayerListener& listener);
+    Subscription OnEvent(std::string name, EventCallback callback);
     ipodkit::Commands MakeCommands() const { return {m_bus, m_options.deadline}; }
     const std::shared_ptr<detail::Bus>& Bus() const { return m_bus; }
     const std::shared_ptr<Publisher>& States() const { return m_publisher; }
@@ -38,96 +35,42 @@ public:
     const SessionOptions& Options() const { return m_options; }
     /// @}
 
-    /// Delivers the events that have arrived: those that came before an answer are to be heard before it.
-    void Replay();
-
     Lanes& ListLanes() { return m_lanes; }
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
 
 private:
-    struct ConnectionTarget
-    {
-        ConnectionCallback callback;
-        bool greeted;
-    };
-
-    /// Hears of devices that come and go.
-    class DeviceWatch : public IQBXIpodPlayerListener
-    {
-    public:
-        explicit DeviceWatch(Impl& session) : m_session(session) {}
-        void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus, int) override { m_session.DevicesChanged(); }
-
-    private:
-        Impl& m_session;
-    };
-
-    // The bus, and who owns the service's name on it.
-    void GetBus();
-    void HaveBus(GDBusConnection* connection);
-    void WatchOwner();
+    template <class Method>
+    auto Bound(Method method);
+    void Connected(GDBusConnection* connection);
+    void Disconnected(const Error& error);
+    void NotStarted(const Error& error);
     void OwnerIs(const std::string& owner);
     void Appeared();
     void Vanished();
-    void BusClosed();
-
-    // From an owner to a state.
-    void Ping();
-    void Answered();
-    void Probe();
-    void Probed(const std::optional<Error>& error);
-    void Attached();
-    void ReadAll();
-    void ReadEnded();
-    void DevicesChanged();
-    void ReadDevices();
-    void FetchArtwork();
-    void ArtworkArrived(const Result<PictureHead>& head);
-    void TakeArtwork(const PictureHead& head);
-
+    void Attach();
+    void Attached(const std::optional<Error>& error);
+    void Signalled(const char* signal, GVariant* body);
     void Followed(const char* method);
+    void Progressed();
     void Published(Fields changed);
-    void SetConnection(Phase phase, std::optional<Error> error = std::nullopt);
-    void RetryLater(void (Impl::*step)());
-    bool Present(std::uint32_t generation) const { return !m_owner.empty() && generation == m_generation; }
-
-    template <class T, class Apply>
-    void Read(Request<T> request, Apply apply);
-
-    static void OnBus(GObject*, GAsyncResult* result, gpointer data);
-    static void OnNameOwner(GObject* connection, GAsyncResult* result, gpointer data);
-    static void OnOwnerChanged(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
-                               GVariant* arguments, gpointer data);
-    static void OnClosed(GDBusConnection*, gboolean, GError*, gpointer data);
+    void Step(Phase phase, std::optional<Error> error = std::nullopt, Fields missing = {});
 
     const SessionOptions m_options;
     const ContextPtr m_context;
     const Guard m_guard;
     const std::shared_ptr<detail::Bus> m_bus;
-    EventQueue m_queue;
     Lanes m_lanes;
     const std::shared_ptr<Lane> m_writeLane = std::make_shared<Lane>();
     PictureShelf m_pictures;
     StateDraft m_draft;
-    std::shared_ptr<Publisher> m_publisher;
-    Registry<ConnectionTarget> m_connectionTargets;
-    Registry<IQBXIpodPlayerListener*> m_listeners;
-
-    ConnectionPtr m_connection;
-    guint m_ownerSubscription = 0;
-    gulong m_closedHandler = 0;
+    const std::shared_ptr<Publisher> m_publisher;
+    const std::shared_ptr<StateReader> m_reader;
+    Registry<EventCallback> m_eventCallbacks;
+    std::shared_ptr<OwnerWatch> m_watch;
     SourcePtr m_retry;
-    std::string m_owner;  // unique name; empty while there is none
+    Phase m_phase = Phase::Absent;
     std::uint32_t m_generation = 0;
-    DeviceWatch m_deviceWatch{*this};
-    int m_reading = 0;
-    bool m_devicesChanged = false;  // while the answers were under way
-    bool m_listening = false;
-    bool m_fetchingArtwork = false;
-    bool m_artworkOutdated = false;
-
-    mutable std::mutex m_mutex;  // guards the published connection
-    ipodkit::Connection m_published;
+    bool m_closed = false;
 };
 }  // namespace ipodkit

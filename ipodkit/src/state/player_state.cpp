@@ -43,6 +43,12 @@ auto Members(const ipodkit::PairingInfo& pairing)
     return std::tie(pairing.bluetoothAddress, pairing.bytes);
 }
 
+// What the connection consists of.
+auto Members(const ipodkit::PlayerState& state)
+{
+    return std::tie(state.phase, state.generation, state.error, state.missing);
+}
+
 template <class T>
 bool Same(const T& one, const T& other)
 {
@@ -71,6 +77,33 @@ const char* Name(Phase phase)
     return names[static_cast<int>(phase)];
 }
 
+const char* Name(Field field)
+{
+    static constexpr const char* names[] = {"connection",     "track",
+                                            "track index",    "status",
+                                            "position",       "shuffle",
+                                            "repeat",         "queue size",
+                                            "artwork",        "device",
+                                            "devices",        "device name",
+                                            "source",         "CarPlay",
+                                            "CarLife",        "wireless CarPlay",
+                                            "pairing",        "location",
+                                            "foreground app", "battery",
+                                            "calls",          "accessory sessions"};
+    std::size_t index = 0;
+    while (static_cast<std::uint32_t>(field) >> (index + 1) != 0) ++index;
+    return names[index];
+}
+
+std::string Names(Fields fields)
+{
+    std::string names;
+    for (std::uint32_t bit = 1; bit <= static_cast<std::uint32_t>(Field::AccessorySessions); bit <<= 1)
+        if (const auto field = static_cast<Field>(bit); fields.Has(field))
+            names += (names.empty() ? "" : ", ") + std::string(Name(field));
+    return names;
+}
+
 std::chrono::milliseconds Position::At(std::chrono::steady_clock::time_point now) const
 {
     if (!advancing || now <= at) return position;
@@ -82,7 +115,7 @@ Fields Differences(const PlayerState& one, const PlayerState& other)
 {
     Fields fields;
     const auto note = [&fields](bool same, Field field) { fields = same ? fields : fields | field; };
-    note(one.phase == other.phase && one.generation == other.generation, Field::Connection);
+    note(Members(one) == Members(other), Field::Connection);
     note(Same(one.track, other.track), Field::Track);
     note(one.trackIndex == other.trackIndex, Field::TrackIndex);
     note(one.status == other.status, Field::Status);

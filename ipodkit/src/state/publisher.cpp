@@ -11,7 +11,7 @@ Publisher::Publisher(GMainContext* context, const Guard& guard, std::chrono::mic
       m_settle(settle),
       m_draft(draft),
       m_onPublished(std::move(published)),
-      m_timer(context, [this] { PublishDraft(); })
+      m_timer(context, [this] { PublishNext(m_draft.State()); })
 {
 }
 
@@ -36,55 +36,37 @@ Subscription Publisher::Subscribe(std::string name, Session::StateCallback callb
 
 void Publisher::Touch()
 {
-    if (m_live) m_timer.Start(m_settle);
-}
-
-void Publisher::GoLive(std::uint32_t generation)
-{
-    m_live = true;
-    m_generation = generation;
-    PublishDraft();
+    if (m_connection.phase == Phase::Ready) m_timer.Start(m_settle);
 }
 
 // Calls and accessory sessions live in the service: they end with it.
-void Publisher::Freeze(Phase phase, std::uint32_t generation)
+void Publisher::Publish(const Connection& connection)
 {
-    Stop();
-    PlayerState state = *Published();
-    state.phase = phase;
-    state.generation = generation;
-    state.calls.clear();
-    state.accessorySessions.clear();
-    Publish(std::move(state));
+    m_timer.Stop();
+    m_connection = connection;
+    const bool ready = connection.phase == Phase::Ready;
+    PlayerState state = ready ? m_draft.State() : *Published();
+    if (!ready) state.calls.clear();
+    if (!ready) state.accessorySessions.clear();
+    PublishNext(std::move(state));
 }
 
 void Publisher::End()
 {
-    Stop();
+    m_connection.phase = Phase::Lost;
+    m_timer.Stop();
     m_targets.End();
 }
 
-void Publisher::Stop()
-{
-    m_live = false;
-    m_timer.Stop();
-}
-
-void Publisher::PublishDraft()
-{
-    if (!m_live) return;
-    m_timer.Stop();
-    PlayerState state = m_draft.State();
-    state.phase = Phase::Ready;
-    state.generation = m_generation;
-    Publish(std::move(state));
-}
-
 // A subscriber may end the session, and with it all that holds the publisher.
-void Publisher::Publish(PlayerState state)
+void Publisher::PublishNext(PlayerState state)
 {
     const auto self = shared_from_this();
     const StatePtr last = Published();
+    state.phase = m_connection.phase;
+    state.generation = m_connection.generation;
+    state.error = m_connection.error;
+    state.missing = m_connection.missing;
     const Fields changed = Differences(*last, state);
     if (changed.Empty()) return;
     state.version = last->version + 1;

@@ -16,21 +16,18 @@ namespace ipodkit
 class Publisher : public std::enable_shared_from_this<Publisher>
 {
 public:
-    /// @p published is told what each published value changed, before the subscribers are.
+    /// @p published is called with what each published value changed, before the subscribers are.
     Publisher(GMainContext* context, const Guard& guard, std::chrono::microseconds settle, const StateDraft& draft,
               std::function<void(Fields)> published);
 
     StatePtr Published() const;
     Subscription Subscribe(std::string name, Session::StateCallback callback, Fields fields);
 
-    /// Something may have changed: publishes the draft when the time has come. Ignored unless live.
+    /// Something may have changed: publishes the draft after the settle time. Ignored unless the phase is Ready.
     void Touch();
 
-    /// Publishes the draft, and follows it from now on.
-    void GoLive(std::uint32_t generation);
-
-    /// Publishes the last value with another phase, and stops following the draft.
-    void Freeze(Phase phase, std::uint32_t generation);
+    /// Publishes a step of the connection at once: with the draft when it is Ready, else with the last known state.
+    void Publish(const Connection& connection);
 
     /// Publishes nothing more, and ends the subscriptions.
     void End();
@@ -43,9 +40,7 @@ private:
         bool greeted;
     };
 
-    void Stop();
-    void PublishDraft();
-    void Publish(PlayerState state);
+    void PublishNext(PlayerState state);
     void Deliver(Target& target, const StatePtr& state, Fields changed);
 
     const ContextPtr m_context;
@@ -55,8 +50,7 @@ private:
     const std::function<void(Fields)> m_onPublished;
     SettleTimer m_timer;
     Registry<Target> m_targets;
-    std::uint32_t m_generation = 0;
-    bool m_live = false;
+    Connection m_connection;
     mutable std::mutex m_mutex;  // guards what is published
     StatePtr m_published = std::make_shared<const PlayerState>();
 };

@@ -8,32 +8,33 @@ namespace
 {
 using std::chrono::milliseconds;
 
-milliseconds NotNegative(int value)
+// Services report nonsense for a moment now and then.
+milliseconds NotNegative(milliseconds time)
 {
-    return milliseconds(std::max(value, 0));
+    return std::max(time, milliseconds(0));
 }
 
 // A member that the event does not carry keeps its value.
 template <class T>
-void Merge(std::optional<T>& known, const std::optional<T>& told)
+void Merge(std::optional<T>& known, const std::optional<T>& reported)
 {
-    if (told) known = told;
+    if (reported) known = reported;
 }
 
-void Merge(iPodPhoneCall_t& known, const iPodPhoneCall_t& told)
+void Merge(iPodPhoneCall_t& known, const iPodPhoneCall_t& reported)
 {
-    Merge(known.RemoteID, told.RemoteID);
-    Merge(known.DisplayName, told.DisplayName);
-    Merge(known.Status, told.Status);
-    Merge(known.Direction, told.Direction);
-    Merge(known.CallUUID, told.CallUUID);
-    Merge(known.AddressBookID, told.AddressBookID);
-    Merge(known.Label, told.Label);
-    Merge(known.Service, told.Service);
-    Merge(known.IsConferenced, told.IsConferenced);
-    Merge(known.ConferenceGroup, told.ConferenceGroup);
-    Merge(known.DisconnectReason, told.DisconnectReason);
-    Merge(known.StartTimestamp, told.StartTimestamp);
+    Merge(known.RemoteID, reported.RemoteID);
+    Merge(known.DisplayName, reported.DisplayName);
+    Merge(known.Status, reported.Status);
+    Merge(known.Direction, reported.Direction);
+    Merge(known.CallUUID, reported.CallUUID);
+    Merge(known.AddressBookID, reported.AddressBookID);
+    Merge(known.Label, reported.Label);
+    Merge(known.Service, reported.Service);
+    Merge(known.IsConferenced, reported.IsConferenced);
+    Merge(known.ConferenceGroup, reported.ConferenceGroup);
+    Merge(known.DisconnectReason, reported.DisconnectReason);
+    Merge(known.StartTimestamp, reported.StartTimestamp);
 }
 }  // namespace
 
@@ -52,77 +53,114 @@ void StateDraft::ForgetDevice()
     m_state.accessorySessions.clear();
 }
 
-void StateDraft::OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int)
+void StateDraft::ForgetService()
 {
-    m_state.device = status;
-    if (status == APPLE_DEVICE_NOT_DETECTED) ForgetDevice();
+    m_state.calls.clear();
+    m_state.accessorySessions.clear();
 }
 
-void StateDraft::OnPlayStatusChanged(iPodPlayerPlayStatus status)
+void StateDraft::Forget(Field field)
 {
-    m_state.status = status;
+    switch (field)
+    {
+        case Field::Track:
+            return m_state.track.reset();
+        case Field::TrackIndex:
+            return m_state.trackIndex.reset();
+        case Field::Status:
+            return m_state.status.reset();
+        case Field::Position:
+            return m_state.position.reset();
+        case Field::Shuffle:
+            return m_state.shuffle.reset();
+        case Field::Repeat:
+            return m_state.repeat.reset();
+        case Field::QueueSize:
+            return m_state.queueSize.reset();
+        case Field::Artwork:
+            return m_state.artwork.reset();
+        case Field::DeviceCount:
+            return m_state.deviceCount.reset();
+        case Field::DeviceName:
+            return m_state.deviceName.reset();
+        case Field::CarPlay:
+            return m_state.carPlay.reset();
+        case Field::CarLife:
+            return m_state.carLife.reset();
+        case Field::ForegroundApp:
+            return m_state.foregroundApp.reset();
+        default:
+            return;
+    }
+}
+
+void StateDraft::Apply(const Event& event)
+{
+    std::visit([this](const auto& each) { On(each); }, event);
+}
+
+void StateDraft::SetPosition(const PlayPosition& position)
+{
+    On(ProgressChanged{milliseconds(position.position), milliseconds(position.duration)});
+}
+
+void StateDraft::On(const DeviceChanged& event)
+{
+    m_state.device = event.status;
+    if (event.status == APPLE_DEVICE_NOT_DETECTED) ForgetDevice();
+}
+
+void StateDraft::On(const PlayStatusChanged& event)
+{
+    m_state.status = event.status;
     if (!m_state.position || m_state.position->advancing == Playing()) return;
     const auto now = Clock::now();
     m_state.position = Position{m_state.position->At(now), m_state.position->duration, now, Playing()};
 }
 
-void StateDraft::OnPlayProgressChange(int position, int duration)
+void StateDraft::On(const ProgressChanged& event)
 {
-    m_state.position = Position{NotNegative(position), NotNegative(duration), Clock::now(), Playing()};
+    m_state.position = Position{NotNegative(event.position), NotNegative(event.duration), Clock::now(), Playing()};
 }
 
-// The picture of the last track goes with it; the event that announces the new one comes after this one.
-void StateDraft::OnIpodPlayingTrackChange(int index, QBXiPodTrackInfo info)
+// The artwork of the last track goes with it; the event that announces the new one comes after this one.
+void StateDraft::On(const TrackChanged& event)
 {
-    m_state.trackIndex = index;
-    m_state.position = Position{milliseconds(0), NotNegative(info.value1), Clock::now(), Playing()};
-    m_state.track = std::move(info);
+    m_state.trackIndex = event.index;
+    m_state.position =
+        Position{milliseconds(0), NotNegative(milliseconds(event.track.value1)), Clock::now(), Playing()};
+    m_state.track = event.track;
     m_state.artwork.reset();
 }
 
-void StateDraft::OnIpodPlayingListAmountChange(int amount)
+void StateDraft::On(const QueueSizeChanged& event)
 {
-    if (amount >= 0) SetQueueSize(amount);
+    if (event.size >= 0) m_state.queueSize = event.size;
 }
 
-void StateDraft::OnIpodArtworkChange(QBXTrackArtwork artwork)
+// A call without an identifier can be told from no other one without: together they are one.
+void StateDraft::On(const CallChanged& event)
 {
-    SetArtwork(artwork.word1 == 0 ? m_pictures.Put(std::move(artwork.image)) : nullptr);
-}
-
-void StateDraft::OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus status, std::string serialNumber)
-{
-    SetCarPlay({status, std::move(serialNumber)});
-}
-
-// A call without an identifier cannot be followed.
-void StateDraft::OnIpodPhoneCallChange(const iPodPhoneCall_t& call)
-{
-    if (!call.CallUUID || call.CallUUID->empty()) return;
-    if (call.Status == PHONE_CALL_DISCONNECTED)
-        m_state.calls.erase(*call.CallUUID);
+    const std::string key = event.call.CallUUID.value_or("");
+    if (event.call.Status == PHONE_CALL_DISCONNECTED)
+        m_state.calls.erase(key);
     else
-        Merge(m_state.calls[*call.CallUUID], call);
+        Merge(m_state.calls[key], event.call);
 }
 
-void StateDraft::OnIpodBatteryChange(const iPodBattery_t& battery)
+void StateDraft::On(const BatteryChanged& event)
 {
-    Merge(m_state.battery.BatteryChargingStatus, battery.BatteryChargingStatus);
-    Merge(m_state.battery.BatteryChargeLevel, battery.BatteryChargeLevel);
+    Merge(m_state.battery.BatteryChargingStatus, event.battery.BatteryChargingStatus);
+    Merge(m_state.battery.BatteryChargeLevel, event.battery.BatteryChargeLevel);
 }
 
-void StateDraft::OnIpodStartEapSession(unsigned char protocol, unsigned short session)
+void StateDraft::On(const WirelessCarPlayChanged& event)
 {
-    m_state.accessorySessions[session] = protocol;
+    m_state.wireless = WirelessCarPlay{event.available, event.deviceAddress};
 }
 
-void StateDraft::OnWirelessCarPlayUpdate(bool available, const std::string& deviceAddress)
+void StateDraft::On(const PairingReceived& event)
 {
-    m_state.wireless = WirelessCarPlay{available, deviceAddress};
-}
-
-void StateDraft::OnOOBPairingInfo(std::string address, const std::vector<unsigned char>& bytes)
-{
-    m_state.pairing = PairingInfo{std::move(address), bytes};
+    m_state.pairing = PairingInfo{event.bluetoothAddress, event.bytes};
 }
 }  // namespace ipodkit

@@ -2,20 +2,16 @@
 /// The state as events and answers make it, before it is published.
 #pragma once
 
-#include <IQBXIpodPlayerListener.h>
+#include <ipodkit/event.h>
 #include <ipodkit/player_state.h>
-
-#include "pictures/picture_shelf.h"
 
 namespace ipodkit
 {
-/// Takes events as a listener does. Context thread only.
-class StateDraft : public IQBXIpodPlayerListener
+/// Context thread only.
+class StateDraft
 {
 public:
     using Clock = std::chrono::steady_clock;
-
-    explicit StateDraft(PictureShelf& pictures) : m_pictures(pictures) {}
 
     const PlayerState& State() const { return m_state; }
 
@@ -25,12 +21,21 @@ public:
     /// Forgets what was known of the device.
     void ForgetDevice();
 
+    /// Forgets what ends with the service.
+    void ForgetService();
+
+    /// Forgets one field of those that are asked for, when the service does not give its value.
+    void Forget(Field field);
+
+    /// Follows an event.
+    void Apply(const Event& event);
+
     /// @name Answers of the service
     /// @{
     void SetTrack(const QBXiPodTrackInfo& track) { m_state.track = track; }
     void SetTrackIndex(int index) { m_state.trackIndex = index; }
-    void SetStatus(iPodPlayerPlayStatus status) { OnPlayStatusChanged(status); }
-    void SetPosition(const PlayPosition& position) { OnPlayProgressChange(position.position, position.duration); }
+    void SetStatus(iPodPlayerPlayStatus status) { On(PlayStatusChanged{status}); }
+    void SetPosition(const PlayPosition& position);
     void SetShuffle(iPodPlayerShuffleStatus mode) { m_state.shuffle = mode; }
     void SetRepeat(iPodPlayerRepeatStatus mode) { m_state.repeat = mode; }
     void SetQueueSize(int size) { m_state.queueSize = size; }
@@ -42,30 +47,30 @@ public:
     void SetForegroundApp(const std::string& bundleId) { m_state.foregroundApp = bundleId; }
     /// @}
 
-    void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int mediaRestart) override;
-    void OnPlayStatusChanged(iPodPlayerPlayStatus status) override;
-    void OnPlayProgressChange(int position, int duration) override;
-    void OnIpodRepeatModeChange(iPodPlayerRepeatStatus mode) override { SetRepeat(mode); }
-    void OnIpodShuffleModeChange(iPodPlayerShuffleStatus mode) override { SetShuffle(mode); }
-    void OnIpodPlayingTrackChange(int index, QBXiPodTrackInfo info) override;
-    void OnIpodPlayingListAmountChange(int amount) override;
-    void OnIpodSourceValidStatusChange(int valid) override { m_state.sourceValid = valid != 0; }
-    void OnIpodArtworkChange(QBXTrackArtwork artwork) override;
-    void OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus status, std::string serialNumber) override;
-    void OnIpodPhoneCallChange(const iPodPhoneCall_t& call) override;
-    void OnIpodBatteryChange(const iPodBattery_t& battery) override;
-    void OnIpodLocationStatusChange(LocationStatus status) override { m_state.location = status; }
-    void OnIpodAPPBundleNameChange(std::string bundleName) override { SetForegroundApp(bundleName); }
-    void OnIpodStartEapSession(unsigned char protocol, unsigned short session) override;
-    void OnIpodStopEapSession(unsigned short session) override { m_state.accessorySessions.erase(session); }
-    void OnCarlifeDeviceDetectStatusChange(QBXAppleDeviceDetectStatus status) override { SetCarLife(status); }
-    void OnWirelessCarPlayUpdate(bool available, const std::string& deviceAddress) override;
-    void OnOOBPairingInfo(std::string address, const std::vector<unsigned char>& bytes) override;
-
 private:
+    void On(const DeviceChanged& event);
+    void On(const PlayStatusChanged& event);
+    void On(const ProgressChanged& event);
+    void On(const RepeatChanged& event) { m_state.repeat = event.mode; }
+    void On(const ShuffleChanged& event) { m_state.shuffle = event.mode; }
+    void On(const TrackChanged& event);
+    void On(const QueueSizeChanged& event);
+    void On(const SourceValidChanged& event) { m_state.sourceValid = event.valid; }
+    void On(const ArtworkChanged& event) { m_state.artwork = event.picture; }
+    void On(const CarPlayChanged& event) { m_state.carPlay = CarPlayDevice{event.status, event.serialNumber}; }
+    void On(const CallChanged& event);
+    void On(const BatteryChanged& event);
+    void On(const LocationChanged& event) { m_state.location = event.status; }
+    void On(const ForegroundAppChanged& event) { m_state.foregroundApp = event.bundleId; }
+    void On(const AccessoryOpened& event) { m_state.accessorySessions[event.session] = event.protocol; }
+    void On(const AccessoryClosed& event) { m_state.accessorySessions.erase(event.session); }
+    void On(const AccessoryData&) {}
+    void On(const CarLifeChanged& event) { m_state.carLife = event.status; }
+    void On(const WirelessCarPlayChanged& event);
+    void On(const PairingReceived& event);
+
     bool Playing() const { return m_state.status == IPOD_PLAY_STATUS_PLAYING; }
 
-    PictureShelf& m_pictures;
     PlayerState m_state;
 };
 }  // namespace ipodkit

@@ -1,0 +1,159 @@
+#include "session/state_reader.h"
+
+#include <QBXIpodShareMemory.h>
+
+#include <utility>
+
+#include "commands/requests.h"
+#include "loop/context.h"
+#include "memory/shared_vectors.h"
+
+namespace ipodkit
+{
+namespace
+{
+constexpr guint kAskAgainMilliseconds = 100;
+
+// The rest is no word of the service.
+bool IsAnswer(const Error& error)
+{
+    return error.kind == ErrorKind::Refused || error.kind == ErrorKind::BadReply;
+}
+}  // namespace
+
+StateReader::StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline,
+                         StateDraft& draft, PictureShelf& pictures, std::function<void()> progressed)
+    : m_context(g_main_context_ref(context)),
+      m_bus(std::move(bus)),
+      m_deadline(deadline),
+      m_draft(draft),
+      m_pictures(pictures),
+      m_progressed(std::move(progressed))
+{
+}
+
+void StateReader::Stop()
+{
+    ++m_round;
+    m_retry.reset();
+    m_retries.clear();
+    m_open = {};
+    m_missing = {};
+    m_started = false;
+    m_answered = false;
+    m_devicesChanged = false;
+    m_artworkOutdated = false;
+}
+
+void StateReader::Start()
+{
+    Stop();
+    m_started = true;
+    ReadAll();
+}
+
+// What the service does not answer in time is unknown until it does: the last value may be that of another device.
+template <class T, class Take>
+void StateReader::Ask(Field field, const Question<T>& question, const Take& take)
+{
+    m_open = m_open | field;
+    const auto again = [this, field, question, take] { Ask<T>(field, question, take); };
+    question().Start(
+        [weak = weak_from_this(), round = m_round, field, take, again](const Result<T>& result)
+        {
+            const auto self = weak.lock();
+            if (self == nullptr || self->m_round != round) return;
+            if (!result) self->m_draft.Forget(field);
+            if (!result && !IsAnswer(result.error())) return self->TimedOut(field, again);
+            if (result) take(*result);
+            self->Answered(field);
+        });
+}
+
+void StateReader::TimedOut(Field field, std::function<void()> again)
+{
+    m_missing = m_missing | field;
+    m_retries.push_back(std::move(again));
+    if (m_retry == nullptr) m_retry = After(m_context.get(), kAskAgainMilliseconds, [this] { Retry(); });
+    m_progressed();
+}
+
+void StateReader::Retry()
+{
+    m_retry.reset();
+    for (const auto& again : std::exchange(m_retries, {})) again();
+}
+
+void StateReader::Answered(Field field)
+{
+    m_answered = true;
+    m_open = m_open.Without(field);
+    m_missing = m_missing.Without(field);
+    if (field == Field::Artwork && std::exchange(m_artworkOutdated, false)) ReadArtwork();
+    if (Settled() && std::exchange(m_devicesChanged, false)) ReadDevices();
+    m_progressed();
+}
+
+template <class T, class Value>
+void StateReader::Read(Field field, Request<T> (Commands::*question)() const, void (StateDraft::*set)(Value))
+{
+    const Commands commands(m_bus, m_deadline);
+    Ask<T>(
+        field, [commands, question] { return (commands.*question)(); },
+        [this, set](const T& value) { (m_draft.*set)(value); });
+}
+
+void StateReader::ReadAll()
+{
+    Read(Field::Track, &Commands::CurrentTrack, &StateDraft::SetTrack);
+    Read(Field::TrackIndex, &Commands::PlayingIndex, &StateDraft::SetTrackIndex);
+    Read(Field::Status, &Commands::PlayStatus, &StateDraft::SetStatus);
+    Read(Field::Position, &Commands::Position, &StateDraft::SetPosition);
+    Read(Field::Shuffle, &Commands::Shuffle, &StateDraft::SetShuffle);
+    Read(Field::Repeat, &Commands::Repeat, &StateDraft::SetRepeat);
+    Read(Field::QueueSize, &Commands::PlayingCount, &StateDraft::SetQueueSize);
+    Read(Field::DeviceCount, &Commands::DeviceCount, &StateDraft::SetDeviceCount);
+    Read(Field::DeviceName, &Commands::IpodName, &StateDraft::SetDeviceName);
+    Read(Field::ForegroundApp, &Commands::ForegroundApp, &StateDraft::SetForegroundApp);
+    Read(Field::CarPlay, &Commands::CarPlayStatus, &StateDraft::SetCarPlay);
+    Read(Field::CarLife, &Commands::CarLifeStatus, &StateDraft::SetCarLife);
+    ReadArtwork();
+}
+
+// No event reports which device came or went, what it is called, and which of the others plays now. While answers are
+// under way, it waits for them. Without a device there is nothing more to ask for.
+void StateReader::ReadDevices()
+{
+    m_devicesChanged = !Settled();
+    if (m_devicesChanged || !m_started) return;
+    const Commands commands(m_bus, m_deadline);
+    Ask<int>(
+        Field::DeviceCount, [commands] { return commands.DeviceCount(); },
+        [this](int count)
+        {
+            m_draft.SetDeviceCount(count);
+            if (count > 0)
+                ReadAll();
+            else
+                m_draft.ForgetDevice();
+        });
+}
+
+void StateReader::ReadArtwork()
+{
+    m_artworkOutdated = m_open.Has(Field::Artwork);
+    if (m_artworkOutdated) return;
+    Ask<PictureHead>(
+        Field::Artwork, [this] { return AskForArtwork(m_bus, m_deadline); },
+        [this, before = m_draft.State().artwork](const PictureHead& head) { TakeArtwork(head, before); });
+}
+
+// What an event has brought in the meantime stays: it is the artwork of the playing track.
+void StateReader::TakeArtwork(const PictureHead& head, const PicturePtr& before)
+{
+    const PicturePtr& known = m_draft.State().artwork;
+    if (known != nullptr && known != before) return;
+    auto bytes = head[0] == 0 ? BytesIn(g_VecArtworkBufferShareMemory) : std::nullopt;
+    m_draft.SetArtwork(bytes ? m_pictures.Put(std::move(*bytes)) : nullptr);
+}
+}  // namespace ipodkit

@@ -1,0 +1,77 @@
+/// @file
+/// The questions whose answers make up the state.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "commands/records.h"
+#include "pictures/picture_shelf.h"
+#include "state/state_draft.h"
+
+namespace ipodkit
+{
+/// Reads the fields that the service can be asked for into the draft. What it does not answer within the deadline is
+/// asked for again until it does; what it refuses is unknown. Context thread only.
+class StateReader : public std::enable_shared_from_this<StateReader>
+{
+public:
+    struct Progress
+    {
+        bool complete;   ///< each question was answered, or timed out at least once
+        bool answered;   ///< at least one of them was answered
+        Fields missing;  ///< timed out, and asked for again
+    };
+
+    /// @p progressed is called after each answer, when the draft has it.
+    StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline,
+                StateDraft& draft, PictureShelf& pictures, std::function<void()> progressed);
+
+    /// Asks for everything. Answers to earlier questions do not count any more.
+    void Start();
+
+    /// Asks again for all that depends on the device, one round at a time, however fast devices come and go.
+    void ReadDevices();
+
+    /// Asks for the artwork of the playing track, one request at a time, however fast the tracks change.
+    void ReadArtwork();
+
+    /// Answers that are still to come do not count any more, and nothing is asked for until the next Start().
+    void Stop();
+
+    Progress Progressed() const { return {Settled(), m_answered, m_missing}; }
+
+private:
+    template <class T>
+    using Question = std::function<Request<T>()>;
+
+    template <class T, class Take>
+    void Ask(Field field, const Question<T>& question, const Take& take);
+    template <class T, class Value>
+    void Read(Field field, Request<T> (Commands::*question)() const, void (StateDraft::*set)(Value));
+    void TimedOut(Field field, std::function<void()> again);
+    void Retry();
+    void ReadAll();
+    void Answered(Field field);
+    void TakeArtwork(const PictureHead& head, const PicturePtr& before);
+    bool Settled() const { return m_open.Without(m_missing).Empty(); }
+
+    const ContextPtr m_context;
+    const std::shared_ptr<detail::Bus> m_bus;
+    const std::chrono::milliseconds m_deadline;
+    StateDraft& m_draft;
+    PictureShelf& m_pictures;
+    const std::function<void()> m_progressed;
+    SourcePtr m_retry;
+    std::vector<std::function<void()>> m_retries;  // to be made when the timer expires
+    unsigned m_round = 0;
+    Fields m_open;     // not answered yet
+    Fields m_missing;  // of these, those that timed out
+    bool m_started = false;
+    bool m_answered = false;         // something was
+    bool m_devicesChanged = false;   // while questions were open
+    bool m_artworkOutdated = false;  // while it was asked for
+};
+}  // namespace ipodkit
