@@ -266,6 +266,30 @@ TEST_F(CommandsTest, FuturesAreFulfilledWhereTheLoopRuns)
     EXPECT_EQ(count, 2);
 }
 
+// The thread of the loop may learn of its connection between the two steps of another thread's sending.
+TEST_F(CommandsTest, ARequestThatIsMadeWhileTheBusConnectsIsSentOnce)
+{
+    service.Answer("Next", "(true,)");
+    for (int turns = 0; turns < 8; ++turns)
+    {
+        session.reset();
+        Open();
+        for (int turn = 0; turn < turns; ++turn)
+        {
+            std::this_thread::sleep_for(5ms);
+            g_main_context_iteration(nullptr, FALSE);
+        }
+        std::this_thread::sleep_for(5ms);
+        std::optional<Result<void>> result;
+        std::thread([&] { Ask().Next().Start([&result](Result<void> done) { result = std::move(done); }); }).join();
+        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+        EXPECT_TRUE(Completed(Ask().Next()));
+
+        const std::vector<std::string> calls = service.Calls();
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), "Next()"), 2 * (turns + 1)) << "sent in turn " << turns;
+    }
+}
+
 TEST_F(CommandsTest, FourThreadsMayAskAtTheSameTime)
 {
     service.Answer("GetDeviceAmount", "(2,)");

@@ -80,12 +80,13 @@ Bus::Serial Bus::Remember(Call call, BodyCompletion completion)
     return m_lastSerial;
 }
 
-// Keeps the request when there is no connection yet.
+// Keeps the request when there is no connection yet. One that another thread has just made may have been sent when the
+// connection came, before its own turn in the context.
 void Bus::Transmit(Serial serial)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     const auto found = m_pending.find(serial);
-    if (found == m_pending.end()) return;
+    if (found == m_pending.end() || found->second->sent) return;
     const PendingPtr pending = found->second;
     const std::optional<Error> obstacle = pending->call.obstacle ? pending->call.obstacle : m_obstacle;
     pending->sent = !obstacle && m_connection != nullptr;
