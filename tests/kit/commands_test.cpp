@@ -74,12 +74,33 @@ TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
     EXPECT_EQ(result.error().name, "com.example.Broken");
 }
 
+// The bus uses these names too, when the service dies or nobody owns its name.
+TEST_F(CommandsTest, AnErrorOfALivingServiceIsARefusalWhateverItsName)
+{
+    for (const char* last : {"NoReply", "ServiceUnknown", "NameHasNoOwner", "Timeout", "TimedOut", "Disconnected"})
+    {
+        const std::string name = std::string("org.freedesktop.DBus.Error.") + last;
+        service.React("Pause", [name](GDBusMethodInvocation* call)
+                      { g_dbus_method_invocation_return_dbus_error(call, name.c_str(), "the device is asleep"); });
+
+        for (const Result<void>& result : {Completed(Ask().Pause()), Ask().Pause().Wait()})
+        {
+            EXPECT_EQ(KindOf(result), ErrorKind::Refused) << name;
+            EXPECT_EQ(result.error().name, name);
+            EXPECT_EQ(result.error().reason, "the device is asleep");
+        }
+    }
+}
+
 TEST_F(CommandsTest, AReplyOfAnotherTypeIsABadReply)
 {
     service.AnswerInvalid("GetDeviceAmount", "('text', 1)");
 
-    EXPECT_EQ(KindOf(Completed(Ask().DeviceCount())), ErrorKind::BadReply);
-    EXPECT_EQ(KindOf(Ask().DeviceCount().Wait()), ErrorKind::BadReply);
+    for (const Result<int>& count : {Completed(Ask().DeviceCount()), Ask().DeviceCount().Wait()})
+    {
+        EXPECT_EQ(KindOf(count), ErrorKind::BadReply);
+        EXPECT_EQ(count.error().reason, "GetDeviceAmount: expected a reply of type (i), got (si)");
+    }
 }
 
 TEST_F(CommandsTest, ANegativeAmountIsABadReply)

@@ -35,6 +35,7 @@ struct SourceDestroy
 
 using ConnectionPtr = std::unique_ptr<GDBusConnection, ObjectUnref>;
 using ContextPtr = std::unique_ptr<GMainContext, ContextUnref>;
+using MessagePtr = std::unique_ptr<GDBusMessage, ObjectUnref>;
 using ErrorPtr = std::unique_ptr<GError, ErrorFree>;
 using SourcePtr = std::unique_ptr<GSource, SourceDestroy>;
 }  // namespace ipodkit
