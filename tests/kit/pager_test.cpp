@@ -362,6 +362,103 @@ TEST_F(PagerTest, TheDevicesAreOnePage)
     EXPECT_EQ(Calls("GetDeviceList()"), 1);
 }
 
+// What makes which lists other ones: an event, or a command with the service's answer, null for none.
+struct Change
+{
+    const char* name;
+    const char* member;
+    std::string body;
+    std::function<Request<void>(const Commands&)> command;
+    bool playing;
+    bool database;  // and with it the update list
+};
+
+void PrintTo(const Change& change, std::ostream* out)
+{
+    *out << change.name;
+}
+
+Change Event(const char* name, const char* member, const std::string& body, bool playing, bool database)
+{
+    return {name, member, body, nullptr, playing, database};
+}
+
+class ListChangeTest : public PagerTest, public testing::WithParamInterface<Change>
+{
+protected:
+    void Happen()
+    {
+        const Change& change = GetParam();
+        if (change.command == nullptr) return service.Emit(change.member, change.body);
+        if (change.body.empty())
+            service.Hold(change.member);
+        else
+            service.Answer(change.member, change.body);
+        (void)Completed(change.command(session->Commands()).Within(200ms));
+    }
+};
+
+TEST_P(ListChangeTest, OutdatesTheListsThatItChangesAndNoOthers)
+{
+    ServeList("UP", "GetUpdateListItems", "VecUpdateListShareMemory", "(true,)");
+    Pager playing(*session, ListKind::Playing, NoPrefetch());
+    Pager database(*session, ListKind::Database, NoPrefetch());
+    Pager update(*session, ListKind::Update, NoPrefetch());
+    for (Pager* const pager : {&playing, &database, &update}) ASSERT_TRUE(Get(*pager, 0));
+
+    Happen();
+    Settle(service);
+
+    EXPECT_EQ(playing.Cached(0) == nullptr, GetParam().playing);
+    EXPECT_EQ(database.Cached(0) == nullptr, GetParam().database);
+    EXPECT_EQ(update.Cached(0) == nullptr, GetParam().database);
+}
+
+#define COMMAND(name, expression, member, body, playing, database)                            \
+    Change                                                                                    \
+    {                                                                                         \
+        name, member, body, [](const Commands& c) { return c.expression; }, playing, database \
+    }
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, ListChangeTest,
+    testing::Values(Event("AnotherSize", "OnIpodPlayingListAmountChange", "(1000,)", true, false),
+                    Event("AnotherOrder", "OnIpodShuffleModeChange", "(1,)", true, false),
+                    Event("AnotherDevice", "OnIpodDeviceStatusChange", "(0, true)", true, true),
+                    Event("AnotherTrack", "OnIpodPlayingTrackChange", TrackEvent(2, "Song"), false, false),
+                    Event("AnotherRepetition", "OnIpodRepeatModeChange", "(1,)", false, false),
+                    COMMAND("SetShuffle", SetShuffle(IPOD_SHUFFLE_SONGS), "SetShuffleMode", "()", true, false),
+                    COMMAND("SetRepeat", SetRepeat(IPOD_REPEAT_ONE), "SetRepeatMode", "()", false, false),
+                    COMMAND("Next", Next(), "Next", "(true,)", false, false),
+                    COMMAND("PlayDatabaseEntry", PlayDatabaseEntry(3), "PlayDbList", "()", true, false),
+                    COMMAND("PlayDatabaseEntryLate", PlayDatabaseEntry(3), "PlayDbList", "", true, false),
+                    COMMAND("PlayPlayingEntry", PlayPlayingEntry(3), "PlayPlayingList", "()", true, false),
+                    COMMAND("EnterRoot", EnterRoot(), "EnterDbRoot", "(true,)", false, true),
+                    COMMAND("EnterParent", EnterParent(), "EnterDbParentList", "(true,)", false, true),
+                    COMMAND("EnterChild", EnterChild(3), "EnterDbChildList", "(true,)", false, true),
+                    COMMAND("EnterChildLate", EnterChild(3), "EnterDbChildList", "", false, true),
+                    COMMAND("EnterChildRefused", EnterChild(3), "EnterDbChildList", "(false,)", false, false),
+                    COMMAND("EnterDevice", EnterDevice(1), "EnterDeviceChildList", "(true,)", true, true),
+                    COMMAND("EnterDeviceRefused", EnterDevice(1), "EnterDeviceChildList", "(false,)", false, false)),
+    [](const auto& change) { return std::string(change.param.name); });
+
+// Its size is what it was.
+TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
+{
+    service.React("PlayDbList",
+                  [this](GDBusMethodInvocation* call)
+                  {
+                      ServeList("Other", "GetPlayingListItems", "VecPlayingListShareMemory", "(true,)");
+                      g_dbus_method_invocation_return_value(call, nullptr);
+                  });
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    EXPECT_EQ(Get(pager, 0).value()->At(0), "PL 0");
+
+    EXPECT_TRUE(Completed(session->Commands().PlayDatabaseEntry(3)));
+
+    EXPECT_EQ(Get(pager, 0).value()->At(0), "Other 0");
+}
+
 TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
 {
     service.Answer("EnterDeviceChildList", "(true,)");

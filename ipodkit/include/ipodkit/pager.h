@@ -88,7 +88,8 @@ public:
     /// this returns, and its answer is dropped when it comes; what is asked for afterwards is asked of the service.
     void Refresh();
 
-    /// Called when everything that was handed out is outdated: the level, the list, the device or the service changed.
+    /// Called when all pages are outdated: the level, the list, the device or the service changed. Not called when the
+    /// session ends.
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:

@@ -9,7 +9,7 @@ namespace ipodkit
 {
 namespace
 {
-constexpr char kNoSize[] = "the service does not tell the size of this list";
+constexpr char kNoSize[] = "the service does not report the size of this list";
 
 tl::unexpected<Error> NoSuchEntry(int index)
 {
@@ -45,7 +45,7 @@ void Pager::Impl::Watch()
 
 void Pager::Impl::Refresh()
 {
-    Forget({ErrorKind::Cancelled, "the list became another one"});
+    Forget({ErrorKind::Cancelled, "the list was replaced while it was being read"});
 }
 
 void Pager::Impl::End()
@@ -247,14 +247,13 @@ void Pager::Impl::Enter(Request<void> request, Completion completion)
         });
 }
 
-// Outdates again when it is done, because the other pagers may have asked in between; also when this one has ended.
+// The lists become outdated again when the service has followed it, because the other pagers may have asked in between;
+// also when this one has ended.
 void Pager::Impl::SendChange(std::uint64_t number, Request<void> request, const Lane::Release& release)
 {
     std::move(request).Start(
-        [weak = weak_from_this(), number, lane = m_lane, guard = m_session->CallbackGuard(),
-         release](const Result<void>& result)
+        [weak = weak_from_this(), number, release](const Result<void>& result)
         {
-            lane->Outdate(guard);
             release();
             if (const auto self = weak.lock()) self->Changed(number, result);
         });

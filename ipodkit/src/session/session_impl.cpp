@@ -146,9 +146,8 @@ void Session::Impl::RetryLater(void (Impl::*step)())
 // No event tells that another device is browsed now.
 void Session::Impl::Followed(const char* method)
 {
-    if (std::strcmp(method, "EnterDeviceChildList") != 0) return;
-    m_lanes.OutdateAll();
-    DevicesChanged();
+    m_lanes.Happened(method);
+    if (std::strcmp(method, "EnterDeviceChildList") == 0) DevicesChanged();
 }
 
 void Session::Impl::Replay()
