@@ -731,6 +731,49 @@ TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
     EXPECT_EQ(pages.size() + counts.size(), 3U);
 }
 
+struct UpdateList
+{
+    const char* name;
+    int size;
+    bool heedsTheRange;  // or always fills in the whole list
+    bool filled;         // what it answers when there is no entry in the range
+};
+
+class UpdateListTest : public PagerTest, public testing::WithParamInterface<UpdateList>
+{
+};
+
+TEST_P(UpdateListTest, NoPageIsGivenForAnEntryThatIsNotThere)
+{
+    const UpdateList list = GetParam();
+    service.React("GetUpdateListItems",
+                  [this, list](GDBusMethodInvocation* call)
+                  {
+                      int first = 0;
+                      int last = 0;
+                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
+                      if (!list.heedsTheRange) first = 0;
+                      std::vector<std::string> names;
+                      for (int i = first; i <= last && i < list.size; ++i) names.push_back(std::to_string(i));
+                      shared.SetList("VecUpdateListShareMemory", names);
+                      const gboolean answer = list.filled || !names.empty();
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", answer));
+                  });
+    Pager pager(*session, ListKind::Update);
+
+    EXPECT_EQ(KindOf(Get(pager, 300)), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Get(pager, list.size)), ErrorKind::BadArgument);
+    EXPECT_EQ(Get(pager, list.size - 1).value()->At(list.size - 1), std::to_string(list.size - 1));
+    EXPECT_EQ(KindOf(Get(pager, list.size)), ErrorKind::BadArgument);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lists, UpdateListTest,
+                         testing::Values(UpdateList{"Short", 7, true, true},
+                                         UpdateList{"ShortAndRefusedBeyondItsEnd", 7, true, false},
+                                         UpdateList{"ShortAndAlwaysWhole", 7, false, true},
+                                         UpdateList{"Long", 123, true, true}),
+                         [](const auto& list) { return std::string(list.param.name); });
+
 TEST_F(PagerTest, WalksFiftyThousandEntries)
 {
     SetSize(50000);

@@ -71,9 +71,13 @@ public:
     void Count(CountCompletion completion);
 
     /// The page that holds an entry. ErrorKind::BadArgument when there is no such entry.
+    ///
+    /// The update lists report no size. There the first page is requested before any other, and a page that is not
+    /// full shows where the list ends; beyond the end of a longer list, a service may also answer with
+    /// ErrorKind::Refused.
     void At(int index, PageCompletion completion);
 
-    /// The same from the cache; null when it is not there.
+    /// The same from the cache; null when the page is not there, or does not hold the entry.
     PagePtr Cached(int index) const;
 
     /// @name Change of level, for the database lists. Every pager of the database starts afresh, at the moment of

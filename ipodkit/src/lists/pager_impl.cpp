@@ -146,13 +146,29 @@ void Pager::Impl::CountArrived(const Result<int>& count)
 void Pager::Impl::At(int index, PageCompletion completion)
 {
     if (index < 0) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
-    if (m_count || !HasCount()) return PageWanted(index, std::move(completion));
+    if (!HasCount()) return AtWithoutCount(index, std::move(completion));
+    if (m_count) return PageWanted(index, std::move(completion));
     Count(
         [this, index, completion = std::move(completion)](const Result<int>& count)
         {
             if (count) return PageWanted(index, completion);
             completion(tl::unexpected<Error>(count.error()));
         });
+}
+
+// Where no size is reported, a page that is not full shows where the list ends. The first page is asked for first:
+// beyond the end some services refuse, and some fill in the whole list whatever is asked for.
+void Pager::Impl::AtWithoutCount(int index, PageCompletion completion)
+{
+    const auto checked = [index, completion = std::move(completion)](const Result<PagePtr>& page)
+    { completion(page && !(*page)->Holds(index) ? Result<PagePtr>(NoSuchEntry(index)) : page); };
+    if (NumberOf(index) == 0) return PageWanted(index, checked);
+    PageWanted(0,
+               [this, index, checked](const Result<PagePtr>& first)
+               {
+                   const bool full = first && (*first)->Holds(m_options.pageSize - 1);
+                   return full ? PageWanted(index, checked) : checked(first);
+               });
 }
 
 void Pager::Impl::PageWanted(int index, PageCompletion completion)
@@ -175,6 +191,12 @@ int Pager::Impl::LastOf(int number) const
     if (m_kind == ListKind::Devices) return m_count.value_or(0) - 1;
     const std::int64_t last = FirstOf(number) + m_options.pageSize - 1;
     return static_cast<int>(std::min<std::int64_t>(last, m_count ? *m_count - 1 : INT32_MAX));
+}
+
+PagePtr Pager::Impl::Cached(int index)
+{
+    const PagePtr page = index < 0 ? nullptr : m_cache.Find(NumberOf(index));
+    return page != nullptr && page->Holds(index) ? page : nullptr;
 }
 
 void Pager::Impl::FetchPage(int number)

@@ -25,7 +25,7 @@ public:
     void End();
     void Count(CountCompletion completion);
     void At(int index, PageCompletion completion);
-    PagePtr Cached(int index) { return index < 0 ? nullptr : m_cache.Find(NumberOf(index)); }
+    PagePtr Cached(int index);
     void Enter(Request<void> request, Completion completion);
     void Refresh();
     Subscription OnOutdated(std::string name, std::function<void()> callback);
@@ -41,6 +41,7 @@ private:
     void Forget(const Error& error);
     void FetchCount();
     void CountArrived(const Result<int>& count);
+    void AtWithoutCount(int index, PageCompletion completion);
     void PageWanted(int index, PageCompletion completion);
     void FetchPage(int number);
     void PageArrived(int number, const Result<PageHead>& head);
