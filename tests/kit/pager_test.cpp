@@ -496,6 +496,38 @@ TEST_F(PagerTest, ADeviceThatIsNotEnteredOutdatesNothing)
     EXPECT_NE(pager.Cached(0), nullptr);
 }
 
+TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
+{
+    service.Answer("EnterDbRoot", "(true,)");
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<int>> counts;
+    std::vector<Result<void>> entered;
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    (void)Get(pager, 0);
+    int outdated = 0;
+    const Subscription watching = pager.OnOutdated("watching", [&outdated] { ++outdated; });
+    pager.At(10, Into(pages));
+    pager.At(50, Into(pages));
+    pager.At(100, Into(pages));
+    pager.Count(Into(counts));
+
+    session.reset();
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled, ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(pager.Cached(0), nullptr);
+    pager.Refresh();
+    pager.At(10, Into(pages));
+    pager.Count(Into(counts));
+    pager.EnterRoot(Into(entered));
+    EXPECT_TRUE(RunLoopUntil([&] { return pages.size() == 4 && counts.size() == 2 && entered.size() == 1; }));
+    EXPECT_EQ(KindOf(pages.back()), ErrorKind::Cancelled);
+    EXPECT_EQ(pages.back().error().reason, "the session ended");
+    EXPECT_EQ(KindOf(counts.back()), ErrorKind::Cancelled);
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(outdated, 0);
+}
+
 TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
 {
     std::optional<Result<PagePtr>> result;

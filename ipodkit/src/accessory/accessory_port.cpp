@@ -21,6 +21,15 @@ public:
         for (const auto& [number, protocol] : m_session->Draft().State().accessorySessions) Add(number, protocol);
     }
 
+    void Watch()
+    {
+        m_ending = Subscription(m_session->Endings().Add("accessory port",
+                                                         [weak = weak_from_this()]
+                                                         {
+                                                             if (const auto self = weak.lock()) self->CloseAll();
+                                                         }));
+    }
+
     void OnIpodStartEapSession(unsigned char protocol, unsigned short number) override;
     void OnIpodStopEapSession(unsigned short number) override;
     void OnIpodReceiveEapData(unsigned short lowByte, std::vector<unsigned char>& data) override;
@@ -46,6 +55,7 @@ private:
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;
     std::map<std::uint16_t, Entry> m_entries;
+    Subscription m_ending;
 };
 
 const AccessoryPort::Impl::Entry& AccessoryPort::Impl::Add(std::uint16_t number, unsigned char protocol)
@@ -102,6 +112,7 @@ AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
                                           if (connection.phase == Phase::Lost) impl->CloseAll();
                                       }))
 {
+    m_impl->Watch();
 }
 
 // It may be one of its own callbacks that ends it: what runs there stays until that has returned.

@@ -41,6 +41,11 @@ void Pager::Impl::Watch()
                          {
                              if (const auto self = weak.lock()) self->Refresh();
                          });
+    m_ending = Subscription(m_session->Endings().Add("pager",
+                                                     [weak = weak_from_this()]
+                                                     {
+                                                         if (const auto self = weak.lock()) self->End(kSessionEnded);
+                                                     }));
 }
 
 void Pager::Impl::Refresh()
@@ -50,8 +55,14 @@ void Pager::Impl::Refresh()
 
 void Pager::Impl::End()
 {
-    const Error error{ErrorKind::Cancelled, "the pager ended"};
+    End({ErrorKind::Cancelled, "the pager ended"});
+}
+
+void Pager::Impl::End(const Error& error)
+{
+    m_end = error;
     m_watch.Reset();
+    m_ending.Reset();
     for (auto& [number, completion] : std::exchange(m_changes, {}))
         m_answers.Add<void>(std::move(completion), tl::unexpected<Error>(error));
     Forget(error);
@@ -123,6 +134,7 @@ Request<int> Pager::Impl::AskForCount() const
 
 void Pager::Impl::Count(CountCompletion completion)
 {
+    if (m_end) return TellLater<int>(std::move(completion), tl::unexpected<Error>(*m_end));
     if (!HasCount())
         return TellLater<int>(std::move(completion), tl::unexpected<Error>(Error{ErrorKind::BadArgument, kNoSize}));
     if (m_count) return TellLater<int>(std::move(completion), *m_count);
@@ -145,6 +157,7 @@ void Pager::Impl::CountArrived(const Result<int>& count)
 // The size comes first: without it nobody knows how long a page must be.
 void Pager::Impl::At(int index, PageCompletion completion)
 {
+    if (m_end) return TellLater<PagePtr>(std::move(completion), tl::unexpected<Error>(*m_end));
     if (index < 0) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
     if (!HasCount()) return AtWithoutCount(index, std::move(completion));
     if (m_count) return PageWanted(index, std::move(completion));
@@ -252,6 +265,7 @@ void Pager::Impl::Prefetch(int number)
 // was not sent yet.
 void Pager::Impl::Enter(Request<void> request, Completion completion)
 {
+    if (m_end) return TellLater<void>(std::move(completion), tl::unexpected<Error>(*m_end));
     if (!IsDatabase())
         return TellLater<void>(std::move(completion),
                                tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));

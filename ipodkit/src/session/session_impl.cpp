@@ -72,6 +72,8 @@ void Session::Impl::Close()
     m_publisher->End();
     m_connectionTargets.End();
     m_listeners.End();
+    m_lanes.End();
+    m_endings.ForEach(m_guard, [](const std::function<void()>& ended) { ended(); });
     if (m_connection != nullptr)
     {
         g_dbus_connection_signal_unsubscribe(m_connection.get(), m_ownerSubscription);

@@ -45,6 +45,9 @@ public:
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
 
+    /// Called when the session ends, before its requests complete: for what may outlive it.
+    Registry<std::function<void()>>& Endings() { return m_endings; }
+
 private:
     struct ConnectionTarget
     {
@@ -113,6 +116,7 @@ private:
     std::shared_ptr<Publisher> m_publisher;
     Registry<ConnectionTarget> m_connectionTargets;
     Registry<IQBXIpodPlayerListener*> m_listeners;
+    Registry<std::function<void()>> m_endings;
 
     ConnectionPtr m_connection;
     guint m_ownerSubscription = 0;
