@@ -327,6 +327,23 @@ TEST_F(AccessoryTest, SessionsEndWithTheService)
     EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
+TEST_F(AccessoryTest, SessionsEndWithTheSessionThatTheyBelongTo)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    service.Hold("EapWrite");
+    std::vector<std::string> told;
+    const Subscription closing = peer->OnClosed("test", [&told] { told.push_back("closed"); });
+    peer->Write({1}, [&told](const Result<void>& done) { told.push_back(Name(KindOf(done))); });
+
+    session.reset();
+
+    EXPECT_THAT(told, ElementsAre("Cancelled", "closed"));
+    EXPECT_FALSE(peer->IsOpen());
+    EXPECT_FALSE(peer->Write({2}, [](const Result<void>&) {}));
+    EXPECT_THAT(port.Sessions(), IsEmpty());
+}
+
 TEST_F(AccessoryTest, APortThatComesLaterKnowsTheOpenSessions)
 {
     service.Emit("OnIpodStartEapSession", "(3, 300)");

@@ -82,9 +82,16 @@ TEST_F(BadInputTest, TheLargestAmountIsAskedForWithinItsRange)
 {
     service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(INT_MAX) + ",)");
     service.Answer("GetPlayingListItems", "(true,)");
-    service.Answer("GetUpdateListItems", "(true,)");
+    service.React("GetUpdateListItems",
+                  [this](GDBusMethodInvocation* call)
+                  {
+                      int first = 0;
+                      int last = 0;
+                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
+                      shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(last - first + 1U, "y"));
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
+                  });
     shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(47, "x"));
-    shared.SetList("VecUpdateListShareMemory", {"y"});
     Ready();
     Pager playing(*session, ListKind::Playing);
     Pager update(*session, ListKind::Update);
@@ -95,6 +102,7 @@ TEST_F(BadInputTest, TheLargestAmountIsAskedForWithinItsRange)
     EXPECT_EQ(last->first, 2147483600);
     EXPECT_EQ(last->At(INT_MAX - 1), "x");
     EXPECT_EQ(beyond->first, 2147483600);
+    EXPECT_EQ(beyond->At(INT_MAX), "y");
     EXPECT_THAT(service.Calls(), testing::Contains("GetPlayingListItems(2147483600, 2147483646)"));
     EXPECT_THAT(service.Calls(), testing::Contains("GetUpdateListItems(2147483600, 2147483647)"));
 }

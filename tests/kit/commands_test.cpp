@@ -74,12 +74,33 @@ TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
     EXPECT_EQ(result.error().name, "com.example.Broken");
 }
 
+// The bus uses these names too, when the service dies or nobody owns its name.
+TEST_F(CommandsTest, AnErrorOfALivingServiceIsARefusalWhateverItsName)
+{
+    for (const char* last : {"NoReply", "ServiceUnknown", "NameHasNoOwner", "Timeout", "TimedOut", "Disconnected"})
+    {
+        const std::string name = std::string("org.freedesktop.DBus.Error.") + last;
+        service.React("Pause", [name](GDBusMethodInvocation* call)
+                      { g_dbus_method_invocation_return_dbus_error(call, name.c_str(), "the device is asleep"); });
+
+        for (const Result<void>& result : {Completed(Ask().Pause()), Ask().Pause().Wait()})
+        {
+            EXPECT_EQ(KindOf(result), ErrorKind::Refused) << name;
+            EXPECT_EQ(result.error().name, name);
+            EXPECT_EQ(result.error().reason, "the device is asleep");
+        }
+    }
+}
+
 TEST_F(CommandsTest, AReplyOfAnotherTypeIsABadReply)
 {
     service.AnswerInvalid("GetDeviceAmount", "('text', 1)");
 
-    EXPECT_EQ(KindOf(Completed(Ask().DeviceCount())), ErrorKind::BadReply);
-    EXPECT_EQ(KindOf(Ask().DeviceCount().Wait()), ErrorKind::BadReply);
+    for (const Result<int>& count : {Completed(Ask().DeviceCount()), Ask().DeviceCount().Wait()})
+    {
+        EXPECT_EQ(KindOf(count), ErrorKind::BadReply);
+        EXPECT_EQ(count.error().reason, "GetDeviceAmount: expected a reply of type (i), got (si)");
+    }
 }
 
 TEST_F(CommandsTest, ANegativeAmountIsABadReply)
@@ -264,6 +285,30 @@ TEST_F(CommandsTest, FuturesAreFulfilledWhereTheLoopRuns)
 
     waiting.join();
     EXPECT_EQ(count, 2);
+}
+
+// The thread of the loop may learn of its connection between the two steps of another thread's sending.
+TEST_F(CommandsTest, ARequestThatIsMadeWhileTheBusConnectsIsSentOnce)
+{
+    service.Answer("Next", "(true,)");
+    for (int turns = 0; turns < 8; ++turns)
+    {
+        session.reset();
+        Open();
+        for (int turn = 0; turn < turns; ++turn)
+        {
+            std::this_thread::sleep_for(5ms);
+            g_main_context_iteration(nullptr, FALSE);
+        }
+        std::this_thread::sleep_for(5ms);
+        std::optional<Result<void>> result;
+        std::thread([&] { Ask().Next().Start([&result](Result<void> done) { result = std::move(done); }); }).join();
+        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+        EXPECT_TRUE(Completed(Ask().Next()));
+
+        const std::vector<std::string> calls = service.Calls();
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), "Next()"), 2 * (turns + 1)) << "sent in turn " << turns;
+    }
 }
 
 TEST_F(CommandsTest, FourThreadsMayAskAtTheSameTime)

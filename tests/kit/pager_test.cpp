@@ -362,6 +362,103 @@ TEST_F(PagerTest, TheDevicesAreOnePage)
     EXPECT_EQ(Calls("GetDeviceList()"), 1);
 }
 
+// What makes which lists other ones: an event, or a command with the service's answer, null for none.
+struct Change
+{
+    const char* name;
+    const char* member;
+    std::string body;
+    std::function<Request<void>(const Commands&)> command;
+    bool playing;
+    bool database;  // and with it the update list
+};
+
+void PrintTo(const Change& change, std::ostream* out)
+{
+    *out << change.name;
+}
+
+Change Event(const char* name, const char* member, const std::string& body, bool playing, bool database)
+{
+    return {name, member, body, nullptr, playing, database};
+}
+
+class ListChangeTest : public PagerTest, public testing::WithParamInterface<Change>
+{
+protected:
+    void Happen()
+    {
+        const Change& change = GetParam();
+        if (change.command == nullptr) return service.Emit(change.member, change.body);
+        if (change.body.empty())
+            service.Hold(change.member);
+        else
+            service.Answer(change.member, change.body);
+        (void)Completed(change.command(session->Commands()).Within(200ms));
+    }
+};
+
+TEST_P(ListChangeTest, OutdatesTheListsThatItChangesAndNoOthers)
+{
+    ServeList("UP", "GetUpdateListItems", "VecUpdateListShareMemory", "(true,)");
+    Pager playing(*session, ListKind::Playing, NoPrefetch());
+    Pager database(*session, ListKind::Database, NoPrefetch());
+    Pager update(*session, ListKind::Update, NoPrefetch());
+    for (Pager* const pager : {&playing, &database, &update}) ASSERT_TRUE(Get(*pager, 0));
+
+    Happen();
+    Settle(service);
+
+    EXPECT_EQ(playing.Cached(0) == nullptr, GetParam().playing);
+    EXPECT_EQ(database.Cached(0) == nullptr, GetParam().database);
+    EXPECT_EQ(update.Cached(0) == nullptr, GetParam().database);
+}
+
+#define COMMAND(name, expression, member, body, playing, database)                            \
+    Change                                                                                    \
+    {                                                                                         \
+        name, member, body, [](const Commands& c) { return c.expression; }, playing, database \
+    }
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, ListChangeTest,
+    testing::Values(Event("AnotherSize", "OnIpodPlayingListAmountChange", "(1000,)", true, false),
+                    Event("AnotherOrder", "OnIpodShuffleModeChange", "(1,)", true, false),
+                    Event("AnotherDevice", "OnIpodDeviceStatusChange", "(0, true)", true, true),
+                    Event("AnotherTrack", "OnIpodPlayingTrackChange", TrackEvent(2, "Song"), false, false),
+                    Event("AnotherRepetition", "OnIpodRepeatModeChange", "(1,)", false, false),
+                    COMMAND("SetShuffle", SetShuffle(IPOD_SHUFFLE_SONGS), "SetShuffleMode", "()", true, false),
+                    COMMAND("SetRepeat", SetRepeat(IPOD_REPEAT_ONE), "SetRepeatMode", "()", false, false),
+                    COMMAND("Next", Next(), "Next", "(true,)", false, false),
+                    COMMAND("PlayDatabaseEntry", PlayDatabaseEntry(3), "PlayDbList", "()", true, false),
+                    COMMAND("PlayDatabaseEntryLate", PlayDatabaseEntry(3), "PlayDbList", "", true, false),
+                    COMMAND("PlayPlayingEntry", PlayPlayingEntry(3), "PlayPlayingList", "()", true, false),
+                    COMMAND("EnterRoot", EnterRoot(), "EnterDbRoot", "(true,)", false, true),
+                    COMMAND("EnterParent", EnterParent(), "EnterDbParentList", "(true,)", false, true),
+                    COMMAND("EnterChild", EnterChild(3), "EnterDbChildList", "(true,)", false, true),
+                    COMMAND("EnterChildLate", EnterChild(3), "EnterDbChildList", "", false, true),
+                    COMMAND("EnterChildRefused", EnterChild(3), "EnterDbChildList", "(false,)", false, false),
+                    COMMAND("EnterDevice", EnterDevice(1), "EnterDeviceChildList", "(true,)", true, true),
+                    COMMAND("EnterDeviceRefused", EnterDevice(1), "EnterDeviceChildList", "(false,)", false, false)),
+    [](const auto& change) { return std::string(change.param.name); });
+
+// Its size is what it was.
+TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
+{
+    service.React("PlayDbList",
+                  [this](GDBusMethodInvocation* call)
+                  {
+                      ServeList("Other", "GetPlayingListItems", "VecPlayingListShareMemory", "(true,)");
+                      g_dbus_method_invocation_return_value(call, nullptr);
+                  });
+    Pager pager(*session, ListKind::Playing, NoPrefetch());
+    EXPECT_EQ(Get(pager, 0).value()->At(0), "PL 0");
+
+    EXPECT_TRUE(Completed(session->Commands().PlayDatabaseEntry(3)));
+
+    EXPECT_EQ(Get(pager, 0).value()->At(0), "Other 0");
+}
+
 TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
 {
     service.Answer("EnterDeviceChildList", "(true,)");
@@ -397,6 +494,38 @@ TEST_F(PagerTest, ADeviceThatIsNotEnteredOutdatesNothing)
     EXPECT_EQ(KindOf(Completed(session->Commands().EnterDevice(1))), ErrorKind::Refused);
 
     EXPECT_NE(pager.Cached(0), nullptr);
+}
+
+TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
+{
+    service.Answer("EnterDbRoot", "(true,)");
+    std::vector<Result<PagePtr>> pages;
+    std::vector<Result<int>> counts;
+    std::vector<Result<void>> entered;
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    (void)Get(pager, 0);
+    int outdated = 0;
+    const Subscription watching = pager.OnOutdated("watching", [&outdated] { ++outdated; });
+    pager.At(10, Into(pages));
+    pager.At(50, Into(pages));
+    pager.At(100, Into(pages));
+    pager.Count(Into(counts));
+
+    session.reset();
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled, ErrorKind::Cancelled));
+    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(pager.Cached(0), nullptr);
+    pager.Refresh();
+    pager.At(10, Into(pages));
+    pager.Count(Into(counts));
+    pager.EnterRoot(Into(entered));
+    EXPECT_TRUE(RunLoopUntil([&] { return pages.size() == 4 && counts.size() == 2 && entered.size() == 1; }));
+    EXPECT_EQ(KindOf(pages.back()), ErrorKind::Cancelled);
+    EXPECT_EQ(pages.back().error().reason, "the session ended");
+    EXPECT_EQ(KindOf(counts.back()), ErrorKind::Cancelled);
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(outdated, 0);
 }
 
 TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
@@ -633,6 +762,49 @@ TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
     RunLoopFor(20ms);
     EXPECT_EQ(pages.size() + counts.size(), 3U);
 }
+
+struct UpdateList
+{
+    const char* name;
+    int size;
+    bool heedsTheRange;  // or always fills in the whole list
+    bool filled;         // what it answers when there is no entry in the range
+};
+
+class UpdateListTest : public PagerTest, public testing::WithParamInterface<UpdateList>
+{
+};
+
+TEST_P(UpdateListTest, NoPageIsGivenForAnEntryThatIsNotThere)
+{
+    const UpdateList list = GetParam();
+    service.React("GetUpdateListItems",
+                  [this, list](GDBusMethodInvocation* call)
+                  {
+                      int first = 0;
+                      int last = 0;
+                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
+                      if (!list.heedsTheRange) first = 0;
+                      std::vector<std::string> names;
+                      for (int i = first; i <= last && i < list.size; ++i) names.push_back(std::to_string(i));
+                      shared.SetList("VecUpdateListShareMemory", names);
+                      const gboolean answer = list.filled || !names.empty();
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", answer));
+                  });
+    Pager pager(*session, ListKind::Update);
+
+    EXPECT_EQ(KindOf(Get(pager, 300)), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Get(pager, list.size)), ErrorKind::BadArgument);
+    EXPECT_EQ(Get(pager, list.size - 1).value()->At(list.size - 1), std::to_string(list.size - 1));
+    EXPECT_EQ(KindOf(Get(pager, list.size)), ErrorKind::BadArgument);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lists, UpdateListTest,
+                         testing::Values(UpdateList{"Short", 7, true, true},
+                                         UpdateList{"ShortAndRefusedBeyondItsEnd", 7, true, false},
+                                         UpdateList{"ShortAndAlwaysWhole", 7, false, true},
+                                         UpdateList{"Long", 123, true, true}),
+                         [](const auto& list) { return std::string(list.param.name); });
 
 TEST_F(PagerTest, WalksFiftyThousandEntries)
 {

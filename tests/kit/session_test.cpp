@@ -396,7 +396,7 @@ TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
     std::vector<int> sent;
     Open();
     const Subscription watching = session->OnEvent("amounts",
-                                                   [&seen](const Event& event)
+                                                   [&seen](const ipodkit::Event& event)
                                                    {
                                                        const auto* const change = std::get_if<QueueSizeChanged>(&event);
                                                        if (change != nullptr) seen.push_back(change->size);
@@ -426,7 +426,7 @@ TEST_F(SessionTest, ASignalFromAnybodyButTheServiceIsIgnored)
     AnswerState(service);
     Ready();
     int seen = 0;
-    const Subscription watching = session->OnEvent("count", [&seen](const Event&) { ++seen; });
+    const Subscription watching = session->OnEvent("count", [&seen](const ipodkit::Event&) { ++seen; });
     GDBusConnection* const other = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
 
     g_dbus_connection_emit_signal(other, nullptr, "/com/zarn/linux/ipod", "com.zarn.linux.ipod", "OnPlayStatusChanged",
@@ -573,7 +573,7 @@ TEST_F(SessionTest, EverySignalIsAnEventAndReadsAsInTheCore)
     QBX_GetIpodPlayer()->AddListener(&coreListener);
     const Subscription listening = session->Listen("listener", kitListener);
     const Subscription watching = session->OnEvent("events",
-                                                   [&](const Event& event)
+                                                   [&](const ipodkit::Event& event)
                                                    {
                                                        signals.insert(SignalName(event));
                                                        kinds.insert(event.index());
@@ -589,7 +589,7 @@ TEST_F(SessionTest, EverySignalIsAnEventAndReadsAsInTheCore)
 
     EXPECT_EQ(kit, core);
     EXPECT_EQ(signals, sent);
-    EXPECT_EQ(kinds.size(), std::variant_size_v<Event>);
+    EXPECT_EQ(kinds.size(), std::variant_size_v<ipodkit::Event>);
     QBX_GetIpodPlayer()->RemoveListener(&coreListener);
 }
 

@@ -40,7 +40,8 @@ struct AccessoryOptions
 /// Ask it before the core's EapWrite(), which knows no limit; sessions refuse larger chunks by themselves.
 std::size_t RoomForAccessoryBytes();
 
-/// One session, from its opening to its closing. Closed for ever once it is.
+/// One session, from its opening to its closing by the device, the service's end, the port's, or that of the Session
+/// it was opened in. Closed for ever once it is.
 class AccessorySession
 {
 public:

@@ -75,7 +75,8 @@ public:
     Request<int> PlayingCount() const;  ///< entries of the playing list
     /// @}
 
-    /// @name Music database. A Pager must not be surprised: with one in use, change levels through it.
+    /// @name Music database. Every pager of the session whose list changes starts afresh when the service has followed
+    /// the command, before its completion. Pager::EnterChild() and its siblings do so at once.
     /// @{
     Request<int> DatabaseCount(bool fromTop = false) const;
     Request<void> EnterRoot() const;

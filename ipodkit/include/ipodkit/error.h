@@ -16,7 +16,7 @@ enum class ErrorKind
     NoService,       ///< nobody owns the service's name
     ServiceLost,     ///< the service went away before it answered
     TimedOut,        ///< no answer within the deadline; the service may still act on the request
-    Refused,         ///< the service answered with an error, or with "false"
+    Refused,         ///< the service itself answered with an error, whatever its name, or with "false"
     BadReply,        ///< the answer is not what the contract allows, or does not fit the request
     Cancelled,       ///< the caller, a change of level, or the end of the session withdrew the request
     NoSharedMemory,  ///< the segments cannot be attached or do not take the data

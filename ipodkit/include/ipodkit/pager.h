@@ -5,9 +5,15 @@
 ///     songs.Count([&](Result<int> count) { … });
 ///     songs.At(1234, [&](Result<PagePtr> page) { show((*page)->At(1234)); });
 ///
-/// **Never a wrong page.** All pagers of a session take turns at lists that share state in the service; a page is
-/// checked against what was asked for, and one that belongs to a level that was left, to a playing list that changed,
-/// or to a service that restarted is never handed out: the request completes with ErrorKind::Cancelled instead.
+/// **Never a wrong page.** All pagers of a session take turns at lists that share state in the service. A page is
+/// checked against the request. The pager forgets everything when its list is replaced or reordered, its level or
+/// device changes, or the service restarts; requests that are under way then complete with ErrorKind::Cancelled. It
+/// learns of this from events and from the commands of the same session: EnterRoot(), EnterParent(), EnterChild(),
+/// EnterDevice(), PlayDatabaseEntry(), PlayPlayingEntry() and SetShuffle(). No event reports that another application
+/// changed the level, or started another list of the same size.
+///
+/// **End of the session.** A pager that outlives its session has no pages, and its requests complete with
+/// ErrorKind::Cancelled. They complete before the session's destructor returns, those made afterwards in its context.
 ///
 /// **Context thread only.** Completions run in the session's context, exactly once, and never inside the operation
 /// that took them. They may end the pager.
@@ -71,9 +77,13 @@ public:
     void Count(CountCompletion completion);
 
     /// The page that holds an entry. ErrorKind::BadArgument when there is no such entry.
+    ///
+    /// The update lists report no size. There the first page is requested before any other, and a page that is not
+    /// full shows where the list ends; beyond the end of a longer list, a service may also answer with
+    /// ErrorKind::Refused.
     void At(int index, PageCompletion completion);
 
-    /// The same from the cache; null when it is not there.
+    /// The same from the cache; null when the page is not there, or does not hold the entry.
     PagePtr Cached(int index) const;
 
     /// @name Change of level, for the database lists. Every pager of the database starts afresh, at the moment of
@@ -88,7 +98,8 @@ public:
     /// this returns, and its answer is dropped when it comes; what is asked for afterwards is asked of the service.
     void Refresh();
 
-    /// Called when everything that was handed out is outdated: the level, the list, the device or the service changed.
+    /// Called when all pages are outdated: the level, the list, the device or the service changed. Not called when the
+    /// session ends.
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:

@@ -21,6 +21,15 @@ public:
         for (const auto& [number, protocol] : Open()) Add(number, protocol);
     }
 
+    void Watch()
+    {
+        m_ending = Subscription(m_session->Endings().Add("accessory port",
+                                                         [weak = weak_from_this()]
+                                                         {
+                                                             if (const auto self = weak.lock()) self->CloseAll();
+                                                         }));
+    }
+
     void Follow(const Event& event);
     void CloseThoseThatEnded();
     void CloseAll();
@@ -49,6 +58,7 @@ private:
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;
     std::map<std::uint16_t, Entry> m_entries;
+    Subscription m_ending;
 };
 
 const AccessoryPort::Impl::Entry& AccessoryPort::Impl::Add(std::uint16_t number, unsigned char protocol)
@@ -119,6 +129,7 @@ AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
       m_watching(
           session.OnConnection("accessory port", [impl = m_impl](const Connection&) { impl->CloseThoseThatEnded(); }))
 {
+    m_impl->Watch();
 }
 
 // It may be one of its own callbacks that ends it: what runs there stays until that has returned.

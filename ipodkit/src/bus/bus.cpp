@@ -1,6 +1,7 @@
 #include "bus/bus.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "bus/gerror.h"
@@ -10,8 +11,6 @@ namespace ipodkit::detail
 {
 namespace
 {
-const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
-
 int Milliseconds(const Call& call)
 {
     using Count = std::chrono::milliseconds::rep;
@@ -35,21 +34,60 @@ std::string TextOf(const Call& call)
     return call.method + arguments;
 }
 
-// An order that was not followed is refused.
+// A reply must have the type of the contract, and an order that was not followed is refused.
 Result<Body> Judged(const Call& call, Result<Body> result)
 {
-    if (!result || !call.isOrder) return result;
+    if (!result) return result;
+    if (!g_variant_is_of_type(result->get(), G_VARIANT_TYPE(call.replyType)))
+        return tl::unexpected<Error>(
+            Error{ErrorKind::BadReply, std::string(call.method) + ": expected a reply of type " + call.replyType +
+                                           ", got " + g_variant_get_type_string(result->get())});
+    if (!call.isOrder) return result;
     gboolean followed = FALSE;
     g_variant_get(result->get(), "(b)", &followed);
     if (followed != FALSE) return result;
     return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
 }
 
-Result<Body> ToResult(GVariant* body, GError* error)
+// Whether the service does something and reports no more than that.
+bool IsCommand(const Call& call)
 {
-    if (error == nullptr) return Body(body, g_variant_unref);
-    const ErrorPtr owned(error);
-    return tl::unexpected<Error>(ToError(*owned));
+    return call.isOrder || std::strcmp(call.replyType, "()") == 0;
+}
+
+// Who gave no answer in time, or none that counts, may have followed the command all the same.
+bool MayBeFollowed(const Call& call, const Result<Body>& result)
+{
+    if (!IsCommand(call)) return false;
+    if (result) return true;
+    const ErrorKind kind = result.error().kind;
+    return kind == ErrorKind::TimedOut || kind == ErrorKind::Cancelled || kind == ErrorKind::BadReply;
+}
+
+// The call as a message of its own: GDBus's call by name would hide who sent an error, the service or the bus.
+MessagePtr MessageOf(const Call& call)
+{
+    MessagePtr message(g_dbus_message_new_method_call(kBusName, kObjectPath, kBusName, call.method));
+    g_dbus_message_set_flags(message.get(), G_DBUS_MESSAGE_FLAGS_NO_AUTO_START);
+    if (call.arguments != nullptr) g_dbus_message_set_body(message.get(), call.arguments.get());
+    return message;
+}
+
+// That of an empty reply is left out.
+Body BodyOf(GDBusMessage& reply)
+{
+    GVariant* const body = g_dbus_message_get_body(&reply);
+    return {body != nullptr ? g_variant_ref(body) : g_variant_ref_sink(g_variant_new("()")), g_variant_unref};
+}
+
+// Takes both over; one of them is null.
+Result<Body> ToResult(GDBusMessage* reply, GError* error)
+{
+    const MessagePtr answer(reply);
+    const ErrorPtr failure(error);
+    if (failure != nullptr) return tl::unexpected<Error>(ToError(*failure));
+    if (const std::optional<Error> refusal = ErrorIn(*answer)) return tl::unexpected<Error>(*refusal);
+    return BodyOf(*answer);
 }
 }  // namespace
 
@@ -80,12 +118,13 @@ Bus::Serial Bus::Remember(Call call, BodyCompletion completion)
     return m_lastSerial;
 }
 
-// Keeps the request when there is no connection yet.
+// Keeps the request when there is no connection yet. One that another thread has just made may have been sent when the
+// connection came, before its own turn in the context.
 void Bus::Transmit(Serial serial)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     const auto found = m_pending.find(serial);
-    if (found == m_pending.end()) return;
+    if (found == m_pending.end() || found->second->sent) return;
     const PendingPtr pending = found->second;
     const std::optional<Error> obstacle = pending->call.obstacle ? pending->call.obstacle : m_obstacle;
     pending->sent = !obstacle && m_connection != nullptr;
@@ -100,17 +139,18 @@ void Bus::Transmit(Serial serial)
 void Bus::TransmitOn(GDBusConnection* connection, const Call& call, Serial serial)
 {
     const DefaultContext delivered(m_context.get());
-    g_dbus_connection_call(connection, kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
-                           G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call),
-                           NativeOf(call), OnReply, new Ticket{shared_from_this(), serial});
+    g_dbus_connection_send_message_with_reply(connection, MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE,
+                                              Milliseconds(call), nullptr, NativeOf(call), OnReply,
+                                              new Ticket{shared_from_this(), serial});
 }
 
 void Bus::OnReply(GObject* connection, GAsyncResult* result, gpointer data)
 {
     const std::unique_ptr<Ticket> ticket(static_cast<Ticket*>(data));
     GError* error = nullptr;
-    GVariant* const body = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
-    ticket->bus->Complete(ticket->serial, ToResult(body, error));
+    GDBusMessage* const reply =
+        g_dbus_connection_send_message_with_reply_finish(G_DBUS_CONNECTION(connection), result, &error);
+    ticket->bus->Complete(ticket->serial, ToResult(reply, error));
 }
 
 Bus::PendingPtr Bus::Take(Serial serial)
@@ -129,7 +169,7 @@ void Bus::Complete(Serial serial, Result<Body> result)
     if (pending == nullptr) return;
     const Call& call = pending->call;
     Result<Body> judged = Judged(call, std::move(result));
-    if (judged && call.isOrder) m_followed(call.method);
+    if (MayBeFollowed(call, judged)) m_followed(call.method);
     m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
 }
 
@@ -195,11 +235,11 @@ Result<Body> Bus::SendAndWait(const Call& call)
     const Result<ConnectionPtr> connection = ConnectionForWaiting();
     if (!connection) return tl::unexpected<Error>(connection.error());
     GError* error = nullptr;
-    GVariant* const body = g_dbus_connection_call_sync(
-        connection->get(), kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
-        G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call), NativeOf(call), &error);
-    Result<Body> judged = Judged(call, ToResult(body, error));
-    if (judged && call.isOrder)
+    GDBusMessage* const reply = g_dbus_connection_send_message_with_reply_sync(
+        connection->get(), MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, Milliseconds(call), nullptr,
+        NativeOf(call), &error);
+    Result<Body> judged = Judged(call, ToResult(reply, error));
+    if (MayBeFollowed(call, judged))
         Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
     return judged;
 }

@@ -16,6 +16,9 @@ namespace ipodkit
 inline constexpr char kBusName[] = "com.zarn.linux.ipod";
 inline constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 
+/// What everything completes with that the end of the session withdraws.
+inline const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
+
 namespace detail
 {
 /// Calls go to the service's well-known name over the connection itself. A proxy would send them to the unique name
@@ -28,7 +31,8 @@ class Bus : public std::enable_shared_from_this<Bus>
 public:
     Bus(GMainContext* context, const Guard& guard);
 
-    /// @p followed hears, in the context, of each order that the service has followed, before the order's completion.
+    /// @p followed is called in the context for each command that the service has followed, or may have: it was sent
+    /// and no refusal came. The command completes afterwards.
     void OnFollowed(std::function<void(const char* method)> followed);
 
     /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.

@@ -1,5 +1,7 @@
 #include <ipodkit/error.h>
 
+#include <cstring>
+
 #include "bus/gerror.h"
 
 namespace ipodkit
@@ -42,6 +44,12 @@ ErrorKind KindOfLocalError(int code)
     }
 }
 
+bool SentByTheBus(GDBusMessage& reply)
+{
+    const gchar* const sender = g_dbus_message_get_sender(&reply);
+    return sender != nullptr && std::strcmp(sender, "org.freedesktop.DBus") == 0;
+}
+
 ErrorKind KindOf(const GError& error)
 {
     if (error.domain == G_DBUS_ERROR) return KindOfBusError(error.code);
@@ -78,5 +86,14 @@ Error ToError(const GError& error)
     const ErrorPtr stripped(g_error_copy(&error));
     g_dbus_error_strip_remote_error(stripped.get());
     return {kind, stripped->message, RemoteName(error)};
+}
+
+std::optional<Error> ErrorIn(GDBusMessage& reply)
+{
+    GError* failure = nullptr;
+    if (g_dbus_message_to_gerror(&reply, &failure) == FALSE) return std::nullopt;
+    Error error = ToError(*ErrorPtr(failure));
+    if (!SentByTheBus(reply)) error.kind = ErrorKind::Refused;
+    return error;
 }
 }  // namespace ipodkit

@@ -9,7 +9,7 @@ namespace ipodkit
 {
 namespace
 {
-constexpr char kNoSize[] = "the service does not tell the size of this list";
+constexpr char kNoSize[] = "the service does not report the size of this list";
 
 tl::unexpected<Error> NoSuchEntry(int index)
 {
@@ -41,17 +41,28 @@ void Pager::Impl::Watch()
                          {
                              if (const auto self = weak.lock()) self->Refresh();
                          });
+    m_ending = Subscription(m_session->Endings().Add("pager",
+                                                     [weak = weak_from_this()]
+                                                     {
+                                                         if (const auto self = weak.lock()) self->End(kSessionEnded);
+                                                     }));
 }
 
 void Pager::Impl::Refresh()
 {
-    Forget({ErrorKind::Cancelled, "the list became another one"});
+    Forget({ErrorKind::Cancelled, "the list was replaced while it was being read"});
 }
 
 void Pager::Impl::End()
 {
-    const Error error{ErrorKind::Cancelled, "the pager ended"};
+    End({ErrorKind::Cancelled, "the pager ended"});
+}
+
+void Pager::Impl::End(const Error& error)
+{
+    m_end = error;
     m_watch.Reset();
+    m_ending.Reset();
     for (auto& [number, completion] : std::exchange(m_changes, {}))
         m_answers.Add<void>(std::move(completion), tl::unexpected<Error>(error));
     Forget(error);
@@ -122,6 +133,7 @@ Request<int> Pager::Impl::AskForCount() const
 
 void Pager::Impl::Count(CountCompletion completion)
 {
+    if (m_end) return TellLater<int>(std::move(completion), tl::unexpected<Error>(*m_end));
     if (!HasCount())
         return TellLater<int>(std::move(completion), tl::unexpected<Error>(Error{ErrorKind::BadArgument, kNoSize}));
     if (m_count) return TellLater<int>(std::move(completion), *m_count);
@@ -144,14 +156,31 @@ void Pager::Impl::CountArrived(const Result<int>& count)
 // The size comes first: without it nobody knows how long a page must be.
 void Pager::Impl::At(int index, PageCompletion completion)
 {
+    if (m_end) return TellLater<PagePtr>(std::move(completion), tl::unexpected<Error>(*m_end));
     if (index < 0) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
-    if (m_count || !HasCount()) return PageWanted(index, std::move(completion));
+    if (!HasCount()) return AtWithoutCount(index, std::move(completion));
+    if (m_count) return PageWanted(index, std::move(completion));
     Count(
         [this, index, completion = std::move(completion)](const Result<int>& count)
         {
             if (count) return PageWanted(index, completion);
             completion(tl::unexpected<Error>(count.error()));
         });
+}
+
+// Where no size is reported, a page that is not full shows where the list ends. The first page is asked for first:
+// beyond the end some services refuse, and some fill in the whole list whatever is asked for.
+void Pager::Impl::AtWithoutCount(int index, PageCompletion completion)
+{
+    const auto checked = [index, completion = std::move(completion)](const Result<PagePtr>& page)
+    { completion(page && !(*page)->Holds(index) ? Result<PagePtr>(NoSuchEntry(index)) : page); };
+    if (NumberOf(index) == 0) return PageWanted(index, checked);
+    PageWanted(0,
+               [this, index, checked](const Result<PagePtr>& first)
+               {
+                   const bool full = first && (*first)->Holds(m_options.pageSize - 1);
+                   return full ? PageWanted(index, checked) : checked(first);
+               });
 }
 
 void Pager::Impl::PageWanted(int index, PageCompletion completion)
@@ -174,6 +203,12 @@ int Pager::Impl::LastOf(int number) const
     if (m_kind == ListKind::Devices) return m_count.value_or(0) - 1;
     const std::int64_t last = FirstOf(number) + m_options.pageSize - 1;
     return static_cast<int>(std::min<std::int64_t>(last, m_count ? *m_count - 1 : INT32_MAX));
+}
+
+PagePtr Pager::Impl::Cached(int index)
+{
+    const PagePtr page = index < 0 ? nullptr : m_cache.Find(NumberOf(index));
+    return page != nullptr && page->Holds(index) ? page : nullptr;
 }
 
 void Pager::Impl::FetchPage(int number)
@@ -229,6 +264,7 @@ void Pager::Impl::Prefetch(int number)
 // was not sent yet.
 void Pager::Impl::Enter(Request<void> request, Completion completion)
 {
+    if (m_end) return TellLater<void>(std::move(completion), tl::unexpected<Error>(*m_end));
     if (!IsDatabase())
         return TellLater<void>(std::move(completion),
                                tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));
@@ -246,14 +282,13 @@ void Pager::Impl::Enter(Request<void> request, Completion completion)
         });
 }
 
-// Outdates again when it is done, because the other pagers may have asked in between; also when this one has ended.
+// The lists become outdated again when the service has followed it, because the other pagers may have asked in between;
+// also when this one has ended.
 void Pager::Impl::SendChange(std::uint64_t number, Request<void> request, const Lane::Release& release)
 {
     std::move(request).Start(
-        [weak = weak_from_this(), number, lane = m_lane, guard = m_session->CallbackGuard(),
-         release](const Result<void>& result)
+        [weak = weak_from_this(), number, release](const Result<void>& result)
         {
-            lane->Outdate(guard);
             release();
             if (const auto self = weak.lock()) self->Changed(number, result);
         });

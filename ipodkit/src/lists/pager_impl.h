@@ -25,7 +25,7 @@ public:
     void End();
     void Count(CountCompletion completion);
     void At(int index, PageCompletion completion);
-    PagePtr Cached(int index) { return index < 0 ? nullptr : m_cache.Find(NumberOf(index)); }
+    PagePtr Cached(int index);
     void Enter(Request<void> request, Completion completion);
     void Refresh();
     Subscription OnOutdated(std::string name, std::function<void()> callback);
@@ -41,6 +41,8 @@ private:
     void Forget(const Error& error);
     void FetchCount();
     void CountArrived(const Result<int>& count);
+    void End(const Error& error);
+    void AtWithoutCount(int index, PageCompletion completion);
     void PageWanted(int index, PageCompletion completion);
     void FetchPage(int number);
     void PageArrived(int number, const Result<PageHead>& head);
@@ -60,7 +62,9 @@ private:
     const std::shared_ptr<Lane> m_lane;
     PageCache m_cache;
     Subscription m_watch;
-    std::uint64_t m_round = 0;  // grows whenever all is forgotten
+    Subscription m_ending;
+    std::optional<Error> m_end;  // why nothing is asked any more
+    std::uint64_t m_round = 0;   // grows whenever all is forgotten
     std::optional<int> m_count;
     std::vector<CountCompletion> m_counts;
     std::map<int, std::vector<PageCompletion>> m_pages;

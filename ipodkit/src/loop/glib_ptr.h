@@ -40,6 +40,7 @@ struct VariantUnref
 
 using ConnectionPtr = std::unique_ptr<GDBusConnection, ObjectUnref>;
 using ContextPtr = std::unique_ptr<GMainContext, ContextUnref>;
+using MessagePtr = std::unique_ptr<GDBusMessage, ObjectUnref>;
 using ErrorPtr = std::unique_ptr<GError, ErrorFree>;
 using SourcePtr = std::unique_ptr<GSource, SourceDestroy>;
 using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;

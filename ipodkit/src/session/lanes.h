@@ -1,18 +1,42 @@
 /// @file
-/// The lists of a session, and the events that make them other lists.
+/// The lists of a session, and what makes them other lists.
 #pragma once
 
-#include <ipodkit/event.h>
 #include <ipodkit/list_kind.h>
 
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <string_view>
 
 #include "loop/lane.h"
 
 namespace ipodkit
 {
+/// A member of the bus contract that makes some lists other ones: an event, or a command that the service follows.
+struct ListChange
+{
+    std::string_view member;
+    bool playing;   ///< the playing list: its entries or their order
+    bool database;  ///< the level of the database, and the update list, which may be a part of it
+    bool devices;
+};
+
+/// Everything of which the contract lets one know. Another application that starts a list of the same size, or changes
+/// the level, causes no event.
+inline constexpr ListChange kListChanges[] = {
+    {"OnIpodPlayingListAmountChange", true, false, false},
+    {"OnIpodShuffleModeChange", true, false, false},
+    {"OnIpodDeviceStatusChange", true, true, true},
+    {"SetShuffleMode", true, false, false},
+    {"PlayDbList", true, false, false},
+    {"PlayPlayingList", true, false, false},
+    {"EnterDbRoot", false, true, false},
+    {"EnterDbParentList", false, true, false},
+    {"EnterDbChildList", false, true, false},
+    {"EnterDeviceChildList", true, true, true},
+};
+
 /// One lane for each list that has a state of its own in the service; names and pinyin of a level share it.
 class Lanes
 {
@@ -30,10 +54,23 @@ public:
         for (const auto& lane : m_lanes) lane->Outdate(m_guard);
     }
 
-    void Apply(const Event& event)
+    /// The service emitted an event, or has followed a command, or may have.
+    void OutdateBy(std::string_view member)
     {
-        if (std::holds_alternative<QueueSizeChanged>(event)) Of(ListKind::Playing)->Outdate(m_guard);
-        if (std::holds_alternative<DeviceChanged>(event)) OutdateAll();
+        for (const ListChange& change : kListChanges)
+        {
+            if (change.member != member) continue;
+            if (change.playing) Of(ListKind::Playing)->Outdate(m_guard);
+            if (change.database) Of(ListKind::Database)->Outdate(m_guard);
+            if (change.database) Of(ListKind::Update)->Outdate(m_guard);
+            if (change.devices) Of(ListKind::Devices)->Outdate(m_guard);
+        }
+    }
+
+    /// No callback of a watcher runs any more.
+    void End()
+    {
+        for (const auto& lane : m_lanes) lane->Watchers().End();
     }
 
 private:

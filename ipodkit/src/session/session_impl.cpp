@@ -59,6 +59,8 @@ void Session::Impl::Close()
     m_retry.reset();
     m_publisher->End();
     m_eventCallbacks.End();
+    m_lanes.End();
+    m_endings.ForEach(m_guard, [](const std::function<void()>& ended) { ended(); });
     CoreLink::Instance().Release();
     m_bus->Close();
 }
@@ -147,7 +149,7 @@ void Session::Impl::Signalled(const char* signal, GVariant* body)
     const std::optional<Event> event = Decode(signal, body, m_pictures);
     if (!event) return;
     m_draft.Apply(*event);
-    m_lanes.Apply(*event);
+    m_lanes.OutdateBy(signal);
     if (std::holds_alternative<DeviceChanged>(*event)) m_reader->ReadDevices();
     m_publisher->Touch();
     m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(*event); });
@@ -156,9 +158,8 @@ void Session::Impl::Signalled(const char* signal, GVariant* body)
 // No event reports that another device is browsed now.
 void Session::Impl::Followed(const char* method)
 {
-    if (std::strcmp(method, "EnterDeviceChildList") != 0) return;
-    m_lanes.OutdateAll();
-    m_reader->ReadDevices();
+    m_lanes.OutdateBy(method);
+    if (std::strcmp(method, "EnterDeviceChildList") == 0) m_reader->ReadDevices();
 }
 
 // A service that answers nothing at all is not usable yet; one that leaves some questions open is.

@@ -39,6 +39,9 @@ public:
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
 
+    /// Called when the session ends, before its requests complete: for what may outlive it.
+    Registry<std::function<void()>>& Endings() { return m_endings; }
+
 private:
     template <class Method>
     auto Bound(Method method);
@@ -68,6 +71,7 @@ private:
     const std::shared_ptr<StateReader> m_reader;
     Registry<EventCallback> m_eventCallbacks;
     std::shared_ptr<OwnerWatch> m_watch;
+    Registry<std::function<void()>> m_endings;
     SourcePtr m_retry;
     Phase m_phase = Phase::Absent;
     std::uint32_t m_generation = 0;
