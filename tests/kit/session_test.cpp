@@ -152,6 +152,7 @@ TEST_F(SessionTest, ALaterOneMayLiveInAContextOfTheApplication)
 
     EXPECT_TRUE(paused);
     session.reset();
+    while (g_main_context_iteration(own, FALSE)) continue;
     g_main_context_unref(own);
 }
 
@@ -207,6 +208,19 @@ TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
     EXPECT_FALSE(session->State()->error);
     EXPECT_EQ(session->State()->track->text1, "Song");
     EXPECT_EQ(session->State()->deviceName, "Phone");
+}
+
+// Each question that a service leaves open counts against the limit of its bus.
+TEST_F(SessionTest, DoesNotFloodAServiceThatHangs)
+{
+    FakeService service;
+    for (const char* method : kStateMethods) service.Hold(method);
+    options.deadline = 1ms;
+    Open(options);
+
+    RunLoopFor(500ms);
+
+    EXPECT_EQ(service.Calls().size(), std::size(kStateMethods));
 }
 
 TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)

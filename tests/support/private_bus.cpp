@@ -1,12 +1,14 @@
 #include "support/private_bus.h"
 
+#include <vector>
+
 namespace test
 {
 namespace
 {
 // Never released: g_test_dbus_down() waits 30 seconds for connections that a proxy keeps, and the client's proxy
 // lives as long as the process.
-GTestDBus* daemon = nullptr;
+std::vector<GTestDBus*> daemons;
 
 // By default the end of the bus ends the process.
 void SurviveTheBus()
@@ -20,8 +22,9 @@ void SurviveTheBus()
 
 PrivateBus::PrivateBus()
 {
-    daemon = g_test_dbus_new(G_TEST_DBUS_NONE);
-    g_test_dbus_up(daemon);
+    m_daemon = g_test_dbus_new(G_TEST_DBUS_NONE);
+    daemons.push_back(m_daemon);
+    g_test_dbus_up(m_daemon);
 }
 
 PrivateBus::~PrivateBus()
@@ -33,7 +36,7 @@ void PrivateBus::Stop()
 {
     if (!m_running) return;
     SurviveTheBus();
-    g_test_dbus_stop(daemon);
+    g_test_dbus_stop(m_daemon);
     m_running = false;
 }
 

@@ -19,6 +19,7 @@ public:
     void Stop();
 
 private:
+    GTestDBus* m_daemon;
     bool m_running = true;
 };
 

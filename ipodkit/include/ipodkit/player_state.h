@@ -124,7 +124,7 @@ struct PlayerState
     Phase phase = Phase::Absent;
     std::uint32_t generation = 0;  ///< how often the service has appeared
     std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
-    Fields missing;                ///< not answered within the deadline, and being asked for again; Ready only
+    Fields missing;                ///< not answered within the deadline, and still being waited for; Ready only
 
     std::optional<QBXiPodTrackInfo> track;
     std::optional<int> trackIndex;  ///< -1 when nothing plays

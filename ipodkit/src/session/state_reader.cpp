@@ -2,6 +2,7 @@
 
 #include <QBXIpodShareMemory.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "commands/requests.h"
@@ -12,9 +13,19 @@ namespace ipodkit
 {
 namespace
 {
-constexpr guint kAskAgainMilliseconds = 100;
+// The bus lets a connection wait for 128 answers. A service that hangs keeps its share open until it wakes up.
+constexpr int kMostAttempts = 5;
+constexpr auto kFirstWait = std::chrono::seconds(1);
 
-// The rest is no word of the service.
+// Longer than any service lives: lateness is for the reader's own timers to find out.
+constexpr auto kForEver = std::chrono::hours(24 * 24);
+
+guint Milliseconds(std::chrono::milliseconds time)
+{
+    return static_cast<guint>(std::clamp<std::int64_t>(time.count(), 1, G_MAXINT));
+}
+
+// Everything else comes from the bus, and ends with a change of the owner.
 bool IsAnswer(const Error& error)
 {
     return error.kind == ErrorKind::Refused || error.kind == ErrorKind::BadReply;
@@ -35,8 +46,7 @@ StateReader::StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus
 void StateReader::Stop()
 {
     ++m_round;
-    m_retry.reset();
-    m_retries.clear();
+    m_timers.clear();
     m_open = {};
     m_missing = {};
     m_started = false;
@@ -52,41 +62,55 @@ void StateReader::Start()
     ReadAll();
 }
 
-// What the service does not answer in time is unknown until it does: the last value may be that of another device.
 template <class T, class Take>
 void StateReader::Ask(Field field, const Question<T>& question, const Take& take)
 {
+    const auto send = [this, field, question, take] { Send<T>(field, question, take); };
+    const auto late = [this, field, send]
+    {
+        m_missing = m_missing | field;
+        m_draft.Forget(field);
+        Late(field, kFirstWait, 1, send);
+        m_progressed();
+    };
     m_open = m_open | field;
-    const auto again = [this, field, question, take] { Ask<T>(field, question, take); };
-    question().Start(
-        [weak = weak_from_this(), round = m_round, field, take, again](const Result<T>& result)
+    m_timers[field] = After(m_context.get(), Milliseconds(m_deadline), late);
+    send();
+}
+
+// Answers come in order: a later one to the same question is the more recent value.
+template <class T, class Take>
+void StateReader::Send(Field field, const Question<T>& question, const Take& take)
+{
+    question().Within(kForEver).Start(
+        [weak = weak_from_this(), round = m_round, field, take](const Result<T>& result)
         {
             const auto self = weak.lock();
-            if (self == nullptr || self->m_round != round) return;
-            if (!result) self->m_draft.Forget(field);
-            if (!result && !IsAnswer(result.error())) return self->TimedOut(field, again);
-            if (result) take(*result);
+            if (self == nullptr || self->m_round != round || (!result && !IsAnswer(result.error()))) return;
+            if (result)
+                take(*result);
+            else
+                self->m_draft.Forget(field);
             self->Answered(field);
         });
 }
 
-void StateReader::TimedOut(Field field, std::function<void()> again)
+// The last value may be that of another device: while an answer is late, its field is unknown.
+void StateReader::Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again)
 {
-    m_missing = m_missing | field;
-    m_retries.push_back(std::move(again));
-    if (m_retry == nullptr) m_retry = After(m_context.get(), kAskAgainMilliseconds, [this] { Retry(); });
-    m_progressed();
-}
-
-void StateReader::Retry()
-{
-    m_retry.reset();
-    for (const auto& again : std::exchange(m_retries, {})) again();
+    if (attempts == kMostAttempts) return;
+    m_timers[field] = After(m_context.get(), Milliseconds(wait),
+                            [this, field, wait, attempts, again]
+                            {
+                                again();
+                                Late(field, 4 * wait, attempts + 1, again);
+                            });
 }
 
 void StateReader::Answered(Field field)
 {
     m_answered = true;
+    m_timers.erase(field);
     m_open = m_open.Without(field);
     m_missing = m_missing.Without(field);
     if (field == Field::Artwork && std::exchange(m_artworkOutdated, false)) ReadArtwork();

@@ -4,8 +4,8 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
-#include <vector>
 
 #include "commands/records.h"
 #include "pictures/picture_shelf.h"
@@ -13,16 +13,17 @@
 
 namespace ipodkit
 {
-/// Reads the fields that the service can be asked for into the draft. What it does not answer within the deadline is
-/// asked for again until it does; what it refuses is unknown. Context thread only.
+/// Reads the fields that the service can be asked for into the draft. What it refuses is unknown. So is what it does
+/// not answer within the deadline, but only until it does: the question stays open, and is put again now and then in
+/// case the service has lost it. Context thread only.
 class StateReader : public std::enable_shared_from_this<StateReader>
 {
 public:
     struct Progress
     {
-        bool complete;   ///< each question was answered, or timed out at least once
+        bool complete;   ///< each question was answered or is late
         bool answered;   ///< at least one of them was answered
-        Fields missing;  ///< timed out, and asked for again
+        Fields missing;  ///< late
     };
 
     /// @p progressed is called after each answer, when the draft has it.
@@ -49,10 +50,11 @@ private:
 
     template <class T, class Take>
     void Ask(Field field, const Question<T>& question, const Take& take);
+    template <class T, class Take>
+    void Send(Field field, const Question<T>& question, const Take& take);
     template <class T, class Value>
     void Read(Field field, Request<T> (Commands::*question)() const, void (StateDraft::*set)(Value));
-    void TimedOut(Field field, std::function<void()> again);
-    void Retry();
+    void Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again);
     void ReadAll();
     void Answered(Field field);
     void TakeArtwork(const PictureHead& head, const PicturePtr& before);
@@ -64,8 +66,7 @@ private:
     StateDraft& m_draft;
     PictureShelf& m_pictures;
     const std::function<void()> m_progressed;
-    SourcePtr m_retry;
-    std::vector<std::function<void()>> m_retries;  // to be made when the timer expires
+    std::map<Field, SourcePtr> m_timers;  // of open questions
     unsigned m_round = 0;
     Fields m_open;     // not answered yet
     Fields m_missing;  // of these, those that timed out
