@@ -194,7 +194,7 @@ TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
     AnswerState(service);
     service.Hold("GetCurrentMediaInfo");
     service.Hold("GetIpodName");
-    options.deadline = 100ms;
+    options.deadline = 500ms;
     Ready();
 
     EXPECT_EQ(session->State()->missing, Field::Track | Field::DeviceName);
@@ -208,6 +208,22 @@ TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
     EXPECT_FALSE(session->State()->error);
     EXPECT_EQ(session->State()->track->text1, "Song");
     EXPECT_EQ(session->State()->deviceName, "Phone");
+}
+
+TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgain)
+{
+    FakeService service;
+    AnswerState(service);
+    service.React("GetShuffleMode",
+                  [&service](GDBusMethodInvocation* call)
+                  {
+                      service.Emit("OnIpodShuffleModeChange", "(1,)");
+                      g_dbus_method_invocation_return_dbus_error(call, "com.example.Broken", "no");
+                  });
+
+    Ready();
+
+    EXPECT_EQ(session->State()->shuffle, IPOD_SHUFFLE_SONGS);
 }
 
 // Each question that a service leaves open counts against the limit of its bus.

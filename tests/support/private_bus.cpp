@@ -8,7 +8,7 @@ namespace
 {
 // Never released: g_test_dbus_down() waits 30 seconds for connections that a proxy keeps, and the client's proxy
 // lives as long as the process.
-std::vector<GTestDBus*> daemons;
+auto& daemons = *new std::vector<GTestDBus*>;
 
 // By default the end of the bus ends the process.
 void SurviveTheBus()

@@ -66,10 +66,10 @@ template <class T, class Take>
 void StateReader::Ask(Field field, const Question<T>& question, const Take& take)
 {
     const auto send = [this, field, question, take] { Send<T>(field, question, take); };
-    const auto late = [this, field, send]
+    const auto late = [this, field, send, asked = m_asked]
     {
         m_missing = m_missing | field;
-        m_draft.Forget(field);
+        Forget(field, *asked);
         Late(field, kFirstWait, 1, send);
         m_progressed();
     };
@@ -83,19 +83,24 @@ template <class T, class Take>
 void StateReader::Send(Field field, const Question<T>& question, const Take& take)
 {
     question().Within(kForEver).Start(
-        [weak = weak_from_this(), round = m_round, field, take](const Result<T>& result)
+        [weak = weak_from_this(), round = m_round, field, take, asked = m_asked](const Result<T>& result)
         {
             const auto self = weak.lock();
             if (self == nullptr || self->m_round != round || (!result && !IsAnswer(result.error()))) return;
             if (result)
                 take(*result);
             else
-                self->m_draft.Forget(field);
+                self->Forget(field, *asked);
             self->Answered(field);
         });
 }
 
-// The last value may be that of another device: while an answer is late, its field is unknown.
+// The last value may be that of another device. What an event has brought in the meantime is known, though.
+void StateReader::Forget(Field field, const PlayerState& asked)
+{
+    if (!Differences(asked, m_draft.State()).Has(field)) m_draft.Forget(field);
+}
+
 void StateReader::Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again)
 {
     if (attempts == kMostAttempts) return;
@@ -129,6 +134,7 @@ void StateReader::Read(Field field, Request<T> (Commands::*question)() const, vo
 
 void StateReader::ReadAll()
 {
+    m_asked = std::make_shared<const PlayerState>(m_draft.State());
     Read(Field::Track, &Commands::CurrentTrack, &StateDraft::SetTrack);
     Read(Field::TrackIndex, &Commands::PlayingIndex, &StateDraft::SetTrackIndex);
     Read(Field::Status, &Commands::PlayStatus, &StateDraft::SetStatus);
@@ -150,6 +156,7 @@ void StateReader::ReadDevices()
 {
     m_devicesChanged = !Settled();
     if (m_devicesChanged || !m_started) return;
+    m_asked = std::make_shared<const PlayerState>(m_draft.State());
     const Commands commands(m_bus, m_deadline);
     Ask<int>(
         Field::DeviceCount, [commands] { return commands.DeviceCount(); },
@@ -166,7 +173,8 @@ void StateReader::ReadDevices()
 void StateReader::ReadArtwork()
 {
     m_artworkOutdated = m_open.Has(Field::Artwork);
-    if (m_artworkOutdated) return;
+    if (m_artworkOutdated || !m_started) return;
+    m_asked = std::make_shared<const PlayerState>(m_draft.State());
     Ask<PictureHead>(
         Field::Artwork, [this] { return AskForArtwork(m_bus, m_deadline); },
         [this, before = m_draft.State().artwork](const PictureHead& head) { TakeArtwork(head, before); });

@@ -55,6 +55,7 @@ private:
     template <class T, class Value>
     void Read(Field field, Request<T> (Commands::*question)() const, void (StateDraft::*set)(Value));
     void Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again);
+    void Forget(Field field, const PlayerState& asked);
     void ReadAll();
     void Answered(Field field);
     void TakeArtwork(const PictureHead& head, const PicturePtr& before);
@@ -66,7 +67,8 @@ private:
     StateDraft& m_draft;
     PictureShelf& m_pictures;
     const std::function<void()> m_progressed;
-    std::map<Field, SourcePtr> m_timers;  // of open questions
+    std::map<Field, SourcePtr> m_timers;         // of open questions
+    std::shared_ptr<const PlayerState> m_asked;  // the draft when the last questions were put
     unsigned m_round = 0;
     Fields m_open;     // not answered yet
     Fields m_missing;  // of these, those that timed out
