@@ -27,7 +27,6 @@ std::optional<Error> CoreLink::Attach()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_failure || m_player != nullptr) return m_failure;
-    if (std::optional<Error> unusable = ProbeSegments()) return unusable;
     try
     {
         m_player = QBX_GetIpodPlayer();

@@ -24,8 +24,7 @@ public:
     /// Null until Attach() has succeeded.
     IQBXIpodPlayer* Player() const { return m_player; }
 
-    /// Probes the segments and obtains the player, which attaches them. Blocks for as long as a process that is
-    /// creating them takes, at most ten seconds.
+    /// Obtains the player, which attaches the segments. The caller has probed them: it does not block then.
     std::optional<Error> Attach();
 
 private:

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "loop/context.h"
+#include "memory/segment_probe.h"
 #include "session/signals.h"
 
 namespace ipodkit
@@ -123,18 +124,19 @@ void Session::Impl::Vanished()
     m_lanes.OutdateAll();
 }
 
-// Processes that create the segments, and dead ones that hold their locks, are waited for on another thread.
+// Processes that create the segments, and dead ones that hold their locks, are waited for on another thread. It must
+// not be that thread that attaches them: the process may end meanwhile, and with it what the core has of them.
 void Session::Impl::Attach()
 {
     if (CoreLink::Instance().Player() != nullptr) return Attached(std::nullopt);
-    const auto done = [weak = weak_from_this(), generation = m_generation](const std::optional<Error>& error)
+    const auto probed = [weak = weak_from_this(), generation = m_generation](const std::optional<Error>& error)
     {
         const auto self = weak.lock();
         if (self != nullptr && self->m_phase == Phase::Connecting && generation == self->m_generation)
-            self->Attached(error);
+            self->Attached(error ? error : CoreLink::Instance().Attach());
     };
     const std::shared_ptr<GMainContext> context(g_main_context_ref(m_context.get()), g_main_context_unref);
-    RunAside([done, context] { Post(context.get(), [done, error = CoreLink::Instance().Attach()] { done(error); }); });
+    RunAside([probed, context] { Post(context.get(), [probed, error = ProbeSegments()] { probed(error); }); });
 }
 
 void Session::Impl::Attached(const std::optional<Error>& error)
