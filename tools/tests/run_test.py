@@ -20,6 +20,7 @@ STAND_INS = {
 while [ "$1" != --output-log ]; do shift; done
 printf '%s\\n' "$RESULT" >"$2"
 """,
+    "lintian": "",
     "dpkg-query": """for package; do :; done; [ "$package" = "$MISSING" ] || echo ii""",
     "nproc": "echo 3",
     "sudo": """[ -n "$SUDO" ] || { echo "sudo: a password is required" >&2; exit 1; }
@@ -38,9 +39,12 @@ class Run(unittest.TestCase):
         scratch = tempfile.TemporaryDirectory()
         self.addCleanup(scratch.cleanup)
         self.root = pathlib.Path(scratch.name)
-        for name in ("run", "tools/count-tests", "packaging/packages.txt"):
-            (self.root / name).parent.mkdir(parents=True, exist_ok=True)
+        (self.root / "tools").mkdir()
+        for name in ("run", "tools/count-tests"):
             shutil.copy(TREE / name, self.root / name)
+        shutil.copytree(TREE / "packaging", self.root / "packaging")
+        for tool in ("docs/doxygen/make-docs", "tools/arm-sysroot"):
+            self.write(tool, "#!/bin/sh\nmkdir -p build/docs build/release/packages build/arm/packages\n")
         for name, text in STAND_INS.items():
             self.write(f"bin/{name}", f'#!/bin/sh\necho "{name} $*" >>{self.root}/called\n{text}\n')
         self.shared_memory('IPOD_PRIVATE_SHM=mount "$@"')
@@ -96,6 +100,22 @@ class Run(unittest.TestCase):
 
     def ordinary_user(self):
         return NOBODY if os.geteuid() == 0 else None
+
+    # Debian packages of our own
+
+    def packaged(self):
+        return re.findall(r"-E chdir build/(\w+) cpack", "\n".join(self.called("cmake")))
+
+    def test_packages_are_made_for_both_architectures_or_for_one(self):
+        for words, presets in (([], ["release", "arm"]), (["release"], ["release"]), (["arm"], ["arm"])):
+            with self.subTest(words):
+                (self.root / "called").write_text("")
+                status, _, errors = self.run_verb("package", *words)
+                self.assertEqual((status, self.packaged()), (0, presets), errors)
+
+    def test_packages_of_an_unknown_preset_are_refused(self):
+        self.assertEqual(self.run_verb("package", "dev"), (1, "", "run: unknown preset 'dev' for packages\n"
+                                                                  "hint: ./run package [release|arm]\n"))
 
     # Tests
 
