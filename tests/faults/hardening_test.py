@@ -4,6 +4,7 @@
 Usage: hardening_test.py OPTIMISED FILE...    OPTIMISED is 1 when the build optimises, else 0
 """
 
+import os
 import re
 import subprocess
 import sys
@@ -16,7 +17,8 @@ def readelf(option, file):
 def missing(file, optimised):
     """What a program or library lacks."""
     header, segments, dynamic, symbols = (readelf(option, file) for option in ("-h", "-l", "-d", "--dyn-syms"))
-    library = ".so" in file
+    name = os.path.basename(file)
+    library = ".so" in name
     found = {
         "position-independent": re.search(r"Type:\s+DYN", header) and (library or re.search(r"FLAGS_1.*\bPIE\b", dynamic)),
         "relro": "GNU_RELRO" in segments,
@@ -26,7 +28,7 @@ def missing(file, optimised):
     }
     if optimised:
         found["checked copies"] = re.search(r"__\w+_chk@", symbols)
-    if "libipod" in file:
+    if name.startswith("libipod."):
         found["never unloaded"] = re.search(r"FLAGS_1.*\bNODELETE\b", dynamic)
         found["assertions of the C++ library"] = "__glibcxx_assert_fail" in symbols
     return [name for name, there in found.items() if not there]

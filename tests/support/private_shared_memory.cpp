@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -35,44 +34,85 @@ bool EnterUserNamespace()
     return true;
 }
 
+// A chroot's root is not always a mount point, but its /dev/shm may be one.
+bool KeepMountsToOurselves()
+{
+    return mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 ||
+           mount("none", "/dev/shm", "none", MS_PRIVATE, nullptr) == 0;
+}
+
 bool MountOwnSharedMemory()
 {
     if (unshare(CLONE_NEWNS) != 0 && !EnterUserNamespace()) return false;
-    return mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("tmpfs", "/dev/shm", "tmpfs", 0, "mode=1777,size=64m") == 0;
+    return KeepMountsToOurselves() && mount("tmpfs", "/dev/shm", "tmpfs", 0, "mode=1777,size=64m") == 0;
 }
 
 // Held until the process ends.
-void WaitForOtherTests()
+int WaitForOtherTests()
 {
-    const auto path = std::filesystem::temp_directory_path() / "libipod-tests.lock";
-    const int file = open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
-    if (file >= 0 && flock(file, LOCK_EX) == 0) return;
+    const std::string name = "libipod-tests-" + std::to_string(getuid()) + ".lock";
+    const auto path = std::filesystem::temp_directory_path() / name;
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (file >= 0 && flock(file, LOCK_EX) == 0) return file;
     std::perror(path.c_str());
     std::exit(EXIT_FAILURE);
 }
 
+std::string BootId()
+{
+    std::string id;
+    std::getline(std::ifstream("/proc/sys/kernel/random/boot_id"), id);
+    return id + "\n";
+}
+
+bool IsMarked(int lock)
+{
+    std::string text(64, '\0');
+    const ssize_t size = pread(lock, text.data(), text.size(), 0);
+    return size > 0 && text.substr(0, static_cast<std::size_t>(size)) == BootId();
+}
+
+void SetMark(int lock, const std::string& text)
+{
+    if (ftruncate(lock, 0) == 0 && pwrite(lock, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size()))
+        return;
+    std::perror("the lock of the tests");
+    std::exit(EXIT_FAILURE);
+}
+
+std::filesystem::path PathOf(const char* segment)
+{
+    return std::filesystem::path("/dev/shm") / segment;
+}
+
 void RefuseToTouch(const char* segment)
 {
-    const int file = shm_open(segment, O_RDONLY, 0);
-    if (file < 0) return;
+    if (!exists(symlink_status(PathOf(segment)))) return;
     std::fprintf(stderr, "the segment %s is in use on this machine; the tests would disturb it\n", segment);
     std::exit(EXIT_FAILURE);
 }
+
+void RemoveSegments()
+{
+    std::error_code ignored;
+    for (const char* segment : {kListSegmentName, kBufferSegmentName}) remove_all(PathOf(segment), ignored);
+}
 }  // namespace
 
-PrivateSharedMemory::PrivateSharedMemory() : m_ownMount(MountOwnSharedMemory())
+PrivateSharedMemory::PrivateSharedMemory()
 {
-    if (m_ownMount) return;
-    WaitForOtherTests();
+    if (MountOwnSharedMemory() || std::getenv("IPOD_PRIVATE_SHM") != nullptr) return;
+    m_lock = WaitForOtherTests();
+    if (IsMarked(m_lock)) RemoveSegments();
     RefuseToTouch(kListSegmentName);
     RefuseToTouch(kBufferSegmentName);
+    SetMark(m_lock, BootId());
 }
 
 PrivateSharedMemory::~PrivateSharedMemory()
 {
-    if (m_ownMount) return;
-    shm_unlink(kListSegmentName);
-    shm_unlink(kBufferSegmentName);
+    if (m_lock < 0) return;
+    RemoveSegments();
+    SetMark(m_lock, "");
 }
 }  // namespace test

@@ -4,8 +4,9 @@
 
 namespace test
 {
-/// Gives the process a /dev/shm of its own. Where that is not allowed, lets one test process run at a time,
-/// refuses to run beside segments that somebody else made, and removes those that the test made.
+/// Gives the process a /dev/shm of its own. Where that is not allowed, runs one test process at a time, fails beside
+/// segments that another program made, and removes those of the test. `with-private-shm` does the same for scripts. A
+/// test that is killed leaves its segments, and the boot's ID in the lock: the next one removes them.
 ///
 /// Construct before the first thread starts. Exits the process with a message when it has to refuse.
 class PrivateSharedMemory
@@ -17,6 +18,6 @@ public:
     PrivateSharedMemory& operator=(const PrivateSharedMemory&) = delete;
 
 private:
-    bool m_ownMount;
+    int m_lock = -1;
 };
 }  // namespace test

@@ -15,6 +15,7 @@ APT_GET = "#!/bin/sh\n[ -z \"$NO_MIRROR\" ] && echo stable bookworm main http://
 # A root with three files, written as a tar stream; MODE says what goes wrong.
 MMDEBSTRAP = """#!/bin/bash
 set -e
+printf '%s\\n' "$@" >"$ARGUMENTS"
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 mkdir -p "$root/usr/include" "$root/usr/lib"
@@ -47,8 +48,9 @@ class ArmSysroot(unittest.TestCase):
 
     def start(self, mode, **environment):
         path = f"{self.tools}:{os.environ['PATH']}"
-        return subprocess.Popen([TOOL, self.sysroot], env=dict(os.environ, PATH=path, MODE=mode, **environment),
-                                stderr=subprocess.PIPE, text=True, start_new_session=True)
+        environment.update(PATH=path, MODE=mode, ARGUMENTS=str(self.scratch / "arguments"))
+        return subprocess.Popen([TOOL, self.sysroot], env=dict(os.environ, **environment), stderr=subprocess.PIPE, text=True,
+                                start_new_session=True)
 
     def run_tool(self, mode="well", **environment):
         """The exit status and the last line."""
@@ -66,6 +68,14 @@ class ArmSysroot(unittest.TestCase):
         self.assert_whole()
         status, line = self.run_tool("broken")
         self.assertEqual((status, line.split(":")[1]), (0, " ready"), line)
+
+    def test_unpacks_libraries_but_no_tools_of_the_build(self):
+        self.run_tool()
+        arguments = (self.scratch / "arguments").read_text().splitlines()
+        packages = next(word for word in arguments if word.startswith("--include=")).partition("=")[2].split(",")
+        self.assertIn("libglib2.0-dev", packages)
+        self.assertIn("python3-dev", packages)
+        self.assertNotIn("dpkg-dev", packages)
 
     def test_skips_when_the_mirror_cannot_be_reached(self):
         status, line = self.run_tool("unreachable")

@@ -258,6 +258,28 @@ class CheckContract(Case):
         self.expect_difference("proto", "remote_id = 1;", "remote_id = 13;", "remote_id")
 
 
+class Hardening(Case):
+    SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
+
+    def check(self, name, *link):
+        """The verdict on an unoptimised program or library that is hardened as far as LINK says."""
+        built = self.root / name
+        built.parent.mkdir(parents=True, exist_ok=True)
+        subprocess.run([COMPILER, "-fPIC", "-nostdlib", "-Wl,-z,relro,-z,now", *link, "-o", str(built),
+                        self.write("source.c", self.SOURCE)], check=True, timeout=60)
+        return self.run_check("../tests/faults/hardening_test.py", 0, built)
+
+    def test_expects_of_a_program_what_programs_need_wherever_it_was_built(self):
+        for name in ("build/program", "libipod/build/program", "libipod.so.d/program"):
+            with self.subTest(name):
+                self.assertEqual((0, "1 hardened, 0 not\n"), self.check(name, "-pie", "-rdynamic", "-Wl,-e,start"))
+
+    def test_finds_a_library_that_can_be_unloaded(self):
+        status, output = self.check("build/libipod.so.1", "-shared")
+        self.assertEqual(1, status, output)
+        self.assertIn("libipod.so.1: lacks never unloaded", output)
+
+
 class CompareTestLists(Case):
     def build(self, name, tests):
         lines = "".join(f'add_test({test} "true")\n' for test in tests)
