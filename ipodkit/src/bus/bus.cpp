@@ -45,6 +45,13 @@ Result<Body> Judged(const Call& call, Result<Body> result)
     return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
 }
 
+// One record for each request, so that a log shows what an application asked for.
+void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::steady_clock::time_point since)
+{
+    const std::string taken = DurationText(std::chrono::steady_clock::now() - since);
+    LogDebug(TextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
+}
+
 Result<Body> ToResult(GVariant* body, GError* error)
 {
     if (error == nullptr) return Body(body, g_variant_unref);
@@ -129,6 +136,7 @@ void Bus::Complete(Serial serial, Result<Body> result)
     if (pending == nullptr) return;
     const Call& call = pending->call;
     Result<Body> judged = Judged(call, std::move(result));
+    LogOutcome(call, judged, pending->since);
     if (judged && call.isOrder) m_followed(call.method);
     m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
 }
@@ -194,11 +202,13 @@ Result<Body> Bus::SendAndWait(const Call& call)
     if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
     const Result<ConnectionPtr> connection = ConnectionForWaiting();
     if (!connection) return tl::unexpected<Error>(connection.error());
+    const auto since = std::chrono::steady_clock::now();
     GError* error = nullptr;
     GVariant* const body = g_dbus_connection_call_sync(
         connection->get(), kBusName, kObjectPath, kBusName, call.method, call.arguments.get(),
         G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, Milliseconds(call), NativeOf(call), &error);
     Result<Body> judged = Judged(call, ToResult(body, error));
+    LogOutcome(call, judged, since);
     if (judged && call.isOrder)
         Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
     return judged;
