@@ -28,6 +28,7 @@ constexpr char kExitCodes[] =
     "\n"
     "ipodctl VERB --help shows the arguments and examples of a verb.\n"
     "Environment: DBUS_SESSION_BUS_ADDRESS (the bus), NO_COLOR (no colours),\n"
+    "QBX_LOG (what to log: LEVEL or LEVEL:FILE, such as DEBUG:/tmp/log),\n"
     "QBX_SOURCE_REFUSE (the stand-in for the unit's audio sources refuses with this code).";
 
 std::vector<Verb> AllVerbs()
@@ -49,7 +50,8 @@ struct Options
 void AddOptions(CLI::App& app, Options& options)
 {
     app.add_flag("--json", options.json, "Answer with one JSON object, events with one per line (ipodctl.schema.json)");
-    app.add_flag("--verbose", options.settings.verbose, "Show what the library logs, on standard error");
+    app.add_flag("--verbose", options.settings.verbose,
+                 "Show every request and what the library logs, on standard error");
     app.add_option("--deadline", options.settings.deadline, "Seconds that the service may take for an answer (10)")
         ->check(Seconds(86400));
     app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION);
@@ -61,7 +63,7 @@ int Report(const Options& options, ExitCode code, const std::string& message)
 {
     std::fprintf(stderr, "ipodctl: %s\n", Printable(message).c_str());
     const std::string line = Dump({{"error", {{"code", code}, {"message", message}}}});
-    if (options.json) std::puts(line.c_str());
+    if (options.json) std::fprintf(AnswerStream(), "%s\n", line.c_str());
     return code;
 }
 
@@ -172,6 +174,7 @@ void OpenStandardStreams()
 int main(int argc, char** argv)
 {
     ctl::OpenStandardStreams();
+    ctl::ReserveStandardOutput();
     std::signal(SIGPIPE, SIG_IGN);
     return ctl::Main(argc, argv);
 }

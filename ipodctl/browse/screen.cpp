@@ -17,6 +17,7 @@
 #include <string>
 
 #include "output/failure.h"
+#include "output/output.h"
 #include "output/text.h"
 
 namespace ctl::browse
@@ -65,7 +66,7 @@ std::string Capability(const char* name)
 SCREEN* OpenScreen()
 {
     UseUtf8();
-    SCREEN* const screen = newterm(nullptr, stdout, stdin);
+    SCREEN* const screen = newterm(nullptr, AnswerStream(), stdin);
     if (screen != nullptr && !Capability("cup").empty()) return screen;
     if (screen != nullptr)
     {

@@ -62,6 +62,18 @@ std::string Escaped(gunichar code)
 }
 }  // namespace
 
+FILE* AnswerStream()
+{
+    static FILE* const standardOutput = stdout;
+    return standardOutput;
+}
+
+void ReserveStandardOutput()
+{
+    AnswerStream();
+    stdout = stderr;
+}
+
 Output::Output(bool json)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
@@ -114,7 +126,8 @@ std::string Output::EndTransient()
 
 void Output::Raw(const void* data, std::size_t size)
 {
-    if (std::fwrite(data, 1, size, stdout) == size && std::fflush(stdout) == 0) return;
+    FILE* const answers = AnswerStream();
+    if (std::fwrite(data, 1, size, answers) == size && std::fflush(answers) == 0) return;
     if (errno == EPIPE) throw OutputClosed{};
     RefuseOutput(errno);
 }

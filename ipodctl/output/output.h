@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <climits>
+#include <cstdio>
 #include <string>
 
 #include "output/failure.h"
@@ -33,6 +34,13 @@ enum class Colour
     Green,
     Cyan,
 };
+
+/// The stream of the answers.
+FILE* AnswerStream();
+
+/// Keeps standard output for the answers: from now on, `stdout` is standard error. The library prints a line to
+/// `stdout` for each record while logging is not set up.
+void ReserveStandardOutput();
 
 /// Standard output. Colours and widths only where it is a terminal.
 class Output

@@ -4,7 +4,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 namespace ctl
@@ -13,10 +14,27 @@ namespace
 {
 constexpr std::string_view kFailed = ": Failed to call dbus method. Reason: ";
 
-bool LogInto(int memory, bool verbose)
+// "LEVEL" or "LEVEL:FILE"; empty when nothing is to be shown.
+std::string WantedLog(bool verbose)
 {
-    const std::string config = std::string(verbose ? "DEBUG" : "ERROR") + ":/proc/self/fd/" + std::to_string(memory);
-    return memory >= 0 && QBX_LogInit(config.c_str()) == 1;
+    const char* const environment = std::getenv("QBX_LOG");
+    if (verbose) return "DEBUG";
+    return environment == nullptr || liblog_category == nullptr ? "" : environment;
+}
+
+bool LogInto(int memory, const std::string& wanted)
+{
+    const std::string level = wanted.empty() ? "ERROR" : wanted.substr(0, wanted.find(':'));
+    const std::string config = level + ":/proc/self/fd/" + std::to_string(memory);
+    return memory >= 0 && level != "FATAL" && QBX_LogInit(config.c_str()) == 1;
+}
+
+std::unique_ptr<FILE, int (*)(FILE*)> OpenTarget(const std::string& wanted)
+{
+    constexpr auto leaveOpen = [](FILE*) { return 0; };
+    const std::size_t colon = wanted.find(':');
+    if (colon != std::string::npos) return {std::fopen(wanted.c_str() + colon + 1, "ae"), std::fclose};
+    return {wanted.empty() ? nullptr : stderr, leaveOpen};
 }
 
 std::string ReasonIn(const std::string& log)
@@ -29,11 +47,22 @@ std::string ReasonIn(const std::string& log)
 }
 }  // namespace
 
-LibraryLog::LibraryLog(bool verbose)
-    : m_memory(memfd_create("ipodctl-log", MFD_CLOEXEC)), m_verbose(verbose), m_readable(LogInto(m_memory, verbose))
+void LogCall(const std::string& call, std::chrono::microseconds taken, const char* reason)
 {
-    // Without a category every log site would write a warning to standard output.
-    if (!m_readable) QBX_LogInit(verbose ? "DEBUG" : "ERROR:/dev/null");
+    constexpr int kDebug = 20;
+    if (liblog_category == nullptr) return;
+    zlog(liblog_category, "ipodctl", std::strlen("ipodctl"), __func__, std::strlen(__func__), __LINE__, kDebug,
+         "%s() %s %.1f ms%s%s", call.c_str(), reason == nullptr ? "took" : "failed after",
+         static_cast<double>(taken.count()) / 1000, reason == nullptr ? "" : ": ", reason == nullptr ? "" : reason);
+}
+
+LibraryLog::LibraryLog(bool verbose)
+    : m_memory(memfd_create("ipodctl-log", MFD_CLOEXEC)),
+      m_readable(LogInto(m_memory, WantedLog(verbose))),
+      m_passedTo(OpenTarget(m_readable ? WantedLog(verbose) : ""))
+{
+    // Without a category every log site would write a warning instead.
+    if (!m_readable && liblog_category == nullptr) QBX_LogInit(verbose ? "DEBUG" : "ERROR:/dev/null");
 }
 
 LibraryLog::~LibraryLog()
@@ -46,7 +75,9 @@ LibraryLog::~LibraryLog()
 std::string LibraryLog::TakeFailure()
 {
     const std::string log = TakeText();
-    if (m_verbose) std::fwrite(log.data(), 1, log.size(), stderr);
+    if (m_passedTo == nullptr) return ReasonIn(log);
+    std::fwrite(log.data(), 1, log.size(), m_passedTo.get());
+    std::fflush(m_passedTo.get());
     return ReasonIn(log);
 }
 

@@ -4,13 +4,13 @@
 
 #include "output/failure.h"
 #include "output/text.h"
+#include "session/bus_daemon.h"
 
 namespace ctl
 {
 namespace
 {
-constexpr char kName[] = "com.zarn.linux.ipod.Simulator";
-constexpr char kPath[] = "/com/zarn/linux/ipod/simulator";
+constexpr Address kSimulator{"com.zarn.linux.ipod.Simulator", "/com/zarn/linux/ipod/simulator"};
 
 [[noreturn]] void Fail(GError* error)
 {
@@ -30,9 +30,7 @@ constexpr char kPath[] = "/com/zarn/linux/ipod/simulator";
 VariantPtr AskSimulator(Session& session, const char* method, GVariant* arguments)
 {
     GError* error = nullptr;
-    GVariant* const reply =
-        g_dbus_connection_call_sync(session.Bus(), kName, kPath, kName, method, arguments, nullptr,
-                                    G_DBUS_CALL_FLAGS_NO_AUTO_START, session.Deadline(), nullptr, &error);
+    GVariant* const reply = CallAndLog(session.Bus(), kSimulator, method, arguments, session.Deadline(), &error);
     if (reply == nullptr) Fail(error);
     return VariantPtr(reply);
 }

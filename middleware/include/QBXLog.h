@@ -13,15 +13,20 @@ extern "C"
     /// Category of the unit's applications. Null until logging is set up.
     extern zlog_category_t* liblog_category;
 
-    /// Sets logging up and returns 1. May be called again, but not while another thread logs. Returns 0 for a
-    /// configuration that cannot be used: logging stays as it was, but where the real zlog is installed it ends.
+    /// Sets logging up and returns 1. Returns 0 and changes nothing if the configuration cannot be used, or if the
+    /// application has initialized zlog itself; such an application sets `liblog_category` to one of its categories.
+    /// May be called again, but not while another thread logs.
     ///
-    /// @param config  where the real zlog is installed: path of its configuration file, category "ipod" is used.
-    ///                Otherwise "LEVEL" or "LEVEL:FILE": lines of that level and above go to FILE, or to standard
-    ///                error; LEVEL is DEBUG, INFO, WARN or ERROR.
+    /// @param config  "LEVEL": records of that level and above go to standard error; LEVEL is DEBUG, INFO, NOTICE,
+    ///                WARN, ERROR, or FATAL. "LEVEL:FILE": they are appended to FILE; where zlog is installed, the
+    ///                name may not contain any of `" % , ; #`. Any other text is the path of a zlog configuration, of
+    ///                which category "ipod" is used; it fails where zlog is not installed.
+    ///
+    /// The environment variable QBX_LOG, with the same text, sets logging up before main().
     int QBX_LogInit(const char* config);
 
-    /// Ends logging: the category is null again. Not while another thread logs.
+    /// Ends logging: the category is null again. Ends zlog if QBX_LogInit() initialized it. May not be called while
+    /// another thread logs.
     void QBX_LogExit(void);
 
 #ifdef __cplusplus

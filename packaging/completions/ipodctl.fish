@@ -3,7 +3,7 @@
 complete -c ipodctl -f
 complete -c ipodctl -s h -l help -d 'Show help'
 complete -c ipodctl -l json -d 'Answer with JSON'
-complete -c ipodctl -l verbose -d 'Show what the library logs'
+complete -c ipodctl -l verbose -d 'Show every request and what the library logs'
 complete -c ipodctl -l deadline -x -d 'Seconds that the service may take'
 complete -c ipodctl -n __fish_use_subcommand -l version -d 'Show the version'
 

@@ -996,6 +996,38 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn(b"INFO  libipod/QBXIpod_MediaPlayer_Client InitInstance", err)
         self.assertEqual(check(json.loads(out), SCHEMA), [])
 
+    def test_verbose_shows_what_every_verb_asks(self):
+        for words, record in ((["pause"], r" GetPlayStatus\(\) took \d+\.\d ms\n"),
+                              (["ls"], r" GetCurDbListItemsAmount\(.*\) took "),
+                              (["play", "99"], r"(?m) PlayDbList\(|99 is not in the list|^ipodctl: "),
+                              (["doctor"], r" org\.freedesktop\.DBus\.GetNameOwner\(\) took "),
+                              (["sim", "calls"], r" com\.zarn\.linux\.ipod\.Simulator\.GetCalls\(\) took "),
+                              (["sim", "button", "x"], r"Simulator\.PressButton\(\) failed after \d+\.\d ms: .*x")):
+            with self.subTest(words):
+                _, err = self.start("--verbose", *words).communicate(timeout=LIMIT)
+                self.assertRegex(err.decode(), record)
+
+    def test_the_environment_chooses_level_and_file_of_the_log(self):
+        log = os.path.join(self.folder.name, "log")
+        for config, in_file, on_screen in ((f"INFO:{log}", True, False), (f"DEBUG:{log}", True, False),
+                                           ("DEBUG", False, True), ("/missing/zlog.conf", False, False)):
+            with self.subTest(config):
+                self.bus.environment["QBX_LOG"] = config
+                process = self.start("art", "--json")
+                out, err = process.communicate(timeout=LIMIT)
+                self.assertEqual(process.returncode, NOTHING_DONE, err)
+                self.assertEqual(check(json.loads(out), SCHEMA), [])
+                written = b""
+                if in_file:
+                    with open(log, "rb") as file:
+                        written = file.read()
+                    os.remove(log)
+                for text, expected in ((written, in_file), (err, on_screen)):
+                    self.assertEqual(b"INFO  libipod/QBXIpod_MediaPlayer_Client InitInstance" in text, expected, text)
+                self.assertEqual(b"DEBUG ipodkit" in written + err, config.startswith("DEBUG"))
+                self.assertEqual(b"QBX_LOG='/missing/zlog.conf': " in err, config == "/missing/zlog.conf")
+                self.assertEqual(os.listdir(self.folder.name), [])
+
     def test_a_terminal_gets_colour_unless_it_is_not_wanted(self):
         self.play_first_song()
         self.assertIn("\033[", self.on_terminal("status"))

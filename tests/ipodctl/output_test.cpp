@@ -30,6 +30,20 @@ TEST(Output, HasNoColourWhereThereIsNoTerminal)
     testing::internal::GetCapturedStdout();
 }
 
+TEST(Output, IsWhatStandardOutputIsReservedFor)
+{
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    ctl::ReserveStandardOutput();
+
+    std::printf("printed by a library\n");
+    ctl::Output(true).Line(Json{{"a", 1}}, "text");
+    std::fflush(stdout);
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "{\"a\":1}\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "printed by a library\n");
+}
+
 TEST(Output, ShowsTheFormThatWasAskedFor)
 {
     testing::internal::CaptureStdout();

@@ -49,6 +49,13 @@ Result<Body> Judged(const Call& call, Result<Body> result)
     return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
 }
 
+// One record for each request, so that a log shows what an application asked for.
+void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::steady_clock::time_point since)
+{
+    const std::string taken = DurationText(std::chrono::steady_clock::now() - since);
+    LogDebug(TextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
+}
+
 // Whether the service does something and reports no more than that.
 bool IsCommand(const Call& call)
 {
@@ -169,6 +176,7 @@ void Bus::Complete(Serial serial, Result<Body> result)
     if (pending == nullptr) return;
     const Call& call = pending->call;
     Result<Body> judged = Judged(call, std::move(result));
+    LogOutcome(call, judged, pending->since);
     if (MayBeFollowed(call, judged)) m_followed(call.method);
     m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
 }
@@ -234,11 +242,13 @@ Result<Body> Bus::SendAndWait(const Call& call)
     if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
     const Result<ConnectionPtr> connection = ConnectionForWaiting();
     if (!connection) return tl::unexpected<Error>(connection.error());
+    const auto since = std::chrono::steady_clock::now();
     GError* error = nullptr;
     GDBusMessage* const reply = g_dbus_connection_send_message_with_reply_sync(
         connection->get(), MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, Milliseconds(call), nullptr,
         NativeOf(call), &error);
     Result<Body> judged = Judged(call, ToResult(reply, error));
+    LogOutcome(call, judged, since);
     if (MayBeFollowed(call, judged))
         Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
     return judged;

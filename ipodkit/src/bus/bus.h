@@ -57,6 +57,7 @@ private:
         Call call;
         BodyCompletion completion;
         bool sent = false;
+        std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
     };
     using PendingPtr = std::shared_ptr<Pending>;
     struct Ticket

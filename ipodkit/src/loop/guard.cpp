@@ -9,28 +9,39 @@ namespace ipodkit
 {
 namespace
 {
+constexpr int kDebug = 20;
 constexpr int kWarn = 80;
 
-std::string Milliseconds(std::chrono::steady_clock::duration duration)
+void Log(int level, const char* function, long line, const std::string& text)
+{
+    zlog(liblog_category, "ipodkit", std::strlen("ipodkit"), function, std::strlen(function), line, level, "%s",
+         text.c_str());
+}
+}  // namespace
+
+std::string DurationText(std::chrono::steady_clock::duration duration)
 {
     const auto tenths = std::chrono::duration_cast<std::chrono::microseconds>(duration).count() / 100;
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " ms";
 }
-}  // namespace
+
+void LogDebug(const std::string& text)
+{
+    if (liblog_category != nullptr) Log(kDebug, __func__, __LINE__, text);
+}
 
 void LogWarning(const std::string& text)
 {
     if (liblog_category == nullptr)
         g_log("ipodkit", G_LOG_LEVEL_WARNING, "%s", text.c_str());
     else
-        zlog(liblog_category, "ipodkit", std::strlen("ipodkit"), __func__, std::strlen(__func__), __LINE__, kWarn, "%s",
-             text.c_str());
+        Log(kWarn, __func__, __LINE__, text);
 }
 
 void Guard::Judge(const std::string& name, std::chrono::steady_clock::duration taken) const
 {
     if (taken <= m_budget) return;
-    LogWarning("callback '" + name + "' took " + Milliseconds(taken) + ", its budget is " + Milliseconds(m_budget));
+    LogWarning("callback '" + name + "' took " + DurationText(taken) + ", its budget is " + DurationText(m_budget));
 }
 
 void Guard::LogThrow(const std::string& name, const char* what)

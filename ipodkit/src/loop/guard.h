@@ -43,4 +43,10 @@ private:
 
 /// Writes one line of level WARN.
 void LogWarning(const std::string& text);
+
+/// Writes one line of level DEBUG; none while logging is not set up.
+void LogDebug(const std::string& text);
+
+/// Returns the duration as text: "1.2 ms".
+std::string DurationText(std::chrono::steady_clock::duration duration);
 }  // namespace ipodkit

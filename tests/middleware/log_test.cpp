@@ -1,4 +1,4 @@
-// What the stand-in for the log sink writes.
+// The set-up of logging by level and target, and the records: the same with zlog and with its stand-in.
 #include <QBXLog.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -17,11 +17,11 @@ constexpr int kInfo = 40;
 constexpr int kError = 100;
 constexpr char kFile[] = "libipod/Unit";
 
-class LogStandIn : public testing::Test
+class LogSetUp : public testing::Test
 {
 protected:
-    LogStandIn() { close(mkstemp(m_path)); }
-    ~LogStandIn() override
+    LogSetUp() { close(mkstemp(m_path)); }
+    ~LogSetUp() override
     {
         QBX_LogExit();
         unlink(m_path);
@@ -31,7 +31,7 @@ protected:
     std::string Written() const { return (std::ostringstream() << std::ifstream(m_path).rdbuf()).str(); }
 
 private:
-    char m_path[32] = "/tmp/log-stand-in-XXXXXX";
+    char m_path[32] = "/tmp/log-set-up-XXXXXX";
 };
 
 template <class... Args>
@@ -41,7 +41,7 @@ void Log(int level, const char* format, Args... args)
 }
 }  // namespace
 
-TEST_F(LogStandIn, WritesTimeLevelPlaceAndText)
+TEST_F(LogSetUp, WritesTimeLevelPlaceAndText)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
 
@@ -54,7 +54,7 @@ TEST_F(LogStandIn, WritesTimeLevelPlaceAndText)
     EXPECT_TRUE(std::regex_match(Written(), expected)) << Written();
 }
 
-TEST_F(LogStandIn, LeavesOutWhatIsBelowItsLevel)
+TEST_F(LogSetUp, LeavesOutWhatIsBelowItsLevel)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("ERROR").c_str()));
 
@@ -63,7 +63,7 @@ TEST_F(LogStandIn, LeavesOutWhatIsBelowItsLevel)
     EXPECT_EQ("", Written());
 }
 
-TEST_F(LogStandIn, WritesTextsOfAnyLength)
+TEST_F(LogSetUp, WritesTextsOfAnyLength)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
 
@@ -76,7 +76,7 @@ TEST_F(LogStandIn, WritesTextsOfAnyLength)
     }
 }
 
-TEST_F(LogStandIn, KeepsTheLinesOfThreadsApart)
+TEST_F(LogSetUp, KeepsTheLinesOfThreadsApart)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
 
@@ -96,21 +96,43 @@ TEST_F(LogStandIn, KeepsTheLinesOfThreadsApart)
     EXPECT_EQ(2000, found);
 }
 
-TEST_F(LogStandIn, RefusesAnUnknownLevelAndAnImpossibleFileAndStaysAsItWas)
+TEST_F(LogSetUp, WritesToStandardErrorWithoutAFile)
+{
+    testing::internal::CaptureStderr();
+    ASSERT_EQ(1, QBX_LogInit("WARN"));
+
+    Log(kInfo, "%s", "not of interest");
+    Log(kError, "%s", "to the screen");
+
+    const std::string written = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(std::regex_match(written, std::regex(R"(.{23} ERROR libipod/Unit Pause:42 to the screen\n)")))
+        << written;
+}
+
+TEST_F(LogSetUp, ReplacesLevelAndFileWhenItIsCalledAgain)
+{
+    ASSERT_EQ(1, QBX_LogInit("ERROR:/dev/null"));
+
+    ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
+    Log(kInfo, "%s", "from now on");
+
+    EXPECT_NE(std::string::npos, Written().find("from now on"));
+}
+
+TEST_F(LogSetUp, RejectsAnUnknownLevelAndAnImpossibleFileAndStaysAsItWas)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
     zlog_category_t* const before = liblog_category;
 
-    EXPECT_EQ(0, QBX_LogInit("LOUD"));
-    EXPECT_EQ(0, QBX_LogInit("INFO:/no/such/folder/file"));
-    EXPECT_EQ(0, QBX_LogInit(nullptr));
+    for (const char* config : {"LOUD", "INFO:/no/such/folder/file", "INFO:", "", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(0, QBX_LogInit(config)) << (config == nullptr ? "null" : config);
 
     EXPECT_EQ(before, liblog_category);
     Log(kInfo, "%s", "still here");
     EXPECT_NE(std::string::npos, Written().find("still here"));
 }
 
-TEST_F(LogStandIn, HasNoCategoryBeforeAndAfter)
+TEST_F(LogSetUp, HasNoCategoryBeforeAndAfter)
 {
     EXPECT_EQ(nullptr, liblog_category);
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
