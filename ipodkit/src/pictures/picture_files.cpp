@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "loop/glib_ptr.h"
+#include "pictures/image_type.h"
 
 namespace ipodkit
 {
@@ -15,17 +16,11 @@ namespace
 {
 namespace fs = std::filesystem;
 
-const char* Extension(PictureType type)
-{
-    static constexpr const char* extensions[] = {".bin", ".jpg", ".png", ".gif", ".bmp", ".webp"};
-    return extensions[static_cast<int>(type)];
-}
-
 // Size and hash: what two different pictures hardly share.
 std::string NameOf(const Picture& picture)
 {
     gchar* const name = g_strdup_printf("%zu-%016" G_GINT64_MODIFIER "x%s", picture.bytes.size(), picture.hash,
-                                        Extension(picture.type));
+                                        images::Extension(ToImageType(picture.type)));
     std::string owned(name);
     g_free(name);
     return owned;
@@ -50,7 +45,7 @@ Result<std::string> AddressOf(const std::string& path)
 // Whoever names a directory that has other files in it keeps them.
 bool IsOurs(const std::string& name)
 {
-    static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp)");
+    static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp|tiff)");
     return std::regex_match(name, ours);
 }
 
