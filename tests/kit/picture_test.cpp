@@ -153,7 +153,7 @@ TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
     EXPECT_EQ(fs::file_size(*fs::directory_iterator(directory / "new folder")), 64U);
 }
 
-TEST_F(PictureFilesTest, RemovesTheOldest)
+TEST_F(PictureFilesTest, KeepsNoMoreThanItIsTold)
 {
     const PictureFiles files(directory, 3);
 
@@ -172,6 +172,44 @@ TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
         EXPECT_EQ(fs::file_size(uri.substr(std::string("file://").size())), 64U);
         EXPECT_EQ(Files(directory), 1U);
     }
+}
+
+// Used by address: the last so many that were handed out are there, written afresh or not, whatever the clock says.
+TEST_F(PictureFilesTest, KeepsThoseThatWereHandedOutLast)
+{
+    const PictureFiles files(directory, 3);
+    const auto path = [&](int picture)
+    {
+        const Picture examined = Examine(Png(static_cast<unsigned char>(picture)));
+        return files.Uri(examined).value().substr(std::string("file://").size());
+    };
+    std::vector<std::string> handedOut;
+    const auto handOut = [&](int picture)
+    {
+        handedOut.push_back(path(picture));
+        for (std::size_t i = handedOut.size() - std::min<std::size_t>(handedOut.size(), 3); i < handedOut.size(); ++i)
+            EXPECT_TRUE(fs::exists(handedOut[i])) << "number " << i << " after number " << handedOut.size() - 1;
+    };
+
+    for (const int picture : {1, 2, 3, 1, 4, 2, 1, 5, 4, 6, 4, 7, 4, 8, 9, 4}) handOut(picture);
+    for (const auto& entry : fs::directory_iterator(directory))
+        fs::last_write_time(entry, fs::last_write_time(entry) + std::chrono::hours(24));
+    for (const int picture : {10, 11, 10, 12, 13, 10, 14, 15}) handOut(picture);
+
+    EXPECT_EQ(Files(directory), 3U);
+}
+
+TEST_F(PictureFilesTest, AFileWithOtherBytesOfTheSameSizeIsWrittenAgain)
+{
+    const PictureFiles files(directory);
+    const std::string path = files.Uri(Examine(Png(1))).value().substr(std::string("file://").size());
+    std::ofstream(path) << std::string(64, 'x');
+
+    EXPECT_TRUE(files.Uri(Examine(Png(1))));
+
+    std::ifstream file(path);
+    const Bytes bytes{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(bytes, Png(1));
 }
 
 TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)
