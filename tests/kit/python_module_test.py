@@ -54,7 +54,9 @@ class Simulator:
             "Battery", fields, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
 
     def hang(self):
+        """Returns when it has stopped: until then it may answer."""
         self.process.send_signal(signal.SIGSTOP)
+        os.waitid(os.P_PID, self.process.pid, os.WSTOPPED)
 
     def go_on(self):
         self.process.send_signal(signal.SIGCONT)
