@@ -401,7 +401,41 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: reported))
         self.assertEqual(reported, [(ZeroDivisionError, "broken")])
         self.assertEqual(self.completed(self.session.commands.device_count())[0], 1)
-        del watching
+        watching.end()
+
+    def iterate_until_interrupted(self):
+        """Runs the context as a program without a main loop does."""
+        giving_up = time.monotonic() + LIMIT
+        while time.monotonic() < giving_up:
+            GLib.MainContext.default().iteration(False)
+            time.sleep(0.002)
+
+    def test_ctrl_c_in_a_callback_reaches_a_program_that_iterates_the_context_itself(self):
+        reported = self.reported_as_unraisable()
+
+        def be_interrupted(state, changed):
+            os.kill(os.getpid(), signal.SIGINT)
+            time.sleep(0.01)
+
+        watching = self.session.on_state("interrupted", be_interrupted)
+        with self.assertRaises(KeyboardInterrupt):
+            self.iterate_until_interrupted()
+
+        watching.end()
+        self.assertEqual(reported, [])
+
+    def test_an_interrupt_that_nobody_handles_is_reported(self):
+        self.addCleanup(signal.signal, signal.SIGINT, signal.signal(signal.SIGINT, signal.SIG_IGN))
+        reported = self.reported_as_unraisable()
+
+        def be_interrupted(state, changed):
+            raise KeyboardInterrupt
+
+        watching = self.session.on_state("interrupted", be_interrupted)
+        self.assertTrue(run_until(lambda: reported))
+
+        watching.end()
+        self.assertEqual(reported, [(KeyboardInterrupt, "interrupted")])
 
     def test_a_token_may_be_ended_while_its_callback_runs_in_another_thread(self):
         entered = threading.Event()
