@@ -30,6 +30,7 @@ PYBIND11_MODULE(ipodkit, module)
 {
     using namespace ipodkit::python;
     module.doc() = kModuleDoc;
+    module.attr("__version__") = IPODKIT_VERSION;
     module.def("log", Log, pybind11::arg("config"), kLogDoc);
     BindErrors(module);
     BindValues(module);

@@ -78,6 +78,19 @@ class WithoutService(unittest.TestCase):
 
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.NO_SERVICE)
         self.assertIn("NoService: ", str(raised.exception))
+        self.assertRegex(raised.exception.name, r"^org\.freedesktop\.DBus\.Error\.(ServiceUnknown|NameHasNoOwner)$")
+
+    def test_numbers_without_a_name_print_as_such(self):
+        unknown = ipodkit.PlayStatus(77)
+
+        self.assertEqual((repr(unknown), str(unknown)), ("<PlayStatus: 77>", "PlayStatus(77)"))
+        self.assertIsNone(unknown.name)
+        self.assertEqual(repr(ipodkit.PlayStatus.PLAYING), "<PlayStatus.PLAYING: 1>")
+        self.assertEqual(str(ipodkit.PlayStatus.PLAYING), "PlayStatus.PLAYING")
+        self.assertEqual(ipodkit.PlayStatus.PLAYING.name, "PLAYING")
+
+    def test_the_module_has_a_version(self):
+        self.assertRegex(ipodkit.__version__, r"^\d+\.\d+\.\d+$")
 
     def test_what_are_no_fields_is_an_error_of_their_type(self):
         for wrong in ({"track"}, [None], 1, ipodkit.Field.TRACK):
@@ -191,6 +204,7 @@ class WithSimulator(unittest.TestCase):
         value, error = self.completed(self.session.commands.enter_child(9999))
         self.assertIsNone(value)
         self.assertEqual(error.kind, ipodkit.ErrorKind.REFUSED)
+        self.assertIsNone(error.name)
 
     def test_the_blocking_form_returns_the_value(self):
         commands = self.session.commands
@@ -366,7 +380,7 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: phases[-1] == "READY"))
 
         self.assertEqual(phases, ["READY", "LOST", "CONNECTING", "READY"])
-        del watching
+        watching.end()
 
     def test_a_subscription_ends_with_its_object(self):
         calls = []
