@@ -11,6 +11,7 @@ import sys
 import threading
 import time
 import unittest
+import warnings
 import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
@@ -80,6 +81,27 @@ class WithoutService(unittest.TestCase):
         self.assertIn("NoService: ", str(raised.exception))
         self.assertRegex(raised.exception.name, r"^org\.freedesktop\.DBus\.Error\.(ServiceUnknown|NameHasNoOwner)$")
 
+    def test_a_request_that_is_not_sent_is_a_resource_warning(self):
+        with self.assertWarnsRegex(ResourceWarning, r"^a request was dropped without being sent; call start\(\)"):
+            self.session.commands.next()
+
+    def test_a_subscription_that_is_dropped_is_a_resource_warning(self):
+        with self.assertWarnsRegex(ResourceWarning, "^subscription 'dropped' was dropped; keep a reference"):
+            self.session.on_state("dropped", print)
+
+    def test_what_was_ended_in_time_makes_no_warning(self):
+        with warnings.catch_warnings(record=True) as caught:
+            warnings.simplefilter("always")
+            self.session.on_connection("ended", print).end()
+            request = self.session.commands.next()
+            with self.assertRaises(ipodkit.Error):
+                request.wait()
+            kept = self.session.on_state("kept", print)
+            self.session.close()
+            del kept, request
+
+        self.assertEqual([str(each.message) for each in caught], [])
+
     def test_numbers_without_a_name_print_as_such(self):
         unknown = ipodkit.PlayStatus(77)
 
@@ -101,7 +123,8 @@ class WithoutService(unittest.TestCase):
         for wrong in ("x", None, [1]):
             with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
                 self.session.commands.seek(wrong)
-            with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
+            with self.subTest(wrong), self.assertWarns(ResourceWarning), \
+                    self.assertRaisesRegex(TypeError, "must be real number"):
                 self.session.commands.next().within(wrong)
         for wrong in (float("nan"), float("inf"), -1e300):
             with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a number of seconds"):
@@ -109,7 +132,8 @@ class WithoutService(unittest.TestCase):
 
     def test_a_deadline_does_not_lie_in_the_past(self):
         for wrong in (-1, datetime.timedelta(seconds=-1), -0.001):
-            with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
+            with self.subTest(wrong), self.assertWarns(ResourceWarning), \
+                    self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
                 self.session.commands.next().within(wrong)
 
     def test_there_is_one_session_at_a_time(self):
@@ -387,7 +411,8 @@ class WithSimulator(unittest.TestCase):
         watching = self.session.on_state("watching", lambda state, changed: calls.append(changed))
         run_until(lambda: calls)
 
-        del watching
+        with self.assertWarns(ResourceWarning):
+            del watching
         self.session.commands.set_repeat(ipodkit.Repeat.ONE).wait()
         self.assertTrue(run_until(lambda: self.session.state.repeat == ipodkit.Repeat.ONE))
 
