@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "callback.h"
+#include "dropped.h"
 #include "errors.h"
 
 namespace ipodkit::python
@@ -47,6 +48,10 @@ class RequestOf final : public AnyRequest
 {
 public:
     explicit RequestOf(Request<T> request) : m_request(std::move(request)) {}
+    ~RequestOf() override
+    {
+        if (m_request) WarnOfDropped("a request was dropped without being sent; call start(), future() or wait()");
+    }
 
     void Within(std::chrono::milliseconds deadline) override { m_request = Take().Within(deadline); }
 

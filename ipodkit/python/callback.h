@@ -4,6 +4,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include <csignal>
 #include <memory>
 #include <string>
 #include <utility>
@@ -12,8 +13,18 @@ namespace ipodkit::python
 {
 namespace py = pybind11;
 
+/// Raises KeyboardInterrupt where the main thread goes on in Python. False when the program does not handle SIGINT in
+/// Python: nothing would raise it then.
+inline bool InterruptMainThread()
+{
+    const py::object handler = py::module_::import("signal").attr("getsignal")(SIGINT);
+    if (PyCallable_Check(handler.ptr()) == 0) return false;
+    PyErr_SetInterrupt();
+    return true;
+}
+
 /// May be called, copied and destroyed with and without the interpreter's lock. What the callable raises goes to
-/// sys.unraisablehook, under the callback's name.
+/// sys.unraisablehook, under the callback's name; a KeyboardInterrupt goes to the program, which runs the loop.
 class Callback
 {
 public:
@@ -33,7 +44,8 @@ public:
         }
         catch (py::error_already_set& raised)
         {
-            raised.discard_as_unraisable(m_name.c_str());
+            const bool interrupted = raised.matches(PyExc_KeyboardInterrupt) && InterruptMainThread();
+            if (!interrupted) raised.discard_as_unraisable(m_name.c_str());
         }
     }
 

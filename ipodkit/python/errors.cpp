@@ -7,7 +7,9 @@ namespace ipodkit::python
 namespace
 {
 constexpr char kErrorDoc[] =
-    "Why a request failed. `kind` is an ErrorKind, `reason` says more, in the words of the bus where it has any.";
+    "Why a request failed. `kind` is an ErrorKind, `reason` gives details, in the words of the bus where it has any, "
+    "and "
+    "`name` is the D-Bus name of the error that was the answer, or None.";
 
 py::handle errorType;  // lives as long as the module
 }  // namespace
@@ -36,6 +38,7 @@ py::object ToException(const Error& error)
     py::object exception = errorType(error.Text());
     exception.attr("kind") = error.kind;
     exception.attr("reason") = error.reason;
+    exception.attr("name") = error.name.empty() ? py::object(py::none()) : py::str(error.name);
     return exception;
 }
 

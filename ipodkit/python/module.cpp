@@ -13,8 +13,8 @@ constexpr char kModuleDoc[] = R"(Control an attached Apple device and learn of i
     session.commands.next().start(lambda value, error: print(error or "done"))
     GLib.MainLoop().run()
 
-Callbacks run in GLib's default main context. What they raise goes to sys.unraisablehook. A subscription lasts as long
-as the object that stands for it.)";
+Callbacks run in GLib's default main context. What they raise goes to sys.unraisablehook, a KeyboardInterrupt to the
+program that runs the loop. A subscription lasts as long as its object.)";
 
 constexpr char kLogDoc[] =
     "Sets the logging of the library up: \"LEVEL\" or \"LEVEL:FILE\", or the path of a configuration where zlog is "
@@ -30,6 +30,7 @@ PYBIND11_MODULE(ipodkit, module)
 {
     using namespace ipodkit::python;
     module.doc() = kModuleDoc;
+    module.attr("__version__") = IPODKIT_VERSION;
     module.def("log", Log, pybind11::arg("config"), kLogDoc);
     BindErrors(module);
     BindValues(module);

@@ -3,6 +3,7 @@
 #include <ipodkit/session.h>
 
 #include "callback.h"
+#include "dropped.h"
 #include "duration.h"
 #include "errors.h"
 #include "values.h"
@@ -19,8 +20,17 @@ constexpr char kSessionDoc[] =
 class OwnedSubscription
 {
 public:
-    explicit OwnedSubscription(Subscription subscription) : m_subscription(std::move(subscription)) {}
-    ~OwnedSubscription() { End(); }
+    OwnedSubscription(std::string name, Subscription subscription, std::weak_ptr<const Session> session)
+        : m_name(std::move(name)), m_subscription(std::move(subscription)), m_session(std::move(session))
+    {
+    }
+    ~OwnedSubscription()
+    {
+        const bool dropped = !m_ended && !m_session.expired();
+        End();
+        if (dropped)
+            WarnOfDropped(("subscription '" + m_name + "' was dropped; keep a reference to it, or call end()").c_str());
+    }
     OwnedSubscription(const OwnedSubscription&) = delete;
     OwnedSubscription& operator=(const OwnedSubscription&) = delete;
 
@@ -28,10 +38,14 @@ public:
     {
         const py::gil_scoped_release others;
         m_subscription.Reset();
+        m_ended = true;
     }
 
 private:
+    const std::string m_name;
     Subscription m_subscription;
+    const std::weak_ptr<const Session> m_session;
+    bool m_ended = false;
 };
 
 using OwnedSubscriptionPtr = std::unique_ptr<OwnedSubscription>;
@@ -61,8 +75,13 @@ public:
         return *m_session;
     }
 
+    OwnedSubscriptionPtr Own(const std::string& name, Subscription subscription) const
+    {
+        return std::make_unique<OwnedSubscription>(name, std::move(subscription), m_session);
+    }
+
 private:
-    std::unique_ptr<Session> m_session;
+    std::shared_ptr<Session> m_session;  // by this object alone
 };
 
 std::unique_ptr<SessionHandle> Open(const py::object& settle, const py::object& deadline,
@@ -85,8 +104,8 @@ OwnedSubscriptionPtr OnConnection(const SessionHandle& handle, const std::string
 {
     const Callback callback(name, std::move(function));
     const py::gil_scoped_release others;
-    return std::make_unique<OwnedSubscription>(handle.Get().OnConnection(
-        name, [callback](const Connection& connection) { callback.Call([&] { return py::make_tuple(connection); }); }));
+    return handle.Own(name, handle.Get().OnConnection(name, [callback](const Connection& connection)
+                                                      { callback.Call([&] { return py::make_tuple(connection); }); }));
 }
 
 OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& name, py::function function,
@@ -95,11 +114,11 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
     const Callback callback(name, std::move(function));
     const Fields wanted = ToFields(fields);
     const py::gil_scoped_release others;
-    return std::make_unique<OwnedSubscription>(handle.Get().OnState(
-        name,
-        [callback](const StatePtr& state, Fields changed)
-        { callback.Call([&] { return py::make_tuple(ToPython(state), ToPython(changed)); }); },
-        wanted));
+    return handle.Own(name, handle.Get().OnState(
+                                name,
+                                [callback](const StatePtr& state, Fields changed)
+                                { callback.Call([&] { return py::make_tuple(ToPython(state), ToPython(changed)); }); },
+                                wanted));
 }
 
 py::object ErrorOf(const Connection& connection)
@@ -113,7 +132,8 @@ void BindConnection(py::module_& module)
         .def_readonly("phase", &Connection::phase)
         .def_readonly("generation", &Connection::generation, "How often the service has appeared.")
         .def_property_readonly("error", ErrorOf, "What stands in the way: an Error, or None.");
-    py::class_<OwnedSubscription>(module, "Subscription", "Ends when it is no longer referred to, or by end().")
+    py::class_<OwnedSubscription>(module, "Subscription",
+                                  "Ends by end(), and with a ResourceWarning when it is no longer referred to.")
         .def("end", &OwnedSubscription::End, "When it returns the callback is not running, and will not run again.");
 }
 }  // namespace

@@ -56,8 +56,8 @@ void BindPicture(py::module_& module)
     py::class_<Picture, std::shared_ptr<Picture>>(module, "Picture")
         .def_property_readonly("data", [](const Picture& picture) { return ToBytes(picture.bytes); })
         .def_property_readonly("media_type", [](const Picture& picture) { return MediaType(picture.type); })
-        .def_readonly("width", &Picture::width, "Pixels; 0 when the bytes do not tell.")
-        .def_readonly("height", &Picture::height, "Pixels; 0 when the bytes do not tell.")
+        .def_readonly("width", &Picture::width, "Pixels; 0 when unknown.")
+        .def_readonly("height", &Picture::height, "Pixels; 0 when unknown.")
         .def_readonly("hash", &Picture::hash)
         .def("__repr__", ReprOfPicture);
 }

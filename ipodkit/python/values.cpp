@@ -8,27 +8,42 @@ namespace ipodkit::python
 {
 namespace
 {
+py::object NameOfMember(const py::object& value)
+{
+    for (const auto& [name, member] : py::dict(py::type::of(value).attr("__members__")))
+        if (member.equal(value)) return py::reinterpret_borrow<py::object>(name);
+    return py::none();
+}
+
+py::str Printed(const py::object& value, const char* withName, const char* withNumber)
+{
+    const py::object name = NameOfMember(value);
+    const py::object type = py::type::of(value).attr("__name__");
+    return name.is_none() ? Described(withNumber, type, value.attr("value"))
+                          : Described(withName, type, name, value.attr("value"));
+}
+
 void BindPlayback(py::module_& module)
 {
-    py::enum_<iPodPlayerPlayStatus>(module, "PlayStatus")
+    Enumeration<iPodPlayerPlayStatus>(module, "PlayStatus")
         .value("STOPPED", IPOD_PLAY_STATUS_STOPPED)
         .value("PLAYING", IPOD_PLAY_STATUS_PLAYING)
         .value("PAUSED", IPOD_PLAY_STATUS_PAUSED)
         .value("FAST_FORWARD", IPOD_PLAY_STATUS_FAST_FORWARD)
         .value("FAST_BACKWARD", IPOD_PLAY_STATUS_FAST_BACKWARD);
-    py::enum_<iPodPlayerShuffleStatus>(module, "Shuffle")
+    Enumeration<iPodPlayerShuffleStatus>(module, "Shuffle")
         .value("OFF", IPOD_SHUFFLE_OFF)
         .value("SONGS", IPOD_SHUFFLE_SONGS)
         .value("ALBUMS", IPOD_SHUFFLE_ALBUMS);
-    py::enum_<iPodPlayerRepeatStatus>(module, "Repeat")
+    Enumeration<iPodPlayerRepeatStatus>(module, "Repeat")
         .value("OFF", IPOD_REPEAT_OFF)
         .value("ONE", IPOD_REPEAT_ONE)
         .value("ALL", IPOD_REPEAT_ALL);
-    py::enum_<iPodPlayerPlayOption_e>(module, "PlayOption", "What can start playback.")
+    Enumeration<iPodPlayerPlayOption_e>(module, "PlayOption", "What can start playback.")
         .value("START", IPOD_PLAY_START)
         .value("RESUME", IPOD_PLAY_RESUME)
         .value("RESTART", IPOD_PLAY_RESTART);
-    py::enum_<Winding>(module, "Winding")
+    Enumeration<Winding>(module, "Winding")
         .value("FORWARD", Winding::Forward)
         .value("BACKWARD", Winding::Backward)
         .value("NONE", Winding::None);
@@ -48,14 +63,14 @@ py::str ReprOfCarPlay(const CarPlayDevice& device)
 
 void BindDevice(py::module_& module)
 {
-    py::enum_<QBXAppleDeviceDetectStatus>(module, "DeviceStatus")
+    Enumeration<QBXAppleDeviceDetectStatus>(module, "DeviceStatus")
         .value("DETECTED", APPLE_DEVICE_DETECTED)
         .value("NOT_DETECTED", APPLE_DEVICE_NOT_DETECTED)
         .value("UNSUPPORTED", APPLE_DEVICE_UNSUPPORTED);
-    py::enum_<LocationStatus>(module, "LocationStatus")
+    Enumeration<LocationStatus>(module, "LocationStatus")
         .value("STOPPED", LOCATION_STATUS_STOPPED)
         .value("REQUESTED", LOCATION_STATUS_REQUESTED);
-    py::enum_<BatteryChargingStatus>(module, "ChargingStatus")
+    Enumeration<BatteryChargingStatus>(module, "ChargingStatus")
         .value("DISABLED", BATTERY_DISABLED)
         .value("CHARGING", BATTERY_CHARGING)
         .value("CHARGED", BATTERY_CHARGED)
@@ -72,7 +87,7 @@ void BindDevice(py::module_& module)
 
 void BindCallEnumerations(py::module_& module)
 {
-    py::enum_<PhoneCallStatus>(module, "CallStatus")
+    Enumeration<PhoneCallStatus>(module, "CallStatus")
         .value("DISCONNECTED", PHONE_CALL_DISCONNECTED)
         .value("SENDING", PHONE_CALL_SENDING)
         .value("RINGING", PHONE_CALL_RINGING)
@@ -80,16 +95,16 @@ void BindCallEnumerations(py::module_& module)
         .value("ACTIVE", PHONE_CALL_ACTIVE)
         .value("HELD", PHONE_CALL_HELD)
         .value("DISCONNECTING", PHONE_CALL_DISCONNECTING);
-    py::enum_<PhoneCallDirection>(module, "CallDirection")
+    Enumeration<PhoneCallDirection>(module, "CallDirection")
         .value("UNKNOWN", PHONE_CALL_DIRECTION_UNKNOWN)
         .value("INCOMING", PHONE_CALL_INCOMING)
         .value("OUTGOING", PHONE_CALL_OUTGOING);
-    py::enum_<CallStateService>(module, "CallService")
+    Enumeration<CallStateService>(module, "CallService")
         .value("UNKNOWN", CALL_SERVICE_UNKNOWN)
         .value("TELEPHONY", CALL_SERVICE_TELEPHONY)
         .value("VIDEO", CALL_SERVICE_VIDEO)
         .value("AUDIO", CALL_SERVICE_AUDIO);
-    py::enum_<CallStateDisconnectReason>(module, "DisconnectReason")
+    Enumeration<CallStateDisconnectReason>(module, "DisconnectReason")
         .value("ENDED", CALL_ENDED)
         .value("DECLINED", CALL_DECLINED)
         .value("FAILED", CALL_FAILED);
@@ -149,6 +164,17 @@ void BindTrack(py::module_& module)
         .def("__repr__", ReprOfPlayPosition);
 }
 }  // namespace
+
+void PrintNumbersWithoutName(const py::object& enumeration)
+{
+    const py::is_method method(enumeration);
+    const auto repr = [](const py::object& value) { return Printed(value, "<{}.{}: {}>", "<{}: {}>"); };
+    const auto str = [](const py::object& value) { return Printed(value, "{}.{}", "{}({})"); };
+    const py::object property = py::module_::import("builtins").attr("property");
+    enumeration.attr("name") = property(py::cpp_function(NameOfMember));
+    enumeration.attr("__repr__") = py::cpp_function(repr, py::name("__repr__"), method);
+    enumeration.attr("__str__") = py::cpp_function(str, py::name("__str__"), method);
+}
 
 void BindValues(py::module_& module)
 {

@@ -18,11 +18,25 @@ py::str Described(const char* form, const Values&... values)
     return py::str(form).format(values...);
 }
 
-/// The name of an enumeration's value; None when it is absent.
-template <class Enumeration>
-py::object NameOf(const std::optional<Enumeration>& value)
+/// The name of an enumeration's value, or its number when it has none; None when it is absent.
+template <class T>
+py::object NameOf(const std::optional<T>& value)
 {
-    return value ? py::object(py::cast(*value).attr("name")) : py::none();
+    if (!value) return py::none();
+    const py::object known = py::cast(*value);
+    return known.attr("name").is_none() ? known.attr("value") : known.attr("name");
+}
+
+/// Lets values print as "<Shuffle.OFF: 0>", or "<Shuffle: 77>" when they have no name, which is None then.
+void PrintNumbersWithoutName(const py::object& enumeration);
+
+/// An enumeration of which the service may send any number.
+template <class T>
+py::enum_<T> Enumeration(py::module_& module, const char* name, const char* doc = "")
+{
+    py::enum_<T> type(module, name, doc);
+    PrintNumbersWithoutName(type);
+    return type;
 }
 
 py::object ToPython(const StatePtr& state);

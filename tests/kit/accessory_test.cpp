@@ -1,7 +1,13 @@
 #include <IQBXIpodPlayer.h>
 #include <ipodkit/accessory.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 
 #include "kit/kit_test.h"
+#include "kit/ticker.h"
 
 namespace test
 {
@@ -278,7 +284,7 @@ TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
     EXPECT_EQ(result->error().reason,
-              "the write buffer does not take 614400 bytes at once; the most that fit are " + std::to_string(room));
+              "the write buffer has no room for 614400 bytes at once; at most " + std::to_string(room) + " fit");
     EXPECT_EQ(shared.Buffers().get_free_memory(), free);
     EXPECT_THAT(written, IsEmpty());
 }
@@ -301,6 +307,81 @@ TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
     EXPECT_TRUE(RunLoopUntil([&] { return done == 3; }));
     EXPECT_EQ(largest, size);
     shared.SetBytes("VecEapReadBufferShareMemory", Bytes(size));
+}
+
+// The service shares the segment: its free memory must not depend on who fills the buffer.
+TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    QBXSharedSegment reference(boost::interprocess::create_only, "Reference", kBufferSegmentSize);
+    QBXByteVector* appended = nullptr;
+    for (const char* name : {"VecArtworkBufferShareMemory", "VecArtworkChangeBufferShareMemory",
+                             "VecEapReadBufferShareMemory", "VecEapWriteBufferShareMemory"})
+        appended = reference.construct<QBXByteVector>(name)(reference.get_segment_manager());
+    const std::size_t used = reference.get_free_memory() - shared.Buffers().get_free_memory();
+
+    for (const std::size_t size : {1U, 100U, 5000U, 5001U, 16000U, 300U})
+    {
+        appended->clear();
+        for (std::size_t i = 0; i < size; ++i) appended->push_back('x');
+        bool done = false;
+        EXPECT_TRUE(peer->Write(Bytes(size), [&done](const Result<void>& result) { done = result.has_value(); }));
+        EXPECT_TRUE(RunLoopUntil([&] { return done; }));
+
+        EXPECT_EQ(shared.Buffer("VecEapWriteBufferShareMemory").capacity(), appended->capacity()) << size;
+        EXPECT_EQ(reference.get_free_memory() - shared.Buffers().get_free_memory(), used) << size;
+    }
+}
+
+// Everything behind the first page becomes read-only there: the allocation faults while it holds the lock.
+void DieWhileAllocatingIn(QBXSharedSegment& segment)
+{
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+    {
+        std::signal(SIGSEGV, [](int) { _exit(0); });
+        const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+        const auto begin = reinterpret_cast<std::uintptr_t>(segment.get_address()) / page * page;
+        mprotect(reinterpret_cast<void*>(begin + page), segment.get_size() - page, PROT_READ);
+        segment.allocate(segment.get_size() / 2);
+        _exit(1);
+    }
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die where it should";
+}
+
+// The lock is given up on after ten seconds.
+TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    DieWhileAllocatingIn(shared.Buffers());
+    std::optional<Result<void>> result;
+    const Ticker ticker;
+
+    EXPECT_TRUE(peer->Write(Bytes(5000), [&result](const Result<void>& done) { result = done; }));
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_LE(ticker.Longest(), 1s);
+    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
+    EXPECT_THAT(result->error().reason, HasSubstr("locked by a process that died"));
+}
+
+TEST_F(AccessoryTest, TheSessionMayEndWhileTheBufferGrows)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 1);
+    std::vector<ErrorKind> kinds;
+
+    EXPECT_TRUE(peer->Write(Bytes(16000), [&kinds](const Result<void>& done) { kinds.push_back(KindOf(done)); }));
+    session.reset();
+
+    RunLoopFor(100ms);
+    EXPECT_THAT(kinds, ElementsAre(ErrorKind::Cancelled));
+    EXPECT_THAT(written, IsEmpty());
 }
 
 TEST_F(AccessoryTest, TheLibraryItselfTakesTheLargestWriteAndLeavesRoomForAnAnswer)

@@ -104,6 +104,23 @@ TEST_F(JumpIndexTest, SortsByLetterAcrossScripts)
     EXPECT_THAT(sections, ElementsAre(testing::StartsWith("A "), "B 北京", testing::StartsWith("Z "), "# !!!"));
 }
 
+// A surname is read otherwise than the same character elsewhere; ü follows u.
+TEST_F(JumpIndexTest, SortsChineseNamesByTheReadingThatDecidesTheirSection)
+{
+    for (const char* locale : {"zh", "en"})
+    {
+        names = {"单依纯", "上官", "Sam", "三毛", "《沙滩》", "乱", "路", "绿", "曾轶可", "赵雷", "Zoe", "Åsa"};
+        const JumpIndex index = JumpIndex::Build(names, {locale}).value();
+
+        std::vector<std::string> sorted;
+        for (const int each : index.Order()) sorted.push_back(names.at(static_cast<std::size_t>(each)));
+
+        EXPECT_THAT(sorted, ElementsAre("Åsa", "路", "绿", "乱", "Sam", "三毛", "《沙滩》", "单依纯", "上官", "Zoe",
+                                        "曾轶可", "赵雷"))
+            << locale;
+    }
+}
+
 TEST_F(JumpIndexTest, AnyBytesAreSafe)
 {
     const JumpIndex index = Index({"", "\xFF\xFE", std::string("a\0b", 3), std::string(255, '\x80'), "\xE5\x91"});

@@ -56,33 +56,61 @@ TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
 }
 
 // Wherever it is cut off, and under the sanitizers too.
-TEST_P(PictureOfTypeTest, IsSafeWhenCutOff)
+TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
 {
-    for (std::size_t size = 0; size < GetParam().bytes.size(); ++size)
+    const Known& known = GetParam();
+    for (std::size_t size = 0; size < known.bytes.size(); ++size)
     {
         const Picture picture =
-            Examine(Bytes(GetParam().bytes.begin(), GetParam().bytes.begin() + static_cast<std::ptrdiff_t>(size)));
+            Examine(Bytes(known.bytes.begin(), known.bytes.begin() + static_cast<std::ptrdiff_t>(size)));
         EXPECT_EQ(picture.bytes.size(), size);
+        EXPECT_THAT(picture.type, testing::AnyOf(known.type, PictureType::Unknown)) << size;
+        EXPECT_THAT(std::pair(picture.width, picture.height),
+                    testing::AnyOf(std::pair(known.width, known.height), std::pair(0U, 0U)))
+            << size;
     }
 }
 
+// A BMP whose second header has that length, and begins with these bytes.
+Bytes Bmp(unsigned char length, const Bytes& size)
+{
+    Bytes bytes = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, length, 0, 0, 0};
+    bytes.insert(bytes.end(), size.begin(), size.end());
+    return Padded(bytes);
+}
+
+// A WebP picture of one chunk.
+Bytes WebP(char kind, const Bytes& chunk)
+{
+    Bytes bytes = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P', 'V', 'P', '8', 0, 0, 0, 0, 0};
+    bytes[15] = static_cast<unsigned char>(kind);
+    bytes.insert(bytes.end(), chunk.begin(), chunk.end());
+    return Padded(bytes);
+}
+
+// Its directory follows the head: a tag that does not matter, the width as 16 bits and the height as 32.
+const Bytes kTiff = Padded({'I', 'I', 42, 0, 8, 0, 0, 0, 3, 0, 0xFE, 0, 4, 0, 1, 0, 0, 0, 9, 9, 0, 0, 0,
+                            1,   3,   0,  1, 0, 0, 0, 5, 0, 0, 0,    1, 1, 4, 0, 1, 0, 0, 0, 6, 0, 0, 0});
+const Bytes kMotorolaTiff =
+    Padded({'M', 'M', 0, 42, 0, 0, 0, 8, 0, 2, 1, 0, 0, 3, 0, 0, 0, 1, 0, 5, 0, 0, 1, 1, 0, 4, 0, 0, 0, 1, 0, 0, 0, 6});
+
 INSTANTIATE_TEST_SUITE_P(
     Types, PictureOfTypeTest,
-    testing::Values(Known{"Png", Png(7), PictureType::Png, 7, 256}, Known{"Jpeg", kJpeg, PictureType::Jpeg, 600, 300},
-                    Known{"Gif", Padded({'G', 'I', 'F', '8', '9', 'a', 16, 0, 0, 1}), PictureType::Gif, 16, 256},
-                    Known{"Bmp", Padded({'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0,    0,    0,    0,
-                                         0,   40,  0, 0, 0, 5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF}),
-                          PictureType::Bmp, 5, 6},
-                    Known{"WebpLossy", Padded({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W',  'E', 'B',  'P', 'V', 'P', '8',
-                                               ' ', 0,   0,   0,   0, 0, 0, 0, 0x9D, 1,   0x2A, 5,   0,   6,   0}),
-                          PictureType::WebP, 5, 6},
-                    Known{"WebpLossless", Padded({'R', 'I', 'F', 'F', 0, 0, 0, 0,    'W', 'E',  'B', 'P', 'V',
-                                                  'P', '8', 'L', 0,   0, 0, 0, 0x2F, 4,   0x40, 1,   0}),
-                          PictureType::WebP, 5, 6},
-                    Known{"WebpExtended", Padded({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P', 'V', 'P', '8',
-                                                  'X', 0,   0,   0,   0, 0, 0, 0, 0,   4,   0,   0,   5,   0,   0}),
-                          PictureType::WebP, 5, 6},
-                    Known{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
+    testing::Values(
+        Known{"Png", Png(7), PictureType::Png, 7, 256}, Known{"PngWithoutWidth", Png(0), PictureType::Png, 0, 0},
+        Known{"Jpeg", kJpeg, PictureType::Jpeg, 600, 300},
+        Known{"JpegWithPixelsBeforeItsSize",
+              Padded({0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xC0, 0, 17, 8, 1, 44, 2, 88, 3}), PictureType::Jpeg, 0, 0},
+        Known{"Gif", Padded({'G', 'I', 'F', '8', '9', 'a', 16, 0, 0, 1}), PictureType::Gif, 16, 256},
+        Known{"Bmp", Bmp(40, {5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF}), PictureType::Bmp, 5, 6},
+        Known{"BmpWithItsOldestHead", Bmp(12, {200, 0, 24, 0, 1, 0, 24, 0}), PictureType::Bmp, 200, 24},
+        Known{"TextThatBeginsAsABmp", Padded({'B', 'M', 'W', ' ', 'i', 's', ' ', 'a'}), PictureType::Unknown, 0, 0},
+        Known{"WebpLossy", WebP(' ', {0, 0, 0, 0x9D, 1, 0x2A, 5, 0, 6, 0}), PictureType::WebP, 5, 6},
+        Known{"WebpLossless", WebP('L', {0x2F, 4, 0x40, 1, 0}), PictureType::WebP, 5, 6},
+        Known{"WebpExtended", WebP('X', {0, 0, 0, 0, 4, 0, 0, 5, 0, 0}), PictureType::WebP, 5, 6},
+        Known{"WebpWithoutPixels", WebP(' ', {0, 0, 0, 0, 0, 0, 5, 0, 6, 0}), PictureType::WebP, 0, 0},
+        Known{"Tiff", kTiff, PictureType::Tiff, 5, 6}, Known{"MotorolaTiff", kMotorolaTiff, PictureType::Tiff, 5, 6},
+        Known{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
     [](const auto& known) { return std::string(known.param.name); });
 
 TEST(PictureTest, EqualBytesHaveEqualHashesAndOthersHaveNot)
@@ -125,7 +153,7 @@ TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
     EXPECT_EQ(fs::file_size(*fs::directory_iterator(directory / "new folder")), 64U);
 }
 
-TEST_F(PictureFilesTest, RemovesTheOldest)
+TEST_F(PictureFilesTest, KeepsNoMoreThanItIsTold)
 {
     const PictureFiles files(directory, 3);
 
@@ -144,6 +172,44 @@ TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
         EXPECT_EQ(fs::file_size(uri.substr(std::string("file://").size())), 64U);
         EXPECT_EQ(Files(directory), 1U);
     }
+}
+
+// Used by address: the last so many that were handed out are there, written afresh or not, whatever the clock says.
+TEST_F(PictureFilesTest, KeepsThoseThatWereHandedOutLast)
+{
+    const PictureFiles files(directory, 3);
+    const auto path = [&](int picture)
+    {
+        const Picture examined = Examine(Png(static_cast<unsigned char>(picture)));
+        return files.Uri(examined).value().substr(std::string("file://").size());
+    };
+    std::vector<std::string> handedOut;
+    const auto handOut = [&](int picture)
+    {
+        handedOut.push_back(path(picture));
+        for (std::size_t i = handedOut.size() - std::min<std::size_t>(handedOut.size(), 3); i < handedOut.size(); ++i)
+            EXPECT_TRUE(fs::exists(handedOut[i])) << "number " << i << " after number " << handedOut.size() - 1;
+    };
+
+    for (const int picture : {1, 2, 3, 1, 4, 2, 1, 5, 4, 6, 4, 7, 4, 8, 9, 4}) handOut(picture);
+    for (const auto& entry : fs::directory_iterator(directory))
+        fs::last_write_time(entry, fs::last_write_time(entry) + std::chrono::hours(24));
+    for (const int picture : {10, 11, 10, 12, 13, 10, 14, 15}) handOut(picture);
+
+    EXPECT_EQ(Files(directory), 3U);
+}
+
+TEST_F(PictureFilesTest, AFileWithOtherBytesOfTheSameSizeIsWrittenAgain)
+{
+    const PictureFiles files(directory);
+    const std::string path = files.Uri(Examine(Png(1))).value().substr(std::string("file://").size());
+    std::ofstream(path) << std::string(64, 'x');
+
+    EXPECT_TRUE(files.Uri(Examine(Png(1))));
+
+    std::ifstream file(path);
+    const Bytes bytes{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(bytes, Png(1));
 }
 
 TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)

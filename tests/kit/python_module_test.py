@@ -11,6 +11,7 @@ import sys
 import threading
 import time
 import unittest
+import warnings
 import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
@@ -54,7 +55,9 @@ class Simulator:
             "Battery", fields, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
 
     def hang(self):
+        """Returns when it has stopped: until then it may answer."""
         self.process.send_signal(signal.SIGSTOP)
+        os.waitid(os.P_PID, self.process.pid, os.WSTOPPED)
 
     def go_on(self):
         self.process.send_signal(signal.SIGCONT)
@@ -76,6 +79,40 @@ class WithoutService(unittest.TestCase):
 
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.NO_SERVICE)
         self.assertIn("NoService: ", str(raised.exception))
+        self.assertRegex(raised.exception.name, r"^org\.freedesktop\.DBus\.Error\.(ServiceUnknown|NameHasNoOwner)$")
+
+    def test_a_request_that_is_not_sent_is_a_resource_warning(self):
+        with self.assertWarnsRegex(ResourceWarning, r"^a request was dropped without being sent; call start\(\)"):
+            self.session.commands.next()
+
+    def test_a_subscription_that_is_dropped_is_a_resource_warning(self):
+        with self.assertWarnsRegex(ResourceWarning, "^subscription 'dropped' was dropped; keep a reference"):
+            self.session.on_state("dropped", print)
+
+    def test_what_was_ended_in_time_makes_no_warning(self):
+        with warnings.catch_warnings(record=True) as caught:
+            warnings.simplefilter("always")
+            self.session.on_connection("ended", print).end()
+            request = self.session.commands.next()
+            with self.assertRaises(ipodkit.Error):
+                request.wait()
+            kept = self.session.on_state("kept", print)
+            self.session.close()
+            del kept, request
+
+        self.assertEqual([str(each.message) for each in caught], [])
+
+    def test_numbers_without_a_name_print_as_such(self):
+        unknown = ipodkit.PlayStatus(77)
+
+        self.assertEqual((repr(unknown), str(unknown)), ("<PlayStatus: 77>", "PlayStatus(77)"))
+        self.assertIsNone(unknown.name)
+        self.assertEqual(repr(ipodkit.PlayStatus.PLAYING), "<PlayStatus.PLAYING: 1>")
+        self.assertEqual(str(ipodkit.PlayStatus.PLAYING), "PlayStatus.PLAYING")
+        self.assertEqual(ipodkit.PlayStatus.PLAYING.name, "PLAYING")
+
+    def test_the_module_has_a_version(self):
+        self.assertRegex(ipodkit.__version__, r"^\d+\.\d+\.\d+$")
 
     def test_what_are_no_fields_is_an_error_of_their_type(self):
         for wrong in ({"track"}, [None], 1, ipodkit.Field.TRACK):
@@ -86,7 +123,8 @@ class WithoutService(unittest.TestCase):
         for wrong in ("x", None, [1]):
             with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
                 self.session.commands.seek(wrong)
-            with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
+            with self.subTest(wrong), self.assertWarns(ResourceWarning), \
+                    self.assertRaisesRegex(TypeError, "must be real number"):
                 self.session.commands.next().within(wrong)
         for wrong in (float("nan"), float("inf"), -1e300):
             with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a number of seconds"):
@@ -94,7 +132,8 @@ class WithoutService(unittest.TestCase):
 
     def test_a_deadline_does_not_lie_in_the_past(self):
         for wrong in (-1, datetime.timedelta(seconds=-1), -0.001):
-            with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
+            with self.subTest(wrong), self.assertWarns(ResourceWarning), \
+                    self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
                 self.session.commands.next().within(wrong)
 
     def test_there_is_one_session_at_a_time(self):
@@ -189,6 +228,7 @@ class WithSimulator(unittest.TestCase):
         value, error = self.completed(self.session.commands.enter_child(9999))
         self.assertIsNone(value)
         self.assertEqual(error.kind, ipodkit.ErrorKind.REFUSED)
+        self.assertIsNone(error.name)
 
     def test_the_blocking_form_returns_the_value(self):
         commands = self.session.commands
@@ -364,14 +404,15 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: phases[-1] == "READY"))
 
         self.assertEqual(phases, ["READY", "LOST", "CONNECTING", "READY"])
-        del watching
+        watching.end()
 
     def test_a_subscription_ends_with_its_object(self):
         calls = []
         watching = self.session.on_state("watching", lambda state, changed: calls.append(changed))
         run_until(lambda: calls)
 
-        del watching
+        with self.assertWarns(ResourceWarning):
+            del watching
         self.session.commands.set_repeat(ipodkit.Repeat.ONE).wait()
         self.assertTrue(run_until(lambda: self.session.state.repeat == ipodkit.Repeat.ONE))
 
@@ -399,7 +440,41 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: reported))
         self.assertEqual(reported, [(ZeroDivisionError, "broken")])
         self.assertEqual(self.completed(self.session.commands.device_count())[0], 1)
-        del watching
+        watching.end()
+
+    def iterate_until_interrupted(self):
+        """Runs the context as a program without a main loop does."""
+        giving_up = time.monotonic() + LIMIT
+        while time.monotonic() < giving_up:
+            GLib.MainContext.default().iteration(False)
+            time.sleep(0.002)
+
+    def test_ctrl_c_in_a_callback_reaches_a_program_that_iterates_the_context_itself(self):
+        reported = self.reported_as_unraisable()
+
+        def be_interrupted(state, changed):
+            os.kill(os.getpid(), signal.SIGINT)
+            time.sleep(0.01)
+
+        watching = self.session.on_state("interrupted", be_interrupted)
+        with self.assertRaises(KeyboardInterrupt):
+            self.iterate_until_interrupted()
+
+        watching.end()
+        self.assertEqual(reported, [])
+
+    def test_an_interrupt_that_nobody_handles_is_reported(self):
+        self.addCleanup(signal.signal, signal.SIGINT, signal.signal(signal.SIGINT, signal.SIG_IGN))
+        reported = self.reported_as_unraisable()
+
+        def be_interrupted(state, changed):
+            raise KeyboardInterrupt
+
+        watching = self.session.on_state("interrupted", be_interrupted)
+        self.assertTrue(run_until(lambda: reported))
+
+        watching.end()
+        self.assertEqual(reported, [(KeyboardInterrupt, "interrupted")])
 
     def test_a_token_may_be_ended_while_its_callback_runs_in_another_thread(self):
         entered = threading.Event()

@@ -43,7 +43,8 @@ public:
     /// ErrorKind::BadArgument when the system's ICU lacks the rules.
     static Result<JumpIndex> Build(std::vector<std::string> names, const JumpIndexOptions& options = {});
 
-    /// Indices of the names, as the locale sorts them; Chinese by pinyin where the locale does.
+    /// Indices of the names, section by section, and as the locale sorts them within a section. Chinese names follow
+    /// the others there, by their reading: 三毛 (san mao) before 单依纯 (shan yi chun).
     const std::vector<int>& Order() const;
 
     /// By the first letter of the reading, in the order of Order(); letters without a name are left out.

@@ -19,6 +19,7 @@ enum class PictureType
     Gif,
     Bmp,
     WebP,
+    Tiff,
 };
 
 /// "image/jpeg"; "application/octet-stream" for an unknown type.
@@ -29,14 +30,15 @@ struct Picture
 {
     std::vector<unsigned char> bytes;
     PictureType type;
-    std::uint32_t width;   ///< in pixels, 0 when the bytes do not tell
-    std::uint32_t height;  ///< in pixels, 0 when the bytes do not tell
+    std::uint32_t width;   ///< in pixels; 0 while width or height is unknown
+    std::uint32_t height;  ///< in pixels; 0 while width or height is unknown
     std::uint64_t hash;    ///< of the bytes: equal pictures have equal hashes, on every machine
 };
 
 using PicturePtr = std::shared_ptr<const Picture>;
 
-/// Looks at the bytes. Only what their head says is believed, nothing is decoded; any bytes are safe.
+/// Reads type and size from the head of the bytes. Nothing is decoded, any bytes are safe, and a head that is cut off
+/// or damaged leaves the size unknown.
 Picture Examine(std::vector<unsigned char> bytes);
 }  // namespace ipodkit
 

@@ -18,17 +18,19 @@ class PictureFiles
 {
 public:
     /// @param directory  made when needed, for this user only; empty: "ipodkit" under the user's runtime directory
-    /// @param keep       how many pictures stay; beyond that the oldest are removed, and nothing else
+    /// @param keep       how many pictures stay, at least 1: those handed out last, by any process; other files of the
+    ///                   directory are left alone
     explicit PictureFiles(std::string directory = {}, std::size_t keep = 32);
 
     /// The file's address, "file:///…". Equal pictures have one address as long as the directory is the same. The file
-    /// is there, whole, when this returns: it never has half of its bytes. ErrorKind::NoStorage.
+    /// holds exactly these bytes when this returns, and never half of them. It stays until `keep` other pictures were
+    /// handed out after it. ErrorKind::NoStorage.
     Result<std::string> Uri(const Picture& picture) const;
 
     const std::string& Directory() const { return m_directory; }
 
 private:
-    void RemoveOldestBut(const std::string& fresh) const;
+    void KeepInUse(const std::string& path) const;
 
     std::string m_directory;
     std::size_t m_keep;

@@ -12,10 +12,18 @@ namespace
 {
 Error DoesNotFit(std::size_t size, std::size_t room)
 {
-    return {ErrorKind::NoSharedMemory, "the write buffer does not take " + std::to_string(size) +
-                                           " bytes at once; the most that fit are " + std::to_string(room)};
+    return {ErrorKind::NoSharedMemory, "the write buffer has no room for " + std::to_string(size) +
+                                           " bytes at once; at most " + std::to_string(room) + " fit"};
 }
 }  // namespace
+
+// What another thread writes, and what belongs to this one: it is moved there and back, and never let go there.
+struct AccessorySession::Impl::Growth
+{
+    std::shared_ptr<Impl> self;
+    Bytes chunk;
+    Lane::Release release;
+};
 
 bool AccessorySession::Impl::Write(Bytes bytes, Completion completion)
 {
@@ -60,17 +68,44 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
     const Job& job = m_jobs.front();
     const std::size_t size = std::min(std::max<std::size_t>(m_options.chunk, 1), job.bytes.size() - job.sent);
     const std::size_t room = RoomForAccessoryBytes();
-    if (size > room || !WriteBytes(g_VecEapWriteBufferShareMemory, job.bytes.data() + job.sent, size))
+    const unsigned char* const begin = job.bytes.data() + job.sent;
+    if (size > room)
+        ChunkWritten(size, tl::unexpected<Error>(DoesNotFit(size, room)), release);
+    else if (HasCapacity(g_VecEapWriteBufferShareMemory, size))
+        ChunkWritten(size, WriteBytes(g_VecEapWriteBufferShareMemory, begin, size), release);
+    else
+        WriteAside({begin, begin + size}, release);
+}
+
+// Where the buffer has to grow, somebody else may hold the lock of the segment.
+void AccessorySession::Impl::WriteAside(Bytes chunk, const Lane::Release& release)
+{
+    const std::shared_ptr<GMainContext> context(g_main_context_ref(m_session->Context()), g_main_context_unref);
+    auto growth = std::make_shared<Growth>(Growth{shared_from_this(), std::move(chunk), release});
+    RunAside(
+        [context, growth = std::move(growth)]() mutable
+        {
+            const Bytes& bytes = growth->chunk;
+            const Result<void> result = WriteBytes(g_VecEapWriteBufferShareMemory, bytes.data(), bytes.size());
+            Post(context.get(), [growth = std::move(growth), result]
+                 { growth->self->ChunkWritten(growth->chunk.size(), result, growth->release); });
+        });
+}
+
+// The session may have been closed meanwhile.
+void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& result, const Lane::Release& release)
+{
+    if (!result || m_jobs.empty())
     {
         release();
-        return FailLater(DoesNotFit(size, room));
+        return FailLater(result ? kSessionEnded : result.error());
     }
     AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
         .Start(
-            [self = shared_from_this(), size, release](const Result<void>& result)
+            [self = shared_from_this(), size, release](const Result<void>& answer)
             {
                 release();
-                self->ChunkAnswered(size, result);
+                self->ChunkAnswered(size, answer);
             });
 }
 

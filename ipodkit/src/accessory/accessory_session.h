@@ -42,7 +42,10 @@ private:
     };
 
     void SendNext();
+    struct Growth;
     void SendChunk(const Lane::Release& release);
+    void WriteAside(Bytes chunk, const Lane::Release& release);
+    void ChunkWritten(std::size_t size, const Result<void>& result, const Lane::Release& release);
     void ChunkAnswered(std::size_t size, const Result<void>& result);
     void FailLater(const Error& error);
     void FailAll(const Error& error);

@@ -110,14 +110,9 @@ std::optional<Error> Probe(const char* segment)
     {
         return Map(segment, file);
     }
-    catch (const bip::interprocess_exception& thrown)
-    {
-        const bool locked = thrown.get_error_code() == bip::timeout_when_locking_error;
-        return Failure(segment, locked ? "it is locked by a process that died" : thrown.what(), Removal(segment));
-    }
     catch (const std::exception& thrown)
     {
-        return Failure(segment, thrown.what(), Removal(segment));
+        return SegmentFailure(segment, thrown);
     }
 }
 }  // namespace
@@ -126,6 +121,13 @@ std::optional<Error> ProbeSegments()
 {
     std::optional<Error> error = Probe(kListSegmentName);
     return error ? error : Probe(kBufferSegmentName);
+}
+
+Error SegmentFailure(const char* segment, const std::exception& thrown)
+{
+    const auto* const known = dynamic_cast<const bip::interprocess_exception*>(&thrown);
+    const bool locked = known != nullptr && known->get_error_code() == bip::timeout_when_locking_error;
+    return Failure(segment, locked ? "it is locked by a process that died" : thrown.what(), Removal(segment));
 }
 
 Error AttachFailure(const std::string& what)

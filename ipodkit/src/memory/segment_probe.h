@@ -4,6 +4,7 @@
 
 #include <ipodkit/error.h>
 
+#include <exception>
 #include <optional>
 
 namespace ipodkit
@@ -14,6 +15,9 @@ namespace ipodkit
 /// Blocks, for seconds when somebody else holds a lock inside a segment or is still making it. Any thread.
 /// Nothing when both segments can be used or are not there yet; otherwise what is wrong and what helps.
 std::optional<Error> ProbeSegments();
+
+/// What Boost threw while it used a segment: what is wrong and what helps.
+Error SegmentFailure(const char* segment, const std::exception& thrown);
 
 /// The same for what an attempt of the core threw.
 Error AttachFailure(const std::string& what);

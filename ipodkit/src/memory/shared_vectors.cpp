@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "memory/segment_probe.h"
+
 namespace ipodkit
 {
 namespace
@@ -41,6 +43,25 @@ bool HasSoundRoom(const QBXByteVector& vector)
     return vector.capacity() == 0 ||
            LiesIn(segment_buffer_vector, Snapshot<unsigned char>{vector.data(), vector.capacity()});
 }
+
+// Grows as if the bytes were appended one by one, as the core does: the service shares the segment, and how much of it
+// is free must not depend on who fills the buffer.
+void Append(QBXByteVector& vector, const unsigned char* bytes, std::size_t count)
+{
+    for (std::size_t done = 0;; ++done)
+    {
+        const std::size_t fitting = std::min(count - done, vector.capacity() - vector.size());
+        vector.insert(vector.end(), bytes + done, bytes + done + fitting);
+        done += fitting;
+        if (done == count) return;
+        vector.push_back(bytes[done]);
+    }
+}
+
+tl::unexpected<Error> NoSharedMemory(const std::string& reason)
+{
+    return tl::unexpected<Error>(Error{ErrorKind::NoSharedMemory, reason});
+}
 }  // namespace
 
 std::optional<std::vector<std::string>> NamesIn(const QBXStringPageVector* vector)
@@ -74,18 +95,29 @@ std::size_t RoomToWrite(const QBXByteVector* vector)
     return std::max(vector->capacity(), (vector->capacity() + unused) / kOldAndNew);
 }
 
-bool WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t count)
+bool HasCapacity(const QBXByteVector* vector, std::size_t count)
 {
-    if (vector == nullptr || !HasSoundRoom(*vector)) return false;
+    return vector != nullptr && vector->capacity() >= count;
+}
+
+Result<void> WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t count)
+{
+    if (vector == nullptr) return NoSharedMemory("the write buffer is not attached");
+    if (!HasSoundRoom(*vector)) return NoSharedMemory("the write buffer points outside its segment");
     try
     {
         vector->clear();
-        vector->insert(vector->end(), bytes, bytes + count);
-        return true;
+        Append(*vector, bytes, count);
+        return {};
     }
-    catch (const std::exception&)
+    catch (const boost::interprocess::bad_alloc&)
     {
-        return false;
+        return NoSharedMemory("segment " + std::string(kBufferSegmentName) + " has no room for " +
+                              std::to_string(count) + " bytes at once");
+    }
+    catch (const std::exception& thrown)
+    {
+        return tl::unexpected<Error>(SegmentFailure(kBufferSegmentName, thrown));
     }
 }
 }  // namespace ipodkit

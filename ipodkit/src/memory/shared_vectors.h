@@ -1,8 +1,9 @@
 /// @file
-/// Reading the shared vectors.
+/// Reading the shared vectors, and filling the write buffer.
 #pragma once
 
 #include <QBXIpodShareMemory.h>
+#include <ipodkit/error.h>
 
 #include <optional>
 #include <string>
@@ -18,6 +19,10 @@ std::optional<std::vector<unsigned char>> BytesIn(const QBXByteVector* vector);
 /// How many bytes the write buffer takes at once without using up its segment; 0 when it is not attached or damaged.
 std::size_t RoomToWrite(const QBXByteVector* vector);
 
-/// Replaces the bytes of the write buffer. False when it is not attached, is damaged, or has no room.
-bool WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t count);
+/// Whether the write buffer takes so many bytes as it is. If not it must grow, which takes the lock of its segment.
+bool HasCapacity(const QBXByteVector* vector, std::size_t count);
+
+/// Replaces the bytes of the write buffer. ErrorKind::NoSharedMemory when it is not attached, is damaged, or cannot
+/// grow. Without capacity it blocks for up to ten seconds while a process that died holds the lock of the segment.
+Result<void> WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::size_t count);
 }  // namespace ipodkit

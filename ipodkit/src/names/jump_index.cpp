@@ -2,6 +2,7 @@
 
 #include <unicode/coll.h>
 #include <unicode/sortkey.h>
+#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <numeric>
@@ -37,6 +38,24 @@ std::string SortKey(const icu::Collator& collator, const icu::UnicodeString& nam
     int32_t length = 0;
     const uint8_t* const bytes = key.getByteArray(length);
     return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
+
+// Whether its first letter is Chinese.
+bool BeginsInChinese(const icu::UnicodeString& name)
+{
+    for (int32_t at = 0; at < name.length(); at = name.moveIndex32(at, 1))
+        if (u_isUAlphabetic(name.char32At(at))) return u_hasBinaryProperty(name.char32At(at), UCHAR_UNIFIED_IDEOGRAPH);
+    return false;
+}
+
+// The reading decides the section, so it decides the order of Chinese names within it too: the collation reads 单 as
+// dan where a surname is read shan. They follow the others, as the locales have it.
+std::string OrderKey(const icu::Collator& collator, const icu::UnicodeString& name, const std::string& reading)
+{
+    if (!BeginsInChinese(name)) return '\0' + SortKey(collator, name);
+    icu::UnicodeString read = icu::UnicodeString::fromUTF8(reading);
+    read.findAndReplace(icu::UnicodeString(char16_t{kUmlaut}), icu::UnicodeString(u'ü'));
+    return '\1' + SortKey(collator, read) + SortKey(collator, name);
 }
 
 std::string LabelOf(const std::string& reading)
@@ -162,7 +181,7 @@ Result<JumpIndex> JumpIndex::Build(std::vector<std::string> names, const JumpInd
     {
         const icu::UnicodeString text = icu::UnicodeString::fromUTF8(name);
         readings.push_back(reader->Read(text));
-        keys.push_back(SortKey(*collator, text));
+        keys.push_back(OrderKey(*collator, text, readings.back()));
     }
     return JumpIndex(std::make_shared<const Contents>(names, readings, Sorted(keys, readings)));
 }

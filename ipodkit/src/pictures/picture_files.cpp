@@ -4,10 +4,12 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <regex>
 #include <vector>
 
 #include "loop/glib_ptr.h"
+#include "pictures/image_type.h"
 
 namespace ipodkit
 {
@@ -15,17 +17,11 @@ namespace
 {
 namespace fs = std::filesystem;
 
-const char* Extension(PictureType type)
-{
-    static constexpr const char* extensions[] = {".bin", ".jpg", ".png", ".gif", ".bmp", ".webp"};
-    return extensions[static_cast<int>(type)];
-}
-
 // Size and hash: what two different pictures hardly share.
 std::string NameOf(const Picture& picture)
 {
     gchar* const name = g_strdup_printf("%zu-%016" G_GINT64_MODIFIER "x%s", picture.bytes.size(), picture.hash,
-                                        Extension(picture.type));
+                                        images::Extension(ToImageType(picture.type)));
     std::string owned(name);
     g_free(name);
     return owned;
@@ -50,8 +46,19 @@ Result<std::string> AddressOf(const std::string& path)
 // Whoever names a directory that has other files in it keeps them.
 bool IsOurs(const std::string& name)
 {
-    static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp)");
+    static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp|tiff)");
     return std::regex_match(name, ours);
+}
+
+// A file may have been cut, or spoilt without another size.
+bool HoldsBytes(const std::string& path, const std::vector<unsigned char>& bytes)
+{
+    std::error_code missing;
+    if (fs::file_size(path, missing) != bytes.size() || missing) return false;
+    std::ifstream file(path, std::ios::binary);
+    std::vector<char> present(bytes.size());
+    file.read(present.data(), static_cast<std::streamsize>(present.size()));
+    return file && std::memcmp(present.data(), bytes.data(), bytes.size()) == 0;
 }
 
 std::string AbsoluteOf(const std::string& directory)
@@ -76,28 +83,31 @@ Result<std::string> PictureFiles::Uri(const Picture& picture) const
     if (!address) return address;
     if (g_mkdir_with_parents(m_directory.c_str(), 0700) != 0)
         return NoStorage(m_directory + ": " + std::strerror(errno));
-    std::error_code missing;
-    if (fs::file_size(path, missing) == picture.bytes.size() && !missing) return address;
     GError* failure = nullptr;
-    g_file_set_contents(path.c_str(), reinterpret_cast<const gchar*>(picture.bytes.data()),
-                        static_cast<gssize>(picture.bytes.size()), &failure);
+    if (!HoldsBytes(path, picture.bytes))
+        g_file_set_contents(path.c_str(), reinterpret_cast<const gchar*>(picture.bytes.data()),
+                            static_cast<gssize>(picture.bytes.size()), &failure);
     const ErrorPtr error(failure);
     if (error != nullptr) return NoStorage(error->message);
-    RemoveOldestBut(path);
+    KeepInUse(path);
     return address;
 }
 
-// Files of one moment have one age; the new one stays whatever the clock says. What cannot be read now is removed when
-// another picture is written.
-void PictureFiles::RemoveOldestBut(const std::string& fresh) const
+// The time of a file says when it was handed out last: later than those of all others, whatever the clock says. What
+// cannot be read now is removed another time.
+void PictureFiles::KeepInUse(const std::string& path) const
 {
+    using Time = fs::file_time_type;
     std::error_code ignored;
-    std::vector<std::pair<fs::file_time_type, fs::path>> files;
+    std::vector<std::pair<Time, fs::path>> others;
     for (fs::directory_iterator entry(m_directory, ignored); entry != fs::directory_iterator();
          entry.increment(ignored))
-        if (entry->path() != fresh && IsOurs(entry->path().filename()))
-            files.emplace_back(entry->last_write_time(ignored), entry->path());
-    std::sort(files.begin(), files.end());
-    for (std::size_t i = 0; i + m_keep - 1 < files.size(); ++i) fs::remove(files[i].second, ignored);
+        if (entry->path() != path && IsOurs(entry->path().filename()))
+            others.emplace_back(entry->last_write_time(ignored), entry->path());
+    std::sort(others.begin(), others.end());
+    const Time now = Time::clock::now();
+    const Time latest = others.empty() ? now : others.back().first + Time::duration(1);
+    fs::last_write_time(path, std::max(now, latest), ignored);
+    for (std::size_t i = 0; i + m_keep - 1 < others.size(); ++i) fs::remove(others[i].second, ignored);
 }
 }  // namespace ipodkit

@@ -6,21 +6,18 @@ PicturePtr PictureShelf::Put(std::vector<unsigned char> bytes)
 {
     if (bytes.empty() || bytes.size() > m_limit) return nullptr;
     Picture picture = Examine(std::move(bytes));
-    if (PicturePtr known = Find(picture)) return known;
+    const auto known = m_pictures.find(picture.hash);
+    const PicturePtr inUse = known == m_pictures.end() ? nullptr : known->second.lock();
+    if (inUse != nullptr && inUse->bytes == picture.bytes) return inUse;
+    ForgetUnused();
     auto fresh = std::make_shared<const Picture>(std::move(picture));
-    m_pictures.emplace(fresh->hash, fresh);
+    m_pictures[fresh->hash] = fresh;
     return fresh;
 }
 
-// Forgets those that nobody uses any more.
-PicturePtr PictureShelf::Find(const Picture& picture)
+void PictureShelf::ForgetUnused()
 {
     for (auto entry = m_pictures.begin(); entry != m_pictures.end();)
-    {
-        PicturePtr known = entry->second.lock();
-        if (known != nullptr && known->hash == picture.hash && known->bytes == picture.bytes) return known;
-        entry = known == nullptr ? m_pictures.erase(entry) : std::next(entry);
-    }
-    return nullptr;
+        entry = entry->second.expired() ? m_pictures.erase(entry) : std::next(entry);
 }
 }  // namespace ipodkit

@@ -4,7 +4,7 @@
 
 #include <ipodkit/picture.h>
 
-#include <map>
+#include <unordered_map>
 
 namespace ipodkit
 {
@@ -19,9 +19,9 @@ public:
     PicturePtr Put(std::vector<unsigned char> bytes);
 
 private:
-    PicturePtr Find(const Picture& picture);
+    void ForgetUnused();
 
     const std::size_t m_limit;
-    std::multimap<std::uint64_t, std::weak_ptr<const Picture>> m_pictures;
+    std::unordered_map<std::uint64_t, std::weak_ptr<const Picture>> m_pictures;  // by hash; the later of two
 };
 }  // namespace ipodkit
