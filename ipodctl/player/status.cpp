@@ -1,7 +1,6 @@
 #include "player/status.h"
 
 #include "output/names.h"
-#include "picture/picture.h"
 #include "player/phone.h"
 #include "player/track.h"
 
@@ -23,7 +22,7 @@ Json NumberOrNull(const std::optional<int>& value)
 Json PictureJson(const ipodkit::PicturePtr& picture)
 {
     if (picture == nullptr) return {};
-    return {{"type", Sniff(picture->bytes).mime},
+    return {{"type", MediaType(picture->type)},
             {"bytes", picture->bytes.size()},
             {"width", picture->width},
             {"height", picture->height}};

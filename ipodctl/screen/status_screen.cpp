@@ -154,7 +154,7 @@ Drawing DrawArt(const Status& status, const Output& out, Art art, int rows)
     const int width = std::min(out.width(), kUsualWidth) - kLeastForText;
     if (picture == nullptr || !WantsArt(out, art) || height < kLeastForArt || width < kLeastForArt) return {};
     const Palette palette = out.colour() ? PaletteOfTerminal() : Palette::None;
-    return Draw(picture->bytes, std::min(width, 2 * kMostForArt), height, palette, out.terminal() && !out.utf8());
+    return Draw(*picture, std::min(width, 2 * kMostForArt), height, palette, out.terminal() && !out.utf8());
 }
 
 int WidthBeside(const Drawing& drawing, const Output& out)
@@ -176,8 +176,8 @@ std::string InfoText(const Status& status, const Output& out, Art art)
     const Drawing drawing = DrawArt(status, out, art, out.height() - 1);
     const QBXiPodTrackInfo& track = *status.state->track;
     const ipodkit::PicturePtr& picture = status.state->artwork;
-    const std::string about = picture == nullptr ? std::string(track.value4 == 1 ? "yes" : "no")
-                                                 : PictureLine(picture->bytes, picture->width, picture->height);
+    const std::string about =
+        picture == nullptr ? std::string(track.value4 == 1 ? "yes" : "no") : PictureLine(*picture);
     const std::string table = Table({{"title", Printable(track.text1)},
                                      {"artist", Printable(track.text2)},
                                      {"album", Printable(track.text3)},

@@ -22,7 +22,7 @@ QBXTrackArtwork ReadArtwork(Session& session)
 {
     QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
     if (artwork.word1 != 0 || artwork.image.empty()) RefuseNoPicture(session);
-    if (!IsWhole(artwork.image))
+    if (!IsWhole(ipodkit::Examine(artwork.image).type, artwork.image))
         throw Failure(kServiceLost, "the iPod service sent a broken answer: the picture has no end after " +
                                         Count(static_cast<int>(artwork.image.size()), "byte", "bytes"));
     return artwork;
@@ -39,7 +39,7 @@ Answer Save(Context& context, const std::string& file)
 {
     const QBXTrackArtwork artwork = ReadArtwork(context.session);
     if (file == "-") return WriteOut(context.out, artwork);
-    const std::string path = FileIn(file, "artwork", Sniff(artwork.image).extension);
+    const std::string path = FileIn(file, "artwork", Extension(ipodkit::Examine(artwork.image).type));
     WriteFile(path, artwork.image);
     Json json{{"verb", "art"}, {"file", path}};
     json.update(ArtworkJson(artwork));

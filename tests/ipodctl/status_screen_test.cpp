@@ -125,14 +125,13 @@ TEST(StatusScreen, SaysWhatIsUnknown)
 }
 
 // The head of a picture that is cut off.
-const std::vector<unsigned char> kPng = {0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
-                                         0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
+const std::vector<unsigned char> kPng{0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
+                                      0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
 
 TEST(Draw, GivesNothingForWhatIsNoPicture)
 {
-    EXPECT_TRUE(Draw({}, 20, 10, Palette::None, false).lines.empty());
-    EXPECT_TRUE(Draw(kPng, 20, 10, Palette::None, false).lines.empty());
-    EXPECT_TRUE(Draw({0xFF, 0xD8, 0xFF, 0xE0, 0, 0}, 20, 10, Palette::TrueColour, false).lines.empty());
+    for (const auto& bytes : {std::vector<unsigned char>(), kPng, {0xFF, 0xD8, 0xFF, 0xE0, 0, 0}})
+        EXPECT_TRUE(Draw(ipodkit::Examine(bytes), 20, 10, Palette::None, false).lines.empty());
 }
 }  // namespace
 }  // namespace ctl
