@@ -17,15 +17,25 @@ namespace
                                     : "the playing track has no picture");
 }
 
-// The core's call, because the answer tells what the service says of the picture, too.
+[[noreturn]] void RefuseBroken(const std::string& why)
+{
+    throw Failure(kServiceLost, "the iPod service sent a broken answer: " + why);
+}
+
+// The core's call, because its answer includes what the service reports about the artwork.
 QBXTrackArtwork ReadArtwork(Session& session)
 {
     QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
     if (artwork.word1 != 0 || artwork.image.empty()) RefuseNoPicture(session);
-    if (!IsWhole(ipodkit::Examine(artwork.image).type, artwork.image))
-        throw Failure(kServiceLost, "the iPod service sent a broken answer: the picture has no end after " +
-                                        Count(static_cast<int>(artwork.image.size()), "byte", "bytes"));
+    // An answer of another type leaves the record empty, and in the shared memory there is earlier artwork.
+    if (artwork.word2 == 0) RefuseBroken("its artwork record is empty");
     return artwork;
+}
+
+void CheckWhole(const ipodkit::Picture& picture)
+{
+    if (!IsWhole(picture.type, picture.bytes))
+        RefuseBroken("the image has no end after " + Count(static_cast<int>(picture.bytes.size()), "byte", "bytes"));
 }
 
 Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
@@ -38,8 +48,10 @@ Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
 Answer Save(Context& context, const std::string& file)
 {
     const QBXTrackArtwork artwork = ReadArtwork(context.session);
+    const ipodkit::Picture picture = ipodkit::Examine(artwork.image);
+    CheckWhole(picture);
     if (file == "-") return WriteOut(context.out, artwork);
-    const std::string path = FileIn(file, "artwork", Extension(ipodkit::Examine(artwork.image).type));
+    const std::string path = FileIn(file, "artwork", Extension(picture.type));
     WriteFile(path, artwork.image);
     Json json{{"verb", "art"}, {"file", path}};
     json.update(ArtworkJson(artwork));

@@ -525,9 +525,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_picture_that_is_not_handed_over_whole_is_told(self):
         self.play_first_song()
         self.tell("fault", "half-filled@GetPlayingTrackAlbumArtwork")
-        self.assertIn("the picture has no end after ", self.refused("art", "half.png", code=SERVICE_LOST))
+        self.assertIn("the image has no end after ", self.refused("art", "half.png", code=SERVICE_LOST))
         self.assertEqual(os.listdir(self.folder.name), [])
         self.assertIn("300 x 300, incomplete\n", self.text("info"))
+
+    def test_artwork_of_the_wrong_type_is_a_broken_answer(self):
+        self.play_first_song()
+        self.tell("fault", "wrong-type@GetPlayingTrackAlbumArtwork")
+        self.assertIn("sent a broken answer: its artwork record is empty",
+                      self.refused("art", "cover", code=SERVICE_LOST))
+        self.assertEqual(os.listdir(self.folder.name), [])
 
     def test_a_folder_gets_the_picture_under_a_name_of_its_own(self):
         self.play_first_song()
