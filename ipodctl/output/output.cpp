@@ -121,7 +121,7 @@ void Output::Raw(const void* data, std::size_t size)
 
 void RefuseOutput(int error)
 {
-    throw Failure(kNothingDone, std::string("cannot write to standard output: ") + std::strerror(error));
+    throw Failure(kNoOutput, std::string("cannot write to standard output: ") + std::strerror(error));
 }
 
 // Whatever is unsafe below U+0020 is escaped by the dump itself; the rest can only stand inside its strings.

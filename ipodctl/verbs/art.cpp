@@ -63,16 +63,21 @@ Run BuildArt(CLI::App& app)
     const auto file = Argument<std::string>("artwork");
     auto* const place = app.add_option(
         "file", *file,
-        "File to write, - for standard output. A folder gets a file \"artwork\"; the extension of the picture's type "
-        "is added to a name that has none");
-    app.add_option("--out", *file, "The same as file")->excludes(place);
-    return [file](Context& context) { return Save(context, *file); };
+        "File to write (default: artwork), - for standard output. In a folder, the file is \"artwork\"; a name without "
+        "extension gets that of the image type");
+    app.add_option("--out", *file, "Same as FILE")->excludes(place);
+    return [file](Context& context)
+    {
+        if (context.out.json() && *file == "-")
+            throw Failure(kUsage, "--json cannot be used with '-', which writes the image");
+        return Save(context, *file);
+    };
 }
 }  // namespace
 
 std::vector<Verb> ArtVerbs()
 {
-    return {{"art", "Write the picture of the playing track to a file (\"artwork\" when none is given)",
+    return {{"art", "Save the artwork of the playing track",
              "ipodctl art\nipodctl art /tmp/cover\nipodctl art --out ~/Pictures/\nipodctl art - | sha256sum",
              BuildArt}};
 }

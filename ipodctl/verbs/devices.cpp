@@ -48,7 +48,7 @@ Run BuildDevices(CLI::App& app)
     const auto names = Argument<bool>();
     auto* const entered = app.add_option("index", *index, "Device to browse; without it, the devices are shown");
     entered->check(WholeNumber(0));
-    app.add_flag("--names", *names, "One name per line and nothing else, for scripts")->excludes(entered);
+    app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entered);
     return [index, names](Context& context)
     { return *index ? EnterDevice(context.session, **index) : ShowDevices(context, *names); };
 }
@@ -92,7 +92,7 @@ Run BuildButton(CLI::App& app)
 {
     const auto button = Argument<Button>();
     app.add_option("number", button->number, "Number of the button")->required()->check(NumberUpTo(UINT32_MAX));
-    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as it is told to the device")
+    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as reported to the device")
         ->check(NumberUpTo(UINT32_MAX));
     return [button](Context& context) -> Answer
     {
@@ -106,7 +106,7 @@ Run BuildButton(CLI::App& app)
 Run BuildHub(CLI::App& app)
 {
     const auto mode = Argument<int>();
-    app.add_option("mode", *mode, "Test mode, 0 ends it")->required()->check(NumberUpTo(255));
+    app.add_option("mode", *mode, "Test mode; 0 ends it")->required()->check(NumberUpTo(255));
     return [mode](Context& context) -> Answer
     {
         context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));
@@ -117,13 +117,11 @@ Run BuildHub(CLI::App& app)
 
 std::vector<Verb> DeviceVerbs()
 {
-    return {{"devices", "Show the attached devices, or choose the one to browse", "ipodctl devices\nipodctl devices 1",
+    return {{"devices", "List the attached devices, or choose the one to browse", "ipodctl devices\nipodctl devices 1",
              BuildDevices},
-            {"carplay", "Show whether a CarPlay device is detected", "ipodctl carplay", BuildCarPlay},
-            {"carlife", "Show whether a CarLife device is detected", "ipodctl carlife", BuildCarLife},
-            {"button", "Press and release a button of the accessory remote control", "ipodctl button 1 --held 500",
-             BuildButton},
-            {"hub", "Set the electrical test mode of the USB hub; for production and service only", "ipodctl hub 0",
-             BuildHub}};
+            {"carplay", "Print whether a CarPlay device is detected", "ipodctl carplay", BuildCarPlay},
+            {"carlife", "Print whether a CarLife device is detected", "ipodctl carlife", BuildCarLife},
+            {"button", "Press and release a button of the remote control", "ipodctl button 1 --held 500", BuildButton},
+            {"hub", "Set the electrical test mode of the USB hub (production)", "ipodctl hub 0", BuildHub}};
 }
 }  // namespace ctl

@@ -217,7 +217,7 @@ Run BuildDoctor(CLI::App&)
 
 std::vector<Verb> DoctorVerbs()
 {
-    return {{"doctor", "Say what is wrong with bus, service and shared memory, and what to do",
+    return {{"doctor", "Diagnose the bus, the service, and the shared memory",
              "ipodctl doctor\nipodctl doctor --json | jq -r '.checks[] | select(.state != \"well\")'", BuildDoctor}};
 }
 }  // namespace ctl

@@ -198,7 +198,7 @@ Run BuildScenario(CLI::App& app)
         const std::string text(bytes.begin(), bytes.end());
         if (text.find('\0') != std::string::npos ||
             g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
-            throw Failure(kUsage, Printable(*file) + " is no text in UTF-8");
+            throw Failure(kUsage, Printable(*file) + " is not valid UTF-8");
         AskSimulator(context.session, "RunScenario", g_variant_new("(s)", text.c_str()));
         return Asked("scenario");
     };
@@ -207,13 +207,13 @@ Run BuildScenario(CLI::App& app)
 
 std::vector<Verb> SimTestVerbs()
 {
-    return {{"calls", "Show what the service was asked, and what it answered",
+    return {{"calls", "List the calls that the simulator received",
              "ipodctl sim calls\nipodctl sim calls Play\nipodctl sim calls --clear", BuildCalls},
-            {"fault", "Let something go wrong",
+            {"fault", "Inject a fault",
              "ipodctl sim fault delay=500@GetPlayStatus/3\nipodctl sim fault no-reply@Next\n"
              "ipodctl sim fault restart-storm=5",
              BuildFault},
-            {"clear-faults", "Let nothing go wrong any more", "ipodctl sim clear-faults", BuildClearFaults},
+            {"clear-faults", "Remove all injected faults", "ipodctl sim clear-faults", BuildClearFaults},
             {"scenario", "Play a scenario file", "ipodctl sim scenario drive.json", BuildScenario}};
 }
 }  // namespace ctl

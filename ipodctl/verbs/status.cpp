@@ -31,12 +31,12 @@ void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
         "--art",
         [look]
         {
-            if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw");
+            if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw images");
             look->art = Art::Always;
         },
-        "Draw the picture also where standard output is no terminal");
+        "Draw the artwork even if standard output is not a terminal");
     app.add_flag_callback(
-           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the picture")
+           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the artwork")
         ->excludes(always);
 }
 
@@ -74,9 +74,9 @@ Run BuildStatus(CLI::App& app)
     const auto look = Argument<Look>();
     AddArt(app, look);
     auto* const listen = app.add_option("--listen", look->listen,
-                                        "Listen so many seconds first: battery and calls are told by events only");
+                                        "Wait this long for events first: only events report battery and calls");
     listen->check(Seconds());
-    app.add_flag("--watch", look->watch, "Stay, and show every change, until Ctrl-C")->excludes(listen);
+    app.add_flag("--watch", look->watch, "Keep printing every change until Ctrl-C")->excludes(listen);
     return [look](Context& context) { return ShowStatus(context, *look); };
 }
 
@@ -105,10 +105,10 @@ Run BuildInfo(CLI::App& app)
 
 std::vector<Verb> StatusVerbs()
 {
-    return {{"status", "Show what plays, the modes, the queue, the devices, battery and calls",
+    return {{"status", "Print track, modes, queue, devices, battery, and calls",
              "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
              "ipodctl status --json | jq -r .track.title",
              BuildStatus},
-            {"info", "Show all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
+            {"info", "Print all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
 }
 }  // namespace ctl

@@ -26,6 +26,7 @@ from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter
 from schema_check import check  # noqa: E402
 
 DONE, NOTHING_DONE, USAGE, NO_BUS, NO_SERVICE, NO_SEGMENTS, SERVICE_LOST = range(7)
+NO_OUTPUT = 7
 
 
 class OnABus(unittest.TestCase):
@@ -49,7 +50,7 @@ class OnABus(unittest.TestCase):
         if code == DONE:
             self.assertEqual(err, b"")
         else:
-            self.assertRegex(err.decode(), r"^ipodctl: [^\n]+\n$")
+            self.assertRegex(err.decode(), r"^ipodctl: [^\n]+\n(hint: [^\n]+\n)?$")
         return out
 
     def text(self, *words, **options):
@@ -62,19 +63,21 @@ class OnABus(unittest.TestCase):
         self.assertEqual(check(answer, SCHEMA), [])
         return answer
 
-    def refused(self, *words, code, **options):
-        """The message of a failure, which is the same in both forms."""
+    def failure(self, *words, code, **options):
+        """The message of a failure and its hint, which are the same in both forms."""
         self.assertEqual(self.run_ctl(*words, code=code, **options), b"")
-        answer = self.json(*words, code=code, **options)
-        self.assertEqual(answer["error"]["code"], code)
-        return answer["error"]["message"]
+        error = self.json(*words, code=code, **options)["error"]
+        self.assertEqual(error["code"], code)
+        return error["message"], error.get("hint", "")
 
+    def refused(self, *words, code, **options):
+        return self.failure(*words, code=code, **options)[0]
 
     def assert_output_is_told(self, words, redirection, reason, **options):
         done = subprocess.run(f"'{OPTIONS.ipodctl}' {words} {redirection}", env=self.bus.environment, shell=True,
                               stderr=subprocess.PIPE, timeout=LIMIT, check=False, **options)
         self.assertEqual((done.returncode, done.stderr.decode()),
-                         (NOTHING_DONE, f"ipodctl: cannot write to standard output: {reason}\n"))
+                         (NO_OUTPUT, f"ipodctl: cannot write to standard output: {reason}\n"))
 
 
 class WithoutAService(OnABus):
@@ -106,32 +109,63 @@ class WithoutAService(OnABus):
                 self.refused(*words, code=USAGE)
 
     def test_wrong_arguments_are_told_by_what_is_wrong(self):
-        for words, part in ((["--foo"], "unknown option '--foo'; ipodctl --help"),
-                            (["eap", "foo"], "unknown verb 'foo'; ipodctl eap --help"),
-                            (["sim", "foo"], "unknown verb 'foo'; ipodctl sim --help"),
-                            (["sim", "call", "--foo"], "--foo; ipodctl sim call --help"),
-                            (["seek"], "no time is given"),
-                            (["sim", "foo", "--help"], "unknown verb 'foo'; ipodctl sim --help"),
-                            ([], "no verb is given; ipodctl --help"),
-                            (["eap"], "no verb is given; ipodctl eap --help"),
-                            (["hub", "x"], "'x' is no whole number from 0 to 255"),
-                            (["eap", "write", "x"], "'x' is no whole number from 0 to 65535"),
-                            (["sim", "eap-close", "0"], "'0' is no whole number from 1 to 65535"),
-                            (["eap", "bridge", "--socket", ""], "--socket: it is empty"),
-                            (["seek", "--back", "-5"], "'-5' is no time"),
-                            (["seek", "--back=-3"], "'-3' is no time"),
-                            (["seek", "-1:99"], "'-1:99' is no time"),
-                            (["button", "-1"], "'-1' is no whole number"),
-                            (["events", "--timeout", "0"], "'0' is no number of seconds"),
-                            (["sim", "battery", "--charging", "--charged"], "give one of --disabled")):
+        for words, message, hint in (
+                (["--foo"], "unknown option '--foo'", "try 'ipodctl --help'"),
+                (["dance"], "unknown command 'dance'", "try 'ipodctl --help'"),
+                (["staus"], "unknown command 'staus'", "did you mean 'status'?"),
+                (["eap", "foo"], "unknown command 'foo'", "try 'ipodctl eap --help'"),
+                (["sim", "cal"], "unknown command 'cal'", "did you mean 'call'?"),
+                (["sim", "call", "--foo"], "unknown option '--foo'", "try 'ipodctl sim call --help'"),
+                (["sim", "foo", "--help"], "unknown command 'foo'", "try 'ipodctl sim --help'"),
+                ([], "missing command (try 'ipodctl --help')", ""),
+                (["eap"], "missing command (try 'ipodctl eap --help')", ""),
+                (["hub"], "missing argument: mode", "try 'ipodctl hub --help'"),
+                (["ls", "x"], "unexpected argument 'x'", "try 'ipodctl ls --help'"),
+                (["ls", "--count"], "--count: missing value", "try 'ipodctl ls --help'"),
+                (["ls", "--count", "1", "--count", "2"], "--count: can be given only once", "try 'ipodctl ls --help'"),
+                (["ls", "--all", "--from", "1"], "--from cannot be used with --all", "try 'ipodctl ls --help'"),
+                (["ls", "--all=maybe"], "--all: accepts no value", "try 'ipodctl ls --help'"),
+                (["shuffle", "x"], "mode: expected one of off, songs, albums, got 'x'", "try 'ipodctl shuffle --help'"),
+                (["hub", "x"], "mode: 'x' is not an integer between 0 and 255", "try 'ipodctl hub --help'"),
+                (["button", "-1"], "number: '-1' is not an integer between 0 and 4294967295",
+                 "try 'ipodctl button --help'"),
+                (["sim", "eap-close", "0"], "session: '0' is not an integer between 1 and 65535",
+                 "try 'ipodctl sim eap-close --help'"),
+                (["events", "--timeout", "0"], "--timeout: '0' is not a number of seconds between 0.001 and 4000000",
+                 "try 'ipodctl events --help'"),
+                (["eap", "bridge", "--socket", ""], "--socket: must not be empty", "try 'ipodctl eap bridge --help'"),
+                (["seek"], "missing argument: time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek", "-1:99"], "'-1:99' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["sim", "battery", "--charging", "--charged"],
+                 "only one of --disabled, --charging, --charged and --discharging can be given", "")):
             with self.subTest(words):
-                self.assertIn(part, self.refused(*words, code=USAGE))
+                self.assertEqual(self.failure(*words, code=USAGE), (message, hint))
+
+    def test_forms_that_exclude_each_other_are_usage_errors(self):
+        for words, message in ((["art", "-"], "--json cannot be used with '-', which writes the image"),
+                               (["events", "--format", "{{ title }}"], "--json cannot be used with --format"),
+                               (["browse"], "--json cannot be used with browse")):
+            with self.subTest(words):
+                self.assertEqual(self.json(*words, code=USAGE)["error"]["message"], message)
+
+    def test_the_help_fits_into_eighty_columns_and_has_nothing_of_the_parser(self):
+        commands = re.findall(r"^  ([a-z]\S*) ", self.text("--help").split("Commands:")[1].split("Exit codes:")[0], re.M)
+        self.assertGreater(len(commands), 20)
+        subcommands = [[command, sub] for command in ("eap", "sim")
+                       for sub in re.findall(r"^  ([a-z]\S*) ", self.text(command, "--help").split("Commands:")[1].split("Examples:")[0], re.M)]
+        for words in [[], *([command] for command in commands), *subcommands]:
+            with self.subTest(words):
+                text = self.text(*words, "--help")
+                self.assertLessEqual(max(map(len, text.split("Examples:")[0].splitlines())), 80, text)
+                self.assertNotRegex(text, r"INT|FLOAT|REQUIRED|Excludes|SUBCOMMAND|VERB|\{\d\}| \n")
 
     def test_texts_for_the_simulator_are_utf_8(self):
         for words in (["app"], ["attach"], ["detach"], ["button"], ["fault"], ["calls"], ["pairing"],
                       ["call", "--name"], ["carplay", "on", "--serial"], ["wireless", "on", "--address"]):
             with self.subTest(words):
-                self.assertIn("no text in UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
+                self.assertIn("is not valid UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
 
     def test_an_output_that_takes_nothing_is_told(self):
         for redirection, reason in ((">/dev/full", "No space left on device"), (">&-", "Bad file descriptor")):
@@ -511,7 +545,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.run_ctl("art", "-"), picture)
         self.assertTrue(self.text("art").startswith("artwork.png: image/png, "))
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
-        self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=USAGE))
+        self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=NO_OUTPUT))
 
     def test_a_picture_that_the_shared_memory_has_no_room_for_is_told(self):
         self.tell("eap-open")
@@ -618,7 +652,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|low\n")
 
     def test_a_template_that_is_wrong_is_told_with_its_column(self):
-        self.assertIn("column 6: expected a field", self.refused("events", "--format", "a {{ b }}", code=USAGE))
+        process = self.start("events", "--format", "a {{ b }}")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (USAGE, b""))
+        self.assertIn(b"column 6: expected a field", err)
 
     def test_events_run_a_command_with_what_they_tell(self):
         self.play_first_song()

@@ -19,13 +19,13 @@ def help_of(*verbs):
 
 
 def verbs_of(*verbs):
-    listed = re.search(r"^Subcommands:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
+    listed = re.search(r"^Commands:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
     return re.findall(r"^  (\S+)", listed.group(1), re.MULTILINE) if listed else []
 
 
 def options_of(*verbs):
     listed = re.search(r"^Options:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
-    entries = re.findall(r"^  (-\S+)", listed.group(1), re.MULTILINE) if listed else []
+    entries = re.findall(r"^  (-.*?)(?:  |$)", listed.group(1), re.MULTILINE) if listed else []
     options = {option for entry in entries for option in re.findall(r"--([\w-]+)", entry)}
     return options.union(*(options_of(*verbs, verb) for verb in verbs_of(*verbs)))
 
