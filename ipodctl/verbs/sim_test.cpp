@@ -11,8 +11,8 @@ namespace ctl
 {
 namespace
 {
-// Some ten thousand events.
-constexpr std::size_t kMostOfScenario = std::size_t{4} << 20;
+// As much as the simulator accepts as a file.
+constexpr std::size_t kMostOfScenario = std::size_t{8} << 20;
 
 struct CallQuery
 {

@@ -849,6 +849,17 @@ class WithTheSimulator(OnABusWithTheSimulator):
         segments = {segment["name"]: segment for segment in self.json("shm")["segments"]}
         return segments["BufferVectorSharedMemory"]["free"]
 
+    # Scenarios
+
+    def test_a_scenario_may_have_eight_mebibytes(self):
+        scenario = os.path.join(self.folder.name, "long.json")
+        with open(scenario, "w", encoding="utf-8") as file:
+            file.write('{"steps": []}' + " " * (7 << 20))
+        self.run_ctl("sim", "scenario", scenario)
+        with open(scenario, "a", encoding="utf-8") as file:
+            file.write(" " * (1 << 20))
+        self.assertIn("longer than 8388608 bytes", self.refused("sim", "scenario", scenario, code=USAGE))
+
     # Shared memory
 
     def test_what_lies_in_the_segments_is_shown(self):
