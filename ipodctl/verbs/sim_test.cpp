@@ -1,4 +1,6 @@
 // For tests of applications: what the simulator was asked, what goes wrong, scenarios.
+#include <ipod_dbus.h>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -6,6 +8,7 @@
 #include "output/table.h"
 #include "output/text.h"
 #include "verbs/sim.h"
+#include "verbs/usage.h"
 
 namespace ctl
 {
@@ -95,8 +98,25 @@ Call ToCall(GVariant* entry)
     return call;
 }
 
+// The methods of the contract.
+std::vector<std::string> Methods()
+{
+    std::vector<std::string> names;
+    const GDBusInterfaceInfo* const contract = com_zarn_linux_ipod_interface_info();
+    for (GDBusMethodInfo** method = contract->methods; *method != nullptr; ++method) names.emplace_back((*method)->name);
+    return names;
+}
+
+void CheckMethod(const std::string& method)
+{
+    const std::vector<std::string> methods = Methods();
+    if (method.empty() || std::find(methods.begin(), methods.end(), method) != methods.end()) return;
+    throw UnknownWord("method", method, methods, "ipodctl sim calls lists all calls");
+}
+
 Answer ShowCalls(Context& context, const std::string& method)
 {
+    CheckMethod(method);
     const VariantPtr reply = AskSimulator(context.session, "GetCalls", g_variant_new("(s)", method.c_str()));
     const VariantPtr entries(g_variant_get_child_value(reply.get(), 0));
     Json calls = Json::array();

@@ -849,6 +849,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
         segments = {segment["name"]: segment for segment in self.json("shm")["segments"]}
         return segments["BufferVectorSharedMemory"]["free"]
 
+    # Calls
+
+    def test_calls_of_a_method_that_the_contract_lacks_are_a_usage_error(self):
+        self.run_ctl("next", code=NOTHING_DONE)
+        self.assertIn("  Next  ", self.text("sim", "calls", "Next"))
+        self.assertEqual(self.failure("sim", "calls", "Nexxt", code=USAGE),
+                         ("unknown method 'Nexxt'", "did you mean 'Next'?"))
+        self.assertEqual(self.failure("sim", "calls", "Nope!", code=USAGE),
+                         ("unknown method 'Nope!'", "ipodctl sim calls lists all calls"))
+
     # Scenarios
 
     def test_a_scenario_may_have_eight_mebibytes(self):
