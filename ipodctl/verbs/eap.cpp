@@ -70,10 +70,12 @@ int TryWrite(Session& session, unsigned short number, Bytes& data)
 
 void Write(Session& session, unsigned short number, Bytes data)
 {
+    const SenderLock lock(session);
     if (TryWrite(session, number, data) != 1)
-        throw Failure(kNothingDone, "the service did not take the bytes: session " + std::to_string(number) +
-                                        " is not open (ipodctl eap listen shows sessions), or the shared memory has "
-                                        "no room for an answer (ipodctl shm shows what is free)");
+        throw Failure(kNothingDone,
+                      "the service rejected the data: session " + std::to_string(number) +
+                          " is not open, or the shared memory has no room for an answer",
+                      "'ipodctl eap listen' prints sessions, 'ipodctl shm' the free memory");
 }
 
 Run BuildInit(CLI::App& app)
@@ -179,6 +181,7 @@ Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, co
 Answer Echo(Context& context, const EchoRequest& request)
 {
     Session& session = context.session;
+    const SenderLock lock(session);
     Loop loop;
     ipodkit::AccessoryPort port(session.Ready());
     const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);

@@ -756,6 +756,30 @@ class WithTheSimulator(OnABusWithTheSimulator):
         data = bytes(range(256)) * 2000
         self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
 
+    def test_a_bridge_sends_smaller_pieces_where_the_shared_memory_has_little_room(self):
+        self.tell("eap-open")
+        filling = os.path.join(self.folder.name, "filling")
+        with open(filling, "wb") as file:
+            file.write(bytes(self.free_bytes() - 40000))
+        self.tell("eap-data", "1", "--file", filling)
+        self.tell("eap-close", "1")
+        self.assertLess(self.free_bytes(), 3 * 16384)
+        data = bytes(range(256)) * 400
+        self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
+
+    def test_a_second_sender_is_refused_while_a_bridge_is_open(self):
+        first = self.start("eap", "bridge", stdin=subprocess.PIPE)
+        first.stdin.write(b"x")
+        first.stdin.flush()
+        self.assertEqual(os.read(first.stdout.fileno(), 100), b"x")
+        for words in (["eap", "bridge"], ["eap", "echo", "hello"], ["eap", "write", "1"]):
+            with self.subTest(words):
+                self.assertEqual(self.failure(*words, code=NO_SEGMENTS),
+                                 ("cannot send: another ipodctl uses the accessory buffers",
+                                  "wait until its 'eap bridge', 'eap echo' or 'eap write' has ended"))
+        self.assertEqual(first.communicate(b"still here", timeout=LIMIT)[0], b"still here")
+        self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
+
     def test_a_bridge_whose_output_is_full_is_told(self):
         self.assert_output_is_told("eap bridge", ">/dev/full", "No space left on device", input=b"hi")
 
