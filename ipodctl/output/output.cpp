@@ -18,11 +18,16 @@ namespace
 constexpr int kUsualWidth = 80;
 constexpr int kUsualHeight = 24;
 
+bool IsDumb()
+{
+    const char* const term = std::getenv("TERM");
+    return term != nullptr && std::strcmp(term, "dumb") == 0;
+}
+
 bool WantsColour()
 {
     const char* const noColour = std::getenv("NO_COLOR");
-    const char* const term = std::getenv("TERM");
-    return (noColour == nullptr || *noColour == '\0') && (term == nullptr || std::strcmp(term, "dumb") != 0);
+    return noColour == nullptr || *noColour == '\0';
 }
 
 // As the C library would read it, without loading a locale for it.
@@ -65,7 +70,8 @@ std::string Escaped(gunichar code)
 Output::Output(bool json)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
-      m_colour(m_terminal && !json && WantsColour()),
+      m_dumb(m_terminal && IsDumb()),
+      m_colour(m_terminal && !m_dumb && !json && WantsColour()),
       m_utf8(m_terminal && HasUtf8Locale())
 {
     Measure();

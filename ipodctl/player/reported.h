@@ -1,5 +1,5 @@
 /// @file
-/// What the service did not tell of the player when it was asked for its state, and why.
+/// What the service did not report about the player, and why.
 #pragma once
 
 #include <ipodkit/player_state.h>
@@ -10,10 +10,10 @@
 
 namespace ctl
 {
-/// What it did not tell although every service knows it, and why; empty when it told all of it.
-/// @throws Failure  it told nothing
-std::string NotTold(Session& session, const ipodkit::PlayerState& state);
+/// What every service knows and this one did not report, and why; empty when it reported everything.
+/// @throws Failure  it reported nothing
+std::string NotReported(Session& session, const ipodkit::PlayerState& state);
 
-/// @throws Failure  it did not tell what plays
-void RequireTrackTold(Session& session, const ipodkit::PlayerState& state);
+/// @throws Failure  it did not report what plays
+void RequireTrackReported(Session& session, const ipodkit::PlayerState& state);
 }  // namespace ctl

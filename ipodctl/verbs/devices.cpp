@@ -65,6 +65,7 @@ Run BuildCarPlay(CLI::App&)
         const ipodkit::CarPlayDevice device = context.session.Ask(context.session.Commands().CarPlayStatus());
         Answer answer = Detected("carplay", device.status);
         answer.json["serial"] = device.serialNumber;
+        if (!device.serialNumber.empty()) answer.text += ", serial number " + Printable(device.serialNumber);
         return answer;
     };
 }

@@ -6,7 +6,7 @@
 #include "output/text.h"
 #include "picture/drawing.h"
 #include "player/playing.h"
-#include "player/told.h"
+#include "player/reported.h"
 #include "screen/status_screen.h"
 #include "screen/watch.h"
 #include "session/loop.h"
@@ -49,6 +49,11 @@ void Listen(Session& session, double seconds)
     if (loop.Run(seconds) == Ending::Interrupted) throw Interrupted{};
 }
 
+void Warn(const std::string& text)
+{
+    if (!text.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(text).c_str());
+}
+
 Answer ShowStatus(Context& context, const Look& look)
 {
     const auto show = [&](const Status& status) -> Answer
@@ -64,8 +69,8 @@ Answer ShowStatus(Context& context, const Look& look)
         return {};
     }
     const Status status = ReadStatus(context.session, kNear);
-    const std::string unknown = NotTold(context.session, *status.state);
-    if (!unknown.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(unknown).c_str());
+    Warn(NotReported(context.session, *status.state));
+    Warn(status.nearRefusal.empty() ? "" : "the service did not report the queue: " + status.nearRefusal);
     return show(status);
 }
 
@@ -96,7 +101,7 @@ Run BuildInfo(CLI::App& app)
     return [look](Context& context) -> Answer
     {
         const Status status = ReadStatus(context.session, 0);
-        RequireTrackTold(context.session, *status.state);
+        RequireTrackReported(context.session, *status.state);
         if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
         return {InfoJson(status), InfoText(status, context.out, look->art)};
     };

@@ -333,6 +333,25 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, DONE)
 
+    def test_answers_of_a_watched_status_are_blocks_with_a_time(self):
+        title = self.play_first_song()["track"]["title"]
+        process = self.follow("status", "--watch")
+        self.await_line(process.stdout, b"Desk iPod")
+        self.tell("battery", "--level", "33")
+        self.await_line(process.stdout, b"battery 33 %", keep=(lines := []))
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertRegex(b"".join(lines).decode(), rf"\n\n\d\d:\d\d:\d\d\.\d{{3}}\n{re.escape(title)}\n")
+
+    def test_a_dumb_terminal_gets_text_only(self):
+        self.play_first_song()
+        for words in (["status"], ["info"], ["events", "--count", "1", "--timeout", str(LIMIT)]):
+            with self.subTest(words):
+                plain = self.on_terminal(*words, size={"LINES": 24, "COLUMNS": 80}, TERM="dumb")
+                self.assertNotIn("\033", plain)
+                self.assertLess(plain.count("\n"), 12, plain)
+        self.assertNotIn("\033", self.on_terminal("status", "--watch", interrupt_at="playing", TERM="dumb"))
+
     def test_a_terminal_gets_its_screen_back_after_watching(self):
         self.play_first_song()
         shown = self.on_terminal("status", "--watch", interrupt_at="playing")
@@ -522,7 +541,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.text("carlife"), "carlife device not-detected\n")
         self.tell("carplay", "on", "--serial", "F17")
         self.tell("carlife", "unsupported")
-        self.assertEqual(self.text("carplay"), "carplay device detected\n")
+        self.assertEqual(self.text("carplay"), "carplay device detected, serial number F17\n")
         self.assertEqual(self.json("carplay")["serial"], "F17")
         self.assertEqual(self.json("carlife")["status"], "unsupported")
 
@@ -1002,15 +1021,34 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("status")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, DONE)
-        self.assertRegex(err.decode(), r"^ipodctl: the service did not tell the track: [^\n]*broken answer[^\n]*\n$")
+        self.assertRegex(err.decode(), r"^ipodctl: the service did not report the track: [^\n]*broken answer[^\n]*\n$")
         self.assertIn(b"queue 1 of ", out)
         self.assertIn("broken answer", self.refused("info", code=SERVICE_LOST))
         self.tell("fault", "error=com.example.Busy@GetDeviceAmount")
         process = self.start("--json", "status")
         out, err = process.communicate(timeout=LIMIT)
-        self.assertIn(b"tell the track, the devices", err)
+        self.assertIn(b"report the track, the devices", err)
         self.assertEqual(check(json.loads(out), SCHEMA), [])
         self.assertIsNone(json.loads(out)["devices"])
+
+    def test_what_the_service_refuses_is_null_and_has_a_reason(self):
+        self.play_first_song()
+        for method, field, what in (("GetIpodAppBundleName", "app", "the app"),
+                                    ("GetCarplayDeviceDetectStatus", "carplay", "CarPlay"),
+                                    ("GetCarlifeDeviceDetectStatus", "carlife", "CarLife"),
+                                    ("GetIpodName", "device", "the device name"),
+                                    ("GetPlayingListItems", "queue", "the queue"),
+                                    ("GetPlayingTrackAlbumArtwork", "picture", "the artwork")):
+            with self.subTest(method):
+                self.tell("fault", f"error=com.example.Busy@{method}")
+                process = self.start("--json", "status")
+                out, err = process.communicate(timeout=LIMIT)
+                self.tell("clear-faults")
+                self.assertEqual(process.returncode, DONE)
+                self.assertRegex(err.decode(), rf"^ipodctl: the service did not report {what}: .*com\.example\.Busy")
+                status = json.loads(out)
+                self.assertEqual(check(status, SCHEMA), [])
+                self.assertIsNone(status[field])
 
     def test_a_service_that_tells_nothing_is_told(self):
         self.play_first_song()

@@ -91,7 +91,7 @@ bool Has(const Lines& lines, const std::string& text)
 
 TEST(StatusScreen, FitsIntoTerminalsOfAllSizes)
 {
-    for (unsigned short columns = 16; columns < 130; columns = static_cast<unsigned short>(columns + 7))
+    for (unsigned short columns = 2; columns < 130; columns = static_cast<unsigned short>(columns + 7))
         for (unsigned short rows = 2; rows < 30; ++rows)
         {
             const Lines lines = Shown(Playing(), columns, rows);
@@ -114,6 +114,41 @@ TEST(StatusScreen, ShowsQueueDeviceBatteryAndCallWhereThereIsRoom)
     EXPECT_TRUE(Has(lines, "Phone\uFFFD[2J   battery 80 %   call Anna ringing"));
     EXPECT_TRUE(Has(lines, "> 4  A title"));
     EXPECT_TRUE(Has(lines, "  3  three"));
+}
+
+TEST(StatusScreen, ShowsTheTimesAloneWhereABarHasNoRoom)
+{
+    EXPECT_EQ(Shown(Playing(), 12, 4), (Lines{"A title tha…", "1:01 / 4:29", "playing"}))
+        << Joined(Shown(Playing(), 12, 4));
+}
+
+TEST(StatusScreen, ShowsCallsWithoutAnIdentifierOrAName)
+{
+    Status status = Playing();
+    auto state = std::make_shared<ipodkit::PlayerState>(*status.state);
+    state->calls.clear();
+    iPodPhoneCall_t call;
+    call.RemoteID = "123";
+    call.Status = PHONE_CALL_RINGING;
+    state->calls[""] = call;
+    call.CallUUID = "";
+    call.DisplayName = "";
+    call.RemoteID = "";
+    state->calls["x"] = call;
+    status.state = state;
+    EXPECT_TRUE(Has(Shown(status, 100, 24), "battery 80 %   call 123 ringing   call unknown ringing"));
+    EXPECT_EQ(StatusJson(status)["calls"].dump(), R"([{"status":"ringing","remote":"123"},)"
+                                                  R"({"status":"ringing","name":"","remote":""}])");
+}
+
+TEST(StatusScreen, TellsARefusedQueueFromAnEmptyOneInJson)
+{
+    Status status = Playing();
+    EXPECT_EQ(StatusJson(status)["queue"].size(), 5U);
+    status.near.clear();
+    EXPECT_TRUE(StatusJson(status)["queue"].is_array());
+    status.nearRefusal = "the service refused";
+    EXPECT_TRUE(StatusJson(status)["queue"].is_null());
 }
 
 TEST(StatusScreen, SaysWhatIsUnknown)
