@@ -49,12 +49,12 @@ Json PageJson(const Page& page)
 
 std::string PageText(const Page& page, const Output& out)
 {
-    const int digits = Width(std::to_string(page.amount));
+    const int digits = out.terminal() ? Width(std::to_string(page.amount)) : 0;
     std::vector<std::vector<std::string>> rows;
     for (const Entry& entry : page.entries)
         rows.push_back({PadLeft(std::to_string(entry.index), digits), Printable(entry.name) + (page.folder ? "/" : ""),
                         Printable(entry.pinyin)});
-    return Table(rows, out.width());
+    return out.terminal() ? Table(rows, out.width()) : Unaligned(rows);
 }
 
 std::string NamesText(const Page& page)

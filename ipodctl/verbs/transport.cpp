@@ -33,7 +33,10 @@ void PlayEntry(Session& session, const std::string& wanted)
 Run BuildPlay(CLI::App& app)
 {
     const auto entry = Argument<std::optional<std::string>>();
-    app.add_option("entry", *entry, "Index or name of a song of the current level; without it, resume playback");
+    app.add_option(
+        "entry", *entry,
+        "Index or name of a song of the current level; without it, resume playback. ./NAME is a name even if it looks "
+        "like an index");
     return [entry](Context& context)
     {
         if (*entry)

@@ -21,6 +21,7 @@ import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
+from music_folder import write_track  # noqa: E402
 from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
                              line_within, within)
 from schema_check import check  # noqa: E402
@@ -190,13 +191,15 @@ class WithoutAService(OnABus):
 
 
 class OnABusWithTheSimulator(OnABus):
+    music = ()
+
     def setUp(self):
         super().setUp()
         self.start_simulator()
         self.addCleanup(self.stop_simulator)
 
     def start_simulator(self):
-        self.simulator = subprocess.Popen([OPTIONS.simulator], env=self.bus.environment, stdout=subprocess.PIPE,
+        self.simulator = subprocess.Popen([OPTIONS.simulator, *self.music], env=self.bus.environment, stdout=subprocess.PIPE,
                                           text=True)
         self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
 
@@ -204,6 +207,49 @@ class OnABusWithTheSimulator(OnABus):
         self.simulator.kill()
         self.simulator.wait()
         self.simulator.stdout.close()
+
+
+class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        titles = ("Twenty", "22", "Night/Day", "A" * 250)
+        for number, title in enumerate(titles, 1):
+            write_track(f"{folder.name}/{number}.mp3", title, "Nadia Brandt", "AM/FM", "Pop", number, 180)
+        write_track(f"{folder.name}/5.mp3", "Low Water", "Nadia Brandt", "AM", "Pop", 1, 180)
+        self.music = ("--no-cache", folder.name)
+        super().setUp()
+
+    def test_a_path_leads_through_the_longest_names_that_there_are(self):
+        for path, count in (("/Albums/AM/FM", 4), ("/Albums/AM", 1), ("/albums/am/fm/", 4), ("/Albums/AM/../AM/FM", 4)):
+            with self.subTest(path):
+                self.assertEqual(self.json("cd", path)["count"], count)
+        self.run_ctl("cd", "/Albums")
+        self.assertEqual(self.json("cd", "AM/FM")["count"], 4)
+        self.assertEqual(self.failure("cd", "/Albums/AM/Nobody", code=USAGE),
+                         ("no 'Nobody' in the current level", "the current level is '/Albums/AM/' now"))
+
+    def test_a_name_behind_a_dot_and_a_slash_is_no_index(self):
+        self.run_ctl("cd", "/Songs")
+        self.assertEqual(self.json("play", "./22")["track"]["title"], "22")
+        self.assertEqual(self.json("play", "Night/Day")["track"]["title"], "Night/Day")
+        self.assertIn("out of range", self.refused("play", "22", code=USAGE))
+        self.assertEqual(self.failure("play", "./23", code=USAGE),
+                         ("no '23' in the current level", "list it with 'ipodctl ls --all'"))
+
+    def test_a_long_name_pads_no_other_line_in_a_pipe(self):
+        self.run_ctl("cd", "/Songs")
+        lines = self.text("ls", "--pinyin").splitlines()
+        self.assertEqual(len(lines), 5)
+        self.assertLess(sorted(map(len, lines))[-2], 50)
+
+    def test_devices_are_chosen_by_name(self):
+        self.run_ctl("sim", "attach", "Second")
+        self.run_ctl("sim", "attach", "7")
+        self.assertEqual(self.json("devices", "second")["entered"], {"index": 1, "name": "Second"})
+        self.assertEqual(self.json("devices", "./7")["entered"], {"index": 2, "name": "7"})
+        self.assertEqual(self.failure("devices", "Third", code=USAGE),
+                         ("no device 'Third'", "list the devices with 'ipodctl devices'"))
 
 
 class WithTheSimulator(OnABusWithTheSimulator):
@@ -446,7 +492,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         entries = self.json("ls")["entries"]
         chinese = next(entry for entry in entries if entry["name"] == "周明轩")
         self.assertEqual(chinese["pinyin"].replace(" ", ""), "zhoumingxuan")
-        lines = self.text("ls").splitlines()
+        lines = self.on_terminal("ls", size={"LINES": 24, "COLUMNS": 80}).splitlines()
         columns = {terminal_columns(line[:line.index(entry["pinyin"])])
                    for line, entry in zip(lines, entries) if "pinyin" in entry}
         self.assertEqual(len(columns), 1, lines)
@@ -487,8 +533,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("folder", self.text("cd", "../周明轩"))
         self.refused("cd", "/Artists/Nobody", code=USAGE)
         self.assertEqual(self.json("cd", "."), self.json("cd", "./"))
-        self.assertIn("root already; the way led to '/Artists/../'",
-                      self.refused("cd", "/Artists/../..", code=NOTHING_DONE))
+        self.assertEqual(self.failure("cd", "/Artists/../..", code=NOTHING_DONE),
+                         ("the current level is the root already", "the current level is '/Artists/../' now"))
 
     def test_a_level_that_cannot_be_entered_is_told(self):
         self.assertIn("root already", self.refused("cd", "..", code=NOTHING_DONE))
