@@ -9,27 +9,32 @@
 
 #include "output/text.h"
 #include "verbs/command_line.h"
+#include "verbs/help.h"
+#include "verbs/usage.h"
 #include "verbs/verbs.h"
 
 namespace ctl
 {
 namespace
 {
+constexpr int kWidthOfHelp = 80;
+
 constexpr char kExitCodes[] =
     "Exit codes:\n"
     "  0  done\n"
     "  1  the service refused, or there was nothing to do (such as next at the end)\n"
-    "  2  usage: unknown verb, index out of range, name not found, file not usable\n"
+    "  2  usage: unknown command, index out of range, name not found, file not usable\n"
     "  3  no session bus\n"
     "  4  no iPod service on the bus\n"
     "  5  shared memory cannot be attached or written\n"
     "  6  the service went away, did not answer, or sent something broken\n"
+    "  7  the output cannot be written (such as a full disk)\n"
     "  130  interrupted\n"
     "\n"
-    "ipodctl VERB --help shows the arguments and examples of a verb.\n"
-    "Environment: DBUS_SESSION_BUS_ADDRESS (the bus), NO_COLOR (no colours),\n"
+    "Run 'ipodctl COMMAND --help' for the arguments and examples of a command.\n"
+    "Environment: DBUS_SESSION_BUS_ADDRESS (the bus), NO_COLOR (no colors),\n"
     "QBX_LOG (what to log: LEVEL or LEVEL:FILE, such as DEBUG:/tmp/log),\n"
-    "QBX_SOURCE_REFUSE (the stand-in for the unit's audio sources refuses with this code).";
+    "QBX_SOURCE_REFUSE (code with which the stand-in for audio sources refuses).";
 
 std::vector<Verb> AllVerbs()
 {
@@ -49,22 +54,25 @@ struct Options
 
 void AddOptions(CLI::App& app, Options& options)
 {
-    app.add_flag("--json", options.json, "Answer with one JSON object, events with one per line (ipodctl.schema.json)");
-    app.add_flag("--verbose", options.settings.verbose,
-                 "Show every request and what the library logs, on standard error");
-    app.add_option("--deadline", options.settings.deadline, "Seconds that the service may take for an answer (10)")
+    app.add_flag("--json", options.json, "Print JSON, one object per line (ipodctl.schema.json)");
+    app.add_flag("--verbose", options.settings.verbose, "Print every request and the library's log on standard error");
+    app.add_option("--deadline", options.settings.deadline,
+                   "Time that the service may take for an answer (default: 10)")
         ->check(Seconds(86400));
-    app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION);
+    app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION, "Print the version and exit");
     app.footer(kExitCodes);
 }
 
 // Once on standard error for people; and as the answer, where one object per answer was asked for.
-int Report(const Options& options, ExitCode code, const std::string& message)
+int Report(const Options& options, const Failure& failure)
 {
-    std::fprintf(stderr, "ipodctl: %s\n", Printable(message).c_str());
-    const std::string line = Dump({{"error", {{"code", code}, {"message", message}}}});
+    std::fprintf(stderr, "ipodctl: %s\n", Printable(failure.what()).c_str());
+    if (!failure.hint().empty()) std::fprintf(stderr, "hint: %s\n", Printable(failure.hint()).c_str());
+    Json error{{"code", failure.code()}, {"message", failure.what()}};
+    if (!failure.hint().empty()) error["hint"] = failure.hint();
+    const std::string line = Dump({{"error", error}});
     if (options.json) std::fprintf(AnswerStream(), "%s\n", line.c_str());
-    return code;
+    return failure.code();
 }
 
 int RunVerb(const Run& run, const Options& options)
@@ -77,34 +85,6 @@ int RunVerb(const Run& run, const Options& options)
     return answer.code;
 }
 
-// With the verbs that the command line named.
-std::string CommandOf(const CLI::App& app)
-{
-    const auto chosen = app.get_subcommands();
-    return app.get_name() + (chosen.empty() ? "" : " " + CommandOf(*chosen.front()));
-}
-
-const CLI::App& Chosen(const CLI::App& app)
-{
-    const auto chosen = app.get_subcommands();
-    return chosen.empty() ? app : Chosen(*chosen.front());
-}
-
-bool WantsVerb(const CLI::App& app)
-{
-    return !Chosen(app).get_subcommands([](const CLI::App*) { return true; }).empty();
-}
-
-// That something is missing says little where something else was given in its place.
-std::string Complaint(const CLI::App& app, const CLI::ParseError& error)
-{
-    const std::vector<std::string> unknown = app.remaining(true);
-    const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
-    if (unknown.empty() && missing && WantsVerb(app)) return "no verb is given";
-    if (unknown.empty() || !(missing || error.get_exit_code() == 0)) return error.what();
-    return (unknown.front().front() == '-' ? "unknown option '" : "unknown verb '") + unknown.front() + "'";
-}
-
 int ShowHelp(const CLI::App& app, const CLI::ParseError& error)
 {
     std::ostringstream text;
@@ -113,17 +93,11 @@ int ShowHelp(const CLI::App& app, const CLI::ParseError& error)
     return code;
 }
 
-// Help and version are "errors" with code 0 to the parser. Help for a verb that there is not is not that of all verbs.
-int ReportParsing(const CLI::App& app, const CLI::ParseError& error, const Options& options)
-{
-    const bool wrongVerb = WantsVerb(app) && !app.remaining(true).empty();
-    if (error.get_exit_code() == 0 && !wrongVerb) return ShowHelp(app, error);
-    return Report(options, kUsage, Complaint(app, error) + "; " + CommandOf(app) + " --help shows the usage");
-}
-
 int Execute(int argc, char** argv, Options& options)
 {
-    CLI::App app("Controls the Apple device attached to the unit, through the iPod service.", "ipodctl");
+    CLI::App app("Controls the Apple device attached to the head unit, through the iPod service.", "ipodctl");
+    app.formatter(std::make_shared<HelpFormatter>(std::min(Output(false).width(), kWidthOfHelp)));
+    app.set_help_flag("-h,--help", "Print this help and exit");
     AddOptions(app, options);
     const std::vector<Verb> verbs = AllVerbs();
     const Run run = AddVerbs(app, verbs);
@@ -133,7 +107,8 @@ int Execute(int argc, char** argv, Options& options)
     }
     catch (const CLI::ParseError& error)
     {
-        return ReportParsing(app, error, options);
+        if (AsksForHelp(app, error)) return ShowHelp(app, error);
+        throw UsageFailure(app, error);
     }
     return RunVerb(run, options);
 }
@@ -149,7 +124,7 @@ int Main(int argc, char** argv)
     }
     catch (const Failure& failure)
     {
-        return Report(options, failure.code(), failure.what());
+        return Report(options, failure);
     }
     catch (const OutputClosed&)
     {

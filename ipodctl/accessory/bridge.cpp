@@ -146,6 +146,7 @@ void Bridge::Run()
 Answer RunBridge(Context& context, const BridgeRequest& request)
 {
     Session& session = context.session;
+    const SenderLock lock(session);
     Loop loop;
     ipodkit::AccessoryPort port(session.Ready());
     const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);

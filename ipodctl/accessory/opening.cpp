@@ -1,6 +1,10 @@
 #include "accessory/opening.h"
 
+#include <fcntl.h>
 #include <glib.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include "output/failure.h"
 #include "output/text.h"
@@ -17,6 +21,22 @@ void CheckLength(const std::string& text, const char* what)
         throw Failure(kUsage, std::string(what) + " is longer than " + std::to_string(kLongestText) + " bytes");
 }
 }  // namespace
+
+// On the shared memory itself: whoever shares the buffer shares the lock, which ends with its process. A segment that
+// cannot be opened is reported by what uses it.
+SenderLock::SenderLock(Session& session)
+    : m_file((session.Ready(), shm_open("/BufferVectorSharedMemory", O_RDONLY | O_CLOEXEC, 0)))
+{
+    if (m_file < 0 || flock(m_file, LOCK_EX | LOCK_NB) == 0) return;
+    close(m_file);
+    throw Failure(kNoSegments, "cannot send: another ipodctl uses the accessory buffers",
+                  "wait until its 'eap bridge', 'eap echo' or 'eap write' has ended");
+}
+
+SenderLock::~SenderLock()
+{
+    if (m_file >= 0) close(m_file);
+}
 
 void Announce(Session& session, const EAPInfo& info)
 {

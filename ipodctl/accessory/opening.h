@@ -16,6 +16,21 @@ void Announce(Session& session, const EAPInfo& info);
 /// @throws Failure  kNothingDone, when the service does not
 void LaunchApp(Session& session, const std::string& bundle);
 
+/// The right to send on accessory sessions, which one ipodctl at a time has: all applications put their bytes into the
+/// same buffer, and those of two senders overwrite each other.
+class SenderLock
+{
+public:
+    /// @throws Failure  kNoSegments, when another ipodctl has it
+    explicit SenderLock(Session& session);
+    ~SenderLock();
+    SenderLock(const SenderLock&) = delete;
+    SenderLock& operator=(const SenderLock&) = delete;
+
+private:
+    int m_file;
+};
+
 struct AccessoryRequest
 {
     EAPInfo info{"com.example.echo", "com.example.echo"};

@@ -13,6 +13,12 @@ namespace ctl
 namespace
 {
 constexpr std::size_t kBlock = std::size_t{16} * 1024;
+// The most that one request can send now; with other data in the shared memory that may be less than a block.
+std::size_t SizeToRead()
+{
+    return std::clamp<std::size_t>(ipodkit::RoomForAccessoryBytes(), 1, kBlock);
+}
+
 constexpr auto kReadable = static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR);
 constexpr auto kWritable = static_cast<GIOCondition>(G_IO_OUT | G_IO_HUP | G_IO_ERR);
 }  // namespace
@@ -49,7 +55,7 @@ gboolean InputPump::OnReadable(gint, GIOCondition, gpointer data)
 // False when it is not to be read for now, or never again.
 bool InputPump::Read()
 {
-    ipodkit::Bytes bytes(kBlock);
+    ipodkit::Bytes bytes(SizeToRead());
     const ssize_t got = read(m_file, bytes.data(), bytes.size());
     if (got < 0 && (errno == EINTR || errno == EAGAIN)) return true;
     if (got <= 0)
@@ -81,15 +87,17 @@ void OutputPump::Use(int file)
     Watch();
 }
 
+// Erasing what has been written only once it is most of the string moves each byte at most once.
 void OutputPump::Add(const ipodkit::Bytes& bytes)
 {
+    if (m_written > m_bytes.size() / 2) m_bytes.erase(0, std::exchange(m_written, 0));
     m_bytes.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     Watch();
 }
 
 void OutputPump::Watch()
 {
-    if (m_watch == 0 && m_file >= 0 && !m_bytes.empty())
+    if (m_watch == 0 && m_file >= 0 && Waiting() > 0)
         m_watch = g_unix_fd_add(m_file, kWritable, &OutputPump::OnWritable, this);
 }
 
@@ -104,8 +112,8 @@ gboolean OutputPump::OnWritable(gint, GIOCondition, gpointer data)
 // So few that whoever is writable takes them without blocking. False when there is nothing to write for now.
 bool OutputPump::Write()
 {
-    const std::size_t size = std::min<std::size_t>(m_bytes.size(), PIPE_BUF);
-    const ssize_t written = write(m_file, m_bytes.data(), size);
+    const std::size_t size = std::min<std::size_t>(Waiting(), PIPE_BUF);
+    const ssize_t written = write(m_file, m_bytes.data() + m_written, size);
     if (written < 0 && (errno == EINTR || errno == EAGAIN)) return true;
     if (written < 0)
     {
@@ -113,8 +121,10 @@ bool OutputPump::Write()
         m_closed(errno);
         return false;
     }
-    m_bytes.erase(0, static_cast<std::size_t>(written));
-    if (!m_bytes.empty()) return true;
+    m_written += static_cast<std::size_t>(written);
+    if (Waiting() > 0) return true;
+    m_bytes.clear();
+    m_written = 0;
     m_watch = 0;
     onEmpty();
     return false;

@@ -54,7 +54,7 @@ public:
     void Add(const ipodkit::Bytes& bytes);
 
     /// Bytes that are still here.
-    std::size_t Waiting() const { return m_bytes.size(); }
+    std::size_t Waiting() const { return m_bytes.size() - m_written; }
 
     /// Called each time that everything has been written.
     std::function<void()> onEmpty = [] {};
@@ -67,6 +67,7 @@ private:
     const std::function<void(int error)> m_closed;
     int m_file = -1;
     std::string m_bytes;
+    std::size_t m_written = 0;  ///< bytes at the front of m_bytes that have been written
     guint m_watch = 0;
 };
 }  // namespace ctl

@@ -142,7 +142,7 @@ void Walker::Rejoin(const std::string& why)
         return Say(why + "; Ctrl-L tries again");
     }
     Restart();
-    Say(why + "; going back to where you were");
+    Say(why + "; returning");
 }
 
 // Nothing is shown before the first names are there: it would only flicker.
@@ -173,7 +173,7 @@ void Walker::ReadOn()
 void Walker::PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
 {
     if (!page && page.error().kind != ipodkit::ErrorKind::BadReply) return Unreadable(page.error());
-    if (!page || !Belongs(**page)) return Rejoin("the level is another one than it was");
+    if (!page || !Belongs(**page)) return Rejoin("another program changed the level");
     m_model.Put(**page);
     m_moving = !m_way.empty();
     m_changed();
@@ -247,7 +247,7 @@ void Walker::Back()
     m_names.EnterParent(Asked<void>(
         [this](const ipodkit::Result<void>& done)
         {
-            if (!done) return Rejoin("the level is another one than it was");
+            if (!done) return Rejoin("another program changed the level");
             m_model.Leave();
             ReadLevel();
         }));
@@ -272,7 +272,7 @@ void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& pa
                           page.error().kind == ipodkit::ErrorKind::BadArgument;
     if (!answered) return Failed(page.error());
     if (!page || name == nullptr || !Belongs(**page) || (*page)->At(entry) != *name)
-        return Rejoin("the level is another one than it was");
+        return Rejoin("another program changed the level");
     if ((*page)->folders) return Descend(entry, std::string(*name), {});
     m_moving = false;
     m_play(entry);

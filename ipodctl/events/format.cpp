@@ -199,9 +199,7 @@ Value Parser::Piped(Value piped)
     const std::size_t place = m_scan.Place();
     const FormatFunction& function = Function(place, m_scan.TakeName());
     std::vector<Value> arguments{std::move(piped)};
-    if (m_scan.TakeAfterBlanks(":")) do
-            arguments.push_back(Primary());
-        while (m_scan.TakeAfterBlanks(","));
+    for (const char* before = ":"; m_scan.TakeAfterBlanks(before); before = ",") arguments.push_back(Primary());
     return Call(function, std::move(arguments), place);
 }
 

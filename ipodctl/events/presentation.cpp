@@ -27,7 +27,7 @@ public:
     void Take(const Event& event, bool wanted) override
     {
         if (!wanted) return;
-        if (!m_out.json() && m_out.terminal() && IsProgress(event)) return ShowBar(event);
+        if (!m_out.json() && m_out.terminal() && !m_out.dumb() && IsProgress(event)) return ShowBar(event);
         const Answer answer = ToAnswer(event);
         m_out.Line(answer.json, Cut(answer.text, m_out.width()));
     }

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace ctl
 {
@@ -12,23 +13,30 @@ enum ExitCode : int
 {
     kDone = 0,
     kNothingDone = 1,    ///< the service refused, or there was nothing to do
-    kUsage = 2,          ///< unknown verb, index out of range, name not found
+    kUsage = 2,          ///< unknown command, index out of range, name not found
     kNoBus = 3,          ///< there is no session bus
     kNoService = 4,      ///< nobody on the bus owns the service's name
     kNoSegments = 5,     ///< shared memory cannot be attached or written
     kServiceLost = 6,    ///< the service went away, did not answer, or what it sent is broken
+    kNoOutput = 7,       ///< standard output or a file accepts no more bytes
     kInterrupted = 130,  ///< Ctrl-C, or asked to terminate, before it was done
 };
 
-/// Ends the run: a code, and one line that says what is wrong and what to do.
+/// Ends the run: a code, one line that reports what failed and why, and one that suggests a remedy.
 class Failure : public std::runtime_error
 {
 public:
-    Failure(ExitCode code, const std::string& message) : std::runtime_error(message), m_code(code) {}
+    /// @param hint  the remedy; empty when there is none
+    Failure(ExitCode code, const std::string& message, std::string hint = {})
+        : std::runtime_error(message), m_code(code), m_hint(std::move(hint))
+    {
+    }
     ExitCode code() const { return m_code; }
+    const std::string& hint() const { return m_hint; }
 
 private:
     ExitCode m_code;
+    std::string m_hint;
 };
 
 /// Ends the run because somebody asked for it: nobody needs to be told.

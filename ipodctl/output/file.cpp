@@ -15,9 +15,9 @@ namespace
 {
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-[[noreturn]] void Refuse(const char* what, const std::string& path)
+[[noreturn]] void Refuse(const char* what, const std::string& path, ExitCode code = kUsage)
 {
-    throw Failure(kUsage, std::string("cannot ") + what + " '" + Printable(path) + "': " + std::strerror(errno));
+    throw Failure(code, std::string("cannot ") + what + " '" + Printable(path) + "': " + std::strerror(errno));
 }
 
 [[noreturn]] void RefuseLength(const std::string& path, std::size_t most)
@@ -56,7 +56,7 @@ void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes)
     std::FILE* const file = std::fopen(path.c_str(), "wbe");
     if (file == nullptr) Refuse("write", path);
     const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (std::fclose(file) != 0 || !written) Refuse("write", path);
+    if (std::fclose(file) != 0 || !written) Refuse("write", path, kNoOutput);
 }
 
 std::string FileIn(const std::string& path, const char* name, const char* extension)

@@ -16,7 +16,7 @@ constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most = kMostBytes);
 
 /// Writes a file anew.
-/// @throws Failure  kUsage, when it cannot be written
+/// @throws Failure  kUsage when it cannot be opened, kNoOutput when it cannot be written
 void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes);
 
 /// Where to write: @p path itself when its last part has an extension, else with @p extension behind it; inside a

@@ -18,11 +18,16 @@ namespace
 constexpr int kUsualWidth = 80;
 constexpr int kUsualHeight = 24;
 
+bool IsDumb()
+{
+    const char* const term = std::getenv("TERM");
+    return term != nullptr && std::strcmp(term, "dumb") == 0;
+}
+
 bool WantsColour()
 {
     const char* const noColour = std::getenv("NO_COLOR");
-    const char* const term = std::getenv("TERM");
-    return (noColour == nullptr || *noColour == '\0') && (term == nullptr || std::strcmp(term, "dumb") != 0);
+    return noColour == nullptr || *noColour == '\0';
 }
 
 // As the C library would read it, without loading a locale for it.
@@ -77,7 +82,8 @@ void ReserveStandardOutput()
 Output::Output(bool json)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
-      m_colour(m_terminal && !json && WantsColour()),
+      m_dumb(m_terminal && IsDumb()),
+      m_colour(m_terminal && !m_dumb && !json && WantsColour()),
       m_utf8(m_terminal && HasUtf8Locale())
 {
     Measure();
@@ -134,7 +140,7 @@ void Output::Raw(const void* data, std::size_t size)
 
 void RefuseOutput(int error)
 {
-    throw Failure(kNothingDone, std::string("cannot write to standard output: ") + std::strerror(error));
+    throw Failure(kNoOutput, std::string("cannot write to standard output: ") + std::strerror(error));
 }
 
 // Whatever is unsafe below U+0020 is escaped by the dump itself; the rest can only stand inside its strings.

@@ -51,6 +51,9 @@ public:
     bool json() const { return m_json; }
     bool terminal() const { return m_terminal; }
 
+    /// Whether the terminal understands text only: TERM=dumb.
+    bool dumb() const { return m_dumb; }
+
     /// Columns and rows of the terminal; very large numbers when it is none.
     int width() const { return m_width; }
     int height() const { return m_height; }
@@ -87,6 +90,7 @@ private:
 
     bool m_json;
     bool m_terminal;
+    bool m_dumb;
     bool m_colour;
     bool m_utf8;
     bool m_transient = false;

@@ -56,4 +56,11 @@ std::string Table(const std::vector<Row>& rows, int width)
     for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, widths);
     return text;
 }
+
+std::string Unaligned(const std::vector<Row>& rows)
+{
+    std::string text;
+    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, Widths({row}));
+    return text;
+}
 }  // namespace ctl

@@ -72,7 +72,7 @@ bool CanDraw()
     return true;
 }
 
-Drawing Draw(const std::vector<unsigned char>& picture, int columns, int rows, Palette palette, bool ascii)
+Drawing Draw(const ipodkit::Picture& picture, int columns, int rows, Palette palette, bool ascii)
 {
     const std::optional<Pixels> pixels = Decode(picture);
     if (!pixels || columns < 1 || rows < 1) return {};

@@ -2,6 +2,8 @@
 /// Pictures on a terminal, made of characters.
 #pragma once
 
+#include <ipodkit/picture.h>
+
 #include <string>
 #include <vector>
 
@@ -30,5 +32,5 @@ bool CanDraw();
 /// that can be drawn, or when this build cannot.
 ///
 /// @param ascii  without block characters, for terminals that do not have them
-Drawing Draw(const std::vector<unsigned char>& picture, int columns, int rows, Palette palette, bool ascii);
+Drawing Draw(const ipodkit::Picture& picture, int columns, int rows, Palette palette, bool ascii);
 }  // namespace ctl

@@ -13,7 +13,7 @@ bool CanDraw()
     return false;
 }
 
-Drawing Draw(const std::vector<unsigned char>&, int, int, Palette, bool)
+Drawing Draw(const ipodkit::Picture&, int, int, Palette, bool)
 {
     return {};
 }

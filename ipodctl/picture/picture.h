@@ -1,24 +1,20 @@
 /// @file
-/// What kind of picture some bytes are.
+/// What ipodctl checks of an image beyond its type and size, which ipodkit::Examine() detects.
 #pragma once
+
+#include <ipodkit/picture.h>
 
 #include <cstdint>
 #include <vector>
 
 namespace ctl
 {
-struct PictureType
-{
-    const char* mime;
-    const char* extension;  ///< with its dot
-};
+/// ".png"; ".bin" for an unknown type.
+const char* Extension(ipodkit::PictureType type);
 
-/// Looks at the first bytes only. Unknown bytes are "application/octet-stream", ".bin".
-PictureType Sniff(const std::vector<unsigned char>& image);
+/// Whether a PNG or JPEG image has its end. Images of other types count as whole.
+bool IsWhole(ipodkit::PictureType type, const std::vector<unsigned char>& image);
 
-/// Whether a PNG or JPEG picture has its end. Other kinds are taken for whole.
-bool IsWhole(const std::vector<unsigned char>& image);
-
-/// Whether a picture of a track can have so many pixels; a head that says something else is rubbish.
+/// Whether artwork can have this many pixels; a header that claims other dimensions is broken.
 bool IsSize(std::uint32_t width, std::uint32_t height);
 }  // namespace ctl

@@ -9,9 +9,6 @@
 #include <algorithm>
 #include <csetjmp>
 #include <cstdint>
-#include <string_view>
-
-#include "picture/picture.h"
 
 namespace ctl
 {
@@ -106,10 +103,9 @@ std::optional<Pixels> DecodeJpeg(const Bytes& picture)
 }
 }  // namespace
 
-std::optional<Pixels> Decode(const Bytes& picture)
+std::optional<Pixels> Decode(const ipodkit::Picture& picture)
 {
-    const std::string_view type = Sniff(picture).mime;
-    if (type == "image/png") return DecodePng(picture);
-    return type == "image/jpeg" ? DecodeJpeg(picture) : std::nullopt;
+    if (picture.type == ipodkit::PictureType::Png) return DecodePng(picture.bytes);
+    return picture.type == ipodkit::PictureType::Jpeg ? DecodeJpeg(picture.bytes) : std::nullopt;
 }
 }  // namespace ctl

@@ -2,6 +2,8 @@
 /// A picture's pixels.
 #pragma once
 
+#include <ipodkit/picture.h>
+
 #include <optional>
 #include <vector>
 
@@ -17,5 +19,5 @@ struct Pixels
 
 /// Decodes a PNG or JPEG picture; large ones are made smaller where the format makes that cheap. Nothing when the bytes
 /// are another format, broken, or of more than sixteen million pixels.
-std::optional<Pixels> Decode(const std::vector<unsigned char>& picture);
+std::optional<Pixels> Decode(const ipodkit::Picture& picture);
 }  // namespace ctl

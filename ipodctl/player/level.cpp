@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <optional>
 
 #include "output/failure.h"
 #include "output/text.h"
@@ -56,8 +55,10 @@ void ReadEntries(List& names, int from, int end, Page& page)
     std::string indices;
     for (std::size_t i = 0; i < std::min<std::size_t>(found.size(), 3); ++i)
         indices += (i == 0 ? "" : ", ") + std::to_string(found[i]->index);
-    throw Failure(kUsage, "'" + Printable(name) + "' is the name of several entries (" + indices +
-                              (found.size() > 3 ? ", ..." : "") + "); give the index");
+    throw Failure(kUsage,
+                  "'" + Printable(name) + "' is the name of several entries (" + indices +
+                      (found.size() > 3 ? ", ..." : "") + ")",
+                  "give the index");
 }
 
 template <class Matches>
@@ -89,27 +90,43 @@ Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
     return page;
 }
 
-Entry FindEntry(Session& session, const std::string& text)
+std::optional<Entry> FindName(const Page& level, const std::string& name)
 {
-    const std::optional<int> index = ParseIndex(text);
-    if (!index) return FindName(session, text);
-    const Page page = ReadLevel(session, *index, 1, Pinyin::None);
-    CheckIndex(*index, page.amount, "the current level");
-    if (page.entries.empty())
-        throw Failure(kNothingDone, "the service has no entry " + text + " although it counts it");
-    return page.entries.front();
-}
-
-Entry FindName(Session& session, const std::string& name)
-{
-    const Page page = ReadLevel(session, 0, INT_MAX);
-    if (const auto same = OnlyMatch(page, name, [&](const Entry& entry) { return entry.name == name; })) return *same;
+    if (const auto same = OnlyMatch(level, name, [&](const Entry& entry) { return entry.name == name; })) return same;
     const std::string folded = Folded(name);
     const std::string pinyin = FoldedPinyin(name);
     const auto similar = [&](const Entry& entry)
     { return Folded(entry.name) == folded || (!entry.pinyin.empty() && FoldedPinyin(entry.pinyin) == pinyin); };
-    if (const auto found = OnlyMatch(page, name, similar)) return *found;
-    throw Failure(kUsage, "no '" + Printable(name) + "' in the current level; ipodctl ls --all shows what there is");
+    return OnlyMatch(level, name, similar);
+}
+
+std::optional<int> TakeIndex(std::string& text)
+{
+    const std::optional<int> index = ParseIndex(text);
+    if (text.rfind("./", 0) == 0) text.erase(0, 2);
+    return index;
+}
+
+void RefuseUnknown(const std::string& name)
+{
+    throw Failure(kUsage, "no '" + Printable(name) + "' in the current level", "list it with 'ipodctl ls --all'");
+}
+
+Entry FindEntry(Session& session, const std::string& text)
+{
+    std::string name = text;
+    const std::optional<int> index = TakeIndex(name);
+    const Page page = index ? ReadLevel(session, *index, 1, Pinyin::None) : ReadLevel(session, 0, INT_MAX);
+    if (!index)
+    {
+        const std::optional<Entry> found = FindName(page, name);
+        if (!found) RefuseUnknown(name);
+        return *found;
+    }
+    CheckIndex(*index, page.amount, "the current level");
+    if (page.entries.empty())
+        throw Failure(kNothingDone, "the service has no entry " + text + " although it counts it");
+    return page.entries.front();
 }
 
 void CheckIndex(int index, int amount, const std::string& what)

@@ -2,6 +2,7 @@
 /// The current level of the music database. The service keeps it, for all its clients.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,12 +36,20 @@ enum class Pinyin
 /// Reads @p count entries from @p from on, as many requests as it takes. No more than there are.
 Page ReadLevel(Session& session, int from, int count, Pinyin pinyin = Pinyin::WhereItDiffers);
 
-/// Finds an entry by its index, when @p text is one, or else by its name.
-/// @throws Failure  no entry of that index or name, or several
+/// Finds an entry of a level by its name: the same, or the same but for upper and lower case, or its pinyin.
+/// @throws Failure  several entries have that name
+std::optional<Entry> FindName(const Page& level, const std::string& name);
+
+/// Finds an entry of the current level by its index, when @p text is one, or else by its name. "./22" is the name "22".
+/// @throws Failure  no entry has that index or name, or several have
 Entry FindEntry(Session& session, const std::string& text);
 
-/// Finds an entry by its name: the same, or the same but for upper and lower case, or its pinyin.
-Entry FindName(Session& session, const std::string& name);
+/// What "./" in front of a name makes a name whatever it looks like.
+/// @return the index; nothing for a name, from which "./" is taken away
+std::optional<int> TakeIndex(std::string& text);
+
+/// @throws Failure  no entry of the current level has that name
+[[noreturn]] void RefuseUnknown(const std::string& name);
 
 /// Checks that an index is one of @p amount entries of @p what.
 /// @throws Failure  kUsage

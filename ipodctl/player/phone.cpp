@@ -31,7 +31,7 @@ Json CallJson(const iPodPhoneCall_t& call)
     AddField(fields, "remote", call.RemoteID);
     AddField(fields, "label", call.Label);
     AddName(fields, "service", call.Service, CallServiceName);
-    AddField(fields, "uuid", call.CallUUID);
+    if (!call.CallUUID.value_or("").empty()) fields["uuid"] = *call.CallUUID;
     AddField(fields, "address_book_id", call.AddressBookID);
     AddField(fields, "conferenced", call.IsConferenced);
     AddField(fields, "conference_group", call.ConferenceGroup);

@@ -1,7 +1,6 @@
 #include "player/status.h"
 
 #include "output/names.h"
-#include "picture/picture.h"
 #include "player/phone.h"
 #include "player/track.h"
 
@@ -23,7 +22,7 @@ Json NumberOrNull(const std::optional<int>& value)
 Json PictureJson(const ipodkit::PicturePtr& picture)
 {
     if (picture == nullptr) return {};
-    return {{"type", Sniff(picture->bytes).mime},
+    return {{"type", MediaType(picture->type)},
             {"bytes", picture->bytes.size()},
             {"width", picture->width},
             {"height", picture->height}};
@@ -38,6 +37,7 @@ Json CallsJson(const ipodkit::PlayerState& state)
 
 Json NearJson(const Status& status)
 {
+    if (!status.nearRefusal.empty()) return {};
     Json near = Json::array();
     for (std::size_t i = 0; i < status.near.size(); ++i)
         near.push_back({{"index", status.firstNear + static_cast<int>(i)}, {"name", status.near[i]}});

@@ -17,6 +17,7 @@ struct Status
     ipodkit::StatePtr state;
     int firstNear = 0;              ///< index of the first entry of near
     std::vector<std::string> near;  ///< entries of the playing list around the playing one
+    std::string nearRefusal;        ///< why near could not be read; empty when it was
     int position = 0;               ///< milliseconds, now
     int length = 0;                 ///< milliseconds
 };

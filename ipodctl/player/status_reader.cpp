@@ -7,16 +7,16 @@ namespace ctl
 {
 namespace
 {
-// The list may change while it is read, or the service go: then it is not shown this once.
-std::vector<std::string> ReadNear(Session& session, int first, int end)
+// The list may change while it is read, or the service may go: then the entries are missing this once.
+void ReadNear(Session& session, int end, Status& status)
 {
     try
     {
-        return List(session, ipodkit::ListKind::Playing, std::max(1, end)).Names(first, end, nullptr);
+        status.near = List(session, ipodkit::ListKind::Playing, std::max(1, end)).Names(status.firstNear, end, nullptr);
     }
-    catch (const Failure&)
+    catch (const Failure& failure)
     {
-        return {};
+        status.nearRefusal = failure.what();
     }
 }
 }  // namespace
@@ -35,7 +35,7 @@ Status ReadStatus(Session& session, int near)
     const int amount = state.queueSize.value_or(0);
     if (near <= 0 || playing < 0 || playing >= amount) return status;
     status.firstNear = std::max(0, playing - near);
-    status.near = ReadNear(session, status.firstNear, std::min(amount, playing + near + 1));
+    ReadNear(session, std::min(amount, playing + near + 1), status);
     return status;
 }
 }  // namespace ctl

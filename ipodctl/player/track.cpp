@@ -23,22 +23,26 @@ bool IsEmpty(const QBXiPodTrackInfo& track)
     return track.text1.empty() && track.text2.empty() && track.text3.empty() && track.value1 == 0;
 }
 
-std::string PictureLine(const std::vector<unsigned char>& picture, std::uint32_t width, std::uint32_t height)
+std::string PictureLine(const ipodkit::Picture& picture)
 {
-    const bool sized = IsSize(width, height);
-    return std::string(Sniff(picture).mime) + ", " + Count(static_cast<int>(picture.size()), "byte", "bytes") +
-           (sized ? ", " + std::to_string(width) + " x " + std::to_string(height) : "") +
-           (IsWhole(picture) ? "" : ", incomplete");
+    const bool sized = IsSize(picture.width, picture.height);
+    return std::string(MediaType(picture.type)) + ", " +
+           Count(static_cast<int>(picture.bytes.size()), "byte", "bytes") +
+           (sized ? ", " + std::to_string(picture.width) + " x " + std::to_string(picture.height) : "") +
+           (IsWhole(picture.type, picture.bytes) ? "" : ", incomplete");
 }
 
 std::string ArtworkLine(const QBXTrackArtwork& artwork)
 {
-    return PictureLine(artwork.image, artwork.word3, artwork.word4);
+    ipodkit::Picture picture = ipodkit::Examine(artwork.image);
+    picture.width = artwork.word3;
+    picture.height = artwork.word4;
+    return PictureLine(picture);
 }
 
 Json ArtworkJson(const QBXTrackArtwork& artwork)
 {
-    return {{"type", artwork.image.empty() ? "none" : Sniff(artwork.image).mime},
+    return {{"type", artwork.image.empty() ? "none" : MediaType(ipodkit::Examine(artwork.image).type)},
             {"bytes", artwork.image.size()},
             {"reported_bytes", artwork.word2},
             {"width", artwork.word3},

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QBXIpodTypes.h>
+#include <ipodkit/picture.h>
 
 #include <string>
 
@@ -18,8 +19,8 @@ Json TrackJson(const QBXiPodTrackInfo& track);
 /// Whether nothing at all is known of the track.
 bool IsEmpty(const QBXiPodTrackInfo& track);
 
-/// "image/png, 1234 bytes, 300 x 300", without dimensions that it cannot have; and whether it lacks its end.
-std::string PictureLine(const std::vector<unsigned char>& picture, std::uint32_t width, std::uint32_t height);
+/// "image/png, 1234 bytes, 300 x 300", without impossible dimensions; ", incomplete" when its end is missing.
+std::string PictureLine(const ipodkit::Picture& picture);
 
 /// The same, with the dimensions that the service reported.
 std::string ArtworkLine(const QBXTrackArtwork& artwork);

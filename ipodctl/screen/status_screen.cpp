@@ -18,6 +18,7 @@ namespace
 {
 constexpr int kUsualWidth = 80;
 constexpr int kLeastForText = 36;
+constexpr int kLeastForBar = 4;
 constexpr int kLeastForArt = 8;
 constexpr int kMostForArt = 12;
 
@@ -52,14 +53,24 @@ std::string DevicesText(const ipodkit::PlayerState& state)
     return state.deviceCount ? Count(*state.deviceCount, "device", "devices") : "devices unknown";
 }
 
+// A terminal too narrow for a bar gets the times alone.
+std::string ProgressLine(const Status& status, const Output& out, int width)
+{
+    const std::string times = Clock(status.position) + " / " + Clock(status.length);
+    const int room = std::min(width, kUsualWidth) - Width(times) - 1;
+    if (room < kLeastForBar) return Cut(times, width);
+    return out.Paint(Colour::Cyan, ProgressBar(status.position, status.length, room, out.utf8())) + " " + times;
+}
+
 std::string ModesLine(const ipodkit::PlayerState& state, const Output& out, int width)
 {
     const std::string word = NameOr(Number(state.status), PlayStatusName);
     const std::string line =
-        Fitting({word, "shuffle " + NameOr(Number(state.shuffle), ShuffleName),
-                 "repeat " + NameOr(Number(state.repeat), RepeatName), QueueText(state), DevicesText(state)},
-                width);
-    return out.Paint(Colour::Green, word) + line.substr(word.size());
+        Cut(Fitting({word, "shuffle " + NameOr(Number(state.shuffle), ShuffleName),
+                     "repeat " + NameOr(Number(state.repeat), RepeatName), QueueText(state), DevicesText(state)},
+                    width),
+            width);
+    return out.Paint(Colour::Green, line.substr(0, word.size())) + line.substr(std::min(word.size(), line.size()));
 }
 
 std::string BatteryText(const iPodBattery_t& battery)
@@ -72,8 +83,10 @@ std::string BatteryText(const iPodBattery_t& battery)
 
 std::string CallText(const iPodPhoneCall_t& call)
 {
-    const std::string who = Printable(call.DisplayName.value_or(call.RemoteID.value_or("unknown")));
-    return "call " + who + (call.Status ? " " + CallStatusName(*call.Status) : "");
+    std::string who = call.DisplayName.value_or("");
+    if (who.empty()) who = call.RemoteID.value_or("");
+    return "call " + (who.empty() ? "unknown" : Printable(who)) +
+           (call.Status ? " " + CallStatusName(*call.Status) : "");
 }
 
 Lines DeviceParts(const ipodkit::PlayerState& state)
@@ -97,10 +110,7 @@ void AddTrack(std::vector<Line>& lines, const Status& status, const Output& out,
     const std::string below = artist + (artist.empty() || album.empty() ? "" : " - ") + album;
     lines.push_back({0, out.Paint(Colour::Bold, Cut(title, width))});
     if (!below.empty()) lines.push_back({3, Cut(below, width)});
-    const std::string times = Clock(status.position) + " / " + Clock(status.length);
-    const int room = std::min(width, kUsualWidth) - Width(times) - 1;
-    const std::string bar = ProgressBar(status.position, status.length, room, out.utf8());
-    lines.push_back({2, out.Paint(Colour::Cyan, bar) + " " + Cut(times, width)});
+    lines.push_back({2, ProgressLine(status, out, width)});
 }
 
 void AddQueue(std::vector<Line>& lines, const Status& status, const Output& out, int width)
@@ -143,7 +153,7 @@ Lines FittingRows(std::vector<Line> lines, int rows)
 
 bool WantsArt(const Output& out, Art art)
 {
-    return art == Art::Always || (art == Art::OnTerminal && out.terminal() && !out.json());
+    return art == Art::Always || (art == Art::OnTerminal && out.terminal() && !out.dumb() && !out.json());
 }
 
 // Left of the text, which keeps the room that it needs.
@@ -154,7 +164,7 @@ Drawing DrawArt(const Status& status, const Output& out, Art art, int rows)
     const int width = std::min(out.width(), kUsualWidth) - kLeastForText;
     if (picture == nullptr || !WantsArt(out, art) || height < kLeastForArt || width < kLeastForArt) return {};
     const Palette palette = out.colour() ? PaletteOfTerminal() : Palette::None;
-    return Draw(picture->bytes, std::min(width, 2 * kMostForArt), height, palette, out.terminal() && !out.utf8());
+    return Draw(*picture, std::min(width, 2 * kMostForArt), height, palette, out.terminal() && !out.utf8());
 }
 
 int WidthBeside(const Drawing& drawing, const Output& out)
@@ -176,8 +186,8 @@ std::string InfoText(const Status& status, const Output& out, Art art)
     const Drawing drawing = DrawArt(status, out, art, out.height() - 1);
     const QBXiPodTrackInfo& track = *status.state->track;
     const ipodkit::PicturePtr& picture = status.state->artwork;
-    const std::string about = picture == nullptr ? std::string(track.value4 == 1 ? "yes" : "no")
-                                                 : PictureLine(picture->bytes, picture->width, picture->height);
+    const std::string about =
+        picture == nullptr ? std::string(track.value4 == 1 ? "yes" : "no") : PictureLine(*picture);
     const std::string table = Table({{"title", Printable(track.text1)},
                                      {"artist", Printable(track.text2)},
                                      {"album", Printable(track.text3)},

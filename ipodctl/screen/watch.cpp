@@ -1,5 +1,6 @@
 #include "screen/watch.h"
 
+#include "output/moment.h"
 #include "picture/columns.h"
 #include "session/loop.h"
 #include "session/service_news.h"
@@ -114,10 +115,12 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
     } while (watcher.Next(kSecond));
 }
 
+// Answers of several lines each: the time they begin with and a blank line set them apart.
 void WatchInLines(Context& context, int near, const std::function<Answer(const Status&)>& show)
 {
     Watcher watcher(context);
     bool told = true;
+    std::string gap;
     while (watcher.Next(0))
     {
         const bool there = watcher.HasService();
@@ -127,7 +130,8 @@ void WatchInLines(Context& context, int near, const std::function<Answer(const S
         told = there;
         if (!there) continue;
         const Answer answer = show(ReadStatus(context.session, near));
-        context.out.Line(answer.json, answer.text);
+        context.out.Line(answer.json, gap + Moment::Now().clock + "\n" + answer.text);
+        gap = "\n";
     }
 }
 }  // namespace
@@ -136,7 +140,7 @@ void Watch(Context& context, int near, const std::function<Answer(const Status&)
 {
     try
     {
-        const bool lines = context.out.json() || !context.out.terminal();
+        const bool lines = context.out.json() || !context.out.terminal() || context.out.dumb();
         lines ? WatchInLines(context, near, show) : WatchOnTerminal(context, near, show);
     }
     catch (const Interrupted&)

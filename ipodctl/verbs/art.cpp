@@ -17,15 +17,25 @@ namespace
                                     : "the playing track has no picture");
 }
 
-// The core's call, because the answer tells what the service says of the picture, too.
+[[noreturn]] void RefuseBroken(const std::string& why)
+{
+    throw Failure(kServiceLost, "the iPod service sent a broken answer: " + why);
+}
+
+// The core's call, because its answer includes what the service reports about the artwork.
 QBXTrackArtwork ReadArtwork(Session& session)
 {
     QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
     if (artwork.word1 != 0 || artwork.image.empty()) RefuseNoPicture(session);
-    if (!IsWhole(artwork.image))
-        throw Failure(kServiceLost, "the iPod service sent a broken answer: the picture has no end after " +
-                                        Count(static_cast<int>(artwork.image.size()), "byte", "bytes"));
+    // An answer of another type leaves the record empty, and in the shared memory there is earlier artwork.
+    if (artwork.word2 == 0) RefuseBroken("its artwork record is empty");
     return artwork;
+}
+
+void CheckWhole(const ipodkit::Picture& picture)
+{
+    if (!IsWhole(picture.type, picture.bytes))
+        RefuseBroken("the image has no end after " + Count(static_cast<int>(picture.bytes.size()), "byte", "bytes"));
 }
 
 Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
@@ -38,8 +48,10 @@ Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
 Answer Save(Context& context, const std::string& file)
 {
     const QBXTrackArtwork artwork = ReadArtwork(context.session);
+    const ipodkit::Picture picture = ipodkit::Examine(artwork.image);
+    CheckWhole(picture);
     if (file == "-") return WriteOut(context.out, artwork);
-    const std::string path = FileIn(file, "artwork", Sniff(artwork.image).extension);
+    const std::string path = FileIn(file, "artwork", Extension(picture.type));
     WriteFile(path, artwork.image);
     Json json{{"verb", "art"}, {"file", path}};
     json.update(ArtworkJson(artwork));
@@ -51,16 +63,21 @@ Run BuildArt(CLI::App& app)
     const auto file = Argument<std::string>("artwork");
     auto* const place = app.add_option(
         "file", *file,
-        "File to write, - for standard output. A folder gets a file \"artwork\"; the extension of the picture's type "
-        "is added to a name that has none");
-    app.add_option("--out", *file, "The same as file")->excludes(place);
-    return [file](Context& context) { return Save(context, *file); };
+        "File to write (default: artwork), - for standard output. In a folder, the file is \"artwork\"; a name without "
+        "extension gets that of the image type");
+    app.add_option("--out", *file, "Same as FILE")->excludes(place);
+    return [file](Context& context)
+    {
+        if (context.out.json() && *file == "-")
+            throw Failure(kUsage, "--json cannot be used with '-', which writes the image");
+        return Save(context, *file);
+    };
 }
 }  // namespace
 
 std::vector<Verb> ArtVerbs()
 {
-    return {{"art", "Write the picture of the playing track to a file (\"artwork\" when none is given)",
+    return {{"art", "Save the artwork of the playing track",
              "ipodctl art\nipodctl art /tmp/cover\nipodctl art --out ~/Pictures/\nipodctl art - | sha256sum",
              BuildArt}};
 }

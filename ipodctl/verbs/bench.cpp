@@ -142,7 +142,7 @@ Run BuildBench(CLI::App& app)
 
 std::vector<Verb> BenchVerbs()
 {
-    return {{"bench", "Measure how long the commands take that change nothing",
+    return {{"bench", "Measure the commands that change nothing",
              "ipodctl bench\nipodctl bench --count 1000 --pages\n"
              "ipodctl bench --json | jq '.commands[] | {name, p99_us}'",
              BuildBench}};

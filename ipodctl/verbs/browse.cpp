@@ -22,7 +22,8 @@ Run BuildBrowse(CLI::App&)
 {
     return [](Context& context)
     {
-        if (context.out.json()) throw Failure(kUsage, "browse is for people; ipodctl ls --json lists a level");
+        if (context.out.json())
+            throw Failure(kUsage, "--json cannot be used with browse", "list a level with 'ipodctl ls --json'");
         browse::RequireTerminal();
         return Browse(context.session);
     };
@@ -31,7 +32,7 @@ Run BuildBrowse(CLI::App&)
 
 std::vector<Verb> BrowserVerbs()
 {
-    return {{"browse", "Walk through the music database on the whole screen; ? shows the keys",
+    return {{"browse", "Browse the music database on the whole screen",
              "ipodctl browse   # then type zjl: it finds 周杰伦; ? shows all keys", BuildBrowse}};
 }
 }  // namespace ctl

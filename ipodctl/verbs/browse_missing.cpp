@@ -14,7 +14,6 @@ std::vector<Verb> BrowserVerbs()
                           "ipodctl ls and ipodctl cd walk through the database too");
         };
     };
-    return {
-        {"browse", "Walk through the music database on the whole screen; not in this build", "ipodctl browse", build}};
+    return {{"browse", "Browse the music database (missing in this build)", "ipodctl browse", build}};
 }
 }  // namespace ctl

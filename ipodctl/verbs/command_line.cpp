@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "output/text.h"
+#include "verbs/usage.h"
 
 namespace ctl
 {
@@ -34,9 +35,11 @@ Choice Add(CLI::App& app, const Verb& verb)
     return {added, verb.build(*added)};
 }
 
-bool IsVerb(const std::vector<Verb>& verbs, const std::string& word)
+std::vector<std::string> NamesOf(const std::vector<Verb>& verbs)
 {
-    return std::any_of(verbs.begin(), verbs.end(), [&](const Verb& verb) { return verb.name == word; });
+    std::vector<std::string> names;
+    for (const Verb& verb : verbs) names.emplace_back(verb.name);
+    return names;
 }
 
 bool IsBackward(const std::string& argument)
@@ -79,7 +82,7 @@ CLI::Validator WholeNumber(int least)
     {
         const std::optional<int> number = ParseIndex(text);
         if (number && *number >= least) return std::string();
-        return "'" + Printable(text) + "' is no whole number from " + std::to_string(least) + " on";
+        return "'" + Printable(text) + "' is not an integer of at least " + std::to_string(least);
     };
     return {check, "N"};
 }
@@ -92,7 +95,7 @@ CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
         const char* const end = text.data() + text.size();
         const auto [read, error] = std::from_chars(text.data(), end, number);
         if (error == std::errc() && read == end && number >= least && number <= most) return std::string();
-        return "'" + Printable(text) + "' is no whole number from " + std::to_string(least) + " to " +
+        return "'" + Printable(text) + "' is not an integer between " + std::to_string(least) + " and " +
                std::to_string(most);
     };
     return {check, "N"};
@@ -100,7 +103,24 @@ CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
 
 CLI::Validator Something()
 {
-    return {[](const std::string& text) { return text.empty() ? "it is empty" : ""; }, ""};
+    return {[](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""};
+}
+
+CLI::Validator OneOf(const std::vector<std::string>& words)
+{
+    const auto check = [words](const std::string& text)
+    {
+        const bool known = std::find(words.begin(), words.end(), text) != words.end();
+        return known ? std::string() : "expected one of " + Listed(words) + ", got '" + Printable(text) + "'";
+    };
+    return {check, ""};
+}
+
+std::string Listed(const std::vector<std::string>& words)
+{
+    std::string listed;
+    for (const std::string& word : words) listed += (listed.empty() ? "" : ", ") + word;
+    return listed;
 }
 
 CLI::Validator Seconds(double most)
@@ -110,9 +130,9 @@ CLI::Validator Seconds(double most)
     {
         char* end = nullptr;
         const double number = g_ascii_strtod(text.c_str(), &end);
-        // What is not a number compares to nothing.
+        // NaN compares false with everything.
         if (!text.empty() && *end == '\0' && number >= kLeast && number <= most) return std::string();
-        return "'" + Printable(text) + "' is no number of seconds from 0.001 to " +
+        return "'" + Printable(text) + "' is not a number of seconds between 0.001 and " +
                std::to_string(static_cast<long>(most));
     };
     return {check, "SECONDS"};
@@ -136,8 +156,9 @@ std::vector<std::string> ToParse(int argc, char** argv, const std::vector<Verb>&
 {
     std::vector<std::string> arguments(argv + std::min(1, argc), argv + argc);
     const auto verb = FindVerb(arguments);
-    if (verb != arguments.end() && !IsVerb(verbs, *verb))
-        throw Failure(kUsage, "unknown verb '" + Printable(*verb) + "'; ipodctl --help lists them");
+    const std::vector<std::string> names = NamesOf(verbs);
+    if (verb != arguments.end() && std::find(names.begin(), names.end(), *verb) == names.end())
+        throw UnknownWord("command", *verb, names, "try 'ipodctl --help'");
     if (verb != arguments.end() && *verb == "seek") SpellOutBackward(arguments);
     std::reverse(arguments.begin(), arguments.end());
     return arguments;

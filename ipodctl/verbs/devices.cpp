@@ -33,10 +33,25 @@ Answer ShowDevices(Context& context, bool namesOnly)
     return {{{"verb", "devices"}, {"devices", devices}}, rows.empty() ? none : Table(rows, context.out.width())};
 }
 
-Answer EnterDevice(Session& session, int index)
+// By its index or its name; "./22" is the name "22".
+int FindDevice(const std::vector<std::string>& names, std::string text)
+{
+    const std::optional<int> index = TakeIndex(text);
+    if (index) CheckIndex(*index, static_cast<int>(names.size()), "the device list");
+    if (index) return *index;
+    const auto same = [folded = Folded(text)](const std::string& name) { return Folded(name) == folded; };
+    const auto found = std::find_if(names.begin(), names.end(), same);
+    if (found == names.end())
+        throw Failure(kUsage, "no device '" + Printable(text) + "'", "list the devices with 'ipodctl devices'");
+    if (std::any_of(std::next(found), names.end(), same))
+        throw Failure(kUsage, "'" + Printable(text) + "' is the name of several devices", "give the index");
+    return static_cast<int>(found - names.begin());
+}
+
+Answer EnterDevice(Session& session, const std::string& device)
 {
     const std::vector<std::string> names = ReadDevices(session);
-    CheckIndex(index, static_cast<int>(names.size()), "the device list");
+    const int index = FindDevice(names, device);
     session.Ask(session.Commands().EnterDevice(index), "the service did not enter the device; see ipodctl devices");
     const std::string& name = names[static_cast<std::size_t>(index)];
     return {{{"verb", "devices"}, {"entered", {{"index", index}, {"name", name}}}}, "entered " + Printable(name)};
@@ -44,13 +59,14 @@ Answer EnterDevice(Session& session, int index)
 
 Run BuildDevices(CLI::App& app)
 {
-    const auto index = Argument<std::optional<int>>();
+    const auto device = Argument<std::string>();
     const auto names = Argument<bool>();
-    auto* const entered = app.add_option("index", *index, "Device to browse; without it, the devices are shown");
-    entered->check(WholeNumber(0));
-    app.add_flag("--names", *names, "One name per line and nothing else, for scripts")->excludes(entered);
-    return [index, names](Context& context)
-    { return *index ? EnterDevice(context.session, **index) : ShowDevices(context, *names); };
+    auto* const entered =
+        app.add_option("device", *device, "Index or name of the device to browse; without it, list the devices");
+    entered->check(Something());
+    app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entered);
+    return [device, names](Context& context)
+    { return device->empty() ? ShowDevices(context, *names) : EnterDevice(context.session, *device); };
 }
 
 Answer Detected(const char* verb, int status)
@@ -65,6 +81,7 @@ Run BuildCarPlay(CLI::App&)
         const ipodkit::CarPlayDevice device = context.session.Ask(context.session.Commands().CarPlayStatus());
         Answer answer = Detected("carplay", device.status);
         answer.json["serial"] = device.serialNumber;
+        if (!device.serialNumber.empty()) answer.text += ", serial number " + Printable(device.serialNumber);
         return answer;
     };
 }
@@ -92,7 +109,7 @@ Run BuildButton(CLI::App& app)
 {
     const auto button = Argument<Button>();
     app.add_option("number", button->number, "Number of the button")->required()->check(NumberUpTo(UINT32_MAX));
-    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as it is told to the device")
+    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as reported to the device")
         ->check(NumberUpTo(UINT32_MAX));
     return [button](Context& context) -> Answer
     {
@@ -106,7 +123,7 @@ Run BuildButton(CLI::App& app)
 Run BuildHub(CLI::App& app)
 {
     const auto mode = Argument<int>();
-    app.add_option("mode", *mode, "Test mode, 0 ends it")->required()->check(NumberUpTo(255));
+    app.add_option("mode", *mode, "Test mode; 0 ends it")->required()->check(NumberUpTo(255));
     return [mode](Context& context) -> Answer
     {
         context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));
@@ -117,13 +134,11 @@ Run BuildHub(CLI::App& app)
 
 std::vector<Verb> DeviceVerbs()
 {
-    return {{"devices", "Show the attached devices, or choose the one to browse", "ipodctl devices\nipodctl devices 1",
+    return {{"devices", "List the attached devices, or choose the one to browse", "ipodctl devices\nipodctl devices 1",
              BuildDevices},
-            {"carplay", "Show whether a CarPlay device is detected", "ipodctl carplay", BuildCarPlay},
-            {"carlife", "Show whether a CarLife device is detected", "ipodctl carlife", BuildCarLife},
-            {"button", "Press and release a button of the accessory remote control", "ipodctl button 1 --held 500",
-             BuildButton},
-            {"hub", "Set the electrical test mode of the USB hub; for production and service only", "ipodctl hub 0",
-             BuildHub}};
+            {"carplay", "Print whether a CarPlay device is detected", "ipodctl carplay", BuildCarPlay},
+            {"carlife", "Print whether a CarLife device is detected", "ipodctl carlife", BuildCarLife},
+            {"button", "Press and release a button of the remote control", "ipodctl button 1 --held 500", BuildButton},
+            {"hub", "Set the electrical test mode of the USB hub (production)", "ipodctl hub 0", BuildHub}};
 }
 }  // namespace ctl

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 
+#include "output/table.h"
 #include "output/text.h"
 #include "segments/segment_contents.h"
 #include "segments/segment_probe.h"
@@ -23,7 +25,7 @@ constexpr std::size_t kScarce = 8;  // of so many parts the last: a vector that 
 struct Finding
 {
     const char* what;
-    ExitCode code;  ///< kDone: well; kNothingDone: a warning; else what a verb would end with
+    ExitCode code;  ///< kDone: ok; kNothingDone: a warning; else what a verb would end with
     std::string text;
     std::string advice;
 };
@@ -142,7 +144,7 @@ std::vector<Finding> Examine(Session& session)
     try
     {
         GDBusConnection* const bus = session.Bus();
-        all.push_back({"bus", kDone, "session bus reached", ""});
+        all.push_back({"bus", kDone, "connected to the session bus", ""});
         all.push_back(ExamineService(session, bus));
         const pid_t service = ProcessOfService(bus);
         for (std::size_t i = 0; i < segments.size(); ++i) CompareWithService(segments[i], SegmentPlans()[i], service);
@@ -170,8 +172,8 @@ std::string Fingerprint()
 
 const char* StateName(ExitCode code)
 {
-    if (code == kDone) return "well";
-    return code == kNothingDone ? "warning" : "problem";
+    if (code == kDone) return "ok";
+    return code == kNothingDone ? "warning" : "error";
 }
 
 // A problem before a warning, and the bus before what depends on it.
@@ -196,13 +198,14 @@ Json ToJson(const std::vector<Finding>& findings)
 
 std::string ToText(const std::vector<Finding>& findings)
 {
-    std::string text;
+    std::vector<std::vector<std::string>> rows;
     for (const Finding& finding : findings)
     {
-        text += std::string(finding.what) + ": " + StateName(finding.code) + ": " + Printable(finding.text) + "\n";
-        if (!finding.advice.empty()) text += "    " + Printable(finding.advice) + "\n";
+        rows.push_back({finding.what, StateName(finding.code), Printable(finding.text)});
+        if (!finding.advice.empty()) rows.push_back({"", "hint", Printable(finding.advice)});
     }
-    return text + "build: " + Fingerprint();
+    rows.push_back({"build", "", Fingerprint()});
+    return Table(rows, INT_MAX);
 }
 
 Run BuildDoctor(CLI::App&)
@@ -217,7 +220,7 @@ Run BuildDoctor(CLI::App&)
 
 std::vector<Verb> DoctorVerbs()
 {
-    return {{"doctor", "Say what is wrong with bus, service and shared memory, and what to do",
-             "ipodctl doctor\nipodctl doctor --json | jq -r '.checks[] | select(.state != \"well\")'", BuildDoctor}};
+    return {{"doctor", "Diagnose the bus, the service, and the shared memory",
+             "ipodctl doctor\nipodctl doctor --json | jq -r '.checks[] | select(.state != \"ok\")'", BuildDoctor}};
 }
 }  // namespace ctl

@@ -70,10 +70,12 @@ int TryWrite(Session& session, unsigned short number, Bytes& data)
 
 void Write(Session& session, unsigned short number, Bytes data)
 {
+    const SenderLock lock(session);
     if (TryWrite(session, number, data) != 1)
-        throw Failure(kNothingDone, "the service did not take the bytes: session " + std::to_string(number) +
-                                        " is not open (ipodctl eap listen shows sessions), or the shared memory has "
-                                        "no room for an answer (ipodctl shm shows what is free)");
+        throw Failure(kNothingDone,
+                      "the service rejected the data: session " + std::to_string(number) +
+                          " is not open, or the shared memory has no room for an answer",
+                      "'ipodctl eap listen' prints sessions, 'ipodctl shm' the free memory");
 }
 
 Run BuildInit(CLI::App& app)
@@ -179,6 +181,7 @@ Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, co
 Answer Echo(Context& context, const EchoRequest& request)
 {
     Session& session = context.session;
+    const SenderLock lock(session);
     Loop loop;
     ipodkit::AccessoryPort port(session.Ready());
     const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);
@@ -193,22 +196,21 @@ Run BuildEcho(CLI::App& app)
 {
     const auto request = Argument<EchoRequest>();
     app.add_option("text", request->text, "Text to send")->required();
-    AddAccessory(app, request->accessory, "Seconds to wait for the session, and for the echo");
+    AddAccessory(app, request->accessory, "Time to wait for the session, and for the echo");
     return [request](Context& context) { return Echo(context, *request); };
 }
 
 Run BuildBridge(CLI::App& app)
 {
     const auto request = Argument<BridgeRequest>();
-    AddAccessory(app, request->accessory, "Seconds to wait for the session");
+    AddAccessory(app, request->accessory, "Time to wait for the session");
     app.add_flag_callback(
         "--no-launch", [request] { request->accessory.launch = false; },
-        "Announce and launch nothing: the device opens the session by itself");
-    app.add_option(
-           "--socket", request->socket,
-           "Serve a UNIX socket at this path, one client after the other, in place of standard input and output")
+        "Do not announce or launch: the device opens the session by itself");
+    app.add_option("--socket", request->socket,
+                   "Serve a UNIX socket at this path, one client at a time, instead of standard input and output")
         ->check(Something());
-    app.add_option("--linger", request->linger, "Seconds of silence after the end of the input that end it")
+    app.add_option("--linger", request->linger, "Silence after the end of the input that ends it")
         ->capture_default_str()
         ->check(Seconds());
     return [request](Context& context) { return RunBridge(context, *request); };
@@ -216,13 +218,13 @@ Run BuildBridge(CLI::App& app)
 
 std::vector<Verb> Subverbs()
 {
-    return {{"init", "Announce the accessory protocols of the unit",
+    return {{"init", "Announce the accessory protocols of the head unit",
              "ipodctl eap init com.example.echo com.example.app", BuildInit},
             {"launch", "Ask the device to start an app", "ipodctl eap launch com.example.app", BuildLaunch},
             {"write", "Send a file or standard input on a session", "echo hello | ipodctl eap write 1 -", BuildWrite},
-            {"listen", "Follow sessions and what arrives on them", "ipodctl eap listen --timeout 60", BuildListen},
-            {"echo", "Open a session, send a text, print what comes back", "ipodctl eap echo hello", BuildEcho},
-            {"bridge", "Open a session and connect it with standard input and output, or with a UNIX socket",
+            {"listen", "Print sessions and the data they receive", "ipodctl eap listen --timeout 60", BuildListen},
+            {"echo", "Open a session, send a text, print the answer", "ipodctl eap echo hello", BuildEcho},
+            {"bridge", "Connect a session with standard input and output, or a socket",
              "ipodctl eap bridge < request.bin > reply.bin\n"
              "ipodctl eap bridge --socket /tmp/echo.sock --bundle com.example.app",
              BuildBridge}};
@@ -236,7 +238,7 @@ Run BuildEap(CLI::App& app)
 
 std::vector<Verb> EapVerbs()
 {
-    return {{"eap", "Accessory sessions: init, launch, write, listen, echo, bridge",
+    return {{"eap", "Open and use accessory sessions",
              "ipodctl eap echo hello\nipodctl eap init com.example.echo com.example.app\nipodctl eap listen",
              BuildEap}};
 }

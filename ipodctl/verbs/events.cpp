@@ -24,12 +24,12 @@ struct Choice
 void AddPresentation(CLI::App& app, Following& following)
 {
     auto* const format = app.add_option("--format", following.format,
-                                        "Show each event by a template such as '{{ title }} {{ duration(length) }}'; "
+                                        "Print each event by a template such as '{{title}} {{duration(length)}}'; "
                                         "ipodctl(1) lists its fields and functions")
                              ->check(Something());
     app.add_option("--exec", following.command,
-                   "Run this shell command for each event instead: its fields are variables of the environment "
-                   "(IPOD_EVENT, IPOD_TITLE, ...), standard input is the event as JSON")
+                   "Run this shell command for each event instead: its environment contains the fields "
+                   "(IPOD_EVENT, IPOD_TITLE, ...), its standard input is the event as JSON")
         ->check(Something())
         ->excludes(format);
 }
@@ -37,18 +37,19 @@ void AddPresentation(CLI::App& app, Following& following)
 Run BuildEvents(CLI::App& app)
 {
     const auto choice = Argument<Choice>();
-    app.add_option("event", choice->names, "Only these events; without them, all")
-        ->type_name("EVENT")
-        ->check(CLI::IsMember(EventNames()));
+    app.add_option("event", choice->names, "Only these events; without them, all: " + Listed(EventNames()))
+        ->check(OneOf(EventNames()));
     AddLimits(app, choice->following.limits, "--count or --until");
     app.add_option("--until", choice->following.limits.until, "End after the first event of this name")
         ->type_name("EVENT")
-        ->check(CLI::IsMember(EventNames()).description(""));
-    app.add_flag("--no-progress", choice->noProgress, "Leave out the progress of playback, also in --count");
-    app.add_flag("--wait", choice->following.wait, "Wait for the service when it is not there yet");
+        ->check(OneOf(EventNames()));
+    app.add_flag("--no-progress", choice->noProgress, "Ignore progress events, also in --count");
+    app.add_flag("--wait", choice->following.wait, "Wait for the service if it is not running yet");
     AddPresentation(app, choice->following);
     return [choice](Context& context)
     {
+        if (context.out.json() && !choice->following.format.empty())
+            throw Failure(kUsage, "--json cannot be used with --format");
         Following following = choice->following;
         following.wanted = [choice](const Event& event) { return choice->Wants(event); };
         return Follow(context, following);
@@ -58,7 +59,7 @@ Run BuildEvents(CLI::App& app)
 
 std::vector<Verb> EventVerbs()
 {
-    return {{"events", "Follow the events, one line each, also when the service restarts, until Ctrl-C",
+    return {{"events", "Print events as they occur, until Ctrl-C",
              "ipodctl events\n"
              "ipodctl events track play-status --json\n"
              "ipodctl events --no-progress --timeout 60\n"

@@ -44,7 +44,7 @@ Run BuildFingerprint(CLI::App&)
 
 std::vector<Verb> LayoutVerbs()
 {
-    return {{"fingerprint", "Describe the layout of the shared segments, to be compared with the service's",
+    return {{"fingerprint", "Describe the layout of the shared segments for comparison",
              "ipodctl fingerprint | tail -n 1\nipodctl fingerprint --json | jq -r .fingerprint", BuildFingerprint}};
 }
 }  // namespace ctl

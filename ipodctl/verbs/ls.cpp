@@ -49,12 +49,12 @@ Json PageJson(const Page& page)
 
 std::string PageText(const Page& page, const Output& out)
 {
-    const int digits = Width(std::to_string(page.amount));
+    const int digits = out.terminal() ? Width(std::to_string(page.amount)) : 0;
     std::vector<std::vector<std::string>> rows;
     for (const Entry& entry : page.entries)
         rows.push_back({PadLeft(std::to_string(entry.index), digits), Printable(entry.name) + (page.folder ? "/" : ""),
                         Printable(entry.pinyin)});
-    return Table(rows, out.width());
+    return out.terminal() ? Table(rows, out.width()) : Unaligned(rows);
 }
 
 std::string NamesText(const Page& page)
@@ -139,17 +139,19 @@ Answer ShowList(Context& context, const Listing& listing)
 Run BuildLs(CLI::App& app)
 {
     const auto listing = Argument<Listing>();
-    auto* const from = app.add_option("--from", listing->from, "First index, from 0")->check(WholeNumber(0));
-    auto* const count = app.add_option("--count", listing->count, "How many entries (50)")->check(WholeNumber(1));
-    app.add_flag("--all", listing->all, "The whole level")->excludes(from)->excludes(count);
+    auto* const from = app.add_option("--from", listing->from, "Index of the first entry")->check(WholeNumber(0));
+    auto* const count =
+        app.add_option("--count", listing->count, "Number of entries (default: 50)")->check(WholeNumber(1));
+    app.add_flag("--all", listing->all, "List the whole level")->excludes(from)->excludes(count);
     auto* const pinyin = app.add_flag_callback(
-        "--pinyin", [listing] { listing->pinyin = Pinyin::Always; },
-        "The pinyin of every name, also where it is the same");
+        "--pinyin", [listing] { listing->pinyin = Pinyin::Always; }, "Print pinyin even where it equals the name");
     app.add_flag_callback(
-           "--no-pinyin", [listing] { listing->pinyin = Pinyin::None; }, "Names only, which takes half the requests")
+           "--no-pinyin", [listing] { listing->pinyin = Pinyin::None; },
+           "Omit pinyin, which halves the number of requests")
         ->excludes(pinyin);
-    auto* const names = app.add_flag("--names", listing->names, "One name per line and nothing else, for scripts");
-    app.add_flag("--index", listing->index, "Where each letter begins, A to Z, Chinese names by pinyin")
+    auto* const names =
+        app.add_flag("--names", listing->names, "Print one name per line and nothing else, for scripts");
+    app.add_flag("--index", listing->index, "Print where each letter begins, Chinese names by pinyin")
         ->excludes(from)
         ->excludes(count)
         ->excludes(names);
@@ -159,7 +161,7 @@ Run BuildLs(CLI::App& app)
 
 std::vector<Verb> ListVerbs()
 {
-    return {{"ls", "List the current level of the music database: index, name, pinyin; folders end with /",
+    return {{"ls", "List the current level: index, name, pinyin",
              "ipodctl ls\nipodctl ls --from 100 --count 20\nipodctl ls --index\nipodctl ls --all --names | fzf\n"
              "ipodctl ls --all --json | jq -r '.entries[].name'",
              BuildLs}};

@@ -36,7 +36,8 @@ Answer Apply(const Mode& mode, const std::string& word, Session& session)
 Run Build(CLI::App& app, const Mode& mode)
 {
     const auto word = Argument<std::string>();
-    app.add_option("mode", *word, "New mode; without it, the mode is shown")->check(CLI::IsMember(mode.words));
+    app.add_option("mode", *word, "New mode (" + Listed(mode.words) + "); without it, print the mode")
+        ->check(OneOf(mode.words));
     return [mode, word](Context& context) { return Apply(mode, *word, context.session); };
 }
 
@@ -64,8 +65,8 @@ Run BuildRepeat(CLI::App& app)
 std::vector<Verb> ModeVerbs()
 {
     return {
-        {"shuffle", "Show or set the shuffle mode: off, songs, albums", "ipodctl shuffle\nipodctl shuffle songs",
+        {"shuffle", "Print or set the shuffle mode (off, songs, albums)", "ipodctl shuffle\nipodctl shuffle songs",
          BuildShuffle},
-        {"repeat", "Show or set the repeat mode: off, one, all", "ipodctl repeat\nipodctl repeat all", BuildRepeat}};
+        {"repeat", "Print or set the repeat mode (off, one, all)", "ipodctl repeat\nipodctl repeat all", BuildRepeat}};
 }
 }  // namespace ctl

@@ -70,16 +70,16 @@ Run BuildQueue(CLI::App& app)
 {
     const auto index = Argument<std::optional<int>>();
     const auto names = Argument<bool>();
-    auto* const entry = app.add_option("index", *index, "Entry to jump to; without it, the list is shown");
+    auto* const entry = app.add_option("index", *index, "Entry to jump to; without it, print the list");
     entry->check(WholeNumber(0));
-    app.add_flag("--names", *names, "One name per line and nothing else, for scripts")->excludes(entry);
+    app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entry);
     return [index, names](Context& context) { return *index ? Jump(context.session, **index) : Show(context, *names); };
 }
 }  // namespace
 
 std::vector<Verb> QueueVerbs()
 {
-    return {{"queue", "Show the playing list, or jump to one of its entries",
+    return {{"queue", "List the playing list, or jump to one of its entries",
              "ipodctl queue\nipodctl queue 4\nipodctl queue --json | jq .playing", BuildQueue}};
 }
 }  // namespace ctl

@@ -124,8 +124,9 @@ Answer DumpVector(const std::string& name, const Output& out)
 Run BuildShm(CLI::App& app)
 {
     const auto vector = Argument<std::string>();
-    app.add_option("--dump", *vector, "Show what a vector holds: its names, or its bytes as a hexdump")
-        ->check(CLI::IsMember(VectorNames()));
+    app.add_option("--dump", *vector, "Show the names or bytes in a vector: " + Listed(VectorNames()))
+        ->type_name("VECTOR")
+        ->check(OneOf(VectorNames()));
     return [vector](Context& context)
     { return vector->empty() ? ShowSegments(context.out) : DumpVector(*vector, context.out); };
 }
@@ -133,7 +134,7 @@ Run BuildShm(CLI::App& app)
 
 std::vector<Verb> SharedMemoryVerbs()
 {
-    return {{"shm", "Show what lies in the shared memory now, without changing it",
+    return {{"shm", "Print the contents of the shared memory",
              "ipodctl shm\nipodctl shm --dump VecDBListShareMemory\nipodctl shm --dump VecEapReadBufferShareMemory",
              BuildShm}};
 }

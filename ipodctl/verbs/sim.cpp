@@ -9,18 +9,17 @@
 
 namespace ctl
 {
-CLI::Validator OneOf(std::vector<std::string> words)
+CLI::Option* AsNumber(CLI::Option* option, const std::vector<std::string>& words)
 {
-    std::string listed;
-    for (const std::string& word : words) listed += (listed.empty() ? "" : ", ") + word;
-    const auto replace = [words = std::move(words), listed](std::string& given)
+    const auto replace = [words](std::string& given)
     {
-        const auto found = std::find(words.begin(), words.end(), given);
-        if (found == words.end()) return "expected one of " + listed + ", not '" + given + "'";
-        given = std::to_string(found - words.begin());
+        const std::string wrong = OneOf(words)(given);
+        if (!wrong.empty()) return wrong;
+        given = std::to_string(std::find(words.begin(), words.end(), given) - words.begin());
         return std::string();
     };
-    return CLI::Validator(replace, listed);
+    return option->transform(CLI::Validator(replace, "WORD"))
+        ->description(option->get_description() + ": " + Listed(words));
 }
 
 CLI::Validator Utf8()
@@ -28,7 +27,7 @@ CLI::Validator Utf8()
     const auto check = [](const std::string& text)
     {
         const bool valid = g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
-        return valid ? std::string() : "'" + Printable(text) + "' is no text in UTF-8";
+        return valid ? std::string() : "'" + Printable(text) + "' is not valid UTF-8";
     };
     return {check, ""};
 }
@@ -59,7 +58,7 @@ Run BuildSim(CLI::App& app)
 
 std::vector<Verb> SimVerbs()
 {
-    return {{"sim", "Let something happen on the simulator, or see what it was asked",
+    return {{"sim", "Trigger events on the simulator, inject faults, list calls",
              "ipodctl sim call --sequence ringing:3,active:10,disconnected --name \"Li Lei\"\n"
              "ipodctl sim battery --level 80 --charging\n"
              "ipodctl sim fault delay=500@GetPlayStatus/3\n"

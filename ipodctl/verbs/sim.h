@@ -10,10 +10,11 @@
 
 namespace ctl
 {
-/// One of a few words, whose place in the list is the number that travels. Parsing replaces the word by the number.
-CLI::Validator OneOf(std::vector<std::string> words);
+/// Makes an option one of a few words, which its help lists. Parsing replaces the word by its place in the list, which
+/// is the number that travels.
+CLI::Option* AsNumber(CLI::Option* option, const std::vector<std::string>& words);
 
-/// Accepts what the bus takes for a text.
+/// Accepts text that the bus can carry.
 CLI::Validator Utf8();
 
 /// The words for the numbers 0, 1, 2, … as names.h gives them.

@@ -42,26 +42,26 @@ void AddCallOptions(CLI::App& app, CallFields& call)
 {
     call.number.option = app.add_option("--number", call.number.value, "Number or address of the other party");
     call.name.option = app.add_option("--name", call.name.value, "Its name");
-    call.uuid.option = app.add_option("--uuid", call.uuid.value, "Identifies the call while it lives");
+    call.uuid.option = app.add_option("--uuid", call.uuid.value, "Identifier of the call");
     call.book.option = app.add_option("--book-id", call.book.value, "Entry of the address book");
-    call.label.option = app.add_option("--label", call.label.value, "home, mobile, ...");
+    call.label.option = app.add_option("--label", call.label.value, "Kind of number: home, mobile, ...");
     for (const auto* text : {&call.number, &call.name, &call.uuid, &call.book, &call.label})
         text->option->check(Utf8());
-    call.status.option = app.add_option("--status", call.status.value, "State of the call")
-                             ->transform(OneOf(WordsOf(CallStatusName, kCallStates)));
-    call.direction.option = app.add_option("--direction", call.direction.value, "Who called whom")
-                                ->transform(OneOf(WordsOf(CallDirectionName, 3)));
+    call.status.option = AsNumber(app.add_option("--status", call.status.value, "State of the call"),
+                                  WordsOf(CallStatusName, kCallStates));
+    call.direction.option =
+        AsNumber(app.add_option("--direction", call.direction.value, "Direction"), WordsOf(CallDirectionName, 3));
     call.service.option =
-        app.add_option("--service", call.service.value, "Kind of call")->transform(OneOf(WordsOf(CallServiceName, 4)));
+        AsNumber(app.add_option("--service", call.service.value, "Kind of call"), WordsOf(CallServiceName, 4));
     call.reason.option =
-        app.add_option("--reason", call.reason.value, "Why the call ended")->transform(OneOf(WordsOf(CallEndName, 3)));
+        AsNumber(app.add_option("--reason", call.reason.value, "Why the call ended"), WordsOf(CallEndName, 3));
     call.group.option = app.add_option("--group", call.group.value, "Conference group")->check(NumberUpTo(UINT32_MAX));
     call.conferenced.option =
         app.add_flag("--conferenced,!--not-conferenced", call.conferenced.value, "Part of a conference");
     call.start.option = app.add_option("--start", call.start.value, "Start, in seconds since 1970-01-01 UTC")
                             ->check(NumberUpTo(UINT64_MAX));
     app.add_option("--sequence", call.sequence,
-                   "States in turn, each with the seconds until the next: ringing:3,active:10,held:2,disconnected")
+                   "States with the seconds until the next one, such as ringing:3,active:10,held:2,disconnected")
         ->excludes(call.status.option);
 }
 
@@ -91,12 +91,13 @@ Step ToStep(const std::string& text)
     Step step;
     while (step.status < states.size() && states[step.status] != text.substr(0, colon)) ++step.status;
     if (step.status == states.size())
-        throw Failure(kUsage, "--sequence: '" + text.substr(0, colon) + "' is no state of a call; see --status");
+        throw Failure(kUsage, "--sequence: expected one of " + Listed(states) + ", got '" +
+                                  Printable(text.substr(0, colon)) + "'");
     if (colon == std::string::npos) return step;
     char* end = nullptr;
     step.seconds = g_ascii_strtod(text.c_str() + colon + 1, &end);
     if (*end != '\0' || end == text.c_str() + colon + 1 || !(step.seconds >= 0 && step.seconds < kLongest))
-        throw Failure(kUsage, "--sequence: expected seconds after the colon in '" + text + "'");
+        throw Failure(kUsage, "--sequence: expected seconds after the colon in '" + Printable(text) + "'");
     return step;
 }
 
@@ -125,7 +126,7 @@ Run BuildCall(CLI::App& app)
         const std::vector<Step> steps = ToSteps(call->sequence);
         Fields fields = ToFields(*call);
         if (fields.Empty() && steps.empty())
-            throw Failure(kUsage, "a call event tells something: give --status, or another field");
+            throw Failure(kUsage, "the event is empty", "give --status or another field");
         if (steps.empty())
             AskSimulator(context.session, "PhoneCall", g_variant_new("(@a{sv})", fields.Take()));
         else
@@ -145,17 +146,18 @@ struct BatteryFields
 void RequireOne(const CLI::Option* level, const CLI::Option* status)
 {
     if (level->count() + status->count() == 0)
-        throw Failure(kUsage, "a battery event tells something: give --level, or whether it is being charged");
-    if (status->count() > 1) throw Failure(kUsage, "give one of --disabled, --charging, --charged and --discharging");
+        throw Failure(kUsage, "the event is empty", "give --level or a charging state");
+    if (status->count() > 1)
+        throw Failure(kUsage, "only one of --disabled, --charging, --charged and --discharging can be given");
 }
 
 Run BuildBattery(CLI::App& app)
 {
     const auto battery = Argument<BatteryFields>();
-    battery->level.option = app.add_option("--level", battery->level.value, "Percent; more than 100 is told as it is")
+    battery->level.option = app.add_option("--level", battery->level.value, "Percent; values above 100 are passed on")
                                 ->check(NumberUpTo(UINT32_MAX));
     battery->status.option = app.add_flag("--disabled{0},--charging{1},--charged{2},--discharging{3}",
-                                          battery->status.value, "Whether it is being charged")
+                                          battery->status.value, "Charging state")
                                  ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     return [battery](Context& context)
     {
@@ -171,10 +173,10 @@ Run BuildBattery(CLI::App& app)
 
 std::vector<Verb> SimCallVerbs()
 {
-    return {{"call", "A phone call changed, once or in a sequence; fields may be left out, but not all",
+    return {{"call", "Report a phone call, once or as a sequence of states",
              "ipodctl sim call --status ringing --direction incoming --name \"Li Lei\" --number 123\n"
              "ipodctl sim call --sequence ringing:3,active:10,held:2,active:5,disconnected --name \"Li Lei\"",
              BuildCall},
-            {"battery", "The battery changed", "ipodctl sim battery --level 80 --charging", BuildBattery}};
+            {"battery", "Report the state of the battery", "ipodctl sim battery --level 80 --charging", BuildBattery}};
 }
 }  // namespace ctl

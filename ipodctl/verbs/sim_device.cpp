@@ -21,9 +21,7 @@ struct StateAndText
 Run BuildCarPlayEvent(CLI::App& app)
 {
     const auto given = Argument<StateAndText>();
-    app.add_option("status", given->state, "on, off or unsupported")
-        ->required()
-        ->transform(OneOf({"on", "off", "unsupported"}));
+    AsNumber(app.add_option("status", given->state, "Detection status"), {"on", "off", "unsupported"})->required();
     app.add_option("--serial", given->text, "Serial number of the device")->check(Utf8());
     return [given](Context& context)
     {
@@ -36,9 +34,7 @@ Run BuildCarPlayEvent(CLI::App& app)
 Run BuildCarLifeEvent(CLI::App& app)
 {
     const auto state = Argument<unsigned>();
-    app.add_option("status", *state, "on, off or unsupported")
-        ->required()
-        ->transform(OneOf({"on", "off", "unsupported"}));
+    AsNumber(app.add_option("status", *state, "Detection status"), {"on", "off", "unsupported"})->required();
     return [state](Context& context)
     {
         AskSimulator(context.session, "Carlife", g_variant_new("(y)", static_cast<guchar>(*state)));
@@ -49,7 +45,7 @@ Run BuildCarLifeEvent(CLI::App& app)
 Run BuildWireless(CLI::App& app)
 {
     const auto given = Argument<StateAndText>();
-    app.add_option("available", given->state, "on or off")->required()->transform(OneOf(Switch()));
+    AsNumber(app.add_option("available", given->state, "Availability"), Switch())->required();
     app.add_option("--address", given->text, "Bluetooth address of the device")->check(Utf8());
     return [given](Context& context)
     {
@@ -81,7 +77,7 @@ Run BuildPairing(CLI::App& app)
 Run BuildLocation(CLI::App& app)
 {
     const auto state = Argument<unsigned>();
-    app.add_option("state", *state, "on or off")->required()->transform(OneOf(Switch()));
+    AsNumber(app.add_option("state", *state, "State"), Switch())->required();
     return [state](Context& context)
     {
         AskSimulator(context.session, "Location", g_variant_new("(y)", static_cast<guchar>(*state)));
@@ -92,7 +88,7 @@ Run BuildLocation(CLI::App& app)
 Run BuildSource(CLI::App& app)
 {
     const auto state = Argument<unsigned>();
-    app.add_option("state", *state, "on or off")->required()->transform(OneOf(Switch()));
+    AsNumber(app.add_option("state", *state, "State"), Switch())->required();
     return [state](Context& context)
     {
         AskSimulator(context.session, "SourceValid", g_variant_new("(b)", static_cast<gboolean>(*state)));
@@ -135,20 +131,18 @@ Run BuildButtonEvent(CLI::App& app)
 
 std::vector<Verb> SimDeviceVerbs()
 {
-    return {
-        {"carplay", "A CarPlay device was detected or lost", "ipodctl sim carplay on --serial F17XK",
-         BuildCarPlayEvent},
-        {"carlife", "A CarLife device was detected or lost", "ipodctl sim carlife on", BuildCarLifeEvent},
-        {"wireless", "Wireless CarPlay became available or unavailable",
-         "ipodctl sim wireless on --address 00:11:22:33:44:55", BuildWireless},
-        {"pairing", "Out-of-band pairing information arrived", "ipodctl sim pairing 00:11:22:33:44:55 --hex 0a1b2c",
-         BuildPairing},
-        {"location", "The device asks for location information, or no longer does", "ipodctl sim location on",
-         BuildLocation},
-        {"source", "The device's audio source became valid or invalid", "ipodctl sim source off", BuildSource},
-        {"app", "Another app came to the foreground", "ipodctl sim app com.example.maps", BuildApp},
-        {"attach", "A device was attached; it holds the built-in library", "ipodctl sim attach Second", BuildAttach},
-        {"detach", "A device went away", "ipodctl sim detach Second", BuildDetach},
-        {"button", "The user presses a button on the device itself", "ipodctl sim button next", BuildButtonEvent}};
+    return {{"carplay", "Report a CarPlay device as detected or lost", "ipodctl sim carplay on --serial F17XK",
+             BuildCarPlayEvent},
+            {"carlife", "Report a CarLife device as detected or lost", "ipodctl sim carlife on", BuildCarLifeEvent},
+            {"wireless", "Report wireless CarPlay as available or unavailable",
+             "ipodctl sim wireless on --address 00:11:22:33:44:55", BuildWireless},
+            {"pairing", "Deliver out-of-band pairing information", "ipodctl sim pairing 00:11:22:33:44:55 --hex 0a1b2c",
+             BuildPairing},
+            {"location", "Start or stop asking for location information", "ipodctl sim location on", BuildLocation},
+            {"source", "Make the audio source of the device valid or invalid", "ipodctl sim source off", BuildSource},
+            {"app", "Bring another app to the foreground", "ipodctl sim app com.example.maps", BuildApp},
+            {"attach", "Attach a device with the built-in library", "ipodctl sim attach Second", BuildAttach},
+            {"detach", "Detach a device", "ipodctl sim detach Second", BuildDetach},
+            {"button", "Press a button on the device", "ipodctl sim button next", BuildButtonEvent}};
 }
 }  // namespace ctl

@@ -72,8 +72,8 @@ Run BuildData(CLI::App& app)
 
 std::vector<Verb> SimEapVerbs()
 {
-    return {{"eap-open", "An app opens an accessory session; prints its number", "ipodctl sim eap-open", BuildOpen},
-            {"eap-close", "An accessory session ends", "ipodctl sim eap-close 1", BuildClose},
-            {"eap-data", "The device sends bytes on a session", "ipodctl sim eap-data 1 --text hello", BuildData}};
+    return {{"eap-open", "Open an accessory session and print its number", "ipodctl sim eap-open", BuildOpen},
+            {"eap-close", "Close an accessory session", "ipodctl sim eap-close 1", BuildClose},
+            {"eap-data", "Send bytes from the device on a session", "ipodctl sim eap-data 1 --text hello", BuildData}};
 }
 }  // namespace ctl

@@ -1,4 +1,6 @@
 // For tests of applications: what the simulator was asked, what goes wrong, scenarios.
+#include <ipod_dbus.h>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -6,13 +8,14 @@
 #include "output/table.h"
 #include "output/text.h"
 #include "verbs/sim.h"
+#include "verbs/usage.h"
 
 namespace ctl
 {
 namespace
 {
-// Some ten thousand events.
-constexpr std::size_t kMostOfScenario = std::size_t{4} << 20;
+// As much as the simulator accepts as a file.
+constexpr std::size_t kMostOfScenario = std::size_t{8} << 20;
 
 struct CallQuery
 {
@@ -95,8 +98,25 @@ Call ToCall(GVariant* entry)
     return call;
 }
 
+// The methods of the contract.
+std::vector<std::string> Methods()
+{
+    std::vector<std::string> names;
+    const GDBusInterfaceInfo* const contract = com_zarn_linux_ipod_interface_info();
+    for (GDBusMethodInfo** method = contract->methods; *method != nullptr; ++method) names.emplace_back((*method)->name);
+    return names;
+}
+
+void CheckMethod(const std::string& method)
+{
+    const std::vector<std::string> methods = Methods();
+    if (method.empty() || std::find(methods.begin(), methods.end(), method) != methods.end()) return;
+    throw UnknownWord("method", method, methods, "ipodctl sim calls lists all calls");
+}
+
 Answer ShowCalls(Context& context, const std::string& method)
 {
+    CheckMethod(method);
     const VariantPtr reply = AskSimulator(context.session, "GetCalls", g_variant_new("(s)", method.c_str()));
     const VariantPtr entries(g_variant_get_child_value(reply.get(), 0));
     Json calls = Json::array();
@@ -198,7 +218,7 @@ Run BuildScenario(CLI::App& app)
         const std::string text(bytes.begin(), bytes.end());
         if (text.find('\0') != std::string::npos ||
             g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
-            throw Failure(kUsage, Printable(*file) + " is no text in UTF-8");
+            throw Failure(kUsage, Printable(*file) + " is not valid UTF-8");
         AskSimulator(context.session, "RunScenario", g_variant_new("(s)", text.c_str()));
         return Asked("scenario");
     };
@@ -207,13 +227,13 @@ Run BuildScenario(CLI::App& app)
 
 std::vector<Verb> SimTestVerbs()
 {
-    return {{"calls", "Show what the service was asked, and what it answered",
+    return {{"calls", "List the calls that the simulator received",
              "ipodctl sim calls\nipodctl sim calls Play\nipodctl sim calls --clear", BuildCalls},
-            {"fault", "Let something go wrong",
+            {"fault", "Inject a fault",
              "ipodctl sim fault delay=500@GetPlayStatus/3\nipodctl sim fault no-reply@Next\n"
              "ipodctl sim fault restart-storm=5",
              BuildFault},
-            {"clear-faults", "Let nothing go wrong any more", "ipodctl sim clear-faults", BuildClearFaults},
+            {"clear-faults", "Remove all injected faults", "ipodctl sim clear-faults", BuildClearFaults},
             {"scenario", "Play a scenario file", "ipodctl sim scenario drive.json", BuildScenario}};
 }
 }  // namespace ctl

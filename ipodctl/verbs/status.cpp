@@ -6,7 +6,7 @@
 #include "output/text.h"
 #include "picture/drawing.h"
 #include "player/playing.h"
-#include "player/told.h"
+#include "player/reported.h"
 #include "screen/status_screen.h"
 #include "screen/watch.h"
 #include "session/loop.h"
@@ -31,12 +31,12 @@ void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
         "--art",
         [look]
         {
-            if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw");
+            if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw images");
             look->art = Art::Always;
         },
-        "Draw the picture also where standard output is no terminal");
+        "Draw the artwork even if standard output is not a terminal");
     app.add_flag_callback(
-           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the picture")
+           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the artwork")
         ->excludes(always);
 }
 
@@ -47,6 +47,11 @@ void Listen(Session& session, double seconds)
     session.Ready();
     Loop loop;
     if (loop.Run(seconds) == Ending::Interrupted) throw Interrupted{};
+}
+
+void Warn(const std::string& text)
+{
+    if (!text.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(text).c_str());
 }
 
 Answer ShowStatus(Context& context, const Look& look)
@@ -64,8 +69,8 @@ Answer ShowStatus(Context& context, const Look& look)
         return {};
     }
     const Status status = ReadStatus(context.session, kNear);
-    const std::string unknown = NotTold(context.session, *status.state);
-    if (!unknown.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(unknown).c_str());
+    Warn(NotReported(context.session, *status.state));
+    Warn(status.nearRefusal.empty() ? "" : "the service did not report the queue: " + status.nearRefusal);
     return show(status);
 }
 
@@ -74,9 +79,9 @@ Run BuildStatus(CLI::App& app)
     const auto look = Argument<Look>();
     AddArt(app, look);
     auto* const listen = app.add_option("--listen", look->listen,
-                                        "Listen so many seconds first: battery and calls are told by events only");
+                                        "Wait this long for events first: only events report battery and calls");
     listen->check(Seconds());
-    app.add_flag("--watch", look->watch, "Stay, and show every change, until Ctrl-C")->excludes(listen);
+    app.add_flag("--watch", look->watch, "Keep printing every change until Ctrl-C")->excludes(listen);
     return [look](Context& context) { return ShowStatus(context, *look); };
 }
 
@@ -96,7 +101,7 @@ Run BuildInfo(CLI::App& app)
     return [look](Context& context) -> Answer
     {
         const Status status = ReadStatus(context.session, 0);
-        RequireTrackTold(context.session, *status.state);
+        RequireTrackReported(context.session, *status.state);
         if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
         return {InfoJson(status), InfoText(status, context.out, look->art)};
     };
@@ -105,10 +110,10 @@ Run BuildInfo(CLI::App& app)
 
 std::vector<Verb> StatusVerbs()
 {
-    return {{"status", "Show what plays, the modes, the queue, the devices, battery and calls",
+    return {{"status", "Print track, modes, queue, devices, battery, and calls",
              "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
              "ipodctl status --json | jq -r .track.title",
              BuildStatus},
-            {"info", "Show all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
+            {"info", "Print all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
 }
 }  // namespace ctl

@@ -33,7 +33,10 @@ void PlayEntry(Session& session, const std::string& wanted)
 Run BuildPlay(CLI::App& app)
 {
     const auto entry = Argument<std::optional<std::string>>();
-    app.add_option("entry", *entry, "Index or name of a song of the current level; without it, playback goes on");
+    app.add_option(
+        "entry", *entry,
+        "Index or name of a song of the current level; without it, resume playback. ./NAME is a name even if it looks "
+        "like an index");
     return [entry](Context& context)
     {
         if (*entry)
@@ -103,15 +106,16 @@ Run BuildSeek(CLI::App& app)
 {
     const auto target = Argument<std::string>();
     const auto back = Argument<std::string>();
-    auto* const time = app.add_option("time", *target, "SECONDS, MM:SS, H:MM:SS from the start; +N, -N from here");
-    app.add_option("--back", *back, "The same as -N")->excludes(time);
+    auto* const time =
+        app.add_option("time", *target, "SECONDS, MM:SS, or H:MM:SS from the start; +N or -N seconds from here");
+    app.add_option("--back", *back, "Same as -N")->excludes(time);
     return [target, back](Context& context)
     {
-        if (target->empty() && back->empty()) throw Failure(kUsage, std::string("no time is given: ") + kTimes);
+        if (target->empty() && back->empty()) throw Failure(kUsage, "missing argument: time", kTimes);
         const std::string text = back->empty() ? *target : "-" + *back;
         const std::optional<SeekTarget> parsed = ParseSeek(text);
         const std::string& given = back->empty() || g_ascii_isdigit(back->front()) ? text : *back;
-        if (!parsed) throw Failure(kUsage, "'" + Printable(given) + "' is no time: " + kTimes);
+        if (!parsed) throw Failure(kUsage, "'" + Printable(given) + "' is not a valid time", kTimes);
         return Seek(context.session, *parsed);
     };
 }
@@ -119,12 +123,12 @@ Run BuildSeek(CLI::App& app)
 
 std::vector<Verb> TransportVerbs()
 {
-    return {{"play", "Go on playing, or play a song of the current level",
+    return {{"play", "Resume playback, or play a song of the current level",
              "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue in Green\"", BuildPlay},
             {"pause", "Pause playback", "ipodctl pause", BuildPause},
             {"stop", "Stop playback", "ipodctl stop", BuildStop},
-            {"next", "Go to the next track; exit code 1 at the end", "ipodctl next", BuildNext},
-            {"previous", "Go to the previous track; exit code 1 at the start", "ipodctl previous", BuildPrevious},
+            {"next", "Skip to the next track (exit code 1 at the end)", "ipodctl next", BuildNext},
+            {"previous", "Skip to the previous track (exit code 1 at the start)", "ipodctl previous", BuildPrevious},
             {"seek", "Move within the playing track",
              "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek}};
 }

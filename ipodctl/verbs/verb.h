@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "session/context.h"
@@ -24,16 +25,22 @@ struct Verb
     Run (*build)(CLI::App& app);  ///< adds the verb's arguments; the result reads them when it runs
 };
 
-/// Accepts whole numbers from @p least on, and says so when it is given something else.
+/// Accepts integers of at least @p least.
 CLI::Validator WholeNumber(int least);
 
-/// The same from @p least to @p most.
+/// Accepts integers between @p least and @p most.
 CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
 
 /// Accepts every text that is not empty.
 CLI::Validator Something();
 
-/// Accepts times from a millisecond to @p most seconds.
+/// Accepts one of a few words.
+CLI::Validator OneOf(const std::vector<std::string>& words);
+
+/// "a, b, c", for the help of an argument.
+std::string Listed(const std::vector<std::string>& words);
+
+/// Accepts times between a millisecond and @p most seconds.
 CLI::Validator Seconds(double most = 4000000);
 
 /// A place for an argument of the command line that lives as long as those who hold it.

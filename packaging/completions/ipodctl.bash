@@ -1,9 +1,11 @@
 # bash completion for ipodctl(1)
 
-# Adds those lines of a command's output that begin with what was typed, quoted for the shell.
+# Adds those lines of a command's output that begin with what was typed, quoted for the shell. A name of digits only would
+# be an index without its "./".
 _ipodctl_names() {
     local name typed=${cur#[\"\']}
     while IFS= read -r name; do
+        [[ $name == *[!0-9]* ]] || name=./$name
         [[ $name == "$typed"* ]] || continue
         if [[ $cur == [\"\']* ]]; then COMPREPLY+=("$name"); else COMPREPLY+=("$(printf %q "$name")"); fi
     done < <(ipodctl --deadline 1 "$@" --names 2>/dev/null)
@@ -52,7 +54,11 @@ _ipodctl() {
             [[ -n $action ]] || arguments='.. /'
             [[ -n $action || $cur == -* ]] || _ipodctl_names ls --all
             ;;
-        queue | devices) options+=' --names' ;;
+        queue) options+=' --names' ;;
+        devices)
+            options+=' --names'
+            [[ -n $action || $cur == -* ]] || _ipodctl_names devices
+            ;;
         button) options+=' --held' ;;
         events) arguments=$events options+=' --count --until --timeout --no-progress --wait --format --exec' ;;
         art)

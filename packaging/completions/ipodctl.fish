@@ -1,14 +1,40 @@
 # fish completion for ipodctl(1)
 
 complete -c ipodctl -f
+
+# Whether no command has been given yet. __fish_use_subcommand would count the value of --deadline as one.
+function __ipodctl_needs_command
+    set -l is_value 0
+    for word in (commandline -opc)[2..-1]
+        if test $is_value = 1
+            set is_value 0
+            continue
+        end
+        switch $word
+            case --deadline
+                set is_value 1
+            case '-*'
+                continue
+            case '*'
+                return 1
+        end
+    end
+    return 0
+end
+
+# Names in the current level; one of digits only would be an index without its "./".
+function __ipodctl_names
+    ipodctl --deadline 1 $argv --names 2>/dev/null | string replace -r '^(\d+)$' './$1'
+end
+
 complete -c ipodctl -s h -l help -d 'Show help'
 complete -c ipodctl -l json -d 'Answer with JSON'
 complete -c ipodctl -l verbose -d 'Show every request and what the library logs'
 complete -c ipodctl -l deadline -x -d 'Seconds that the service may take'
-complete -c ipodctl -n __fish_use_subcommand -l version -d 'Show the version'
+complete -c ipodctl -n __ipodctl_needs_command -l version -d 'Show the version'
 
 function __ipodctl_verb -a verb description
-    complete -c ipodctl -n __fish_use_subcommand -a $verb -d $description
+    complete -c ipodctl -n __ipodctl_needs_command -a $verb -d $description
 end
 __ipodctl_verb status 'Show what plays, the modes, the queue and the devices'
 __ipodctl_verb info 'Show all details of the playing track'
@@ -49,7 +75,8 @@ complete -c ipodctl -n '__fish_seen_subcommand_from status info' -l art -d 'Draw
 complete -c ipodctl -n '__fish_seen_subcommand_from status info' -l no-art -d 'Draw no picture'
 complete -c ipodctl -n '__fish_seen_subcommand_from status' -l listen -x -d 'Listen for battery and calls first'
 complete -c ipodctl -n '__fish_seen_subcommand_from status' -l watch -d 'Show every change'
-complete -c ipodctl -n '__fish_seen_subcommand_from play cd' -a '(ipodctl --deadline 1 ls --all --names 2>/dev/null)'
+complete -c ipodctl -n '__fish_seen_subcommand_from play cd' -a '(__ipodctl_names ls --all)'
+complete -c ipodctl -n '__fish_seen_subcommand_from devices' -a '(__ipodctl_names devices)'
 complete -c ipodctl -n '__fish_seen_subcommand_from ls queue devices' -l names -d 'Names only'
 complete -c ipodctl -n '__fish_seen_subcommand_from ls' -l pinyin -d 'For every name'
 complete -c ipodctl -n '__fish_seen_subcommand_from ls' -l no-pinyin -d 'For none'
@@ -119,3 +146,5 @@ complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcomm
 complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from wireless location source' -a 'on off'
 complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from button' -a 'play pause stop next previous'
 complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from scenario' -F
+complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from fault' \
+    -a 'delay no-reply error wrong-type short-record long-record half-filled unterminated bad-message out-of-range crash crash-locked restart-storm'

@@ -19,13 +19,13 @@ def help_of(*verbs):
 
 
 def verbs_in(text):
-    listed = re.search(r"^Subcommands:\n((?:  .*\n)+)", text, re.MULTILINE)
+    listed = re.search(r"^Commands:\n((?:  .*\n)+)", text, re.MULTILINE)
     return re.findall(r"^  (\S+)", listed.group(1), re.MULTILINE) if listed else []
 
 
 def options_in(text):
     listed = re.search(r"^Options:\n((?:  .*\n)+)", text, re.MULTILINE)
-    return re.findall(r"^  (?:-\w,)?--([\w-]+)", listed.group(1), re.MULTILINE)
+    return re.findall(r"^  (?:-\w, ?)?--([\w-]+)", listed.group(1), re.MULTILINE)
 
 
 def words_of_help(*verbs):

@@ -237,7 +237,7 @@ class WithTheSimulator(InATerminal):
         terminal = self.in_artists()
         self.ctl("cd", "/Albums")
         terminal.type("zjl" + ENTER)
-        self.sees(terminal, "another one than it was", "› Artists")
+        self.sees(terminal, "another program changed the level; returning", "› Artists")
         self.stands_at(terminal, "周杰伦")
         terminal.type(ENTER)
         self.sees(terminal, "› Artists › 周杰伦")

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "verbs/help.h"
+#include "verbs/usage.h"
+
 using namespace ctl;
 
 namespace
@@ -43,20 +46,53 @@ TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
     EXPECT_EQ(Parse({}), Words{});
 }
 
+TEST(OneOf, ListsWhatItExpects)
+{
+    EXPECT_EQ(OneOf({"off", "on"})("on"), "");
+    EXPECT_EQ(OneOf({"off", "on"})("maybe"), "expected one of off, on, got 'maybe'");
+}
+
+TEST(UnknownWord, SuggestsTheMostSimilarWord)
+{
+    const Words words{"status", "stop", "seek"};
+    EXPECT_EQ(UnknownWord("command", "staus", words, "try it").hint(), "did you mean 'status'?");
+    EXPECT_EQ(UnknownWord("command", "STOP", words, "try it").hint(), "did you mean 'stop'?");
+    EXPECT_STREQ(UnknownWord("command", "dance\033", words, "try it").what(), "unknown command 'dance\uFFFD'");
+    for (const char* different : {"dance", "", "x", "it"})
+        EXPECT_EQ(UnknownWord("command", different, words, "try it").hint(), "try it");
+}
+
+TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
+{
+    CLI::App app("Does what it does, at such length that the line has to be broken.", "test");
+    app.formatter(std::make_shared<HelpFormatter>(40));
+    int number = 3;
+    app.add_option("--from", number, "First index")->check(WholeNumber(0))->capture_default_str();
+    app.add_option("time", number, "When")->required();
+    app.add_subcommand("status", "Print the status");
+    EXPECT_EQ(app.help(),
+              "Does what it does, at such length that\nthe line has to be broken.\n\n"
+              "Usage: test [OPTIONS] TIME COMMAND\n\n"
+              "Arguments:\n  TIME       When\n\n"
+              "Options:\n  -h, --help\n             Print this help message and\n             exit\n"
+              "  --from N   First index (default: 3)\n\n"
+              "Commands:\n  status     Print the status\n\n\n");
+}
+
 TEST(WholeNumber, SaysWhatItWants)
 {
     EXPECT_EQ(WholeNumber(1)("5"), "");
-    EXPECT_EQ(WholeNumber(1)("0"), "'0' is no whole number from 1 on");
-    EXPECT_EQ(WholeNumber(0)("-1"), "'-1' is no whole number from 0 on");
+    EXPECT_EQ(WholeNumber(1)("0"), "'0' is not an integer of at least 1");
+    EXPECT_EQ(WholeNumber(0)("-1"), "'-1' is not an integer of at least 0");
 }
 
 TEST(NumberUpTo, KnowsTheWholeRange)
 {
     EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967295"), "");
     EXPECT_EQ(NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
-    EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967296"), "'4294967296' is no whole number from 0 to 4294967295");
+    EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967296"), "'4294967296' is not an integer between 0 and 4294967295");
     EXPECT_EQ(NumberUpTo(9, 1)("9"), "");
-    EXPECT_EQ(NumberUpTo(9, 1)("0"), "'0' is no whole number from 1 to 9");
+    EXPECT_EQ(NumberUpTo(9, 1)("0"), "'0' is not an integer between 1 and 9");
     for (const char* wrong : {"-1", "", "1x", " 1", "99999999999999999999"})
         EXPECT_NE(NumberUpTo(UINT64_MAX)(wrong), "");
 }
@@ -65,5 +101,6 @@ TEST(Seconds, AreFiniteAndAboveNothing)
 {
     for (const char* right : {"0.001", "1", "2.5", "1e3", "60"}) EXPECT_EQ(Seconds(1000)(right), "");
     for (const char* wrong : {"", "0", "-1", "nan", "inf", "1x", "1001", "0.0001"})
-        EXPECT_EQ(Seconds(1000)(wrong), std::string("'") + wrong + "' is no number of seconds from 0.001 to 1000");
+        EXPECT_EQ(Seconds(1000)(wrong),
+                  std::string("'") + wrong + "' is not a number of seconds between 0.001 and 1000");
 }

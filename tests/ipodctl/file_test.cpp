@@ -23,6 +23,20 @@ protected:
 
     std::string m_folder;
 };
+
+template <class Action>
+ExitCode CodeOf(const Action& action)
+{
+    try
+    {
+        action();
+    }
+    catch (const Failure& failure)
+    {
+        return failure.code();
+    }
+    return kDone;
+}
 }  // namespace
 
 TEST_F(Files, GetAnExtensionWhereTheyHaveNone)
@@ -67,5 +81,6 @@ TEST_F(Files, ThatCannotBeUsedSayWhy)
     EXPECT_THROW(ReadFile(m_folder + "/none"), Failure);
     EXPECT_THROW(ReadFile(m_folder), Failure);
     EXPECT_THROW(WriteFile(m_folder, {1}), Failure);
-    EXPECT_THROW(WriteFile("/dev/full", {1}), Failure);
+    EXPECT_EQ(CodeOf([] { WriteFile("/dev/full", {1}); }), kNoOutput);
+    EXPECT_EQ(CodeOf([] { WriteFile("/nonexistent/file", {1}); }), kUsage);
 }

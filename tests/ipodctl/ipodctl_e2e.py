@@ -21,11 +21,13 @@ import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
+from music_folder import write_track  # noqa: E402
 from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
                              line_within, segments, within)
 from schema_check import check  # noqa: E402
 
 DONE, NOTHING_DONE, USAGE, NO_BUS, NO_SERVICE, NO_SEGMENTS, SERVICE_LOST = range(7)
+NO_OUTPUT = 7
 
 
 class OnABus(unittest.TestCase):
@@ -49,7 +51,7 @@ class OnABus(unittest.TestCase):
         if code == DONE:
             self.assertEqual(err, b"")
         else:
-            self.assertRegex(err.decode(), r"^ipodctl: [^\n]+\n$")
+            self.assertRegex(err.decode(), r"^ipodctl: [^\n]+\n(hint: [^\n]+\n)?$")
         return out
 
     def text(self, *words, **options):
@@ -62,19 +64,21 @@ class OnABus(unittest.TestCase):
         self.assertEqual(check(answer, SCHEMA), [])
         return answer
 
-    def refused(self, *words, code, **options):
-        """The message of a failure, which is the same in both forms."""
+    def failure(self, *words, code, **options):
+        """The message of a failure and its hint, which are the same in both forms."""
         self.assertEqual(self.run_ctl(*words, code=code, **options), b"")
-        answer = self.json(*words, code=code, **options)
-        self.assertEqual(answer["error"]["code"], code)
-        return answer["error"]["message"]
+        error = self.json(*words, code=code, **options)["error"]
+        self.assertEqual(error["code"], code)
+        return error["message"], error.get("hint", "")
 
+    def refused(self, *words, code, **options):
+        return self.failure(*words, code=code, **options)[0]
 
     def assert_output_is_told(self, words, redirection, reason, **options):
         done = subprocess.run(f"'{OPTIONS.ipodctl}' {words} {redirection}", env=self.bus.environment, shell=True,
                               stderr=subprocess.PIPE, timeout=LIMIT, check=False, **options)
         self.assertEqual((done.returncode, done.stderr.decode()),
-                         (NOTHING_DONE, f"ipodctl: cannot write to standard output: {reason}\n"))
+                         (NO_OUTPUT, f"ipodctl: cannot write to standard output: {reason}\n"))
 
 
 class WithoutAService(OnABus):
@@ -106,32 +110,63 @@ class WithoutAService(OnABus):
                 self.refused(*words, code=USAGE)
 
     def test_wrong_arguments_are_told_by_what_is_wrong(self):
-        for words, part in ((["--foo"], "unknown option '--foo'; ipodctl --help"),
-                            (["eap", "foo"], "unknown verb 'foo'; ipodctl eap --help"),
-                            (["sim", "foo"], "unknown verb 'foo'; ipodctl sim --help"),
-                            (["sim", "call", "--foo"], "--foo; ipodctl sim call --help"),
-                            (["seek"], "no time is given"),
-                            (["sim", "foo", "--help"], "unknown verb 'foo'; ipodctl sim --help"),
-                            ([], "no verb is given; ipodctl --help"),
-                            (["eap"], "no verb is given; ipodctl eap --help"),
-                            (["hub", "x"], "'x' is no whole number from 0 to 255"),
-                            (["eap", "write", "x"], "'x' is no whole number from 0 to 65535"),
-                            (["sim", "eap-close", "0"], "'0' is no whole number from 1 to 65535"),
-                            (["eap", "bridge", "--socket", ""], "--socket: it is empty"),
-                            (["seek", "--back", "-5"], "'-5' is no time"),
-                            (["seek", "--back=-3"], "'-3' is no time"),
-                            (["seek", "-1:99"], "'-1:99' is no time"),
-                            (["button", "-1"], "'-1' is no whole number"),
-                            (["events", "--timeout", "0"], "'0' is no number of seconds"),
-                            (["sim", "battery", "--charging", "--charged"], "give one of --disabled")):
+        for words, message, hint in (
+                (["--foo"], "unknown option '--foo'", "try 'ipodctl --help'"),
+                (["dance"], "unknown command 'dance'", "try 'ipodctl --help'"),
+                (["staus"], "unknown command 'staus'", "did you mean 'status'?"),
+                (["eap", "foo"], "unknown command 'foo'", "try 'ipodctl eap --help'"),
+                (["sim", "cal"], "unknown command 'cal'", "did you mean 'call'?"),
+                (["sim", "call", "--foo"], "unknown option '--foo'", "try 'ipodctl sim call --help'"),
+                (["sim", "foo", "--help"], "unknown command 'foo'", "try 'ipodctl sim --help'"),
+                ([], "missing command (try 'ipodctl --help')", ""),
+                (["eap"], "missing command (try 'ipodctl eap --help')", ""),
+                (["hub"], "missing argument: mode", "try 'ipodctl hub --help'"),
+                (["ls", "x"], "unexpected argument 'x'", "try 'ipodctl ls --help'"),
+                (["ls", "--count"], "--count: missing value", "try 'ipodctl ls --help'"),
+                (["ls", "--count", "1", "--count", "2"], "--count: can be given only once", "try 'ipodctl ls --help'"),
+                (["ls", "--all", "--from", "1"], "--from cannot be used with --all", "try 'ipodctl ls --help'"),
+                (["ls", "--all=maybe"], "--all: accepts no value", "try 'ipodctl ls --help'"),
+                (["shuffle", "x"], "mode: expected one of off, songs, albums, got 'x'", "try 'ipodctl shuffle --help'"),
+                (["hub", "x"], "mode: 'x' is not an integer between 0 and 255", "try 'ipodctl hub --help'"),
+                (["button", "-1"], "number: '-1' is not an integer between 0 and 4294967295",
+                 "try 'ipodctl button --help'"),
+                (["sim", "eap-close", "0"], "session: '0' is not an integer between 1 and 65535",
+                 "try 'ipodctl sim eap-close --help'"),
+                (["events", "--timeout", "0"], "--timeout: '0' is not a number of seconds between 0.001 and 4000000",
+                 "try 'ipodctl events --help'"),
+                (["eap", "bridge", "--socket", ""], "--socket: must not be empty", "try 'ipodctl eap bridge --help'"),
+                (["seek"], "missing argument: time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek", "-1:99"], "'-1:99' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["sim", "battery", "--charging", "--charged"],
+                 "only one of --disabled, --charging, --charged and --discharging can be given", "")):
             with self.subTest(words):
-                self.assertIn(part, self.refused(*words, code=USAGE))
+                self.assertEqual(self.failure(*words, code=USAGE), (message, hint))
+
+    def test_forms_that_exclude_each_other_are_usage_errors(self):
+        for words, message in ((["art", "-"], "--json cannot be used with '-', which writes the image"),
+                               (["events", "--format", "{{ title }}"], "--json cannot be used with --format"),
+                               (["browse"], "--json cannot be used with browse")):
+            with self.subTest(words):
+                self.assertEqual(self.json(*words, code=USAGE)["error"]["message"], message)
+
+    def test_the_help_fits_into_eighty_columns_and_has_nothing_of_the_parser(self):
+        commands = re.findall(r"^  ([a-z]\S*) ", self.text("--help").split("Commands:")[1].split("Exit codes:")[0], re.M)
+        self.assertGreater(len(commands), 20)
+        subcommands = [[command, sub] for command in ("eap", "sim")
+                       for sub in re.findall(r"^  ([a-z]\S*) ", self.text(command, "--help").split("Commands:")[1].split("Examples:")[0], re.M)]
+        for words in [[], *([command] for command in commands), *subcommands]:
+            with self.subTest(words):
+                text = self.text(*words, "--help")
+                self.assertLessEqual(max(map(len, text.split("Examples:")[0].splitlines())), 80, text)
+                self.assertNotRegex(text, r"INT|FLOAT|REQUIRED|Excludes|SUBCOMMAND|VERB|\{\d\}| \n")
 
     def test_texts_for_the_simulator_are_utf_8(self):
         for words in (["app"], ["attach"], ["detach"], ["button"], ["fault"], ["calls"], ["pairing"],
                       ["call", "--name"], ["carplay", "on", "--serial"], ["wireless", "on", "--address"]):
             with self.subTest(words):
-                self.assertIn("no text in UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
+                self.assertIn("is not valid UTF-8", self.refused("sim", *words, b"\xff", code=USAGE))
 
     def test_an_output_that_takes_nothing_is_told(self):
         for redirection, reason in ((">/dev/full", "No space left on device"), (">&-", "Bad file descriptor")):
@@ -156,13 +191,15 @@ class WithoutAService(OnABus):
 
 
 class OnABusWithTheSimulator(OnABus):
+    music = ()
+
     def setUp(self):
         super().setUp()
         self.start_simulator()
         self.addCleanup(self.stop_simulator)
 
     def start_simulator(self):
-        self.simulator = subprocess.Popen([OPTIONS.simulator], env=self.bus.environment, stdout=subprocess.PIPE,
+        self.simulator = subprocess.Popen([OPTIONS.simulator, *self.music], env=self.bus.environment, stdout=subprocess.PIPE,
                                           text=True)
         self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
 
@@ -170,6 +207,49 @@ class OnABusWithTheSimulator(OnABus):
         self.simulator.kill()
         self.simulator.wait()
         self.simulator.stdout.close()
+
+
+class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        titles = ("Twenty", "22", "Night/Day", "A" * 250)
+        for number, title in enumerate(titles, 1):
+            write_track(f"{folder.name}/{number}.mp3", title, "Nadia Brandt", "AM/FM", "Pop", number, 180)
+        write_track(f"{folder.name}/5.mp3", "Low Water", "Nadia Brandt", "AM", "Pop", 1, 180)
+        self.music = ("--no-cache", folder.name)
+        super().setUp()
+
+    def test_a_path_leads_through_the_longest_names_that_there_are(self):
+        for path, count in (("/Albums/AM/FM", 4), ("/Albums/AM", 1), ("/albums/am/fm/", 4), ("/Albums/AM/../AM/FM", 4)):
+            with self.subTest(path):
+                self.assertEqual(self.json("cd", path)["count"], count)
+        self.run_ctl("cd", "/Albums")
+        self.assertEqual(self.json("cd", "AM/FM")["count"], 4)
+        self.assertEqual(self.failure("cd", "/Albums/AM/Nobody", code=USAGE),
+                         ("no 'Nobody' in the current level", "the current level is '/Albums/AM/' now"))
+
+    def test_a_name_behind_a_dot_and_a_slash_is_no_index(self):
+        self.run_ctl("cd", "/Songs")
+        self.assertEqual(self.json("play", "./22")["track"]["title"], "22")
+        self.assertEqual(self.json("play", "Night/Day")["track"]["title"], "Night/Day")
+        self.assertIn("out of range", self.refused("play", "22", code=USAGE))
+        self.assertEqual(self.failure("play", "./23", code=USAGE),
+                         ("no '23' in the current level", "list it with 'ipodctl ls --all'"))
+
+    def test_a_long_name_pads_no_other_line_in_a_pipe(self):
+        self.run_ctl("cd", "/Songs")
+        lines = self.text("ls", "--pinyin").splitlines()
+        self.assertEqual(len(lines), 5)
+        self.assertLess(sorted(map(len, lines))[-2], 50)
+
+    def test_devices_are_chosen_by_name(self):
+        self.run_ctl("sim", "attach", "Second")
+        self.run_ctl("sim", "attach", "7")
+        self.assertEqual(self.json("devices", "second")["entered"], {"index": 1, "name": "Second"})
+        self.assertEqual(self.json("devices", "./7")["entered"], {"index": 2, "name": "7"})
+        self.assertEqual(self.failure("devices", "Third", code=USAGE),
+                         ("no device 'Third'", "list the devices with 'ipodctl devices'"))
 
 
 class WithTheSimulator(OnABusWithTheSimulator):
@@ -299,6 +379,25 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, DONE)
 
+    def test_answers_of_a_watched_status_are_blocks_with_a_time(self):
+        title = self.play_first_song()["track"]["title"]
+        process = self.follow("status", "--watch")
+        self.await_line(process.stdout, b"Desk iPod")
+        self.tell("battery", "--level", "33")
+        self.await_line(process.stdout, b"battery 33 %", keep=(lines := []))
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertRegex(b"".join(lines).decode(), rf"\n\n\d\d:\d\d:\d\d\.\d{{3}}\n{re.escape(title)}\n")
+
+    def test_a_dumb_terminal_gets_text_only(self):
+        self.play_first_song()
+        for words in (["status"], ["info"], ["events", "--count", "1", "--timeout", str(LIMIT)]):
+            with self.subTest(words):
+                plain = self.on_terminal(*words, size={"LINES": 24, "COLUMNS": 80}, TERM="dumb")
+                self.assertNotIn("\033", plain)
+                self.assertLess(plain.count("\n"), 12, plain)
+        self.assertNotIn("\033", self.on_terminal("status", "--watch", interrupt_at="playing", TERM="dumb"))
+
     def test_a_terminal_gets_its_screen_back_after_watching(self):
         self.play_first_song()
         shown = self.on_terminal("status", "--watch", interrupt_at="playing")
@@ -393,7 +492,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         entries = self.json("ls")["entries"]
         chinese = next(entry for entry in entries if entry["name"] == "周明轩")
         self.assertEqual(chinese["pinyin"].replace(" ", ""), "zhoumingxuan")
-        lines = self.text("ls").splitlines()
+        lines = self.on_terminal("ls", size={"LINES": 24, "COLUMNS": 80}).splitlines()
         columns = {terminal_columns(line[:line.index(entry["pinyin"])])
                    for line, entry in zip(lines, entries) if "pinyin" in entry}
         self.assertEqual(len(columns), 1, lines)
@@ -434,8 +533,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("folder", self.text("cd", "../周明轩"))
         self.refused("cd", "/Artists/Nobody", code=USAGE)
         self.assertEqual(self.json("cd", "."), self.json("cd", "./"))
-        self.assertIn("root already; the way led to '/Artists/../'",
-                      self.refused("cd", "/Artists/../..", code=NOTHING_DONE))
+        self.assertEqual(self.failure("cd", "/Artists/../..", code=NOTHING_DONE),
+                         ("the current level is the root already", "the current level is '/Artists/../' now"))
 
     def test_a_level_that_cannot_be_entered_is_told(self):
         self.assertIn("root already", self.refused("cd", "..", code=NOTHING_DONE))
@@ -488,7 +587,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.text("carlife"), "carlife device not-detected\n")
         self.tell("carplay", "on", "--serial", "F17")
         self.tell("carlife", "unsupported")
-        self.assertEqual(self.text("carplay"), "carplay device detected\n")
+        self.assertEqual(self.text("carplay"), "carplay device detected, serial number F17\n")
         self.assertEqual(self.json("carplay")["serial"], "F17")
         self.assertEqual(self.json("carlife")["status"], "unsupported")
 
@@ -511,7 +610,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.run_ctl("art", "-"), picture)
         self.assertTrue(self.text("art").startswith("artwork.png: image/png, "))
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
-        self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=USAGE))
+        self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=NO_OUTPUT))
 
     def test_a_picture_that_the_shared_memory_has_no_room_for_is_told(self):
         self.tell("eap-open")
@@ -525,9 +624,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_picture_that_is_not_handed_over_whole_is_told(self):
         self.play_first_song()
         self.tell("fault", "half-filled@GetPlayingTrackAlbumArtwork")
-        self.assertIn("the picture has no end after ", self.refused("art", "half.png", code=SERVICE_LOST))
+        self.assertIn("the image has no end after ", self.refused("art", "half.png", code=SERVICE_LOST))
         self.assertEqual(os.listdir(self.folder.name), [])
         self.assertIn("300 x 300, incomplete\n", self.text("info"))
+
+    def test_artwork_of_the_wrong_type_is_a_broken_answer(self):
+        self.play_first_song()
+        self.tell("fault", "wrong-type@GetPlayingTrackAlbumArtwork")
+        self.assertIn("sent a broken answer: its artwork record is empty",
+                      self.refused("art", "cover", code=SERVICE_LOST))
+        self.assertEqual(os.listdir(self.folder.name), [])
 
     def test_a_folder_gets_the_picture_under_a_name_of_its_own(self):
         self.play_first_song()
@@ -611,7 +717,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|low\n")
 
     def test_a_template_that_is_wrong_is_told_with_its_column(self):
-        self.assertIn("column 6: expected a field", self.refused("events", "--format", "a {{ b }}", code=USAGE))
+        process = self.start("events", "--format", "a {{ b }}")
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (USAGE, b""))
+        self.assertIn(b"column 6: expected a field", err)
 
     def test_events_run_a_command_with_what_they_tell(self):
         self.play_first_song()
@@ -712,6 +821,30 @@ class WithTheSimulator(OnABusWithTheSimulator):
         data = bytes(range(256)) * 2000
         self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
 
+    def test_a_bridge_sends_smaller_pieces_where_the_shared_memory_has_little_room(self):
+        self.tell("eap-open")
+        filling = os.path.join(self.folder.name, "filling")
+        with open(filling, "wb") as file:
+            file.write(bytes(self.free_bytes() - 40000))
+        self.tell("eap-data", "1", "--file", filling)
+        self.tell("eap-close", "1")
+        self.assertLess(self.free_bytes(), 3 * 16384)
+        data = bytes(range(256)) * 400
+        self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
+
+    def test_a_second_sender_is_refused_while_a_bridge_is_open(self):
+        first = self.start("eap", "bridge", stdin=subprocess.PIPE)
+        first.stdin.write(b"x")
+        first.stdin.flush()
+        self.assertEqual(os.read(first.stdout.fileno(), 100), b"x")
+        for words in (["eap", "bridge"], ["eap", "echo", "hello"], ["eap", "write", "1"]):
+            with self.subTest(words):
+                self.assertEqual(self.failure(*words, code=NO_SEGMENTS),
+                                 ("cannot send: another ipodctl uses the accessory buffers",
+                                  "wait until its 'eap bridge', 'eap echo' or 'eap write' has ended"))
+        self.assertEqual(first.communicate(b"still here", timeout=LIMIT)[0], b"still here")
+        self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
+
     def test_a_bridge_whose_output_is_full_is_told(self):
         self.assert_output_is_told("eap bridge", ">/dev/full", "No space left on device", input=b"hi")
 
@@ -804,6 +937,27 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def free_bytes(self):
         segments = {segment["name"]: segment for segment in self.json("shm")["segments"]}
         return segments["BufferVectorSharedMemory"]["free"]
+
+    # Calls
+
+    def test_calls_of_a_method_that_the_contract_lacks_are_a_usage_error(self):
+        self.run_ctl("next", code=NOTHING_DONE)
+        self.assertIn("  Next  ", self.text("sim", "calls", "Next"))
+        self.assertEqual(self.failure("sim", "calls", "Nexxt", code=USAGE),
+                         ("unknown method 'Nexxt'", "did you mean 'Next'?"))
+        self.assertEqual(self.failure("sim", "calls", "Nope!", code=USAGE),
+                         ("unknown method 'Nope!'", "ipodctl sim calls lists all calls"))
+
+    # Scenarios
+
+    def test_a_scenario_may_have_eight_mebibytes(self):
+        scenario = os.path.join(self.folder.name, "long.json")
+        with open(scenario, "w", encoding="utf-8") as file:
+            file.write('{"steps": []}' + " " * (7 << 20))
+        self.run_ctl("sim", "scenario", scenario)
+        with open(scenario, "a", encoding="utf-8") as file:
+            file.write(" " * (1 << 20))
+        self.assertIn("longer than 8388608 bytes", self.refused("sim", "scenario", scenario, code=USAGE))
 
     # Shared memory
 
@@ -913,15 +1067,34 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("status")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, DONE)
-        self.assertRegex(err.decode(), r"^ipodctl: the service did not tell the track: [^\n]*broken answer[^\n]*\n$")
+        self.assertRegex(err.decode(), r"^ipodctl: the service did not report the track: [^\n]*broken answer[^\n]*\n$")
         self.assertIn(b"queue 1 of ", out)
         self.assertIn("broken answer", self.refused("info", code=SERVICE_LOST))
         self.tell("fault", "error=com.example.Busy@GetDeviceAmount")
         process = self.start("--json", "status")
         out, err = process.communicate(timeout=LIMIT)
-        self.assertIn(b"tell the track, the devices", err)
+        self.assertIn(b"report the track, the devices", err)
         self.assertEqual(check(json.loads(out), SCHEMA), [])
         self.assertIsNone(json.loads(out)["devices"])
+
+    def test_what_the_service_refuses_is_null_and_has_a_reason(self):
+        self.play_first_song()
+        for method, field, what in (("GetIpodAppBundleName", "app", "the app"),
+                                    ("GetCarplayDeviceDetectStatus", "carplay", "CarPlay"),
+                                    ("GetCarlifeDeviceDetectStatus", "carlife", "CarLife"),
+                                    ("GetIpodName", "device", "the device name"),
+                                    ("GetPlayingListItems", "queue", "the queue"),
+                                    ("GetPlayingTrackAlbumArtwork", "picture", "the artwork")):
+            with self.subTest(method):
+                self.tell("fault", f"error=com.example.Busy@{method}")
+                process = self.start("--json", "status")
+                out, err = process.communicate(timeout=LIMIT)
+                self.tell("clear-faults")
+                self.assertEqual(process.returncode, DONE)
+                self.assertRegex(err.decode(), rf"^ipodctl: the service did not report {what}: .*com\.example\.Busy")
+                status = json.loads(out)
+                self.assertEqual(check(status, SCHEMA), [])
+                self.assertIsNone(status[field])
 
     def test_a_service_that_tells_nothing_is_told(self):
         self.play_first_song()
@@ -1090,7 +1263,7 @@ class Doctor:
         return {finding["check"]: finding for finding in answer["checks"]}
 
     def assert_problem(self, finding, text):
-        self.assertEqual(finding["state"], "problem")
+        self.assertEqual(finding["state"], "error")
         self.assertIn(text, finding["text"])
         self.assertIn("/dev/shm/", finding["advice"])
 
@@ -1098,25 +1271,25 @@ class Doctor:
 class DoctorWithoutAService(Doctor, OnABus):
     def test_no_bus_is_a_problem(self):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
-        self.assertEqual(self.examine(NO_BUS)["bus"]["state"], "problem")
+        self.assertEqual(self.examine(NO_BUS)["bus"]["state"], "error")
 
     def test_no_service_is_a_problem_and_nothing_is_created(self):
         findings = self.examine(NO_SERVICE)
-        self.assertEqual(findings["service"]["state"], "problem")
+        self.assertEqual(findings["service"]["state"], "error")
         self.assertEqual(findings["lists"]["state"], "warning")
         self.assertEqual(segments(), [])
 
 
 class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
     def test_all_is_well(self):
-        self.assertEqual({finding["state"] for finding in self.examine(DONE).values()}, {"well"})
-        self.assertIn("build: contract ", self.text("doctor"))
+        self.assertEqual({finding["state"] for finding in self.examine(DONE).values()}, {"ok"})
+        self.assertRegex(self.text("doctor"), r"(?m)^bus      ok  connected to the session bus$(?s:.*)^build        contract ")
 
     def test_a_service_that_hangs_is_a_problem(self):
         self.simulator.send_signal(signal.SIGSTOP)
         self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
         service = self.examine(SERVICE_LOST, "--deadline", "0.3")["service"]
-        self.assertEqual(service["state"], "problem")
+        self.assertEqual(service["state"], "error")
         self.assertIn("did not answer in time", service["text"])
 
     def test_a_service_that_refuses_is_a_warning(self):

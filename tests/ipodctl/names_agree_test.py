@@ -5,6 +5,7 @@ Usage: names_agree_test.py "PROGRAM [ARGUMENT...]" GUIDE PAGE BASH ZSH FISH
 """
 import re
 import shlex
+import shutil
 import subprocess
 import sys
 import unittest
@@ -19,13 +20,13 @@ def help_of(*verbs):
 
 
 def verbs_of(*verbs):
-    listed = re.search(r"^Subcommands:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
+    listed = re.search(r"^Commands:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
     return re.findall(r"^  (\S+)", listed.group(1), re.MULTILINE) if listed else []
 
 
 def options_of(*verbs):
     listed = re.search(r"^Options:\n((?:  .*\n)+)", help_of(*verbs), re.MULTILINE)
-    entries = re.findall(r"^  (-\S+)", listed.group(1), re.MULTILINE) if listed else []
+    entries = re.findall(r"^  (-.*?)(?:  |$)", listed.group(1), re.MULTILINE) if listed else []
     options = {option for entry in entries for option in re.findall(r"--([\w-]+)", entry)}
     return options.union(*(options_of(*verbs, verb) for verb in verbs_of(*verbs)))
 
@@ -76,6 +77,22 @@ class Names(unittest.TestCase):
         for path in (BASH, ZSH, FISH, PAGE):
             for verb in verbs_of("eap"):
                 self.assertRegex(text_of(path), rf"\b{verb}\b", path)
+
+    def test_the_completions_offer_the_same_faults(self):
+        kinds = re.search(r"fault\)\s*arguments='([^']*)'", text_of(BASH)).group(1).split()
+        self.assertGreater(len(kinds), 10)
+        for path in (ZSH, FISH):
+            self.assertIn(" ".join(kinds), " ".join(text_of(path).split()), path)
+
+    @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+    def test_fish_completes_behind_an_option_with_a_value(self):
+        for line, offered in (("ipodctl sta", "status"), ("ipodctl --deadline 3 sta", "status"),
+                              ("ipodctl --json --deadline 3 eap ec", "echo"),
+                              ("ipodctl sim fault rest", "restart-storm")):
+            with self.subTest(line):
+                words = subprocess.run(["fish", "--no-config", "-c", f"source {FISH}; complete -C '{line}'"], check=True,
+                                       capture_output=True, text=True, timeout=60).stdout
+                self.assertIn(offered, [word.split("\t")[0] for word in words.splitlines()])
 
     def test_exit_codes_are_the_same(self):
         listed = re.search(r"Exit codes:\n((?:  .*\n)+)", help_of()).group(1)

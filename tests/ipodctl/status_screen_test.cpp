@@ -91,7 +91,7 @@ bool Has(const Lines& lines, const std::string& text)
 
 TEST(StatusScreen, FitsIntoTerminalsOfAllSizes)
 {
-    for (unsigned short columns = 16; columns < 130; columns = static_cast<unsigned short>(columns + 7))
+    for (unsigned short columns = 2; columns < 130; columns = static_cast<unsigned short>(columns + 7))
         for (unsigned short rows = 2; rows < 30; ++rows)
         {
             const Lines lines = Shown(Playing(), columns, rows);
@@ -116,6 +116,41 @@ TEST(StatusScreen, ShowsQueueDeviceBatteryAndCallWhereThereIsRoom)
     EXPECT_TRUE(Has(lines, "  3  three"));
 }
 
+TEST(StatusScreen, ShowsTheTimesAloneWhereABarHasNoRoom)
+{
+    EXPECT_EQ(Shown(Playing(), 12, 4), (Lines{"A title tha…", "1:01 / 4:29", "playing"}))
+        << Joined(Shown(Playing(), 12, 4));
+}
+
+TEST(StatusScreen, ShowsCallsWithoutAnIdentifierOrAName)
+{
+    Status status = Playing();
+    auto state = std::make_shared<ipodkit::PlayerState>(*status.state);
+    state->calls.clear();
+    iPodPhoneCall_t call;
+    call.RemoteID = "123";
+    call.Status = PHONE_CALL_RINGING;
+    state->calls[""] = call;
+    call.CallUUID = "";
+    call.DisplayName = "";
+    call.RemoteID = "";
+    state->calls["x"] = call;
+    status.state = state;
+    EXPECT_TRUE(Has(Shown(status, 100, 24), "battery 80 %   call 123 ringing   call unknown ringing"));
+    EXPECT_EQ(StatusJson(status)["calls"].dump(), R"([{"status":"ringing","remote":"123"},)"
+                                                  R"({"status":"ringing","name":"","remote":""}])");
+}
+
+TEST(StatusScreen, TellsARefusedQueueFromAnEmptyOneInJson)
+{
+    Status status = Playing();
+    EXPECT_EQ(StatusJson(status)["queue"].size(), 5U);
+    status.near.clear();
+    EXPECT_TRUE(StatusJson(status)["queue"].is_array());
+    status.nearRefusal = "the service refused";
+    EXPECT_TRUE(StatusJson(status)["queue"].is_null());
+}
+
 TEST(StatusScreen, SaysWhatIsUnknown)
 {
     Status status;
@@ -125,14 +160,13 @@ TEST(StatusScreen, SaysWhatIsUnknown)
 }
 
 // The head of a picture that is cut off.
-const std::vector<unsigned char> kPng = {0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
-                                         0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
+const std::vector<unsigned char> kPng{0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
+                                      0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
 
 TEST(Draw, GivesNothingForWhatIsNoPicture)
 {
-    EXPECT_TRUE(Draw({}, 20, 10, Palette::None, false).lines.empty());
-    EXPECT_TRUE(Draw(kPng, 20, 10, Palette::None, false).lines.empty());
-    EXPECT_TRUE(Draw({0xFF, 0xD8, 0xFF, 0xE0, 0, 0}, 20, 10, Palette::TrueColour, false).lines.empty());
+    for (const auto& bytes : {std::vector<unsigned char>(), kPng, {0xFF, 0xD8, 0xFF, 0xE0, 0, 0}})
+        EXPECT_TRUE(Draw(ipodkit::Examine(bytes), 20, 10, Palette::None, false).lines.empty());
 }
 }  // namespace
 }  // namespace ctl

@@ -7,6 +7,7 @@
 #include "output/text.h"
 
 using ctl::Table;
+using ctl::Unaligned;
 
 TEST(Table, AlignsWideNamesByTheirColumns)
 {
@@ -26,6 +27,12 @@ TEST(Table, CutsTheWidestColumnToFitATerminal)
 TEST(Table, LeavesSomethingOnATerminalThatIsTooNarrow)
 {
     EXPECT_EQ(Table({{"0", "abcdefghijkl"}}, 5), "0  abcdefg…");
+}
+
+TEST(Unaligned, PadsNoLineToTheLengthOfAnother)
+{
+    EXPECT_EQ(Unaligned({{"0", std::string(255, 'a'), "x"}, {"1", "Bo", ""}, {"2", "Bo", "y"}}),
+              "0  " + std::string(255, 'a') + "  x\n1  Bo\n2  Bo  y");
 }
 
 TEST(Table, OfNothingIsEmpty)

@@ -1,0 +1,148 @@
+#include "verbs/usage.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "output/text.h"
+
+namespace ctl
+{
+namespace
+{
+using Options = std::vector<const CLI::Option*>;
+
+// With the verbs that the command line named.
+std::string CommandOf(const CLI::App& app)
+{
+    const auto chosen = app.get_subcommands();
+    return app.get_name() + (chosen.empty() ? "" : " " + CommandOf(*chosen.front()));
+}
+
+const CLI::App& Chosen(const CLI::App& app)
+{
+    const auto chosen = app.get_subcommands();
+    return chosen.empty() ? app : Chosen(*chosen.front());
+}
+
+std::vector<std::string> CommandNames(const CLI::App& app)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return names;
+}
+
+// Of the command that was chosen and of all above it.
+Options OptionsOf(const CLI::App& app)
+{
+    Options options;
+    for (const CLI::App* at = &Chosen(app); at != nullptr; at = at->get_parent())
+        for (const CLI::Option* option : at->get_options()) options.push_back(option);
+    return options;
+}
+
+// Insertions, deletions and replacements from one word to another.
+std::size_t Distance(const std::string& from, const std::string& to)
+{
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i)
+    {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j)
+        {
+            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+// Nothing where even the most similar one differs in more than every third character.
+std::string MostSimilar(const std::string& word, const std::vector<std::string>& words)
+{
+    const auto distance = [folded = Folded(word)](const std::string& other) { return Distance(folded, Folded(other)); };
+    const auto found =
+        std::min_element(words.begin(), words.end(),
+                         [&](const std::string& one, const std::string& two) { return distance(one) < distance(two); });
+    const std::size_t most = std::max<std::size_t>(2, word.size() / 3);
+    return found == words.end() || distance(*found) > most || distance(*found) >= word.size() ? "" : *found;
+}
+
+std::string Exclusion(const CLI::App& app)
+{
+    for (const CLI::Option* option : OptionsOf(app))
+        for (const CLI::Option* other : option->get_excludes())
+            if (option->count() > 0 && other->count() > 0)
+                return option->get_name() + " cannot be used with " + other->get_name();
+    return "these options cannot be used together";
+}
+
+std::string Unconverted(const CLI::App& app)
+{
+    for (const CLI::Option* option : OptionsOf(app))
+        if (option->get_expected_max() == 0 && option->count() > 0 && option->results().front() != "true")
+            return option->get_name() + ": accepts no value";
+    return "invalid argument";
+}
+
+// Of an option whose value is missing, the parser gives the name only in its message, in front of a colon.
+std::string Mismatch(const CLI::App& app, const std::string& message)
+{
+    for (const CLI::Option* option : OptionsOf(app))
+        if (static_cast<int>(option->count()) > std::max(1, option->get_expected_max()))
+            return option->get_name() + ": can be given only once";
+    return message.substr(0, message.find(':')) + ": missing value";
+}
+
+std::string MissingArgument(const CLI::App& app)
+{
+    for (const CLI::Option* option : OptionsOf(app))
+        if (option->get_required() && option->count() == 0) return "missing argument: " + option->get_name();
+    return "missing argument";
+}
+
+std::string Unexpected(const std::string& word)
+{
+    const bool option = word.size() > 1 && word.front() == '-';
+    return (option ? "unknown option '" : "unexpected argument '") + Printable(word) + "'";
+}
+
+std::string Complaint(const CLI::App& app, const CLI::ParseError& error)
+{
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) return error.what();
+    if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) return Exclusion(app);
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) return Mismatch(app, error.what());
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) return Unconverted(app);
+    return unknown.empty() ? MissingArgument(app) : Unexpected(unknown.front());
+}
+}  // namespace
+
+bool AsksForHelp(const CLI::App& app, const CLI::ParseError& error)
+{
+    const bool unknownCommand = !CommandNames(Chosen(app)).empty() && !app.remaining(true).empty();
+    return error.get_exit_code() == 0 && !unknownCommand;
+}
+
+Failure UnknownWord(const char* what, const std::string& word, const std::vector<std::string>& words,
+                    const std::string& otherwise)
+{
+    const std::string similar = MostSimilar(word, words);
+    return {kUsage, std::string("unknown ") + what + " '" + Printable(word) + "'",
+            similar.empty() ? otherwise : "did you mean '" + similar + "'?"};
+}
+
+Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error)
+{
+    const std::vector<std::string> unknown = app.remaining(true);
+    const std::vector<std::string> commands = CommandNames(Chosen(app));
+    const std::string help = "try '" + CommandOf(app) + " --help'";
+    const bool isWord = !unknown.empty() && (unknown.front().empty() || unknown.front().front() != '-');
+    if (isWord && !commands.empty()) return UnknownWord("command", unknown.front(), commands, help);
+    const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+    if (missing && unknown.empty() && !commands.empty()) return {kUsage, "missing command (" + help + ")"};
+    return {kUsage, Complaint(app, error), help};
+}
+}  // namespace ctl
