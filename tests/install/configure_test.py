@@ -13,6 +13,8 @@ import tempfile
 import unittest
 
 SOURCE, CMAKE = pathlib.Path(sys.argv[1]), sys.argv[2]
+NEWER_THAN_3_16 = r"PROJECT_IS_TOP_LEVEL|COMMAND_ERROR_IS_FATAL|NO_CACHE|\bcmake_path\(|\bcheck_compiler_flag\(|" \
+                  r"\bcmake_language\(|\bfile\(\s*(?:CONFIGURE|CHMOD|REAL_PATH)|\$<CONFIG:[^>]*,|\bblock\("
 CORE_ALONE = ["-DIPOD_BUILD_TESTS=OFF", "-DIPOD_BUILD_TOOLS=OFF", "-DIPOD_BUILD_KIT=OFF"]
 
 
@@ -73,6 +75,14 @@ class Options(unittest.TestCase):
         self.assertTrue(any("libipod.pc" in script.read_text() for script in scripts))
         for word in ("lintian", "changelog", "copyright"):
             self.assertEqual([script for script in scripts if word in script.read_text()], [], word)
+
+    def test_the_library_alone_uses_nothing_newer_than_cmake_3_16(self):
+        folders = (".", "cmake", "ipc", "libipod", "middleware", "packaging", "proto")
+        files = [path for folder in folders for pattern in ("CMakeLists.txt", "*.cmake", "*.cmake.in")
+                 for path in (SOURCE / folder).glob(pattern) if path.name != "toolchain-armhf.cmake"]
+        self.assertIn(SOURCE / "libipod/CMakeLists.txt", files)
+        for path in files:
+            self.assertEqual(re.findall(NEWER_THAN_3_16, path.read_text()), [], path)
 
     def test_only_the_fast_build_lowers_the_optimisation(self):
         for fast, lowered in (("OFF", False), ("ON", True)):
