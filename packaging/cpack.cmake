@@ -82,7 +82,7 @@ macro(library_package component package target dependency)
   set(CPACK_DEBIAN_${upper}_PACKAGE_CONTROL_EXTRA "${control}/shlibs" "${control}/triggers")
 endmacro()
 
-# A package of a head unit's own middleware provides this name and conflicts with it; so does the stand-in.
+# The name that a package of a head unit's own middleware provides.
 set(middleware libqbxmiddleware1)
 set(middleware_or_standin "libqbxmiddleware-standin1 (>= ${PROJECT_VERSION}) | ${middleware}")
 # Up to this version, libipod1 was all three libraries.
