@@ -84,6 +84,12 @@ class Options(unittest.TestCase):
         for path in files:
             self.assertEqual(re.findall(NEWER_THAN_3_16, path.read_text()), [], path)
 
+    def test_programs_find_their_libraries_by_position_even_if_meant_for_usr(self):
+        build = self.configure("-DIPOD_BUILD_TESTS=OFF", "-DIPOD_BUILD_PYTHON=OFF", "-DCMAKE_INSTALL_PREFIX=/usr")
+        for program in ("ipodctl", "simulator"):
+            self.assertRegex((build.directory / program / "cmake_install.cmake").read_text(),
+                             r'RPATH "\\\$ORIGIN:\\\$ORIGIN/\.\./lib[^"]*"')
+
     def test_only_the_fast_build_lowers_the_optimisation(self):
         for fast, lowered in (("OFF", False), ("ON", True)):
             with self.subTest(IPOD_FAST_BUILD=fast):
