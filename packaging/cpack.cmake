@@ -68,12 +68,18 @@ foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
   endif()
 endforeach()
 
+# CPack knows no field for it before 3.31: it comes as a second line of another one. Only the prefix /usr has directories
+# by architecture.
+set(multi_arch "")
+if(CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR MATCHES "/${CMAKE_LIBRARY_ARCHITECTURE}$")
+  set(multi_arch "\nMulti-Arch: same")
+endif()
+
 # PACKAGE holds the library of TARGET and nothing else. A program that is linked with it depends on DEPENDENCY.
 macro(library_package component package target dependency)
   string(TOUPPER "${component}" upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package})
-  # CPack knows no field for it before 3.31: it comes as a second line of this one.
-  set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION "libs\nMulti-Arch: same")
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION "libs${multi_arch}")
   set(CPACK_DEBIAN_${upper}_PACKAGE_SHLIBDEPS ON)
   set(control "${CMAKE_BINARY_DIR}/packaging/${package}")
   get_target_property(version ${target} SOVERSION)
