@@ -6,7 +6,7 @@ check_pie_supported(LANGUAGES C CXX)
 add_compile_options(-fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security)
 add_compile_definitions($<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS>)
 # Only an optimising compiler can do this one; Debian's own may have it switched on already.
-add_compile_options("$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+add_compile_options("$<$<IN_LIST:$<CONFIG>,Release;RelWithDebInfo;MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 
 add_link_options("LINKER:-z,relro" "LINKER:-z,now" "LINKER:-z,noexecstack")
 # Sanitizers leave symbols of theirs to the program.

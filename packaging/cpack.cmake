@@ -9,8 +9,9 @@ if(CMAKE_CROSSCOMPILING)
   endif()
   set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
   set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_BINARY_DIR}/packaging/cpack-project.cmake")
-  file(CONFIGURE OUTPUT "${CPACK_PROJECT_CONFIG_FILE}" @ONLY CONTENT
-    [[set(SHLIBDEPS_EXECUTABLE "@CMAKE_CURRENT_LIST_DIR@/shlibdeps-in-sysroot" "@CMAKE_SYSROOT@" armhf)]])
+  file(WRITE "${CPACK_PROJECT_CONFIG_FILE}"
+    "set(SHLIBDEPS_EXECUTABLE \"${CMAKE_CURRENT_LIST_DIR}/shlibdeps-in-sysroot\" \"${CMAKE_SYSROOT}\" armhf)\n"
+    "set(CPACK_OBJCOPY_EXECUTABLE \"${CMAKE_OBJCOPY}\")\n")
 endif()
 
 set(CPACK_GENERATOR DEB)
@@ -21,44 +22,109 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGE_CONTACT "The libipod authors <libipod@example.org>")
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 2)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# Strips what is packaged and puts the debug information into NAME-dbgsym packages.
+set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
+# Between these packages: exactly this version.
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+
 set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+if(TARGET ipodkit)
+  list(APPEND CPACK_COMPONENTS_ALL kit)
+  list(APPEND CPACK_COMPONENT_DEVELOPMENT_DEPENDS kit)
+  set(CPACK_COMPONENT_KIT_DEPENDS runtime)
+endif()
+if(IPOD_MIDDLEWARE STREQUAL "host")
+  list(APPEND CPACK_COMPONENTS_ALL standin)
+  list(APPEND CPACK_COMPONENT_DEVELOPMENT_DEPENDS standin)
+endif()
+if(TARGET ipodctl OR TARGET ipod-simulator)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+  set(CPACK_COMPONENT_TOOLS_DEPENDS runtime kit)
+endif()
+if(TARGET ipodkit_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_COMPONENT_PYTHON_DEPENDS kit)
+endif()
 # The same for every architecture: made once.
 if(NOT CMAKE_CROSSCOMPILING)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
 endif()
-if(TARGET ipodctl OR TARGET ipod-simulator)
-  list(APPEND CPACK_COMPONENTS_ALL tools)
-endif()
-if(TARGET ipodkit_python)
-  list(APPEND CPACK_COMPONENTS_ALL python)
-endif()
-set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
-set(CPACK_COMPONENT_PYTHON_DEPENDS runtime)
-set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
 
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
-set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# Where libraries are that belong to no package: our own, and those that were found outside of the system's directories.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware"
   "${CMAKE_BINARY_DIR}/ipodkit")
+foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
+  if(library)
+    get_filename_component(directory "${library}" DIRECTORY)
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${directory}")
+  endif()
+endforeach()
 
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libipod1)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-file(WRITE "${CMAKE_BINARY_DIR}/packaging/triggers" "activate-noawait ldconfig\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/packaging/triggers")
+# CPack knows no field for it before 3.31: it comes as a second line of another one. Only the prefix /usr has directories
+# by architecture.
+set(multi_arch "")
+if(CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR MATCHES "/${CMAKE_LIBRARY_ARCHITECTURE}$")
+  set(multi_arch "\nMulti-Arch: same")
+endif()
+
+# PACKAGE holds the library of TARGET and nothing else. A program that is linked with it depends on DEPENDENCY.
+macro(library_package component package target dependency)
+  string(TOUPPER "${component}" upper)
+  set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package})
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION "libs${multi_arch}")
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SHLIBDEPS ON)
+  set(control "${CMAKE_BINARY_DIR}/packaging/${package}")
+  get_target_property(version ${target} SOVERSION)
+  file(WRITE "${control}/shlibs" "lib${target} ${version} ${dependency}\n")
+  file(WRITE "${control}/triggers" "activate-noawait ldconfig\n")
+  set(CPACK_DEBIAN_${upper}_PACKAGE_CONTROL_EXTRA "${control}/shlibs" "${control}/triggers")
+endmacro()
+
+# The name that a package of a head unit's own middleware provides.
+set(middleware libqbxmiddleware1)
+set(middleware_or_standin "libqbxmiddleware-standin1 (>= ${PROJECT_VERSION}) | ${middleware}")
+# Up to this version, libipod1 was all three libraries.
+set(undivided "libipod1 (<< 1.0.0-2)")
+
+library_package(runtime libipod1 ipod "libipod1 (>= ${PROJECT_VERSION})")
+if(IPOD_MIDDLEWARE STREQUAL "host")
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "${middleware_or_standin}")
+endif()
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "client library of the iPod service
-Applications of a head unit control an attached Apple device through this
-library and learn of its state. It talks to the iPod service over the session
-bus and through shared memory.")
+Applications of a head unit control an attached Apple device and follow its
+state through this library. It talks to the iPod service over the session bus
+and through shared memory.")
+
+if(TARGET ipodkit)
+  library_package(kit libipodkit1 ipodkit "libipodkit1 (>= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_KIT_PACKAGE_BREAKS "${undivided}")
+  set(CPACK_DEBIAN_KIT_PACKAGE_REPLACES "${undivided}")
+  set(CPACK_DEBIAN_KIT_DESCRIPTION "companion of the iPod client library
+Asynchronous commands with results, the state of the player as one value, and
+pages of names on top of libipod, for C++ programs.")
+endif()
+
+if(IPOD_MIDDLEWARE STREQUAL "host")
+  library_package(standin libqbxmiddleware-standin1 qbxmiddleware "${middleware_or_standin}")
+  set(CPACK_DEBIAN_STANDIN_PACKAGE_PROVIDES ${middleware})
+  set(CPACK_DEBIAN_STANDIN_PACKAGE_CONFLICTS ${middleware})
+  set(CPACK_DEBIAN_STANDIN_PACKAGE_BREAKS "${undivided}")
+  set(CPACK_DEBIAN_STANDIN_PACKAGE_REPLACES "${undivided}")
+  set(CPACK_DEBIAN_STANDIN_DESCRIPTION "stand-in for the middleware of a head unit, for development only
+Locks, logging, and an audio-source manager that grants every request, so that
+programs that use libipod run on a desk.
+.
+Do not install it on a head unit: it takes the place of the head unit's own
+libqbxmiddleware, and no audio source is arbitrated any more.")
+endif()
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -89,7 +155,7 @@ Session, state and commands of the companion library ipodkit, for programs that
 run the main loop of GLib through python3-gi.")
 
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libipod-doc)
-set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION "doc\nMulti-Arch: foreign")
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DOCUMENTATION_DESCRIPTION "client library of the iPod service (documentation)
 Reference of the headers and of the bus interface, and guides for those who

@@ -1,6 +1,21 @@
 /// @file
-/// Stand-in for the log sink where the system has no zlog: the part of its interface that log sites use.
-#pragma once
+/// Stand-in for the log sink where the system has no zlog: the part of its interface that log sites use. If a later
+/// directory of the search path has a zlog.h, that one is used. Copies of this file may follow each other in the path:
+/// only the last declares, hence no guard around the whole.
+#if defined(__GNUC__)
+// Outside of system headers, #include_next is worth a warning.
+#pragma GCC system_header
+#endif
+
+#if defined(__has_include_next)
+#if __has_include_next(<zlog.h>)
+#include_next <zlog.h>
+#define IPOD_ZLOG_IS_NOT_HERE
+#endif
+#endif
+
+#if !defined(IPOD_ZLOG_IS_NOT_HERE) && !defined(IPOD_ZLOG_STANDIN)
+#define IPOD_ZLOG_STANDIN
 
 #include <stddef.h>
 
@@ -17,4 +32,6 @@ extern "C"
 
 #ifdef __cplusplus
 }
+#endif
+
 #endif

@@ -17,6 +17,8 @@ import tempfile
 import unittest
 
 LATER = "1.99.0"
+# The last version in which libipod1 was all three libraries.
+UNDIVIDED = "1.0.0-1"
 
 
 class Failed(Exception):
@@ -55,8 +57,33 @@ def make_later(package, target):
     rename_library(tree, version)
     for program in tree.rglob("usr/bin/ipod-make-samples"):
         program.rename(program.with_name("ipod-new-tool"))
-    run("dpkg-deb", "--root-owner-group", "-Znone", "--build", tree, target / package.name)
+    build(tree, target / package.name)
     shutil.rmtree(tree)
+
+
+def build(tree, package):
+    run("dpkg-deb", "--root-owner-group", "-Znone", "--build", tree, package)
+    return package
+
+
+def make_undivided(packages, target):
+    """libipod1 as it was when it held all three libraries."""
+    tree = target / "tree"
+    for package in packages:
+        run("dpkg-deb", "--extract", package, tree)
+    (tree / "DEBIAN").mkdir()
+    (tree / "DEBIAN/control").write_text(f"Package: libipod1\nVersion: {UNDIVIDED}\nMaintainer: none\n"
+                                         f"Architecture: {field(packages[0], 'Architecture')}\nDescription: earlier\n")
+    return build(tree, target / "libipod1.deb")
+
+
+def make_middleware(target):
+    """What a head unit might have in the place of the stand-in."""
+    tree = target / "middleware"
+    (tree / "DEBIAN").mkdir(parents=True)
+    (tree / "DEBIAN/control").write_text("Package: head-unit-middleware\nVersion: 5\nMaintainer: none\n"
+                                         "Architecture: all\nProvides: libqbxmiddleware1\nDescription: middleware\n")
+    return build(tree, target / "middleware.deb")
 
 
 def files_of(packages):
@@ -148,6 +175,25 @@ class Packages(unittest.TestCase):
         self.install(self.now)
         self.assert_holds_exactly(self.now)
 
+    def libraries(self):
+        return [package for package in self.now if re.match("lib(ipod|ipodkit|qbxmiddleware-standin)1_", package.name)]
+
+    def test_three_libraries_come_in_the_place_of_one_package(self):
+        self.install([make_undivided(self.libraries(), self.path.parent)])
+        # In the less lucky order, in which files of the earlier package are replaced, and with the option of apt.
+        self.root.dpkg("--auto-deconfigure", "--install", *reversed(self.libraries()))
+        self.assert_holds_exactly(self.libraries())
+
+    def test_a_head_unit_keeps_its_own_middleware(self):
+        middleware = make_middleware(pathlib.Path(self.scratch.name))
+        core = [package for package in self.libraries() if package.name.startswith("libipod1_")]
+        self.install([middleware])
+        self.install(core)
+        self.assertEqual(self.root.dpkg("--audit"), "")
+        with self.assertRaises(Failed) as refused:
+            self.install([package for package in self.libraries() if "standin" in package.name])
+        self.assertIn("conflicting packages", str(refused.exception))
+
     def test_the_same_version_again_changes_nothing(self):
         self.install(self.now)
         self.install(self.now)
@@ -189,4 +235,4 @@ if __name__ == "__main__":
         print(f"skipped: no dpkg-deb, or no packages in {PACKAGES}")
         sys.exit(77)
     become_root()
-    unittest.main(argv=sys.argv[:1], verbosity=2)
+    unittest.main(argv=sys.argv[:1] + sys.argv[2:], verbosity=2)

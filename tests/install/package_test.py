@@ -1,0 +1,72 @@
+#!/usr/bin/env python3
+"""What the control files of the Debian packages promise. Nothing is installed.
+
+Usage: package_test.py PACKAGES
+"""
+
+import pathlib
+import re
+import shutil
+import sys
+import unittest
+
+from upgrade_test import field, run
+
+STANDIN = "libqbxmiddleware-standin1"
+LIBRARIES = {"libipod1": "libipod", "libipodkit1": "libipodkit", STANDIN: "libqbxmiddleware"}
+
+
+def package(name):
+    return next(pathlib.Path(PACKAGES).glob(f"{name}_*.deb"))
+
+
+def shared_libraries(name):
+    """The libraries in a package, without their versions."""
+    return set(re.findall(r"/(lib\w+)\.so\.", run("dpkg-deb", "--contents", package(name))))
+
+
+class Packages(unittest.TestCase):
+    def test_each_library_has_a_package_of_its_own(self):
+        for name, library in LIBRARIES.items():
+            with self.subTest(name):
+                self.assertEqual(shared_libraries(name), {library})
+
+    def test_programs_stay_installable_when_a_library_gets_a_fix(self):
+        for name, library in LIBRARIES.items():
+            with self.subTest(name):
+                self.assertRegex(run("dpkg-deb", "--info", package(name), "shlibs"),
+                                 rf"^{library} 1 {name} \(>= [\d.]+\)( \| libqbxmiddleware1)?\n$")
+
+    def test_the_core_needs_no_libraries_but_its_own(self):
+        needed = {re.split(r"[ (]", word.strip())[0] for word in field(package("libipod1"), "Depends").split(",")}
+        allowed = {"libboost-filesystem", "libboost-system", "libc", "libgcc-s", "libglib", "libprotobuf-lite",
+                   "libqbxmiddleware-standin", "libstdc++"}
+        self.assertEqual({re.sub(r"[\d.]+.*", "", name) for name in needed} - allowed, set())
+
+    def test_the_stand_in_gives_way_to_the_middleware_of_a_head_unit(self):
+        self.assertIn(f"{STANDIN} (>= ", field(package("libipod1"), "Depends"))
+        self.assertIn(") | libqbxmiddleware1", field(package("libipod1"), "Depends"))
+        self.assertEqual(field(package(STANDIN), "Provides"), "libqbxmiddleware1")
+        self.assertEqual(field(package(STANDIN), "Conflicts"), "libqbxmiddleware1")
+        self.assertIn("Do not install it on a head unit", field(package(STANDIN), "Description"))
+
+    def test_libraries_are_multi_arch_where_their_directory_is_that_of_an_architecture(self):
+        for name in LIBRARIES:
+            with self.subTest(name):
+                directories = set(re.findall(r" \./(\S*/)lib\w+\.so", run("dpkg-deb", "--contents", package(name))))
+                of_one = {bool(re.fullmatch(r"usr/lib/\w+-linux-\w+/", path)) for path in directories}
+                self.assertEqual(of_one, {field(package(name), "Multi-Arch") == "same"})
+
+    def test_debug_information_is_packaged_for_itself(self):
+        for name in (*LIBRARIES, "ipod-tools"):
+            with self.subTest(name):
+                symbols = next(pathlib.Path(PACKAGES).glob(f"{name}-dbgsym_*.ddeb"))
+                self.assertIn("/usr/lib/debug/.build-id/", run("dpkg-deb", "--contents", symbols))
+
+
+if __name__ == "__main__":
+    PACKAGES = sys.argv[1]
+    if not shutil.which("dpkg-deb") or not list(pathlib.Path(PACKAGES).glob("*.deb")):
+        print(f"skipped: no dpkg-deb, or no packages in {PACKAGES}")
+        sys.exit(77)
+    unittest.main(argv=sys.argv[:1], verbosity=2)
