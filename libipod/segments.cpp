@@ -6,8 +6,10 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <thread>
 
@@ -25,6 +27,7 @@ constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
 constexpr std::uint64_t kSpaceToCreate = 16384;
 constexpr std::uint32_t kInitializing = 1;
 constexpr auto kPollInterval = std::chrono::milliseconds(1);
+constexpr char kOtherLayout[] = "its layout is not the one of this build";
 
 [[noreturn]] void Refuse(const char* name, const char* why)
 {
@@ -53,6 +56,15 @@ public:
     {
         std::uint32_t state = 0;
         return pread(m_fd, &state, sizeof(state), 0) != ssize_t{sizeof(state)} || state <= kInitializing;
+    }
+
+    // Read instead of mapped, so that pages which nobody has touched stay unused.
+    std::string Contents(std::size_t count) const
+    {
+        std::string bytes(count, '\0');
+        const ssize_t read = pread(m_fd, bytes.data(), count, 0);
+        bytes.resize(read < 0 ? 0 : static_cast<std::size_t>(read));
+        return bytes;
     }
 
 private:
@@ -97,8 +109,7 @@ void CheckLayout(const QBXSharedSegment& segment, const char* name)
 {
     const SharedObject object(name);
     const std::size_t size = segment.get_size();
-    if (size < sizeof(QBXSegmentManager) || size > static_cast<std::size_t>(object.size()))
-        Refuse(name, "its layout is not the one of this build");
+    if (size < sizeof(QBXSegmentManager) || size > static_cast<std::size_t>(object.size())) Refuse(name, kOtherLayout);
 }
 }  // namespace
 
@@ -111,6 +122,20 @@ QBXSharedSegment AttachSegment(const char* name, std::size_t size)
     QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);
     CheckLayout(segment, name);
     return segment;
+}
+
+void CheckNames(QBXSharedSegment& segment, const char* name, const std::vector<const char*>& vectors)
+{
+    auto check = [&]
+    {
+        const auto isFound = [&](const char* vector) { return segment.find<char>(vector).first != nullptr; };
+        if (segment.get_num_named_objects() == 0 || std::any_of(vectors.begin(), vectors.end(), isFound)) return;
+        const std::string contents = SharedObject(name).Contents(segment.get_size());
+        const auto isWritten = [&](const char* vector)
+        { return contents.find(vector, 0, std::strlen(vector) + 1) != std::string::npos; };
+        if (std::any_of(vectors.begin(), vectors.end(), isWritten)) Refuse(name, kOtherLayout);
+    };
+    UnderSegmentLock([&] { segment.atomic_func(check); });
 }
 
 Mapping MappingOf(const QBXSharedSegment& segment)
