@@ -54,6 +54,15 @@ Vector* FindOrConstruct(QBXSegmentManager& manager, const char* name)
 }
 
 template <class Vector, std::size_t Count>
+qbx::Furnish ConstructAll(const NamedVector<Vector> (&vectors)[Count])
+{
+    return [&vectors](QBXSegmentManager& manager)
+    {
+        for (const auto& vector : vectors) FindOrConstruct<Vector>(manager, vector.name);
+    };
+}
+
+template <class Vector, std::size_t Count>
 std::vector<const char*> NamesOf(const NamedVector<Vector> (&vectors)[Count])
 {
     std::vector<const char*> names;
@@ -71,14 +80,14 @@ void FindAll(QBXSharedSegment& segment, const char* name, const NamedVector<Vect
 
 void AttachLists()
 {
-    segment_list_vector = qbx::AttachSegment(kListSegmentName, kListSegmentSize);
+    segment_list_vector = qbx::AttachSegment(kListSegmentName, kListSegmentSize, ConstructAll(kLists));
     qbx::listMapping = qbx::MappingOf(segment_list_vector);
     FindAll(segment_list_vector, kListSegmentName, kLists);
 }
 
 void AttachBuffers()
 {
-    segment_buffer_vector = qbx::AttachSegment(kBufferSegmentName, kBufferSegmentSize);
+    segment_buffer_vector = qbx::AttachSegment(kBufferSegmentName, kBufferSegmentSize, ConstructAll(kBuffers));
     qbx::bufferMapping = qbx::MappingOf(segment_buffer_vector);
     FindAll(segment_buffer_vector, kBufferSegmentName, kBuffers);
 }

@@ -94,13 +94,20 @@ void WaitForCreator(const char* name)
 }
 
 // A new segment gets its pages when they are first touched, and touching one that is not to be had ends the process.
-// Its header and an empty index take two pages.
+// Its header and an index of empty vectors take two pages.
 void CheckSpaceToCreate(const char* name)
 {
     struct statvfs device;
     const bool known = statvfs("/dev/shm", &device) == 0 && device.f_blocks > 0;
-    if (!known || SharedObject(name).exists()) return;
+    if (!known) return;
     if (std::uint64_t{device.f_bavail} * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
+}
+
+void CreateIfAbsent(const char* name, std::size_t size, const Furnish& furnish)
+{
+    if (SharedObject(name).exists()) return;
+    CheckSpaceToCreate(name);
+    PublishNewSegment(name, size, furnish);
 }
 
 // The segment's own idea of its size stands where the layout says, so that another word size shows here. The object may
@@ -113,10 +120,10 @@ void CheckLayout(const QBXSharedSegment& segment, const char* name)
 }
 }  // namespace
 
-QBXSharedSegment AttachSegment(const char* name, std::size_t size)
+QBXSharedSegment AttachSegment(const char* name, std::size_t size, const Furnish& furnish)
 {
+    CreateIfAbsent(name, size, furnish);
     WaitForCreator(name);
-    CheckSpaceToCreate(name);
     bip::permissions mode;
     mode.set_permissions(0644);
     QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);

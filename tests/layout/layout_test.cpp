@@ -174,6 +174,16 @@ TEST(ForeignIndexDeathTest, LeavesTheSegmentAsItWas)
               test::ReadFile(std::string("/dev/shm/") + kListSegmentName));
 }
 
+TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)
+{
+    QBX_GetIpodPlayer();
+
+    MakeAsAService<QBXStringPageVector>("lists", kListSegmentSize, kListVectors);
+    MakeAsAService<QBXByteVector>("buffers", kBufferSegmentSize, kBufferVectors);
+    EXPECT_EQ(test::ReadFile("/dev/shm/lists"), test::ReadFile("/dev/shm/ListVectorSharedMemory"));
+    EXPECT_EQ(test::ReadFile("/dev/shm/buffers"), test::ReadFile("/dev/shm/BufferVectorSharedMemory"));
+}
+
 TEST(ASegmentInTheMaking, IsCompleted)
 {
     MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 3);

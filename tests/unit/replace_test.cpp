@@ -19,7 +19,7 @@ using Bytes = std::vector<unsigned char>;
 class Side
 {
 public:
-    explicit Side(std::size_t size) : m_segment(qbx::AttachSegment(m_name.c_str(), size))
+    explicit Side(std::size_t size) : m_segment(qbx::AttachSegment(m_name.c_str(), size, [](QBXSegmentManager&) {}))
     {
         const QBXByteVector::allocator_type allocator(m_segment.get_segment_manager());
         m_vector = m_segment.construct<QBXByteVector>("Vec")(allocator);

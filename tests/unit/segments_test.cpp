@@ -4,10 +4,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <thread>
@@ -27,10 +31,15 @@ constexpr milliseconds kAtOnce{1000};
 constexpr milliseconds kCreatorIsGiven{5000};
 constexpr milliseconds kRefusedAtTheLatest{8000};
 
+void LeaveEmpty(QBXSegmentManager&) {}
+
 class AttachSegment : public testing::Test
 {
 protected:
-    QBXSharedSegment Attach(std::size_t size = kSegmentSize) { return qbx::AttachSegment(m_name.c_str(), size); }
+    QBXSharedSegment Attach(std::size_t size = kSegmentSize, const qbx::Furnish& furnish = LeaveEmpty)
+    {
+        return qbx::AttachSegment(m_name.c_str(), size, furnish);
+    }
 
     // The message of the exception in which the attempt ends, and how long it took.
     std::string Refusal()
@@ -146,6 +155,86 @@ TEST_F(AttachSegment, TakesASoundOneThatLiesThereAsAFile)
     ASSERT_NE(nullptr, segment.find<int>("number").first);
     EXPECT_EQ(42, *segment.find<int>("number").first);
     EXPECT_TRUE(segment.check_sanity());
+}
+
+TEST_F(AttachSegment, GivesANewOneItsNameWhenItIsFurnished)
+{
+    bool named = true;
+
+    QBXSharedSegment segment = Attach(kSegmentSize,
+                                      [&](QBXSegmentManager& manager)
+                                      {
+                                          named = access(m_name.path().c_str(), F_OK) == 0;
+                                          manager.construct<int>("number")(42);
+                                      });
+
+    EXPECT_FALSE(named);
+    ASSERT_NE(nullptr, segment.find<int>("number").first);
+    EXPECT_EQ(42, *segment.find<int>("number").first);
+}
+
+TEST_F(AttachSegment, LeavesNothingBehindWhenItIsKilledWhileItMakesOne)
+{
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        Attach(kSegmentSize, [](QBXSegmentManager&) { raise(SIGKILL); });
+        _exit(EXIT_SUCCESS);
+    }
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child was not killed in the middle";
+
+    EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+}
+
+TEST_F(AttachSegment, TakesTheOneThatSomebodyElseMakesMeanwhile)
+{
+    QBXSharedSegment segment = Attach(kSegmentSize,
+                                      [&](QBXSegmentManager& manager)
+                                      {
+                                          manager.construct<int>("number")(1);
+                                          QBXSharedSegment other(bip::create_only, m_name.c_str(), 2 * kSegmentSize);
+                                          other.construct<int>("number")(2);
+                                      });
+
+    ASSERT_NE(nullptr, segment.find<int>("number").first);
+    EXPECT_EQ(2, *segment.find<int>("number").first);
+    EXPECT_EQ(2 * kSegmentSize, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(AttachSegment, MeetsSomebodyElseWhoCreatesItAtTheSameTime)
+{
+    for (int round = 0; round < 200; ++round)
+    {
+        std::atomic<int> ready{0};
+        const auto meet = [&]
+        {
+            for (++ready; ready < 2;) std::this_thread::yield();
+        };
+        std::thread other(
+            [&]
+            {
+                meet();
+                QBXSharedSegment segment(bip::open_or_create, m_name.c_str(), kSegmentSize);
+                ++*segment.find_or_construct<std::atomic<int>>("number")(0);
+            });
+        meet();
+        QBXSharedSegment segment = Attach();
+        ++*segment.find_or_construct<std::atomic<int>>("number")(0);
+        other.join();
+
+        ASSERT_EQ(2, *segment.find<std::atomic<int>>("number").first) << "in round " << round;
+        bip::shared_memory_object::remove(m_name.c_str());
+    }
+}
+
+TEST_F(AttachSegment, MakesOneThatDoesNotHoldItsFurnitureLikeAnyOther)
+{
+    QBXSharedSegment segment =
+        Attach(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); });
+
+    EXPECT_EQ(0u, segment.get_num_named_objects());
 }
 
 // As between the two steps in which its creator makes it larger.
