@@ -249,3 +249,17 @@ TEST(Replace, RefusesAVectorWhoseMemoryLiesOutsideTheMapping)
     EXPECT_THROW(qbx::Replace(&side.vector(), tooShort, {1}), bip::interprocess_exception);
     EXPECT_THROW(qbx::Replace(&side.vector(), {}, {1}), bip::interprocess_exception);
 }
+
+TEST(Replace, TakesAVectorWhoseMemoryFillsTheMappingAndNoneThatIsAByteLonger)
+{
+    Side side(65536);
+    qbx::Replace(&side.vector(), side.mapping(), Bytes(100, 7));
+    const char* const begin = reinterpret_cast<const char*>(side.vector().data());
+    const char* const end = begin + side.vector().capacity();
+
+    qbx::Replace(&side.vector(), {begin, end}, {1, 2});
+
+    EXPECT_EQ(2u, side.vector().size());
+    EXPECT_THROW(qbx::Replace(&side.vector(), {begin + 1, end + 1}, {1}), bip::interprocess_exception);
+    EXPECT_THROW(qbx::Replace(&side.vector(), {begin, end - 1}, {1}), bip::interprocess_exception);
+}

@@ -3,6 +3,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -103,6 +105,13 @@ protected:
     test::ObjectName m_name;
     milliseconds m_took{};
 };
+
+// Puts a device of that size in the place of /dev/shm, for this process only; false where that is not allowed.
+bool MountDevice(const std::string& size)
+{
+    return unshare(CLONE_NEWNS) == 0 && mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("tmpfs", "/dev/shm", "tmpfs", 0, ("size=" + size).c_str()) == 0;
+}
 
 std::vector<char> Garbage(std::size_t count)
 {
@@ -391,4 +400,35 @@ TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObject)
     EXPECT_EQ(segment.get_address(), mapping.begin);
     EXPECT_EQ(kSegmentSize, static_cast<std::size_t>(mapping.end - mapping.begin));
     EXPECT_EQ(0, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
+}
+
+TEST_F(AttachSegment, CreatesOneOnADeviceWithRoomForItsHeader)
+{
+    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace here";
+
+    EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(AttachSegment, RefusesToCreateOneOnADeviceThatHasLess)
+{
+    if (!MountDevice("12k")) GTEST_SKIP() << "no mount namespace here";
+
+    EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal());
+    EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+}
+
+TEST_F(AttachSegment, CreatesOneOnADeviceWithoutALimit)
+{
+    if (!MountDevice("0")) GTEST_SKIP() << "no mount namespace here";
+
+    EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(AttachSegment, FindsOneOnADeviceThatIsFull)
+{
+    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace here";
+    Attach();
+    test::WriteFile("/dev/shm/rest", std::vector<char>(8192));
+
+    EXPECT_EQ("attached", Refusal());
 }
