@@ -1,5 +1,5 @@
 // A new segment is made in a file without a name, which disappears with the process, and linked to its name when it is
-// whole. Byte for byte it is what Boost makes under the name itself.
+// whole. Byte for byte, padding aside, it is what Boost makes under the name itself.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>

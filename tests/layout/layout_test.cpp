@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -85,6 +86,23 @@ QBXSharedSegment MakeAsAService(const char* object, std::size_t size, const char
     const typename Vector::allocator_type allocator(segment.get_segment_manager());
     for (std::size_t i = 0; i < count; ++i) segment.find_or_construct<Vector>(names[i])(allocator);
     return segment;
+}
+
+// The padding that ends the header in front of an object is left over from the stack, in two segments of Boost's own
+// making, too.
+template <std::size_t Count>
+std::vector<char> BytesOfSegment(const std::string& object, const char* const (&names)[Count])
+{
+    constexpr std::ptrdiff_t padding = k32Bit ? 0 : 4;
+    QBXSharedSegment segment(bip::open_only, object.c_str());
+    std::vector<char> bytes = test::ReadFile("/dev/shm/" + object);
+    for (const char* const name : names)
+    {
+        const char* const vector = segment.find<char>(name).first;
+        const std::ptrdiff_t place = vector - static_cast<const char*>(segment.get_address());
+        std::fill_n(bytes.begin() + place - padding, padding, '\0');
+    }
+    return bytes;
 }
 
 // Without a connection GLib complains of each call; the readers copy what the vectors hold all the same.
@@ -180,8 +198,8 @@ TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)
 
     MakeAsAService<QBXStringPageVector>("lists", kListSegmentSize, kListVectors);
     MakeAsAService<QBXByteVector>("buffers", kBufferSegmentSize, kBufferVectors);
-    EXPECT_EQ(test::ReadFile("/dev/shm/lists"), test::ReadFile("/dev/shm/ListVectorSharedMemory"));
-    EXPECT_EQ(test::ReadFile("/dev/shm/buffers"), test::ReadFile("/dev/shm/BufferVectorSharedMemory"));
+    EXPECT_EQ(BytesOfSegment("lists", kListVectors), BytesOfSegment(kListSegmentName, kListVectors));
+    EXPECT_EQ(BytesOfSegment("buffers", kBufferVectors), BytesOfSegment(kBufferSegmentName, kBufferVectors));
 }
 
 TEST(ASegmentInTheMaking, IsCompleted)
