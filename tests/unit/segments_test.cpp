@@ -289,6 +289,40 @@ TEST_F(AttachSegment, GivesUpOnAnEmptyObjectAfterFiveSeconds)
     ExpectRefusalAfterTheWait();
 }
 
+TEST_F(AttachSegment, MapsANewOneOnce)
+{
+    const QBXSharedSegment segment = Attach();
+
+    const std::vector<char> maps = test::ReadFile("/proc/self/maps");
+    const std::string text(maps.begin(), maps.end());
+    const std::size_t first = text.find("/dev/shm/");
+    EXPECT_NE(std::string::npos, first);
+    EXPECT_EQ(std::string::npos, text.find("/dev/shm/", first + 1)) << text;
+}
+
+// Their descriptors have the number 0 there.
+TEST_F(AttachSegment, GivesUpInAProcessWithoutStandardInputToo)
+{
+    Put({});
+    close(STDIN_FILENO);
+
+    ExpectRefusalAfterTheWait();
+
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
+}
+
+TEST_F(AttachSegment, CreatesOneInAProcessWithoutStandardInputToo)
+{
+    bool named = true;
+    close(STDIN_FILENO);
+
+    Attach(kSegmentSize, [&](QBXSegmentManager&) { named = access(m_name.path().c_str(), F_OK) == 0; });
+
+    EXPECT_FALSE(named);
+    EXPECT_EQ(0, access(m_name.path().c_str(), F_OK));
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
+}
+
 TEST_F(AttachSegment, GivesUpOnAHalfMadeObjectAfterFiveSeconds)
 {
     std::vector<char> image = SoundImage();
