@@ -17,9 +17,19 @@
 #define BOOST_INTERPROCESS_ENABLE_TIMEOUT_WHEN_LOCKING
 #endif
 
+// Boost 1.87 moved the names of the objects in a segment. The service keeps them where Boost 1.56 does.
+#ifndef BOOST_INTERPROCESS_SEGMENT_MANAGER_ABI
+#define BOOST_INTERPROCESS_SEGMENT_MANAGER_ABI 1
+#elif BOOST_INTERPROCESS_SEGMENT_MANAGER_ABI != 1
+#error "include QBXIpodShareMemory.h before Boost.Interprocess, or define BOOST_INTERPROCESS_SEGMENT_MANAGER_ABI as 1"
+#endif
+
+#include <pthread.h>
+
 #include <boost/container/vector.hpp>
 #include <boost/interprocess/allocators/allocator.hpp>
 #include <boost/interprocess/managed_shared_memory.hpp>
+#include <boost/version.hpp>
 
 #include <cstddef>
 #include <type_traits>
@@ -56,6 +66,27 @@ using QBXStringPageVector =
 /// Bytes of an image or of an accessory session.
 using QBXByteVector =
     boost::container::vector<unsigned char, boost::interprocess::allocator<unsigned char, QBXSegmentManager>>;
+
+// The layout of Boost 1.56, in words and locks, so that it is the same text for every word size. A version of Boost, or
+// a macro, that lays something out in another way does not compile.
+static_assert(sizeof(QBXStringPageVector) == 4 * sizeof(void*) && alignof(QBXStringPageVector) == sizeof(void*),
+              "a vector is its allocator, the place of its entries, their number and its capacity");
+static_assert(sizeof(QBXByteVector) == sizeof(QBXStringPageVector) &&
+                  alignof(QBXByteVector) == alignof(QBXStringPageVector),
+              "vectors of names and of bytes are laid out alike");
+static_assert(sizeof(QBXSegmentManager) == 15 * sizeof(void*) + 2 * sizeof(pthread_mutex_t),
+              "the manager of a segment keeps its size, its free memory, two indexes and two process-shared locks");
+static_assert(QBXSegmentManager::PayloadPerAllocation == sizeof(void*),
+              "a block of memory costs the word that holds its size");
+#if BOOST_VERSION > 105600  // which is the layout itself; later ones are held to it in what they do not document
+static_assert(sizeof(boost::interprocess::ipcdetail::block_header<std::size_t>) == 2 * sizeof(void*),
+              "before a named object lie its size, the length of its name, its alignment and its kind");
+static_assert(
+    std::is_base_of<boost::interprocess::ipcdetail::basic_managed_memory_impl<
+                        char, QBXSegmentAlgorithm, boost::interprocess::iset_index, QBXSegmentAlgorithm::Alignment>,
+                    QBXSharedSegment>::value,
+    "the manager follows the state of the segment, which takes one unit of alignment");
+#endif
 
 #if defined(__SIZEOF_POINTER__) && __SIZEOF_POINTER__ == 4
 static_assert(

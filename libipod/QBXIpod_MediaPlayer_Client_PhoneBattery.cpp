@@ -22,8 +22,12 @@ bool Parse(GVariant* value, Message& message)
 }
 
 // Sets a member when the message has its field; narrower members keep the low bits.
-#define COPY_FIELD(message, field, target, Member) \
-    if ((message).has_##field()) (target).Member = static_cast<decltype((target).Member)::value_type>((message).field())
+#define COPY_FIELD(message, field, target, Member)                                                   \
+    do                                                                                               \
+    {                                                                                                \
+        if ((message).has_##field())                                                                 \
+            (target).Member = static_cast<decltype((target).Member)::value_type>((message).field()); \
+    } while (false)
 
 iPodPhoneCall_t ToPhoneCall(const ipod::iPodPhoneCall& message)
 {
@@ -83,6 +87,7 @@ gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod* proxy, GVariant* value
     ipod::iPodPhoneCall message;
     if (!Parse(value, message)) return FALSE;
     const iPodPhoneCall_t call = ToPhoneCall(message);
+    // The texts are made whenever there is a category: its level is the log sink's to judge.
     LOG_DEBUG(
         "%s RemoteID:%s, DisplayName:%s, Status:%s, Direction:%s, CallUUID:%s, AddressBookID:%s, Label:%s, "
         "Service:%s, IsConferenced:%s, ConferenceGroup:%s, DisconnectReason:%s, StartTimestamp:%s",

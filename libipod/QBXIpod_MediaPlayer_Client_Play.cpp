@@ -35,12 +35,16 @@ bool IsGranted(int code)
     return code == 1 || code == 2;
 }
 
-// Both confirmations name the first iPod source, also when the second one is the current.
-bool Confirms(int option, int confirmArg)
+// False for every other option. Both confirmations name the first iPod source, also when the second one is the current.
+bool PassConfirmationOn(int option, int confirmArg)
 {
-    if (option == IPOD_PLAY_CONFIRM_ACTIVE) QBXSource::ActiveSourceConfirm(kSourceIpod0, confirmArg);
-    if (option == IPOD_PLAY_CONFIRM_DEACTIVE) QBXSource::DeactiveSourceConfirm(kSourceIpod0, confirmArg);
-    return option == IPOD_PLAY_CONFIRM_ACTIVE || option == IPOD_PLAY_CONFIRM_DEACTIVE;
+    if (option == IPOD_PLAY_CONFIRM_ACTIVE)
+        QBXSource::ActiveSourceConfirm(kSourceIpod0, confirmArg);
+    else if (option == IPOD_PLAY_CONFIRM_DEACTIVE)
+        QBXSource::DeactiveSourceConfirm(kSourceIpod0, confirmArg);
+    else
+        return false;
+    return true;
 }
 }  // namespace
 
@@ -48,7 +52,7 @@ int QBXIpod_MediaPlayer_Client::Play(iPodPlayerPlayOption_e option, int confirmA
 {
     if (!qbx::clientCreated) return 0;
     LOG_INFO("QBXIpod_MediaPlayer_Client::Play(devID:%d).", option);
-    if (Confirms(option, confirmArg)) return 1;
+    if (PassConfirmationOn(option, confirmArg)) return 1;
     int bRet = 0;
     if (option < IPOD_PLAY_REQUEST_SOURCE_0 || option > IPOD_PLAY_RESTART)
     {

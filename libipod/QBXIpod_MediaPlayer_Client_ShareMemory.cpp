@@ -1,6 +1,8 @@
 // The two shared-memory segments and their ten vectors.
 #include <QBXIpodShareMemory.h>
 
+#include <vector>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "internal/log.h"
 #include "internal/segments.h"
@@ -21,32 +23,73 @@ namespace
 bool g_bShareMemoryInited = false;
 
 template <class Vector>
-void Find(QBXSharedSegment& segment, const char* name, Vector*& vector)
+struct NamedVector
 {
-    const typename Vector::allocator_type allocator(segment.get_segment_manager());
-    vector = qbx::UnderSegmentLock([&] { return segment.find_or_construct<Vector>(name)(allocator); });
+    const char* name;
+    Vector*& pointer;
+};
+
+// In the order in which they are constructed.
+constexpr NamedVector<QBXStringPageVector> kLists[] = {
+    {"VecPlayingListShareMemory", g_VecPlayingListShareMemory},
+    {"VecDBListShareMemory", g_VecDBListShareMemory},
+    {"VecDBListPinyinShareMemory", g_VecDBListPinyinShareMemory},
+    {"VecUpdateListShareMemory", g_VecUpdateListShareMemory},
+    {"VecUpdateListPinyinShareMemory", g_VecUpdateListPinyinShareMemory},
+    {"VecDeviceListShareMemory", g_VecDeviceListShareMemory},
+};
+
+constexpr NamedVector<QBXByteVector> kBuffers[] = {
+    {"VecArtworkBufferShareMemory", g_VecArtworkBufferShareMemory},
+    {"VecArtworkChangeBufferShareMemory", g_VecArtworkChangeBufferShareMemory},
+    {"VecEapWriteBufferShareMemory", g_VecEapWriteBufferShareMemory},
+    {"VecEapReadBufferShareMemory", g_VecEapReadBufferShareMemory},
+};
+
+template <class Vector>
+Vector* FindOrConstruct(QBXSegmentManager& manager, const char* name)
+{
+    const typename Vector::allocator_type allocator(&manager);
+    return qbx::UnderSegmentLock([&] { return manager.find_or_construct<Vector>(name)(allocator); });
+}
+
+template <class Vector, std::size_t Count>
+qbx::Furnish ConstructAll(const NamedVector<Vector> (&vectors)[Count])
+{
+    return [&vectors](QBXSegmentManager& manager)
+    {
+        for (const auto& vector : vectors) FindOrConstruct<Vector>(manager, vector.name);
+    };
+}
+
+template <class Vector, std::size_t Count>
+std::vector<const char*> NamesOf(const NamedVector<Vector> (&vectors)[Count])
+{
+    std::vector<const char*> names;
+    for (const auto& vector : vectors) names.push_back(vector.name);
+    return names;
+}
+
+template <class Vector, std::size_t Count>
+void FindAll(QBXSharedSegment& segment, const char* name, const NamedVector<Vector> (&vectors)[Count])
+{
+    qbx::CheckNames(segment, name, NamesOf(vectors));
+    for (const auto& vector : vectors)
+        vector.pointer = FindOrConstruct<Vector>(*segment.get_segment_manager(), vector.name);
 }
 
 void AttachLists()
 {
-    segment_list_vector = qbx::AttachSegment(kListSegmentName, kListSegmentSize);
+    segment_list_vector = qbx::AttachSegment(kListSegmentName, kListSegmentSize, ConstructAll(kLists));
     qbx::listMapping = qbx::MappingOf(segment_list_vector);
-    Find(segment_list_vector, "VecPlayingListShareMemory", g_VecPlayingListShareMemory);
-    Find(segment_list_vector, "VecDBListShareMemory", g_VecDBListShareMemory);
-    Find(segment_list_vector, "VecDBListPinyinShareMemory", g_VecDBListPinyinShareMemory);
-    Find(segment_list_vector, "VecUpdateListShareMemory", g_VecUpdateListShareMemory);
-    Find(segment_list_vector, "VecUpdateListPinyinShareMemory", g_VecUpdateListPinyinShareMemory);
-    Find(segment_list_vector, "VecDeviceListShareMemory", g_VecDeviceListShareMemory);
+    FindAll(segment_list_vector, kListSegmentName, kLists);
 }
 
 void AttachBuffers()
 {
-    segment_buffer_vector = qbx::AttachSegment(kBufferSegmentName, kBufferSegmentSize);
+    segment_buffer_vector = qbx::AttachSegment(kBufferSegmentName, kBufferSegmentSize, ConstructAll(kBuffers));
     qbx::bufferMapping = qbx::MappingOf(segment_buffer_vector);
-    Find(segment_buffer_vector, "VecArtworkBufferShareMemory", g_VecArtworkBufferShareMemory);
-    Find(segment_buffer_vector, "VecArtworkChangeBufferShareMemory", g_VecArtworkChangeBufferShareMemory);
-    Find(segment_buffer_vector, "VecEapWriteBufferShareMemory", g_VecEapWriteBufferShareMemory);
-    Find(segment_buffer_vector, "VecEapReadBufferShareMemory", g_VecEapReadBufferShareMemory);
+    FindAll(segment_buffer_vector, kBufferSegmentName, kBuffers);
 }
 }  // namespace
 

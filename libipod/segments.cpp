@@ -6,8 +6,10 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <thread>
 
@@ -25,6 +27,7 @@ constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
 constexpr std::uint64_t kSpaceToCreate = 16384;
 constexpr std::uint32_t kInitializing = 1;
 constexpr auto kPollInterval = std::chrono::milliseconds(1);
+constexpr char kOtherLayout[] = "its layout is not the one of this build";
 
 [[noreturn]] void Refuse(const char* name, const char* why)
 {
@@ -55,6 +58,15 @@ public:
         return pread(m_fd, &state, sizeof(state), 0) != ssize_t{sizeof(state)} || state <= kInitializing;
     }
 
+    // Read instead of mapped, so that pages which nobody has touched stay unused.
+    std::string Contents(std::size_t count) const
+    {
+        std::string bytes(count, '\0');
+        const ssize_t read = pread(m_fd, bytes.data(), count, 0);
+        bytes.resize(read < 0 ? 0 : static_cast<std::size_t>(read));
+        return bytes;
+    }
+
 private:
     struct stat Status() const
     {
@@ -82,13 +94,20 @@ void WaitForCreator(const char* name)
 }
 
 // A new segment gets its pages when they are first touched, and touching one that is not to be had ends the process.
-// Its header and an empty index take two pages.
+// Its header and an index of empty vectors take two pages.
 void CheckSpaceToCreate(const char* name)
 {
     struct statvfs device;
     const bool known = statvfs("/dev/shm", &device) == 0 && device.f_blocks > 0;
-    if (!known || SharedObject(name).exists()) return;
+    if (!known) return;
     if (std::uint64_t{device.f_bavail} * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
+}
+
+void CreateIfAbsent(const char* name, std::size_t size, const Furnish& furnish)
+{
+    if (SharedObject(name).exists()) return;
+    CheckSpaceToCreate(name);
+    PublishNewSegment(name, size, furnish);
 }
 
 // The segment's own idea of its size stands where the layout says, so that another word size shows here. The object may
@@ -97,20 +116,33 @@ void CheckLayout(const QBXSharedSegment& segment, const char* name)
 {
     const SharedObject object(name);
     const std::size_t size = segment.get_size();
-    if (size < sizeof(QBXSegmentManager) || size > static_cast<std::size_t>(object.size()))
-        Refuse(name, "its layout is not the one of this build");
+    if (size < sizeof(QBXSegmentManager) || size > static_cast<std::size_t>(object.size())) Refuse(name, kOtherLayout);
 }
 }  // namespace
 
-QBXSharedSegment AttachSegment(const char* name, std::size_t size)
+QBXSharedSegment AttachSegment(const char* name, std::size_t size, const Furnish& furnish)
 {
+    CreateIfAbsent(name, size, furnish);
     WaitForCreator(name);
-    CheckSpaceToCreate(name);
     bip::permissions mode;
     mode.set_permissions(0644);
     QBXSharedSegment segment(bip::open_or_create, name, size, nullptr, mode);
     CheckLayout(segment, name);
     return segment;
+}
+
+void CheckNames(QBXSharedSegment& segment, const char* name, const std::vector<const char*>& vectors)
+{
+    auto check = [&]
+    {
+        const auto isFound = [&](const char* vector) { return segment.find<char>(vector).first != nullptr; };
+        if (segment.get_num_named_objects() == 0 || std::any_of(vectors.begin(), vectors.end(), isFound)) return;
+        const std::string contents = SharedObject(name).Contents(segment.get_size());
+        const auto isWritten = [&](const char* vector)
+        { return contents.find(vector, 0, std::strlen(vector) + 1) != std::string::npos; };
+        if (std::any_of(vectors.begin(), vectors.end(), isWritten)) Refuse(name, kOtherLayout);
+    };
+    UnderSegmentLock([&] { segment.atomic_func(check); });
 }
 
 Mapping MappingOf(const QBXSharedSegment& segment)

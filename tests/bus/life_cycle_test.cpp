@@ -161,6 +161,31 @@ TEST_F(LifeCycleTest, AnExceptionWhileBuildingLeavesTheLockHeld)
     EXPECT_EQ(player.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
 }
 
+TEST_F(LifeCycleTest, DestroyingWaitsForTheLock)
+{
+    PutPipeInPlaceOfListSegment();
+    EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
+
+    auto* const other = new std::promise<void>;
+    std::future<void> destroyed = other->get_future();
+    std::thread(
+        [other]
+        {
+            QBX_DestroyIpodPlayer();
+            other->set_value();
+        })
+        .detach();
+    EXPECT_EQ(destroyed.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+}
+
+TEST_F(LifeCycleTest, BuildingAndDestroyingGiveTheLockBack)
+{
+    QBX_GetIpodPlayer();
+    std::async(std::launch::async, QBX_DestroyIpodPlayer).get();
+
+    EXPECT_NE(std::async(std::launch::async, QBX_GetIpodPlayer).get(), nullptr);
+}
+
 TEST_F(LifeCycleTest, AnExceptionWhileBuildingIsNotRepeatedByTheSameThread)
 {
     PutPipeInPlaceOfListSegment();

@@ -87,7 +87,7 @@ void PutObject(const Arguments& arguments)
     if (kind == "directory") mkdir(kListPath, 0755);
     if (kind == "link-to-nowhere") Expect(symlink("/dev/shm/nowhere/at/all", kListPath) == 0, "a link");
     if (kind == "link-to-itself") Expect(symlink(kListPath, kListPath) == 0, "a link");
-    if (kind == "other-word-size") Put(Unpacked(arguments.at(1)));
+    if (kind == "other-layout") Put(Unpacked(arguments.at(1)));
     if (kind == "not-readable") PutPrivateObject();
     if (kind == "read-only") PutReadOnlySegment();
     if (kind == "of-another-user") PutSoundSegment(kListSegmentSize), chmod(kListPath, 0644);

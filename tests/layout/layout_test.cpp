@@ -1,11 +1,12 @@
 // The library on segments that a service built with Boost 1.56 left behind: it reads them, grows them and leaves
-// them sound; an image of the other word size ends in an exception.
+// them sound; an image of the other word size, or one whose names this build cannot find, ends in an exception.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 #include <glib.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -22,6 +23,7 @@ using Names = std::vector<std::string>;
 constexpr bool k32Bit = sizeof(void*) == 4;
 const std::string kThisWordSize = k32Bit ? "armhf" : "x86_64";
 const std::string kOtherWordSize = k32Bit ? "x86_64" : "armhf";
+const std::string kOtherIndex = kThisWordSize + "-boost1.88";
 constexpr unsigned kPatienceSeconds = 20;
 
 void PutImage(const std::string& kind, const std::string& wordSize, const std::string& object)
@@ -65,6 +67,42 @@ Names NamesOf(const QBXStringPageVector& vector)
 Bytes BytesOf(const QBXByteVector& vector)
 {
     return Bytes(vector.begin(), vector.end());
+}
+
+constexpr const char* kListVectors[] = {"VecPlayingListShareMemory",      "VecDBListShareMemory",
+                                        "VecDBListPinyinShareMemory",     "VecUpdateListShareMemory",
+                                        "VecUpdateListPinyinShareMemory", "VecDeviceListShareMemory"};
+constexpr const char* kBufferVectors[] = {"VecArtworkBufferShareMemory", "VecArtworkChangeBufferShareMemory",
+                                          "VecEapWriteBufferShareMemory", "VecEapReadBufferShareMemory"};
+
+// A segment as a service makes it that comes first, with so many of its vectors.
+template <class Vector, std::size_t Count>
+QBXSharedSegment MakeAsAService(const char* object, std::size_t size, const char* const (&names)[Count],
+                                std::size_t count = Count)
+{
+    bip::permissions mode;
+    mode.set_permissions(0644);
+    QBXSharedSegment segment(bip::open_or_create, object, size, nullptr, mode);
+    const typename Vector::allocator_type allocator(segment.get_segment_manager());
+    for (std::size_t i = 0; i < count; ++i) segment.find_or_construct<Vector>(names[i])(allocator);
+    return segment;
+}
+
+// The padding that ends the header in front of an object is left over from the stack, in two segments of Boost's own
+// making, too.
+template <std::size_t Count>
+std::vector<char> BytesOfSegment(const std::string& object, const char* const (&names)[Count])
+{
+    constexpr std::ptrdiff_t padding = k32Bit ? 0 : 4;
+    QBXSharedSegment segment(bip::open_only, object.c_str());
+    std::vector<char> bytes = test::ReadFile("/dev/shm/" + object);
+    for (const char* const name : names)
+    {
+        const char* const vector = segment.find<char>(name).first;
+        const std::ptrdiff_t place = vector - static_cast<const char*>(segment.get_address());
+        std::fill_n(bytes.begin() + place - padding, padding, '\0');
+    }
+    return bytes;
 }
 
 // Without a connection GLib complains of each call; the readers copy what the vectors hold all the same.
@@ -133,6 +171,67 @@ TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnl
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherWordSize), testing::ExitedWithCode(0),
                 "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
+}
+
+TEST(ForeignIndexDeathTest, EndsInAnExceptionThatNamesTheListSegment)
+{
+    EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0),
+                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
+}
+
+TEST(ForeignIndexDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyThatIsForeign)
+{
+    EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherIndex), testing::ExitedWithCode(0),
+                "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
+}
+
+TEST(ForeignIndexDeathTest, LeavesTheSegmentAsItWas)
+{
+    EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0), "refused");
+    EXPECT_EQ(test::ReadFile(IMAGE_DIR "/list-" + kOtherIndex + ".img"),
+              test::ReadFile(std::string("/dev/shm/") + kListSegmentName));
+}
+
+TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)
+{
+    QBX_GetIpodPlayer();
+
+    MakeAsAService<QBXStringPageVector>("lists", kListSegmentSize, kListVectors);
+    MakeAsAService<QBXByteVector>("buffers", kBufferSegmentSize, kBufferVectors);
+    EXPECT_EQ(BytesOfSegment("lists", kListVectors), BytesOfSegment(kListSegmentName, kListVectors));
+    EXPECT_EQ(BytesOfSegment("buffers", kBufferVectors), BytesOfSegment(kBufferSegmentName, kBufferVectors));
+}
+
+TEST(ASegmentInTheMaking, IsCompleted)
+{
+    MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 3);
+
+    QBX_GetIpodPlayer();
+
+    EXPECT_EQ(6u, segment_list_vector.get_num_named_objects());
+    EXPECT_EQ(4u, segment_buffer_vector.get_num_named_objects());
+}
+
+TEST(ASegmentWithObjectsOfSomebodyElse, IsCompleted)
+{
+    MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 0)
+        .construct<int>("number")(42);
+
+    QBX_GetIpodPlayer();
+
+    EXPECT_EQ(7u, segment_list_vector.get_num_named_objects());
+    EXPECT_EQ(42, *segment_list_vector.find<int>("number").first);
+}
+
+// The names of what was destroyed are still written in the free memory.
+TEST(ASegmentWhoseVectorsWereDestroyed, IsCompleted)
+{
+    QBXSharedSegment lists = MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors);
+    for (const char* const name : kListVectors) lists.destroy<QBXStringPageVector>(name);
+
+    QBX_GetIpodPlayer();
+
+    EXPECT_EQ(6u, lists.get_num_named_objects());
 }
 
 TEST_F(SegmentsOfTheService, AreSoundAfterTheLibraryAttachedThem)

@@ -65,7 +65,7 @@ protected:
     }
 
     test::ObjectName m_name;
-    QBXSharedSegment m_segment = qbx::AttachSegment(m_name.c_str(), kSize);
+    QBXSharedSegment m_segment = qbx::AttachSegment(m_name.c_str(), kSize, [](QBXSegmentManager&) {});
 };
 }  // namespace
 

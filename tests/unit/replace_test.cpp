@@ -19,7 +19,7 @@ using Bytes = std::vector<unsigned char>;
 class Side
 {
 public:
-    explicit Side(std::size_t size) : m_segment(qbx::AttachSegment(m_name.c_str(), size))
+    explicit Side(std::size_t size) : m_segment(qbx::AttachSegment(m_name.c_str(), size, [](QBXSegmentManager&) {}))
     {
         const QBXByteVector::allocator_type allocator(m_segment.get_segment_manager());
         m_vector = m_segment.construct<QBXByteVector>("Vec")(allocator);
@@ -248,4 +248,18 @@ TEST(Replace, RefusesAVectorWhoseMemoryLiesOutsideTheMapping)
     EXPECT_THROW(qbx::Replace(&side.vector(), other.mapping(), {1}), bip::interprocess_exception);
     EXPECT_THROW(qbx::Replace(&side.vector(), tooShort, {1}), bip::interprocess_exception);
     EXPECT_THROW(qbx::Replace(&side.vector(), {}, {1}), bip::interprocess_exception);
+}
+
+TEST(Replace, TakesAVectorWhoseMemoryFillsTheMappingAndNoneThatIsAByteLonger)
+{
+    Side side(65536);
+    qbx::Replace(&side.vector(), side.mapping(), Bytes(100, 7));
+    const char* const begin = reinterpret_cast<const char*>(side.vector().data());
+    const char* const end = begin + side.vector().capacity();
+
+    qbx::Replace(&side.vector(), {begin, end}, {1, 2});
+
+    EXPECT_EQ(2u, side.vector().size());
+    EXPECT_THROW(qbx::Replace(&side.vector(), {begin + 1, end + 1}, {1}), bip::interprocess_exception);
+    EXPECT_THROW(qbx::Replace(&side.vector(), {begin, end - 1}, {1}), bip::interprocess_exception);
 }

@@ -3,11 +3,17 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <thread>
@@ -27,10 +33,15 @@ constexpr milliseconds kAtOnce{1000};
 constexpr milliseconds kCreatorIsGiven{5000};
 constexpr milliseconds kRefusedAtTheLatest{8000};
 
+void LeaveEmpty(QBXSegmentManager&) {}
+
 class AttachSegment : public testing::Test
 {
 protected:
-    QBXSharedSegment Attach(std::size_t size = kSegmentSize) { return qbx::AttachSegment(m_name.c_str(), size); }
+    QBXSharedSegment Attach(std::size_t size = kSegmentSize, const qbx::Furnish& furnish = LeaveEmpty)
+    {
+        return qbx::AttachSegment(m_name.c_str(), size, furnish);
+    }
 
     // The message of the exception in which the attempt ends, and how long it took.
     std::string Refusal()
@@ -95,6 +106,13 @@ protected:
     milliseconds m_took{};
 };
 
+// Puts a device of that size in the place of /dev/shm, for this process only; false where that is not allowed.
+bool MountDevice(const std::string& size)
+{
+    return unshare(CLONE_NEWNS) == 0 && mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("tmpfs", "/dev/shm", "tmpfs", 0, ("size=" + size).c_str()) == 0;
+}
+
 std::vector<char> Garbage(std::size_t count)
 {
     std::mt19937 random(7);
@@ -148,6 +166,86 @@ TEST_F(AttachSegment, TakesASoundOneThatLiesThereAsAFile)
     EXPECT_TRUE(segment.check_sanity());
 }
 
+TEST_F(AttachSegment, GivesANewOneItsNameWhenItIsFurnished)
+{
+    bool named = true;
+
+    QBXSharedSegment segment = Attach(kSegmentSize,
+                                      [&](QBXSegmentManager& manager)
+                                      {
+                                          named = access(m_name.path().c_str(), F_OK) == 0;
+                                          manager.construct<int>("number")(42);
+                                      });
+
+    EXPECT_FALSE(named);
+    ASSERT_NE(nullptr, segment.find<int>("number").first);
+    EXPECT_EQ(42, *segment.find<int>("number").first);
+}
+
+TEST_F(AttachSegment, LeavesNothingBehindWhenItIsKilledWhileItMakesOne)
+{
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        Attach(kSegmentSize, [](QBXSegmentManager&) { raise(SIGKILL); });
+        _exit(EXIT_SUCCESS);
+    }
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child was not killed in the middle";
+
+    EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+}
+
+TEST_F(AttachSegment, TakesTheOneThatSomebodyElseMakesMeanwhile)
+{
+    QBXSharedSegment segment = Attach(kSegmentSize,
+                                      [&](QBXSegmentManager& manager)
+                                      {
+                                          manager.construct<int>("number")(1);
+                                          QBXSharedSegment other(bip::create_only, m_name.c_str(), 2 * kSegmentSize);
+                                          other.construct<int>("number")(2);
+                                      });
+
+    ASSERT_NE(nullptr, segment.find<int>("number").first);
+    EXPECT_EQ(2, *segment.find<int>("number").first);
+    EXPECT_EQ(2 * kSegmentSize, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(AttachSegment, MeetsSomebodyElseWhoCreatesItAtTheSameTime)
+{
+    for (int round = 0; round < 200; ++round)
+    {
+        std::atomic<int> ready{0};
+        const auto meet = [&]
+        {
+            for (++ready; ready < 2;) std::this_thread::yield();
+        };
+        std::thread other(
+            [&]
+            {
+                meet();
+                QBXSharedSegment segment(bip::open_or_create, m_name.c_str(), kSegmentSize);
+                ++*segment.find_or_construct<std::atomic<int>>("number")(0);
+            });
+        meet();
+        QBXSharedSegment segment = Attach();
+        ++*segment.find_or_construct<std::atomic<int>>("number")(0);
+        other.join();
+
+        ASSERT_EQ(2, *segment.find<std::atomic<int>>("number").first) << "in round " << round;
+        bip::shared_memory_object::remove(m_name.c_str());
+    }
+}
+
+TEST_F(AttachSegment, MakesOneThatDoesNotHoldItsFurnitureLikeAnyOther)
+{
+    QBXSharedSegment segment =
+        Attach(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); });
+
+    EXPECT_EQ(0u, segment.get_num_named_objects());
+}
+
 // As between the two steps in which its creator makes it larger.
 TEST_F(AttachSegment, TakesAnObjectThatIsLongerThanItsSegment)
 {
@@ -189,6 +287,40 @@ TEST_F(AttachSegment, GivesUpOnAnEmptyObjectAfterFiveSeconds)
     Put({});
 
     ExpectRefusalAfterTheWait();
+}
+
+TEST_F(AttachSegment, MapsANewOneOnce)
+{
+    const QBXSharedSegment segment = Attach();
+
+    const std::vector<char> maps = test::ReadFile("/proc/self/maps");
+    const std::string text(maps.begin(), maps.end());
+    const std::size_t first = text.find("/dev/shm/");
+    EXPECT_NE(std::string::npos, first);
+    EXPECT_EQ(std::string::npos, text.find("/dev/shm/", first + 1)) << text;
+}
+
+// Their descriptors have the number 0 there.
+TEST_F(AttachSegment, GivesUpInAProcessWithoutStandardInputToo)
+{
+    Put({});
+    close(STDIN_FILENO);
+
+    ExpectRefusalAfterTheWait();
+
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
+}
+
+TEST_F(AttachSegment, CreatesOneInAProcessWithoutStandardInputToo)
+{
+    bool named = true;
+    close(STDIN_FILENO);
+
+    Attach(kSegmentSize, [&](QBXSegmentManager&) { named = access(m_name.path().c_str(), F_OK) == 0; });
+
+    EXPECT_FALSE(named);
+    EXPECT_EQ(0, access(m_name.path().c_str(), F_OK));
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
 }
 
 TEST_F(AttachSegment, GivesUpOnAHalfMadeObjectAfterFiveSeconds)
@@ -302,4 +434,35 @@ TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObject)
     EXPECT_EQ(segment.get_address(), mapping.begin);
     EXPECT_EQ(kSegmentSize, static_cast<std::size_t>(mapping.end - mapping.begin));
     EXPECT_EQ(0, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
+}
+
+TEST_F(AttachSegment, CreatesOneOnADeviceWithRoomForItsHeader)
+{
+    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace here";
+
+    EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(AttachSegment, RefusesToCreateOneOnADeviceThatHasLess)
+{
+    if (!MountDevice("12k")) GTEST_SKIP() << "no mount namespace here";
+
+    EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal());
+    EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+}
+
+TEST_F(AttachSegment, CreatesOneOnADeviceWithoutALimit)
+{
+    if (!MountDevice("0")) GTEST_SKIP() << "no mount namespace here";
+
+    EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(AttachSegment, FindsOneOnADeviceThatIsFull)
+{
+    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace here";
+    Attach();
+    test::WriteFile("/dev/shm/rest", std::vector<char>(8192));
+
+    EXPECT_EQ("attached", Refusal());
 }

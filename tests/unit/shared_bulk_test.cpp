@@ -114,6 +114,23 @@ TEST_F(Snapshots, AreEmptyWithoutAVectorOrWithoutAMapping)
     EXPECT_EQ(nullptr, qbx::TakeSnapshot(&claim, qbx::Mapping{}).begin);
 }
 
+TEST_F(Snapshots, OfAVectorInTheMappingMustLieThereAndThoseOfOthersAnywhere)
+{
+    const auto isHeld = [this](const void* vector)
+    {
+        const qbx::Mapping bounds = qbx::BoundsOf(vector, m_mapping);
+        return bounds.begin == m_mapping.begin && bounds.end == m_mapping.end;
+    };
+
+    EXPECT_TRUE(isHeld(At(0)));
+    EXPECT_TRUE(isHeld(At(1023)));
+    EXPECT_FALSE(isHeld(At(0) - 1));
+    EXPECT_FALSE(isHeld(At(1024)));
+    const qbx::Mapping anywhere = qbx::BoundsOf(At(1024), m_mapping);
+    EXPECT_EQ(nullptr, anywhere.begin);
+    EXPECT_EQ(std::numeric_limits<std::uintptr_t>::max(), reinterpret_cast<std::uintptr_t>(anywhere.end));
+}
+
 TEST(CopyNames, EndsEachNameAtItsFirstNulAndKeepsEmptyOnes)
 {
     EXPECT_EQ((std::vector<std::string>{"first", "", "third"}), NamesIn({Name("first", 'x'), Name(""), Name("third")}));
