@@ -134,7 +134,7 @@ private:
         const int rank = CoverRank(name);
         if (rank >= bestCover) return;
         if (!IsPictureFile(file.path)) return Skip(file.path, "no picture");
-        if (file.mark.size > kLargestPicture) return Skip(file.path, "a picture that does not fit into shared memory");
+        if (file.mark.size > kLargestPicture) return Skip(file.path, TooLarge());
         bestCover = rank;
         m_scan.folders[file.folder].picture = file.path;
     }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "music/music_library.h"
+#include "music/picture.h"
 #include "music/pinyin.h"
 #include "music/playlist_file.h"
 #include "music/tag_reader.h"
@@ -135,7 +136,7 @@ public:
 
     void Add(const ScannedFile& file, const TrackPtr& read)
     {
-        if (read->pictureTooLarge) m_how.warn(file.path + ": its picture does not fit into shared memory");
+        if (read->pictureTooLarge) m_how.warn("skipped the artwork of " + file.path + ": " + TooLarge());
         const std::string& cover = m_scan.folders[file.folder].picture;
         const TrackPtr track = read->hasPicture || cover.empty() ? read : WithCover(*read, cover);
         m_library.tracks.push_back(track);

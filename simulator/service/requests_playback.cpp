@@ -35,8 +35,7 @@ void QueueEverything(Service& service)
 
 GVariant* GetCurrentMediaInfo(Service& service)
 {
-    const TrackPtr track = service.player.Track();
-    return Pack(track == nullptr ? TrackRecord{} : ToRecord(*track, service.player.List().Tracks().size()));
+    return Pack(service.signals.RecordOf(service.player));
 }
 
 // With an empty playing list all songs are played.

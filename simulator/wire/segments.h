@@ -39,6 +39,10 @@ public:
     /// Does work while the lock of a segment is held.
     void WithLock(Lock lock, std::function<void()> work);
 
+    /// Replaces what is in one of the two artwork vectors. Where both pictures do not fit, the other vector is emptied.
+    /// A cover fits twice if it is smaller than about half the segment. Fails as Fill().
+    bool FillArtwork(QBXByteVector& vector, const Bytes& bytes);
+
     /// The bytes that a client left for an accessory session.
     /// @throws std::runtime_error  what the vector says of itself points outside the segment
     Bytes TakeEapWrite() const;

@@ -381,9 +381,9 @@ TEST_F(MusicFolder, LeavesOutAPictureThatNeverFitsIntoSharedMemory)
     EXPECT_FALSE(library.tracks[0]->hasPicture);
     EXPECT_EQ(ipodsim::PictureOf(*library.tracks[1]).bytes.size(), kSmallPng.size()) << "that of its folder";
     ASSERT_EQ(warnings.size(), 3U);
-    EXPECT_EQ(warnings[0],
-              "skipped " + (folder.path / "c/cover.png").string() + ": a picture that does not fit into shared memory");
-    EXPECT_EQ(warnings[1], (folder.path / "a/large.ogg").string() + ": its picture does not fit into shared memory");
+    EXPECT_EQ(warnings[0], "skipped " + (folder.path / "c/cover.png").string() + ": larger than 1044480 bytes");
+    EXPECT_EQ(warnings[1],
+              "skipped the artwork of " + (folder.path / "a/large.ogg").string() + ": larger than 1044480 bytes");
 }
 
 TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)
