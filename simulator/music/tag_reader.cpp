@@ -4,7 +4,9 @@
 #include <taglib/fileref.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v2tag.h>
+#include <taglib/modproperties.h>
 #include <taglib/mp4file.h>
+#include <taglib/mpcproperties.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
 #include <taglib/tfilestream.h>
@@ -12,6 +14,7 @@
 #include <taglib/wavfile.h>
 #include <taglib/xiphcomment.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "music/picture.h"
@@ -93,6 +96,21 @@ struct OpenFile
     TagLib::FileRef tags;
 };
 
+// Without a signature TagLib takes any file of the right name for a module of 15 instruments, or for old Musepack.
+bool IsGuess(const TagLib::AudioProperties* properties)
+{
+    const auto* module = dynamic_cast<const TagLib::Mod::Properties*>(properties);
+    const auto* musepack = dynamic_cast<const TagLib::MPC::Properties*>(properties);
+    return (module != nullptr && module->instrumentCount() == 15) ||
+           (musepack != nullptr && musepack->mpcVersion() != 7 && musepack->mpcVersion() != 8);
+}
+
+// The length says nothing: it is missing in what was written to a pipe, and tracker modules have none.
+bool IsAudio(const TagLib::AudioProperties* properties)
+{
+    return properties != nullptr && properties->channels() > 0 && !IsGuess(properties);
+}
+
 Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 {
     const TagLib::Tag& tag = *reference.tag();
@@ -102,7 +120,7 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
     track.album = Text(tag.album(), "Unknown album");
     track.genre = Text(tag.genre(), "Unknown genre");
     track.number = static_cast<int>(tag.track());
-    track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
+    track.lengthMs = std::max(0, reference.audioProperties()->lengthInMilliseconds());
     const Bytes picture = PictureIn(*reference.file());
     track.pictureTooLarge = picture.size() > kLargestPicture;
     track.hasPicture = IsPicture(picture) && !track.pictureTooLarge;
@@ -115,8 +133,7 @@ std::optional<Track> ReadTrack(const std::string& file)
 {
     const OpenFile open(file, true);
     const TagLib::FileRef& reference = open.tags;
-    if (reference.isNull() || reference.tag() == nullptr || reference.audioProperties() == nullptr) return {};
-    if (reference.audioProperties()->lengthInMilliseconds() <= 0) return {};
+    if (reference.isNull() || reference.tag() == nullptr || !IsAudio(reference.audioProperties())) return {};
     return ToTrack(reference, file);
 }
 

@@ -10,7 +10,7 @@
 namespace ipodsim
 {
 /// Reads tags and length. A text that is missing becomes the file's name or "Unknown artist" and so on.
-/// Empty when the file is no audio; never throws for what a file holds.
+/// Empty if it is not an audio file; never throws for what a file holds.
 std::optional<Track> ReadTrack(const std::string& file);
 
 /// The bytes of the front cover, or else of the first picture, in ID3, FLAC, Vorbis and MP4 tags; empty when none.

@@ -72,6 +72,13 @@ protected:
 
 const std::string kSmallPng("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
 
+void PutBytes(const fs::path& name, std::streamoff at, const std::string& bytes)
+{
+    std::fstream file(name, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(at);
+    file << bytes;
+}
+
 // In place of those that the track has.
 void PutPicture(const fs::path& ogg, const std::string& bytes)
 {
@@ -216,18 +223,39 @@ TEST_F(MusicFolder, ThatIsEmptyHasNoTracks)
     EXPECT_TRUE(warnings.empty());
 }
 
-TEST_F(MusicFolder, SkipsEachFileThatIsNoAudioWithOneWarning)
+TEST_F(MusicFolder, SkipsEachNonAudioFileWithOneWarning)
 {
+    const std::string text(5000, 't');
+    std::size_t count = 0;
     CopySample("good.ogg");
-    Write("notes.txt", "no music");
-    Write("fake.mp3", "no music either");
-    Write("empty.flac", "");
+    for (const char* extension : {"txt", "mp3", "flac", "ogg", "opus", "wav", "aiff", "m4a", "wma", "wv", "ape", "mpc",
+                                  "tta", "mod", "s3m", "it", "xm"})
+        for (const std::string& contents : {std::string(), std::string("no music"), text})
+            Write(std::to_string(count++) + "." + extension, contents);
 
     const Library library = Read();
 
     EXPECT_EQ(library.tracks.size(), 1U);
-    ASSERT_EQ(warnings.size(), 3U);
-    EXPECT_EQ(warnings[0], "skipped " + (folder.path / "empty.flac").string() + ": no audio file");
+    for (const auto& track : library.tracks) EXPECT_EQ(track->title, "Rain on Copper");
+    ASSERT_EQ(warnings.size(), count);
+    EXPECT_EQ(warnings[0], "skipped " + (folder.path / "0.txt").string() + ": not an audio file");
+}
+
+TEST_F(MusicFolder, ListsAudioOfUnknownLength)
+{
+    // The number of samples is the last 36 bits before the checksum, as it is after writing to a pipe.
+    PutBytes(folder.CopySample("pipe.flac", "Tide Tables/2 Slack Tide.flac"), 22, std::string(4, '\0'));
+    // Four channels, no samples, no length.
+    Write("tracker.mod", "tracker" + std::string(1080 - 7, '\0') + "M.K." + std::string(1024, '\0'));
+
+    const Library library = Read();
+
+    EXPECT_EQ(warnings, std::vector<std::string>{});
+    ASSERT_EQ(library.tracks.size(), 2U);
+    EXPECT_EQ(library.tracks[0]->title, "Slack Tide");
+    EXPECT_EQ(library.tracks[0]->lengthMs, 0);
+    EXPECT_EQ(library.tracks[1]->title, "tracker");
+    EXPECT_EQ(library.tracks[1]->lengthMs, 0);
 }
 
 TEST_F(MusicFolder, SkipsAFileThatIsCutOff)
