@@ -99,7 +99,7 @@ bool MayRead(const std::string& file)
 
 std::string WhyNot(const std::string& file)
 {
-    return MayRead(file) ? "not an audio file" : std::generic_category().message(errno);
+    return MayRead(file) ? "not a supported audio file" : std::generic_category().message(errno);
 }
 
 // What the cache holds of each file, once the unknown ones have been read.

@@ -238,7 +238,7 @@ TEST_F(MusicFolder, SkipsEachNonAudioFileWithOneWarning)
     EXPECT_EQ(library.tracks.size(), 1U);
     for (const auto& track : library.tracks) EXPECT_EQ(track->title, "Rain on Copper");
     ASSERT_EQ(warnings.size(), count);
-    EXPECT_EQ(warnings[0], "skipped " + (folder.path / "0.txt").string() + ": not an audio file");
+    EXPECT_EQ(warnings[0], "skipped " + (folder.path / "0.txt").string() + ": not a supported audio file");
 }
 
 TEST_F(MusicFolder, ListsAudioOfUnknownLength)

@@ -553,7 +553,7 @@ TEST_F(Service, SumsUpWhatIsWrongWithManyFiles)
     const ipodsim::Simulator service(options);
 
     ASSERT_EQ(warnings.size(), 11U);
-    EXPECT_EQ(warnings[9], "skipped " + (folder.path / "Phone/106.ogg").string() + ": not an audio file");
+    EXPECT_EQ(warnings[9], "skipped " + (folder.path / "Phone/106.ogg").string() + ": not a supported audio file");
     EXPECT_EQ(warnings[10], "and 791 more warnings like these");
 }
 
