@@ -1,17 +1,22 @@
 #include "music/tag_reader.h"
 
+#include <taglib/apefile.h>
+#include <taglib/apetag.h>
+#include <taglib/asffile.h>
 #include <taglib/attachedpictureframe.h>
 #include <taglib/fileref.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/modproperties.h>
 #include <taglib/mp4file.h>
-#include <taglib/mpcproperties.h>
+#include <taglib/mpcfile.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
 #include <taglib/tfilestream.h>
 #include <taglib/tpropertymap.h>
+#include <taglib/trueaudiofile.h>
 #include <taglib/wavfile.h>
+#include <taglib/wavpackfile.h>
 #include <taglib/xiphcomment.h>
 
 #include <algorithm>
@@ -58,19 +63,58 @@ Bytes PictureIn(const TagLib::MP4::Tag* tag)
     return covers.isEmpty() ? Bytes{} : ToBytes(covers.front().data());
 }
 
-Bytes PictureIn(TagLib::FLAC::File& flac)
+Bytes PictureIn(const TagLib::ASF::Tag* tag)
 {
-    Bytes picture = PictureIn(flac.pictureList());
-    return picture.empty() ? PictureIn(flac.ID3v2Tag()) : picture;
+    if (tag == nullptr || !tag->contains("WM/Picture")) return {};
+    const TagLib::ASF::AttributeList pictures = tag->attribute("WM/Picture");
+    for (const TagLib::ASF::Attribute& attribute : pictures)
+        if (attribute.toPicture().type() == TagLib::ASF::Picture::FrontCover)
+            return ToBytes(attribute.toPicture().picture());
+    return ToBytes(pictures.front().toPicture().picture());
+}
+
+// The item holds the name of a file, a NUL, and the picture.
+Bytes PictureIn(const TagLib::APE::Tag* tag)
+{
+    if (tag == nullptr) return {};
+    for (const char* key : {"COVER ART (FRONT)", "COVER ART (BACK)"})
+    {
+        if (!tag->itemListMap().contains(key)) continue;
+        const TagLib::ByteVector item = tag->itemListMap()[key].binaryData();
+        const int name = item.find('\0');
+        if (name >= 0) return ToBytes(item.mid(static_cast<unsigned>(name) + 1));
+    }
+    return {};
+}
+
+const TagLib::ID3v2::Tag* Id3Of(TagLib::File& file)
+{
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return mpeg->ID3v2Tag();
+    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(&file)) return flac->ID3v2Tag();
+    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(&file)) return wav->ID3v2Tag();
+    if (auto* tta = dynamic_cast<TagLib::TrueAudio::File*>(&file)) return tta->ID3v2Tag();
+    return dynamic_cast<TagLib::ID3v2::Tag*>(file.tag());
+}
+
+const TagLib::APE::Tag* ApeOf(TagLib::File& file)
+{
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return mpeg->APETag();
+    if (auto* wavPack = dynamic_cast<TagLib::WavPack::File*>(&file)) return wavPack->APETag();
+    if (auto* ape = dynamic_cast<TagLib::APE::File*>(&file)) return ape->APETag();
+    if (auto* musepack = dynamic_cast<TagLib::MPC::File*>(&file)) return musepack->APETag();
+    return nullptr;
 }
 
 Bytes PictureIn(TagLib::File& file)
 {
-    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return PictureIn(mpeg->ID3v2Tag());
-    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(&file)) return PictureIn(*flac);
-    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(&file)) return PictureIn(mp4->tag());
-    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(&file)) return PictureIn(wav->ID3v2Tag());
-    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag())) return PictureIn(ogg->pictureList());
+    auto* const flac = dynamic_cast<TagLib::FLAC::File*>(&file);
+    auto* const xiph = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag());
+    if (flac != nullptr && !flac->pictureList().isEmpty()) return PictureIn(flac->pictureList());
+    if (xiph != nullptr && !xiph->pictureList().isEmpty()) return PictureIn(xiph->pictureList());
+    for (Bytes picture :
+         {PictureIn(Id3Of(file)), PictureIn(ApeOf(file)), PictureIn(dynamic_cast<TagLib::MP4::Tag*>(file.tag())),
+          PictureIn(dynamic_cast<TagLib::ASF::Tag*>(file.tag()))})
+        if (!picture.empty()) return picture;
     return {};
 }
 

@@ -13,6 +13,6 @@ namespace ipodsim
 /// Empty if it is not an audio file; never throws for what a file holds.
 std::optional<Track> ReadTrack(const std::string& file);
 
-/// The bytes of the front cover, or else of the first picture, in ID3, FLAC, Vorbis and MP4 tags; empty when none.
+/// The bytes of the front cover, or else of the first picture, in any tag that may hold one; empty when none.
 Bytes ReadEmbeddedPicture(const std::string& file);
 }  // namespace ipodsim
