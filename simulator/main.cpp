@@ -53,13 +53,11 @@ void Say(const std::string& line)
 
 std::string ReadWhole(const std::string& name)
 {
-    constexpr std::size_t kMost = std::size_t{8} << 20U;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "rb"), &std::fclose);
-    std::string text(kMost + 1, '\0');
+    std::string text(ipodsim::kLargestScenario + 1, '\0');
     text.resize(file == nullptr ? 0 : std::fread(text.data(), 1, text.size(), file.get()));
     if (file == nullptr || std::ferror(file.get()) != 0)
         throw std::runtime_error(name + ": " + std::generic_category().message(errno));
-    if (text.size() > kMost) throw std::runtime_error(name + ": expected a scenario of at most 8 MiB");
     return text;
 }
 

@@ -79,6 +79,8 @@ public:
 
     /// What a time of the track's clock takes.
     double RealSeconds(double seconds) const { return seconds / m_settings.speed; }
+    /// What passes on the track's clock in that time.
+    double TrackSeconds(double seconds) const { return seconds * m_settings.speed; }
     /// Does work after so much time of the track's clock.
     void AfterSeconds(double seconds, std::function<void()> work);
 

@@ -234,7 +234,8 @@ TEST_F(BuiltinService, RefusesWhatIsNoEvent)
     EXPECT_THAT(client.Control("CallSequence", g_variant_new("(a{sv}a(ud))", nullptr, nullptr)),
                 HasSubstr("at least one"));
     EXPECT_THAT(client.Control("Fault", g_variant_new("(sssu)", "", "dely", "", 0U)), HasSubstr("expected one of"));
-    EXPECT_THAT(client.Control("RunScenario", g_variant_new("(s)", "{\n}")), HasSubstr("line 1, column 1: expected"));
+    EXPECT_THAT(client.Control("RunScenario", g_variant_new("(s)", "{\n}")),
+                HasSubstr("steps: expected an array of steps, got nothing"));
     EXPECT_FALSE(service.PressButton("eject"));
 }
 
@@ -263,6 +264,24 @@ TEST_F(BuiltinService, RunsAScenario)
     EXPECT_THAT(client.signals,
                 ElementsAre("OnIpodSourceValidStatusChange (false,)", "OnIpodAppBundleNameChange ('com.example.maps',)",
                             "ScenarioEnded ('Short',)"));
+}
+
+TEST_F(Service, AnswersWhileAScenarioOfManyStepsRuns)
+{
+    std::vector<std::string> warnings;
+    ipodsim::Options options = Quiet();
+    options.warn = [&](const std::string& line) { warnings.push_back(line); };
+    ipodsim::Simulator service(options);
+    Client client;
+    std::string json = R"({"title": "Long", "steps": [{"time": 0, "event": "detach", "value": "nobody"})";
+    for (int i = 0; i < 20000; ++i) json += R"(,{"time": 0, "event": "location", "value": true})";
+
+    service.RunScenario(json + "]}");
+
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
+    EXPECT_TRUE(client.Receives("ScenarioEnded ('Long',)"));
+    EXPECT_EQ(client.Count("OnIpodLocationStatusChange (0x01,)"), 20000);
+    EXPECT_EQ(warnings, (std::vector<std::string>{"scenario: steps[0], detach: no device of that name is attached"}));
 }
 
 TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
