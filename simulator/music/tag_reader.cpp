@@ -118,17 +118,24 @@ Bytes PictureIn(TagLib::File& file)
     return {};
 }
 
-std::string Text(const TagLib::String& text, const std::string& fallback)
+// The values of a property, each once and separated by commas; @p otherwise if there is none.
+TagLib::String Joined(const TagLib::PropertyMap& properties, const char* name, const TagLib::String& otherwise)
 {
-    return CleanName(text.to8Bit(true), fallback);
+    TagLib::StringList values;
+    for (const TagLib::String& value : properties[name])
+        if (!value.isEmpty() && !values.contains(value)) values.append(value);
+    return values.isEmpty() ? otherwise : values.toString(", ");
 }
 
 // A track that names only the artist of its album is by that one.
-TagLib::String ArtistOf(TagLib::File* file)
+TagLib::String ArtistOf(const TagLib::PropertyMap& properties, const TagLib::Tag& tag)
 {
-    const TagLib::PropertyMap properties = file->properties();
-    const TagLib::StringList& artists = properties["ARTIST"];
-    return (artists.isEmpty() ? properties["ALBUMARTIST"] : artists).toString(", ");
+    return Joined(properties, "ARTIST", tag.artist().isEmpty() ? Joined(properties, "ALBUMARTIST", {}) : tag.artist());
+}
+
+std::string Text(const TagLib::String& text, const std::string& fallback)
+{
+    return CleanName(text.to8Bit(true), fallback);
 }
 
 // Opened for reading only: closing a file that could have been written counts as a change of its folder.
@@ -158,11 +165,12 @@ bool IsAudio(const TagLib::AudioProperties* properties)
 Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 {
     const TagLib::Tag& tag = *reference.tag();
+    const TagLib::PropertyMap properties = reference.file()->properties();
     Track track;
-    track.title = Text(tag.title(), std::filesystem::path(file).stem().string());
-    track.artist = Text(ArtistOf(reference.file()), "Unknown artist");
-    track.album = Text(tag.album(), "Unknown album");
-    track.genre = Text(tag.genre(), "Unknown genre");
+    track.title = Text(Joined(properties, "TITLE", tag.title()), std::filesystem::path(file).stem().string());
+    track.artist = Text(ArtistOf(properties, tag), "Unknown artist");
+    track.album = Text(Joined(properties, "ALBUM", tag.album()), "Unknown album");
+    track.genre = Text(Joined(properties, "GENRE", tag.genre()), "Unknown genre");
     track.number = static_cast<int>(tag.track());
     track.lengthMs = std::max(0, reference.audioProperties()->lengthInMilliseconds());
     const Bytes picture = PictureIn(*reference.file());

@@ -444,17 +444,6 @@ TEST_F(MusicFolder, NamesTheArtistOfTheAlbumWhereTheTrackNamesNone)
     EXPECT_EQ(Read().tracks.at(0)->artist, "Someone");
 }
 
-TEST_F(MusicFolder, NamesAllArtistsOfATrack)
-{
-    TagLib::FileRef file(CopySample("one.ogg").c_str());
-    TagLib::PropertyMap properties = file.file()->properties();
-    properties["ARTIST"] = TagLib::StringList("One").append("Two");
-    file.file()->setProperties(properties);
-    ASSERT_TRUE(file.save());
-
-    EXPECT_EQ(Read().tracks.at(0)->artist, "One, Two");
-}
-
 TEST_F(MusicFolder, IsNotChangedByReading)
 {
     const fs::path file = CopySample("one.ogg");

@@ -5,6 +5,7 @@
 #include <taglib/asffile.h>
 #include <taglib/attachedpictureframe.h>
 #include <taglib/fileref.h>
+#include <taglib/id3v1tag.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tpropertymap.h>
@@ -25,8 +26,7 @@ const std::string kFront("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24
 const std::string kBack("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x09\0\0\0\x09", 24);
 
 const std::string kAiff(
-    "FORM\0\0\0.AIFFCOMM\0\0\0\x12\0\1\0\0\0\0\0\x10\x40\x0E\xAC\x44\0\0\0\0\0\0SSND\0\0\0\x08\0\0\0\0\0\0\0\0",
-    54);
+    "FORM\0\0\0.AIFFCOMM\0\0\0\x12\0\1\0\0\0\0\0\x10\x40\x0E\xAC\x44\0\0\0\0\0\0SSND\0\0\0\x08\0\0\0\0\0\0\0\0", 54);
 const std::string kTta("TTA1\1\0\1\0\x10\0\x44\xAC\0\0\x44\xAC\0\0\0\0\0\0", 22);
 // One block of one second: mono, 16 bits, 44,100 Hz.
 const std::string kWavPack("wvpk\x18\0\0\0\x10\4\0\0\x44\xAC\0\0\0\0\0\0\x44\xAC\0\0\5\x18\xBC\4\0\0\0\0", 32);
@@ -137,4 +137,51 @@ TEST_F(Tags, OfMp3HavePicturesInApeTagsToo)
     TagLib::MPEG::File(path.c_str()).strip();
 
     ExpectFrontCover<TagLib::MPEG::File>(path, [](auto& file) { return file.APETag(true); });
+}
+
+TEST_F(Tags, WithSeveralValuesAreJoinedByCommasAndRepeatNone)
+{
+    for (const fs::path& path :
+         {folder.CopySample("a.ogg"), folder.CopySample("a.mp3", "长夜里的音乐/1 长夜里的音乐.mp3"),
+          folder.CopySample("a.flac", "Tide Tables/2 Slack Tide.flac"), Write("a.wv", kWavPack)})
+    {
+        SCOPED_TRACE(path);
+        {
+            TagLib::FileRef file(path.c_str());
+            TagLib::PropertyMap properties;
+            for (const char* name : {"TITLE", "ARTIST", "ALBUM", "GENRE"})
+                properties[name] = TagLib::StringList("Rock").append("Pop").append("Rock");
+            file.file()->setProperties(properties);
+            ASSERT_TRUE(file.save());
+        }
+        const auto track = ipodsim::ReadTrack(path.string());
+
+        ASSERT_TRUE(track);
+        EXPECT_EQ(track->title, "Rock, Pop");
+        EXPECT_EQ(track->artist, "Rock, Pop");
+        EXPECT_EQ(track->album, "Rock, Pop");
+        EXPECT_EQ(track->genre, "Rock, Pop");
+    }
+}
+
+TEST_F(Tags, OfTheFirstVersionAreReadWhereTheSecondHasNone)
+{
+    const fs::path path = folder.CopySample("a.mp3", "长夜里的音乐/1 长夜里的音乐.mp3");
+    {
+        TagLib::MPEG::File file(path.c_str());
+        file.strip();
+        file.ID3v2Tag(true)->setTitle("Title");
+        file.ID3v1Tag(true)->setAlbum("Album");
+        file.ID3v1Tag(true)->setArtist("Artist");
+        file.ID3v1Tag(true)->setGenre("Jazz");
+        ASSERT_TRUE(file.save(TagLib::MPEG::File::AllTags, TagLib::File::StripNone, TagLib::ID3v2::v4,
+                              TagLib::File::DoNotDuplicate));
+    }
+    const auto track = ipodsim::ReadTrack(path.string());
+
+    ASSERT_TRUE(track);
+    EXPECT_EQ(track->title, "Title");
+    EXPECT_EQ(track->artist, "Artist");
+    EXPECT_EQ(track->album, "Album");
+    EXPECT_EQ(track->genre, "Jazz");
 }
