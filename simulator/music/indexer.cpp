@@ -33,9 +33,9 @@ std::string ReadAhead(const std::string& name, Reading reading)
     return IsAscii(name) ? std::string() : Pinyin(name, reading);
 }
 
-TrackPtr ReadWithReadings(const std::string& file)
+TrackPtr ReadWithReadings(const std::string& file, const std::atomic<bool>* cancelled)
 {
-    auto track = ReadTrack(file);
+    auto track = ReadTrack(file, cancelled);
     if (!track) return nullptr;
     track->readings = {ReadAhead(track->title, Reading::Words), ReadAhead(track->artist, Reading::Person),
                        ReadAhead(track->album, Reading::Words), ReadAhead(track->genre, Reading::Words)};
@@ -72,7 +72,8 @@ private:
              begin = m_next.fetch_add(kFilesPerStep))
         {
             const std::size_t end = std::min(begin + kFilesPerStep, m_files.size());
-            for (std::size_t i = begin; i < end; ++i) tracks[i] = ReadWithReadings(m_files[i]->path);
+            for (std::size_t i = begin; i < end && !Cancelled(); ++i)
+                tracks[i] = ReadWithReadings(m_files[i]->path, m_how.cancelled);
             Count(end - begin);
         }
     }

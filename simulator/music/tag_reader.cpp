@@ -12,7 +12,6 @@
 #include <taglib/mpcfile.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
-#include <taglib/tfilestream.h>
 #include <taglib/tpropertymap.h>
 #include <taglib/trueaudiofile.h>
 #include <taglib/wavfile.h>
@@ -21,7 +20,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
+#include "music/bounded_stream.h"
 #include "music/picture.h"
 #include "music/text.h"
 
@@ -138,12 +139,14 @@ std::string Text(const TagLib::String& text, const std::string& fallback)
     return CleanName(text.to8Bit(true), fallback);
 }
 
-// Opened for reading only: closing a file that could have been written counts as a change of its folder.
 struct OpenFile
 {
-    OpenFile(const std::string& file, bool withLength) : stream(file.c_str(), true), tags(&stream, withLength) {}
+    OpenFile(const std::string& file, bool withLength, const std::atomic<bool>* cancelled)
+        : stream(file.c_str(), cancelled), tags(&stream, withLength)
+    {
+    }
 
-    TagLib::FileStream stream;
+    BoundedStream stream;
     TagLib::FileRef tags;
 };
 
@@ -181,17 +184,19 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 }
 }  // namespace
 
-std::optional<Track> ReadTrack(const std::string& file)
+std::optional<Track> ReadTrack(const std::string& file, const std::atomic<bool>* cancelled)
 {
-    const OpenFile open(file, true);
+    const OpenFile open(file, true, cancelled);
     const TagLib::FileRef& reference = open.tags;
     if (reference.isNull() || reference.tag() == nullptr || !IsAudio(reference.audioProperties())) return {};
-    return ToTrack(reference, file);
+    Track track = ToTrack(reference, file);
+    const bool complete = cancelled == nullptr || !*cancelled;
+    return complete ? std::optional<Track>(std::move(track)) : std::nullopt;
 }
 
 Bytes ReadEmbeddedPicture(const std::string& file)
 {
-    const OpenFile open(file, false);
+    const OpenFile open(file, false, nullptr);
     return open.tags.isNull() ? Bytes{} : PictureIn(*open.tags.file());
 }
 }  // namespace ipodsim
