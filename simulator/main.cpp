@@ -126,7 +126,7 @@ void Serve(Arguments arguments)
     const std::string scenario = arguments.scenarioFile.empty() ? "" : ReadScenario(arguments.scenarioFile);
     ipodsim::Simulator simulator(arguments.options);
     Run(simulator, arguments, scenario, wishes, bar);
-    if (wishes.busLost) throw std::runtime_error("the session bus went away");
+    if (wishes.busLost) throw std::runtime_error("no longer on the session bus");
 }
 
 void AddOptions(CLI::App& app, Arguments& arguments)

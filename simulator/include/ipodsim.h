@@ -53,7 +53,8 @@ struct Options
     std::function<void(std::size_t done, std::size_t all)> progress;
     /// Receives the title of a scenario after its last step. Called on the service's thread.
     std::function<void(const std::string&)> scenarioEnded;
-    /// Called on the service's thread when the bus goes away; nothing reaches the service from then on.
+    /// Called on the service's thread when the bus disconnects, or when another process has taken one of the names
+    /// during a restart storm; nothing reaches the service from then on.
     std::function<void()> busLost;
 };
 
@@ -135,6 +136,7 @@ public:
     /// lists the kinds.
     /// @throws std::runtime_error  there is no such fault; the message says what was expected
     void Fault(const std::string& fault);
+    /// Disarms all faults and ends a restart storm.
     void ClearFaults();
     /// @}
 
