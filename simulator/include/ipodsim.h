@@ -126,7 +126,7 @@ public:
     /// @}
 
     /// @name What it was asked @{
-    /// The last ten thousand calls of a method, or of all, the oldest first.
+    /// The last ten thousand calls of a method, or of all, the oldest first; fewer if they hold more than 32 MiB.
     std::vector<Call> Calls(const std::string& method = {}) const;
     void ClearCalls();
     /// @}
