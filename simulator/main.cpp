@@ -135,17 +135,19 @@ void AddOptions(CLI::App& app, Arguments& arguments)
     app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
     app.add_option("folder", options.musicFolder,
                    "Folder with music, whose sub-folders are devices; without it one device with a small built-in "
-                   "library");
+                   "library")
+        ->check(ipodsim::CheckNotEmpty);
     app.add_flag("--one-device", options.oneDevice, "Everything below the folder belongs to one device");
     app.add_option("--name", options.deviceName, "Name of the device with the folder's own files")
         ->check(ipodsim::CheckDeviceName)
         ->capture_default_str();
     app.add_flag("--no-cache", arguments.noCache, "Read every file, and keep nothing of what was read");
-    app.add_option("--speed", options.speed, "Factor of the clock, above 0")
+    app.add_option("--speed", options.speed, "Factor of the clock, from 0.001 to 10000")
         ->check(ipodsim::CheckSpeed)
         ->capture_default_str();
     app.add_option("--seed", options.seed, "Seed of shuffled orders")->check(ipodsim::CheckSeed)->capture_default_str();
-    app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves");
+    app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves")
+        ->check(ipodsim::CheckNotEmpty);
     app.add_option("--fault", arguments.faults,
                    "What goes wrong, as KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
         ->allow_extra_args(false);

@@ -1,12 +1,12 @@
 #include <ipodsim.h>
 
-#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <future>
 #include <thread>
 #include <utility>
 
+#include "playback/clock.h"
 #include "printable.h"
 #include "running.h"
 #include "scenario/scenario.h"
@@ -32,8 +32,8 @@ const std::string& Utf8(const char* what, const std::string& text)
 Options WithDefaults(Options options)
 {
     if (!options.warn) options.warn = WriteToStandardError;
-    if (!(options.speed > 0) || !std::isfinite(options.speed))
-        throw std::runtime_error("speed: expected a number above 0");
+    if (!(options.speed >= kSlowest && options.speed <= kFastest))
+        throw std::runtime_error("speed: expected a number between 0.001 and 10000");
     Utf8("name of the device", options.deviceName);
     return options;
 }

@@ -40,7 +40,7 @@ struct Options
     std::string cacheFolder;   ///< where what is read of files is kept; empty: nowhere
     bool waitForIndex = true;  ///< the constructor returns when all music has been read once
 
-    double speed = 1;       ///< of the clock; above 0
+    double speed = 1;       ///< factor of the clock, between 0.001 and 10000
     unsigned seed = 1;      ///< of shuffled orders; the same seed gives the same orders
     bool mayCrash = false;  ///< the faults "crash" and "crash-locked" end this process; otherwise they are refused
 

@@ -172,15 +172,22 @@ class Program(OnABus):
         self.assertEqual(os.listdir(self.folder), ["file"])
 
     def test_values_that_are_none_are_usage_errors_and_tell_what_was_expected(self):
-        for words, expected in ((["--speed", "0"], "--speed: expected a number above 0, not 0"),
-                                (["--speed", "x"], "--speed: expected a number above 0, not x"),
-                                (["--speed", "nan"], "--speed: expected a number above 0, not nan"),
-                                (["--speed", "1e999"], "--speed: expected a number above 0, not 1e999"),
-                                (["--speed", ""], "--speed: expected a number above 0, not "),
-                                (["--seed", "-1"], "--seed: expected a whole number from 0 to 4294967295, not -1"),
+        for words, expected in ((["--speed", "0"], "--speed: expected a number between 0.001 and 10000, got '0'"),
+                                (["--speed", "1e-300"], "--speed: expected a number between 0.001 and 10000, got '1e-300'"),
+                                (["--speed", "1e5"], "--speed: expected a number between 0.001 and 10000, got '1e5'"),
+                                (["--speed", "x"], "--speed: expected a number between 0.001 and 10000, got 'x'"),
+                                (["--speed", "nan"], "--speed: expected a number between 0.001 and 10000, got 'nan'"),
+                                (["--speed", "1e999"], "--speed: expected a number between 0.001 and 10000, got '1e999'"),
+                                (["--speed", ""], "--speed: expected a number between 0.001 and 10000, got ''"),
+                                (["--seed", "-1"], "--seed: expected an integer between 0 and 4294967295, got '-1'"),
                                 (["--name", ""], "--name: expected a name that is not empty"),
-                                (["--name", b"\xff"], "--name: expected UTF-8 text, not \N{REPLACEMENT CHARACTER}"),
-                                (["--fault", "delay=-1"], "fault delay: expected a number from 0 on"),
+                                (["--name", b"\xff"], "--name: expected UTF-8 text, got '\N{REPLACEMENT CHARACTER}'"),
+                                ([""], "folder: expected a name that is not empty"),
+                                (["--scenario", ""], "--scenario: expected a name that is not empty"),
+                                (["--fault", "delay=-1"],
+                                 "fault delay: expected an integer between 0 and 4294967295, got '-1'"),
+                                (["--fault", "long-record=200000000@GetCurrentMediaInfo"],
+                                 "fault long-record: expected an integer between 0 and 1048576, got '200000000'"),
                                 (["--fault", "delay", "--fault", "dely"],
                                  'fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
                                  'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
