@@ -63,6 +63,10 @@ Running::Running(const Options& options, GMainContext* context)
         Disappear();
         throw;
     }
+    if (!m_service.segments.Claim())
+        m_options.warn(
+            "another simulator, on another bus, uses the same shared memory, and each overwrites the other's pages and "
+            "artwork; give one a /dev/shm of its own, or stop it");
 }
 
 Running::~Running()

@@ -237,6 +237,24 @@ Segments::Segments()
     eapRead = Find<QBXByteVector>(m_buffers, "VecEapReadBufferShareMemory");
 }
 
+Segments::Descriptor::~Descriptor()
+{
+    if (m_number >= 0) close(m_number);
+}
+
+// A lock of the open file: it ends with the process, whatever else of it opens and closes the segment.
+bool Segments::Claim()
+{
+    m_claim = Descriptor(shm_open(kBufferSegmentName, O_RDWR | O_CLOEXEC, 0));
+    struct flock whole
+    {
+    };
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    return m_claim.Number() < 0 || fcntl(m_claim.Number(), F_OFD_SETLK, &whole) == 0 ||
+           (errno != EAGAIN && errno != EACCES);
+}
+
 void Segments::WithLock(Lock lock, std::function<void()> work)
 {
     (lock == Lock::Lists ? m_lists : m_buffers).atomic_func(work);

@@ -120,6 +120,48 @@ class Program(OnABus):
                 self.assertIn(process.wait(timeout=LIMIT), (0, -signal.SIGTERM))
                 self.assertFalse(self.has_owner())
 
+    def huge_files(self, count):
+        """A folder with files of gigabytes in which there is no audio."""
+        folder = os.path.join(self.folder, "huge")
+        os.mkdir(folder)
+        for number in range(count):
+            with open(os.path.join(folder, f"{number}.mp3"), "wb") as file:
+                file.truncate(3 << 30)
+        with open(os.path.join(folder, "list.m3u"), "wb") as file:
+            file.truncate(3 << 30)
+        return folder
+
+    def test_does_not_read_files_of_gigabytes_to_their_end(self):
+        process = self.launch("--no-cache", self.huge_files(1))
+        self.assertIn("ready: 0 songs", line_within(process.stdout, LIMIT))
+        process.send_signal(signal.SIGTERM)
+        _, err = process.communicate(timeout=LIMIT)
+        self.assertIn("list.m3u: larger than 16 MiB\n", err)
+
+    def test_ends_while_it_reads_a_large_file(self):
+        process = self.launch("--no-cache", self.huge_files(200))
+        self.assertTrue(within(LIMIT, self.has_owner))
+        time.sleep(0.3)
+        begin = time.monotonic()
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=LIMIT), 0)
+        self.assertLess(time.monotonic() - begin, 5)
+
+    def test_warns_of_another_one_on_another_bus(self):
+        first = self.start()
+        bus = Bus()
+        self.addCleanup(bus.stop)
+        own, self.environment = self.environment, bus.environment
+        second = self.start()
+        self.environment = own
+        for process, warned in ((second, True), (first, False)):
+            process.send_signal(signal.SIGTERM)
+            _, err = process.communicate(timeout=LIMIT)
+            self.assertEqual("warning: another simulator, on another bus, uses the same shared memory" in err, warned, err)
+        third = self.start()
+        third.send_signal(signal.SIGTERM)
+        self.assertEqual(third.communicate(timeout=LIMIT)[1], "", "the claim went with the first")
+
     def test_a_second_one_tells_which_process_is_in_its_way(self):
         first = self.start()
         self.assertEqual(self.refusal(), "ipod-simulator: another simulator or service is running on this bus: "
