@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "faults/fault_table.h"
 #include "playback/clock.h"
 #include "printable.h"
 #include "running.h"
@@ -253,6 +254,7 @@ bool Simulator::SendEapData(std::uint16_t session, const std::vector<unsigned ch
 
 std::vector<Call> Simulator::Calls(const std::string& method) const
 {
+    if (!method.empty()) RequireMethod(method);
     std::vector<Call> calls;
     m_host->Tell(
         [&](const Service& service)

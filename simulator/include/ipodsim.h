@@ -127,6 +127,7 @@ public:
 
     /// @name What it was asked @{
     /// The last ten thousand calls of a method, or of all, the oldest first; fewer if they hold more than 32 MiB.
+    /// @throws std::runtime_error  the interface has no such method; the message names the nearest one
     std::vector<Call> Calls(const std::string& method = {}) const;
     void ClearCalls();
     /// @}

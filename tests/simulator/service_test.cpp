@@ -193,6 +193,7 @@ TEST_F(BuiltinService, TellsWhatItWasAsked)
     EXPECT_EQ(calls[1].arguments, "(90,)");
     EXPECT_EQ(calls[1].answer, "()");
     EXPECT_EQ(service.Calls("Seek").size(), 1U);
+    EXPECT_THROW(service.Calls("Sekk"), std::runtime_error);
     service.ClearCalls();
     EXPECT_TRUE(service.Calls().empty());
 }

@@ -388,6 +388,33 @@ class Faults(OnABus):
         self.control("Fault", "GetDeviceList", "half-filled", "", "1")
         self.assertEqual(self.ask("GetDeviceList"), "(true,)")
 
+    def owner(self):
+        return subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
+                               "--method", "org.freedesktop.DBus.GetNameOwner", "com.zarn.linux.ipod"],
+                              env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
+
+    def until_done(self, method, *arguments):
+        self.assertTrue(within(LIMIT, lambda: self.control(method, *arguments).returncode == 0), (method, *arguments))
+
+    def test_a_restart_storm_gives_way_to_another_and_ends_when_faults_are_cleared(self):
+        process = self.start()
+        before = self.owner()
+        for times in ("10000", "20000", "10000"):
+            self.until_done("Fault", "", "restart-storm", times, "0")
+            self.assertTrue(within(LIMIT, lambda: self.owner() not in (before, "")))
+        self.until_done("ClearFaults")
+        time.sleep(1)
+        after = self.owner()
+        time.sleep(1)
+        self.assertEqual((self.owner(), process.poll()), (after, None))
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+
+    def test_calls_of_a_method_that_does_not_exist_are_an_error(self):
+        self.start()
+        self.assertIn("no method of the interface is named 'getplaystats', the nearest is 'GetPlayStatus'",
+                      self.control("GetCalls", "getplaystats").stderr)
+        self.assertEqual(self.control("GetCalls", "GetPlayStatus").stdout, "(@a(tssavsav) [],)\n")
+
     def test_are_armed_and_cleared_over_the_bus(self):
         self.start("--fault", "error@GetPlayStatus")
         self.assertEqual(self.ask("GetPlayStatus"), "")
