@@ -184,7 +184,8 @@ TEST(Picture, BeginsWithAHeadAndNotWithASignatureOnly)
     EXPECT_TRUE(isPicture(kSmallPng));
     EXPECT_TRUE(isPicture("\xFF\xD8\xFF\xE0" + noise));
     EXPECT_TRUE(isPicture(std::string("GIF89a\5\0\6\0", 10)));
-    EXPECT_TRUE(isPicture(bmp + std::string("\x28\0\0\0", 4) + noise));
+    for (const int length : {12, 16, 40, 52, 56, 64, 108, 124})
+        EXPECT_TRUE(isPicture(bmp + static_cast<char>(length) + std::string(3, '\0') + noise)) << length;
     EXPECT_TRUE(isPicture(riff + "WEBPVP8L" + noise));
     for (const std::string& rubbish :
          {kSmallPng.substr(0, 8), kSmallPng.substr(0, 8) + noise, kSmallPng.substr(0, 16) + std::string(8, '\0'),
