@@ -75,6 +75,14 @@ std::string ReadScenario(const std::string& name)
     return text;
 }
 
+// A relative XDG_CACHE_HOME is invalid and ignored.
+std::string CacheFolder()
+{
+    const std::string folder = g_get_user_cache_dir();
+    const bool valid = g_path_is_absolute(folder.c_str()) != FALSE;
+    return (valid ? folder : std::string(g_get_home_dir()) + "/.cache") + "/ipod-simulator";
+}
+
 void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, Wishes& wishes, bool verbose)
 {
     options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + ipodsim::Printable(line)); };
@@ -122,7 +130,7 @@ void Serve(Arguments arguments)
     SetCallbacks(arguments.options, bar, wishes, arguments.verbose);
     arguments.options.mayCrash = true;
     arguments.options.waitForIndex = false;
-    if (!arguments.noCache) arguments.options.cacheFolder = std::string(g_get_user_cache_dir()) + "/ipod-simulator";
+    if (!arguments.noCache) arguments.options.cacheFolder = CacheFolder();
     const std::string scenario = arguments.scenarioFile.empty() ? "" : ReadScenario(arguments.scenarioFile);
     ipodsim::Simulator simulator(arguments.options);
     Run(simulator, arguments, scenario, wishes, bar);

@@ -292,6 +292,16 @@ class Program(OnABus):
                 os.truncate(f"{self.folder}/cache/ipod-simulator/{kept[0]}", 50)
 
 
+    def test_ignores_a_relative_cache_folder(self):
+        music = self.sample_music()
+        self.environment.update(XDG_CACHE_HOME="relative", HOME=f"{self.folder}/home")
+        process = self.start(music, cwd=self.folder)
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=LIMIT), 0)
+        self.assertNotIn("relative", os.listdir(self.folder))
+        self.assertEqual(len(os.listdir(f"{self.folder}/home/.cache/ipod-simulator")), 1)
+
+
 class InATest(OnABus):
     def run_example(self):
         if not OPTIONS.example:
