@@ -51,17 +51,17 @@ public:
 
     void WaitForNext()
     {
-        const bool over = m_next == m_scenario.steps.size();
-        const double last = m_scenario.steps.empty() ? 0 : m_scenario.steps.back().seconds;
-        const double due = over ? last : m_scenario.steps[m_next].seconds;
+        const double due = Over() ? 0 : m_scenario.steps[m_next].seconds;
         const double passed = m_service.TrackSeconds(static_cast<double>(g_get_monotonic_time() - m_start) / 1e6);
         m_service.AfterSeconds(due - passed, [self = shared_from_this()] { self->Next(); });
     }
 
 private:
+    bool Over() const { return m_next == m_scenario.steps.size(); }
+
     void Next()
     {
-        if (m_next < m_scenario.steps.size())
+        if (!Over())
         {
             Run(m_scenario.steps[m_next++]);
             WaitForNext();
