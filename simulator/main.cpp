@@ -53,13 +53,11 @@ void Say(const std::string& line)
 
 std::string ReadWhole(const std::string& name)
 {
-    constexpr std::size_t kMost = std::size_t{8} << 20U;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "rb"), &std::fclose);
-    std::string text(kMost + 1, '\0');
+    std::string text(ipodsim::kLargestScenario + 1, '\0');
     text.resize(file == nullptr ? 0 : std::fread(text.data(), 1, text.size(), file.get()));
     if (file == nullptr || std::ferror(file.get()) != 0)
         throw std::runtime_error(name + ": " + std::generic_category().message(errno));
-    if (text.size() > kMost) throw std::runtime_error(name + ": expected a scenario of at most 8 MiB");
     return text;
 }
 
@@ -75,6 +73,14 @@ std::string ReadScenario(const std::string& name)
         throw std::runtime_error(name + ": " + error.what());
     }
     return text;
+}
+
+// A relative XDG_CACHE_HOME is invalid and ignored.
+std::string CacheFolder()
+{
+    const std::string folder = g_get_user_cache_dir();
+    const bool valid = g_path_is_absolute(folder.c_str()) != FALSE;
+    return (valid ? folder : std::string(g_get_home_dir()) + "/.cache") + "/ipod-simulator";
 }
 
 void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, Wishes& wishes, bool verbose)
@@ -124,11 +130,11 @@ void Serve(Arguments arguments)
     SetCallbacks(arguments.options, bar, wishes, arguments.verbose);
     arguments.options.mayCrash = true;
     arguments.options.waitForIndex = false;
-    if (!arguments.noCache) arguments.options.cacheFolder = std::string(g_get_user_cache_dir()) + "/ipod-simulator";
+    if (!arguments.noCache) arguments.options.cacheFolder = CacheFolder();
     const std::string scenario = arguments.scenarioFile.empty() ? "" : ReadScenario(arguments.scenarioFile);
     ipodsim::Simulator simulator(arguments.options);
     Run(simulator, arguments, scenario, wishes, bar);
-    if (wishes.busLost) throw std::runtime_error("the session bus went away");
+    if (wishes.busLost) throw std::runtime_error("no longer on the session bus");
 }
 
 void AddOptions(CLI::App& app, Arguments& arguments)
@@ -137,17 +143,19 @@ void AddOptions(CLI::App& app, Arguments& arguments)
     app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
     app.add_option("folder", options.musicFolder,
                    "Folder with music, whose sub-folders are devices; without it one device with a small built-in "
-                   "library");
+                   "library")
+        ->check(ipodsim::CheckNotEmpty);
     app.add_flag("--one-device", options.oneDevice, "Everything below the folder belongs to one device");
     app.add_option("--name", options.deviceName, "Name of the device with the folder's own files")
         ->check(ipodsim::CheckDeviceName)
         ->capture_default_str();
     app.add_flag("--no-cache", arguments.noCache, "Read every file, and keep nothing of what was read");
-    app.add_option("--speed", options.speed, "Factor of the clock, above 0")
+    app.add_option("--speed", options.speed, "Factor of the clock, from 0.001 to 10000")
         ->check(ipodsim::CheckSpeed)
         ->capture_default_str();
     app.add_option("--seed", options.seed, "Seed of shuffled orders")->check(ipodsim::CheckSeed)->capture_default_str();
-    app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves");
+    app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves")
+        ->check(ipodsim::CheckNotEmpty);
     app.add_option("--fault", arguments.faults,
                    "What goes wrong, as KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
         ->allow_extra_args(false);

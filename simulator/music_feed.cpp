@@ -80,7 +80,11 @@ std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFold
     {
         // Watched before it is read, so that no change falls in between.
         FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, warn,
-                                     [this](const std::string& folder) { m_watch->Add(folder); });
+                                     [this](const std::string& folder)
+                                     {
+                                         m_watch->Add(folder);
+                                         return !m_stop;
+                                     });
         const std::uint64_t fingerprint = Fingerprint(scan);
         const auto before = m_known.find(device.path);
         if (before == m_known.end() || before->second != fingerprint) changes.push_back({device, std::move(scan)});

@@ -3,11 +3,11 @@
 #include <glib.h>
 
 #include <charconv>
-#include <cmath>
 #include <stdexcept>
 #include <system_error>
 
 #include "faults/faults.h"
+#include "playback/clock.h"
 
 namespace ipodsim
 {
@@ -16,7 +16,8 @@ std::string CheckSpeed(const std::string& text)
     char* end = nullptr;
     const double speed = g_ascii_strtod(text.c_str(), &end);
     const bool whole = !text.empty() && end == text.c_str() + text.size();
-    return whole && std::isfinite(speed) && speed > 0 ? "" : "expected a number above 0, not " + text;
+    const bool fits = whole && speed >= kSlowest && speed <= kFastest;
+    return fits ? "" : "expected a number between 0.001 and 10000, got '" + text + "'";
 }
 
 std::string CheckSeed(const std::string& text)
@@ -24,14 +25,19 @@ std::string CheckSeed(const std::string& text)
     unsigned seed = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seed);
     const bool whole = error == std::errc() && end == text.data() + text.size();
-    return whole ? "" : "expected a whole number from 0 to 4294967295, not " + text;
+    return whole ? "" : "expected an integer between 0 and 4294967295, got '" + text + "'";
+}
+
+std::string CheckNotEmpty(const std::string& name)
+{
+    return name.empty() ? "expected a name that is not empty" : "";
 }
 
 std::string CheckDeviceName(const std::string& name)
 {
-    if (name.empty()) return "expected a name that is not empty";
+    if (name.empty()) return CheckNotEmpty(name);
     const bool valid = g_utf8_validate(name.data(), static_cast<gssize>(name.size()), nullptr) != FALSE;
-    return valid ? "" : "expected UTF-8 text, not " + name;
+    return valid ? "" : "expected UTF-8 text, got '" + name + "'";
 }
 
 std::string CheckFault(const std::string& fault)

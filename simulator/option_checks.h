@@ -1,6 +1,6 @@
 /// @file
-/// What the values of the command line must be. Each answers what was expected of one that is none, and nothing of
-/// one that is, as CLI11 wants its checks.
+/// Checks of the command line's values, as CLI11 wants them: each returns what was expected, or nothing for a valid
+/// value.
 #pragma once
 
 #include <string>
@@ -9,6 +9,7 @@ namespace ipodsim
 {
 std::string CheckSpeed(const std::string& text);
 std::string CheckSeed(const std::string& text);
+std::string CheckNotEmpty(const std::string& name);
 std::string CheckDeviceName(const std::string& name);
 std::string CheckFault(const std::string& fault);
 }  // namespace ipodsim

@@ -63,6 +63,10 @@ Running::Running(const Options& options, GMainContext* context)
         Disappear();
         throw;
     }
+    if (!m_service.segments.Claim())
+        m_options.warn(
+            "another simulator, on another bus, uses the same shared memory, and each overwrites the other's pages and "
+            "artwork; give one a /dev/shm of its own, or stop it");
 }
 
 Running::~Running()
@@ -101,29 +105,40 @@ void Running::Disappear()
     m_bus.reset();
 }
 
+// Another storm takes the place of one that is under way; none at all ends it.
 void Running::Restart(unsigned times)
 {
-    if (times == 0) return;
-    // Not from within a request, whose connection would go.
+    m_restarts = times;
+    if (times == 0 || m_storming) return;
+    m_storming = true;
+    LeaveSoon();
+}
+
+// Not from within a request, whose connection would go.
+void Running::LeaveSoon()
+{
     m_service.agenda.After(kBackMs,
-                           [this, times]
+                           [this]
                            {
+                               m_storming = m_restarts != 0;
+                               if (!m_storming) return;
+                               --m_restarts;
                                Disappear();
                                m_service.Reset();
-                               m_service.agenda.After(kAwayMs, [this, times] { Return(times); });
+                               m_service.agenda.After(kAwayMs, [this] { Return(); });
                            });
 }
 
-void Running::Return(unsigned times)
+void Running::Return()
 {
     try
     {
         Appear();
-        Restart(times - 1);
+        LeaveSoon();
     }
     catch (const std::exception& error)
     {
-        m_options.warn(std::string("the service does not come back: ") + error.what());
+        m_options.warn(std::string("cannot return to the bus: ") + error.what());
         m_bus.reset();
         if (m_options.busLost) m_options.busLost();
     }

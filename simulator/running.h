@@ -39,13 +39,16 @@ private:
     void Appear();
     void Disappear();
     void Restart(unsigned times);
-    void Return(unsigned times);
+    void LeaveSoon();
+    void Return();
 
     Options m_options;
     ObjectPtr<ComZarnLinuxIpod> m_skeleton{com_zarn_linux_ipod_skeleton_new()};
     ObjectPtr<ComZarnLinuxIpodSimulator> m_control{com_zarn_linux_ipod_simulator_skeleton_new()};
     std::unique_ptr<Bus> m_bus;
     bool m_indexed = false;
+    unsigned m_restarts = 0;  // left in a storm
+    bool m_storming = false;
     Service m_service;
     std::unique_ptr<MusicFeed> m_feed;
 };

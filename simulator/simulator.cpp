@@ -1,12 +1,13 @@
 #include <ipodsim.h>
 
-#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <future>
 #include <thread>
 #include <utility>
 
+#include "faults/fault_table.h"
+#include "playback/clock.h"
 #include "printable.h"
 #include "running.h"
 #include "scenario/scenario.h"
@@ -32,8 +33,8 @@ const std::string& Utf8(const char* what, const std::string& text)
 Options WithDefaults(Options options)
 {
     if (!options.warn) options.warn = WriteToStandardError;
-    if (!(options.speed > 0) || !std::isfinite(options.speed))
-        throw std::runtime_error("speed: expected a number above 0");
+    if (!(options.speed >= kSlowest && options.speed <= kFastest))
+        throw std::runtime_error("speed: expected a number between 0.001 and 10000");
     Utf8("name of the device", options.deviceName);
     return options;
 }
@@ -253,6 +254,7 @@ bool Simulator::SendEapData(std::uint16_t session, const std::vector<unsigned ch
 
 std::vector<Call> Simulator::Calls(const std::string& method) const
 {
+    if (!method.empty()) RequireMethod(method);
     std::vector<Call> calls;
     m_host->Tell(
         [&](const Service& service)

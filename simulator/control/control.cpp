@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "control/call_fields.h"
+#include "faults/fault_table.h"
 #include "faults/faults.h"
 #include "scenario/scenario.h"
 #include "service/answer.h"
@@ -165,6 +166,7 @@ GVariant* ToVariant(const LoggedCall& call)
 
 GVariant* GetCalls(Service& service, const gchar* method)
 {
+    if (*method != '\0') RequireMethod(method);
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a(tssavsav)"));
     for (const LoggedCall& call : service.calls.Calls())

@@ -3,7 +3,11 @@
 #include <ipod_dbus.h>
 
 #include <algorithm>
+#include <numeric>
+#include <stdexcept>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace ipodsim
 {
@@ -12,6 +16,24 @@ namespace
 GDBusInterfaceInfo* Interface()
 {
     return com_zarn_linux_ipod_interface_info();
+}
+
+// How many characters must be added, removed, or replaced to make one text of the other, whatever their case.
+std::size_t Distance(const std::string& from, const std::string& to)
+{
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i)
+    {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j)
+        {
+            const std::size_t replaced = diagonal + (g_ascii_tolower(from[i]) == g_ascii_tolower(to[j]) ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
 }
 
 bool IsMethod(const std::string& name)
@@ -83,6 +105,15 @@ bool FalsifiesContent(FaultKind kind)
 bool IsMember(const std::string& name)
 {
     return IsMethod(name) || g_dbus_interface_info_lookup_signal(Interface(), name.c_str()) != nullptr;
+}
+
+void RequireMethod(const std::string& name)
+{
+    if (IsMethod(name)) return;
+    std::string nearest;
+    for (GDBusMethodInfo** method = Interface()->methods; *method != nullptr; ++method)
+        if (nearest.empty() || Distance(name, (*method)->name) < Distance(name, nearest)) nearest = (*method)->name;
+    throw std::runtime_error("no method of the interface is named '" + name + "', the nearest is '" + nearest + "'");
 }
 
 bool Fits(FaultKind kind, const std::string& member, bool byName)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -25,15 +26,19 @@ struct KindRow
     const char* name;
     FaultKind kind;
     Parameter parameter;
+    std::uint32_t most = std::numeric_limits<std::uint32_t>::max();  // of a number
 };
+
+// D-Bus carries 64 MiB, of which a log of calls has to hold several.
+constexpr std::uint32_t kLongestRecord = 1U << 20U;
 
 constexpr KindRow kKinds[] = {
     {"delay", FaultKind::Delay, Parameter::Number},
     {"no-reply", FaultKind::NoReply, Parameter::None},
     {"error", FaultKind::Error, Parameter::ErrorName},
     {"wrong-type", FaultKind::WrongType, Parameter::None},
-    {"short-record", FaultKind::ShortRecord, Parameter::Number},
-    {"long-record", FaultKind::LongRecord, Parameter::Number},
+    {"short-record", FaultKind::ShortRecord, Parameter::Number, kLongestRecord},
+    {"long-record", FaultKind::LongRecord, Parameter::Number, kLongestRecord},
     {"half-filled", FaultKind::HalfFilled, Parameter::None},
     {"unterminated", FaultKind::Unterminated, Parameter::None},
     {"bad-message", FaultKind::BadMessage, Parameter::None},
@@ -53,11 +58,12 @@ const KindRow& RowOf(const std::string& name)
     throw std::runtime_error("fault: expected one of " + names + ", not \"" + name + "\"");
 }
 
-std::optional<std::uint32_t> ToNumber(const std::string& text)
+std::optional<std::uint32_t> ToNumber(const std::string& text,
+                                      std::uint32_t most = std::numeric_limits<std::uint32_t>::max())
 {
     std::uint32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size()) return {};
+    if (error != std::errc() || end != text.data() + text.size() || number > most) return {};
     return number;
 }
 
@@ -78,7 +84,8 @@ void CheckParameter(const KindRow& row, const std::string& parameter)
 {
     if (parameter.empty()) return;
     if (row.parameter == Parameter::None) Refuse(row, "no parameter");
-    if (row.parameter == Parameter::Number && !ToNumber(parameter)) Refuse(row, "a number from 0 on");
+    if (row.parameter == Parameter::Number && ToNumber(parameter, row.most) == std::nullopt)
+        Refuse(row, "an integer between 0 and " + std::to_string(row.most) + ", got '" + parameter + "'");
     if (row.parameter == Parameter::ErrorName && !IsErrorName(parameter))
         Refuse(row, "the name of an error, such as com.example.Error.Busy");
     if (row.parameter == Parameter::Segment && parameter != "lists" && parameter != "buffers")

@@ -40,7 +40,7 @@ struct Options
     std::string cacheFolder;   ///< where what is read of files is kept; empty: nowhere
     bool waitForIndex = true;  ///< the constructor returns when all music has been read once
 
-    double speed = 1;       ///< of the clock; above 0
+    double speed = 1;       ///< factor of the clock, between 0.001 and 10000
     unsigned seed = 1;      ///< of shuffled orders; the same seed gives the same orders
     bool mayCrash = false;  ///< the faults "crash" and "crash-locked" end this process; otherwise they are refused
 
@@ -53,7 +53,8 @@ struct Options
     std::function<void(std::size_t done, std::size_t all)> progress;
     /// Receives the title of a scenario after its last step. Called on the service's thread.
     std::function<void(const std::string&)> scenarioEnded;
-    /// Called on the service's thread when the bus goes away; nothing reaches the service from then on.
+    /// Called on the service's thread when the bus disconnects, or when another process has taken one of the names
+    /// during a restart storm; nothing reaches the service from then on.
     std::function<void()> busLost;
 };
 
@@ -127,7 +128,8 @@ public:
     /// @name What it was asked
     /// @{
 
-    /// The last ten thousand calls of a method, or of all, the oldest first.
+    /// The last ten thousand calls of a method, or of all, the oldest first; fewer if they hold more than 32 MiB.
+    /// @throws std::runtime_error  the interface has no such method; the message names the nearest one
     std::vector<Call> Calls(const std::string& method = {}) const;
     void ClearCalls();
     /// @}
@@ -139,6 +141,7 @@ public:
     /// docs/simulator.md lists the kinds.
     /// @throws std::runtime_error  there is no such fault; the message says what was expected
     void Fault(const std::string& fault);
+    /// Disarms all faults and ends a restart storm.
     void ClearFaults();
     /// @}
 

@@ -50,6 +50,7 @@ int CoverRank(const std::string& name)
 }
 
 constexpr int kNoCover = 5;
+constexpr off_t kLargestPlaylist = off_t{16} << 20;  // bytes
 
 FileMark MarkOf(const struct stat& status)
 {
@@ -71,7 +72,7 @@ bool IsMadeUpByTheKernel(const std::string& folder)
                std::end(kTypes);
 }
 
-using Enter = std::function<void(const std::string&)>;
+using Enter = std::function<bool(const std::string&)>;
 
 class Scanner
 {
@@ -90,11 +91,13 @@ public:
     {
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
         if (IsMadeUpByTheKernel(path)) return Skip(path, "no file system for music");
-        if (m_enter) m_enter(path);
+        m_ended = m_ended || (m_enter && !m_enter(path));
+        if (m_ended) return;
         const std::size_t folder = m_scan.folders.size();
         m_scan.folders.push_back({path, CleanName(path.substr(path.rfind('/') + 1), "Music"), {}});
         int bestCover = kNoCover;
-        for (const std::string& name : Names(path)) ReadEntry(folder, name, bestCover);
+        for (const std::string& name : Names(path))
+            if (!m_ended) ReadEntry(folder, name, bestCover);
     }
 
     FolderScan Take() { return std::move(m_scan); }
@@ -125,6 +128,7 @@ private:
         }
         if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
         if (IsPictureName(name)) return ReadPicture({path, MarkOf(status), folder}, name, bestCover);
+        if (IsPlaylist(name) && status.st_size > kLargestPlaylist) return Skip(path, "larger than 16 MiB");
         auto& files = IsPlaylist(name) ? m_scan.playlists : m_scan.files;
         files.push_back({path, MarkOf(status), folder});
     }
@@ -134,7 +138,7 @@ private:
         const int rank = CoverRank(name);
         if (rank >= bestCover) return;
         if (!IsPictureFile(file.path)) return Skip(file.path, "no picture");
-        if (file.mark.size > kLargestPicture) return Skip(file.path, "a picture that does not fit into shared memory");
+        if (file.mark.size > kLargestPicture) return Skip(file.path, TooLarge());
         bestCover = rank;
         m_scan.folders[file.folder].picture = file.path;
     }
@@ -145,13 +149,14 @@ private:
     Depth m_depth;
     const Warn& m_warn;
     const Enter& m_enter;
+    bool m_ended = false;
     FolderScan m_scan;
     std::set<std::pair<dev_t, ino_t>> m_seen;  // breaks loops of links
 };
 }  // namespace
 
 FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
-                      const std::function<void(const std::string&)>& enter)
+                      const std::function<bool(const std::string&)>& enter)
 {
     Scanner scanner(depth, warn, enter);
     if (folder != root) scanner.PassOver(root);

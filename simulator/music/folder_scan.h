@@ -50,12 +50,13 @@ enum class Depth
 };
 
 /// Walks @p folder in the order of names; a folder is read once however many links lead to it, and never through a link
-/// to @p root, which is the music folder. Names that begin with a dot are passed over; what cannot be read is left out
-/// with a warning.
+/// to @p root, which is the music folder. Names that begin with a dot are passed over; what cannot be read, and
+/// a playlist that is too large for one, is skipped with a warning.
 ///
-/// @param enter  called with each folder before it is read; may be empty
+/// @param enter  called with each folder before it is read; false ends the scan, whose result is of no use then. May be
+///               empty.
 FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
-                      const std::function<void(const std::string&)>& enter = {});
+                      const std::function<bool(const std::string&)>& enter = {});
 
 /// A number that two scans of the same state have in common.
 std::uint64_t Fingerprint(const FolderScan& scan);

@@ -18,10 +18,10 @@ public:
     /// @param file  where it is kept; empty: nowhere
     IndexCache(std::string file, Warn warn);
 
-    /// What was read of the file: a track, or nothing for one that is no audio. Null when it is not known. It stays
+    /// What was read of the file: a track, or nothing for one that is not audio. Null when it is not known. It stays
     /// where it is as long as the cache lives.
     const TrackPtr* Find(const ScannedFile& file);
-    /// @param track  null for a file that is no audio
+    /// @param track  null for a file that is not audio
     const TrackPtr* Put(const ScannedFile& file, TrackPtr track);
 
     enum class Unused

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "music/music_library.h"
+#include "music/picture.h"
 #include "music/pinyin.h"
 #include "music/playlist_file.h"
 #include "music/tag_reader.h"
@@ -32,9 +33,9 @@ std::string ReadAhead(const std::string& name, Reading reading)
     return IsAscii(name) ? std::string() : Pinyin(name, reading);
 }
 
-TrackPtr ReadWithReadings(const std::string& file)
+TrackPtr ReadWithReadings(const std::string& file, const std::atomic<bool>* cancelled)
 {
-    auto track = ReadTrack(file);
+    auto track = ReadTrack(file, cancelled);
     if (!track) return nullptr;
     track->readings = {ReadAhead(track->title, Reading::Words), ReadAhead(track->artist, Reading::Person),
                        ReadAhead(track->album, Reading::Words), ReadAhead(track->genre, Reading::Words)};
@@ -71,7 +72,8 @@ private:
              begin = m_next.fetch_add(kFilesPerStep))
         {
             const std::size_t end = std::min(begin + kFilesPerStep, m_files.size());
-            for (std::size_t i = begin; i < end; ++i) tracks[i] = ReadWithReadings(m_files[i]->path);
+            for (std::size_t i = begin; i < end && !Cancelled(); ++i)
+                tracks[i] = ReadWithReadings(m_files[i]->path, m_how.cancelled);
             Count(end - begin);
         }
     }
@@ -98,7 +100,7 @@ bool MayRead(const std::string& file)
 
 std::string WhyNot(const std::string& file)
 {
-    return MayRead(file) ? "no audio file" : std::generic_category().message(errno);
+    return MayRead(file) ? "not a supported audio file" : std::generic_category().message(errno);
 }
 
 // What the cache holds of each file, once the unknown ones have been read.
@@ -135,7 +137,7 @@ public:
 
     void Add(const ScannedFile& file, const TrackPtr& read)
     {
-        if (read->pictureTooLarge) m_how.warn(file.path + ": its picture does not fit into shared memory");
+        if (read->pictureTooLarge) m_how.warn("skipped the artwork of " + file.path + ": " + TooLarge());
         const std::string& cover = m_scan.folders[file.folder].picture;
         const TrackPtr track = read->hasPicture || cover.empty() ? read : WithCover(*read, cover);
         m_library.tracks.push_back(track);

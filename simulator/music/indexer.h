@@ -22,7 +22,7 @@ struct Indexing
     const std::atomic<bool>* cancelled = nullptr;
 };
 
-/// Reads what the cache does not know, on as many threads as there are processors, and puts it there. Files that are no
-/// audio, or went away, are left out with a warning each.
+/// Reads what the cache does not know, on as many threads as there are processors, and puts it there. Files that are
+/// not audio, or have gone, are skipped with a warning each.
 Library Index(const FolderScan& scan, IndexCache& cache, const Indexing& how);
 }  // namespace ipodsim

@@ -53,7 +53,7 @@ bool IsGif(const Bytes& bytes)
 // The second of its headers says how long it is.
 bool IsBmp(const Bytes& bytes)
 {
-    constexpr unsigned char kLengths[] = {12, 40, 52, 56, 64, 108, 124};
+    constexpr unsigned char kLengths[] = {12, 16, 40, 52, 56, 64, 108, 124};
     const bool known =
         bytes.size() >= 26 && std::find(std::begin(kLengths), std::end(kLengths), bytes[14]) != std::end(kLengths);
     return known && Begins(bytes, "BM") && TextOf(bytes).substr(15, 3) == std::string_view("\0\0\0", 3);

@@ -9,8 +9,13 @@
 
 namespace ipodsim
 {
-/// More bytes never fit into the segment for pictures, which has a megabyte for its vectors and their heads.
+/// The largest picture that fits into its segment of 1 MiB, which also stores the heads of the vectors.
 constexpr std::size_t kLargestPicture = (std::size_t{1} << 20U) - 4096;
+/// Why a picture is skipped.
+inline std::string TooLarge()
+{
+    return "larger than " + std::to_string(kLargestPicture) + " bytes";
+}
 
 /// Wraps the bytes of a picture and reads its size from a PNG or JPEG header.
 Picture MakePicture(Bytes bytes);

@@ -1,19 +1,28 @@
 #include "music/tag_reader.h"
 
+#include <taglib/apefile.h>
+#include <taglib/apetag.h>
+#include <taglib/asffile.h>
 #include <taglib/attachedpictureframe.h>
 #include <taglib/fileref.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v2tag.h>
+#include <taglib/modproperties.h>
 #include <taglib/mp4file.h>
+#include <taglib/mpcfile.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
-#include <taglib/tfilestream.h>
 #include <taglib/tpropertymap.h>
+#include <taglib/trueaudiofile.h>
 #include <taglib/wavfile.h>
+#include <taglib/wavpackfile.h>
 #include <taglib/xiphcomment.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <utility>
 
+#include "music/bounded_stream.h"
 #include "music/picture.h"
 #include "music/text.h"
 
@@ -55,20 +64,74 @@ Bytes PictureIn(const TagLib::MP4::Tag* tag)
     return covers.isEmpty() ? Bytes{} : ToBytes(covers.front().data());
 }
 
-Bytes PictureIn(TagLib::FLAC::File& flac)
+Bytes PictureIn(const TagLib::ASF::Tag* tag)
 {
-    Bytes picture = PictureIn(flac.pictureList());
-    return picture.empty() ? PictureIn(flac.ID3v2Tag()) : picture;
+    if (tag == nullptr || !tag->contains("WM/Picture")) return {};
+    const TagLib::ASF::AttributeList pictures = tag->attribute("WM/Picture");
+    for (const TagLib::ASF::Attribute& attribute : pictures)
+        if (attribute.toPicture().type() == TagLib::ASF::Picture::FrontCover)
+            return ToBytes(attribute.toPicture().picture());
+    return ToBytes(pictures.front().toPicture().picture());
+}
+
+// The item holds the name of a file, a NUL, and the picture.
+Bytes PictureIn(const TagLib::APE::Tag* tag)
+{
+    if (tag == nullptr) return {};
+    for (const char* key : {"COVER ART (FRONT)", "COVER ART (BACK)"})
+    {
+        if (!tag->itemListMap().contains(key)) continue;
+        const TagLib::ByteVector item = tag->itemListMap()[key].binaryData();
+        const int name = item.find('\0');
+        if (name >= 0) return ToBytes(item.mid(static_cast<unsigned>(name) + 1));
+    }
+    return {};
+}
+
+const TagLib::ID3v2::Tag* Id3Of(TagLib::File& file)
+{
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return mpeg->ID3v2Tag();
+    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(&file)) return flac->ID3v2Tag();
+    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(&file)) return wav->ID3v2Tag();
+    if (auto* tta = dynamic_cast<TagLib::TrueAudio::File*>(&file)) return tta->ID3v2Tag();
+    return dynamic_cast<TagLib::ID3v2::Tag*>(file.tag());
+}
+
+const TagLib::APE::Tag* ApeOf(TagLib::File& file)
+{
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return mpeg->APETag();
+    if (auto* wavPack = dynamic_cast<TagLib::WavPack::File*>(&file)) return wavPack->APETag();
+    if (auto* ape = dynamic_cast<TagLib::APE::File*>(&file)) return ape->APETag();
+    if (auto* musepack = dynamic_cast<TagLib::MPC::File*>(&file)) return musepack->APETag();
+    return nullptr;
 }
 
 Bytes PictureIn(TagLib::File& file)
 {
-    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file)) return PictureIn(mpeg->ID3v2Tag());
-    if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(&file)) return PictureIn(*flac);
-    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(&file)) return PictureIn(mp4->tag());
-    if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(&file)) return PictureIn(wav->ID3v2Tag());
-    if (auto* ogg = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag())) return PictureIn(ogg->pictureList());
+    auto* const flac = dynamic_cast<TagLib::FLAC::File*>(&file);
+    auto* const xiph = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag());
+    if (flac != nullptr && !flac->pictureList().isEmpty()) return PictureIn(flac->pictureList());
+    if (xiph != nullptr && !xiph->pictureList().isEmpty()) return PictureIn(xiph->pictureList());
+    for (Bytes picture :
+         {PictureIn(Id3Of(file)), PictureIn(ApeOf(file)), PictureIn(dynamic_cast<TagLib::MP4::Tag*>(file.tag())),
+          PictureIn(dynamic_cast<TagLib::ASF::Tag*>(file.tag()))})
+        if (!picture.empty()) return picture;
     return {};
+}
+
+// The values of a property, each once and separated by commas; @p otherwise if there is none.
+TagLib::String Joined(const TagLib::PropertyMap& properties, const char* name, const TagLib::String& otherwise)
+{
+    TagLib::StringList values;
+    for (const TagLib::String& value : properties[name])
+        if (!value.isEmpty() && !values.contains(value)) values.append(value);
+    return values.isEmpty() ? otherwise : values.toString(", ");
+}
+
+// A track that names only the artist of its album is by that one.
+TagLib::String ArtistOf(const TagLib::PropertyMap& properties, const TagLib::Tag& tag)
+{
+    return Joined(properties, "ARTIST", tag.artist().isEmpty() ? Joined(properties, "ALBUMARTIST", {}) : tag.artist());
 }
 
 std::string Text(const TagLib::String& text, const std::string& fallback)
@@ -76,33 +139,43 @@ std::string Text(const TagLib::String& text, const std::string& fallback)
     return CleanName(text.to8Bit(true), fallback);
 }
 
-// A track that names only the artist of its album is by that one.
-TagLib::String ArtistOf(TagLib::File* file)
-{
-    const TagLib::PropertyMap properties = file->properties();
-    const TagLib::StringList& artists = properties["ARTIST"];
-    return (artists.isEmpty() ? properties["ALBUMARTIST"] : artists).toString(", ");
-}
-
-// Opened for reading only: closing a file that could have been written counts as a change of its folder.
 struct OpenFile
 {
-    OpenFile(const std::string& file, bool withLength) : stream(file.c_str(), true), tags(&stream, withLength) {}
+    OpenFile(const std::string& file, bool withLength, const std::atomic<bool>* cancelled)
+        : stream(file.c_str(), cancelled), tags(&stream, withLength)
+    {
+    }
 
-    TagLib::FileStream stream;
+    BoundedStream stream;
     TagLib::FileRef tags;
 };
+
+// Without a signature TagLib takes any file of the right name for a module of 15 instruments, or for old Musepack.
+bool IsGuess(const TagLib::AudioProperties* properties)
+{
+    const auto* module = dynamic_cast<const TagLib::Mod::Properties*>(properties);
+    const auto* musepack = dynamic_cast<const TagLib::MPC::Properties*>(properties);
+    return (module != nullptr && module->instrumentCount() == 15) ||
+           (musepack != nullptr && musepack->mpcVersion() != 7 && musepack->mpcVersion() != 8);
+}
+
+// The length says nothing: it is missing in what was written to a pipe, and tracker modules have none.
+bool IsAudio(const TagLib::AudioProperties* properties)
+{
+    return properties != nullptr && properties->channels() > 0 && !IsGuess(properties);
+}
 
 Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 {
     const TagLib::Tag& tag = *reference.tag();
+    const TagLib::PropertyMap properties = reference.file()->properties();
     Track track;
-    track.title = Text(tag.title(), std::filesystem::path(file).stem().string());
-    track.artist = Text(ArtistOf(reference.file()), "Unknown artist");
-    track.album = Text(tag.album(), "Unknown album");
-    track.genre = Text(tag.genre(), "Unknown genre");
+    track.title = Text(Joined(properties, "TITLE", tag.title()), std::filesystem::path(file).stem().string());
+    track.artist = Text(ArtistOf(properties, tag), "Unknown artist");
+    track.album = Text(Joined(properties, "ALBUM", tag.album()), "Unknown album");
+    track.genre = Text(Joined(properties, "GENRE", tag.genre()), "Unknown genre");
     track.number = static_cast<int>(tag.track());
-    track.lengthMs = reference.audioProperties()->lengthInMilliseconds();
+    track.lengthMs = std::max(0, reference.audioProperties()->lengthInMilliseconds());
     const Bytes picture = PictureIn(*reference.file());
     track.pictureTooLarge = picture.size() > kLargestPicture;
     track.hasPicture = IsPicture(picture) && !track.pictureTooLarge;
@@ -111,18 +184,19 @@ Track ToTrack(const TagLib::FileRef& reference, const std::string& file)
 }
 }  // namespace
 
-std::optional<Track> ReadTrack(const std::string& file)
+std::optional<Track> ReadTrack(const std::string& file, const std::atomic<bool>* cancelled)
 {
-    const OpenFile open(file, true);
+    const OpenFile open(file, true, cancelled);
     const TagLib::FileRef& reference = open.tags;
-    if (reference.isNull() || reference.tag() == nullptr || reference.audioProperties() == nullptr) return {};
-    if (reference.audioProperties()->lengthInMilliseconds() <= 0) return {};
-    return ToTrack(reference, file);
+    if (reference.isNull() || reference.tag() == nullptr || !IsAudio(reference.audioProperties())) return {};
+    Track track = ToTrack(reference, file);
+    const bool complete = cancelled == nullptr || !*cancelled;
+    return complete ? std::optional<Track>(std::move(track)) : std::nullopt;
 }
 
 Bytes ReadEmbeddedPicture(const std::string& file)
 {
-    const OpenFile open(file, false);
+    const OpenFile open(file, false, nullptr);
     return open.tags.isNull() ? Bytes{} : PictureIn(*open.tags.file());
 }
 }  // namespace ipodsim

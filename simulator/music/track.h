@@ -39,7 +39,7 @@ struct Track
     std::string album;
     std::string genre;
     int number = 0;                ///< within its album, 0 when unknown
-    int lengthMs = 0;              ///< above 0
+    int lengthMs = 0;              ///< 0 when unknown
     bool hasPicture = false;       ///< its own, or that of its folder
     bool pictureTooLarge = false;  ///< its own is left out for that
     std::string folderPicture;     ///< file with the picture of its folder, for a track without one of its own

@@ -8,11 +8,16 @@
 
 namespace ipodsim
 {
+/// The range of speeds: a clock slower than that never ticks, and a faster one skips whole tracks.
+constexpr double kSlowest = 0.001;
+constexpr double kFastest = 10000;
+
 class Clock
 {
 public:
     /// @param context  where it ticks; kept
-    /// @param speed    milliseconds of the track per millisecond; a tick comes every 500 ms of the track, though never
+    /// @param speed    milliseconds of the track per millisecond, from kSlowest to kFastest; a tick comes every 500 ms
+    /// of the track, though never
     ///                 more often than a hundred times a second
     /// @param tick     receives the milliseconds of the track that passed
     Clock(GMainContext* context, double speed, std::function<void(int)> tick);

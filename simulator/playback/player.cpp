@@ -1,6 +1,8 @@
 #include "playback/player.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace ipodsim
@@ -22,6 +24,13 @@ int Player::Length() const
     return track == nullptr ? 0 : track->lengthMs;
 }
 
+// Where the track ends: never, or after 24 days, if its length is unknown.
+int Player::End() const
+{
+    const int length = Length();
+    return length == 0 ? std::numeric_limits<int>::max() : length;
+}
+
 void Player::SetStatus(iPodPlayerPlayStatus status)
 {
     if (status == m_status) return;
@@ -31,7 +40,7 @@ void Player::SetStatus(iPodPlayerPlayStatus status)
 
 void Player::StartTrack(int position)
 {
-    m_position = std::min(position, Length());
+    m_position = std::min(position, End());
     m_observer.OnTrack();
     m_observer.OnProgress();
 }
@@ -111,7 +120,7 @@ bool Player::Previous()
 void Player::Seek(int positionMs)
 {
     if (!Loaded()) return;
-    m_position = std::clamp(positionMs, 0, Length());
+    m_position = std::clamp(positionMs, 0, End());
     m_observer.OnProgress();
 }
 
@@ -145,11 +154,12 @@ void Player::Advance(int elapsedMs)
 {
     if (!Running()) return;
     if (m_status == IPOD_PLAY_STATUS_FAST_BACKWARD) return WindBack(elapsedMs);
-    m_position += elapsedMs * (m_status == IPOD_PLAY_STATUS_FAST_FORWARD ? kWindingFactor : 1);
-    if (m_position >= Length())
-        EndTrack(m_position - Length());
-    else
-        m_observer.OnProgress();
+    const int factor = m_status == IPOD_PLAY_STATUS_FAST_FORWARD ? kWindingFactor : 1;
+    const int left = End() - m_position;
+    const std::int64_t step = std::int64_t{elapsedMs} * factor;
+    if (step >= left) return EndTrack(static_cast<int>(step - left));
+    m_position += static_cast<int>(step);
+    m_observer.OnProgress();
 }
 
 // Playback goes on from the start of the track: a device does not wind into the track before.

@@ -21,7 +21,8 @@ public:
     virtual void OnRepeat() = 0;
 };
 
-/// All times are milliseconds of the track. Nothing moves but by Advance().
+/// All times are milliseconds of the track. Nothing moves but by Advance(). A track of unknown length plays until it is
+/// skipped or stopped.
 class Player
 {
 public:
@@ -37,6 +38,7 @@ public:
     int Position() const { return m_position; }
     /// The track that plays or is paused, null when stopped.
     TrackPtr Track() const { return Loaded() ? m_queue.Current() : nullptr; }
+    /// 0 if it is unknown, as when stopped.
     int Length() const;
     /// Within the playing list, -1 when stopped.
     int Index() const { return Loaded() ? static_cast<int>(m_queue.Index()) : -1; }
@@ -73,6 +75,7 @@ public:
     void Advance(int elapsedMs);
 
 private:
+    int End() const;
     void SetStatus(iPodPlayerPlayStatus status);
     void StartTrack(int position);
     void WindBack(int elapsedMs);

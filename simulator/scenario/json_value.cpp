@@ -26,9 +26,19 @@ std::string Shown(const nlohmann::json& value)
 }
 }  // namespace
 
+std::string MemberPath(const std::string& parent, const std::string& name)
+{
+    return parent.empty() ? name : parent + "." + name;
+}
+
+std::string ElementPath(const std::string& parent, std::size_t index)
+{
+    return parent + "[" + std::to_string(index) + "]";
+}
+
 void JsonValue::Refuse(const std::string& expected) const
 {
-    throw Misfit(m_path, "expected " + expected + ", not " + Shown(m_json));
+    throw ValidationError(m_path, "expected " + expected + ", got " + Shown(m_json));
 }
 
 void JsonValue::RequireMembers(std::initializer_list<const char*> names) const
@@ -38,18 +48,15 @@ void JsonValue::RequireMembers(std::initializer_list<const char*> names) const
     for (const auto& [name, value] : m_json.items())
     {
         if (std::find(known.begin(), known.end(), name) != known.end()) continue;
-        std::vector<std::string> path = m_path;
-        path.push_back(name);
-        throw Misfit(path, known.empty() ? "expected no member here, not \"" + name + "\""
-                                         : "expected one of " + Listed(known) + ", not \"" + name + "\"");
+        throw ValidationError(MemberPath(m_path, name),
+                              "unknown member" + (known.empty() ? ", expected none" : ", expected one of " + Listed(known)));
     }
 }
 
 JsonValue JsonValue::Member(const char* name, const char* what) const
 {
-    if (!Has(name)) throw Misfit(m_path, std::string("expected a member \"") + name + "\", " + what);
-    std::vector<std::string> path = m_path;
-    path.emplace_back(name);
+    const std::string path = MemberPath(m_path, name);
+    if (!Has(name)) throw ValidationError(path, std::string("expected ") + what + ", got nothing");
     return JsonValue(m_json[name], path);
 }
 
@@ -57,12 +64,8 @@ std::vector<JsonValue> JsonValue::Elements(const char* what) const
 {
     if (!m_json.is_array()) Refuse(std::string("an array of ") + what);
     std::vector<JsonValue> elements;
-    for (std::size_t i = 0; i < m_json.size(); ++i)
-    {
-        std::vector<std::string> path = m_path;
-        path.push_back(std::to_string(i));
-        elements.emplace_back(m_json[i], path);
-    }
+    elements.reserve(m_json.size());
+    for (std::size_t i = 0; i < m_json.size(); ++i) elements.emplace_back(m_json[i], ElementPath(m_path, i));
     return elements;
 }
 
@@ -84,7 +87,7 @@ double JsonValue::Seconds() const
 {
     constexpr double kWeek = 7 * 24 * 3600.0;
     const bool fits = m_json.is_number() && m_json.get<double>() >= 0 && m_json.get<double>() <= kWeek;
-    if (!fits) Refuse("a number of seconds, from 0 to 604800");
+    if (!fits) Refuse("a number of seconds between 0 and 604800");
     return m_json.get<double>();
 }
 
@@ -92,7 +95,7 @@ std::uint64_t JsonValue::Number(std::uint64_t least, std::uint64_t most) const
 {
     const bool fits =
         m_json.is_number_unsigned() && m_json.get<std::uint64_t>() >= least && m_json.get<std::uint64_t>() <= most;
-    if (!fits) Refuse("a whole number from " + std::to_string(least) + " to " + std::to_string(most));
+    if (!fits) Refuse("an integer between " + std::to_string(least) + " and " + std::to_string(most));
     return m_json.get<std::uint64_t>();
 }
 

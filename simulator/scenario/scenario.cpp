@@ -1,9 +1,13 @@
 #include "scenario/scenario.h"
 
-#include <algorithm>
-#include <stdexcept>
+#include <glib.h>
 
-#include "scenario/json_place.h"
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "scenario/json_text.h"
 #include "scenario/json_value.h"
 #include "scenario/scenario_events.h"
 
@@ -11,44 +15,6 @@ namespace ipodsim
 {
 namespace
 {
-// "[json.exception...] parse error at line 2, column 5: what is wrong" without what people need not know.
-std::string ForPeople(const std::string& message)
-{
-    const std::size_t line = message.find("line ");
-    std::string text = line == std::string::npos ? message : message.substr(line);
-    if (text.find("expected") == std::string::npos) text += "; expected valid JSON in UTF-8";
-    return text;
-}
-
-std::string InWords(const Place& place)
-{
-    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ": ";
-}
-
-// Its message quotes the number, and does not say where it stands.
-std::string NumberTooLarge(const std::string& text, const std::string& message)
-{
-    const std::size_t begin = message.find('\'') + 1;
-    const std::string number = message.substr(begin, message.rfind('\'') - begin);
-    return InWords(PlaceAt(text, text.find(number))) + "expected a number that can be stored, not " + number;
-}
-
-nlohmann::json Parse(const std::string& text)
-{
-    try
-    {
-        return nlohmann::json::parse(text);
-    }
-    catch (const nlohmann::json::parse_error& error)
-    {
-        throw std::runtime_error(ForPeople(error.what()));
-    }
-    catch (const nlohmann::json::out_of_range& error)
-    {
-        throw std::runtime_error(NumberTooLarge(text, error.what()));
-    }
-}
-
 ScenarioStep ToStep(const JsonValue& value)
 {
     value.RequireMembers({"time", "event", "value"});
@@ -60,61 +26,80 @@ ScenarioStep ToStep(const JsonValue& value)
     return step;
 }
 
-Scenario ToScenario(const JsonValue& root, const std::string& text)
+Scenario ToScenario(const JsonValue& root)
 {
     root.RequireMembers({"$schema", "title", "description", "steps"});
     Scenario scenario;
     if (root.Has("title")) scenario.title = root.Member("title", "").Text("a text");
     if (root.Has("description")) root.Member("description", "").Text("a text");
-    unsigned number = 0;
     for (const JsonValue& step : root.Member("steps", "an array of steps").Elements("steps"))
     {
+        const std::size_t index = scenario.steps.size();
         scenario.steps.push_back(ToStep(step));
-        scenario.steps.back().line = PlaceOf(text, {"steps", std::to_string(number++)}).line;
+        scenario.steps.back().index = index;
     }
     std::stable_sort(scenario.steps.begin(), scenario.steps.end(),
                      [](const ScenarioStep& a, const ScenarioStep& b) { return a.seconds < b.seconds; });
     return scenario;
 }
 
-void Happen(Service& service, const ScenarioStep& step)
+// A scenario on its way. Only its next step waits in the agenda, whose length is felt by everything else.
+class Course : public std::enable_shared_from_this<Course>
 {
-    try
+public:
+    Course(Service& service, Scenario scenario) : m_service(service), m_scenario(std::move(scenario)) {}
+
+    void WaitForNext()
     {
-        step.happen(service);
+        const double due = Over() ? 0 : m_scenario.steps[m_next].seconds;
+        const double passed = m_service.TrackSeconds(static_cast<double>(g_get_monotonic_time() - m_start) / 1e6);
+        m_service.AfterSeconds(due - passed, [self = shared_from_this()] { self->Next(); });
     }
-    catch (const std::exception& error)
+
+private:
+    bool Over() const { return m_next == m_scenario.steps.size(); }
+
+    void Next()
     {
-        service.Warn("scenario, line " + std::to_string(step.line) + ", " + step.event + ": " + error.what());
+        if (!Over())
+        {
+            Run(m_scenario.steps[m_next++]);
+            WaitForNext();
+        }
+        else if (m_service.scenarioEnded)
+        {
+            m_service.scenarioEnded(m_scenario.title);
+        }
     }
-}
+
+    void Run(const ScenarioStep& step)
+    {
+        try
+        {
+            step.happen(m_service);
+        }
+        catch (const std::exception& error)
+        {
+            m_service.Warn("scenario: " + ElementPath("steps", step.index) + ", " + step.event + ": " + error.what());
+        }
+    }
+
+    Service& m_service;
+    Scenario m_scenario;
+    std::size_t m_next = 0;
+    gint64 m_start = g_get_monotonic_time();
+};
 }  // namespace
 
 Scenario ParseScenario(const std::string& json)
 {
-    const nlohmann::json parsed = Parse(json);
-    try
-    {
-        return ToScenario(JsonValue(parsed), json);
-    }
-    catch (const Misfit& misfit)
-    {
-        throw std::runtime_error(InWords(PlaceOf(json, misfit.path())) + misfit.what());
-    }
+    if (json.size() > kLargestScenario) throw std::runtime_error("expected a scenario of at most 8 MiB");
+    const nlohmann::json parsed = ParseJson(json);
+    return ToScenario(JsonValue(parsed));
 }
 
-void StartScenario(Service& service, const Scenario& scenario)
+void StartScenario(Service& service, Scenario scenario)
 {
-    double last = 0;
-    for (const ScenarioStep& step : scenario.steps)
-    {
-        service.AfterSeconds(step.seconds, [&service, step] { Happen(service, step); });
-        last = step.seconds;
-    }
-    service.AfterSeconds(last,
-                         [&service, title = scenario.title]
-                         {
-                             if (service.scenarioEnded) service.scenarioEnded(title);
-                         });
+    std::make_shared<Course>(service, std::move(scenario))->WaitForNext();
 }
 }  // namespace ipodsim

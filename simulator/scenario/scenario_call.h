@@ -13,9 +13,9 @@
 namespace ipodsim
 {
 /// The call, and its steps where it is a sequence.
-/// @throws Misfit
+/// @throws ValidationError
 std::pair<ipod::iPodPhoneCall, std::vector<CallStep>> CallFrom(const JsonValue& value);
 
-/// @throws Misfit
+/// @throws ValidationError
 ipod::iPodBattery BatteryFrom(const JsonValue& value);
 }  // namespace ipodsim

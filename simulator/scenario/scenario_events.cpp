@@ -215,12 +215,18 @@ constexpr Row kEvents[] = {
     {"fault", FaultEvent, true},
     {"clear-faults", ClearFaults, false},
 };
+
+Words NumbersOfEvents()
+{
+    Words names;
+    for (std::uint32_t i = 0; i < std::size(kEvents); ++i) names[kEvents[i].name] = i;
+    return names;
+}
 }  // namespace
 
 std::function<void(Service&)> EventFrom(const JsonValue& name, const JsonValue& step)
 {
-    Words names;
-    for (std::uint32_t i = 0; i < std::size(kEvents); ++i) names[kEvents[i].name] = i;
+    static const Words names = NumbersOfEvents();
     const Row& row = kEvents[name.Word(names)];
     static const nlohmann::json kNothing = nlohmann::json::object();
     if (!row.needsValue && !step.Has("value")) return row.from(JsonValue(kNothing));

@@ -14,7 +14,7 @@ namespace ipodsim
 /// What a step lets happen: checks everything now, does it later.
 /// @param name  the name of the event
 /// @param step  the object with its "value", which may be missing where the event needs none
-/// @throws Misfit  there is no such event, or the value does not fit it
+/// @throws ValidationError  there is no such event, or the value does not fit it
 std::function<void(Service&)> EventFrom(const JsonValue& name, const JsonValue& step);
 
 /// The names of all events.

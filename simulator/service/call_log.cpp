@@ -5,6 +5,15 @@
 
 namespace ipodsim
 {
+namespace
+{
+std::size_t SizeOf(const LoggedCall& call)
+{
+    const std::size_t answer = call.answer == nullptr ? 0 : g_variant_get_size(call.answer.get());
+    return answer + g_variant_get_size(call.arguments.get());
+}
+}  // namespace
+
 std::string ToText(GVariant* value)
 {
     const std::unique_ptr<char, decltype(&g_free)> text(g_variant_print(value, FALSE), &g_free);
@@ -26,10 +35,22 @@ std::string ToShortText(GVariant* value)
     return text;
 }
 
+void CallLog::Clear()
+{
+    m_calls.clear();
+    m_bytes = 0;
+}
+
 void CallLog::Add(LoggedCall call)
 {
-    if (m_calls.size() == kMost) m_calls.pop_front();
+    m_bytes += SizeOf(call);
     m_calls.push_back(std::move(call));
+    while (m_calls.size() > kMost || m_bytes > kMostBytes)
+    {
+        m_bytes -= SizeOf(m_calls.front());
+        m_calls.pop_front();
+    }
+    if (m_calls.empty()) return;
     if (added) added(m_calls.back());
 }
 }  // namespace ipodsim

@@ -40,14 +40,15 @@ struct LoggedCall
     std::shared_ptr<GVariant> answer;     ///< a tuple; with an error its message; null when nothing was answered
 };
 
-/// Keeps the last ten thousand. Lives on the service's thread.
+/// Keeps the last ten thousand, as far as they fit into one message of the bus. Lives on the service's thread.
 class CallLog
 {
 public:
     static constexpr std::size_t kMost = 10000;
+    static constexpr std::size_t kMostBytes = std::size_t{32} << 20U;  // of arguments and answers
 
     void Add(LoggedCall call);
-    void Clear() { m_calls.clear(); }
+    void Clear();
     const std::deque<LoggedCall>& Calls() const { return m_calls; }
 
     /// Called with each that is added.
@@ -55,5 +56,6 @@ public:
 
 private:
     std::deque<LoggedCall> m_calls;
+    std::size_t m_bytes = 0;
 };
 }  // namespace ipodsim

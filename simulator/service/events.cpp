@@ -175,5 +175,6 @@ void AddFault(Service& service, const Fault& fault)
 void ClearFaults(Service& service)
 {
     service.faults->Clear();
+    service.Restart(0);
 }
 }  // namespace ipodsim::events

@@ -44,5 +44,6 @@ bool SendEapData(Service& service, std::uint16_t session, const Bytes& data);
 /// Arms a fault; a restart storm that names no method begins at once.
 /// @throws std::runtime_error  the process may not be ended
 void AddFault(Service& service, const Fault& fault);
+/// Ends a restart storm too.
 void ClearFaults(Service& service);
 }  // namespace ipodsim::events

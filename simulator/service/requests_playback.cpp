@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <limits>
+
 #include "service/requests.h"
 
 namespace ipodsim::requests
@@ -35,8 +38,7 @@ void QueueEverything(Service& service)
 
 GVariant* GetCurrentMediaInfo(Service& service)
 {
-    const TrackPtr track = service.player.Track();
-    return Pack(track == nullptr ? TrackRecord{} : ToRecord(*track, service.player.List().Tracks().size()));
+    return Pack(service.signals.RecordOf(service.player));
 }
 
 // With an empty playing list all songs are played.
@@ -134,8 +136,8 @@ void PlayPlayingList(Service& service, gint index)
 
 void Seek(Service& service, gint seconds)
 {
-    const int length = service.player.Length();
-    service.player.Seek(seconds > length / kMsPerSecond ? length : seconds < 0 ? 0 : seconds * kMsPerSecond);
+    constexpr int kLast = std::numeric_limits<int>::max() / kMsPerSecond;
+    service.player.Seek(std::clamp(seconds, 0, kLast) * kMsPerSecond);
 }
 
 bool Next(Service& service)

@@ -50,7 +50,6 @@ void Service::Reset()
 void Service::OnTrack()
 {
     signals.PlayingTrack(player);
-    signals.Artwork(player);
 }
 
 void Service::OnStatus()

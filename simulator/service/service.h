@@ -45,7 +45,7 @@ public:
         Log warn;
         Log logRequest;                                      ///< empty: requests are not logged
         std::function<void(Segments&, const Fault&)> crash;  ///< ends the process; empty: it may not be ended
-        std::function<void(unsigned)> restart;               ///< leaves the bus and comes back, so many times
+        std::function<void(unsigned)> restart;               ///< leaves the bus and returns so many times; 0 ends that
     };
 
     /// @throws std::runtime_error  shared memory cannot be used
@@ -79,6 +79,8 @@ public:
 
     /// What a time of the track's clock takes.
     double RealSeconds(double seconds) const { return seconds / m_settings.speed; }
+    /// What passes on the track's clock in that time.
+    double TrackSeconds(double seconds) const { return seconds * m_settings.speed; }
     /// Does work after so much time of the track's clock.
     void AfterSeconds(double seconds, std::function<void()> work);
 

@@ -15,7 +15,7 @@ void Put(char (&slot)[256], const std::string& text)
 }
 }  // namespace
 
-TrackRecord ToRecord(const Track& track, std::size_t entries)
+TrackRecord ToRecord(const Track& track, std::size_t entries, bool deliverable)
 {
     TrackRecord record{};
     Put(record.texts[0], track.title);
@@ -25,7 +25,7 @@ TrackRecord ToRecord(const Track& track, std::size_t entries)
     record.values[0] = track.lengthMs;
     record.values[1] = track.number;
     record.values[2] = static_cast<std::int32_t>(entries);
-    record.values[3] = track.hasPicture ? 1 : 0;
+    record.values[3] = track.hasPicture && deliverable ? 1 : 0;
     return record;
 }
 

@@ -37,8 +37,9 @@ struct AccessoryRecord
 };
 static_assert(sizeof(AccessoryRecord) == 512, "size on the wire");
 
-/// @param entries  number of entries in the playing list
-TrackRecord ToRecord(const Track& track, std::size_t entries);
+/// @param entries      number of entries in the playing list
+/// @param deliverable  whether its artwork, if there is any, can be delivered
+TrackRecord ToRecord(const Track& track, std::size_t entries, bool deliverable);
 
 /// Of a picture that is to be seen, and of none.
 ArtworkHead HeadOf(const Picture& picture);

@@ -196,15 +196,22 @@ PlayListSongNameStr ToSlot(const std::string& name)
     return slot;
 }
 
+// Throws what Boost throws.
+template <class Vector, class Values>
+void Replace(Vector& vector, const Values& values)
+{
+    Empty(vector);
+    vector.reserve(values.size());
+    vector.insert(vector.end(), values.data(), values.data() + values.size());
+}
+
 // Everything Boost throws here means that the page cannot be shown, and must not pass through GLib.
-template <class Vector, class Append>
-bool Refill(Vector& vector, std::size_t count, Append append)
+template <class Vector, class Work>
+bool Filled(Vector& vector, Work work)
 {
     try
     {
-        Empty(vector);
-        vector.reserve(count);
-        append();
+        work();
         return true;
     }
     catch (const std::exception&)
@@ -230,6 +237,24 @@ Segments::Segments()
     eapRead = Find<QBXByteVector>(m_buffers, "VecEapReadBufferShareMemory");
 }
 
+Segments::Descriptor::~Descriptor()
+{
+    if (m_number >= 0) close(m_number);
+}
+
+// A lock of the open file: it ends with the process, whatever else of it opens and closes the segment.
+bool Segments::Claim()
+{
+    m_claim = Descriptor(shm_open(kBufferSegmentName, O_RDWR | O_CLOEXEC, 0));
+    struct flock whole
+    {
+    };
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    return m_claim.Number() < 0 || fcntl(m_claim.Number(), F_OFD_SETLK, &whole) == 0 ||
+           (errno != EAGAIN && errno != EACCES);
+}
+
 void Segments::WithLock(Lock lock, std::function<void()> work)
 {
     (lock == Lock::Lists ? m_lists : m_buffers).atomic_func(work);
@@ -246,18 +271,33 @@ Bytes Segments::TakeEapWrite() const
     return {begin, begin + count};
 }
 
+bool Segments::FillArtwork(QBXByteVector& vector, const Bytes& bytes)
+{
+    const auto fill = [&]
+    {
+        try
+        {
+            Replace(vector, bytes);
+        }
+        catch (const bip::bad_alloc&)
+        {
+            Empty(&vector == artwork ? *artworkChange : *artwork);
+            Replace(vector, bytes);
+        }
+    };
+    return Filled(vector, fill);
+}
+
 bool Fill(QBXStringPageVector& vector, const std::vector<std::string>& names)
 {
-    return Refill(vector, names.size(),
-                  [&]
-                  {
-                      for (const std::string& name : names) vector.push_back(ToSlot(name));
-                  });
+    std::vector<PlayListSongNameStr> slots;
+    slots.reserve(names.size());
+    for (const std::string& name : names) slots.push_back(ToSlot(name));
+    return Filled(vector, [&] { Replace(vector, slots); });
 }
 
 bool Fill(QBXByteVector& vector, const Bytes& bytes)
 {
-    return Refill(vector, bytes.size(),
-                  [&] { vector.insert(vector.end(), bytes.data(), bytes.data() + bytes.size()); });
+    return Filled(vector, [&] { Replace(vector, bytes); });
 }
 }  // namespace ipodsim

@@ -62,9 +62,10 @@ void Signals::ShuffleMode(const Player& player)
 
 void Signals::PlayingTrack(const Player& player)
 {
-    const TrackPtr track = player.Track();
-    const TrackRecord record = track == nullptr ? TrackRecord{} : ToRecord(*track, player.List().Tracks().size());
-    com_zarn_linux_ipod_emit_on_ipod_playing_track_change(m_skeleton, player.Index(), Pack(record));
+    // First, because the record says whether there is artwork.
+    const ArtworkHead head = FillArtwork(*m_segments.artworkChange, player);
+    com_zarn_linux_ipod_emit_on_ipod_playing_track_change(m_skeleton, player.Index(), Pack(RecordOf(player)));
+    com_zarn_linux_ipod_emit_on_ipod_artwork_change(m_skeleton, Pack(head));
 }
 
 void Signals::PlayingListAmount(const Player& player)
@@ -76,11 +77,6 @@ void Signals::PlayingListAmount(const Player& player)
 void Signals::SourceValid(bool valid)
 {
     com_zarn_linux_ipod_emit_on_ipod_source_valid_status_change(m_skeleton, valid);
-}
-
-void Signals::Artwork(const Player& player)
-{
-    com_zarn_linux_ipod_emit_on_ipod_artwork_change(m_skeleton, Pack(FillArtwork(*m_segments.artworkChange, player)));
 }
 
 void Signals::Carplay(int status, const std::string& serialNumber)
@@ -148,9 +144,23 @@ ArtworkHead Signals::FillArtwork(QBXByteVector& vector, const Player& player)
 {
     const TrackPtr track = player.Track();
     const Picture picture = track == nullptr ? Picture{} : PictureOf(*track);
-    const bool filled = Fill(vector, picture.bytes);
-    if (!filled && m_withoutRoom.insert(track->file).second)
-        m_warn("the picture of \"" + track->title + "\" does not fit into shared memory");
-    return filled && !picture.bytes.empty() ? HeadOf(picture) : HeadOfNone();
+    const bool filled = m_segments.FillArtwork(vector, picture.bytes);
+    if (track == nullptr) return HeadOfNone();
+    if (filled && !picture.bytes.empty())
+    {
+        m_undelivered.erase(track->file);
+        return HeadOf(picture);
+    }
+    if (m_undelivered.insert(track->file).second && !filled)
+        m_warn("no room in shared memory for the artwork of '" + track->title + "', " +
+               std::to_string(picture.bytes.size()) + " bytes");
+    return HeadOfNone();
+}
+
+TrackRecord Signals::RecordOf(const Player& player) const
+{
+    const TrackPtr track = player.Track();
+    if (track == nullptr) return {};
+    return ToRecord(*track, player.List().Tracks().size(), m_undelivered.count(track->file) == 0);
 }
 }  // namespace ipodsim

@@ -28,10 +28,10 @@ public:
     void PlayProgress(const Player& player);
     void RepeatMode(const Player& player);
     void ShuffleMode(const Player& player);
+    /// The track and its artwork: two signals.
     void PlayingTrack(const Player& player);
     void PlayingListAmount(const Player& player);
     void SourceValid(bool valid);
-    void Artwork(const Player& player);
     void Carplay(int status, const std::string& serialNumber);
     void PhoneCall(const ipod::iPodPhoneCall& call);
     void Battery(const ipod::iPodBattery& battery);
@@ -45,14 +45,16 @@ public:
     void WirelessCarPlay(bool available, const std::string& deviceAddress);
     void PairingInfo(const std::string& btAddress, const Bytes& bytes);
 
-    /// Puts the picture of the playing track into @p vector and returns its head; one that does not fit is left out,
-    /// the first time with a warning.
+    /// Puts the artwork of the playing track into @p vector and returns its head. Artwork that does not fit is left
+    /// out, the first time with a warning.
     ArtworkHead FillArtwork(QBXByteVector& vector, const Player& player);
+    /// The record of the playing track, which has artwork unless it could not be delivered last time.
+    TrackRecord RecordOf(const Player& player) const;
 
 private:
     ComZarnLinuxIpod* m_skeleton;
     Segments& m_segments;
     std::function<void(const std::string&)> m_warn;
-    std::set<std::string> m_withoutRoom;  // files whose pictures did not fit
+    std::set<std::string> m_undelivered;  // files whose artwork did not fit or was gone
 };
 }  // namespace ipodsim

@@ -49,7 +49,10 @@ TEST(FaultText, NeedsTheKindOnly)
 TEST(FaultText, IsRefusedWithWhatWasExpected)
 {
     EXPECT_NE(ComplaintAbout("dely").find("expected one of delay, no-reply"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay=soon").find("fault delay: expected a number"), std::string::npos);
+    EXPECT_EQ(ComplaintAbout("delay=soon"), "fault delay: expected an integer between 0 and 4294967295, got 'soon'");
+    EXPECT_EQ(ComplaintAbout("long-record=1048576"), "none");
+    EXPECT_EQ(ComplaintAbout("long-record=1048577"),
+              "fault long-record: expected an integer between 0 and 1048576, got '1048577'");
     EXPECT_NE(ComplaintAbout("delay@GetPlayState").find("called GetPlayState"), std::string::npos);
     EXPECT_NE(ComplaintAbout("delay/x").find("expected KIND"), std::string::npos);
     EXPECT_NE(ComplaintAbout("delay/").find("expected KIND"), std::string::npos);

@@ -86,7 +86,7 @@ TEST_F(CachedMusic, RemembersWhatIsNoAudio)
 
     EXPECT_EQ(Read().tracks.size(), 1U);
     ASSERT_EQ(warnings.size(), 1U);
-    EXPECT_NE(warnings[0].find("fake.mp3: no audio file"), std::string::npos);
+    EXPECT_NE(warnings[0].find("fake.mp3: not a supported audio file"), std::string::npos);
 }
 
 TEST_F(CachedMusic, KeepsReadingsOfChineseNames)

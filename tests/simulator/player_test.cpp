@@ -243,6 +243,28 @@ TEST_F(PlayerWithThreeTracks, SeeksWithinTheTrackOnly)
     EXPECT_EQ(player.Position(), 0);
 }
 
+TEST(Player, PlaysATrackOfUnknownLengthUntilItIsSkipped)
+{
+    Diary diary;
+    Player player(1, diary);
+    player.PlayList(Tracks(2, 1000, 0), 0);
+
+    player.Advance(500);
+    EXPECT_EQ(player.Index(), 0);
+    EXPECT_EQ(player.Position(), 500);
+    player.Seek(90000);
+    EXPECT_EQ(player.Position(), 90000);
+    player.Wind(true);
+    player.Advance(3600 * 1000);
+    EXPECT_EQ(player.Index(), 0);
+    EXPECT_EQ(player.Position(), 90000 + 8 * 3600 * 1000);
+    EXPECT_EQ(player.Length(), 0);
+
+    EXPECT_TRUE(player.Next());
+    EXPECT_EQ(player.Index(), 1);
+    EXPECT_EQ(player.Position(), 0);
+}
+
 TEST_F(PlayerWithThreeTracks, ForgetsThePositionWhenStopped)
 {
     player.Advance(500);

@@ -9,11 +9,9 @@
 #include <set>
 #include <stdexcept>
 
-#include "scenario/json_place.h"
 #include "scenario/scenario_events.h"
 
 using ipodsim::ParseScenario;
-using ipodsim::PlaceOf;
 
 namespace
 {
@@ -42,24 +40,6 @@ std::string ContentsOf(const std::filesystem::path& file)
 }
 }  // namespace
 
-TEST(JsonPlace, IsThatOfTheValue)
-{
-    const std::string json = "{\n  \"a\": [1, \"]\",\n    {\"b\\u0063\": true}]\n}\n";
-
-    const auto place = PlaceOf(json, {"a", "2", "bc"});
-
-    EXPECT_EQ(place.line, 3U);
-    EXPECT_EQ(place.column, 17U);
-}
-
-TEST(JsonPlace, OfWhatIsMissingIsThatOfItsObject)
-{
-    const auto place = PlaceOf("[\n [{}]]", {"0", "0", "b"});
-
-    EXPECT_EQ(place.line, 2U);
-    EXPECT_EQ(place.column, 3U);
-}
-
 TEST(Scenario, HasItsStepsInTheOrderOfTime)
 {
     const auto scenario = ParseScenario(R"({"title": "Two", "steps": [
@@ -69,11 +49,11 @@ TEST(Scenario, HasItsStepsInTheOrderOfTime)
     EXPECT_EQ(scenario.title, "Two");
     ASSERT_EQ(scenario.steps.size(), 2U);
     EXPECT_EQ(scenario.steps[0].event, "eap-open");
-    EXPECT_EQ(scenario.steps[0].line, 3U);
-    EXPECT_EQ(scenario.steps[1].line, 2U);
+    EXPECT_EQ(scenario.steps[0].index, 1U);
+    EXPECT_EQ(scenario.steps[1].index, 0U);
 }
 
-TEST(Scenario, ThatIsNoJsonIsToldWithItsPlace)
+TEST(Scenario, ThatIsNotJsonIsRefusedWithLineAndColumn)
 {
     EXPECT_EQ(ComplaintAboutScenario("{\n  \"steps\": [\n    {\"time\" 5}\n]}").rfind("line 3, column ", 0), 0U);
     EXPECT_NE(ComplaintAboutScenario("{\"steps\": [").find("expected"), std::string::npos);
@@ -82,37 +62,53 @@ TEST(Scenario, ThatIsNoJsonIsToldWithItsPlace)
     EXPECT_EQ(ComplaintAboutScenario("{\"title\": \"\xFF\"}").rfind("line 1, column 12: ", 0), 0U);
 }
 
-TEST(Scenario, WithANumberThatIsTooLargeIsToldWithItsPlace)
-{
-    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": [\n  {\"time\": 1e999}]}"),
-              "line 2, column 12: expected a number that can be stored, not 1e999");
-}
-
-TEST(Scenario, ThatIsNestedDeeplyIsToldWithItsPlace)
+TEST(Scenario, ThatIsInvalidIsRefusedWithPathAndWhatWasExpected)
 {
     const std::string deep(100000, '[');
-
-    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": " + deep + std::string(deep.size(), ']') + "}")
-                  .rfind("line 1, column 12: expected an object with time", 0),
-              0U);
+    const std::pair<std::string, const char*> cases[] = {
+        {"[]", "expected an object with $schema, title, description, steps, got an array"},
+        {"{}", "steps: expected an array of steps, got nothing"},
+        {R"({"steps": 5})", "steps: expected an array of steps, got 5"},
+        {R"({"steps": [], "stesp": []})", "stesp: unknown member, expected one of $schema, title, description, steps"},
+        {R"({"steps": [5]})", "steps[0]: expected an object with time, event, value, got 5"},
+        {R"({"steps": [{"event": "eap-open"}]})", "steps[0].time: expected the seconds since the start, got nothing"},
+        {R"({"steps": [{"time": -1, "event": "button"}]})",
+         "steps[0].time: expected a number of seconds between 0 and 604800, got -1"},
+        {R"({"steps": [{"time": 0, "event": "eap-open"}, {"time": 0, "event": "button", "value": "eject"}]})",
+         "steps[1].value: expected one of next, pause, play, previous, stop, got \"eject\""},
+        {Step(R"("event": "battery", "value": {"level": "full"})"),
+         "steps[0].value.level: expected an integer between 0 and 4294967295, got \"full\""},
+        {Step(R"("event": "call", "value": {"sequence": [{"status": "active"}, {"seconds": 1}]})"),
+         "steps[0].value.sequence[1].status: expected the state of the call, got nothing"},
+        {Step(R"("event": "clear-faults", "value": {"all": true})"), "steps[0].value.all: unknown member, expected none"},
+        {R"({"steps": [], "title": "", "steps": []})", "steps: expected one member of this name, got a second one"},
+        {Step(R"("event": "battery", "value": {"level": 1, "l\u0065vel": 2})"),
+         "steps[0].value.level: expected one member of this name, got a second one"},
+        {R"({"steps": [{"time": 1e999}]})", "steps[0].time: expected a number that can be stored, got 1e999"},
+        {"{\"steps\": " + deep + std::string(deep.size(), ']') + "}",
+         "steps[0]: expected an object with time, event, value, got an array"},
+    };
+    for (const auto& [json, complaint] : cases)
+        EXPECT_EQ(ComplaintAboutScenario(json), complaint) << json.substr(0, 200);
 }
 
-TEST(Scenario, ThatDoesNotFitIsToldWithPlaceAndWhatWasExpected)
+TEST(Scenario, OfManyStepsIsReadInTimeThatGrowsNoFasterThanIt)
 {
-    EXPECT_EQ(ComplaintAboutScenario("[]"),
-              "line 1, column 1: expected an object with $schema, title, description, steps, "
-              "not an array");
-    EXPECT_EQ(ComplaintAboutScenario("{}"), "line 1, column 1: expected a member \"steps\", an array of steps");
-    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": 5}"), "line 1, column 11: expected an array of steps, not 5");
-    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": [],\n\"stesp\": []}"),
-              "line 2, column 10: expected one of $schema, title, description, steps, not \"stesp\"");
-    EXPECT_EQ(ComplaintAboutScenario("{\"steps\": [\n  {\"time\": -1, \"event\": \"button\"}]}"),
-              "line 2, column 12: expected a number of seconds, from 0 to 604800, not -1");
-    EXPECT_EQ(
-        ComplaintAboutScenario("{\"steps\": [\n  {\"time\": 0, \"event\": \"button\",\n    \"value\": \"eject\"}]}"),
-        "line 3, column 14: expected one of next, pause, play, previous, stop, not \"eject\"");
-    EXPECT_EQ(ComplaintAboutScenario(Step(R"("event": "phone")")).rfind("line 1, column 33: expected one of app, ", 0),
-              0U);
+    constexpr std::size_t kSteps = 20000;
+    std::string json = R"({"steps": [{"time": 0, "event": "clear-faults"})";
+    while (json.size() < kSteps * 50) json += R"(,{"time": 1.5, "event": "button", "value": "play"})";
+
+    EXPECT_EQ(ParseScenario(json + "]}").steps.size(), kSteps + 1);
+}
+
+TEST(Scenario, LargerThan8MiBIsRefused)
+{
+    const std::string json = R"({"steps": []})";
+    const std::size_t most = std::size_t{8} << 20U;
+
+    EXPECT_EQ(ComplaintAboutScenario(json + std::string(most - json.size(), ' ')), "none");
+    EXPECT_EQ(ComplaintAboutScenario(json + std::string(most - json.size() + 1, ' ')),
+              "expected a scenario of at most 8 MiB");
 }
 
 TEST(Scenario, ChecksEveryValue)

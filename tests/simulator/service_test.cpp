@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -14,6 +16,7 @@
 
 #include "support/private_bus.h"
 #include "support/run_loop.h"
+#include "support/shared_vectors.h"
 #include "temporary_folder.h"
 
 using testing::ElementsAre;
@@ -50,6 +53,28 @@ std::string ASecondOfSilence()
         44);
     return header + std::string(kRate, '\x80');
 }
+
+// Begins as a PNG does; the rest is filling.
+std::string PngOf(std::size_t size)
+{
+    std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
+    png.resize(size, 'x');
+    return png;
+}
+
+// What announces artwork of that many bytes and of 5 by 7 pixels.
+std::string HeadOf(std::uint32_t size)
+{
+    char text[128];
+    std::snprintf(text, sizeof(text),
+                  "(<[byte 0x00, 0x00, 0x00, 0x00, 0x%02x, 0x%02x, 0x%02x, 0x%02x, 0x05, 0x00, 0x00, 0x00, 0x07, "
+                  "0x00, 0x00, 0x00]>,)",
+                  size & 0xFFU, size >> 8U & 0xFFU, size >> 16U & 0xFFU, size >> 24U);
+    return text;
+}
+
+constexpr char kNoArtwork[] =
+    "(<[byte 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00]>,)";
 
 // A client with nothing but a connection; keeps the signals that it receives.
 class Client
@@ -168,6 +193,7 @@ TEST_F(BuiltinService, TellsWhatItWasAsked)
     EXPECT_EQ(calls[1].arguments, "(90,)");
     EXPECT_EQ(calls[1].answer, "()");
     EXPECT_EQ(service.Calls("Seek").size(), 1U);
+    EXPECT_THROW(service.Calls("Sekk"), std::runtime_error);
     service.ClearCalls();
     EXPECT_TRUE(service.Calls().empty());
 }
@@ -209,7 +235,8 @@ TEST_F(BuiltinService, RefusesWhatIsNoEvent)
     EXPECT_THAT(client.Control("CallSequence", g_variant_new("(a{sv}a(ud))", nullptr, nullptr)),
                 HasSubstr("at least one"));
     EXPECT_THAT(client.Control("Fault", g_variant_new("(sssu)", "", "dely", "", 0U)), HasSubstr("expected one of"));
-    EXPECT_THAT(client.Control("RunScenario", g_variant_new("(s)", "{\n}")), HasSubstr("line 1, column 1: expected"));
+    EXPECT_THAT(client.Control("RunScenario", g_variant_new("(s)", "{\n}")),
+                HasSubstr("steps: expected an array of steps, got nothing"));
     EXPECT_FALSE(service.PressButton("eject"));
 }
 
@@ -238,6 +265,24 @@ TEST_F(BuiltinService, RunsAScenario)
     EXPECT_THAT(client.signals,
                 ElementsAre("OnIpodSourceValidStatusChange (false,)", "OnIpodAppBundleNameChange ('com.example.maps',)",
                             "ScenarioEnded ('Short',)"));
+}
+
+TEST_F(Service, AnswersWhileAScenarioOfManyStepsRuns)
+{
+    std::vector<std::string> warnings;
+    ipodsim::Options options = Quiet();
+    options.warn = [&](const std::string& line) { warnings.push_back(line); };
+    ipodsim::Simulator service(options);
+    Client client;
+    std::string json = R"({"title": "Long", "steps": [{"time": 0, "event": "detach", "value": "nobody"})";
+    for (int i = 0; i < 20000; ++i) json += R"(,{"time": 0, "event": "location", "value": true})";
+
+    service.RunScenario(json + "]}");
+
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
+    EXPECT_TRUE(client.Receives("ScenarioEnded ('Long',)"));
+    EXPECT_EQ(client.Count("OnIpodLocationStatusChange (0x01,)"), 20000);
+    EXPECT_EQ(warnings, (std::vector<std::string>{"scenario: steps[0], detach: no device of that name is attached"}));
 }
 
 TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
@@ -454,26 +499,61 @@ TEST_F(Service, SeesTheMusicFolderComeBack)
     EXPECT_EQ(warnings, 1);
 }
 
-TEST_F(Service, TellsOnceOfEachPictureThatHasNoRoom)
+TEST_F(Service, DeliversLargeArtworkWhateverWasDeliveredBefore)
+{
+    constexpr std::uint32_t kLargest = (1U << 20U) - 4096;
+    test::SharedVectors shared;
+    for (const std::uint32_t size : {500000U, 600000U, kLargest})
+    {
+        SCOPED_TRACE(size);
+        TemporaryFolder folder;
+        folder.Write("one.wav", ASecondOfSilence());
+        folder.Write("two.wav", ASecondOfSilence());
+        folder.Write("cover.png", PngOf(size));
+        ipodsim::Options options = Quiet();
+        options.musicFolder = folder.path.string();
+        options.speed = 0.01;
+        options.warn = [](const std::string& line) { ADD_FAILURE() << line; };
+        ipodsim::Simulator service(options);
+        Client client;
+
+        for (const char* button : {"play", "next", "previous"})
+        {
+            client.signals.clear();
+            service.PressButton(button);
+            EXPECT_TRUE(client.Receives("OnIpodArtworkChange " + HeadOf(size), 5000));
+            EXPECT_EQ(shared.Bytes("VecArtworkChangeBufferShareMemory").size(), size);
+            for (int i = 0; i < 2; ++i)
+            {
+                EXPECT_EQ(client.Ask("GetPlayingTrackAlbumArtwork"), HeadOf(size));
+                EXPECT_EQ(shared.Bytes("VecArtworkBufferShareMemory").size(), size);
+            }
+        }
+    }
+}
+
+TEST_F(Service, HasNoArtworkWhereAccessoryDataLeavesNoRoomAndWarnsOnce)
 {
     TemporaryFolder folder;
-    const std::string head("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
     folder.Write("one.wav", ASecondOfSilence());
     folder.Write("two.wav", ASecondOfSilence());
-    // Fits into the segment, but not beside itself.
-    folder.Write("cover.png", head + std::string(600000, 'x'));
+    folder.Write("cover.png", PngOf(600000));
     std::vector<std::string> warnings;
     ipodsim::Options options = Quiet();
     options.musicFolder = folder.path.string();
+    options.speed = 0.01;
     options.warn = [&](const std::string& line) { warnings.push_back(line); };
     ipodsim::Simulator service(options);
     Client client;
+    ASSERT_TRUE(service.SendEapData(service.OpenEapSession(0), std::vector<unsigned char>(600000)));
 
     service.PressButton("play");
-    for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(client.Ask("GetPlayingTrackAlbumArtwork"), kNoArtwork);
 
+    const std::string record = client.Ask("GetCurrentMediaInfo");
+    EXPECT_EQ(record.substr(record.size() - 28), ", 0x00, 0x00, 0x00, 0x00]>,)") << "the track's record agrees";
     service.ClearCalls();  // what the service's thread did is over
-    EXPECT_EQ(warnings, (std::vector<std::string>{"the picture of \"one\" does not fit into shared memory"}));
+    EXPECT_EQ(warnings, (std::vector<std::string>{"no room in shared memory for the artwork of 'one', 600000 bytes"}));
     service.PressButton("next");
     for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
     service.ClearCalls();
@@ -493,7 +573,7 @@ TEST_F(Service, SumsUpWhatIsWrongWithManyFiles)
     const ipodsim::Simulator service(options);
 
     ASSERT_EQ(warnings.size(), 11U);
-    EXPECT_EQ(warnings[9], "skipped " + (folder.path / "Phone/106.ogg").string() + ": no audio file");
+    EXPECT_EQ(warnings[9], "skipped " + (folder.path / "Phone/106.ogg").string() + ": not a supported audio file");
     EXPECT_EQ(warnings[10], "and 791 more warnings like these");
 }
 

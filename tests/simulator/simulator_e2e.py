@@ -120,6 +120,48 @@ class Program(OnABus):
                 self.assertIn(process.wait(timeout=LIMIT), (0, -signal.SIGTERM))
                 self.assertFalse(self.has_owner())
 
+    def huge_files(self, count):
+        """A folder with files of gigabytes in which there is no audio."""
+        folder = os.path.join(self.folder, "huge")
+        os.mkdir(folder)
+        for number in range(count):
+            with open(os.path.join(folder, f"{number}.mp3"), "wb") as file:
+                file.truncate(3 << 30)
+        with open(os.path.join(folder, "list.m3u"), "wb") as file:
+            file.truncate(3 << 30)
+        return folder
+
+    def test_does_not_read_files_of_gigabytes_to_their_end(self):
+        process = self.launch("--no-cache", self.huge_files(1))
+        self.assertIn("ready: 0 songs", line_within(process.stdout, LIMIT))
+        process.send_signal(signal.SIGTERM)
+        _, err = process.communicate(timeout=LIMIT)
+        self.assertIn("list.m3u: larger than 16 MiB\n", err)
+
+    def test_ends_while_it_reads_a_large_file(self):
+        process = self.launch("--no-cache", self.huge_files(200))
+        self.assertTrue(within(LIMIT, self.has_owner))
+        time.sleep(0.3)
+        begin = time.monotonic()
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=LIMIT), 0)
+        self.assertLess(time.monotonic() - begin, 5)
+
+    def test_warns_of_another_one_on_another_bus(self):
+        first = self.start()
+        bus = Bus()
+        self.addCleanup(bus.stop)
+        own, self.environment = self.environment, bus.environment
+        second = self.start()
+        self.environment = own
+        for process, warned in ((second, True), (first, False)):
+            process.send_signal(signal.SIGTERM)
+            _, err = process.communicate(timeout=LIMIT)
+            self.assertEqual("warning: another simulator, on another bus, uses the same shared memory" in err, warned, err)
+        third = self.start()
+        third.send_signal(signal.SIGTERM)
+        self.assertEqual(third.communicate(timeout=LIMIT)[1], "", "the claim went with the first")
+
     def test_a_second_one_tells_which_process_is_in_its_way(self):
         first = self.start()
         self.assertEqual(self.refusal(), "ipod-simulator: another simulator or service is running on this bus: "
@@ -172,15 +214,22 @@ class Program(OnABus):
         self.assertEqual(os.listdir(self.folder), ["file"])
 
     def test_values_that_are_none_are_usage_errors_and_tell_what_was_expected(self):
-        for words, expected in ((["--speed", "0"], "--speed: expected a number above 0, not 0"),
-                                (["--speed", "x"], "--speed: expected a number above 0, not x"),
-                                (["--speed", "nan"], "--speed: expected a number above 0, not nan"),
-                                (["--speed", "1e999"], "--speed: expected a number above 0, not 1e999"),
-                                (["--speed", ""], "--speed: expected a number above 0, not "),
-                                (["--seed", "-1"], "--seed: expected a whole number from 0 to 4294967295, not -1"),
+        for words, expected in ((["--speed", "0"], "--speed: expected a number between 0.001 and 10000, got '0'"),
+                                (["--speed", "1e-300"], "--speed: expected a number between 0.001 and 10000, got '1e-300'"),
+                                (["--speed", "1e5"], "--speed: expected a number between 0.001 and 10000, got '1e5'"),
+                                (["--speed", "x"], "--speed: expected a number between 0.001 and 10000, got 'x'"),
+                                (["--speed", "nan"], "--speed: expected a number between 0.001 and 10000, got 'nan'"),
+                                (["--speed", "1e999"], "--speed: expected a number between 0.001 and 10000, got '1e999'"),
+                                (["--speed", ""], "--speed: expected a number between 0.001 and 10000, got ''"),
+                                (["--seed", "-1"], "--seed: expected an integer between 0 and 4294967295, got '-1'"),
                                 (["--name", ""], "--name: expected a name that is not empty"),
-                                (["--name", b"\xff"], "--name: expected UTF-8 text, not \N{REPLACEMENT CHARACTER}"),
-                                (["--fault", "delay=-1"], "fault delay: expected a number from 0 on"),
+                                (["--name", b"\xff"], "--name: expected UTF-8 text, got '\N{REPLACEMENT CHARACTER}'"),
+                                ([""], "folder: expected a name that is not empty"),
+                                (["--scenario", ""], "--scenario: expected a name that is not empty"),
+                                (["--fault", "delay=-1"],
+                                 "fault delay: expected an integer between 0 and 4294967295, got '-1'"),
+                                (["--fault", "long-record=200000000@GetCurrentMediaInfo"],
+                                 "fault long-record: expected an integer between 0 and 1048576, got '200000000'"),
                                 (["--fault", "delay", "--fault", "dely"],
                                  'fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
                                  'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
@@ -195,10 +244,10 @@ class Program(OnABus):
         self.assertEqual(self.refusal("--scenario", "/dev/zero"),
                          "ipod-simulator: /dev/zero: expected a scenario of at most 8 MiB\n")
 
-    def test_tells_where_a_scenario_is_malformed(self):
+    def test_reports_where_a_scenario_is_malformed(self):
         file = self.write("bad.json", '{"steps": [\n  {"time": 0, "event": "button", "value": "eject"}\n]}\n')
-        self.assertEqual(self.refusal("--scenario", file), f"ipod-simulator: {file}: line 2, column 43: "
-                         'expected one of next, pause, play, previous, stop, not "eject"\n')
+        self.assertEqual(self.refusal("--scenario", file), f"ipod-simulator: {file}: steps[0].value: "
+                         'expected one of next, pause, play, previous, stop, got "eject"\n')
 
     def test_plays_a_scenario(self):
         file = self.write("short.json", '{"title": "Short", "steps": [{"time": 0.1, "event": "button", "value": "play"}]}')
@@ -241,6 +290,16 @@ class Program(OnABus):
             self.assertEqual(len(kept), 1)
             if not expected:
                 os.truncate(f"{self.folder}/cache/ipod-simulator/{kept[0]}", 50)
+
+
+    def test_ignores_a_relative_cache_folder(self):
+        music = self.sample_music()
+        self.environment.update(XDG_CACHE_HOME="relative", HOME=f"{self.folder}/home")
+        process = self.start(music, cwd=self.folder)
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=LIMIT), 0)
+        self.assertNotIn("relative", os.listdir(self.folder))
+        self.assertEqual(len(os.listdir(f"{self.folder}/home/.cache/ipod-simulator")), 1)
 
 
 class InATest(OnABus):
@@ -342,6 +401,33 @@ class Faults(OnABus):
         self.control("Fault", "GetDeviceList", "half-filled", "", "1")
         self.assertEqual(self.ask("GetDeviceList"), "(true,)")
 
+    def owner(self):
+        return subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
+                               "--method", "org.freedesktop.DBus.GetNameOwner", "com.zarn.linux.ipod"],
+                              env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
+
+    def until_done(self, method, *arguments):
+        self.assertTrue(within(LIMIT, lambda: self.control(method, *arguments).returncode == 0), (method, *arguments))
+
+    def test_a_restart_storm_gives_way_to_another_and_ends_when_faults_are_cleared(self):
+        process = self.start()
+        before = self.owner()
+        for times in ("10000", "20000", "10000"):
+            self.until_done("Fault", "", "restart-storm", times, "0")
+            self.assertTrue(within(LIMIT, lambda: self.owner() not in (before, "")))
+        self.until_done("ClearFaults")
+        time.sleep(1)
+        after = self.owner()
+        time.sleep(1)
+        self.assertEqual((self.owner(), process.poll()), (after, None))
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
+
+    def test_calls_of_a_method_that_does_not_exist_are_an_error(self):
+        self.start()
+        self.assertIn("no method of the interface is named 'getplaystats', the nearest is 'GetPlayStatus'",
+                      self.control("GetCalls", "getplaystats").stderr)
+        self.assertEqual(self.control("GetCalls", "GetPlayStatus").stdout, "(@a(tssavsav) [],)\n")
+
     def test_are_armed_and_cleared_over_the_bus(self):
         self.start("--fault", "error@GetPlayStatus")
         self.assertEqual(self.ask("GetPlayStatus"), "")
@@ -410,7 +496,7 @@ class FromTheCommandLine(OnABus):
         self.assertIn("expected one of delay", self.ctl("sim", "fault", "dely", code=1))
         self.assertIn('a device of that name is attached already', self.ctl("sim", "attach", "Desk iPod", code=1))
         self.assertEqual(self.ask("GetDeviceAmount"), "(1,)")
-        self.assertIn("line 1, column 1: expected", self.ctl("sim", "scenario", self.write("bad.json", "{}"), code=1))
+        self.assertIn("steps: expected an array of steps, got nothing", self.ctl("sim", "scenario", self.write("bad.json", "{}"), code=1))
         for words in (["call", "--sequence", "ringing:x"], ["call", "--sequence", "asleep"], ["carplay", "maybe"],
                       ["pairing", "a", "--hex", "0"], ["eap-close", "0"], ["fault", "delay/x"],
                       ["scenario", "/nonexistent"], ["dance"], []):

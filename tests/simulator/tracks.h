@@ -7,8 +7,8 @@
 
 #include "music/track.h"
 
-/// "Song 0", "Song 1", … of one artist, @p perAlbum on each album, ten seconds each.
-inline ipodsim::TrackList Tracks(int count, int perAlbum = 1000)
+/// "Song 0", "Song 1", … of one artist, @p perAlbum on each album, @p lengthMs each.
+inline ipodsim::TrackList Tracks(int count, int perAlbum = 1000, int lengthMs = 10000)
 {
     ipodsim::TrackList tracks;
     for (int i = 0; i < count; ++i)
@@ -19,7 +19,7 @@ inline ipodsim::TrackList Tracks(int count, int perAlbum = 1000)
         track.album = "Album " + std::to_string(i / perAlbum);
         track.genre = "Genre";
         track.number = i % perAlbum + 1;
-        track.lengthMs = 10000;
+        track.lengthMs = lengthMs;
         tracks.push_back(std::make_shared<const ipodsim::Track>(std::move(track)));
     }
     return tracks;
