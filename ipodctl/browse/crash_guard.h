@@ -6,9 +6,9 @@
 
 namespace ctl::browse
 {
-/// Between construction and destruction, the signals that end a program for a mistake restore the modes that the terminal
-/// had at construction, then do what they always do. Also when the stack of the thread that constructed it overflows.
-/// One at a time.
+/// Between construction and destruction, the signals that end a program for a mistake restore the modes that the
+/// terminal had at construction, then do what they always do. Also when the stack of the thread that constructed it
+/// overflows. One at a time.
 class CrashGuard
 {
 public:

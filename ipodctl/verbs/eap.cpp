@@ -111,7 +111,7 @@ struct Writing
 Run BuildWrite(CLI::App& app)
 {
     const auto writing = Argument<Writing>();
-    app.add_option("session", writing->session, "Number of the session, as eap-start told it")
+    app.add_option("session", writing->session, "Number of the session, as in the event eap-start")
         ->required()
         ->check(NumberUpTo(kLastSession));
     app.add_option("file", writing->file, "File to send, - for standard input");
