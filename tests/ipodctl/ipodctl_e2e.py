@@ -275,7 +275,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         """A run that follows events, from the moment on from which it misses none: its log tells."""
         process = self.start("--verbose", *words)
         for line in process.stderr:
-            if b"Owner Name" in line:
+            if b"session Ready" in line:
                 return process
         self.fail("it ended before it listened")
 
@@ -396,7 +396,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 plain = self.on_terminal(*words, size={"LINES": 24, "COLUMNS": 80}, TERM="dumb")
                 self.assertNotIn("\033", plain)
                 self.assertLess(plain.count("\n"), 12, plain)
-        self.assertNotIn("\033", self.on_terminal("status", "--watch", interrupt_at="playing", TERM="dumb"))
+        self.assertNotIn("\033", self.on_terminal("status", "--watch", interrupt_at="playing", times=1, TERM="dumb"))
 
     def test_a_terminal_gets_its_screen_back_after_watching(self):
         self.play_first_song()
@@ -612,14 +612,14 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("cannot write", self.refused("art", "/nonexistent/cover", code=USAGE))
         self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=NO_OUTPUT))
 
-    def test_a_picture_that_the_shared_memory_has_no_room_for_is_told(self):
+    def test_artwork_that_the_shared_memory_has_no_room_for_is_reported_as_absent(self):
         self.tell("eap-open")
         data = os.path.join(self.folder.name, "data")
         with open(data, "wb") as file:
             file.write(bytes(1030000))
         self.tell("eap-data", "1", "--file", data)
-        self.assertTrue(self.play_first_song()["track"]["picture"])
-        self.assertIn("has a picture, but the service did not hand it over", self.refused("art", code=NOTHING_DONE))
+        self.assertFalse(self.play_first_song()["track"]["picture"])
+        self.assertIn("the playing track has no picture", self.refused("art", code=NOTHING_DONE))
 
     def test_a_picture_that_is_not_handed_over_whole_is_told(self):
         self.play_first_song()
@@ -850,7 +850,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_a_bridge_ends_with_the_session(self):
         process = self.start("--verbose", "eap", "bridge", "--no-launch", stdin=subprocess.PIPE)
-        self.await_line(process.stderr, b"Owner Name")
+        self.await_line(process.stderr, b"session Ready")
         time.sleep(0.3)
         self.tell("eap-open")
         self.tell("eap-data", "1", "--text", "from the device")
@@ -1228,7 +1228,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertLessEqual(len(os.read(main, 4096).removeprefix(b"\r\033[K").rstrip()), 40)
         self.assertEqual(process.wait(timeout=LIMIT), DONE)
 
-    def on_terminal(self, *words, size=None, interrupt_at=None, **environment):
+    def on_terminal(self, *words, size=None, interrupt_at=None, times=2, **environment):
         main, terminal = pty.openpty()
         if size:
             fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", size["LINES"], size["COLUMNS"], 0, 0))
@@ -1241,7 +1241,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 shown += os.read(main, 4096)
             except OSError:
                 break
-            if interrupt_at and shown.count(interrupt_at.encode()) >= 2:
+            if interrupt_at and shown.count(interrupt_at.encode()) >= times:
                 process.send_signal(signal.SIGINT)
                 interrupt_at = None
         os.close(main)

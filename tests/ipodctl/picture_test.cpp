@@ -48,7 +48,7 @@ TEST(Extension, FollowsTheTypeThatTheKitDetects)
     EXPECT_STREQ(ExtensionOf(Bytes("\xFF\xD8\xFF\xE0")), ".jpg");
     EXPECT_STREQ(ExtensionOf(Bytes("\x89PNG\r\n\x1A\n")), ".png");
     EXPECT_STREQ(ExtensionOf(Bytes("GIF89a")), ".gif");
-    EXPECT_STREQ(ExtensionOf(Bytes("BM" + std::string(24, '\0'))), ".bmp");
+    EXPECT_STREQ(ExtensionOf(Bytes("BM" + std::string(12, '\0') + "\x28" + std::string(11, '\0'))), ".bmp");
     EXPECT_STREQ(ExtensionOf(Bytes("RIFF\x01\x02\x03\x04WEBPVP8 ")), ".webp");
 }
 

@@ -106,6 +106,18 @@ protected:
     FakeService service;  // last: its thread uses the others
 };
 
+TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
+{
+    service.Answer("EnterDbChildList", "(true,)");
+    Pager pager(*session, ListKind::Database);
+    ASSERT_TRUE(Get(pager, 0));
+
+    ASSERT_TRUE(session->Commands().EnterChild(1).Wait());
+
+    EXPECT_EQ(pager.Cached(0), nullptr);
+    EXPECT_TRUE(Get(pager, 0));
+}
+
 TEST_F(PagerTest, GivesThePageThatHoldsAnEntry)
 {
     Pager pager(*session, ListKind::Database);

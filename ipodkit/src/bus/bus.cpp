@@ -237,6 +237,25 @@ Result<ConnectionPtr> Bus::ConnectionForWaiting()
     return tl::unexpected<Error>(Error{ErrorKind::NoBus, owned->message});
 }
 
+void Bus::ReportLater(const char* method)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_unreported.push_back(method);
+    }
+    Post(m_context.get(), [self = shared_from_this()] { self->ReportFollowed(); });
+}
+
+void Bus::ReportFollowed()
+{
+    std::vector<const char*> methods;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        methods.swap(m_unreported);
+    }
+    for (const char* method : methods) m_followed(method);
+}
+
 Result<Body> Bus::SendAndWait(const Call& call)
 {
     if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
@@ -249,8 +268,7 @@ Result<Body> Bus::SendAndWait(const Call& call)
         NativeOf(call), &error);
     Result<Body> judged = Judged(call, ToResult(reply, error));
     LogOutcome(call, judged, since);
-    if (MayBeFollowed(call, judged))
-        Post(m_context.get(), [self = shared_from_this(), method = call.method] { self->m_followed(method); });
+    if (MayBeFollowed(call, judged)) ReportLater(call.method);
     return judged;
 }
 

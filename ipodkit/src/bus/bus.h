@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <vector>
 
 #include "loop/glib_ptr.h"
 #include "loop/guard.h"
@@ -34,6 +35,10 @@ public:
     /// @p followed is called in the context for each command that the service has followed, or may have: it was sent
     /// and no refusal came. The command completes afterwards.
     void OnFollowed(std::function<void(const char* method)> followed);
+
+    /// Reports the commands of SendAndWait() that were not reported yet. They would be when the context runs: whoever
+    /// depends on them asks for it earlier.
+    void ReportFollowed();
 
     /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.
     void Send(Call call, BodyCompletion completion);
@@ -66,6 +71,7 @@ private:
         Serial serial;
     };
 
+    void ReportLater(const char* method);
     Serial Remember(Call call, BodyCompletion completion);
     void Transmit(Serial serial);
     void TransmitOn(GDBusConnection* connection, const Call& call, Serial serial);
@@ -79,6 +85,7 @@ private:
     const Guard m_guard;
     std::function<void(const char*)> m_followed = [](const char*) {};
     std::mutex m_mutex;
+    std::vector<const char*> m_unreported;
     ConnectionPtr m_connection;
     std::map<Serial, PendingPtr> m_pending;
     std::optional<Error> m_obstacle;  // why nothing can be sent

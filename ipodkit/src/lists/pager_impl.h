@@ -23,6 +23,10 @@ public:
 
     void Watch();
     void End();
+
+    /// What this thread has commanded blocking, a moment ago, may have outdated the list.
+    void CatchUp() { m_session->Bus()->ReportFollowed(); }
+
     void Count(CountCompletion completion);
     void At(int index, PageCompletion completion);
     PagePtr Cached(int index);

@@ -79,6 +79,7 @@ Subscription Session::Impl::OnEvent(std::string name, EventCallback callback)
 
 void Session::Impl::Step(Phase phase, std::optional<Error> error, Fields missing)
 {
+    if (phase != m_phase) LogDebug(std::string("session ") + Name(phase) + ", service " + std::to_string(m_generation));
     m_phase = phase;
     m_publisher->Publish({phase, m_generation, std::move(error), missing});
 }
