@@ -36,8 +36,7 @@ public:
     /// and no refusal came. The command completes afterwards.
     void OnFollowed(std::function<void(const char* method)> followed);
 
-    /// Reports the commands of SendAndWait() that were not reported yet. They would be when the context runs: whoever
-    /// depends on them asks for it earlier.
+    /// Reports the commands of SendAndWait() at once. Otherwise they are reported when the context runs next.
     void ReportFollowed();
 
     /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.

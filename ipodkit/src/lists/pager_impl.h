@@ -24,7 +24,7 @@ public:
     void Watch();
     void End();
 
-    /// What this thread has commanded blocking, a moment ago, may have outdated the list.
+    /// Outdates the list if a blocking command that was made meanwhile has changed it.
     void CatchUp() { m_session->Bus()->ReportFollowed(); }
 
     void Count(CountCompletion completion);

@@ -35,7 +35,7 @@ void OwnerWatch::GetBus()
     g_bus_get(G_BUS_TYPE_SESSION, nullptr, OnBus, Weakly(shared_from_this()));
 }
 
-// GLib's shared connection, once closed, stays what it gives to everybody for as long as anybody holds it.
+// GLib returns its shared connection for as long as anybody holds it, even when it is closed.
 void OwnerWatch::OnBus(GObject*, GAsyncResult* result, gpointer data)
 {
     GError* failure = nullptr;
@@ -84,8 +84,8 @@ void OwnerWatch::Take(ConnectionPtr connection, const ErrorPtr& error)
     if (g_dbus_connection_is_closed(m_connection.get())) Closed();
 }
 
-// The signals come from any sender: which one counts is decided when they arrive, in order with the changes of the
-// owner. By name, GLib would drop those of a new owner until it has heard of it itself.
+// Subscribes to the signals of any sender; OnSignal() compares the sender with the owner, whose changes arrive in
+// order with the signals. If subscribed by name, GLib would drop the first signals of a new owner.
 void OwnerWatch::Subscribe()
 {
     const DefaultContext delivered(m_context.get());

@@ -32,7 +32,7 @@ Session::Impl::Impl(const SessionOptions& options)
 {
 }
 
-// Whatever comes from the bus may make the application end the session, which stays until that has returned.
+// A callback of the application may end the session. It lives until the event that led to the callback is handled.
 template <class Method>
 auto Session::Impl::Bound(Method method)
 {
@@ -101,7 +101,7 @@ void Session::Impl::NotStarted(const Error& error)
     Step(m_phase, error);
 }
 
-// A service that another one replaced is lost, too.
+// A service that was replaced by another one is lost, too.
 void Session::Impl::OwnerIs(const std::string& owner)
 {
     if (m_phase == Phase::Connecting || m_phase == Phase::Ready) Vanished();
@@ -125,8 +125,8 @@ void Session::Impl::Vanished()
     m_lanes.OutdateAll();
 }
 
-// Processes that create the segments, and dead ones that hold their locks, are waited for on another thread. It must
-// not be that thread that attaches them: the process may end meanwhile, and with it what the core has of them.
+// Probing waits for processes that create the segments and for locks of dead ones, hence on another thread. Attaching
+// stays on this one: when the process ends, the core's static objects would go while another thread attaches them.
 void Session::Impl::Attach()
 {
     if (CoreLink::Instance().Player() != nullptr) return Attached(std::nullopt);

@@ -17,7 +17,7 @@ namespace
 constexpr int kMostAttempts = 5;
 constexpr auto kFirstWait = std::chrono::seconds(1);
 
-// Longer than any service lives: lateness is for the reader's own timers to find out.
+// Longer than any service lives. The reader's own timers decide what is late.
 constexpr auto kForEver = std::chrono::hours(24 * 24);
 
 guint Milliseconds(std::chrono::milliseconds time)
@@ -25,7 +25,7 @@ guint Milliseconds(std::chrono::milliseconds time)
     return static_cast<guint>(std::clamp<std::int64_t>(time.count(), 1, G_MAXINT));
 }
 
-// Everything else comes from the bus, and ends with a change of the owner.
+// Other errors come from the bus; a change of the owner follows.
 bool IsAnswer(const Error& error)
 {
     return error.kind == ErrorKind::Refused || error.kind == ErrorKind::BadReply;

@@ -8,7 +8,7 @@ namespace
 {
 using std::chrono::milliseconds;
 
-// Services report nonsense for a moment now and then.
+// Some services report a negative position for a moment.
 milliseconds NotNegative(milliseconds time)
 {
     return std::max(time, milliseconds(0));
@@ -138,7 +138,7 @@ void StateDraft::On(const QueueSizeChanged& event)
     if (event.size >= 0) m_state.queueSize = event.size;
 }
 
-// A call without an identifier can be told from no other one without: together they are one.
+// Calls without an identifier cannot be distinguished: together they are one call.
 void StateDraft::On(const CallChanged& event)
 {
     const std::string key = event.call.CallUUID.value_or("");
