@@ -103,7 +103,8 @@ std::vector<std::string> Methods()
 {
     std::vector<std::string> names;
     const GDBusInterfaceInfo* const contract = com_zarn_linux_ipod_interface_info();
-    for (GDBusMethodInfo** method = contract->methods; *method != nullptr; ++method) names.emplace_back((*method)->name);
+    for (GDBusMethodInfo** method = contract->methods; *method != nullptr; ++method)
+        names.emplace_back((*method)->name);
     return names;
 }
 

@@ -48,8 +48,9 @@ void JsonValue::RequireMembers(std::initializer_list<const char*> names) const
     for (const auto& [name, value] : m_json.items())
     {
         if (std::find(known.begin(), known.end(), name) != known.end()) continue;
-        throw ValidationError(MemberPath(m_path, name),
-                              "unknown member" + (known.empty() ? ", expected none" : ", expected one of " + Listed(known)));
+        throw ValidationError(
+            MemberPath(m_path, name),
+            "unknown member" + (known.empty() ? ", expected none" : ", expected one of " + Listed(known)));
     }
 }
 
