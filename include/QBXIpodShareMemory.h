@@ -71,9 +71,9 @@ using QBXByteVector =
 // a macro, that lays something out in another way does not compile.
 static_assert(sizeof(QBXStringPageVector) == 4 * sizeof(void*) && alignof(QBXStringPageVector) == sizeof(void*),
               "a vector is its allocator, the place of its entries, their number and its capacity");
-static_assert(sizeof(QBXByteVector) == sizeof(QBXStringPageVector) &&
-                  alignof(QBXByteVector) == alignof(QBXStringPageVector),
-              "vectors of names and of bytes are laid out alike");
+static_assert(sizeof(QBXByteVector) == sizeof(QBXStringPageVector), "vectors of names and of bytes are laid out alike");
+static_assert(alignof(QBXByteVector) == alignof(QBXStringPageVector),
+              "vectors of names and of bytes are aligned alike");
 static_assert(sizeof(QBXSegmentManager) == 15 * sizeof(void*) + 2 * sizeof(pthread_mutex_t),
               "the manager of a segment keeps its size, its free memory, two indexes and two process-shared locks");
 static_assert(QBXSegmentManager::PayloadPerAllocation == sizeof(void*),

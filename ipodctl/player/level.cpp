@@ -92,7 +92,7 @@ Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
 
 std::optional<Entry> FindName(const Page& level, const std::string& name)
 {
-    if (const auto same = OnlyMatch(level, name, [&](const Entry& entry) { return entry.name == name; })) return same;
+    if (auto same = OnlyMatch(level, name, [&](const Entry& entry) { return entry.name == name; })) return same;
     const std::string folded = Folded(name);
     const std::string pinyin = FoldedPinyin(name);
     const auto similar = [&](const Entry& entry)
