@@ -189,7 +189,7 @@ APPLICATION = [
         "what does not fit throws, and no call is made", "sent; `bad_alloc`", "largest-payload"),
     Row("application", "`ipodctl doctor` beside a lock that a killed process holds", "a probe cannot hang the caller",
         "told within 8 s", "doctor-beside-a-held-lock", [["build:ipodctl"]],
-        says=("lists: problem: *it does not answer: its lock is held, or it was never finished",)),
+        says=("lists *error *it does not answer: its lock is held, or it was never finished",)),
 ]
 
 # What threads put aside for themselves looks used.
