@@ -77,12 +77,12 @@ def make_undivided(packages, target):
     return build(tree, target / "libipod1.deb")
 
 
-def make_middleware(target):
+def make_middleware(target, architecture):
     """What a head unit might have in the place of the stand-in."""
     tree = target / "middleware"
     (tree / "DEBIAN").mkdir(parents=True)
     (tree / "DEBIAN/control").write_text("Package: head-unit-middleware\nVersion: 5\nMaintainer: none\n"
-                                         "Architecture: all\nProvides: libqbxmiddleware1\nDescription: middleware\n")
+                                         f"Architecture: {architecture}\nProvides: libqbxmiddleware1\nDescription: middleware\n")
     return build(tree, target / "middleware.deb")
 
 
@@ -185,7 +185,7 @@ class Packages(unittest.TestCase):
         self.assert_holds_exactly(self.libraries())
 
     def test_a_head_unit_keeps_its_own_middleware(self):
-        middleware = make_middleware(pathlib.Path(self.scratch.name))
+        middleware = make_middleware(pathlib.Path(self.scratch.name), self.architecture)
         core = [package for package in self.libraries() if package.name.startswith("libipod1_")]
         self.install([middleware])
         self.install(core)

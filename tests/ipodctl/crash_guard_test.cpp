@@ -81,7 +81,8 @@ void ExpectTerminalGivenBack(const Crash& crash, int signal)
     EXPECT_TRUE(WIFSIGNALED(crash.status)) << crash.status;
     EXPECT_EQ(WTERMSIG(crash.status), signal);
     EXPECT_TRUE(crash.modesRestored);
-    EXPECT_EQ(crash.written, "farewell");
+    // An emulator adds a line of its own.
+    EXPECT_EQ(crash.written.substr(0, crash.written.find("qemu: ")), "farewell");
 }
 }  // namespace
 
