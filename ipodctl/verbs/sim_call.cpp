@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "output/names.h"
+#include "output/text.h"
 #include "verbs/sim.h"
 
 namespace ctl
