@@ -1,4 +1,4 @@
-# What is shipped is the same wherever it was built. Builds for debugging keep the paths: a debugger finds the sources by them.
+# Release builds are identical wherever they are built. Debug builds keep the paths, so that a debugger finds the sources.
 include(CheckCXXCompilerFlag)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 

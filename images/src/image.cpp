@@ -107,7 +107,7 @@ Size GifSize(const Bytes& bytes)
     return {bytes.Little(6, 2), bytes.Little(8, 2)};
 }
 
-// The kind of the first chunk stands in its name.
+// The name of the first chunk gives its kind.
 Size WebPSize(const Bytes& bytes)
 {
     if (bytes.Holds(12, "VP8X") && bytes.Has(30)) return {bytes.Little(24, 3) + 1, bytes.Little(27, 3) + 1};
@@ -121,7 +121,7 @@ Size WebPSize(const Bytes& bytes)
     return {};
 }
 
-// A negative height stands for rows from top to bottom.
+// A negative height means that rows run from top to bottom.
 Size BmpSize(const Bytes& bytes)
 {
     if (bytes.Little(14, 4) == kOldestBmpHead)
