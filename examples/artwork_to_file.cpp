@@ -19,10 +19,10 @@ int main(int argc, char** argv)
     }
     const auto write = [&files](const ipodkit::StatePtr& state, ipodkit::Fields)
     {
-        if (state->artwork == nullptr) return;
-        const auto uri = files.Uri(*state->artwork);
-        std::printf("%s %ux%u %s\n", ipodkit::MediaType(state->artwork->type), state->artwork->width,
-                    state->artwork->height, uri ? uri->c_str() : uri.error().Text().c_str());
+        if (state->Artwork() == nullptr) return;
+        const auto uri = files.Uri(*state->Artwork());
+        std::printf("%s %ux%u %s\n", ipodkit::MediaType(state->Artwork()->type), state->Artwork()->width,
+                    state->Artwork()->height, uri ? uri->c_str() : uri.error().Text().c_str());
         std::fflush(stdout);
     };
     const auto written = (*session)->OnState("artwork", write, ipodkit::Field::Artwork);

@@ -17,10 +17,10 @@ int main()
     }
     const auto show = [](const ipodkit::StatePtr& state, ipodkit::Fields)
     {
-        const bool playing = state->status == IPOD_PLAY_STATUS_PLAYING;
-        const QBXiPodTrackInfo track = state->track.value_or(QBXiPodTrackInfo{});
-        std::printf("[%s] %s %s - %s\n", ipodkit::Name(state->phase), playing ? ">" : "=", track.text2.c_str(),
-                    track.text1.c_str());
+        const bool playing = state->status == ipodkit::PlayStatus::Playing;
+        const ipodkit::Track track = state->track.value_or({});
+        std::printf("[%s] %s %s - %s\n", ipodkit::Name(state->phase), playing ? ">" : "=", track.artist.c_str(),
+                    track.title.c_str());
         std::fflush(stdout);
     };
     const auto shown = (*session)->OnState("now playing", show,

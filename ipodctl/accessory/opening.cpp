@@ -38,10 +38,10 @@ SenderLock::~SenderLock()
     if (m_file >= 0) close(m_file);
 }
 
-void Announce(Session& session, const EAPInfo& info)
+void Announce(Session& session, const ipodkit::AccessoryInfo& info)
 {
-    CheckLength(info.text1, "the list of protocols");
-    CheckLength(info.text2, "the bundle identifier");
+    CheckLength(info.protocols, "the list of protocols");
+    CheckLength(info.bundleId, "the bundle identifier");
     session.Ask(session.Commands().AnnounceAccessory(info));
 }
 
@@ -67,7 +67,7 @@ ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit
     if (request.launch)
     {
         Announce(session, request.info);
-        LaunchApp(session, request.info.text2);
+        LaunchApp(session, request.info.bundleId);
     }
     const Ending ending = loop.Run(request.seconds);
     session.FlushLog();

@@ -10,7 +10,7 @@
 namespace ctl
 {
 /// Announces the unit's protocols.
-void Announce(Session& session, const EAPInfo& info);
+void Announce(Session& session, const ipodkit::AccessoryInfo& info);
 
 /// Asks the device to start an app.
 /// @throws Failure  kNothingDone, when the service does not
@@ -33,7 +33,7 @@ private:
 
 struct AccessoryRequest
 {
-    EAPInfo info{"com.example.echo", "com.example.echo"};
+    ipodkit::AccessoryInfo info{"com.example.echo", "com.example.echo"};
     double seconds = 5;  ///< to wait for the session
     bool launch = true;  ///< otherwise the device opens it by itself
 };

@@ -209,7 +209,7 @@ bool Browser::TakeAudioSource()
 
 void Browser::TogglePause()
 {
-    if (m_model.state->status == IPOD_PLAY_STATUS_PLAYING)
+    if (m_model.state->status == ipodkit::PlayStatus::Playing)
         m_session.Commands().Pause().Start(Report("the service did not pause"));
     else if (TakeAudioSource())
         m_audio.Play(Report(kNotPlayed));

@@ -91,17 +91,17 @@ std::string PlaceText(const Model& model)
     return place + "  " + std::to_string(static_cast<long long>(names.Arrived()) * 100 / names.Count()) + " %";
 }
 
-const char* Symbol(const std::optional<iPodPlayerPlayStatus>& status)
+const char* Symbol(const ipodkit::Known<ipodkit::PlayStatus>& status)
 {
-    switch (status.value_or(IPOD_PLAY_STATUS_STOPPED))
+    switch (status.value_or(ipodkit::PlayStatus::Stopped))
     {
-        case IPOD_PLAY_STATUS_PLAYING:
+        case ipodkit::PlayStatus::Playing:
             return "\xE2\x96\xB6";
-        case IPOD_PLAY_STATUS_PAUSED:
+        case ipodkit::PlayStatus::Paused:
             return "\xE2\x80\x96";
-        case IPOD_PLAY_STATUS_FAST_FORWARD:
+        case ipodkit::PlayStatus::FastForward:
             return "\xC2\xBB";
-        case IPOD_PLAY_STATUS_FAST_BACKWARD:
+        case ipodkit::PlayStatus::FastBackward:
             return "\xC2\xAB";
         default:
             return "\xE2\x96\xA0";
@@ -110,14 +110,14 @@ const char* Symbol(const std::optional<iPodPlayerPlayStatus>& status)
 
 bool HasTrack(const ipodkit::PlayerState& state)
 {
-    return state.track && !(state.track->text1.empty() && state.track->text2.empty());
+    return state.track && !(state.track->title.empty() && state.track->artist.empty());
 }
 
 std::string TrackText(const ipodkit::PlayerState& state)
 {
     if (!HasTrack(state)) return "nothing plays";
-    const std::string title = state.track->text1.empty() ? "(no title)" : CellText(state.track->text1);
-    return state.track->text2.empty() ? title : title + " - " + CellText(state.track->text2);
+    const std::string title = state.track->title.empty() ? "(no title)" : CellText(state.track->title);
+    return state.track->artist.empty() ? title : title + " - " + CellText(state.track->artist);
 }
 
 std::string WarningText(const ipodkit::Connection& connection)

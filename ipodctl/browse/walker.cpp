@@ -26,7 +26,11 @@ Walker::Walker(ipodkit::Session& session, Model& model, std::function<void()> ch
       m_commands(session.Commands()),
       m_names(session, ipodkit::ListKind::Database, kNames),
       m_check(session, ipodkit::ListKind::Database, kOneEntry),
-      m_devices(session.Listen("browse", *this))
+      m_devices(session.OnEvent("browse",
+                                [this](const ipodkit::Event& event)
+                                {
+                                    if (std::holds_alternative<ipodkit::DeviceChanged>(event)) Restart();
+                                }))
 {
 }
 

@@ -20,7 +20,7 @@ bool IsOfNoService(const ipodkit::Error& error);
 
 /// The service keeps one level for all its clients. The walker starts at the root, and before an entry is opened it
 /// looks whether it is still where it was; if others have changed the level, it goes back by the names of the path.
-class Walker : private IQBXIpodPlayerListener
+class Walker
 {
 public:
     using Play = std::function<void(int entry)>;
@@ -28,7 +28,7 @@ public:
     /// @param changed  called when there is something new to show
     /// @param play     called to play an entry of the current level
     Walker(ipodkit::Session& session, Model& model, std::function<void()> changed, Play play);
-    ~Walker() override;
+    ~Walker();
     Walker(const Walker&) = delete;
     Walker& operator=(const Walker&) = delete;
 
@@ -61,8 +61,6 @@ private:
         int place;
         ListCursor cursor;
     };
-
-    void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus, int) override { Restart(); }
 
     template <class T>
     std::function<void(const ipodkit::Result<T>&)> WhileCurrent(std::function<void(const ipodkit::Result<T>&)> arrived);

@@ -1,11 +1,9 @@
 #include "events/event_fields.h"
 
-#include <iterator>
+#include <algorithm>
 #include <map>
 
 #include "output/moment.h"
-#include "output/names.h"
-#include "player/phone.h"
 
 namespace ctl
 {
@@ -37,46 +35,43 @@ void TakeTrack(Json& player, const Json& track)
     player["position"] = 0;
 }
 
-// As if each part had been told by an event.
-std::vector<Event> AsEvents(const ipodkit::PlayerState& state)
+// As if each part had been reported by an event.
+std::vector<ipodkit::Event> AsEvents(const ipodkit::PlayerState& state)
 {
-    std::vector<Event> events;
-    EventListener listener([&](const Event& event) { events.push_back(event); });
-    if (state.track) listener.OnIpodPlayingTrackChange(state.trackIndex.value_or(-1), *state.track);
-    if (state.status) listener.OnPlayStatusChanged(*state.status);
+    std::vector<ipodkit::Event> events;
+    if (state.track) events.emplace_back(ipodkit::TrackChanged{state.trackIndex.value_or(-1), *state.track});
+    if (state.status) events.emplace_back(ipodkit::PlayStatusChanged{*state.status});
     if (state.position)
-        listener.OnPlayProgressChange(static_cast<int>(state.position->position.count()),
-                                      static_cast<int>(state.position->duration.count()));
-    if (state.shuffle) listener.OnIpodShuffleModeChange(*state.shuffle);
-    if (state.repeat) listener.OnIpodRepeatModeChange(*state.repeat);
-    if (state.queueSize) listener.OnIpodPlayingListAmountChange(*state.queueSize);
-    if (state.foregroundApp) listener.OnIpodAPPBundleNameChange(*state.foregroundApp);
-    listener.OnIpodBatteryChange(state.battery);
-    for (const auto& [uuid, call] : state.calls) listener.OnIpodPhoneCallChange(call);
+        events.emplace_back(ipodkit::ProgressChanged{state.position->position, state.position->duration});
+    if (state.shuffle) events.emplace_back(ipodkit::ShuffleChanged{*state.shuffle});
+    if (state.repeat) events.emplace_back(ipodkit::RepeatChanged{*state.repeat});
+    if (state.queueSize) events.emplace_back(ipodkit::QueueSizeChanged{*state.queueSize});
+    if (state.foregroundApp) events.emplace_back(ipodkit::ForegroundAppChanged{*state.foregroundApp});
+    if (state.battery) events.emplace_back(ipodkit::BatteryChanged{*state.battery});
+    for (const auto& [uuid, call] : state.calls) events.emplace_back(ipodkit::CallChanged{call});
     return events;
 }
 }  // namespace
 
 const std::vector<std::string>& EventFieldNames()
 {
-    static const std::vector<std::string> names = {
-        // the player
-        "title", "artist", "album", "genre", "number", "length", "position", "state", "index", "count", "shuffle",
-        "repeat", "device", "battery", "charging", "call", "caller", "app",
-        // every event
-        "event", "time", "clock", "text",
-        // single events
-        "status", "media_restart", "position_ms", "length_ms", "mode", "valid", "type", "bytes", "reported_bytes",
-        "width", "height", "serial", "percent", "direction", "name", "remote", "label", "service", "uuid",
-        "address_book_id", "conferenced", "conference_group", "end", "start", "bundle", "session", "protocol",
-        "session_low_byte", "hex", "available", "address"};
+    static const std::vector<std::string> names = []
+    {
+        std::vector<std::string> all = {"title",    "artist",  "album",    "genre", "number",  "length",
+                                        "position", "state",   "index",    "count", "shuffle", "repeat",
+                                        "device",   "battery", "charging", "call",  "caller",  "app",
+                                        "event",    "time",    "clock",    "text"};
+        for (std::string& name : NamesOfEventFields())
+            if (std::find(all.begin(), all.end(), name) == all.end()) all.push_back(std::move(name));
+        return all;
+    }();
     return names;
 }
 
 void EventFields::Reset(const ipodkit::PlayerState& state)
 {
     m_player = Json::object();
-    for (const Event& event : AsEvents(state)) With(event);
+    for (const ipodkit::Event& event : AsEvents(state)) With(ToEvent(event));
     if (state.deviceName) m_player["device"] = *state.deviceName;
 }
 

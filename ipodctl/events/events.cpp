@@ -1,11 +1,8 @@
 #include "events/events.h"
 
-#include "output/hexdump.h"
+#include "output/fields_json.h"
 #include "output/moment.h"
-#include "output/names.h"
 #include "output/text.h"
-#include "picture/picture.h"
-#include "player/phone.h"
 #include "player/track.h"
 
 namespace ctl
@@ -13,11 +10,6 @@ namespace ctl
 namespace
 {
 constexpr int kNameWidth = 14;
-
-std::string_view View(const std::vector<unsigned char>& bytes)
-{
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 
 std::string TextOf(const Json& value)
 {
@@ -32,144 +24,124 @@ std::string Listed(const Json& fields)
     return text;
 }
 
-std::string BytesText(const std::vector<unsigned char>& data)
+std::string Size(const std::vector<unsigned char>& bytes)
 {
-    constexpr int kShown = 60;
-    return Cut(Printable(View(data)), kShown);
+    return Count(static_cast<int>(bytes.size()), "byte", "bytes");
 }
 
-std::string Size(std::size_t bytes)
+std::string SessionText(std::uint16_t number)
 {
-    return Count(static_cast<int>(bytes), "byte", "bytes");
+    return "session " + std::to_string(number);
+}
+
+/// How an event reads on one line.
+struct Text
+{
+    // Events with one field.
+    template <class E>
+    std::string operator()(const E& event) const
+    {
+        return TextOf(ToJson(event).front());
+    }
+
+    std::string operator()(const ipodkit::DeviceChanged& event) const
+    {
+        return ToString(event.status) + (event.mediaRestart ? ", media restarts" : "");
+    }
+    std::string operator()(const ipodkit::ProgressChanged& event) const
+    {
+        return Clock(event.position) + " / " + Clock(event.duration);
+    }
+    std::string operator()(const ipodkit::TrackChanged& event) const
+    {
+        const auto length = event.track.duration;
+        return "#" + std::to_string(event.index) + " " + TrackLine(event.track) +
+               (length.count() > 0 ? " (" + Clock(length) + ")" : "");
+    }
+    std::string operator()(const ipodkit::QueueSizeChanged& event) const
+    {
+        return Count(event.size, "entry", "entries");
+    }
+    std::string operator()(const ipodkit::SourceValidChanged& event) const { return event.valid ? "valid" : "invalid"; }
+    std::string operator()(const ipodkit::ArtworkChanged& event) const { return ArtworkLine(event); }
+    std::string operator()(const ipodkit::CarPlayChanged& event) const
+    {
+        const std::string serial = Printable(event.serialNumber);
+        return ToString(event.status) + (serial.empty() ? "" : ", serial number " + serial);
+    }
+    std::string operator()(const ipodkit::CallChanged& event) const { return Listed(ToJson(event)); }
+    std::string operator()(const ipodkit::BatteryChanged& event) const { return Listed(ToJson(event)); }
+    std::string operator()(const ipodkit::ForegroundAppChanged& event) const
+    {
+        return event.bundleId.empty() ? "none" : Printable(event.bundleId);
+    }
+    std::string operator()(const ipodkit::AccessoryOpened& event) const
+    {
+        return SessionText(event.session) + ", protocol " + std::to_string(event.protocol);
+    }
+    std::string operator()(const ipodkit::AccessoryClosed& event) const { return SessionText(event.session); }
+    std::string operator()(const ipodkit::AccessoryData& event) const
+    {
+        constexpr int kShown = 60;
+        const std::string data(event.bytes.begin(), event.bytes.end());
+        return SessionText(event.sessionLowByte) + ", " + Size(event.bytes) + ": " + Cut(Printable(data), kShown);
+    }
+    std::string operator()(const ipodkit::WirelessCarPlayChanged& event) const
+    {
+        return (event.available ? "available, " : "unavailable, ") + Printable(event.deviceAddress);
+    }
+    std::string operator()(const ipodkit::PairingReceived& event) const
+    {
+        return Printable(event.bluetoothAddress) + ", " + Size(event.bytes) + ": " +
+               ToJson(event.bytes).get<std::string>();
+    }
+};
+
+template <class T>
+void AddNames(std::vector<std::string>& names)
+{
+    ipodkit::ForEachRow<T>(
+        [&names](const auto& row)
+        {
+            using Field = ipodkit::FieldType<T, std::decay_t<decltype(row)>>;
+            if constexpr (ipodkit::kHasRows<Field>)
+                AddNames<Field>(names);
+            else
+                names.push_back(JsonName(row));
+        });
+}
+
+// Calls @p use with a null pointer to each kind of event.
+template <class Use, class... Events>
+void ForEachKind(const Use& use, const std::variant<Events...>*)
+{
+    (use(static_cast<Events*>(nullptr)), ...);
 }
 }  // namespace
 
-void EventListener::OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int mediaRestart)
+Event ToEvent(const ipodkit::Event& event)
 {
-    const std::string name = DetectName(status);
-    m_sink({"device",
-            {{"status", name}, {"media_restart", mediaRestart != 0}},
-            name + (mediaRestart != 0 ? ", media starts anew" : "")});
-}
-
-void EventListener::OnPlayStatusChanged(iPodPlayerPlayStatus status)
-{
-    const std::string name = PlayStatusName(status);
-    m_sink({"play-status", {{"state", name}}, name});
-}
-
-void EventListener::OnPlayProgressChange(int position, int length)
-{
-    m_sink({"progress", {{"position_ms", position}, {"length_ms", length}}, Clock(position) + " / " + Clock(length)});
-}
-
-void EventListener::OnIpodRepeatModeChange(iPodPlayerRepeatStatus mode)
-{
-    m_sink({"repeat", {{"mode", RepeatName(mode)}}, RepeatName(mode)});
-}
-
-void EventListener::OnIpodShuffleModeChange(iPodPlayerShuffleStatus mode)
-{
-    m_sink({"shuffle", {{"mode", ShuffleName(mode)}}, ShuffleName(mode)});
-}
-
-void EventListener::OnIpodPlayingTrackChange(int index, QBXiPodTrackInfo track)
-{
-    const std::string length = track.value1 > 0 ? " (" + Clock(track.value1) + ")" : "";
-    m_sink({"track",
-            {{"index", index}, {"track", TrackJson(track)}},
-            "#" + std::to_string(index) + " " + TrackLine(track) + length});
-}
-
-void EventListener::OnIpodPlayingListAmountChange(int amount)
-{
-    m_sink({"queue-size", {{"count", amount}}, Count(amount, "entry", "entries")});
-}
-
-void EventListener::OnIpodSourceValidStatusChange(int valid)
-{
-    m_sink({"source", {{"valid", valid != 0}}, valid != 0 ? "valid" : "invalid"});
-}
-
-void EventListener::OnIpodArtworkChange(QBXTrackArtwork artwork)
-{
-    const Json fields = ArtworkJson(artwork);
-    m_sink({"artwork", fields, artwork.image.empty() ? "none" : ArtworkLine(artwork)});
-}
-
-void EventListener::OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus status, std::string serial)
-{
-    m_sink({"carplay",
-            {{"status", DetectName(status)}, {"serial", serial}},
-            DetectName(status) + (serial.empty() ? "" : ", serial number " + Printable(serial))});
-}
-
-void EventListener::OnIpodPhoneCallChange(const iPodPhoneCall_t& call)
-{
-    const Json fields = CallJson(call);
-    m_sink({"phone-call", fields, Listed(fields)});
-}
-
-void EventListener::OnIpodBatteryChange(const iPodBattery_t& battery)
-{
-    const Json fields = BatteryJson(battery);
-    m_sink({"battery", fields, Listed(fields)});
-}
-
-void EventListener::OnIpodLocationStatusChange(LocationStatus status)
-{
-    m_sink({"location", {{"status", LocationName(status)}}, LocationName(status)});
-}
-
-void EventListener::OnIpodAPPBundleNameChange(std::string bundle)
-{
-    m_sink({"foreground-app", {{"bundle", bundle}}, bundle.empty() ? "none" : Printable(bundle)});
-}
-
-void EventListener::OnIpodStartEapSession(unsigned char protocol, unsigned short session)
-{
-    m_sink({"eap-start",
-            {{"session", session}, {"protocol", protocol}},
-            "session " + std::to_string(session) + ", protocol " + std::to_string(protocol)});
-}
-
-void EventListener::OnIpodStopEapSession(unsigned short session)
-{
-    m_sink({"eap-stop", {{"session", session}}, "session " + std::to_string(session)});
-}
-
-void EventListener::OnIpodReceiveEapData(unsigned short session, std::vector<unsigned char>& data)
-{
-    m_sink({"eap-data",
-            {{"session_low_byte", session}, {"bytes", data.size()}, {"hex", Hex(View(data))}},
-            "session " + std::to_string(session) + ", " + Size(data.size()) + ": " + BytesText(data)});
-}
-
-void EventListener::OnCarlifeDeviceDetectStatusChange(QBXAppleDeviceDetectStatus status)
-{
-    m_sink({"carlife", {{"status", DetectName(status)}}, DetectName(status)});
-}
-
-void EventListener::OnWirelessCarPlayUpdate(bool available, const std::string& address)
-{
-    m_sink({"wireless-carplay",
-            {{"available", available}, {"address", address}},
-            (available ? "available, " : "unavailable, ") + Printable(address)});
-}
-
-void EventListener::OnOOBPairingInfo(std::string address, const std::vector<unsigned char>& bytes)
-{
-    m_sink({"pairing",
-            {{"address", address}, {"hex", Hex(View(bytes))}},
-            Printable(address) + ", " + Size(bytes.size()) + ": " + Hex(View(bytes))});
+    return {EventName(event), std::visit([](const auto& each) { return ToJson(each); }, event),
+            std::visit(Text(), event)};
 }
 
 const std::vector<std::string>& EventNames()
 {
-    static const std::vector<std::string> names = {
-        "device",    "play-status", "progress", "repeat",  "shuffle",          "track",         "queue-size",
-        "source",    "artwork",     "carplay",  "battery", "location",         "carlife",       "phone-call",
-        "eap-start", "eap-stop",    "eap-data", "pairing", "wireless-carplay", "foreground-app"};
+    static const std::vector<std::string> names = []
+    {
+        std::vector<std::string> all;
+        const auto add = [&all](auto* kind) { all.emplace_back(ipodkit::Rows<std::decay_t<decltype(*kind)>>::name); };
+        ForEachKind(add, static_cast<const ipodkit::Event*>(nullptr));
+        return all;
+    }();
+    return names;
+}
+
+std::vector<std::string> NamesOfEventFields()
+{
+    std::vector<std::string> names;
+    ForEachKind([&names](auto* kind) { AddNames<std::decay_t<decltype(*kind)>>(names); },
+                static_cast<const ipodkit::Event*>(nullptr));
     return names;
 }
 

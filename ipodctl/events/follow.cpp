@@ -36,10 +36,7 @@ class Follower
 {
 public:
     Follower(Context& context, const Following& following)
-        : m_context(context),
-          m_following(following),
-          m_presentation(PresentationFor(following, context.out, m_loop)),
-          m_listener([this](const Event& event) { m_loop.Guard([&] { Take(event); }); })
+        : m_context(context), m_following(following), m_presentation(PresentationFor(following, context.out, m_loop))
     {
         m_loop.EndWithOutput();
     }
@@ -60,7 +57,6 @@ private:
     const Following& m_following;
     Loop m_loop;
     std::unique_ptr<Presentation> m_presentation;
-    EventListener m_listener;
     int m_seen = 0;
     bool m_enough = false;
     Phase m_told = Phase::Ready;
@@ -115,7 +111,8 @@ void Follower::Judge(const ipodkit::Connection& connection)
 Ending Follower::AwaitEvents()
 {
     ipodkit::Session& session = KitFor(m_context.session, m_following.wait);
-    const auto listening = session.Listen("ipodctl", m_listener);
+    const auto listening = session.OnEvent(
+        "ipodctl", [this](const ipodkit::Event& event) { m_loop.Guard([&] { Take(ToEvent(event)); }); });
     const auto watching = session.OnConnection(
         "ipodctl", [this](const ipodkit::Connection& connection) { m_loop.Guard([&] { Judge(connection); }); });
     const Limits& limits = m_following.limits;

@@ -3,6 +3,7 @@
 /// Pure functions; any thread may call them. All text is UTF-8, and none depends on the locale.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,6 +33,10 @@ std::string PadLeft(std::string_view text, int width);
 
 /// "3:45" or "1:02:03". Negative times are 0.
 std::string Clock(int milliseconds);
+inline std::string Clock(std::chrono::milliseconds time)
+{
+    return Clock(static_cast<int>(time.count()));
+}
 
 /// "[====>    ]" of @p width columns in all; dashes when the length is not known.
 std::string Bar(int position, int length, int width);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "output/failure.h"
-#include "output/names.h"
+#include "output/fields_json.h"
 #include "player/track.h"
 
 namespace ctl
@@ -12,27 +12,21 @@ Playing ReadPlaying(Session& session)
 {
     const ipodkit::Commands commands = session.Commands();
     const ipodkit::PlayPosition at = session.Ask(commands.Position());
-    return {session.Ask(commands.PlayStatus()),
-            at.position,
-            at.duration,
-            session.Ask(commands.PlayingIndex()),
-            session.Ask(commands.PlayingCount()),
-            session.Ask(commands.CurrentTrack())};
+    return {session.Ask(commands.PlayStatus()), at, session.Ask(commands.PlayingIndex()),
+            session.Ask(commands.PlayingCount()), session.Ask(commands.CurrentTrack())};
 }
 
 Json PlayingJson(const Playing& playing)
 {
-    return {{"state", PlayStatusName(playing.state)},
-            {"position_ms", playing.position},
-            {"length_ms", playing.length},
-            {"index", playing.index},
-            {"count", std::max(0, playing.amount)},
-            {"track", IsEmpty(playing.track) ? Json() : TrackJson(playing.track)}};
+    return {
+        {"state", ToString(playing.state)},         {"position_ms", ToJson(playing.at.position)},
+        {"length_ms", ToJson(playing.at.duration)}, {"index", playing.index},
+        {"count", std::max(0, playing.amount)},     {"track", IsEmpty(playing.track) ? Json() : ToJson(playing.track)}};
 }
 
 std::string PlayingLine(const Playing& playing)
 {
-    const std::string state = PlayStatusName(playing.state);
+    const std::string state = ToString(playing.state);
     return IsEmpty(playing.track) ? state : state + ": " + TrackLine(playing.track);
 }
 

@@ -9,12 +9,11 @@ namespace ctl
 {
 struct Playing
 {
-    int state;
-    int position;  ///< milliseconds
-    int length;    ///< milliseconds
-    int index;     ///< within the playing list, -1 for none
-    int amount;    ///< entries of the playing list
-    QBXiPodTrackInfo track;
+    ipodkit::PlayStatus state;
+    ipodkit::PlayPosition at;
+    int index;   ///< within the playing list, -1 for none
+    int amount;  ///< entries of the playing list
+    ipodkit::Track track;
 };
 
 Playing ReadPlaying(Session& session);

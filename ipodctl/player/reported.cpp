@@ -2,115 +2,84 @@
 
 #include <algorithm>
 #include <iterator>
-#include <vector>
 
 #include "output/failure.h"
+#include "session/service_error.h"
 
 namespace ctl
 {
 namespace
 {
-using ipodkit::Commands;
+using ipodkit::Error;
+using ipodkit::ErrorKind;
+using ipodkit::Field;
+using ipodkit::Fields;
 using ipodkit::PlayerState;
 
-struct Question
+struct Expected
 {
+    Field field;
     const char* what;
-    bool (*isReported)(const PlayerState& state);
-    void (*askAgain)(Session& session);
 };
 
-template <auto member, auto command>
-constexpr Question About(const char* what)
-{
-    return {what, [](const PlayerState& state) { return (state.*member).has_value(); },
-            [](Session& session) { session.Ask((session.Commands().*command)()); }};
-}
-
-constexpr Question kTrack = About<&PlayerState::track, &Commands::CurrentTrack>("the track");
-constexpr Question kIndex = About<&PlayerState::trackIndex, &Commands::PlayingIndex>("its index");
-
-bool IsArtworkReported(const PlayerState& state)
-{
-    return state.artwork != nullptr || !state.track || state.track->value4 != 1;
-}
-
-void AskForArtwork(Session& session)
-{
-    const QBXTrackArtwork artwork =
-        session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
-    if (artwork.word1 != 0 || artwork.image.empty()) throw Failure(kNothingDone, "it did not deliver an image");
-}
-
-// The last ones do not show that the service answers sensibly: any text is a name, events report the position and
-// detections, and a track without artwork counts as reported.
+// The last ones do not show that the service answers sensibly: any text is a name, and events report the position and
+// detections.
 constexpr int kOfNoWeight = 6;
-constexpr Question kAll[] = {
-    kTrack,
-    kIndex,
-    About<&PlayerState::status, &Commands::PlayStatus>("the state"),
-    About<&PlayerState::shuffle, &Commands::Shuffle>("shuffle"),
-    About<&PlayerState::repeat, &Commands::Repeat>("repeat"),
-    About<&PlayerState::queueSize, &Commands::PlayingCount>("the queue"),
-    About<&PlayerState::deviceCount, &Commands::DeviceCount>("the devices"),
-    About<&PlayerState::deviceName, &Commands::IpodName>("the device name"),
-    About<&PlayerState::foregroundApp, &Commands::ForegroundApp>("the app"),
-    About<&PlayerState::carPlay, &Commands::CarPlayStatus>("CarPlay"),
-    About<&PlayerState::carLife, &Commands::CarLifeStatus>("CarLife"),
-    About<&PlayerState::position, &Commands::Position>("the position"),
-    {"the artwork", IsArtworkReported, AskForArtwork},
+constexpr Expected kAll[] = {
+    {Field::Track, "the track"},         {Field::TrackIndex, "its index"},
+    {Field::Status, "the state"},        {Field::Shuffle, "shuffle"},
+    {Field::Repeat, "repeat"},           {Field::QueueSize, "the queue"},
+    {Field::DeviceCount, "the devices"}, {Field::DeviceName, "the device name"},
+    {Field::ForegroundApp, "the app"},   {Field::CarPlay, "CarPlay"},
+    {Field::CarLife, "CarLife"},         {Field::Position, "the position"},
+    {Field::Artwork, "the artwork"},
 };
 
-// The state has no reason for what is missing; a second request has one.
-std::string Reason(Session& session, const Question& question)
+// Artwork that was announced and did not arrive counts as not reported.
+bool IsReported(const PlayerState& state, Field field)
 {
-    try
-    {
-        question.askAgain(session);
-    }
-    catch (const Failure& failure)
-    {
-        return failure.what();
-    }
-    return "it does now; try again";
+    const bool lacksArtwork = state.Artwork() == nullptr && state.track && state.track->HasArtwork();
+    return field == Field::Artwork ? !lacksArtwork : !state.Why(field);
 }
 
-bool ReportedNothing(const PlayerState& state)
+Error WhyNot(const PlayerState& state, Field field)
 {
-    return std::none_of(std::begin(kAll), std::prev(std::end(kAll), kOfNoWeight),
-                        [&state](const Question& question) { return question.isReported(state); });
+    const Error* cause = nullptr;
+    ipodkit::ForEachRow<PlayerState>(
+        [&](const auto& row)
+        {
+            if constexpr (ipodkit::kIsKnown<ipodkit::FieldType<PlayerState, std::decay_t<decltype(row)>>>)
+                if (row.field == field) cause = (state.*row.get).Cause();
+        });
+    if (cause != nullptr) return *cause;
+    const auto why = state.Why(field);
+    if (why == ipodkit::Unknown::TimedOut) return {ErrorKind::TimedOut, "no answer within the deadline"};
+    return {ErrorKind::Refused, why ? ToString(*why) : "it did not deliver an image"};
 }
 
 // Without a device there is nothing to report.
 bool HasDevice(const PlayerState& state)
 {
-    return state.deviceCount != 0;
+    return state.deviceCount.value_or(-1) != 0;
 }
 }  // namespace
 
-std::string NotReported(Session& session, const PlayerState& state)
+std::string NotReported(const PlayerState& state)
 {
-    std::vector<const Question*> open;
+    const auto isReported = [&state](const Expected& each) { return IsReported(state, each.field); };
+    const auto* const first = std::find_if_not(std::begin(kAll), std::end(kAll), isReported);
+    if (first == std::end(kAll) || !HasDevice(state)) return {};
+    const Failure failure = ToFailure(WhyNot(state, first->field));
+    if (std::none_of(std::begin(kAll), std::prev(std::end(kAll), kOfNoWeight), isReported)) throw failure;
     std::string names;
-    for (const Question& question : kAll)
-    {
-        if (question.isReported(state)) continue;
-        names += (open.empty() ? "" : ", ") + std::string(question.what);
-        open.push_back(&question);
-    }
-    if (open.empty() || !HasDevice(state)) return {};
-    if (ReportedNothing(state)) open.front()->askAgain(session);
-    return "the service did not report " + names + ": " + Reason(session, *open.front());
+    for (const Expected& each : kAll)
+        if (!isReported(each)) names += (names.empty() ? "" : ", ") + std::string(each.what);
+    return "the service did not report " + names + ": " + failure.what();
 }
 
-void RequireTrackReported(Session& session, const PlayerState& state)
+void RequireTrackReported(const PlayerState& state)
 {
-    for (const Question* question : {&kTrack, &kIndex})
-    {
-        if (question->isReported(state) || !HasDevice(state)) continue;
-        question->askAgain(session);
-        throw Failure(kNothingDone,
-                      std::string("the service did not report ") + question->what + ", but does now; try again");
-    }
+    for (const Field field : {Field::Track, Field::TrackIndex})
+        if (!IsReported(state, field) && HasDevice(state)) throw ToFailure(WhyNot(state, field));
 }
 }  // namespace ctl

@@ -6,14 +6,13 @@
 
 #include <string>
 
-#include "session/session.h"
-
 namespace ctl
 {
-/// What every service knows and this one did not report, and why; empty when it reported everything.
+/// The fields that every service knows and this one did not report, and why; empty when it reported them all, or there
+/// is no device.
 /// @throws Failure  it reported nothing
-std::string NotReported(Session& session, const ipodkit::PlayerState& state);
+std::string NotReported(const ipodkit::PlayerState& state);
 
 /// @throws Failure  it did not report what plays
-void RequireTrackReported(Session& session, const ipodkit::PlayerState& state);
+void RequireTrackReported(const ipodkit::PlayerState& state);
 }  // namespace ctl

@@ -1,37 +1,16 @@
 #include "player/status.h"
 
-#include "output/names.h"
-#include "player/phone.h"
+#include "output/fields_json.h"
 #include "player/track.h"
 
 namespace ctl
 {
 namespace
 {
-template <class T>
-Json Named(const std::optional<T>& value, std::string (*nameOf)(int))
-{
-    return value ? Json(nameOf(*value)) : Json();
-}
-
-Json NumberOrNull(const std::optional<int>& value)
-{
-    return value ? Json(*value) : Json();
-}
-
-Json PictureJson(const ipodkit::PicturePtr& picture)
-{
-    if (picture == nullptr) return {};
-    return {{"type", MediaType(picture->type)},
-            {"bytes", picture->bytes.size()},
-            {"width", picture->width},
-            {"height", picture->height}};
-}
-
 Json CallsJson(const ipodkit::PlayerState& state)
 {
     Json calls = Json::array();
-    for (const auto& [uuid, call] : state.calls) calls.push_back(CallJson(call));
+    for (const auto& [uuid, call] : state.calls) calls.push_back(ToJson(call));
     return calls;
 }
 
@@ -53,21 +32,22 @@ bool HasTrack(const Status& status)
 Json StatusJson(const Status& status)
 {
     const ipodkit::PlayerState& state = *status.state;
-    Json json{{"state", Named(state.status, PlayStatusName)},
+    Json json{{"state", ToJson(state.status)},
               {"position_ms", state.position ? Json(status.position) : Json()},
               {"length_ms", state.position ? Json(status.length) : Json()},
-              {"index", NumberOrNull(state.trackIndex)},
-              {"count", NumberOrNull(state.queueSize)},
-              {"track", HasTrack(status) ? TrackJson(*state.track) : Json()},
-              {"shuffle", Named(state.shuffle, ShuffleName)},
-              {"repeat", Named(state.repeat, RepeatName)},
-              {"devices", NumberOrNull(state.deviceCount)}};
-    json["device"] = state.deviceName ? Json(*state.deviceName) : Json();
-    json["app"] = state.foregroundApp && !state.foregroundApp->empty() ? Json(*state.foregroundApp) : Json();
-    json["carplay"] = state.carPlay ? Json(DetectName(state.carPlay->status)) : Json();
-    json["carlife"] = Named(state.carLife, DetectName);
-    json["picture"] = PictureJson(state.artwork);
-    json["battery"] = BatteryJson(state.battery);
+              {"index", ToJson(state.trackIndex)},
+              {"count", ToJson(state.queueSize)},
+              {"track", HasTrack(status) ? ToJson(state.track) : Json()},
+              {"shuffle", ToJson(state.shuffle)},
+              {"repeat", ToJson(state.repeat)},
+              {"devices", ToJson(state.deviceCount)},
+              {"device", ToJson(state.deviceName)}};
+    const ipodkit::PicturePtr artwork = state.Artwork();
+    json["app"] = state.foregroundApp.value_or("").empty() ? Json() : ToJson(state.foregroundApp);
+    json["carplay"] = state.carPlay ? ToJson(state.carPlay->status) : Json();
+    json["carlife"] = ToJson(state.carLife);
+    json["picture"] = artwork == nullptr ? Json() : ToJson(*artwork);
+    json["battery"] = ToJson(state.battery.value_or({}));
     json["calls"] = CallsJson(state);
     json["queue"] = NearJson(status);
     return json;

@@ -5,22 +5,15 @@
 
 namespace ctl
 {
-std::string TrackLine(const QBXiPodTrackInfo& track)
+std::string TrackLine(const ipodkit::Track& track)
 {
-    const std::string title = track.text1.empty() ? "(no title)" : Printable(track.text1);
-    return track.text2.empty() ? title : title + " - " + Printable(track.text2);
+    const std::string title = track.title.empty() ? "(no title)" : Printable(track.title);
+    return track.artist.empty() ? title : title + " - " + Printable(track.artist);
 }
 
-Json TrackJson(const QBXiPodTrackInfo& track)
+bool IsEmpty(const ipodkit::Track& track)
 {
-    return {{"title", track.text1},        {"artist", track.text2},       {"album", track.text3},
-            {"genre", track.text4},        {"length_ms", track.value1},   {"number", track.value2},
-            {"queue_count", track.value3}, {"picture", track.value4 == 1}};
-}
-
-bool IsEmpty(const QBXiPodTrackInfo& track)
-{
-    return track.text1.empty() && track.text2.empty() && track.text3.empty() && track.value1 == 0;
+    return track.title.empty() && track.artist.empty() && track.album.empty() && track.duration.count() == 0;
 }
 
 std::string PictureLine(const ipodkit::Picture& picture)
@@ -32,20 +25,12 @@ std::string PictureLine(const ipodkit::Picture& picture)
            (IsWhole(picture.type, picture.bytes) ? "" : ", incomplete");
 }
 
-std::string ArtworkLine(const QBXTrackArtwork& artwork)
+std::string ArtworkLine(const ipodkit::ArtworkChanged& artwork)
 {
-    ipodkit::Picture picture = ipodkit::Examine(artwork.image);
-    picture.width = artwork.word3;
-    picture.height = artwork.word4;
+    if (artwork.picture == nullptr) return "none";
+    ipodkit::Picture picture = *artwork.picture;
+    picture.width = artwork.width;
+    picture.height = artwork.height;
     return PictureLine(picture);
-}
-
-Json ArtworkJson(const QBXTrackArtwork& artwork)
-{
-    return {{"type", artwork.image.empty() ? "none" : MediaType(ipodkit::Examine(artwork.image).type)},
-            {"bytes", artwork.image.size()},
-            {"reported_bytes", artwork.word2},
-            {"width", artwork.word3},
-            {"height", artwork.word4}};
 }
 }  // namespace ctl

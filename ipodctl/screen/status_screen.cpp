@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "output/names.h"
 #include "output/progress_bar.h"
 #include "output/table.h"
 #include "output/text.h"
 #include "picture/columns.h"
 #include "picture/drawing.h"
-#include "player/phone.h"
 #include "player/track.h"
 
 namespace ctl
@@ -28,15 +26,10 @@ struct Line
     std::string text;
 };
 
-std::string NameOr(const std::optional<int>& value, std::string (*nameOf)(int))
+template <class E>
+std::string NameOr(const ipodkit::Known<E>& value)
 {
-    return value ? nameOf(*value) : "unknown";
-}
-
-template <class T>
-std::optional<int> Number(const std::optional<T>& value)
-{
-    return value ? std::optional<int>(*value) : std::nullopt;
+    return value ? ToString(*value) : "unknown";
 }
 
 std::string QueueText(const ipodkit::PlayerState& state)
@@ -64,49 +57,47 @@ std::string ProgressLine(const Status& status, const Output& out, int width)
 
 std::string ModesLine(const ipodkit::PlayerState& state, const Output& out, int width)
 {
-    const std::string word = NameOr(Number(state.status), PlayStatusName);
-    const std::string line =
-        Cut(Fitting({word, "shuffle " + NameOr(Number(state.shuffle), ShuffleName),
-                     "repeat " + NameOr(Number(state.repeat), RepeatName), QueueText(state), DevicesText(state)},
-                    width),
-            width);
+    const std::string word = NameOr(state.status);
+    const std::string line = Cut(Fitting({word, "shuffle " + NameOr(state.shuffle), "repeat " + NameOr(state.repeat),
+                                          QueueText(state), DevicesText(state)},
+                                         width),
+                                 width);
     return out.Paint(Colour::Green, line.substr(0, word.size())) + line.substr(std::min(word.size(), line.size()));
 }
 
-std::string BatteryText(const iPodBattery_t& battery)
+std::string BatteryText(const ipodkit::Battery& battery)
 {
     std::string text;
-    if (battery.BatteryChargeLevel) text += " " + std::to_string(*battery.BatteryChargeLevel) + " %";
-    if (battery.BatteryChargingStatus) text += " " + ChargingName(*battery.BatteryChargingStatus);
+    if (battery.percent) text += " " + std::to_string(*battery.percent) + " %";
+    if (battery.charging) text += " " + ToString(*battery.charging);
     return text.empty() ? "" : "battery" + text;
 }
 
-std::string CallText(const iPodPhoneCall_t& call)
+std::string CallText(const ipodkit::PhoneCall& call)
 {
-    std::string who = call.DisplayName.value_or("");
-    if (who.empty()) who = call.RemoteID.value_or("");
-    return "call " + (who.empty() ? "unknown" : Printable(who)) +
-           (call.Status ? " " + CallStatusName(*call.Status) : "");
+    std::string who = call.name.value_or("");
+    if (who.empty()) who = call.remote.value_or("");
+    return "call " + (who.empty() ? "unknown" : Printable(who)) + (call.status ? " " + ToString(*call.status) : "");
 }
 
 Lines DeviceParts(const ipodkit::PlayerState& state)
 {
     Lines parts;
     if (state.deviceCount.value_or(0) > 0) parts.push_back(Printable(state.deviceName.value_or("")));
-    parts.push_back(BatteryText(state.battery));
+    parts.push_back(BatteryText(state.battery.value_or({})));
     for (const auto& [uuid, call] : state.calls) parts.push_back(CallText(call));
-    if (state.carPlay && state.carPlay->status == APPLE_DEVICE_DETECTED) parts.emplace_back("CarPlay");
-    if (state.carLife == APPLE_DEVICE_DETECTED) parts.emplace_back("CarLife");
+    if (state.carPlay && state.carPlay->status == ipodkit::DeviceStatus::Detected) parts.emplace_back("CarPlay");
+    if (state.carLife == ipodkit::DeviceStatus::Detected) parts.emplace_back("CarLife");
     if (state.foregroundApp) parts.push_back(Printable(*state.foregroundApp));
     return parts;
 }
 
 void AddTrack(std::vector<Line>& lines, const Status& status, const Output& out, int width)
 {
-    const QBXiPodTrackInfo& track = *status.state->track;
-    const std::string artist = Printable(track.text2);
-    const std::string album = Printable(track.text3);
-    const std::string title = track.text1.empty() ? "(no title)" : Printable(track.text1);
+    const ipodkit::Track& track = *status.state->track;
+    const std::string artist = Printable(track.artist);
+    const std::string album = Printable(track.album);
+    const std::string title = track.title.empty() ? "(no title)" : Printable(track.title);
     const std::string below = artist + (artist.empty() || album.empty() ? "" : " - ") + album;
     lines.push_back({0, out.Paint(Colour::Bold, Cut(title, width))});
     if (!below.empty()) lines.push_back({3, Cut(below, width)});
@@ -119,7 +110,7 @@ void AddQueue(std::vector<Line>& lines, const Status& status, const Output& out,
     for (std::size_t i = 0; i < status.near.size(); ++i)
     {
         const int index = status.firstNear + static_cast<int>(i);
-        const bool playing = index == status.state->trackIndex;
+        const bool playing = status.state->trackIndex == index;
         const std::string entry = PadLeft(std::to_string(index), digits) + "  " + Printable(status.near[i]);
         const std::string line = Cut((playing ? "> " : "  ") + entry, width);
         lines.push_back({playing ? 5 : 6, out.Paint(playing ? Colour::Bold : Colour::Dim, line)});
@@ -159,7 +150,7 @@ bool WantsArt(const Output& out, Art art)
 // Left of the text, which keeps the room that it needs.
 Drawing DrawArt(const Status& status, const Output& out, Art art, int rows)
 {
-    const ipodkit::PicturePtr& picture = status.state->artwork;
+    const ipodkit::PicturePtr picture = status.state->Artwork();
     const int height = std::min(rows, kMostForArt);
     const int width = std::min(out.width(), kUsualWidth) - kLeastForText;
     if (picture == nullptr || !WantsArt(out, art) || height < kLeastForArt || width < kLeastForArt) return {};
@@ -184,16 +175,16 @@ std::string StatusText(const Status& status, const Output& out, Art art)
 std::string InfoText(const Status& status, const Output& out, Art art)
 {
     const Drawing drawing = DrawArt(status, out, art, out.height() - 1);
-    const QBXiPodTrackInfo& track = *status.state->track;
-    const ipodkit::PicturePtr& picture = status.state->artwork;
+    const ipodkit::Track& track = *status.state->track;
+    const ipodkit::PicturePtr picture = status.state->Artwork();
     const std::string about =
-        picture == nullptr ? std::string(track.value4 == 1 ? "yes" : "no") : PictureLine(*picture);
-    const std::string table = Table({{"title", Printable(track.text1)},
-                                     {"artist", Printable(track.text2)},
-                                     {"album", Printable(track.text3)},
-                                     {"genre", Printable(track.text4)},
-                                     {"length", Clock(track.value1)},
-                                     {"number", track.value2 > 0 ? std::to_string(track.value2) : "unknown"},
+        picture == nullptr ? std::string(track.HasArtwork() ? "yes" : "no") : PictureLine(*picture);
+    const std::string table = Table({{"title", Printable(track.title)},
+                                     {"artist", Printable(track.artist)},
+                                     {"album", Printable(track.album)},
+                                     {"genre", Printable(track.genre)},
+                                     {"length", Clock(track.duration)},
+                                     {"number", track.number > 0 ? std::to_string(track.number) : "unknown"},
                                      {"queue", std::to_string(std::int64_t{status.state->trackIndex.value_or(-1)} + 1) +
                                                    " of " + std::to_string(status.state->queueSize.value_or(0))},
                                      {"picture", about}},

@@ -1,4 +1,5 @@
 // The picture of the playing track.
+#include "output/fields_json.h"
 #include "output/file.h"
 #include "output/text.h"
 #include "picture/picture.h"
@@ -12,7 +13,7 @@ namespace
 {
 [[noreturn]] void RefuseNoPicture(Session& session)
 {
-    const bool has = RequireTrack(session).track.value4 == 1;
+    const bool has = RequireTrack(session).track.HasArtwork();
     throw Failure(kNothingDone, has ? "the playing track has a picture, but the service did not hand it over"
                                     : "the playing track has no picture");
 }
@@ -45,17 +46,23 @@ Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
     return {};
 }
 
+ipodkit::ArtworkChanged Examined(const QBXTrackArtwork& artwork)
+{
+    return {true, std::make_shared<const ipodkit::Picture>(ipodkit::Examine(artwork.image)), artwork.word2,
+            artwork.word3, artwork.word4};
+}
+
 Answer Save(Context& context, const std::string& file)
 {
     const QBXTrackArtwork artwork = ReadArtwork(context.session);
-    const ipodkit::Picture picture = ipodkit::Examine(artwork.image);
-    CheckWhole(picture);
+    const ipodkit::ArtworkChanged examined = Examined(artwork);
+    CheckWhole(*examined.picture);
     if (file == "-") return WriteOut(context.out, artwork);
-    const std::string path = FileIn(file, "artwork", Extension(picture.type));
+    const std::string path = FileIn(file, "artwork", Extension(examined.picture->type));
     WriteFile(path, artwork.image);
     Json json{{"verb", "art"}, {"file", path}};
-    json.update(ArtworkJson(artwork));
-    return {json, Printable(path) + ": " + ArtworkLine(artwork)};
+    json.update(ToJson(examined));
+    return {json, Printable(path) + ": " + ArtworkLine(examined)};
 }
 
 Run BuildArt(CLI::App& app)

@@ -1,7 +1,6 @@
 // Devices: those attached, what was detected of them, and their buttons.
 #include <algorithm>
 
-#include "output/names.h"
 #include "output/table.h"
 #include "output/text.h"
 #include "player/level.h"
@@ -69,9 +68,9 @@ Run BuildDevices(CLI::App& app)
     { return device->empty() ? ShowDevices(context, *names) : EnterDevice(context.session, *device); };
 }
 
-Answer Detected(const char* verb, int status)
+Answer Detected(const char* verb, ipodkit::DeviceStatus status)
 {
-    return {{{"verb", verb}, {"status", DetectName(status)}}, std::string(verb) + " device " + DetectName(status)};
+    return {{{"verb", verb}, {"status", ToString(status)}}, std::string(verb) + " device " + ToString(status)};
 }
 
 Run BuildCarPlay(CLI::App&)
@@ -100,9 +99,9 @@ struct Button
 
 void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 {
-    const iPodPlayerButtonControl control{button.number, pressed, pressed == 0 ? button.heldFor : 0};
+    const std::chrono::milliseconds held(pressed == 0 ? button.heldFor : 0);
     const std::string refusal = "the device did not take button " + std::to_string(button.number);
-    session.Ask(session.Commands().PressButton(control), refusal.c_str());
+    session.Ask(session.Commands().PressButton({button.number, pressed, held}), refusal.c_str());
 }
 
 Run BuildButton(CLI::App& app)

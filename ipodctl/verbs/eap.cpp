@@ -80,14 +80,14 @@ void Write(Session& session, unsigned short number, Bytes data)
 
 Run BuildInit(CLI::App& app)
 {
-    const auto info = Argument<EAPInfo>();
-    app.add_option("protocols", info->text1, "Accessory protocols, separated by commas")->required();
-    app.add_option("bundle", info->text2, "Bundle identifier of the companion app")->required();
+    const auto info = Argument<ipodkit::AccessoryInfo>();
+    app.add_option("protocols", info->protocols, "Accessory protocols, separated by commas")->required();
+    app.add_option("bundle", info->bundleId, "Bundle identifier of the companion app")->required();
     return [info](Context& context) -> Answer
     {
         Announce(context.session, *info);
-        return {{{"verb", "eap init"}, {"protocols", info->text1}, {"bundle", info->text2}},
-                "announced " + Printable(info->text1)};
+        return {{{"verb", "eap init"}, {"protocols", info->protocols}, {"bundle", info->bundleId}},
+                "announced " + Printable(info->protocols)};
     };
 }
 
@@ -145,8 +145,8 @@ Run BuildListen(CLI::App& app)
 
 void AddAccessory(CLI::App& app, AccessoryRequest& request, const char* timeout)
 {
-    app.add_option("--protocols", request.info.text1, "Protocols to announce")->capture_default_str();
-    app.add_option("--bundle", request.info.text2, "App to launch")->capture_default_str();
+    app.add_option("--protocols", request.info.protocols, "Protocols to announce")->capture_default_str();
+    app.add_option("--bundle", request.info.bundleId, "App to launch")->capture_default_str();
     app.add_option("--timeout", request.seconds, timeout)->capture_default_str()->check(Seconds());
 }
 

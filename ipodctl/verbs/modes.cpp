@@ -1,64 +1,59 @@
 // Shuffle and repeat.
-#include "output/names.h"
+#include <algorithm>
+#include <iterator>
+
 #include "verbs/verbs.h"
 
 namespace ctl
 {
 namespace
 {
-// The modes count from 0 in the order of their words.
+template <class E>
 struct Mode
 {
     const char* verb;
-    std::vector<std::string> words;
-    int (*read)(Session& session);
-    std::string (*name)(int);
-    ipodkit::Request<void> (*set)(const ipodkit::Commands& commands, int mode);
+    ipodkit::Request<E> (ipodkit::Commands::*read)() const;
+    ipodkit::Request<void> (ipodkit::Commands::*set)(E mode) const;
 };
 
-int NumberOf(const Mode& mode, const std::string& word)
+template <class E>
+const std::vector<std::string>& Words()
 {
-    int number = 0;
-    while (mode.words[static_cast<std::size_t>(number)] != word) ++number;
-    return number;
+    static const std::vector<std::string> words(std::begin(ipodkit::EnumNames<E>::names),
+                                                std::end(ipodkit::EnumNames<E>::names));
+    return words;
 }
 
 // A mode that was set is read back: the service has the last word.
-Answer Apply(const Mode& mode, const std::string& word, Session& session)
+template <class E>
+Answer Apply(const Mode<E>& mode, const std::string& word, Session& session)
 {
-    if (!word.empty()) session.Ask(mode.set(session.Commands(), NumberOf(mode, word)));
-    const std::string now = mode.name(mode.read(session));
+    const ipodkit::Commands commands = session.Commands();
+    const auto number = std::find(Words<E>().begin(), Words<E>().end(), word) - Words<E>().begin();
+    if (!word.empty()) session.Ask((commands.*mode.set)(static_cast<E>(number)));
+    const std::string now = ToString(session.Ask((commands.*mode.read)()));
     if (!word.empty() && now != word)
         throw Failure(kNothingDone, std::string("the service keeps ") + mode.verb + " " + now);
     return {{{"verb", mode.verb}, {"mode", now}}, std::string(mode.verb) + " " + now};
 }
 
-Run Build(CLI::App& app, const Mode& mode)
+template <class E>
+Run Build(CLI::App& app, const Mode<E>& mode)
 {
     const auto word = Argument<std::string>();
-    app.add_option("mode", *word, "New mode (" + Listed(mode.words) + "); without it, print the mode")
-        ->check(OneOf(mode.words));
+    app.add_option("mode", *word, "New mode (" + Listed(Words<E>()) + "); without it, print the mode")
+        ->check(OneOf(Words<E>()));
     return [mode, word](Context& context) { return Apply(mode, *word, context.session); };
 }
 
 Run BuildShuffle(CLI::App& app)
 {
-    return Build(app, {"shuffle",
-                       {"off", "songs", "albums"},
-                       [](Session& session) -> int { return session.Ask(session.Commands().Shuffle()); },
-                       ShuffleName,
-                       [](const ipodkit::Commands& commands, int mode)
-                       { return commands.SetShuffle(static_cast<iPodPlayerShuffleStatus>(mode)); }});
+    return Build<ipodkit::Shuffle>(app, {"shuffle", &ipodkit::Commands::Shuffle, &ipodkit::Commands::SetShuffle});
 }
 
 Run BuildRepeat(CLI::App& app)
 {
-    return Build(app, {"repeat",
-                       {"off", "one", "all"},
-                       [](Session& session) -> int { return session.Ask(session.Commands().Repeat()); },
-                       RepeatName,
-                       [](const ipodkit::Commands& commands, int mode)
-                       { return commands.SetRepeat(static_cast<iPodPlayerRepeatStatus>(mode)); }});
+    return Build<ipodkit::Repeat>(app, {"repeat", &ipodkit::Commands::Repeat, &ipodkit::Commands::SetRepeat});
 }
 }  // namespace
 

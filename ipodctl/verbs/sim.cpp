@@ -32,14 +32,6 @@ CLI::Validator Utf8()
     return {check, ""};
 }
 
-std::vector<std::string> WordsOf(std::string (*name)(int), int count)
-{
-    std::vector<std::string> words;
-    words.reserve(static_cast<std::size_t>(count));
-    for (int number = 0; number < count; ++number) words.push_back(name(number));
-    return words;
-}
-
 Answer Asked(const std::string& event)
 {
     return {{{"verb", "sim " + event}}, ""};

@@ -2,6 +2,8 @@
 /// What the parts of "ipodctl sim" share.
 #pragma once
 
+#include <ipodkit/fields.h>
+
 #include <string>
 #include <vector>
 
@@ -17,8 +19,12 @@ CLI::Option* AsNumber(CLI::Option* option, const std::vector<std::string>& words
 /// Accepts text that the bus can carry.
 CLI::Validator Utf8();
 
-/// The words for the numbers 0, 1, 2, … as names.h gives them.
-std::vector<std::string> WordsOf(std::string (*name)(int), int count);
+/// The words for the numbers 0, 1, 2, ….
+template <class E>
+std::vector<std::string> WordsOf()
+{
+    return {std::begin(ipodkit::EnumNames<E>::names), std::end(ipodkit::EnumNames<E>::names)};
+}
 
 /// The answer of an event that was asked for: the verb's name and nothing else.
 Answer Asked(const std::string& event);

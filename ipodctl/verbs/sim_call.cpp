@@ -2,7 +2,8 @@
 #include <cstdint>
 #include <sstream>
 
-#include "output/names.h"
+#include <ipodkit/types.h>
+
 #include "output/text.h"
 #include "verbs/sim.h"
 
@@ -48,14 +49,14 @@ void AddCallOptions(CLI::App& app, CallFields& call)
     call.label.option = app.add_option("--label", call.label.value, "Kind of number: home, mobile, ...");
     for (const auto* text : {&call.number, &call.name, &call.uuid, &call.book, &call.label})
         text->option->check(Utf8());
-    call.status.option = AsNumber(app.add_option("--status", call.status.value, "State of the call"),
-                                  WordsOf(CallStatusName, kCallStates));
+    call.status.option =
+        AsNumber(app.add_option("--status", call.status.value, "State of the call"), WordsOf<ipodkit::CallStatus>());
     call.direction.option =
-        AsNumber(app.add_option("--direction", call.direction.value, "Direction"), WordsOf(CallDirectionName, 3));
+        AsNumber(app.add_option("--direction", call.direction.value, "Direction"), WordsOf<ipodkit::CallDirection>());
     call.service.option =
-        AsNumber(app.add_option("--service", call.service.value, "Kind of call"), WordsOf(CallServiceName, 4));
+        AsNumber(app.add_option("--service", call.service.value, "Kind of call"), WordsOf<ipodkit::CallService>());
     call.reason.option =
-        AsNumber(app.add_option("--reason", call.reason.value, "Why the call ended"), WordsOf(CallEndName, 3));
+        AsNumber(app.add_option("--reason", call.reason.value, "Why the call ended"), WordsOf<ipodkit::CallEnd>());
     call.group.option = app.add_option("--group", call.group.value, "Conference group")->check(NumberUpTo(UINT32_MAX));
     call.conferenced.option =
         app.add_flag("--conferenced,!--not-conferenced", call.conferenced.value, "Part of a conference");
@@ -88,7 +89,7 @@ struct Step
 Step ToStep(const std::string& text)
 {
     const std::size_t colon = text.find(':');
-    const std::vector<std::string> states = WordsOf(CallStatusName, kCallStates);
+    const std::vector<std::string> states = WordsOf<ipodkit::CallStatus>();
     Step step;
     while (step.status < states.size() && states[step.status] != text.substr(0, colon)) ++step.status;
     if (step.status == states.size())

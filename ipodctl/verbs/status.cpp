@@ -69,7 +69,7 @@ Answer ShowStatus(Context& context, const Look& look)
         return {};
     }
     const Status status = ReadStatus(context.session, kNear);
-    Warn(NotReported(context.session, *status.state));
+    Warn(NotReported(*status.state));
     Warn(status.nearRefusal.empty() ? "" : "the service did not report the queue: " + status.nearRefusal);
     return show(status);
 }
@@ -101,7 +101,7 @@ Run BuildInfo(CLI::App& app)
     return [look](Context& context) -> Answer
     {
         const Status status = ReadStatus(context.session, 0);
-        RequireTrackReported(context.session, *status.state);
+        RequireTrackReported(*status.state);
         if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
         return {InfoJson(status), InfoText(status, context.out, look->art)};
     };

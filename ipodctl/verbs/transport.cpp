@@ -16,7 +16,7 @@ namespace
 void Resume(Session& session)
 {
     TakeAudioSource(session);
-    AskOfTrack(session, session.Commands().StartPlayback(IPOD_PLAY_START),
+    AskOfTrack(session, session.Commands().StartPlayback(ipodkit::PlayOption::Start),
                "the service did not start playback; ipodctl status shows what it does");
 }
 
@@ -84,10 +84,12 @@ Run BuildPrevious(CLI::App&)
 // Relative targets stop at the ends of the track; an absolute one behind its end is a mistake.
 int SecondFor(const SeekTarget& target, const Playing& playing)
 {
-    const int last = std::max(0, playing.length / 1000);
-    if (target.relative) return std::clamp(playing.position / 1000 + target.seconds, 0, last);
-    if (playing.length > 0 && target.seconds > last)
-        throw Failure(kUsage, "the track is only " + Clock(playing.length) + " long");
+    const auto length = playing.at.duration;
+    const int last = std::max(0, static_cast<int>(length.count() / 1000));
+    if (target.relative)
+        return std::clamp(static_cast<int>(playing.at.position.count() / 1000) + target.seconds, 0, last);
+    if (length.count() > 0 && target.seconds > last)
+        throw Failure(kUsage, "the track is only " + Clock(length) + " long");
     return target.seconds;
 }
 
@@ -96,7 +98,8 @@ Answer Seek(Session& session, const SeekTarget& target)
     const int second = SecondFor(target, RequireTrack(session));
     session.Ask(session.Commands().Seek(std::chrono::seconds(second)));
     Answer answer = NowPlaying(session, "seek");
-    answer.text += " at " + Clock(answer.json["position_ms"]) + " / " + Clock(answer.json["length_ms"]);
+    answer.text +=
+        " at " + Clock(answer.json["position_ms"].get<int>()) + " / " + Clock(answer.json["length_ms"].get<int>());
     return answer;
 }
 

@@ -32,7 +32,7 @@ RequestPtr Seek(const Commands& commands, const py::object& position)
 
 RequestPtr PressButton(const Commands& commands, std::uint32_t button, bool pressed, std::uint32_t heldMilliseconds)
 {
-    return Wrapped(commands.PressButton({button, pressed ? 1U : 0U, heldMilliseconds}));
+    return Wrapped(commands.PressButton({button, pressed ? 1U : 0U, std::chrono::milliseconds(heldMilliseconds)}));
 }
 
 RequestPtr AnnounceAccessory(const Commands& commands, const std::string& protocols, const std::string& bundleId)
@@ -42,7 +42,7 @@ RequestPtr AnnounceAccessory(const Commands& commands, const std::string& protoc
 
 void BindPlayback(Class& commands)
 {
-    commands.def("start_playback", Making(&Commands::StartPlayback), py::arg("option") = IPOD_PLAY_START)
+    commands.def("start_playback", Making(&Commands::StartPlayback), py::arg("option") = PlayOption::Start)
         .def("pause", Making(&Commands::Pause))
         .def("stop", Making(&Commands::Stop))
         .def("next", Making(&Commands::Next))

@@ -6,6 +6,7 @@
 #include "dropped.h"
 #include "duration.h"
 #include "errors.h"
+#include "rows.h"
 #include "values.h"
 
 namespace ipodkit::python
@@ -121,6 +122,24 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
                                 wanted));
 }
 
+// Binds each kind of event.
+template <class... Events>
+void BindEvents(py::module_& module, const std::variant<Events...>*)
+{
+    (BindRows<Events>(module), ...);
+}
+
+OwnedSubscriptionPtr OnEvent(const SessionHandle& handle, const std::string& name, py::function function)
+{
+    const Callback callback(name, std::move(function));
+    const auto deliver = [callback](const Event& event) {
+        callback.Call([&]
+                      { return py::make_tuple(std::visit([](const auto& each) { return py::cast(each); }, event)); });
+    };
+    const py::gil_scoped_release others;
+    return handle.Own(name, handle.Get().OnEvent(name, deliver));
+}
+
 py::object ErrorOf(const Connection& connection)
 {
     return connection.error ? ToException(*connection.error) : py::none();
@@ -141,6 +160,7 @@ void BindConnection(py::module_& module)
 void BindSession(py::module_& module)
 {
     BindConnection(module);
+    BindEvents(module, static_cast<const Event*>(nullptr));
     const SessionOptions usual;
     py::class_<SessionHandle>(module, "Session", kSessionDoc)
         .def(py::init(&Open), py::kw_only(), py::arg("settle") = Seconds(usual.settle),
@@ -156,6 +176,12 @@ void BindSession(py::module_& module)
              "Calls callback(connection) at every step of the connection, first the present one.")
         .def("on_state", OnState, py::arg("name"), py::arg("callback"), py::arg("fields") = py::none(),
              "Calls callback(state, changed) for every published state that differs in one of the fields (all when "
-             "None), first the present one with all fields.");
+             "None), first the present one with all fields.")
+        .def("on_event", OnEvent, py::arg("name"), py::arg("callback"),
+             "Calls callback(event) for every event of the service, such as a TrackChanged.")
+        .def(
+            "refresh",
+            [](const SessionHandle& handle, const py::object& fields) { handle.Get().Refresh(ToFields(fields)); },
+            py::arg("fields") = py::none(), "Reads fields from the service again (all when None).");
 }
 }  // namespace ipodkit::python

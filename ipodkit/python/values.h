@@ -6,6 +6,7 @@
 #include <pybind11/pybind11.h>
 
 #include <optional>
+#include <string>
 
 namespace ipodkit::python
 {
@@ -38,6 +39,9 @@ py::enum_<T> Enumeration(py::module_& module, const char* name, const char* doc 
     PrintNumbersWithoutName(type);
     return type;
 }
+
+/// "FAST_FORWARD" for "fast-forward" and for "fast_forward".
+std::string ConstantName(std::string name);
 
 py::object ToPython(const StatePtr& state);
 

@@ -17,8 +17,8 @@ Model PlayingModel()
     auto state = std::make_shared<ipodkit::PlayerState>();
     state->phase = ipodkit::Phase::Ready;
     model.device = "Li Lei's iPod";
-    state->status = IPOD_PLAY_STATUS_PLAYING;
-    state->track = QBXiPodTrackInfo{"七里香", "周杰伦", "", "", 299 * kSeconds, 1, 10, 0};
+    state->status = ipodkit::PlayStatus::Playing;
+    state->track = ipodkit::Track{"七里香", "周杰伦", "", "", std::chrono::seconds(299), 1, 10, 0};
     state->position = ipodkit::Position{std::chrono::seconds(60), std::chrono::seconds(299), kNow, true};
     model.state = state;
     model.connection.phase = ipodkit::Phase::Ready;

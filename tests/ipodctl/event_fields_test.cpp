@@ -12,39 +12,39 @@ namespace
 // Every event once, with all that it can carry.
 std::vector<Event> AllEvents()
 {
+    using namespace ipodkit;
+    using std::chrono::milliseconds;
+    const Track track{"Title", "Artist", "Album", "Genre", milliseconds(5000), 7, 12, 1};
+    PhoneCall call;
+    call.remote = call.name = call.id = call.addressId = call.label = "x";
+    call.status = CallStatus::Ringing;
+    call.direction = CallDirection::Incoming;
+    call.service = CallService::Telephony;
+    call.conferenced = true;
+    call.conferenceGroup = std::uint8_t{1};
+    call.start = PhoneCall::Time(std::chrono::seconds(1));
+    const std::vector<ipodkit::Event> all = {DeviceChanged{DeviceStatus::Detected, true},
+                                             PlayStatusChanged{PlayStatus::Playing},
+                                             ProgressChanged{milliseconds(1000), milliseconds(5000)},
+                                             RepeatChanged{Repeat::One},
+                                             ShuffleChanged{Shuffle::Songs},
+                                             TrackChanged{3, track},
+                                             QueueSizeChanged{12},
+                                             SourceValidChanged{true},
+                                             ArtworkChanged{true, nullptr, 3, 10, 20},
+                                             CarPlayChanged{DeviceStatus::Detected, "F17"},
+                                             CallChanged{call},
+                                             BatteryChanged{{80, {}}},
+                                             LocationChanged{ipodkit::LocationStatus::Requested},
+                                             ForegroundAppChanged{"com.example"},
+                                             AccessoryOpened{0, 1},
+                                             AccessoryClosed{1},
+                                             AccessoryData{1, {1}},
+                                             CarLifeChanged{DeviceStatus::Detected},
+                                             WirelessCarPlayChanged{true, "00:11"},
+                                             PairingReceived{"00:11", {1}}};
     std::vector<Event> events;
-    EventListener listener([&](const Event& event) { events.push_back(event); });
-    listener.OnIpodDeviceStatusChange(APPLE_DEVICE_DETECTED, 1);
-    listener.OnPlayStatusChanged(IPOD_PLAY_STATUS_PLAYING);
-    listener.OnPlayProgressChange(1000, 5000);
-    listener.OnIpodRepeatModeChange(static_cast<iPodPlayerRepeatStatus>(1));
-    listener.OnIpodShuffleModeChange(static_cast<iPodPlayerShuffleStatus>(1));
-    listener.OnIpodPlayingTrackChange(3, {"Title", "Artist", "Album", "Genre", 5000, 7, 12, 1});
-    listener.OnIpodPlayingListAmountChange(12);
-    listener.OnIpodSourceValidStatusChange(1);
-    listener.OnIpodArtworkChange({0, 3, 10, 20, {1, 2, 3}});
-    listener.OnCarplayDeviceDetectStatusChange(APPLE_DEVICE_DETECTED, "F17");
-    iPodPhoneCall_t call;
-    call.RemoteID = call.DisplayName = call.CallUUID = call.AddressBookID = call.Label = "x";
-    call.Status = static_cast<PhoneCallStatus>(2);
-    call.Direction = static_cast<PhoneCallDirection>(1);
-    call.Service = static_cast<CallStateService>(1);
-    call.IsConferenced = true;
-    call.ConferenceGroup = 1;
-    call.StartTimestamp = 1;
-    listener.OnIpodPhoneCallChange(call);
-    iPodBattery_t battery;
-    battery.BatteryChargeLevel = 80;
-    listener.OnIpodBatteryChange(battery);
-    listener.OnIpodLocationStatusChange(static_cast<LocationStatus>(1));
-    listener.OnIpodAPPBundleNameChange("com.example");
-    listener.OnIpodStartEapSession(0, 1);
-    listener.OnIpodStopEapSession(1);
-    std::vector<unsigned char> bytes{1};
-    listener.OnIpodReceiveEapData(1, bytes);
-    listener.OnCarlifeDeviceDetectStatusChange(APPLE_DEVICE_DETECTED);
-    listener.OnWirelessCarPlayUpdate(true, "00:11");
-    listener.OnOOBPairingInfo("00:11", bytes);
+    for (const ipodkit::Event& each : all) events.push_back(ToEvent(each));
     return events;
 }
 
@@ -83,8 +83,8 @@ TEST(EventFields, RememberWhatPlaysOverOtherEvents)
 TEST(EventFields, BeginWithTheStateOfThePlayer)
 {
     ipodkit::PlayerState state;
-    state.track = QBXiPodTrackInfo{"Title", "Artist", "", "", 5000, 0, 0, 0};
-    state.status = IPOD_PLAY_STATUS_PAUSED;
+    state.track = ipodkit::Track{"Title", "Artist", "", "", std::chrono::milliseconds(5000), 0, 0, 0};
+    state.status = ipodkit::PlayStatus::Paused;
     state.position = ipodkit::Position{std::chrono::milliseconds(1234), std::chrono::milliseconds(5000), {}, false};
     state.deviceName = "Phone";
     EventFields fields;

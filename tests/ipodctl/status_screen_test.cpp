@@ -48,25 +48,25 @@ private:
 Status Playing()
 {
     auto state = std::make_shared<ipodkit::PlayerState>();
-    state->track = QBXiPodTrackInfo{"A title that is much longer than any terminal of twenty columns 周杰伦 🎵",
-                                    "Artist",
-                                    "Album",
-                                    "Genre",
-                                    269000,
-                                    3,
-                                    11,
-                                    1};
+    state->track = ipodkit::Track{"A title that is much longer than any terminal of twenty columns 周杰伦 🎵",
+                                  "Artist",
+                                  "Album",
+                                  "Genre",
+                                  std::chrono::milliseconds(269000),
+                                  3,
+                                  11,
+                                  1};
     state->trackIndex = 4;
     state->queueSize = 12;
-    state->status = IPOD_PLAY_STATUS_PLAYING;
-    state->shuffle = static_cast<iPodPlayerShuffleStatus>(0);
-    state->repeat = static_cast<iPodPlayerRepeatStatus>(9);
+    state->status = ipodkit::PlayStatus::Playing;
+    state->shuffle = static_cast<ipodkit::Shuffle>(0);
+    state->repeat = static_cast<ipodkit::Repeat>(9);
     state->deviceCount = 1;
     state->deviceName = "Phone\033[2J";
-    state->battery.BatteryChargeLevel = 80;
-    iPodPhoneCall_t call;
-    call.DisplayName = "Anna";
-    call.Status = PHONE_CALL_RINGING;
+    state->battery = ipodkit::Battery{80, {}};
+    ipodkit::PhoneCall call;
+    call.name = "Anna";
+    call.status = ipodkit::CallStatus::Ringing;
     state->calls["1"] = call;
     Status status;
     status.state = state;
@@ -127,13 +127,13 @@ TEST(StatusScreen, ShowsCallsWithoutAnIdentifierOrAName)
     Status status = Playing();
     auto state = std::make_shared<ipodkit::PlayerState>(*status.state);
     state->calls.clear();
-    iPodPhoneCall_t call;
-    call.RemoteID = "123";
-    call.Status = PHONE_CALL_RINGING;
+    ipodkit::PhoneCall call;
+    call.remote = "123";
+    call.status = ipodkit::CallStatus::Ringing;
     state->calls[""] = call;
-    call.CallUUID = "";
-    call.DisplayName = "";
-    call.RemoteID = "";
+    call.id = "";
+    call.name = "";
+    call.remote = "";
     state->calls["x"] = call;
     status.state = state;
     EXPECT_TRUE(Has(Shown(status, 100, 24), "battery 80 %   call 123 ringing   call unknown ringing"));

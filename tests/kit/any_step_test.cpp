@@ -50,7 +50,7 @@ TEST_F(AnyStepTest, ASessionMayEnd)
     }
 
     Ready(1);
-    EXPECT_EQ(session->State()->track->text1, "Song");
+    EXPECT_EQ(session->State()->track->title, "Song");
     EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
 }
 
@@ -150,7 +150,7 @@ TEST_F(AnyStepTest, TheServiceMayVanish)
     FakeService last;
     AnswerState(last);
     Ready(generation + 1);
-    EXPECT_EQ(session->State()->track->text1, "Song");
+    EXPECT_EQ(session->State()->track->title, "Song");
 }
 
 TEST_F(AnyStepTest, FourThreadsMaySubscribeAndEndWhileEventsCome)

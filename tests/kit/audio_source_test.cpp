@@ -18,7 +18,7 @@ protected:
         Sources().requestResult = 1;
     }
 
-    Result<void> Play(AudioSource& source, iPodPlayerPlayOption_e option = IPOD_PLAY_START)
+    Result<void> Play(AudioSource& source, PlayOption option = PlayOption::Start)
     {
         std::optional<Result<void>> result;
         source.Play([&result](const Result<void>& done) { result = done; }, option);
@@ -65,12 +65,12 @@ TEST_F(AudioSourceTest, StartsResumesAndRestartsPlaybackOnly)
     ASSERT_TRUE(source.Request());
     Activate(source);
 
-    EXPECT_TRUE(Play(source, IPOD_PLAY_START));
-    EXPECT_TRUE(Play(source, IPOD_PLAY_RESUME));
-    EXPECT_TRUE(Play(source, IPOD_PLAY_RESTART));
-    for (const auto option :
+    EXPECT_TRUE(Play(source, PlayOption::Start));
+    EXPECT_TRUE(Play(source, PlayOption::Resume));
+    EXPECT_TRUE(Play(source, PlayOption::Restart));
+    for (const int option :
          {IPOD_PLAY_REQUEST_SOURCE_0, IPOD_PLAY_REQUEST_SOURCE_1, IPOD_PLAY_CONFIRM_ACTIVE, IPOD_PLAY_CONFIRM_DEACTIVE})
-        EXPECT_EQ(KindOf(Play(source, option)), ErrorKind::BadArgument);
+        EXPECT_EQ(KindOf(Play(source, static_cast<PlayOption>(option))), ErrorKind::BadArgument);
 
     EXPECT_THAT(service.Calls(), testing::IsSupersetOf({"Play(0x03,)", "Play(0x04,)", "Play(0x05,)"}));
 }

@@ -172,10 +172,10 @@ TEST_F(BadInputTest, APictureThatIsNoneHasNoTypeAndNoSize)
 
     Emit("OnIpodArtworkChange", PictureBody());
 
-    ASSERT_NE(State()->artwork, nullptr);
-    EXPECT_EQ(State()->artwork->type, PictureType::Unknown);
-    EXPECT_EQ(State()->artwork->width, 0U);
-    EXPECT_EQ(State()->artwork->bytes.size(), 8U);
+    ASSERT_NE(State()->Artwork(), nullptr);
+    EXPECT_EQ(State()->Artwork()->type, PictureType::Unknown);
+    EXPECT_EQ(State()->Artwork()->width, 0U);
+    EXPECT_EQ(State()->Artwork()->bytes.size(), 8U);
 }
 
 TEST_F(BadInputTest, AnAnnouncedPictureWithoutBytesIsNone)
@@ -187,7 +187,7 @@ TEST_F(BadInputTest, AnAnnouncedPictureWithoutBytesIsNone)
 
     Emit("OnIpodArtworkChange", PictureBody());
 
-    EXPECT_EQ(State()->artwork, nullptr);
+    EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
 TEST_F(BadInputTest, APictureHeadOfAnotherSizeIsNone)
@@ -197,7 +197,7 @@ TEST_F(BadInputTest, APictureHeadOfAnotherSizeIsNone)
 
     Ready();
 
-    EXPECT_EQ(State()->artwork, nullptr);
+    EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
 TEST_F(BadInputTest, AnswersOfOtherTypesLeaveTheirFieldsUnknown)
@@ -249,7 +249,7 @@ TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
     sending.join();
 
     EXPECT_TRUE(arrived);
-    EXPECT_EQ(State()->track->text1, "T" + std::to_string(kChanges - 1));
+    EXPECT_EQ(State()->track->title, "T" + std::to_string(kChanges - 1));
     EXPECT_GT(ticker.Count(), 10);
     EXPECT_GT(published, 1);
     EXPECT_LT(published, kChanges / 2);

@@ -126,7 +126,7 @@ TEST_F(CommandsTest, ReturnsTheTextsThatTheCoreWithholds)
     EXPECT_EQ(Completed(Ask().IpodName()).value(), "Phone");
     EXPECT_EQ(Completed(Ask().ForegroundApp()).value(), "com.example.app");
     EXPECT_EQ(Completed(Ask().CarPlayStatus()).value().serialNumber, "SERIAL");
-    EXPECT_EQ(Completed(Ask().CarPlayStatus()).value().status, APPLE_DEVICE_UNSUPPORTED);
+    EXPECT_EQ(Completed(Ask().CarPlayStatus()).value().status, DeviceStatus::Unsupported);
 }
 
 TEST_F(CommandsTest, ASilentServiceTimesOutAtTheDeadline)
@@ -372,7 +372,7 @@ TEST_F(CommandsTest, TextsThatCannotBeSentAreNotSent)
     EXPECT_EQ(KindOf(Completed(Ask().LaunchApp("\xC3\x28"))), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Ask().LaunchApp(std::string("a\0b", 3)).Wait()), ErrorKind::BadArgument);
     EXPECT_EQ(KindOf(Ask().AnnounceAccessory({std::string(256, 'x'), ""}).Wait()), ErrorKind::BadArgument);
-    EXPECT_EQ(KindOf(Ask().StartPlayback(IPOD_PLAY_CONFIRM_ACTIVE).Wait()), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Ask().StartPlayback(static_cast<PlayOption>(6)).Wait()), ErrorKind::BadArgument);
 }
 
 TEST_F(CommandsTest, NumbersThatTheContractHasNoRoomForAreNotSent)
@@ -385,13 +385,12 @@ TEST_F(CommandsTest, NumbersThatTheContractHasNoRoomForAreNotSent)
     EXPECT_TRUE(Completed(Ask().Seek(most)));
     for (const std::chrono::seconds beyond : {most + 1s, -most - 2s})
         EXPECT_EQ(KindOf(Completed(Ask().Seek(beyond))), ErrorKind::BadArgument);
-    EXPECT_TRUE(Completed(Ask().SetShuffle(static_cast<iPodPlayerShuffleStatus>(255))));
-    EXPECT_TRUE(Completed(Ask().SetRepeat(static_cast<iPodPlayerRepeatStatus>(255))));
+    EXPECT_TRUE(Completed(Ask().SetShuffle(static_cast<Shuffle>(255))));
+    EXPECT_TRUE(Completed(Ask().SetRepeat(static_cast<Repeat>(255))));
     for (const int beyond : {-1, 256})
     {
-        EXPECT_EQ(KindOf(Completed(Ask().SetShuffle(static_cast<iPodPlayerShuffleStatus>(beyond)))),
-                  ErrorKind::BadArgument);
-        EXPECT_EQ(KindOf(Ask().SetRepeat(static_cast<iPodPlayerRepeatStatus>(beyond)).Wait()), ErrorKind::BadArgument);
+        EXPECT_EQ(KindOf(Completed(Ask().SetShuffle(static_cast<Shuffle>(beyond)))), ErrorKind::BadArgument);
+        EXPECT_EQ(KindOf(Ask().SetRepeat(static_cast<Repeat>(beyond)).Wait()), ErrorKind::BadArgument);
     }
 }
 
@@ -460,13 +459,13 @@ TEST_P(EachCommandTest, CallsItsMemberOfTheContract)
 INSTANTIATE_TEST_SUITE_P(
     Commands, EachCommandTest,
     testing::Values(
-        ROW(StartPlayback(IPOD_PLAY_RESUME), "Play(0x04,)", "(true,)"), ROW(Pause(), "Pause()", "(true,)"),
+        ROW(StartPlayback(PlayOption::Resume), "Play(0x04,)", "(true,)"), ROW(Pause(), "Pause()", "(true,)"),
         ROW(Stop(), "Stop()", "(true,)"), ROW(Next(), "Next()", "(true,)"), ROW(Previous(), "Previous()", "(true,)"),
         ROW(Seek(12s), "Seek(12,)", "()"), ROW(FastForward(), "FastForward()", "(true,)"),
         ROW(FastBackward(), "FastBackward()", "(true,)"), ROW(StopWinding(), "StopFfwFbw()", "(true,)"),
-        ROW(SetShuffle(IPOD_SHUFFLE_ALBUMS), "SetShuffleMode(0x02,)", "()"),
-        ROW(SetRepeat(IPOD_REPEAT_ONE), "SetRepeatMode(0x01,)", "()"),
-        ROW(PressButton({1, 2, 3}),
+        ROW(SetShuffle(Shuffle::Albums), "SetShuffleMode(0x02,)", "()"),
+        ROW(SetRepeat(Repeat::One), "SetRepeatMode(0x01,)", "()"),
+        ROW(PressButton({1, 2, 3ms}),
             "SetButtonStatus(<[byte 0x01, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00]>,)",
             "(true,)"),
         ROW(SetTransmission(true), "SetTransmissionState(0x01,)", "()"),

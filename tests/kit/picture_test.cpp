@@ -32,7 +32,7 @@ Bytes Png(unsigned char width)
 const Bytes kJpeg = Padded(
     {0xFF, 0xD8, 0xFF, 0xE0, 0, 4, 'x', 'y', 0xFF, 0xFF, 0xC4, 0, 3, 'z', 0xFF, 0xC2, 0, 17, 8, 1, 44, 2, 88, 3});
 
-struct Known
+struct Sample
 {
     const char* name;
     Bytes bytes;
@@ -41,7 +41,7 @@ struct Known
     std::uint32_t height;
 };
 
-class PictureOfTypeTest : public testing::TestWithParam<Known>
+class PictureOfTypeTest : public testing::TestWithParam<Sample>
 {
 };
 
@@ -58,7 +58,7 @@ TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
 // Wherever it is cut off, and under the sanitizers too.
 TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
 {
-    const Known& known = GetParam();
+    const Sample& known = GetParam();
     for (std::size_t size = 0; size < known.bytes.size(); ++size)
     {
         const Picture picture =
@@ -97,20 +97,20 @@ const Bytes kMotorolaTiff =
 INSTANTIATE_TEST_SUITE_P(
     Types, PictureOfTypeTest,
     testing::Values(
-        Known{"Png", Png(7), PictureType::Png, 7, 256}, Known{"PngWithoutWidth", Png(0), PictureType::Png, 0, 0},
-        Known{"Jpeg", kJpeg, PictureType::Jpeg, 600, 300},
-        Known{"JpegWithPixelsBeforeItsSize",
+        Sample{"Png", Png(7), PictureType::Png, 7, 256}, Sample{"PngWithoutWidth", Png(0), PictureType::Png, 0, 0},
+        Sample{"Jpeg", kJpeg, PictureType::Jpeg, 600, 300},
+        Sample{"JpegWithPixelsBeforeItsSize",
               Padded({0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xC0, 0, 17, 8, 1, 44, 2, 88, 3}), PictureType::Jpeg, 0, 0},
-        Known{"Gif", Padded({'G', 'I', 'F', '8', '9', 'a', 16, 0, 0, 1}), PictureType::Gif, 16, 256},
-        Known{"Bmp", Bmp(40, {5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF}), PictureType::Bmp, 5, 6},
-        Known{"BmpWithItsOldestHead", Bmp(12, {200, 0, 24, 0, 1, 0, 24, 0}), PictureType::Bmp, 200, 24},
-        Known{"TextThatBeginsAsABmp", Padded({'B', 'M', 'W', ' ', 'i', 's', ' ', 'a'}), PictureType::Unknown, 0, 0},
-        Known{"WebpLossy", WebP(' ', {0, 0, 0, 0x9D, 1, 0x2A, 5, 0, 6, 0}), PictureType::WebP, 5, 6},
-        Known{"WebpLossless", WebP('L', {0x2F, 4, 0x40, 1, 0}), PictureType::WebP, 5, 6},
-        Known{"WebpExtended", WebP('X', {0, 0, 0, 0, 4, 0, 0, 5, 0, 0}), PictureType::WebP, 5, 6},
-        Known{"WebpWithoutPixels", WebP(' ', {0, 0, 0, 0, 0, 0, 5, 0, 6, 0}), PictureType::WebP, 0, 0},
-        Known{"Tiff", kTiff, PictureType::Tiff, 5, 6}, Known{"MotorolaTiff", kMotorolaTiff, PictureType::Tiff, 5, 6},
-        Known{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
+        Sample{"Gif", Padded({'G', 'I', 'F', '8', '9', 'a', 16, 0, 0, 1}), PictureType::Gif, 16, 256},
+        Sample{"Bmp", Bmp(40, {5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF}), PictureType::Bmp, 5, 6},
+        Sample{"BmpWithItsOldestHead", Bmp(12, {200, 0, 24, 0, 1, 0, 24, 0}), PictureType::Bmp, 200, 24},
+        Sample{"TextThatBeginsAsABmp", Padded({'B', 'M', 'W', ' ', 'i', 's', ' ', 'a'}), PictureType::Unknown, 0, 0},
+        Sample{"WebpLossy", WebP(' ', {0, 0, 0, 0x9D, 1, 0x2A, 5, 0, 6, 0}), PictureType::WebP, 5, 6},
+        Sample{"WebpLossless", WebP('L', {0x2F, 4, 0x40, 1, 0}), PictureType::WebP, 5, 6},
+        Sample{"WebpExtended", WebP('X', {0, 0, 0, 0, 4, 0, 0, 5, 0, 0}), PictureType::WebP, 5, 6},
+        Sample{"WebpWithoutPixels", WebP(' ', {0, 0, 0, 0, 0, 0, 5, 0, 6, 0}), PictureType::WebP, 0, 0},
+        Sample{"Tiff", kTiff, PictureType::Tiff, 5, 6}, Sample{"MotorolaTiff", kMotorolaTiff, PictureType::Tiff, 5, 6},
+        Sample{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
     [](const auto& known) { return std::string(known.param.name); });
 
 TEST(PictureTest, EqualBytesHaveEqualHashesAndOthersHaveNot)

@@ -9,6 +9,7 @@
 #include <future>
 #include <set>
 
+#include <ipodkit/core.h>
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
 #include "support/recording_listener.h"
@@ -127,7 +128,7 @@ TEST_F(SessionTest, ASecondOneMayFollow)
     Ready();
     service.Emit("OnPlayStatusChanged", "(2,)");
 
-    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Paused; }));
 }
 
 TEST_F(SessionTest, ALaterOneMayLiveInAContextOfTheApplication)
@@ -143,7 +144,7 @@ TEST_F(SessionTest, ALaterOneMayLiveInAContextOfTheApplication)
     const auto limit = std::chrono::steady_clock::now() + 5s;
     bool paused = false;
     const Subscription watching = session->OnState(
-        "status", [&](const StatePtr& state, Fields) { paused = state->status == IPOD_PLAY_STATUS_PAUSED; });
+        "status", [&](const StatePtr& state, Fields) { paused = state->status == PlayStatus::Paused; });
 
     while (session->Connection().phase != Phase::Ready && std::chrono::steady_clock::now() < limit)
         g_main_context_iteration(own, FALSE);
@@ -206,7 +207,7 @@ TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
 
     ASSERT_TRUE(RunLoopUntil([&] { return session->State()->missing.Empty(); }));
     EXPECT_FALSE(session->State()->error);
-    EXPECT_EQ(session->State()->track->text1, "Song");
+    EXPECT_EQ(session->State()->track->title, "Song");
     EXPECT_EQ(session->State()->deviceName, "Phone");
 }
 
@@ -223,7 +224,7 @@ TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgai
 
     Ready();
 
-    EXPECT_EQ(session->State()->shuffle, IPOD_SHUFFLE_SONGS);
+    EXPECT_EQ(session->State()->shuffle, Shuffle::Songs);
 }
 
 // Each question that a service leaves open counts against the limit of its bus.
@@ -401,7 +402,7 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
     };
     Amounts amounts;
     Open();
-    const Subscription listening = session->Listen("amounts", amounts);
+    const Subscription listening = Listen(*session, "amounts", amounts);
     std::vector<int> sent;
     for (std::uint32_t generation = 1; generation <= 1000; ++generation)
     {
@@ -502,9 +503,9 @@ TEST_F(SessionTest, PublishesWithoutADescriptorForItsTimerToo)
 
     service.Emit("OnPlayStatusChanged", "(2,)");
 
-    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Paused; }));
     service.Emit("OnPlayStatusChanged", "(1,)");
-    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PLAYING; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Playing; }));
 }
 
 TEST_F(SessionTest, TheEndOfTheBusIsTold)
@@ -538,7 +539,7 @@ TEST_F(SessionTest, ABusThatComesBackIsFoundAgain)
     EXPECT_FALSE(session->Connection().error);
     EXPECT_TRUE(Completed(session->Commands().DeviceCount()));
     again.Emit("OnPlayStatusChanged", "(2,)");
-    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == IPOD_PLAY_STATUS_PAUSED; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Paused; }));
 }
 
 TEST_F(SessionTest, AServiceThatTheBusCannotStartIsAnErrorWithItsReason)
@@ -601,7 +602,7 @@ TEST_F(SessionTest, EverySignalIsAnEventAndReadsAsInTheCore)
     std::set<std::size_t> kinds;
     ASSERT_TRUE(QBX_GetIpodPlayer()->InitInstance());
     QBX_GetIpodPlayer()->AddListener(&coreListener);
-    const Subscription listening = session->Listen("listener", kitListener);
+    const Subscription listening = Listen(*session, "listener", kitListener);
     const Subscription watching = session->OnEvent("events",
                                                    [&](const ipodkit::Event& event)
                                                    {
@@ -630,7 +631,7 @@ TEST_F(SessionTest, ListenersGetEveryEventOutsideTheListenerLock)
     Ready();
     Journal journal;
     RecordingListener listener(journal, "app");
-    const Subscription listening = session->Listen("app", listener);
+    const Subscription listening = Listen(*session, "app", listener);
 
     service.Emit("OnPlayStatusChanged", "(2,)");
     service.Emit("OnIpodPlayingTrackChange", TrackEvent(7, "Other"));
@@ -664,7 +665,7 @@ TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
     AnswerState(service);
     Ready();
     Waiting waiting;
-    const Subscription listening = session->Listen("waiting", waiting);
+    const Subscription listening = Listen(*session, "waiting", waiting);
 
     service.Emit("OnPlayStatusChanged", "(2,)");
 
@@ -690,11 +691,11 @@ TEST_F(SessionTest, ListenersMayEndThemselvesAndAddOthersInsideACallback)
     Once first;
     Once second;
     Subscription other;
-    Subscription once = session->Listen("first", first);
+    Subscription once = Listen(*session, "first", first);
     first.then = [&]
     {
         once.Reset();
-        other = session->Listen("second", second);
+        other = Listen(*session, "second", second);
     };
 
     service.Emit("OnPlayStatusChanged", "(2,)");

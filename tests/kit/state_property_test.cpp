@@ -21,7 +21,7 @@ constexpr int kSequences = 1000;
 #endif
 
 template <class T>
-void Put(Model& model, const char* key, const std::optional<T>& value)
+void Put(Model& model, const char* key, const Known<T>& value)
 {
     if (value) model[key] = std::to_string(static_cast<int>(*value));
 }
@@ -37,13 +37,14 @@ Model ModelOf(const PlayerState& state)
     Put(model, "location", state.location);
     Put(model, "source", state.sourceValid);
     Put(model, "carlife", state.carLife);
-    Put(model, "level", state.battery.BatteryChargeLevel);
-    if (state.track) model["title"] = state.track->text1;
+    Put(model, "level", state.battery ? Known<int>(*state.battery->percent) : Known<int>());
+    if (state.track) model["title"] = state.track->title;
     if (state.foregroundApp) model["app"] = *state.foregroundApp;
-    if (state.carPlay) model["carplay"] = std::to_string(state.carPlay->status) + state.carPlay->serialNumber;
+    if (state.carPlay)
+        model["carplay"] = std::to_string(static_cast<int>(state.carPlay->status)) + state.carPlay->serialNumber;
     for (const auto& [number, protocol] : state.accessorySessions)
         model["eap" + std::to_string(number)] = std::to_string(protocol);
-    for (const auto& [id, call] : state.calls) model["call" + id] = std::to_string(*call.Status);
+    for (const auto& [id, call] : state.calls) model["call" + id] = std::to_string(static_cast<int>(*call.status));
     return model;
 }
 

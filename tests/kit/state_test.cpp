@@ -30,21 +30,21 @@ TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
 {
     Ready();
 
-    EXPECT_EQ(State()->track->text1, "Song");
+    EXPECT_EQ(State()->track->title, "Song");
     EXPECT_EQ(State()->trackIndex, 1);
-    EXPECT_EQ(State()->status, IPOD_PLAY_STATUS_PLAYING);
+    EXPECT_EQ(State()->status, PlayStatus::Playing);
     EXPECT_EQ(State()->position->position, 1s);
     EXPECT_EQ(State()->position->duration, 60s);
     EXPECT_TRUE(State()->position->advancing);
-    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_ALBUMS);
-    EXPECT_EQ(State()->repeat, IPOD_REPEAT_ONE);
+    EXPECT_EQ(State()->shuffle, Shuffle::Albums);
+    EXPECT_EQ(State()->repeat, Repeat::One);
     EXPECT_EQ(State()->queueSize, 3);
     EXPECT_EQ(State()->deviceCount, 1);
     EXPECT_EQ(State()->deviceName, "Phone");
     EXPECT_EQ(State()->foregroundApp, "com.example.app");
     EXPECT_EQ(State()->carPlay->serialNumber, "SERIAL");
-    EXPECT_EQ(State()->carLife, APPLE_DEVICE_NOT_DETECTED);
-    EXPECT_EQ(State()->artwork, nullptr);
+    EXPECT_EQ(State()->carLife, DeviceStatus::NotDetected);
+    EXPECT_EQ(State()->Artwork(), nullptr);
     EXPECT_FALSE(State()->location);
 }
 
@@ -56,7 +56,7 @@ TEST_F(StateTest, FollowsEveryEvent)
     // events.
     service.Answer("GetCarlifeDeviceDetectStatus", "(0,)");
     Emit("OnIpodDeviceStatusChange", "(0, true)");
-    ASSERT_TRUE(RunLoopUntil([&] { return State()->carLife == APPLE_DEVICE_DETECTED; }));
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->carLife == DeviceStatus::Detected; }));
     Emit("OnPlayStatusChanged", "(2,)");
     Emit("OnIpodShuffleModeChange", "(0,)");
     Emit("OnIpodRepeatModeChange", "(2,)");
@@ -70,16 +70,16 @@ TEST_F(StateTest, FollowsEveryEvent)
     Emit("OnOOBPairingInfo", "('bt', [(0x05,)])");
     Emit("OnIpodStartEapSession", "(3, 300)");
 
-    EXPECT_EQ(State()->device, APPLE_DEVICE_DETECTED);
-    EXPECT_EQ(State()->status, IPOD_PLAY_STATUS_PAUSED);
+    EXPECT_EQ(State()->device, DeviceStatus::Detected);
+    EXPECT_EQ(State()->status, PlayStatus::Paused);
     EXPECT_FALSE(State()->position->advancing);
-    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_OFF);
-    EXPECT_EQ(State()->repeat, IPOD_REPEAT_ALL);
+    EXPECT_EQ(State()->shuffle, Shuffle::Off);
+    EXPECT_EQ(State()->repeat, Repeat::All);
     EXPECT_EQ(State()->queueSize, 9);
     EXPECT_EQ(State()->sourceValid, true);
-    EXPECT_EQ(State()->carPlay->status, APPLE_DEVICE_NOT_DETECTED);
-    EXPECT_EQ(State()->carLife, APPLE_DEVICE_NOT_DETECTED);
-    EXPECT_EQ(State()->location, LOCATION_STATUS_REQUESTED);
+    EXPECT_EQ(State()->carPlay->status, DeviceStatus::NotDetected);
+    EXPECT_EQ(State()->carLife, DeviceStatus::NotDetected);
+    EXPECT_EQ(State()->location, ipodkit::LocationStatus::Requested);
     EXPECT_EQ(State()->foregroundApp, "com.example.other");
     EXPECT_EQ(State()->wireless->deviceAddress, "addr");
     EXPECT_EQ(State()->pairing->bytes, std::vector<unsigned char>{5});
@@ -102,8 +102,8 @@ TEST_F(StateTest, ABurstIsOneChange)
 
     EXPECT_THAT(changes,
                 ElementsAre(Fields::All(), Field::Track | Field::TrackIndex | Field::Position | Field::Artwork));
-    EXPECT_EQ(State()->artwork->width, 300U);
-    EXPECT_EQ(State()->artwork->height, 200U);
+    EXPECT_EQ(State()->Artwork()->width, 300U);
+    EXPECT_EQ(State()->Artwork()->height, 200U);
 }
 
 TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
@@ -113,14 +113,14 @@ TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
     {
         const std::string title(length, 'a');
         service.Answer("GetCurrentMediaInfo", TrackBody(title, 0x7A7A7A7A));
-        const QBXiPodTrackInfo replied = Completed(session->Commands().CurrentTrack()).value();
+        const Track replied = Completed(session->Commands().CurrentTrack()).value();
 
         Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
 
-        const QBXiPodTrackInfo told = State()->track.value();
-        EXPECT_THAT((std::vector{replied.text1, replied.text2, replied.text3, replied.text4}),
-                    ElementsAre(told.text1, told.text2, told.text3, told.text4));
-        EXPECT_EQ(told.text1.size(), length < 1024 ? length : 1028) << length;
+        const Track told = State()->track.value();
+        EXPECT_THAT((std::vector{replied.title, replied.artist, replied.album, replied.genre}),
+                    ElementsAre(told.title, told.artist, told.album, told.genre));
+        EXPECT_EQ(told.title.size(), length < 1024 ? length : 1028) << length;
     }
 }
 
@@ -133,8 +133,8 @@ TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
     Emit("OnIpodShuffleModeChange", "(1,)");
 
     EXPECT_EQ(State()->version, before->version + 2);
-    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_SONGS);
-    EXPECT_EQ(before->shuffle, IPOD_SHUFFLE_ALBUMS);
+    EXPECT_EQ(State()->shuffle, Shuffle::Songs);
+    EXPECT_EQ(before->shuffle, Shuffle::Albums);
 }
 
 TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
@@ -337,7 +337,7 @@ TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
     EXPECT_FALSE(State()->deviceName);
     EXPECT_FALSE(State()->track);
-    EXPECT_EQ(State()->shuffle, IPOD_SHUFFLE_ALBUMS);
+    EXPECT_EQ(State()->shuffle, Shuffle::Albums);
 }
 
 TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
@@ -348,11 +348,11 @@ TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
 
     Emit("OnIpodDeviceStatusChange", "(1, false)");
 
-    ASSERT_TRUE(RunLoopUntil([&] { return State()->track && State()->deviceName && State()->artwork != nullptr; }));
-    EXPECT_EQ(State()->track->text1, "Song");
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->track && State()->deviceName && State()->Artwork() != nullptr; }));
+    EXPECT_EQ(State()->track->title, "Song");
     EXPECT_EQ(State()->deviceName, "Phone");
     EXPECT_EQ(State()->queueSize, 3);
-    EXPECT_EQ(State()->device, APPLE_DEVICE_NOT_DETECTED);
+    EXPECT_EQ(State()->device, DeviceStatus::NotDetected);
 }
 
 TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
@@ -368,7 +368,7 @@ TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
     for (int i = 0; i < 1000; ++i) service.Emit("OnIpodDeviceStatusChange", i % 2 == 0 ? "(1, false)" : "(0, false)");
     Settle(service);
 
-    EXPECT_TRUE(RunLoopUntil([&] { return State()->device == APPLE_DEVICE_DETECTED && State()->deviceName; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->device == DeviceStatus::Detected && State()->deviceName; }));
     EXPECT_GT(asked(), before);
     EXPECT_LT(asked(), before + 500);
 }
@@ -384,7 +384,7 @@ TEST_F(StateTest, KeepsWhatIsKnownWhileTheServiceIsAwayButNotItsCallsAndSessions
     service.Vanish();
     ASSERT_TRUE(RunLoopUntil([&] { return State()->phase == Phase::Lost; }));
 
-    EXPECT_EQ(State()->track->text1, "Song");
+    EXPECT_EQ(State()->track->title, "Song");
     EXPECT_THAT(State()->calls, IsEmpty());
     EXPECT_THAT(State()->accessorySessions, IsEmpty());
 
@@ -404,8 +404,8 @@ TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'b', 0x18, 2}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
     ASSERT_EQ(State()->calls.size(), 2U);
-    EXPECT_EQ(State()->calls.at("a").Status, PHONE_CALL_ACTIVE);
-    EXPECT_EQ(State()->calls.at("a").DisplayName, "X");
+    EXPECT_EQ(State()->calls.at("a").status, CallStatus::Active);
+    EXPECT_EQ(State()->calls.at("a").name, "X");
 
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'z', 0x18, 0}));
@@ -419,8 +419,8 @@ TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
     Emit("OnIpodPhoneCallChange", Record({0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
     ASSERT_EQ(State()->calls.size(), 1U);
-    EXPECT_EQ(State()->calls.at("").Status, PHONE_CALL_ACTIVE);
-    EXPECT_EQ(State()->calls.at("").DisplayName, "X");
+    EXPECT_EQ(State()->calls.at("").status, CallStatus::Active);
+    EXPECT_EQ(State()->calls.at("").name, "X");
 
     Emit("OnIpodPhoneCallChange", Record({0x18, 0}));
     EXPECT_THAT(State()->calls, IsEmpty());
@@ -447,8 +447,8 @@ TEST_F(StateTest, BatteryEventsComplementEachOther)
     Emit("OnIpodBatteryChange", Record({8, 1}));
     Emit("OnIpodBatteryChange", Record({16, 50}));
 
-    EXPECT_EQ(State()->battery.BatteryChargingStatus, BATTERY_CHARGING);
-    EXPECT_EQ(State()->battery.BatteryChargeLevel, 50);
+    EXPECT_EQ(State()->battery->charging, ChargingStatus::Charging);
+    EXPECT_EQ(State()->battery->percent, 50);
 }
 
 TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
@@ -457,13 +457,13 @@ TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
     shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
     Ready();
-    const PicturePtr queried = State()->artwork;
+    const PicturePtr queried = State()->Artwork();
 
     Emit("OnIpodArtworkChange", PictureBody());
 
     ASSERT_NE(queried, nullptr);
     EXPECT_EQ(queried->type, PictureType::Png);
-    EXPECT_EQ(State()->artwork, queried);
+    EXPECT_EQ(State()->Artwork(), queried);
 }
 
 TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
@@ -474,7 +474,7 @@ TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
 
     service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Next"));
 
-    EXPECT_TRUE(RunLoopUntil([&] { return State()->artwork != nullptr; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->Artwork() != nullptr; }));
 }
 
 TEST_F(StateTest, PicturesBeyondTheLimitAreLeftOut)
@@ -485,7 +485,7 @@ TEST_F(StateTest, PicturesBeyondTheLimitAreLeftOut)
 
     Emit("OnIpodArtworkChange", PictureBody());
 
-    EXPECT_EQ(State()->artwork, nullptr);
+    EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
 TEST(PositionTest, AdvancesUpToTheEndOfTheTrack)

@@ -31,7 +31,7 @@ public:
     void OnCarplayDeviceDetectStatusChange(QBXAppleDeviceDetectStatus status, std::string serialNumber) override;
     void OnIpodPhoneCallChange(const iPodPhoneCall_t& call) override;
     void OnIpodBatteryChange(const iPodBattery_t& battery) override;
-    void OnIpodLocationStatusChange(LocationStatus status) override;
+    void OnIpodLocationStatusChange(::LocationStatus status) override;
     void OnIpodAPPBundleNameChange(std::string bundleName) override;
     void OnIpodStartEapSession(unsigned char protocol, unsigned short session) override;
     void OnIpodStopEapSession(unsigned short session) override;

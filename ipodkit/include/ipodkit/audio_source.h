@@ -78,7 +78,7 @@ public:
     /// @}
 
     /// Starts playback. ErrorKind::Refused unless the manager says that the source is active.
-    void Play(Completion completion, iPodPlayerPlayOption_e option = IPOD_PLAY_START);
+    void Play(Completion completion, PlayOption option = PlayOption::Start);
 
     /// Gives the source back to the manager.
     void Release();

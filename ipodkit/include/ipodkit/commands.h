@@ -7,33 +7,67 @@
 /// AccessorySession, and the request for an audio source is AudioSource's.
 #pragma once
 
-#include <QBXIpodTypes.h>
 #include <ipodkit/request.h>
+#include <ipodkit/types.h>
 
+#include <chrono>
+#include <cstdint>
 #include <string>
 
 #pragma GCC visibility push(default)
 
 namespace ipodkit
 {
-/// Position in the track and its length, in milliseconds.
 struct PlayPosition
 {
-    int position;
-    int duration;
+    std::chrono::milliseconds position{};
+    std::chrono::milliseconds duration{};  ///< of the track
+};
+template <>
+struct Rows<PlayPosition>
+{
+    static constexpr const char* type = "PlayPosition";
+    static constexpr const char* name = "position";
+    static constexpr std::tuple all{
+        Row{"position", &PlayPosition::position, "ms", "Position in the track"},
+        Row{"length", &PlayPosition::duration, "ms", "Length of the track"},
+    };
+};
+
+/// What starts playback on the audio source that was granted last.
+enum class PlayOption : int
+{
+    Start = 3,
+    Resume = 4,   ///< continue where playback was interrupted
+    Restart = 5,  ///< from the start of the track
 };
 
 enum class Winding : int
 {
-    Forward = 0,
-    Backward = 1,
-    None = 2,
+    Forward,
+    Backward,
+    None,
+};
+template <>
+struct EnumNames<Winding>
+{
+    static constexpr const char* type = "Winding";
+    static constexpr const char* names[] = {"forward", "backward", "none"};
 };
 
-struct CarPlayDevice
+/// A button of the accessory remote control. The service defines the numbers of the buttons.
+struct ButtonPress
 {
-    QBXAppleDeviceDetectStatus status;
-    std::string serialNumber;  ///< empty when there is none
+    std::uint32_t button = 0;
+    std::uint32_t state = 0;           ///< 1 pressed, 0 released
+    std::chrono::milliseconds held{};  ///< how long it has been pressed; 0 to 2^32 - 1
+};
+
+/// The accessory protocols of the head unit.
+struct AccessoryInfo
+{
+    std::string protocols;  ///< separated by commas, for example "com.example.echo"
+    std::string bundleId;   ///< of the companion app
 };
 
 /// Obtained from a Session. Copies are cheap; they may outlive the session, requests then fail with
@@ -48,7 +82,7 @@ public:
 
     /// @name Playback
     /// @{
-    Request<void> StartPlayback(iPodPlayerPlayOption_e option) const;  ///< takes IPOD_PLAY_START, _RESUME, _RESTART
+    Request<void> StartPlayback(PlayOption option) const;
     Request<void> Pause() const;
     Request<void> Stop() const;
     Request<void> Next() const;
@@ -57,20 +91,20 @@ public:
     Request<void> FastForward() const;
     Request<void> FastBackward() const;
     Request<void> StopWinding() const;
-    Request<void> SetShuffle(iPodPlayerShuffleStatus mode) const;  ///< takes 0 to 255, with a name or without
-    Request<void> SetRepeat(iPodPlayerRepeatStatus mode) const;    ///< the same
-    Request<void> PressButton(iPodPlayerButtonControl control) const;
+    Request<void> SetShuffle(ipodkit::Shuffle mode) const;  ///< 0 to 255, with a name or without
+    Request<void> SetRepeat(ipodkit::Repeat mode) const;    ///< 0 to 255, with a name or without
+    Request<void> PressButton(const ButtonPress& press) const;
     Request<void> SetTransmission(bool on) const;  ///< whether the unit takes audio from the device
     /// @}
 
     /// @name What plays
     /// @{
-    Request<QBXiPodTrackInfo> CurrentTrack() const;
-    Request<iPodPlayerPlayStatus> PlayStatus() const;
+    Request<Track> CurrentTrack() const;
+    Request<ipodkit::PlayStatus> PlayStatus() const;
     Request<PlayPosition> Position() const;
     Request<Winding> WindingStatus() const;
-    Request<iPodPlayerShuffleStatus> Shuffle() const;
-    Request<iPodPlayerRepeatStatus> Repeat() const;
+    Request<ipodkit::Shuffle> Shuffle() const;
+    Request<ipodkit::Repeat> Repeat() const;
     Request<int> PlayingIndex() const;  ///< -1 when nothing plays
     Request<int> PlayingCount() const;  ///< entries of the playing list
     /// @}
@@ -95,10 +129,10 @@ public:
     Request<std::string> ForegroundApp() const;  ///< bundle identifier, or empty
     Request<void> LaunchApp(const std::string& bundleId) const;  ///< takes UTF-8 without NUL, at most 1 MiB
     Request<CarPlayDevice> CarPlayStatus() const;
-    Request<QBXAppleDeviceDetectStatus> CarLifeStatus() const;
+    Request<DeviceStatus> CarLifeStatus() const;
     Request<void> NotifyCarPlay(bool connected, bool wireless) const;
-    Request<void> AnnounceAccessory(const EAPInfo& info) const;  ///< takes UTF-8 without NUL, at most 255 bytes each
-    Request<void> SetHubTestMode(unsigned char mode) const;      ///< for production and service only
+    Request<void> AnnounceAccessory(const AccessoryInfo& info) const;  ///< UTF-8 without NUL, at most 255 bytes each
+    Request<void> SetHubTestMode(unsigned char mode) const;            ///< for production and service only
     /// @}
 
 private:

@@ -2,9 +2,12 @@
 /// A picture that belongs to a track.
 #pragma once
 
+#include <ipodkit/fields.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #pragma GCC visibility push(default)
@@ -33,6 +36,21 @@ struct Picture
     std::uint32_t width;   ///< in pixels; 0 while width or height is unknown
     std::uint32_t height;  ///< in pixels; 0 while width or height is unknown
     std::uint64_t hash;    ///< of the bytes: equal pictures have equal hashes, on every machine
+
+    const char* Type() const { return MediaType(type); }
+    std::size_t Size() const { return bytes.size(); }
+};
+template <>
+struct Rows<Picture>
+{
+    static constexpr const char* type = "Picture";
+    static constexpr const char* name = "picture";
+    static constexpr std::tuple all{
+        Row{"type", &Picture::Type, "", "Media type according to the first bytes"},
+        Row{"bytes", &Picture::Size, "bytes", "Size"},
+        Row{"width", &Picture::width, "px", "Width, 0 when unknown"},
+        Row{"height", &Picture::height, "px", "Height, 0 when unknown"},
+    };
 };
 
 using PicturePtr = std::shared_ptr<const Picture>;

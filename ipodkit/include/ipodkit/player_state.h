@@ -2,9 +2,10 @@
 /// What is known of the device, as one immutable value.
 #pragma once
 
-#include <QBXIpodTypes.h>
-#include <ipodkit/commands.h>
+#include <ipodkit/fields.h>
+#include <ipodkit/known.h>
 #include <ipodkit/picture.h>
+#include <ipodkit/types.h>
 
 #include <chrono>
 #include <cstdint>
@@ -12,7 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #pragma GCC visibility push(default)
 
@@ -57,7 +58,7 @@ enum class Field : std::uint32_t
 };
 
 /// "track index" for Field::TrackIndex.
-const char* Name(Field field);
+std::string Name(Field field);
 
 /// A set of fields.
 class Fields
@@ -88,32 +89,32 @@ constexpr Fields operator|(Field one, Field other)
 /// "track, position": the fields that a set holds, separated by commas.
 std::string Names(Fields fields);
 
-/// Where playback was at a moment, and where it is now if nothing else was heard.
+/// Where playback was at a moment, and where it is now if it has gone on since.
 struct Position
 {
-    std::chrono::milliseconds position;
-    std::chrono::milliseconds duration;        ///< 0 when unknown
-    std::chrono::steady_clock::time_point at;  ///< when the position was right
-    bool advancing;                            ///< whether it goes on by itself
+    std::chrono::milliseconds position{};
+    std::chrono::milliseconds duration{};        ///< of the track; 0 when unknown
+    std::chrono::steady_clock::time_point at{};  ///< when the position was right
+    bool advancing = false;                      ///< whether it goes on by itself
 
     /// Not beyond the end of the track.
     std::chrono::milliseconds At(std::chrono::steady_clock::time_point now) const;
+    std::chrono::milliseconds Now() const { return At(std::chrono::steady_clock::now()); }
 };
-
-struct WirelessCarPlay
+template <>
+struct Rows<Position>
 {
-    bool available;
-    std::string deviceAddress;
+    static constexpr const char* type = "Position";
+    static constexpr const char* name = "position";
+    static constexpr std::tuple all{
+        Row{"position", &Position::Now, "ms", "Position in the track now"},
+        Row{"length", &Position::duration, "ms", "Length of the track, 0 when unknown"},
+        Row{"advancing", &Position::advancing, "", "Whether the position advances by itself"},
+    };
 };
+bool operator==(const Position& one, const Position& other);
 
-/// Out-of-band pairing information.
-struct PairingInfo
-{
-    std::string bluetoothAddress;
-    std::vector<unsigned char> bytes;
-};
-
-/// What is not known is absent. Values of the service that the headers have no name for are passed on.
+/// The present state of the player and the device, in an immutable value. Values without a name are passed on.
 ///
 /// Read from the service whenever it appears, and whenever a device comes, goes, or is entered by this session: track,
 /// index, status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app.
@@ -126,28 +127,82 @@ struct PlayerState
     std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
     Fields missing;                ///< not answered within the deadline, and still being waited for; Ready only
 
-    std::optional<QBXiPodTrackInfo> track;
-    std::optional<int> trackIndex;  ///< -1 when nothing plays
-    std::optional<iPodPlayerPlayStatus> status;
-    std::optional<Position> position;
-    std::optional<iPodPlayerShuffleStatus> shuffle;
-    std::optional<iPodPlayerRepeatStatus> repeat;
-    std::optional<int> queueSize;
-    PicturePtr artwork;  ///< of the playing track; null when there is none
+    Known<Track> track;
+    Known<int> trackIndex;  ///< -1 when nothing plays
+    Known<PlayStatus> status;
+    Known<Position> position;
+    Known<Shuffle> shuffle;
+    Known<Repeat> repeat;
+    Known<int> queueSize;
+    Known<PicturePtr> artwork;  ///< of the playing track; null when it has none
 
-    std::optional<QBXAppleDeviceDetectStatus> device;
-    std::optional<int> deviceCount;
-    std::optional<std::string> deviceName;
-    std::optional<bool> sourceValid;
-    std::optional<CarPlayDevice> carPlay;
-    std::optional<QBXAppleDeviceDetectStatus> carLife;
-    std::optional<WirelessCarPlay> wireless;
-    std::optional<PairingInfo> pairing;
-    std::optional<LocationStatus> location;
-    std::optional<std::string> foregroundApp;
-    iPodBattery_t battery;
-    std::map<std::string, iPodPhoneCall_t> calls;  ///< ongoing ones, by UUID; those without one share the key ""
-    std::map<std::uint16_t, unsigned char> accessorySessions;  ///< open ones: number, index of the protocol
+    Known<DeviceStatus> device;
+    Known<int> deviceCount;
+    Known<std::string> deviceName;
+    Known<bool> sourceValid;
+    Known<CarPlayDevice> carPlay;
+    Known<DeviceStatus> carLife;
+    Known<WirelessCarPlay> wireless;
+    Known<PairingInfo> pairing;
+    Known<LocationStatus> location;
+    Known<std::string> foregroundApp;
+    Known<Battery> battery;
+    std::map<std::string, PhoneCall> calls;  ///< ongoing ones, by UUID; those without one share the key ""
+    std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open ones: number, index of the protocol
+
+    /// The artwork of the playing track; null when it has none, and while that is unknown.
+    PicturePtr Artwork() const { return artwork.value_or(nullptr); }
+
+    /// Why a field is unknown. Nothing when it is known, and for fields that are never unknown.
+    std::optional<Unknown> Why(Field field) const;
+};
+
+/// A row of PlayerState: also the bit of its field.
+template <class Get>
+struct StateRow
+{
+    Field field;
+    const char* name;
+    Get get;
+    const char* unit;
+    const char* meaning;
+};
+template <class Get>
+StateRow(Field, const char*, Get, const char*, const char*) -> StateRow<Get>;
+
+template <>
+struct Rows<PlayerState>
+{
+    static constexpr const char* type = "PlayerState";
+    static constexpr const char* name = "state";
+    static constexpr std::tuple all{
+        StateRow{Field::Track, "track", &PlayerState::track, "", "The playing track"},
+        StateRow{Field::TrackIndex, "track_index", &PlayerState::trackIndex, "",
+                 "Its index in the playing list, -1 when nothing plays"},
+        StateRow{Field::Status, "status", &PlayerState::status, "", "State of playback"},
+        StateRow{Field::Position, "position", &PlayerState::position, "", "Position in the track"},
+        StateRow{Field::Shuffle, "shuffle", &PlayerState::shuffle, "", "Shuffle mode"},
+        StateRow{Field::Repeat, "repeat", &PlayerState::repeat, "", "Repeat mode"},
+        StateRow{Field::QueueSize, "queue_size", &PlayerState::queueSize, "", "Entries of the playing list"},
+        StateRow{Field::Artwork, "artwork", &PlayerState::artwork, "", "Artwork of the playing track"},
+        StateRow{Field::Device, "device", &PlayerState::device, "", "Whether a device was detected"},
+        StateRow{Field::DeviceCount, "device_count", &PlayerState::deviceCount, "", "Number of attached devices"},
+        StateRow{Field::DeviceName, "device_name", &PlayerState::deviceName, "", "Name that its owner gave the device"},
+        StateRow{Field::SourceValid, "source_valid", &PlayerState::sourceValid, "",
+                 "Whether the device's audio can be used"},
+        StateRow{Field::CarPlay, "carplay", &PlayerState::carPlay, "", "CarPlay device"},
+        StateRow{Field::CarLife, "carlife", &PlayerState::carLife, "", "Whether a CarLife device was detected"},
+        StateRow{Field::Wireless, "wireless", &PlayerState::wireless, "", "Wireless CarPlay"},
+        StateRow{Field::Pairing, "pairing", &PlayerState::pairing, "", "Out-of-band pairing information"},
+        StateRow{Field::Location, "location", &PlayerState::location, "",
+                 "Whether the device requests location information"},
+        StateRow{Field::ForegroundApp, "foreground_app", &PlayerState::foregroundApp, "",
+                 "Bundle identifier of the app in the foreground, empty when there is none"},
+        StateRow{Field::Battery, "battery", &PlayerState::battery, "", "Battery of the device"},
+        StateRow{Field::Calls, "calls", &PlayerState::calls, "", "Ongoing phone calls by UUID"},
+        StateRow{Field::AccessorySessions, "accessory_sessions", &PlayerState::accessorySessions, "",
+                 "Open accessory sessions: index of the protocol by number"},
+    };
 };
 
 using StatePtr = std::shared_ptr<const PlayerState>;

@@ -19,7 +19,6 @@
 /// same address; the session looks for it once a second.
 #pragma once
 
-#include <IQBXIpodPlayerListener.h>
 #include <ipodkit/commands.h>
 #include <ipodkit/event.h>
 #include <ipodkit/player_state.h>
@@ -75,6 +74,10 @@ public:
     StatePtr State() const;  ///< the last that was published, never null
     ipodkit::Commands Commands() const;
 
+    /// Reads fields from the service again, those that can be read; each is published when its answer arrives. For
+    /// fields that were refused, or that may have changed without an event.
+    void Refresh(Fields fields = Fields::All());
+
     /// @name Subscriptions. The name is what the log calls the callback.
     /// @{
 
@@ -91,9 +94,6 @@ public:
     /// answers. Events of a service that has just replaced another come after Phase::Connecting.
     using EventCallback = std::function<void(const Event&)>;
     Subscription OnEvent(std::string name, EventCallback callback);
-
-    /// The same for a listener of the core, which stays the caller's; end the subscription before it goes away.
-    Subscription Listen(std::string name, IQBXIpodPlayerListener& listener);
     /// @}
 
     /// What the parts of the companion share; for them only.

@@ -35,7 +35,7 @@ public:
     Result<void> Request();
     void Activated(int confirmation);
     void Deactivated(int confirmation, bool forAWhile);
-    void Play(Completion completion, iPodPlayerPlayOption_e option);
+    void Play(Completion completion, PlayOption option);
     void Release();
     void ServiceLost();
     void Outlive()
@@ -95,7 +95,7 @@ void AudioSource::Impl::Activated(int confirmation)
     {
         if (!result) LogWarning("interrupted playback does not go on: " + result.error().Text());
     };
-    Play(tell, IPOD_PLAY_RESUME);
+    Play(tell, PlayOption::Resume);
 }
 
 void AudioSource::Impl::Deactivated(int confirmation, bool forAWhile)
@@ -108,7 +108,7 @@ void AudioSource::Impl::Deactivated(int confirmation, bool forAWhile)
 }
 
 // The core's own start of playback would block; its tests are made here.
-void AudioSource::Impl::Play(Completion completion, iPodPlayerPlayOption_e option)
+void AudioSource::Impl::Play(Completion completion, PlayOption option)
 {
     const bool granted = m_state != AudioState::Released;
     if (granted && QBXSource::IsActived(Source()))
@@ -191,7 +191,7 @@ void AudioSource::Deactivated(int confirmation, bool forAWhile)
     m_impl->Deactivated(confirmation, forAWhile);
 }
 
-void AudioSource::Play(Completion completion, iPodPlayerPlayOption_e option)
+void AudioSource::Play(Completion completion, PlayOption option)
 {
     m_impl->Play(std::move(completion), option);
 }

@@ -14,6 +14,12 @@ namespace
 constexpr std::size_t kLongestText = 1 << 20;
 constexpr std::size_t kSlotLength = 255;
 
+/// As SetButtonStatus sends it, in memory order.
+struct ButtonRecord
+{
+    std::uint32_t words[3];
+};
+
 template <class T>
 using Decoded = Result<T>;
 
@@ -48,9 +54,10 @@ Decoded<std::string> Text(GVariant* body)
 
 Decoded<PlayPosition> TwoInts(GVariant* body)
 {
-    PlayPosition position{};
-    g_variant_get(body, "(ii)", &position.position, &position.duration);
-    return position;
+    gint32 position = 0;
+    gint32 duration = 0;
+    g_variant_get(body, "(ii)", &position, &duration);
+    return PlayPosition{std::chrono::milliseconds(position), std::chrono::milliseconds(duration)};
 }
 
 Decoded<CarPlayDevice> StatusAndSerial(GVariant* body)
@@ -58,7 +65,7 @@ Decoded<CarPlayDevice> StatusAndSerial(GVariant* body)
     guchar status = 0;
     const gchar* serial = nullptr;
     g_variant_get(body, "(y&s)", &status, &serial);
-    return CarPlayDevice{static_cast<QBXAppleDeviceDetectStatus>(status), serial};
+    return CarPlayDevice{static_cast<DeviceStatus>(status), serial};
 }
 
 // Why a number cannot be sent as a @p Wire; nothing when it can.
@@ -92,12 +99,13 @@ std::optional<Error> Unfit(Number number)
         m_bus, m_deadline, type, decode \
     }
 
-Request<void> Commands::StartPlayback(iPodPlayerPlayOption_e option) const
+Request<void> Commands::StartPlayback(PlayOption option) const
 {
-    const bool starts = option >= IPOD_PLAY_START && option <= IPOD_PLAY_RESTART;
+    const int number = static_cast<int>(option);
     std::optional<Error> obstacle;
-    if (!starts) obstacle = Error{ErrorKind::BadArgument, "option " + std::to_string(option) + " starts no playback"};
-    return ORDER("Play", g_variant_new("(y)", static_cast<guchar>(option)), obstacle);
+    if (option < PlayOption::Start || option > PlayOption::Restart)
+        obstacle = Error{ErrorKind::BadArgument, "play option " + std::to_string(number) + " does not start playback"};
+    return ORDER("Play", g_variant_new("(y)", static_cast<guchar>(number)), obstacle);
 }
 
 Request<void> Commands::Pause() const
@@ -141,19 +149,24 @@ Request<void> Commands::StopWinding() const
     return ORDER("StopFfwFbw");
 }
 
-Request<void> Commands::SetShuffle(iPodPlayerShuffleStatus mode) const
+Request<void> Commands::SetShuffle(ipodkit::Shuffle mode) const
 {
-    return TELL("SetShuffleMode", g_variant_new("(y)", static_cast<guchar>(mode)), Unfit<guchar>(mode));
+    return TELL("SetShuffleMode", g_variant_new("(y)", static_cast<guchar>(mode)),
+                Unfit<guchar>(static_cast<int>(mode)));
 }
 
-Request<void> Commands::SetRepeat(iPodPlayerRepeatStatus mode) const
+Request<void> Commands::SetRepeat(ipodkit::Repeat mode) const
 {
-    return TELL("SetRepeatMode", g_variant_new("(y)", static_cast<guchar>(mode)), Unfit<guchar>(mode));
+    return TELL("SetRepeatMode", g_variant_new("(y)", static_cast<guchar>(mode)),
+                Unfit<guchar>(static_cast<int>(mode)));
 }
 
-Request<void> Commands::PressButton(iPodPlayerButtonControl control) const
+Request<void> Commands::PressButton(const ButtonPress& press) const
 {
-    return ORDER("SetButtonStatus", g_variant_new("(@v)", gvariant_data_build(&control, sizeof(control))));
+    const auto held = press.held.count();
+    ButtonRecord record{{press.button, press.state, static_cast<std::uint32_t>(held)}};
+    return ORDER("SetButtonStatus", g_variant_new("(@v)", gvariant_data_build(&record, sizeof(record))),
+                 Unfit<std::uint32_t>(held));
 }
 
 Request<void> Commands::SetTransmission(bool on) const
@@ -161,14 +174,14 @@ Request<void> Commands::SetTransmission(bool on) const
     return TELL("SetTransmissionState", g_variant_new("(y)", on ? 1 : 0));
 }
 
-Request<QBXiPodTrackInfo> Commands::CurrentTrack() const
+Request<Track> Commands::CurrentTrack() const
 {
-    return ASK(QBXiPodTrackInfo, "(v)", ToTrack)("GetCurrentMediaInfo");
+    return ASK(Track, "(v)", ToTrack)("GetCurrentMediaInfo");
 }
 
-Request<iPodPlayerPlayStatus> Commands::PlayStatus() const
+Request<ipodkit::PlayStatus> Commands::PlayStatus() const
 {
-    return ASK(iPodPlayerPlayStatus, "(i)", Int<iPodPlayerPlayStatus>)("GetPlayStatus");
+    return ASK(ipodkit::PlayStatus, "(i)", Int<ipodkit::PlayStatus>)("GetPlayStatus");
 }
 
 Request<PlayPosition> Commands::Position() const
@@ -181,14 +194,14 @@ Request<Winding> Commands::WindingStatus() const
     return ASK(Winding, "(i)", Int<Winding>)("GetFfwFbwStatus");
 }
 
-Request<iPodPlayerShuffleStatus> Commands::Shuffle() const
+Request<ipodkit::Shuffle> Commands::Shuffle() const
 {
-    return ASK(iPodPlayerShuffleStatus, "(i)", Int<iPodPlayerShuffleStatus>)("GetShuffleMode");
+    return ASK(ipodkit::Shuffle, "(i)", Int<ipodkit::Shuffle>)("GetShuffleMode");
 }
 
-Request<iPodPlayerRepeatStatus> Commands::Repeat() const
+Request<ipodkit::Repeat> Commands::Repeat() const
 {
-    return ASK(iPodPlayerRepeatStatus, "(i)", Int<iPodPlayerRepeatStatus>)("GetRepeatMode");
+    return ASK(ipodkit::Repeat, "(i)", Int<ipodkit::Repeat>)("GetRepeatMode");
 }
 
 Request<int> Commands::PlayingIndex() const
@@ -267,9 +280,9 @@ Request<CarPlayDevice> Commands::CarPlayStatus() const
     return ASK(CarPlayDevice, "(ys)", StatusAndSerial)("GetCarplayDeviceDetectStatus");
 }
 
-Request<QBXAppleDeviceDetectStatus> Commands::CarLifeStatus() const
+Request<DeviceStatus> Commands::CarLifeStatus() const
 {
-    return ASK(QBXAppleDeviceDetectStatus, "(i)", Int<QBXAppleDeviceDetectStatus>)("GetCarlifeDeviceDetectStatus");
+    return ASK(DeviceStatus, "(i)", Int<DeviceStatus>)("GetCarlifeDeviceDetectStatus");
 }
 
 Request<void> Commands::NotifyCarPlay(bool connected, bool wireless) const
@@ -277,10 +290,10 @@ Request<void> Commands::NotifyCarPlay(bool connected, bool wireless) const
     return TELL("CarplayConnectStatusNotify", g_variant_new("(bb)", connected, wireless));
 }
 
-Request<void> Commands::AnnounceAccessory(const EAPInfo& info) const
+Request<void> Commands::AnnounceAccessory(const AccessoryInfo& info) const
 {
-    std::optional<Error> obstacle = Obstacle(info.text1, kSlotLength);
-    if (!obstacle) obstacle = Obstacle(info.text2, kSlotLength);
+    std::optional<Error> obstacle = Obstacle(info.protocols, kSlotLength);
+    if (!obstacle) obstacle = Obstacle(info.bundleId, kSlotLength);
     return TELL("EapInit", g_variant_new("(@v)", ToEapInit(info)), obstacle);
 }
 

@@ -62,14 +62,20 @@ std::string TextIn(const TrackRecord& record, std::size_t slot)
     return {begin, strnlen(begin, static_cast<std::size_t>(end - begin))};
 }
 
-QBXiPodTrackInfo FromRecord(const TrackRecord& record)
+Track FromRecord(const TrackRecord& record)
 {
-    return {TextIn(record, 0), TextIn(record, 1), TextIn(record, 2), TextIn(record, 3),
-            record.value[0],   record.value[1],   record.value[2],   record.value[3]};
+    return {TextIn(record, 0),
+            TextIn(record, 1),
+            TextIn(record, 2),
+            TextIn(record, 3),
+            std::chrono::milliseconds(record.value[0]),
+            record.value[1],
+            record.value[2],
+            record.value[3]};
 }
 }  // namespace
 
-Result<QBXiPodTrackInfo> ToTrack(GVariant* body)
+Result<Track> ToTrack(GVariant* body)
 {
     return ToRecord<TrackRecord>(body).map(FromRecord);
 }
@@ -79,7 +85,7 @@ Result<PictureHead> ToPictureHead(GVariant* body)
     return ToRecord<PictureHead>(body);
 }
 
-QBXiPodTrackInfo TrackIn(GVariant* boxed)
+Track TrackIn(GVariant* boxed)
 {
     return FromRecord(FilledFrom<TrackRecord>(BytesOf(boxed)));
 }
@@ -99,11 +105,11 @@ std::optional<Error> Obstacle(const std::string& text, std::size_t longest)
     return std::nullopt;
 }
 
-GVariant* ToEapInit(const EAPInfo& info)
+GVariant* ToEapInit(const AccessoryInfo& info)
 {
     EapInitRecord record{};
-    info.text1.copy(record.text[0], kSlot - 1);
-    info.text2.copy(record.text[1], kSlot - 1);
+    info.protocols.copy(record.text[0], kSlot - 1);
+    info.bundleId.copy(record.text[1], kSlot - 1);
     return gvariant_data_build(&record, sizeof(record));
 }
 }  // namespace ipodkit

@@ -2,7 +2,6 @@
 /// Byte records inside variants, and other shapes of replies and arguments.
 #pragma once
 
-#include <QBXIpodTypes.h>
 #include <ipodkit/commands.h>
 
 #include <array>
@@ -15,17 +14,17 @@ namespace ipodkit
 using PictureHead = std::array<std::uint32_t, 4>;
 
 /// Bodies "(v)" that hold a byte array. ErrorKind::BadReply when the array has another size than the record.
-Result<QBXiPodTrackInfo> ToTrack(GVariant* body);
+Result<Track> ToTrack(GVariant* body);
 Result<PictureHead> ToPictureHead(GVariant* body);
 
 /// The same from the variant of an event, as the core reads it: what is too short is filled with zeros, what is too
 /// long is cut.
-QBXiPodTrackInfo TrackIn(GVariant* boxed);
+Track TrackIn(GVariant* boxed);
 PictureHead PictureHeadIn(GVariant* boxed);
 
 /// Why a text cannot be sent; nothing when it can.
 std::optional<Error> Obstacle(const std::string& text, std::size_t longest);
 
 /// The argument of EapInit, "v", floating. The texts must be sendable.
-GVariant* ToEapInit(const EAPInfo& info);
+GVariant* ToEapInit(const AccessoryInfo& info);
 }  // namespace ipodkit

@@ -52,8 +52,8 @@ Subscription Session::OnEvent(std::string name, EventCallback callback)
     return m_impl->OnEvent(std::move(name), std::move(callback));
 }
 
-Subscription Session::Listen(std::string name, IQBXIpodPlayerListener& listener)
+void Session::Refresh(Fields fields)
 {
-    return OnEvent(std::move(name), [&listener](const Event& event) { Deliver(event, listener); });
+    m_impl->Refresh(fields);
 }
 }  // namespace ipodkit

@@ -77,6 +77,16 @@ Subscription Session::Impl::OnEvent(std::string name, EventCallback callback)
     return Subscription(m_eventCallbacks.Add(std::move(name), std::move(callback)));
 }
 
+void Session::Impl::Refresh(Fields fields)
+{
+    Post(m_context.get(),
+         [weak = weak_from_this(), fields]
+         {
+             const auto self = weak.lock();
+             if (self != nullptr && !self->m_closed) self->m_reader->Refresh(fields);
+         });
+}
+
 void Session::Impl::Step(Phase phase, std::optional<Error> error, Fields missing)
 {
     if (phase != m_phase) LogDebug(std::string("session ") + Name(phase) + ", service " + std::to_string(m_generation));
@@ -185,6 +195,6 @@ void Session::Impl::Progressed()
 void Session::Impl::Published(Fields changed)
 {
     const bool fresh = changed.Has(Field::Track) && !changed.Has(Field::Connection);
-    if (fresh && m_draft.State().track && m_draft.State().artwork == nullptr) m_reader->ReadArtwork();
+    if (fresh && m_draft.State().track && m_draft.State().Artwork() == nullptr) m_reader->ReadArtwork();
 }
 }  // namespace ipodkit

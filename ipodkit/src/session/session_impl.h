@@ -27,6 +27,7 @@ public:
     /// @{
     ipodkit::Connection CurrentConnection() const;
     Subscription OnEvent(std::string name, EventCallback callback);
+    void Refresh(Fields fields);
     ipodkit::Commands MakeCommands() const { return {m_bus, m_options.deadline}; }
     const std::shared_ptr<detail::Bus>& Bus() const { return m_bus; }
     const std::shared_ptr<Publisher>& States() const { return m_publisher; }

@@ -32,7 +32,7 @@ public:
     {
         const VariantPtr value = At(index);
         if constexpr (std::is_enum_v<T>)
-            return T{g_variant_get_byte(value.get())};
+            return static_cast<T>(g_variant_get_byte(value.get()));
         else if constexpr (std::is_same_v<T, unsigned char>)
             return g_variant_get_byte(value.get());
         else if constexpr (std::is_same_v<T, std::uint16_t>)
@@ -91,7 +91,7 @@ bool Parse(const Arguments& arguments, Message& message)
     return !bytes.empty() && message.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-// Narrower members keep the low bits.
+// Numbers outside the range of a member keep its low bits.
 template <class T, class Sent>
 void Copy(std::optional<T>& member, bool sent, const Sent& value)
 {
@@ -102,19 +102,20 @@ MaybeEvent ToCall(const Arguments& arguments, PictureShelf&)
 {
     ipod::iPodPhoneCall sent;
     if (!Parse(arguments, sent)) return std::nullopt;
-    iPodPhoneCall_t call;
-    Copy(call.RemoteID, sent.has_remote_id(), sent.remote_id());
-    Copy(call.DisplayName, sent.has_display_name(), sent.display_name());
-    Copy(call.Status, sent.has_status(), sent.status());
-    Copy(call.Direction, sent.has_direction(), sent.direction());
-    Copy(call.CallUUID, sent.has_calluuid(), sent.calluuid());
-    Copy(call.AddressBookID, sent.has_addressbookid(), sent.addressbookid());
-    Copy(call.Label, sent.has_label(), sent.label());
-    Copy(call.Service, sent.has_service(), sent.service());
-    Copy(call.IsConferenced, sent.has_is_conferenced(), sent.is_conferenced());
-    Copy(call.ConferenceGroup, sent.has_conference_group(), sent.conference_group());
-    Copy(call.DisconnectReason, sent.has_disconnect_reason(), sent.disconnect_reason());
-    Copy(call.StartTimestamp, sent.has_start_timestamp(), sent.start_timestamp());
+    PhoneCall call;
+    Copy(call.remote, sent.has_remote_id(), sent.remote_id());
+    Copy(call.name, sent.has_display_name(), sent.display_name());
+    Copy(call.status, sent.has_status(), sent.status());
+    Copy(call.direction, sent.has_direction(), sent.direction());
+    Copy(call.id, sent.has_calluuid(), sent.calluuid());
+    Copy(call.addressId, sent.has_addressbookid(), sent.addressbookid());
+    Copy(call.label, sent.has_label(), sent.label());
+    Copy(call.service, sent.has_service(), sent.service());
+    Copy(call.conferenced, sent.has_is_conferenced(), sent.is_conferenced());
+    Copy(call.conferenceGroup, sent.has_conference_group(), sent.conference_group());
+    Copy(call.end, sent.has_disconnect_reason(), sent.disconnect_reason());
+    if (sent.has_start_timestamp())
+        call.start = PhoneCall::Time(std::chrono::seconds(static_cast<std::int64_t>(sent.start_timestamp())));
     return CallChanged{std::move(call)};
 }
 
@@ -122,9 +123,9 @@ MaybeEvent ToBattery(const Arguments& arguments, PictureShelf&)
 {
     ipod::iPodBattery sent;
     if (!Parse(arguments, sent)) return std::nullopt;
-    iPodBattery_t battery;
-    Copy(battery.BatteryChargingStatus, sent.has_battery_charging_status(), sent.battery_charging_status());
-    Copy(battery.BatteryChargeLevel, sent.has_battery_charge_level(), sent.battery_charge_level());
+    Battery battery;
+    Copy(battery.charging, sent.has_battery_charging_status(), sent.battery_charging_status());
+    if (sent.has_battery_charge_level()) battery.percent = static_cast<std::uint16_t>(sent.battery_charge_level());
     return BatteryChanged{battery};
 }
 
@@ -149,21 +150,20 @@ struct SignalRow
     MaybeEvent (*decode)(const Arguments&, PictureShelf&);
 };
 
-using Detected = QBXAppleDeviceDetectStatus;
 using std::chrono::milliseconds;
 
 // In the order of the alternatives of Event.
 const SignalRow kSignals[] = {
-    {"OnIpodDeviceStatusChange", "(yb)", Plain<DeviceChanged, Detected, bool>::Decode},
-    {"OnPlayStatusChanged", "(y)", Plain<PlayStatusChanged, iPodPlayerPlayStatus>::Decode},
+    {"OnIpodDeviceStatusChange", "(yb)", Plain<DeviceChanged, DeviceStatus, bool>::Decode},
+    {"OnPlayStatusChanged", "(y)", Plain<PlayStatusChanged, PlayStatus>::Decode},
     {"OnPlayProgressChange", "(ii)", Plain<ProgressChanged, milliseconds, milliseconds>::Decode},
-    {"OnIpodRepeatModeChange", "(y)", Plain<RepeatChanged, iPodPlayerRepeatStatus>::Decode},
-    {"OnIpodShuffleModeChange", "(y)", Plain<ShuffleChanged, iPodPlayerShuffleStatus>::Decode},
+    {"OnIpodRepeatModeChange", "(y)", Plain<RepeatChanged, Repeat>::Decode},
+    {"OnIpodShuffleModeChange", "(y)", Plain<ShuffleChanged, Shuffle>::Decode},
     {"OnIpodPlayingTrackChange", "(iv)", ToTrackChange},
     {"OnIpodPlayingListAmountChange", "(i)", Plain<QueueSizeChanged, int>::Decode},
     {"OnIpodSourceValidStatusChange", "(b)", Plain<SourceValidChanged, bool>::Decode},
     {"OnIpodArtworkChange", "(v)", ToArtwork},
-    {"OnCarplayDeviceDetectStatusChange", "(ys)", Plain<CarPlayChanged, Detected, std::string>::Decode},
+    {"OnCarplayDeviceDetectStatusChange", "(ys)", Plain<CarPlayChanged, DeviceStatus, std::string>::Decode},
     {"OnIpodPhoneCallChange", "(v)", ToCall},
     {"OnIpodBatteryChange", "(v)", ToBattery},
     {"OnIpodLocationStatusChange", "(y)", Plain<LocationChanged, LocationStatus>::Decode},
@@ -171,7 +171,7 @@ const SignalRow kSignals[] = {
     {"OnIpodStartEapSession", "(yq)", Plain<AccessoryOpened, unsigned char, std::uint16_t>::Decode},
     {"OnIpodStopEapSession", "(q)", Plain<AccessoryClosed, std::uint16_t>::Decode},
     {"OnIpodReceiveEapData", "(y)", ToAccessoryData},
-    {"OnCarlifeDeviceDetectStatusChange", "(y)", Plain<CarLifeChanged, Detected>::Decode},
+    {"OnCarlifeDeviceDetectStatusChange", "(y)", Plain<CarLifeChanged, DeviceStatus>::Decode},
     {"OnWirelessCarPlayUpdate", "(bs)", Plain<WirelessCarPlayChanged, bool, std::string>::Decode},
     {"OnOOBPairingInfo", "(sa(y))", ToPairing},
 };
@@ -190,5 +190,10 @@ std::optional<Event> Decode(const char* signal, GVariant* body, PictureShelf& pi
 const char* SignalName(const Event& event)
 {
     return kSignals[event.index()].name;
+}
+
+const char* EventName(const Event& event)
+{
+    return std::visit([](const auto& each) { return Rows<std::decay_t<decltype(each)>>::name; }, event);
 }
 }  // namespace ipodkit

@@ -69,7 +69,7 @@ void StateReader::Ask(Field field, const Question<T>& question, const Take& take
     const auto late = [this, field, send, asked = m_asked]
     {
         m_missing = m_missing | field;
-        Forget(field, *asked);
+        Forget(field, *asked, Unknown::TimedOut);
         Late(field, kFirstWait, 1, send);
         m_progressed();
     };
@@ -90,15 +90,15 @@ void StateReader::Send(Field field, const Question<T>& question, const Take& tak
             if (result)
                 take(*result);
             else
-                self->Forget(field, *asked);
+                self->Forget(field, *asked, Unknown::Refused, &result.error());
             self->Answered(field);
         });
 }
 
 // The last value may be that of another device. What an event has brought in the meantime is known, though.
-void StateReader::Forget(Field field, const PlayerState& asked)
+void StateReader::Forget(Field field, const PlayerState& asked, Unknown why, const Error* cause)
 {
-    if (!Differences(asked, m_draft.State()).Has(field)) m_draft.Forget(field);
+    if (!Differences(asked, m_draft.State()).Has(field)) m_draft.Forget(field, why, cause);
 }
 
 void StateReader::Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again)
@@ -123,31 +123,45 @@ void StateReader::Answered(Field field)
     m_progressed();
 }
 
-template <class T, class Value>
-void StateReader::Read(Field field, Request<T> (Commands::*question)() const, void (StateDraft::*set)(Value))
+template <class T, class Set>
+void StateReader::Read(Field field, Request<T> (Commands::*question)() const, const Set& set)
 {
     const Commands commands(m_bus, m_deadline);
     Ask<T>(
-        field, [commands, question] { return (commands.*question)(); },
-        [this, set](const T& value) { (m_draft.*set)(value); });
+        field, [commands, question] { return (commands.*question)(); }, set);
 }
 
-void StateReader::ReadAll()
+template <class T>
+void StateReader::Read(Field field, Request<T> (Commands::*question)() const, Known<T> PlayerState::*member)
+{
+    Read(field, question, [this, member](const T& value) { m_draft.Set(member, value); });
+}
+
+void StateReader::ReadAll(Fields fields)
 {
     m_asked = std::make_shared<const PlayerState>(m_draft.State());
-    Read(Field::Track, &Commands::CurrentTrack, &StateDraft::SetTrack);
-    Read(Field::TrackIndex, &Commands::PlayingIndex, &StateDraft::SetTrackIndex);
-    Read(Field::Status, &Commands::PlayStatus, &StateDraft::SetStatus);
-    Read(Field::Position, &Commands::Position, &StateDraft::SetPosition);
-    Read(Field::Shuffle, &Commands::Shuffle, &StateDraft::SetShuffle);
-    Read(Field::Repeat, &Commands::Repeat, &StateDraft::SetRepeat);
-    Read(Field::QueueSize, &Commands::PlayingCount, &StateDraft::SetQueueSize);
-    Read(Field::DeviceCount, &Commands::DeviceCount, &StateDraft::SetDeviceCount);
-    Read(Field::DeviceName, &Commands::IpodName, &StateDraft::SetDeviceName);
-    Read(Field::ForegroundApp, &Commands::ForegroundApp, &StateDraft::SetForegroundApp);
-    Read(Field::CarPlay, &Commands::CarPlayStatus, &StateDraft::SetCarPlay);
-    Read(Field::CarLife, &Commands::CarLifeStatus, &StateDraft::SetCarLife);
-    ReadArtwork();
+    const auto read = [this, fields](Field field, auto question, const auto& set)
+    {
+        if (fields.Has(field)) Read(field, question, set);
+    };
+    read(Field::Track, &Commands::CurrentTrack, &PlayerState::track);
+    read(Field::TrackIndex, &Commands::PlayingIndex, &PlayerState::trackIndex);
+    read(Field::Status, &Commands::PlayStatus, [this](PlayStatus status) { m_draft.SetStatus(status); });
+    read(Field::Position, &Commands::Position, [this](const PlayPosition& now) { m_draft.SetPosition(now); });
+    read(Field::Shuffle, &Commands::Shuffle, &PlayerState::shuffle);
+    read(Field::Repeat, &Commands::Repeat, &PlayerState::repeat);
+    read(Field::QueueSize, &Commands::PlayingCount, &PlayerState::queueSize);
+    read(Field::DeviceCount, &Commands::DeviceCount, [this](int count) { m_draft.SetDeviceCount(count); });
+    read(Field::DeviceName, &Commands::IpodName, &PlayerState::deviceName);
+    read(Field::ForegroundApp, &Commands::ForegroundApp, &PlayerState::foregroundApp);
+    read(Field::CarPlay, &Commands::CarPlayStatus, &PlayerState::carPlay);
+    read(Field::CarLife, &Commands::CarLifeStatus, &PlayerState::carLife);
+    if (fields.Has(Field::Artwork)) ReadArtwork();
+}
+
+void StateReader::Refresh(Fields fields)
+{
+    if (m_started) ReadAll(fields);
 }
 
 // No event reports which device came or went, what it is called, and which of the others plays now. While answers are
@@ -177,15 +191,16 @@ void StateReader::ReadArtwork()
     m_asked = std::make_shared<const PlayerState>(m_draft.State());
     Ask<PictureHead>(
         Field::Artwork, [this] { return AskForArtwork(m_bus, m_deadline); },
-        [this, before = m_draft.State().artwork](const PictureHead& head) { TakeArtwork(head, before); });
+        [this, before = m_draft.State().Artwork()](const PictureHead& head)
+        { TakeArtwork(head, before); });
 }
 
 // What an event has brought in the meantime stays: it is the artwork of the playing track.
 void StateReader::TakeArtwork(const PictureHead& head, const PicturePtr& before)
 {
-    const PicturePtr& known = m_draft.State().artwork;
+    const PicturePtr known = m_draft.State().Artwork();
     if (known != nullptr && known != before) return;
     auto bytes = head[0] == 0 ? BytesIn(g_VecArtworkBufferShareMemory) : std::nullopt;
-    m_draft.SetArtwork(bytes ? m_pictures.Put(std::move(*bytes)) : nullptr);
+    m_draft.Set(&PlayerState::artwork, bytes ? m_pictures.Put(std::move(*bytes)) : PicturePtr());
 }
 }  // namespace ipodkit

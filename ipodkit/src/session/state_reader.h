@@ -33,6 +33,9 @@ public:
     /// Asks for everything. Answers to earlier questions do not count any more.
     void Start();
 
+    /// Asks again for some fields, those that can be asked for.
+    void Refresh(Fields fields);
+
     /// Asks again for all that depends on the device, one round at a time, however fast devices come and go.
     void ReadDevices();
 
@@ -52,11 +55,13 @@ private:
     void Ask(Field field, const Question<T>& question, const Take& take);
     template <class T, class Take>
     void Send(Field field, const Question<T>& question, const Take& take);
-    template <class T, class Value>
-    void Read(Field field, Request<T> (Commands::*question)() const, void (StateDraft::*set)(Value));
+    template <class T, class Set>
+    void Read(Field field, Request<T> (Commands::*question)() const, const Set& set);
+    template <class T>
+    void Read(Field field, Request<T> (Commands::*question)() const, Known<T> PlayerState::*member);
     void Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again);
-    void Forget(Field field, const PlayerState& asked);
-    void ReadAll();
+    void Forget(Field field, const PlayerState& asked, Unknown why, const Error* cause = nullptr);
+    void ReadAll(Fields fields = Fields::All());
     void Answered(Field field);
     void TakeArtwork(const PictureHead& head, const PicturePtr& before);
     bool Settled() const { return m_open.Without(m_missing).Empty(); }

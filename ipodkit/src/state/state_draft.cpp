@@ -1,6 +1,8 @@
 #include "state/state_draft.h"
 
 #include <algorithm>
+#include <iterator>
+#include <type_traits>
 
 namespace ipodkit
 {
@@ -16,41 +18,45 @@ milliseconds NotNegative(milliseconds time)
 
 // A member that the event does not carry keeps its value.
 template <class T>
-void Merge(std::optional<T>& known, const std::optional<T>& reported)
+void Merge(T& known, const T& reported)
 {
-    if (reported) known = reported;
+    ForEachRow<T>(
+        [&](const auto& row)
+        {
+            if constexpr (std::is_member_object_pointer_v<decltype(row.get)>)
+                if (reported.*row.get) known.*row.get = reported.*row.get;
+        });
 }
 
-void Merge(iPodPhoneCall_t& known, const iPodPhoneCall_t& reported)
+// What belongs to a device, and is unknown without one.
+constexpr Fields kOfDevice = Field::Track | Field::TrackIndex | Field::Position | Field::QueueSize | Field::Artwork |
+                             Field::DeviceName | Field::ForegroundApp | Field::Battery;
+
+// Calls @p use with each field of @p state that may be unknown and is one of @p fields.
+template <class Use>
+void ForEachKnown(PlayerState& state, Fields fields, const Use& use)
 {
-    Merge(known.RemoteID, reported.RemoteID);
-    Merge(known.DisplayName, reported.DisplayName);
-    Merge(known.Status, reported.Status);
-    Merge(known.Direction, reported.Direction);
-    Merge(known.CallUUID, reported.CallUUID);
-    Merge(known.AddressBookID, reported.AddressBookID);
-    Merge(known.Label, reported.Label);
-    Merge(known.Service, reported.Service);
-    Merge(known.IsConferenced, reported.IsConferenced);
-    Merge(known.ConferenceGroup, reported.ConferenceGroup);
-    Merge(known.DisconnectReason, reported.DisconnectReason);
-    Merge(known.StartTimestamp, reported.StartTimestamp);
+    ForEachRow<PlayerState>(
+        [&](const auto& row)
+        {
+            if constexpr (kIsKnown<FieldType<PlayerState, std::decay_t<decltype(row)>>>)
+                if (fields.Has(row.field)) use(state.*row.get);
+        });
+}
+
+bool MeansNotSupported(const Error* cause)
+{
+    static constexpr const char* names[] = {"UnknownMethod", "UnknownInterface", "UnknownObject", "NotSupported"};
+    const auto ends = [cause](const std::string& name) { return cause->name == "org.freedesktop.DBus.Error." + name; };
+    return cause != nullptr && std::any_of(std::begin(names), std::end(names), ends);
 }
 }  // namespace
 
 // Another device has nothing in common with the last one.
 void StateDraft::ForgetDevice()
 {
-    m_state.track.reset();
-    m_state.trackIndex.reset();
-    m_state.position.reset();
-    m_state.queueSize.reset();
-    m_state.artwork.reset();
-    m_state.deviceName.reset();
-    m_state.foregroundApp.reset();
-    m_state.battery = {};
-    m_state.calls.clear();
-    m_state.accessorySessions.clear();
+    ForEachKnown(m_state, kOfDevice, [](auto& field) { field = Unknown::NoDevice; });
+    ForgetService();
 }
 
 void StateDraft::ForgetService()
@@ -59,39 +65,24 @@ void StateDraft::ForgetService()
     m_state.accessorySessions.clear();
 }
 
-void StateDraft::Forget(Field field)
+void StateDraft::Forget(Field field, Unknown why, const Error* cause)
 {
-    switch (field)
-    {
-        case Field::Track:
-            return m_state.track.reset();
-        case Field::TrackIndex:
-            return m_state.trackIndex.reset();
-        case Field::Status:
-            return m_state.status.reset();
-        case Field::Position:
-            return m_state.position.reset();
-        case Field::Shuffle:
-            return m_state.shuffle.reset();
-        case Field::Repeat:
-            return m_state.repeat.reset();
-        case Field::QueueSize:
-            return m_state.queueSize.reset();
-        case Field::Artwork:
-            return m_state.artwork.reset();
-        case Field::DeviceCount:
-            return m_state.deviceCount.reset();
-        case Field::DeviceName:
-            return m_state.deviceName.reset();
-        case Field::CarPlay:
-            return m_state.carPlay.reset();
-        case Field::CarLife:
-            return m_state.carLife.reset();
-        case Field::ForegroundApp:
-            return m_state.foregroundApp.reset();
-        default:
-            return;
-    }
+    if (MeansNotSupported(cause)) why = Unknown::NotSupported;
+    if (kOfDevice.Has(field) && m_state.deviceCount == 0) why = Unknown::NoDevice;
+    const auto shared = cause == nullptr ? nullptr : std::make_shared<const Error>(*cause);
+    ForEachKnown(m_state, field, [&](auto& each) { each = {why, shared}; });
+}
+
+// The number of devices may be answered after the requests that failed for want of one.
+void StateDraft::SetDeviceCount(int count)
+{
+    m_state.deviceCount = count;
+    if (count != 0) return;
+    ForEachKnown(m_state, kOfDevice,
+                 [](auto& field)
+                 {
+                     if (!field && field.Why() != Unknown::TimedOut) field = Unknown::NoDevice;
+                 });
 }
 
 void StateDraft::Apply(const Event& event)
@@ -99,15 +90,10 @@ void StateDraft::Apply(const Event& event)
     std::visit([this](const auto& each) { On(each); }, event);
 }
 
-void StateDraft::SetPosition(const PlayPosition& position)
-{
-    On(ProgressChanged{milliseconds(position.position), milliseconds(position.duration)});
-}
-
 void StateDraft::On(const DeviceChanged& event)
 {
     m_state.device = event.status;
-    if (event.status == APPLE_DEVICE_NOT_DETECTED) ForgetDevice();
+    if (event.status == DeviceStatus::NotDetected) ForgetDevice();
 }
 
 void StateDraft::On(const PlayStatusChanged& event)
@@ -127,10 +113,9 @@ void StateDraft::On(const ProgressChanged& event)
 void StateDraft::On(const TrackChanged& event)
 {
     m_state.trackIndex = event.index;
-    m_state.position =
-        Position{milliseconds(0), NotNegative(milliseconds(event.track.value1)), Clock::now(), Playing()};
+    m_state.position = Position{milliseconds(0), NotNegative(event.track.duration), Clock::now(), Playing()};
     m_state.track = event.track;
-    m_state.artwork.reset();
+    m_state.artwork = Unknown::NotReported;
 }
 
 void StateDraft::On(const QueueSizeChanged& event)
@@ -141,26 +126,21 @@ void StateDraft::On(const QueueSizeChanged& event)
 // Calls without an identifier cannot be distinguished: together they are one call.
 void StateDraft::On(const CallChanged& event)
 {
-    const std::string key = event.call.CallUUID.value_or("");
-    if (event.call.Status == PHONE_CALL_DISCONNECTED)
+    const std::string key = event.call.id.value_or("");
+    if (event.call.status == CallStatus::Disconnected)
+    {
         m_state.calls.erase(key);
-    else
-        Merge(m_state.calls[key], event.call);
+        return;
+    }
+    PhoneCall& call = m_state.calls[key];
+    Merge(call, event.call);
+    call.id = event.call.id;
 }
 
 void StateDraft::On(const BatteryChanged& event)
 {
-    Merge(m_state.battery.BatteryChargingStatus, event.battery.BatteryChargingStatus);
-    Merge(m_state.battery.BatteryChargeLevel, event.battery.BatteryChargeLevel);
-}
-
-void StateDraft::On(const WirelessCarPlayChanged& event)
-{
-    m_state.wireless = WirelessCarPlay{event.available, event.deviceAddress};
-}
-
-void StateDraft::On(const PairingReceived& event)
-{
-    m_state.pairing = PairingInfo{event.bluetoothAddress, event.bytes};
+    Battery battery = m_state.battery.value_or({});
+    Merge(battery, event.battery);
+    m_state.battery = battery;
 }
 }  // namespace ipodkit

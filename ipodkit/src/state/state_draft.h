@@ -2,8 +2,11 @@
 /// The state as events and answers make it, before it is published.
 #pragma once
 
+#include <ipodkit/commands.h>
 #include <ipodkit/event.h>
 #include <ipodkit/player_state.h>
+
+#include <utility>
 
 namespace ipodkit
 {
@@ -24,27 +27,22 @@ public:
     /// Forgets what ends with the service.
     void ForgetService();
 
-    /// Forgets one field of those that are asked for, when the service does not give its value.
-    void Forget(Field field);
+    /// Forgets a field whose value the service does not give, and remembers why.
+    void Forget(Field field, Unknown why, const Error* cause = nullptr);
 
     /// Follows an event.
     void Apply(const Event& event);
 
     /// @name Answers of the service
     /// @{
-    void SetTrack(const QBXiPodTrackInfo& track) { m_state.track = track; }
-    void SetTrackIndex(int index) { m_state.trackIndex = index; }
-    void SetStatus(iPodPlayerPlayStatus status) { On(PlayStatusChanged{status}); }
-    void SetPosition(const PlayPosition& position);
-    void SetShuffle(iPodPlayerShuffleStatus mode) { m_state.shuffle = mode; }
-    void SetRepeat(iPodPlayerRepeatStatus mode) { m_state.repeat = mode; }
-    void SetQueueSize(int size) { m_state.queueSize = size; }
-    void SetArtwork(PicturePtr picture) { m_state.artwork = std::move(picture); }
-    void SetDeviceCount(int count) { m_state.deviceCount = count; }
-    void SetDeviceName(const std::string& name) { m_state.deviceName = name; }
-    void SetCarPlay(const CarPlayDevice& device) { m_state.carPlay = device; }
-    void SetCarLife(QBXAppleDeviceDetectStatus status) { m_state.carLife = status; }
-    void SetForegroundApp(const std::string& bundleId) { m_state.foregroundApp = bundleId; }
+    void SetStatus(PlayStatus status) { On(PlayStatusChanged{status}); }
+    void SetPosition(const PlayPosition& position) { On(ProgressChanged{position.position, position.duration}); }
+    void SetDeviceCount(int count);
+    template <class T>
+    void Set(Known<T> PlayerState::*field, T value)
+    {
+        m_state.*field = std::move(value);
+    }
     /// @}
 
 private:
@@ -66,10 +64,13 @@ private:
     void On(const AccessoryClosed& event) { m_state.accessorySessions.erase(event.session); }
     void On(const AccessoryData&) {}
     void On(const CarLifeChanged& event) { m_state.carLife = event.status; }
-    void On(const WirelessCarPlayChanged& event);
-    void On(const PairingReceived& event);
+    void On(const WirelessCarPlayChanged& event)
+    {
+        m_state.wireless = WirelessCarPlay{event.available, event.deviceAddress};
+    }
+    void On(const PairingReceived& event) { m_state.pairing = PairingInfo{event.bluetoothAddress, event.bytes}; }
 
-    bool Playing() const { return m_state.status == IPOD_PLAY_STATUS_PLAYING; }
+    bool Playing() const { return m_state.status == PlayStatus::Playing; }
 
     PlayerState m_state;
 };

@@ -1,5 +1,6 @@
 // How fast a session follows the service, and how little it keeps the loop while the service hangs.
 #include "kit/figures/figures.h"
+#include <ipodkit/core.h>
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
 
@@ -24,7 +25,7 @@ TEST_F(SessionFigures, SettledChange)
     Ready();
     Heard heard;
     Samples late;
-    const Subscription listening = session->Listen("heard", heard);
+    const Subscription listening = Listen(*session, "heard", heard);
     const auto note = [&](const StatePtr&, Fields changed)
     {
         if (changed == Fields(Field::QueueSize)) late.push_back(Microseconds(Clock::now() - heard.at - options.settle));

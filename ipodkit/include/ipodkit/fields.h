@@ -1,0 +1,99 @@
+/// @file
+/// Tables of fields: what each value of the kit consists of, for everything that prints, stores or exports values.
+///
+///     ForEachRow<TrackChanged>([&](const auto& row) { show(row.name, std::invoke(row.get, event), row.meaning); });
+///
+/// A struct has one row per field, declared right after it. JSON, its schema, Python attributes and reference tables
+/// are derived from the rows, so adding a field means adding its row.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+/// One field of a struct. @c get is a pointer to a member, or a function of the struct.
+template <class Get>
+struct Row
+{
+    const char* name;     ///< in lower case, with underscores; empty for a struct whose fields count as one's own
+    Get get;              ///< for std::invoke
+    const char* unit;     ///< "ms", "s", "px", "bytes", "%", "hex" for raw bytes; empty for texts and counts
+    const char* meaning;  ///< one sentence without a full stop
+};
+template <class Get>
+Row(const char*, Get, const char*, const char*) -> Row<Get>;
+
+/// Specialized for each struct that has rows: its name as a `type` and in data, the tuple `all`, and `complete` where
+/// the rows are the whole value.
+template <class T>
+struct Rows;
+
+template <class T, class = void>
+inline constexpr bool kHasRows = false;
+template <class T>
+inline constexpr bool kHasRows<T, std::void_t<decltype(Rows<T>::all)>> = true;
+
+template <class T, class Use>
+constexpr void ForEachRow(const Use& use)
+{
+    std::apply([&use](const auto&... row) { (use(row), ...); }, Rows<T>::all);
+}
+
+/// The type of the field that a row describes.
+template <class T, class Row>
+using FieldType = std::decay_t<std::invoke_result_t<decltype(Row::get), const T&>>;
+
+/// The field's name in JSON: it includes the unit where a number would be ambiguous.
+template <class Row>
+std::string JsonName(const Row& row)
+{
+    const std::string unit = row.unit;
+    if (unit == "hex") return unit;
+    return unit == "ms" ? std::string(row.name) + "_ms" : row.name;
+}
+
+/// Values whose rows are complete are equal when all their fields are.
+template <class T, class = std::enable_if_t<Rows<T>::complete>>
+bool operator==(const T& one, const T& other)
+{
+    bool equal = true;
+    ForEachRow<T>([&](const auto& row) { equal = equal && std::invoke(row.get, one) == std::invoke(row.get, other); });
+    return equal;
+}
+
+template <class T, class = std::enable_if_t<Rows<T>::complete>>
+bool operator!=(const T& one, const T& other)
+{
+    return !(one == other);
+}
+
+/// Specialized for each enumeration whose values have names: `type`, and the array `names`, from value 0.
+template <class E>
+struct EnumNames;
+
+template <class E, class = void>
+inline constexpr bool kHasNames = false;
+template <class E>
+inline constexpr bool kHasNames<E, std::void_t<decltype(EnumNames<E>::names)>> = true;
+
+namespace detail
+{
+std::string NameOrNumber(const char* const* names, std::size_t count, int value);
+}
+
+/// "fast-forward" for PlayStatus::FastForward; "unknown:7" for a value of the service that has no name here.
+template <class E, class = std::enable_if_t<kHasNames<E>>>
+std::string ToString(E value)
+{
+    return detail::NameOrNumber(EnumNames<E>::names, std::size(EnumNames<E>::names), static_cast<int>(value));
+}
+}  // namespace ipodkit
+
+#pragma GCC visibility pop

@@ -1,0 +1,111 @@
+/// @file
+/// Python classes from the tables of fields.
+#pragma once
+
+#include <ipodkit/fields.h>
+#include <ipodkit/known.h>
+#include <ipodkit/picture.h>
+#include <ipodkit/types.h>
+#include <pybind11/chrono.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "values.h"
+
+namespace ipodkit::python
+{
+/// Texts of the device need not be UTF-8.
+py::object ToObject(const std::string& text);
+py::object ToObject(const std::vector<unsigned char>& bytes);
+
+/// A datetime in UTC; None when it is out of its range.
+py::object ToObject(const PhoneCall::Time& time);
+
+py::object ToObject(const PicturePtr& picture);
+
+template <class T>
+py::object ToObject(const T& value)
+{
+    return py::cast(value);
+}
+
+/// What is absent or unknown is None.
+template <class T>
+py::object ToObject(const std::optional<T>& value)
+{
+    return value ? ToObject(*value) : py::none();
+}
+
+template <class T>
+py::object ToObject(const Known<T>& value)
+{
+    return value ? ToObject(*value) : py::none();
+}
+
+template <class Key, class T>
+py::object ToObject(const std::map<Key, T>& values)
+{
+    py::dict dict;
+    for (const auto& [key, value] : values) dict[ToObject(key)] = ToObject(value);
+    return std::move(dict);
+}
+
+/// "<ipodkit.Battery percent=42>": the fields that are not None.
+template <class T>
+py::str ReprOf(const T& value)
+{
+    std::string text = std::string("<ipodkit.") + Rows<T>::type;
+    ForEachRow<T>(
+        [&](const auto& row)
+        {
+            const py::object field = ToObject(std::invoke(row.get, value));
+            if (!field.is_none()) text += std::string(" ") + row.name + "=" + std::string(py::repr(field));
+        });
+    return text + ">";
+}
+
+/// Adds the fields of @p T to the class of a struct that it is, or that counts its fields as its own.
+template <class T, class Class, class Reach>
+void AddProperties(Class& type, const Reach& reach)
+{
+    ForEachRow<T>(
+        [&](const auto& row)
+        {
+            using Field = FieldType<T, std::decay_t<decltype(row)>>;
+            if constexpr (kHasRows<Field>)
+            {
+                if (*row.name == '\0')
+                    return AddProperties<Field>(type, [reach, get = row.get](const auto& value) -> const auto&
+                                                { return std::invoke(get, reach(value)); });
+            }
+            const std::string doc = std::string(row.meaning) + ".";
+            type.def_property_readonly(
+                row.name, [reach, get = row.get](const typename Class::type& value)
+                { return ToObject(std::invoke(get, reach(value))); }, doc.c_str());
+        });
+}
+
+/// Binds a struct: a read-only property per row.
+template <class T, class... Extra>
+py::class_<T, Extra...> BindRows(py::module_& module)
+{
+    py::class_<T, Extra...> type(module, Rows<T>::type);
+    AddProperties<T>(type, [](const T& value) -> const T& { return value; });
+    type.def("__repr__", ReprOf<T>);
+    return type;
+}
+
+/// Binds an enumeration: "FAST_FORWARD" for "fast-forward".
+template <class E>
+void BindNames(py::module_& module)
+{
+    auto type = Enumeration<E>(module, EnumNames<E>::type);
+    int value = 0;
+    for (const char* name : EnumNames<E>::names) type.value(ConstantName(name).c_str(), static_cast<E>(value++));
+}
+}  // namespace ipodkit::python
