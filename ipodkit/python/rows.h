@@ -64,7 +64,8 @@ py::str ReprOf(const T& value)
         [&](const auto& row)
         {
             const py::object field = ToObject(std::invoke(row.get, value));
-            if (!field.is_none()) text += std::string(" ") + row.name + "=" + std::string(py::repr(field));
+            const std::string name = *row.name == '\0' ? "" : row.name + std::string("=");
+            if (!field.is_none()) text += " " + name + std::string(py::repr(field));
         });
     return text + ">";
 }

@@ -16,9 +16,7 @@ void ForEachField(const Use& use)
 
 void BindPlayerState(py::module_& module)
 {
-    BindRows<Position>(module).def_property_readonly(
-        "at_change", [](const Position& position) { return position.position; },
-        "Where playback was when it last changed.");
+    BindRows<Position>(module).def("now", &Position::Now, "Where playback is if it has gone on since: a timedelta.");
     BindRows<PlayerState, std::shared_ptr<PlayerState>>(module)
         .def_readonly("version", &PlayerState::version, "Grows by 1 with each value that is published.")
         .def_readonly("phase", &PlayerState::phase, "How far the session is with the service.")

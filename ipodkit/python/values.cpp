@@ -58,10 +58,18 @@ py::object ToObject(const std::vector<unsigned char>& bytes)
 py::object ToObject(const PhoneCall::Time& time)
 {
     const py::module_ datetime = py::module_::import("datetime");
-    const py::object seconds = datetime.attr("timedelta")(0, static_cast<double>(time.time_since_epoch().count()));
+    const py::object seconds = datetime.attr("timedelta")(0, time.time_since_epoch().count());
     const py::object epoch =
         datetime.attr("datetime")(1970, 1, 1, py::arg("tzinfo") = datetime.attr("timezone").attr("utc"));
-    return epoch + seconds;
+    try
+    {
+        return epoch + seconds;
+    }
+    catch (const py::error_already_set& error)
+    {
+        if (!error.matches(PyExc_OverflowError)) throw;
+    }
+    return py::none();
 }
 
 // Python has no constant objects; nothing that is bound changes it.

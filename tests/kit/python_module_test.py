@@ -152,8 +152,8 @@ class WithoutService(unittest.TestCase):
         self.assertEqual(self.session.state.phase, ipodkit.Phase.ABSENT)
         self.assertIsNone(self.session.state.track)
         self.assertEqual(self.session.state.calls, {})
-        self.assertRegex(repr(self.session.state),
-                         r"^<ipodkit\.PlayerState \d+: phase ABSENT, status None, track None>$")
+        self.assertEqual(repr(self.session.state), "<ipodkit.PlayerState calls={} accessory_sessions={}>")
+        self.assertEqual(self.session.state.why(ipodkit.Field.TRACK), ipodkit.Unknown.NOT_REPORTED_YET)
 
     def test_a_session_ends_with_its_block(self):
         self.session.close()
@@ -200,8 +200,8 @@ class WithSimulator(unittest.TestCase):
 
         self.assertIn(ipodkit.Field.TRACK, seen[0][1])
         self.assertEqual(seen[1][1], frozenset({ipodkit.Field.BATTERY}))
-        self.assertEqual(seen[1][0].battery.level, 42)
-        self.assertEqual(self.session.state.battery.level, 42)
+        self.assertEqual(seen[1][0].battery.percent, 42)
+        self.assertEqual(self.session.state.battery.percent, 42)
         watching.end()
 
     def test_values_tell_what_they_hold(self):
@@ -210,16 +210,20 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: self.session.state.status == ipodkit.PlayStatus.PLAYING))
         track = self.session.state.track
 
-        self.assertEqual(repr(track), f"<ipodkit.Track '{track.title}' by '{track.artist}'>")
+        self.assertRegex(repr(track), f"^<ipodkit.Track title='{track.title}' artist='{track.artist}' album='.* number=")
         self.assertRegex(repr(self.session.state),
-                         r"^<ipodkit\.PlayerState \d+: phase READY, status PLAYING, track <ipodkit\.Track '.*>>$")
-        self.assertRegex(repr(self.session.state.position), r"^<ipodkit\.Position 0:00:.* of 0:0.*, advancing>$")
-        self.assertRegex(repr(self.session.state.artwork), r"^<ipodkit\.Picture image/png, 300x300, \d+ bytes>$")
-        self.assertRegex(repr(commands.position().wait()), r"^<ipodkit\.PlayPosition \d+ of \d+ ms>$")
-        self.assertEqual(repr(commands.carplay_status().wait()), "<ipodkit.CarPlayDevice NOT_DETECTED, serial ''>")
+                         r"^<ipodkit\.PlayerState track=<ipodkit\.Track .*> track_index=\d+ status=<PlayStatus.PLAYING: 1> ")
+        self.assertRegex(repr(self.session.state.position),
+                         r"^<ipodkit\.Position position=datetime.* length=datetime.* advancing=True>$")
+        self.assertRegex(repr(self.session.state.artwork),
+                         r"^<ipodkit\.Picture type='image/png' bytes=\d+ width=300 height=300>$")
+        self.assertEqual(len(self.session.state.artwork.data), self.session.state.artwork.bytes)
+        self.assertRegex(repr(commands.position().wait()), r"^<ipodkit\.PlayPosition position=datetime.* length=datetime.*>$")
+        self.assertEqual(repr(commands.carplay_status().wait()),
+                         "<ipodkit.CarPlayDevice status=<DeviceStatus.NOT_DETECTED: 1> serial=''>")
         self.simulator.battery(42)
-        self.assertTrue(run_until(lambda: self.session.state.battery.level == 42))
-        self.assertEqual(repr(self.session.state.battery), "<ipodkit.Battery level 42, charging None>")
+        self.assertTrue(run_until(lambda: self.session.state.battery is not None))
+        self.assertEqual(repr(self.session.state.battery), "<ipodkit.Battery percent=42>")
 
     def test_values_and_refusals_reach_the_completion(self):
         value, error = self.completed(self.session.commands.device_count())

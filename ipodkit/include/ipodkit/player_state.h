@@ -107,7 +107,7 @@ struct Rows<Position>
     static constexpr const char* type = "Position";
     static constexpr const char* name = "position";
     static constexpr std::tuple all{
-        Row{"position", &Position::Now, "ms", "Position in the track now"},
+        Row{"position", &Position::position, "ms", "Position in the track at that moment"},
         Row{"length", &Position::duration, "ms", "Length of the track, 0 when unknown"},
         Row{"advancing", &Position::advancing, "", "Whether the position advances by itself"},
     };
