@@ -1,7 +1,9 @@
 // Every read is bounded; a head that is cut off or damaged leaves the size, or also the type, unknown.
 #include <images/image.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 namespace images
@@ -58,9 +60,8 @@ bool IsBmp(const Bytes& bytes)
 {
     constexpr std::uint32_t kLengths[] = {kOldestBmpHead, 16, 40, 52, 56, 64, 108, 124};
     if (!bytes.Holds(0, "BM") || !bytes.Has(18)) return false;
-    for (const std::uint32_t length : kLengths)
-        if (bytes.Little(14, 4) == length) return true;
-    return false;
+    const std::uint32_t length = bytes.Little(14, 4);
+    return std::find(std::begin(kLengths), std::end(kLengths), length) != std::end(kLengths);
 }
 
 Type TypeOf(const Bytes& bytes)
@@ -111,7 +112,7 @@ Size GifSize(const Bytes& bytes)
 Size WebPSize(const Bytes& bytes)
 {
     if (bytes.Holds(12, "VP8X") && bytes.Has(30)) return {bytes.Little(24, 3) + 1, bytes.Little(27, 3) + 1};
-    if (bytes.Holds(12, "VP8L") && bytes.Holds(20, "\x2F") && bytes.Has(25))
+    if (bytes.Holds(12, "VP8L") && bytes.At(20) == 0x2F && bytes.Has(25))
     {
         const std::uint32_t bits = bytes.Little(21, 4);
         return {(bits & 0x3FFF) + 1, (bits >> 14 & 0x3FFF) + 1};

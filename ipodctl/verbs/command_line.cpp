@@ -38,6 +38,7 @@ Choice Add(CLI::App& app, const Verb& verb)
 std::vector<std::string> NamesOf(const std::vector<Verb>& verbs)
 {
     std::vector<std::string> names;
+    names.reserve(verbs.size());
     for (const Verb& verb : verbs) names.emplace_back(verb.name);
     return names;
 }

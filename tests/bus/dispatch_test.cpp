@@ -291,6 +291,17 @@ TEST_F(DispatchTest, EventsComeInTheOrderOfTheirSignals)
                                      "app.OnIpodPlayingListAmountChange(4)", "app.OnPlayStatusChanged(1)"));
 }
 
+TEST_F(DispatchTest, PairingInformationMayBeOneByte)
+{
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected().AddListener(&listener);
+
+    Deliver("OnOOBPairingInfo", "('', [(byte 7,)])");
+
+    EXPECT_THAT(journal, ElementsAre("app.OnOOBPairingInfo(\"\", [07])"));
+}
+
 TEST_F(DispatchTest, PairingInformationMayBeEmpty)
 {
     Journal journal;

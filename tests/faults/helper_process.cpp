@@ -98,6 +98,14 @@ void HelperProcess::Signal(int number)
     kill(m_pid, number);
 }
 
+// The kernel delivers the signal later; until then the process may answer.
+void HelperProcess::Stop()
+{
+    Signal(SIGSTOP);
+    int status = 0;
+    Expect(waitpid(m_pid, &status, WUNTRACED) == m_pid && WIFSTOPPED(status), "the process stops");
+}
+
 void HelperProcess::Kill()
 {
     Signal(SIGKILL);

@@ -31,6 +31,9 @@ public:
     void Send(const std::string& line);
     void Signal(int number);
 
+    /// Suspends it with SIGSTOP; returns when it stands still.
+    void Stop();
+
     /// Kills it and waits until it is gone.
     void Kill();
 

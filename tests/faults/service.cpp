@@ -166,7 +166,7 @@ void Stopped(const Arguments&)
     HelperProcess service(Service());
     service.WaitFor("ready");
     IQBXIpodPlayer& player = Connected();
-    service.Signal(SIGSTOP);
+    service.Stop();
     ExpectLimitOfTheBus([&] { return player.GetShuffleMode(); }, 255);
     service.Signal(SIGCONT);
     ExpectAlive(player);

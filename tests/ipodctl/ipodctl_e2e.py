@@ -203,6 +203,12 @@ class OnABusWithTheSimulator(OnABus):
                                           text=True)
         self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
 
+    def hang(self):
+        """Returns when it has stopped: until then it may answer."""
+        self.simulator.send_signal(signal.SIGSTOP)
+        stopped = os.waitid(os.P_PID, self.simulator.pid, os.WSTOPPED | os.WEXITED | os.WNOWAIT)
+        self.assertEqual(stopped.si_code, os.CLD_STOPPED)
+
     def stop_simulator(self):
         self.simulator.kill()
         self.simulator.wait()
@@ -1107,16 +1113,14 @@ class WithTheSimulator(OnABusWithTheSimulator):
             self.assertIn("sent a broken answer", self.refused(*words, code=SERVICE_LOST))
 
     def test_a_simulator_that_hangs_is_told_after_the_deadline(self):
-        self.simulator.send_signal(signal.SIGSTOP)
-        self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
+        self.hang()
         began = time.monotonic()
         self.assertIn("the simulator did not answer",
                       self.refused("--deadline", "0.3", "sim", "calls", code=SERVICE_LOST))
         self.assertLess(time.monotonic() - began, 8)
 
     def test_a_service_that_hangs_is_told_after_the_deadline(self):
-        self.simulator.send_signal(signal.SIGSTOP)
-        self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
+        self.hang()
         for words in (["status"], ["pause"], ["ls"], ["events"], ["art"]):
             with self.subTest(words):
                 began = time.monotonic()
@@ -1128,7 +1132,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         began = time.monotonic()
         self.run_ctl("status")
         once = time.monotonic() - began
-        self.simulator.send_signal(signal.SIGSTOP)
+        self.hang()
         process = self.start("status")
         time.sleep(0.5 + 2 * once)
         self.assertIsNone(process.poll())
@@ -1286,8 +1290,7 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         self.assertRegex(self.text("doctor"), r"(?m)^bus      ok  connected to the session bus$(?s:.*)^build        contract ")
 
     def test_a_service_that_hangs_is_a_problem(self):
-        self.simulator.send_signal(signal.SIGSTOP)
-        self.addCleanup(self.simulator.send_signal, signal.SIGCONT)
+        self.hang()
         service = self.examine(SERVICE_LOST, "--deadline", "0.3")["service"]
         self.assertEqual(service["state"], "error")
         self.assertIn("did not answer in time", service["text"])

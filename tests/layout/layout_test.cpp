@@ -159,6 +159,15 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
     }
     _exit(1);
 }
+
+// The library locks the index to search it. The C library links a locked robust mutex into a list of the thread, and
+// when the lock is released it clears the link on 64-bit machines only. Nobody reads the link of a released lock.
+std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
+{
+    constexpr std::ptrdiff_t kLink = 0x50;
+    if (k32Bit) std::fill_n(image.begin() + kLink, sizeof(void*), '\0');
+    return image;
+}
 }  // namespace
 
 TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheListSegment)
@@ -187,11 +196,9 @@ TEST(ForeignIndexDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyTh
 
 TEST(ForeignIndexDeathTest, LeavesTheSegmentAsItWas)
 {
-    if (sizeof(void*) == 4)
-        GTEST_SKIP() << "under emulation some bytes differ; which, and whether they matter, is open";
     EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0), "refused");
-    EXPECT_EQ(test::ReadFile(IMAGE_DIR "/list-" + kOtherIndex + ".img"),
-              test::ReadFile(std::string("/dev/shm/") + kListSegmentName));
+    EXPECT_EQ(WithoutLinkOfIndexLock(test::ReadFile(IMAGE_DIR "/list-" + kOtherIndex + ".img")),
+              WithoutLinkOfIndexLock(test::ReadFile(std::string("/dev/shm/") + kListSegmentName)));
 }
 
 TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)

@@ -7,8 +7,7 @@
 
 namespace ipodkit
 {
-static_assert(static_cast<int>(PictureType::Tiff) == static_cast<int>(images::Type::Tiff), "both have one order");
-
+// The header of images::Type is not installed: the companion's header repeats its list.
 constexpr PictureType ToPictureType(images::Type type)
 {
     return static_cast<PictureType>(type);
@@ -18,4 +17,12 @@ constexpr images::Type ToImageType(PictureType type)
 {
     return static_cast<images::Type>(type);
 }
+
+static_assert(ToPictureType(images::Type::Unknown) == PictureType::Unknown);
+static_assert(ToPictureType(images::Type::Jpeg) == PictureType::Jpeg);
+static_assert(ToPictureType(images::Type::Png) == PictureType::Png);
+static_assert(ToPictureType(images::Type::Gif) == PictureType::Gif);
+static_assert(ToPictureType(images::Type::Bmp) == PictureType::Bmp);
+static_assert(ToPictureType(images::Type::WebP) == PictureType::WebP);
+static_assert(ToPictureType(images::Type::Tiff) == PictureType::Tiff);
 }  // namespace ipodkit

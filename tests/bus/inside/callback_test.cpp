@@ -87,6 +87,13 @@ TEST_F(CallbackTest, TheProxyOfADestroyedClientDeliversNothing)
     EXPECT_THAT(LogLines(), testing::Not(testing::Contains(testing::HasSubstr("OnIpodAPPBundleNameChange"))));
 }
 
+TEST_F(CallbackTest, PairingInformationOfAnotherTypeArrivesEmpty)
+{
+    EXPECT_EQ(qbx::CallBack_OnOOBPairingInfo(qbx::serviceProxy, "a", Variant("[byte 1, 2]"), client), TRUE);
+
+    EXPECT_THAT(journal, ElementsAre("app.OnOOBPairingInfo(\"a\", [])"));
+}
+
 TEST_F(CallbackTest, ANullVariantIsNoCrash)
 {
     EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, nullptr, client), FALSE);
