@@ -122,11 +122,13 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
                                 wanted));
 }
 
-// Binds each kind of event.
+// Binds each kind of event; EVENTS has them by name.
 template <class... Events>
 void BindEvents(py::module_& module, const std::variant<Events...>*)
 {
-    (BindRows<Events>(module), ...);
+    py::dict events;
+    ((events[Rows<Events>::name] = BindRows<Events>(module)), ...);
+    module.attr("EVENTS") = events;
 }
 
 OwnedSubscriptionPtr OnEvent(const SessionHandle& handle, const std::string& name, py::function function)

@@ -4,6 +4,7 @@ its own."""
 import argparse
 import asyncio
 import datetime
+import json
 import os
 import signal
 import subprocess
@@ -224,6 +225,30 @@ class WithSimulator(unittest.TestCase):
         self.simulator.battery(42)
         self.assertTrue(run_until(lambda: self.session.state.battery is not None))
         self.assertEqual(repr(self.session.state.battery), "<ipodkit.Battery percent=42>")
+
+    def test_a_refreshed_field_and_events_arrive(self):
+        events = []
+        following = self.session.on_event("events", events.append)
+        self.session.refresh({ipodkit.Field.SHUFFLE})
+        self.simulator.battery(77)
+        self.assertTrue(run_until(lambda: [each for each in events if isinstance(each, ipodkit.BatteryChanged)]))
+        battery = [each for each in events if isinstance(each, ipodkit.BatteryChanged)][0]
+        self.assertEqual(battery.percent, 77)
+        self.assertEqual(repr(battery), "<ipodkit.BatteryChanged <ipodkit.Battery percent=77>>")
+        following.end()
+
+    def test_every_field_of_the_json_events_is_an_attribute_of_the_event(self):
+        with open(OPTIONS.schema, encoding="utf-8") as schema_file:
+            definitions = json.load(schema_file)["$defs"]
+        events = {name.removeprefix("event-"): schema["properties"] for name, schema in definitions.items()
+                  if name.startswith("event-") and name != "event-service"}
+        self.assertEqual(set(events), set(ipodkit.EVENTS))
+        for name, fields in events.items():
+            attributes = dir(ipodkit.EVENTS[name])
+            for field in fields.keys() - {"time", "event"}:
+                attribute = "data" if field == "hex" else field.removesuffix("_ms")
+                self.assertIn(attribute, attributes, name)
+                self.assertTrue(getattr(ipodkit.EVENTS[name], attribute).__doc__, f"{name}.{attribute}")
 
     def test_values_and_refusals_reach_the_completion(self):
         value, error = self.completed(self.session.commands.device_count())
@@ -526,6 +551,7 @@ if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--example", required=True)
+    parser.add_argument("--schema", required=True)
     parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
     OPTIONS, rest = parser.parse_known_args()
     enter_private_namespace(OPTIONS.interpreter)

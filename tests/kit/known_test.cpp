@@ -1,0 +1,156 @@
+// Why a field of the state is unknown, and how it becomes known.
+#include <ipodkit/core.h>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+class KnownTest : public KitTest
+{
+protected:
+    KnownTest() { AnswerState(service); }
+
+    StatePtr State() const { return session->State(); }
+
+    FakeService service;
+    SharedVectors shared;
+};
+
+TEST_F(KnownTest, WhatOnlyEventsReportIsNotReportedYet)
+{
+    Ready();
+
+    EXPECT_EQ(State()->Why(Field::Battery), Unknown::NotReported);
+    EXPECT_EQ(State()->location.Why(), Unknown::NotReported);
+    EXPECT_EQ(State()->Why(Field::Track), std::nullopt);
+    EXPECT_EQ(State()->Why(Field::Calls), std::nullopt);
+    EXPECT_EQ(State()->Why(Field::Connection), std::nullopt);
+    EXPECT_THROW(State()->battery.value(), std::bad_optional_access);
+}
+
+TEST_F(KnownTest, ARefusedFieldHasTheErrorOfTheService)
+{
+    service.Fail("GetShuffleMode", "busy");
+
+    Ready();
+
+    EXPECT_EQ(State()->Why(Field::Shuffle), Unknown::Refused);
+    ASSERT_NE(State()->shuffle.Cause(), nullptr);
+    EXPECT_EQ(State()->shuffle.Cause()->kind, ErrorKind::Refused);
+    EXPECT_THAT(State()->shuffle.Cause()->reason, HasSubstr("busy"));
+    EXPECT_EQ(State()->track.Cause(), nullptr);
+}
+
+TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
+{
+    service.Fail("GetShuffleMode", "busy");
+    Ready();
+    service.Answer("GetShuffleMode", "(1,)");
+
+    session->Refresh(Field::Shuffle);
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->shuffle == Shuffle::Songs; }));
+    EXPECT_EQ(State()->shuffle.Cause(), nullptr);
+}
+
+TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
+{
+    Ready();
+    const std::size_t before = service.Calls().size();
+
+    session->Refresh(Field::Shuffle | Field::Battery);
+    Completed(session->Commands().Repeat());
+
+    const auto calls = service.Calls();
+    EXPECT_THAT(std::vector(calls.begin() + static_cast<std::ptrdiff_t>(before), calls.end()),
+                ElementsAre("GetShuffleMode()", "GetRepeatMode()"));
+}
+
+TEST_F(KnownTest, AServiceThatDoesNotKnowAMethodDoesNotSupportTheField)
+{
+    service.React("GetIpodAppBundleName",
+                  [](GDBusMethodInvocation* call) {
+                      g_dbus_method_invocation_return_dbus_error(call, "org.freedesktop.DBus.Error.UnknownMethod",
+                                                                 "no such method");
+                  });
+
+    Ready();
+
+    EXPECT_EQ(State()->Why(Field::ForegroundApp), Unknown::NotSupported);
+}
+
+TEST_F(KnownTest, ALateFieldTimedOutUntilItsAnswerArrives)
+{
+    options.deadline = 100ms;
+    service.Hold("GetRepeatMode");
+
+    Ready();
+
+    EXPECT_EQ(State()->Why(Field::Repeat), Unknown::TimedOut);
+    EXPECT_EQ(State()->missing, Fields(Field::Repeat));
+    service.AnswerHeld("(2,)");
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->repeat == Repeat::All; }));
+}
+
+TEST_F(KnownTest, WithoutADeviceThereIsNothingToKnowOfIt)
+{
+    Ready();
+    service.Answer("GetDeviceAmount", "(0,)");
+
+    service.Emit("OnIpodDeviceStatusChange", "(1, false)");
+
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
+    for (const Field field : {Field::Track, Field::TrackIndex, Field::Position, Field::DeviceName, Field::Battery})
+        EXPECT_EQ(State()->Why(field), Unknown::NoDevice) << Name(field);
+}
+
+TEST_F(KnownTest, ARefusalForWantOfADeviceSaysSo)
+{
+    service.Answer("GetDeviceAmount", "(0,)");
+    service.Fail("GetCurrentMediaInfo", "no device");
+    service.Fail("GetIpodName", "no device");
+
+    Ready();
+
+    EXPECT_EQ(State()->Why(Field::Track), Unknown::NoDevice);
+    EXPECT_EQ(State()->Why(Field::DeviceName), Unknown::NoDevice);
+}
+
+TEST(Known, ComparesWithValuesAndWithTheReasonsOfOthers)
+{
+    const Known<int> unknown;
+    EXPECT_NE(unknown, 0);
+    EXPECT_EQ(Known<int>(3), 3);
+    EXPECT_NE(Known<int>(Unknown::Refused), Known<int>(Unknown::TimedOut));
+    EXPECT_EQ(Known<int>(3).value_or(4), 3);
+    EXPECT_EQ(unknown.value_or(4), 4);
+}
+
+// The record of the core has all that the service sent.
+TEST_F(KnownTest, TheRawRecordsOfTheCoreStayReachable)
+{
+    std::vector<unsigned char> record(1040);
+    record[0] = 'T';
+    record[1024] = 7;
+    record[1036] = 5;
+    std::vector<QBXiPodTrackInfo> seen;
+    Ready();
+    const Subscription events = session->OnEvent("raw",
+                                                 [&](const Event& event)
+                                                 {
+                                                     if (const auto* track = std::get_if<TrackChanged>(&event))
+                                                         seen.push_back(ToCore(track->track));
+                                                 });
+
+    service.Emit("OnIpodPlayingTrackChange", "(0, " + Record(record).substr(1, Record(record).size() - 3) + ")");
+
+    ASSERT_TRUE(RunLoopUntil([&] { return !seen.empty(); }));
+    EXPECT_EQ(seen[0].text1, "T");
+    EXPECT_EQ(seen[0].value1, 7);
+    EXPECT_EQ(seen[0].value4, 5);
+    EXPECT_FALSE(State()->track->HasArtwork());
+}
+}  // namespace
+}  // namespace test
