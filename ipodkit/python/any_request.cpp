@@ -94,6 +94,7 @@ void BindRequest(py::module_& module)
         .def("within", Within, py::arg("deadline"), same,
              "Sets the deadline: seconds or a timedelta, 0 or more; it becomes a millisecond at least.")
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
+        .def_property_readonly("_has_cancellation", &AnyRequest::HasSwitch)
         .def("start", Start, py::arg("callback"),
              "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")
         .def("future", Future,

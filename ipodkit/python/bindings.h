@@ -7,11 +7,13 @@
 namespace ipodkit::python
 {
 void BindErrors(pybind11::module_& module);
-/// Enumerations and records of the core, and what commands return.
+/// Enumerations and values of the device.
 void BindValues(pybind11::module_& module);
 /// PlayerState and its parts.
 void BindState(pybind11::module_& module);
 void BindRequest(pybind11::module_& module);
 void BindCommands(pybind11::module_& module);
+/// A GLib main context that another loop can run.
+void BindContext(pybind11::module_& module);
 void BindSession(pybind11::module_& module);
 }  // namespace ipodkit::python

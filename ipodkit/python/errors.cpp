@@ -1,5 +1,8 @@
 #include "errors.h"
 
+#include <map>
+#include <string>
+
 #include "bindings.h"
 
 namespace ipodkit::python
@@ -8,34 +11,61 @@ namespace
 {
 constexpr char kErrorDoc[] =
     "Why a request failed. `kind` is an ErrorKind, `reason` gives details, in the words of the bus where it has any, "
-    "and "
-    "`name` is the D-Bus name of the error that was the answer, or None.";
+    "and `name` is the D-Bus name of the error that was the answer, or None.";
 
-py::handle errorType;  // lives as long as the module
+// These live as long as the module.
+py::handle errorType;
+std::map<ErrorKind, py::handle> typesByKind;
+
+struct Kind
+{
+    ErrorKind kind;
+    const char* constant;
+    PyObject** also;  // a type of Python's own that it is, too
+    const char* doc;
+};
+
+const Kind kKinds[] = {
+    {ErrorKind::NoBus, "NO_BUS", &PyExc_ConnectionError, "There is no session bus, or it went away."},
+    {ErrorKind::NoService, "NO_SERVICE", &PyExc_ConnectionError, "Nobody owns the service's name."},
+    {ErrorKind::ServiceLost, "SERVICE_LOST", &PyExc_ConnectionError, "The service went away before it answered."},
+    {ErrorKind::TimedOut, "TIMED_OUT", &PyExc_TimeoutError, "No answer within the deadline."},
+    {ErrorKind::Refused, "REFUSED", nullptr, "The service answered with an error, or with false."},
+    {ErrorKind::BadReply, "BAD_REPLY", nullptr, "The answer is not what the contract allows."},
+    {ErrorKind::Cancelled, "CANCELLED", nullptr, "The request was withdrawn."},
+    {ErrorKind::NoSharedMemory, "NO_SHARED_MEMORY", nullptr, "The shared memory cannot be used."},
+    {ErrorKind::BadArgument, "BAD_ARGUMENT", &PyExc_ValueError, "The request cannot be sent as it is."},
+    {ErrorKind::Ambiguous, "AMBIGUOUS", nullptr, "Received bytes that may belong to several accessory sessions."},
+    {ErrorKind::NoStorage, "NO_STORAGE", &PyExc_OSError, "A file cannot be written."},
+};
+
+py::handle NewType(const std::string& name, const py::tuple& bases, const char* doc)
+{
+    const std::string full = "ipodkit." + name;
+    const py::handle type = PyErr_NewExceptionWithDoc(full.c_str(), doc, bases.ptr(), nullptr);
+    if (!type) throw py::error_already_set();
+    return type;
+}
 }  // namespace
 
 void BindErrors(py::module_& module)
 {
-    py::enum_<ErrorKind>(module, "ErrorKind")
-        .value("NO_BUS", ErrorKind::NoBus)
-        .value("NO_SERVICE", ErrorKind::NoService)
-        .value("SERVICE_LOST", ErrorKind::ServiceLost)
-        .value("TIMED_OUT", ErrorKind::TimedOut)
-        .value("REFUSED", ErrorKind::Refused)
-        .value("BAD_REPLY", ErrorKind::BadReply)
-        .value("CANCELLED", ErrorKind::Cancelled)
-        .value("NO_SHARED_MEMORY", ErrorKind::NoSharedMemory)
-        .value("BAD_ARGUMENT", ErrorKind::BadArgument)
-        .value("AMBIGUOUS", ErrorKind::Ambiguous)
-        .value("NO_STORAGE", ErrorKind::NoStorage);
-    errorType = PyErr_NewExceptionWithDoc("ipodkit.Error", kErrorDoc, nullptr, nullptr);
-    if (!errorType) throw py::error_already_set();
+    py::enum_<ErrorKind> kinds(module, "ErrorKind");
+    errorType = NewType("Error", py::make_tuple(py::handle(PyExc_Exception)), kErrorDoc);
     module.attr("Error") = errorType;
+    for (const Kind& each : kKinds)
+    {
+        const std::string name = Name(each.kind);
+        kinds.value(each.constant, each.kind);
+        py::tuple bases = py::make_tuple(errorType);
+        if (each.also != nullptr) bases = py::make_tuple(errorType, py::handle(*each.also));
+        module.attr(name.c_str()) = typesByKind[each.kind] = NewType(name, bases, each.doc);
+    }
 }
 
 py::object ToException(const Error& error)
 {
-    py::object exception = errorType(error.Text());
+    py::object exception = typesByKind.at(error.kind)(error.Text());
     exception.attr("kind") = error.kind;
     exception.attr("reason") = error.reason;
     exception.attr("name") = error.name.empty() ? py::object(py::none()) : py::str(error.name);
@@ -44,7 +74,8 @@ py::object ToException(const Error& error)
 
 void Raise(const Error& error)
 {
-    PyErr_SetObject(errorType.ptr(), ToException(error).ptr());
+    const py::object exception = ToException(error);
+    PyErr_SetObject(py::type::of(exception).ptr(), exception.ptr());
     throw py::error_already_set();
 }
 }  // namespace ipodkit::python

@@ -1,4 +1,4 @@
-// The Python module `ipodkit`: session, state and commands, for programs that run GLib's main loop through python3-gi.
+// The inside of the Python package `ipodkit`, which adds what asyncio needs.
 #include <QBXLog.h>
 #include <pybind11/pybind11.h>
 
@@ -6,16 +6,6 @@
 
 namespace
 {
-constexpr char kModuleDoc[] = R"(Control an attached Apple device and learn of its state.
-
-    session = ipodkit.Session()
-    shown = session.on_state("now playing", lambda state, changed: print(state.track.title if state.track else "-"))
-    session.commands.next().start(lambda value, error: print(error or "done"))
-    GLib.MainLoop().run()
-
-Callbacks run in GLib's default main context. What they raise goes to sys.unraisablehook, a KeyboardInterrupt to the
-program that runs the loop. A subscription lasts as long as its object.)";
-
 constexpr char kLogDoc[] =
     "Sets the logging of the library up: \"LEVEL\" or \"LEVEL:FILE\", or the path of a configuration where zlog is "
     "installed. Returns whether it could.";
@@ -26,10 +16,12 @@ bool Log(const std::string& config)
 }
 }  // namespace
 
-PYBIND11_MODULE(ipodkit, module)
+PYBIND11_MODULE(_native, module)
 {
     using namespace ipodkit::python;
-    module.doc() = kModuleDoc;
+    // Types are named after the package that exports them.
+    const pybind11::object name = module.attr("__name__");
+    module.attr("__name__") = "ipodkit";
     module.attr("__version__") = IPODKIT_VERSION;
     module.def("log", Log, pybind11::arg("config"), kLogDoc);
     BindErrors(module);
@@ -37,5 +29,7 @@ PYBIND11_MODULE(ipodkit, module)
     BindState(module);
     BindRequest(module);
     BindCommands(module);
+    BindContext(module);
     BindSession(module);
+    module.attr("__name__") = name;
 }

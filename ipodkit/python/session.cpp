@@ -3,6 +3,7 @@
 #include <ipodkit/session.h>
 
 #include "callback.h"
+#include "context.h"
 #include "dropped.h"
 #include "duration.h"
 #include "errors.h"
@@ -14,8 +15,10 @@ namespace ipodkit::python
 namespace
 {
 constexpr char kSessionDoc[] =
-    "The connection to the service, through any number of its restarts. It lives in GLib's default main context: make "
-    "and close it on the thread that runs it. There is one at a time in a process.";
+    "The connection to the service, through any number of its restarts. Made where asyncio runs, it lives in that "
+    "loop, "
+    "otherwise in GLib's default main context: make and close it on the thread that runs it. There is one at a time in "
+    "a process.";
 
 // Ending waits for a callback on another thread, which wants the interpreter's lock.
 class OwnedSubscription
@@ -86,9 +89,12 @@ private:
 };
 
 std::unique_ptr<SessionHandle> Open(const py::object& settle, const py::object& deadline,
-                                    const py::object& callbackBudget, std::size_t artworkLimit)
+                                    const py::object& callbackBudget, std::size_t artworkLimit, bool activateService,
+                                    const std::shared_ptr<Context>& context)
 {
     SessionOptions options;
+    options.context = context == nullptr ? nullptr : context->Native();
+    options.activateService = activateService;
     options.settle = ToMilliseconds(settle);
     options.deadline = ToMilliseconds(deadline);
     options.callbackBudget = ToMilliseconds(callbackBudget);
@@ -167,7 +173,8 @@ void BindSession(py::module_& module)
     py::class_<SessionHandle>(module, "Session", kSessionDoc)
         .def(py::init(&Open), py::kw_only(), py::arg("settle") = Seconds(usual.settle),
              py::arg("deadline") = Seconds(usual.deadline), py::arg("callback_budget") = Seconds(usual.callbackBudget),
-             py::arg("artwork_limit") = usual.artworkLimit)
+             py::arg("artwork_limit") = usual.artworkLimit, py::arg("activate_service") = usual.activateService,
+             py::arg("_context") = py::none())
         .def("close", &SessionHandle::Close, "Completes the requests that are under way with ErrorKind.CANCELLED.")
         .def("__enter__", [](py::object self) { return self; })
         .def("__exit__", [](SessionHandle& handle, const py::args&) { handle.Close(); })
