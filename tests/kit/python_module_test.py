@@ -20,7 +20,8 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 from private_session import LIMIT, SKIPPED, Bus, enter_private_namespace, line_within  # noqa: E402
 
 try:
-    from gi.repository import Gio, GLib
+    from gi.repository import GLib
+    from simulator_process import Simulator
 except ImportError:
     print("no python3-gi here")
     sys.exit(SKIPPED)
@@ -41,32 +42,6 @@ def run_until(condition, seconds=LIMIT):
         if GLib.MainContext.default().find_source_by_id(source):
             GLib.source_remove(source)
     return condition()
-
-
-class Simulator:
-    def __init__(self):
-        self.process = subprocess.Popen([OPTIONS.simulator], stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        line_within(self.process.stdout, LIMIT)
-
-    @staticmethod
-    def battery(level):
-        fields = GLib.Variant("(a{sv})", ({"level": GLib.Variant("u", level)},))
-        Gio.bus_get_sync(Gio.BusType.SESSION).call_sync(
-            "com.zarn.linux.ipod.Simulator", "/com/zarn/linux/ipod/simulator", "com.zarn.linux.ipod.Simulator",
-            "Battery", fields, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
-
-    def hang(self):
-        """Returns when it has stopped: until then it may answer."""
-        self.process.send_signal(signal.SIGSTOP)
-        os.waitid(os.P_PID, self.process.pid, os.WSTOPPED)
-
-    def go_on(self):
-        self.process.send_signal(signal.SIGCONT)
-
-    def end(self):
-        self.process.kill()
-        self.process.wait()
-        self.process.stdout.close()
 
 
 class WithoutService(unittest.TestCase):
@@ -172,7 +147,7 @@ class Interrupted(Exception):
 
 class WithSimulator(unittest.TestCase):
     def setUp(self):
-        self.simulator = Simulator()
+        self.simulator = Simulator(OPTIONS.simulator)
         self.addCleanup(lambda: self.simulator.end())
         self.session = ipodkit.Session(settle=0.005, deadline=5)
         self.addCleanup(self.session.close)
@@ -429,7 +404,7 @@ class WithSimulator(unittest.TestCase):
 
         self.simulator.end()
         self.assertTrue(run_until(lambda: phases[-1] == "LOST"))
-        self.simulator = Simulator()
+        self.simulator = Simulator(OPTIONS.simulator)
         self.assertTrue(run_until(lambda: phases[-1] == "READY"))
 
         self.assertEqual(phases, ["READY", "LOST", "CONNECTING", "READY"])
