@@ -104,7 +104,7 @@ state through this library. It talks to the iPod service over the session bus
 and through shared memory.")
 
 if(TARGET ipodkit)
-  library_package(kit libipodkit1 ipodkit "libipodkit1 (>= ${PROJECT_VERSION})")
+  library_package(kit libipodkit2 ipodkit "libipodkit2 (>= ${PROJECT_VERSION})")
   set(CPACK_DEBIAN_KIT_PACKAGE_BREAKS "${undivided}")
   set(CPACK_DEBIAN_KIT_PACKAGE_REPLACES "${undivided}")
   set(CPACK_DEBIAN_KIT_DESCRIPTION "companion of the iPod client library

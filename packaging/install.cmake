@@ -46,7 +46,7 @@ endfunction()
 
 install_notices(runtime libipod1)
 if(TARGET ipodkit)
-  install_notices(kit libipodkit1)
+  install_notices(kit libipodkit2)
 endif()
 if(IPOD_MIDDLEWARE STREQUAL "host")
   install_notices(standin libqbxmiddleware-standin1)

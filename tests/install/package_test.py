@@ -13,7 +13,7 @@ import unittest
 from upgrade_test import field, run
 
 STANDIN = "libqbxmiddleware-standin1"
-LIBRARIES = {"libipod1": "libipod", "libipodkit1": "libipodkit", STANDIN: "libqbxmiddleware"}
+LIBRARIES = {"libipod1": "libipod", "libipodkit2": "libipodkit", STANDIN: "libqbxmiddleware"}
 
 
 def package(name):
