@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 """Shows what plays, for as long as it runs. Compare with now_playing.cpp."""
 import ipodkit
-from gi.repository import GLib
+from gi.repository import GLib  # type: ignore[import]
 
 
-def show(state, changed):
+def show(state: ipodkit.PlayerState, changed: frozenset[ipodkit.Field]) -> None:
     sign = ">" if state.status == ipodkit.PlayStatus.PLAYING else "="
     artist, title = (state.track.artist, state.track.title) if state.track else ("", "")
     print(f"[{state.phase.name}] {sign} {artist} - {title}", flush=True)

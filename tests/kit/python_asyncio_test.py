@@ -152,6 +152,19 @@ class Asyncio(unittest.IsolatedAsyncioTestCase):
         self.assertEqual(session.state.phase, ipodkit.Phase.READY)
 
 
+    async def test_the_example_follows_what_plays(self):
+        example = await asyncio.create_subprocess_exec(OPTIONS.interpreter, OPTIONS.example,
+                                                       stdout=asyncio.subprocess.PIPE)
+        try:
+            line = b""
+            while b" - " not in line or b"READY" not in line:
+                line = await asyncio.wait_for(example.stdout.readline(), LIMIT)
+                self.assertNotEqual(line, b"")
+        finally:
+            example.terminate()
+            await example.communicate()
+
+
 class WithoutService(unittest.IsolatedAsyncioTestCase):
     async def test_a_request_raises_a_connection_error(self):
         async with ipodkit.Session() as session:
@@ -171,6 +184,7 @@ class Errors(unittest.TestCase):
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--simulator", required=True)
+    parser.add_argument("--example", required=True)
     parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
     OPTIONS, rest = parser.parse_known_args()
     enter_private_namespace(OPTIONS.interpreter)

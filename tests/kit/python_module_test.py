@@ -2,6 +2,7 @@
 """Runs the Python module with the main loop of python3-gi, against the simulator on a bus and in a shared memory of
 its own."""
 import argparse
+import ast
 import asyncio
 import datetime
 import json
@@ -224,6 +225,21 @@ class WithSimulator(unittest.TestCase):
                 attribute = "data" if field == "hex" else field.removesuffix("_ms")
                 self.assertIn(attribute, attributes, name)
                 self.assertTrue(getattr(ipodkit.EVENTS[name], attribute).__doc__, f"{name}.{attribute}")
+
+    def test_the_stub_has_the_names_of_the_module(self):
+        with open(os.path.join(os.path.dirname(ipodkit.__file__), "__init__.pyi"), encoding="utf-8") as stub_file:
+            tree = ast.parse(stub_file.read())
+        classes = {node.name: node for node in tree.body if isinstance(node, ast.ClassDef)}
+        module = {name: value for name, value in vars(ipodkit).items() if isinstance(value, type)}
+        public = [name for name in module if not name.startswith("_")]
+        self.assertEqual(sorted(name for name in classes if not name.startswith("_")), sorted(public))
+        for name in public:
+            stated = {node.name for node in classes[name].body if isinstance(node, (ast.FunctionDef, ast.AsyncFunctionDef))}
+            stated |= {node.target.id for node in classes[name].body if isinstance(node, ast.AnnAssign)}
+            inherited = dir(Exception) + dir(ConnectionError) if issubclass(module[name], Exception) else ["name", "value"]
+            there = {each for each in dir(module[name]) if not each.startswith("_")} - set(inherited)
+            self.assertEqual({each for each in stated if not each.startswith("_")} - {"kind", "reason", "name"},
+                             there - {"name"}, name)
 
     def test_values_and_refusals_reach_the_completion(self):
         value, error = self.completed(self.session.commands.device_count())
