@@ -27,7 +27,9 @@ void BindErrors(py::module_& module)
         .value("NO_SHARED_MEMORY", ErrorKind::NoSharedMemory)
         .value("BAD_ARGUMENT", ErrorKind::BadArgument)
         .value("AMBIGUOUS", ErrorKind::Ambiguous)
-        .value("NO_STORAGE", ErrorKind::NoStorage);
+        .value("NO_STORAGE", ErrorKind::NoStorage)
+        .value("BUSY", ErrorKind::Busy)
+        .value("WOULD_DEADLOCK", ErrorKind::WouldDeadlock);
     errorType = PyErr_NewExceptionWithDoc("ipodkit.Error", kErrorDoc, nullptr, nullptr);
     if (!errorType) throw py::error_already_set();
     module.attr("Error") = errorType;
