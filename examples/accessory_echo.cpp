@@ -44,7 +44,7 @@ private:
         {
             if (!result) Report(result.error());
         };
-        if (!peer->Write(data, done)) std::fprintf(stderr, "%zu bytes dropped: too many are waiting\n", data.size());
+        peer->Write(data).Start(done);
     }
 
     static void Report(const Error& error) { std::fprintf(stderr, "%s\n", error.Text().c_str()); }

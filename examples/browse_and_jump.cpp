@@ -19,7 +19,7 @@ public:
 
     void Start()
     {
-        m_pager.Count(
+        m_pager.Count().Start(
             [this](const Result<int>& count)
             {
                 if (!count) return Fail(count.error());
@@ -33,13 +33,13 @@ private:
     {
         const int index = static_cast<int>(m_names.size());
         if (index >= m_count) return Show();
-        m_pager.At(index,
-                   [this](const Result<PagePtr>& page)
-                   {
-                       if (!page) return Fail(page.error());
-                       m_names.insert(m_names.end(), (*page)->names.begin(), (*page)->names.end());
-                       Next();
-                   });
+        m_pager.At(index).Start(
+            [this](const Result<PagePtr>& page)
+            {
+                if (!page) return Fail(page.error());
+                m_names.insert(m_names.end(), (*page)->names.begin(), (*page)->names.end());
+                Next();
+            });
     }
 
     void Show() const

@@ -74,9 +74,13 @@ bool InputPump::Pass(ipodkit::Bytes bytes)
     {
         if (!result && result.error().kind != ipodkit::ErrorKind::Cancelled) failed(result.error());
     };
-    if (m_peer->Write(bytes, sent)) return true;
-    m_held = std::move(bytes);
-    return false;
+    if (!m_peer->HasRoomFor(bytes.size()))
+    {
+        m_held = std::move(bytes);
+        return false;
+    }
+    m_peer->Write(std::move(bytes)).Start(sent);
+    return true;
 }
 
 void OutputPump::Use(int file)

@@ -212,7 +212,7 @@ void Browser::TogglePause()
     if (m_model.state->status == ipodkit::PlayStatus::Playing)
         m_session.Commands().Pause().Start(Report("the service did not pause"));
     else if (TakeAudioSource())
-        m_audio.Play(Report(kNotPlayed));
+        m_audio.Play().Start(Report(kNotPlayed));
 }
 
 void Browser::Play(int entry)

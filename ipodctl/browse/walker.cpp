@@ -113,7 +113,7 @@ void Walker::Restart()
     m_way.insert(m_way.end(), m_unreached.begin(), m_unreached.end());
     m_unreached.clear();
     m_model.LeaveAll();
-    m_names.EnterRoot(Asked<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
+    m_names.EnterRoot().Start(Asked<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
 }
 
 // What answers "false" to its root has no database at all; an error may mean anything.
@@ -152,7 +152,7 @@ void Walker::Rejoin(const std::string& why)
 // Nothing is shown before the first names are there: it would only flicker.
 void Walker::ReadLevel()
 {
-    m_names.Count(Asked<int>(
+    m_names.Count().Start(Asked<int>(
         [this](const ipodkit::Result<int>& count)
         {
             if (!count) return Unreadable(count.error());
@@ -170,8 +170,8 @@ void Walker::ReadOn()
     const int missing = names.Missing(seen, m_way.empty() ? m_model.Height() : 1);
     if (missing < 0) return BuildIndex();
     m_reading = true;
-    m_names.At(missing,
-               Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { PageArrived(page); }));
+    m_names.At(missing).Start(
+        Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { PageArrived(page); }));
 }
 
 void Walker::PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
@@ -227,18 +227,18 @@ void Walker::ForgetTheWay()
 void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
 {
     BeginStep();
-    m_names.EnterChild(entry, Asked<void>(
-                                  [=](const ipodkit::Result<void>& done)
-                                  {
-                                      if (done)
-                                      {
-                                          m_model.Enter(title, entry, cursor);
-                                          return ReadLevel();
-                                      }
-                                      PutOffTheWay();
-                                      Failed(done.error());
-                                      ReadOn();
-                                  }));
+    m_names.EnterChild(entry).Start(Asked<void>(
+        [=](const ipodkit::Result<void>& done)
+        {
+            if (done)
+            {
+                m_model.Enter(title, entry, cursor);
+                return ReadLevel();
+            }
+            PutOffTheWay();
+            Failed(done.error());
+            ReadOn();
+        }));
 }
 
 void Walker::Back()
@@ -248,7 +248,7 @@ void Walker::Back()
     m_rejoined = 0;
     ForgetTheWay();
     BeginStep();
-    m_names.EnterParent(Asked<void>(
+    m_names.EnterParent().Start(Asked<void>(
         [this](const ipodkit::Result<void>& done)
         {
             if (!done) return Rejoin("another program changed the level");
@@ -264,8 +264,8 @@ void Walker::Open(int entry)
     ForgetTheWay();
     m_moving = true;
     m_check.Refresh();
-    m_check.At(entry, Asked<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
-                                              { EntryChecked(entry, page); }));
+    m_check.At(entry).Start(Asked<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
+                                                    { EntryChecked(entry, page); }));
 }
 
 // The size of the level is checked by the page: asking for an entry that is not there is a mistake.

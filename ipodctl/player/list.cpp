@@ -31,15 +31,12 @@ List::List(Session& session, ipodkit::ListKind kind, int pageSize)
 
 int List::Count()
 {
-    const auto start = [this](const Session::Completion<int>& completion) { m_pager.Count(completion); };
-    return m_session.Taken(m_session.Await<int>(start));
+    return m_session.Taken(m_session.Await(m_pager.Count()));
 }
 
 ipodkit::Result<ipodkit::PagePtr> List::PageWith(int index)
 {
-    const auto start = [this, index](const Session::Completion<ipodkit::PagePtr>& completion)
-    { m_pager.At(index, completion); };
-    return m_session.Await<ipodkit::PagePtr>(start).map_error(WithCause);
+    return m_session.Await(m_pager.At(index)).map_error(WithCause);
 }
 
 std::vector<std::string> List::Names(int first, int end, const char* refusal)

@@ -26,9 +26,6 @@ struct Settings
 class Session
 {
 public:
-    template <class T>
-    using Completion = std::function<void(ipodkit::Result<T>)>;
-
     /// Connects to nothing yet: the first use does, so that a wrong argument is told without a service.
     explicit Session(const Settings& settings) : m_settings(settings), m_log(settings.verbose) {}
     ~Session();
@@ -55,15 +52,15 @@ public:
         return result;
     }
 
-    /// Starts something that the companion completes in the main loop, and waits for it.
+    /// Starts a request that the companion completes in the main loop, and waits for it.
     /// @throws Interrupted
     template <class T>
-    ipodkit::Result<T> Await(const std::function<void(Completion<T>)>& start)
+    ipodkit::Result<T> Await(ipodkit::Request<T> request)
     {
         const auto result = std::make_shared<std::optional<ipodkit::Result<T>>>();
         Loop loop;
         const std::weak_ptr<std::optional<ipodkit::Result<T>>> place = result;
-        start(
+        std::move(request).Start(
             [place, &loop](ipodkit::Result<T> completed)
             {
                 const auto waiting = place.lock();

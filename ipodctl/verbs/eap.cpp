@@ -170,7 +170,7 @@ Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, co
     {
         if (!result) loop.Guard([&] { throw ToFailure(result.error()); });
     };
-    peer.Write(Bytes(request.text.begin(), request.text.end()), sent);
+    peer.Write(Bytes(request.text.begin(), request.text.end())).Start(sent);
     const Ending ending = loop.Run(request.accessory.seconds);
     session.FlushLog();
     if (ending == Ending::Interrupted) throw Interrupted{};

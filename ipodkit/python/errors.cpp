@@ -37,6 +37,9 @@ const Kind kKinds[] = {
     {ErrorKind::BadArgument, "BAD_ARGUMENT", &PyExc_ValueError, "The request cannot be sent as it is."},
     {ErrorKind::Ambiguous, "AMBIGUOUS", nullptr, "Received bytes that may belong to several accessory sessions."},
     {ErrorKind::NoStorage, "NO_STORAGE", &PyExc_OSError, "A file cannot be written."},
+    {ErrorKind::Busy, "BUSY", nullptr, "An accessory session has enough bytes to send."},
+    {ErrorKind::WouldDeadlock, "WOULD_DEADLOCK", &PyExc_RuntimeError,
+     "Waiting on the thread of the loop that has to make the result."},
 };
 
 py::handle NewType(const std::string& name, const py::tuple& bases, const char* doc)

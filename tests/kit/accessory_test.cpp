@@ -115,7 +115,8 @@ TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
 
     EXPECT_TRUE(RunLoopUntil([&] { return closed; }));
     EXPECT_FALSE(peer->IsOpen());
-    EXPECT_FALSE(peer->Write({1}, [](const Result<void>&) {}));
+    EXPECT_FALSE(peer->HasRoomFor(1));
+    EXPECT_EQ(KindOf(Completed(peer->Write({1}))), ErrorKind::Cancelled);
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
@@ -165,9 +166,9 @@ TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveWholeAndInOrder)
     int done = 0;
     const auto count = [&done](const Result<void>& result) { done += result ? 1 : 100; };
 
-    EXPECT_TRUE(one->Write(bytes, count));
-    EXPECT_TRUE(other->Write(bytes, count));
-    EXPECT_TRUE(one->Write({1, 2}, count));
+    one->Write(bytes).Start(count);
+    other->Write(bytes).Start(count);
+    one->Write({1, 2}).Start(count);
 
     EXPECT_TRUE(RunLoopUntil([&] { return done == 3; }));
     EXPECT_EQ(written[2], bytes);
@@ -187,13 +188,16 @@ TEST_F(AccessoryTest, TakesNoMoreThanTheHighWaterMarkAndSaysWhenItDoesAgain)
     const Subscription watching = peer->OnDrained("test", [&drained] { drained = true; });
     const auto ignore = [](const Result<void>&) {};
 
-    EXPECT_TRUE(peer->Write(Bytes(5000), ignore));
-    EXPECT_FALSE(peer->Write(Bytes(1), ignore));
+    EXPECT_TRUE(peer->HasRoomFor(5000));
+    peer->Write(Bytes(5000)).Start(ignore);
+    EXPECT_FALSE(peer->HasRoomFor(1));
+    EXPECT_EQ(KindOf(Completed(peer->Write(Bytes(1)))), ErrorKind::Busy);
     EXPECT_TRUE(RunLoopUntil([&] { return drained; }));
 
-    EXPECT_TRUE(peer->Write(Bytes(900), ignore));
-    EXPECT_TRUE(peer->Write(Bytes(100), ignore));
-    EXPECT_FALSE(peer->Write(Bytes(1), ignore));
+    peer->Write(Bytes(900)).Start(ignore);
+    EXPECT_TRUE(peer->HasRoomFor(100));
+    peer->Write(Bytes(100)).Start(ignore);
+    EXPECT_FALSE(peer->HasRoomFor(1));
 }
 
 TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
@@ -204,15 +208,15 @@ TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
     std::vector<ErrorKind> kinds;
     const auto record = [&kinds](const Result<void>& result) { kinds.push_back(KindOf(result)); };
 
-    peer->Write({1}, record);
-    peer->Write({2}, record);
+    peer->Write({1}).Start(record);
+    peer->Write({2}).Start(record);
 
     EXPECT_TRUE(RunLoopUntil([&] { return kinds.size() == 2; }));
     EXPECT_THAT(kinds, testing::Each(ErrorKind::Refused));
     EXPECT_EQ(written[1], Bytes{1});
     accepting = true;
     bool again = false;
-    peer->Write({3}, [&again](const Result<void>& result) { again = result.has_value(); });
+    peer->Write({3}).Start([&again](const Result<void>& result) { again = result.has_value(); });
     EXPECT_TRUE(RunLoopUntil([&] { return again; }));
 }
 
@@ -227,8 +231,7 @@ TEST_F(AccessoryTest, SaysThatItTakesBytesAgainAfterAFailureToo)
     const auto failed = [&told](const Result<void>& result) { told.push_back(Name(KindOf(result))); };
     const Subscription watching = peer->OnDrained("test", [&told] { told.push_back("drained"); });
 
-    EXPECT_TRUE(peer->Write(Bytes(5000), failed));
-    EXPECT_FALSE(peer->Write(Bytes(1), failed));
+    peer->Write(Bytes(5000)).Start(failed);
 
     EXPECT_TRUE(RunLoopUntil([&] { return told.size() == 2; }));
     EXPECT_THAT(told, ElementsAre("Refused", "drained"));
@@ -245,8 +248,7 @@ TEST_F(AccessoryTest, AClosedSessionIsNotSaidToTakeBytesAgain)
     bool drained = false;
     const Subscription closing = peer->OnClosed("test", [&closed] { closed = true; });
     const Subscription watching = peer->OnDrained("test", [&drained] { drained = true; });
-    EXPECT_TRUE(peer->Write(Bytes(5000), [](const Result<void>&) {}));
-    EXPECT_FALSE(peer->Write(Bytes(1), [](const Result<void>&) {}));
+    peer->Write(Bytes(5000)).Start([](const Result<void>&) {});
 
     service.Emit("OnIpodStopEapSession", "(1,)");
 
@@ -262,9 +264,9 @@ TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
     const AccessorySessionPtr peer = OpenSession(port, 1);
     std::optional<Result<void>> result;
 
-    EXPECT_TRUE(peer->Write(Bytes(2 << 20), [&result](const Result<void>& done) { result = done; }));
+    peer->Write(Bytes(2 << 20)).Start([&result](const Result<void>& done) { result = done; });
 
-    EXPECT_FALSE(result) << "completed inside Write()";
+    EXPECT_FALSE(result) << "completed inside Start()";
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
 }
@@ -279,7 +281,7 @@ TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
     const std::size_t room = RoomForAccessoryBytes();
     std::optional<Result<void>> result;
 
-    EXPECT_TRUE(peer->Write(Bytes(large.chunk), [&result](const Result<void>& done) { result = done; }));
+    peer->Write(Bytes(large.chunk)).Start([&result](const Result<void>& done) { result = done; });
 
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
@@ -302,7 +304,7 @@ TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
     const auto count = [&done](const Result<void>& result) { done += result ? 1 : 100; };
 
     EXPECT_GT(size, 300'000U);
-    for (const std::size_t each : {size / 2, size, size}) EXPECT_TRUE(peer->Write(Bytes(each), count)) << each;
+    for (const std::size_t each : {size / 2, size, size}) peer->Write(Bytes(each)).Start(count);
 
     EXPECT_TRUE(RunLoopUntil([&] { return done == 3; }));
     EXPECT_EQ(largest, size);
@@ -326,7 +328,7 @@ TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
         appended->clear();
         for (std::size_t i = 0; i < size; ++i) appended->push_back('x');
         bool done = false;
-        EXPECT_TRUE(peer->Write(Bytes(size), [&done](const Result<void>& result) { done = result.has_value(); }));
+        peer->Write(Bytes(size)).Start([&done](const Result<void>& result) { done = result.has_value(); });
         EXPECT_TRUE(RunLoopUntil([&] { return done; }));
 
         EXPECT_EQ(shared.Buffer("VecEapWriteBufferShareMemory").capacity(), appended->capacity()) << size;
@@ -362,7 +364,7 @@ TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
     std::optional<Result<void>> result;
     const Ticker ticker;
 
-    EXPECT_TRUE(peer->Write(Bytes(5000), [&result](const Result<void>& done) { result = done; }));
+    peer->Write(Bytes(5000)).Start([&result](const Result<void>& done) { result = done; });
 
     ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
     EXPECT_LE(ticker.Longest(), 1s);
@@ -376,7 +378,7 @@ TEST_F(AccessoryTest, TheSessionMayEndWhileTheBufferGrows)
     const AccessorySessionPtr peer = OpenSession(port, 1);
     std::vector<ErrorKind> kinds;
 
-    EXPECT_TRUE(peer->Write(Bytes(16000), [&kinds](const Result<void>& done) { kinds.push_back(KindOf(done)); }));
+    peer->Write(Bytes(16000)).Start([&kinds](const Result<void>& done) { kinds.push_back(KindOf(done)); });
     session.reset();
 
     RunLoopFor(100ms);
@@ -400,7 +402,7 @@ TEST_F(AccessoryTest, SessionsEndWithTheService)
     const AccessorySessionPtr peer = OpenSession(port, 1);
     service.Hold("EapWrite");
     std::optional<Result<void>> result;
-    peer->Write({1}, [&result](const Result<void>& done) { result = done; });
+    peer->Write({1}).Start([&result](const Result<void>& done) { result = done; });
 
     service.Vanish();
 
@@ -415,13 +417,14 @@ TEST_F(AccessoryTest, SessionsEndWithTheSessionThatTheyBelongTo)
     service.Hold("EapWrite");
     std::vector<std::string> told;
     const Subscription closing = peer->OnClosed("test", [&told] { told.push_back("closed"); });
-    peer->Write({1}, [&told](const Result<void>& done) { told.push_back(Name(KindOf(done))); });
+    peer->Write({1}).Start([&told](const Result<void>& done) { told.push_back(Name(KindOf(done))); });
 
     session.reset();
 
     EXPECT_THAT(told, ElementsAre("Cancelled", "closed"));
     EXPECT_FALSE(peer->IsOpen());
-    EXPECT_FALSE(peer->Write({2}, [](const Result<void>&) {}));
+    EXPECT_FALSE(peer->HasRoomFor(1));
+    EXPECT_EQ(KindOf(Completed(peer->Write({2}))), ErrorKind::Cancelled);
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 

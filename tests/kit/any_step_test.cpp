@@ -99,7 +99,7 @@ TEST_F(AnyStepTest, APagerMayEnd)
         int completed = 0;
         {
             Pager pager(*session, ListKind::Playing);
-            pager.At(1, [&completed](const Result<PagePtr>&) { ++completed; });
+            pager.At(1).Start([&completed](const Result<PagePtr>&) { ++completed; });
             Turn(step % 20);
         }
         EXPECT_EQ(completed, 1);
@@ -107,7 +107,7 @@ TEST_F(AnyStepTest, APagerMayEnd)
 
     Pager pager(*session, ListKind::Playing);
     std::optional<Result<PagePtr>> page;
-    pager.At(1, [&page](Result<PagePtr> got) { page = std::move(got); });
+    pager.At(1).Start([&page](Result<PagePtr> got) { page = std::move(got); });
     ASSERT_TRUE(RunLoopUntil([&] { return page.has_value(); }));
     EXPECT_EQ(page->value()->At(1), "b");
 }
@@ -124,7 +124,7 @@ TEST_F(AnyStepTest, AnAccessoryPortMayEndWhileItWrites)
             AccessoryOptions small;
             small.chunk = 10;
             AccessoryPort port(*session, small);
-            port.Sessions().at(0)->Write(Bytes(100), [&completed](const Result<void>&) { ++completed; });
+            port.Sessions().at(0)->Write(Bytes(100)).Start([&completed](const Result<void>&) { ++completed; });
             Turn(step);
         }
         EXPECT_EQ(completed, 1);

@@ -21,7 +21,7 @@ protected:
     Result<void> Play(AudioSource& source, PlayOption option = PlayOption::Start)
     {
         std::optional<Result<void>> result;
-        source.Play([&result](const Result<void>& done) { result = done; }, option);
+        source.Play(option).Start([&result](const Result<void>& done) { result = done; });
         EXPECT_FALSE(result);
         EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
         return *result;

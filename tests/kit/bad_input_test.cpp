@@ -22,7 +22,7 @@ protected:
     Result<PagePtr> Get(Pager& pager, int index)
     {
         std::optional<Result<PagePtr>> result;
-        pager.At(index, [&result](Result<PagePtr> page) { result = std::move(page); });
+        pager.At(index).Start([&result](Result<PagePtr> page) { result = std::move(page); });
         EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
         return *result;
     }
@@ -145,7 +145,7 @@ TEST_F(BadInputTest, ARestartInTheMiddleOfAPageCancelsItAndTheNextOneIsRight)
     Ready();
     Pager pager(*session, ListKind::Playing);
     std::optional<Result<PagePtr>> result;
-    pager.At(0, [&result](Result<PagePtr> page) { result = std::move(page); });
+    pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
     const auto asked = [&]
     {
         const std::vector<std::string> calls = service.Calls();

@@ -55,7 +55,7 @@ protected:
     Result<PagePtr> Get(Pager& pager, int index)
     {
         std::optional<Result<PagePtr>> result;
-        pager.At(index, [&result](Result<PagePtr> page) { result = std::move(page); });
+        pager.At(index).Start([&result](Result<PagePtr> page) { result = std::move(page); });
         EXPECT_FALSE(result);
         EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
         return *result;
@@ -194,7 +194,8 @@ TEST_F(PagerTest, SeveralRequestsForOnePageAreOneCall)
 {
     Pager pager(*session, ListKind::Database, NoPrefetch());
     int completed = 0;
-    for (int i = 0; i < 5; ++i) pager.At(i, [&completed](const Result<PagePtr>& page) { completed += page ? 1 : 100; });
+    for (int i = 0; i < 5; ++i)
+        pager.At(i).Start([&completed](const Result<PagePtr>& page) { completed += page ? 1 : 100; });
 
     EXPECT_TRUE(RunLoopUntil([&] { return completed == 5; }));
 
@@ -232,12 +233,12 @@ TEST_F(PagerTest, TwoPagersOfOneListTakeTurns)
     for (int i = 0; i < 1000; i += 50)
     {
         Pager& pager = i % 100 == 0 ? one : other;
-        pager.At(i,
-                 [&, i](const Result<PagePtr>& page)
-                 {
-                     ++completed;
-                     if (!page || (*page)->At(i) != "DB " + std::to_string(i)) wrong.push_back(std::to_string(i));
-                 });
+        pager.At(i).Start(
+            [&, i](const Result<PagePtr>& page)
+            {
+                ++completed;
+                if (!page || (*page)->At(i) != "DB " + std::to_string(i)) wrong.push_back(std::to_string(i));
+            });
     }
 
     EXPECT_TRUE(RunLoopUntil([&] { return completed == 20; }));
@@ -253,9 +254,9 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
     int outdated = 0;
     const Subscription watching = pinyin.OnOutdated("watching", [&outdated] { ++outdated; });
     std::optional<Result<PagePtr>> late;
-    names.At(500, [&late](Result<PagePtr> page) { late = std::move(page); });
+    names.At(500).Start([&late](Result<PagePtr> page) { late = std::move(page); });
     std::optional<Result<void>> entered;
-    names.EnterChild(3, [&entered](Result<void> result) { entered = std::move(result); });
+    names.EnterChild(3).Start([&entered](Result<void> result) { entered = std::move(result); });
 
     ASSERT_TRUE(late);
     EXPECT_EQ(KindOf(*late), ErrorKind::Cancelled);
@@ -282,10 +283,10 @@ TEST_F(PagerTest, AChangeOfLevelCancelsThousandsOfPages)
     (void)Get(pager, 0);
     int cancelled = 0;
     for (int i = 1; i < kPages; ++i)
-        pager.At(i, [&cancelled](const Result<PagePtr>& page) { cancelled += page ? 0 : 1; });
+        pager.At(i).Start([&cancelled](const Result<PagePtr>& page) { cancelled += page ? 0 : 1; });
     std::optional<Result<void>> entered;
 
-    pager.EnterRoot([&entered](Result<void> result) { entered = std::move(result); });
+    pager.EnterRoot().Start([&entered](Result<void> result) { entered = std::move(result); });
 
     EXPECT_EQ(cancelled, kPages - 1);
     EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
@@ -297,7 +298,7 @@ TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
     Pager pager(*session, ListKind::Playing);
     std::optional<Result<void>> entered;
 
-    pager.EnterRoot([&entered](Result<void> result) { entered = std::move(result); });
+    pager.EnterRoot().Start([&entered](Result<void> result) { entered = std::move(result); });
 
     EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
     EXPECT_EQ(KindOf(*entered), ErrorKind::BadArgument);
@@ -308,7 +309,7 @@ TEST_F(PagerTest, ARestartInTheMiddleOfAPageCancels)
     service.Hold("GetPlayingListItems");
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     std::optional<Result<PagePtr>> result;
-    pager.At(0, [&result](Result<PagePtr> page) { result = std::move(page); });
+    pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
     ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(0, 49)") == 1; }));
 
     service.Vanish();
@@ -348,7 +349,7 @@ TEST_F(PagerTest, APageThatAChangeOfItsListOvertookIsCancelled)
                       answered.set_value();
                   });
     std::optional<Result<PagePtr>> result;
-    pager.At(50, [&result](Result<PagePtr> page) { result = std::move(page); });
+    pager.At(50).Start([&result](Result<PagePtr> page) { result = std::move(page); });
     ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(50, 99)") == 1; }));
 
     go.set_value();
@@ -518,10 +519,10 @@ TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
     (void)Get(pager, 0);
     int outdated = 0;
     const Subscription watching = pager.OnOutdated("watching", [&outdated] { ++outdated; });
-    pager.At(10, Into(pages));
-    pager.At(50, Into(pages));
-    pager.At(100, Into(pages));
-    pager.Count(Into(counts));
+    pager.At(10).Start(Into(pages));
+    pager.At(50).Start(Into(pages));
+    pager.At(100).Start(Into(pages));
+    pager.Count().Start(Into(counts));
 
     session.reset();
 
@@ -529,9 +530,9 @@ TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
     EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
     EXPECT_EQ(pager.Cached(0), nullptr);
     pager.Refresh();
-    pager.At(10, Into(pages));
-    pager.Count(Into(counts));
-    pager.EnterRoot(Into(entered));
+    pager.At(10).Start(Into(pages));
+    pager.Count().Start(Into(counts));
+    pager.EnterRoot().Start(Into(entered));
     EXPECT_TRUE(RunLoopUntil([&] { return pages.size() == 4 && counts.size() == 2 && entered.size() == 1; }));
     EXPECT_EQ(KindOf(pages.back()), ErrorKind::Cancelled);
     EXPECT_EQ(pages.back().error().reason, "the session ended");
@@ -545,7 +546,7 @@ TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
     std::optional<Result<PagePtr>> result;
     {
         Pager pager(*session, ListKind::Playing);
-        pager.At(0, [&result](Result<PagePtr> page) { result = std::move(page); });
+        pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
     }
 
     ASSERT_TRUE(result);
@@ -562,7 +563,7 @@ TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
     const Subscription watching = other.OnOutdated("watching", [&outdated] { ++outdated; });
     {
         Pager pager(*session, ListKind::Database);
-        pager.EnterChild(3, Into(entered));
+        pager.EnterChild(3).Start(Into(entered));
         ASSERT_TRUE(RunUntilCalled("EnterDbChildList(3,)"));
     }
     EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
@@ -581,17 +582,17 @@ TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
     std::vector<Result<void>> entered;
     service.Hold("GetCurDbListItems");
     Pager other(*session, ListKind::Database, NoPrefetch());
-    other.At(0, Into(pages));
+    other.At(0).Start(Into(pages));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
     {
         Pager pager(*session, ListKind::Database);
-        pager.EnterChild(3, Into(entered));
+        pager.EnterChild(3).Start(Into(entered));
         RunLoopFor(20ms);
     }
     EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
 
     AnswerHeldPage("x");
-    other.At(0, Into(pages));
+    other.At(0).Start(Into(pages));
 
     EXPECT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)", 2));
     EXPECT_EQ(Calls("EnterDbChildList(3,)"), 0);
@@ -606,10 +607,10 @@ TEST_F(PagerTest, ItsEndCancelsWhatItKnowsAlready)
     {
         Pager pager(*session, ListKind::Playing, NoPrefetch());
         (void)Get(pager, 0);
-        pager.At(10, Into(pages));
-        pager.At(-1, Into(pages));
-        pager.Count(Into(counts));
-        pager.EnterRoot(Into(entered));
+        pager.At(10).Start(Into(pages));
+        pager.At(-1).Start(Into(pages));
+        pager.Count().Start(Into(counts));
+        pager.EnterRoot().Start(Into(entered));
     }
 
     EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
@@ -624,15 +625,15 @@ TEST_F(PagerTest, ItsEndInACompletionCancelsTheOthers)
     std::vector<Result<PagePtr>> pages;
     auto pager = std::make_unique<Pager>(*session, ListKind::Playing, NoPrefetch());
     (void)Get(*pager, 0);
-    pager->At(50,
-              [&](const Result<PagePtr>& page)
-              {
-                  EXPECT_TRUE(page);
-                  pager.reset();
-                  EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
-              });
-    pager->At(60, Into(pages));
-    pager->At(100, Into(pages));
+    pager->At(50).Start(
+        [&](const Result<PagePtr>& page)
+        {
+            EXPECT_TRUE(page);
+            pager.reset();
+            EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+        });
+    pager->At(60).Start(Into(pages));
+    pager->At(100).Start(Into(pages));
 
     EXPECT_TRUE(RunLoopUntil([&] { return pager == nullptr; }));
 
@@ -645,9 +646,9 @@ TEST_F(PagerTest, MayEndInACompletionThatAChangeOfLevelCancels)
     std::vector<Result<void>> entered;
     service.Answer("EnterDbRoot", "(true,)");
     auto pager = std::make_unique<Pager>(*session, ListKind::Database);
-    pager->At(0, [&pager](const Result<PagePtr>&) { pager.reset(); });
+    pager->At(0).Start([&pager](const Result<PagePtr>&) { pager.reset(); });
 
-    pager->EnterRoot(Into(entered));
+    pager->EnterRoot().Start(Into(entered));
 
     EXPECT_EQ(pager, nullptr);
     EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
@@ -661,14 +662,14 @@ TEST_F(PagerTest, MayEndInACompletionThatRefreshCancels)
     std::vector<Result<PagePtr>> pages;
     auto pager = std::make_unique<Pager>(*session, ListKind::Database, NoPrefetch());
     (void)Get(*pager, 0);
-    pager->At(50,
-              [&](const Result<PagePtr>&)
-              {
-                  pager.reset();
-                  EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
-              });
-    pager->At(60, Into(pages));
-    pager->At(100, Into(pages));
+    pager->At(50).Start(
+        [&](const Result<PagePtr>&)
+        {
+            pager.reset();
+            EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+        });
+    pager->At(60).Start(Into(pages));
+    pager->At(100).Start(Into(pages));
 
     pager->Refresh();
 
@@ -683,9 +684,9 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAPageFromTheCache)
     service.Answer("EnterDbChildList", "(true,)");
     Pager pager(*session, ListKind::Database, NoPrefetch());
     (void)Get(pager, 0);
-    pager.At(10, Into(pages));
+    pager.At(10).Start(Into(pages));
 
-    pager.EnterChild(3, Into(entered));
+    pager.EnterChild(3).Start(Into(entered));
 
     EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled));
     EXPECT_TRUE(RunLoopUntil([&] { return !entered.empty(); }));
@@ -698,12 +699,12 @@ TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
     std::vector<Result<int>> after;
     service.Hold("GetCurDbListItemsAmount");
     Pager pager(*session, ListKind::Database);
-    pager.Count(Into(before));
+    pager.Count().Start(Into(before));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)"));
 
     pager.Refresh();
     EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
-    pager.Count(Into(after));
+    pager.Count().Start(Into(after));
     service.AnswerHeld("(1000,)");
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)", 2));
     service.AnswerHeld("(10,)");
@@ -719,12 +720,12 @@ TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
     std::vector<Result<PagePtr>> after;
     Pager pager(*session, ListKind::Update, NoPrefetch());
     service.Hold("GetUpdateListItems");
-    pager.At(0, Into(before));
+    pager.At(0).Start(Into(before));
     ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)"));
 
     pager.Refresh();
     EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
-    pager.At(0, Into(after));
+    pager.At(0).Start(Into(after));
     shared.SetList("VecUpdateListShareMemory", {"old"});
     service.AnswerHeld("(true,)");
     ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)", 2));
@@ -740,16 +741,16 @@ TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
 {
     std::vector<Result<int>> counts;
     Pager pager(*session, ListKind::Database);
-    pager.At(0,
-             [&](const Result<PagePtr>& page)
-             {
-                 EXPECT_TRUE(page);
-                 service.Hold("GetCurDbListItems");
-             });
+    pager.At(0).Start(
+        [&](const Result<PagePtr>& page)
+        {
+            EXPECT_TRUE(page);
+            service.Hold("GetCurDbListItems");
+        });
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(50, 99)"));
 
     pager.Refresh();
-    pager.Count(Into(counts));
+    pager.Count().Start(Into(counts));
     AnswerHeldPage("old");
 
     EXPECT_TRUE(RunLoopUntil([&] { return !counts.empty(); }));
@@ -762,9 +763,9 @@ TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
     std::vector<Result<int>> counts;
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
-    pager.At(10, Into(pages));
-    pager.At(50, Into(pages));
-    pager.Count(Into(counts));
+    pager.At(10).Start(Into(pages));
+    pager.At(50).Start(Into(pages));
+    pager.Count().Start(Into(counts));
 
     pager.Refresh();
 
@@ -785,24 +786,29 @@ struct UpdateList
 
 class UpdateListTest : public PagerTest, public testing::WithParamInterface<UpdateList>
 {
+protected:
+    void Serve(const UpdateList& list)
+    {
+        service.React("GetUpdateListItems",
+                      [this, list](GDBusMethodInvocation* call)
+                      {
+                          int first = 0;
+                          int last = 0;
+                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
+                          if (!list.heedsTheRange) first = 0;
+                          std::vector<std::string> names;
+                          for (int i = first; i <= last && i < list.size; ++i) names.push_back(std::to_string(i));
+                          shared.SetList("VecUpdateListShareMemory", names);
+                          const gboolean answer = list.filled || !names.empty();
+                          g_dbus_method_invocation_return_value(call, g_variant_new("(b)", answer));
+                      });
+    }
 };
 
 TEST_P(UpdateListTest, NoPageIsGivenForAnEntryThatIsNotThere)
 {
     const UpdateList list = GetParam();
-    service.React("GetUpdateListItems",
-                  [this, list](GDBusMethodInvocation* call)
-                  {
-                      int first = 0;
-                      int last = 0;
-                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
-                      if (!list.heedsTheRange) first = 0;
-                      std::vector<std::string> names;
-                      for (int i = first; i <= last && i < list.size; ++i) names.push_back(std::to_string(i));
-                      shared.SetList("VecUpdateListShareMemory", names);
-                      const gboolean answer = list.filled || !names.empty();
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", answer));
-                  });
+    Serve(list);
     Pager pager(*session, ListKind::Update);
 
     EXPECT_EQ(KindOf(Get(pager, 300)), ErrorKind::BadArgument);
@@ -811,12 +817,123 @@ TEST_P(UpdateListTest, NoPageIsGivenForAnEntryThatIsNotThere)
     EXPECT_EQ(KindOf(Get(pager, list.size)), ErrorKind::BadArgument);
 }
 
+TEST_P(UpdateListTest, ARangeEndsWhereTheListDoes)
+{
+    Serve(GetParam());
+    Pager pager(*session, ListKind::Update);
+
+    EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().size(), static_cast<std::size_t>(GetParam().size));
+    EXPECT_EQ(Completed(pager.Range(3, 5)).value(), (std::vector<std::string>{"3", "4", "5"}));
+}
+
 INSTANTIATE_TEST_SUITE_P(Lists, UpdateListTest,
                          testing::Values(UpdateList{"Short", 7, true, true},
                                          UpdateList{"ShortAndRefusedBeyondItsEnd", 7, true, false},
                                          UpdateList{"ShortAndAlwaysWhole", 7, false, true},
-                                         UpdateList{"Long", 123, true, true}),
+                                         UpdateList{"Long", 123, true, true},
+                                         UpdateList{"OfFullPages", 100, true, true}),
                          [](const auto& list) { return std::string(list.param.name); });
+
+TEST_F(PagerTest, ReadsARangeOfNames)
+{
+    Pager pager(*session, ListKind::Database);
+
+    const std::vector<std::string> names = Completed(pager.Range(40, 160)).value();
+
+    ASSERT_EQ(names.size(), 121U);
+    for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(names[i], "DB " + std::to_string(40 + i));
+}
+
+TEST_F(PagerTest, ReadsAllNamesToTheEnd)
+{
+    SetSize(123);
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+
+    EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().size(), 123U);
+    EXPECT_EQ(Completed(pager.Range(120, Pager::End)).value().back(), "DB 122");
+    EXPECT_EQ(Completed(pager.Range(122, 122)).value().size(), 1U);
+}
+
+TEST_F(PagerTest, ARangeOfAnEmptyListIsEmpty)
+{
+    SetSize(0);
+    Pager pager(*session, ListKind::Database);
+
+    EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().size(), 0U);
+    EXPECT_EQ(KindOf(Completed(pager.Range(0, 0))), ErrorKind::BadArgument);
+}
+
+TEST_F(PagerTest, ARangeThatDoesNotExistIsABadArgument)
+{
+    Pager pager(*session, ListKind::Database);
+
+    EXPECT_EQ(KindOf(Completed(pager.Range(-1, 5))), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Completed(pager.Range(5, 4))), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Completed(pager.Range(990, 1000))), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Completed(pager.Range(1001, Pager::End))), ErrorKind::BadArgument);
+}
+
+TEST_F(PagerTest, ARangeIsCancelledWhenItsListChanges)
+{
+    service.Answer("EnterDbRoot", "(true,)");
+    service.Hold("GetCurDbListItems");
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    std::optional<Result<std::vector<std::string>>> result;
+    pager.Range(0, Pager::End).Start([&result](auto names) { result = std::move(names); });
+    ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
+
+    session->Commands().EnterRoot().Start([](Result<void>) {});
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+}
+
+TEST_F(PagerTest, ARangeFromTheCacheDoesNotFillTheStack)
+{
+    constexpr int kPages = 100000;
+    SetSize(kPages);
+    PagerOptions large = NoPrefetch();
+    large.pageSize = 1000;
+    large.cachedPages = kPages;
+    Pager pager(*session, ListKind::Database, large);
+    EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().size(), static_cast<std::size_t>(kPages));
+    const std::size_t calls = service.Calls().size();
+
+    EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().back(), "DB 99999");
+
+    EXPECT_EQ(service.Calls().size(), calls);
+}
+
+TEST_F(PagerTest, OptionsThatAreOutOfRangeAreABadArgument)
+{
+    PagerOptions none;
+    none.pageSize = 0;
+    PagerOptions backward;
+    backward.prefetch = -1;
+    for (const PagerOptions& bad : {none, backward})
+    {
+        Pager pager(*session, ListKind::Database, bad);
+        EXPECT_EQ(KindOf(Completed(pager.Count())), ErrorKind::BadArgument);
+        EXPECT_EQ(KindOf(Completed(pager.At(0))), ErrorKind::BadArgument);
+        EXPECT_EQ(KindOf(Completed(pager.Range(0, Pager::End))), ErrorKind::BadArgument);
+    }
+}
+
+TEST_F(PagerTest, ARangeOfFullPagesEndsWhereTheServiceRefuses)
+{
+    service.React("GetUpdateListItems",
+                  [this](GDBusMethodInvocation* call)
+                  {
+                      int first = 0;
+                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, nullptr);
+                      shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(50, "x"));
+                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", first < 100));
+                  });
+    Pager pager(*session, ListKind::Update);
+
+    EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().size(), 100U);
+    EXPECT_EQ(KindOf(Completed(pager.Range(0, 100))), ErrorKind::Refused);
+}
 
 TEST_F(PagerTest, WalksFiftyThousandEntries)
 {

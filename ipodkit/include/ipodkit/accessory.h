@@ -30,7 +30,7 @@ using Bytes = std::vector<unsigned char>;
 struct AccessoryOptions
 {
     std::size_t chunk = 1 << 14;      ///< bytes per call of the service; see RoomForAccessoryBytes()
-    std::size_t highWater = 1 << 18;  ///< a session takes no more bytes while so many are waiting
+    std::size_t highWater = 1 << 18;  ///< a session accepts no more bytes while so many are waiting
 };
 
 /// How many bytes the write buffer takes at once now; 0 while it is not attached. More would use up the segment, from
@@ -45,27 +45,34 @@ std::size_t RoomForAccessoryBytes();
 class AccessorySession
 {
 public:
-    using Completion = std::function<void(Result<void>)>;
     using DataCallback = std::function<void(const Result<Bytes>&)>;
 
     std::uint16_t Number() const;
     unsigned char Protocol() const;  ///< index of its protocol among those announced
     bool IsOpen() const;
 
-    /// Sends bytes after those that were taken before. False when the session is closed or too many bytes are waiting:
-    /// then nothing was taken. Of a session that is open, OnDrained() tells when to try again, also after an error. Any
-    /// amount is taken when nothing is waiting.
+    /// Sends bytes, after those of the writes that were started before. The result comes when the service has accepted
+    /// the last byte. Each chunk has the session's deadline; Within() limits the whole.
     ///
-    /// The completion comes when the service has accepted the last byte, in the session's context, never inside
-    /// Write(). After an error everything taken so far completes with that error; bytes taken afterwards are sent
-    /// again, and the stream has a gap.
-    bool Write(Bytes bytes, Completion completion);
+    /// ErrorKind::Busy when HasRoomFor() was false at the start: then nothing was taken. ErrorKind::Cancelled when the
+    /// session is closed. After any other error everything taken so far completes with that error; bytes taken
+    /// afterwards are sent again, and the stream has a gap. A write that is withdrawn before its first chunk leaves
+    /// none; one that is withdrawn later counts as such an error.
+    ///
+    /// Any thread may make and start it.
+    Request<void> Write(Bytes bytes);
+
+    /// Whether Write() would take so many bytes now. Any amount is taken when nothing is waiting.
+    bool HasRoomFor(std::size_t bytes) const;
 
     /// Bytes that were taken and not accepted yet.
     std::size_t Waiting() const;
 
     Subscription OnData(std::string name, DataCallback callback);
+
+    /// Called each time that nothing is waiting any more, also after an error, while the session is open.
     Subscription OnDrained(std::string name, std::function<void()> callback);
+
     Subscription OnClosed(std::string name, std::function<void()> callback);
 
     class Impl;

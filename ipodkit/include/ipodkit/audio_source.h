@@ -4,7 +4,7 @@
 ///     AudioSource source(session, 0);
 ///     source.Request();                    // asks the audio-source manager
 ///     …the manager activates the source: source.Activated(confirmation);
-///     source.Play([](Result<void> done) { … });
+///     source.Play().Start([](Result<void> done) { … });
 ///
 /// The manager tells the application, not the player, when it activates or deactivates a source; the application hands
 /// that on. Playback that the manager interrupted for a while goes on by itself when it activates the source again.
@@ -46,8 +46,6 @@ struct AudioTransition
 class AudioSource
 {
 public:
-    using Completion = std::function<void(Result<void>)>;
-
     /// @param number  0 or 1: the manager's source 10 or 11
     AudioSource(Session& session, int number);
 
@@ -77,8 +75,9 @@ public:
     void Deactivated(int confirmation, bool forAWhile);
     /// @}
 
-    /// Starts playback. ErrorKind::Refused unless the manager says that the source is active.
-    void Play(Completion completion, PlayOption option = PlayOption::Start);
+    /// Starts playback. ErrorKind::Refused unless the source is active, according to the manager, when the request
+    /// starts. Any thread may make and start it.
+    ipodkit::Request<void> Play(PlayOption option = PlayOption::Start);
 
     /// Gives the source back to the manager.
     void Release();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #pragma GCC visibility push(default)
 
@@ -23,10 +24,15 @@ public:
     void Cancel() const;
     bool Cancelled() const;
 
+    /// A switch that is thrown as soon as one of the two is.
+    static Cancellation Either(const Cancellation& one, const Cancellation& other);
+
     /// For GLib functions; owned by this object.
     _GCancellable* Native() const { return m_native.get(); }
 
 private:
+    explicit Cancellation(std::shared_ptr<_GCancellable> native) : m_native(std::move(native)) {}
+
     std::shared_ptr<_GCancellable> m_native;
 };
 }  // namespace ipodkit

@@ -23,6 +23,8 @@ enum class ErrorKind
     BadArgument,     ///< the request cannot be sent as it is; nothing was sent
     Ambiguous,       ///< received bytes that may belong to more than one accessory session
     NoStorage,       ///< a file cannot be written
+    Busy,            ///< an accessory session has enough bytes to send; nothing was taken
+    WouldDeadlock,   ///< waiting on the thread that runs the session's context, where the result would come
 };
 
 /// "TimedOut" for ErrorKind::TimedOut.

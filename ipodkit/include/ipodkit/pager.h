@@ -2,8 +2,9 @@
 /// Random access to the lists of the device, page by page.
 ///
 ///     Pager songs(session, ListKind::Database);
-///     songs.Count([&](Result<int> count) { … });
-///     songs.At(1234, [&](Result<PagePtr> page) { show((*page)->At(1234)); });
+///     songs.Count().Start([&](Result<int> count) { … });
+///     songs.At(1234).Within(1s).Start([&](Result<PagePtr> page) { show((*page)->At(1234)); });
+///     songs.Range(0, Pager::End).CancelledBy(closed).Start([&](Result<std::vector<std::string>> names) { … });
 ///
 /// **Never a wrong page.** All pagers of a session take turns at lists that share state in the service. A page is
 /// checked against the request. The pager forgets everything when its list is replaced or reordered, its level or
@@ -15,8 +16,8 @@
 /// **End of the session.** A pager that outlives its session has no pages, and its requests complete with
 /// ErrorKind::Cancelled. They complete before the session's destructor returns, those made afterwards in its context.
 ///
-/// **Context thread only.** Completions run in the session's context, exactly once, and never inside the operation
-/// that took them. They may end the pager.
+/// **Threads.** Requests may be made and started on any thread while the pager lives; all else belongs to the context's
+/// thread. Completions may end the pager.
 #pragma once
 
 #include <ipodkit/list_kind.h>
@@ -24,6 +25,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,19 +53,19 @@ struct Page
 
 using PagePtr = std::shared_ptr<const Page>;
 
+/// Out of range, every request of the pager completes with ErrorKind::BadArgument.
 struct PagerOptions
 {
     int pageSize = 50;              ///< entries; at least 1
-    std::size_t cachedPages = 100;  ///< the least recently used are forgotten
-    int prefetch = 1;               ///< pages to fetch ahead, in the direction of the last two requests
+    std::size_t cachedPages = 100;  ///< the least recently used are forgotten; 0 counts as 1
+    int prefetch = 1;               ///< pages to fetch ahead, in the direction of the last two requests; at least 0
 };
 
 class Pager
 {
 public:
-    using CountCompletion = std::function<void(Result<int>)>;
-    using PageCompletion = std::function<void(Result<PagePtr>)>;
-    using Completion = std::function<void(Result<void>)>;
+    /// The last entry, for Range().
+    static constexpr int End = std::numeric_limits<int>::max();
 
     Pager(Session& session, ListKind kind, const PagerOptions& options = {});
 
@@ -74,28 +76,34 @@ public:
     Pager& operator=(const Pager&) = delete;
 
     /// Number of entries. ErrorKind::BadArgument for the update lists.
-    void Count(CountCompletion completion);
+    Request<int> Count();
 
     /// The page that holds an entry. ErrorKind::BadArgument when there is no such entry.
     ///
     /// The update lists report no size. There the first page is requested before any other, and a page that is not
     /// full shows where the list ends; beyond the end of a longer list, a service may also answer with
     /// ErrorKind::Refused.
-    void At(int index, PageCompletion completion);
+    Request<PagePtr> At(int index);
 
-    /// The same from the cache; null when the page is not there, or does not hold the entry.
+    /// The names of the entries from @p first to @p last, both included, read page by page; none when the list is empty
+    /// and the whole of it is requested, as by Range(0, End). All of them are of the same list: when it changes in
+    /// between, the result is ErrorKind::Cancelled. Each page has the session's deadline; Within() limits them
+    /// together. ErrorKind::BadArgument when @p last is less than @p first, or an entry does not exist.
+    Request<std::vector<std::string>> Range(int first, int last);
+
+    /// The page that holds an entry, from the cache; null when the page is not there, or does not hold the entry.
     PagePtr Cached(int index) const;
 
-    /// @name Change of level, for the database lists. Every pager of the database starts afresh, at the moment of
-    /// the call: what was asked for before is cancelled.
+    /// @name Change of level, for the database lists. Every pager of the database starts afresh, at the moment the
+    /// request starts: what was requested before is cancelled.
     /// @{
-    void EnterRoot(Completion completion);
-    void EnterParent(Completion completion);
-    void EnterChild(int index, Completion completion);
+    Request<void> EnterRoot();
+    Request<void> EnterParent();
+    Request<void> EnterChild(int index);
     /// @}
 
-    /// Forgets everything; for lists that changed without an event. What was asked for before is cancelled, before
-    /// this returns, and its answer is dropped when it comes; what is asked for afterwards is asked of the service.
+    /// Forgets everything; for lists that changed without an event. What was requested before is cancelled, before
+    /// this returns, and its answer is dropped when it comes; what is requested afterwards is read from the service.
     void Refresh();
 
     /// Called when all pages are outdated: the level, the list, the device or the service changed. Not called when the

@@ -1,108 +1,261 @@
 /// @file
-/// A request to the service that has been written down but not sent: how it is sent is chosen where it is made.
+/// The one type for everything that takes time. A request is written down but not sent: how it is sent is chosen where
+/// it is made.
 ///
-///     commands.Next().Start([](Result<void> done) { … });              // asynchronous
-///     std::future<Result<int>> count = commands.DeviceCount().Future();
-///     Result<std::string> name = commands.IpodName().Within(500ms).Wait();   // blocks
+///     commands.Next().Start([](Result<void> done) { … });                        // asynchronous
+///     Result<int> count = commands.DeviceCount().Future().get();                 // on another thread
+///     Result<std::string> name = commands.IpodName().Within(500ms).Wait();       // blocks
+///     commands.EnterRoot().AndThen([=] { return commands.DatabaseCount(); }).Start(…);
+///     Result<PagePtr> page = co_await pager.At(1234);                            // see coroutine.h
 ///
-/// **Threads.** Any thread may make and send requests. Completions run in the session's context, never inside
-/// Start(). Future() is fulfilled there too: do not wait for it on the thread that runs that context. Wait() needs
-/// no context: it iterates none, and may be called on any thread, also on the session's (which it blocks).
+/// **Threads.** Any thread may make and send requests. Completions, and functions given to AndThen(), run in the
+/// session's context, exactly once, never inside Start(). What they throw is logged and goes no further.
 ///
-/// **Time.** A request waits for its answer no longer than its deadline: the session's, or that of Within().
+/// **Blocking.** The Wait() of a command needs no context: it iterates none, and may be called on any thread, also on
+/// the session's (which it blocks). All other requests (of pagers, accessory sessions, and audio sources) need the
+/// context to run: on its thread Wait() returns ErrorKind::WouldDeadlock, on others it blocks.
+///
+/// **Time.** A request completes no later than its deadline: that of Within(), or else the session's. Requests of many
+/// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have none as a whole unless Within() sets one.
 ///
 /// **End.** When the session ends, requests under way by Start() or Future() complete with ErrorKind::Cancelled before
-/// its destructor returns. A Wait() on another thread goes on to its answer or its deadline.
+/// its destructor returns. A Wait() of a command on another thread goes on to its answer or its deadline.
 #pragma once
 
 #include <ipodkit/cancellation.h>
 #include <ipodkit/error.h>
+#include <ipodkit/future.h>
 
 #include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 #pragma GCC visibility push(default)
 
-struct _GVariant;  // NOLINT(bugprone-reserved-identifier): GLib's own name
-
 namespace ipodkit
 {
+template <class T>
+class Request;
+
 namespace detail
 {
 class Bus;
-using Body = std::shared_ptr<_GVariant>;
-using BodyCompletion = std::function<void(Result<Body>)>;
 
-struct Call
+/// What Within() and CancelledBy() set.
+struct Terms
 {
-    std::shared_ptr<Bus> bus;
-    const char* method;
-    const char* replyType;
-    Body arguments;
-    std::chrono::milliseconds deadline;
-    std::optional<Cancellation> cancellation;
-    std::optional<Error> obstacle;  // why it cannot be sent
-    bool isOrder = false;           // the reply "(b)" says whether it was followed
+    std::optional<std::chrono::milliseconds> deadline{};
+    std::optional<Cancellation> cancellation{};
 };
 
-void Start(Call call, BodyCompletion completion);
-Result<Body> Wait(const Call& call);
+/// The terms of a request of several steps, once it has begun.
+class SharedTerms
+{
+public:
+    SharedTerms() = default;
+    explicit SharedTerms(Terms terms);
+
+    /// Makes a step that begins now end with the whole; why it cannot begin any more otherwise.
+    std::optional<Error> ApplyTo(Terms& step) const;
+
+private:
+    Terms m_terms;
+    std::chrono::steady_clock::time_point m_end{};
+};
+
+/// The error of a request whose AndThen() function threw.
+Error Threw();
+
+/// How a request is carried out. It is used once, by Start() or Wait().
+template <class T>
+class Operation
+{
+public:
+    using Completion = std::function<void(Result<T>)>;
+
+    Operation(HomePtr where, Terms limits) : home(std::move(where)), terms(std::move(limits)) {}
+    virtual ~Operation() = default;
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+    virtual void Start(Completion completion) = 0;
+    virtual Result<T> Wait()
+    {
+        if (RunsHere(*home)) return tl::unexpected<Error>(WouldDeadlock());
+        return Started().get();
+    }
+
+    ipodkit::Future<T> Started()
+    {
+        const auto promise = std::make_shared<std::promise<Result<T>>>();
+        ipodkit::Future<T> future(promise->get_future(), home);
+        Start([promise](Result<T> result) { promise->set_value(std::move(result)); });
+        return future;
+    }
+
+    HomePtr home;
+    Terms terms;
+};
+
+template <class T>
+using OperationPtr = std::shared_ptr<Operation<T>>;
+
+template <class F, class T>
+struct Following : std::invoke_result<F, T>
+{
+};
+template <class F>
+struct Following<F, void> : std::invoke_result<F>
+{
+};
+
+/// Two operations, the second of which is made from the result of the first.
+template <class T, class U, class F>
+class Chain final : public Operation<U>, public std::enable_shared_from_this<Chain<T, U, F>>
+{
+public:
+    Chain(OperationPtr<T> first, F next)
+        : Operation<U>(first->home, {}), m_first(std::move(first)), m_next(std::move(next))
+    {
+    }
+
+    void Start(typename Operation<U>::Completion completion) override
+    {
+        m_completion = std::move(completion);
+        Begin();
+        const OperationPtr<T> first = std::move(m_first);
+        first->Start([self = this->shared_from_this()](Result<T> result) { self->Arrived(std::move(result)); });
+    }
+
+    Result<U> Wait() override
+    {
+        if (!RunsHere(*this->home)) return Operation<U>::Wait();
+        Begin();
+        const Result<OperationPtr<U>> second = Second(m_first->Wait());
+        if (!second) return tl::unexpected<Error>(second.error());
+        return (*second)->Wait();
+    }
+
+private:
+    void Begin()
+    {
+        m_shared = SharedTerms(std::move(this->terms));
+        m_shared.ApplyTo(m_first->terms);
+    }
+
+    void Arrived(Result<T> result)
+    {
+        const Result<OperationPtr<U>> second = Second(std::move(result));
+        const auto completion = std::move(m_completion);
+        if (second) return (*second)->Start(completion);
+        completion(tl::unexpected<Error>(second.error()));
+        if (m_thrown) std::rethrow_exception(std::exchange(m_thrown, nullptr));
+    }
+
+    Result<OperationPtr<U>> Second(Result<T> result)
+    {
+        if (!result) return tl::unexpected<Error>(std::move(result.error()));
+        try
+        {
+            OperationPtr<U> second = Made(std::move(result)).Inside();
+            if (std::optional<Error> late = m_shared.ApplyTo(second->terms)) return tl::unexpected<Error>(*late);
+            return second;
+        }
+        catch (...)
+        {
+            m_thrown = std::current_exception();
+            return tl::unexpected<Error>(Threw());
+        }
+    }
+
+    Request<U> Made(Result<T> result)
+    {
+        F next = std::move(m_next);
+        if constexpr (std::is_void_v<T>)
+            return std::move(next)();
+        else
+            return std::move(next)(*std::move(result));
+    }
+
+    OperationPtr<T> m_first;
+    F m_next;
+    SharedTerms m_shared;
+    std::exception_ptr m_thrown;
+    typename Operation<U>::Completion m_completion;
+};
 }  // namespace detail
 
 template <class T>
 class [[nodiscard]] Request
 {
 public:
+    using Value = T;
     using Completion = std::function<void(Result<T>)>;
-    using Decode = Result<T> (*)(_GVariant* body);
 
-    Request(detail::Call call, Decode decode) : m_call(std::move(call)), m_decode(decode) {}
+    explicit Request(detail::OperationPtr<T> operation) : m_operation(std::move(operation)) {}
 
-    /// Sets the deadline; at least 1 ms.
+    /// Sets the deadline, counted from Start(), Future() or Wait(). Less than 1 ms is ErrorKind::BadArgument; more than
+    /// 24 days counts as 24 days.
     Request Within(std::chrono::milliseconds deadline) &&
     {
-        m_call.deadline = deadline;
+        m_operation->terms.deadline = deadline;
         return std::move(*this);
     }
 
+    /// Lets the switch withdraw the request, instead of the one given before. It completes with ErrorKind::Cancelled.
     Request CancelledBy(const Cancellation& cancellation) &&
     {
-        m_call.cancellation = cancellation;
+        m_operation->terms.cancellation = cancellation;
         return std::move(*this);
     }
 
-    /// Sends it; @p completion runs exactly once.
+    /// Makes one request of two: @p next is called with the value of this one, if it has one, and returns the second,
+    /// whose result is that of the whole. An error ends the whole at once.
+    ///
+    /// Each part keeps its own deadline. Within() and CancelledBy(), applied to the whole, hold for all parts together:
+    /// they reach the one that is under way.
+    ///
+    /// @param next  called in the session's context, once or never. When it throws, the request completes with
+    ///              ErrorKind::Cancelled.
+    template <class F>
+    typename detail::Following<F, T>::type AndThen(F next) &&
+    {
+        using Second = typename detail::Following<F, T>::type;
+        using U = typename Second::Value;
+        static_assert(std::is_same_v<Second, Request<U>>, "the function given to AndThen() returns a Request");
+        return Second(std::make_shared<detail::Chain<T, U, F>>(std::move(m_operation), std::move(next)));
+    }
+
+    /// Sends it. @p completion runs exactly once, in the session's context, never before the return.
     void Start(Completion completion) &&
     {
-        detail::Start(std::move(m_call), [decode = m_decode, completion = std::move(completion)](
-                                             Result<detail::Body> body) { completion(Decoded(decode, body)); });
+        const detail::OperationPtr<T> operation = std::move(m_operation);
+        operation->Start(std::move(completion));
     }
 
-    /// Sends it; fulfilled in the session's context.
-    std::future<Result<T>> Future() &&
+    /// Sends it; the future is fulfilled in the session's context.
+    ipodkit::Future<T> Future() &&
     {
-        auto promise = std::make_shared<std::promise<Result<T>>>();
-        std::future<Result<T>> future = promise->get_future();
-        std::move(*this).Start([promise](Result<T> result) { promise->set_value(std::move(result)); });
-        return future;
+        const detail::OperationPtr<T> operation = std::move(m_operation);
+        return operation->Started();
     }
 
-    /// Sends it and blocks until the answer or the deadline.
-    Result<T> Wait() && { return Decoded(m_decode, detail::Wait(m_call)); }
+    /// Sends it and blocks until the result. See "Blocking" above.
+    Result<T> Wait() &&
+    {
+        const detail::OperationPtr<T> operation = std::move(m_operation);
+        return operation->Wait();
+    }
+
+    /// For the parts of the companion only.
+    detail::OperationPtr<T> Inside() && { return std::move(m_operation); }
 
 private:
-    static Result<T> Decoded(Decode decode, const Result<detail::Body>& body)
-    {
-        if (!body) return tl::unexpected<Error>(body.error());
-        return decode(body->get());
-    }
-
-    detail::Call m_call;
-    Decode m_decode;
+    detail::OperationPtr<T> m_operation;
 };
 }  // namespace ipodkit
 

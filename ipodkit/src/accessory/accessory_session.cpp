@@ -15,6 +15,13 @@ Error DoesNotFit(std::size_t size, std::size_t room)
     return {ErrorKind::NoSharedMemory, "the write buffer has no room for " + std::to_string(size) +
                                            " bytes at once; at most " + std::to_string(room) + " fit"};
 }
+
+Error TooManyWaiting(std::size_t waiting)
+{
+    return {ErrorKind::Busy, std::to_string(waiting) + " bytes are waiting; OnDrained() reports when they are sent"};
+}
+
+const Error kWithdrawnHalfSent{ErrorKind::Cancelled, "a write was withdrawn when a part of it had been sent"};
 }  // namespace
 
 // What another thread writes, and what belongs to this one: it is moved there and back, and never let go there.
@@ -25,22 +32,31 @@ struct AccessorySession::Impl::Growth
     Lane::Release release;
 };
 
-bool AccessorySession::Impl::Write(Bytes bytes, Completion completion)
+Request<void> AccessorySession::Impl::Write(Bytes bytes)
 {
-    const bool full = m_waiting > 0 && m_waiting + bytes.size() > m_options.highWater;
-    m_refusedSome = m_refusedSome || full;
-    if (!m_open || full) return false;
-    m_waiting += bytes.size();
-    m_jobs.push_back({std::move(bytes), std::move(completion)});
+    const auto begin = [weak = weak_from_this(),
+                        bytes = std::make_shared<const Bytes>(std::move(bytes))](const PendingPtr<void>& request)
+    {
+        if (const auto self = weak.lock()) self->Take(bytes, request);
+    };
+    return MakeLoopRequest<void>(m_writes, "accessory write", {}, begin);
+}
+
+void AccessorySession::Impl::Take(const std::shared_ptr<const Bytes>& bytes, const PendingPtr<void>& request)
+{
+    if (!HasRoomFor(bytes->size())) return request->Settle(tl::unexpected<Error>(TooManyWaiting(m_waiting)));
+    m_waiting += bytes->size();
+    m_jobs.push_back({bytes, request});
     SendNext();
-    return true;
 }
 
 void AccessorySession::Impl::Close()
 {
     if (!m_open) return;
     m_open = false;
-    FailAll({ErrorKind::Cancelled, "the accessory session was closed"});
+    m_waiting = 0;
+    m_jobs.clear();
+    m_writes->Close({ErrorKind::Cancelled, "the accessory session was closed"});
     closedCallbacks.ForEach(m_session->CallbackGuard(), [](const auto& callback) { callback(); });
 }
 
@@ -60,21 +76,33 @@ void AccessorySession::Impl::SendNext()
 
 void AccessorySession::Impl::SendChunk(const Lane::Release& release)
 {
+    DropWithdrawn();
     if (m_jobs.empty())
     {
         m_sending = false;
-        return release();
+        release();
+        return ReportDrained();
     }
     const Job& job = m_jobs.front();
-    const std::size_t size = std::min(std::max<std::size_t>(m_options.chunk, 1), job.bytes.size() - job.sent);
+    const std::size_t size = std::min(std::max<std::size_t>(m_options.chunk, 1), job.bytes->size() - job.sent);
     const std::size_t room = RoomForAccessoryBytes();
-    const unsigned char* const begin = job.bytes.data() + job.sent;
+    const unsigned char* const begin = job.bytes->data() + job.sent;
     if (size > room)
         ChunkWritten(size, tl::unexpected<Error>(DoesNotFit(size, room)), release);
     else if (HasCapacity(g_VecEapWriteBufferShareMemory, size))
         ChunkWritten(size, WriteBytes(g_VecEapWriteBufferShareMemory, begin, size), release);
     else
         WriteAside({begin, begin + size}, release);
+}
+
+// Those of which nothing was sent.
+void AccessorySession::Impl::DropWithdrawn()
+{
+    while (!m_jobs.empty() && !m_jobs.front().request->Open())
+    {
+        m_waiting -= m_jobs.front().bytes->size();
+        m_jobs.pop_front();
+    }
 }
 
 // Where the buffer has to grow, somebody else may hold the lock of the segment.
@@ -122,29 +150,30 @@ void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>&
     if (!m_open || m_jobs.empty()) return;
     if (!result) return FailAll(result.error());
     m_waiting -= size;
-    m_jobs.front().sent += size;
-    if (m_jobs.front().sent == m_jobs.front().bytes.size())
+    Job& job = m_jobs.front();
+    job.sent += size;
+    const PendingPtr<void> request = job.request;
+    const bool complete = job.sent == job.bytes->size();
+    if (!complete && !request->Open()) return FailAll(kWithdrawnHalfSent);
+    if (complete)
     {
-        const Job done = std::move(m_jobs.front());
         m_jobs.pop_front();
-        m_session->CallbackGuard().Run("accessory write", [&done] { done.completion({}); });
+        request->Settle({});
     }
     SendNext();
-    TellDrained();
+    ReportDrained();
 }
 
 void AccessorySession::Impl::FailAll(const Error& error)
 {
     m_waiting = 0;
-    for (const Job& job : std::exchange(m_jobs, {}))
-        m_session->CallbackGuard().Run("accessory write", [&] { job.completion(tl::unexpected<Error>(error)); });
-    TellDrained();
+    for (const Job& job : std::exchange(m_jobs, {})) job.request->Settle(tl::unexpected<Error>(error));
+    ReportDrained();
 }
 
-// Whoever was refused waits for this, whatever became of the bytes that were in the way.
-void AccessorySession::Impl::TellDrained()
+void AccessorySession::Impl::ReportDrained()
 {
-    if (!m_open || m_waiting > 0 || !std::exchange(m_refusedSome, false)) return;
+    if (!m_open || m_waiting > 0) return;
     drainedCallbacks.ForEach(m_session->CallbackGuard(), [](const auto& callback) { callback(); });
 }
 
@@ -163,9 +192,14 @@ bool AccessorySession::IsOpen() const
     return m_impl->IsOpen();
 }
 
-bool AccessorySession::Write(Bytes bytes, Completion completion)
+Request<void> AccessorySession::Write(Bytes bytes)
 {
-    return m_impl->Write(std::move(bytes), std::move(completion));
+    return m_impl->Write(std::move(bytes));
+}
+
+bool AccessorySession::HasRoomFor(std::size_t bytes) const
+{
+    return m_impl->HasRoomFor(bytes);
 }
 
 std::size_t AccessorySession::Waiting() const

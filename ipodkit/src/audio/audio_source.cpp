@@ -4,7 +4,7 @@
 
 #include <deque>
 
-#include "loop/context.h"
+#include "loop/loop_operation.h"
 #include "session/session_impl.h"
 
 namespace ipodkit
@@ -35,7 +35,7 @@ public:
     Result<void> Request();
     void Activated(int confirmation);
     void Deactivated(int confirmation, bool forAWhile);
-    void Play(Completion completion, PlayOption option);
+    ipodkit::Request<void> Play(PlayOption option);
     void Release();
     void ServiceLost();
     void Outlive()
@@ -51,6 +51,7 @@ public:
 private:
     int Source() const { return kFirstSource + m_number; }
     void Go(AudioState to, const std::string& why);
+    void Start(const PendingPtr<void>& request, PlayOption option);
     void Started(const Result<void>& result);
 
     const std::shared_ptr<Session::Impl> m_session;
@@ -91,11 +92,11 @@ void AudioSource::Impl::Activated(int confirmation)
     if (m_state == AudioState::Playing) return;
     Go(AudioState::Active, "activated");
     if (!resume) return;
-    const auto tell = [](const Result<void>& result)
+    const auto report = [](const Result<void>& result)
     {
         if (!result) LogWarning("interrupted playback does not go on: " + result.error().Text());
     };
-    Play(tell, PlayOption::Resume);
+    Play(PlayOption::Resume).Start(report);
 }
 
 void AudioSource::Impl::Deactivated(int confirmation, bool forAWhile)
@@ -107,19 +108,30 @@ void AudioSource::Impl::Deactivated(int confirmation, bool forAWhile)
     Go(goesOn ? AudioState::Suspended : AudioState::Granted, "deactivated for a while");
 }
 
-// The core's own start of playback would block; its tests are made here.
-void AudioSource::Impl::Play(Completion completion, PlayOption option)
+ipodkit::Request<void> AudioSource::Impl::Play(PlayOption option)
 {
-    const bool granted = m_state != AudioState::Released;
-    if (granted && QBXSource::IsActived(Source()))
-        return m_session->MakeCommands().StartPlayback(option).Start(
-            [weak = weak_from_this(), completion = std::move(completion)](const Result<void>& result)
-            {
-                if (const auto self = weak.lock()) self->Started(result);
-                completion(result);
-            });
-    Post(m_session->Context(), [guard = m_session->CallbackGuard(), completion = std::move(completion)]
-         { guard.Run("Play", [&] { completion(Fail(ErrorKind::Refused, "the audio source is not active")); }); });
+    const auto begin = [weak = weak_from_this(), option](const PendingPtr<void>& request)
+    {
+        if (const auto self = weak.lock()) return self->Start(request, option);
+        request->Settle(Fail(ErrorKind::Cancelled, "the audio source ended"));
+    };
+    return MakeLoopRequest<void>(m_session->Bus()->Requests(), "Play", {m_session->Options().deadline, std::nullopt},
+                                 begin);
+}
+
+// The core's own start of playback would block; its tests are made here.
+void AudioSource::Impl::Start(const PendingPtr<void>& request, PlayOption option)
+{
+    if (m_state == AudioState::Released || !QBXSource::IsActived(Source()))
+        return request->Settle(Fail(ErrorKind::Refused, "the audio source is not active"));
+    auto call = m_session->MakeCommands().StartPlayback(option).Within(*request->Terms().deadline);
+    if (const auto& cancellation = request->Terms().cancellation) call = std::move(call).CancelledBy(*cancellation);
+    std::move(call).Start(
+        [weak = weak_from_this(), request](const Result<void>& result)
+        {
+            if (const auto self = weak.lock()) self->Started(result);
+            request->Settle(result);
+        });
 }
 
 // The manager may have taken the source away while the request was under way.
@@ -191,9 +203,9 @@ void AudioSource::Deactivated(int confirmation, bool forAWhile)
     m_impl->Deactivated(confirmation, forAWhile);
 }
 
-void AudioSource::Play(Completion completion, PlayOption option)
+ipodkit::Request<void> AudioSource::Play(PlayOption option)
 {
-    m_impl->Play(std::move(completion), option);
+    return m_impl->Play(option);
 }
 
 void AudioSource::Release()

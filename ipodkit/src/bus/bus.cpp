@@ -13,13 +13,12 @@ namespace
 {
 int Milliseconds(const Call& call)
 {
-    using Count = std::chrono::milliseconds::rep;
-    return static_cast<int>(std::clamp(call.deadline.count(), Count{1}, Count{G_MAXINT - 1}));
+    return static_cast<int>(Clamped(call.terms.deadline.value_or(kLongestDeadline)).count());
 }
 
 GCancellable* NativeOf(const Call& call)
 {
-    return call.cancellation ? call.cancellation->Native() : nullptr;
+    return call.terms.cancellation ? call.terms.cancellation->Native() : nullptr;
 }
 
 // "EnterDbChildList(3)".
@@ -98,27 +97,29 @@ Result<Body> ToResult(GDBusMessage* reply, GError* error)
 }
 }  // namespace
 
-Bus::Bus(GMainContext* context, const Guard& guard) : m_context(g_main_context_ref(context)), m_guard(guard) {}
+Bus::Bus(GMainContext* context, const Guard& guard)
+    : m_home(std::make_shared<detail::Home>(context, guard)), m_requests(RequestGroup::Make(m_home))
+{
+}
 
 void Bus::OnFollowed(std::function<void(const char*)> followed)
 {
     m_followed = std::move(followed);
 }
 
-void Bus::Send(Call call, BodyCompletion completion)
+void Bus::Send(std::shared_ptr<PendingCall> call)
 {
-    const bool here = g_main_context_is_owner(m_context.get());
-    const bool sendable = !call.obstacle;
-    const Serial serial = Remember(std::move(call), std::move(completion));
+    const bool here = g_main_context_is_owner(Context()) != FALSE;
+    const bool sendable = !call->call.obstacle;
+    const Serial serial = Remember(std::move(call));
     if (here && sendable)
         Transmit(serial);
     else
-        Post(m_context.get(), [self = shared_from_this(), serial] { self->Transmit(serial); });
+        Post(Context(), [self = shared_from_this(), serial] { self->Transmit(serial); });
 }
 
-Bus::Serial Bus::Remember(Call call, BodyCompletion completion)
+Bus::Serial Bus::Remember(PendingPtr pending)
 {
-    auto pending = std::make_shared<Pending>(Pending{std::move(call), std::move(completion)});
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_closed) pending->call.obstacle = kSessionEnded;
     m_pending.emplace_hint(m_pending.end(), ++m_lastSerial, std::move(pending));
@@ -137,7 +138,7 @@ void Bus::Transmit(Serial serial)
     pending->sent = !obstacle && m_connection != nullptr;
     lock.unlock();
     if (obstacle)
-        Post(m_context.get(), [self = shared_from_this(), serial, obstacle]
+        Post(Context(), [self = shared_from_this(), serial, obstacle]
              { self->Complete(serial, tl::unexpected<Error>(*obstacle)); });
     else if (pending->sent)
         TransmitOn(m_connection.get(), pending->call, serial);
@@ -145,7 +146,7 @@ void Bus::Transmit(Serial serial)
 
 void Bus::TransmitOn(GDBusConnection* connection, const Call& call, Serial serial)
 {
-    const DefaultContext delivered(m_context.get());
+    const DefaultContext delivered(Context());
     g_dbus_connection_send_message_with_reply(connection, MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE,
                                               Milliseconds(call), nullptr, NativeOf(call), OnReply,
                                               new Ticket{shared_from_this(), serial});
@@ -154,6 +155,7 @@ void Bus::TransmitOn(GDBusConnection* connection, const Call& call, Serial seria
 void Bus::OnReply(GObject* connection, GAsyncResult* result, gpointer data)
 {
     const std::unique_ptr<Ticket> ticket(static_cast<Ticket*>(data));
+    ticket->bus->m_home->RunsOnThisThread();
     GError* error = nullptr;
     GDBusMessage* const reply =
         g_dbus_connection_send_message_with_reply_finish(G_DBUS_CONNECTION(connection), result, &error);
@@ -178,7 +180,7 @@ void Bus::Complete(Serial serial, Result<Body> result)
     Result<Body> judged = Judged(call, std::move(result));
     LogOutcome(call, judged, pending->since);
     if (MayBeFollowed(call, judged)) m_followed(call.method);
-    m_guard.Run(call.method, [&] { pending->completion(std::move(judged)); });
+    CallbackGuard().Run(call.method, [&] { pending->Complete(std::move(judged)); });
 }
 
 std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
@@ -189,6 +191,7 @@ std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
 
 void Bus::Connected(GDBusConnection* connection)
 {
+    m_home->RunsOnThisThread();
     std::vector<Serial> waiting;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -219,8 +222,9 @@ void Bus::Close()
         m_closed = true;
     }
     for (const auto& [serial, pending] : TakeAll())
-        m_guard.Run(pending->call.method,
-                    [&pending = *pending] { pending.completion(tl::unexpected<Error>(kSessionEnded)); });
+        CallbackGuard().Run(pending->call.method,
+                            [&pending = *pending] { pending.Complete(tl::unexpected<Error>(kSessionEnded)); });
+    m_requests->Close(kSessionEnded);
 }
 
 Result<ConnectionPtr> Bus::ConnectionForWaiting()
@@ -243,7 +247,7 @@ void Bus::ReportLater(const char* method)
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_unreported.push_back(method);
     }
-    Post(m_context.get(), [self = shared_from_this()] { self->ReportFollowed(); });
+    Post(Context(), [self = shared_from_this()] { self->ReportFollowed(); });
 }
 
 void Bus::ReportFollowed()
@@ -270,16 +274,5 @@ Result<Body> Bus::SendAndWait(const Call& call)
     LogOutcome(call, judged, since);
     if (MayBeFollowed(call, judged)) ReportLater(call.method);
     return judged;
-}
-
-void Start(Call call, BodyCompletion completion)
-{
-    const std::shared_ptr<Bus> bus = call.bus;
-    bus->Send(std::move(call), std::move(completion));
-}
-
-Result<Body> Wait(const Call& call)
-{
-    return call.bus->SendAndWait(call);
 }
 }  // namespace ipodkit::detail

@@ -2,15 +2,15 @@
 /// The session's connection to the bus and the calls that are under way on it.
 #pragma once
 
-#include <ipodkit/request.h>
-
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <vector>
 
-#include "loop/glib_ptr.h"
+#include "bus/call.h"
 #include "loop/guard.h"
+#include "loop/request_group.h"
 
 namespace ipodkit
 {
@@ -40,7 +40,7 @@ public:
     void ReportFollowed();
 
     /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.
-    void Send(Call call, BodyCompletion completion);
+    void Send(std::shared_ptr<PendingCall> call);
 
     /// Blocks. Iterates a context of its own only.
     Result<Body> SendAndWait(const Call& call);
@@ -54,16 +54,14 @@ public:
     /// Completes everything that is under way, and whatever is sent from now on, with ErrorKind::Cancelled.
     void Close();
 
+    const HomePtr& Home() const { return m_home; }
+
+    /// For requests that end with the session and belong to nothing else.
+    const std::shared_ptr<RequestGroup>& Requests() const { return m_requests; }
+
 private:
     using Serial = std::uint64_t;
-    struct Pending
-    {
-        Call call;
-        BodyCompletion completion;
-        bool sent = false;
-        std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
-    };
-    using PendingPtr = std::shared_ptr<Pending>;
+    using PendingPtr = std::shared_ptr<PendingCall>;
     struct Ticket
     {
         std::shared_ptr<Bus> bus;
@@ -71,7 +69,7 @@ private:
     };
 
     void ReportLater(const char* method);
-    Serial Remember(Call call, BodyCompletion completion);
+    Serial Remember(PendingPtr pending);
     void Transmit(Serial serial);
     void TransmitOn(GDBusConnection* connection, const Call& call, Serial serial);
     PendingPtr Take(Serial serial);
@@ -80,8 +78,11 @@ private:
     std::map<Serial, PendingPtr> TakeAll();
     static void OnReply(GObject* connection, GAsyncResult* result, gpointer data);
 
-    const ContextPtr m_context;
-    const Guard m_guard;
+    GMainContext* Context() const { return m_home->Context(); }
+    const Guard& CallbackGuard() const { return m_home->CallbackGuard(); }
+
+    const HomePtr m_home;
+    const std::shared_ptr<RequestGroup> m_requests;
     std::function<void(const char*)> m_followed = [](const char*) {};
     std::mutex m_mutex;
     std::vector<const char*> m_unreported;

@@ -69,9 +69,9 @@ std::string RemoteName(const GError& error)
 
 const char* Name(ErrorKind kind)
 {
-    static constexpr const char* names[] = {"NoBus",       "NoService", "ServiceLost", "TimedOut",
-                                            "Refused",     "BadReply",  "Cancelled",   "NoSharedMemory",
-                                            "BadArgument", "Ambiguous", "NoStorage"};
+    static constexpr const char* names[] = {"NoBus",     "NoService", "ServiceLost",    "TimedOut",    "Refused",
+                                            "BadReply",  "Cancelled", "NoSharedMemory", "BadArgument", "Ambiguous",
+                                            "NoStorage", "Busy",      "WouldDeadlock"};
     return names[static_cast<int>(kind)];
 }
 

@@ -2,9 +2,7 @@
 /// Requests from a member of the bus contract, its arguments and its reply.
 #pragma once
 
-#include <ipodkit/request.h>
-
-#include "bus/bus.h"
+#include "bus/call_operation.h"
 
 namespace ipodkit
 {
@@ -29,7 +27,8 @@ struct Maker
     {
         const detail::Body owned =
             arguments == nullptr ? nullptr : detail::Body(g_variant_ref_sink(arguments), g_variant_unref);
-        return {{bus, method, replyType, owned, deadline, std::nullopt, std::move(obstacle), isOrder}, decode};
+        return Request<T>(std::make_shared<detail::CallOperation<T>>(
+            bus, deadline, detail::Call{method, replyType, owned, std::move(obstacle), isOrder, {}}, decode));
     }
 };
 }  // namespace ipodkit

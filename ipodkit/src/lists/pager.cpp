@@ -13,16 +13,19 @@ Pager::~Pager()
     m_impl->End();
 }
 
-void Pager::Count(CountCompletion completion)
+Request<int> Pager::Count()
 {
-    m_impl->CatchUp();
-    m_impl->Count(std::move(completion));
+    return m_impl->Count();
 }
 
-void Pager::At(int index, PageCompletion completion)
+Request<PagePtr> Pager::At(int index)
 {
-    m_impl->CatchUp();
-    m_impl->At(index, std::move(completion));
+    return m_impl->At(index);
+}
+
+Request<std::vector<std::string>> Pager::Range(int first, int last)
+{
+    return m_impl->Range(first, last);
 }
 
 PagePtr Pager::Cached(int index) const
@@ -31,22 +34,19 @@ PagePtr Pager::Cached(int index) const
     return m_impl->Cached(index);
 }
 
-void Pager::EnterRoot(Completion completion)
+Request<void> Pager::EnterRoot()
 {
-    m_impl->CatchUp();
-    m_impl->Enter(m_impl->Ask().EnterRoot(), std::move(completion));
+    return m_impl->Enter([](const Commands& commands) { return commands.EnterRoot(); });
 }
 
-void Pager::EnterParent(Completion completion)
+Request<void> Pager::EnterParent()
 {
-    m_impl->CatchUp();
-    m_impl->Enter(m_impl->Ask().EnterParent(), std::move(completion));
+    return m_impl->Enter([](const Commands& commands) { return commands.EnterParent(); });
 }
 
-void Pager::EnterChild(int index, Completion completion)
+Request<void> Pager::EnterChild(int index)
 {
-    m_impl->CatchUp();
-    m_impl->Enter(m_impl->Ask().EnterChild(index), std::move(completion));
+    return m_impl->Enter([index](const Commands& commands) { return commands.EnterChild(index); });
 }
 
 void Pager::Refresh()

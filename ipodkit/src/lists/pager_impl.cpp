@@ -3,33 +3,59 @@
 #include <algorithm>
 #include <utility>
 
-#include "loop/context.h"
-
 namespace ipodkit
 {
 namespace
 {
 constexpr char kNoSize[] = "the service does not report the size of this list";
 
-tl::unexpected<Error> NoSuchEntry(int index)
-{
-    return tl::unexpected<Error>(Error{ErrorKind::BadArgument, "there is no entry " + std::to_string(index)});
-}
+// The requests that wait for a call reach their deadlines before the call reaches its own.
+constexpr std::chrono::milliseconds kSlack(100);
 
 tl::unexpected<Error> WrongSize(std::size_t got, std::size_t wanted)
 {
     return tl::unexpected<Error>(Error{
         ErrorKind::BadReply, "a page of " + std::to_string(got) + " entries instead of " + std::to_string(wanted)});
 }
+
+std::optional<Error> OutOfRange(const PagerOptions& options)
+{
+    if (options.pageSize < 1)
+        return Error{ErrorKind::BadArgument, "a page size of " + std::to_string(options.pageSize) + "; at least 1"};
+    if (options.prefetch < 0)
+        return Error{ErrorKind::BadArgument, "a prefetch of " + std::to_string(options.prefetch) + "; at least 0"};
+    return std::nullopt;
+}
 }  // namespace
+
+template <class T>
+bool Pager::Impl::Fetch<T>::Wanted() const
+{
+    return ahead ||
+           std::any_of(waiters.begin(), waiters.end(), [](const auto& waiter) { return waiter.request->Open(); });
+}
+
+template <class T>
+void Pager::Impl::Fetch<T>::Arrived(const Result<T>& result) const
+{
+    for (const Waiter<T>& waiter : waiters)
+        if (waiter.request->Open()) waiter.arrived(result);
+}
+
+Error Pager::Impl::NoSuchEntry(int index)
+{
+    return {ErrorKind::BadArgument, "there is no entry " + std::to_string(index)};
+}
 
 Pager::Impl::Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const PagerOptions& options)
     : m_session(std::move(session)),
       m_kind(kind),
       m_options(options),
+      m_unusable(OutOfRange(options)),
       m_lane(m_session->ListLanes().Of(kind)),
-      m_cache(options.cachedPages),
-      m_answers(m_session->CallbackGuard())
+      m_reads(RequestGroup::Make(m_session->Bus()->Home())),
+      m_changes(RequestGroup::Make(m_session->Bus()->Home())),
+      m_cache(options.cachedPages)
 {
     m_options.pageSize = std::max(m_options.pageSize, 1);
 }
@@ -60,12 +86,12 @@ void Pager::Impl::End()
 
 void Pager::Impl::End(const Error& error)
 {
-    m_end = error;
+    const auto self = shared_from_this();
     m_watch.Reset();
     m_ending.Reset();
-    for (auto& [number, completion] : std::exchange(m_changes, {}))
-        m_answers.Add<void>(std::move(completion), tl::unexpected<Error>(error));
     Forget(error);
+    m_reads->Close(error);
+    m_changes->Close(error);
 }
 
 Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> callback)
@@ -73,21 +99,23 @@ Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> cal
     return Subscription(m_lane->Watchers().Add(std::move(name), std::move(callback)));
 }
 
-template <class T>
-void Pager::Impl::TellLater(std::function<void(Result<T>)> completion, Result<T> result)
+// Callbacks may make requests meanwhile, and end the pager.
+void Pager::Impl::Forget(const Error& error)
 {
-    m_answers.Add<T>(std::move(completion), std::move(result));
-    Post(m_session->Context(),
-         [weak = weak_from_this()]
-         {
-             if (const auto self = weak.lock()) self->m_answers.TellFirst();
-         });
+    const auto self = shared_from_this();
+    ++m_round;
+    m_cache.Clear();
+    m_count.reset();
+    m_counting.reset();
+    m_pages.clear();
+    m_reads->FailAll(error);
 }
 
-// An answer to what was asked before all was forgotten, or that belongs to a list that became another one meanwhile,
-// is dropped: who waited for it has been told.
+// An answer that belongs to what was forgotten meanwhile, or to a list that became another one, is dropped: the
+// requests that waited for it have completed.
 template <class T>
-void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived)
+void Pager::Impl::InTurn(Request<T> request, std::function<bool()> wanted,
+                         std::function<void(const Result<T>&)> arrived)
 {
     const auto held = std::make_shared<Request<T>>(std::move(request));
     const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch(), round = m_round]
@@ -96,9 +124,9 @@ void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&
         return self != nullptr && self->m_lane->Epoch() == epoch && self->m_round == round ? self : nullptr;
     };
     m_lane->Wait(
-        [held, arrived = std::move(arrived), current](const Lane::Release& release)
+        [held, wanted = std::move(wanted), arrived = std::move(arrived), current](const Lane::Release& release)
         {
-            if (current() == nullptr) return release();
+            if (current() == nullptr || !wanted()) return release();
             std::move(*held).Start(
                 [arrived, current, release](const Result<T>& result)
                 {
@@ -108,93 +136,97 @@ void Pager::Impl::InTurn(Request<T> request, std::function<void(const Result<T>&
         });
 }
 
-// Each is told that its list is gone, what is known already is not told any more. Callbacks may ask again meanwhile,
-// and end the pager.
-void Pager::Impl::Forget(const Error& error)
+// A call is not withdrawn with the request: until its answer, the service may still fill the shared list.
+std::chrono::milliseconds Pager::Impl::CallDeadline(const OpenRequest* request) const
 {
-    const auto self = shared_from_this();
-    ++m_round;
-    m_cache.Clear();
-    m_count.reset();
-    m_answers.Replace(error);
-    for (auto& completion : std::exchange(m_counts, {}))
-        m_answers.Add<int>(std::move(completion), tl::unexpected<Error>(error));
-    for (auto& [number, completions] : std::exchange(m_pages, {}))
-        for (auto& completion : completions)
-            m_answers.Add<PagePtr>(std::move(completion), tl::unexpected<Error>(error));
-    m_answers.TellAll();
+    const std::chrono::milliseconds usual = m_session->Options().deadline;
+    const auto given = request != nullptr ? request->Terms().deadline : std::nullopt;
+    return detail::Clamped(std::max(usual, given.value_or(usual))) + kSlack;
 }
 
 Request<int> Pager::Impl::AskForCount() const
 {
-    if (IsDatabase()) return Ask().DatabaseCount();
-    return m_kind == ListKind::Playing ? Ask().PlayingCount() : Ask().DeviceCount();
+    const Commands commands = m_session->MakeCommands();
+    if (IsDatabase()) return commands.DatabaseCount();
+    return m_kind == ListKind::Playing ? commands.PlayingCount() : commands.DeviceCount();
 }
 
-void Pager::Impl::Count(CountCompletion completion)
+Request<int> Pager::Impl::Count()
 {
-    if (m_end) return TellLater<int>(std::move(completion), tl::unexpected<Error>(*m_end));
-    if (!HasCount())
-        return TellLater<int>(std::move(completion), tl::unexpected<Error>(Error{ErrorKind::BadArgument, kNoSize}));
-    if (m_count) return TellLater<int>(std::move(completion), *m_count);
-    m_counts.push_back(std::move(completion));
-    if (m_counts.size() == 1) FetchCount();
+    const auto begin = [](Impl& self, const PendingPtr<int>& request)
+    {
+        if (!self.HasCount()) return request->Settle(tl::unexpected<Error>(Error{ErrorKind::BadArgument, kNoSize}));
+        self.CountWanted({request, [request](const Result<int>& count) { request->Settle(count); }});
+    };
+    return Reading<int>("pager count", {m_session->Options().deadline, std::nullopt}, begin);
 }
 
-void Pager::Impl::FetchCount()
+void Pager::Impl::CountWanted(Waiter<int> waiter)
 {
-    InTurn<int>(AskForCount(), [this](const Result<int>& count) { CountArrived(count); });
+    if (m_count) return waiter.arrived(*m_count);
+    const bool fresh = !m_counting || !m_counting->Wanted();
+    if (fresh) m_counting.emplace();
+    m_counting->waiters.push_back(std::move(waiter));
+    if (!fresh) return;
+    InTurn<int>(
+        AskForCount().Within(CallDeadline(m_counting->waiters.front().request.get())),
+        [this] { return m_counting && m_counting->Wanted(); },
+        [this](const Result<int>& count) { CountArrived(count); });
 }
 
 void Pager::Impl::CountArrived(const Result<int>& count)
 {
     if (count) m_count = *count;
-    for (auto& completion : std::exchange(m_counts, {})) m_answers.Add<int>(std::move(completion), count);
-    m_answers.TellAll();
+    const auto counting = std::exchange(m_counting, std::nullopt);
+    if (counting) counting->Arrived(count);
+}
+
+Request<PagePtr> Pager::Impl::At(int index)
+{
+    const auto begin = [index](Impl& self, const PendingPtr<PagePtr>& request) {
+        self.EntryWanted(index, {request, [request](const Result<PagePtr>& page) { request->Settle(page); }});
+    };
+    return Reading<PagePtr>("pager page", {m_session->Options().deadline, std::nullopt}, begin);
 }
 
 // The size comes first: without it nobody knows how long a page must be.
-void Pager::Impl::At(int index, PageCompletion completion)
+void Pager::Impl::EntryWanted(int index, Waiter<PagePtr> waiter)
 {
-    if (m_end) return TellLater<PagePtr>(std::move(completion), tl::unexpected<Error>(*m_end));
-    if (index < 0) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
-    if (!HasCount()) return AtWithoutCount(index, std::move(completion));
-    if (m_count) return PageWanted(index, std::move(completion));
-    Count(
-        [this, index, completion = std::move(completion)](const Result<int>& count)
-        {
-            if (count) return PageWanted(index, completion);
-            completion(tl::unexpected<Error>(count.error()));
-        });
+    if (index < 0) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
+    if (!HasCount()) return EntryWantedWithoutCount(index, waiter);
+    if (m_count) return PageWanted(index, std::move(waiter));
+    CountWanted({waiter.request, [this, index, waiter](const Result<int>& count)
+                 { count ? PageWanted(index, waiter) : waiter.arrived(tl::unexpected<Error>(count.error())); }});
 }
 
-// Where no size is reported, a page that is not full shows where the list ends. The first page is asked for first:
-// beyond the end some services refuse, and some fill in the whole list whatever is asked for.
-void Pager::Impl::AtWithoutCount(int index, PageCompletion completion)
+// Where no size is reported, a page that is not full shows where the list ends. The first page is requested first:
+// beyond the end some services refuse, and some fill in the whole list whatever is requested.
+void Pager::Impl::EntryWantedWithoutCount(int index, const Waiter<PagePtr>& waiter)
 {
-    const auto checked = [index, completion = std::move(completion)](const Result<PagePtr>& page)
-    { completion(page && !(*page)->Holds(index) ? Result<PagePtr>(NoSuchEntry(index)) : page); };
+    const Waiter<PagePtr> checked{
+        waiter.request, [index, arrived = waiter.arrived](const Result<PagePtr>& page)
+        { arrived(page && !(*page)->Holds(index) ? tl::unexpected<Error>(NoSuchEntry(index)) : page); }};
     if (NumberOf(index) == 0) return PageWanted(index, checked);
-    PageWanted(0,
-               [this, index, checked](const Result<PagePtr>& first)
-               {
-                   const bool full = first && (*first)->Holds(m_options.pageSize - 1);
-                   return full ? PageWanted(index, checked) : checked(first);
-               });
+    PageWanted(0, {waiter.request, [this, index, checked](const Result<PagePtr>& first)
+                   {
+                       const bool full = first && (*first)->Holds(m_options.pageSize - 1);
+                       return full ? PageWanted(index, checked) : checked.arrived(first);
+                   }});
 }
 
-void Pager::Impl::PageWanted(int index, PageCompletion completion)
+void Pager::Impl::PageWanted(int index, Waiter<PagePtr> waiter)
 {
-    if (m_count && index >= *m_count) return TellLater<PagePtr>(std::move(completion), NoSuchEntry(index));
+    if (m_count && index >= *m_count) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
     const int number = NumberOf(index);
     if (const PagePtr page = m_cache.Find(number))
     {
-        TellLater<PagePtr>(std::move(completion), page);
-        return Prefetch(number);
+        Prefetch(number);
+        return waiter.arrived(page);
     }
-    const bool fresh = m_pages.count(number) == 0;
-    m_pages[number].push_back(std::move(completion));
-    if (fresh) FetchPage(number);
+    const OpenRequestPtr request = waiter.request;
+    const auto [fetch, fresh] = m_pages.try_emplace(number);
+    fetch->second.waiters.push_back(std::move(waiter));
+    if (fresh) FetchPage(number, request.get());
 }
 
 // Beyond the end when the size is not known.
@@ -211,14 +243,22 @@ PagePtr Pager::Impl::Cached(int index)
     return page != nullptr && page->Holds(index) ? page : nullptr;
 }
 
-void Pager::Impl::FetchPage(int number)
+// A page that nobody wants any more when its turn comes is not fetched.
+void Pager::Impl::FetchPage(int number, const OpenRequest* request)
 {
-    InTurn<PageHead>(AskForPage(m_session->Bus(), m_session->Options().deadline, m_kind,
-                                static_cast<int>(FirstOf(number)), LastOf(number)),
-                     [this, number](const Result<PageHead>& head) { PageArrived(number, head); });
+    const auto wanted = [this, number]
+    {
+        const auto fetch = m_pages.find(number);
+        if (fetch == m_pages.end() || fetch->second.Wanted()) return fetch != m_pages.end();
+        m_pages.erase(fetch);
+        return false;
+    };
+    InTurn<PageHead>(
+        AskForPage(m_session->Bus(), CallDeadline(request), m_kind, static_cast<int>(FirstOf(number)), LastOf(number)),
+        wanted, [this, number](const Result<PageHead>& head) { PageArrived(number, head); });
 }
 
-// A page of the wrong size says that the size of the list was wrong too.
+// A page of the wrong size shows that the size of the list was wrong too.
 void Pager::Impl::PageArrived(int number, const Result<PageHead>& head)
 {
     const Result<PagePtr> page = head.and_then([&](const PageHead& arrived) { return MakePage(number, arrived); });
@@ -226,11 +266,10 @@ void Pager::Impl::PageArrived(int number, const Result<PageHead>& head)
         m_cache.Put(number, *page);
     else if (page.error().kind == ErrorKind::BadReply)
         m_count.reset();
-    auto waiting = m_pages.extract(number);
-    if (waiting.empty() || waiting.mapped().empty()) return;
+    const auto fetch = m_pages.extract(number);
+    if (fetch.empty() || fetch.mapped().waiters.empty()) return;
     if (page) Prefetch(number);
-    for (auto& completion : waiting.mapped()) m_answers.Add<PagePtr>(std::move(completion), page);
-    m_answers.TellAll();
+    fetch.mapped().Arrived(page);
 }
 
 Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
@@ -244,7 +283,7 @@ Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
         Page{static_cast<int>(FirstOf(number)), std::move(*names), head.folders, head.root});
 }
 
-// In the direction of the last two requests. Nobody waits for these pages; a later request may join.
+// In the direction of the last two requests. A later request may join.
 void Pager::Impl::Prefetch(int number)
 {
     const int step = number < m_lastNumber ? -1 : 1;
@@ -255,50 +294,43 @@ void Pager::Impl::Prefetch(int number)
         const int next = number + step * ahead;
         const bool exists = next >= 0 && m_kind != ListKind::Devices && FirstOf(next) < *m_count;
         if (!exists || m_cache.Find(next) != nullptr || m_pages.count(next) != 0) continue;
-        m_pages[next];
-        FetchPage(next);
+        m_pages[next].ahead = true;
+        FetchPage(next, nullptr);
     }
 }
 
-// Outdates at once, so that nothing of the old level is shown. Whom that tells may end the pager, which withdraws what
-// was not sent yet.
-void Pager::Impl::Enter(Request<void> request, Completion completion)
+Request<void> Pager::Impl::Enter(std::function<Request<void>(const Commands&)> command)
 {
-    if (m_end) return TellLater<void>(std::move(completion), tl::unexpected<Error>(*m_end));
+    return MakeLoopRequest<void>(
+        m_changes, "pager level", {m_session->Options().deadline, std::nullopt},
+        [weak = weak_from_this(), command = std::move(command)](const PendingPtr<void>& request)
+        {
+            if (const auto self = weak.lock()) self->Change(request, command);
+        });
+}
+
+// Outdates at once, so that nothing of the old level is shown. A callback of that may end the pager, which withdraws
+// what was not sent yet. The lists become outdated again when the service has followed the command, because the other
+// pagers may have read in between; also when this one has ended.
+void Pager::Impl::Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command)
+{
+    CatchUp();
     if (!IsDatabase())
-        return TellLater<void>(std::move(completion),
-                               tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));
+        return request->Settle(tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));
     const auto self = shared_from_this();
-    const auto held = std::make_shared<Request<void>>(std::move(request));
-    const std::uint64_t number = ++m_lastChange;
-    m_changes.emplace(number, std::move(completion));
+    const auto call =
+        std::make_shared<Request<void>>(command(m_session->MakeCommands()).Within(CallDeadline(request.get())));
     m_lane->Outdate(m_session->CallbackGuard());
     m_lane->Wait(
-        [weak = weak_from_this(), number, held](const Lane::Release& release)
+        [request, call](const Lane::Release& release)
         {
-            const auto waiting = weak.lock();
-            if (waiting == nullptr || waiting->m_changes.count(number) == 0) return release();
-            waiting->SendChange(number, std::move(*held), release);
+            if (!request->Open()) return release();
+            std::move(*call).Start(
+                [request, release](const Result<void>& result)
+                {
+                    release();
+                    request->Settle(result);
+                });
         });
-}
-
-// The lists become outdated again when the service has followed it, because the other pagers may have asked in between;
-// also when this one has ended.
-void Pager::Impl::SendChange(std::uint64_t number, Request<void> request, const Lane::Release& release)
-{
-    std::move(request).Start(
-        [weak = weak_from_this(), number, release](const Result<void>& result)
-        {
-            release();
-            if (const auto self = weak.lock()) self->Changed(number, result);
-        });
-}
-
-void Pager::Impl::Changed(std::uint64_t number, const Result<void>& result)
-{
-    auto change = m_changes.extract(number);
-    if (change.empty()) return;
-    m_answers.Add<void>(std::move(change.mapped()), result);
-    m_answers.TellAll();
 }
 }  // namespace ipodkit

@@ -7,18 +7,19 @@
 #include <map>
 
 #include "commands/requests.h"
-#include "lists/answers.h"
 #include "lists/page_cache.h"
+#include "loop/loop_operation.h"
 #include "session/lanes.h"
 #include "session/session_impl.h"
 
 namespace ipodkit
 {
-/// Context thread only. Each completion stands in m_counts, m_pages or m_changes until its answer is known, and in
-/// m_answers until it is told; the pager's end finds it there.
+/// Context thread only, but for what makes requests.
 class Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
 {
 public:
+    using Names = std::vector<std::string>;
+
     Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const PagerOptions& options);
 
     void Watch();
@@ -27,54 +28,100 @@ public:
     /// Outdates the list if a blocking command that was made meanwhile has changed it.
     void CatchUp() { m_session->Bus()->ReportFollowed(); }
 
-    void Count(CountCompletion completion);
-    void At(int index, PageCompletion completion);
+    /// @name Any thread
+    /// @{
+    Request<int> Count();
+    Request<PagePtr> At(int index);
+    Request<Names> Range(int first, int last);
+    Request<void> Enter(std::function<Request<void>(const Commands&)> command);
+    /// @}
+
     PagePtr Cached(int index);
-    void Enter(Request<void> request, Completion completion);
     void Refresh();
     Subscription OnOutdated(std::string name, std::function<void()> callback);
-    Commands Ask() const { return m_session->MakeCommands(); }
 
 private:
+    /// A request, and how it goes on with what it waits for.
+    template <class T>
+    struct Waiter
+    {
+        OpenRequestPtr request;
+        std::function<void(const Result<T>&)> arrived;
+    };
+
+    template <class T>
+    struct Fetch
+    {
+        bool ahead = false;  // wanted though no request waits for it
+        std::vector<Waiter<T>> waiters;
+
+        bool Wanted() const;
+        void Arrived(const Result<T>& result) const;
+    };
+
+    struct Walk;
+    using WalkPtr = std::shared_ptr<Walk>;
+
     bool IsDatabase() const { return m_kind == ListKind::Database || m_kind == ListKind::DatabasePinyin; }
     bool HasCount() const { return m_kind != ListKind::Update && m_kind != ListKind::UpdatePinyin; }
     int NumberOf(int index) const { return m_kind == ListKind::Devices ? 0 : index / m_options.pageSize; }
     std::int64_t FirstOf(int number) const { return std::int64_t{number} * m_options.pageSize; }
     int LastOf(int number) const;
+    static Error NoSuchEntry(int index);
+    std::chrono::milliseconds CallDeadline(const OpenRequest* request) const;
     Request<int> AskForCount() const;
     void Forget(const Error& error);
-    void FetchCount();
-    void CountArrived(const Result<int>& count);
     void End(const Error& error);
-    void AtWithoutCount(int index, PageCompletion completion);
-    void PageWanted(int index, PageCompletion completion);
-    void FetchPage(int number);
+    void CountWanted(Waiter<int> waiter);
+    void CountArrived(const Result<int>& count);
+    void EntryWanted(int index, Waiter<PagePtr> waiter);
+    void EntryWantedWithoutCount(int index, const Waiter<PagePtr>& waiter);
+    void PageWanted(int index, Waiter<PagePtr> waiter);
+    void FetchPage(int number, const OpenRequest* request);
     void PageArrived(int number, const Result<PageHead>& head);
     Result<PagePtr> MakePage(int number, const PageHead& head) const;
     void Prefetch(int number);
-    void SendChange(std::uint64_t number, Request<void> request, const Lane::Release& release);
-    void Changed(std::uint64_t number, const Result<void>& result);
+    void BeginWalk(const WalkPtr& walk);
+    void WalkOn(const WalkPtr& walk);
+    void Walked(const WalkPtr& walk, const Result<PagePtr>& page);
+    void Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command);
 
     template <class T>
-    void InTurn(Request<T> request, std::function<void(const Result<T>&)> arrived);
+    Request<T> Reading(const char* name, detail::Terms terms, std::function<void(Impl&, const PendingPtr<T>&)> begin);
     template <class T>
-    void TellLater(std::function<void(Result<T>)> completion, Result<T> result);
+    void InTurn(Request<T> request, std::function<bool()> wanted, std::function<void(const Result<T>&)> arrived);
 
     const std::shared_ptr<Session::Impl> m_session;
     const ListKind m_kind;
     PagerOptions m_options;
+    const std::optional<Error> m_unusable;  // why the options are
     const std::shared_ptr<Lane> m_lane;
+    const std::shared_ptr<RequestGroup> m_reads;
+    const std::shared_ptr<RequestGroup> m_changes;  // of level
     PageCache m_cache;
     Subscription m_watch;
     Subscription m_ending;
-    std::optional<Error> m_end;  // why nothing is asked any more
-    std::uint64_t m_round = 0;   // grows whenever all is forgotten
+    std::uint64_t m_round = 0;  // grows whenever all is forgotten
     std::optional<int> m_count;
-    std::vector<CountCompletion> m_counts;
-    std::map<int, std::vector<PageCompletion>> m_pages;
-    std::map<std::uint64_t, Completion> m_changes;  // of level
-    std::uint64_t m_lastChange = 0;
-    Answers m_answers;
+    std::optional<Fetch<int>> m_counting;
+    std::map<int, Fetch<PagePtr>> m_pages;  // that are being fetched
     int m_lastNumber = 0;
 };
+
+template <class T>
+Request<T> Pager::Impl::Reading(const char* name, detail::Terms terms,
+                                std::function<void(Impl&, const PendingPtr<T>&)> begin)
+{
+    return MakeLoopRequest<T>(m_reads, name, std::move(terms),
+                              [weak = weak_from_this(), begin = std::move(begin)](const PendingPtr<T>& request)
+                              {
+                                  const auto self = weak.lock();
+                                  if (self == nullptr) return;
+                                  self->CatchUp();
+                                  if (!request->Open()) return;
+                                  if (self->m_unusable)
+                                      return request->Settle(tl::unexpected<Error>(*self->m_unusable));
+                                  begin(*self, request);
+                              });
+}
 }  // namespace ipodkit

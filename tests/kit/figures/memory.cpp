@@ -93,8 +93,8 @@ void Walk(Pager& pager, int pageSize)
     for (int index = 0; index < kEntries; index += pageSize)
     {
         std::optional<bool> right;
-        pager.At(index, [&](const Result<PagePtr>& page)
-                 { right = page && (*page)->At(index).find(std::to_string(index)) != std::string::npos; });
+        pager.At(index).Start([&](const Result<PagePtr>& page)
+                              { right = page && (*page)->At(index).find(std::to_string(index)) != std::string::npos; });
         ASSERT_TRUE(RunLoopUntil([&] { return right.has_value(); }));
         ASSERT_TRUE(*right);
     }

@@ -1,0 +1,45 @@
+/// @file
+/// One call of the service.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "loop/glib_ptr.h"
+#include "loop/terms.h"
+
+namespace ipodkit::detail
+{
+class Bus;
+using Body = std::shared_ptr<GVariant>;
+
+/// What is sent, and what an answer must look like.
+struct Call
+{
+    const char* method;
+    const char* replyType;
+    Body arguments;
+    std::optional<Error> obstacle;  // why it cannot be sent
+    bool isOrder = false;           // the reply "(b)" says whether it was followed
+    Terms terms{};
+};
+
+/// A call that is under way, and what becomes of its answer.
+class PendingCall
+{
+public:
+    explicit PendingCall(Call toSend) : call(std::move(toSend)) {}
+    virtual ~PendingCall() = default;
+    PendingCall(const PendingCall&) = delete;
+    PendingCall& operator=(const PendingCall&) = delete;
+
+    virtual void Complete(Result<Body> answer) = 0;
+
+    Call call;
+    bool sent = false;
+    std::chrono::steady_clock::time_point since{};
+};
+}  // namespace ipodkit::detail

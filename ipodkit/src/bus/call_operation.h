@@ -1,0 +1,64 @@
+/// @file
+/// A request that is one call of the service.
+#pragma once
+
+#include "bus/bus.h"
+
+namespace ipodkit::detail
+{
+template <class T>
+class CallOperation final : public Operation<T>,
+                            public PendingCall,
+                            public std::enable_shared_from_this<CallOperation<T>>
+{
+public:
+    using Decode = Result<T> (*)(GVariant* body);
+
+    CallOperation(std::shared_ptr<Bus> bus, std::chrono::milliseconds deadline, Call toSend, Decode decode)
+        : Operation<T>(bus->Home(), {deadline, std::nullopt}),
+          PendingCall(std::move(toSend)),
+          m_bus(std::move(bus)),
+          m_decode(decode)
+    {
+    }
+
+    void Start(typename Operation<T>::Completion completion) override
+    {
+        m_completion = std::move(completion);
+        const std::shared_ptr<Bus> bus = SetOut();
+        bus->Send(this->shared_from_this());
+    }
+
+    Result<T> Wait() override
+    {
+        const std::shared_ptr<Bus> bus = SetOut();
+        return Decoded(bus->SendAndWait(call));
+    }
+
+    void Complete(Result<Body> answer) override
+    {
+        const auto completion = std::move(m_completion);
+        completion(Decoded(std::move(answer)));
+    }
+
+private:
+    // The bus holds what is under way; that holds the bus no longer.
+    std::shared_ptr<Bus> SetOut()
+    {
+        call.terms = std::move(this->terms);
+        if (!call.obstacle) call.obstacle = Unacceptable(call.terms);
+        since = std::chrono::steady_clock::now();
+        return std::move(m_bus);
+    }
+
+    Result<T> Decoded(const Result<Body>& answer) const
+    {
+        if (!answer) return tl::unexpected<Error>(answer.error());
+        return m_decode(answer->get());
+    }
+
+    std::shared_ptr<Bus> m_bus;
+    const Decode m_decode;
+    typename Operation<T>::Completion m_completion;
+};
+}  // namespace ipodkit::detail

@@ -1,0 +1,76 @@
+#include <algorithm>
+#include <utility>
+
+#include "lists/pager_impl.h"
+
+namespace ipodkit
+{
+/// The names that Range() has collected.
+struct Pager::Impl::Walk
+{
+    PendingPtr<Names> request;
+    int next;
+    int last;
+    bool toTheEnd;
+    Names names{};
+
+    void Add(const Page& page);
+};
+
+void Pager::Impl::Walk::Add(const Page& page)
+{
+    const auto begin = page.names.begin() + (next - page.first);
+    const auto wanted = std::min<std::int64_t>(page.names.end() - begin, std::int64_t{last} - next + 1);
+    names.insert(names.end(), begin, begin + wanted);
+    next += static_cast<int>(wanted);
+}
+
+Request<Pager::Impl::Names> Pager::Impl::Range(int first, int last)
+{
+    const auto begin = [first, last](Impl& self, const PendingPtr<Names>& request)
+    {
+        if (first < 0) return request->Settle(tl::unexpected<Error>(NoSuchEntry(first)));
+        if (last < first)
+            return request->Settle(tl::unexpected<Error>(
+                Error{ErrorKind::BadArgument,
+                      "the range ends at " + std::to_string(last) + " before it begins at " + std::to_string(first)}));
+        self.BeginWalk(std::make_shared<Walk>(Walk{request, first, last, last == Pager::End}));
+    };
+    return Reading<Names>("pager range", {}, begin);
+}
+
+void Pager::Impl::BeginWalk(const WalkPtr& walk)
+{
+    if (!HasCount()) return WalkOn(walk);
+    CountWanted({walk->request, [this, walk](const Result<int>& count)
+                 {
+                     if (!count) return walk->request->Settle(tl::unexpected<Error>(count.error()));
+                     if (walk->toTheEnd && walk->next <= *count) walk->last = *count - 1;
+                     WalkOn(walk);
+                 }});
+}
+
+// Page by page, without a call inside a call for those that are in the cache.
+void Pager::Impl::WalkOn(const WalkPtr& walk)
+{
+    for (PagePtr page = Cached(walk->next); page != nullptr && walk->next <= walk->last; page = Cached(walk->next))
+        walk->Add(*page);
+    if (walk->next > walk->last) return walk->request->Settle(std::move(walk->names));
+    EntryWanted(walk->next, {walk->request, [this, walk](const Result<PagePtr>& page) { Walked(walk, page); }});
+}
+
+// Where no size is reported, the end of the list is where there are no more entries.
+void Pager::Impl::Walked(const WalkPtr& walk, const Result<PagePtr>& page)
+{
+    if (page)
+    {
+        walk->Add(**page);
+        return WalkOn(walk);
+    }
+    const Error& error = page.error();
+    const bool ended = error.kind == ErrorKind::BadArgument ||
+                       (error.kind == ErrorKind::Refused && error.name.empty() && walk->next > 0);
+    if (walk->toTheEnd && !HasCount() && ended) return walk->request->Settle(std::move(walk->names));
+    walk->request->Settle(tl::unexpected<Error>(error));
+}
+}  // namespace ipodkit

@@ -1,0 +1,36 @@
+#include "loop/home.h"
+
+#include "loop/context.h"
+
+namespace ipodkit::detail
+{
+Home::Turn::Turn(const Home& home) : m_held(home.Context())
+{
+    const bool mine = g_main_context_is_owner(m_held) != FALSE ||
+                      home.m_thread.load(std::memory_order_relaxed) == std::this_thread::get_id();
+    if (!mine || g_main_context_acquire(m_held) == FALSE) m_held = nullptr;
+}
+
+Home::Turn::~Turn()
+{
+    if (m_held != nullptr) g_main_context_release(m_held);
+}
+
+void Home::Run(const std::function<void()>& work) const
+{
+    if (const Turn turn(*this); turn) return work();
+    Post(Context(), work);
+}
+
+bool RunsHere(const Home& home)
+{
+    return static_cast<bool>(Home::Turn(home));
+}
+
+Error WouldDeadlock()
+{
+    return {ErrorKind::WouldDeadlock,
+            "this thread runs the session's context, where the result would arrive; use Start(), or wait on another "
+            "thread"};
+}
+}  // namespace ipodkit::detail

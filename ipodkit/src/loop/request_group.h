@@ -1,0 +1,89 @@
+/// @file
+/// Requests that the session's context works on, from Start() to their completion.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <set>
+
+#include "loop/cancellation_link.h"
+#include "loop/home.h"
+#include "loop/terms.h"
+
+namespace ipodkit
+{
+/// A request that has been started.
+class OpenRequest
+{
+public:
+    OpenRequest() = default;
+    virtual ~OpenRequest() = default;
+    OpenRequest(const OpenRequest&) = delete;
+    OpenRequest& operator=(const OpenRequest&) = delete;
+
+    /// Runs the completion with an error. For the group, which has just let go of it.
+    virtual void Fail(const Error& error) = 0;
+
+    /// Whether it has not completed yet.
+    virtual bool Open() const = 0;
+
+    virtual const detail::Terms& Terms() const = 0;
+};
+
+using OpenRequestPtr = std::shared_ptr<OpenRequest>;
+
+/// Requests that end together: those of one pager or one accessory session. Holds each until it completes, and
+/// completes those whose deadline passes. Any thread, where it says nothing else.
+class RequestGroup : public std::enable_shared_from_this<RequestGroup>
+{
+public:
+    using Serial = std::uint64_t;
+
+    static std::shared_ptr<RequestGroup> Make(detail::HomePtr home);
+
+    Serial Reserve();
+
+    /// Holds the request. Why it must complete at once, if it must.
+    std::optional<Error> Add(Serial serial, const OpenRequestPtr& request);
+
+    /// Keeps the link until the request completes.
+    void Keep(Serial serial, std::shared_ptr<CancellationLink> link);
+
+    /// Lets go of the request. False when that has happened before: each completes once.
+    bool Take(Serial serial);
+    bool Has(Serial serial) const;
+
+    /// Completes all that are open now, in the order of their Start(). Context thread only.
+    void FailAll(const Error& error);
+
+    /// The same, and those that come later get the error too. Context thread only.
+    void Close(const Error& error);
+
+    const detail::HomePtr& Home() const { return m_home; }
+
+private:
+    struct Entry
+    {
+        OpenRequestPtr request;
+        gint64 due;  // microseconds of GLib's clock; 0 for none
+        std::shared_ptr<CancellationLink> link;
+    };
+
+    explicit RequestGroup(detail::HomePtr home) : m_home(std::move(home)) {}
+    static gboolean OnDue(gpointer data);
+    void Watch();
+    void FailThoseThatAreDue();
+    OpenRequestPtr TakeDue(gint64 now);
+    Entry Extract(Serial serial);
+    void Fail(Serial serial, const Error& error);
+
+    const detail::HomePtr m_home;
+    mutable std::mutex m_mutex;
+    std::map<Serial, Entry> m_open;
+    std::set<std::pair<gint64, Serial>> m_due;
+    std::optional<Error> m_closed;
+    Serial m_lastSerial = 0;
+    SourcePtr m_timer;
+};
+}  // namespace ipodkit

@@ -1,0 +1,20 @@
+/// @file
+/// Deadlines and cancellations of requests.
+#pragma once
+
+#include <ipodkit/request.h>
+
+namespace ipodkit::detail
+{
+/// About 24 days: the longest that GLib can wait.
+inline constexpr std::chrono::milliseconds kLongestDeadline(INT32_MAX - 1);
+
+/// Why a request with these terms cannot be sent; nothing when it can.
+std::optional<Error> Unacceptable(const Terms& terms);
+
+/// The nearest deadline that GLib can wait for.
+std::chrono::milliseconds Clamped(std::chrono::milliseconds deadline);
+
+/// The error of a request that nobody answered for so long.
+Error TimedOut(std::chrono::milliseconds deadline);
+}  // namespace ipodkit::detail
