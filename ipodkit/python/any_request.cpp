@@ -92,7 +92,7 @@ void BindRequest(py::module_& module)
     constexpr auto same = py::return_value_policy::reference;
     py::class_<AnyRequest>(module, "Request", kRequestDoc)
         .def("within", Within, py::arg("deadline"), same,
-             "Sets the deadline: seconds or a timedelta, 0 or more; it becomes a millisecond at least.")
+             "Sets the deadline: seconds or a timedelta, more than 0; rounded up to milliseconds.")
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
         .def_property_readonly("_has_cancellation", &AnyRequest::HasSwitch)
         .def("start", Start, py::arg("callback"),

@@ -17,6 +17,6 @@ inline std::chrono::milliseconds ToMilliseconds(const pybind11::object& duration
     if (PyErr_Occurred() != nullptr) throw pybind11::error_already_set();
     constexpr double kMost = 1e9;
     if (!(std::abs(number) <= kMost)) throw pybind11::value_error("expected a number of seconds, or a timedelta");
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(number));
+    return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(number));
 }
 }  // namespace ipodkit::python

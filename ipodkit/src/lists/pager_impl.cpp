@@ -108,7 +108,7 @@ void Pager::Impl::Forget(const Error& error)
     m_count.reset();
     m_counting.reset();
     m_pages.clear();
-    m_reads->FailAll(error);
+    m_reads->FailBegun(error);
 }
 
 // An answer that belongs to what was forgotten meanwhile, or to a list that became another one, is dropped: the

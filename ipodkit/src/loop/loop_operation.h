@@ -52,10 +52,12 @@ public:
         m_beginning = true;
         begin();
         m_beginning = false;
+        m_begun = true;
     }
 
     void Fail(const Error& error) override { Complete(tl::unexpected<Error>(error)); }
     bool Open() const override { return m_group->Has(m_serial); }
+    bool Begun() const override { return m_begun; }
     const detail::Terms& Terms() const override { return m_terms; }
 
 private:
@@ -98,6 +100,7 @@ private:
     const detail::Terms m_terms;
     Completion m_completion;
     bool m_beginning = false;
+    bool m_begun = false;
 };
 
 template <class T>

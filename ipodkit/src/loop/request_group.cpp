@@ -118,15 +118,22 @@ OpenRequestPtr RequestGroup::TakeDue(gint64 now)
     return Extract(first).request;
 }
 
-void RequestGroup::FailAll(const Error& error)
+template <class Wanted>
+void RequestGroup::FailThose(const Error& error, const Wanted& wanted)
 {
     const auto self = shared_from_this();
     std::vector<Serial> serials;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        for (const auto& [serial, entry] : m_open) serials.push_back(serial);
+        for (const auto& [serial, entry] : m_open)
+            if (wanted(*entry.request)) serials.push_back(serial);
     }
     for (const Serial serial : serials) Fail(serial, error);
+}
+
+void RequestGroup::FailBegun(const Error& error)
+{
+    FailThose(error, [](const OpenRequest& request) { return request.Begun(); });
 }
 
 void RequestGroup::Close(const Error& error)
@@ -135,6 +142,6 @@ void RequestGroup::Close(const Error& error)
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_closed = error;
     }
-    FailAll(error);
+    FailThose(error, [](const OpenRequest&) { return true; });
 }
 }  // namespace ipodkit

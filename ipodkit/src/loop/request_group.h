@@ -28,6 +28,9 @@ public:
     /// Whether it has not completed yet.
     virtual bool Open() const = 0;
 
+    /// Whether it has begun to work, so that a change of what it works on concerns it.
+    virtual bool Begun() const = 0;
+
     virtual const detail::Terms& Terms() const = 0;
 };
 
@@ -54,10 +57,10 @@ public:
     bool Take(Serial serial);
     bool Has(Serial serial) const;
 
-    /// Completes all that are open now, in the order of their Start(). Context thread only.
-    void FailAll(const Error& error);
+    /// Completes those that have begun, in the order of their Start(). Context thread only.
+    void FailBegun(const Error& error);
 
-    /// The same, and those that come later get the error too. Context thread only.
+    /// Completes all, and those that come later get the error too. Context thread only.
     void Close(const Error& error);
 
     const detail::HomePtr& Home() const { return m_home; }
@@ -76,6 +79,8 @@ private:
     void FailThoseThatAreDue();
     OpenRequestPtr TakeDue(gint64 now);
     Entry Extract(Serial serial);
+    template <class Wanted>
+    void FailThose(const Error& error, const Wanted& wanted);
     void Fail(Serial serial, const Error& error);
 
     const detail::HomePtr m_home;
