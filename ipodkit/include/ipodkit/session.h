@@ -56,6 +56,8 @@ struct Connection
     Fields missing{};              ///< see PlayerState::missing
 };
 
+class FakeSession;
+
 class Session
 {
 public:
@@ -101,6 +103,7 @@ public:
     const std::shared_ptr<Impl>& Inside() const { return m_impl; }
 
 private:
+    friend class FakeSession;
     explicit Session(std::shared_ptr<Impl> impl);
 
     std::shared_ptr<Impl> m_impl;

@@ -161,10 +161,10 @@ struct EnumNames<CallEnd>
 
 struct Track
 {
-    std::string title;
-    std::string artist;
-    std::string album;
-    std::string genre;
+    std::string title{};
+    std::string artist{};
+    std::string album{};
+    std::string genre{};
     std::chrono::milliseconds duration{};  ///< 0 when unknown
     int number = 0;                        ///< within its album, from 1; 0 when unknown
     int queueSize = 0;                     ///< entries of the playing list

@@ -135,13 +135,18 @@ void Bus::Transmit(Serial serial)
     if (found == m_pending.end() || found->second->sent) return;
     const PendingPtr pending = found->second;
     const std::optional<Error> obstacle = pending->call.obstacle ? pending->call.obstacle : m_obstacle;
-    pending->sent = !obstacle && m_connection != nullptr;
+    pending->sent = !obstacle && (m_connection != nullptr || m_responder);
     lock.unlock();
-    if (obstacle)
-        Post(Context(), [self = shared_from_this(), serial, obstacle]
-             { self->Complete(serial, tl::unexpected<Error>(*obstacle)); });
-    else if (pending->sent)
-        TransmitOn(m_connection.get(), pending->call, serial);
+    if (obstacle) return CompleteLater(serial, tl::unexpected<Error>(*obstacle));
+    if (!pending->sent) return;
+    if (!m_responder) return TransmitOn(m_connection.get(), pending->call, serial);
+    if (auto answer = m_responder(pending->call, serial)) CompleteLater(serial, std::move(*answer));
+}
+
+void Bus::CompleteLater(Serial serial, Result<Body> result)
+{
+    Post(Context(),
+         [self = shared_from_this(), serial, result = std::move(result)] { self->Complete(serial, result); });
 }
 
 void Bus::TransmitOn(GDBusConnection* connection, const Call& call, Serial serial)
@@ -260,17 +265,23 @@ void Bus::ReportFollowed()
     for (const char* method : methods) m_followed(method);
 }
 
-Result<Body> Bus::SendAndWait(const Call& call)
+Result<Body> Bus::AnswerOf(const Call& call)
 {
-    if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
+    if (m_responder) return m_responder(call, 0).value_or(tl::unexpected<Error>(TimedOut(*call.terms.deadline)));
     const Result<ConnectionPtr> connection = ConnectionForWaiting();
     if (!connection) return tl::unexpected<Error>(connection.error());
-    const auto since = std::chrono::steady_clock::now();
     GError* error = nullptr;
     GDBusMessage* const reply = g_dbus_connection_send_message_with_reply_sync(
         connection->get(), MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, Milliseconds(call), nullptr,
         NativeOf(call), &error);
-    Result<Body> judged = Judged(call, ToResult(reply, error));
+    return ToResult(reply, error);
+}
+
+Result<Body> Bus::SendAndWait(const Call& call)
+{
+    if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
+    const auto since = std::chrono::steady_clock::now();
+    Result<Body> judged = Judged(call, AnswerOf(call));
     LogOutcome(call, judged, since);
     if (MayBeFollowed(call, judged)) ReportLater(call.method);
     return judged;

@@ -30,6 +30,11 @@ namespace detail
 class Bus : public std::enable_shared_from_this<Bus>
 {
 public:
+    using Serial = std::uint64_t;
+
+    /// Answers calls in place of a service. Nothing when the answer comes later, by Complete().
+    using Responder = std::function<std::optional<Result<Body>>(const Call&, Serial)>;
+
     Bus(GMainContext* context, const Guard& guard);
 
     /// @p followed is called in the context for each command that the service has followed, or may have: it was sent
@@ -44,6 +49,12 @@ public:
 
     /// Blocks. Iterates a context of its own only.
     Result<Body> SendAndWait(const Call& call);
+
+    /// Calls go to @p responder from now on; there is no connection.
+    void AnswerBy(Responder responder) { m_responder = std::move(responder); }
+
+    /// The answer to a call; ignored when it has completed.
+    void Complete(Serial serial, Result<Body> result);
 
     /// Sends what has been waiting for the connection.
     void Connected(GDBusConnection* connection);
@@ -60,7 +71,6 @@ public:
     const std::shared_ptr<RequestGroup>& Requests() const { return m_requests; }
 
 private:
-    using Serial = std::uint64_t;
     using PendingPtr = std::shared_ptr<PendingCall>;
     struct Ticket
     {
@@ -73,8 +83,9 @@ private:
     void Transmit(Serial serial);
     void TransmitOn(GDBusConnection* connection, const Call& call, Serial serial);
     PendingPtr Take(Serial serial);
-    void Complete(Serial serial, Result<Body> result);
+    void CompleteLater(Serial serial, Result<Body> result);
     Result<ConnectionPtr> ConnectionForWaiting();
+    Result<Body> AnswerOf(const Call& call);
     std::map<Serial, PendingPtr> TakeAll();
     static void OnReply(GObject* connection, GAsyncResult* result, gpointer data);
 
@@ -87,6 +98,7 @@ private:
     std::mutex m_mutex;
     std::vector<const char*> m_unreported;
     ConnectionPtr m_connection;
+    Responder m_responder;
     std::map<Serial, PendingPtr> m_pending;
     std::optional<Error> m_obstacle;  // why nothing can be sent
     bool m_closed = false;

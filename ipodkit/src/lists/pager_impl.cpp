@@ -274,7 +274,7 @@ void Pager::Impl::PageArrived(int number, const Result<PageHead>& head)
 
 Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
 {
-    auto names = NamesOf(m_kind);
+    auto names = m_session->ListNames(m_kind);
     if (!names) return tl::unexpected<Error>(Error{ErrorKind::BadReply, "the shared list is damaged"});
     const auto wanted = static_cast<std::size_t>(LastOf(number) - FirstOf(number) + 1);
     const bool fits = HasCount() ? names->size() == wanted : names->size() <= wanted;

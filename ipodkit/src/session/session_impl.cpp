@@ -55,14 +55,14 @@ void Session::Impl::Start()
 void Session::Impl::Close()
 {
     m_closed = true;
-    m_watch->Stop();
+    if (m_watch != nullptr) m_watch->Stop();
     m_reader->Stop();
     m_retry.reset();
     m_publisher->End();
     m_eventCallbacks.End();
     m_lanes.End();
     m_endings.ForEach(m_guard, [](const std::function<void()>& ended) { ended(); });
-    CoreLink::Instance().Release();
+    if (m_watch != nullptr) CoreLink::Instance().Release();
     m_bus->Close();
 }
 
@@ -160,12 +160,16 @@ void Session::Impl::Attached(const std::optional<Error>& error)
 void Session::Impl::Signalled(const char* signal, GVariant* body)
 {
     const std::optional<Event> event = Decode(signal, body, m_pictures);
-    if (!event) return;
-    m_draft.Apply(*event);
-    m_lanes.OutdateBy(signal);
-    if (std::holds_alternative<DeviceChanged>(*event)) m_reader->ReadDevices();
+    if (event) Follow(*event);
+}
+
+void Session::Impl::Follow(const Event& event)
+{
+    m_draft.Apply(event);
+    m_lanes.OutdateBy(SignalName(event));
+    if (std::holds_alternative<DeviceChanged>(event)) m_reader->ReadDevices();
     m_publisher->Touch();
-    m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(*event); });
+    m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(event); });
 }
 
 // No event reports that another device is browsed now.

@@ -5,6 +5,7 @@
 #include <ipodkit/session.h>
 
 #include "bus/bus.h"
+#include "commands/requests.h"
 #include "session/core_link.h"
 #include "session/lanes.h"
 #include "session/owner_watch.h"
@@ -43,7 +44,12 @@ public:
     /// Called when the session ends, before its requests complete: for what may outlive it.
     Registry<std::function<void()>>& Endings() { return m_endings; }
 
+    /// The entries of a list that the service has put into its vector; nothing when that cannot be read.
+    std::optional<std::vector<std::string>> ListNames(ListKind kind) const { return m_names(kind); }
+
 private:
+    friend class ipodkit::FakeSession;  // is a session without a bus
+
     template <class Method>
     auto Bound(Method method);
     void Connected(GDBusConnection* connection);
@@ -55,6 +61,7 @@ private:
     void Attach();
     void Attached(const std::optional<Error>& error);
     void Signalled(const char* signal, GVariant* body);
+    void Follow(const Event& event);
     void Followed(const char* method);
     void Progressed();
     void Published(Fields changed);
@@ -72,6 +79,7 @@ private:
     const std::shared_ptr<StateReader> m_reader;
     Registry<EventCallback> m_eventCallbacks;
     std::shared_ptr<OwnerWatch> m_watch;
+    std::function<std::optional<std::vector<std::string>>(ListKind)> m_names = NamesOf;
     Registry<std::function<void()>> m_endings;
     SourcePtr m_retry;
     Phase m_phase = Phase::Absent;

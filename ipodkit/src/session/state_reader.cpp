@@ -191,8 +191,7 @@ void StateReader::ReadArtwork()
     m_asked = std::make_shared<const PlayerState>(m_draft.State());
     Ask<PictureHead>(
         Field::Artwork, [this] { return AskForArtwork(m_bus, m_deadline); },
-        [this, before = m_draft.State().Artwork()](const PictureHead& head)
-        { TakeArtwork(head, before); });
+        [this, before = m_draft.State().Artwork()](const PictureHead& head) { TakeArtwork(head, before); });
 }
 
 // What an event has brought in the meantime stays: it is the artwork of the playing track.

@@ -51,6 +51,13 @@ void Publisher::Publish(const Connection& connection)
     PublishNext(std::move(state));
 }
 
+void Publisher::Replace(PlayerState state)
+{
+    m_timer.Stop();
+    m_connection = {state.phase, state.generation, state.error, state.missing};
+    PublishNext(std::move(state));
+}
+
 void Publisher::End()
 {
     m_connection.phase = Phase::Lost;

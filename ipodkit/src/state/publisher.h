@@ -29,6 +29,9 @@ public:
     /// Publishes a step of the connection at once: with the draft when it is Ready, else with the last known state.
     void Publish(const Connection& connection);
 
+    /// Publishes a state as it is, whatever the draft says.
+    void Replace(PlayerState state);
+
     /// Publishes nothing more, and ends the subscriptions.
     void End();
 

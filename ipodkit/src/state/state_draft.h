@@ -21,6 +21,9 @@ public:
     /// Forgets everything: a service that has just appeared has no past.
     void Reset() { m_state = {}; }
 
+    /// Takes over a whole state.
+    void Replace(const PlayerState& state) { m_state = state; }
+
     /// Forgets what was known of the device.
     void ForgetDevice();
 

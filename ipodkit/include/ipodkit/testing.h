@@ -1,0 +1,77 @@
+/// @file
+/// A session for tests of applications: without a bus, a service, or shared memory.
+///
+///     FakeSession fake;
+///     NowPlaying view(fake.Get());
+///     PlayerState state = FakeSession::ReadyState();
+///     state.track = Track{"Low Water", "Harbour Quartet"};
+///     fake.SetState(state);
+///     EXPECT_EQ(view.title(), "Low Water");
+///     view.ClickNext();
+///     EXPECT_EQ(fake.Calls(), std::vector<std::string>{"Next()"});
+///
+/// Everything that an application does with a Session works: state, events, requests, and pagers. Each operation of the
+/// fake runs the session's context until nothing is ready, so callbacks have run when it returns. One thread only; any
+/// number of fakes at a time.
+#pragma once
+
+#include <ipodkit/list_kind.h>
+#include <ipodkit/session.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+
+namespace ipodkit
+{
+class FakeSession
+{
+public:
+    explicit FakeSession(const SessionOptions& options = {});
+    ~FakeSession();
+    FakeSession(const FakeSession&) = delete;
+    FakeSession& operator=(const FakeSession&) = delete;
+
+    /// The session that the application gets; it ends with the fake.
+    Session& Get();
+
+    /// A state in Phase::Ready of which nothing else is known.
+    static PlayerState ReadyState();
+
+    /// Publishes a state; its version is counted on.
+    void SetState(const PlayerState& state);
+
+    /// Does what an event of the service does: callbacks of OnEvent() run, and the state follows it.
+    void Emit(const Event& event);
+
+    /// @name Answers to requests. Methods are those of the bus contract. Without one, a request completes with
+    /// ErrorKind::Refused; void commands succeed.
+    /// @{
+    void Answer(const std::string& method, const std::string& body);  ///< in GVariant text: "(true,)"
+    void Fail(const std::string& method, const Error& error);
+    void Hold(const std::string& method);        ///< answers neither these calls nor later ones
+    void AnswerHeld(const std::string& method);  ///< answers all of them as before Hold(), and later ones at once
+
+    /// The entries of a list for pagers, and their number.
+    void SetList(ListKind kind, std::vector<std::string> names);
+    /// @}
+
+    /// "Seek(12,)" for each call so far: the method and its arguments in GVariant text.
+    std::vector<std::string> Calls() const;
+
+    /// Lets time pass: the position advances while something plays, and commands that are held time out.
+    void Advance(std::chrono::milliseconds time);
+
+    /// Runs what is ready in the session's context.
+    void Run();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+}  // namespace ipodkit
+
+#pragma GCC visibility pop
