@@ -141,6 +141,22 @@ class Run(unittest.TestCase):
     def test_a_test_that_needed_a_second_try_is_named_before_the_counts(self):
         self.assertEqual(self.run_verb("test", IPOD_TEST_TRIES="2")[1], "tried again: One\n1 passed, 0 failed, 0 skipped\n")
 
+    # The other architecture
+
+    def test_the_core_on_arm_is_compared_with_the_native_tests_that_need_no_tools(self):
+        self.write("tools/compare-test-lists", f'#!/bin/sh\necho "compare $*" >>{self.root}/called\n')
+        for words, preset, options in (([], "arm", ""), (["core"], "arm-core", " --label-exclude tools")):
+            with self.subTest(words):
+                (self.root / "called").write_text("")
+                self.assertEqual(self.run_verb("arm", *words)[0], 0)
+                self.assertIn(f"--preset {preset} ", self.called("ctest")[-1])
+                self.assertEqual(self.called("compare"),
+                                 [f"build/dev build/{preset} tests/arm-exclusions.txt{options}"])
+
+    def test_on_arm_a_test_that_only_one_side_has_fails(self):
+        self.write("tools/compare-test-lists", "#!/bin/sh\nexit 1\n")
+        self.assertEqual(self.run_verb("arm")[0], 1)
+
     # Continuous integration
 
     def test_a_stage_that_fails_is_counted_although_all_its_tests_passed(self):
