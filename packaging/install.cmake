@@ -5,7 +5,7 @@ set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 
 # Builds what is installed, and nothing that only tests need.
 add_custom_target(packaged)
-foreach(part IN ITEMS ipod ipodkit ipodkit_python ipodctl ipod-simulator ipod-make-samples)
+foreach(part IN ITEMS ipod ipodkit ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipod-simulator ipod-make-samples)
   if(TARGET ${part})
     add_dependencies(packaged ${part})
   endif()

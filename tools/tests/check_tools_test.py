@@ -286,9 +286,9 @@ class CompareTestLists(Case):
         self.write(f"{name}/CTestTestfile.cmake", lines)
         return self.root / name
 
-    def check(self, native, other, excluded=""):
+    def check(self, native, other, excluded="", *options):
         return self.run_check("compare-test-lists", self.build("native", native), self.build("other", other),
-                              self.write("excluded", excluded))
+                              self.write("excluded", excluded), *options)
 
     def test_passes_equal_lists(self):
         status, output = self.check(["a", "b"], ["b", "a"])
@@ -314,6 +314,11 @@ class CompareTestLists(Case):
         status, output = self.check(["a"], ["a"], "a  once it could not\n")
         self.assertEqual(1, status)
         self.assertIn("leaves nothing out any more: a", output)
+
+    def test_compares_the_tests_that_the_options_leave(self):
+        status, output = self.check(["a", "b"], ["a"], "", "--exclude-regex", "b")
+        self.assertEqual(0, status, output)
+        self.assertIn("tests: 1 native, 1 here, ", output)
 
     def test_compares_nothing_with_a_build_that_is_not_there(self):
         self.assertEqual(2, self.check(["a"], [])[0])

@@ -141,6 +141,36 @@ class Run(unittest.TestCase):
     def test_a_test_that_needed_a_second_try_is_named_before_the_counts(self):
         self.assertEqual(self.run_verb("test", IPOD_TEST_TRIES="2")[1], "tried again: One\n1 passed, 0 failed, 0 skipped\n")
 
+    # The other architecture
+
+    def test_the_core_on_arm_is_compared_with_the_native_tests_that_need_no_tools(self):
+        self.write("tools/compare-test-lists", f'#!/bin/sh\necho "compare $*" >>{self.root}/called\n')
+        for words, preset, options in (([], "arm", ""), (["core"], "arm-core", " --label-exclude tools")):
+            with self.subTest(words):
+                (self.root / "called").write_text("")
+                self.assertEqual(self.run_verb("arm", *words)[0], 0)
+                self.assertIn(f"--preset {preset} ", self.called("ctest")[-1])
+                self.assertEqual(self.called("compare"),
+                                 [f"build/dev build/{preset} tests/arm-exclusions.txt{options}"])
+
+    def test_on_arm_a_test_that_only_one_side_has_fails(self):
+        self.write("tools/compare-test-lists", "#!/bin/sh\nexit 1\n")
+        self.assertEqual(self.run_verb("arm")[0], 1)
+
+    # Continuous integration
+
+    def test_a_stage_that_fails_is_counted_although_all_its_tests_passed(self):
+        (self.root / ".ci").mkdir()
+        shutil.copy(TREE / ".ci/run", self.root / ".ci/run")
+        self.write("run", """#!/bin/sh
+[ "$*" != test ] || { echo "20 passed, 0 failed, 0 skipped"; exit 1; }
+echo "10 passed, 0 failed, 0 skipped"
+""")
+        stages = (TREE / ".ci/run").read_text().count("\nstage ")
+        ended = subprocess.run([self.root / ".ci/run"], text=True, timeout=60, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.assertEqual((ended.returncode, ended.stdout.split("\n")[-2]),
+                         (1, f"{20 + 10 * (stages - 1)} passed, 1 failed, 0 skipped"))
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)
