@@ -27,6 +27,7 @@
 #include <ipodkit/future.h>
 
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <future>
 #include <memory>
@@ -70,6 +71,9 @@ private:
 /// The error of a request whose AndThen() function threw.
 Error Threw();
 
+/// Writes the exception that ended a task of coroutine.h to the log.
+void LogThrownByTask(const std::exception_ptr& thrown);
+
 /// How a request is carried out. It is used once, by Start() or Wait().
 template <class T>
 class Operation
@@ -83,6 +87,11 @@ public:
     Operation& operator=(const Operation&) = delete;
 
     virtual void Start(Completion completion) = 0;
+
+    /// Completes what was started with ErrorKind::Cancelled before it returns, unless it has completed. Context thread
+    /// only.
+    virtual void Withdraw() = 0;
+
     virtual Result<T> Wait()
     {
         if (RunsHere(*home)) return tl::unexpected<Error>(WouldDeadlock());
@@ -127,8 +136,15 @@ public:
     {
         m_completion = std::move(completion);
         Begin();
-        const OperationPtr<T> first = std::move(m_first);
-        first->Start([self = this->shared_from_this()](Result<T> result) { self->Arrived(std::move(result)); });
+        m_first->Start([self = this->shared_from_this()](Result<T> result) { self->Arrived(std::move(result)); });
+    }
+
+    void Withdraw() override
+    {
+        if (m_second != nullptr)
+            m_second->Withdraw();
+        else
+            m_first->Withdraw();
     }
 
     Result<U> Wait() override
@@ -151,7 +167,7 @@ private:
     {
         const Result<OperationPtr<U>> second = Second(std::move(result));
         const auto completion = std::move(m_completion);
-        if (second) return (*second)->Start(completion);
+        if (second) return (m_second = *second)->Start(completion);
         completion(tl::unexpected<Error>(second.error()));
         if (m_thrown) std::rethrow_exception(std::exchange(m_thrown, nullptr));
     }
@@ -181,7 +197,8 @@ private:
             return std::move(next)(*std::move(result));
     }
 
-    OperationPtr<T> m_first;
+    const OperationPtr<T> m_first;
+    OperationPtr<U> m_second;  // once it has begun
     F m_next;
     SharedTerms m_shared;
     std::exception_ptr m_thrown;

@@ -76,6 +76,10 @@ public:
     StatePtr State() const;  ///< the last that was published, never null
     ipodkit::Commands Commands() const;
 
+    /// The next state that is published after the start of the request and differs in one of @p fields. No deadline
+    /// unless Within() sets one.
+    Request<StatePtr> Changed(Fields fields = Fields::All());
+
     /// Reads fields from the service again, those that can be read; each is published when its answer arrives. For
     /// fields that were refused, or that may have changed without an event.
     void Refresh(Fields fields = Fields::All());

@@ -122,7 +122,8 @@ Bus::Serial Bus::Remember(PendingPtr pending)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_closed) pending->call.obstacle = kSessionEnded;
-    m_pending.emplace_hint(m_pending.end(), ++m_lastSerial, std::move(pending));
+    pending->serial = ++m_lastSerial;
+    m_pending.emplace_hint(m_pending.end(), m_lastSerial, std::move(pending));
     return m_lastSerial;
 }
 
@@ -165,6 +166,11 @@ void Bus::OnReply(GObject* connection, GAsyncResult* result, gpointer data)
     GDBusMessage* const reply =
         g_dbus_connection_send_message_with_reply_finish(G_DBUS_CONNECTION(connection), result, &error);
     ticket->bus->Complete(ticket->serial, ToResult(reply, error));
+}
+
+void Bus::Withdraw(const PendingCall& call)
+{
+    Complete(call.serial, tl::unexpected<Error>(kWithdrawn));
 }
 
 Bus::PendingPtr Bus::Take(Serial serial)

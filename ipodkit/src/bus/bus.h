@@ -47,6 +47,9 @@ public:
     /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.
     void Send(std::shared_ptr<PendingCall> call);
 
+    /// Completes a call that was sent, unless it has completed. Its answer is dropped.
+    void Withdraw(const PendingCall& call);
+
     /// Blocks. Iterates a context of its own only.
     Result<Body> SendAndWait(const Call& call);
 

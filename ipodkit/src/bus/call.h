@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,6 +40,7 @@ public:
     virtual void Complete(Result<Body> answer) = 0;
 
     Call call;
+    std::uint64_t serial = 0;  // since it was sent
     bool sent = false;
     std::chrono::steady_clock::time_point since{};
 };

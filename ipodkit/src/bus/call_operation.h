@@ -29,6 +29,11 @@ public:
         bus->Send(this->shared_from_this());
     }
 
+    void Withdraw() override
+    {
+        if (const std::shared_ptr<Bus> bus = m_sentOn.lock()) bus->Withdraw(*this);
+    }
+
     Result<T> Wait() override
     {
         const std::shared_ptr<Bus> bus = SetOut();
@@ -48,6 +53,7 @@ private:
         call.terms = std::move(this->terms);
         if (!call.obstacle) call.obstacle = Unacceptable(call.terms);
         since = std::chrono::steady_clock::now();
+        m_sentOn = m_bus;
         return std::move(m_bus);
     }
 
@@ -58,6 +64,7 @@ private:
     }
 
     std::shared_ptr<Bus> m_bus;
+    std::weak_ptr<Bus> m_sentOn;
     const Decode m_decode;
     typename Operation<T>::Completion m_completion;
 };

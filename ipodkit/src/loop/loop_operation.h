@@ -27,7 +27,7 @@ public:
     bool Begin()
     {
         std::optional<Error> error = m_group->Add(m_serial, this->shared_from_this());
-        if (!error && m_terms.cancellation && m_terms.cancellation->Cancelled()) error = kWithdrawn;
+        if (!error && m_terms.cancellation && m_terms.cancellation->Cancelled()) error = detail::kWithdrawn;
         if (error)
             SettleLater(tl::unexpected<Error>(*error));
         else if (m_terms.cancellation)
@@ -55,14 +55,21 @@ public:
         m_begun = true;
     }
 
+    /// Keeps an object until it completes.
+    void Hold(std::shared_ptr<void> held) { m_held = std::move(held); }
+
+    /// Completes it now, also inside @p begin.
+    void Withdraw()
+    {
+        if (m_group->Take(m_serial)) Fail(detail::kWithdrawn);
+    }
+
     void Fail(const Error& error) override { Complete(tl::unexpected<Error>(error)); }
     bool Open() const override { return m_group->Has(m_serial); }
     bool Begun() const override { return m_begun; }
     const detail::Terms& Terms() const override { return m_terms; }
 
 private:
-    inline static const Error kWithdrawn{ErrorKind::Cancelled, "the request was cancelled"};
-
     // Does not hold the request: its end would wait for the call of the switch that it is in.
     struct Withdrawal
     {
@@ -76,7 +83,7 @@ private:
         Post(withdrawal.home->Context(),
              [request = withdrawal.request]
              {
-                 if (const auto self = request.lock()) self->Settle(tl::unexpected<Error>(kWithdrawn));
+                 if (const auto self = request.lock()) self->Settle(tl::unexpected<Error>(detail::kWithdrawn));
              });
     }
 
@@ -90,6 +97,7 @@ private:
 
     void Complete(Result<T> result)
     {
+        const std::shared_ptr<void> held = std::move(m_held);
         const Completion completion = std::move(m_completion);
         m_group->Home()->CallbackGuard().Run(m_name, [&] { completion(std::move(result)); });
     }
@@ -99,6 +107,7 @@ private:
     const char* const m_name;
     const detail::Terms m_terms;
     Completion m_completion;
+    std::shared_ptr<void> m_held;
     bool m_beginning = false;
     bool m_begun = false;
 };
@@ -127,6 +136,7 @@ public:
     {
         const auto pending =
             std::make_shared<Pending<T>>(m_group, m_name, std::move(this->terms), std::move(completion));
+        m_pending = pending;
         if (!pending->Begin()) return;
         m_group->Home()->Run(
             [pending, begin = std::move(m_begin)]
@@ -135,10 +145,16 @@ public:
             });
     }
 
+    void Withdraw() override
+    {
+        if (const PendingPtr<T> pending = m_pending.lock()) pending->Withdraw();
+    }
+
 private:
     const std::shared_ptr<RequestGroup> m_group;
     const char* const m_name;
     Begin m_begin;
+    std::weak_ptr<Pending<T>> m_pending;  // since the start
 };
 
 template <class T>

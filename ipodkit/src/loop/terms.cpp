@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "loop/guard.h"
 #include "loop/terms.h"
 
 namespace ipodkit::detail
@@ -35,6 +36,11 @@ Error TimedOut(milliseconds deadline)
 Error Threw()
 {
     return {ErrorKind::Cancelled, "the function given to AndThen() threw an exception"};
+}
+
+void LogThrownByTask(const std::exception_ptr& thrown)
+{
+    Guard(std::chrono::microseconds::max()).Run("task", [&thrown] { std::rethrow_exception(thrown); });
 }
 
 SharedTerms::SharedTerms(Terms terms) : m_terms(std::move(terms))

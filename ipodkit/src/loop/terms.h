@@ -15,6 +15,9 @@ std::optional<Error> Unacceptable(const Terms& terms);
 /// The nearest deadline that GLib can wait for.
 std::chrono::milliseconds Clamped(std::chrono::milliseconds deadline);
 
+/// The error of a request that the caller withdrew.
+inline const Error kWithdrawn{ErrorKind::Cancelled, "the request was cancelled"};
+
 /// The error of a request that nobody answered for so long.
 Error TimedOut(std::chrono::milliseconds deadline);
 }  // namespace ipodkit::detail

@@ -1,5 +1,6 @@
 #include <ipodkit/session.h>
 
+#include "loop/loop_operation.h"
 #include "session/session_impl.h"
 
 namespace ipodkit
@@ -50,6 +51,23 @@ Subscription Session::OnState(std::string name, StateCallback callback, Fields f
 Subscription Session::OnEvent(std::string name, EventCallback callback)
 {
     return m_impl->OnEvent(std::move(name), std::move(callback));
+}
+
+Request<StatePtr> Session::Changed(Fields fields)
+{
+    const auto begin = [weak = std::weak_ptr<Impl>(m_impl), fields](const PendingPtr<StatePtr>& request)
+    {
+        const auto impl = weak.lock();
+        if (impl == nullptr) return;
+        const StatePtr before = impl->States()->Published();
+        const auto changed = [request = std::weak_ptr(request), before, fields](const StatePtr& state, Fields)
+        {
+            const auto waiting = request.lock();
+            if (waiting != nullptr && !(Differences(*before, *state) & fields).Empty()) waiting->Settle(state);
+        };
+        request->Hold(std::make_shared<Subscription>(impl->States()->Subscribe("state change", changed, fields)));
+    };
+    return MakeLoopRequest<StatePtr>(m_impl->Bus()->Requests(), "state change", {}, begin);
 }
 
 void Session::Refresh(Fields fields)

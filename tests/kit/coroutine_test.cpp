@@ -1,0 +1,293 @@
+#include <ipodkit/coroutine.h>
+#include <ipodkit/pager.h>
+#include <malloc.h>
+
+#include <stdexcept>
+#include <thread>
+
+#include "kit/kit_test.h"
+
+namespace test
+{
+namespace
+{
+class CoroutineTest : public KitTest
+{
+protected:
+    CoroutineTest()
+    {
+        AnswerState(service);
+        service.Answer("Next", "(true,)");
+        service.Answer("EnterDbRoot", "(true,)");
+        service.Answer("GetCurDbListItemsAmount", "(7,)");
+        service.Answer("GetDeviceAmount", "(2,)");
+        Ready();
+    }
+
+    Commands Ask() const { return session->Commands(); }
+
+    bool Ended()
+    {
+        return RunLoopUntil([this] { return tasks->Empty(); });
+    }
+
+    std::ptrdiff_t Calls(const std::string& call) const
+    {
+        const std::vector<std::string> calls = service.Calls();
+        return std::count(calls.begin(), calls.end(), call);
+    }
+
+    FakeService service;
+    std::unique_ptr<Tasks> tasks = std::make_unique<Tasks>();
+};
+
+// Notes that the frame it stands in was destroyed.
+struct Witness
+{
+    explicit Witness(bool& flag) : destroyed(flag) {}
+    ~Witness() { destroyed = true; }
+    Witness(const Witness&) = delete;
+    Witness& operator=(const Witness&) = delete;
+    bool& destroyed;
+};
+
+Task<> Store(Request<int> request, std::optional<Result<int>>& result)
+{
+    result = co_await std::move(request);
+}
+
+Task<int> Twice(Commands commands)
+{
+    const Result<int> count = co_await commands.DeviceCount();
+    co_return 2 * count.value();
+}
+
+Task<> Sum(Commands commands, int& sum)
+{
+    sum = co_await Twice(commands) + co_await Twice(commands);
+}
+
+Task<> Throw(Commands commands)
+{
+    (void)co_await commands.DeviceCount();
+    throw std::runtime_error("broken");
+}
+
+Task<> Catch(Commands commands, std::string& caught)
+{
+    try
+    {
+        co_await Throw(commands);
+    }
+    catch (const std::runtime_error& thrown)
+    {
+        caught = thrown.what();
+    }
+}
+
+Task<> Watched(Request<int> request, bool& destroyed, bool& resumed)
+{
+    const Witness witness(destroyed);
+    (void)co_await std::move(request);
+    resumed = true;
+}
+
+Task<> Outer(Request<int> request, bool& destroyed, bool& resumed)
+{
+    co_await Watched(std::move(request), destroyed, resumed);
+}
+
+Task<> EndOwner(Commands commands, std::unique_ptr<Tasks>& owner, bool& destroyed, bool& resumed)
+{
+    const Witness witness(destroyed);
+    (void)co_await commands.DeviceCount();
+    owner.reset();
+    EXPECT_FALSE(destroyed);
+    (void)co_await commands.Next();
+    resumed = true;
+}
+
+Task<> CountOn(Pager& pager, int rounds, int& failures)
+{
+    for (int i = 0; i < rounds; ++i)
+        if (!co_await pager.Count()) ++failures;
+}
+
+Task<> Follow(Session& session, std::vector<int>& indices)
+{
+    while (const Result<StatePtr> state = co_await session.Changed(Field::TrackIndex))
+        indices.push_back((*state)->trackIndex.value_or(-1));
+}
+
+TEST_F(CoroutineTest, AwaitsARequest)
+{
+    std::optional<Result<int>> result;
+
+    tasks->Start(Store(Ask().DeviceCount(), result));
+
+    EXPECT_FALSE(result);
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(result->value(), 2);
+}
+
+TEST_F(CoroutineTest, AwaitsPagersAndChains)
+{
+    Pager pager(*session, ListKind::Database);
+    std::optional<Result<int>> count;
+    std::optional<Result<int>> chained;
+
+    tasks->Start(Store(pager.Count(), count));
+    tasks->Start(Store(Ask().EnterRoot().AndThen([ask = Ask()] { return ask.DatabaseCount(); }).Within(1s), chained));
+
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(chained->value(), 7);
+    ASSERT_TRUE(count);
+}
+
+TEST_F(CoroutineTest, AwaitsChangesOfTheState)
+{
+    std::vector<int> indices;
+    tasks->Start(Follow(*session, indices));
+
+    for (const int index : {4, 5})
+    {
+        service.Emit("OnIpodPlayingTrackChange", TrackEvent(index, "Song"));
+        Settle(service);
+        service.Emit("OnIpodShuffleModeChange", index == 4 ? "(1,)" : "(0,)");
+        Settle(service);
+    }
+
+    EXPECT_THAT(indices, ElementsAre(4, 5));
+    session.reset();
+    EXPECT_TRUE(tasks->Empty());
+}
+
+TEST_F(CoroutineTest, ResumesInTheContext)
+{
+    const std::thread::id here = std::this_thread::get_id();
+    std::thread::id there;
+    const auto note = [](Commands commands, std::thread::id& thread) -> Task<>
+    {
+        (void)co_await commands.DeviceCount();
+        thread = std::this_thread::get_id();
+    };
+
+    tasks->Start(note(Ask(), there));
+
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(there, here);
+}
+
+TEST_F(CoroutineTest, AwaitsOtherTasks)
+{
+    int sum = 0;
+
+    tasks->Start(Sum(Ask(), sum));
+
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(sum, 8);
+}
+
+TEST_F(CoroutineTest, AnExceptionReachesTheTaskThatAwaits)
+{
+    std::string caught;
+
+    tasks->Start(Catch(Ask(), caught));
+
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(caught, "broken");
+}
+
+TEST_F(CoroutineTest, AnExceptionThatNobodyCatchesIsLogged)
+{
+    tasks->Start(Throw(Ask()));
+
+    EXPECT_TRUE(Ended());
+    EXPECT_EQ(CountLogLines("80 LogWarning: callback 'task' threw: broken"), 1U);
+}
+
+TEST_F(CoroutineTest, TheEndOfItsOwnerDestroysTheFrameAtItsSuspensionPoint)
+{
+    service.Hold("GetDeviceAmount");
+    bool destroyed = false;
+    bool resumed = false;
+    tasks->Start(Outer(Ask().DeviceCount(), destroyed, resumed));
+    ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetDeviceAmount()") >= 2; }));
+
+    tasks.reset();
+
+    EXPECT_TRUE(destroyed);
+    service.AnswerHeld("(2,)");
+    RunLoopFor(20ms);
+    EXPECT_FALSE(resumed);
+}
+
+TEST_F(CoroutineTest, TheEndOfItsOwnerWithdrawsARequestThatWaitsForItsTurn)
+{
+    service.Hold("GetCurDbListItemsAmount");
+    Pager pager(*session, ListKind::Database);
+    pager.Count().Start([](Result<int>) {});
+    ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetCurDbListItemsAmount(false,)") == 1; }));
+    std::optional<Result<int>> result;
+    tasks->Start(Store(pager.EnterRoot().AndThen([ask = Ask()] { return ask.DeviceCount(); }), result));
+
+    tasks.reset();
+    service.AnswerHeld("(7,)");
+    RunLoopFor(50ms);
+
+    EXPECT_FALSE(result);
+    EXPECT_EQ(Calls("EnterDbRoot()"), 0);
+}
+
+TEST_F(CoroutineTest, ATaskMayEndItsOwner)
+{
+    bool destroyed = false;
+    bool resumed = false;
+
+    tasks->Start(EndOwner(Ask(), tasks, destroyed, resumed));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return destroyed; }));
+    RunLoopFor(20ms);
+    EXPECT_FALSE(resumed);
+    EXPECT_EQ(Calls("Next()"), 0);
+}
+
+// A million of them in all, of pages that are there already, so that no service has to answer so often.
+TEST_F(CoroutineTest, AMillionAwaitsLeakNothing)
+{
+    Pager pager(*session, ListKind::Database);
+    int failures = 0;
+    tasks->Start(CountOn(pager, 1000, failures));
+    EXPECT_TRUE(Ended());
+    const std::size_t before = mallinfo2().uordblks;
+
+    tasks->Start(CountOn(pager, 1'000'000, failures));
+
+    EXPECT_TRUE(RunLoopUntil([this] { return tasks->Empty(); }, 300s));
+    EXPECT_EQ(failures, 0);
+    EXPECT_LT(mallinfo2().uordblks, before + 100'000);
+}
+
+TEST_F(CoroutineTest, TheEndOfTheSessionResumesWithAnError)
+{
+    service.Hold("GetDeviceAmount");
+    std::optional<Result<int>> result;
+    tasks->Start(Store(Ask().DeviceCount(), result));
+
+    session.reset();
+
+    ASSERT_TRUE(result);
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_TRUE(tasks->Empty());
+}
+
+TEST_F(CoroutineTest, ARequestThatWasMadeButNotAwaitedIsHarmless)
+{
+    std::optional<Result<int>> result;
+    {
+        const Task<> never = Store(Ask().DeviceCount(), result);
+    }
+    EXPECT_FALSE(result);
+}
+}  // namespace
+}  // namespace test
