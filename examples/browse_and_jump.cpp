@@ -2,8 +2,8 @@
 // browse_and_jump zjl
 #include <QBXLog.h>
 #include <glib.h>
-#include <ipodkit/jump_index.h>
 #include <ipodkit/pager.h>
+#include <ipodnames/jump_index.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -44,11 +44,10 @@ private:
 
     void Show() const
     {
-        const Result<JumpIndex> index = JumpIndex::Build(m_names);
-        if (!index) return Fail(index.error());
-        for (const int found : index->Search(m_query))
+        const ipodnames::JumpIndex index(m_names);
+        for (const int found : index.Search(m_query))
             std::printf("%d\t%s\t(%s)\n", found, m_names[static_cast<std::size_t>(found)].c_str(),
-                        index->Reading(found).c_str());
+                        index.Reading(found).c_str());
         std::fflush(stdout);
         std::exit(EXIT_SUCCESS);
     }

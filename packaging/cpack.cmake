@@ -36,6 +36,10 @@ set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 
 set(CPACK_COMPONENTS_ALL runtime development)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+if(TARGET ipodnames)
+  list(APPEND CPACK_COMPONENTS_ALL names)
+  list(APPEND CPACK_COMPONENT_DEVELOPMENT_DEPENDS names)
+endif()
 if(TARGET ipodkit)
   list(APPEND CPACK_COMPONENTS_ALL kit)
   list(APPEND CPACK_COMPONENT_DEVELOPMENT_DEPENDS kit)
@@ -47,7 +51,7 @@ if(IPOD_MIDDLEWARE STREQUAL "host")
 endif()
 if(TARGET ipodctl OR TARGET ipod-simulator)
   list(APPEND CPACK_COMPONENTS_ALL tools)
-  set(CPACK_COMPONENT_TOOLS_DEPENDS runtime kit)
+  set(CPACK_COMPONENT_TOOLS_DEPENDS runtime kit names)
 endif()
 if(TARGET ipodkit_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
@@ -60,7 +64,7 @@ endif()
 
 # Where libraries are that belong to no package: our own, and those that were found outside of the system's directories.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware"
-  "${CMAKE_BINARY_DIR}/ipodkit")
+  "${CMAKE_BINARY_DIR}/ipodkit" "${CMAKE_BINARY_DIR}/names")
 foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
   if(library)
     get_filename_component(directory "${library}" DIRECTORY)
@@ -112,6 +116,13 @@ Asynchronous commands with results, the state of the player as one value, and
 pages of names on top of libipod, for C++ programs.")
 endif()
 
+if(TARGET ipodnames)
+  library_package(names libipodnames1 ipodnames "libipodnames1 (>= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_NAMES_DESCRIPTION "readings, sections and search of names in any script
+Finds names in long lists by letter and while typing, Chinese ones by pinyin and
+initials. It needs neither libipod nor a service.")
+endif()
+
 if(IPOD_MIDDLEWARE STREQUAL "host")
   library_package(standin libqbxmiddleware-standin1 qbxmiddleware "${middleware_or_standin}")
   set(CPACK_DEBIAN_STANDIN_PACKAGE_PROVIDES ${middleware})
@@ -130,7 +141,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.32), libprotobuf-dev (>= 3.6), libexpected-dev")
 # What only those need who put the simulated service into a test.
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libicu-dev, libpng-dev, libtag1-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libpng-dev, libtag1-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
 Headers, pkg-config and CMake files, and the description of the bus interface

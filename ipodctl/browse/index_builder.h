@@ -2,7 +2,7 @@
 /// Builds indexes of names on another thread.
 #pragma once
 
-#include <ipodkit/jump_index.h>
+#include <ipodnames/jump_index.h>
 
 #include <functional>
 #include <string>
@@ -14,7 +14,7 @@ namespace ctl::browse
 class IndexBuilder
 {
 public:
-    using Completion = std::function<void(const ipodkit::Result<ipodkit::JumpIndex>&)>;
+    using Completion = std::function<void(const ipodnames::JumpIndex&)>;
 
     IndexBuilder() = default;
 
@@ -23,8 +23,8 @@ public:
     IndexBuilder(const IndexBuilder&) = delete;
     IndexBuilder& operator=(const IndexBuilder&) = delete;
 
-    /// Calls @p completion in the default context.
-    void Build(std::vector<std::string> names, Completion completion);
+    /// Calls @p completion in the default context. @p readings: of the first names, as far as they are known.
+    void Build(std::vector<std::string> names, std::vector<std::string> readings, Completion completion);
 
 private:
     struct Job;

@@ -235,7 +235,7 @@ void Model::Put(const ipodkit::Page& page)
 }
 
 // What was typed meanwhile is looked for now.
-void Model::SetIndex(ipodkit::JumpIndex index)
+void Model::SetIndex(ipodnames::JumpIndex index)
 {
     Top().index = std::move(index);
     if (m_search) Find();

@@ -2,10 +2,10 @@
 /// What the browser knows and what it does with keys; nothing of terminals, nothing of the bus.
 #pragma once
 
-#include <ipodkit/jump_index.h>
 #include <ipodkit/pager.h>
 #include <ipodkit/player_state.h>
 #include <ipodkit/session.h>
+#include <ipodnames/jump_index.h>
 
 #include <chrono>
 #include <optional>
@@ -30,7 +30,7 @@ struct Level
     bool folders = false;
     LevelNames names;
     ListCursor cursor;
-    std::optional<ipodkit::JumpIndex> index;  ///< as soon as it is built
+    std::optional<ipodnames::JumpIndex> index;  ///< as soon as it is built
 };
 
 /// What shall be asked of the service.
@@ -103,7 +103,7 @@ public:
     void SetCount(int count);
     void SetUnreadable() { Top().unreadable = true; }
     void Put(const ipodkit::Page& page);
-    void SetIndex(ipodkit::JumpIndex index);
+    void SetIndex(ipodnames::JumpIndex index);
     /// @}
 
     /// @name What is shown

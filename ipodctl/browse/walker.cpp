@@ -1,5 +1,9 @@
 #include "browse/walker.h"
 
+#include <glib.h>
+
+#include <algorithm>
+
 #include "session/service_error.h"
 
 namespace ctl::browse
@@ -12,6 +16,12 @@ constexpr int kMostRejoins = 3;
 // The names are kept by the model.
 constexpr ipodkit::PagerOptions kNames{kPageSize, 1, 0};
 constexpr ipodkit::PagerOptions kOneEntry{1, 1, 0};
+
+bool AreAscii(const std::vector<std::string>& names)
+{
+    return std::all_of(names.begin(), names.end(),
+                       [](const std::string& name) { return g_str_is_ascii(name.c_str()); });
+}
 }  // namespace
 
 bool IsOfNoService(const ipodkit::Error& error)
@@ -26,6 +36,7 @@ Walker::Walker(ipodkit::Session& session, Model& model, std::function<void()> ch
       m_commands(session.Commands()),
       m_names(session, ipodkit::ListKind::Database, kNames),
       m_check(session, ipodkit::ListKind::Database, kOneEntry),
+      m_pinyin(session, ipodkit::ListKind::DatabasePinyin, kNames),
       m_devices(session.OnEvent("browse",
                                 [this](const ipodkit::Event& event)
                                 {
@@ -168,7 +179,11 @@ void Walker::ReadOn()
     const LevelNames& names = m_model.Current().names;
     const int seen = m_way.empty() ? m_model.Current().cursor.top : m_way.front().place;
     const int missing = names.Missing(seen, m_way.empty() ? m_model.Height() : 1);
-    if (missing < 0) return BuildIndex();
+    if (missing < 0)
+    {
+        m_readings.clear();
+        return ReadReadings();
+    }
     m_reading = true;
     m_names.At(missing).Start(
         Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { PageArrived(page); }));
@@ -282,19 +297,37 @@ void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& pa
     m_play(entry);
 }
 
-void Walker::BuildIndex()
+// The service's readings of names that are not ASCII. Where it has none, the index makes them.
+void Walker::ReadReadings()
 {
     m_moving = false;
     m_reading = !m_model.Current().index && m_model.Current().names.Count() > 0;
     m_changed();
     if (!m_reading) return;
-    m_builder.Build(m_model.Current().names.All(), WhileCurrent<ipodkit::JumpIndex>(
-                                                       [this](const ipodkit::Result<ipodkit::JumpIndex>& index)
-                                                       {
-                                                           if (!index) return Failed(index.error());
-                                                           m_reading = false;
-                                                           m_model.SetIndex(*index);
-                                                           m_changed();
-                                                       }));
+    const LevelNames& names = m_model.Current().names;
+    const bool needed = m_readings.empty() ? !AreAscii(names.All()) : NumberRead() < names.Count();
+    if (!needed) return BuildIndex();
+    m_pinyin.At(NumberRead())
+        .Start(
+            Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { ReadingsArrived(page); }));
+}
+
+void Walker::ReadingsArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
+{
+    if (!page || !(*page)->Holds(NumberRead())) return BuildIndex();
+    while ((*page)->Holds(NumberRead())) m_readings.push_back((*page)->At(NumberRead()));
+    ReadReadings();
+}
+
+void Walker::BuildIndex()
+{
+    m_builder.Build(m_model.Current().names.All(), std::move(m_readings),
+                    WhileCurrent<ipodnames::JumpIndex>(
+                        [this](const ipodkit::Result<ipodnames::JumpIndex>& index)
+                        {
+                            m_reading = false;
+                            m_model.SetIndex(*index);
+                            m_changed();
+                        }));
 }
 }  // namespace ctl::browse

@@ -77,6 +77,9 @@ private:
     void PutOffTheWay();
     void ForgetTheWay();
     void Descend(int entry, const std::string& title, ListCursor cursor);
+    int NumberRead() const { return static_cast<int>(m_readings.size()); }
+    void ReadReadings();
+    void ReadingsArrived(const ipodkit::Result<ipodkit::PagePtr>& page);
     void BuildIndex();
     void EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& page);
     void Failed(const ipodkit::Error& error);
@@ -97,6 +100,8 @@ private:
     std::deque<Stage> m_unreached;  // a service that has just started may know the names only later
     ipodkit::Pager m_names;
     ipodkit::Pager m_check;
+    ipodkit::Pager m_pinyin;
+    std::vector<std::string> m_readings;  // of the current level, by the service
     ipodkit::Subscription m_devices;
     IndexBuilder m_builder;
 };

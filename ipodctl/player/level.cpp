@@ -1,6 +1,7 @@
 #include "player/level.h"
 
 #include <glib.h>
+#include <ipodnames/reading.h>
 
 #include <algorithm>
 #include <climits>
@@ -23,7 +24,7 @@ std::string FoldedPinyin(const std::string& text)
     return folded;
 }
 
-// Pinyin is an extra: without it the names stand alone.
+// Empty if the service has none.
 std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pageSize)
 {
     try
@@ -37,11 +38,21 @@ std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pag
     }
 }
 
-void AddPinyin(std::vector<Entry>& entries, const std::vector<std::string>& pinyin, bool always)
+// A name that is ASCII reads as it is.
+std::string OwnReading(const std::string& name)
 {
-    if (pinyin.size() != entries.size()) return;
+    return g_str_is_ascii(name.c_str()) ? Folded(name) : ipodnames::Reading(name);
+}
+
+void AddPinyin(std::vector<Entry>& entries, std::vector<std::string> pinyin, bool always)
+{
+    if (pinyin.size() != entries.size()) pinyin.assign(entries.size(), "");
     for (std::size_t i = 0; i < entries.size(); ++i)
-        if (always || Folded(pinyin[i]) != Folded(entries[i].name)) entries[i].pinyin = pinyin[i];
+    {
+        Entry& entry = entries[i];
+        std::string reading = pinyin[i].empty() ? OwnReading(entry.name) : std::move(pinyin[i]);
+        if (always || Folded(reading) != Folded(entry.name)) entry.pinyin = std::move(reading);
+    }
 }
 
 void ReadEntries(List& names, int from, int end, Page& page)

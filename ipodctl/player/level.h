@@ -14,7 +14,7 @@ struct Entry
 {
     int index;
     std::string name;
-    std::string pinyin;  ///< empty when it was not asked for
+    std::string pinyin;  ///< the service's, or a reading of our own; empty when it was not asked for
 };
 
 /// A part of a level.

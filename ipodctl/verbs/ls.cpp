@@ -1,5 +1,5 @@
 // Looking at the current level of the music database.
-#include <ipodkit/jump_index.h>
+#include <ipodnames/jump_index.h>
 
 #include <algorithm>
 #include <climits>
@@ -94,11 +94,16 @@ struct Letter
     int count;
 };
 
-std::vector<Letter> Letters(Session& session, const Page& page)
+std::vector<Letter> Letters(const Page& page)
 {
     std::vector<std::string> names;
-    for (const Entry& entry : page.entries) names.push_back(entry.pinyin.empty() ? entry.name : entry.pinyin);
-    const auto index = session.Taken(ipodkit::JumpIndex::Build(std::move(names)));
+    ipodnames::JumpIndexOptions options;
+    for (const Entry& entry : page.entries)
+    {
+        names.push_back(entry.name);
+        options.readings.push_back(entry.pinyin);
+    }
+    const ipodnames::JumpIndex index(names, options);
     std::vector<Letter> letters;
     for (std::size_t i = 0; i < index.Sections().size(); ++i)
     {
@@ -118,7 +123,7 @@ Answer ShowLetters(Context& context, const Page& page)
     json["letters"] = Json::array();
     std::vector<std::vector<std::string>> rows;
     const int digits = Width(std::to_string(page.amount));
-    for (const Letter& letter : Letters(context.session, page))
+    for (const Letter& letter : Letters(page))
     {
         json["letters"].push_back({{"label", letter.label}, {"index", letter.first}, {"count", letter.count}});
         rows.push_back({letter.label, PadLeft(std::to_string(letter.first), digits),

@@ -45,7 +45,8 @@ std::string ReadingOf(const Track& track, Grouping grouping)
 {
     const std::string& ahead = ReadAhead(track, grouping);
     if (!ahead.empty()) return ahead;
-    return Pinyin(KeyOf(track, grouping), grouping == Grouping::Artist ? Reading::Person : Reading::Words);
+    return Pinyin(KeyOf(track, grouping),
+                  grouping == Grouping::Artist ? ipodnames::Subject::Person : ipodnames::Subject::Title);
 }
 
 // Chinese names stand among the Latin ones by their pinyin, as people look for them.
@@ -83,7 +84,8 @@ std::vector<Entry> PlaylistsOf(const Library& library)
 {
     std::vector<Entry> entries;
     for (const Playlist& playlist : library.playlists)
-        entries.push_back({playlist.name, Pinyin(playlist.name, Reading::Words), playlist.tracks, {Grouping::Song}});
+        entries.push_back(
+            {playlist.name, Pinyin(playlist.name, ipodnames::Subject::Title), playlist.tracks, {Grouping::Song}});
     return entries;
 }
 

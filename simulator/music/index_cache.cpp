@@ -18,7 +18,7 @@ namespace ipodsim
 namespace
 {
 // The number changes with everything that changes what is kept of a file: another layout, another reading.
-constexpr char kMagic[] = "ipod-simulator index 3\n";
+constexpr char kMagic[] = "ipod-simulator index 4\n";
 
 void Put(ByteWriter& out, const Track& track)
 {

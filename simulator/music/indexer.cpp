@@ -28,17 +28,18 @@ constexpr unsigned kMostThreads = 8;
 constexpr std::size_t kFilesPerStep = 64;
 
 // Only what is not ASCII: the rest reads as it stands.
-std::string ReadAhead(const std::string& name, Reading reading)
+std::string ReadAhead(const std::string& name, ipodnames::Subject subject)
 {
-    return IsAscii(name) ? std::string() : Pinyin(name, reading);
+    return IsAscii(name) ? std::string() : Pinyin(name, subject);
 }
 
 TrackPtr ReadWithReadings(const std::string& file, const std::atomic<bool>* cancelled)
 {
     auto track = ReadTrack(file, cancelled);
     if (!track) return nullptr;
-    track->readings = {ReadAhead(track->title, Reading::Words), ReadAhead(track->artist, Reading::Person),
-                       ReadAhead(track->album, Reading::Words), ReadAhead(track->genre, Reading::Words)};
+    track->readings = {
+        ReadAhead(track->title, ipodnames::Subject::Title), ReadAhead(track->artist, ipodnames::Subject::Person),
+        ReadAhead(track->album, ipodnames::Subject::Title), ReadAhead(track->genre, ipodnames::Subject::Title)};
     return std::make_shared<const Track>(std::move(*track));
 }
 

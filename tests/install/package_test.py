@@ -13,7 +13,8 @@ import unittest
 from upgrade_test import field, run
 
 STANDIN = "libqbxmiddleware-standin1"
-LIBRARIES = {"libipod1": "libipod", "libipodkit2": "libipodkit", STANDIN: "libqbxmiddleware"}
+LIBRARIES = {"libipod1": "libipod", "libipodkit2": "libipodkit", "libipodnames1": "libipodnames",
+             STANDIN: "libqbxmiddleware"}
 
 
 def package(name):
@@ -43,6 +44,11 @@ class Packages(unittest.TestCase):
         allowed = {"libboost-filesystem", "libboost-system", "libc", "libgcc-s", "libglib", "libprotobuf-lite",
                    "libqbxmiddleware-standin", "libstdc++"}
         self.assertEqual({re.sub(r"[\d.]+.*", "", name) for name in needed} - allowed, set())
+
+    def test_only_the_library_of_names_needs_icu(self):
+        needing = {path.name.split("_")[0] for path in pathlib.Path(PACKAGES).glob("*.deb")
+                   if "libicu" in (field(path, "Depends") or "")}
+        self.assertEqual(needing, {"libipodnames1"})
 
     def test_the_stand_in_gives_way_to_the_middleware_of_a_head_unit(self):
         self.assertIn(f"{STANDIN} (>= ", field(package("libipod1"), "Depends"))

@@ -159,7 +159,7 @@ class WithTheSimulator(InATerminal):
 
     def test_it_plays_pauses_and_moves_on(self):
         self.ctl("cd", "/Songs")
-        self.ctl("play", "1")
+        self.ctl("play", "Blue Lantern")
         terminal = self.start()
         self.sees(terminal, "▶ Blue Lantern - Nadia Brandt", "/ 4:13")
         terminal.type(" ")

@@ -112,7 +112,7 @@ TEST(BrowseModel, JumpsAsSoonAsTheNamesAreRead)
     model.Put({0, kArtists, true, true});
     Type(model, "zjl");
     EXPECT_EQ(model.Selected(), 0);
-    model.SetIndex(*ipodkit::JumpIndex::Build(kArtists));
+    model.SetIndex(ipodnames::JumpIndex(kArtists));
     EXPECT_EQ(SelectedName(model), "周杰伦");
 }
 

@@ -26,7 +26,7 @@ inline void Fill(Model& model, const std::vector<std::string>& names, bool folde
 {
     model.SetCount(static_cast<int>(names.size()));
     model.Put({0, names, folders, model.AtRoot()});
-    model.SetIndex(*ipodkit::JumpIndex::Build(names));
+    model.SetIndex(ipodnames::JumpIndex(names));
 }
 
 inline Wish Press(Model& model, Key key)

@@ -1,6 +1,6 @@
 // The index of 50,000 names: how long it takes to build, what it takes to keep, how long a search takes.
 #include <gmock/gmock.h>
-#include <ipodkit/jump_index.h>
+#include <ipodnames/jump_index.h>
 #include <malloc.h>
 
 #include <random>
@@ -11,7 +11,7 @@ namespace test
 {
 namespace
 {
-using ipodkit::JumpIndex;
+using ipodnames::JumpIndex;
 using Names = std::vector<std::string>;
 
 constexpr int kNames = 50000;
@@ -46,8 +46,8 @@ Names Chinese()
 double MillisecondsToBuild(const Names& names)
 {
     const auto start = Clock::now();
-    const auto index = JumpIndex::Build(names);
-    EXPECT_EQ(index->Size(), names.size());
+    const JumpIndex index(names);
+    EXPECT_EQ(index.Size(), names.size());
     return Microseconds(Clock::now() - start) / 1000;
 }
 
@@ -79,7 +79,7 @@ TEST(IndexFigures, Korean)
 TEST(IndexFigures, Search)
 {
     const auto before = mallinfo2().uordblks;
-    const auto index = JumpIndex::Build(Chinese()).value();
+    const JumpIndex index(Chinese());
     Print("index_memory", static_cast<double>(mallinfo2().uordblks - before) / (1 << 20));
     Samples searches;
     for (const char* query :

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace ipodkit
+namespace ipodnames
 {
 /// A reading as Reader makes it: syllables and words, lower-case letters, digits and kUmlaut, single blanks between.
 ///
@@ -29,4 +29,4 @@ std::uint64_t InitialsIn(const std::string& reading);
 
 /// What counts of a query: its first 60 letters and digits, in lower case.
 std::string Typed(const std::string& query);
-}  // namespace ipodkit
+}  // namespace ipodnames

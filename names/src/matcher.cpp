@@ -1,10 +1,10 @@
-#include "names/matcher.h"
+#include "matcher.h"
 
 #include <algorithm>
 
-#include "names/reading.h"
+#include "reader.h"
 
-namespace ipodkit
+namespace ipodnames
 {
 namespace
 {
@@ -98,4 +98,4 @@ std::string Typed(const std::string& query)
     }
     return typed.substr(0, kLongest);
 }
-}  // namespace ipodkit
+}  // namespace ipodnames

@@ -1,13 +1,12 @@
 #include <gmock/gmock.h>
-#include <ipodkit/jump_index.h>
-
-#include <fstream>
+#include <ipodnames/jump_index.h>
 
 namespace test
 {
 namespace
 {
-using ipodkit::JumpIndex;
+using ipodnames::JumpIndex;
+using ipodnames::JumpIndexOptions;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -17,7 +16,7 @@ protected:
     JumpIndex Index(std::vector<std::string> given)
     {
         names = std::move(given);
-        return JumpIndex::Build(names).value();
+        return JumpIndex(names);
     }
 
     std::vector<std::string> Found(const JumpIndex& index, const std::string& query) const
@@ -104,23 +103,6 @@ TEST_F(JumpIndexTest, SortsByLetterAcrossScripts)
     EXPECT_THAT(sections, ElementsAre(testing::StartsWith("A "), "B 北京", testing::StartsWith("Z "), "# !!!"));
 }
 
-// A surname is read otherwise than the same character elsewhere; ü follows u.
-TEST_F(JumpIndexTest, SortsChineseNamesByTheReadingThatDecidesTheirSection)
-{
-    for (const char* locale : {"zh", "en"})
-    {
-        names = {"单依纯", "上官", "Sam", "三毛", "《沙滩》", "乱", "路", "绿", "曾轶可", "赵雷", "Zoe", "Åsa"};
-        const JumpIndex index = JumpIndex::Build(names, {locale}).value();
-
-        std::vector<std::string> sorted;
-        for (const int each : index.Order()) sorted.push_back(names.at(static_cast<std::size_t>(each)));
-
-        EXPECT_THAT(sorted, ElementsAre("Åsa", "路", "绿", "乱", "Sam", "三毛", "《沙滩》", "单依纯", "上官", "Zoe",
-                                        "曾轶可", "赵雷"))
-            << locale;
-    }
-}
-
 TEST_F(JumpIndexTest, AnyBytesAreSafe)
 {
     const JumpIndex index = Index({"", "\xFF\xFE", std::string("a\0b", 3), std::string(255, '\x80'), "\xE5\x91"});
@@ -137,24 +119,47 @@ TEST_F(JumpIndexTest, GivesNoMoreThanAskedFor)
     EXPECT_EQ(index.Search("a", 0).size(), 0U);
 }
 
-// Lines "NAME<tab>READING".
-TEST_F(JumpIndexTest, ReadsNamesAsInTheListOfKnownReadings)
+TEST_F(JumpIndexTest, AGivenReadingIsUsedInPlaceOfItsOwn)
 {
-    std::ifstream file(IPODKIT_READINGS);
-    ASSERT_TRUE(file);
-    std::vector<std::string> readings;
-    for (std::string line; std::getline(file, line);)
-    {
-        const std::size_t tab = line.find('\t');
-        names.push_back(line.substr(0, tab));
-        readings.push_back(line.substr(tab + 1));
-    }
-    ASSERT_GE(names.size(), 500U);
+    JumpIndexOptions options;
+    options.readings = {"Dan Xiao", "", "zhoujielun", "lu guang"};
+    names = {"单晓", "单依纯", "周杰伦", "绿光", "曾轶可"};
+    const JumpIndex index(names, options);
 
-    const JumpIndex index = JumpIndex::Build(names).value();
+    EXPECT_EQ(index.Reading(0), "dan xiao");
+    EXPECT_EQ(index.Reading(1), "shan yi chun");
+    EXPECT_EQ(index.Sections().front().label, "D");
+    EXPECT_THAT(Found(index, "dx"), ElementsAre("单晓"));
+    EXPECT_THAT(Found(index, "sx"), IsEmpty());
+    EXPECT_THAT(Found(index, "zyk"), ElementsAre("曾轶可"));
+}
 
-    for (std::size_t i = 0; i < names.size(); ++i)
-        EXPECT_EQ(index.Reading(static_cast<int>(i)), readings[i]) << names[i];
+TEST_F(JumpIndexTest, AGivenReadingWithoutBlanksOrUmlautsLosesNoWayOfTyping)
+{
+    JumpIndexOptions options;
+    options.readings = {"zhoujielun", "lu guang"};
+    names = {"周杰伦", "绿光"};
+    const JumpIndex index(names, options);
+
+    EXPECT_THAT(Found(index, "zjl"), ElementsAre("周杰伦"));
+    EXPECT_THAT(Found(index, "lvg"), ElementsAre("绿光"));
+}
+
+TEST_F(JumpIndexTest, SurnamesAreThoseOfTheSubject)
+{
+    JumpIndexOptions options;
+    options.subject = ipodnames::Subject::Title;
+
+    EXPECT_EQ(JumpIndex({"单晓"}, options).Reading(0), "dan xiao");
+    EXPECT_EQ(JumpIndex({"单晓"}).Reading(0), "shan xiao");
+}
+
+TEST_F(JumpIndexTest, ReadingThrowsForAnIndexThatNoNameHas)
+{
+    const JumpIndex index = Index({"a"});
+
+    EXPECT_THROW((void)index.Reading(1), std::out_of_range);
+    EXPECT_THROW((void)index.Reading(-1), std::out_of_range);
 }
 }  // namespace
 }  // namespace test

@@ -1,0 +1,28 @@
+/// @file
+/// How names in any script are read, in Latin letters that can be typed.
+#pragma once
+
+#include <string>
+
+#pragma GCC visibility push(default)
+
+namespace ipodnames
+{
+/// What names are of, as far as it is known. Chinese surnames have readings of their own.
+enum class Subject
+{
+    Unknown,  ///< two or three Chinese characters are read as a person's name unless they are a common word
+    Person,   ///< 单晓 is "shan xiao"
+    Title,    ///< 单晓 is "dan xiao"
+};
+
+/// Returns the syllables and words of a name in lower-case letters and digits, separated by single blanks:
+/// "zhou jie lun" for 周杰伦, "motley crue" for Mötley Crüe. Empty if the name has no letter or digit.
+///
+/// Chinese is read in pinyin without tones, traditional characters as simplified ones, ü as u; Russian and Ukrainian
+/// are transcribed after BGN, Greek after UNGEGN, Korean in Revised Romanization, kana in Hepburn's. Any bytes are
+/// safe. Threads may call it at the same time. The first call prepares ICU's rules, which takes about 0.1 s.
+std::string Reading(const std::string& name, Subject subject = Subject::Unknown);
+}  // namespace ipodnames
+
+#pragma GCC visibility pop
