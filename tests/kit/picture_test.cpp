@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
         Sample{"Png", Png(7), PictureType::Png, 7, 256}, Sample{"PngWithoutWidth", Png(0), PictureType::Png, 0, 0},
         Sample{"Jpeg", kJpeg, PictureType::Jpeg, 600, 300},
         Sample{"JpegWithPixelsBeforeItsSize",
-              Padded({0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xC0, 0, 17, 8, 1, 44, 2, 88, 3}), PictureType::Jpeg, 0, 0},
+               Padded({0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xC0, 0, 17, 8, 1, 44, 2, 88, 3}), PictureType::Jpeg, 0, 0},
         Sample{"Gif", Padded({'G', 'I', 'F', '8', '9', 'a', 16, 0, 0, 1}), PictureType::Gif, 16, 256},
         Sample{"Bmp", Bmp(40, {5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF}), PictureType::Bmp, 5, 6},
         Sample{"BmpWithItsOldestHead", Bmp(12, {200, 0, 24, 0, 1, 0, 24, 0}), PictureType::Bmp, 200, 24},

@@ -1,6 +1,6 @@
 // How fast a session follows the service, and how little it keeps the loop while the service hangs.
-#include "kit/figures/figures.h"
 #include <ipodkit/core.h>
+#include "kit/figures/figures.h"
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
 
