@@ -1,12 +1,14 @@
 /// @file
 /// The state of the simulated service: devices, database, playback, accessory sessions. The requests of the bus
-/// (requests.h) and the events on request (events.h) work on it; what changes in playback goes out as signals.
+/// (requests.h) and the actions work on it; what changes in playback goes out as signals.
 #pragma once
 
 #include <QBXIpodTypes.h>
 #include <ipod_dbus.h>
+#include <ipodsim_script.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -59,6 +61,7 @@ public:
     UnitState unit;
     Agenda agenda;
     CallLog calls;
+    std::map<std::string, Handler> handlers;  ///< of methods that a test answers
     std::shared_ptr<Faults> faults = std::make_shared<Faults>();
 
     /// The database that is browsed; null when no device is attached.
@@ -84,10 +87,20 @@ public:
     /// Does work after so much time of the track's clock.
     void AfterSeconds(double seconds, std::function<void()> work);
 
+    /// Takes a device away and reports it; playback stops when it is the one that is browsed. False when there is none
+    /// of that name, or with music in that folder.
+    bool DetachDevice(const std::string& name);
+    bool DetachFolder(const std::string& folder);
+
+    /// Opens an accessory session, reports it, and returns its number; 0 when all are in use.
+    std::uint16_t OpenEapSession(int protocol);
+
     /// As after a start: nothing plays, no session is open. The devices stay.
     void Reset();
 
 private:
+    template <class Take>
+    bool Detach(Take take);
     void OnTrack() override;
     void OnStatus() override;
     void OnProgress() override;
