@@ -118,6 +118,29 @@ TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
     EXPECT_TRUE(Get(pager, 0));
 }
 
+TEST_F(PagerTest, ABlockingChangeOfLevelDoesNotCancelWhatIsRequestedAfterwards)
+{
+    service.Answer("EnterDbChildList", "(true,)");
+    Pager pager(*session, ListKind::Database);
+    ASSERT_TRUE(Get(pager, 0));
+
+    ASSERT_TRUE(session->Commands().EnterChild(1).Wait());
+    EXPECT_TRUE(Get(pager, 0));
+
+    std::optional<Result<PagePtr>> page;
+    std::atomic<bool> done{false};
+    std::thread other(
+        [&]
+        {
+            EXPECT_TRUE(session->Commands().EnterChild(1).Wait());
+            page = pager.At(0).Wait();
+            done = true;
+        });
+    EXPECT_TRUE(RunLoopUntil([&] { return done.load(); }));
+    other.join();
+    EXPECT_TRUE(*page);
+}
+
 TEST_F(PagerTest, GivesThePageThatHoldsAnEntry)
 {
     Pager pager(*session, ListKind::Database);
