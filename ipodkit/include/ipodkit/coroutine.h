@@ -109,9 +109,9 @@ struct OwnedTask
     {
         OwnedTask get_return_object()
         {
-            const auto frame = std::coroutine_handle<promise_type>::from_promise(*this);
-            SetFrame(frame);
-            return {frame};
+            const auto own = std::coroutine_handle<promise_type>::from_promise(*this);
+            SetFrame(own);
+            return {own};
         }
         std::suspend_always initial_suspend() const noexcept { return {}; }
         std::suspend_never final_suspend() const noexcept { return {}; }
