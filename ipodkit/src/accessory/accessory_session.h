@@ -12,7 +12,8 @@
 namespace ipodkit
 {
 /// Context thread only.
-class AccessorySession::Impl : public std::enable_shared_from_this<AccessorySession::Impl>
+class __attribute__((visibility("hidden"))) AccessorySession::Impl
+    : public std::enable_shared_from_this<AccessorySession::Impl>
 {
 public:
     Impl(std::shared_ptr<Session::Impl> session, const AccessoryOptions& options, std::uint16_t number,

@@ -51,7 +51,7 @@ std::string TextOf(const Call& call)
 }
 }  // namespace
 
-class FakeSession::Impl
+class __attribute__((visibility("hidden"))) FakeSession::Impl
 {
 public:
     explicit Impl(const SessionOptions& options) : inside(std::make_shared<Session::Impl>(AtOnce(options)))
