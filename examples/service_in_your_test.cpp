@@ -14,9 +14,9 @@ bool Passes()
     ipodsim::Simulator service;
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
     if (!player->InitInstance()) return false;
-    service.PressButton("play");
+    service.Do("button", "play");
     const bool plays = player->GetPlayStatus() == IPOD_PLAY_STATUS_PLAYING;
-    service.Fault("out-of-range=42@GetPlayStatus/1");
+    service.Do("fault", "out-of-range=42@GetPlayStatus/1");
     const bool isPassedOn = player->GetPlayStatus() == 42;
     const bool wasAskedTwice = service.Calls("GetPlayStatus").size() == 2;
     return plays && isPassedOn && wasAskedTwice;

@@ -13,10 +13,10 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "actions/scenario.h"
 #include "option_checks.h"
 #include "printable.h"
 #include "progress_bar.h"
-#include "scenario/scenario.h"
 #include "usage_error.h"
 
 namespace
@@ -54,7 +54,7 @@ void Say(const std::string& line)
 std::string ReadWhole(const std::string& name)
 {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "rb"), &std::fclose);
-    std::string text(ipodsim::kLargestScenario + 1, '\0');
+    std::string text(ipodsim::kMostJson + 1, '\0');
     text.resize(file == nullptr ? 0 : std::fread(text.data(), 1, text.size(), file.get()));
     if (file == nullptr || std::ferror(file.get()) != 0)
         throw std::runtime_error(name + ": " + std::generic_category().message(errno));
@@ -110,7 +110,7 @@ bool WaitUntilIndexed(const ipodsim::Simulator& simulator, const Wishes& wishes)
 void Run(ipodsim::Simulator& simulator, const Arguments& arguments, const std::string& scenario, const Wishes& wishes,
          ipodsim::ProgressBar& bar)
 {
-    for (const std::string& fault : arguments.faults) simulator.Fault(fault);
+    for (const std::string& fault : arguments.faults) simulator.Do("fault", fault);
     if (!WaitUntilIndexed(simulator, wishes)) return;
     bar.Clear();
     Say("ready: " + simulator.Summary() + " on " + ipodsim::kServiceName);
@@ -158,7 +158,16 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         ->check(ipodsim::CheckNotEmpty);
     app.add_option("--fault", arguments.faults,
                    "What goes wrong, as KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
+        ->check(ipodsim::CheckFault)
         ->allow_extra_args(false);
+    app.add_flag_callback(
+        "--print-schema",
+        []
+        {
+            std::fputs(ipodsim::ScenarioSchema().c_str(), stdout);
+            throw CLI::Success();
+        },
+        "Print the JSON schema of scenarios and exit");
     app.add_flag("--verbose", arguments.verbose, "Write a line for each request and its answer");
     app.footer(
         "Examples:\n"
@@ -168,13 +177,6 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         "  ipod-simulator --fault delay=500@GetPlayStatus/3 --fault no-reply@Next\n"
         "\n"
         "Ask the one that runs for events with ipodctl sim.");
-}
-
-// Not by the parser: the message names the fault already.
-void RequireFaults(const std::vector<std::string>& faults)
-{
-    for (const std::string& fault : faults)
-        if (const std::string wrong = ipodsim::CheckFault(fault); !wrong.empty()) throw CLI::ValidationError(wrong);
 }
 }  // namespace
 
@@ -186,7 +188,6 @@ int main(int argc, char** argv)
     try
     {
         app.parse(argc, argv);
-        RequireFaults(arguments.faults);
         Serve(std::move(arguments));
         return 0;
     }

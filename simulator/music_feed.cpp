@@ -6,7 +6,6 @@
 #include "music/few_warnings.h"
 #include "music/indexer.h"
 #include "music/music_library.h"
-#include "service/events.h"
 
 namespace ipodsim
 {
@@ -156,7 +155,7 @@ void MusicFeed::RemoveAllBut(const std::vector<DeviceFolder>& devices)
                             [&](const DeviceFolder& device) { return device.path == folder; });
     };
     for (const std::string& folder : m_folders)
-        if (gone(folder)) events::DetachFolder(m_service, folder);
+        if (gone(folder)) m_service.DetachFolder(folder);
     m_folders.erase(std::remove_if(m_folders.begin(), m_folders.end(), gone), m_folders.end());
 }
 }  // namespace ipodsim

@@ -6,12 +6,11 @@
 #include <thread>
 #include <utility>
 
+#include "actions/scenario.h"
 #include "faults/fault_table.h"
 #include "playback/clock.h"
 #include "printable.h"
 #include "running.h"
-#include "scenario/scenario.h"
-#include "service/events.h"
 
 namespace ipodsim
 {
@@ -113,20 +112,6 @@ public:
         done.get();
     }
 
-    /// The same with an event, whose result is handed back.
-    template <class Event, class... Values>
-    auto Ask(Event event, const Values&... values)
-    {
-        std::decay_t<decltype(event(m_running->TheService(), values...))> result{};
-        Do([&] { result = event(m_running->TheService(), values...); });
-        return result;
-    }
-    template <class Event, class... Values>
-    void Tell(Event event, const Values&... values)
-    {
-        Do([&] { event(m_running->TheService(), values...); });
-    }
-
     Running& TheRunning() const { return *m_running; }
 
 private:
@@ -154,6 +139,32 @@ private:
     std::thread m_thread;
 };
 
+Value::Value() : m_json("{}") {}
+
+Value::Value(const std::string& text) : m_json(nlohmann::json(Utf8("value", text)).dump()) {}
+
+Value::Value(const char* text) : Value(std::string(text)) {}
+
+Value::Value(bool is) : m_json(is ? "true" : "false") {}
+
+Value::Value(double number) : m_json(nlohmann::json(number).dump()) {}
+
+Value::Value(std::initializer_list<std::pair<const char*, Value>> fields)
+{
+    for (const auto& [name, value] : fields)
+        m_json += (m_json.empty() ? "{" : ",") + Value(name).Json() + ":" + value.Json();
+    m_json += m_json.empty() ? "{}" : "}";
+}
+
+Value Value::List(const std::vector<Value>& values)
+{
+    Value list;
+    list.m_json.clear();
+    for (const Value& value : values) list.m_json += (list.m_json.empty() ? "[" : ",") + value.Json();
+    list.m_json += list.m_json.empty() ? "[]" : "]";
+    return list;
+}
+
 Simulator::Simulator(Options options) : m_host(std::make_unique<Host>(std::move(options))) {}
 
 Simulator::~Simulator() = default;
@@ -172,94 +183,22 @@ bool Simulator::Indexed() const
     return indexed;
 }
 
-void Simulator::PhoneCall(const ipod::iPodPhoneCall& call)
+std::string Simulator::Do(const std::string& action, const Value& value)
 {
-    m_host->Tell(events::PhoneCall, call);
-}
-
-void Simulator::CallSequence(const ipod::iPodPhoneCall& call, const std::vector<CallStep>& steps)
-{
-    m_host->Tell(events::CallSequence, call, steps);
-}
-
-void Simulator::Battery(const ipod::iPodBattery& battery)
-{
-    m_host->Tell(events::Battery, battery);
-}
-
-void Simulator::Carplay(int status, const std::string& serialNumber)
-{
-    m_host->Tell(events::Carplay, status, Utf8("serial number", serialNumber));
-}
-
-void Simulator::Carlife(int status)
-{
-    m_host->Tell(events::Carlife, status);
-}
-
-void Simulator::WirelessCarPlay(bool available, const std::string& deviceAddress)
-{
-    m_host->Tell(events::WirelessCarPlay, available, Utf8("address of the device", deviceAddress));
-}
-
-void Simulator::PairingInfo(const std::string& btAddress, const std::vector<unsigned char>& bytes)
-{
-    m_host->Tell(events::PairingInfo, Utf8("address of the device", btAddress), bytes);
-}
-
-void Simulator::Location(int status)
-{
-    m_host->Tell(events::Location, status);
-}
-
-void Simulator::ForegroundApp(const std::string& bundleName)
-{
-    m_host->Tell(events::ForegroundApp, Utf8("name of the app", bundleName));
-}
-
-void Simulator::SourceValid(bool valid)
-{
-    m_host->Tell(events::SourceValid, valid);
-}
-
-bool Simulator::PressButton(const std::string& button)
-{
-    return m_host->Ask(events::PressButton, button);
-}
-
-bool Simulator::AttachDevice(const std::string& name)
-{
-    return m_host->Ask(events::AttachDevice, Utf8("name of the device", name));
-}
-
-bool Simulator::DetachDevice(const std::string& name)
-{
-    return m_host->Ask(events::DetachDevice, name);
-}
-
-std::uint16_t Simulator::OpenEapSession(int protocol)
-{
-    return m_host->Ask(events::OpenEapSession, protocol);
-}
-
-bool Simulator::CloseEapSession(std::uint16_t session)
-{
-    return m_host->Ask(events::CloseEapSession, session);
-}
-
-bool Simulator::SendEapData(std::uint16_t session, const std::vector<unsigned char>& bytes)
-{
-    return m_host->Ask(events::SendEapData, session, bytes);
+    const std::string json = R"({"event":)" + Value(action).Json() + R"(,"value":)" + value.Json() + "}";
+    std::string result;
+    m_host->Do([&] { result = ipodsim::Do(m_host->TheRunning().TheService(), json).dump(); });
+    return result;
 }
 
 std::vector<Call> Simulator::Calls(const std::string& method) const
 {
     if (!method.empty()) RequireMethod(method);
     std::vector<Call> calls;
-    m_host->Tell(
-        [&](const Service& service)
+    m_host->Do(
+        [&]
         {
-            for (const LoggedCall& call : service.calls.Calls())
+            for (const LoggedCall& call : m_host->TheRunning().TheService().calls.Calls())
                 if (method.empty() || call.method == method) calls.push_back(ToCall(call));
         });
     return calls;
@@ -267,21 +206,11 @@ std::vector<Call> Simulator::Calls(const std::string& method) const
 
 void Simulator::ClearCalls()
 {
-    m_host->Tell([](Service& service) { service.calls.Clear(); });
-}
-
-void Simulator::Fault(const std::string& fault)
-{
-    m_host->Tell(events::AddFault, ParseFault(fault));
-}
-
-void Simulator::ClearFaults()
-{
-    m_host->Tell(events::ClearFaults);
+    m_host->Do([this] { m_host->TheRunning().TheService().calls.Clear(); });
 }
 
 void Simulator::RunScenario(const std::string& json)
 {
-    m_host->Tell(StartScenario, ParseScenario(json));
+    m_host->Do([&] { StartScenario(m_host->TheRunning().TheService(), ParseScenario(json)); });
 }
 }  // namespace ipodsim

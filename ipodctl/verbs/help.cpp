@@ -17,12 +17,6 @@ constexpr int kWidest = 100;
 constexpr int kMargin = 2;
 constexpr int kDescriptions = 26;
 
-struct HelpRow
-{
-    std::string name;
-    std::string description;
-};
-
 std::string Blanks(int count)
 {
     return std::string(static_cast<std::size_t>(count), ' ');
@@ -52,13 +46,6 @@ std::string HelpText(const HelpRow& row, int width)
     const std::string name = Blanks(kMargin) + row.name;
     const bool beside = Width(name) + kMargin <= column;
     return (beside ? Pad(name, column) : name + "\n" + Blanks(column)) + Wrapped(row.description, width, column) + "\n";
-}
-
-std::string Section(const char* title, const std::vector<HelpRow>& rows, int width)
-{
-    std::string text = rows.empty() ? "" : "\n" + std::string(title) + ":\n";
-    for (const HelpRow& row : rows) text += HelpText(row, width);
-    return text;
 }
 
 std::string Upper(const std::string& text)
@@ -110,6 +97,13 @@ std::string Usage(const CLI::App& app, const std::string& name)
 }
 }  // namespace
 
+std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width)
+{
+    std::string text = rows.empty() ? "" : "\n" + std::string(title) + ":\n";
+    for (const HelpRow& row : rows) text += HelpText(row, width);
+    return text;
+}
+
 HelpFormatter::HelpFormatter(int width) : m_width(std::clamp(width, kNarrowest, kWidest)) {}
 
 std::string HelpFormatter::make_help(const CLI::App* app, std::string name, CLI::AppFormatMode) const
@@ -125,7 +119,7 @@ std::string HelpFormatter::make_help(const CLI::App* app, std::string name, CLI:
     for (const CLI::App* command : CommandsOf(*app))
         commands.push_back({command->get_name(), command->get_description()});
     return Wrapped(app->get_description(), m_width, 0) + "\n" + Usage(*app, name) +
-           Section("Arguments", arguments, m_width) + Section("Options", options, m_width) +
-           Section("Commands", commands, m_width) + "\n" + app->get_footer() + "\n";
+           HelpSection("Arguments", arguments, m_width) + HelpSection("Options", options, m_width) +
+           HelpSection("Commands", commands, m_width) + "\n" + app->get_footer() + "\n";
 }
 }  // namespace ctl

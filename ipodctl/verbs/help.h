@@ -8,6 +8,15 @@
 
 namespace ctl
 {
+struct HelpRow
+{
+    std::string name;
+    std::string description;
+};
+
+/// Returns a title and its rows, the descriptions in a column of their own and wrapped; nothing without rows.
+std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width);
+
 class HelpFormatter : public CLI::FormatterBase
 {
 public:

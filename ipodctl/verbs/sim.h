@@ -2,37 +2,40 @@
 /// What the parts of "ipodctl sim" share.
 #pragma once
 
-#include <ipodkit/fields.h>
-
+#include <cstddef>
 #include <string>
 #include <vector>
 
-#include "session/sim_link.h"
+#include "output/output.h"
 #include "verbs/verb.h"
 
 namespace ctl
 {
-/// Makes an option one of a few words, which its help lists. Parsing replaces the word by its place in the list, which
-/// is the number that travels.
-CLI::Option* AsNumber(CLI::Option* option, const std::vector<std::string>& words);
-
-/// Accepts text that the bus can carry.
-CLI::Validator Utf8();
-
-/// The words for the numbers 0, 1, 2, ….
-template <class E>
-std::vector<std::string> WordsOf()
+/// An action of the simulator, as the schema of scenarios describes it.
+struct SimAction
 {
-    return {std::begin(ipodkit::EnumNames<E>::names), std::end(ipodkit::EnumNames<E>::names)};
-}
+    std::string name;
+    std::string summary;
+    std::string follows;
+    std::string example;
+    Json fields;  ///< schemas by name; the first may be given without its name
+    bool needsFields = false;
+};
 
-/// The answer of an event that was asked for: the verb's name and nothing else.
-Answer Asked(const std::string& event);
+/// All actions, in the order of the simulator's table.
+const std::vector<SimAction>& SimActions();
 
-/// The subverbs of "sim", by subject.
-std::vector<Verb> SimCallVerbs();  ///< call, battery
-std::vector<Verb>
-SimDeviceVerbs();  ///< carplay, carlife, wireless, pairing, location, source, app, attach, detach, button
-std::vector<Verb> SimEapVerbs();   ///< eap-open, eap-close, eap-data
-std::vector<Verb> SimTestVerbs();  ///< calls, fault, clear-faults, scenario
+/// The largest scenario that the simulator accepts, in bytes.
+std::size_t MostOfScenario();
+
+/// The value of an action, from words such as "level=80"; null when there are none.
+/// @throws Failure  kUsage: a field that the action does not have or that was given before, or a file that cannot be
+/// read
+Json ToSimValue(const SimAction& action, const std::vector<std::string>& words);
+
+/// What can be typed behind an action: "level=", "charging-status=charged", "next".
+std::vector<std::string> SimWords(const SimAction& action);
+
+/// "sim calls".
+Verb SimCallsVerb();
 }  // namespace ctl

@@ -17,7 +17,7 @@ _ipod_simulator() {
     esac
     if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W '--help --version --one-device --name --no-cache --speed --seed --scenario --fault
-            --verbose' -- "$cur"))
+            --print-schema --verbose' -- "$cur"))
     else
         _filedir -d
     fi

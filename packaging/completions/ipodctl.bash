@@ -11,6 +11,11 @@ _ipodctl_names() {
     done < <(ipodctl --deadline 1 "$@" --names 2>/dev/null)
 }
 
+# The actions of the simulator, or what can be typed behind one.
+_ipodctl_actions() {
+    ipodctl sim actions "$@" 2>/dev/null | cut -d' ' -f1
+}
+
 _ipodctl() {
     local cur prev words cword
     _init_completion || return
@@ -23,8 +28,6 @@ _ipodctl() {
     local vectors='VecPlayingListShareMemory VecDBListShareMemory VecDBListPinyinShareMemory VecUpdateListShareMemory
         VecUpdateListPinyinShareMemory VecDeviceListShareMemory VecArtworkBufferShareMemory
         VecArtworkChangeBufferShareMemory VecEapWriteBufferShareMemory VecEapReadBufferShareMemory'
-    local happenings='call battery carplay carlife wireless pairing location source app attach detach button eap-open
-        eap-close eap-data calls fault clear-faults scenario'
     local verb='' action='' word before=''
     for word in "${words[@]:1:cword-1}"; do
         if [[ $word == -* || $before == --deadline ]]; then before=$word; continue; fi
@@ -78,26 +81,19 @@ _ipodctl() {
             ;;
         sim)
             case $action in
-                '') arguments=$happenings ;;
-                call)
-                    options+=' --number --name --uuid --book-id --label --status --direction --service --reason --group
-                        --conferenced --not-conferenced --start --sequence'
-                    ;;
-                battery) options+=' --level --disabled --charging --charged --discharging' ;;
-                carplay) arguments='on off unsupported' options+=' --serial' ;;
-                carlife) arguments='on off unsupported' ;;
-                wireless) arguments='on off' options+=' --address' ;;
-                location | source) arguments='on off' ;;
-                pairing) options+=' --hex' ;;
-                button) arguments='play pause stop next previous' ;;
-                eap-open) options+=' --protocol' ;;
-                eap-data) options+=' --text --hex --file' ;;
+                '') arguments="$(_ipodctl_actions) actions calls scenario" ;;
                 calls) options+=' --clear' ;;
-                fault)
-                    arguments='delay no-reply error wrong-type short-record long-record half-filled unterminated
-                        bad-message out-of-range crash crash-locked restart-storm'
-                    ;;
+                actions) arguments=$(_ipodctl_actions) ;;
                 scenario) _filedir json ;;
+                *)
+                    arguments=$(_ipodctl_actions "$action")
+                    # The shell splits words at "=".
+                    local field=''
+                    [[ $prev != = ]] || field=${words[cword - 2]}
+                    [[ $cur != = ]] || field=$prev cur=''
+                    [[ -z $field ]] || arguments=$(grep "^$field=" <<<"$arguments" | cut -d= -f2)
+                    compopt -o nospace
+                    ;;
             esac
             ;;
     esac

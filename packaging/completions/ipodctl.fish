@@ -109,42 +109,17 @@ complete -c ipodctl -n '__fish_seen_subcommand_from eap; and not __fish_seen_sub
 complete -c ipodctl -n '__fish_seen_subcommand_from echo bridge' -l protocols -x -d 'Protocols to announce'
 complete -c ipodctl -n '__fish_seen_subcommand_from echo bridge' -l bundle -x -d 'App to launch'
 
-set -l happenings call battery carplay carlife wireless pairing location source app attach detach button eap-open eap-close eap-data calls fault clear-faults scenario
-complete -c ipodctl -n "__fish_seen_subcommand_from sim; and not __fish_seen_subcommand_from $happenings" -a "$happenings"
-function __ipodctl_sim -a event option description
-    complete -c ipodctl -n "__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from $event" -l $option -d $description
+# The actions of the simulator, and what can be typed behind each, come from the program.
+function __ipodctl_sim
+    set -l words (commandline -opc)
+    set -l next (math (contains -i sim $words) + 1)
+    if set -q words[$next]
+        ipodctl sim actions $words[$next] 2>/dev/null
+    else
+        ipodctl sim actions 2>/dev/null | string replace -r '  +' \t
+        printf '%s\n' calls\t'List the calls that the simulator received' actions\t'List the actions' scenario\t'Play a scenario file'
+    end
 end
-__ipodctl_sim call number 'Number of the other party'
-__ipodctl_sim call name 'Name of the other party'
-__ipodctl_sim call uuid 'Identifier of the call'
-__ipodctl_sim call book-id 'Entry of the address book'
-__ipodctl_sim call label 'home, mobile, ...'
-__ipodctl_sim call service 'Kind of call'
-__ipodctl_sim call reason 'Why the call ended'
-__ipodctl_sim call group 'Conference group'
-__ipodctl_sim call conferenced 'Part of a conference'
-__ipodctl_sim call not-conferenced 'Not part of a conference'
-__ipodctl_sim call start 'Seconds since 1970-01-01 UTC'
-__ipodctl_sim call status 'State of the call'
-__ipodctl_sim call direction 'Who called whom'
-__ipodctl_sim call sequence 'States in turn'
-__ipodctl_sim battery level Percent
-__ipodctl_sim battery disabled 'Charging is disabled'
-__ipodctl_sim battery charging 'It is being charged'
-__ipodctl_sim battery charged 'It is full'
-__ipodctl_sim battery discharging 'It is being used'
-__ipodctl_sim carplay serial 'Serial number'
-__ipodctl_sim wireless address 'Bluetooth address'
-__ipodctl_sim pairing hex 'The information, in hexadecimal'
-__ipodctl_sim eap-open protocol 'Index of the protocol'
-__ipodctl_sim eap-data text 'The bytes as text'
-__ipodctl_sim eap-data hex 'The bytes in hexadecimal'
-__ipodctl_sim eap-data file 'File with the bytes'
-__ipodctl_sim calls clear 'Forget all calls'
-functions -e __ipodctl_sim
-complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from carplay carlife' -a 'on off unsupported'
-complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from wireless location source' -a 'on off'
-complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from button' -a 'play pause stop next previous'
+complete -c ipodctl -n '__fish_seen_subcommand_from sim' -a '(__ipodctl_sim)'
 complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from scenario' -F
-complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from fault' \
-    -a 'delay no-reply error wrong-type short-record long-record half-filled unterminated bad-message out-of-range crash crash-locked restart-storm'
+complete -c ipodctl -n '__fish_seen_subcommand_from sim; and __fish_seen_subcommand_from calls' -l clear -d 'Forget all calls'

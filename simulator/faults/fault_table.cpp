@@ -2,12 +2,10 @@
 
 #include <ipod_dbus.h>
 
-#include <algorithm>
-#include <numeric>
 #include <stdexcept>
 #include <string_view>
-#include <utility>
-#include <vector>
+
+#include "faults/nearest.h"
 
 namespace ipodsim
 {
@@ -18,27 +16,17 @@ GDBusInterfaceInfo* Interface()
     return com_zarn_linux_ipod_interface_info();
 }
 
-// How many characters must be added, removed, or replaced to make one text of the other, whatever their case.
-std::size_t Distance(const std::string& from, const std::string& to)
-{
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i)
-    {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < to.size(); ++j)
-        {
-            const std::size_t replaced = diagonal + (g_ascii_tolower(from[i]) == g_ascii_tolower(to[j]) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
-
 bool IsMethod(const std::string& name)
 {
     return g_dbus_interface_info_lookup_method(Interface(), name.c_str()) != nullptr;
+}
+
+std::vector<std::string> Methods()
+{
+    std::vector<std::string> names;
+    for (GDBusMethodInfo** method = Interface()->methods; *method != nullptr; ++method)
+        names.emplace_back((*method)->name);
+    return names;
 }
 
 std::string Signature(GDBusArgInfo* const* arguments)
@@ -102,18 +90,17 @@ bool FalsifiesContent(FaultKind kind)
 }
 }  // namespace
 
-bool IsMember(const std::string& name)
+std::vector<std::string> Members()
 {
-    return IsMethod(name) || g_dbus_interface_info_lookup_signal(Interface(), name.c_str()) != nullptr;
+    std::vector<std::string> names = Methods();
+    for (GDBusSignalInfo** signal = Interface()->signals; *signal != nullptr; ++signal)
+        names.emplace_back((*signal)->name);
+    return names;
 }
 
 void RequireMethod(const std::string& name)
 {
-    if (IsMethod(name)) return;
-    std::string nearest;
-    for (GDBusMethodInfo** method = Interface()->methods; *method != nullptr; ++method)
-        if (nearest.empty() || Distance(name, (*method)->name) < Distance(name, nearest)) nearest = (*method)->name;
-    throw std::runtime_error("no method of the interface is named '" + name + "', the nearest is '" + nearest + "'");
+    if (!IsMethod(name)) throw std::runtime_error(UnknownName("method", name, Methods()));
 }
 
 bool Fits(FaultKind kind, const std::string& member, bool byName)
@@ -124,12 +111,8 @@ bool Fits(FaultKind kind, const std::string& member, bool byName)
 std::string FittingMembers(FaultKind kind)
 {
     std::string names;
-    const auto add = [&](const char* name)
-    {
-        if (Fits(kind, name, true)) names += (names.empty() ? "" : ", ") + std::string(name);
-    };
-    for (GDBusMethodInfo** method = Interface()->methods; *method != nullptr; ++method) add((*method)->name);
-    for (GDBusSignalInfo** signal = Interface()->signals; *signal != nullptr; ++signal) add((*signal)->name);
+    for (const std::string& name : Members())
+        if (Fits(kind, name, true)) names += (names.empty() ? "" : ", ") + name;
     return names;
 }
 }  // namespace ipodsim

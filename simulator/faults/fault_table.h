@@ -3,15 +3,16 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "faults/faults.h"
 
 namespace ipodsim
 {
-/// Whether the interface com.zarn.linux.ipod has such a method or signal.
-bool IsMember(const std::string& name);
+/// The methods and signals of the interface com.zarn.linux.ipod.
+std::vector<std::string> Members();
 
-/// @throws std::runtime_error  the interface has no such method; the message names the nearest one
+/// @throws std::runtime_error  the interface has no such method; the message names one that is similar
 void RequireMethod(const std::string& name);
 
 /// Whether a fault can be seen on a member. Without a name, a fault that is no falsified content concerns methods only.

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "faults/fault_table.h"
+#include "faults/nearest.h"
 
 namespace ipodsim
 {
@@ -54,8 +55,8 @@ const KindRow& RowOf(const std::string& name)
         std::find_if(std::begin(kKinds), std::end(kKinds), [&](const KindRow& row) { return name == row.name; });
     if (found != std::end(kKinds)) return *found;
     std::string names;
-    for (const KindRow& row : kKinds) names += (names.empty() ? "" : ", ") + std::string(row.name);
-    throw std::runtime_error("fault: expected one of " + names + ", not \"" + name + "\"");
+    for (const std::string& kind : FaultKinds()) names += (names.empty() ? "" : ", ") + kind;
+    throw std::runtime_error("expected one of " + names + ", not \"" + name + "\"" + NearestHint(name, FaultKinds()));
 }
 
 std::optional<std::uint32_t> ToNumber(const std::string& text,
@@ -77,7 +78,7 @@ bool IsErrorName(const std::string& text)
 
 [[noreturn]] void Refuse(const KindRow& row, const std::string& expected)
 {
-    throw std::runtime_error(std::string("fault ") + row.name + ": expected " + expected);
+    throw std::runtime_error(row.name + (": expected " + expected));
 }
 
 void CheckParameter(const KindRow& row, const std::string& parameter)
@@ -95,7 +96,9 @@ void CheckParameter(const KindRow& row, const std::string& parameter)
 void CheckMember(const KindRow& row, const std::string& member)
 {
     if (member.empty()) return;
-    if (!IsMember(member)) throw std::runtime_error("no method or signal of the interface is called " + member);
+    const std::vector<std::string> members = Members();
+    if (std::find(members.begin(), members.end(), member) == members.end())
+        throw std::runtime_error(UnknownName("method or signal", member, members));
     if (!Fits(row.kind, member, true)) Refuse(row, "one of " + FittingMembers(row.kind) + ", not " + member);
 }
 
@@ -121,6 +124,13 @@ const char* NameOf(FaultKind kind)
         ->name;
 }
 
+std::vector<std::string> FaultKinds()
+{
+    std::vector<std::string> names;
+    for (const KindRow& row : kKinds) names.emplace_back(row.name);
+    return names;
+}
+
 Fault MakeFault(const std::string& member, const std::string& kind, const std::string& parameter, unsigned count)
 {
     const KindRow& row = RowOf(kind);
@@ -137,7 +147,7 @@ Fault ParseFault(const std::string& text)
     const std::string member = TakeTail(kind, '@');
     const std::string parameter = TakeTail(kind, '=');
     const auto number = counted ? ToNumber(count) : 0;
-    if (!number) throw std::runtime_error("fault: expected KIND[=PARAMETER][@MEMBER][/COUNT], not \"" + text + "\"");
+    if (!number) throw std::runtime_error("expected KIND[=PARAMETER][@MEMBER][/COUNT], not \"" + text + "\"");
     return MakeFault(member, kind, parameter, *number);
 }
 

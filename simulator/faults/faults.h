@@ -44,6 +44,9 @@ struct Fault
 /// For example "delay", "crash-locked".
 const char* NameOf(FaultKind kind);
 
+/// The names of all kinds.
+std::vector<std::string> FaultKinds();
+
 /// @throws std::runtime_error  there is no such kind or member, the kind does not fit the member, or the parameter is
 ///         not possible; the message says what was expected
 Fault MakeFault(const std::string& member, const std::string& kind, const std::string& parameter, unsigned count);

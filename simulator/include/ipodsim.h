@@ -5,9 +5,7 @@
 ///     ipodsim::Simulator service;                     // the built-in library
 ///     IQBXIpodPlayer* player = QBX_GetIpodPlayer();
 ///     player->InitInstance();
-///     ipod::iPodPhoneCall call;
-///     call.set_status(ipod::PHONE_CALL_STATUS_RINGING);
-///     service.PhoneCall(call);                        // the player's listeners learn of it
+///     service.Do("call", {{"status", "ringing"}, {"display-name", "Li Lei"}});  // the listeners are notified
 ///
 /// The service runs on a thread and a connection of its own, so that the player's blocking commands may be called
 /// from the same process. It attaches the two shared-memory segments, whose names are global to a machine: at most
@@ -17,12 +15,13 @@
 /// signal. Nothing throws but where it is stated.
 #pragma once
 
-#include <ipod.pb.h>
-
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace ipodsim
@@ -69,11 +68,28 @@ struct Call
     std::string answer;     ///< a tuple; with an error its message; empty when nothing was answered
 };
 
-/// A state of a call and how long it lasts.
-struct CallStep
+/// A value of an action: a text, a number, a boolean, or fields by name.
+class Value
 {
-    ipod::PhoneCallStatus status = ipod::PHONE_CALL_STATUS_DISCONNECTED;
-    double seconds = 0;  ///< until the next step, on the service's clock
+public:
+    Value();  ///< no fields
+    /// @throws std::runtime_error  it is not UTF-8
+    Value(const char* text);
+    Value(const std::string& text);
+    Value(bool is);
+    Value(double number);
+    template <class Number, class = std::enable_if_t<std::is_integral_v<Number>>>
+    Value(Number number) : m_json(std::to_string(number))
+    {
+    }
+    Value(std::initializer_list<std::pair<const char*, Value>> fields);
+    static Value List(const std::vector<Value>& values);
+
+    /// Returns the value as JSON.
+    const std::string& Json() const { return m_json; }
+
+private:
+    std::string m_json;
 };
 
 class Simulator
@@ -94,36 +110,23 @@ public:
     /// Whether all music has been read once.
     bool Indexed() const;
 
-    /// @name Events
-    /// Each makes the service emit the signal of the like name. A status is a number of the enumerations of
-    /// QBXIpodTypes.h.
-    /// @throws std::runtime_error  a text is not UTF-8, but for those in messages
-    /// @{
-    void PhoneCall(const ipod::iPodPhoneCall& call);
-    /// The event again for each step; returns after the first. An identifier, the start and the reason of the end are
-    /// filled in where the call has none.
-    void CallSequence(const ipod::iPodPhoneCall& call, const std::vector<CallStep>& steps);
-    void Battery(const ipod::iPodBattery& battery);
-    void Carplay(int status, const std::string& serialNumber);
-    void Carlife(int status);
-    void WirelessCarPlay(bool available, const std::string& deviceAddress);
-    void PairingInfo(const std::string& btAddress, const std::vector<unsigned char>& bytes);
-    void Location(int status);
-    void ForegroundApp(const std::string& bundleName);
-    void SourceValid(bool valid);
-    /// A button of the device itself: play, pause, stop, next, previous; false when it is none of them.
-    bool PressButton(const std::string& button);
-    /// The new device holds the built-in library. False when there is one of that name.
-    bool AttachDevice(const std::string& name);
-    /// False when there is none of that name.
-    bool DetachDevice(const std::string& name);
-    /// The number of the new session; 0 when none is left.
-    std::uint16_t OpenEapSession(int protocol);
-    /// False when the session is not open.
-    bool CloseEapSession(std::uint16_t session);
-    /// False when the session is not open or the bytes do not fit into shared memory.
-    bool SendEapData(std::uint16_t session, const std::vector<unsigned char>& bytes);
-    /// @}
+    /// Does an action at once; returns when its signal has been emitted. The actions and their fields are those of
+    /// scenarios: `ipodctl sim --help` and docs/simulator.md list them.
+    ///
+    ///     service.Do("battery", {{"level", 4}});
+    ///     service.Do("button", "next");                            // the value of the first field may stand alone
+    ///     service.Do("fault", "delay=500@GetPlayStatus/3");
+    ///     service.Do("call", {{"sequence", Value::List({Value{{"status", "ringing"}, {"seconds", 3}}})}});
+    ///
+    /// @return  a JSON object: of "eap-open" `{"session":1}`, of the others `{}`
+    /// @throws std::runtime_error  there is no such action, a field is not valid, or the action is not possible now;
+    /// the
+    ///         message gives the path of the value, and what was expected
+    std::string Do(const std::string& action, const Value& value = {});
+
+    /// Starts a scenario.
+    /// @throws std::runtime_error  it is malformed; the message says where, and what was expected
+    void RunScenario(const std::string& json);
 
     /// @name What it was asked
     /// @{
@@ -133,21 +136,6 @@ public:
     std::vector<Call> Calls(const std::string& method = {}) const;
     void ClearCalls();
     /// @}
-
-    /// @name What goes wrong
-    /// @{
-
-    /// Arms a fault, as `KIND[=PARAMETER][@MEMBER][/COUNT]`, for example "delay=500@GetPlayStatus/3".
-    /// docs/simulator.md lists the kinds.
-    /// @throws std::runtime_error  there is no such fault; the message says what was expected
-    void Fault(const std::string& fault);
-    /// Disarms all faults and ends a restart storm.
-    void ClearFaults();
-    /// @}
-
-    /// Lets the steps of a scenario happen, beginning now.
-    /// @throws std::runtime_error  it is malformed; the message says where, and what was expected
-    void RunScenario(const std::string& json);
 
 private:
     class Host;

@@ -1,4 +1,3 @@
-#include "service/events.h"
 #include "service/requests.h"
 
 namespace ipodsim::requests
@@ -35,7 +34,7 @@ std::string GetIpodAppBundleName(Service& service)
 bool EapLaunchApp(Service& service, const gchar* bundle)
 {
     if (!service.eap.Announced() || *bundle == '\0') return false;
-    return events::OpenEapSession(service, 0) != 0;
+    return service.OpenEapSession(0) != 0;
 }
 
 // The app at the other end sends back what it receives.

@@ -13,6 +13,7 @@ namespace
 {
 constexpr char kInterface[] = "com.zarn.linux.ipod";
 constexpr char kFailed[] = "com.zarn.linux.ipod.Error.Failed";
+constexpr char kInvalid[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr std::uint32_t kDelayMs = 1000;
 
 // What is to be answered: a body, or an error and its message.
@@ -29,6 +30,10 @@ Answer CarryOut(const std::function<GVariant*()>& work)
     try
     {
         return {Own(work()), {}, {}};
+    }
+    catch (const InvalidRequest& error)
+    {
+        return {nullptr, kInvalid, error.what()};
     }
     catch (const std::exception& error)
     {

@@ -40,6 +40,33 @@ void Service::AfterSeconds(double seconds, std::function<void()> work)
     agenda.After(RealSeconds(seconds) * 1000, std::move(work));
 }
 
+template <class Take>
+bool Service::Detach(Take take)
+{
+    const Device* const before = devices.Current();
+    if (!take()) return false;
+    if (devices.Current() != before) player.Clear();
+    signals.DeviceStatus(APPLE_DEVICE_NOT_DETECTED, false);
+    return true;
+}
+
+bool Service::DetachDevice(const std::string& name)
+{
+    return Detach([&] { return devices.Detach(name); });
+}
+
+bool Service::DetachFolder(const std::string& folder)
+{
+    return Detach([&] { return devices.DetachFolder(folder); });
+}
+
+std::uint16_t Service::OpenEapSession(int protocol)
+{
+    const std::uint16_t session = eap.Open();
+    if (session != 0) signals.StartEapSession(protocol, session);
+    return session;
+}
+
 void Service::Reset()
 {
     player.Clear();

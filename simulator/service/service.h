@@ -1,6 +1,6 @@
 /// @file
 /// The state of the simulated service: devices, database, playback, accessory sessions. The requests of the bus
-/// (requests.h) and the events on request (events.h) work on it; what changes in playback goes out as signals.
+/// (requests.h) and the actions work on it; what changes in playback goes out as signals.
 #pragma once
 
 #include <QBXIpodTypes.h>
@@ -84,10 +84,20 @@ public:
     /// Does work after so much time of the track's clock.
     void AfterSeconds(double seconds, std::function<void()> work);
 
+    /// Takes a device away and reports it; playback stops when it is the one that is browsed. False when there is none
+    /// of that name, or with music in that folder.
+    bool DetachDevice(const std::string& name);
+    bool DetachFolder(const std::string& folder);
+
+    /// Opens an accessory session, reports it, and returns its number; 0 when all are in use.
+    std::uint16_t OpenEapSession(int protocol);
+
     /// As after a start: nothing plays, no session is open. The devices stay.
     void Reset();
 
 private:
+    template <class Take>
+    bool Detach(Take take);
     void OnTrack() override;
     void OnStatus() override;
     void OnProgress() override;

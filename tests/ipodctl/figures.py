@@ -31,8 +31,8 @@ def milliseconds_of(command, environment):
 
 
 def let_battery_change(bus, level):
-    fields = GLib.Variant("(a{sv})", ({"level": GLib.Variant("u", level)},))
-    bus.call_sync(CONTROL, PATH, CONTROL, "Battery", fields, None, Gio.DBusCallFlags.NONE, 10000, None)
+    action = GLib.Variant("(s)", (f'{{"event": "battery", "value": {level}}}',))
+    bus.call_sync(CONTROL, PATH, CONTROL, "Do", action, None, Gio.DBusCallFlags.NONE, 10000, None)
 
 
 def milliseconds_to_lines(environment, options, times):

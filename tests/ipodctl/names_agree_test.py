@@ -78,19 +78,27 @@ class Names(unittest.TestCase):
             for verb in verbs_of("eap"):
                 self.assertRegex(text_of(path), rf"\b{verb}\b", path)
 
-    def test_the_completions_offer_the_same_faults(self):
-        kinds = re.search(r"fault\)\s*arguments='([^']*)'", text_of(BASH)).group(1).split()
-        self.assertGreater(len(kinds), 10)
-        for path in (ZSH, FISH):
-            self.assertIn(" ".join(kinds), " ".join(text_of(path).split()), path)
+    def test_bash_completes_the_actions_of_the_simulator_from_the_program(self):
+        for line, offered in (("sim batt", "battery"), ("sim battery charging-status=ch", "charged"),
+                              ("sim fault rest", "restart-storm"), ("sim battery le", "level=")):
+            with self.subTest(line):
+                words = re.split(r"(=)| ", f"ipodctl {line}")
+                words = [word for word in words if word]
+                script = (f"_init_completion() {{ words=({shlex.join(words)}) cword={len(words) - 1}; cur=${{words[cword]}} "
+                          f"prev=${{words[cword - 1]}}; }}; compopt() {{ :; }}; ipodctl() {{ {shlex.join(PROGRAM)} \"$@\"; }}; "
+                          f"source {BASH}; _ipodctl; printf '%s\\n' \"${{COMPREPLY[@]}}\"")
+                done = subprocess.run(["bash", "-c", script], check=True, capture_output=True, text=True, timeout=60)
+                self.assertIn(offered, done.stdout.splitlines())
 
     @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
     def test_fish_completes_behind_an_option_with_a_value(self):
         for line, offered in (("ipodctl sta", "status"), ("ipodctl --deadline 3 sta", "status"),
-                              ("ipodctl --json --deadline 3 eap ec", "echo"),
-                              ("ipodctl sim fault rest", "restart-storm")):
+                              ("ipodctl --json --deadline 3 eap ec", "echo"), ("ipodctl sim batt", "battery"),
+                              ("ipodctl sim fault rest", "restart-storm"),
+                              ("ipodctl sim battery charging-status=ch", "charging-status=charged")):
             with self.subTest(line):
-                words = subprocess.run(["fish", "--no-config", "-c", f"source {FISH}; complete -C '{line}'"], check=True,
+                script = f"function ipodctl; {shlex.join(PROGRAM)} $argv; end; source {FISH}; complete -C '{line}'"
+                words = subprocess.run(["fish", "--no-config", "-c", script], check=True,
                                        capture_output=True, text=True, timeout=60).stdout
                 self.assertIn(offered, [word.split("\t")[0] for word in words.splitlines()])
 
@@ -105,7 +113,7 @@ class Names(unittest.TestCase):
 def options_in(path):
     text = text_of(path)
     if path == FISH:
-        patterns = (r"complete -c ipodctl.* -l ([\w-]+)", r"^__ipodctl_sim \S+ (\S+)", r"--([a-z][\w-]+)")
+        patterns = (r"complete -c ipodctl.* -l ([\w-]+)", r"--([a-z][\w-]+)")
         return set().union(*(re.findall(pattern, text, re.MULTILINE) for pattern in patterns))
     return set(re.findall(r"--([a-z][\w-]+)", text))
 

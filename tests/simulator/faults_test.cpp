@@ -49,11 +49,13 @@ TEST(FaultText, NeedsTheKindOnly)
 TEST(FaultText, IsRefusedWithWhatWasExpected)
 {
     EXPECT_NE(ComplaintAbout("dely").find("expected one of delay, no-reply"), std::string::npos);
-    EXPECT_EQ(ComplaintAbout("delay=soon"), "fault delay: expected an integer between 0 and 4294967295, got 'soon'");
+    EXPECT_EQ(ComplaintAbout("delay=soon"), "delay: expected an integer between 0 and 4294967295, got 'soon'");
     EXPECT_EQ(ComplaintAbout("long-record=1048576"), "none");
     EXPECT_EQ(ComplaintAbout("long-record=1048577"),
-              "fault long-record: expected an integer between 0 and 1048576, got '1048577'");
-    EXPECT_NE(ComplaintAbout("delay@GetPlayState").find("called GetPlayState"), std::string::npos);
+              "long-record: expected an integer between 0 and 1048576, got '1048577'");
+    EXPECT_EQ(ComplaintAbout("delay@GetPlayState"),
+              "no method or signal of the interface is named 'GetPlayState', the nearest is 'GetPlayStatus'");
+    EXPECT_NE(ComplaintAbout("dely").find("(nearest: delay)"), std::string::npos);
     EXPECT_NE(ComplaintAbout("delay/x").find("expected KIND"), std::string::npos);
     EXPECT_NE(ComplaintAbout("delay/").find("expected KIND"), std::string::npos);
     EXPECT_NE(ComplaintAbout("no-reply=5").find("expected no parameter"), std::string::npos);
@@ -65,10 +67,10 @@ TEST(FaultText, IsRefusedWithWhatWasExpected)
 TEST(FaultText, IsRefusedWhereTheKindDoesNotFit)
 {
     EXPECT_EQ(ComplaintAbout("unterminated@Play"),
-              "fault unterminated: expected one of GetPlayingListItems, GetCurDbListItems, GetCurDbListItemsPinyin, "
+              "unterminated: expected one of GetPlayingListItems, GetCurDbListItems, GetCurDbListItemsPinyin, "
               "GetUpdateListItems, GetUpdateListItemsPinyin, GetDeviceList, not Play");
     EXPECT_EQ(ComplaintAbout("bad-message@Play"),
-              "fault bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play");
+              "bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play");
     EXPECT_NE(ComplaintAbout("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
     EXPECT_NE(ComplaintAbout("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
     EXPECT_EQ(ComplaintAbout("out-of-range@OnPlayStatusChanged"), "none");

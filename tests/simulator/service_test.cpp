@@ -111,6 +111,8 @@ public:
     {
         return Call(kService, kPath, method, arguments, timeoutMs);
     }
+    /// An action, or a scenario.
+    std::string Do(const char* json) { return Control("Do", g_variant_new("(s)", json)); }
     std::string Control(const char* method, GVariant* arguments = nullptr)
     {
         return Call(kControl, kControlPath, method, arguments, 5000);
@@ -202,24 +204,20 @@ TEST_F(BuiltinService, TellsItOverTheBusToo)
 {
     client.Ask("GetPlayStatus");
 
-    EXPECT_THAT(client.Control("GetCalls", g_variant_new("(s)", "")),
+    EXPECT_THAT(client.Control("Calls", g_variant_new("(s)", "")),
                 HasSubstr("'GetPlayStatus', [], 'reply', [<0>])],)"));
-    EXPECT_EQ(client.Control("GetCalls", g_variant_new("(s)", "Play")), "([],)");
+    EXPECT_EQ(client.Control("Calls", g_variant_new("(s)", "Play")), "([],)");
     client.Control("ClearCalls");
-    EXPECT_EQ(client.Control("GetCalls", g_variant_new("(s)", "")), "([],)");
+    EXPECT_EQ(client.Control("Calls", g_variant_new("(s)", "")), "([],)");
     client.Receives("nothing", 50);
     EXPECT_THAT(client.signals, ElementsAre(HasSubstr("Called ((")));
 }
 
 TEST_F(BuiltinService, PlaysACallInSteps)
 {
-    GVariantBuilder steps;
-    g_variant_builder_init(&steps, G_VARIANT_TYPE("a(ud)"));
-    g_variant_builder_add(&steps, "(ud)", 2U, 0.05);
-    g_variant_builder_add(&steps, "(ud)", 4U, 0.05);
-    g_variant_builder_add(&steps, "(ud)", 0U, 0.0);
-
-    EXPECT_EQ(client.Control("CallSequence", g_variant_new("(a{sv}a(ud))", nullptr, &steps)), "()");
+    EXPECT_EQ(client.Do(R"({"event": "call", "value": {"sequence": [{"status": "ringing", "seconds": 0.05},
+                               {"status": "active", "seconds": 0.05}, {"status": "disconnected"}]}})"),
+              "('{}',)");
 
     const gint64 end = g_get_monotonic_time() + 5000000;
     while (client.signals.size() < 3 && g_get_monotonic_time() < end) g_main_context_iteration(nullptr, FALSE);
@@ -227,30 +225,58 @@ TEST_F(BuiltinService, PlaysACallInSteps)
     for (const std::string& signal : client.signals) EXPECT_THAT(signal, HasSubstr("OnIpodPhoneCallChange"));
 }
 
-TEST_F(BuiltinService, RefusesWhatIsNoEvent)
+TEST_F(BuiltinService, RejectsInvalidActionsWithThePathOfTheValue)
 {
-    EXPECT_THAT(client.Control("PressButton", g_variant_new("(s)", "eject")), HasSubstr("expected play, pause"));
-    EXPECT_THAT(client.Control("Carplay", g_variant_new("(ys)", guchar{7}, "")), HasSubstr("expected 0 detected"));
-    EXPECT_THAT(client.Control("DetachDevice", g_variant_new("(s)", "none")), HasSubstr("no device of that name"));
-    EXPECT_THAT(client.Control("CallSequence", g_variant_new("(a{sv}a(ud))", nullptr, nullptr)),
-                HasSubstr("at least one"));
-    EXPECT_THAT(client.Control("Fault", g_variant_new("(sssu)", "", "dely", "", 0U)), HasSubstr("expected one of"));
-    EXPECT_THAT(client.Control("RunScenario", g_variant_new("(s)", "{\n}")),
-                HasSubstr("steps: expected an array of steps, got nothing"));
-    EXPECT_FALSE(service.PressButton("eject"));
+    const std::string invalid = "error org.freedesktop.DBus.Error.InvalidArgs: ";
+
+    EXPECT_EQ(client.Do(R"({"event": "button", "value": "eject"})"),
+              invalid + "value: expected one of play, pause, stop, next, previous, got \"eject\"");
+    EXPECT_EQ(client.Do(R"({"event": "battery", "value": {"level": "x"}})"),
+              invalid + "value.level: expected an integer between 0 and 4294967295, got \"x\"");
+    EXPECT_EQ(client.Do("{\n}"), invalid + "event: expected the name of an action, got nothing");
+    EXPECT_THAT(client.Do("{\n5}"), HasSubstr(invalid + "line 2, column 1: "));
+    EXPECT_THAT(client.Do(R"({"event": "fault", "value": "dely"})"), HasSubstr("(nearest: delay)"));
+    EXPECT_EQ(client.Do(R"({"event": "detach", "value": "none"})"),
+              "error com.zarn.linux.ipod.Error.Failed: no device of that name is attached");
+    EXPECT_THROW(service.Do("button", "eject"), std::runtime_error);
+}
+
+TEST_F(BuiltinService, ReturnsTheNumberOfAnAccessorySession)
+{
+    EXPECT_EQ(service.Do("eap-open"), R"({"session":1})");
+    EXPECT_EQ(client.Do(R"({"event": "eap-open"})"), R"(('{"session":2}',))");
+    EXPECT_EQ(service.Do("eap-data", {{"hex", "00ff"}}), "{}") << "it goes to the session that was opened last";
+    EXPECT_TRUE(client.Receives("OnIpodReceiveEapData (0x02,)"));
+    EXPECT_EQ(service.Do("eap-close", 1), "{}");
+    EXPECT_THROW(service.Do("eap-close", 1), std::runtime_error);
+}
+
+TEST_F(BuiltinService, PassesValuesOfEveryType)
+{
+    using ipodsim::Value;
+    service.Do("carplay", {{"status", "detected"}, {"serial", std::string("F17\"")}});
+    service.Do("wireless", {{"available", true}});
+    service.Do("call",
+               {{"conference-group", 7U}, {"sequence", Value::List({Value{{"status", "ringing"}, {"seconds", 0.5}}})}});
+
+    EXPECT_EQ(client.Ask("GetCarplayDeviceDetectStatus"), "(0x00, 'F17\"')");
+    EXPECT_TRUE(client.Receives("OnWirelessCarPlayUpdate (true, '')"));
+    EXPECT_EQ(Value().Json(), "{}");
+    EXPECT_EQ(Value::List({}).Json(), "[]");
+    EXPECT_THROW(Value("\xFF"), std::runtime_error);
 }
 
 TEST_F(BuiltinService, PlaysWhenTheButtonIsPressed)
 {
-    EXPECT_TRUE(service.PressButton("play"));
+    service.Do("button", "play");
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(1,)");
     EXPECT_TRUE(client.Receives("OnPlayStatusChanged (0x01,)"));
-    EXPECT_TRUE(service.PressButton("pause"));
+    service.Do("button", "pause");
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(2,)");
-    EXPECT_TRUE(service.PressButton("next"));
+    service.Do("button", "next");
     EXPECT_EQ(client.Ask("GetPlayingTrackIdx"), "(1,)");
-    EXPECT_TRUE(service.PressButton("previous"));
-    EXPECT_TRUE(service.PressButton("stop"));
+    service.Do("button", "previous");
+    service.Do("button", "stop");
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
 }
 
@@ -287,7 +313,7 @@ TEST_F(Service, AnswersWhileAScenarioOfManyStepsRuns)
 
 TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
 {
-    service.Fault("delay=1000@GetPlayStatus/1");
+    service.Do("fault", "delay=1000@GetPlayStatus/1");
     gint64 spent = 0;
     std::thread slow(
         [&]
@@ -308,7 +334,7 @@ TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
 
 TEST_F(BuiltinService, DoesNotAnswerOnRequest)
 {
-    service.Fault("no-reply@Play/1");
+    service.Do("fault", "no-reply@Play/1");
 
     EXPECT_THAT(client.Ask("Play", g_variant_new("(y)", guchar{3}), 200), HasSubstr("Timeout"));
     EXPECT_EQ(service.Calls("Play")[0].answer, "");
@@ -317,7 +343,7 @@ TEST_F(BuiltinService, DoesNotAnswerOnRequest)
 
 TEST_F(BuiltinService, AnswersAnErrorOnRequest)
 {
-    service.Fault("error=com.example.Busy@Pause/1");
+    service.Do("fault", "error=com.example.Busy@Pause/1");
 
     EXPECT_EQ(client.Ask("Pause"), "error com.example.Busy: a fault on purpose");
     EXPECT_EQ(service.Calls("Pause")[0].error, "com.example.Busy");
@@ -326,9 +352,9 @@ TEST_F(BuiltinService, AnswersAnErrorOnRequest)
 
 TEST_F(BuiltinService, AnswersWrongTypesAndNumbersOnRequest)
 {
-    service.Fault("wrong-type@GetPlayStatus/1");
-    service.Fault("out-of-range=77@GetRepeatMode/1");
-    service.Fault("out-of-range@GetCarplayDeviceDetectStatus/1");
+    service.Do("fault", "wrong-type@GetPlayStatus/1");
+    service.Do("fault", "out-of-range=77@GetRepeatMode/1");
+    service.Do("fault", "out-of-range@GetCarplayDeviceDetectStatus/1");
 
     EXPECT_EQ(client.Ask("GetPlayStatus"), "('no such type',)");
     EXPECT_EQ(client.Ask("GetRepeatMode"), "(77,)");
@@ -337,9 +363,9 @@ TEST_F(BuiltinService, AnswersWrongTypesAndNumbersOnRequest)
 
 TEST_F(BuiltinService, AnswersRecordsOfAnySizeOnRequest)
 {
-    service.Fault("short-record=3@GetCurrentMediaInfo/1");
-    service.Fault("long-record=1042@GetCurrentMediaInfo/1");
-    service.Fault("wrong-type@GetCurrentMediaInfo/1");
+    service.Do("fault", "short-record=3@GetCurrentMediaInfo/1");
+    service.Do("fault", "long-record=1042@GetCurrentMediaInfo/1");
+    service.Do("fault", "wrong-type@GetCurrentMediaInfo/1");
 
     EXPECT_EQ(client.Ask("GetCurrentMediaInfo"), "(<[byte 0x00, 0x00, 0x00]>,)");
     EXPECT_THAT(client.Ask("GetCurrentMediaInfo"), HasSubstr("0x00, 0x78, 0x78]>,)"));
@@ -348,16 +374,16 @@ TEST_F(BuiltinService, AnswersRecordsOfAnySizeOnRequest)
 
 TEST_F(BuiltinService, FalsifiesSignalsOnRequest)
 {
-    service.Fault("bad-message@OnIpodBatteryChange/1");
-    service.Fault("out-of-range=9@OnIpodLocationStatusChange/1");
-    service.Fault("wrong-type@OnIpodAppBundleNameChange/1");
-    service.Fault("no-reply@OnIpodSourceValidStatusChange/1");
+    service.Do("fault", "bad-message@OnIpodBatteryChange/1");
+    service.Do("fault", "out-of-range=9@OnIpodLocationStatusChange/1");
+    service.Do("fault", "wrong-type@OnIpodAppBundleNameChange/1");
+    service.Do("fault", "no-reply@OnIpodSourceValidStatusChange/1");
 
-    service.Battery({});
-    service.Location(1);
-    service.ForegroundApp("a");
-    service.SourceValid(true);
-    service.SourceValid(false);
+    service.Do("battery");
+    service.Do("location", true);
+    service.Do("app", "a");
+    service.Do("source", true);
+    service.Do("source", false);
 
     EXPECT_TRUE(client.Receives("OnIpodSourceValidStatusChange (false,)"));
     EXPECT_THAT(client.signals,
@@ -365,23 +391,11 @@ TEST_F(BuiltinService, FalsifiesSignalsOnRequest)
                             "OnIpodAppBundleNameChange ('no such type',)", "OnIpodSourceValidStatusChange (false,)"));
 }
 
-TEST_F(BuiltinService, RefusesTextsThatTheBusDoesNotCarry)
-{
-    const std::string wrong = "\xFF";
-
-    EXPECT_THROW(service.Carplay(1, wrong), std::runtime_error);
-    EXPECT_THROW(service.WirelessCarPlay(true, wrong), std::runtime_error);
-    EXPECT_THROW(service.PairingInfo(wrong, {1}), std::runtime_error);
-    EXPECT_THROW(service.ForegroundApp(wrong), std::runtime_error);
-    EXPECT_THROW(service.AttachDevice(wrong), std::runtime_error);
-    EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
-}
-
 TEST_F(BuiltinService, HasNoTwoDevicesOfOneNameOnRequest)
 {
-    EXPECT_TRUE(service.AttachDevice("Second"));
-    EXPECT_FALSE(service.AttachDevice("Second"));
-    EXPECT_THAT(client.Control("AttachDevice", g_variant_new("(s)", "Desk iPod")),
+    service.Do("attach", "Second");
+    EXPECT_THROW(service.Do("attach", "Second"), std::runtime_error);
+    EXPECT_THAT(client.Do(R"({"event": "attach", "value": "Desk iPod"})"),
                 HasSubstr("a device of that name is attached already"));
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(2,)");
 }
@@ -400,7 +414,7 @@ TEST_F(BuiltinService, GoesAndComesBackOnRequest)
     { return test::RunLoopUntil([&] { return owners.size() == count; }); };
     ASSERT_TRUE(seen(1));
 
-    service.Fault("restart-storm=3");
+    service.Do("fault", "restart-storm=3");
 
     EXPECT_TRUE(seen(4));
     g_bus_unwatch_name(watch);
@@ -413,9 +427,8 @@ TEST_F(BuiltinService, GoesAndComesBackOnRequest)
 
 TEST_F(BuiltinService, RefusesToEndTheProgramThatItLivesIn)
 {
-    EXPECT_THROW(service.Fault("crash@Play"), std::runtime_error);
-    EXPECT_THAT(client.Control("Fault", g_variant_new("(sssu)", "", "crash-locked", "", 1U)),
-                HasSubstr("inside another program"));
+    EXPECT_THROW(service.Do("fault", "crash@Play"), std::runtime_error);
+    EXPECT_THAT(client.Do(R"({"event": "fault", "value": "crash-locked/1"})"), HasSubstr("inside another program"));
 }
 
 TEST_F(BuiltinService, TellsWhichProcessIsInTheWayOfASecondOne)
@@ -520,7 +533,7 @@ TEST_F(Service, DeliversLargeArtworkWhateverWasDeliveredBefore)
         for (const char* button : {"play", "next", "previous"})
         {
             client.signals.clear();
-            service.PressButton(button);
+            service.Do("button", button);
             EXPECT_TRUE(client.Receives("OnIpodArtworkChange " + HeadOf(size), 5000));
             EXPECT_EQ(shared.Bytes("VecArtworkChangeBufferShareMemory").size(), size);
             for (int i = 0; i < 2; ++i)
@@ -545,16 +558,17 @@ TEST_F(Service, HasNoArtworkWhereAccessoryDataLeavesNoRoomAndWarnsOnce)
     options.warn = [&](const std::string& line) { warnings.push_back(line); };
     ipodsim::Simulator service(options);
     Client client;
-    ASSERT_TRUE(service.SendEapData(service.OpenEapSession(0), std::vector<unsigned char>(600000)));
+    service.Do("eap-open");
+    service.Do("eap-data", {{"text", std::string(600000, 'x')}});
 
-    service.PressButton("play");
+    service.Do("button", "play");
     for (int i = 0; i < 3; ++i) EXPECT_EQ(client.Ask("GetPlayingTrackAlbumArtwork"), kNoArtwork);
 
     const std::string record = client.Ask("GetCurrentMediaInfo");
     EXPECT_EQ(record.substr(record.size() - 28), ", 0x00, 0x00, 0x00, 0x00]>,)") << "the track's record agrees";
     service.ClearCalls();  // what the service's thread did is over
     EXPECT_EQ(warnings, (std::vector<std::string>{"no room in shared memory for the artwork of 'one', 600000 bytes"}));
-    service.PressButton("next");
+    service.Do("button", "next");
     for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
     service.ClearCalls();
     EXPECT_EQ(warnings.size(), 2U);

@@ -80,6 +80,9 @@ class OnABus(unittest.TestCase):
     def control(self, method, *arguments):
         return self.gdbus("/com/zarn/linux/ipod/simulator", method, *arguments)
 
+    def do(self, event, value=None):
+        return self.control("Do", json.dumps({"event": event} | ({} if value is None else {"value": value})))
+
     def has_owner(self):
         call = subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
                                "--method", "org.freedesktop.DBus.NameHasOwner", "com.zarn.linux.ipod"],
@@ -227,13 +230,13 @@ class Program(OnABus):
                                 ([""], "folder: expected a name that is not empty"),
                                 (["--scenario", ""], "--scenario: expected a name that is not empty"),
                                 (["--fault", "delay=-1"],
-                                 "fault delay: expected an integer between 0 and 4294967295, got '-1'"),
+                                 "--fault: delay: expected an integer between 0 and 4294967295, got '-1'"),
                                 (["--fault", "long-record=200000000@GetCurrentMediaInfo"],
-                                 "fault long-record: expected an integer between 0 and 1048576, got '200000000'"),
+                                 "--fault: long-record: expected an integer between 0 and 1048576, got '200000000'"),
                                 (["--fault", "delay", "--fault", "dely"],
-                                 'fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
+                                 '--fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
                                  'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
-                                 'restart-storm, not "dely"')):
+                                 'restart-storm, not "dely" (nearest: delay)')):
             with self.subTest(words):
                 process = self.launch(*words)
                 out, err = process.communicate(timeout=LIMIT)
@@ -247,7 +250,7 @@ class Program(OnABus):
     def test_reports_where_a_scenario_is_malformed(self):
         file = self.write("bad.json", '{"steps": [\n  {"time": 0, "event": "button", "value": "eject"}\n]}\n')
         self.assertEqual(self.refusal("--scenario", file), f"ipod-simulator: {file}: steps[0].value: "
-                         'expected one of next, pause, play, previous, stop, got "eject"\n')
+                         'expected one of play, pause, stop, next, previous, got "eject"\n')
 
     def test_plays_a_scenario(self):
         file = self.write("short.json", '{"title": "Short", "steps": [{"time": 0.1, "event": "button", "value": "play"}]}')
@@ -394,11 +397,11 @@ class Faults(OnABus):
 
     def test_vectors_are_falsified(self):
         self.start()
-        self.control("Fault", "GetDeviceList", "unterminated", "", "1")
+        self.do("fault", "unterminated@GetDeviceList/1")
         self.assertEqual(self.ask("GetDeviceList"), "(true,)")
         with open("/dev/shm/ListVectorSharedMemory", "rb") as segment:
             self.assertIn(b"x" * 256, segment.read())
-        self.control("Fault", "GetDeviceList", "half-filled", "", "1")
+        self.do("fault", "half-filled@GetDeviceList/1")
         self.assertEqual(self.ask("GetDeviceList"), "(true,)")
 
     def owner(self):
@@ -406,16 +409,16 @@ class Faults(OnABus):
                                "--method", "org.freedesktop.DBus.GetNameOwner", "com.zarn.linux.ipod"],
                               env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
 
-    def until_done(self, method, *arguments):
-        self.assertTrue(within(LIMIT, lambda: self.control(method, *arguments).returncode == 0), (method, *arguments))
+    def until_done(self, *action):
+        self.assertTrue(within(LIMIT, lambda: self.do(*action).returncode == 0), action)
 
     def test_a_restart_storm_gives_way_to_another_and_ends_when_faults_are_cleared(self):
         process = self.start()
         before = self.owner()
         for times in ("10000", "20000", "10000"):
-            self.until_done("Fault", "", "restart-storm", times, "0")
+            self.until_done("fault", f"restart-storm={times}")
             self.assertTrue(within(LIMIT, lambda: self.owner() not in (before, "")))
-        self.until_done("ClearFaults")
+        self.until_done("clear-faults")
         time.sleep(1)
         after = self.owner()
         time.sleep(1)
@@ -425,15 +428,15 @@ class Faults(OnABus):
     def test_calls_of_a_method_that_does_not_exist_are_an_error(self):
         self.start()
         self.assertIn("no method of the interface is named 'getplaystats', the nearest is 'GetPlayStatus'",
-                      self.control("GetCalls", "getplaystats").stderr)
-        self.assertEqual(self.control("GetCalls", "GetPlayStatus").stdout, "(@a(tssavsav) [],)\n")
+                      self.control("Calls", "getplaystats").stderr)
+        self.assertEqual(self.control("Calls", "GetPlayStatus").stdout, "(@a(tssavsav) [],)\n")
 
     def test_are_armed_and_cleared_over_the_bus(self):
         self.start("--fault", "error@GetPlayStatus")
         self.assertEqual(self.ask("GetPlayStatus"), "")
-        self.control("ClearFaults")
+        self.do("clear-faults")
         self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
-        refused = self.control("Fault", "Play", "bad-message", "", "0")
+        refused = self.do("fault", "bad-message@Play")
         self.assertIn("expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play", refused.stderr)
 
 
@@ -443,7 +446,7 @@ class Control(OnABus):
         described = subprocess.run(["gdbus", "introspect", "--session", "--dest", "com.zarn.linux.ipod.Simulator",
                                     "--object-path", "/com/zarn/linux/ipod/simulator"],
                                    env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
-        for member in ("CallSequence", "GetCalls", "Called", "Fault", "RunScenario"):
+        for member in ("Do", "Calls", "ClearCalls", "Called", "ScenarioEnded"):
             self.assertIn(member, described)
 
 
@@ -461,18 +464,19 @@ class FromTheCommandLine(OnABus):
 
     def test_every_event_is_accepted(self):
         self.start()
-        for words in (["call", "--status", "ringing", "--name", "Li Lei", "--conferenced", "--start", "5"],
-                      ["call", "--sequence", "ringing:0.1,active:0.1,disconnected", "--direction", "incoming"],
-                      ["battery", "--level", "80", "--charging"], ["carplay", "on", "--serial", "F17"],
-                      ["carlife", "unsupported"], ["wireless", "on", "--address", "00:11"],
-                      ["pairing", "00:11", "--hex", "0a1b"], ["location", "on"], ["source", "off"], ["app", "com.a"],
-                      ["attach", "Second"], ["detach", "Second"], ["button", "play"], ["eap-data", "1", "--text", "a"],
-                      ["eap-data", "1", "--hex", "00ff"], ["eap-close", "1"], ["calls", "--clear"],
-                      ["fault", "delay=5@Play/1"], ["clear-faults"],
+        data = self.write("data", "from a file")
+        for words in (["call", "ringing", "display-name=Li Lei", "is-conferenced=on", "start-timestamp=5"],
+                      ["call", "sequence=ringing:0.1,active:0.1,disconnected", "direction=incoming"],
+                      ["battery", "80", "charging-status=charging"], ["carplay", "detected", "serial=F17"],
+                      ["carlife", "unsupported"], ["wireless", "on", "address=00:11"],
+                      ["pairing", "00:11", "hex=0a1b"], ["location", "on"], ["source", "off"], ["app", "com.a"],
+                      ["attach", "Second"], ["detach", "name=Second"], ["button", "play"], ["eap-data", "1", "text=a=b"],
+                      ["eap-data", "hex=00ff"], ["eap-data", f"hex=@{data}"], ["eap-close", "1"], ["calls", "--clear"],
+                      ["fault", "delay=5@Play/1"], ["fault", "fault=delay=5@Play/1"], ["clear-faults"],
                       ["scenario", os.path.join(OPTIONS.scenarios, "device-swap.json")]):
             with self.subTest(words):
-                if words[0] == "eap-data" and "--text" in words:
-                    self.assertEqual(self.json("eap-open", "--protocol", "3")["session"], 1)
+                if words[0] == "eap-data" and "1" in words:
+                    self.assertEqual(self.json("eap-open", "protocol=3")["session"], 1)
                 self.assertEqual(self.json(*words), {"verb": f"sim {words[0]}"})
         self.assertEqual(self.ask("GetCarplayDeviceDetectStatus"), "(byte 0x00, 'F17')")
         self.assertEqual(self.ask("GetIpodAppBundleName"), "('com.a',)")
@@ -492,16 +496,49 @@ class FromTheCommandLine(OnABus):
     def test_what_is_wrong_is_told(self):
         self.assertIn("no simulator on the bus; start ipod-simulator", self.ctl("sim", "button", "play", code=4))
         self.start()
-        self.assertIn("expected play, pause", self.ctl("sim", "button", "eject", code=1))
-        self.assertIn("expected one of delay", self.ctl("sim", "fault", "dely", code=1))
-        self.assertIn('a device of that name is attached already', self.ctl("sim", "attach", "Desk iPod", code=1))
-        self.assertEqual(self.ask("GetDeviceAmount"), "(1,)")
-        self.assertIn("steps: expected an array of steps, got nothing", self.ctl("sim", "scenario", self.write("bad.json", "{}"), code=1))
-        for words in (["call", "--sequence", "ringing:x"], ["call", "--sequence", "asleep"], ["carplay", "maybe"],
-                      ["pairing", "a", "--hex", "0"], ["eap-close", "0"], ["fault", "delay/x"],
-                      ["scenario", "/nonexistent"], ["dance"], []):
+        for words, code, expected in (
+                (["button", "eject"], 2, "button: expected one of play, pause, stop, next, previous, got \"eject\""),
+                (["fault", "dely"], 2, "(nearest: delay)"),
+                (["attach", "Desk iPod"], 1, "a device of that name is attached already"),
+                (["scenario", self.write("bad.json", "{}")], 2, "event: expected the name of an action, got nothing"),
+                (["scenario", self.write("typo.json", "{\n\"steps\" []}")], 2, "line 2, column "),
+                (["call", "sequence=ringing:x"], 2, "sequence[0].seconds: expected a number of seconds"),
+                (["call", "sequence=asleep"], 2, "sequence[0].status: expected one of disconnected, sending"),
+                (["carplay", "maybe"], 2, "status: expected one of detected"),
+                (["pairing", "a", "hex=0"], 2, "hex: expected pairs of hexadecimal digits"),
+                (["battery", "level=full"], 2, "level: expected an integer between 0 and 4294967295, got \"full\""),
+                (["battery", "levle=4"], 2, "unknown field 'levle'\nhint: did you mean 'level'?"),
+                (["battery", "1", "level=4"], 2, "level: can be given only once"),
+                (["battery"], 2, "missing field\nhint: try 'ipodctl sim battery --help'"),
+                (["eap-data", "1"], 2, "value: expected either text or hex"),
+                (["eap-close", "0"], 2, "session: expected an integer between 1 and 65535, got 0"),
+                (["eap-close", "7"], 1, "the session is not open"),
+                (["fault", "delay/x"], 2, "expected KIND"), (["dance"], 2, "unknown command 'dance'"),
+                (["scenario", "/nonexistent"], 2, "/nonexistent"), ([], 2, "missing command")):
             with self.subTest(words):
-                self.ctl("sim", *words, code=2)
+                self.assertIn(expected, self.ctl("sim", *words, code=code))
+        self.assertEqual(self.ask("GetDeviceAmount"), "(1,)")
+
+    def test_actions_are_listed_with_what_can_be_typed(self):
+        self.assertIn("\nbattery       Report the state of the battery\n", self.ctl("sim", "actions"))
+        self.assertEqual(self.ctl("sim", "actions", "battery").split(),
+                         ["level="] + [f"charging-status={word}" for word in ("disabled", "charging", "charged", "discharging")])
+        self.assertEqual(self.json("actions", "location")["words"], ["on", "off"])
+        self.assertIn("did you mean 'battery'?", self.ctl("sim", "actions", "batery", code=2))
+
+
+class Documentation(unittest.TestCase):
+    def test_the_guide_lists_the_actions_as_the_schema_does(self):
+        schema = json.loads(subprocess.run([OPTIONS.simulator, "--print-schema"], check=True, capture_output=True,
+                                           text=True, timeout=LIMIT).stdout)
+        with open(OPTIONS.guide, encoding="utf-8") as guide:
+            text = guide.read()
+        for step in schema["properties"]["steps"]["items"]["oneOf"]:
+            name = step["properties"]["event"]["const"]
+            action = schema["$defs"][name]
+            fields = " ".join(f"`{field}`" for field in action["anyOf"][0]["properties"])
+            with self.subTest(name):
+                self.assertIn(f"| `{name}` | {fields}{' ' if fields else ''}| {action['title']} | {action['description']} |\n", text)
 
 
 class Playback(OnABus):
@@ -530,6 +567,7 @@ if __name__ == "__main__":
     parser.add_argument("--ipodctl", required=True)
     parser.add_argument("--schema", required=True)
     parser.add_argument("--scenarios", required=True)
+    parser.add_argument("--guide", required=True, help="docs/simulator.md")
     parser.add_argument("--example", help="a service in a test of its own")
     OPTIONS, REST = parser.parse_known_args()
     with open(OPTIONS.schema, encoding="utf-8") as schema:

@@ -15,10 +15,10 @@ class Simulator:
 
     @staticmethod
     def battery(level):
-        fields = GLib.Variant("(a{sv})", ({"level": GLib.Variant("u", level)},))
+        action = GLib.Variant("(s)", (f'{{"event": "battery", "value": {level}}}',))
         Gio.bus_get_sync(Gio.BusType.SESSION).call_sync(
             "com.zarn.linux.ipod.Simulator", "/com/zarn/linux/ipod/simulator", "com.zarn.linux.ipod.Simulator",
-            "Battery", fields, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
+            "Do", action, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
 
     def hang(self):
         """Returns when it has stopped: until then it may answer."""

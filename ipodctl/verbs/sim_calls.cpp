@@ -1,12 +1,12 @@
-// For tests of applications: what the simulator was asked, what goes wrong, scenarios.
+// The calls that the simulator received.
 #include <ipod_dbus.h>
 
 #include <algorithm>
 #include <cstdint>
 
-#include "output/file.h"
 #include "output/table.h"
 #include "output/text.h"
+#include "session/sim_link.h"
 #include "verbs/sim.h"
 #include "verbs/usage.h"
 
@@ -14,9 +14,6 @@ namespace ctl
 {
 namespace
 {
-// As much as the simulator accepts as a file.
-constexpr std::size_t kMostOfScenario = std::size_t{8} << 20;
-
 struct CallQuery
 {
     std::string method;
@@ -118,7 +115,7 @@ void CheckMethod(const std::string& method)
 Answer ShowCalls(Context& context, const std::string& method)
 {
     CheckMethod(method);
-    const VariantPtr reply = AskSimulator(context.session, "GetCalls", g_variant_new("(s)", method.c_str()));
+    const VariantPtr reply = AskSimulator(context.session, "Calls", g_variant_new("(s)", method.c_str()));
     const VariantPtr entries(g_variant_get_child_value(reply.get(), 0));
     Json calls = Json::array();
     std::vector<std::vector<std::string>> rows;
@@ -140,101 +137,21 @@ Answer ShowCalls(Context& context, const std::string& method)
 Run BuildCalls(CLI::App& app)
 {
     const auto query = Argument<CallQuery>();
-    app.add_option("method", query->method, "Only calls of this method")->check(Utf8());
+    app.add_option("method", query->method, "Only calls of this method");
     app.add_flag("--clear", query->clear, "Forget all calls instead");
-    return [query](Context& context)
+    return [query](Context& context) -> Answer
     {
         if (!query->clear) return ShowCalls(context, query->method);
         AskSimulator(context.session, "ClearCalls", nullptr);
-        return Asked("calls");
+        return {{{"verb", "sim calls"}}, ""};
     };
 }
 
-// KIND[=PARAMETER][@MEMBER][/COUNT]; what it may hold is known to the simulator.
-struct Fault
-{
-    std::string kind;
-    std::string parameter;
-    std::string member;
-    std::uint32_t count = 0;
-};
-
-std::string TakeTail(std::string& text, char separator)
-{
-    const std::size_t at = text.rfind(separator);
-    if (at == std::string::npos) return {};
-    std::string tail = text.substr(at + 1);
-    text.resize(at);
-    return tail;
-}
-
-Fault ToFault(std::string text)
-{
-    Fault fault;
-    if (text.find('/') != std::string::npos)
-    {
-        const std::string whole = text;
-        const auto count = ParseIndex(TakeTail(text, '/'));
-        if (!count) throw Failure(kUsage, "expected KIND[=PARAMETER][@MEMBER][/COUNT], not '" + Printable(whole) + "'");
-        fault.count = static_cast<std::uint32_t>(*count);
-    }
-    fault.member = TakeTail(text, '@');
-    fault.parameter = TakeTail(text, '=');
-    fault.kind = text;
-    return fault;
-}
-
-Run BuildFault(CLI::App& app)
-{
-    const auto text = Argument<std::string>();
-    app.add_option("fault", *text, "KIND[=PARAMETER][@MEMBER][/COUNT]; ipod-simulator(1) lists the kinds")
-        ->required()
-        ->check(Utf8());
-    return [text](Context& context)
-    {
-        const Fault fault = ToFault(*text);
-        AskSimulator(
-            context.session, "Fault",
-            g_variant_new("(sssu)", fault.member.c_str(), fault.kind.c_str(), fault.parameter.c_str(), fault.count));
-        return Asked("fault");
-    };
-}
-
-Run BuildClearFaults(CLI::App&)
-{
-    return [](Context& context)
-    {
-        AskSimulator(context.session, "ClearFaults", nullptr);
-        return Asked("clear-faults");
-    };
-}
-
-Run BuildScenario(CLI::App& app)
-{
-    const auto file = Argument<std::string>();
-    app.add_option("file", *file, "File with the scenario, - for standard input")->required();
-    return [file](Context& context)
-    {
-        const auto bytes = ReadFile(*file, kMostOfScenario);
-        const std::string text(bytes.begin(), bytes.end());
-        if (text.find('\0') != std::string::npos ||
-            g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
-            throw Failure(kUsage, Printable(*file) + " is not valid UTF-8");
-        AskSimulator(context.session, "RunScenario", g_variant_new("(s)", text.c_str()));
-        return Asked("scenario");
-    };
-}
 }  // namespace
 
-std::vector<Verb> SimTestVerbs()
+Verb SimCallsVerb()
 {
-    return {{"calls", "List the calls that the simulator received",
-             "ipodctl sim calls\nipodctl sim calls Play\nipodctl sim calls --clear", BuildCalls},
-            {"fault", "Inject a fault",
-             "ipodctl sim fault delay=500@GetPlayStatus/3\nipodctl sim fault no-reply@Next\n"
-             "ipodctl sim fault restart-storm=5",
-             BuildFault},
-            {"clear-faults", "Remove all injected faults", "ipodctl sim clear-faults", BuildClearFaults},
-            {"scenario", "Play a scenario file", "ipodctl sim scenario drive.json", BuildScenario}};
+    return {"calls", "List the calls that the simulator received",
+            "ipodctl sim calls\nipodctl sim calls Play\nipodctl sim calls --clear", BuildCalls};
 }
 }  // namespace ctl
