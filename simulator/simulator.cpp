@@ -191,6 +191,18 @@ std::string Simulator::Do(const std::string& action, const Value& value)
     return result;
 }
 
+void Simulator::On(const std::string& method, Handler handler)
+{
+    RequireMethod(method);
+    m_host->Do(
+        [&]
+        {
+            auto& handlers = m_host->TheRunning().TheService().handlers;
+            handlers.erase(method);
+            if (handler) handlers.emplace(method, std::move(handler));
+        });
+}
+
 std::vector<Call> Simulator::Calls(const std::string& method) const
 {
     if (!method.empty()) RequireMethod(method);

@@ -15,6 +15,8 @@
 /// signal. Nothing throws but where it is stated.
 #pragma once
 
+#include <ipodsim_script.h>
+
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -127,6 +129,14 @@ public:
     /// Starts a scenario.
     /// @throws std::runtime_error  it is malformed; the message says where, and what was expected
     void RunScenario(const std::string& json);
+
+    /// Lets @p handler answer a method in place of the simulator, whose state the calls then do not change; an empty
+    /// one ends that. The log of calls has them, and no fault applies to them.
+    ///
+    ///     service.On("Next", [](GVariant*) { return ipodsim::Reply::Malformed("('text',)"); });
+    ///
+    /// @throws std::runtime_error  the interface has no such method; the message names the nearest one
+    void On(const std::string& method, Handler handler);
 
     /// @name What it was asked
     /// @{

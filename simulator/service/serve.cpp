@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "faults/falsify.h"
-#include "service/bus.h"
+#include "script/script.h"
 
 namespace ipodsim
 {
@@ -51,6 +51,7 @@ public:
     }
 
     std::string Method() const { return g_dbus_method_invocation_get_method_name(m_invocation); }
+    GVariant* Arguments() const { return g_dbus_method_invocation_get_parameters(m_invocation); }
     bool IsOfService() const
     {
         return g_str_equal(g_dbus_method_invocation_get_interface_name(m_invocation), kInterface) != FALSE;
@@ -62,7 +63,8 @@ public:
         if (!answer.error.empty())
             return g_dbus_method_invocation_return_dbus_error(m_invocation, answer.error.c_str(),
                                                               answer.message.c_str());
-        Send(answer.body.get());
+        // By hand: the ordinary way refuses types that differ from the interface's.
+        SendReply(m_invocation, answer.body.get());
     }
 
     void Drop()
@@ -72,23 +74,10 @@ public:
     }
 
 private:
-    // By hand: the ordinary way refuses types that differ from the interface's.
-    void Send(GVariant* body)
-    {
-        GDBusMessage* const request = g_dbus_method_invocation_get_message(m_invocation);
-        const ObjectPtr<GDBusMessage> reply(g_dbus_message_new_method_reply(request));
-        g_dbus_message_set_body(reply.get(), body);
-        if ((g_dbus_message_get_flags(request) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) == 0)
-            g_dbus_connection_send_message(g_dbus_method_invocation_get_connection(m_invocation), reply.get(),
-                                           G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
-        g_object_unref(m_invocation);
-    }
-
     void Log(const Answer& answer) const
     {
-        GVariant* const arguments = g_dbus_method_invocation_get_parameters(m_invocation);
         LoggedCall call{m_time, g_dbus_method_invocation_get_sender(m_invocation), Method(), {}, answer.error, {}};
-        call.arguments = Own(arguments);
+        call.arguments = Own(Arguments());
         if (!answer.error.empty())
             call.answer = Own(g_variant_new_string(answer.message.c_str()));
         else if (answer.body != nullptr)
@@ -131,11 +120,30 @@ void ReplyWrongly(Service& service, Request request, const Fault& fault, const s
             return request.Reply(answer);
     }
 }
+// The reply that a test prescribes.
+void ReplyByHand(Service& service, Request request, const Handler& handler)
+{
+    Reply reply;
+    Answer answer = CarryOut(
+        [&]
+        {
+            reply = handler(request.Arguments());
+            return reply.never || !reply.error.empty() ? g_variant_new_tuple(nullptr, 0)
+                                                       : BodyOf(reply, request.Method());
+        });
+    if (reply.never) return request.Drop();
+    if (!reply.error.empty()) answer = {nullptr, reply.error, reply.body};
+    if (reply.delayMs != 0) return ReplyLater(service, request, std::move(answer), reply.delayMs);
+    request.Reply(answer);
+}
 }  // namespace
 
 void Serve(Service& service, GDBusMethodInvocation* invocation, const std::function<GVariant*()>& work)
 {
     Request request(service, invocation);
+    const auto handler = service.handlers.find(request.Method());
+    if (request.IsOfService() && handler != service.handlers.end())
+        return ReplyByHand(service, request, handler->second);
     const auto fault = request.IsOfService() ? service.faults->Take(request.Method()) : std::nullopt;
     if (fault) return ReplyWrongly(service, request, *fault, work);
     request.Reply(CarryOut(work));

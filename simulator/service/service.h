@@ -5,8 +5,10 @@
 
 #include <QBXIpodTypes.h>
 #include <ipod_dbus.h>
+#include <ipodsim_script.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -59,6 +61,7 @@ public:
     UnitState unit;
     Agenda agenda;
     CallLog calls;
+    std::map<std::string, Handler> handlers;  ///< of methods that a test answers
     std::shared_ptr<Faults> faults = std::make_shared<Faults>();
 
     /// The database that is browsed; null when no device is attached.

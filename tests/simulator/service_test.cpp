@@ -643,3 +643,43 @@ TEST_F(Service, KeepsWhatItReadWhereItIsTold)
 
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(cache.path), {}), 1);
 }
+
+TEST_F(BuiltinService, LetsATestAnswerAMethodByHand)
+{
+    using ipodsim::Reply;
+    service.On("Seek", [](GVariant* arguments) { return Reply::Error("com.example.Told", ToText(arguments)); });
+    service.On("GetPlayStatus", [](GVariant*) { return Reply::With("(77,)").After(100); });
+    service.On("Next", [](GVariant*) { return Reply::Malformed("('text', 1)"); });
+    service.On("Pause", [](GVariant*) { return Reply::With("('not of the contract',)"); });
+    service.On("Stop", [](GVariant*) { return Reply::Never(); });
+
+    EXPECT_EQ(client.Ask("Seek", g_variant_new("(i)", 5)), "error com.example.Told: (5,)");
+    const gint64 begin = g_get_monotonic_time();
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(77,)");
+    EXPECT_GE(g_get_monotonic_time() - begin, 100000);
+    EXPECT_EQ(client.Ask("Next"), "('text', 1)");
+    EXPECT_THAT(client.Ask("Pause"), HasSubstr("is not a value of type (b)"));
+    EXPECT_THAT(client.Ask("Stop", nullptr, 100), HasSubstr("Timeout"));
+    EXPECT_EQ(service.Calls("Seek")[0].error, "com.example.Told");
+    EXPECT_EQ(service.Calls("Next")[0].answer, "('text', 1)");
+    EXPECT_EQ(service.Calls("Stop")[0].answer, "");
+    service.On("GetPlayStatus", nullptr);
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
+    EXPECT_THROW(service.On("GetPlayState", nullptr), std::runtime_error);
+}
+
+TEST_F(Service, DoesNothingButWhatAScriptPrescribes)
+{
+    ipodsim::ScriptedService service;
+    Client client;
+    service.On("Seek",
+               [](GVariant* arguments) { return ipodsim::Reply::Error("com.example.Told", ToText(arguments)); });
+    service.On("Play", [](GVariant*) { return ipodsim::Reply::With("(true,)").After(100); });
+    service.On("Next", [](GVariant*) -> ipodsim::Reply { throw std::runtime_error("thrown"); });
+
+    EXPECT_EQ(client.Ask("Seek", g_variant_new("(i)", 5)), "error com.example.Told: (5,)");
+    EXPECT_EQ(client.Ask("Play", g_variant_new("(y)", guchar{3})), "(true,)");
+    EXPECT_EQ(client.Ask("Next"), "error com.example.Broken: thrown");
+    EXPECT_EQ(client.Ask("Pause"), "error com.example.NotTold: Pause");
+    EXPECT_THAT(service.Calls(), ElementsAre("Seek(5,)", "Play(0x03,)", "Next()", "Pause()"));
+}

@@ -146,7 +146,8 @@ private:
             return true;
         }
         if (!TakeOne(m_nonsense)) return false;
-        test::FakeService::ReplyInvalid(invocation, m_nonsense % 2 == 0 ? "('text', 1)" : "(<'text'>,)");
+        test::FakeService::Respond(invocation,
+                                   ipodsim::Reply::Malformed(m_nonsense % 2 == 0 ? "('text', 1)" : "(<'text'>,)"));
         return true;
     }
 

@@ -1,0 +1,149 @@
+/// @file
+/// Answers by hand. Simulator::On() takes single methods over while the simulator plays along; a ScriptedService does
+/// nothing but what the test prescribes:
+///
+///     ipodsim::ScriptedService service;
+///     service.Answer("GetPlayStatus", "(1,)");
+///     service.On("Play", [](GVariant*) { return ipodsim::Reply::Malformed("('text',)").After(500); });
+///     … the client calls …
+///     service.Calls();  // {"GetPlayStatus()", "Play(0x03,)"}
+///     service.Emit("OnPlayStatusChanged", "(2,)");
+///
+/// Bodies are GVariant text, in the types of the bus contract unless stated otherwise.
+#pragma once
+
+#include <gio/gio.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace ipodsim
+{
+/// The reply to one call.
+struct Reply
+{
+    /// A body such as "(true,)".
+    static Reply With(std::string body);
+    /// A body of any type, also one that the contract does not allow, such as "('text', 1)".
+    static Reply Malformed(std::string body);
+    static Reply Error(std::string name, std::string message);
+    /// No reply at all: the caller times out.
+    static Reply Never();
+
+    /// The same, sent so much later. Other calls are answered meanwhile.
+    Reply After(unsigned milliseconds) const;
+
+    std::string body;   ///< or the message of the error
+    std::string error;  ///< name of an error; empty for a body
+    bool malformed = false;
+    bool never = false;
+    unsigned delayMs = 0;
+};
+
+/// Answers a call. It is called on the service's thread; the arguments are a tuple that stays the caller's. What it
+/// throws becomes an error.
+using Handler = std::function<Reply(GVariant* arguments)>;
+
+/// A service on a thread and a bus connection of its own, without music, state, and shared memory. A method that it was
+/// not told how to answer fails. All members may be called from any thread.
+class ScriptedService
+{
+public:
+    /// What to do with a call. Runs on the service's thread and takes the invocation over.
+    using Reaction = std::function<void(GDBusMethodInvocation*)>;
+
+    enum class Takeover
+    {
+        No,
+        Yes,  ///< takes the name away from the service that owns it, which stays connected
+    };
+
+    /// Connects to the session bus of the environment, exports the object and owns the name. The process ends if that
+    /// fails.
+    explicit ScriptedService(Takeover takeover = Takeover::No);
+    ~ScriptedService();
+    ScriptedService(const ScriptedService&) = delete;
+    ScriptedService& operator=(const ScriptedService&) = delete;
+
+    void On(const std::string& method, Handler handler);
+
+    /// Answers with a body such as "(true,)".
+    void Answer(const std::string& method, const std::string& body);
+
+    /// Answers with the error com.example.Broken.
+    void Fail(const std::string& method, const std::string& message);
+
+    /// Answers with a body whose type the contract does not allow, such as "('text', 1)".
+    void AnswerInvalid(const std::string& method, const std::string& body);
+
+    /// Leaves calls unanswered until AnswerHeld().
+    void Hold(const std::string& method);
+
+    /// Answers the calls that were held back.
+    void AnswerHeld(const std::string& body);
+
+    /// For what On() cannot express, such as work after the reply.
+    void React(const std::string& method, Reaction reaction);
+
+    /// Sends the reply to one call; for reactions.
+    static void Respond(GDBusMethodInvocation* invocation, const Reply& reply);
+
+    /// "Seek(12,)" for each call so far: the method and its arguments as GVariant text.
+    std::vector<std::string> Calls() const;
+
+    /// Records calls no longer: for services that serve for hours.
+    void KeepNoCalls();
+
+    /// The arguments of the last call; release with g_variant_unref().
+    GVariant* LastArguments() const;
+
+    /// False when no call came within 20 seconds.
+    bool WaitForCalls(std::size_t count) const;
+
+    /// Sends a signal with a body such as "(1,)".
+    void Emit(const std::string& signal, const std::string& body);
+
+    /// Sends a signal with any body, also one that the contract does not allow. Takes a floating reference.
+    void EmitBody(const std::string& signal, GVariant* body);
+
+    /// Returns when everything that was sent has left the process.
+    void Flush();
+
+    /// Gives the name up, but stays connected.
+    void ReleaseName();
+
+    /// Leaves the bus, as if its process had died. Held calls never get an answer.
+    void Vanish();
+
+    std::string UniqueName() const;
+
+private:
+    static void OnMethodCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
+                             GVariant* arguments, GDBusMethodInvocation* invocation, gpointer self);
+    void Run();
+    void Connect();
+    void CallBus(const char* method, GVariant* arguments);
+    void Record(const gchar* method, GVariant* arguments);
+    Reaction ReactionTo(const std::string& method) const;
+
+    const guint m_nameFlags;
+    GMainContext* m_context;
+    std::atomic<bool> m_keepingCalls{true};
+    std::atomic<bool> m_vanishing{false};  // a loop would forget that it was told to quit before it ran
+    GDBusConnection* m_connection = nullptr;
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    bool m_ready = false;
+    std::map<std::string, Reaction> m_reactions;
+    std::vector<GDBusMethodInvocation*> m_held;
+    std::vector<std::string> m_calls;
+    GVariant* m_lastArguments = nullptr;
+    std::thread m_thread;
+};
+}  // namespace ipodsim
