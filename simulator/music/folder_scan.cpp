@@ -9,13 +9,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <set>
 #include <system_error>
 #include <utility>
 
-#include "music/bytes_io.h"
 #include "music/picture.h"
 #include "music/text.h"
 
@@ -169,16 +169,18 @@ FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string&
 
 std::uint64_t Fingerprint(const FolderScan& scan)
 {
-    ByteWriter all;
+    // Paths have no NUL in them.
+    std::string all;
+    const auto add = [&all](const std::string& text) { all.append(text).append(1, '\0'); };
     for (const auto* files : {&scan.files, &scan.playlists})
         for (const ScannedFile& file : *files)
         {
-            all.Put(file.path);
-            all.Put(file.mark.modified);
-            all.Put(file.mark.size);
+            add(file.path);
+            add(std::to_string(file.mark.modified));
+            add(std::to_string(file.mark.size));
         }
-    for (const ScannedFolder& folder : scan.folders) all.Put(folder.picture);
-    return Fingerprint(all.Bytes());
+    for (const ScannedFolder& folder : scan.folders) add(folder.picture);
+    return Fingerprint(all);
 }
 
 bool LooksLikeAudio(const std::string& name)

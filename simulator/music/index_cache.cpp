@@ -2,56 +2,56 @@
 
 #include <glib.h>
 
-#include <algorithm>
-#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <sstream>
+#include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
-#include "music/bytes_io.h"
+#include "music/text.h"
 
 namespace ipodsim
 {
 namespace
 {
+using Json = nlohmann::json;
+
 // The number changes with everything that changes what is kept of a file: another layout, another reading.
-constexpr char kMagic[] = "ipod-simulator index 4\n";
+constexpr char kMagic[] = "ipod-simulator index 5\n";
+constexpr std::size_t kSealSize = sizeof(std::uint64_t);
 
-void Put(ByteWriter& out, const Track& track)
+// The fingerprint as the bytes at the end of a file.
+std::string SealOf(std::string_view text)
 {
-    for (const std::string* text : {&track.title, &track.artist, &track.album, &track.genre, &track.readings.title,
-                                    &track.readings.artist, &track.readings.album, &track.readings.genre})
-        out.Put(*text);
-    out.Put(static_cast<std::int32_t>(track.number));
-    out.Put(static_cast<std::int32_t>(track.lengthMs));
-    out.Put(static_cast<std::uint8_t>(track.hasPicture ? 1 : 0));
-    out.Put(static_cast<std::uint8_t>(track.pictureTooLarge ? 1 : 0));
+    const std::uint64_t fingerprint = Fingerprint(text);
+    std::string seal(kSealSize, '\0');
+    std::memcpy(seal.data(), &fingerprint, kSealSize);
+    return seal;
 }
 
-TrackPtr TakeTrack(ByteReader& in, const std::string& file)
+Json ToJson(const Track& track)
 {
-    auto taken = std::make_shared<Track>();
-    Track& track = *taken;
-    track.file = file;
-    for (std::string* text : {&track.title, &track.artist, &track.album, &track.genre, &track.readings.title,
-                              &track.readings.artist, &track.readings.album, &track.readings.genre})
-        *text = in.TakeText();
-    track.number = in.Take<std::int32_t>();
-    track.lengthMs = in.Take<std::int32_t>();
-    track.hasPicture = in.Take<std::uint8_t>() != 0;
-    track.pictureTooLarge = in.Take<std::uint8_t>() != 0;
-    return taken;
+    const Readings& readings = track.readings;
+    return {track.title,    track.artist,   track.album,  track.genre,    readings.title,   readings.artist,
+            readings.album, readings.genre, track.number, track.lengthMs, track.hasPicture, track.pictureTooLarge};
 }
 
-// Its fingerprint at the end of a text.
-std::string Sealed(const std::string& text)
+TrackPtr ToTrack(const Json& values, const std::string& file)
 {
-    ByteWriter seal;
-    seal.Put(Fingerprint(text));
-    return text + seal.Bytes();
+    auto track = std::make_shared<Track>();
+    std::size_t next = 0;
+    track->file = file;
+    for (std::string* text : {&track->title, &track->artist, &track->album, &track->genre, &track->readings.title,
+                              &track->readings.artist, &track->readings.album, &track->readings.genre})
+        *text = values.at(next++).get_ref<const std::string&>();
+    for (int* number : {&track->number, &track->lengthMs}) *number = values.at(next++);
+    for (bool* is : {&track->hasPicture, &track->pictureTooLarge}) *is = values.at(next++);
+    return track;
 }
 }  // namespace
 
@@ -81,21 +81,18 @@ void IndexCache::Load()
 void IndexCache::Parse(const std::string& bytes)
 {
     const std::string_view magic(kMagic);
-    if (bytes.size() < magic.size() + 8 || bytes.compare(0, magic.size(), magic) != 0)
+    if (bytes.size() < magic.size() + kSealSize || bytes.compare(0, magic.size(), magic) != 0)
         throw std::out_of_range("no index");
-    const std::string_view sealed(bytes.data(), bytes.size() - 8);
-    if (Fingerprint(sealed) != ByteReader(std::string_view(bytes).substr(sealed.size())).Take<std::uint64_t>())
-        throw std::out_of_range("damaged");
-    ByteReader in(sealed.substr(magic.size()));
-    const auto count = in.Take<std::uint64_t>();
-    m_known.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(count, bytes.size())));
-    for (std::uint64_t i = 0; i < count; ++i)
+    const std::string_view sealed(bytes.data(), bytes.size() - kSealSize);
+    if (bytes.compare(sealed.size(), kSealSize, SealOf(sealed)) != 0) throw std::out_of_range("damaged");
+    // One value after the other: the document of all takes as much memory as the library.
+    std::istringstream in(std::string(sealed.substr(magic.size())));
+    while (in.peek() != std::istringstream::traits_type::eof())
     {
-        std::string path = in.TakeText();
-        Known known;
-        known.mark = {in.Take<std::int64_t>(), in.Take<std::uint64_t>()};
-        if (in.Take<std::uint8_t>() != 0) known.track = TakeTrack(in, path);
-        m_known.emplace(std::move(path), std::move(known));
+        const Json file = Json::from_cbor(in, false);
+        const std::string path = file.at(0);
+        const TrackPtr track = file.at(3).is_null() ? nullptr : ToTrack(file.at(3), path);
+        m_known.emplace(path, Known{{file.at(1), file.at(2)}, track});
     }
 }
 
@@ -117,21 +114,14 @@ const TrackPtr* IndexCache::Put(const ScannedFile& file, TrackPtr track)
 
 std::string IndexCache::Serialise(Unused unused) const
 {
-    const auto stays = [unused](const Known& known) { return known.used || unused == Unused::Keep; };
-    std::uint64_t count = 0;
-    for (const auto& [path, known] : m_known) count += stays(known) ? 1 : 0;
-    ByteWriter out;
-    out.Put(count);
+    std::string bytes = kMagic;
     for (const auto& [path, known] : m_known)
     {
-        if (!stays(known)) continue;
-        out.Put(path);
-        out.Put(known.mark.modified);
-        out.Put(known.mark.size);
-        out.Put(static_cast<std::uint8_t>(known.track ? 1 : 0));
-        if (known.track) ipodsim::Put(out, *known.track);
+        if (!known.used && unused == Unused::Forget) continue;
+        const Json track = known.track ? ToJson(*known.track) : Json();
+        Json::to_cbor({path, known.mark.modified, known.mark.size, track}, bytes);
     }
-    return Sealed(kMagic + out.Bytes());
+    return bytes + SealOf(bytes);
 }
 
 void IndexCache::Save(Unused unused)

@@ -56,4 +56,11 @@ bool IsAscii(std::string_view text)
 {
     return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
+
+std::uint64_t Fingerprint(std::string_view text)
+{
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    return hash;
+}
 }  // namespace ipodsim

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -22,4 +23,7 @@ std::string ToLowerAscii(std::string text);
 
 /// Whether there is nothing but ASCII in it.
 bool IsAscii(std::string_view text);
+
+/// FNV-1a of 64 bits: a different number for nearly every text.
+std::uint64_t Fingerprint(std::string_view text);
 }  // namespace ipodsim
