@@ -14,10 +14,9 @@
 #include <system_error>
 
 #include "actions/scenario.h"
-#include "option_checks.h"
+#include "command_line.h"
 #include "printable.h"
 #include "progress_bar.h"
-#include "usage_error.h"
 
 namespace
 {

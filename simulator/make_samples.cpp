@@ -3,9 +3,8 @@
 #include <cstdio>
 #include <string>
 
-#include "printable.h"
+#include "command_line.h"
 #include "samples/samples.h"
-#include "usage_error.h"
 
 int main(int argc, char** argv)
 {

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "music/device_folders.h"
+#include "music/folder_scan.h"
 #include "music/folder_watch.h"
 #include "music/index_cache.h"
 #include "service/service.h"

@@ -3,9 +3,7 @@
 #include <exception>
 #include <utility>
 
-#include "faults/crash.h"
-#include "faults/signal_faults.h"
-#include "music/builtin_library.h"
+#include "faults/falsify.h"
 #include "music/music_library.h"
 #include "service/requests.h"
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "faults/faults.h"
-#include "music/builtin_library.h"
+#include "music/music_library.h"
 #include "service/requests.h"
 
 namespace ipodsim::effects

@@ -1,9 +1,8 @@
-#include "music/builtin_library.h"
+#include "music/music_library.h"
 
 #include <future>
 
 #include "music/cover.h"
-#include "music/music_library.h"
 
 namespace ipodsim
 {

@@ -153,6 +153,25 @@ private:
     FolderScan m_scan;
     std::set<std::pair<dev_t, ino_t>> m_seen;  // breaks loops of links
 };
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> NamesIn(const std::string& root)
+{
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator at(root, error), end; !error && at != end; at.increment(error))
+        names.push_back(at->path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool IsDevice(const std::string& root, const std::string& name)
+{
+    std::error_code error;
+    const fs::path path = fs::path(root) / name;
+    return name.front() != '.' && fs::is_directory(path, error) && !fs::equivalent(path, root, error);
+}
 }  // namespace
 
 FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
@@ -187,5 +206,21 @@ bool LooksLikeAudio(const std::string& name)
 {
     static const TagLib::StringList extensions = TagLib::FileRef::defaultFileExtensions();
     return extensions.contains(TagLib::String(Extension(name), TagLib::String::UTF8));
+}
+
+std::vector<DeviceFolder> DeviceFoldersOf(const std::string& root, const std::string& ownName, bool oneDevice)
+{
+    if (std::error_code error; !fs::is_directory(root, error)) return {};
+    if (oneDevice) return {{root, ownName, Depth::Everything}};
+    std::vector<DeviceFolder> devices;
+    bool hasMusic = false;
+    for (const std::string& name : NamesIn(root))
+    {
+        const bool isDevice = IsDevice(root, name);
+        if (isDevice) devices.push_back({root + "/" + name, CleanName(name, "Music"), Depth::Everything});
+        hasMusic = hasMusic || (!isDevice && name.front() != '.' && LooksLikeAudio(name));
+    }
+    if (hasMusic || devices.empty()) devices.insert(devices.begin(), {root, ownName, Depth::TopOnly});
+    return devices;
 }
 }  // namespace ipodsim

@@ -1,5 +1,5 @@
 /// @file
-/// A music library read from a folder.
+/// Music libraries: read from a folder, or built in.
 #pragma once
 
 #include <string>
@@ -24,4 +24,7 @@ void Finish(Library& library);
 
 /// For example "24 songs, 9 artists, 9 albums".
 std::string Summarise(const Library& library);
+
+/// 24 invented tracks of nine artists, some of them Chinese, with covers that are drawn at the call.
+Library BuiltinLibrary();
 }  // namespace ipodsim

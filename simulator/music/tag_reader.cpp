@@ -12,6 +12,7 @@
 #include <taglib/mpcfile.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
+#include <taglib/tfilestream.h>
 #include <taglib/tpropertymap.h>
 #include <taglib/trueaudiofile.h>
 #include <taglib/wavfile.h>
@@ -19,10 +20,11 @@
 #include <taglib/xiphcomment.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstddef>
 #include <filesystem>
 #include <utility>
 
-#include "music/bounded_stream.h"
 #include "music/picture.h"
 #include "music/text.h"
 
@@ -30,6 +32,36 @@ namespace ipodsim
 {
 namespace
 {
+// Looking for the first frame, TagLib reads a file to its end, which takes minutes for gigabytes without one. This
+// stream ends early instead. It opens the file for reading only: closing a file that could have been written counts as
+// a change of its folder.
+class BoundedStream : public TagLib::FileStream
+{
+public:
+    // @param cancelled  ends the stream when it becomes true; may be null
+    BoundedStream(const char* file, const std::atomic<bool>* cancelled) : FileStream(file, true), m_cancelled(cancelled)
+    {
+    }
+
+    TagLib::ByteVector readBlock(unsigned long length) override
+    {
+        const TagLib::ByteVector block = FileStream::readBlock(Ended() ? 0 : std::min(length, m_left));
+        m_left -= block.size();
+        return block;
+    }
+    // A backward search goes on to the start of the file, whatever it reads.
+    void seek(long offset, Position from) override
+    {
+        if (!Ended()) FileStream::seek(offset, from);
+    }
+
+private:
+    bool Ended() const { return m_left == 0 || (m_cancelled != nullptr && *m_cancelled); }
+
+    unsigned long m_left = 32UL << 20U;  // tags and their pictures are smaller
+    const std::atomic<bool>* m_cancelled;
+};
+
 Bytes ToBytes(const TagLib::ByteVector& bytes)
 {
     return {bytes.begin(), bytes.end()};

@@ -4,15 +4,27 @@
 
 #include <gio/gio.h>
 
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "service/serve.h"
+#include "service/service.h"
 
 namespace ipodsim
 {
+/// The arguments of a request are not valid; the reply is org.freedesktop.DBus.Error.InvalidArgs.
+class InvalidRequest : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// @param work  carries the request out and returns the body of the reply, floating; what it throws becomes an error
+void Serve(Service& service, GDBusMethodInvocation* invocation, const std::function<GVariant*()>& work);
+
 /// One method of an interface: the skeleton's signal and what is connected to it.
 struct MethodRow
 {

@@ -2,6 +2,7 @@
 /// The accessory sessions that are open.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <set>
 
@@ -16,7 +17,15 @@ public:
     bool Announced() const { return m_announced; }
 
     /// Opens a session and returns its number; 0 when all are in use.
-    std::uint16_t Open();
+    std::uint16_t Open()
+    {
+        constexpr std::size_t kSessions = 65535;
+        if (m_open.size() >= kSessions) return 0;
+        do m_last = m_last == kSessions ? std::uint16_t{1} : static_cast<std::uint16_t>(m_last + 1);
+        while (IsOpen(m_last));
+        m_open.insert(m_last);
+        return m_last;
+    }
     /// False when the session is not open.
     bool Close(std::uint16_t session) { return m_open.erase(session) != 0; }
     bool IsOpen(std::uint16_t session) const { return m_open.count(session) != 0; }

@@ -1,4 +1,4 @@
-#include "service/serve.h"
+#include "service/answer.h"
 
 #include <memory>
 #include <string>

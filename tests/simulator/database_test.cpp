@@ -6,7 +6,6 @@
 #include <map>
 #include <set>
 
-#include "music/builtin_library.h"
 #include "music/music_library.h"
 #include "music/picture.h"
 #include "tracks.h"

@@ -1,4 +1,4 @@
-#include "music/device_folders.h"
+#include "music/folder_scan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "option_checks.h"
+#include "command_line.h"
 
 #include <glib.h>
 
