@@ -12,7 +12,7 @@ namespace ipodsim
 namespace
 {
 using Schema = nlohmann::ordered_json;
-constexpr std::uint64_t kWeek = 7 * 24 * 3600;
+constexpr std::uint64_t kWeek = std::uint64_t{7} * 24 * 3600;
 
 std::string Listed(const std::vector<std::string>& names)
 {
