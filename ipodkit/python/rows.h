@@ -78,16 +78,16 @@ void AddProperties(Class& type, const Reach& reach)
         [&](const auto& row)
         {
             using Field = FieldType<T, std::decay_t<decltype(row)>>;
+            const auto get = row.get;
+            const auto field = [reach, get](const auto& value) -> decltype(auto)
+            { return std::invoke(get, reach(value)); };
             if constexpr (kHasRows<Field>)
             {
-                if (*row.name == '\0')
-                    return AddProperties<Field>(type, [reach, get = row.get](const auto& value) -> const auto&
-                                                { return std::invoke(get, reach(value)); });
+                if (*row.name == '\0') return AddProperties<Field>(type, field);
             }
             const std::string doc = std::string(row.meaning) + ".";
-            type.def_property_readonly(
-                row.name, [reach, get = row.get](const typename Class::type& value)
-                { return ToObject(std::invoke(get, reach(value))); }, doc.c_str());
+            const auto read = [field](const typename Class::type& value) { return ToObject(field(value)); };
+            type.def_property_readonly(row.name, read, doc.c_str());
         });
 }
 

@@ -75,7 +75,7 @@ public:
 
     Subscription OnClosed(std::string name, std::function<void()> callback);
 
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     explicit AccessorySession(std::shared_ptr<Impl> impl) : m_impl(std::move(impl)) {}
 
 private:
@@ -99,7 +99,7 @@ public:
     Subscription OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback);
 
 private:
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     std::shared_ptr<Impl> m_impl;
     Subscription m_listening;
     Subscription m_watching;

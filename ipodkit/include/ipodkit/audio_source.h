@@ -88,7 +88,7 @@ public:
     Subscription OnTransition(std::string name, std::function<void(const AudioTransition&)> callback);
 
 private:
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     std::shared_ptr<Impl> m_impl;
     Subscription m_listening;
     Subscription m_watching;

@@ -54,7 +54,7 @@ using FieldType = std::decay_t<std::invoke_result_t<decltype(Row::get), const T&
 template <class Row>
 std::string JsonName(const Row& row)
 {
-    const std::string unit = row.unit;
+    std::string unit = row.unit;
     if (unit == "hex") return unit;
     return unit == "ms" ? std::string(row.name) + "_ms" : row.name;
 }

@@ -111,7 +111,7 @@ public:
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     std::shared_ptr<Impl> m_impl;
 };
 }  // namespace ipodkit

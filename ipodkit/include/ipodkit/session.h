@@ -103,7 +103,7 @@ public:
     /// @}
 
     /// What the parts of the companion share; for them only.
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     const std::shared_ptr<Impl>& Inside() const { return m_impl; }
 
 private:

@@ -69,7 +69,7 @@ public:
     void Run();
 
 private:
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     std::unique_ptr<Impl> m_impl;
 };
 }  // namespace ipodkit

@@ -12,8 +12,7 @@ std::size_t RoomForAccessoryBytes()
 }
 
 /// Follows the sessions of the state: which ones are open is decided there.
-class __attribute__((visibility("hidden"))) AccessoryPort::Impl
-    : public std::enable_shared_from_this<AccessoryPort::Impl>
+class AccessoryPort::Impl : public std::enable_shared_from_this<AccessoryPort::Impl>
 {
 public:
     Impl(std::shared_ptr<Session::Impl> session, const AccessoryOptions& options)

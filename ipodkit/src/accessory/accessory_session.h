@@ -12,8 +12,7 @@
 namespace ipodkit
 {
 /// Context thread only.
-class __attribute__((visibility("hidden"))) AccessorySession::Impl
-    : public std::enable_shared_from_this<AccessorySession::Impl>
+class AccessorySession::Impl : public std::enable_shared_from_this<AccessorySession::Impl>
 {
 public:
     Impl(std::shared_ptr<Session::Impl> session, const AccessoryOptions& options, std::uint16_t number,

@@ -27,7 +27,7 @@ const char* Name(AudioState state)
     return names[static_cast<int>(state)];
 }
 
-class __attribute__((visibility("hidden"))) AudioSource::Impl : public std::enable_shared_from_this<AudioSource::Impl>
+class AudioSource::Impl : public std::enable_shared_from_this<AudioSource::Impl>
 {
 public:
     Impl(std::shared_ptr<Session::Impl> session, int number) : m_session(std::move(session)), m_number(number) {}

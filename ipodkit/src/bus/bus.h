@@ -27,7 +27,7 @@ namespace detail
 ///
 /// Send() and SendAndWait() may be called on any thread, OnFollowed() before they are; the rest on the thread of the
 /// context.
-class __attribute__((visibility("hidden"))) Bus : public std::enable_shared_from_this<Bus>
+class Bus : public std::enable_shared_from_this<Bus>
 {
 public:
     using Serial = std::uint64_t;

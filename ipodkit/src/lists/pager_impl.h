@@ -15,7 +15,7 @@
 namespace ipodkit
 {
 /// Context thread only, but for what makes requests.
-class __attribute__((visibility("hidden"))) Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
+class Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
 {
 public:
     using Names = std::vector<std::string>;

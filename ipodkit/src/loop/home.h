@@ -14,7 +14,7 @@
 namespace ipodkit::detail
 {
 /// Any thread may use it.
-class __attribute__((visibility("hidden"))) Home
+class Home
 {
 public:
     /// Until the context runs, it counts as that of the calling thread.

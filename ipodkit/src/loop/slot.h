@@ -24,7 +24,7 @@ namespace detail
 ///
 /// What is registered is let go when the registration ends, or, when its own callback ends it, as soon as that has
 /// returned. The lock is free by then: what a callback holds may want other locks when it goes.
-class __attribute__((visibility("hidden"))) Slot
+class Slot
 {
 public:
     Slot(std::string name, std::shared_ptr<void> target) : m_name(std::move(name)), m_target(std::move(target)) {}

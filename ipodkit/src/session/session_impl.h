@@ -16,7 +16,7 @@
 namespace ipodkit
 {
 /// Context thread only, where it says nothing else.
-class __attribute__((visibility("hidden"))) Session::Impl : public std::enable_shared_from_this<Session::Impl>
+class Session::Impl : public std::enable_shared_from_this<Session::Impl>
 {
 public:
     explicit Impl(const SessionOptions& options);

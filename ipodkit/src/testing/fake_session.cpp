@@ -51,7 +51,7 @@ std::string TextOf(const Call& call)
 }
 }  // namespace
 
-class __attribute__((visibility("hidden"))) FakeSession::Impl
+class FakeSession::Impl
 {
 public:
     explicit Impl(const SessionOptions& options) : inside(std::make_shared<Session::Impl>(AtOnce(options)))
