@@ -316,6 +316,7 @@ TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
+    const boost::interprocess::remove_shared_memory_on_destroy removed("Reference");
     QBXSharedSegment reference(boost::interprocess::create_only, "Reference", kBufferSegmentSize);
     QBXByteVector* appended = nullptr;
     for (const char* name : {"VecArtworkBufferShareMemory", "VecArtworkChangeBufferShareMemory",

@@ -205,6 +205,8 @@ TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)
 {
     QBX_GetIpodPlayer();
 
+    const boost::interprocess::remove_shared_memory_on_destroy lists("lists");
+    const boost::interprocess::remove_shared_memory_on_destroy buffers("buffers");
     MakeAsAService<QBXStringPageVector>("lists", kListSegmentSize, kListVectors);
     MakeAsAService<QBXByteVector>("buffers", kBufferSegmentSize, kBufferVectors);
     EXPECT_EQ(BytesOfSegment("lists", kListVectors), BytesOfSegment(kListSegmentName, kListVectors));
