@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <utility>
 
 #include "lists/pager_impl.h"
@@ -21,7 +23,7 @@ void Pager::Impl::Walk::Add(const Page& page)
 {
     const auto begin = page.names.begin() + (next - page.first);
     const auto wanted = std::min<std::int64_t>(page.names.end() - begin, std::int64_t{last} - next + 1);
-    names.insert(names.end(), begin, begin + wanted);
+    names.insert(names.end(), begin, begin + static_cast<std::ptrdiff_t>(wanted));
     next += static_cast<int>(wanted);
 }
 
