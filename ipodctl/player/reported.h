@@ -8,8 +8,8 @@
 
 namespace ctl
 {
-/// The fields that every service knows and this one did not report, and why; empty when it reported them all, or there
-/// is no device.
+/// Lists the fields that every service supports and this one did not report, with the reason. Empty if it reported all
+/// of them, or if no device is attached.
 /// @throws Failure  it reported nothing
 std::string NotReported(const ipodkit::PlayerState& state);
 

@@ -26,9 +26,9 @@ struct Kind
 };
 
 const Kind kKinds[] = {
-    {ErrorKind::NoBus, "NO_BUS", &PyExc_ConnectionError, "There is no session bus, or it went away."},
+    {ErrorKind::NoBus, "NO_BUS", &PyExc_ConnectionError, "No session bus is available, or its connection was closed."},
     {ErrorKind::NoService, "NO_SERVICE", &PyExc_ConnectionError, "Nobody owns the service's name."},
-    {ErrorKind::ServiceLost, "SERVICE_LOST", &PyExc_ConnectionError, "The service went away before it answered."},
+    {ErrorKind::ServiceLost, "SERVICE_LOST", &PyExc_ConnectionError, "The service exited before it answered."},
     {ErrorKind::TimedOut, "TIMED_OUT", &PyExc_TimeoutError, "No answer within the deadline."},
     {ErrorKind::Refused, "REFUSED", nullptr, "The service answered with an error, or with false."},
     {ErrorKind::BadReply, "BAD_REPLY", nullptr, "The answer is not what the contract allows."},

@@ -51,7 +51,7 @@ struct Action
     const char* summary;        ///< begins with an imperative verb
     const char* follows;        ///< the signal of the service, or what else happens
     const char* example;        ///< the arguments of ipodctl sim
-    std::vector<Field> fields;  ///< the value of the first may stand in place of the object
+    std::vector<Field> fields;  ///< a value that is not an object is that of the first field
     StepValue value;
     /// @param value  validated: an object, words replaced by their numbers
     /// @return       what the caller learns; null for nothing

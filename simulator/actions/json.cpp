@@ -17,7 +17,7 @@ std::string Shown(const Json& value)
     return text;
 }
 
-// "[json.exception...] parse error at line 2, column 5: what is wrong" without what people need not know.
+// Removes the exception ID from "[json.exception...] parse error at line 2, column 5: reason".
 std::string ForPeople(const std::string& message)
 {
     const std::size_t line = message.find("line ");

@@ -55,7 +55,7 @@ using Handler = std::function<Reply(GVariant* arguments)>;
 class ScriptedService
 {
 public:
-    /// What to do with a call. Runs on the service's thread and takes the invocation over.
+    /// What to do with a call. Runs on the service's thread and takes ownership of the invocation.
     using Reaction = std::function<void(GDBusMethodInvocation*)>;
 
     enum class Takeover

@@ -31,7 +31,7 @@ public:
     void Send(const std::string& line);
     void Signal(int number);
 
-    /// Suspends it with SIGSTOP; returns when it stands still.
+    /// Suspends it with SIGSTOP; returns once it has stopped.
     void Stop();
 
     /// Kills it and waits until it is gone.

@@ -41,7 +41,7 @@ protected:
     std::unique_ptr<Tasks> tasks = std::make_unique<Tasks>();
 };
 
-// Notes that the frame it stands in was destroyed.
+// Records the destruction of the coroutine frame that contains it.
 struct Witness
 {
     explicit Witness(bool& flag) : destroyed(flag) {}

@@ -21,7 +21,7 @@ iPodBattery_t ToCore(const Battery& battery);
 /// Calls the operation of a core listener that corresponds to the event.
 void Deliver(const Event& event, IQBXIpodPlayerListener& listener);
 
-/// Session::OnEvent() for a listener of the core, which stays the caller's; end the subscription before it goes away.
+/// Session::OnEvent() for a listener of the core, owned by the caller: end the subscription before destroying it.
 Subscription Listen(Session& session, std::string name, IQBXIpodPlayerListener& listener);
 }  // namespace ipodkit
 

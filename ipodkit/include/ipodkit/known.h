@@ -20,7 +20,7 @@ enum class Unknown : int
     NotReported,   ///< the service has not reported it yet
     Refused,       ///< the service answered the request with an error, or with something that is not valid
     TimedOut,      ///< the service has not answered within the deadline; the answer is still awaited
-    NoDevice,      ///< there is no device that it could belong to
+    NoDevice,      ///< no device is attached
     NotSupported,  ///< the service does not know the request
 };
 template <>
@@ -51,7 +51,7 @@ public:
     const T& value() const { return m_value.value(); }
     T value_or(T otherwise) const { return m_value.value_or(std::move(otherwise)); }
 
-    /// Why there is no value. Only for unknown ones.
+    /// Returns the reason of an unknown value. Meaningless for a known one.
     Unknown Why() const { return m_why; }
 
     /// The error that the service answered with. Null when the value is known, or there was no such answer.

@@ -53,7 +53,7 @@ public:
     /// Blocks. Iterates a context of its own only.
     Result<Body> SendAndWait(const Call& call);
 
-    /// Calls go to @p responder from now on; there is no connection.
+    /// Sends all calls to @p responder instead of the bus.
     void AnswerBy(Responder responder) { m_responder = std::move(responder); }
 
     /// The answer to a call; ignored when it has completed.

@@ -44,7 +44,7 @@ void Pager::Impl::Fetch<T>::Arrived(const Result<T>& result) const
 
 Error Pager::Impl::NoSuchEntry(int index)
 {
-    return {ErrorKind::BadArgument, "there is no entry " + std::to_string(index)};
+    return {ErrorKind::BadArgument, "entry " + std::to_string(index) + " does not exist"};
 }
 
 Pager::Impl::Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const PagerOptions& options)
@@ -111,7 +111,7 @@ void Pager::Impl::Forget(const Error& error)
     m_reads->FailBegun(error);
 }
 
-// An answer that belongs to what was forgotten meanwhile, or to a list that became another one, is dropped: the
+// Drops an answer that belongs to forgotten state or to a list that has been replaced: the
 // requests that waited for it have completed.
 template <class T>
 void Pager::Impl::InTurn(Request<T> request, std::function<bool()> wanted,

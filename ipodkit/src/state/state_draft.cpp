@@ -28,7 +28,7 @@ void Merge(T& known, const T& reported)
         });
 }
 
-// What belongs to a device, and is unknown without one.
+// The fields that describe the device or its media. They are unknown while no device is attached.
 constexpr Fields kOfDevice = Field::Track | Field::TrackIndex | Field::Position | Field::QueueSize | Field::Artwork |
                              Field::DeviceName | Field::ForegroundApp | Field::Battery;
 
