@@ -78,12 +78,14 @@ std::function<void(const ipodkit::Result<T>&)> Walker::Asked(std::function<void(
 void Walker::BeginStep()
 {
     ++*m_step;
+    m_opening = false;
     m_moving = true;
 }
 
 void Walker::Stop()
 {
     ++*m_step;
+    m_opening = false;
     m_moving = false;
     m_reading = false;
     m_askedAt.reset();
@@ -258,7 +260,7 @@ void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
 
 void Walker::Back()
 {
-    if (m_moving) return;
+    if (IsMoving()) return;
     if (m_model.AtRoot()) return Say("this is the top; Ctrl-C quits");
     m_rejoined = 0;
     ForgetTheWay();
@@ -274,10 +276,10 @@ void Walker::Back()
 
 void Walker::Open(int entry)
 {
-    if (m_moving || m_model.Current().names.At(entry) == nullptr) return;
+    if (IsMoving() || m_model.Current().names.At(entry) == nullptr) return;
     m_rejoined = 0;
     ForgetTheWay();
-    m_moving = true;
+    m_opening = true;
     m_check.Refresh();
     m_check.At(entry).Start(Asked<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
                                                     { EntryChecked(entry, page); }));
@@ -286,6 +288,7 @@ void Walker::Open(int entry)
 // The size of the level is checked by the page: asking for an entry that is not there is a mistake.
 void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& page)
 {
+    m_opening = false;
     const std::string* const name = m_model.Current().names.At(entry);
     const bool answered = page || page.error().kind == ipodkit::ErrorKind::BadReply ||
                           page.error().kind == ipodkit::ErrorKind::BadArgument;
@@ -293,7 +296,6 @@ void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& pa
     if (!page || name == nullptr || !Belongs(**page) || (*page)->At(entry) != *name)
         return Rejoin("another program changed the level");
     if ((*page)->folders) return Descend(entry, std::string(*name), {});
-    m_moving = false;
     m_play(entry);
 }
 

@@ -45,7 +45,7 @@ public:
     void Back();
 
     /// Whether the level is about to become another one: what is typed now is meant for that one.
-    bool IsMoving() const { return m_moving; }
+    bool IsMoving() const { return m_moving || m_opening; }
 
     /// When the service was asked what it has not answered yet.
     const std::optional<Time>& AskedAt() const { return m_askedAt; }
@@ -93,6 +93,7 @@ private:
     // Grows with each change of level: what was asked for before does not count any more. Ends with the walker.
     std::shared_ptr<unsigned> m_step = std::make_shared<unsigned>(0);
     bool m_moving = true;  // until the root is reached for the first time
+    bool m_opening = false;  // an entry is being checked; reading its level goes on meanwhile
     bool m_reading = false;
     std::optional<Time> m_askedAt;
     int m_rejoined = 0;  // in a row, without the user in between

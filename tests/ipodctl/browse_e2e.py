@@ -137,6 +137,13 @@ class WithTheSimulator(InATerminal):
         terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
         self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
 
+    def test_keys_wait_for_an_entry_to_open_while_its_level_is_still_read(self):
+        terminal = self.start()
+        self.sees(terminal, "Playlists/", "Songs/")
+        self.happen("fault", "delay=150@GetCurDbListItems")
+        terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
+        self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
+
     def test_it_goes_back_to_where_it_was(self):
         terminal = self.in_artists()
         terminal.type("zjl" + ENTER)

@@ -165,7 +165,7 @@ void Pager::Impl::CountWanted(Waiter<int> waiter)
 {
     if (m_count) return waiter.arrived(*m_count);
     const bool fresh = !m_counting || !m_counting->Wanted();
-    if (fresh) m_counting.emplace();
+    if (fresh) m_counting = Fetch<int>{};
     m_counting->waiters.push_back(std::move(waiter));
     if (!fresh) return;
     InTurn<int>(
