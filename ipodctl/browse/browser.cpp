@@ -31,7 +31,7 @@ Browser::Browser(ipodkit::Session& session, Screen& screen, const SuspendSignal&
       m_audio(session, 0),
       m_walker(
           session, m_model, [this] { Changed(); }, [this](int entry) { Play(entry); }),
-      m_connection(session.OnConnection("browse", [this](const ipodkit::Connection& now) { ConnectionIs(now); })),
+      m_connection(session.OnConnection("browse", [this](const ipodkit::Connection& now) { ConnectionChanged(now); })),
       m_state(session.OnState("browse",
                               [this](const ipodkit::StatePtr& state, ipodkit::Fields)
                               {
@@ -42,7 +42,7 @@ Browser::Browser(ipodkit::Session& session, Screen& screen, const SuspendSignal&
     AddSources();
 }
 
-// What still arrives meanwhile finds nobody.
+// Resetting m_self first drops the answers that arrive during destruction.
 Browser::~Browser()
 {
     m_self.reset();
@@ -54,16 +54,16 @@ Browser::~Browser()
     g_main_loop_unref(m_loop);
 }
 
-// No exception may pass through the layers in between.
+// GLib is C: an exception must not unwind through its frames. Run() rethrows it.
 void Browser::Guard(const std::function<void()>& function)
 {
     try
     {
-        if (m_thrown == nullptr) function();
+        if (m_exception == nullptr) function();
     }
     catch (...)
     {
-        m_thrown = std::current_exception();
+        m_exception = std::current_exception();
         Quit();
     }
 }
@@ -98,7 +98,7 @@ void Browser::Run()
 {
     Resize();
     g_main_loop_run(m_loop);
-    if (m_thrown != nullptr) std::rethrow_exception(m_thrown);
+    if (m_exception != nullptr) std::rethrow_exception(m_exception);
 }
 
 void Browser::Quit()
@@ -114,15 +114,15 @@ void Browser::Resize()
     Paint();
 }
 
-// Painting takes the terminal again.
+// The next paint switches back to the alternate screen.
 void Browser::Suspend()
 {
-    m_screen.GiveBack();
+    m_screen.Release();
     m_suspend.Obey();
     Resize();
 }
 
-// The position of what plays moves on by itself.
+// The playback position is extrapolated, so the screen changes without an event.
 void Browser::Tick()
 {
     m_model.Tick(Now());
@@ -135,48 +135,49 @@ void Browser::ReadKeys()
     Changed();
 }
 
-// What is typed faster than the service answers waits for what it is meant for.
-void Browser::FollowKeys()
+// Keys typed ahead wait until the list they refer to is shown.
+void Browser::ProcessKeys()
 {
     while (!m_keys.empty() && !m_walker.IsMoving() && !(m_walker.IsReading() && m_model.NeedsIndex(m_keys.front())))
     {
         const KeyPress press = m_keys.front();
         m_keys.pop_front();
-        Fulfil(m_model.Press(press, Now()));
+        Perform(m_model.Press(press, Now()));
     }
 }
 
-void Browser::Fulfil(const Wish& wish)
+void Browser::Perform(const Action& action)
 {
-    switch (wish.what)
+    switch (action.kind)
     {
-        case Wish::What::Open:
-            return m_walker.Open(wish.entry);
-        case Wish::What::Back:
+        case Action::Kind::Open:
+            return m_walker.Open(action.entry);
+        case Action::Kind::Back:
             return m_walker.Back();
-        case Wish::What::Reload:
-            m_screen.Forget();
+        case Action::Kind::Reload:
+            m_screen.RedrawAll();
             m_shown.clear();
             return m_walker.Reload();
-        case Wish::What::TogglePause:
+        case Action::Kind::TogglePause:
             return TogglePause();
-        case Wish::What::Next:
-            return m_session.Commands().Next().Start(Report("the service did not move on"));
-        case Wish::What::Previous:
-            return m_session.Commands().Previous().Start(Report("the service did not move back"));
+        case Action::Kind::Next:
+            return m_session.Commands().Next().Start(ReportFailure("the service did not skip to the next track"));
+        case Action::Kind::Previous:
+            return m_session.Commands().Previous().Start(
+                ReportFailure("the service did not return to the previous track"));
         default:
             return;
     }
 }
 
-void Browser::Say(const std::string& message)
+void Browser::ShowMessage(const std::string& message)
 {
-    m_model.Say(message, Now());
+    m_model.ShowMessage(message, Now());
     Changed();
 }
 
-// An answer that worked shows by itself.
-Browser::Done Browser::Report(const char* refusal)
+// Success needs no message: the state shows it.
+Browser::Done Browser::ReportFailure(const char* refusal)
 {
     BeginWaiting();
     return [weak = std::weak_ptr<Browser*>(m_self), refusal](const ipodkit::Result<void>& done)
@@ -184,25 +185,25 @@ Browser::Done Browser::Report(const char* refusal)
         const auto self = weak.lock();
         if (self == nullptr) return;
         (*self)->EndWaiting();
-        if (!done && !IsOfNoService(done.error())) (*self)->Say(ToFailure(done.error(), refusal).what());
+        if (!done && !IsOfNoService(done.error())) (*self)->ShowMessage(ToFailure(done.error(), refusal).what());
     };
 }
 
 void Browser::BeginWaiting()
 {
-    if (m_unanswered++ == 0) m_askedAt = Now();
+    if (m_unanswered++ == 0) m_waitingSince = Now();
 }
 
 void Browser::EndWaiting()
 {
-    if (--m_unanswered == 0) m_askedAt.reset();
+    if (--m_unanswered == 0) m_waitingSince.reset();
 }
 
-// Like an application of the unit: no sound without the source.
-bool Browser::TakeAudioSource()
+// As in any application of the head unit, playback requires the audio source.
+bool Browser::AcquireAudioSource()
 {
     const ipodkit::Result<void> granted = m_audio.Request();
-    if (!granted) Say(granted.error().reason);
+    if (!granted) ShowMessage(granted.error().reason);
     if (m_audio.State() == ipodkit::AudioState::Granted) m_audio.Activated(0);
     return granted.has_value();
 }
@@ -210,18 +211,18 @@ bool Browser::TakeAudioSource()
 void Browser::TogglePause()
 {
     if (m_model.state->status == ipodkit::PlayStatus::Playing)
-        m_session.Commands().Pause().Start(Report("the service did not pause"));
-    else if (TakeAudioSource())
-        m_audio.Play().Start(Report(kNotPlayed));
+        m_session.Commands().Pause().Start(ReportFailure("the service did not pause"));
+    else if (AcquireAudioSource())
+        m_audio.Play().Start(ReportFailure(kNotPlayed));
 }
 
 void Browser::Play(int entry)
 {
-    if (TakeAudioSource()) m_session.Commands().PlayDatabaseEntry(entry).Start(Report(kNotPlayed));
+    if (AcquireAudioSource()) m_session.Commands().PlayDatabaseEntry(entry).Start(ReportFailure(kNotPlayed));
 }
 
-// Without the bus nothing will ever come back.
-void Browser::ConnectionIs(const ipodkit::Connection& connection)
+// A lost bus connection cannot be restored.
+void Browser::ConnectionChanged(const ipodkit::Connection& connection)
 {
     const ipodkit::Phase before = m_model.connection.phase;
     m_model.connection = connection;
@@ -236,7 +237,7 @@ void Browser::ConnectionIs(const ipodkit::Connection& connection)
     Changed();
 }
 
-// Many changes at once are painted once.
+// An idle source merges many changes into one paint.
 void Browser::Changed()
 {
     if (m_painting == 0) m_painting = g_idle_add_full(G_PRIORITY_HIGH_IDLE, &OnPaint, this, nullptr);
@@ -249,7 +250,7 @@ gboolean Browser::OnPaint(gpointer browser)
     self.Guard(
         [&self]
         {
-            self.FollowKeys();
+            self.ProcessKeys();
             self.Paint();
         });
     return G_SOURCE_REMOVE;
@@ -257,7 +258,7 @@ gboolean Browser::OnPaint(gpointer browser)
 
 void Browser::Paint()
 {
-    m_model.waitingSince = m_walker.AskedAt() ? m_walker.AskedAt() : m_askedAt;
+    m_model.waitingSince = m_walker.WaitingSince() ? m_walker.WaitingSince() : m_waitingSince;
     Frame frame = Draw(m_model, m_screen.Rows(), m_screen.Columns(), Now());
     if (frame == m_shown) return;
     m_screen.Paint(frame);

@@ -1,5 +1,5 @@
 /// @file
-/// The browser: brings together the user's keys, the service's answers and events, and the screen.
+/// The browser: connects keys, service events, and the screen.
 #pragma once
 
 #include <glib.h>
@@ -25,8 +25,8 @@ public:
     Browser(const Browser&) = delete;
     Browser& operator=(const Browser&) = delete;
 
-    /// Until the user quits, the terminal goes away or the program is asked to terminate.
-    /// @throws Failure  kServiceLost: the bus went away
+    /// Runs the main loop until the user quits, the terminal hangs up, or a termination signal arrives.
+    /// @throws Failure  kServiceLost: the bus closed the connection
     void Run();
 
 private:
@@ -44,32 +44,32 @@ private:
     void Suspend();
     void Tick();
     void ReadKeys();
-    void FollowKeys();
-    void Fulfil(const Wish& wish);
+    void ProcessKeys();
+    void Perform(const Action& action);
     void TogglePause();
     void Play(int entry);
-    bool TakeAudioSource();
-    Done Report(const char* refusal);
+    bool AcquireAudioSource();
+    Done ReportFailure(const char* refusal);
     void BeginWaiting();
     void EndWaiting();
-    void ConnectionIs(const ipodkit::Connection& connection);
+    void ConnectionChanged(const ipodkit::Connection& connection);
     void Changed();
     void Paint();
-    void Say(const std::string& message);
+    void ShowMessage(const std::string& message);
 
     ipodkit::Session& m_session;
     Screen& m_screen;
     const SuspendSignal& m_suspend;
     Model m_model;
     Frame m_shown;
-    std::deque<KeyPress> m_keys;  // typed ahead
-    unsigned m_painting = 0;      // the source that will paint, when there is something new
-    std::exception_ptr m_thrown;
+    std::deque<KeyPress> m_keys;  // not processed yet
+    unsigned m_painting = 0;      // the idle source that will paint; 0 if none is pending
+    std::exception_ptr m_exception;
     int m_unanswered = 0;
-    std::optional<Time> m_askedAt;  // the first of those
+    std::optional<Time> m_waitingSince;  // start of the oldest unanswered command
     GMainLoop* m_loop;
     std::vector<unsigned> m_sources;
-    std::shared_ptr<Browser*> m_self;  // for answers that come when it is gone
+    std::shared_ptr<Browser*> m_self;  // expires with the browser, so late answers are dropped
     ipodkit::AudioSource m_audio;
     Walker m_walker;
     ipodkit::Subscription m_connection;

@@ -11,58 +11,58 @@ namespace ctl::browse
 {
 namespace
 {
-constexpr std::array kMistakes{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGSYS};
+constexpr std::array kCrashSignals{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGSYS};
 
-// What the handler needs is made before: it may call next to nothing.
-std::array<struct sigaction, kMistakes.size()> earlier;
+// Prepared in advance: a signal handler may call only async-signal-safe functions.
+std::array<struct sigaction, kCrashSignals.size()> previousActions;
 termios modes;
-bool modesKnown = false;
-std::array<char, 256> farewell;
-std::size_t farewellLength = 0;
+bool haveModes = false;
+std::array<char, 256> resetSequence;
+std::size_t resetLength = 0;
 
-// For a handler that runs because the usual stack is full.
-std::array<char, 65536> otherStack;
-stack_t earlierStack;
+// Lets the handler run after a stack overflow.
+std::array<char, 65536> alternateStack;
+stack_t previousStack;
 
 void RestoreHandlers()
 {
-    for (std::size_t i = 0; i < kMistakes.size(); ++i) sigaction(kMistakes[i], &earlier[i], nullptr);
+    for (std::size_t i = 0; i < kCrashSignals.size(); ++i) sigaction(kCrashSignals[i], &previousActions[i], nullptr);
 }
 
-void OnMistake(int signal)
+void OnCrashSignal(int signal)
 {
     RestoreHandlers();
-    [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, farewell.data(), farewellLength);
-    if (modesKnown) tcsetattr(STDIN_FILENO, TCSANOW, &modes);
+    [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, resetSequence.data(), resetLength);
+    if (haveModes) tcsetattr(STDIN_FILENO, TCSANOW, &modes);
     raise(signal);
 }
 }  // namespace
 
 CrashGuard::CrashGuard()
 {
-    modesKnown = tcgetattr(STDIN_FILENO, &modes) == 0;
-    farewellLength = 0;
+    haveModes = tcgetattr(STDIN_FILENO, &modes) == 0;
+    resetLength = 0;
     stack_t stack{};
-    stack.ss_sp = otherStack.data();
-    stack.ss_size = otherStack.size();
-    sigaltstack(&stack, &earlierStack);
+    stack.ss_sp = alternateStack.data();
+    stack.ss_size = alternateStack.size();
+    sigaltstack(&stack, &previousStack);
     struct sigaction action
     {
     };
-    action.sa_handler = OnMistake;
+    action.sa_handler = OnCrashSignal;
     action.sa_flags = SA_NODEFER | SA_ONSTACK;
-    for (std::size_t i = 0; i < kMistakes.size(); ++i) sigaction(kMistakes[i], &action, &earlier[i]);
+    for (std::size_t i = 0; i < kCrashSignals.size(); ++i) sigaction(kCrashSignals[i], &action, &previousActions[i]);
 }
 
 CrashGuard::~CrashGuard()
 {
     RestoreHandlers();
-    sigaltstack(&earlierStack, nullptr);
+    sigaltstack(&previousStack, nullptr);
 }
 
-void CrashGuard::SendAtCrash(std::string_view text)
+void CrashGuard::SetResetSequence(std::string_view text)
 {
-    farewellLength = std::min(text.size(), farewell.size());
-    std::copy_n(text.begin(), farewellLength, farewell.begin());
+    resetLength = std::min(text.size(), resetSequence.size());
+    std::copy_n(text.begin(), resetLength, resetSequence.begin());
 }
 }  // namespace ctl::browse

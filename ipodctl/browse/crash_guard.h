@@ -1,14 +1,14 @@
 /// @file
-/// Gives the terminal back also when the program is ended by its own mistake.
+/// Restores the terminal if the program crashes.
 #pragma once
 
 #include <string_view>
 
 namespace ctl::browse
 {
-/// Between construction and destruction, the signals that end a program for a mistake restore the modes that the
-/// terminal had at construction, then do what they always do. Also when the stack of the thread that constructed it
-/// overflows. One at a time.
+/// While an instance exists, a crash signal (SIGSEGV, SIGABRT, …) restores the terminal modes saved at construction and
+/// is then raised again with its previous action. Works on stack overflow of the constructing thread, too. At most one
+/// instance may exist at a time.
 class CrashGuard
 {
 public:
@@ -17,7 +17,7 @@ public:
     CrashGuard(const CrashGuard&) = delete;
     CrashGuard& operator=(const CrashGuard&) = delete;
 
-    /// What the terminal must be sent, known only once its type is.
-    static void SendAtCrash(std::string_view text);
+    /// Sets the bytes that reset the terminal, at most 256. They depend on its type, which is known only later.
+    static void SetResetSequence(std::string_view text);
 };
 }  // namespace ctl::browse

@@ -11,13 +11,13 @@ namespace
 {
 constexpr int kMargin = 2;
 constexpr int kReadingGap = 3;
-constexpr int kLeastForReading = 40;
+constexpr int kMinColumnsForReading = 40;
 
 struct ListArea
 {
     const Model& model;
-    int columns;        // of the text
-    int readingColumn;  // 0 when there is no room
+    int columns;        // without the scroll bar
+    int readingColumn;  // 0 if the screen is too narrow
 };
 
 std::string NameOf(const Model& model, int entry)
@@ -43,11 +43,11 @@ int WidestName(const Model& model)
     return widest;
 }
 
-ListArea AreaOf(const Model& model, int columns)
+ListArea ListAreaFor(const Model& model, int columns)
 {
     const int text = columns - 1;
     const int beside = kMargin + std::min(WidestName(model), text * 3 / 5) + kReadingGap;
-    return {model, text, columns >= kLeastForReading ? beside : 0};
+    return {model, text, columns >= kMinColumnsForReading ? beside : 0};
 }
 
 Line EntryLine(const ListArea& area, int entry, bool selected)
@@ -76,7 +76,7 @@ void AddScrollBar(Frame& list, const Model& model, int columns)
 Frame ListLines(const Model& model, int height, int columns)
 {
     Frame lines(static_cast<std::size_t>(height));
-    const ListArea area = AreaOf(model, columns);
+    const ListArea area = ListAreaFor(model, columns);
     const ListCursor& cursor = model.Cursor();
     for (int row = 0; row < height; ++row)
     {
@@ -87,7 +87,8 @@ Frame ListLines(const Model& model, int height, int columns)
     AddScrollBar(lines, model, columns);
     return lines;
 }
-// What does not fit is cut, what is outside is dropped.
+
+// Cuts spans at the right edge and drops those outside.
 Line Clipped(const Line& line, int columns)
 {
     Line clipped;

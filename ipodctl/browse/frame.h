@@ -1,5 +1,5 @@
 /// @file
-/// The screen as lines of text, whatever the terminal is. Pure.
+/// Renders the model to lines of styled text, independent of the terminal.
 #pragma once
 
 #include <string>
@@ -20,7 +20,7 @@ enum class Style
     Warning,
 };
 
-/// Printable text from a column on.
+/// Printable text that starts at a column.
 struct Span
 {
     int column;
@@ -35,15 +35,15 @@ struct Span
 
 using Line = std::vector<Span>;
 
-/// One line for each row of the screen, none wider than it.
+/// One line per screen row, none wider than the screen.
 using Frame = std::vector<Line>;
 
-/// Rows that remain for the list on a screen of so many.
+/// Returns how many of @p rows screen rows the list gets.
 int ListRows(int rows);
 
-/// The screen at a moment. Any size is fine; on a small one the least important is left out.
+/// Renders the screen at time @p now. Any size works; a small screen omits the least important lines.
 Frame Draw(const Model& model, int rows, int columns, Time now);
 
-/// A name as every terminal shows it in the same width: printable, and without what joins or recolours emoji.
+/// Returns @p name in a form that has the same width on every terminal: printable, without emoji joiners and modifiers.
 std::string CellText(std::string_view name);
 }  // namespace ctl::browse

@@ -12,14 +12,14 @@ namespace
 {
 constexpr std::string_view kArrow = " \xE2\x80\xBA ";
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
-constexpr int kLeastForBar = 50;
-constexpr int kLeastForLength = 30;
-constexpr int kLeastForTable = 70;
+constexpr int kMinColumnsForBar = 50;
+constexpr int kMinColumnsForDuration = 30;
+constexpr int kMinColumnsForTable = 70;
 constexpr int kHelpColumn = 30;
 constexpr char kWaiting[] = "waiting for the service\xE2\x80\xA6";
 
-// Most answers come sooner: it would only flicker.
-constexpr std::chrono::seconds kPatience{1};
+// Most answers arrive sooner; showing the text at once would make it flicker.
+constexpr std::chrono::seconds kWaitingDelay{1};
 
 struct HelpEntry
 {
@@ -29,13 +29,13 @@ struct HelpEntry
 
 constexpr HelpEntry kHelp[] = {
     {"Up Down PgUp PgDn Home End", "move"},
-    {"Enter, Right", "enter a folder; play from a song on"},
+    {"Enter, Right", "open a folder, or play from this song on"},
     {"Left, Backspace, Esc", "go back"},
-    {"a-z 0-9", "jump to a name, by its pinyin or initials too: zjl"},
-    {"/", "list only what matches; Enter opens, Esc ends"},
-    {"Space", "pause, go on"},
+    {"a-z 0-9", "jump to a name (also by pinyin or initials: zjl)"},
+    {"/", "show matching names only; Enter opens, Esc cancels"},
+    {"Space", "pause, resume"},
     {"< >", "previous track, next track"},
-    {"Ctrl-L", "read everything again"},
+    {"Ctrl-L", "reload"},
     {"Ctrl-Z, Ctrl-C", "suspend, quit"},
 };
 static_assert(std::size(kHelp) == Model::kHelpLines);
@@ -46,7 +46,7 @@ struct Hint
     const char* text;
 };
 
-// In the order in which they are given up when there is no room.
+// Most important first: the last ones are dropped on a narrow screen.
 constexpr Hint kHints[] = {{"^C", "quit"},  {"?", "help"},         {"Enter", "open"}, {"\xE2\x86\x90", "back"},
                            {"/", "search"}, {"a-z", "jump (zjl)"}, {"Space", "pause"}};
 
@@ -71,7 +71,7 @@ std::string PathText(const Model& model)
     return path;
 }
 
-// The end of a path says more than its beginning.
+// Keeps the end of the path, which identifies the level.
 std::string CutFront(std::string_view text, int width)
 {
     if (Width(text) <= width) return std::string(text);
@@ -80,15 +80,15 @@ std::string CutFront(std::string_view text, int width)
     return std::string(kEllipsis) + std::string(text);
 }
 
-std::string PlaceText(const Model& model)
+std::string PositionText(const Model& model)
 {
     const int rows = model.Rows();
     const LevelNames& names = model.Current().names;
     if (!model.Current().counted) return model.Current().unreadable ? "?" : "\xE2\x80\xA6";
-    const std::string more = model.Searching() && static_cast<std::size_t>(rows) >= Model::kMostMatches ? "+" : "";
+    const std::string more = model.Searching() && static_cast<std::size_t>(rows) >= Model::kMaxMatches ? "+" : "";
     std::string place = std::to_string(rows == 0 ? 0 : model.Cursor().at + 1) + "/" + std::to_string(rows) + more;
     if (names.Complete() || names.Count() == 0 || model.Current().unreadable) return place;
-    return place + "  " + std::to_string(static_cast<long long>(names.Arrived()) * 100 / names.Count()) + " %";
+    return place + "  " + std::to_string(static_cast<long long>(names.Loaded()) * 100 / names.Count()) + " %";
 }
 
 const char* Symbol(const ipodkit::Known<ipodkit::PlayStatus>& status)
@@ -115,7 +115,7 @@ bool HasTrack(const ipodkit::PlayerState& state)
 
 std::string TrackText(const ipodkit::PlayerState& state)
 {
-    if (!HasTrack(state)) return "nothing plays";
+    if (!HasTrack(state)) return "not playing";
     const std::string title = state.track->title.empty() ? "(no title)" : CellText(state.track->title);
     return state.track->artist.empty() ? title : title + " - " + CellText(state.track->artist);
 }
@@ -123,11 +123,11 @@ std::string TrackText(const ipodkit::PlayerState& state)
 std::string WarningText(const ipodkit::Connection& connection)
 {
     const bool lost = connection.phase == ipodkit::Phase::Lost;
-    const std::string text = lost ? "the service went away; waiting for it" : "connecting to the service";
+    const std::string text = lost ? "service lost; waiting for it to return" : "connecting to the service";
     return connection.error ? text + ": " + connection.error->reason : text;
 }
 
-// A thick line for what has been played, a thin one for the rest.
+// A thick line up to the position, a thin one for the rest.
 Line ProgressSpans(int column, int width, long long position, long long duration)
 {
     const int done = duration > 0 ? static_cast<int>(std::clamp(position, 0LL, duration) * width / duration) : 0;
@@ -138,17 +138,17 @@ Line ProgressSpans(int column, int width, long long position, long long duration
     return {{column, thick, Style::Playing}, {column + done, thin, Style::Dim}};
 }
 
-// At the right of the line; returns the column where it begins.
+// Adds position and progress bar, right-aligned; returns their first column.
 int AddPosition(Line& line, const ipodkit::PlayerState& state, int columns, Time now)
 {
     if (!state.position || !HasTrack(state)) return columns;
     const long long position = state.position->At(now).count();
     const long long duration = state.position->duration.count();
     std::string times = Clock(static_cast<int>(position));
-    if (columns >= kLeastForLength && duration > 0) times += " / " + Clock(static_cast<int>(duration));
+    if (columns >= kMinColumnsForDuration && duration > 0) times += " / " + Clock(static_cast<int>(duration));
     const int column = columns - Width(times) - 1;
     line.push_back({column, times, Style::Plain});
-    if (columns < kLeastForBar) return column;
+    if (columns < kMinColumnsForBar) return column;
     const int width = std::clamp(columns / 3, 10, 40);
     for (Span& span : ProgressSpans(column - width - 1, width, position, duration)) line.push_back(std::move(span));
     return column - width - 1;
@@ -162,17 +162,16 @@ std::string PromptText(const Model& model)
 
 bool IsWaiting(const Model& model, Time now)
 {
-    return model.waitingSince && now - *model.waitingSince >= kPatience &&
+    return model.waitingSince && now - *model.waitingSince >= kWaitingDelay &&
            model.connection.phase == ipodkit::Phase::Ready;
 }
 
-// What came of it.
-std::string OutcomeText(const Model& model, Time now)
+std::string ResultText(const Model& model, Time now)
 {
     const Level& level = model.Current();
-    if (model.Searching() && model.Searching()->query.empty()) return "type a part of a name; Esc ends";
+    if (model.Searching() && model.Searching()->query.empty()) return "type part of a name; Esc cancels";
     if (!level.index && IsWaiting(model, now)) return kWaiting;
-    if (!level.index) return "reading the names";
+    if (!level.index) return "loading names";
     const bool matches = model.Searching() ? !model.Searching()->found.empty() : model.Jumping()->matches;
     if (!matches) return "no match";
     return model.Searching() ? Count(model.Rows(), "match", "matches") : "";
@@ -183,7 +182,7 @@ Line PromptLine(const Model& model, int columns, Time now)
     const std::string prompt = CutFront(PromptText(model), columns - 1);
     const int column = Width(prompt) + 3;
     Line line{{1, prompt, Style::Strong}};
-    line.push_back({column, OutcomeText(model, now), Style::Dim});
+    line.push_back({column, ResultText(model, now), Style::Dim});
     return line;
 }
 
@@ -222,7 +221,7 @@ bool IsForeign(std::string_view name)
 
 Line TitleLine(const Model& model, int columns)
 {
-    const std::string place = PlaceText(model);
+    const std::string place = PositionText(model);
     const int room = columns - Width(place) - 3;
     if (room < 1) return {{0, Pad(CutFront(PathText(model), columns), columns), Style::Title}};
     return {{0, " " + Pad(CutFront(PathText(model), room), room + 1) + place + " ", Style::Title}};
@@ -231,7 +230,7 @@ Line TitleLine(const Model& model, int columns)
 Line EmptyLine(const Model& model)
 {
     const Level& level = model.Current();
-    if (!level.counted) return {{1, level.unreadable ? "(could not be read)" : "", Style::Dim}};
+    if (!level.counted) return {{1, level.unreadable ? "(cannot be read)" : "", Style::Dim}};
     return {{1, level.names.Count() == 0 ? "(empty)" : "", Style::Dim}};
 }
 
@@ -242,7 +241,7 @@ Frame HelpLines(int first, int height, int columns)
     for (int row = 0; row < height && top + row < Model::kHelpLines; ++row)
     {
         const HelpEntry& entry = kHelp[top + row];
-        const int column = columns >= kLeastForTable ? kHelpColumn : Width(entry.keys) + 3;
+        const int column = columns >= kMinColumnsForTable ? kHelpColumn : Width(entry.keys) + 3;
         lines[static_cast<std::size_t>(row)] = {{1, entry.keys, Style::Strong}, {column, entry.text, Style::Plain}};
     }
     return lines;
@@ -264,8 +263,7 @@ Line FootLine(const Model& model, int columns, Time now)
     if (!model.Message().empty()) return {{1, Printable(model.Message()), Style::Warning}};
     if (model.Searching() || model.Jumping()) return PromptLine(model, columns, now);
     if (IsWaiting(model, now)) return {{1, kWaiting, Style::Dim}};
-    if (model.Current().unreadable)
-        return {{1, "the list could not be read to its end; Ctrl-L tries again", Style::Warning}};
+    if (model.Current().unreadable) return {{1, "the list is incomplete; press Ctrl-L to retry", Style::Warning}};
     return HintLine(columns);
 }
 }  // namespace ctl::browse

@@ -1,25 +1,25 @@
 /// @file
-/// The lines around the list, and the texts in it. They may be wider than the screen.
+/// The lines around the list and the texts in it. Draw() clips them to the screen.
 #pragma once
 
 #include "browse/frame.h"
 
 namespace ctl::browse
 {
-/// Whether a name has letters that many keyboards lack: its reading helps.
+/// Returns whether @p name contains non-Latin letters, so that a reading helps to type it.
 bool IsForeign(std::string_view name);
 
-/// Where one is: the path, and the place in the list.
+/// The path of the current level and the position in the list.
 Line TitleLine(const Model& model, int columns);
 
-/// Why the list is empty.
+/// Explains an empty list.
 Line EmptyLine(const Model& model);
 
 Frame HelpLines(int first, int height, int columns);
 
-/// What plays, or what is wrong with the service.
+/// The current track, or the state of the connection if it is not ready.
 Line PlayingLine(const Model& model, int columns, Time now);
 
-/// What is typed, a message, what is wrong with the list, or the keys.
+/// A message, the prompt, a warning about the list, or the key hints, in this order of priority.
 Line FootLine(const Model& model, int columns, Time now);
 }  // namespace ctl::browse

@@ -1,5 +1,5 @@
 /// @file
-/// Builds indexes of names on another thread.
+/// Builds jump indexes on a worker thread.
 #pragma once
 
 #include <ipodnames/jump_index.h>
@@ -10,7 +10,7 @@
 
 namespace ctl::browse
 {
-/// Lives on the thread of the default context.
+/// Use it only on the thread that runs the default main context.
 class IndexBuilder
 {
 public:
@@ -18,12 +18,14 @@ public:
 
     IndexBuilder() = default;
 
-    /// Waits for what is being built; its completions run.
+    /// Blocks until all builds have finished and their completions have run.
     ~IndexBuilder();
     IndexBuilder(const IndexBuilder&) = delete;
     IndexBuilder& operator=(const IndexBuilder&) = delete;
 
-    /// Calls @p completion in the default context. @p readings: of the first names, as far as they are known.
+    /// Starts a build and returns at once.
+    /// @param readings    readings of the first names; the index derives the others
+    /// @param completion  called in the default main context
     void Build(std::vector<std::string> names, std::vector<std::string> readings, Completion completion);
 
 private:

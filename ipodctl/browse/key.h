@@ -1,5 +1,5 @@
 /// @file
-/// What the user pressed.
+/// Keys, independent of the terminal.
 #pragma once
 
 #include <string>

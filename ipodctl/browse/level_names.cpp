@@ -7,16 +7,16 @@ namespace ctl::browse
 void LevelNames::Reset(int count)
 {
     m_entries.assign(static_cast<std::size_t>(std::max(0, count)), Entry());
-    m_arrived = 0;
-    m_gap = 0;
+    m_loaded = 0;
+    m_firstMissing = 0;
 }
 
-void LevelNames::Renew()
+void LevelNames::MarkStale()
 {
     for (Entry& entry : m_entries)
-        if (entry.state == State::Arrived) entry.state = State::Old;
-    m_arrived = 0;
-    m_gap = 0;
+        if (entry.state == State::Loaded) entry.state = State::Stale;
+    m_loaded = 0;
+    m_firstMissing = 0;
 }
 
 const std::string* LevelNames::At(int index) const
@@ -35,21 +35,21 @@ bool LevelNames::Put(int first, const std::vector<std::string>& names)
         if (index >= m_entries.size()) break;
         Entry& entry = m_entries[index];
         changed = changed || entry.state == State::Unknown || entry.name != names[i];
-        m_arrived += entry.state == State::Arrived ? 0 : 1;
-        entry = {names[i], State::Arrived};
+        m_loaded += entry.state == State::Loaded ? 0 : 1;
+        entry = {names[i], State::Loaded};
     }
     return changed;
 }
 
-int LevelNames::Missing(int first, int rows) const
+int LevelNames::NextMissing(int first, int rows) const
 {
     const auto missing = [this](int index)
-    { return m_entries[static_cast<std::size_t>(index)].state != State::Arrived; };
+    { return m_entries[static_cast<std::size_t>(index)].state != State::Loaded; };
     const int end = std::min(first + rows, Count());
     for (int index = std::max(0, first); index < end; ++index)
         if (missing(index)) return index;
-    while (m_gap < Count() && !missing(m_gap)) ++m_gap;
-    return m_gap < Count() ? m_gap : -1;
+    while (m_firstMissing < Count() && !missing(m_firstMissing)) ++m_firstMissing;
+    return m_firstMissing < Count() ? m_firstMissing : -1;
 }
 
 int LevelNames::Find(const std::string& name, int likely) const

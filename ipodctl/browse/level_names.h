@@ -1,5 +1,5 @@
 /// @file
-/// The names of a level while they arrive, page by page and in any order.
+/// The names of a level while they are loaded, page by page and in any order.
 #pragma once
 
 #include <string>
@@ -10,28 +10,28 @@ namespace ctl::browse
 class LevelNames
 {
 public:
-    /// Starts with so many entries, none of which is known.
+    /// Starts over with @p count unknown entries.
     void Reset(int count);
 
-    /// Expects all of them once more; until then the old ones are shown.
-    void Renew();
+    /// Marks all entries for loading again. At() keeps returning the old names until then.
+    void MarkStale();
 
     int Count() const { return static_cast<int>(m_entries.size()); }
-    int Arrived() const { return m_arrived; }
-    bool Complete() const { return m_arrived == Count(); }
+    int Loaded() const { return m_loaded; }
+    bool Complete() const { return m_loaded == Count(); }
 
-    /// The name, also an old one; null when none is known or there is no such entry.
+    /// Returns the name, which may be stale; null if it is unknown or @p index is out of range.
     const std::string* At(int index) const;
 
-    /// Takes a page. What lies outside the level is left out.
-    /// @return whether a name is another one than before
+    /// Stores a page. Entries outside the level are ignored.
+    /// @return whether any name changed
     bool Put(int first, const std::vector<std::string>& names);
 
-    /// The entry to ask for next: the first of @p rows entries from @p first on that has not arrived, or else the first
-    /// of all; -1 when nothing is missing.
-    int Missing(int first, int rows) const;
+    /// Returns the entry to load next: the first missing one of @p rows entries starting at @p first, or else the first
+    /// missing one of the level; -1 if the level is complete.
+    int NextMissing(int first, int rows) const;
 
-    /// The index of a name, -1 when no entry has it. The present place of the name is looked at first.
+    /// Returns the index of @p name, trying @p likely first; -1 if no entry has this name.
     int Find(const std::string& name, int likely) const;
 
     std::vector<std::string> All() const;
@@ -40,8 +40,8 @@ private:
     enum class State : char
     {
         Unknown,
-        Old,
-        Arrived,
+        Stale,
+        Loaded,
     };
 
     struct Entry
@@ -51,7 +51,7 @@ private:
     };
 
     std::vector<Entry> m_entries;
-    int m_arrived = 0;
-    mutable int m_gap = 0;  // everything before has arrived
+    int m_loaded = 0;
+    mutable int m_firstMissing = 0;  // lower bound of the first missing entry
 };
 }  // namespace ctl::browse

@@ -1,5 +1,5 @@
 /// @file
-/// Where one stands in a list of which a part is shown.
+/// The selected row and the scroll position of a list.
 #pragma once
 
 namespace ctl::browse
@@ -7,12 +7,12 @@ namespace ctl::browse
 struct ListCursor
 {
     int at = 0;   ///< the selected row
-    int top = 0;  ///< the first row that is shown
+    int top = 0;  ///< the first visible row
 };
 
-/// The cursor at a row, or at the nearest there is; scrolled as little as it takes to show it among @p height rows.
+/// Selects row @p to, clamped to the list of @p count rows, and scrolls just enough to show it among @p height rows.
 ListCursor Moved(ListCursor cursor, int to, int count, int height);
 
-/// The same, but with the row in the middle when it was not shown: so that one sees what surrounds it.
+/// Like Moved(), but centers the row if it was not visible, to show its surroundings.
 ListCursor Jumped(ListCursor cursor, int to, int count, int height);
 }  // namespace ctl::browse

@@ -6,8 +6,8 @@ namespace ctl::browse
 {
 namespace
 {
-constexpr std::chrono::seconds kJumpLasts{2};
-constexpr std::chrono::seconds kMessageLasts{5};
+constexpr std::chrono::seconds kJumpTimeout{2};
+constexpr std::chrono::seconds kMessageTimeout{5};
 
 bool IsContinuation(char byte)
 {
@@ -29,10 +29,10 @@ void Model::SetHeight(int rows)
     if (IsFiltered()) m_search->cursor = Moved(m_search->cursor, m_search->cursor.at, Rows(), m_height);
 }
 
-Wish Model::Press(const KeyPress& press, Time now)
+Action Model::Press(const KeyPress& press, Time now)
 {
     m_message.clear();
-    if (press.key == Key::Refresh) return {Wish::What::Reload};
+    if (press.key == Key::Refresh) return {Action::Kind::Reload};
     if (m_help)
     {
         ScrollHelp(press.key);
@@ -47,14 +47,14 @@ bool Model::NeedsIndex(const KeyPress& press) const
     return opens && !Current().index && (m_jump || IsFiltered());
 }
 
-// A jump without an index has not happened yet.
+// Without an index the jump is still pending, so it does not time out.
 void Model::Tick(Time now)
 {
     if (m_jump && now >= m_jump->until && Current().index) m_jump.reset();
     if (now >= m_messageUntil) m_message.clear();
 }
 
-// Every other key closes it.
+// Any other key closes the help.
 void Model::ScrollHelp(Key key)
 {
     if (key == Key::Down)
@@ -92,23 +92,23 @@ bool Model::Navigate(Key key)
     }
 }
 
-Wish Model::PressInList(const KeyPress& press, Time now)
+Action Model::PressInList(const KeyPress& press, Time now)
 {
     if (press.key == Key::Text) return PressCharacter(press.text, now);
     if (press.key == Key::Backspace) return PressBackspace(now);
     const bool wasJumping = m_jump.has_value();
     m_jump.reset();
     if (Navigate(press.key)) return {};
-    if (press.key == Key::Enter || press.key == Key::Right) return {Wish::What::Open, Selected()};
+    if (press.key == Key::Enter || press.key == Key::Right) return {Action::Kind::Open, Selected()};
     if (press.key == Key::Escape && wasJumping) return {};
-    return {Wish::What::Back};
+    return {Action::Kind::Back};
 }
 
-Wish Model::PressCharacter(const std::string& text, Time now)
+Action Model::PressCharacter(const std::string& text, Time now)
 {
-    if (text == " ") return {Wish::What::TogglePause};
-    if (text == ">") return {Wish::What::Next};
-    if (text == "<") return {Wish::What::Previous};
+    if (text == " ") return {Action::Kind::TogglePause};
+    if (text == ">") return {Action::Kind::Next};
+    if (text == "<") return {Action::Kind::Previous};
     if (text == "?")
         m_help = 0;
     else if (text == "/")
@@ -121,10 +121,10 @@ Wish Model::PressCharacter(const std::string& text, Time now)
     return {};
 }
 
-// It takes back a letter as long as one is to be seen.
-Wish Model::PressBackspace(Time now)
+// Deletes the last letter of a jump; otherwise goes back one level.
+Action Model::PressBackspace(Time now)
 {
-    if (!m_jump) return {Wish::What::Back};
+    if (!m_jump) return {Action::Kind::Back};
     std::string query = m_jump->query;
     DropLastCharacter(query);
     m_jump.reset();
@@ -132,7 +132,7 @@ Wish Model::PressBackspace(Time now)
     return {};
 }
 
-Wish Model::PressInSearch(const KeyPress& press)
+Action Model::PressInSearch(const KeyPress& press)
 {
     if (Navigate(press.key)) return {};
     const bool end =
@@ -140,7 +140,7 @@ Wish Model::PressInSearch(const KeyPress& press)
     if (press.key == Key::Enter || press.key == Key::Right)
     {
         SelectInList(Selected());
-        return {Wish::What::Open, Selected()};
+        return {Action::Kind::Open, Selected()};
     }
     if (end)
     {
@@ -157,7 +157,7 @@ Wish Model::PressInSearch(const KeyPress& press)
 
 void Model::Find()
 {
-    m_search->found = Top().index ? Top().index->Search(m_search->query, kMostMatches) : std::vector<int>();
+    m_search->found = Top().index ? Top().index->Search(m_search->query, kMaxMatches) : std::vector<int>();
     m_search->cursor = {};
 }
 
@@ -176,7 +176,7 @@ int Model::FirstMatch(const std::string& query) const
 void Model::JumpTo(std::string query, Time now)
 {
     const int entry = FirstMatch(query);
-    m_jump = Jump{std::move(query), entry >= 0, now + kJumpLasts};
+    m_jump = Jump{std::move(query), entry >= 0, now + kJumpTimeout};
     SelectInList(entry);
 }
 
@@ -200,7 +200,7 @@ void Model::Leave()
 {
     EndModes();
     if (!AtRoot()) m_levels.pop_back();
-    Top().names.Renew();
+    Top().names.MarkStale();
     SetHeight(m_height);
 }
 
@@ -208,11 +208,11 @@ void Model::LeaveAll()
 {
     EndModes();
     m_levels.erase(m_levels.begin() + 1, m_levels.end());
-    Top().names.Renew();
+    Top().names.MarkStale();
     SetHeight(m_height);
 }
 
-// Names that are known stay to be seen until they are known to be others.
+// With an unchanged count, the old names stay visible until their pages arrive.
 void Model::SetCount(int count)
 {
     Level& level = Top();
@@ -234,12 +234,12 @@ void Model::Put(const ipodkit::Page& page)
     if (m_search) Find();
 }
 
-// What was typed meanwhile is looked for now.
+// Applies the query typed while the index was being built.
 void Model::SetIndex(ipodnames::JumpIndex index)
 {
     Top().index = std::move(index);
     if (m_search) Find();
-    if (m_jump) JumpTo(m_jump->query, m_jump->until - kJumpLasts);
+    if (m_jump) JumpTo(m_jump->query, m_jump->until - kJumpTimeout);
 }
 
 int Model::Rows() const
@@ -263,9 +263,9 @@ int Model::Selected() const
     return EntryAt(Cursor().at);
 }
 
-void Model::Say(const std::string& message, Time now)
+void Model::ShowMessage(const std::string& message, Time now)
 {
     m_message = message;
-    m_messageUntil = now + kMessageLasts;
+    m_messageUntil = now + kMessageTimeout;
 }
 }  // namespace ctl::browse

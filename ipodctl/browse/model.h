@@ -1,5 +1,5 @@
 /// @file
-/// What the browser knows and what it does with keys; nothing of terminals, nothing of the bus.
+/// The browser's state and its reaction to keys, independent of terminal and bus.
 #pragma once
 
 #include <ipodkit/pager.h>
@@ -20,23 +20,23 @@ namespace ctl::browse
 {
 using Time = std::chrono::steady_clock::time_point;
 
-/// A level of the database, from the moment on in which it was entered.
+/// A level of the database that has been entered.
 struct Level
 {
-    std::string title;  ///< the name of the entry that was entered
-    int place = 0;      ///< and its index in the level above
-    bool counted = false;
-    bool unreadable = false;  ///< what is missing of it does not come
-    bool folders = false;
+    std::string title;        ///< name of its entry in the parent level
+    int place = 0;            ///< index of its entry in the parent level
+    bool counted = false;     ///< the number of names is known
+    bool unreadable = false;  ///< loading failed; missing names will not arrive
+    bool folders = false;     ///< its entries can be entered rather than played
     LevelNames names;
     ListCursor cursor;
-    std::optional<ipodnames::JumpIndex> index;  ///< as soon as it is built
+    std::optional<ipodnames::JumpIndex> index;  ///< empty until it is built
 };
 
-/// What shall be asked of the service.
-struct Wish
+/// A request to the service that a key asks for.
+struct Action
 {
-    enum class What
+    enum class Kind
     {
         Nothing,
         Open,  ///< enter or play an entry
@@ -47,19 +47,19 @@ struct Wish
         Previous,
     };
 
-    What what = What::Nothing;
-    int entry = -1;  ///< What::Open only
+    Kind kind = Kind::Nothing;
+    int entry = -1;  ///< Kind::Open only
 };
 
-/// Looking for names with a line of its own: once something is typed, only those that match are listed.
+/// Incremental search: once the query is not empty, only matching names are listed.
 struct Search
 {
     std::string query;
     std::vector<int> found;
-    ListCursor cursor;  ///< among those found
+    ListCursor cursor;  ///< row within found
 };
 
-/// Jumping by what is typed in the list itself.
+/// Type-ahead: letters typed in the list select the first match.
 struct Jump
 {
     std::string query;
@@ -70,27 +70,27 @@ struct Jump
 class Model
 {
 public:
-    static constexpr std::size_t kMostMatches = 1000;
+    static constexpr std::size_t kMaxMatches = 1000;
     static constexpr int kHelpLines = 9;
 
     Model() : m_levels(1) {}
 
-    /// Rows that the list has on the screen.
+    /// Sets the number of visible list rows.
     void SetHeight(int rows);
     int Height() const { return m_height; }
 
     /// @name The user
     /// @{
-    Wish Press(const KeyPress& press, Time now);
+    Action Press(const KeyPress& press, Time now);
 
-    /// Whether a key means an entry that only the index will find, which is not there yet.
+    /// Returns whether @p press refers to a match of a query while the index is still being built.
     bool NeedsIndex(const KeyPress& press) const;
 
-    /// Forgets what was to be seen for a while only.
+    /// Ends type-ahead and removes the message once their time is over.
     void Tick(Time now);
     /// @}
 
-    /// @name The levels. There is always one, the root.
+    /// @name The levels; the first is the root and always exists
     /// @{
     const Level& Current() const { return m_levels.back(); }
     const std::vector<Level>& Levels() const { return m_levels; }
@@ -108,21 +108,21 @@ public:
 
     /// @name What is shown
     /// @{
-    int Rows() const;            ///< of the list, or of those found
-    int EntryAt(int row) const;  ///< index within the level
+    int Rows() const;            ///< of the level, or of the search results
+    int EntryAt(int row) const;  ///< index within the level, -1 if the row does not exist
     const ListCursor& Cursor() const;
-    int Selected() const;  ///< the entry under the cursor, -1 when there is none
+    int Selected() const;  ///< index of the entry under the cursor, -1 if the list is empty
     const std::optional<Search>& Searching() const { return m_search; }
     const std::optional<Jump>& Jumping() const { return m_jump; }
-    const std::optional<int>& Help() const { return m_help; }  ///< its first line, when it is shown
+    const std::optional<int>& Help() const { return m_help; }  ///< first visible line of the help, if shown
     const std::string& Message() const { return m_message; }
-    void Say(const std::string& message, Time now);
+    void ShowMessage(const std::string& message, Time now);
     /// @}
 
     ipodkit::StatePtr state = std::make_shared<ipodkit::PlayerState>();
     ipodkit::Connection connection;
-    std::string device;                ///< its name
-    std::optional<Time> waitingSince;  ///< when the service was asked what it has not answered yet
+    std::string device;                ///< name of the device
+    std::optional<Time> waitingSince;  ///< start of the oldest unanswered request
 
 private:
     Level& Top() { return m_levels.back(); }
@@ -130,10 +130,10 @@ private:
     ListCursor& ActiveCursor() { return IsFiltered() ? m_search->cursor : Top().cursor; }
     bool Navigate(Key key);
     void ScrollHelp(Key key);
-    Wish PressInList(const KeyPress& press, Time now);
-    Wish PressCharacter(const std::string& text, Time now);
-    Wish PressBackspace(Time now);
-    Wish PressInSearch(const KeyPress& press);
+    Action PressInList(const KeyPress& press, Time now);
+    Action PressCharacter(const std::string& text, Time now);
+    Action PressBackspace(Time now);
+    Action PressInSearch(const KeyPress& press);
     void Find();
     void SelectInList(int entry);
     void JumpTo(std::string query, Time now);

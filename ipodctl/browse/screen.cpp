@@ -35,7 +35,7 @@ enum Pair : short
     kWarningPair,
 };
 
-// The text that is shown is UTF-8, whatever the locale says.
+// All text is UTF-8, regardless of the locale.
 void UseUtf8()
 {
     std::setlocale(LC_CTYPE, "");
@@ -48,7 +48,7 @@ std::string TypeOfTerminal()
     return type == nullptr ? "" : type;
 }
 
-// Without the waiting times in it, which no terminal of today needs.
+// Removes padding delays, which current terminals do not need.
 std::string Capability(const char* name)
 {
     const char* const text = tigetstr(name);
@@ -74,18 +74,18 @@ SCREEN* OpenScreen()
         delscreen(screen);
     }
     throw Failure(kUsage, "browse cannot use a terminal of type '" + Printable(TypeOfTerminal()) +
-                              "'; set TERM, for example to xterm");
+                              "'; set TERM, for example to 'xterm'");
 }
 
-bool WantsColour()
+bool UseColor()
 {
-    const char* const noColour = std::getenv("NO_COLOR");
-    return (noColour == nullptr || *noColour == '\0') && has_colors();
+    const char* const noColor = std::getenv("NO_COLOR");
+    return (noColor == nullptr || *noColor == '\0') && has_colors();
 }
 
-void DefineColours()
+void DefineColors()
 {
-    if (!WantsColour() || start_color() == ERR) return;
+    if (!UseColor() || start_color() == ERR) return;
     use_default_colors();
     init_pair(kTitlePair, COLOR_WHITE, COLOR_BLUE);
     init_pair(kStrongPair, COLOR_CYAN, -1);
@@ -101,30 +101,31 @@ void Prepare()
     nodelay(stdscr, TRUE);
     set_escdelay(kEscapeDelay);
     curs_set(0);
-    DefineColours();
+    DefineColors();
 }
 
-struct Look
+struct StyleAttributes
 {
     Style style;
     attr_t attributes;
-    short pair;  // 0 is the terminal's own
+    short pair;  // 0: the terminal's default colors
 };
 
-constexpr Look kLooks[] = {{Style::Plain, A_NORMAL, 0},           {Style::Title, A_BOLD, kTitlePair},
-                           {Style::Selected, A_REVERSE, 0},       {Style::Dim, A_DIM, 0},
-                           {Style::Strong, A_BOLD, kStrongPair},  {Style::Playing, A_NORMAL, kPlayingPair},
-                           {Style::Warning, A_BOLD, kWarningPair}};
+constexpr StyleAttributes kStyles[] = {{Style::Plain, A_NORMAL, 0},           {Style::Title, A_BOLD, kTitlePair},
+                                       {Style::Selected, A_REVERSE, 0},       {Style::Dim, A_DIM, 0},
+                                       {Style::Strong, A_BOLD, kStrongPair},  {Style::Playing, A_NORMAL, kPlayingPair},
+                                       {Style::Warning, A_BOLD, kWarningPair}};
 
-void SetLook(Style style)
+void SetStyle(Style style)
 {
-    const Look& look = kLooks[static_cast<std::size_t>(style)];
-    const bool colours = WantsColour();
+    const StyleAttributes& attributes = kStyles[static_cast<std::size_t>(style)];
+    const bool colors = UseColor();
     const attr_t instead = style == Style::Title ? A_REVERSE : A_NORMAL;
-    attr_set(look.attributes | (colours ? A_NORMAL : instead), colours ? look.pair : static_cast<short>(0), nullptr);
+    attr_set(attributes.attributes | (colors ? A_NORMAL : instead), colors ? attributes.pair : static_cast<short>(0),
+             nullptr);
 }
 
-// What the C library knows no width of would end up anywhere.
+// A character of unknown width would shift the rest of the line.
 std::wstring Wide(const std::string& text)
 {
     std::wstring wide;
@@ -171,12 +172,12 @@ std::optional<KeyPress> Character(wint_t code)
 void RequireTerminal()
 {
     if (isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) return;
-    throw Failure(kUsage, "browse needs a terminal for its input and its output; ipodctl ls lists a level anywhere");
+    throw Failure(kUsage, "browse requires a terminal on standard input and output; use 'ipodctl ls' instead");
 }
 
 Screen::Screen() : m_screen(OpenScreen())
 {
-    CrashGuard::SendAtCrash(Capability("sgr0") + Capability("rmkx") + Capability("cnorm") + Capability("rmcup"));
+    CrashGuard::SetResetSequence(Capability("sgr0") + Capability("rmkx") + Capability("cnorm") + Capability("rmcup"));
     Prepare();
     Resize();
 }
@@ -202,7 +203,7 @@ void Screen::Resize()
     winsize size{};
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0)
         resizeterm(size.ws_row, size.ws_col);
-    Forget();
+    RedrawAll();
 }
 
 std::optional<KeyPress> Screen::Read()
@@ -219,18 +220,18 @@ void Screen::Paint(const Frame& frame)
     for (std::size_t row = 0; row < frame.size(); ++row)
         for (const Span& span : frame[row])
         {
-            SetLook(span.style);
+            SetStyle(span.style);
             mvaddwstr(static_cast<int>(row), span.column, Wide(span.text).c_str());
         }
     refresh();
 }
 
-void Screen::GiveBack()
+void Screen::Release()
 {
     endwin();
 }
 
-void Screen::Forget()
+void Screen::RedrawAll()
 {
     clearok(stdscr, TRUE);
 }

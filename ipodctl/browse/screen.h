@@ -1,5 +1,5 @@
 /// @file
-/// The terminal, as a whole screen, from construction to destruction. One at a time.
+/// The terminal in full-screen mode.
 #pragma once
 
 #include <optional>
@@ -12,16 +12,17 @@ typedef struct screen SCREEN;  // NOLINT(readability-identifier-naming): the lib
 
 namespace ctl::browse
 {
-/// @throws Failure  kUsage: standard input or output is no terminal
+/// @throws Failure  kUsage: standard input or output is not a terminal
 void RequireTerminal();
 
+/// Switches the terminal to full-screen mode for its lifetime. At most one instance may exist at a time.
 class Screen
 {
 public:
-    /// @throws Failure  kUsage: the terminal is of a type that cannot be used
+    /// @throws Failure  kUsage: the terminal type is unknown or cannot move the cursor
     Screen();
 
-    /// Gives the terminal back as it was.
+    /// Restores the terminal.
     ~Screen();
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
@@ -29,20 +30,20 @@ public:
     int Rows() const;
     int Columns() const;
 
-    /// Takes the terminal's present size.
+    /// Adopts the current size of the terminal.
     void Resize();
 
-    /// What was pressed, in order; nothing when there is no more.
+    /// Returns the next pressed key without blocking; nothing if there is none.
     std::optional<KeyPress> Read();
 
-    /// Shows a frame; what is on the screen already is not sent again.
+    /// Shows @p frame, sending only what changed.
     void Paint(const Frame& frame);
 
-    /// Gives the terminal back until the next frame.
-    void GiveBack();
+    /// Restores the terminal until the next Paint().
+    void Release();
 
-    /// Sends everything with the next frame, also what seems to be there.
-    void Forget();
+    /// Makes the next Paint() redraw the whole screen.
+    void RedrawAll();
 
 private:
     CrashGuard m_guard;

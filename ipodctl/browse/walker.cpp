@@ -11,9 +11,9 @@ namespace ctl::browse
 namespace
 {
 constexpr int kPageSize = 250;
-constexpr int kMostRejoins = 3;
+constexpr int kMaxReentries = 3;
 
-// The names are kept by the model.
+// Minimal caches: the model keeps the names.
 constexpr ipodkit::PagerOptions kNames{kPageSize, 1, 0};
 constexpr ipodkit::PagerOptions kOneEntry{1, 1, 0};
 
@@ -62,15 +62,15 @@ std::function<void(const ipodkit::Result<T>&)> Walker::WhileCurrent(
     };
 }
 
-// The same, and until then the service is waited for.
+// Like WhileCurrent(), and shows that the service is being waited for.
 template <class T>
-std::function<void(const ipodkit::Result<T>&)> Walker::Asked(std::function<void(const ipodkit::Result<T>&)> arrived)
+std::function<void(const ipodkit::Result<T>&)> Walker::Awaited(std::function<void(const ipodkit::Result<T>&)> arrived)
 {
-    m_askedAt = std::chrono::steady_clock::now();
+    m_waitingSince = std::chrono::steady_clock::now();
     return WhileCurrent<T>(
         [this, arrived = std::move(arrived)](const ipodkit::Result<T>& result)
         {
-            m_askedAt.reset();
+            m_waitingSince.reset();
             arrived(result);
         });
 }
@@ -88,12 +88,12 @@ void Walker::Stop()
     m_opening = false;
     m_moving = false;
     m_reading = false;
-    m_askedAt.reset();
+    m_waitingSince.reset();
 }
 
-void Walker::Say(const std::string& message)
+void Walker::ShowMessage(const std::string& message)
 {
-    m_model.Say(message, std::chrono::steady_clock::now());
+    m_model.ShowMessage(message, std::chrono::steady_clock::now());
     m_changed();
 }
 
@@ -101,7 +101,7 @@ void Walker::Failed(const ipodkit::Error& error)
 {
     m_moving = false;
     m_reading = false;
-    if (!IsOfNoService(error)) Say(ToFailure(error).what());
+    if (!IsOfNoService(error)) ShowMessage(ToFailure(error).what());
 }
 
 void Walker::Unreadable(const ipodkit::Error& error)
@@ -112,32 +112,32 @@ void Walker::Unreadable(const ipodkit::Error& error)
 
 void Walker::Reload()
 {
-    m_rejoined = 0;
+    m_reentries = 0;
     Restart();
 }
 
 void Walker::Restart()
 {
     BeginStep();
-    // A way that was not walked to its end yet is still the way.
+    // A path that is still being restored is kept.
     const auto& levels = m_model.Levels();
     for (std::size_t depth = levels.size() - 1; depth > 0; --depth)
-        m_way.push_front({levels[depth].title, levels[depth].place, levels[depth].cursor});
-    m_way.insert(m_way.end(), m_unreached.begin(), m_unreached.end());
-    m_unreached.clear();
+        m_path.push_front({levels[depth].title, levels[depth].place, levels[depth].cursor});
+    m_path.insert(m_path.end(), m_pendingPath.begin(), m_pendingPath.end());
+    m_pendingPath.clear();
     m_model.LeaveAll();
-    m_names.EnterRoot().Start(Asked<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
+    m_names.EnterRoot().Start(Awaited<void>([this](const ipodkit::Result<void>& done) { RootEntered(done); }));
 }
 
-// What answers "false" to its root has no database at all; an error may mean anything.
+// Without a database the service answers "false" to the root; an error may have any reason.
 void Walker::RootEntered(const ipodkit::Result<void>& done)
 {
     if (!done && done.error().kind == ipodkit::ErrorKind::Refused && done.error().name.empty())
     {
         Stop();
-        ForgetTheWay();
+        ClearPath();
         m_model.SetCount(0);
-        return Say("there is no database to show; is a device attached?");
+        return ShowMessage("no music database; is a device attached?");
     }
     if (!done) return Unreadable(done.error());
     m_commands.IpodName().Start(WhileCurrent<std::string>(
@@ -149,38 +149,38 @@ void Walker::RootEntered(const ipodkit::Result<void>& done)
     ReadLevel();
 }
 
-// A service that always contradicts itself is not asked for ever.
-void Walker::Rejoin(const std::string& why)
+// Gives up on a service whose answers keep contradicting each other.
+void Walker::Reenter(const std::string& why)
 {
-    if (++m_rejoined > kMostRejoins)
+    if (++m_reentries > kMaxReentries)
     {
         Stop();
         m_model.SetUnreadable();
-        return Say(why + "; Ctrl-L tries again");
+        return ShowMessage(why + "; press Ctrl-L to retry");
     }
     Restart();
-    Say(why + "; returning");
+    ShowMessage(why + "; returning");
 }
 
-// Nothing is shown before the first names are there: it would only flicker.
+// Nothing is shown before the first names arrive, to avoid flicker.
 void Walker::ReadLevel()
 {
-    m_names.Count().Start(Asked<int>(
+    m_names.Count().Start(Awaited<int>(
         [this](const ipodkit::Result<int>& count)
         {
             if (!count) return Unreadable(count.error());
             m_model.SetCount(*count);
-            ReadOn();
+            ReadNext();
         }));
 }
 
-// What can be seen comes first, then the rest; on the way to another level, what leads there.
-void Walker::ReadOn()
+// Loads the visible names first, then the rest; while a path is being restored, its next entry.
+void Walker::ReadNext()
 {
-    if (WalkOn()) return;
+    if (DescendPath()) return;
     const LevelNames& names = m_model.Current().names;
-    const int seen = m_way.empty() ? m_model.Current().cursor.top : m_way.front().place;
-    const int missing = names.Missing(seen, m_way.empty() ? m_model.Height() : 1);
+    const int seen = m_path.empty() ? m_model.Current().cursor.top : m_path.front().place;
+    const int missing = names.NextMissing(seen, m_path.empty() ? m_model.Height() : 1);
     if (missing < 0)
     {
         m_readings.clear();
@@ -188,17 +188,17 @@ void Walker::ReadOn()
     }
     m_reading = true;
     m_names.At(missing).Start(
-        Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { PageArrived(page); }));
+        Awaited<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { PageArrived(page); }));
 }
 
 void Walker::PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
 {
     if (!page && page.error().kind != ipodkit::ErrorKind::BadReply) return Unreadable(page.error());
-    if (!page || !Belongs(**page)) return Rejoin("another program changed the level");
+    if (!page || !Belongs(**page)) return Reenter("another program changed the level");
     m_model.Put(**page);
-    m_moving = !m_way.empty();
+    m_moving = !m_path.empty();
     m_changed();
-    ReadOn();
+    ReadNext();
 }
 
 bool Walker::Belongs(const ipodkit::Page& page) const
@@ -206,45 +206,45 @@ bool Walker::Belongs(const ipodkit::Page& page) const
     return page.root == m_model.AtRoot();
 }
 
-// True when a level is being entered.
-bool Walker::WalkOn()
+// Returns whether a level is being entered.
+bool Walker::DescendPath()
 {
-    if (m_way.empty()) return false;
+    if (m_path.empty()) return false;
     const LevelNames& names = m_model.Current().names;
-    const Stage stage = m_way.front();
+    const Stage stage = m_path.front();
     const std::string* const there = names.At(stage.place);
-    const bool known =
-        names.Complete() || (names.Missing(stage.place, 1) != stage.place && there != nullptr && *there == stage.title);
+    const bool known = names.Complete() ||
+                       (names.NextMissing(stage.place, 1) != stage.place && there != nullptr && *there == stage.title);
     if (!known) return false;
     const int place = names.Find(stage.title, stage.place);
     if (place >= 0)
     {
-        m_way.pop_front();
+        m_path.pop_front();
         Descend(place, stage.title, stage.cursor);
         return true;
     }
-    PutOffTheWay();
+    PostponePath();
     m_moving = false;
-    Say("'" + stage.title + "' is not there any more");
+    ShowMessage("'" + stage.title + "' no longer exists");
     return false;
 }
 
-void Walker::PutOffTheWay()
+void Walker::PostponePath()
 {
-    m_unreached = std::move(m_way);
-    m_way.clear();
+    m_pendingPath = std::move(m_path);
+    m_path.clear();
 }
 
-void Walker::ForgetTheWay()
+void Walker::ClearPath()
 {
-    m_way.clear();
-    m_unreached.clear();
+    m_path.clear();
+    m_pendingPath.clear();
 }
 
 void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
 {
     BeginStep();
-    m_names.EnterChild(entry).Start(Asked<void>(
+    m_names.EnterChild(entry).Start(Awaited<void>(
         [=](const ipodkit::Result<void>& done)
         {
             if (done)
@@ -252,23 +252,23 @@ void Walker::Descend(int entry, const std::string& title, ListCursor cursor)
                 m_model.Enter(title, entry, cursor);
                 return ReadLevel();
             }
-            PutOffTheWay();
+            PostponePath();
             Failed(done.error());
-            ReadOn();
+            ReadNext();
         }));
 }
 
 void Walker::Back()
 {
     if (IsMoving()) return;
-    if (m_model.AtRoot()) return Say("this is the top; Ctrl-C quits");
-    m_rejoined = 0;
-    ForgetTheWay();
+    if (m_model.AtRoot()) return ShowMessage("already at the top level; Ctrl-C quits");
+    m_reentries = 0;
+    ClearPath();
     BeginStep();
-    m_names.EnterParent().Start(Asked<void>(
+    m_names.EnterParent().Start(Awaited<void>(
         [this](const ipodkit::Result<void>& done)
         {
-            if (!done) return Rejoin("another program changed the level");
+            if (!done) return Reenter("another program changed the level");
             m_model.Leave();
             ReadLevel();
         }));
@@ -277,15 +277,15 @@ void Walker::Back()
 void Walker::Open(int entry)
 {
     if (IsMoving() || m_model.Current().names.At(entry) == nullptr) return;
-    m_rejoined = 0;
-    ForgetTheWay();
+    m_reentries = 0;
+    ClearPath();
     m_opening = true;
     m_check.Refresh();
-    m_check.At(entry).Start(Asked<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
-                                                    { EntryChecked(entry, page); }));
+    m_check.At(entry).Start(Awaited<ipodkit::PagePtr>([this, entry](const ipodkit::Result<ipodkit::PagePtr>& page)
+                                                      { EntryChecked(entry, page); }));
 }
 
-// The size of the level is checked by the page: asking for an entry that is not there is a mistake.
+// BadArgument means that the level has become shorter than the entry's index.
 void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& page)
 {
     m_opening = false;
@@ -294,12 +294,12 @@ void Walker::EntryChecked(int entry, const ipodkit::Result<ipodkit::PagePtr>& pa
                           page.error().kind == ipodkit::ErrorKind::BadArgument;
     if (!answered) return Failed(page.error());
     if (!page || name == nullptr || !Belongs(**page) || (*page)->At(entry) != *name)
-        return Rejoin("another program changed the level");
+        return Reenter("another program changed the level");
     if ((*page)->folders) return Descend(entry, std::string(*name), {});
     m_play(entry);
 }
 
-// The service's readings of names that are not ASCII. Where it has none, the index makes them.
+// Loads the service's readings if any name is not ASCII. The index derives those that are missing.
 void Walker::ReadReadings()
 {
     m_moving = false;
@@ -307,17 +307,17 @@ void Walker::ReadReadings()
     m_changed();
     if (!m_reading) return;
     const LevelNames& names = m_model.Current().names;
-    const bool needed = m_readings.empty() ? !AreAscii(names.All()) : NumberRead() < names.Count();
+    const bool needed = m_readings.empty() ? !AreAscii(names.All()) : ReadingCount() < names.Count();
     if (!needed) return BuildIndex();
-    m_pinyin.At(NumberRead())
-        .Start(
-            Asked<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page) { ReadingsArrived(page); }));
+    m_pinyin.At(ReadingCount())
+        .Start(Awaited<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page)
+                                         { ReadingsArrived(page); }));
 }
 
 void Walker::ReadingsArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
 {
-    if (!page || !(*page)->Holds(NumberRead())) return BuildIndex();
-    while ((*page)->Holds(NumberRead())) m_readings.push_back((*page)->At(NumberRead()));
+    if (!page || !(*page)->Holds(ReadingCount())) return BuildIndex();
+    while ((*page)->Holds(ReadingCount())) m_readings.push_back((*page)->At(ReadingCount()));
     ReadReadings();
 }
 

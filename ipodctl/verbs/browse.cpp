@@ -1,6 +1,5 @@
-// The verb that opens the browser.
 #include "browse/browser.h"
-#include "browse/message_box.h"
+#include "browse/log_capture.h"
 #include "browse/screen.h"
 #include "verbs/verbs.h"
 
@@ -10,7 +9,7 @@ namespace
 {
 Answer Browse(Session& session)
 {
-    const browse::MessageBox messages;
+    const browse::LogCapture messages;
     const SuspendSignal suspend;
     ipodkit::Session& kit = session.Kit();
     browse::Screen screen;
@@ -32,7 +31,7 @@ Run BuildBrowse(CLI::App&)
 
 std::vector<Verb> BrowserVerbs()
 {
-    return {{"browse", "Browse the music database on the whole screen",
-             "ipodctl browse   # then type zjl: it finds 周杰伦; ? shows all keys", BuildBrowse}};
+    return {{"browse", "Browse the music database full-screen",
+             "ipodctl browse   # type zjl to jump to 周杰伦; press ? for all keys", BuildBrowse}};
 }
 }  // namespace ctl

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Uses ipodctl browse as people do: in a terminal, against the simulator; bus and shared memory are its own."""
+"""Drives ipodctl browse in a terminal against the simulator, with a private bus and private shared memory."""
 import argparse
 import json
 import os
@@ -24,7 +24,7 @@ UP, LEFT = "\033OA", "\033OD"
 
 
 def selected(screen):
-    """What stands in the row that is drawn in reverse."""
+    """The text of the row drawn in reverse video."""
     for line in screen.cells:
         if line[0].look.reverse and line[-2].look.reverse:
             return "".join(cell.text for cell in line).strip()
@@ -52,12 +52,12 @@ class InATerminal(unittest.TestCase):
         holds = lambda screen: all(text in screen.text() for text in texts)
         self.assertTrue(terminal.wait_for(holds, LIMIT), (texts, terminal.screen.text()))
 
-    def stands_at(self, terminal, name):
+    def selects(self, terminal, name):
         holds = lambda screen: selected(screen).startswith(name)
         self.assertTrue(terminal.wait_for(holds, LIMIT), (name, terminal.screen.text()))
 
     def ends(self, terminal, code):
-        """It ended with a code, or without one by a crash, and the terminal is as it was before."""
+        """Expects an exit with the code, or a crash if it is None, and a restored terminal."""
         ended = terminal.wait(LIMIT)
         self.assertNotIn(ended, (DONE, None)) if code is None else self.assertEqual(ended, code)
         self.assertEqual(terminal.modes(), terminal.modes_before)
@@ -71,17 +71,17 @@ class InATerminal(unittest.TestCase):
 
 
 class WithoutAService(InATerminal):
-    def test_no_service_is_told_before_the_screen_is_taken(self):
+    def test_a_missing_service_is_reported_before_the_screen_opens(self):
         terminal = self.start()
         self.ends(terminal, NO_SERVICE)
         self.assertIn("no iPod service", terminal.screen.text())
         self.assertNotIn(b"\033", terminal.received)
 
-    def test_no_bus_is_told(self):
+    def test_a_missing_bus_is_reported(self):
         terminal = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent/bus")
         self.ends(terminal, NO_BUS)
 
-    def test_without_a_terminal_it_says_so(self):
+    def test_a_missing_terminal_is_reported(self):
         for words in (["browse"], ["--json", "browse"]):
             process = subprocess.run([OPTIONS.ipodctl, *words], env=self.bus.environment, stdin=subprocess.DEVNULL,
                                      capture_output=True, timeout=LIMIT)
@@ -120,7 +120,7 @@ class WithTheSimulator(InATerminal):
     def test_an_artist_is_found_by_initials_opened_and_played(self):
         terminal = self.in_artists()
         terminal.type("zjl")
-        self.stands_at(terminal, "周杰伦")
+        self.selects(terminal, "周杰伦")
         self.sees(terminal, "jump: zjl", "zhou jie lun")
         terminal.type(ENTER)
         self.sees(terminal, "› Artists › 周杰伦", "魔杰座/", "七里香/")
@@ -132,28 +132,28 @@ class WithTheSimulator(InATerminal):
         terminal.type(CTRL_C)
         self.ends(terminal, DONE)
 
-    def test_keys_that_come_faster_than_the_service_answers_mean_what_they_say(self):
+    def test_keys_typed_ahead_are_applied_in_order(self):
         terminal = self.start()
         terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
         self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
 
-    def test_keys_wait_for_an_entry_to_open_while_its_level_is_still_read(self):
+    def test_keys_wait_while_an_entry_opens_and_its_level_is_loading(self):
         terminal = self.start()
         self.sees(terminal, "Playlists/", "Songs/")
         self.happen("fault", "delay=150@GetCurDbListItems")
         terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
         self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
 
-    def test_it_goes_back_to_where_it_was(self):
+    def test_going_back_restores_the_selection(self):
         terminal = self.in_artists()
         terminal.type("zjl" + ENTER)
         self.sees(terminal, "› 周杰伦")
         for key in (LEFT, ESCAPE):
             terminal.type(key)
-        self.stands_at(terminal, "Artists/")
+        self.selects(terminal, "Artists/")
         self.assertTrue(self.ctl("ls")["root"])
 
-    def test_a_search_lists_only_what_matches(self):
+    def test_a_search_lists_matches_only(self):
         terminal = self.in_artists()
         terminal.type("/ zjl")
         self.sees(terminal, "/ zjl▏  1 match", "1/1")
@@ -164,7 +164,7 @@ class WithTheSimulator(InATerminal):
         terminal.type("夜" + "\177" + "bran" + ENTER)
         self.sees(terminal, "› Nadia Brandt", "Lanterns/")
 
-    def test_it_plays_pauses_and_moves_on(self):
+    def test_it_plays_pauses_and_skips(self):
         self.ctl("cd", "/Songs")
         self.ctl("play", "Blue Lantern")
         terminal = self.start()
@@ -178,7 +178,7 @@ class WithTheSimulator(InATerminal):
         terminal.type("<")
         self.sees(terminal, "Blue Lantern")
 
-    def test_every_script_stands_in_its_columns(self):
+    def test_every_script_is_aligned_in_columns(self):
         terminal = self.in_artists()
         self.sees(terminal, "zhou jie lun")
         rows = terminal.screen.lines()
@@ -192,15 +192,15 @@ class WithTheSimulator(InATerminal):
     def test_it_fits_a_terminal_of_twenty_by_five_and_grows_again(self):
         terminal = self.in_artists()
         terminal.type("zjl")
-        self.stands_at(terminal, "周杰伦")
+        self.selects(terminal, "周杰伦")
         terminal.resize(5, 20)
-        self.sees(terminal, "11/11", "■ nothing plays", "nothing")
-        self.stands_at(terminal, "周杰伦")
+        self.sees(terminal, "11/11", "■ not playing")
+        self.selects(terminal, "周杰伦")
         terminal.type(UP)
-        self.stands_at(terminal, "曾雨桐")
+        self.selects(terminal, "曾雨桐")
         terminal.resize(40, 120)
         self.sees(terminal, "Анна Вершинина/", "a-z jump")
-        self.stands_at(terminal, "曾雨桐")
+        self.selects(terminal, "曾雨桐")
         for rows, columns in ((1, 1), (2, 3), (24, 80)):
             terminal.resize(rows, columns)
             terminal.settle()
@@ -208,7 +208,7 @@ class WithTheSimulator(InATerminal):
         terminal.type(CTRL_C)
         self.ends(terminal, DONE)
 
-    def test_the_terminal_is_given_back_however_it_ends(self):
+    def test_the_terminal_is_restored_after_every_exit(self):
         for number, code in ((signal.SIGINT, DONE), (signal.SIGTERM, DONE), (signal.SIGHUP, DONE),
                              (signal.SIGSEGV, None), (signal.SIGABRT, None)):
             with self.subTest(number):
@@ -218,38 +218,38 @@ class WithTheSimulator(InATerminal):
                 terminal.process.send_signal(number)
                 self.ends(terminal, code)
 
-    def test_it_ends_when_the_terminal_goes_away(self):
+    def test_it_exits_when_the_terminal_hangs_up(self):
         terminal = self.in_artists()
         os.close(terminal.terminal)
         os.close(terminal.main)
         self.assertEqual(terminal.process.wait(LIMIT), DONE)
         terminal.main, terminal.terminal = os.openpty()
 
-    def test_a_service_that_comes_back_finds_it_where_it_was(self):
+    def test_a_restarted_service_restores_the_path(self):
         terminal = self.in_artists()
         terminal.type("zjl" + ENTER)
         self.sees(terminal, "› 周杰伦", "七里香/")
         self.simulator.kill()
-        self.sees(terminal, "the service went away", "七里香/")
+        self.sees(terminal, "service lost", "七里香/")
         terminal.type(ENTER + ">")
-        self.sees(terminal, "the service went away")
+        self.sees(terminal, "service lost")
         self.start_simulator()
-        self.sees(terminal, "■ nothing plays", "› 周杰伦", "七里香/")
+        self.sees(terminal, "■ not playing", "› 周杰伦", "七里香/")
         self.assertNotIn(b"does not exist", terminal.received)
         self.assertEqual(self.ctl("ls")["entries"][1]["name"], "七里香")
         terminal.type("qlx" + ENTER)
         self.sees(terminal, "› 七里香", "外婆")
 
-    def test_a_level_that_others_changed_is_not_mistaken(self):
+    def test_a_level_changed_by_another_program_is_detected(self):
         terminal = self.in_artists()
         self.ctl("cd", "/Albums")
         terminal.type("zjl" + ENTER)
         self.sees(terminal, "another program changed the level; returning", "› Artists")
-        self.stands_at(terminal, "周杰伦")
+        self.selects(terminal, "周杰伦")
         terminal.type(ENTER)
         self.sees(terminal, "› Artists › 周杰伦")
 
-    def test_another_device_begins_at_its_root(self):
+    def test_a_new_device_opens_at_its_root(self):
         terminal = self.in_artists()
         self.happen("detach", "Desk iPod")
         self.sees(terminal, "(empty)", "is a device attached?")
@@ -287,9 +287,9 @@ class WithTheSimulator(InATerminal):
         terminal.type("fg" + ENTER)
         self.sees(terminal, "Playlists/")
         terminal.type("ar")
-        self.stands_at(terminal, "Artists/")
+        self.selects(terminal, "Artists/")
 
-    def test_everything_is_drawn_anew_on_request(self):
+    def test_control_l_redraws_everything(self):
         terminal = self.in_artists()
         terminal.settle()
         before = terminal.screen.text()
@@ -297,7 +297,7 @@ class WithTheSimulator(InATerminal):
         terminal.type(CTRL_L)
         self.sees(terminal, before)
 
-    def test_a_service_that_is_slow_is_waited_for_visibly(self):
+    def test_waiting_for_a_slow_service_is_shown(self):
         terminal = self.in_artists()
         self.happen("fault", "delay=4000@GetCurDbListItemsAmount/1")
         terminal.type("zjl" + ENTER)
@@ -308,50 +308,50 @@ class WithTheSimulator(InATerminal):
         terminal.type(">")
         self.sees(terminal, "waiting for the service…")
 
-    def test_what_goes_wrong_is_told_as_the_verbs_do(self):
+    def test_errors_read_as_those_of_the_verbs(self):
         terminal = self.in_artists()
         terminal.type(">")
-        self.sees(terminal, "the service did not move on")
+        self.sees(terminal, "the service did not skip to the next track")
         self.happen("fault", "error=com.example.Busy@Next")
         terminal.type(">")
         self.sees(terminal, "the service refused: GDBus.Error:com.example.Busy")
 
-    def test_a_level_that_cannot_be_read_is_no_empty_one(self):
+    def test_an_unreadable_level_is_not_shown_as_empty(self):
         for member in ("GetCurDbListItemsAmount", "EnterDbRoot"):
             with self.subTest(member):
                 self.happen("fault", "error=com.example.Busy@" + member)
                 terminal = self.start()
-                self.sees(terminal, "(could not be read)", "the service refused: GDBus.Error:com.example.Busy")
+                self.sees(terminal, "(cannot be read)", "the service refused: GDBus.Error:com.example.Busy")
                 self.assertNotIn("0/0", terminal.screen.text())
-                self.sees(terminal, "Ctrl-L tries again")
+                self.sees(terminal, "press Ctrl-L to retry")
                 self.happen("clear-faults")
                 terminal.type(CTRL_L)
                 self.sees(terminal, "Artists/", "a-z jump")
 
-    def test_names_that_never_come_are_told_as_long_as_they_are_missing(self):
+    def test_missing_names_are_reported_until_they_arrive(self):
         terminal = self.in_artists()
         self.happen("fault", "out-of-range")
         terminal.type(CTRL_L)
-        self.sees(terminal, "the list could not be read to its end; Ctrl-L tries again")
+        self.sees(terminal, "the list is incomplete; press Ctrl-L to retry")
         self.happen("clear-faults")
         terminal.type(CTRL_L)
         self.sees(terminal, "› Artists", "周杰伦/", "a-z jump")
 
-    def test_a_bus_that_goes_away_is_told(self):
+    def test_a_lost_bus_is_reported(self):
         terminal = self.in_artists()
         self.bus.daemon.kill()
         self.ends(terminal, SERVICE_LOST)
         self.assertIn("bus closed", terminal.screen.text())
 
-    def test_colours_are_left_out_where_they_are_not_wanted(self):
-        coloured = rb"\033\[(\d+;)*[34][0-7]m"
+    def test_no_color_turns_colors_off(self):
+        colored = rb"\033\[(\d+;)*[34][0-7]m"
         terminal = self.in_artists()
-        self.assertRegex(terminal.received, coloured)
+        self.assertRegex(terminal.received, colored)
         terminal = self.in_artists(NO_COLOR="1")
-        self.assertNotRegex(terminal.received, coloured)
-        self.stands_at(terminal, "")
+        self.assertNotRegex(terminal.received, colored)
+        self.selects(terminal, "")
 
-    def test_a_terminal_that_cannot_move_its_cursor_is_told(self):
+    def test_a_terminal_without_cursor_control_is_rejected(self):
         for kind in ("dumb", "no-such-terminal", ""):
             with self.subTest(kind):
                 terminal = self.start(TERM=kind)
@@ -361,7 +361,7 @@ class WithTheSimulator(InATerminal):
     def test_another_locale_changes_nothing(self):
         terminal = self.in_artists(LC_ALL="C", LANG="C")
         terminal.type("zjl")
-        self.stands_at(terminal, "周杰伦")
+        self.selects(terminal, "周杰伦")
 
 
 def parse_options():

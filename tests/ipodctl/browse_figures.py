@@ -70,7 +70,7 @@ def measure(options, bus):
     terminal.type(ESCAPE)
     report_keys("keys when all names are read", milliseconds_of_keys(terminal, 300))
     terminal.type("/")
-    seconds_until(terminal, lambda screen: "type a part" in screen.text())
+    seconds_until(terminal, lambda screen: "type part" in screen.text())
     terminal.settle()
     terminal.type("qt4")
     report("a search", seconds_until(terminal, lambda screen: "/qt4" in screen.text() and "match" in screen.text()))

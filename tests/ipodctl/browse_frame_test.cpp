@@ -28,7 +28,7 @@ Model PlayingModel()
 std::vector<std::string> Screen(const Model& model, int rows, int columns, Time now = kNow)
 {
     std::vector<std::string> lines;
-    for (const Line& line : Draw(model, rows, columns, now)) lines.push_back(Seen(line));
+    for (const Line& line : Draw(model, rows, columns, now)) lines.push_back(Rendered(line));
     return lines;
 }
 
@@ -65,7 +65,7 @@ Model RandomModel(std::mt19937& random)
     Fill(model, names, random() % 2 == 0);
     static const std::vector<std::string> typed = {"", "z", "/", "/a", "/zj", "?", "a"};
     Type(model, typed[random() % typed.size()]);
-    if (random() % 4 == 0) model.Say(RandomName(random), kNow);
+    if (random() % 4 == 0) model.ShowMessage(RandomName(random), kNow);
     if (random() % 4 == 0) model.connection.phase = ipodkit::Phase::Lost;
     Press(model, random() % 2 == 0 ? Key::End : Key::Down);
     return model;
@@ -94,7 +94,7 @@ TEST(BrowseFrame, FitsATerminalOfTwentyByFive)
                                                               " ▶ 七里香 - …  1:00", " ^C quit   ? help"}));
 }
 
-TEST(BrowseFrame, LeavesOutTheLeastImportantOnFewRows)
+TEST(BrowseFrame, OmitsTheLeastImportantLinesOnFewRows)
 {
     Model model = PlayingModel();
     Fill(model, {"Adele"});
@@ -103,7 +103,7 @@ TEST(BrowseFrame, LeavesOutTheLeastImportantOnFewRows)
     EXPECT_EQ(Screen(model, 1, 20), (std::vector<std::string>{"  Adele"}));
 }
 
-TEST(BrowseFrame, StaysWithinAnyTerminalWhateverTheNames)
+TEST(BrowseFrame, StaysWithinAnyTerminalForAnyNames)
 {
     std::mt19937 random(7);
     for (int i = 0; i < 250; ++i)
@@ -129,7 +129,7 @@ TEST(BrowseFrame, MarksTheSelectedRow)
     EXPECT_EQ(ctl::Width(frame[2].front().text), 39);
 }
 
-TEST(BrowseFrame, MovesTheTrackOnByItself)
+TEST(BrowseFrame, AdvancesThePositionBetweenEvents)
 {
     Model model = PlayingModel();
     Fill(model, {"Adele"});
@@ -137,17 +137,17 @@ TEST(BrowseFrame, MovesTheTrackOnByItself)
     EXPECT_NE(Screen(model, 8, 60, kNow + std::chrono::seconds(500))[6].find("4:59 / 4:59"), std::string::npos);
 }
 
-TEST(BrowseFrame, SaysThatTheServiceIsGone)
+TEST(BrowseFrame, ReportsALostService)
 {
     Model model = PlayingModel();
     Fill(model, {"Adele"});
     model.connection.phase = ipodkit::Phase::Lost;
     const auto lines = Screen(model, 8, 60);
     EXPECT_EQ(lines[1], "  Adele");
-    EXPECT_EQ(lines[6], " the service went away; waiting for it");
+    EXPECT_EQ(lines[6], " service lost; waiting for it to return");
 }
 
-TEST(BrowseFrame, ShowsWhatIsTypedAndWhatCameOfIt)
+TEST(BrowseFrame, ShowsTheQueryAndItsResult)
 {
     Model model = PlayingModel();
     Fill(model, {"Adele", "周杰伦"});
@@ -159,7 +159,7 @@ TEST(BrowseFrame, ShowsWhatIsTypedAndWhatCameOfIt)
     EXPECT_EQ(Screen(model, 8, 60)[1], "  周杰伦   zhou jie lun");
 }
 
-TEST(BrowseFrame, SaysHowManyNamesAreRead)
+TEST(BrowseFrame, ShowsHowManyNamesAreLoaded)
 {
     Model model = PlayingModel();
     model.SetCount(1000);
@@ -167,17 +167,17 @@ TEST(BrowseFrame, SaysHowManyNamesAreRead)
     const auto lines = Screen(model, 8, 60);
     EXPECT_NE(lines[0].find("1/1000  25 %"), std::string::npos);
     Type(model, "x");
-    EXPECT_EQ(Screen(model, 8, 60).back(), " jump: x  reading the names");
+    EXPECT_EQ(Screen(model, 8, 60).back(), " jump: x  loading names");
 }
 
-TEST(BrowseFrame, ShowsADotForANameThatIsNotThereYet)
+TEST(BrowseFrame, ShowsADotForANameNotLoadedYet)
 {
     Model model = PlayingModel();
     model.SetCount(2);
     EXPECT_EQ(Screen(model, 8, 60)[2], "  ·");
 }
 
-TEST(BrowseFrame, SaysThatALevelIsEmpty)
+TEST(BrowseFrame, MarksAnEmptyLevel)
 {
     Model model = PlayingModel();
     EXPECT_EQ(Screen(model, 8, 60)[1], "");
@@ -185,21 +185,21 @@ TEST(BrowseFrame, SaysThatALevelIsEmpty)
     EXPECT_EQ(Screen(model, 8, 60)[1], " (empty)");
 }
 
-TEST(BrowseFrame, SaysThatALevelCouldNotBeRead)
+TEST(BrowseFrame, ReportsAnUnreadableLevel)
 {
     Model model = PlayingModel();
     model.SetUnreadable();
-    EXPECT_EQ(Screen(model, 8, 60)[1], " (could not be read)");
+    EXPECT_EQ(Screen(model, 8, 60)[1], " (cannot be read)");
     EXPECT_EQ(Screen(model, 8, 60)[0].find("0/0"), std::string::npos);
-    EXPECT_EQ(Screen(model, 8, 60).back(), " the list could not be read to its end; Ctrl-L tries again");
+    EXPECT_EQ(Screen(model, 8, 60).back(), " the list is incomplete; press Ctrl-L to retry");
     model.SetCount(2);
     EXPECT_NE(Screen(model, 8, 60).back().find("help"), std::string::npos);
     model.SetUnreadable();
     EXPECT_EQ(Screen(model, 8, 60)[0].find('%'), std::string::npos);
-    EXPECT_EQ(Screen(model, 8, 60).back(), " the list could not be read to its end; Ctrl-L tries again");
+    EXPECT_EQ(Screen(model, 8, 60).back(), " the list is incomplete; press Ctrl-L to retry");
 }
 
-TEST(BrowseFrame, SaysThatItWaitsAfterAMoment)
+TEST(BrowseFrame, ReportsWaitingAfterASecond)
 {
     Model model = PlayingModel();
     model.waitingSince = kNow;
@@ -209,17 +209,18 @@ TEST(BrowseFrame, SaysThatItWaitsAfterAMoment)
     Type(model, "x");
     EXPECT_EQ(Screen(model, 8, 60, later).back(), " jump: x  waiting for the service…");
     model.connection.phase = ipodkit::Phase::Lost;
-    EXPECT_EQ(Screen(model, 8, 60, later).back(), " jump: x  reading the names");
+    EXPECT_EQ(Screen(model, 8, 60, later).back(), " jump: x  loading names");
 }
 
 TEST(BrowseFrame, ListsItsKeys)
 {
     Model model = PlayingModel();
     Type(model, "?");
-    EXPECT_EQ(Screen(model, 24, 80)[5], " /                            list only what matches; Enter opens, Esc ends");
+    EXPECT_EQ(Screen(model, 24, 80)[5],
+              " /                            show matching names only; Enter opens, Esc cancels");
     model.SetHeight(ListRows(5));
     Press(model, Key::Down);
-    EXPECT_EQ(Screen(model, 5, 20)[1], " Enter, Right  ente…");
+    EXPECT_EQ(Screen(model, 5, 20)[1], " Enter, Right  open…");
 }
 
 TEST(CellText, HasOneWidthOnEveryTerminal)

@@ -17,7 +17,7 @@ void ExpectCursor(const ListCursor& cursor, int at, int top)
 }
 }  // namespace
 
-TEST(ListCursor, ScrollsAsLittleAsItTakes)
+TEST(ListCursor, ScrollsJustEnough)
 {
     ExpectCursor(Moved({0, 0}, 9, 100, 10), 9, 0);
     ExpectCursor(Moved({9, 0}, 10, 100, 10), 10, 1);
@@ -42,14 +42,14 @@ TEST(ListCursor, SurvivesAScreenWithoutRows)
     ExpectCursor(Moved({4, 4}, 5, 10, 0), 5, 5);
 }
 
-TEST(ListCursor, PutsWhatWasNotShownIntoTheMiddle)
+TEST(ListCursor, CentersARowThatWasNotVisible)
 {
     ExpectCursor(Jumped({0, 0}, 50, 100, 10), 50, 45);
     ExpectCursor(Jumped({0, 0}, 5, 100, 10), 5, 0);
     ExpectCursor(Jumped({0, 0}, 99, 100, 10), 99, 90);
 }
 
-TEST(LevelNames, KnowsNothingAtFirst)
+TEST(LevelNames, AreUnknownAtFirst)
 {
     LevelNames names;
     names.Reset(3);
@@ -60,44 +60,44 @@ TEST(LevelNames, KnowsNothingAtFirst)
     EXPECT_FALSE(names.Complete());
 }
 
-TEST(LevelNames, AsksForWhatIsSeenBeforeTheRest)
+TEST(LevelNames, LoadsVisibleNamesFirst)
 {
     LevelNames names;
     names.Reset(100);
-    EXPECT_EQ(names.Missing(50, 10), 50);
+    EXPECT_EQ(names.NextMissing(50, 10), 50);
     names.Put(50, std::vector<std::string>(10, "x"));
-    EXPECT_EQ(names.Missing(50, 10), 0);
-    EXPECT_EQ(names.Missing(55, 10), 60);
+    EXPECT_EQ(names.NextMissing(50, 10), 0);
+    EXPECT_EQ(names.NextMissing(55, 10), 60);
     names.Put(0, std::vector<std::string>(50, "x"));
-    EXPECT_EQ(names.Missing(0, 10), 60);
+    EXPECT_EQ(names.NextMissing(0, 10), 60);
     names.Put(60, std::vector<std::string>(40, "x"));
-    EXPECT_EQ(names.Missing(0, 10), -1);
+    EXPECT_EQ(names.NextMissing(0, 10), -1);
     EXPECT_TRUE(names.Complete());
 }
 
-TEST(LevelNames, LeaveOutWhatLiesOutside)
+TEST(LevelNames, IgnoreEntriesOutsideTheLevel)
 {
     LevelNames names;
     names.Reset(2);
     EXPECT_TRUE(names.Put(1, {"b", "c"}));
     EXPECT_EQ(*names.At(1), "b");
-    EXPECT_EQ(names.Arrived(), 1);
+    EXPECT_EQ(names.Loaded(), 1);
 }
 
-TEST(LevelNames, ShowTheOldOnesUntilTheNewOnesCome)
+TEST(LevelNames, ShowStaleNamesUntilTheyAreLoaded)
 {
     LevelNames names;
     names.Reset(2);
     names.Put(0, {"a", "b"});
-    names.Renew();
+    names.MarkStale();
     EXPECT_EQ(*names.At(1), "b");
-    EXPECT_EQ(names.Missing(0, 2), 0);
+    EXPECT_EQ(names.NextMissing(0, 2), 0);
     EXPECT_FALSE(names.Put(0, {"a"}));
     EXPECT_TRUE(names.Put(1, {"B"}));
     EXPECT_TRUE(names.Complete());
 }
 
-TEST(LevelNames, FindANameWhereItIsLikely)
+TEST(LevelNames, FindANameAtTheLikelyIndexFirst)
 {
     LevelNames names;
     names.Reset(3);

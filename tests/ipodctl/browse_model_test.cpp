@@ -39,11 +39,12 @@ TEST(BrowseModel, OpensTheSelectedEntryAndGoesBack)
     Press(model, Key::Down);
     for (const Key key : {Key::Enter, Key::Right})
     {
-        const Wish wish = Press(model, key);
-        EXPECT_EQ(wish.what, Wish::What::Open);
-        EXPECT_EQ(wish.entry, 1);
+        const Action action = Press(model, key);
+        EXPECT_EQ(action.kind, Action::Kind::Open);
+        EXPECT_EQ(action.entry, 1);
     }
-    for (const Key key : {Key::Left, Key::Backspace, Key::Escape}) EXPECT_EQ(Press(model, key).what, Wish::What::Back);
+    for (const Key key : {Key::Left, Key::Backspace, Key::Escape})
+        EXPECT_EQ(Press(model, key).kind, Action::Kind::Back);
 }
 
 TEST(BrowseModel, JumpsToANameByItsInitials)
@@ -72,19 +73,19 @@ TEST(BrowseModel, StaysWhereItIsWhenNothingMatches)
     EXPECT_EQ(SelectedName(model), "周杰伦");
 }
 
-TEST(BrowseModel, TakesALetterOfAJumpBack)
+TEST(BrowseModel, BackspaceDeletesTheLastLetterOfAJump)
 {
     Model model = ModelOf(kArtists);
     Type(model, "zjx");
-    EXPECT_EQ(Press(model, Key::Backspace).what, Wish::What::Nothing);
+    EXPECT_EQ(Press(model, Key::Backspace).kind, Action::Kind::Nothing);
     EXPECT_EQ(model.Jumping()->query, "zj");
     Press(model, Key::Backspace);
     Press(model, Key::Backspace);
     EXPECT_FALSE(model.Jumping());
-    EXPECT_EQ(Press(model, Key::Backspace).what, Wish::What::Back);
+    EXPECT_EQ(Press(model, Key::Backspace).kind, Action::Kind::Back);
 }
 
-TEST(BrowseModel, BeginsANewJumpAfterAWhile)
+TEST(BrowseModel, StartsANewJumpAfterTwoSeconds)
 {
     Model model = ModelOf(kArtists);
     Type(model, "z");
@@ -100,11 +101,11 @@ TEST(BrowseModel, EscapeEndsAJumpWithoutGoingBack)
 {
     Model model = ModelOf(kArtists);
     Type(model, "z");
-    EXPECT_EQ(Press(model, Key::Escape).what, Wish::What::Nothing);
+    EXPECT_EQ(Press(model, Key::Escape).kind, Action::Kind::Nothing);
     EXPECT_FALSE(model.Jumping());
 }
 
-TEST(BrowseModel, JumpsAsSoonAsTheNamesAreRead)
+TEST(BrowseModel, JumpsAsSoonAsTheIndexIsBuilt)
 {
     Model model;
     model.SetHeight(3);
@@ -116,7 +117,7 @@ TEST(BrowseModel, JumpsAsSoonAsTheNamesAreRead)
     EXPECT_EQ(SelectedName(model), "周杰伦");
 }
 
-TEST(BrowseModel, ListsOnlyWhatIsSearchedFor)
+TEST(BrowseModel, ASearchListsMatchesOnly)
 {
     Model model = ModelOf(kArtists);
     Type(model, "/");
@@ -125,12 +126,12 @@ TEST(BrowseModel, ListsOnlyWhatIsSearchedFor)
     EXPECT_EQ(model.Rows(), 3);
     Type(model, "jl");
     ASSERT_EQ(model.Rows(), 1);
-    const Wish wish = Press(model, Key::Enter);
-    EXPECT_EQ(wish.what, Wish::What::Open);
-    EXPECT_EQ(wish.entry, 6);
+    const Action action = Press(model, Key::Enter);
+    EXPECT_EQ(action.kind, Action::Kind::Open);
+    EXPECT_EQ(action.entry, 6);
 }
 
-TEST(BrowseModel, SearchesWhileLettersAreTakenBack)
+TEST(BrowseModel, ASearchWidensWhenLettersAreDeleted)
 {
     Model model = ModelOf(kArtists);
     Type(model, "/zjlx");
@@ -140,11 +141,11 @@ TEST(BrowseModel, SearchesWhileLettersAreTakenBack)
     EXPECT_EQ(model.Rows(), 1);
     for (int i = 0; i < 3; ++i) Press(model, Key::Backspace);
     EXPECT_EQ(model.Rows(), 7);
-    EXPECT_EQ(Press(model, Key::Backspace).what, Wish::What::Nothing);
+    EXPECT_EQ(Press(model, Key::Backspace).kind, Action::Kind::Nothing);
     EXPECT_FALSE(model.Searching());
 }
 
-TEST(BrowseModel, TakesWholeCharactersBack)
+TEST(BrowseModel, BackspaceDeletesWholeCharacters)
 {
     Model model = ModelOf(kArtists);
     Type(model, "/");
@@ -154,17 +155,17 @@ TEST(BrowseModel, TakesWholeCharactersBack)
     EXPECT_EQ(model.Searching()->query, "");
 }
 
-TEST(BrowseModel, LeavesASearchWhereItBegan)
+TEST(BrowseModel, EscapeRestoresTheSelectionBeforeASearch)
 {
     Model model = ModelOf(kArtists);
     Press(model, Key::Down);
     Type(model, "/zjl");
-    EXPECT_EQ(Press(model, Key::Escape).what, Wish::What::Nothing);
+    EXPECT_EQ(Press(model, Key::Escape).kind, Action::Kind::Nothing);
     EXPECT_EQ(model.Rows(), 7);
     EXPECT_EQ(model.Selected(), 1);
 }
 
-TEST(BrowseModel, StandsAtWhatWasFoundAfterwards)
+TEST(BrowseModel, SelectsTheEntryOpenedFromASearch)
 {
     Model model = ModelOf(kArtists);
     Type(model, "/zjl");
@@ -173,17 +174,17 @@ TEST(BrowseModel, StandsAtWhatWasFoundAfterwards)
     EXPECT_EQ(SelectedName(model), "周杰伦");
 }
 
-TEST(BrowseModel, BlanksAreTextInASearchAndPauseElsewhere)
+TEST(BrowseModel, SpaceIsTextInASearchAndPausesElsewhere)
 {
     Model model = ModelOf(kArtists);
-    EXPECT_EQ(Type(model, " ").what, Wish::What::TogglePause);
-    EXPECT_EQ(Type(model, ">").what, Wish::What::Next);
-    EXPECT_EQ(Type(model, "<").what, Wish::What::Previous);
-    EXPECT_EQ(Type(model, "/zhou jie").what, Wish::What::Nothing);
+    EXPECT_EQ(Type(model, " ").kind, Action::Kind::TogglePause);
+    EXPECT_EQ(Type(model, ">").kind, Action::Kind::Next);
+    EXPECT_EQ(Type(model, "<").kind, Action::Kind::Previous);
+    EXPECT_EQ(Type(model, "/zhou jie").kind, Action::Kind::Nothing);
     EXPECT_EQ(SelectedName(model), "周杰伦");
 }
 
-TEST(BrowseModel, KeepsItsPlaceInEachLevel)
+TEST(BrowseModel, KeepsTheSelectionOfEachLevel)
 {
     Model model = ModelOf({"Artists", "Albums"});
     Press(model, Key::Down);
@@ -198,7 +199,7 @@ TEST(BrowseModel, KeepsItsPlaceInEachLevel)
     EXPECT_EQ(SelectedName(model), "Albums");
 }
 
-TEST(BrowseModel, TakesUpTheCursorOfALevelThatItReturnsTo)
+TEST(BrowseModel, RestoresTheCursorOfALevel)
 {
     Model model = ModelOf({"Artists"});
     model.Enter("Artists", 0, {5, 4});
@@ -208,7 +209,7 @@ TEST(BrowseModel, TakesUpTheCursorOfALevelThatItReturnsTo)
     EXPECT_EQ(model.Cursor().top, 4);
 }
 
-TEST(BrowseModel, ForgetsTheIndexOfNamesThatBecameOthers)
+TEST(BrowseModel, DropsTheIndexWhenNamesChange)
 {
     Model model = ModelOf(kArtists);
     model.Put({0, {"Adele"}, false, true});
@@ -217,7 +218,7 @@ TEST(BrowseModel, ForgetsTheIndexOfNamesThatBecameOthers)
     EXPECT_FALSE(model.Current().index);
 }
 
-TEST(BrowseModel, DropsWhatItKnewWhenTheSizeIsAnother)
+TEST(BrowseModel, DropsAllNamesWhenTheCountChanges)
 {
     Model model = ModelOf(kArtists);
     Press(model, Key::End);
@@ -226,25 +227,25 @@ TEST(BrowseModel, DropsWhatItKnewWhenTheSizeIsAnother)
     EXPECT_EQ(model.Selected(), 1);
 }
 
-TEST(BrowseModel, ShowsItsKeysUntilAnotherIsPressed)
+TEST(BrowseModel, AnyOtherKeyClosesTheHelp)
 {
     Model model = ModelOf(kArtists);
     Type(model, "?");
     Press(model, Key::Down);
     EXPECT_EQ(model.Help(), 1);
-    EXPECT_EQ(Press(model, Key::Enter).what, Wish::What::Nothing);
+    EXPECT_EQ(Press(model, Key::Enter).kind, Action::Kind::Nothing);
     EXPECT_FALSE(model.Help());
 }
 
-TEST(BrowseModel, ForgetsAMessageAfterAWhileOrAKey)
+TEST(BrowseModel, RemovesAMessageAfterFiveSecondsOrAKey)
 {
     Model model = ModelOf(kArtists);
-    model.Say("refused", kNow);
+    model.ShowMessage("refused", kNow);
     model.Tick(kNow + std::chrono::seconds(4));
     EXPECT_EQ(model.Message(), "refused");
     model.Tick(kNow + std::chrono::seconds(5));
     EXPECT_EQ(model.Message(), "");
-    model.Say("refused", kNow);
+    model.ShowMessage("refused", kNow);
     Press(model, Key::Down);
     EXPECT_EQ(model.Message(), "");
 }

@@ -1,5 +1,5 @@
 /// @file
-/// What the tests of the browser's model and of its screen have in common.
+/// Shared by the tests of the browser's model and of its screen.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 namespace ctl::browse
 {
-// Bytes of a character after its first.
+// UTF-8 continuation bytes.
 inline const std::string kContinuation = []
 {
     std::string bytes;
@@ -21,7 +21,7 @@ inline const std::string kContinuation = []
 
 constexpr Time kNow{std::chrono::seconds(1000)};
 
-/// A model in a level whose names have all arrived and are indexed.
+/// Loads all names of the current level and indexes them.
 inline void Fill(Model& model, const std::vector<std::string>& names, bool folders = false)
 {
     model.SetCount(static_cast<int>(names.size()));
@@ -29,17 +29,17 @@ inline void Fill(Model& model, const std::vector<std::string>& names, bool folde
     model.SetIndex(ipodnames::JumpIndex(names));
 }
 
-inline Wish Press(Model& model, Key key)
+inline Action Press(Model& model, Key key)
 {
     return model.Press({key, {}}, kNow);
 }
 
-/// Types text, one character after the other; the last wish.
-inline Wish Type(Model& model, const std::string& text, Time now = kNow)
+/// Types @p text character by character; returns the last action.
+inline Action Type(Model& model, const std::string& text, Time now = kNow)
 {
-    Wish wish;
-    for (const char letter : text) wish = model.Press({Key::Text, std::string(1, letter)}, now);
-    return wish;
+    Action action;
+    for (const char letter : text) action = model.Press({Key::Text, std::string(1, letter)}, now);
+    return action;
 }
 
 inline std::string SelectedName(const Model& model)
@@ -48,8 +48,8 @@ inline std::string SelectedName(const Model& model)
     return name == nullptr ? "" : *name;
 }
 
-/// A line as it is seen: spans at their columns, later ones over earlier ones.
-inline std::string Seen(const Line& line)
+/// Renders a line: spans at their columns, later ones over previousActions ones.
+inline std::string Rendered(const Line& line)
 {
     std::map<int, std::string> cells;
     for (const Span& span : line)

@@ -13,7 +13,7 @@
 
 namespace
 {
-// Calls itself until the stack is full, in a way that no compiler turns into a loop.
+// Recurses until the stack overflows, in a form that the compiler cannot turn into a loop.
 // NOLINTNEXTLINE(misc-no-recursion)
 int Overflow(volatile char* above)
 {
@@ -41,20 +41,20 @@ struct Crash
     bool modesRestored = false;
 };
 
-[[noreturn]] void RunOn(int terminal, void (*mistake)())
+[[noreturn]] void RunOn(int terminal, void (*fail)())
 {
     login_tty(terminal);
     const ctl::browse::CrashGuard guard;
-    ctl::browse::CrashGuard::SendAtCrash("farewell");
+    ctl::browse::CrashGuard::SetResetSequence("resetSequence");
     termios modes{};
     tcgetattr(STDIN_FILENO, &modes);
     cfmakeraw(&modes);
     tcsetattr(STDIN_FILENO, TCSANOW, &modes);
-    mistake();
+    fail();
     _exit(0);
 }
 
-Crash CrashBy(void (*mistake)())
+Crash CrashBy(void (*fail)())
 {
     int controller = -1;
     int terminal = -1;
@@ -62,7 +62,7 @@ Crash CrashBy(void (*mistake)())
     termios before{};
     tcgetattr(terminal, &before);
     const pid_t child = fork();
-    if (child == 0) RunOn(terminal, mistake);
+    if (child == 0) RunOn(terminal, fail);
     Crash crash;
     EXPECT_EQ(waitpid(child, &crash.status, 0), child);
     termios after{};
@@ -76,22 +76,22 @@ Crash CrashBy(void (*mistake)())
     return crash;
 }
 
-void ExpectTerminalGivenBack(const Crash& crash, int signal)
+void ExpectTerminalRestored(const Crash& crash, int signal)
 {
     EXPECT_TRUE(WIFSIGNALED(crash.status)) << crash.status;
     EXPECT_EQ(WTERMSIG(crash.status), signal);
     EXPECT_TRUE(crash.modesRestored);
-    // An emulator adds a line of its own.
-    EXPECT_EQ(crash.written.substr(0, crash.written.find("qemu: ")), "farewell");
+    // An emulator appends a line of its own.
+    EXPECT_EQ(crash.written.substr(0, crash.written.find("qemu: ")), "resetSequence");
 }
 }  // namespace
 
-TEST(CrashGuard, GivesTheTerminalBackAfterAMistake)
+TEST(CrashGuard, RestoresTheTerminalAfterACrash)
 {
-    ExpectTerminalGivenBack(CrashBy(Abort), SIGABRT);
+    ExpectTerminalRestored(CrashBy(Abort), SIGABRT);
 }
 
-TEST(CrashGuard, GivesTheTerminalBackAfterAStackOverflow)
+TEST(CrashGuard, RestoresTheTerminalAfterAStackOverflow)
 {
-    ExpectTerminalGivenBack(CrashBy(OverflowStack), SIGSEGV);
+    ExpectTerminalRestored(CrashBy(OverflowStack), SIGSEGV);
 }

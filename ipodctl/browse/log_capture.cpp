@@ -1,4 +1,4 @@
-#include "browse/message_box.h"
+#include "browse/log_capture.h"
 
 #include <glib.h>
 
@@ -13,26 +13,26 @@ namespace ctl::browse
 {
 namespace
 {
-constexpr std::size_t kMost = 20;
+constexpr std::size_t kMaxMessages = 20;
 
 std::mutex access;
 std::set<std::string> kept;
 
-// Threads of the library may have something to say too.
-void Keep(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer)
+// Worker threads of the library log, too.
+void Capture(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer)
 {
     if ((level & (G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG)) != 0) return;
     const std::lock_guard<std::mutex> lock(access);
-    if (kept.size() < kMost) kept.insert(std::string(domain == nullptr ? "" : domain) + ": " + message);
+    if (kept.size() < kMaxMessages) kept.insert(std::string(domain == nullptr ? "" : domain) + ": " + message);
 }
 }  // namespace
 
-MessageBox::MessageBox()
+LogCapture::LogCapture()
 {
-    g_log_set_default_handler(Keep, nullptr);
+    g_log_set_default_handler(Capture, nullptr);
 }
 
-MessageBox::~MessageBox()
+LogCapture::~LogCapture()
 {
     g_log_set_default_handler(g_log_default_handler, nullptr);
     const std::lock_guard<std::mutex> lock(access);
