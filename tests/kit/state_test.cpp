@@ -48,6 +48,34 @@ TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
     EXPECT_FALSE(State()->location);
 }
 
+TEST_F(StateTest, IsPublishedWithEachEventIfThereIsNoSettleTime)
+{
+    options.settle = 0ms;
+    Ready();
+    std::vector<std::string> order;
+    const auto later = [](gpointer steps)
+    {
+        static_cast<std::vector<std::string>*>(steps)->emplace_back("next turn of the loop");
+        return G_SOURCE_REMOVE;
+    };
+    const Subscription events = session->OnEvent("event",
+                                                 [&](const ipodkit::Event&)
+                                                 {
+                                                     order.emplace_back("event");
+                                                     g_idle_add_full(G_PRIORITY_HIGH, later, &order, nullptr);
+                                                 });
+    const Subscription states =
+        session->OnState("state", [&](const StatePtr&, Fields) { order.emplace_back("state"); });
+    ASSERT_TRUE(RunLoopUntil([&] { return !order.empty(); }));
+    order.clear();
+
+    service.Emit("OnIpodPlayingListAmountChange", "(77,)");
+
+    ASSERT_TRUE(RunLoopUntil([&] { return order.size() == 3; }));
+    EXPECT_EQ(order, (std::vector<std::string>{"event", "state", "next turn of the loop"}));
+    EXPECT_EQ(State()->queueSize, 77);
+}
+
 TEST_F(StateTest, FollowsEveryEvent)
 {
     Ready();

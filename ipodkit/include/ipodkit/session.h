@@ -39,9 +39,9 @@ namespace ipodkit
 {
 struct SessionOptions
 {
-    GMainContext* context = nullptr;              ///< null: the default one
-    std::chrono::milliseconds settle{20};         ///< a change is published so long after its first event
-    std::chrono::milliseconds deadline{5000};     ///< of each request, unless it says otherwise
+    GMainContext* context = nullptr;           ///< null: the default one
+    std::chrono::milliseconds settle{20};      ///< changes within this time are published together; 0: with each event
+    std::chrono::milliseconds deadline{5000};  ///< of each request, unless it says otherwise
     std::chrono::milliseconds callbackBudget{5};  ///< a callback that takes longer is named in the log
     std::size_t artworkLimit = 1 << 20;           ///< larger pictures are left out, in bytes
     bool activateService = false;                 ///< ask the bus to start the service while nobody owns its name

@@ -168,8 +168,8 @@ void Session::Impl::Follow(const Event& event)
     m_draft.Apply(event);
     m_lanes.OutdateBy(SignalName(event));
     if (std::holds_alternative<DeviceChanged>(event)) m_reader->ReadDevices();
-    m_publisher->Touch();
     m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(event); });
+    m_publisher->Touch();
 }
 
 // No event reports that another device is browsed now.

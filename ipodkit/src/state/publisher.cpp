@@ -36,7 +36,11 @@ Subscription Publisher::Subscribe(std::string name, Session::StateCallback callb
 
 void Publisher::Touch()
 {
-    if (m_connection.phase == Phase::Ready) m_timer.Start(m_settle);
+    if (m_connection.phase != Phase::Ready) return;
+    if (m_settle.count() > 0)
+        m_timer.Start(m_settle);
+    else
+        PublishNext(m_draft.State());
 }
 
 // Calls and accessory sessions live in the service: they end with it.
