@@ -8,7 +8,7 @@
 #include <functional>
 
 #include "bus.h"
-#include "counted_malloc.h"
+#include "support/counted_malloc.h"
 
 namespace
 {
@@ -45,12 +45,12 @@ void Repeat(int times, const std::function<void()>& operation)
 void Measure(const char* name, int times, const std::function<void()>& operation)
 {
     Repeat(kWarmUp, operation);
-    const long allocations = LiveAllocations();
+    const long allocations = test::LiveAllocations();
     const long resident = ResidentKilobytes();
     Repeat(times, operation);
     std::printf(R"({"growth": "%s", "times": %d, "allocations": %ld, "kilobytes": %ld})"
                 "\n",
-                name, times, LiveAllocations() - allocations, ResidentKilobytes() - resident);
+                name, times, test::LiveAllocations() - allocations, ResidentKilobytes() - resident);
     std::fflush(stdout);
 }
 

@@ -1,4 +1,4 @@
-#include "counted_malloc.h"
+#include "support/counted_malloc.h"
 
 #include <atomic>
 #include <cerrno>
@@ -14,21 +14,28 @@ extern "C" void __libc_free(void*);
 namespace
 {
 std::atomic<long> live{0};
+thread_local long made = 0;
 
 void* Counted(void* memory)
 {
     if (memory != nullptr) live.fetch_add(1, std::memory_order_relaxed);
+    ++made;
     return memory;
 }
 }  // namespace
 
-namespace bench
+namespace test
 {
 long LiveAllocations()
 {
     return live.load();
 }
-}  // namespace bench
+
+long AllocationsOfThisThread()
+{
+    return made;
+}
+}  // namespace test
 
 extern "C" void* malloc(std::size_t size)
 {

@@ -2,8 +2,11 @@
 /// Counts the allocations of the whole process, those of the libraries included.
 #pragma once
 
-namespace bench
+namespace test
 {
 /// Allocations that were made and not released yet.
 long LiveAllocations();
-}  // namespace bench
+
+/// All allocations that the calling thread has made so far.
+long AllocationsOfThisThread();
+}  // namespace test
