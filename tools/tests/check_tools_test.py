@@ -258,6 +258,45 @@ class CheckContract(Case):
         self.expect_difference("proto", "remote_id = 1;", "remote_id = 13;", "remote_id")
 
 
+class CheckLinks(Case):
+    def check(self, text):
+        self.write("docs/other.md", "# Other page\n\n## `code`, and *more*\n\n    # no heading\n\n## Twice\n## Twice\n")
+        self.write("docs/page.md", text)
+        return self.run_check("check-links", self.root)
+
+    def expect_dangling(self, text, link):
+        status, output = self.check(text)
+        self.assertEqual(1, status, output)
+        self.assertIn(link, output)
+
+    def test_passes_links_that_lead_somewhere(self):
+        status, output = self.check("# Here\n[a](other.md) [b](other.md#code-and-more) [c](#here) [d](../docs)\n"
+                                    "[e](https://example.com/x#y) [f](other.md#twice-1) ![g](other.md)\n[h]: other.md\n")
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_missing_file(self):
+        self.expect_dangling("[a](gone.md)\n", "docs/page.md:1: gone.md")
+
+    def test_finds_a_missing_anchor(self):
+        self.expect_dangling("[a](other.md)\n[b](other.md#gone)\n", "docs/page.md:2: other.md#gone")
+
+    def test_finds_a_missing_anchor_of_its_own_page(self):
+        self.expect_dangling("# Here\n[a](#there)\n", "docs/page.md:2: #there")
+
+    def test_finds_a_missing_file_of_a_reference(self):
+        self.expect_dangling("[a]: gone.md\n", "docs/page.md:1: gone.md")
+
+    def test_takes_no_code_for_a_heading(self):
+        self.expect_dangling("[a](other.md#no-heading)\n", "#no-heading")
+
+    def test_ignores_links_in_code(self):
+        status, output = self.check("[a](other.md)\n```cpp\n[](gone)\n```\n`[](gone)`\n\n    [](gone)\n")
+        self.assertEqual(0, status, output)
+
+    def test_refuses_documents_without_links(self):
+        self.assertEqual(1, self.check("nothing\n")[0])
+
+
 class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
