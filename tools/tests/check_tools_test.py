@@ -89,11 +89,13 @@ class CheckLogTable(Case):
     SOURCE = ('int Client::Play(int option)\n{\n    LOG_INFO("play %d "\n             "now", option);\n'
               '    Call(SYNC(com_play_sync));\n}\n')
     TABLE = ("| `play %d now` | INFO | `Play` | it plays |\n"
-             "| `com_play_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` | it does not |\n")
+             "| `com_{method}_sync: Failed to call dbus method. Reason: %s.` | ERROR | `{Method}` | it does not |\n")
+    XML = '<node><interface name="com"><method name="Play"/>{}</interface></node>'
 
-    def check(self, table, source):
+    def check(self, table, source, methods=""):
         self.write("libipod/client.cpp", source)
-        return self.run_check("check-log-table", self.write("docs/logging.md", table), self.root / "libipod")
+        return self.run_check("check-log-table", self.write("docs/logging.md", table), self.root / "libipod",
+                              self.write("com.xml", self.XML.format(methods)))
 
     def expect_violation(self, table, source, line):
         status, output = self.check(table, source)
@@ -123,6 +125,22 @@ class CheckLogTable(Case):
     def test_finds_a_call_without_a_row(self):
         self.expect_violation(self.TABLE, self.SOURCE.replace("com_play", "com_stop"),
                               "com_stop_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` |")
+
+    def test_finds_a_method_whose_call_the_code_lacks(self):
+        status, output = self.check(self.TABLE, self.SOURCE, '<method name="EnterDbRoot"/>')
+        self.assertEqual(1, status, output)
+        self.assertIn("not in the code: | `com_enter_db_root_sync: Failed", output)
+
+    def test_accepts_the_exceptions_of_a_template(self):
+        status, output = self.check(self.TABLE + "| `Play` | `PlayIt` |\n| `Notify` | — |\n",
+                                    self.SOURCE.replace("::Play", "::PlayIt"), '<method name="Notify"/>')
+        self.assertEqual(1, status, output)
+        self.assertNotIn("com_", output)
+
+    def test_refuses_an_exception_for_no_method(self):
+        status, output = self.check(self.TABLE + "| `Gone` | — |\n", self.SOURCE)
+        self.assertEqual(1, status, output)
+        self.assertIn("an exception for Gone", output)
 
     def test_refuses_a_log_site_whose_text_it_cannot_read(self):
         status, output = self.check(self.TABLE, self.SOURCE.replace('"play %d "\n             "now"', "kText"))
