@@ -536,9 +536,8 @@ class Documentation(unittest.TestCase):
         for step in schema["properties"]["steps"]["items"]["oneOf"]:
             name = step["properties"]["event"]["const"]
             action = schema["$defs"][name]
-            fields = " ".join(f"`{field}`" for field in action["anyOf"][0]["properties"])
             with self.subTest(name):
-                self.assertIn(f"| `{name}` | {fields}{' ' if fields else ''}| {action['title']} | {action['description']} |\n", text)
+                self.assertIn(f"| `{name}` | {action['description']} |\n", text)
 
 
 class Playback(OnABus):
