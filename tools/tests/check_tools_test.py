@@ -137,6 +137,13 @@ class CheckLogTable(Case):
         self.assertEqual(1, status, output)
         self.assertNotIn("com_", output)
 
+    def test_accepts_several_functions_in_a_row(self):
+        status, output = self.check(self.TABLE + "| `{function}()` | WARN | `Stop`, `Next` | x |\n", self.SOURCE +
+                                    'void Stop()\n{\n    LOG_WARN("Stop()");\n}\n')
+        self.assertEqual(1, status, output)
+        self.assertIn("not in the code: | `Next()` | WARN | `Next` |", output)
+        self.assertNotIn("`Stop()`", output)
+
     def test_refuses_an_exception_for_no_method(self):
         status, output = self.check(self.TABLE + "| `Gone` | — |\n", self.SOURCE)
         self.assertEqual(1, status, output)
@@ -262,8 +269,8 @@ class CheckContract(Case):
                                "only in the document: ('signal', 'OnPlayStatusChanged'")
 
     def test_finds_another_order(self):
-        self.expect_difference("document", "| 3 | `Pause` | — | `result`: b |  |\n| 4 | `Stop` | — | `result`: b |  |",
-                               "| 3 | `Stop` | — | `result`: b |  |\n| 4 | `Pause` | — | `result`: b |  |", "order")
+        self.expect_difference("document", "| 3 | `Pause` | — | `result`: b |\n| 4 | `Stop` | — | `result`: b |",
+                               "| 3 | `Stop` | — | `result`: b |\n| 4 | `Pause` | — | `result`: b |", "order")
 
     def test_finds_a_property(self):
         self.expect_difference("xml", '<method name="Pause">',
