@@ -269,8 +269,8 @@ class CheckContract(Case):
                                "only in the document: ('signal', 'OnPlayStatusChanged'")
 
     def test_finds_another_order(self):
-        self.expect_difference("document", "| 3 | `Pause` | — | `result`: b |\n| 4 | `Stop` | — | `result`: b |",
-                               "| 3 | `Stop` | — | `result`: b |\n| 4 | `Pause` | — | `result`: b |", "order")
+        self.expect_difference("document", "| `Pause` | — | `result`: b |\n| `Stop` | — | `result`: b |",
+                               "| `Stop` | — | `result`: b |\n| `Pause` | — | `result`: b |", "order")
 
     def test_finds_a_property(self):
         self.expect_difference("xml", '<method name="Pause">',
