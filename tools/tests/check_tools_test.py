@@ -322,6 +322,27 @@ class CheckLinks(Case):
         self.assertEqual(1, self.check("nothing\n")[0])
 
 
+class CheckWords(Case):
+    def check(self, text):
+        return self.run_check("check-words", "--no-spelling", self.write("docs/page.md", text))
+
+    def test_passes_plain_words(self):
+        status, output = self.check("The library fails with an error.\n")
+        self.assertEqual(0, status, output)
+
+    def test_finds_an_expression_and_its_replacement(self):
+        status, output = self.check("Good.\nThe list is another one than before.\n")
+        self.assertEqual(1, status, output)
+        self.assertIn("page.md:2: 'is another one than'", output)
+
+    def test_finds_an_expression_across_a_line_break(self):
+        status, output = self.check("No memory is to be\nhad.\n")
+        self.assertEqual(1, status, output)
+
+    def test_refuses_to_check_nothing(self):
+        self.assertEqual(2, self.run_check("check-words", "--no-spelling", self.root / "*.none")[0])
+
+
 class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
