@@ -269,7 +269,7 @@ public:
 ///         space, damaged, made for another word size, never finished by their creator (after 5 seconds), or
 ///         locked by a process that died (after 10 seconds). There is no second attempt. The lock that guards the
 ///         creation stays held: on the same thread a second call gives a player that can use commands but no
-///         shared data, on any other thread it blocks for ever. End the process, or go on without the player.
+///         shared data, on any other thread it blocks forever. End the process, or go on without the player.
 IQBXIpodPlayer* QBX_GetIpodPlayer();
 
 /// Deletes the player object; does nothing when there is none. A later QBX_GetIpodPlayer() builds a new one,

@@ -15,7 +15,7 @@ loader = importlib.machinery.SourceFileLoader("run_faults", str(HERE / "run-faul
 run_faults = importlib.util.module_from_spec(importlib.util.spec_from_loader("run_faults", loader))
 loader.exec_module(run_faults)
 
-ROW = run_faults.rows.Row("area", "fault", "contract", "expected", "case", log={"failed": 1})
+ROW = run_faults.rows.Row("area", "fault", "expected", "case", log={"failed": 1})
 GOOD = (0, "alive\n", "it failed\n")
 
 

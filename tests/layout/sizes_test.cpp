@@ -1,5 +1,5 @@
-// Sizes that applications and the service were built with: the table of docs/porting.md, held by the compiler, on the
-// unit's word size and on the desk's.
+// Sizes that applications and the service were built with, checked by the compiler for the word size of the head
+// unit and for that of the desk. docs/porting.md refers to this list.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 

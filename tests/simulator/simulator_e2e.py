@@ -528,17 +528,13 @@ class FromTheCommandLine(OnABus):
 
 
 class Documentation(unittest.TestCase):
-    def test_the_guide_lists_the_actions_as_the_schema_does(self):
+    def test_the_guide_lists_the_actions_of_the_schema(self):
         schema = json.loads(subprocess.run([OPTIONS.simulator, "--print-schema"], check=True, capture_output=True,
                                            text=True, timeout=LIMIT).stdout)
         with open(OPTIONS.guide, encoding="utf-8") as guide:
-            text = guide.read()
-        for step in schema["properties"]["steps"]["items"]["oneOf"]:
-            name = step["properties"]["event"]["const"]
-            action = schema["$defs"][name]
-            fields = " ".join(f"`{field}`" for field in action["anyOf"][0]["properties"])
-            with self.subTest(name):
-                self.assertIn(f"| `{name}` | {fields}{' ' if fields else ''}| {action['title']} | {action['description']} |\n", text)
+            table = guide.read().partition("| Subject | Actions |\n")[2].partition("\n\n")[0]
+        actions = [step["properties"]["event"]["const"] for step in schema["properties"]["steps"]["items"]["oneOf"]]
+        self.assertEqual(sorted(re.findall(r"`([^`]+)`", table)), sorted(actions))
 
 
 class Playback(OnABus):

@@ -89,11 +89,13 @@ class CheckLogTable(Case):
     SOURCE = ('int Client::Play(int option)\n{\n    LOG_INFO("play %d "\n             "now", option);\n'
               '    Call(SYNC(com_play_sync));\n}\n')
     TABLE = ("| `play %d now` | INFO | `Play` | it plays |\n"
-             "| `com_play_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` | it does not |\n")
+             "| `com_{method}_sync: Failed to call dbus method. Reason: %s.` | ERROR | `{Method}` | it does not |\n")
+    XML = '<node><interface name="com"><method name="Play"/>{}</interface></node>'
 
-    def check(self, table, source):
+    def check(self, table, source, methods=""):
         self.write("libipod/client.cpp", source)
-        return self.run_check("check-log-table", self.write("docs/logging.md", table), self.root / "libipod")
+        return self.run_check("check-log-table", self.write("docs/logging.md", table), self.root / "libipod",
+                              self.write("com.xml", self.XML.format(methods)))
 
     def expect_violation(self, table, source, line):
         status, output = self.check(table, source)
@@ -123,6 +125,29 @@ class CheckLogTable(Case):
     def test_finds_a_call_without_a_row(self):
         self.expect_violation(self.TABLE, self.SOURCE.replace("com_play", "com_stop"),
                               "com_stop_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` |")
+
+    def test_finds_a_method_whose_call_the_code_lacks(self):
+        status, output = self.check(self.TABLE, self.SOURCE, '<method name="EnterDbRoot"/>')
+        self.assertEqual(1, status, output)
+        self.assertIn("not in the code: | `com_enter_db_root_sync: Failed", output)
+
+    def test_accepts_the_exceptions_of_a_template(self):
+        status, output = self.check(self.TABLE + "| `Play` | `PlayIt` |\n| `Notify` | — |\n",
+                                    self.SOURCE.replace("::Play", "::PlayIt"), '<method name="Notify"/>')
+        self.assertEqual(1, status, output)
+        self.assertNotIn("com_", output)
+
+    def test_accepts_several_functions_in_a_row(self):
+        status, output = self.check(self.TABLE + "| `{function}()` | WARN | `Stop`, `Next` | x |\n", self.SOURCE +
+                                    'void Stop()\n{\n    LOG_WARN("Stop()");\n}\n')
+        self.assertEqual(1, status, output)
+        self.assertIn("not in the code: | `Next()` | WARN | `Next` |", output)
+        self.assertNotIn("`Stop()`", output)
+
+    def test_refuses_an_exception_for_no_method(self):
+        status, output = self.check(self.TABLE + "| `Gone` | — |\n", self.SOURCE)
+        self.assertEqual(1, status, output)
+        self.assertIn("an exception for Gone", output)
 
     def test_refuses_a_log_site_whose_text_it_cannot_read(self):
         status, output = self.check(self.TABLE, self.SOURCE.replace('"play %d "\n             "now"', "kText"))
@@ -244,8 +269,8 @@ class CheckContract(Case):
                                "only in the document: ('signal', 'OnPlayStatusChanged'")
 
     def test_finds_another_order(self):
-        self.expect_difference("document", "| 3 | `Pause` | — | `result`: b |  |\n| 4 | `Stop` | — | `result`: b |  |",
-                               "| 3 | `Stop` | — | `result`: b |  |\n| 4 | `Pause` | — | `result`: b |  |", "order")
+        self.expect_difference("document", "| `Pause` | — | `result`: b |\n| `Stop` | — | `result`: b |",
+                               "| `Stop` | — | `result`: b |\n| `Pause` | — | `result`: b |", "order")
 
     def test_finds_a_property(self):
         self.expect_difference("xml", '<method name="Pause">',
@@ -256,6 +281,66 @@ class CheckContract(Case):
 
     def test_finds_another_field_number(self):
         self.expect_difference("proto", "remote_id = 1;", "remote_id = 13;", "remote_id")
+
+
+class CheckLinks(Case):
+    def check(self, text):
+        self.write("docs/other.md", "# Other page\n\n## `code`, and *more*\n\n    # no heading\n\n## Twice\n## Twice\n")
+        self.write("docs/page.md", text)
+        return self.run_check("check-links", self.root)
+
+    def expect_dangling(self, text, link):
+        status, output = self.check(text)
+        self.assertEqual(1, status, output)
+        self.assertIn(link, output)
+
+    def test_passes_links_that_lead_somewhere(self):
+        status, output = self.check("# Here\n[a](other.md) [b](other.md#code-and-more) [c](#here) [d](../docs)\n"
+                                    "[e](https://example.com/x#y) [f](other.md#twice-1) ![g](other.md)\n[h]: other.md\n")
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_missing_file(self):
+        self.expect_dangling("[a](gone.md)\n", "docs/page.md:1: gone.md")
+
+    def test_finds_a_missing_anchor(self):
+        self.expect_dangling("[a](other.md)\n[b](other.md#gone)\n", "docs/page.md:2: other.md#gone")
+
+    def test_finds_a_missing_anchor_of_its_own_page(self):
+        self.expect_dangling("# Here\n[a](#there)\n", "docs/page.md:2: #there")
+
+    def test_finds_a_missing_file_of_a_reference(self):
+        self.expect_dangling("[a]: gone.md\n", "docs/page.md:1: gone.md")
+
+    def test_takes_no_code_for_a_heading(self):
+        self.expect_dangling("[a](other.md#no-heading)\n", "#no-heading")
+
+    def test_ignores_links_in_code(self):
+        status, output = self.check("[a](other.md)\n```cpp\n[](gone)\n```\n`[](gone)`\n\n    [](gone)\n")
+        self.assertEqual(0, status, output)
+
+    def test_refuses_documents_without_links(self):
+        self.assertEqual(1, self.check("nothing\n")[0])
+
+
+class CheckWords(Case):
+    def check(self, text):
+        return self.run_check("check-words", "--no-spelling", self.write("docs/page.md", text))
+
+    def test_passes_plain_words(self):
+        status, output = self.check("The library fails with an error.\n")
+        self.assertEqual(0, status, output)
+
+    def test_finds_an_expression_and_its_replacement(self):
+        status, output = self.check("Good.\nThe list is another one than before.\n")
+        self.assertEqual(1, status, output)
+        self.assertIn("page.md:2: 'is another one than'", output)
+
+    def test_finds_an_expression_across_a_line_break(self):
+        status, output = self.check("No memory is to be\nhad.\n")
+        self.assertEqual(1, status, output)
+
+    def test_refuses_to_check_nothing(self):
+        self.assertEqual(2, self.run_check("check-words", "--no-spelling", self.root / "*.none")[0])
 
 
 class Hardening(Case):
