@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "bus/bus_test.h"
+#include "support/fake_source.h"
 #include "support/shared_vectors.h"
 #include "support/variant_text.h"
 
@@ -233,6 +234,19 @@ TEST_F(DispatchTest, TheListenerLockIsHeldWhileListenersRunAndFreeAfterwards)
     EXPECT_FALSE(listener.lockWasFree);
     std::future<void> waiting;
     EXPECT_TRUE(OtherThreadGetsTheLock(player, waiting));
+}
+
+TEST_F(DispatchTest, TheListenerLockIsHeldWhileASourceIsReleased)
+{
+    IQBXIpodPlayer& player = Connected();
+    bool lockWasFree = true;
+    std::future<void> waiting;
+    Sources().active = {10};
+    Sources().released = [&] { lockWasFree = OtherThreadGetsTheLock(player, waiting); };
+
+    Deliver("OnIpodSourceValidStatusChange", "(false,)");
+
+    EXPECT_FALSE(lockWasFree);
 }
 
 TEST_F(DispatchTest, AListenerThatThrowsLeavesTheLockFree)

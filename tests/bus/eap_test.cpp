@@ -216,6 +216,36 @@ TEST_F(EapTest, WriteWorksAgainAfterOneThatDidNotFit)
     EXPECT_THAT(vectors.Bytes(kWrite), ElementsAre(1, 2, 3));
 }
 
+TEST_F(EapTest, WriteIntoABufferThatReachesBeyondItsSegmentThrowsWithoutACall)
+{
+    IQBXIpodPlayer& player = Writing();
+    Bytes payload = {1};
+    player.EapWrite(1, payload);
+    ForgeSize(&vectors.Buffer(kWrite), kBufferSegmentSize);
+
+    EXPECT_THROW(player.EapWrite(2, payload), boost::interprocess::interprocess_exception);
+
+    EXPECT_THAT(service.Calls(), ElementsAre("EapWrite(1,)"));
+}
+
+TEST_F(EapTest, PayloadsAreInTheVectorsThatTheApplicationPointsAt)
+{
+    IQBXIpodPlayer& player = Writing();
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    player.AddListener(&listener);
+    OwnBuffer own({7, 8});
+    g_VecEapReadBufferShareMemory = own.get();
+    g_VecEapWriteBufferShareMemory = own.get();
+    Bytes payload = {1, 2, 3};
+
+    Deliver("OnIpodReceiveEapData", "(1,)");
+    EXPECT_EQ(player.EapWrite(1, payload), 1);
+
+    EXPECT_THAT(journal, ElementsAre("app.OnIpodReceiveEapData(1, [07 08])"));
+    EXPECT_THAT(*own.get(), ElementsAre(1, 2, 3));
+}
+
 TEST_F(EapTest, AFailedWriteReturnsZero)
 {
     IQBXIpodPlayer& player = Connected();
@@ -236,6 +266,19 @@ TEST_F(EapTest, ReceiveDeliversAnEmptyPayloadToEveryListener)
     Deliver("OnIpodReceiveEapData", "(1,)");
 
     EXPECT_THAT(journal, ElementsAre("a.OnIpodReceiveEapData(1, [])", "b.OnIpodReceiveEapData(1, [])"));
+}
+
+TEST_F(EapTest, ReceiveDeliversNoPayloadWhenTheBufferReachesBeyondItsSegment)
+{
+    vectors.SetBytes(kRead, {1});
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected().AddListener(&listener);
+    ForgeSize(&vectors.Buffer(kRead), kBufferSegmentSize);
+
+    Deliver("OnIpodReceiveEapData", "(1,)");
+
+    EXPECT_THAT(journal, ElementsAre("app.OnIpodReceiveEapData(1, [])"));
 }
 
 TEST_F(EapTest, ReceiveCarriesTheSessionInOneByteOnly)

@@ -195,6 +195,21 @@ TEST_P(EventTest, WithABodyOfAnotherTypeIsDropped)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
+TEST_P(EventTest, ForADestroyedPlayerIsDropped)
+{
+    const Event& event = GetParam();
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected().AddListener(&listener);
+    QBX_DestroyIpodPlayer();
+    ClearLog();
+
+    Deliver(event.signal, event.body);
+
+    EXPECT_THAT(journal, IsEmpty());
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(All, EventTest, testing::ValuesIn(kEvents), NameOfEvent);
 }  // namespace
 }  // namespace test

@@ -119,23 +119,6 @@ TEST_F(LifeCycleWithServiceTest, ANewObjectUsesTheProxyOfTheOldOne)
     EXPECT_EQ(QBX_GetIpodPlayer()->GetRepeatMode(), 1);
 }
 
-TEST_F(LifeCycleWithServiceTest, EventsForADestroyedObjectAreDropped)
-{
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
-    QBX_DestroyIpodPlayer();
-    ClearLog();
-
-    Deliver("OnPlayStatusChanged", "(1,)");
-    Deliver("OnIpodPhoneCallChange", "(<[byte 10, 1, 49]>,)");
-    Deliver("OnIpodArtworkChange", "(<@ay []>,)");
-    Deliver("OnIpodReceiveEapData", "(1,)");
-
-    EXPECT_THAT(journal, IsEmpty());
-    EXPECT_THAT(LogLines(), IsEmpty());
-}
-
 TEST_F(LifeCycleWithServiceTest, ARebuiltAndInitialisedObjectGetsEachEventOnce)
 {
     Journal journal;

@@ -84,6 +84,17 @@ TEST_P(ListTest, IsEmptyWhenTheVectorIs)
     EXPECT_EQ(list.capacity(), 0U);
 }
 
+TEST_P(ListTest, IsEmptyWhenTheVectorReachesBeyondItsSegment)
+{
+    IQBXIpodPlayer& player = Answering();
+    vectors.SetList(GetParam().vector, {"name"});
+    ForgeSize(&vectors.List(GetParam().vector), kListSegmentSize / sizeof(PlayListSongNameStr));
+
+    EXPECT_EQ(GetParam().read(player, list), 1);
+
+    EXPECT_THAT(list, IsEmpty());
+}
+
 TEST_P(ListTest, KeepsEmptyNames)
 {
     IQBXIpodPlayer& player = Answering();

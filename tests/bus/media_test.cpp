@@ -192,6 +192,24 @@ TEST_F(ArtworkTest, MayHaveAnEmptyImage)
     ExpectBoth(BytesInVariant(Words({5, 6, 7, 8})), "5, 6, 7, 8, []");
 }
 
+TEST_F(ArtworkTest, HasNoImageWhenTheVectorReachesBeyondItsSegment)
+{
+    for (const char* const vector : {kPicture, kChangedPicture})
+    {
+        vectors.SetBytes(vector, {1});
+        ForgeSize(&vectors.Buffer(vector), kBufferSegmentSize);
+    }
+    ExpectBoth(BytesInVariant(Words({5, 6, 7, 8})), "5, 6, 7, 8, []");
+}
+
+TEST_F(ArtworkTest, HasItsImageFromTheVectorThatTheApplicationPointsAt)
+{
+    OwnBuffer own({1, 2, 3});
+    g_VecArtworkBufferShareMemory = own.get();
+    g_VecArtworkChangeBufferShareMemory = own.get();
+    ExpectBoth(BytesInVariant(Words({5, 6, 7, 8})), "5, 6, 7, 8, [01 02 03]");
+}
+
 TEST_F(ArtworkTest, AShortHeadLeavesTheRestZero)
 {
     ExpectBoth(BytesInVariant(Words({5, 6}) + "\x07"), "5, 6, 7, 0, []");

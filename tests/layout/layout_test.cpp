@@ -226,12 +226,12 @@ TEST(ASegmentInTheMaking, IsCompleted)
 TEST(ASegmentWithObjectsOfSomebodyElse, IsCompleted)
 {
     MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 0)
-        .construct<int>("number")(42);
+        .construct<int>("VecDeviceListShareMemoryOfOthers")(42);
 
     QBX_GetIpodPlayer();
 
     EXPECT_EQ(7u, segment_list_vector.get_num_named_objects());
-    EXPECT_EQ(42, *segment_list_vector.find<int>("number").first);
+    EXPECT_EQ(42, *segment_list_vector.find<int>("VecDeviceListShareMemoryOfOthers").first);
 }
 
 // The names of what was destroyed are still written in the free memory.

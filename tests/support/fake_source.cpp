@@ -40,6 +40,7 @@ bool QBXSource::IsActived(int source)
 void QBXSource::Release(int source, int reason)
 {
     test::Record("Release", source, reason);
+    if (test::Sources().released) test::Sources().released();
 }
 
 void QBXSource::ActiveSourceConfirm(int source, int confirm)

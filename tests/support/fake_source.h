@@ -2,6 +2,7 @@
 /// Takes the place of the audio-source manager: the test program defines QBXSource's operations itself.
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@ struct FakeSource
 {
     int requestResult = 1;           ///< what Request() returns
     std::set<int> active;            ///< sources for which IsActived() is true
+    std::function<void()> released;  ///< runs in Release(), if there is one
     std::vector<std::string> calls;  ///< "Request(10, 0)", in order
 };
 

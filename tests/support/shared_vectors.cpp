@@ -57,6 +57,21 @@ QBXByteVector& SharedVectors::Buffer(const char* vector)
     return FindOrConstruct<QBXByteVector>(m_buffers, vector);
 }
 
+void ForgeSize(void* vector, std::size_t count)
+{
+    auto* const words = static_cast<std::size_t*>(vector);  // allocator, place, number, capacity
+    words[2] = count;
+    words[3] = count;
+}
+
+OwnBuffer::OwnBuffer(const std::vector<unsigned char>& bytes)
+    : m_segment(boost::interprocess::create_only, "SegmentOfTheApplication", 65536),
+      m_vector(&FindOrConstruct<QBXByteVector>(m_segment, "bytes"))
+{
+    boost::interprocess::shared_memory_object::remove("SegmentOfTheApplication");
+    m_vector->assign(bytes.begin(), bytes.end());
+}
+
 PlayListSongNameStr Entry(const std::string& name)
 {
     PlayListSongNameStr entry{};

@@ -4,6 +4,7 @@
 
 #include <QBXIpodShareMemory.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,22 @@ public:
 private:
     QBXSharedSegment m_lists;
     QBXSharedSegment m_buffers;
+};
+
+/// Writes into a vector, as a broken service may, that it holds and has room for so many elements.
+void ForgeSize(void* vector, std::size_t count);
+
+/// A byte vector that an application has in a segment of its own.
+class OwnBuffer
+{
+public:
+    explicit OwnBuffer(const std::vector<unsigned char>& bytes);
+
+    QBXByteVector* get() { return m_vector; }
+
+private:
+    QBXSharedSegment m_segment;
+    QBXByteVector* m_vector;
 };
 
 /// An entry with that name, NUL-terminated, the rest zero.

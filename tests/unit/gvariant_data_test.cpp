@@ -199,6 +199,26 @@ TEST(GvariantDataExtract, DoesNotReleaseTheValue)
     EXPECT_EQ(Pattern(16), Unpacked(value));
 }
 
+TEST(GvariantDataExtract, KeepsNoReferenceToTheBytes)
+{
+    alignas(8) static const char serialized[] = "\x01\x02\0ay";
+    bool released = false;
+    {
+        const VariantPtr value = Own(g_variant_new_from_data(
+            G_VARIANT_TYPE_VARIANT, serialized, sizeof(serialized) - 1, TRUE,
+            [](gpointer flag) { *static_cast<bool*>(flag) = true; }, &released));
+        Bytes memory(2);
+        Bytes vector;
+
+        gvariant_data_extract(memory.data(), value.get());
+        gvariant_data_extract(vector, value.get());
+
+        EXPECT_EQ((Bytes{1, 2}), memory);
+        EXPECT_EQ((Bytes{1, 2}), vector);
+    }
+    EXPECT_TRUE(released);
+}
+
 TEST(GvariantDataExtract, ReadsAValueThatCameOffTheWireUnaligned)
 {
     const VariantPtr whole = Own(g_variant_new("(yv)", 1, g_variant_new_bytestring("wire")));

@@ -240,10 +240,14 @@ TEST_F(AttachSegment, MeetsSomebodyElseWhoCreatesItAtTheSameTime)
 
 TEST_F(AttachSegment, MakesOneThatDoesNotHoldItsFurnitureLikeAnyOther)
 {
+    umask(077);
+
     QBXSharedSegment segment =
         Attach(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); });
 
     EXPECT_EQ(0u, segment.get_num_named_objects());
+    EXPECT_EQ(kSegmentSize, test::ReadFile(m_name.path()).size());
+    EXPECT_EQ(0644u, Mode());
 }
 
 // As between the two steps in which its creator makes it larger.

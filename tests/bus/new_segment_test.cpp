@@ -1,0 +1,39 @@
+// What a new segment holds when it gets its name. This program takes the place of the C library's linkat().
+#include <IQBXIpodPlayer.h>
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+
+namespace
+{
+// What each object held, by its path.
+std::map<std::string, std::string> held;
+}  // namespace
+
+extern "C" int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept
+{
+    std::ifstream file(from, std::ios::binary);
+    held[to] = std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    return reinterpret_cast<decltype(&linkat)>(dlsym(RTLD_NEXT, "linkat"))(fromFolder, from, toFolder, to, flags);
+}
+
+namespace
+{
+TEST(NewSegment, HoldsItsVectorsWhenItGetsItsName)
+{
+    QBX_GetIpodPlayer();
+
+    for (const char* const name :
+         {"VecPlayingListShareMemory", "VecDBListShareMemory", "VecDBListPinyinShareMemory", "VecUpdateListShareMemory",
+          "VecUpdateListPinyinShareMemory", "VecDeviceListShareMemory"})
+        EXPECT_NE(held["/dev/shm/ListVectorSharedMemory"].find(name), std::string::npos) << name;
+    for (const char* const name : {"VecArtworkBufferShareMemory", "VecArtworkChangeBufferShareMemory",
+                                   "VecEapWriteBufferShareMemory", "VecEapReadBufferShareMemory"})
+        EXPECT_NE(held["/dev/shm/BufferVectorSharedMemory"].find(name), std::string::npos) << name;
+}
+}  // namespace
