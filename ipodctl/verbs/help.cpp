@@ -48,14 +48,6 @@ std::string HelpText(const HelpRow& row, int width)
     return (beside ? Pad(name, column) : name + "\n" + Blanks(column)) + Wrapped(row.description, width, column) + "\n";
 }
 
-std::string Upper(const std::string& text)
-{
-    gchar* const upper = g_ascii_strup(text.c_str(), -1);
-    std::string result = upper;
-    g_free(upper);
-    return result;
-}
-
 // The parser's own names of types.
 bool IsParserType(const std::string& type)
 {
@@ -75,6 +67,14 @@ std::vector<std::string> TypesOf(const CLI::Option& option)
     return CLI::detail::split(option.get_type_name(), ':');
 }
 }  // namespace
+
+std::string Upper(const std::string& text)
+{
+    gchar* const upper = g_ascii_strup(text.c_str(), -1);
+    std::string result = upper;
+    g_free(upper);
+    return result;
+}
 
 std::vector<const CLI::App*> CommandsOf(const CLI::App& app)
 {

@@ -10,6 +10,9 @@
 
 namespace ctl
 {
+/// ASCII letters in upper case.
+std::string Upper(const std::string& text);
+
 /// The commands of a command, in the order of their declaration.
 std::vector<const CLI::App*> CommandsOf(const CLI::App& app);
 
