@@ -9,59 +9,15 @@
 
 #include "output/text.h"
 #include "verbs/command_line.h"
-#include "verbs/help.h"
+#include "verbs/complete.h"
+#include "verbs/program.h"
 #include "verbs/usage.h"
-#include "verbs/verbs.h"
 
 namespace ctl
 {
 namespace
 {
 constexpr int kWidthOfHelp = 80;
-
-constexpr char kExitCodes[] =
-    "Exit codes:\n"
-    "  0  done\n"
-    "  1  the service refused, or there was nothing to do (such as next at the end)\n"
-    "  2  usage: unknown command, index out of range, name not found, file not usable\n"
-    "  3  no session bus\n"
-    "  4  no iPod service on the bus\n"
-    "  5  shared memory cannot be attached or written\n"
-    "  6  the service went away, did not answer, or sent something broken\n"
-    "  7  the output cannot be written (such as a full disk)\n"
-    "  130  interrupted\n"
-    "\n"
-    "Run 'ipodctl COMMAND --help' for the arguments and examples of a command.\n"
-    "Environment: DBUS_SESSION_BUS_ADDRESS (the bus), NO_COLOR (no colors),\n"
-    "QBX_LOG (what to log: LEVEL or LEVEL:FILE, such as DEBUG:/tmp/log),\n"
-    "QBX_SOURCE_REFUSE (code with which the stand-in for audio sources refuses).";
-
-std::vector<Verb> AllVerbs()
-{
-    std::vector<Verb> all;
-    for (const auto verbs :
-         {StatusVerbs, TransportVerbs, ModeVerbs, ListVerbs, BrowseVerbs, BrowserVerbs, QueueVerbs, DeviceVerbs,
-          ArtVerbs, EventVerbs, EapVerbs, SimVerbs, SharedMemoryVerbs, BenchVerbs, DoctorVerbs, LayoutVerbs})
-        for (const Verb& verb : verbs()) all.push_back(verb);
-    return all;
-}
-
-struct Options
-{
-    bool json = false;
-    Settings settings;
-};
-
-void AddOptions(CLI::App& app, Options& options)
-{
-    app.add_flag("--json", options.json, "Print JSON, one object per line (ipodctl.schema.json)");
-    app.add_flag("--verbose", options.settings.verbose, "Print every request and the library's log on standard error");
-    app.add_option("--deadline", options.settings.deadline,
-                   "Time that the service may take for an answer (default: 10)")
-        ->check(Seconds(86400));
-    app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION, "Print the version and exit");
-    app.footer(kExitCodes);
-}
 
 // Once on standard error for people; and as the answer, where one object per answer was asked for.
 int Report(const Options& options, const Failure& failure)
@@ -95,15 +51,12 @@ int ShowHelp(const CLI::App& app, const CLI::ParseError& error)
 
 int Execute(int argc, char** argv, Options& options)
 {
-    CLI::App app("Controls the Apple device attached to the head unit, through the iPod service.", "ipodctl");
+    CLI::App app;
     app.formatter(std::make_shared<HelpFormatter>(std::min(Output(false).width(), kWidthOfHelp)));
-    app.set_help_flag("-h,--help", "Print this help and exit");
-    AddOptions(app, options);
-    const std::vector<Verb> verbs = AllVerbs();
-    const Run run = AddVerbs(app, verbs);
+    const Run run = BuildProgram(app, options);
     try
     {
-        app.parse(ToParse(argc, argv, verbs));
+        app.parse(ToParse(argc, argv, app));
     }
     catch (const CLI::ParseError& error)
     {
@@ -113,6 +66,32 @@ int Execute(int argc, char** argv, Options& options)
     return RunVerb(run, options);
 }
 
+// The answer of a command, for the completion of another.
+Json Ask(std::vector<std::string> words)
+{
+    constexpr double kPatience = 1;
+    CLI::App app;
+    Options options;
+    options.settings.deadline = kPatience;
+    const Run run = BuildProgram(app, options);
+    std::reverse(words.begin(), words.end());
+    app.parse(words);
+    Output out(true);
+    Session session(options.settings);
+    Context context{session, out};
+    return run(context).json;
+}
+
+// Hidden, for the shells: "ipodctl complete WORD... BEGINNING" prints what can follow, whatever it begins with.
+int Complete(const std::vector<std::string>& words)
+{
+    CLI::App app;
+    Options options;
+    BuildProgram(app, options);
+    Output(false).Text(ToText(Candidates(app, words, Ask)));
+    return kDone;
+}
+
 int Main(int argc, char** argv)
 {
     Options options;
@@ -120,6 +99,7 @@ int Main(int argc, char** argv)
     options.json = std::find(argv, argv + argc, std::string("--json")) != argv + argc;
     try
     {
+        if (argc > 1 && argv[1] == std::string("complete")) return Complete({argv + 2, argv + argc});
         return Execute(argc, argv, options);
     }
     catch (const Failure& failure)

@@ -5,7 +5,7 @@ set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 
 # Builds what is installed, and nothing that only tests need.
 add_custom_target(packaged)
-foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipod-simulator ipod-make-samples)
+foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples)
   if(TARGET ${part})
     add_dependencies(packaged ${part})
   endif()
@@ -77,7 +77,6 @@ if(TARGET ipodctl OR TARGET ipod-simulator)
   install_notices(tools ipod-tools)
 endif()
 if(TARGET ipodctl)
-  install_manual(ipodctl.1 tools)
   set(completions "${PACKAGING}/completions")
   install(FILES "${completions}/ipodctl.bash" RENAME ipodctl
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" COMPONENT tools)

@@ -72,7 +72,7 @@ Run BuildArt(CLI::App& app)
         "file", *file,
         "File to write (default: artwork), - for standard output. In a folder, the file is \"artwork\"; a name without "
         "extension gets that of the image type");
-    app.add_option("--out", *file, "Same as FILE")->excludes(place);
+    app.add_option("--out", *file, "Same as the argument")->type_name("FILE")->excludes(place);
     return [file](Context& context)
     {
         if (context.out.json() && *file == "-")

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "output/text.h"
+#include "verbs/help.h"
 #include "verbs/usage.h"
 
 namespace ctl
@@ -30,16 +31,16 @@ struct Choice
 Choice Add(CLI::App& app, const Verb& verb)
 {
     CLI::App* const added = app.add_subcommand(verb.name, verb.summary);
+    added->group(verb.group);
     added->fallthrough();
     added->footer(Footer(verb.examples));
     return {added, verb.build(*added)};
 }
 
-std::vector<std::string> NamesOf(const std::vector<Verb>& verbs)
+std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands)
 {
     std::vector<std::string> names;
-    names.reserve(verbs.size());
-    for (const Verb& verb : verbs) names.emplace_back(verb.name);
+    for (const CLI::App* command : commands) names.push_back(command->get_name());
     return names;
 }
 
@@ -114,7 +115,7 @@ CLI::Validator OneOf(const std::vector<std::string>& words)
         const bool known = std::find(words.begin(), words.end(), text) != words.end();
         return known ? std::string() : "expected one of " + Listed(words) + ", got '" + Printable(text) + "'";
     };
-    return {check, ""};
+    return {check, CLI::detail::join(words, "|")};
 }
 
 std::string Listed(const std::vector<std::string>& words)
@@ -153,11 +154,11 @@ Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
     };
 }
 
-std::vector<std::string> ToParse(int argc, char** argv, const std::vector<Verb>& verbs)
+std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app)
 {
     std::vector<std::string> arguments(argv + std::min(1, argc), argv + argc);
     const auto verb = FindVerb(arguments);
-    const std::vector<std::string> names = NamesOf(verbs);
+    const std::vector<std::string> names = NamesOf(CommandsOf(app));
     if (verb != arguments.end() && std::find(names.begin(), names.end(), *verb) == names.end())
         throw UnknownWord("command", *verb, names, "try 'ipodctl --help'");
     if (verb != arguments.end() && *verb == "seek") SpellOutBackward(arguments);

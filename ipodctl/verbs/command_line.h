@@ -14,6 +14,6 @@ namespace ctl
 Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs);
 
 /// The program's arguments as the parser takes them: without the program's name, the last one first.
-/// @throws Failure  kUsage, when the verb is none of @p verbs
-std::vector<std::string> ToParse(int argc, char** argv, const std::vector<Verb>& verbs);
+/// @throws Failure  kUsage, when @p app has no such command
+std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app);
 }  // namespace ctl

@@ -85,14 +85,13 @@ void ChangeLevel(Session& session, const std::string& where)
 Run BuildCd(CLI::App& app)
 {
     const auto where = Argument<std::string>();
-    app.add_option("where", *where,
+    app.add_option("folder", *where,
                    "Index or name of a folder, .. for one up, / for the root, or a path of names; ./NAME is a name "
-                   "even if it looks "
-                   "like an index")
+                   "even if it looks like an index")
         ->required();
     return [where](Context& context) -> Answer
     {
-        if (where->empty()) throw Failure(kUsage, "missing argument: where", "give an index, a name, .., / or a path");
+        if (where->empty()) throw Failure(kUsage, "missing argument: folder", "give an index, a name, .., / or a path");
         ChangeLevel(context.session, *where);
         const Page page = ReadLevel(context.session, 0, 1, Pinyin::None);
         const Json json{{"verb", "cd"}, {"root", page.root}, {"folder", page.folder}, {"count", page.amount}};

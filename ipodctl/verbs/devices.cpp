@@ -108,7 +108,8 @@ Run BuildButton(CLI::App& app)
 {
     const auto button = Argument<Button>();
     app.add_option("number", button->number, "Number of the button")->required()->check(NumberUpTo(UINT32_MAX));
-    app.add_option("--held", button->heldFor, "Time held, in milliseconds, as reported to the device")
+    app.add_option("--held", button->heldFor, "Time that the button is held, as reported to the device")
+        ->type_name("MILLISECONDS")
         ->check(NumberUpTo(UINT32_MAX));
     return [button](Context& context) -> Answer
     {
@@ -122,7 +123,7 @@ Run BuildButton(CLI::App& app)
 Run BuildHub(CLI::App& app)
 {
     const auto mode = Argument<int>();
-    app.add_option("mode", *mode, "Test mode; 0 ends it")->required()->check(NumberUpTo(255));
+    app.add_option("mode", *mode, "Test mode, 0 to 255; 0 ends it")->required()->check(NumberUpTo(255));
     return [mode](Context& context) -> Answer
     {
         context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));
@@ -138,6 +139,6 @@ std::vector<Verb> DeviceVerbs()
             {"carplay", "Print whether a CarPlay device is detected", "ipodctl carplay", BuildCarPlay},
             {"carlife", "Print whether a CarLife device is detected", "ipodctl carlife", BuildCarLife},
             {"button", "Press and release a button of the remote control", "ipodctl button 1 --held 500", BuildButton},
-            {"hub", "Set the electrical test mode of the USB hub (production)", "ipodctl hub 0", BuildHub}};
+            {"hub", "Set the electrical test mode of the USB hub", "ipodctl hub 0", BuildHub}};
 }
 }  // namespace ctl

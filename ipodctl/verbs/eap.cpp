@@ -145,8 +145,12 @@ Run BuildListen(CLI::App& app)
 
 void AddAccessory(CLI::App& app, AccessoryRequest& request, const char* timeout)
 {
-    app.add_option("--protocols", request.info.protocols, "Protocols to announce")->capture_default_str();
-    app.add_option("--bundle", request.info.bundleId, "App to launch")->capture_default_str();
+    app.add_option("--protocols", request.info.protocols, "Protocols to announce, separated by commas")
+        ->type_name("PROTOCOLS")
+        ->capture_default_str();
+    app.add_option("--bundle", request.info.bundleId, "Bundle identifier of the app to launch")
+        ->type_name("BUNDLE")
+        ->capture_default_str();
     app.add_option("--timeout", request.seconds, timeout)->capture_default_str()->check(Seconds());
 }
 
@@ -196,7 +200,7 @@ Run BuildEcho(CLI::App& app)
 {
     const auto request = Argument<EchoRequest>();
     app.add_option("text", request->text, "Text to send")->required();
-    AddAccessory(app, request->accessory, "Time to wait for the session, and for the echo");
+    AddAccessory(app, request->accessory, "Time to wait for the session and for the echo");
     return [request](Context& context) { return Echo(context, *request); };
 }
 
@@ -209,8 +213,9 @@ Run BuildBridge(CLI::App& app)
         "Do not announce or launch: the device opens the session by itself");
     app.add_option("--socket", request->socket,
                    "Serve a UNIX socket at this path, one client at a time, instead of standard input and output")
+        ->type_name("FILE")
         ->check(Something());
-    app.add_option("--linger", request->linger, "Silence after the end of the input that ends it")
+    app.add_option("--linger", request->linger, "Exit after this much silence once the input has ended")
         ->capture_default_str()
         ->check(Seconds());
     return [request](Context& context) { return RunBridge(context, *request); };
@@ -224,7 +229,7 @@ std::vector<Verb> Subverbs()
             {"write", "Send a file or standard input on a session", "echo hello | ipodctl eap write 1 -", BuildWrite},
             {"listen", "Print sessions and the data they receive", "ipodctl eap listen --timeout 60", BuildListen},
             {"echo", "Open a session, send a text, print the answer", "ipodctl eap echo hello", BuildEcho},
-            {"bridge", "Connect a session with standard input and output, or a socket",
+            {"bridge", "Connect a session with standard input/output or a socket",
              "ipodctl eap bridge < request.bin > reply.bin\n"
              "ipodctl eap bridge --socket /tmp/echo.sock --bundle com.example.app",
              BuildBridge}};

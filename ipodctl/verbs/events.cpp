@@ -26,10 +26,12 @@ void AddPresentation(CLI::App& app, Following& following)
     auto* const format = app.add_option("--format", following.format,
                                         "Print each event by a template such as '{{title}} {{duration(length)}}'; "
                                         "ipodctl(1) lists its fields and functions")
+                             ->type_name("TEMPLATE")
                              ->check(Something());
     app.add_option("--exec", following.command,
                    "Run this shell command for each event instead: its environment contains the fields "
                    "(IPOD_EVENT, IPOD_TITLE, ...), its standard input is the event as JSON")
+        ->type_name("COMMAND")
         ->check(Something())
         ->excludes(format);
 }

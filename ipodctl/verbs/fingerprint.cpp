@@ -44,7 +44,7 @@ Run BuildFingerprint(CLI::App&)
 
 std::vector<Verb> LayoutVerbs()
 {
-    return {{"fingerprint", "Describe the layout of the shared segments for comparison",
+    return {{"fingerprint", "Print the layout of the shared segments",
              "ipodctl fingerprint | tail -n 1\nipodctl fingerprint --json | jq -r .fingerprint", BuildFingerprint}};
 }
 }  // namespace ctl

@@ -3,8 +3,8 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <set>
 #include <sstream>
-#include <utility>
 
 #include "output/text.h"
 
@@ -48,6 +48,26 @@ std::string HelpText(const HelpRow& row, int width)
     return (beside ? Pad(name, column) : name + "\n" + Blanks(column)) + Wrapped(row.description, width, column) + "\n";
 }
 
+// The parser's own names of types.
+bool IsParserType(const std::string& type)
+{
+    static const std::set<std::string> types{"TEXT", "INT", "UINT", "FLOAT", "BOOLEAN"};
+    return types.count(type) != 0;
+}
+
+std::string ArgumentOf(const CLI::Option& option)
+{
+    const std::string name = ValueOf(option) + (option.get_expected_max() > 1 ? "..." : "");
+    return option.get_required() ? name : "[" + name + "]";
+}
+
+// The parser separates its own type and those of the checks by colons: "INT:N".
+std::vector<std::string> TypesOf(const CLI::Option& option)
+{
+    return CLI::detail::split(option.get_type_name(), ':');
+}
+}  // namespace
+
 std::string Upper(const std::string& text)
 {
     gchar* const upper = g_ascii_strup(text.c_str(), -1);
@@ -56,19 +76,59 @@ std::string Upper(const std::string& text)
     return result;
 }
 
-// The parser puts its own type in front of the one that the check has: "INT:N".
-std::string ValueOf(const CLI::Option& option)
+std::vector<const CLI::App*> CommandsOf(const CLI::App& app)
 {
-    const std::string type = option.get_type_name();
-    return type.empty() ? "" : " " + type.substr(type.rfind(':') + 1);
+    return app.get_subcommands([](const CLI::App*) { return true; });
 }
 
-std::string OptionNames(const CLI::Option& option)
+std::vector<const CLI::App*> CommandsOf(const CLI::App& app, const std::string& group)
+{
+    return app.get_subcommands([&group](const CLI::App* command) { return command->get_group() == group; });
+}
+
+std::vector<std::string> GroupsOf(const CLI::App& app)
+{
+    std::vector<std::string> groups;
+    for (const CLI::App* command : CommandsOf(app))
+        if (std::find(groups.begin(), groups.end(), command->get_group()) == groups.end())
+            groups.push_back(command->get_group());
+    return groups;
+}
+
+std::string PathOf(const CLI::App& app)
+{
+    return (app.get_parent() == nullptr ? "" : PathOf(*app.get_parent()) + " ") + app.get_name();
+}
+
+std::string UsageOf(const CLI::App& app)
+{
+    std::string usage = PathOf(app) + " [OPTIONS]";
+    for (const CLI::Option* option : app.get_options())
+        if (option->get_positional()) usage += " " + ArgumentOf(*option);
+    return usage + (CommandsOf(app).empty() ? "" : " COMMAND");
+}
+
+std::vector<std::string> WordsOf(const CLI::Option& option)
+{
+    const std::vector<std::string> types = TypesOf(option);
+    const bool listed = types.size() > 1 && types.back().find('|') != std::string::npos;
+    return listed ? CLI::detail::split(types.back(), '|') : std::vector<std::string>();
+}
+
+std::string ValueOf(const CLI::Option& option)
+{
+    const std::vector<std::string> types = TypesOf(option);
+    if (option.get_positional()) return Upper(option.get_name(true));
+    return types.size() > 1 && IsParserType(types.front()) ? types.back() : types.front();
+}
+
+std::string TermOf(const CLI::Option& option)
 {
     std::string names;
     for (const std::string& name : option.get_snames()) names += (names.empty() ? "-" : ", -") + name;
     for (const std::string& name : option.get_lnames()) names += (names.empty() ? "--" : ", --") + name;
-    return names + ValueOf(option);
+    const std::string value = ValueOf(option);
+    return names + (names.empty() || value.empty() ? "" : " ") + value;
 }
 
 std::string DescriptionOf(const CLI::Option& option)
@@ -76,26 +136,6 @@ std::string DescriptionOf(const CLI::Option& option)
     const std::string value = option.get_default_str();
     return option.get_description() + (value.empty() ? "" : " (default: " + value + ")");
 }
-
-std::string ArgumentOf(const CLI::Option& option)
-{
-    const std::string name = Upper(option.get_name(true)) + (option.get_expected_max() > 1 ? "..." : "");
-    return option.get_required() ? name : "[" + name + "]";
-}
-
-std::vector<const CLI::App*> CommandsOf(const CLI::App& app)
-{
-    return app.get_subcommands([](const CLI::App*) { return true; });
-}
-
-std::string Usage(const CLI::App& app, const std::string& name)
-{
-    std::string usage = "\nUsage: " + name + " [OPTIONS]";
-    for (const CLI::Option* option : app.get_options())
-        if (option->get_positional()) usage += " " + ArgumentOf(*option);
-    return usage + (CommandsOf(app).empty() ? "" : " COMMAND") + "\n";
-}
-}  // namespace
 
 std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width)
 {
@@ -106,20 +146,21 @@ std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int
 
 HelpFormatter::HelpFormatter(int width) : m_width(std::clamp(width, kNarrowest, kWidest)) {}
 
-std::string HelpFormatter::make_help(const CLI::App* app, std::string name, CLI::AppFormatMode) const
+std::string HelpFormatter::make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const
 {
     std::vector<HelpRow> arguments;
     std::vector<HelpRow> options;
-    std::vector<HelpRow> commands;
     for (const CLI::Option* option : app->get_options())
-        if (option->get_positional())
-            arguments.push_back({Upper(option->get_name(true)), DescriptionOf(*option)});
-        else
-            options.push_back({OptionNames(*option), DescriptionOf(*option)});
-    for (const CLI::App* command : CommandsOf(*app))
-        commands.push_back({command->get_name(), command->get_description()});
-    return Wrapped(app->get_description(), m_width, 0) + "\n" + Usage(*app, name) +
-           HelpSection("Arguments", arguments, m_width) + HelpSection("Options", options, m_width) +
-           HelpSection("Commands", commands, m_width) + "\n" + app->get_footer() + "\n";
+        (option->get_positional() ? arguments : options).push_back({TermOf(*option), DescriptionOf(*option)});
+    std::string text = Wrapped(app->get_description(), m_width, 0) + "\n\nUsage: " + UsageOf(*app) + "\n" +
+                       HelpSection("Arguments", arguments, m_width) + HelpSection("Options", options, m_width);
+    for (const std::string& group : GroupsOf(*app))
+    {
+        std::vector<HelpRow> commands;
+        for (const CLI::App* command : CommandsOf(*app, group))
+            commands.push_back({command->get_name(), command->get_description()});
+        text += HelpSection(group.c_str(), commands, m_width);
+    }
+    return text + "\n" + app->get_footer() + "\n";
 }
 }  // namespace ctl

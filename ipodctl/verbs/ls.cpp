@@ -144,7 +144,8 @@ Answer ShowList(Context& context, const Listing& listing)
 Run BuildLs(CLI::App& app)
 {
     const auto listing = Argument<Listing>();
-    auto* const from = app.add_option("--from", listing->from, "Index of the first entry")->check(WholeNumber(0));
+    auto* const from =
+        app.add_option("--from", listing->from, "Index of the first entry")->type_name("INDEX")->check(WholeNumber(0));
     auto* const count =
         app.add_option("--count", listing->count, "Number of entries (default: 50)")->check(WholeNumber(1));
     app.add_flag("--all", listing->all, "List the whole level")->excludes(from)->excludes(count);

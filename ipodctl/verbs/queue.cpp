@@ -79,7 +79,7 @@ Run BuildQueue(CLI::App& app)
 
 std::vector<Verb> QueueVerbs()
 {
-    return {{"queue", "List the playing list, or jump to one of its entries",
+    return {{"queue", "Print the playing list, or jump to one of its entries",
              "ipodctl queue\nipodctl queue 4\nipodctl queue --json | jq .playing", BuildQueue}};
 }
 }  // namespace ctl

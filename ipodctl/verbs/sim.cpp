@@ -92,9 +92,12 @@ SimChoice AddAction(CLI::App& app, const SimAction& action)
 {
     const auto given = Argument<Given>();
     CLI::App* const added = app.add_subcommand(action.name, action.summary);
+    added->group("Actions");
     added->fallthrough();
     added->footer(Footer(action));
-    if (!action.fields.empty()) added->add_option("field", given->words, "FIELD=VALUE");
+    if (!action.fields.empty())
+        added->add_option("field", given->words,
+                          "Value of a field, as FIELD=VALUE; of the first field the value alone");
     return {added, &action, given};
 }
 
@@ -163,7 +166,7 @@ Run BuildSim(CLI::App& app)
 
 std::vector<Verb> SimVerbs()
 {
-    return {{"sim", "Trigger events on the simulator, inject faults, list calls",
+    return {{"sim", "Trigger simulator events, inject faults, list calls",
              "ipodctl sim call sequence=ringing:3,active:10,disconnected display-name=\"Li Lei\"\n"
              "ipodctl sim battery 80 charging-status=charging\n"
              "ipodctl sim fault delay=500@GetPlayStatus/3\n"

@@ -111,7 +111,7 @@ Run BuildSeek(CLI::App& app)
     const auto back = Argument<std::string>();
     auto* const time =
         app.add_option("time", *target, "SECONDS, MM:SS, or H:MM:SS from the start; +N or -N seconds from here");
-    app.add_option("--back", *back, "Same as -N")->excludes(time);
+    app.add_option("--back", *back, "Move back by this time; same as -N")->type_name("TIME")->excludes(time);
     return [target, back](Context& context)
     {
         if (target->empty() && back->empty()) throw Failure(kUsage, "missing argument: time", kTimes);

@@ -21,8 +21,9 @@ struct Verb
 {
     const char* name;
     const char* summary;
-    const char* examples;         ///< shown under the verb's --help, one per line
-    Run (*build)(CLI::App& app);  ///< adds the verb's arguments; the result reads them when it runs
+    const char* examples;            ///< shown under the verb's --help, one per line
+    Run (*build)(CLI::App& app);     ///< adds the verb's arguments; the result reads them when it runs
+    const char* group = "Commands";  ///< title of the help's section that lists it
 };
 
 /// Accepts integers of at least @p least.

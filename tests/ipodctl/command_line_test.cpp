@@ -19,8 +19,9 @@ std::vector<std::string> Parse(std::vector<std::string> words)
     std::vector<char*> argv;
     words.insert(words.begin(), "ipodctl");
     for (std::string& word : words) argv.push_back(word.data());
-    return ToParse(static_cast<int>(argv.size()), argv.data(),
-                   {{"seek", "", "", BuildNothing}, {"ls", "", "", BuildNothing}});
+    CLI::App app;
+    AddVerbs(app, {{"seek", "", "", BuildNothing}, {"ls", "", "", BuildNothing}});
+    return ToParse(static_cast<int>(argv.size()), argv.data(), app);
 }
 
 using Words = std::vector<std::string>;
@@ -69,7 +70,7 @@ TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
     int number = 3;
     app.add_option("--from", number, "First index")->check(WholeNumber(0))->capture_default_str();
     app.add_option("time", number, "When")->required();
-    app.add_subcommand("status", "Print the status");
+    app.add_subcommand("status", "Print the status")->group("Commands");
     EXPECT_EQ(app.help(),
               "Does what it does, at such length that\nthe line has to be broken.\n\n"
               "Usage: test [OPTIONS] TIME COMMAND\n\n"

@@ -1,0 +1,204 @@
+// Writes the reference of ipodctl from its command line and from a page of prose in Markdown:
+// make-reference markdown|man PAGE >OUTPUT
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <regex>
+
+#include "verbs/program.h"
+
+namespace ctl
+{
+namespace
+{
+using Lines = std::vector<std::string>;
+
+// The page has "@options", "@commands", "@exit-codes", and "@environment" where these belong; behind "@notes", a
+// section per command that has more to say than its help.
+struct Page
+{
+    Lines lines;
+    std::map<std::string, Lines> notes;
+};
+
+Page ReadPage(const char* file)
+{
+    Page page;
+    Lines* at = &page.lines;
+    std::ifstream input(file);
+    for (std::string line; std::getline(input, line);)
+        if (line.rfind("#### ", 0) == 0)
+            at = &page.notes[line.substr(5)];
+        else
+            at->push_back(line);
+    return page;
+}
+
+void AddRows(Lines& lines, const std::vector<HelpRow>& rows)
+{
+    lines.emplace_back();
+    for (const HelpRow& row : rows) lines.push_back("* `" + row.name + "`: " + row.description);
+}
+
+// Every command has the option for help.
+void AddOptions(Lines& lines, const CLI::App& app)
+{
+    std::vector<HelpRow> rows;
+    for (const CLI::Option* option : app.get_options())
+        if (app.get_parent() == nullptr || option != app.get_help_ptr())
+            rows.push_back({TermOf(*option), DescriptionOf(*option)});
+    if (!rows.empty()) AddRows(lines, rows);
+}
+
+void AddCommand(Lines& lines, const CLI::App& app, std::map<std::string, Lines>& notes)
+{
+    constexpr std::size_t kProgram = sizeof("ipodctl ") - 1;
+    const std::string name = PathOf(app).substr(kProgram);
+    lines.insert(lines.end(), {"", "#### " + name, "", "    " + UsageOf(app), "", app.get_description() + "."});
+    AddOptions(lines, app);
+    const Lines note = notes[name];
+    notes.erase(name);
+    lines.insert(lines.end(), note.begin(), note.end());
+    for (const CLI::App* command : CommandsOf(app)) AddCommand(lines, *command, notes);
+}
+
+void AddCommands(Lines& lines, const CLI::App& app, std::map<std::string, Lines>& notes)
+{
+    for (const std::string& group : GroupsOf(app))
+    {
+        lines.insert(lines.end(), {"", "### " + group});
+        for (const CLI::App* command : CommandsOf(app, group)) AddCommand(lines, *command, notes);
+    }
+}
+
+// One empty line where there were several.
+Lines Reference(const CLI::App& app, Page page)
+{
+    Lines lines;
+    for (const std::string& line : page.lines)
+        if (line == "@options")
+            AddOptions(lines, app);
+        else if (line == "@commands")
+            AddCommands(lines, app, page.notes);
+        else if (line == "@exit-codes")
+            AddRows(lines, ExitCodes());
+        else if (line == "@environment")
+            AddRows(lines, EnvironmentVariables());
+        else
+            lines.push_back(line);
+    if (!page.notes.empty()) throw std::runtime_error("no command '" + page.notes.begin()->first + "'");
+    const auto both = [](const std::string& one, const std::string& two) { return one.empty() && two.empty(); };
+    lines.erase(std::unique(lines.begin(), lines.end(), both), lines.end());
+    return lines;
+}
+
+std::string Escaped(const std::string& text)
+{
+    const std::string escaped =
+        std::regex_replace(std::regex_replace(text, std::regex(R"(\\)"), R"(\e)"), std::regex("-"), R"(\-)");
+    const bool request = !escaped.empty() && (escaped.front() == '.' || escaped.front() == '\'');
+    return (request ? R"(\&)" : "") + escaped;
+}
+
+// `code` becomes bold, and within it what stands for a value, in capital letters, italic.
+std::string ToRoff(const std::string& text)
+{
+    static const std::regex link(R"(\[([^\]]*)\]\([^)]*\))");
+    static const std::regex value(R"((^|[ \[=:])([A-Z]+)(?=$|[ .\]=:,]))");
+    std::istringstream parts(Escaped(std::regex_replace(text, link, "$1")));
+    std::string roff;
+    bool code = false;
+    for (std::string part; std::getline(parts, part, '`'); code = !code)
+        roff += code ? R"(\fB)" + std::regex_replace(part, value, R"($1\fI$2\fB)") + R"(\fR)" : part;
+    return roff;
+}
+
+// The subset of Markdown that the page uses, line by line.
+class ManualWriter
+{
+public:
+    void Write(const std::string& line)
+    {
+        const bool code = line.rfind("    ", 0) == 0;
+        if (m_code && !code) std::cout << ".fi\n.RE\n";
+        if (code && !m_code && !m_usage) std::cout << ".PP\n.RS 4\n.nf\n";
+        m_code = code && !m_usage;
+        if (code)
+            WriteCode(line.substr(4));
+        else
+            WriteText(line);
+    }
+
+private:
+    void WriteCode(const std::string& text)
+    {
+        if (m_usage)
+            std::cout << ".PP\n" << ToRoff("`" + text + "`") << "\n.RS 4\n";
+        else
+            std::cout << Escaped(text) << "\n";
+        m_inside = m_inside || m_usage;
+        m_usage = false;
+    }
+
+    void WriteText(const std::string& line)
+    {
+        std::smatch found;
+        if (std::regex_match(line, found, std::regex(R"((#+) (.*))")))
+            WriteTitle(found[1].length(), found[2]);
+        else if (std::regex_match(line, found, std::regex(R"(\* (`[^`]*`): (.*))")))
+            std::cout << ".TP\n" << ToRoff(found[1]) << "\n" << ToRoff(found[2]) << "\n";
+        else if (line.empty())
+            m_paragraph = true;
+        else
+            std::cout << (std::exchange(m_paragraph, false) ? ".PP\n" : "") << ToRoff(line) << "\n";
+    }
+
+    // The title of the page is in its head, that of a command is its usage, which follows.
+    void WriteTitle(std::ptrdiff_t depth, const std::string& title)
+    {
+        if (std::exchange(m_inside, false)) std::cout << ".RE\n";
+        if (depth == 2) std::cout << ".SH \"" << Escaped(Upper(title)) << "\"\n";
+        if (depth == 3) std::cout << ".SS \"" << Escaped(title) << "\"\n";
+        m_usage = depth == 4;
+        m_paragraph = false;
+    }
+
+    bool m_code = false;
+    bool m_usage = false;
+    bool m_inside = false;
+    bool m_paragraph = false;
+};
+
+void WriteManual(const Lines& lines)
+{
+    std::cout << ".TH IPODCTL 1 \"\" \"libipod " IPODCTL_VERSION "\" \"User Commands\"\n";
+    ManualWriter writer;
+    for (const std::string& line : lines)
+        if (line.rfind("<!--", 0) != 0) writer.Write(line);
+}
+
+void Write(const std::string& form, const char* file)
+{
+    CLI::App app;
+    Options options;
+    BuildProgram(app, options);
+    const Lines lines = Reference(app, ReadPage(file));
+    if (form == "man") return WriteManual(lines);
+    for (const std::string& line : lines) std::cout << line << "\n";
+}
+}  // namespace
+}  // namespace ctl
+
+int main(int argc, char** argv)
+{
+    if (argc != 3) return std::cerr << "usage: make-reference markdown|man PAGE\n", 2;
+    try
+    {
+        ctl::Write(argv[1], argv[2]);
+    }
+    catch (const std::exception& error)
+    {
+        return std::cerr << argv[2] << ": " << error.what() << "\n", 1;
+    }
+    return std::cout.flush() ? 0 : 1;
+}
