@@ -1,7 +1,7 @@
 # bash completion for ipodctl(1)
 
-# Adds those lines of a command's output that begin with what was typed, quoted for the shell. A name of digits only would
-# be an index without its "./".
+# Adds the lines of a command's output that match the typed prefix, quoted for the shell. A name of digits only needs
+# "./" to differ from an index.
 _ipodctl_names() {
     local name typed=${cur#[\"\']}
     while IFS= read -r name; do
@@ -11,7 +11,7 @@ _ipodctl_names() {
     done < <(ipodctl --deadline 1 "$@" --names 2>/dev/null)
 }
 
-# The actions of the simulator, or what can be typed behind one.
+# Completes the actions of the simulator, or the arguments of one.
 _ipodctl_actions() {
     ipodctl sim actions "$@" 2>/dev/null | cut -d' ' -f1
 }

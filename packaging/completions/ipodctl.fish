@@ -22,7 +22,7 @@ function __ipodctl_needs_command
     return 0
 end
 
-# Names in the current level; one of digits only would be an index without its "./".
+# Names in the current level; a name of digits only needs "./" to differ from an index.
 function __ipodctl_names
     ipodctl --deadline 1 $argv --names 2>/dev/null | string replace -r '^(\d+)$' './$1'
 end
@@ -109,7 +109,7 @@ complete -c ipodctl -n '__fish_seen_subcommand_from eap; and not __fish_seen_sub
 complete -c ipodctl -n '__fish_seen_subcommand_from echo bridge' -l protocols -x -d 'Protocols to announce'
 complete -c ipodctl -n '__fish_seen_subcommand_from echo bridge' -l bundle -x -d 'App to launch'
 
-# The actions of the simulator, and what can be typed behind each, come from the program.
+# The program supplies the actions of the simulator and their arguments.
 function __ipodctl_sim
     set -l words (commandline -opc)
     set -l next (math (contains -i sim $words) + 1)
