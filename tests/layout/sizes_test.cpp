@@ -1,5 +1,5 @@
-// Sizes that applications and the service were built with: the table of docs/porting.md, held by the compiler, on the
-// unit's word size and on the desk's.
+// Sizes that applications and the service were built with: the table of docs/porting.md, checked at compile time for
+// the word sizes of the head unit and the desktop.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 
@@ -8,7 +8,7 @@
 
 namespace
 {
-// Of a desk and of the unit.
+// Sizes on a desktop and on the head unit.
 constexpr std::size_t Size(std::size_t onTheUnit, std::size_t onADesk)
 {
     return sizeof(void*) == 4 ? onTheUnit : onADesk;
@@ -32,7 +32,7 @@ static_assert(sizeof(iPodPlayerPlayStatus) == 4 && sizeof(iPodPlayerShuffleStatu
                   sizeof(BatteryChargingStatus) == 4,
               "every enumeration is an int");
 
-// With the older string of the C++ library all of these are others.
+// All of these differ with the old string ABI of the C++ library.
 #if _GLIBCXX_USE_CXX11_ABI
 static_assert(sizeof(QBXiPodTrackInfo) == Size(112, 144), "four texts and four numbers");
 static_assert(offsetof(QBXiPodTrackInfo, value1) == Size(96, 128), "the numbers follow the texts");
