@@ -51,7 +51,7 @@ protected:
         Settle(service);
     }
 
-    // What a session is told, in order.
+    // The notifications of a session, in order.
     Subscription Record(const AccessorySessionPtr& peer, std::vector<std::string>& told)
     {
         return peer->OnData(
@@ -64,7 +64,7 @@ protected:
     std::map<int, Bytes> written;
     std::size_t largest = 0;
     std::atomic<bool> accepting{true};
-    FakeService service;  // last: its thread uses the others
+    FakeService service;  // last member, because its thread uses the others
 };
 
 TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
@@ -311,7 +311,7 @@ TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
     shared.SetBytes("VecEapReadBufferShareMemory", Bytes(size));
 }
 
-// The service shares the segment: its free memory must not depend on who fills the buffer.
+// The service shares the segment, so its free memory must not depend on who fills the buffer.
 TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
 {
     AccessoryPort port(*session);
@@ -337,7 +337,7 @@ TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
     }
 }
 
-// Everything behind the first page becomes read-only there: the allocation faults while it holds the lock.
+// Everything after the first page becomes read-only in the child, so the allocation faults while it holds the lock.
 void DieWhileAllocatingIn(QBXSharedSegment& segment)
 {
     const pid_t child = fork();
@@ -353,10 +353,10 @@ void DieWhileAllocatingIn(QBXSharedSegment& segment)
     }
     int status = 0;
     ASSERT_EQ(child, waitpid(child, &status, 0));
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die where it should";
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die at the expected point";
 }
 
-// The lock is given up on after ten seconds.
+// Waiting for the lock times out after ten seconds.
 TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
 {
     AccessoryPort port(*session);

@@ -1,4 +1,4 @@
-// Everything may end at every step: after each number of turns of the loop, from none to where nothing is left to do.
+// Objects may be destroyed at any step: after every number of main-loop iterations, until nothing is left to do.
 #include <ipodkit/accessory.h>
 #include <ipodkit/audio_source.h>
 #include <ipodkit/pager.h>

@@ -1,4 +1,4 @@
-// Services that break the contract: the state stays consistent, the loop alive, the errors clear.
+// Services that violate the contract: the state stays consistent, the loop keeps running, and errors are clear.
 #include <ipodkit/accessory.h>
 #include <ipodkit/pager.h>
 
@@ -215,7 +215,7 @@ TEST_F(BadInputTest, AnswersOfOtherTypesLeaveTheirFieldsUnknown)
     EXPECT_EQ(State()->deviceCount, 1);
 }
 
-// Made from bytes: text would take longer to read than all the rest.
+// Built from bytes: parsing text would take longer than everything else.
 GVariant* TrackBodyOf(int index)
 {
     std::vector<guchar> record(1040);
@@ -225,14 +225,14 @@ GVariant* TrackBodyOf(int index)
     return g_variant_new("(iv)", index, bytes);
 }
 
-// Address sanitizers walk the stack at every allocation, which takes longer than the event.
+// The address sanitizer unwinds the stack at every allocation, which takes longer than the event.
 #ifdef __SANITIZE_ADDRESS__
 constexpr int kChanges = 1000;
 #else
 constexpr int kChanges = 10000;
 #endif
 
-// The loop goes on ticking while they come.
+// The loop keeps ticking while they arrive.
 TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
 {
     Ready();

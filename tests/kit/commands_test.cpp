@@ -74,7 +74,7 @@ TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
     EXPECT_EQ(result.error().name, "com.example.Broken");
 }
 
-// The bus uses these names too, when the service dies or nobody owns its name.
+// The bus itself uses these names, too, if the service dies or its name has no owner.
 TEST_F(CommandsTest, AnErrorOfALivingServiceIsARefusalWhateverItsName)
 {
     for (const char* last : {"NoReply", "ServiceUnknown", "NameHasNoOwner", "Timeout", "TimedOut", "Disconnected"})
@@ -201,7 +201,7 @@ TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)
     EXPECT_EQ(KindOf(Completed(Ask().Next().CancelledBy(stop))), ErrorKind::Cancelled);
     EXPECT_EQ(KindOf(Ask().Next().CancelledBy(stop).Wait()), ErrorKind::Cancelled);
 
-    // Calls arrive in their order.
+    // Calls arrive in order.
     service.Answer("Pause", "(true,)");
     EXPECT_TRUE(Completed(Ask().Pause()));
     EXPECT_FALSE(Sent("Next()"));
@@ -287,7 +287,7 @@ TEST_F(CommandsTest, FuturesAreFulfilledWhereTheLoopRuns)
     EXPECT_EQ(count, 2);
 }
 
-// The thread of the loop may learn of its connection between the two steps of another thread's sending.
+// The loop's thread may be notified of its connection between the two steps in which another thread sends.
 TEST_F(CommandsTest, ARequestThatIsMadeWhileTheBusConnectsIsSentOnce)
 {
     service.Answer("Next", "(true,)");

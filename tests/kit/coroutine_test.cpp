@@ -252,7 +252,7 @@ TEST_F(CoroutineTest, ATaskMayEndItsOwner)
     EXPECT_EQ(Calls("Next()"), 0);
 }
 
-// A million of them in all, of pages that are there already, so that no service has to answer so often.
+// A million awaits of cached pages, so that the service need not answer as often.
 TEST_F(CoroutineTest, AMillionAwaitsLeakNothing)
 {
     Pager pager(*session, ListKind::Database);

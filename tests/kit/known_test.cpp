@@ -1,4 +1,4 @@
-// Why a field of the state is unknown, and how it becomes known.
+// The reasons why a state field is unknown, and how it becomes known.
 #include <ipodkit/core.h>
 
 #include "kit/kit_test.h"
@@ -128,7 +128,7 @@ TEST(Known, ComparesWithValuesAndWithTheReasonsOfOthers)
     EXPECT_EQ(unknown.value_or(4), 4);
 }
 
-// The record of the core has all that the service sent.
+// The core's record contains everything that the service sent.
 TEST_F(KnownTest, TheRawRecordsOfTheCoreStayReachable)
 {
     std::vector<unsigned char> record(1040);

@@ -15,7 +15,7 @@ namespace
 {
 using testing::Each;
 
-// A service whose database level and playing list have a number of entries "PREFIX 0", "PREFIX 1", ….
+// A service whose database level and playing list contain a number of entries "PREFIX 0", "PREFIX 1", ….
 class PagerTest : public KitTest
 {
 protected:
@@ -61,7 +61,7 @@ protected:
         return *result;
     }
 
-    // A completion that writes down what it is told.
+    // A completion that records its result.
     template <class T>
     static std::function<void(Result<T>)> Into(std::vector<Result<T>>& results)
     {
@@ -87,7 +87,7 @@ protected:
         return std::count(calls.begin(), calls.end(), call);
     }
 
-    // Answers the page that is held back with entries that are not those of the list.
+    // Answers the held page request with entries that are not in the list.
     void AnswerHeldPage(const std::string& name)
     {
         shared.SetList("VecDBListShareMemory", std::vector<std::string>(50, name));
@@ -103,7 +103,7 @@ protected:
 
     SharedVectors shared;
     std::atomic<int> missing{0};
-    FakeService service;  // last: its thread uses the others
+    FakeService service;  // last member, because its thread uses the others
 };
 
 TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
@@ -290,7 +290,7 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
     EXPECT_TRUE(Get(names, 0));
 }
 
-// Their turns, one inside the other, do not fit into the stack.
+// Nested, their completions would overflow the stack.
 TEST_F(PagerTest, AChangeOfLevelCancelsThousandsOfPages)
 {
     constexpr int kPages = 30000;
@@ -354,7 +354,7 @@ TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
     EXPECT_EQ(Get(pager, 0).value()->names.size(), 10U);
 }
 
-// The event and the answer are both there when the loop goes on.
+// Both the event and the reply are pending when the loop continues.
 TEST_F(PagerTest, APageThatAChangeOfItsListOvertookIsCancelled)
 {
     Pager pager(*session, ListKind::Playing, NoPrefetch());
@@ -398,7 +398,7 @@ TEST_F(PagerTest, TheDevicesAreOnePage)
     EXPECT_EQ(Calls("GetDeviceList()"), 1);
 }
 
-// What makes which lists other ones: an event, or a command with the service's answer, null for none.
+// Triggers of list changes: an event, or a command and the service's reply (null for none).
 struct Change
 {
     const char* name;
@@ -406,7 +406,7 @@ struct Change
     std::string body;
     std::function<Request<void>(const Commands&)> command;
     bool playing;
-    bool database;  // and with it the update list
+    bool database;  // and thus the update list
 };
 
 void PrintTo(const Change& change, std::ostream* out)
@@ -478,7 +478,7 @@ INSTANTIATE_TEST_SUITE_P(
                     COMMAND("EnterDeviceRefused", EnterDevice(1), "EnterDeviceChildList", "(false,)", false, false)),
     [](const auto& change) { return std::string(change.param.name); });
 
-// Its size is what it was.
+// Its size is unchanged.
 TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
 {
     service.React("PlayDbList",
@@ -803,7 +803,7 @@ struct UpdateList
 {
     const char* name;
     int size;
-    bool heedsTheRange;  // or always fills in the whole list
+    bool heedsTheRange;  // otherwise it always returns the whole list
     bool filled;         // what it answers when there is no entry in the range
 };
 
@@ -977,7 +977,7 @@ TEST_F(PagerTest, ADamagedVectorIsABadReply)
     ASSERT_TRUE(Get(pager, 0));
     pager.Refresh();
     auto* const words = reinterpret_cast<std::size_t*>(&shared.List("VecPlayingListShareMemory"));
-    words[1] = ~std::size_t{0} / 2;  // its entries lie outside of every mapping
+    words[1] = ~std::size_t{0} / 2;  // its entries are outside of every mapping
 
     EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
 }

@@ -28,7 +28,7 @@ Bytes Png(unsigned char width)
         {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13, 'I', 'H', 'D', 'R', 0, 0, 0, width, 0, 0, 1, 0});
 }
 
-// Begins with a table, fill bytes and another table.
+// Starts with a table, fill bytes, and another table.
 const Bytes kJpeg = Padded(
     {0xFF, 0xD8, 0xFF, 0xE0, 0, 4, 'x', 'y', 0xFF, 0xFF, 0xC4, 0, 3, 'z', 0xFF, 0xC2, 0, 17, 8, 1, 44, 2, 88, 3});
 
@@ -55,7 +55,7 @@ TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
     EXPECT_EQ(picture.bytes, GetParam().bytes);
 }
 
-// Wherever it is cut off, and under the sanitizers too.
+// Truncated at every length; the sanitizers check the reads.
 TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
 {
     const Sample& known = GetParam();
@@ -71,7 +71,7 @@ TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
     }
 }
 
-// A BMP whose second header has that length, and begins with these bytes.
+// A BMP whose second header has that length and starts with these bytes.
 Bytes Bmp(unsigned char length, const Bytes& size)
 {
     Bytes bytes = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, length, 0, 0, 0};
@@ -79,7 +79,7 @@ Bytes Bmp(unsigned char length, const Bytes& size)
     return Padded(bytes);
 }
 
-// A WebP picture of one chunk.
+// A WebP image with a single chunk.
 Bytes WebP(char kind, const Bytes& chunk)
 {
     Bytes bytes = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P', 'V', 'P', '8', 0, 0, 0, 0, 0};
@@ -88,7 +88,7 @@ Bytes WebP(char kind, const Bytes& chunk)
     return Padded(bytes);
 }
 
-// Its directory follows the head: a tag that does not matter, the width as 16 bits and the height as 32.
+// The directory follows the header: an irrelevant tag, a 16-bit width, and a 32-bit height.
 const Bytes kTiff = Padded({'I', 'I', 42, 0, 8, 0, 0, 0, 3, 0, 0xFE, 0, 4, 0, 1, 0, 0, 0, 9, 9, 0, 0, 0,
                             1,   3,   0,  1, 0, 0, 0, 5, 0, 0, 0,    1, 1, 4, 0, 1, 0, 0, 0, 6, 0, 0, 0});
 const Bytes kMotorolaTiff =
@@ -174,7 +174,7 @@ TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
     }
 }
 
-// Used by address: the last so many that were handed out are there, written afresh or not, whatever the clock says.
+// Recency counts by use: the files returned last are kept, whether rewritten or not, regardless of the clock.
 TEST_F(PictureFilesTest, KeepsThoseThatWereHandedOutLast)
 {
     const PictureFiles files(directory, 3);
@@ -234,7 +234,7 @@ TEST_F(PictureFilesTest, AFileThatSomebodyCutIsWrittenAgain)
     EXPECT_EQ(fs::file_size(uri.substr(std::string("file://").size())), 64U);
 }
 
-// A reader that looks all the time finds whole files only.
+// A reader that polls continuously finds only complete files.
 TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
 {
     const PictureFiles files(directory);

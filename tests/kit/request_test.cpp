@@ -1,4 +1,4 @@
-// What all requests have in common: deadlines, cancellation, composition, waiting.
+// Features common to all requests: deadlines, cancellation, composition, waiting.
 #include <ipodkit/accessory.h>
 #include <ipodkit/audio_source.h>
 #include <ipodkit/pager.h>
@@ -31,13 +31,13 @@ protected:
         return std::count(calls.begin(), calls.end(), call);
     }
 
-    // The level's size, once the root was entered.
+    // Enters the root and then reads the size of the level.
     Request<int> RootCount() const
     {
         return Ask().EnterRoot().AndThen([ask = Ask()] { return ask.DatabaseCount(); });
     }
 
-    // Runs the loop on this thread while @p work runs on another one.
+    // Runs the loop on this thread while @p work runs on another.
     template <class Work>
     static auto OnAnotherThread(Work work)
     {

@@ -18,10 +18,10 @@ namespace test
 {
 namespace
 {
-// Far below anything that could block here (deadlines, locks, creators at work), above the noise of a busy machine.
+// Far below anything that could block (deadlines, locks, segment creation), but above the noise of a busy machine.
 constexpr auto kNotBlocked = 50ms;
 
-// What a session asks for before it is Ready.
+// The requests that a session makes before it is Ready.
 constexpr const char* kStateMethods[] = {"GetCurrentMediaInfo",
                                          "GetPlayingTrackIdx",
                                          "GetPlayStatus",
@@ -188,7 +188,7 @@ TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
     EXPECT_FALSE(session->Connection().error);
 }
 
-// As when a service is stopped after its first answer.
+// As if a service is stopped after its first reply.
 TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
 {
     FakeService service;
@@ -227,7 +227,7 @@ TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgai
     EXPECT_EQ(session->State()->shuffle, Shuffle::Songs);
 }
 
-// Each question that a service leaves open counts against the limit of its bus.
+// Each unanswered request counts against the limit of the bus.
 TEST_F(SessionTest, DoesNotFloodAServiceThatHangs)
 {
     FakeService service;
@@ -278,7 +278,7 @@ TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
     EXPECT_EQ(session->State()->queueSize, 3);
 }
 
-// The lock is given up on after ten seconds.
+// Waiting for the lock times out after ten seconds.
 TEST_F(SessionTest, ASegmentThatADeadProcessLockedIsAnErrorWithARemedy)
 {
     QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
@@ -311,7 +311,7 @@ TEST_F(SessionTest, ASegmentOfAnotherUserIsAnErrorThatNamesBoth)
     FakeService service;
     AnswerState(service);
     const QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
-    if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "another user is there for the superuser only";
+    if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "only root can switch users";
 
     const bool failed = RunLoopUntil([&] { return session->Connection().error.has_value(); });
     ASSERT_EQ(seteuid(0), 0);
@@ -360,7 +360,7 @@ TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
     Ready();
 }
 
-// As between the two steps in which a service makes it larger.
+// As between the two steps in which a service grows it.
 TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
 {
     QBXSharedSegment(boost::interprocess::open_or_create, kListSegmentName, 65536);
@@ -372,8 +372,7 @@ TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
     Ready();
 }
 
-// A look at it from outside finds nothing wrong: that its vectors have no room is seen by the core only, which does not
-// try twice.
+// Probing the segment finds no error: only the core notices that its vectors cannot grow, and it does not retry.
 TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
 {
     QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
@@ -420,7 +419,7 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
     EXPECT_EQ(amounts.seen, sent);
 }
 
-// The new process owns the name at once, and does not wait to be asked anything.
+// The new process owns the name at once and emits without waiting for requests.
 TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
 {
     std::vector<int> seen;
@@ -557,7 +556,7 @@ TEST_F(SessionTest, AServiceThatTheBusCannotStartIsAnErrorWithItsReason)
     Ready();
 }
 
-// Each signal with a body, and what services that break the contract put in its place.
+// Each signal with a valid body, and the invalid bodies of services that violate the contract.
 const std::pair<const char*, const char*> kSignals[] = {
     {"OnIpodDeviceStatusChange", "(0, true)"},
     {"OnPlayStatusChanged", "(77,)"},

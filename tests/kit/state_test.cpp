@@ -52,8 +52,8 @@ TEST_F(StateTest, FollowsEveryEvent)
 {
     Ready();
 
-    // The state is read again after it, CarLife last of what is told below: older answers are in before the next
-    // events.
+    // The state is read again after this event; CarLife is the last of the fields below, so older replies have arrived
+    // before the next events.
     service.Answer("GetCarlifeDeviceDetectStatus", "(0,)");
     Emit("OnIpodDeviceStatusChange", "(0, true)");
     ASSERT_TRUE(RunLoopUntil([&] { return State()->carLife == DeviceStatus::Detected; }));

@@ -1,4 +1,4 @@
-// The fake session as tests of applications use it: there is no bus here.
+// The fake session as used by applications' tests, without a bus.
 #include <gmock/gmock.h>
 #include <ipodkit/pager.h>
 #include <ipodkit/testing.h>
@@ -11,7 +11,7 @@ using namespace ipodkit;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-/// What an application would write.
+/// Code as an application would write it.
 class NowPlaying
 {
 public:
