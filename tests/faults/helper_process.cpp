@@ -98,7 +98,7 @@ void HelperProcess::Signal(int number)
     kill(m_pid, number);
 }
 
-// The kernel delivers the signal later; until then the process may answer.
+// The kernel delivers the signal asynchronously; until then the process may answer.
 void HelperProcess::Stop()
 {
     Signal(SIGSTOP);
