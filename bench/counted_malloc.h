@@ -1,9 +1,9 @@
 /// @file
-/// Counts the allocations of the whole process, those of the libraries included.
+/// Counts the allocations of the whole process, including libraries.
 #pragma once
 
 namespace bench
 {
-/// Allocations that were made and not released yet.
+/// The number of live allocations.
 long LiveAllocations();
 }  // namespace bench
