@@ -12,7 +12,7 @@ COMPILER, NM = sys.argv[2:4] if len(sys.argv) > 3 else ("cc", "nm")
 
 
 class Case(unittest.TestCase):
-    """A scratch tree, and the check that runs on it."""
+    """Runs a check on a scratch tree."""
 
     def setUp(self):
         scratch = tempfile.TemporaryDirectory()
@@ -50,21 +50,21 @@ class CheckLayers(Case):
         self.assertIn(f"{file}:1: ", output)
         self.assertIn(f"must not include {header}", output)
 
-    def test_passes_a_tree_that_keeps_the_rules(self):
+    def test_accepts_a_tree_that_follows_the_rules(self):
         status, output = self.check()
         self.assertEqual(0, status, output)
 
-    def test_finds_a_simulator_that_looks_into_the_client(self):
+    def test_finds_a_simulator_that_includes_client_internals(self):
         self.expect_violation("simulator/bad.cpp", '#include "internal/secret.h"\n', "internal/secret.h")
 
-    def test_finds_the_detour_by_a_relative_path(self):
+    def test_finds_a_relative_path(self):
         self.expect_violation("simulator/bad.cpp", '#include "../libipod/internal/secret.h"\n',
                               "../libipod/internal/secret.h")
 
     def test_finds_a_public_header_that_needs_glib(self):
         self.expect_violation("include/Bad.h", "#include <glib.h>\n", "glib.h")
 
-    def test_allows_glib_in_the_one_public_header_that_is_about_it(self):
+    def test_allows_glib_in_its_public_header(self):
         self.write("include/gvariant_data.h", "#include <glib.h>\n")
         self.assertEqual(0, self.check()[0])
 
@@ -74,14 +74,14 @@ class CheckLayers(Case):
     def test_finds_a_public_header_in_the_middleware(self):
         self.expect_violation("middleware/src/bad.cpp", "#include <Public.h>\n", "Public.h")
 
-    def test_finds_a_test_of_the_bus_that_looks_into_the_client(self):
+    def test_finds_a_bus_test_that_includes_client_internals(self):
         self.expect_violation("tests/bus/bad.cpp", '#include "internal/secret.h"\n', "internal/secret.h")
 
-    def test_lets_a_unit_test_look_into_the_client(self):
+    def test_allows_client_internals_in_a_unit_test(self):
         self.write("tests/unit/good.cpp", '#include "internal/secret.h"\n')
         self.assertEqual(0, self.check()[0])
 
-    def test_refuses_a_tree_without_sources(self):
+    def test_rejects_a_tree_without_sources(self):
         self.assertEqual(2, self.run_check("check-layers", self.root / "docs")[0])
 
 
@@ -100,7 +100,7 @@ class CheckLogTable(Case):
         self.assertEqual(1, status, output)
         self.assertIn(line, output)
 
-    def test_passes_when_table_and_code_agree(self):
+    def test_passes_if_table_and_code_agree(self):
         status, output = self.check(self.TABLE, self.SOURCE)
         self.assertEqual(0, status, output)
 
@@ -124,7 +124,7 @@ class CheckLogTable(Case):
         self.expect_violation(self.TABLE, self.SOURCE.replace("com_play", "com_stop"),
                               "com_stop_sync: Failed to call dbus method. Reason: %s.` | ERROR | `Play` |")
 
-    def test_refuses_a_log_site_whose_text_it_cannot_read(self):
+    def test_rejects_a_log_site_with_an_unreadable_text(self):
         status, output = self.check(self.TABLE, self.SOURCE.replace('"play %d "\n             "now"', "kText"))
         self.assertEqual(1, status)
         self.assertIn("without a literal text", output)
@@ -138,7 +138,7 @@ class CheckFunctionSize(Case):
         self.write("libipod/unit.cpp", text)
         return self.run_check("check-function-size", self.root / "libipod")
 
-    def test_passes_a_function_of_the_size_that_is_allowed(self):
+    def test_accepts_a_function_of_the_maximum_size(self):
         status, output = self.check(self.function(40))
         self.assertEqual(0, status, output)
         self.assertIn("1 functions, median 40 lines", output)
@@ -159,7 +159,7 @@ class CheckFunctionSize(Case):
         self.assertEqual(1, status)
         self.assertIn("F() has 41 lines", output)
 
-    def test_takes_neither_namespaces_nor_tables_for_functions(self):
+    def test_ignores_namespaces_and_tables(self):
         table = "const int kTable[] =\n{\n" + "    1,\n" * 60 + "};\n"
         status, output = self.check("namespace a\n{\n" + table + "void F() { g(); }\n}\n")
         self.assertEqual(0, status, output)
@@ -173,7 +173,7 @@ class CheckFunctionSize(Case):
         self.assertIn("lambda() has 41 lines", output)
         self.assertIn("2 functions", output)
 
-    def test_refuses_a_folder_without_functions(self):
+    def test_rejects_a_folder_without_functions(self):
         self.assertEqual(2, self.check("int x;\n")[0])
 
 
@@ -184,11 +184,11 @@ class CheckExports(Case):
                        check=True, timeout=60)
         return self.run_check("check-exports", library, self.write("exports.txt", listed), NM)
 
-    def test_passes_when_library_and_list_agree(self):
+    def test_passes_if_library_and_list_agree(self):
         status, output = self.check("# comment\noffered\nmade_by_tool\n")
         self.assertEqual(0, status, output)
 
-    def test_allows_what_a_pattern_matches_without_asking_for_it(self):
+    def test_treats_pattern_matches_as_optional(self):
         status, output = self.check("offered\npattern: made_.*\npattern: never_there\n")
         self.assertEqual(0, status, output)
 
@@ -197,18 +197,18 @@ class CheckExports(Case):
         self.assertEqual(1, status)
         self.assertIn("exported but not listed: made_by_tool", output)
 
-    def test_finds_a_listed_symbol_that_is_gone(self):
+    def test_finds_a_missing_listed_symbol(self):
         status, output = self.check("offered\nmade_by_tool\ngone\n")
         self.assertEqual(1, status)
         self.assertIn("listed but not exported: gone", output)
 
-    def test_does_not_take_a_pattern_for_a_part_of_a_name(self):
+    def test_matches_patterns_against_whole_names(self):
         status, output = self.check("offered\npattern: made\n")
         self.assertEqual(1, status, output)
 
 
 class CheckContract(Case):
-    """On the tree's own document: one thing is changed at a time."""
+    """Tests on the tree's own document, with one change at a time."""
 
     TREE = TOOLS.parent
     FILES = {"document": "docs/contract.md", "xml": "ipc/com.zarn.linux.ipod.xml", "proto": "proto/ipod.proto"}
@@ -225,7 +225,7 @@ class CheckContract(Case):
         self.assertEqual(1, status, output)
         self.assertIn(told, output)
 
-    def test_passes_the_tree_as_it_is(self):
+    def test_passes_on_the_unmodified_tree(self):
         status, output = self.check()
         self.assertEqual(0, status, output)
         self.assertIn("66 members, 14 fields, 0 differences", output)
@@ -239,7 +239,7 @@ class CheckContract(Case):
     def test_finds_a_member_that_is_not_documented(self):
         self.expect_difference("xml", '<method name="Pause">', '<method name="Break"/><method name="Pause">', "Break")
 
-    def test_finds_a_member_that_is_gone(self):
+    def test_finds_a_removed_member(self):
         self.expect_difference("xml", '<signal name="OnPlayStatusChanged">', '<signal name="OnChanged">',
                                "only in the document: ('signal', 'OnPlayStatusChanged'")
 
@@ -262,14 +262,14 @@ class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
     def check(self, name, *link):
-        """The verdict on an unoptimised program or library that is hardened as far as LINK says."""
+        """Checks an unoptimized program or library with the hardening that LINK selects."""
         built = self.root / name
         built.parent.mkdir(parents=True, exist_ok=True)
         subprocess.run([COMPILER, "-fPIC", "-nostdlib", "-Wl,-z,relro,-z,now", *link, "-o", str(built),
                         self.write("source.c", self.SOURCE)], check=True, timeout=60)
         return self.run_check("../tests/faults/hardening_test.py", 0, built)
 
-    def test_expects_of_a_program_what_programs_need_wherever_it_was_built(self):
+    def test_expects_program_hardening_on_every_architecture(self):
         for name in ("build/program", "libipod/build/program", "libipod.so.d/program"):
             with self.subTest(name):
                 self.assertEqual((0, "1 hardened, 0 not\n"), self.check(name, "-pie", "-rdynamic", "-Wl,-e,start"))
@@ -300,27 +300,27 @@ class CompareTestLists(Case):
         self.assertEqual(1, status)
         self.assertIn("only native, without a reason: b", output)
 
-    def test_finds_a_test_that_is_not_native(self):
+    def test_finds_a_test_missing_from_the_native_build(self):
         status, output = self.check(["a"], ["a", "b"])
         self.assertEqual(1, status)
         self.assertIn("not native: b", output)
 
-    def test_tells_the_reason_of_what_is_left_out(self):
+    def test_prints_the_reason_of_an_exclusion(self):
         status, output = self.check(["a", "b1", "b2"], ["a"], "# comment\nb.  no such thing there\n")
         self.assertEqual(0, status, output)
         self.assertIn("left out: b. (2): no such thing there", output)
 
-    def test_finds_an_exclusion_that_is_none_any_more(self):
+    def test_finds_an_obsolete_exclusion(self):
         status, output = self.check(["a"], ["a"], "a  once it could not\n")
         self.assertEqual(1, status)
         self.assertIn("leaves nothing out any more: a", output)
 
-    def test_compares_the_tests_that_the_options_leave(self):
+    def test_compares_the_tests_selected_by_options(self):
         status, output = self.check(["a", "b"], ["a"], "", "--exclude-regex", "b")
         self.assertEqual(0, status, output)
         self.assertIn("tests: 1 native, 1 here, ", output)
 
-    def test_compares_nothing_with_a_build_that_is_not_there(self):
+    def test_fails_for_a_missing_build(self):
         self.assertEqual(2, self.check(["a"], [])[0])
         self.assertEqual(2, self.check(["a"], ["a_NOT_BUILT"])[0])
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The toolchain file says what is missing. Usage: toolchain_test.py CMAKE"""
+"""Tests that the toolchain file reports what is missing. Usage: toolchain_test.py CMAKE"""
 
 import pathlib
 import subprocess
@@ -27,7 +27,7 @@ class Toolchain(unittest.TestCase):
     def test_no_sysroot(self):
         self.assertIn("There is no sysroot in ''. Make one with tools/arm-sysroot DIR", self.refused())
 
-    def test_a_directory_that_is_no_sysroot(self):
+    def test_a_directory_that_is_not_a_sysroot(self):
         self.assertIn(f"There is no sysroot in '{self.scratch}'.", self.refused(f"-DCMAKE_SYSROOT={self.scratch}"))
 
     def test_no_cross_compiler(self):
