@@ -81,7 +81,7 @@ TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
     EXPECT_FALSE(peer->IsOpen());
 }
 
-TEST_F(AccessoryTest, APortThatIsMadeWhenTheServiceIsLostHasNoSessions)
+TEST_F(AccessoryTest, APortCreatedWithoutAServiceHasNoSessions)
 {
     service.Emit("OnIpodStartEapSession", "(3, 300)");
     Settle(service);
@@ -120,7 +120,7 @@ TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
-TEST_F(AccessoryTest, ReceivedBytesReachTheOneSessionThatFits)
+TEST_F(AccessoryTest, ReceivedBytesReachTheMatchingSession)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr one = OpenSession(port, 300);
@@ -138,7 +138,7 @@ TEST_F(AccessoryTest, ReceivedBytesReachTheOneSessionThatFits)
     EXPECT_EQ(CountLogLines("80 LogWarning: received bytes for accessory session 99, which is not open"), 1U);
 }
 
-TEST_F(AccessoryTest, BytesThatMayBeOfTwoSessionsAreAnErrorForBoth)
+TEST_F(AccessoryTest, AmbiguousBytesAreAnErrorForBothSessions)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr one = OpenSession(port, 44);
@@ -154,7 +154,7 @@ TEST_F(AccessoryTest, BytesThatMayBeOfTwoSessionsAreAnErrorForBoth)
     EXPECT_THAT(toOther, ElementsAre("Ambiguous"));
 }
 
-TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveWholeAndInOrder)
+TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveCompletelyAndInOrder)
 {
     AccessoryOptions small;
     small.chunk = 1000;
@@ -178,7 +178,7 @@ TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveWholeAndInOrder)
     EXPECT_EQ(one->Waiting(), 0U);
 }
 
-TEST_F(AccessoryTest, TakesNoMoreThanTheHighWaterMarkAndSaysWhenItDoesAgain)
+TEST_F(AccessoryTest, AcceptsDataUpToTheHighWaterMarkAndReportsDraining)
 {
     AccessoryOptions small;
     small.highWater = 1000;
@@ -200,7 +200,7 @@ TEST_F(AccessoryTest, TakesNoMoreThanTheHighWaterMarkAndSaysWhenItDoesAgain)
     EXPECT_FALSE(peer->HasRoomFor(1));
 }
 
-TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
+TEST_F(AccessoryTest, ARefusalFailsAllAcceptedWrites)
 {
     accepting = false;
     AccessoryPort port(*session);
@@ -220,7 +220,7 @@ TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
     EXPECT_TRUE(RunLoopUntil([&] { return again; }));
 }
 
-TEST_F(AccessoryTest, SaysThatItTakesBytesAgainAfterAFailureToo)
+TEST_F(AccessoryTest, ReportsDrainingAfterAFailure)
 {
     accepting = false;
     AccessoryOptions small;
@@ -237,7 +237,7 @@ TEST_F(AccessoryTest, SaysThatItTakesBytesAgainAfterAFailureToo)
     EXPECT_THAT(told, ElementsAre("Refused", "drained"));
 }
 
-TEST_F(AccessoryTest, AClosedSessionIsNotSaidToTakeBytesAgain)
+TEST_F(AccessoryTest, AClosedSessionDoesNotReportDraining)
 {
     service.Hold("EapWrite");
     AccessoryOptions small;
@@ -256,7 +256,7 @@ TEST_F(AccessoryTest, AClosedSessionIsNotSaidToTakeBytesAgain)
     EXPECT_FALSE(drained);
 }
 
-TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
+TEST_F(AccessoryTest, ChunksThatDoNotFitIntoTheSegmentAreAnError)
 {
     AccessoryOptions huge;
     huge.chunk = 4 << 20;
@@ -271,7 +271,7 @@ TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
 }
 
-TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
+TEST_F(AccessoryTest, AChunkThatWouldExhaustTheSegmentIsRejectedInAdvance)
 {
     AccessoryOptions large;
     large.chunk = 600 * 1024;
@@ -291,7 +291,7 @@ TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
     EXPECT_THAT(written, IsEmpty());
 }
 
-TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
+TEST_F(AccessoryTest, TheLargestChunkLeavesSpaceForAReplyAndTheNextChunk)
 {
     constexpr std::size_t kBookkeeping = 64;
     const std::size_t size = RoomForAccessoryBytes() - kBookkeeping;
@@ -373,7 +373,7 @@ TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
     EXPECT_THAT(result->error().reason, HasSubstr("locked by a process that died"));
 }
 
-TEST_F(AccessoryTest, TheSessionMayEndWhileTheBufferGrows)
+TEST_F(AccessoryTest, TheSessionMayBeDestroyedWhileTheBufferGrows)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
@@ -387,7 +387,7 @@ TEST_F(AccessoryTest, TheSessionMayEndWhileTheBufferGrows)
     EXPECT_THAT(written, IsEmpty());
 }
 
-TEST_F(AccessoryTest, TheLibraryItselfTakesTheLargestWriteAndLeavesRoomForAnAnswer)
+TEST_F(AccessoryTest, TheCoreAcceptsTheLargestWriteAndLeavesSpaceForAReply)
 {
     ASSERT_TRUE(QBX_GetIpodPlayer()->InitInstance());
     Bytes most(RoomForAccessoryBytes());
@@ -411,7 +411,7 @@ TEST_F(AccessoryTest, SessionsEndWithTheService)
     EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
-TEST_F(AccessoryTest, SessionsEndWithTheSessionThatTheyBelongTo)
+TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
@@ -429,7 +429,7 @@ TEST_F(AccessoryTest, SessionsEndWithTheSessionThatTheyBelongTo)
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
-TEST_F(AccessoryTest, APortThatComesLaterKnowsTheOpenSessions)
+TEST_F(AccessoryTest, APortCreatedLaterKnowsTheOpenSessions)
 {
     service.Emit("OnIpodStartEapSession", "(3, 300)");
     Settle(service);
@@ -440,7 +440,7 @@ TEST_F(AccessoryTest, APortThatComesLaterKnowsTheOpenSessions)
     EXPECT_EQ(port.Sessions().front()->Number(), 300);
 }
 
-TEST_F(AccessoryTest, ACallbackMayEndThePort)
+TEST_F(AccessoryTest, ACallbackMayDestroyThePort)
 {
     auto port = std::make_unique<AccessoryPort>(*session);
     const Subscription watching = port->OnOpened("end", [&](const AccessorySessionPtr&) { port.reset(); });

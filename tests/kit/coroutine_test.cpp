@@ -222,7 +222,7 @@ TEST_F(CoroutineTest, TheEndOfItsOwnerDestroysTheFrameAtItsSuspensionPoint)
     EXPECT_FALSE(resumed);
 }
 
-TEST_F(CoroutineTest, TheEndOfItsOwnerWithdrawsARequestThatWaitsForItsTurn)
+TEST_F(CoroutineTest, TheEndOfItsOwnerWithdrawsAQueuedRequest)
 {
     service.Hold("GetCurDbListItemsAmount");
     Pager pager(*session, ListKind::Database);
@@ -281,7 +281,7 @@ TEST_F(CoroutineTest, TheEndOfTheSessionResumesWithAnError)
     EXPECT_TRUE(tasks->Empty());
 }
 
-TEST_F(CoroutineTest, ARequestThatWasMadeButNotAwaitedIsHarmless)
+TEST_F(CoroutineTest, ARequestThatIsNotAwaitedIsHarmless)
 {
     std::optional<Result<int>> result;
     {

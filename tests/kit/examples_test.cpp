@@ -61,7 +61,7 @@ protected:
     SharedVectors shared;
 };
 
-TEST_F(ExamplesTest, NowPlayingShowsWhatPlaysAndFollows)
+TEST_F(ExamplesTest, NowPlayingShowsAndFollowsTheTrack)
 {
     Example example("now_playing", "");
     ASSERT_TRUE(example.Prints("[Ready] >  - Song")) << example.Printed();
@@ -124,7 +124,7 @@ protected:
     }
 };
 
-TEST_F(AccessoryEchoTest, SendsBackWhatItGets)
+TEST_F(AccessoryEchoTest, EchoesReceivedData)
 {
     service.Answer("EapWrite", "(true,)");
     Example example("accessory_echo", "");

@@ -18,7 +18,7 @@ protected:
     SharedVectors shared;
 };
 
-TEST_F(KnownTest, WhatOnlyEventsReportIsNotReportedYet)
+TEST_F(KnownTest, FieldsReportedOnlyByEventsStartUnreported)
 {
     Ready();
 
@@ -68,7 +68,7 @@ TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
                 ElementsAre("GetShuffleMode()", "GetRepeatMode()"));
 }
 
-TEST_F(KnownTest, AServiceThatDoesNotKnowAMethodDoesNotSupportTheField)
+TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)
 {
     service.React("GetIpodAppBundleName",
                   [](GDBusMethodInvocation* call) {
@@ -81,7 +81,7 @@ TEST_F(KnownTest, AServiceThatDoesNotKnowAMethodDoesNotSupportTheField)
     EXPECT_EQ(State()->Why(Field::ForegroundApp), Unknown::NotSupported);
 }
 
-TEST_F(KnownTest, ALateFieldTimedOutUntilItsAnswerArrives)
+TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
 {
     options.deadline = 100ms;
     service.Hold("GetRepeatMode");
@@ -94,7 +94,7 @@ TEST_F(KnownTest, ALateFieldTimedOutUntilItsAnswerArrives)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->repeat == Repeat::All; }));
 }
 
-TEST_F(KnownTest, WithoutADeviceThereIsNothingToKnowOfIt)
+TEST_F(KnownTest, WithoutADeviceItsFieldsAreUnknown)
 {
     Ready();
     service.Answer("GetDeviceAmount", "(0,)");
@@ -106,7 +106,7 @@ TEST_F(KnownTest, WithoutADeviceThereIsNothingToKnowOfIt)
         EXPECT_EQ(State()->Why(field), Unknown::NoDevice) << Name(field);
 }
 
-TEST_F(KnownTest, ARefusalForWantOfADeviceSaysSo)
+TEST_F(KnownTest, ARefusalWithoutADeviceReportsThat)
 {
     service.Answer("GetDeviceAmount", "(0,)");
     service.Fail("GetCurrentMediaInfo", "no device");
@@ -118,7 +118,7 @@ TEST_F(KnownTest, ARefusalForWantOfADeviceSaysSo)
     EXPECT_EQ(State()->Why(Field::DeviceName), Unknown::NoDevice);
 }
 
-TEST(Known, ComparesWithValuesAndWithTheReasonsOfOthers)
+TEST(Known, ComparesWithValuesAndReasons)
 {
     const Known<int> unknown;
     EXPECT_NE(unknown, 0);

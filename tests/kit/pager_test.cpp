@@ -106,7 +106,7 @@ protected:
     FakeService service;  // last member, because its thread uses the others
 };
 
-TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
+TEST_F(PagerTest, APageRequestedAfterABlockingLevelChangeIsOfTheNewLevel)
 {
     service.Answer("EnterDbChildList", "(true,)");
     Pager pager(*session, ListKind::Database);
@@ -118,7 +118,7 @@ TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
     EXPECT_TRUE(Get(pager, 0));
 }
 
-TEST_F(PagerTest, ABlockingChangeOfLevelDoesNotCancelWhatIsRequestedAfterwards)
+TEST_F(PagerTest, ABlockingLevelChangeDoesNotCancelLaterRequests)
 {
     service.Answer("EnterDbChildList", "(true,)");
     Pager pager(*session, ListKind::Database);
@@ -141,7 +141,7 @@ TEST_F(PagerTest, ABlockingChangeOfLevelDoesNotCancelWhatIsRequestedAfterwards)
     EXPECT_TRUE(*page);
 }
 
-TEST_F(PagerTest, GivesThePageThatHoldsAnEntry)
+TEST_F(PagerTest, ReturnsThePageThatContainsAnEntry)
 {
     Pager pager(*session, ListKind::Database);
 
@@ -164,7 +164,7 @@ TEST_F(PagerTest, TheLastPageIsShorter)
     EXPECT_EQ(KindOf(Get(pager, -1)), ErrorKind::BadArgument);
 }
 
-TEST(PageTest, HoldsTheLastEntryThatThereCanBe)
+TEST(PageTest, ContainsTheLastPossibleEntry)
 {
     const Page page{INT_MAX - 1, {"one", "last"}};
 
@@ -174,7 +174,7 @@ TEST(PageTest, HoldsTheLastEntryThatThereCanBe)
     EXPECT_THROW((void)page.At(INT_MIN), std::out_of_range);
 }
 
-TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)
+TEST_F(PagerTest, ReturnsCachedPages)
 {
     Pager pager(*session, ListKind::Database, NoPrefetch());
     const PagePtr first = Get(pager, 10).value();
@@ -186,7 +186,7 @@ TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)
     EXPECT_EQ(Calls("GetCurDbListItems(0, 49)"), 1);
 }
 
-TEST_F(PagerTest, ForgetsThePagesThatWereNotUsedForLongest)
+TEST_F(PagerTest, EvictsTheLeastRecentlyUsedPages)
 {
     PagerOptions few = NoPrefetch();
     few.cachedPages = 2;
@@ -237,7 +237,7 @@ TEST_F(PagerTest, APageOfTheWrongSizeIsABadReply)
     EXPECT_TRUE(Get(pager, 0));
 }
 
-TEST_F(PagerTest, AFailedRequestNeverShowsThePageBefore)
+TEST_F(PagerTest, AFailedRequestNeverReturnsThePreviousPage)
 {
     Pager pager(*session, ListKind::Database, NoPrefetch());
     (void)Get(pager, 0);
@@ -268,7 +268,7 @@ TEST_F(PagerTest, TwoPagersOfOneListTakeTurns)
     EXPECT_THAT(wrong, IsEmpty());
 }
 
-TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
+TEST_F(PagerTest, ALevelChangeCancelsAndStartsOver)
 {
     service.Answer("EnterDbChildList", "(true,)");
     Pager names(*session, ListKind::Database, NoPrefetch());
@@ -327,7 +327,7 @@ TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
     EXPECT_EQ(KindOf(*entered), ErrorKind::BadArgument);
 }
 
-TEST_F(PagerTest, ARestartInTheMiddleOfAPageCancels)
+TEST_F(PagerTest, ARestartDuringAPageCancelsIt)
 {
     service.Hold("GetPlayingListItems");
     Pager pager(*session, ListKind::Playing, NoPrefetch());
@@ -341,7 +341,7 @@ TEST_F(PagerTest, ARestartInTheMiddleOfAPageCancels)
     EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
-TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
+TEST_F(PagerTest, AChangedPlayingListInvalidatesItsPages)
 {
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
@@ -355,7 +355,7 @@ TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
 }
 
 // Both the event and the reply are pending when the loop continues.
-TEST_F(PagerTest, APageThatAChangeOfItsListOvertookIsCancelled)
+TEST_F(PagerTest, APageOvertakenByAListChangeIsCancelled)
 {
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
@@ -434,7 +434,7 @@ protected:
     }
 };
 
-TEST_P(ListChangeTest, OutdatesTheListsThatItChangesAndNoOthers)
+TEST_P(ListChangeTest, InvalidatesOnlyTheListsThatItChanges)
 {
     ServeList("UP", "GetUpdateListItems", "VecUpdateListShareMemory", "(true,)");
     Pager playing(*session, ListKind::Playing, NoPrefetch());
@@ -479,7 +479,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& change) { return std::string(change.param.name); });
 
 // Its size is unchanged.
-TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
+TEST_F(PagerTest, AChangedPlayingListOfTheSameSizeIsReadAgain)
 {
     service.React("PlayDbList",
                   [this](GDBusMethodInvocation* call)
@@ -495,7 +495,7 @@ TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
     EXPECT_EQ(Get(pager, 0).value()->At(0), "Other 0");
 }
 
-TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
+TEST_F(PagerTest, ADifferentDeviceInvalidatesEveryList)
 {
     service.Answer("EnterDeviceChildList", "(true,)");
     Pager playing(*session, ListKind::Playing, NoPrefetch());
@@ -521,7 +521,7 @@ TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
     EXPECT_TRUE(RunLoopUntil(outdated));
 }
 
-TEST_F(PagerTest, ADeviceThatIsNotEnteredOutdatesNothing)
+TEST_F(PagerTest, ADeviceThatIsNotEnteredInvalidatesNothing)
 {
     service.Answer("EnterDeviceChildList", "(false,)");
     Pager pager(*session, ListKind::Playing, NoPrefetch());
@@ -564,7 +564,7 @@ TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
     EXPECT_EQ(outdated, 0);
 }
 
-TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
+TEST_F(PagerTest, ItsEndCancelsPendingRequests)
 {
     std::optional<Result<PagePtr>> result;
     {
@@ -577,7 +577,7 @@ TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
     RunLoopFor(20ms);
 }
 
-TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
+TEST_F(PagerTest, ItsEndCancelsAPendingLevelChange)
 {
     std::vector<Result<void>> entered;
     service.Hold("EnterDbChildList");
@@ -599,7 +599,7 @@ TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
     EXPECT_EQ(entered.size(), 1U);
 }
 
-TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
+TEST_F(PagerTest, ItsEndWithdrawsAQueuedLevelChange)
 {
     std::vector<Result<PagePtr>> pages;
     std::vector<Result<void>> entered;
@@ -622,7 +622,7 @@ TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
     EXPECT_EQ(entered.size(), 1U);
 }
 
-TEST_F(PagerTest, ItsEndCancelsWhatItKnowsAlready)
+TEST_F(PagerTest, ItsEndCancelsCachedResults)
 {
     std::vector<Result<PagePtr>> pages;
     std::vector<Result<int>> counts;
@@ -716,7 +716,7 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAPageFromTheCache)
     EXPECT_EQ(pages.size(), 1U);
 }
 
-TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
+TEST_F(PagerTest, ASizeOvertakenByRefreshIsNotCached)
 {
     std::vector<Result<int>> before;
     std::vector<Result<int>> after;
@@ -737,7 +737,7 @@ TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
     EXPECT_EQ(before.size(), 1U);
 }
 
-TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
+TEST_F(PagerTest, APageOvertakenByRefreshIsNotCached)
 {
     std::vector<Result<PagePtr>> before;
     std::vector<Result<PagePtr>> after;
@@ -760,7 +760,7 @@ TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
     EXPECT_EQ(before.size(), 1U);
 }
 
-TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
+TEST_F(PagerTest, APrefetchedPageOvertakenByRefreshIsNotCached)
 {
     std::vector<Result<int>> counts;
     Pager pager(*session, ListKind::Database);
@@ -780,7 +780,7 @@ TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
     EXPECT_EQ(pager.Cached(50), nullptr);
 }
 
-TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
+TEST_F(PagerTest, RefreshCancelsEarlierRequests)
 {
     std::vector<Result<PagePtr>> pages;
     std::vector<Result<int>> counts;
@@ -828,7 +828,7 @@ protected:
     }
 };
 
-TEST_P(UpdateListTest, NoPageIsGivenForAnEntryThatIsNotThere)
+TEST_P(UpdateListTest, NoPageIsReturnedForAMissingEntry)
 {
     const UpdateList list = GetParam();
     Serve(list);
@@ -911,7 +911,7 @@ TEST_F(PagerTest, ARangeIsCancelledWhenItsListChanges)
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
 }
 
-TEST_F(PagerTest, ARangeFromTheCacheDoesNotFillTheStack)
+TEST_F(PagerTest, ARangeFromTheCacheDoesNotOverflowTheStack)
 {
     constexpr int kPages = 100000;
     SetSize(kPages);
@@ -927,7 +927,7 @@ TEST_F(PagerTest, ARangeFromTheCacheDoesNotFillTheStack)
     EXPECT_EQ(service.Calls().size(), calls);
 }
 
-TEST_F(PagerTest, OptionsThatAreOutOfRangeAreABadArgument)
+TEST_F(PagerTest, OutOfRangeOptionsAreABadArgument)
 {
     PagerOptions none;
     none.pageSize = 0;

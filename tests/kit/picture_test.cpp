@@ -45,7 +45,7 @@ class PictureOfTypeTest : public testing::TestWithParam<Sample>
 {
 };
 
-TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
+TEST_P(PictureOfTypeTest, HasTypeAndSize)
 {
     const Picture picture = Examine(GetParam().bytes);
 
@@ -56,7 +56,7 @@ TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
 }
 
 // Truncated at every length; the sanitizers check the reads.
-TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
+TEST_P(PictureOfTypeTest, HasNoWrongTypeOrSizeWhenTruncated)
 {
     const Sample& known = GetParam();
     for (std::size_t size = 0; size < known.bytes.size(); ++size)
@@ -113,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
         Sample{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
     [](const auto& known) { return std::string(known.param.name); });
 
-TEST(PictureTest, EqualBytesHaveEqualHashesAndOthersHaveNot)
+TEST(PictureTest, HashesAreEqualOnlyForEqualBytes)
 {
     EXPECT_EQ(Examine(Png(1)).hash, Examine(Png(1)).hash);
     EXPECT_NE(Examine(Png(1)).hash, Examine(Png(2)).hash);
@@ -138,7 +138,7 @@ protected:
     fs::path directory;
 };
 
-TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
+TEST_F(PictureFilesTest, WritesAnImageOnceAndReturnsItsUri)
 {
     const PictureFiles files(directory / "new folder");
 
@@ -153,7 +153,7 @@ TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
     EXPECT_EQ(fs::file_size(*fs::directory_iterator(directory / "new folder")), 64U);
 }
 
-TEST_F(PictureFilesTest, KeepsNoMoreThanItIsTold)
+TEST_F(PictureFilesTest, KeepsAtMostTheConfiguredNumber)
 {
     const PictureFiles files(directory, 3);
 
@@ -162,7 +162,7 @@ TEST_F(PictureFilesTest, KeepsNoMoreThanItIsTold)
     EXPECT_EQ(Files(directory), 3U);
 }
 
-TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
+TEST_F(PictureFilesTest, TheFileOfTheLastImageAlwaysExists)
 {
     const PictureFiles files(directory, 1);
 
@@ -175,7 +175,7 @@ TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
 }
 
 // Recency counts by use: the files returned last are kept, whether rewritten or not, regardless of the clock.
-TEST_F(PictureFilesTest, KeepsThoseThatWereHandedOutLast)
+TEST_F(PictureFilesTest, KeepsTheFilesReturnedLast)
 {
     const PictureFiles files(directory, 3);
     const auto path = [&](int picture)
@@ -212,7 +212,7 @@ TEST_F(PictureFilesTest, AFileWithOtherBytesOfTheSameSizeIsWrittenAgain)
     EXPECT_EQ(bytes, Png(1));
 }
 
-TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)
+TEST_F(PictureFilesTest, RemovesOnlyItsOwnFiles)
 {
     std::ofstream(directory / "holiday.jpg") << "x";
     const PictureFiles files(directory, 1);
@@ -223,7 +223,7 @@ TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)
     EXPECT_EQ(Files(directory), 2U);
 }
 
-TEST_F(PictureFilesTest, AFileThatSomebodyCutIsWrittenAgain)
+TEST_F(PictureFilesTest, ATruncatedFileIsWrittenAgain)
 {
     const PictureFiles files(directory);
     const std::string uri = files.Uri(Examine(Png(1))).value();
@@ -235,7 +235,7 @@ TEST_F(PictureFilesTest, AFileThatSomebodyCutIsWrittenAgain)
 }
 
 // A reader that polls continuously finds only complete files.
-TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
+TEST_F(PictureFilesTest, AFileIsNeverVisibleIncomplete)
 {
     const PictureFiles files(directory);
     std::atomic<bool> writing{true};
@@ -261,7 +261,7 @@ TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
     EXPECT_EQ(halves, 0);
 }
 
-TEST_F(PictureFilesTest, ADirectoryThatHasNoAddressIsAnError)
+TEST_F(PictureFilesTest, ADirectoryWithoutAUriIsAnError)
 {
     setenv("XDG_RUNTIME_DIR", "nowhere", 1);
     fs::current_path(directory);
@@ -275,7 +275,7 @@ TEST_F(PictureFilesTest, ADirectoryThatHasNoAddressIsAnError)
     EXPECT_FALSE(fs::exists(directory / "nowhere"));
 }
 
-TEST_F(PictureFilesTest, AWorkingDirectoryThatIsGoneIsAnError)
+TEST_F(PictureFilesTest, ADeletedWorkingDirectoryIsAnError)
 {
     fs::create_directory(directory / "gone");
     fs::current_path(directory / "gone");
@@ -289,7 +289,7 @@ TEST_F(PictureFilesTest, AWorkingDirectoryThatIsGoneIsAnError)
     EXPECT_EQ(uri.error().kind, ErrorKind::NoStorage);
 }
 
-TEST_F(PictureFilesTest, SaysWhyItCannotWrite)
+TEST_F(PictureFilesTest, ReportsWhyItCannotWrite)
 {
     std::ofstream(directory / "file") << "x";
     const PictureFiles files(directory / "file");

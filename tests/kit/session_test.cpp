@@ -65,7 +65,7 @@ TEST_F(SessionTest, GoesFromAbsentToReady)
     EXPECT_THAT(Phases(), ElementsAre("Absent 0", "Connecting 1", "Ready 1"));
 }
 
-TEST_F(SessionTest, WaitsForAServiceThatComesLater)
+TEST_F(SessionTest, WaitsForAServiceStartedLater)
 {
     Open();
     RecordPhases();
@@ -108,7 +108,7 @@ TEST_F(SessionTest, ObtainsThePlayerOnceAndLeavesItsConnectionToTheApplication)
     EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 0U);
 }
 
-TEST_F(SessionTest, ThereIsOneAtATime)
+TEST_F(SessionTest, OnlyOneExistsAtATime)
 {
     Open();
 
@@ -189,7 +189,7 @@ TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
 }
 
 // As if a service is stopped after its first reply.
-TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
+TEST_F(SessionTest, IsReadyWithoutLateFieldsAndListsThem)
 {
     FakeService service;
     AnswerState(service);
@@ -211,7 +211,7 @@ TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
     EXPECT_EQ(session->State()->deviceName, "Phone");
 }
 
-TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgain)
+TEST_F(SessionTest, EventValuesStayKnownIfTheServiceRefusesToRepeatThem)
 {
     FakeService service;
     AnswerState(service);
@@ -228,7 +228,7 @@ TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgai
 }
 
 // Each unanswered request counts against the limit of the bus.
-TEST_F(SessionTest, DoesNotFloodAServiceThatHangs)
+TEST_F(SessionTest, DoesNotFloodAHangingService)
 {
     FakeService service;
     for (const char* method : kStateMethods) service.Hold(method);
@@ -267,7 +267,7 @@ TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
     EXPECT_THAT(differences, IsEmpty());
 }
 
-TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
+TEST_F(SessionTest, IsReadyEvenIfTheServiceRefusesAField)
 {
     FakeService service;
     AnswerState(service);
@@ -279,7 +279,7 @@ TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
 }
 
 // Waiting for the lock times out after ten seconds.
-TEST_F(SessionTest, ASegmentThatADeadProcessLockedIsAnErrorWithARemedy)
+TEST_F(SessionTest, ASegmentLockedByADeadProcessIsAnErrorWithARemedy)
 {
     QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
     const pid_t child = fork();
@@ -373,7 +373,7 @@ TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
 }
 
 // Probing the segment finds no error: only the core notices that its vectors cannot grow, and it does not retry.
-TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
+TEST_F(SessionTest, AFullSegmentRequiresARestart)
 {
     QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
     for (std::size_t size = 65536; size > 0; size /= 2)
@@ -392,7 +392,7 @@ TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
     EXPECT_THAT(Phases(), ElementsAre("Connecting 1")) << "the second attempt fails as the first did";
 }
 
-TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
+TEST_F(SessionTest, NeitherLosesNorDuplicatesEventsInAThousandRestarts)
 {
     struct Amounts : IQBXIpodPlayerListener
     {
@@ -420,7 +420,7 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
 }
 
 // The new process owns the name at once and emits without waiting for requests.
-TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
+TEST_F(SessionTest, NeitherLosesNorDuplicatesEventsOfAReplacementService)
 {
     std::vector<int> seen;
     std::vector<int> sent;
@@ -450,7 +450,7 @@ TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
     EXPECT_EQ(seen, sent);
 }
 
-TEST_F(SessionTest, ASignalFromAnybodyButTheServiceIsIgnored)
+TEST_F(SessionTest, ASignalFromAnotherSenderIsIgnored)
 {
     FakeService service;
     AnswerState(service);
@@ -488,7 +488,7 @@ TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
     EXPECT_EQ(late, 0);
 }
 
-TEST_F(SessionTest, PublishesWithoutADescriptorForItsTimerToo)
+TEST_F(SessionTest, PublishesWithoutATimerDescriptor)
 {
     FakeService service;
     AnswerState(service);
@@ -507,7 +507,7 @@ TEST_F(SessionTest, PublishesWithoutADescriptorForItsTimerToo)
     EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Playing; }));
 }
 
-TEST_F(SessionTest, TheEndOfTheBusIsTold)
+TEST_F(SessionTest, TheEndOfTheBusIsReported)
 {
     auto service = std::make_unique<FakeService>();
     AnswerState(*service);
@@ -585,7 +585,7 @@ const std::pair<const char*, const char*> kSignals[] = {
     {"OnOOBPairingInfo", "('address', [(0x05,), (0x06,)])"},
 };
 
-TEST_F(SessionTest, EverySignalIsAnEventAndReadsAsInTheCore)
+TEST_F(SessionTest, EverySignalIsAnEventAsInTheCore)
 {
     FakeService service;
     AnswerState(service);
@@ -672,7 +672,7 @@ TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
     EXPECT_TRUE(waiting.outside);
 }
 
-TEST_F(SessionTest, ListenersMayEndThemselvesAndAddOthersInsideACallback)
+TEST_F(SessionTest, ListenersMayRemoveThemselvesAndAddOthersInACallback)
 {
     struct Once : IQBXIpodPlayerListener
     {

@@ -246,7 +246,7 @@ protected:
     std::mt19937 engine{static_cast<unsigned>(FromEnvironment("IPODKIT_SEED", 1))};
 };
 
-TEST_F(StatePropertyTest, TheStateIsWhatTheEventsAndAnswersSay)
+TEST_F(StatePropertyTest, TheStateMatchesEventsAndReplies)
 {
     options.settle = 1ms;
     std::uint32_t generation = 0;

@@ -124,7 +124,7 @@ TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
     }
 }
 
-TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
+TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
 {
     Ready();
     const StatePtr before = State();
@@ -137,7 +137,7 @@ TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
     EXPECT_EQ(before->shuffle, Shuffle::Albums);
 }
 
-TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
+TEST_F(StateTest, APauseKeepsThePosition)
 {
     Ready();
     const Position playing = *State()->position;
@@ -151,7 +151,7 @@ TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
     EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
 }
 
-TEST_F(StateTest, WhatComesBackWithinABurstIsNoChange)
+TEST_F(StateTest, ARevertedValueWithinABurstIsNoChange)
 {
     Ready();
     const std::uint64_t version = State()->version;
@@ -182,7 +182,7 @@ TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
     EXPECT_EQ(fields, Fields::All());
 }
 
-TEST_F(StateTest, SubscribersHearOfTheirFieldsOnly)
+TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
 {
     Ready();
     int calls = 0;
@@ -196,7 +196,7 @@ TEST_F(StateTest, SubscribersHearOfTheirFieldsOnly)
     EXPECT_EQ(calls, 2);
 }
 
-TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
+TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
 {
     Ready();
     int calls = 0;
@@ -209,7 +209,7 @@ TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(StateTest, AnEndedSubscriptionLetsGoOfItsCallbackAtOnce)
+TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
 {
     Ready();
     const auto held = std::make_shared<int>();
@@ -221,7 +221,7 @@ TEST_F(StateTest, AnEndedSubscriptionLetsGoOfItsCallbackAtOnce)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(StateTest, ACallbackThatEndsItselfKeepsWhatItHoldsUntilItReturns)
+TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
 {
     Ready();
     const auto held = std::make_shared<int>();
@@ -253,7 +253,7 @@ TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(StateTest, ACallbackThatAnotherThreadEndsIsLetGoWhenItHasReturned)
+TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
 {
     Ready();
     const auto held = std::make_shared<int>();
@@ -302,7 +302,7 @@ TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
+TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
 {
     Ready();
     Emit("OnIpodDeviceStatusChange", "(1, false)");
@@ -315,7 +315,7 @@ TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
     EXPECT_EQ(State()->deviceCount, 2);
 }
 
-TEST_F(StateTest, ADeviceThatTheApplicationEntersIsAskedForToo)
+TEST_F(StateTest, ADeviceEnteredByTheApplicationIsQueried)
 {
     Ready();
     service.Answer("EnterDeviceChildList", "(true,)");
@@ -326,7 +326,7 @@ TEST_F(StateTest, ADeviceThatTheApplicationEntersIsAskedForToo)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
 }
 
-TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
+TEST_F(StateTest, WithoutADeviceItsStateIsUnknown)
 {
     Ready();
     service.Answer("GetDeviceAmount", "(0,)");
@@ -340,7 +340,7 @@ TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
     EXPECT_EQ(State()->shuffle, Shuffle::Albums);
 }
 
-TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
+TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -355,7 +355,7 @@ TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
     EXPECT_EQ(State()->device, DeviceStatus::NotDetected);
 }
 
-TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
+TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
 {
     Ready();
     const auto asked = [&]
@@ -373,7 +373,7 @@ TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
     EXPECT_LT(asked(), before + 500);
 }
 
-TEST_F(StateTest, KeepsWhatIsKnownWhileTheServiceIsAwayButNotItsCallsAndSessions)
+TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
 {
     Ready();
     Emit("OnIpodStartEapSession", "(3, 300)");
@@ -426,7 +426,7 @@ TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
     EXPECT_THAT(State()->calls, IsEmpty());
 }
 
-TEST_F(StateTest, TheNameOfTheLastDeviceIsForgottenWhenThatOfTheNextComesLate)
+TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
 {
     options.deadline = 100ms;
     Ready();
@@ -451,7 +451,7 @@ TEST_F(StateTest, BatteryEventsComplementEachOther)
     EXPECT_EQ(State()->battery->percent, 50);
 }
 
-TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
+TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -466,7 +466,7 @@ TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
     EXPECT_EQ(State()->Artwork(), queried);
 }
 
-TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
+TEST_F(StateTest, RequestsArtworkForATrackWithoutIt)
 {
     Ready();
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
@@ -477,7 +477,7 @@ TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->Artwork() != nullptr; }));
 }
 
-TEST_F(StateTest, PicturesBeyondTheLimitAreLeftOut)
+TEST_F(StateTest, ArtworkBeyondTheLimitIsDropped)
 {
     options.artworkLimit = 10;
     Ready();

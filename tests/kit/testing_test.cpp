@@ -97,7 +97,7 @@ TEST_F(FakeSessionTest, AnswersRequestsAndRecordsThem)
     EXPECT_THAT(fake.Calls(), ElementsAre("Next()", "Next()", "Next()", "GetPlayStatus()", "GetPlayStatus()"));
 }
 
-TEST_F(FakeSessionTest, RejectsAnAnswerThatTheContractDoesNotAllow)
+TEST_F(FakeSessionTest, RejectsAReplyThatViolatesTheContract)
 {
     fake.Answer("GetPlayStatus", "('text',)");
     EXPECT_EQ(fake.Get().Commands().PlayStatus().Wait().error().kind, ErrorKind::BadReply);
