@@ -14,7 +14,7 @@ constexpr char kBenchPath[] = "/bench";
 constexpr char kBenchInterface[] = "com.zarn.linux.ipod.bench";
 
 /// Prepare sets the size of page and image, fills the shared vectors once, and sets whether each request refills them.
-/// Names and Bytes send the same page and image over the bus; Take receives bytes over it.
+/// Names and Bytes send the same page and image over the bus; Take receives bytes over the bus.
 constexpr char kBenchXml[] = R"(<node><interface name="com.zarn.linux.ipod.bench">
     <method name="Prepare">
       <arg name="names" type="i" direction="in"/>

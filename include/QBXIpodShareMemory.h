@@ -40,7 +40,7 @@ struct PlayListSongNameStr
     char name[256];  ///< ends at the first NUL
 };
 
-static_assert(sizeof(PlayListSongNameStr) == 256, "entries lie 256 bytes apart in the segment");
+static_assert(sizeof(PlayListSongNameStr) == 256, "entries are 256 bytes apart in the segment");
 static_assert(std::is_trivially_copyable<PlayListSongNameStr>::value, "entries are shared between processes");
 
 /// Offset pointer inside a segment, as wide as a pointer: 32 bits on the head unit, 64 on a desktop.

@@ -137,7 +137,7 @@ enum CallStateDisconnectReason : int
     CALL_FAILED = 2,    ///< failed
 };
 
-/// State of one phone call (`OnIpodPhoneCallChange`); calls are told apart by `CallUUID`.
+/// State of one phone call (`OnIpodPhoneCallChange`); `CallUUID` distinguishes calls.
 ///
 /// A member is absent when the service did not send it, or sent a number outside its enumeration.
 struct iPodPhoneCall_t

@@ -14,7 +14,7 @@
 /// Packs @p length bytes from @p data into a new "v" holding an "ay".
 ///
 /// @param data    the bytes; not read when @p length is 0 or below
-/// @param length  number of bytes; 0 or below gives an empty "ay"
+/// @param length  number of bytes; 0 or below produces an empty "ay"
 /// @return a floating reference, meant to be passed straight to a generated call, which consumes it
 GVariant* gvariant_data_build(void* data, int length);
 

@@ -11,7 +11,7 @@
 
 namespace qbx
 {
-static_assert(G_BYTE_ORDER == G_LITTLE_ENDIAN, "records are little-endian and are copied as they lie in memory");
+static_assert(G_BYTE_ORDER == G_LITTLE_ENDIAN, "records are little-endian and are copied in memory order");
 
 struct TrackRecord
 {

@@ -219,7 +219,7 @@ std::vector<Action> FaultActions()
     return {
         {"fault",
          "Inject a fault",
-         "an answer or a signal goes wrong",
+         "a reply or a signal is falsified",
          "fault delay=500@GetPlayStatus/3",
          {{"fault", FieldType::Fault, "The fault, as KIND[=PARAMETER][@MEMBER][/COUNT]", true}},
          StepValue::Required,

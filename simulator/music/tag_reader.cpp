@@ -191,7 +191,7 @@ bool IsGuess(const TagLib::AudioProperties* properties)
            (musepack != nullptr && musepack->mpcVersion() != 7 && musepack->mpcVersion() != 8);
 }
 
-// The length is no criterion: files written to a pipe lack it, and tracker modules have none.
+// The length is not a criterion: files written to a pipe lack it, and tracker modules have none.
 bool IsAudio(const TagLib::AudioProperties* properties)
 {
     return properties != nullptr && properties->channels() > 0 && !IsGuess(properties);

@@ -24,7 +24,7 @@ public:
 
     const TrackList& Tracks() const { return m_tracks; }
     bool Empty() const { return m_tracks.empty(); }
-    /// Index within the list, whatever the order. The list must not be empty.
+    /// Index within the list, regardless of the order. The list must not be empty.
     std::size_t Index() const { return m_order[m_at]; }
     TrackPtr Current() const { return Empty() ? nullptr : m_tracks[Index()]; }
 
