@@ -15,24 +15,22 @@
 /// over the session bus: typically well below a millisecond, at most 25 seconds (GDBus's default timeout) when the
 /// service hangs. InitInstance() blocks while the proxy is created.
 ///
-/// **Threads.** The library starts none. Commands and QBX_GetIpodPlayer() may be called from any thread, also at
-/// the same time; callers must serialize requests that return data through the same shared vector (see each
-/// command). Events are delivered in the GLib main context that was the thread-default one of the thread that called
-/// InitInstance(); without a running main loop none arrives. InitInstance() and QBX_DestroyIpodPlayer() must not
-/// run while other threads use the player.
+/// **Threads.** The library starts none. Commands and QBX_GetIpodPlayer() may be called from any thread, even
+/// concurrently; callers must serialize requests that return data through the same shared vector (see each command).
+/// Events are delivered in the GLib main context that was the thread default when InitInstance() was called; without a
+/// running main loop, none arrives. InitInstance() and QBX_DestroyIpodPlayer() must not run while other threads use the
+/// player.
 ///
-/// **Failure.** Nothing throws but EapWrite() and the first QBX_GetIpodPlayer(), both when shared memory cannot
-/// be used. A call that fails is logged once at level ERROR with the bus's reason. Three values can come back
-/// from a command:
+/// **Failure.** Only EapWrite() and the first QBX_GetIpodPlayer() throw, if shared memory cannot be used. A call that
+/// fails is logged once at level ERROR with the bus's reason. Three values can come back from a command:
 ///
 ///   * its result, when the service answered;
 ///   * its *not-ready* value, when no player object was ever built in this process: no call is made;
 ///   * its *failure* value, when the call failed. Where the description says "unset", the returned value
 ///     means nothing, and the failure shows in the log only.
 ///
-/// A command that returns nothing and writes nothing shows a failure in the log only: where success matters, wait
-/// for the event that confirms the command, or read the state back. Such a command, too, makes no call when it is
-/// not ready.
+/// The failure of a command that returns and writes nothing appears only in the log: if success matters, wait for the
+/// event that confirms the command, or read the state back. Such a command makes no call if it is not ready.
 ///
 /// **Before InitInstance() succeeded.** Until InitInstance() has created a proxy (before its first call, and after
 /// one that did not reach the session bus) commands make no call: GLib prints a critical warning, the library logs

@@ -6,8 +6,8 @@
 /// state with the player's commands. When the service restarts, the subscription stays, the library repeats nothing,
 /// and no event reports the restart; what the service announces then is its own decision.
 ///
-/// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the
-/// thread-default one of the thread that called InitInstance(). Without a running main loop no event arrives.
+/// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the thread default when
+/// InitInstance() was called. Without a running main loop no event arrives.
 ///
 /// **Inside a callback** the listener lock is held and no other event can be delivered: return soon, and pass
 /// long work to another thread. Commands may be called and block as usual. Listeners, the running one included, may

@@ -174,8 +174,8 @@ struct iPodBattery_t
 };
 
 /// The head unit's accessory protocols, announced before accessory sessions can be opened (`EapInit`).
-/// Each text reaches the service cut to its first 255 bytes. The library does not interpret the texts; the comments
-/// describe what known services expect.
+/// Each text is truncated to its first 255 bytes. The library does not interpret the texts; the comments describe what
+/// known services expect.
 struct EAPInfo
 {
     std::string text1;  ///< accessory protocols, separated by commas, for example "com.example.echo"

@@ -15,7 +15,7 @@ namespace ipodsim
 namespace
 {
 constexpr guint kQuietMs = 400;
-constexpr guint kLookEverySeconds = 1;
+constexpr guint kPollSeconds = 1;
 constexpr gint64 kLongestBurst = 5000000;  // microseconds
 
 // Read accesses are excluded, or indexing itself would count as a change.
@@ -47,7 +47,7 @@ FolderWatch::FolderWatch(const std::string& root, GMainContext* context, Warn wa
     g_source_set_callback(m_readable, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnReadable)), this,
                           nullptr);
     g_source_attach(m_readable, m_context);
-    m_poll = g_timeout_source_new_seconds(kLookEverySeconds);
+    m_poll = g_timeout_source_new_seconds(kPollSeconds);
     g_source_set_callback(m_poll, OnPoll, this, nullptr);
     g_source_attach(m_poll, m_context);
     FollowRoot();

@@ -253,7 +253,7 @@ void BusKilledAndSurvived(const Arguments&)
     g_signal_connect(session, "closed", G_CALLBACK(OnBusClosed), &busClosed);
     KillTheBus();
     test::RunLoopFor(std::chrono::milliseconds(200));
-    Expect(busClosed, "the application is told");
+    Expect(busClosed, "the application is notified");
     Expect(desk.player.GetShuffleMode() == 255, "failure value of GetShuffleMode");
     Say("survived");
     std::fflush(stdout);

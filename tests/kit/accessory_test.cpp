@@ -52,11 +52,11 @@ protected:
     }
 
     // The notifications of a session, in order.
-    Subscription Record(const AccessorySessionPtr& peer, std::vector<std::string>& told)
+    Subscription Record(const AccessorySessionPtr& peer, std::vector<std::string>& received)
     {
         return peer->OnData(
-            "record", [&told](const Result<Bytes>& data)
-            { told.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
+            "record", [&received](const Result<Bytes>& data)
+            { received.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
     }
 
     SharedVectors shared;
@@ -227,14 +227,14 @@ TEST_F(AccessoryTest, ReportsDrainingAfterAFailure)
     small.highWater = 1000;
     AccessoryPort port(*session, small);
     const AccessorySessionPtr peer = OpenSession(port, 1);
-    std::vector<std::string> told;
-    const auto failed = [&told](const Result<void>& result) { told.push_back(Name(KindOf(result))); };
-    const Subscription watching = peer->OnDrained("test", [&told] { told.push_back("drained"); });
+    std::vector<std::string> received;
+    const auto failed = [&received](const Result<void>& result) { received.push_back(Name(KindOf(result))); };
+    const Subscription watching = peer->OnDrained("test", [&received] { received.push_back("drained"); });
 
     peer->Write(Bytes(5000)).Start(failed);
 
-    EXPECT_TRUE(RunLoopUntil([&] { return told.size() == 2; }));
-    EXPECT_THAT(told, ElementsAre("Refused", "drained"));
+    EXPECT_TRUE(RunLoopUntil([&] { return received.size() == 2; }));
+    EXPECT_THAT(received, ElementsAre("Refused", "drained"));
 }
 
 TEST_F(AccessoryTest, AClosedSessionDoesNotReportDraining)
@@ -416,13 +416,13 @@ TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
     service.Hold("EapWrite");
-    std::vector<std::string> told;
-    const Subscription closing = peer->OnClosed("test", [&told] { told.push_back("closed"); });
-    peer->Write({1}).Start([&told](const Result<void>& done) { told.push_back(Name(KindOf(done))); });
+    std::vector<std::string> received;
+    const Subscription closing = peer->OnClosed("test", [&received] { received.push_back("closed"); });
+    peer->Write({1}).Start([&received](const Result<void>& done) { received.push_back(Name(KindOf(done))); });
 
     session.reset();
 
-    EXPECT_THAT(told, ElementsAre("Cancelled", "closed"));
+    EXPECT_THAT(received, ElementsAre("Cancelled", "closed"));
     EXPECT_FALSE(peer->IsOpen());
     EXPECT_FALSE(peer->HasRoomFor(1));
     EXPECT_EQ(KindOf(Completed(peer->Write({2}))), ErrorKind::Cancelled);

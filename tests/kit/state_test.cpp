@@ -117,10 +117,10 @@ TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
 
         Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
 
-        const Track told = State()->track.value();
+        const Track track = State()->track.value();
         EXPECT_THAT((std::vector{replied.title, replied.artist, replied.album, replied.genre}),
-                    ElementsAre(told.title, told.artist, told.album, told.genre));
-        EXPECT_EQ(told.title.size(), length < 1024 ? length : 1028) << length;
+                    ElementsAre(track.title, track.artist, track.album, track.genre));
+        EXPECT_EQ(track.title.size(), length < 1024 ? length : 1028) << length;
     }
 }
 

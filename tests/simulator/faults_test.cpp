@@ -13,7 +13,7 @@ using ipodsim::ParseFault;
 
 namespace
 {
-std::string ComplaintAbout(const std::string& fault)
+std::string ErrorFor(const std::string& fault)
 {
     try
     {
@@ -48,32 +48,31 @@ TEST(FaultText, RequiresOnlyTheKind)
 
 TEST(FaultText, ReportsTheExpectation)
 {
-    EXPECT_NE(ComplaintAbout("dely").find("expected one of delay, no-reply"), std::string::npos);
-    EXPECT_EQ(ComplaintAbout("delay=soon"), "delay: expected an integer between 0 and 4294967295, got 'soon'");
-    EXPECT_EQ(ComplaintAbout("long-record=1048576"), "none");
-    EXPECT_EQ(ComplaintAbout("long-record=1048577"),
-              "long-record: expected an integer between 0 and 1048576, got '1048577'");
-    EXPECT_EQ(ComplaintAbout("delay@GetPlayState"),
+    EXPECT_NE(ErrorFor("dely").find("expected one of delay, no-reply"), std::string::npos);
+    EXPECT_EQ(ErrorFor("delay=soon"), "delay: expected an integer between 0 and 4294967295, got 'soon'");
+    EXPECT_EQ(ErrorFor("long-record=1048576"), "none");
+    EXPECT_EQ(ErrorFor("long-record=1048577"), "long-record: expected an integer between 0 and 1048576, got '1048577'");
+    EXPECT_EQ(ErrorFor("delay@GetPlayState"),
               "the interface has no method or signal 'GetPlayState' (did you mean 'GetPlayStatus'?)");
-    EXPECT_NE(ComplaintAbout("dely").find("(did you mean 'delay'?)"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay/x").find("expected KIND"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay/").find("expected KIND"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("no-reply=5").find("expected no parameter"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("error=busy").find("expected an error name"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("crash-locked=all").find("expected lists or buffers"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("").find("expected one of"), std::string::npos);
+    EXPECT_NE(ErrorFor("dely").find("(did you mean 'delay'?)"), std::string::npos);
+    EXPECT_NE(ErrorFor("delay/x").find("expected KIND"), std::string::npos);
+    EXPECT_NE(ErrorFor("delay/").find("expected KIND"), std::string::npos);
+    EXPECT_NE(ErrorFor("no-reply=5").find("expected no parameter"), std::string::npos);
+    EXPECT_NE(ErrorFor("error=busy").find("expected an error name"), std::string::npos);
+    EXPECT_NE(ErrorFor("crash-locked=all").find("expected lists or buffers"), std::string::npos);
+    EXPECT_NE(ErrorFor("").find("expected one of"), std::string::npos);
 }
 
 TEST(FaultText, RejectsMembersThatTheKindDoesNotFit)
 {
-    EXPECT_EQ(ComplaintAbout("unterminated@Play"),
+    EXPECT_EQ(ErrorFor("unterminated@Play"),
               "unterminated: expected one of GetPlayingListItems, GetCurDbListItems, GetCurDbListItemsPinyin, "
               "GetUpdateListItems, GetUpdateListItemsPinyin, GetDeviceList, not Play");
-    EXPECT_EQ(ComplaintAbout("bad-message@Play"),
+    EXPECT_EQ(ErrorFor("bad-message@Play"),
               "bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play");
-    EXPECT_NE(ComplaintAbout("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
-    EXPECT_EQ(ComplaintAbout("out-of-range@OnPlayStatusChanged"), "none");
+    EXPECT_NE(ErrorFor("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
+    EXPECT_NE(ErrorFor("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
+    EXPECT_EQ(ErrorFor("out-of-range@OnPlayStatusChanged"), "none");
 }
 
 TEST(Faults, ApplyAsOftenAsRequested)

@@ -20,7 +20,7 @@ constexpr std::clock_t kSecond = 20 * CLOCKS_PER_SEC;
 constexpr std::clock_t kSecond = CLOCKS_PER_SEC;
 #endif
 
-std::string ComplaintAboutScenario(const std::string& json)
+std::string ScenarioError(const std::string& json)
 {
     try
     {
@@ -60,11 +60,11 @@ TEST(Scenario, SortsItsStepsByTime)
 
 TEST(Scenario, ReportsLineAndColumnOfSyntaxErrors)
 {
-    EXPECT_EQ(ComplaintAboutScenario("{\n  \"steps\": [\n    {\"time\" 5}\n]}").rfind("line 3, column ", 0), 0U);
-    EXPECT_NE(ComplaintAboutScenario("{\"steps\": [").find("expected"), std::string::npos);
-    EXPECT_NE(ComplaintAboutScenario("{\"steps\": nul}").find("expected"), std::string::npos);
-    EXPECT_EQ(ComplaintAboutScenario("").rfind("line 1, column 1: ", 0), 0U);
-    EXPECT_EQ(ComplaintAboutScenario("{\"title\": \"\xFF\"}").rfind("line 1, column 12: ", 0), 0U);
+    EXPECT_EQ(ScenarioError("{\n  \"steps\": [\n    {\"time\" 5}\n]}").rfind("line 3, column ", 0), 0U);
+    EXPECT_NE(ScenarioError("{\"steps\": [").find("expected"), std::string::npos);
+    EXPECT_NE(ScenarioError("{\"steps\": nul}").find("expected"), std::string::npos);
+    EXPECT_EQ(ScenarioError("").rfind("line 1, column 1: ", 0), 0U);
+    EXPECT_EQ(ScenarioError("{\"title\": \"\xFF\"}").rfind("line 1, column 12: ", 0), 0U);
 }
 
 TEST(Scenario, ReportsPathAndExpectationOfInvalidValues)
@@ -96,8 +96,7 @@ TEST(Scenario, ReportsPathAndExpectationOfInvalidValues)
         {"{\"steps\": " + deep + std::string(deep.size(), ']') + "}",
          "steps[0]: expected an object with time, event, value, got an array"},
     };
-    for (const auto& [json, complaint] : cases)
-        EXPECT_EQ(ComplaintAboutScenario(json), complaint) << json.substr(0, 200);
+    for (const auto& [json, complaint] : cases) EXPECT_EQ(ScenarioError(json), complaint) << json.substr(0, 200);
 }
 
 TEST(Scenario, ParsesEightMiBWithinASecondOfCpuTime)
@@ -116,9 +115,8 @@ TEST(Scenario, RejectsMoreThanEightMiB)
     const std::string json = R"({"steps": []})";
     const std::size_t most = std::size_t{8} << 20U;
 
-    EXPECT_EQ(ComplaintAboutScenario(json + std::string(most - json.size(), ' ')), "none");
-    EXPECT_EQ(ComplaintAboutScenario(json + std::string(most - json.size() + 1, ' ')),
-              "expected a scenario of at most 8 MiB");
+    EXPECT_EQ(ScenarioError(json + std::string(most - json.size(), ' ')), "none");
+    EXPECT_EQ(ScenarioError(json + std::string(most - json.size() + 1, ' ')), "expected a scenario of at most 8 MiB");
 }
 
 TEST(Scenario, ChecksEveryValue)
@@ -147,8 +145,7 @@ TEST(Scenario, ChecksEveryValue)
                              R"("event": "clear-faults", "value": {"all": true})"})
     {
         SCOPED_TRACE(step);
-        EXPECT_NE(ComplaintAboutScenario(Step(step)).find("expected"), std::string::npos)
-            << ComplaintAboutScenario(Step(step));
+        EXPECT_NE(ScenarioError(Step(step)).find("expected"), std::string::npos) << ScenarioError(Step(step));
     }
 }
 
@@ -158,7 +155,7 @@ TEST(Scenario, IsWellFormedIfShipped)
     for (const auto& entry : std::filesystem::directory_iterator(IPOD_SCENARIOS))
     {
         SCOPED_TRACE(entry.path());
-        EXPECT_EQ(ComplaintAboutScenario(ContentsOf(entry.path())), "none");
+        EXPECT_EQ(ScenarioError(ContentsOf(entry.path())), "none");
         ++count;
     }
     EXPECT_EQ(count, 3);
@@ -166,13 +163,12 @@ TEST(Scenario, IsWellFormedIfShipped)
 
 TEST(Scenario, SuggestsTheNearestName)
 {
-    EXPECT_NE(ComplaintAboutScenario(Step(R"("event": "buton")")).find("got \"buton\""), std::string::npos);
-    EXPECT_NE(ComplaintAboutScenario(Step(R"("event": "buton")")).find("(did you mean 'button'?)"), std::string::npos);
-    EXPECT_EQ(ComplaintAboutScenario(Step(R"("event": "battery", "value": {"levle": 4})")),
+    EXPECT_NE(ScenarioError(Step(R"("event": "buton")")).find("got \"buton\""), std::string::npos);
+    EXPECT_NE(ScenarioError(Step(R"("event": "buton")")).find("(did you mean 'button'?)"), std::string::npos);
+    EXPECT_EQ(ScenarioError(Step(R"("event": "battery", "value": {"levle": 4})")),
               "steps[0].value.levle: unknown member, expected one of level, charging-status (did you mean 'level'?)");
-    EXPECT_NE(
-        ComplaintAboutScenario(Step(R"("event": "carlife", "value": "detcted")")).find("(did you mean 'detected'?)"),
-        std::string::npos);
+    EXPECT_NE(ScenarioError(Step(R"("event": "carlife", "value": "detcted")")).find("(did you mean 'detected'?)"),
+              std::string::npos);
 }
 
 TEST(Scenario, AcceptsAValueForTheFirstFieldInsteadOfAnObject)

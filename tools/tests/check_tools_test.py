@@ -220,10 +220,10 @@ class CheckContract(Case):
             texts[changed] = texts[changed].replace(before, after, 1)
         return self.run_check("check-contract", *(self.write(name, text) for name, text in texts.items()))
 
-    def expect_difference(self, changed, before, after, told):
+    def expect_difference(self, changed, before, after, expected):
         status, output = self.check(changed, before, after)
         self.assertEqual(1, status, output)
-        self.assertIn(told, output)
+        self.assertIn(expected, output)
 
     def test_passes_on_the_unmodified_tree(self):
         status, output = self.check()
