@@ -1,6 +1,6 @@
 /// @file
-/// The driver's end of the bus: the bare proxies that the library is compared with, and the bench service's own
-/// interface. Everything ends the program when the bus fails.
+/// The driver's end of the bus: bare proxies as the baseline for the library, and the interface of the bench service.
+/// All functions end the program if the bus fails.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -13,22 +13,22 @@ namespace bench
 {
 GDBusConnection* Bus();
 
-/// A proxy as the generated code makes it, without signals.
+/// A proxy created by the generated code, without signals.
 ComZarnLinuxIpod* BareProxy();
 
-/// The player, initialised once.
+/// The player, initialized once.
 IQBXIpodPlayer* Player();
 
-/// Tells the service what to keep ready.
+/// Sets the data that the service prepares.
 void Prepare(int names, int bytes, bool fillsEachTime);
 
-/// The prepared page, and the prepared picture, over the bus.
+/// Fetch the prepared page and the prepared image over the bus.
 std::vector<std::string> NamesOverTheBus();
 std::vector<unsigned char> BytesOverTheBus();
 
 /// Sends bytes over the bus.
 void SendOverTheBus(const std::vector<unsigned char>& bytes);
 
-/// Ends the program when @p error is set.
+/// Ends the program if @p error is set.
 void Check(GError* error);
 }  // namespace bench

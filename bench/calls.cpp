@@ -1,4 +1,4 @@
-// The driver: one suite of contests per run, one line of JSON per contest.
+// The driver: runs one suite of comparisons and prints one line of JSON per comparison.
 #include "calls.h"
 
 #include <QBXLog.h>
@@ -90,7 +90,7 @@ GVariant* PackedEapInfo()
     return Packed(record, sizeof(record));
 }
 
-// Until the replies to asynchronous calls are in and their callbacks have run.
+// Waits until the asynchronous calls have been answered and their callbacks have run.
 void Drain()
 {
     BareGetPlayStatus();

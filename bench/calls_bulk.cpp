@@ -1,4 +1,4 @@
-// Pages, pictures and accessory writes: through shared memory, and the same over the bus.
+// Pages, artwork, and accessory writes: through shared memory, and over the bus for comparison.
 #include <string>
 
 #include "bus.h"
@@ -42,7 +42,7 @@ void BareEapWrite()
     Check(error);
 }
 
-// What the application shows; each page replaces the one before.
+// The application's current page; each page replaces the previous one.
 std::vector<std::string> shown;
 
 void Page()

@@ -1,4 +1,4 @@
-// What an event costs the process that receives it: the bare binding, and the library with listeners.
+// The cost of an event for the receiving process: with the bare binding, and with the library and listeners.
 #include <set>
 #include <string>
 #include <vector>
@@ -20,7 +20,7 @@ struct CountingListener : IQBXIpodPlayerListener
 
 int bareEvents = 0;
 
-// Whom a bare callback would call if it kept a set of its own.
+// The listeners of a bare callback that keeps its own set.
 std::set<IQBXIpodPlayerListener*> walked;
 
 void OnBareEvent(ComZarnLinuxIpod*, guchar status, gpointer)
@@ -39,7 +39,7 @@ void SubscribeBareProxy()
     g_signal_connect(proxy, "on-play-status-changed", G_CALLBACK(OnBareEvent), nullptr);
 }
 
-// The service answers, waits until this process sleeps, and emits then.
+// The service replies, waits until this process sleeps, and then emits the event.
 void AskForEvent(bool bare)
 {
     GError* error = nullptr;
@@ -61,7 +61,7 @@ void Enter(std::set<IQBXIpodPlayerListener*>& registered, Audience& audience)
     for (CountingListener& listener : audience) registered.insert(&listener);
 }
 
-// The bare callback, which walks a plain set of its own.
+// The bare callback, which walks its own set.
 Variant Walk(std::string name, Audience& audience)
 {
     const auto before = [&audience]
@@ -72,7 +72,7 @@ Variant Walk(std::string name, Audience& audience)
     return CpuTimed(std::move(name), before, [] { WaitFor(bareEvents); });
 }
 
-// Listeners are called in the order of their addresses: the last one ends the event.
+// Listeners are called in the order of their addresses, so the last one marks the end of the event.
 Variant Dispatch(std::string name, Audience& audience)
 {
     const auto before = [&audience]

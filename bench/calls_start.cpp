@@ -1,4 +1,4 @@
-// Start of an application: attaching the segments, connecting to the service.
+// Application start-up: attaching the segments and connecting to the service.
 #include <chrono>
 #include <cstdio>
 
@@ -13,7 +13,7 @@ namespace
 {
 void Ignore() {}
 
-// The names of the twenty signals, as the binding spells them.
+// The names of the twenty signals as spelled by the binding.
 std::vector<std::string> SignalNames()
 {
     std::vector<std::string> names;
@@ -25,7 +25,7 @@ std::vector<std::string> SignalNames()
     return names;
 }
 
-// As the library does it, without the library. The proxy stays, as the library's does.
+// The same steps as in the library, without the library. The proxy is leaked, as in the library.
 void BareConnect(const std::vector<std::string>& signals)
 {
     GError* error = nullptr;

@@ -9,10 +9,10 @@ namespace bench
 {
 namespace
 {
-// Not counted: caches and the machine's clock come to rest.
+// Warm-up calls, not counted: caches and CPU frequency settle.
 constexpr int kWarmUpCalls = 50;
 
-// Empty: all.
+// Empty for all.
 std::set<std::string> wanted;
 
 double Now(clockid_t clock)

@@ -1,5 +1,5 @@
 /// @file
-/// Call-level comparison: the variants of a contest take turns call by call, in random order.
+/// Call-level comparison: the variants alternate call by call, in random order.
 #pragma once
 
 #include <functional>
@@ -9,15 +9,15 @@
 
 namespace bench
 {
-/// One way of doing the thing that is compared. @p measure does it once and returns its cost in nanoseconds.
+/// One of the compared implementations. @p measure runs it once and returns its cost in nanoseconds.
 struct Variant
 {
     std::string name;
     std::function<double()> measure;
 };
 
-/// The first variant is what the others are compared with. It runs a second time as "control": the two must
-/// agree, or the machine was too unsteady for the contest to count.
+/// The first variant is the baseline. It runs a second time as "control": if the two differ, the machine was too
+/// unsteady and the comparison is void.
 struct Contest
 {
     std::string name;
@@ -25,15 +25,15 @@ struct Contest
     std::vector<Variant> variants;
 };
 
-/// A variant whose cost is the time on the clock.
+/// A variant measured in wall-clock time.
 Variant Timed(std::string name, std::function<void()> call);
 
-/// A variant whose cost is the processor time of the process, all threads together.
+/// A variant measured in CPU time of the process, including all threads.
 Variant CpuTimed(std::string name, std::function<void()> before, std::function<void()> call);
 
-/// From now on Run() leaves out every contest that is not among @p names.
+/// Restricts Run() to the comparisons in @p names.
 void RunOnly(std::set<std::string> names);
 
-/// Runs a contest and prints one line of JSON with the percentiles of each variant.
+/// Runs a comparison and prints one line of JSON with the percentiles of each variant.
 void Run(Contest contest);
 }  // namespace bench

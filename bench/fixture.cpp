@@ -19,7 +19,7 @@ void Empty(QBXByteVector& vector)
     vector.shrink_to_fit();
 }
 
-// Pictures and write buffer of full size do not fit in together.
+// A full-size image and a full-size write buffer do not fit together.
 void EmptyBuffers()
 {
     Empty(*g_VecArtworkChangeBufferShareMemory);

@@ -1,5 +1,5 @@
 /// @file
-/// A page, a picture and a write buffer in segments, and a client without a bus, for what happens in one process.
+/// A page, an image, and a write buffer in segments, and a client without a bus, for in-process benchmarks.
 #pragma once
 
 #include <glib.h>
@@ -13,19 +13,19 @@
 
 namespace bench
 {
-/// The client of this process, with its segments attached; only errors are logged, to nowhere.
+/// The client of this process, with attached segments; logs only errors, to /dev/null.
 QBXIpod_MediaPlayer_Client& Client();
 
-/// A proxy without a bus to whose signals the client of this process subscribes.
+/// A proxy without a bus; the client of this process subscribes to its signals.
 ComZarnLinuxIpod* Proxy();
 
-/// A page of @p count sample names in the list segment.
+/// Stores a page of @p count sample names in the list segment.
 qbx::Snapshot<PlayListSongNameStr> Page(std::size_t count);
 
-/// A picture of @p size bytes in the buffer segment, where the artwork event looks for it.
+/// Stores an image of @p size bytes in the buffer segment, in the vector of the artwork event.
 qbx::Snapshot<unsigned char> Picture(std::size_t size);
 
-/// The write buffer with room for exactly @p capacity bytes.
+/// The write buffer with a capacity of exactly @p capacity bytes.
 QBXByteVector* WriteBuffer(std::size_t capacity);
 
 /// A received "v" holding an "ay" of @p size bytes.
@@ -38,12 +38,12 @@ struct CountingListener : IQBXIpodPlayerListener
     int events = 0;
 };
 
-/// Registers so many listeners with the client, for as long as it lives.
+/// Registers listeners with the client during its lifetime.
 class Audience
 {
 public:
     explicit Audience(std::size_t size);
-    /// Ends the program when a listener heard nothing: then nothing was measured.
+    /// Ends the program if a listener received no event, because then nothing was measured.
     ~Audience();
     Audience(const Audience&) = delete;
     Audience& operator=(const Audience&) = delete;

@@ -1,13 +1,13 @@
-"""The goals as data: what is compared, and how far it may go. `run-bench` fills in the figures."""
+"""The goals as data: the compared figures and their limits. `run-bench` fills in the figures."""
 
 from collections import namedtuple
 
-# figure: takes a Figures and returns a number; relation: "<=" or ">=".
+# figure: a function from Figures to a number; relation: "<=" or ">=".
 Row = namedtuple("Row", "goal text figure relation limit")
 
 
 class Figures:
-    """What a run measured. Costs are medians in nanoseconds."""
+    """The results of a run. Costs are medians in nanoseconds."""
 
     def __init__(self):
         self.contests = {}  # name -> variant -> {"p50", "p99", "calls"}
@@ -108,7 +108,7 @@ GOALS = [
     *growth_rows(),
 ]
 
-# Of what happens in one process; the same limits, counted instead of timed.
+# In-process operations: the same limits, for instructions instead of time.
 INSTRUCTION_GOALS = [
     Row(3, "iterator / extracting 1,040 bytes", counted("extract-iterator", "extract-library"), ">=", 50),
     Row(3, "iterator / building 512 bytes", counted("build-iterator", "build-library"), ">=", 50),
@@ -123,5 +123,5 @@ INSTRUCTION_GOALS = [
         counted("fill-empty-library-100", "fill-raw-100"), "<=", 3.5),
 ]
 
-# The same counts of a build for ARM, of what goal 14 names.
+# The same counts for an ARM build, for the operations of goal 14.
 ARM_GOALS = [row._replace(goal=14, text=f"ARM: {row.text}") for row in INSTRUCTION_GOALS if row.goal in (3, 4, 8, 10)]

@@ -1,4 +1,4 @@
-// What happens in one process, each operation beside the plainest fast form of it.
+// In-process operations, each compared with the simplest fast implementation.
 #include <benchmark/benchmark.h>
 #include <gvariant_data.h>
 
@@ -113,7 +113,7 @@ void ArtworkRaw(State& state)
     for (auto _ : state) CopyRaw(picture.begin, picture.count);
 }
 
-// Second argument: number of listeners.
+// The second argument is the number of listeners.
 void EventLibrary(State& state)
 {
     Picture(BytesOf(state));
@@ -149,7 +149,7 @@ void FillRaw(State& state)
     }
 }
 
-// The vector grows from nothing; giving its memory back does not count.
+// The vector grows from empty; freeing its memory does not count.
 void FillEmptyLibrary(State& state)
 {
     const std::vector<unsigned char> data = SampleBytes(BytesOf(state));

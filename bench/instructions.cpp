@@ -1,5 +1,5 @@
-// One operation, so many times, and nothing else: for counting instructions. The difference between two runs of
-// different length is the cost of the operation, whatever the tool that counts.
+// Repeats a single operation, for counting instructions. The difference between two runs of different length is the
+// cost of the operation, regardless of the counting tool.
 #include <gvariant_data.h>
 
 #include <cstdio>
@@ -78,7 +78,7 @@ Operation FillRaw(std::size_t size)
     { std::memcpy(buffer->data(), data.data(), data.size()); };
 }
 
-// Each time a new vector, none is given back: giving back does not count.
+// Uses a new vector each time and frees none: freeing does not count.
 Operation FillEmptyLibrary()
 {
     static QBXSharedSegment segment(boost::interprocess::open_or_create, "BenchSegment", kRoomForManyVectors);

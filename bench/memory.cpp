@@ -1,4 +1,4 @@
-// What stays behind after many successful calls, events, pages and pictures.
+// The memory that remains allocated after many successful calls, events, pages, and images.
 #include <QBXLog.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@ namespace
 {
 using namespace bench;
 
-// Pools of the libraries below fill up first.
+// Warm-up: pools of underlying libraries fill first.
 constexpr int kWarmUp = 1000;
 
 constexpr int kPageNames = 100;

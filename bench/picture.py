@@ -1,4 +1,4 @@
-"""Cost against size, drawn as SVG: pages, pictures and accessory writes, through shared memory and over the bus."""
+"""Draws cost against size as SVG: pages, artwork, and accessory writes, through shared memory and over the bus."""
 
 import math
 
@@ -10,7 +10,7 @@ LABELS = {"library": "through shared memory", "bus": "everything over the bus", 
 
 
 class Scale:
-    """Logarithmic, from values to pixels."""
+    """A logarithmic mapping from values to pixels."""
 
     def __init__(self, values, begin, end):
         self.low, self.high = math.log10(min(values)), math.log10(max(values))
@@ -25,7 +25,7 @@ class Scale:
 
 
 def curves(contests, kind, variants):
-    """variant -> [(size, microseconds)]; kind is the contests' name without the size."""
+    """Returns variant -> [(size, microseconds)]; kind is the comparison's name without the size."""
     sizes = sorted(int(name.rsplit(" ", 1)[1]) for name in contests if name.rsplit(" ", 1)[0] == kind)
     return {v: [(s, contests[f"{kind} {s}"][v]["p50"] / 1000) for s in sizes] for v in variants}
 

@@ -1,5 +1,5 @@
 /// @file
-/// What driver and service of the benchmark agree on beside the bus contract.
+/// The protocol between the driver and the service of the benchmark, in addition to the bus contract.
 #pragma once
 
 namespace bench
@@ -7,14 +7,14 @@ namespace bench
 constexpr char kBusName[] = "com.zarn.linux.ipod";
 constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 
-/// The same interface once more, for signals that only a bare proxy gets.
+/// A copy of the interface, for signals that only a bare proxy receives.
 constexpr char kBareObjectPath[] = "/com/zarn/linux/ipod/bare";
 
 constexpr char kBenchPath[] = "/bench";
 constexpr char kBenchInterface[] = "com.zarn.linux.ipod.bench";
 
-/// Prepare sets the size of page and picture, fills the shared vectors once, and says whether each request fills
-/// them anew. Names and Bytes send the same page and picture over the bus; Take receives bytes over it.
+/// Prepare sets the size of page and image, fills the shared vectors once, and sets whether each request refills them.
+/// Names and Bytes send the same page and image over the bus; Take receives bytes over the bus.
 constexpr char kBenchXml[] = R"(<node><interface name="com.zarn.linux.ipod.bench">
     <method name="Prepare">
       <arg name="names" type="i" direction="in"/>

@@ -9,7 +9,7 @@ namespace
 {
 constexpr std::size_t kEntrySize = 256;
 
-// The compiler must not find out that nobody looks at the copy.
+// Prevents the compiler from optimizing the unused copy away.
 void Keep(void* memory)
 {
     asm volatile("" : : "r"(memory) : "memory");

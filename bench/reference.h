@@ -1,5 +1,5 @@
 /// @file
-/// What the library's inside is compared with: the plainest fast form, and the forms that were not chosen.
+/// Baselines for the library's internals: the simplest fast implementations, and rejected alternatives.
 #pragma once
 
 #include <glib.h>
@@ -10,11 +10,11 @@
 
 namespace bench
 {
-/// An iterator over the bytes of a "v" holding an "ay", and a builder that takes them one by one.
+/// An iterator over the bytes of a "v" holding an "ay", and a builder that appends them one by one.
 void ExtractByIterator(unsigned char* dest, GVariant* value);
 GVariant* BuildByIterator(const unsigned char* data, std::size_t size);
 
-/// Names one behind the other, their lengths known.
+/// Contiguous names of known lengths.
 struct PackedNames
 {
     explicit PackedNames(const std::vector<std::string>& names);
@@ -23,10 +23,11 @@ struct PackedNames
     std::vector<std::size_t> lengths;
 };
 
-/// Replaces @p list by the names.
+/// Replaces @p list with the names.
 void Unpack(const PackedNames& names, std::vector<std::string>& list);
 
-/// Replaces @p list by the names of 256-byte entries: whole entry to the stack, then to a string, then to the list.
+/// Replaces @p list with the names of 256-byte entries: copies each entry to the stack, then to a string, then to the
+/// list.
 void CopyNamesNaively(const char* entries, std::size_t count, std::vector<std::string>& list);
 
 /// malloc, memcpy, free.

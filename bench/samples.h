@@ -1,5 +1,5 @@
 /// @file
-/// The data that all parts of the benchmark send: names, pictures and records of fixed contents.
+/// The sample data of the benchmark: names, images, and records with fixed contents.
 #pragma once
 
 #include <QBXIpodShareMemory.h>
@@ -10,12 +10,12 @@
 
 namespace bench
 {
-/// Names of 8 to 40 characters, 24 on average, as titles of songs are; the same ones in every process.
+/// Names of 8 to 40 characters, 24 on average, like song titles; the same in every process.
 std::vector<std::string> SampleNames(std::size_t count);
 
-/// Bytes that look like a compressed picture.
+/// Bytes with the entropy of a compressed image.
 std::vector<unsigned char> SampleBytes(std::size_t count);
 
-/// Puts @p names into a page. The page keeps its memory.
+/// Stores @p names in a page, reusing its memory.
 void FillPage(QBXStringPageVector& page, const std::vector<std::string>& names);
 }  // namespace bench

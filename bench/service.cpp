@@ -1,5 +1,5 @@
-// The bare service of the benchmark: it answers at once, and does of the work behind a call only what the
-// comparison needs. The driver tells it through an interface of its own what to keep ready.
+// The minimal service of the benchmark: it replies at once and does only the work that the comparison needs. The driver
+// configures it through a separate interface.
 #include <QBXIpodShareMemory.h>
 #include <ipod_dbus.h>
 
@@ -54,7 +54,7 @@ Vector* Find(QBXSharedSegment& segment, const char* name)
     return segment.find_or_construct<Vector>(name)(typename Vector::allocator_type(segment.get_segment_manager()));
 }
 
-// Gives the memory back: the segment does not hold a big picture and big writes at once.
+// Frees the memory: the segment cannot hold a large image and large writes at the same time.
 void Empty(QBXByteVector& vector)
 {
     vector.clear();
@@ -129,7 +129,7 @@ gboolean OnGetArtwork(ComZarnLinuxIpod* object, GDBusMethodInvocation* call, Ser
     return TRUE;
 }
 
-// Answers first, lets the client come to rest, and emits then: on the object of the library or on the bare one.
+// Replies first, lets the client go to sleep, then emits: on the library's object or on the bare one.
 gboolean OnSeek(ComZarnLinuxIpod* object, GDBusMethodInvocation* call, gint bare, Service* service)
 {
     GDBusConnection* const bus = g_dbus_method_invocation_get_connection(call);

@@ -1,3 +1,3 @@
-# Writes HEADER with the text of FILE as the constant NAME.
+# Writes a HEADER that defines the text of FILE as the constant NAME.
 file(READ "${FILE}" text)
 file(WRITE "${HEADER}" "inline constexpr char ${NAME}[] = R\"text(${text})text\";\n")

@@ -1,8 +1,8 @@
-# Libraries that applications compile and link with too and that have neither a pkg-config file nor a CMake package: zlog,
-# and a head unit's middleware. They are described to both by where this build found them. Paths inside a sysroot are
-# those on the head unit: pkg-config and CMake prepend the root of whoever uses them.
+# External libraries that applications compile and link with as well, but that have neither a pkg-config file nor a
+# CMake package: zlog, and a head unit's middleware. Both kinds of files refer to the paths found by this build. Paths
+# inside a sysroot are written as on the head unit: pkg-config and CMake prepend the user's sysroot.
 
-# Puts PATH without the sysroot into OUT, or nothing if the compiler looks there anyway.
+# Sets OUT to PATH without the sysroot, or to nothing if the compiler searches it by default.
 function(ipod_path_on_target path implicit out)
   set(result "")
   if(path AND NOT path IN_LIST implicit)
@@ -16,10 +16,10 @@ function(ipod_path_on_target path implicit out)
   set(${out} "${result}" PARENT_SCOPE)
 endfunction()
 
-# Adds a library of which consumers need INCLUDE, the directory of HEADER, and LIBRARY, a file. Both are named by
-# variables, which are those that a consumer sets for another place. Without a LIBRARY there is only the header.
+# Adds a library of which consumers need INCLUDE, the directory of HEADER, and LIBRARY, a file. Both arguments name
+# variables, which consumers can set to other paths. Without a LIBRARY, only the header is needed.
 #   IPOD_EXTERNAL_CFLAGS, IPOD_EXTERNAL_LIBS   flags for pkg-config
-#   IPOD_EXTERNAL_TARGETS                      code for the CMake package; makes the target ipod::NAME
+#   IPOD_EXTERNAL_TARGETS                      code for the CMake package; creates the target ipod::NAME
 macro(ipod_add_external name header include library)
   ipod_path_on_target("${${include}}" "${CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES}" include_dir)
   set(library_file "")

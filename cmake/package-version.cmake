@@ -1,12 +1,12 @@
-# Writes NAMEConfigVersion.cmake into the current binary directory: which versions of the package a project accepts, and
-# that it must have the word size of this build.
+# Writes NAMEConfigVersion.cmake into the current binary directory: the versions that it is compatible with, and the
+# required word size.
 include(CMakePackageConfigHelpers)
 
 function(ipod_write_package_version name)
   set(file "${CMAKE_CURRENT_BINARY_DIR}/${name}ConfigVersion.cmake")
   write_basic_package_version_file("${file}" COMPATIBILITY SameMajorVersion)
   math(EXPR word "8 * ${CMAKE_SIZEOF_VOID_P}")
-  # The list of what CMake found and refused shows the version, so that the reason is put there.
+  # CMake prints the version of rejected packages, so the version carries the reason.
   file(APPEND "${file}" "
 if(PACKAGE_VERSION_UNSUITABLE)
   math(EXPR ipod_project_word \"8 * \${CMAKE_SIZEOF_VOID_P}\")

@@ -1,11 +1,12 @@
-# Release builds are identical wherever they are built. Debug builds keep the paths, so that a debugger finds the sources.
+# Release builds are identical regardless of their directory. Debug builds keep the paths so that debuggers find the
+# sources.
 include(CheckCXXCompilerFlag)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
-# GCC knows it from version 8 on.
+# Supported since GCC 8.
 check_cxx_compiler_flag(-ffile-prefix-map=/from=to IPOD_HAVE_FILE_PREFIX_MAP)
 if(IPOD_HAVE_FILE_PREFIX_MAP)
-  # The last one that matches counts, and the build directory may lie in that of the sources.
+  # The last match wins, and the build directory may be inside the source directory.
   foreach(map IN ITEMS "${PROJECT_SOURCE_DIR}=." "${PROJECT_BINARY_DIR}=build")
     add_compile_options("$<$<OR:$<CONFIG:Release>,$<CONFIG:MinSizeRel>>:-ffile-prefix-map=${map}>")
   endforeach()

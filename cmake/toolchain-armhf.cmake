@@ -1,20 +1,20 @@
 # Cross-compiling for 32-bit ARM Linux, hard-float, with Debian's cross compiler.
 #
-# The "arm" preset uses it with the sysroot that tools/arm-sysroot makes, and runs the tests through qemu-user.
-# With a unit's own SDK: its compiler by -DCMAKE_CXX_COMPILER and -DCMAKE_C_COMPILER, its root by -DCMAKE_SYSROOT
+# The "arm" preset uses it with the sysroot created by tools/arm-sysroot, and runs the tests under qemu-user. For a head
+# unit's SDK, set its compilers with -DCMAKE_CXX_COMPILER and -DCMAKE_C_COMPILER, and its root with -DCMAKE_SYSROOT
 # (docs/porting.md).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 
-# Debian's directory of libraries, and the prefix of its compilers.
+# Debian's library directory, and the prefix of its compilers.
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 
 if(NOT CMAKE_SYSROOT OR NOT IS_DIRECTORY "${CMAKE_SYSROOT}/usr/include")
-  message(FATAL_ERROR "There is no sysroot in '${CMAKE_SYSROOT}'. Make one with tools/arm-sysroot DIR, "
-    "or name another with -DCMAKE_SYSROOT=DIR.")
+  message(FATAL_ERROR "There is no sysroot in '${CMAKE_SYSROOT}'. Create one with tools/arm-sysroot DIR, "
+    "or set another with -DCMAKE_SYSROOT=DIR.")
 endif()
 
-# The versioned compilers: the unversioned package excludes that of the machine's own 32-bit libraries.
+# The versioned compilers: the unversioned package conflicts with the native 32-bit libraries.
 if(NOT CMAKE_C_COMPILER)
   set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc-12)
 endif()
@@ -22,7 +22,7 @@ if(NOT CMAKE_CXX_COMPILER)
   set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++-12)
 endif()
 
-# Programs are run here (protoc, gdbus-codegen); everything else comes from the sysroot and nowhere else.
+# Programs (protoc, gdbus-codegen) come from the host; everything else comes only from the sysroot.
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
@@ -32,7 +32,7 @@ foreach(language C CXX)
   find_program(IPOD_CROSS_${language} "${CMAKE_${language}_COMPILER}" NO_CACHE)
   if(NOT IPOD_CROSS_${language})
     message(FATAL_ERROR "There is no cross compiler '${CMAKE_${language}_COMPILER}'. Install the packages of "
-      "packaging/packages-arm.txt, or name another with -DCMAKE_${language}_COMPILER=COMPILER.")
+      "packaging/packages-arm.txt, or set another with -DCMAKE_${language}_COMPILER=COMPILER.")
   endif()
 endforeach()
 

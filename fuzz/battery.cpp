@@ -1,4 +1,4 @@
-// Bytes of a battery state.
+// Fuzzes the bytes of a battery state.
 #include "harness.h"
 #include "reference_message.h"
 #include "signal_callbacks.h"

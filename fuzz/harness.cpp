@@ -11,7 +11,7 @@
 #include "internal/QBXSingleton.h"
 #include "internal/module_state.h"
 
-// The log sink of this program takes the place of the middleware's.
+// This program's log sink replaces the middleware's.
 namespace
 {
 int category;
@@ -46,7 +46,7 @@ struct Desk
     Heard heard;
 };
 
-// Lives as long as the process.
+// Exists until the process ends.
 Desk& TheDesk()
 {
     static Desk& desk = *new Desk;
@@ -86,7 +86,7 @@ const char* LastLogText()
 void Require(bool holds, const char* what)
 {
     if (holds) return;
-    std::fprintf(stderr, "neither dropped nor decoded as the reference does: %s\n", what);
+    std::fprintf(stderr, "neither dropped nor decoded like the reference: %s\n", what);
     std::abort();
 }
 

@@ -1,6 +1,5 @@
 /// @file
-/// The library without a bus: signals are handed to the callbacks as GLib would hand them over, and what reaches a
-/// listener or the log is written down.
+/// The library without a bus: calls the signal callbacks as GLib would, and records what reaches a listener or the log.
 #pragma once
 
 #include <IQBXIpodPlayerListener.h>
@@ -32,12 +31,12 @@ struct Heard : IQBXIpodPlayerListener
     std::optional<std::vector<unsigned char>> pairing;
 };
 
-/// The client and its one listener, made at the first use. Attaches the segments.
+/// The client and its listener, created on first use. Attaches the segments.
 Heard& Listener();
 ComZarnLinuxIpod* Proxy();
 void* Client();
 
-/// The text of the last record of the log, cut after 8191 bytes.
+/// The text of the last log record, truncated to 8191 bytes.
 const char* LastLogText();
 
 /// Ends the run with a finding unless @p holds.

@@ -1,4 +1,5 @@
-// Reads a vector's header while another process rewrites it: header-race READS. What is read must lie inside.
+// Reads a vector's header while another process rewrites it: header-race READS. All elements read must be inside the
+// mapping.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,7 +26,8 @@ constexpr std::size_t kRoom = 65536;
     }
 }
 
-// The names that lay inside, over all reads; a read outside ends the process, or is counted in @p outside.
+// Returns the number of names inside the mapping, over all reads; a read outside ends the process, or is counted in @p
+// outside.
 long Read(const char* memory, long reads, long& outside)
 {
     const qbx::Mapping mapping{memory, memory + kRoom};

@@ -1,4 +1,4 @@
-// Texts from outside in log lines: they are arguments, never formats.
+// Fuzzes external texts in log lines: they must be arguments, never formats.
 #include <algorithm>
 
 #include "harness.h"
@@ -8,7 +8,7 @@ namespace
 {
 using namespace fuzz;
 
-// As printf would show it: up to the first NUL.
+// As printf prints it: up to the first NUL.
 std::string Shown(const std::uint8_t* data, std::size_t size)
 {
     return std::string(data, std::find(data, data + size, 0));

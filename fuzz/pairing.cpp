@@ -1,4 +1,4 @@
-// The pairing array, and other types in its place.
+// Fuzzes the pairing array, and other types in its place.
 #include "harness.h"
 #include "signal_callbacks.h"
 

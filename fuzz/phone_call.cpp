@@ -1,4 +1,4 @@
-// Bytes of a phone call.
+// Fuzzes the bytes of a phone call.
 #include "harness.h"
 #include "reference_message.h"
 #include "signal_callbacks.h"

@@ -35,7 +35,7 @@ public:
 private:
     std::size_t Left() const { return static_cast<std::size_t>(m_end - m_next); }
 
-    // At most @p longest bytes; bits beyond the 64th are lost.
+    // Reads at most @p longest bytes; bits beyond the 64th are dropped.
     std::optional<std::uint64_t> ReadVarint(int longest)
     {
         std::uint64_t value = 0;

@@ -1,5 +1,5 @@
 /// @file
-/// A second reader of serialised messages, written from the wire format and not from the library's code.
+/// A second parser for serialized messages, written from the wire format, not from the library's code.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace fuzz
 {
-/// What kind of value a known field has.
+/// The type of a known field.
 enum class Kind
 {
     Text,
@@ -21,18 +21,18 @@ enum class Kind
 struct Field
 {
     Kind kind;
-    int largest = 0;  ///< of an enumeration that starts at 0
+    int largest = 0;  ///< largest value of an enumeration that starts at 0
 };
 
 using Fields = std::map<std::uint32_t, Field>;
 
-/// The values of known fields by number; those of another wire type, or outside their enumeration, are not there.
+/// The values of known fields by number, without those of another wire type or outside their enumeration.
 struct Message
 {
     std::map<std::uint32_t, std::string> texts;
     std::map<std::uint32_t, std::uint64_t> numbers;
 };
 
-/// Nothing when the bytes are no message.
+/// Empty if the bytes are not a valid message.
 std::optional<Message> ReadMessage(const std::uint8_t* data, std::size_t size, const Fields& fields);
 }  // namespace fuzz

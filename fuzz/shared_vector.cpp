@@ -1,4 +1,4 @@
-// Header and entries of shared vectors: all readers.
+// Fuzzes header and entries of shared vectors, with all readers.
 #include <algorithm>
 #include <cstring>
 
@@ -13,12 +13,12 @@ constexpr std::size_t kRoom = 16384;
 constexpr std::size_t kHeader = 4 * sizeof(std::size_t);  // allocator, pointer, size, capacity
 static_assert(sizeof(QBXStringPageVector) == kHeader && sizeof(QBXByteVector) == kHeader, "layout of the vectors");
 
-// A segment with a vector in its middle: entries may lie before and behind it.
+// A segment with a vector in its middle: entries may be before and after it.
 alignas(64) char segment[kRoom];
 char* const vectorPlace = segment + kRoom / 2;
 const qbx::Mapping mapping{segment, segment + kRoom};
 
-// The elements that the header announces, when they all lie inside; written from the layout.
+// The elements that the header describes, if all are inside; written from the layout.
 bool Inside(const std::size_t (&header)[3], std::size_t element, const char*& begin)
 {
     const auto place = reinterpret_cast<std::uintptr_t>(vectorPlace + sizeof(std::size_t));
@@ -55,7 +55,7 @@ void CheckBytes(const std::size_t (&header)[3])
     Require(std::equal(bytes.begin(), bytes.end(), first), "the bytes");
 }
 
-// Half of the headers point near the segment, or nothing but nonsense would ever be tried.
+// Half of the headers point near the segment; otherwise almost every input would be trivially invalid.
 void ReadHeader(const std::uint8_t* data, std::size_t (&header)[3])
 {
     std::memcpy(header, data + 1, sizeof(header));

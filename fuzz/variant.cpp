@@ -1,4 +1,4 @@
-// Serialised variants of many types: both extractors, and the records of track and picture.
+// Fuzzes serialized variants of many types: both extractors, and the track and artwork records.
 #include <gvariant_data.h>
 
 #include <algorithm>
@@ -13,10 +13,10 @@ namespace
 using namespace fuzz;
 
 constexpr const char* kTypes[] = {"ay", "v", "s", "ai", "(yi)", "a{sv}", "y", "aay", "mv", "a(y)", "ab", "d"};
-constexpr std::size_t kLongest = 4096;  // far below the 65,536 after which the extractor starts again at the front
+constexpr std::size_t kLongest = 4096;  // far below 65,536, where the extractor wraps around
 
-// The first byte chooses the type of what the variant holds; the rest is its serialised form, which may be no
-// normal one. GVariant bytes off the bus are always normal.
+// The first byte selects the type of the contained value; the rest is its serialized form, which need not be in normal
+// form. GVariant data from the bus is always in normal form.
 GVariant* FromInput(const std::uint8_t* data, std::size_t size)
 {
     const char* const type = size == 0 ? "ay" : kTypes[data[0] % std::size(kTypes)];
@@ -29,7 +29,7 @@ GVariant* FromInput(const std::uint8_t* data, std::size_t size)
     return value;
 }
 
-// What a receiver has to find in it.
+// What a receiver must find in it.
 std::vector<unsigned char> Expected(const std::uint8_t* data, std::size_t size)
 {
     if (size == 0 || std::strcmp(kTypes[data[0] % std::size(kTypes)], "ay") != 0) return {};

@@ -1,8 +1,8 @@
 /// @file
 /// Notifications of the head unit's application manager.
 ///
-/// The player inherits them with their empty bodies and reacts to none. The order of the operations is part
-/// of the published interface: append, never insert.
+/// The player inherits the empty implementations and reacts to none of them. The order of the operations is part of the
+/// published interface: append, never insert.
 #pragma once
 
 #include <QBXAppTypes.h>
@@ -18,7 +18,7 @@ public:
     /// A module was started or stopped.
     virtual void OnModuleStatusChanged(AppBootInfo& /*info*/) {}
 
-    /// The head unit reached a stage of its start.
+    /// The head unit reached a boot stage.
     virtual void OnSystemBootStageNotify(BootStage /*stage*/) {}
 
     /// Android Auto ended abnormally. The argument is the application manager's.

@@ -4,7 +4,7 @@
 /// **Use.** Obtain the one player object, initialize it, register listeners, run a GLib main loop:
 ///
 ///     IQBXIpodPlayer* player = QBX_GetIpodPlayer();
-///     if (!player->InitInstance()) … the service is not there; try again later …
+///     if (!player->InitInstance()) … the service is absent; try again later …
 ///     player->AddListener(&myListener);
 ///     g_main_loop_run(loop);
 ///     player->RemoveListener(&myListener);
@@ -15,30 +15,28 @@
 /// over the session bus: typically well below a millisecond, at most 25 seconds (GDBus's default timeout) when the
 /// service hangs. InitInstance() blocks while the proxy is created.
 ///
-/// **Threads.** The library starts none. Commands and QBX_GetIpodPlayer() may be called from any thread, also at
-/// the same time; callers must serialize requests that return data through the same shared vector (see each
-/// command). Events are delivered in the GLib main context that was the thread-default one of the thread that called
-/// InitInstance(); without a running main loop none arrives. InitInstance() and QBX_DestroyIpodPlayer() must not
-/// run while other threads use the player.
+/// **Threads.** The library starts none. Commands and QBX_GetIpodPlayer() may be called from any thread, even
+/// concurrently; callers must serialize requests that return data through the same shared vector (see each command).
+/// Events are delivered in the GLib main context that was the thread default when InitInstance() was called; without a
+/// running main loop, none arrives. InitInstance() and QBX_DestroyIpodPlayer() must not run while other threads use the
+/// player.
 ///
-/// **Failure.** Nothing throws but EapWrite() and the first QBX_GetIpodPlayer(), both when shared memory cannot
-/// be used. A call that fails is logged once at level ERROR with the bus's reason. Three values can come back
-/// from a command:
+/// **Failure.** Only EapWrite() and the first QBX_GetIpodPlayer() throw, if shared memory cannot be used. A call that
+/// fails is logged once at level ERROR with the bus's reason. Three values can come back from a command:
 ///
 ///   * its result, when the service answered;
 ///   * its *not-ready* value, when no player object was ever built in this process: no call is made;
 ///   * its *failure* value, when the call failed. Where the description says "unset", the returned value
 ///     means nothing, and the failure shows in the log only.
 ///
-/// A command that returns nothing and writes nothing shows a failure in the log only: where success matters, wait
-/// for the event that confirms the command, or read the state back. Such a command, too, makes no call when it is
-/// not ready.
+/// The failure of a command that returns and writes nothing appears only in the log: if success matters, wait for the
+/// event that confirms the command, or read the state back. Such a command makes no call if it is not ready.
 ///
 /// **Before InitInstance() succeeded.** Until InitInstance() has created a proxy (before its first call, and after
 /// one that did not reach the session bus) commands make no call: GLib prints a critical warning, the library logs
 /// no failure line, and the failure value comes back. When InitInstance() returned false because nobody owns the
-/// service's name, the proxy exists: commands fail and are logged as usual, and work as soon as the service is
-/// there. Events arrive only after InitInstance() returned true.
+/// service's name, the proxy exists: commands fail and are logged as usual, and work as soon as the service appears.
+/// Events arrive only after InitInstance() returned true.
 ///
 /// **Memory.** Results belong to the caller; commands keep no reference to their arguments. Some calls leave memory
 /// behind by contract: a failed call keeps 96 to 176 bytes, and GetIpodName(), GetIpodAPPBundleName()
@@ -48,9 +46,9 @@
 ///
 /// **Size of bulk data.** A name holds up to 255 bytes. The six lists share a segment of 5 MiB: fewer than 20,480
 /// names, all lists together. Artwork requested, artwork announced, and accessory bytes sent and received share a
-/// segment of 1 MiB. A vector that grows may need its old and its new place at once, so less fits when others hold
-/// much. The service decides how it reports a page or an image that does not fit; the library returns what the
-/// service answers and what the vector holds. An accessory payload that does not fit makes EapWrite() throw.
+/// segment of 1 MiB. A growing vector may need its old and its new allocation at once, so less fits when the other
+/// vectors are large. The service decides how it reports a page or an image that does not fit; the library returns what
+/// the service answers and what the vector holds. An accessory payload that does not fit makes EapWrite() throw.
 ///
 /// **End of the bus.** GLib ends a process whose session bus disappears; an application that wants to survive
 /// that calls `g_dbus_connection_set_exit_on_close()` with FALSE on the connection of `g_bus_get_sync()`.
@@ -80,14 +78,14 @@
 class IQBXIpodPlayer : public IQBXService<IQBXIpodPlayerListener>
 {
 public:
-    /// Returns the details of the playing track. Not ready: the call is made all the same. Failure: empty texts, zeros.
+    /// Returns the details of the playing track. Not ready: makes the call anyway. Failure: empty strings and zeros.
     virtual QBXiPodTrackInfo GetCurrentMediaInfo() = 0;
 
-    /// Takes part in the arbitration of audio sources, or starts playback, as @p option says:
+    /// Requests or confirms an audio source, or starts playback, depending on @p option:
     ///   1, 2     request source 10 or 11 from the audio-source manager; returns its code (1 and 2: granted)
     ///   3, 4, 5  start playback, if the source that was granted last is active; returns 1 when it started
     ///   6, 7     confirm activation or deactivation with @p confirmArg; returns 1
-    /// A refused request returns the manager's code, which is neither 1 nor 2. Everything else returns 0. Only options
+    /// A refused request returns the manager's code, which is neither 1 nor 2. Every other case returns 0. Only options
     /// 3 to 5 use the bus. Not ready: 0. Failure: 0.
     virtual int Play(iPodPlayerPlayOption_e option, int confirmArg) = 0;
 
@@ -97,10 +95,11 @@ public:
     /// Stops playback; true when the device stopped. Not ready: false. Failure: unset.
     virtual bool Stop() = 0;
 
-    /// Writes the position in the track and its length, in milliseconds. Not ready, failure: both as they were.
+    /// Writes the position in the track and its length, in milliseconds. Not ready, failure: both unchanged.
     virtual void GetPlayPosition(int& pos, int& duration) = 0;
 
-    /// Returns 0 while the device winds forward, 1 backward, 2 neither. Not ready: 2. Failure: unset.
+    /// Returns 0 while the device winds forward, 1 while it winds backward, and 2 otherwise. Not ready: 2. Failure:
+    /// unset.
     virtual int GetFfwFbwStatus() = 0;
 
     /// Returns the play state, an #iPodPlayerPlayStatus. Not ready: 255. Failure: unset.
@@ -137,24 +136,24 @@ public:
     /// Not ready: 0. Failure: unset.
     virtual int GetCurDBListItemsAmount(int fromTop) = 0;
 
-    /// Reads a page of the playing list. The five other page requests work alike:
+    /// Reads a page of the playing list. The five other page requests work the same way:
     ///
     /// @param beginIdx  first index, from 0
     /// @param endIdx    last index, inclusive; both are passed to the service unchecked
-    /// @param list      replaced by the names in the shared vector of this kind of list, whatever range was requested
-    /// @return 1 when the service filled the page, else 0. Not ready: 0, @p list as it was.
+    /// @param list      replaced by all names in the shared vector of this kind of list, regardless of the requested
+    ///                  range; each name ends at its first NUL or after 256 bytes
+    /// @return 1 when the service filled the page, else 0. Not ready: 0, with @p list unchanged.
     ///
     /// **After a failed call** the result is 0 and @p list holds the previous page of this kind: check the
     /// result before the list. Two threads must not request the same kind of page at the same time.
     virtual int GetPlayingListItems(int beginIdx, int endIdx, std::vector<std::string>& list) = 0;
 
-    /// Reads a page of the current level of the music database. @p bFolder becomes 1 when its entries can be
-    /// entered and 0 when they are songs, @p bDBRoot 1 when it is the root, else 0. Not ready, failure: both as
-    /// they were.
+    /// Reads a page of the current level of the music database. Sets @p bFolder to 1 if its entries can be entered and
+    /// to 0 if they are songs, and @p bDBRoot to 1 at the root, else to 0. Not ready, failure: both unchanged.
     virtual int GetCurDBListItems(int beginIdx, int endIdx, std::vector<std::string>& list, int& bFolder,
                                   int& bDBRoot) = 0;
 
-    /// Reads the pinyin forms of the same level, entry for entry. Otherwise as GetCurDBListItems().
+    /// Reads the pinyin forms of the same level, entry for entry. Otherwise like GetCurDBListItems().
     virtual int GetCurDBListItemsPinyin(int beginIdx, int endIdx, std::vector<std::string>& list, int& bFolder,
                                         int& bDBRoot) = 0;
 
@@ -164,7 +163,7 @@ public:
     /// Reads the pinyin forms of the same list, entry for entry.
     virtual int GetUpdateListItemsPinyin(int beginIdx, int endIdx, std::vector<std::string>& list) = 0;
 
-    /// Plays the current database level from entry @p index (from 0) on; it becomes the playing list.
+    /// Plays the current database level, starting at entry @p index (from 0). The level becomes the playing list.
     /// Failure: in the log only.
     virtual void PlayDBList(int index) = 0;
 
@@ -191,7 +190,7 @@ public:
     /// Failure: false.
     virtual bool EnterDeviceChildList(int index) = 0;
 
-    /// Reads the names of the attached devices: the whole list, otherwise as the page requests above.
+    /// Reads the names of the attached devices: the whole list, otherwise like the page requests above.
     virtual int GetDeviceList(std::vector<std::string>& list) = 0;
 
     /// Returns the number of attached devices. Not ready: 0. Failure: unset.
@@ -207,22 +206,22 @@ public:
     /// the image of the last successful request. Two threads must not request artwork at the same time.
     virtual QBXTrackArtwork GetPlayingTrackAlbumArtwork() = 0;
 
-    /// Winds forward until StopFfwFbw(); true when the device winds. Not ready: false. Failure: false.
+    /// Winds forward until StopFfwFbw(); true if winding started. Not ready: false. Failure: false.
     virtual bool FastForward() = 0;
 
-    /// Winds backward until StopFfwFbw(); true when the device winds. Not ready: false. Failure: false.
+    /// Winds backward until StopFfwFbw(); true if winding started. Not ready: false. Failure: false.
     virtual bool FastBackward() = 0;
 
     /// Stops winding; true when the device stopped. Not ready: false. Failure: false.
     virtual bool StopFfwFbw() = 0;
 
-    /// Puts the head unit's USB hub into an electrical test mode, 0 ends it. For production and service only.
-    /// Failure: in the log only.
+    /// Puts the head unit's USB hub into an electrical test mode; 0 ends it. For production and service only. Failure:
+    /// in the log only.
     virtual void SetHUBTestMode(unsigned char mode) = 0;
 
     /// Writes the detection status into the lowest byte of @p status; the caller sets the others to 0 first.
     /// @p serialNumber is **not** returned and stays as it was: it arrives with the event
-    /// OnCarplayDeviceDetectStatusChange(). Not ready, failure: both as they were.
+    /// OnCarplayDeviceDetectStatusChange(). Not ready, failure: both unchanged.
     virtual void GetCarplayDeviceDetectStatus(QBXAppleDeviceDetectStatus& status, std::string& serialNumber) = 0;
 
     /// Requests the device's name, which is **not** returned: @p name stays as it was. Failure: in the log
@@ -233,8 +232,8 @@ public:
     /// with the event OnIpodAPPBundleNameChange(). Failure: in the log only.
     virtual void GetIpodAPPBundleName(std::string& bundleName) = 0;
 
-    /// Requests that the device start the app @p AppBundleID; 1 when the service sent the request. Not ready,
-    /// failure: 0.
+    /// Requests that the device start the app @p AppBundleID (a bundle identifier); 1 if the service sent the request.
+    /// Not ready, failure: 0.
     virtual int EapLaunchApp(std::string& AppBundleID) = 0;
 
     /// Sends @p data on an accessory session; 1 when the service accepted it. Not ready, failure: 0.
@@ -267,14 +266,14 @@ public:
 ///
 /// @throws boost::interprocess::interprocess_exception  the segments cannot be attached: access denied, no
 ///         space, damaged, made for another word size, never finished by their creator (after 5 seconds), or
-///         locked by a process that died (after 10 seconds). There is no second attempt. The lock that guards the
-///         creation stays held: on the same thread a second call gives a player that can use commands but no
-///         shared data, on any other thread it blocks forever. End the process, or go on without the player.
+///         locked by a process that died (after 10 seconds). The attachment is not retried. The lock that guards the
+///         creation stays held: a second call on the same thread returns a player with commands but without shared
+///         data; on any other thread it blocks forever. End the process, or continue without the player.
 IQBXIpodPlayer* QBX_GetIpodPlayer();
 
-/// Deletes the player object; does nothing when there is none. A later QBX_GetIpodPlayer() builds a new one,
-/// which needs InitInstance() and its listeners again. Events in flight for the deleted object are dropped.
-/// Not to be called from inside a callback: the dispatch that is running belongs to the object.
+/// Deletes the player object; has no effect if there is none. A later QBX_GetIpodPlayer() builds a new one, which needs
+/// InitInstance() and its listeners again. Events in flight for the deleted object are dropped. Must not be called
+/// inside a callback: the running dispatch uses the object.
 void QBX_DestroyIpodPlayer();
 
 #pragma GCC visibility pop

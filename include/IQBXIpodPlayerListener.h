@@ -6,16 +6,16 @@
 /// state with the player's commands. When the service restarts, the subscription stays, the library repeats nothing,
 /// and no event reports the restart; what the service announces then is its own decision.
 ///
-/// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the
-/// thread-default one of the thread that called InitInstance(). Without a running main loop no event arrives.
+/// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the thread default when
+/// InitInstance() was called. Without a running main loop no event arrives.
 ///
 /// **Inside a callback** the listener lock is held and no other event can be delivered: return soon, and pass
 /// long work to another thread. Commands may be called and block as usual. Listeners, the running one included, may
-/// be added and removed: one that is added behind the running one (at a higher address) receives this event, too, one
-/// before it the next; one that is removed receives nothing more. Do not throw.
+/// be added and removed: one added behind the running one (at a higher address) also receives this event, one added
+/// before it only the next; one that is removed receives nothing more. Do not throw.
 ///
-/// **Arguments.** What is passed by value is a copy of the listener's own. What is passed by reference lives
-/// until the callback returns, and is the same object for all listeners.
+/// **Arguments.** Arguments passed by value are copies that belong to the listener. Arguments passed by reference are
+/// valid until the callback returns, and are the same object for all listeners.
 ///
 /// Listeners are called in ascending order of their addresses. The order of the operations is part of the
 /// published interface: append, never insert.
@@ -32,8 +32,8 @@ class IQBXIpodPlayerListener
 public:
     virtual ~IQBXIpodPlayerListener() = default;
 
-    /// A device was attached or detached. @p mediaRestart is 1 when the service announces that media playback starts
-    /// anew, else 0; the library passes it on and does nothing by itself.
+    /// A device was attached or detached. @p mediaRestart is 1 if the service announces that media playback restarts,
+    /// else 0; the library only passes it on.
     virtual void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus /*status*/, int /*mediaRestart*/) {}
 
     /// The play state changed.
@@ -49,10 +49,10 @@ public:
     /// The shuffle mode changed.
     virtual void OnIpodShuffleModeChange(iPodPlayerShuffleStatus /*mode*/) {}
 
-    /// Another track became the playing one: its index within the playing list, from 0, and its details.
+    /// The playing track changed: its index within the playing list, from 0, and its details.
     virtual void OnIpodPlayingTrackChange(int /*index*/, QBXiPodTrackInfo /*track*/) {}
 
-    /// The playing list has a new number of entries.
+    /// The number of entries in the playing list changed.
     virtual void OnIpodPlayingListAmountChange(int /*amount*/) {}
 
     /// The audio source of the device became valid (non-zero) or invalid (0). On 0 the player has already
@@ -67,13 +67,13 @@ public:
     {
     }
 
-    /// A phone call began, changed or ended: its whole state.
+    /// A phone call began, changed, or ended: its complete state.
     virtual void OnIpodPhoneCallChange(const iPodPhoneCall_t& /*call*/) {}
 
     /// The state of the device's battery changed.
     virtual void OnIpodBatteryChange(const iPodBattery_t& /*battery*/) {}
 
-    /// The device requests location information, or no longer does.
+    /// The device started or stopped requesting location information.
     virtual void OnIpodLocationStatusChange(LocationStatus /*status*/) {}
 
     /// Another app came to the foreground of the device: its bundle identifier.

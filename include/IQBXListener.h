@@ -3,10 +3,10 @@
 ///
 /// The registry does not own its listeners: it never deletes them and does not notify them when it is destroyed.
 ///
-/// **Threads.** Dispatch holds the listener lock from the first listener to the last. Registration does not
-/// take it: to add or remove a listener on another thread than the one that runs the events, hold the lock around
-/// the call with LockListener() and UnlockListener(). Inside a callback the lock is held already: do not lock it
-/// again, as the head unit's mutex may not be recursive.
+/// **Threads.** Dispatch holds the listener lock from the first listener to the last. Registration does not acquire it:
+/// to add or remove a listener on another thread than the one that runs the events, hold the lock around the call with
+/// LockListener() and UnlockListener(). Inside a callback the lock is already held: do not lock it again, as the head
+/// unit's mutex may not be recursive.
 ///
 /// The order of the virtual operations is part of the published interface: append, never insert.
 #pragma once
@@ -23,8 +23,7 @@ class IQBXListener
 public:
     virtual ~IQBXListener() = default;
 
-    /// Registers @p listener and calls OnListenerAdded(), also when it was registered already.
-    /// A null pointer is ignored.
+    /// Registers @p listener and calls OnListenerAdded(), even if it was already registered. A null pointer is ignored.
     virtual void AddListener(T* listener)
     {
         if (listener == nullptr) return;
@@ -32,8 +31,7 @@ public:
         OnListenerAdded(listener);
     }
 
-    /// Removes @p listener and calls OnListenerRemoved(), also when it was not registered.
-    /// A null pointer is ignored.
+    /// Removes @p listener and calls OnListenerRemoved(), even if it was not registered. A null pointer is ignored.
     virtual void RemoveListener(T* listener)
     {
         if (listener == nullptr) return;
@@ -44,13 +42,13 @@ public:
     /// Returns the set itself, not a copy, in ascending order of address. Owned by the registry.
     virtual std::set<T*>& GetListeners() { return m_listeners; }
 
-    /// Returns the number of registered listeners. Takes no lock.
+    /// Returns the number of registered listeners. Acquires no lock.
     virtual std::size_t GetListenerCount() { return m_listeners.size(); }
 
     /// Holds events back until UnlockListener(); blocks while one is being dispatched.
     virtual void LockListener() { m_lock.Lock(); }
 
-    /// Lets events through again.
+    /// Resumes the delivery of events.
     virtual void UnlockListener() { m_lock.Unlock(); }
 
     /// Hook for a service: AddListener() was called, the listener is registered.

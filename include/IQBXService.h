@@ -1,5 +1,5 @@
 /// @file
-/// A service of the head unit: a listener itself, with a registry of the listeners to which it passes events on.
+/// A service of the head unit: a listener itself, which forwards its events to a registry of listeners.
 ///
 /// The order of the virtual operations is part of the published interface: append, never insert.
 #pragma once
@@ -16,10 +16,11 @@ class IQBXService : public T, public IQBXListener<T>
 public:
     ~IQBXService() override { m_word = 0; }
 
-    /// Connects to the service; false when it cannot be reached now.
+    /// Connects to the service and returns whether it is reachable now; the implementation defines whether calls may be
+    /// repeated.
     virtual bool InitInstance() = 0;
 
-    /// Ends the use of the service.
+    /// Ends the use of the service; returns whether that succeeded.
     virtual bool ExitInstance() = 0;
 
     /// Called whenever a registration leaves exactly one listener.
@@ -41,7 +42,7 @@ public:
     }
 
 private:
-    // Neither is used any more; both keep the size of the object that applications were built against.
+    // Unused, but kept to preserve the size of the object for existing binaries.
     std::int32_t m_word = 0;
     QBXMutex m_serviceLock;
 };

@@ -1,12 +1,12 @@
 /// @file
 /// Value types that cross the interface of libipod: arguments and results of commands, contents of events.
 ///
-/// All of them are plain values. Copies are independent, nothing here refers to shared memory or to the bus,
-/// and no type needs a lock of its own. Text is passed through byte for byte as the service sent it, which
-/// is UTF-8 by agreement; the library does not check it.
+/// All of them are plain values: copies are independent, nothing refers to shared memory or to the bus, and no type
+/// needs a lock. Text is passed through byte for byte as the service sent it. By convention it is UTF-8; the library
+/// does not check it.
 ///
-/// The enumerations are unscoped with the underlying type `int`, so that every number that a service sends is
-/// a legal value, also one that this header has no name for: handle unknown numbers.
+/// The enumerations are unscoped with the underlying type `int`, so every number that a service sends is a legal value,
+/// even if this header defines no name for it: handle unknown numbers.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ enum iPodPlayerPlayStatus : int
 {
     IPOD_PLAY_STATUS_STOPPED = 0,        ///< nothing plays
     IPOD_PLAY_STATUS_PLAYING = 1,        ///< the position advances
-    IPOD_PLAY_STATUS_PAUSED = 2,         ///< the position stays until playback resumes
+    IPOD_PLAY_STATUS_PAUSED = 2,         ///< the position does not advance
     IPOD_PLAY_STATUS_FAST_FORWARD = 3,   ///< winds forward
     IPOD_PLAY_STATUS_FAST_BACKWARD = 4,  ///< winds backward
 };
@@ -31,7 +31,7 @@ enum iPodPlayerShuffleStatus : int
 {
     IPOD_SHUFFLE_OFF = 0,     ///< in the order of the playing list
     IPOD_SHUFFLE_SONGS = 1,   ///< songs in random order
-    IPOD_SHUFFLE_ALBUMS = 2,  ///< albums in random order, the songs of each in theirs
+    IPOD_SHUFFLE_ALBUMS = 2,  ///< albums in random order, the songs of each album in album order
 };
 
 /// Repetition (`SetRepeatMode`, `GetRepeatMode`, `OnIpodRepeatModeChange`).
@@ -49,8 +49,8 @@ enum iPodPlayerPlayOption_e : int
     IPOD_PLAY_REQUEST_SOURCE_0 = 1,  ///< request source 10 from the audio-source manager
     IPOD_PLAY_REQUEST_SOURCE_1 = 2,  ///< request source 11 from the audio-source manager
     IPOD_PLAY_START = 3,             ///< start playback on the source that was granted last
-    IPOD_PLAY_RESUME = 4,            ///< the same, continuing where playback was interrupted
-    IPOD_PLAY_RESTART = 5,           ///< the same, from the start of the track
+    IPOD_PLAY_RESUME = 4,            ///< likewise, continuing where playback was interrupted
+    IPOD_PLAY_RESTART = 5,           ///< likewise, from the start of the track
     IPOD_PLAY_CONFIRM_ACTIVE = 6,    ///< confirm an activation to the manager (always source 10)
     IPOD_PLAY_CONFIRM_DEACTIVE = 7,  ///< confirm a deactivation to the manager (always source 10)
 };
@@ -59,7 +59,7 @@ enum iPodPlayerPlayOption_e : int
 enum QBXAppleDeviceDetectStatus : int
 {
     APPLE_DEVICE_DETECTED = 0,      ///< a device was found
-    APPLE_DEVICE_NOT_DETECTED = 1,  ///< there is no device
+    APPLE_DEVICE_NOT_DETECTED = 1,  ///< no device was found
     APPLE_DEVICE_UNSUPPORTED = 2,   ///< a device was found that is not supported
 };
 
@@ -72,9 +72,9 @@ enum LocationStatus : int
 
 /// One track (`GetCurrentMediaInfo`, `OnIpodPlayingTrackChange`).
 ///
-/// The library carries the eight members unchanged from the service's 1040-byte record; a text ends at its first
-/// NUL, and without one in its 256-byte slot it runs on into the next. Only `text1` has a meaning for the library:
-/// its log lines print it. The comments describe what known services store in the others.
+/// The library copies the eight members unchanged from the service's 1040-byte record. A text ends at its first NUL;
+/// without one in its 256-byte slot it continues into the next slot. The library interprets only `text1`, which its log
+/// lines print. The comments describe what known services store in the other members.
 struct QBXiPodTrackInfo
 {
     std::string text1;        ///< title
@@ -100,16 +100,16 @@ struct QBXTrackArtwork
     std::vector<unsigned char> image;  ///< the image as stored in the track: JPEG, PNG, …; empty when none
 };
 
-/// Progress of a phone call.
+/// State of a phone call.
 enum PhoneCallStatus : int
 {
     PHONE_CALL_DISCONNECTED = 0,   ///< ended
     PHONE_CALL_SENDING = 1,        ///< outgoing, being sent
-    PHONE_CALL_RINGING = 2,        ///< rings
+    PHONE_CALL_RINGING = 2,        ///< ringing
     PHONE_CALL_CONNECTING = 3,     ///< being connected
     PHONE_CALL_ACTIVE = 4,         ///< connected
     PHONE_CALL_HELD = 5,           ///< connected, on hold
-    PHONE_CALL_DISCONNECTING = 6,  ///< ends
+    PHONE_CALL_DISCONNECTING = 6,  ///< being ended
 };
 
 /// Direction of a phone call.
@@ -137,16 +137,16 @@ enum CallStateDisconnectReason : int
     CALL_FAILED = 2,    ///< failed
 };
 
-/// State of one phone call (`OnIpodPhoneCallChange`); calls are told apart by `CallUUID`.
+/// State of one phone call (`OnIpodPhoneCallChange`); `CallUUID` distinguishes calls.
 ///
 /// A member is absent when the service did not send it, or sent a number outside its enumeration.
 struct iPodPhoneCall_t
 {
     std::optional<std::string> RemoteID;          ///< number or address of the other party
-    std::optional<std::string> DisplayName;       ///< its name, as the device shows it
-    std::optional<PhoneCallStatus> Status;        ///< how far the call has come
+    std::optional<std::string> DisplayName;       ///< name of the other party, as the device displays it
+    std::optional<PhoneCallStatus> Status;        ///< state of the call
     std::optional<PhoneCallDirection> Direction;  ///< who called whom
-    std::optional<std::string> CallUUID;          ///< identifies the call while it lives
+    std::optional<std::string> CallUUID;          ///< identifies the call during its lifetime
     std::optional<std::string> AddressBookID;     ///< entry of the other party in the device's address book
     std::optional<std::string> Label;             ///< "home", "mobile", …
     std::optional<CallStateService> Service;      ///< kind of call
@@ -160,9 +160,9 @@ struct iPodPhoneCall_t
 enum BatteryChargingStatus : int
 {
     BATTERY_DISABLED = 0,     ///< charging is disabled
-    BATTERY_CHARGING = 1,     ///< charges
+    BATTERY_CHARGING = 1,     ///< charging
     BATTERY_CHARGED = 2,      ///< full
-    BATTERY_DISCHARGING = 3,  ///< runs on battery
+    BATTERY_DISCHARGING = 3,  ///< running on battery
 };
 
 /// State of the device's battery (`OnIpodBatteryChange`). A member is absent when the service did not send it, or sent
@@ -174,8 +174,8 @@ struct iPodBattery_t
 };
 
 /// The head unit's accessory protocols, announced before accessory sessions can be opened (`EapInit`).
-/// Each text reaches the service cut to its first 255 bytes. The library gives the texts no meaning; the comments
-/// describe what known services expect.
+/// Each text is truncated to its first 255 bytes. The library does not interpret the texts; the comments describe what
+/// known services expect.
 struct EAPInfo
 {
     std::string text1;  ///< accessory protocols, separated by commas, for example "com.example.echo"
@@ -189,7 +189,7 @@ struct iPodPlayerButtonControl
 {
     std::uint32_t word1;  ///< button number
     std::uint32_t word2;  ///< 1 pressed, 0 released
-    std::uint32_t word3;  ///< time that the button was held, in milliseconds
+    std::uint32_t word3;  ///< how long the button was held, in milliseconds
 };
 
-static_assert(sizeof(iPodPlayerButtonControl) == 12, "SetButtonStatus sends these bytes as they lie in memory");
+static_assert(sizeof(iPodPlayerButtonControl) == 12, "SetButtonStatus sends these bytes in memory order");

@@ -14,21 +14,21 @@
 /// Packs @p length bytes from @p data into a new "v" holding an "ay".
 ///
 /// @param data    the bytes; not read when @p length is 0 or below
-/// @param length  number of bytes; 0 or below gives an empty "ay"
+/// @param length  number of bytes; 0 or below produces an empty "ay"
 /// @return a floating reference, meant to be passed straight to a generated call, which consumes it
 GVariant* gvariant_data_build(void* data, int length);
 
-/// Unpacks a "v" holding an "ay" into memory of the caller. There is no bound: supply room for whatever the
+/// Unpacks a "v" holding an "ay" into memory of the caller. There is no bounds check: provide a buffer for whatever the
 /// sender may send, up to 65,536 bytes. The position is a 16-bit counter, so byte n lands at `dest[n mod 65536]`.
 ///
-/// @param dest   memory of the caller; not cleared first, bytes beyond those received keep their content
-/// @param value  not released; a null pointer, or a value of another type, leaves @p dest as it was
+/// @param dest   memory of the caller; not cleared first, bytes beyond those received are unchanged
+/// @param value  not released; a null pointer, or a value of another type, leaves @p dest unchanged
 void gvariant_data_extract(void* dest, GVariant* value);
 
 /// Unpacks a "v" holding an "ay" onto the end of a vector, without limit.
 ///
 /// @param dest   not cleared first
-/// @param value  not released; a null pointer, or a value of another type, leaves @p dest as it was
+/// @param value  not released; a null pointer, or a value of another type, leaves @p dest unchanged
 void gvariant_data_extract(std::vector<unsigned char>& dest, GVariant* value);
 
 #pragma GCC visibility pop

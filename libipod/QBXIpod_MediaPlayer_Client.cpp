@@ -1,7 +1,7 @@
-// Module state, the singleton and the life cycle of the client.
+// Module state, the singleton, and the life cycle of the client.
 //
-// Everything that is built when the library is loaded stands in this unit, in the order in which it is needed:
-// the streams, then Boost's page size, which the segments use, then the lock of the accessor.
+// Everything that is constructed when the library is loaded is defined here, in the order in which it is needed: the
+// streams, then Boost's page size, which the segments use, then the lock of the accessor.
 #include <iostream>
 
 #include "QBXIpod_MediaPlayer_Client.h"
@@ -43,8 +43,8 @@ namespace
 std::atomic<bool> connectStartLogged{false};
 }  // namespace
 
-// The lock is taken without a guard: it stays held when the constructor throws, so that no other thread
-// works with a half-attached player.
+// The lock is acquired without a guard: if the constructor throws, it stays held, so that no other thread uses a
+// half-attached player.
 IQBXIpodPlayer* QBX_GetIpodPlayer()
 {
     if (!connectStartLogged && !connectStartLogged.exchange(true))

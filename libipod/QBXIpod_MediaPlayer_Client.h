@@ -1,6 +1,6 @@
 /// @file
-/// The player object: the commands of IQBXIpodPlayer, and the receiver of the service's events, which it passes
-/// on to the registered listeners. One object per process at a time; see IQBXIpodPlayer.h for its use.
+/// The player object: the commands of IQBXIpodPlayer, and the receiver of the service's events, which it forwards to
+/// the registered listeners. One object per process at a time; see IQBXIpodPlayer.h for its use.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -68,7 +68,7 @@ public:
     void EapInit(EAPInfo info) override;
     void CarPlayConnectStatusNotify(int isconnected, int iswifi) override;
 
-    // Events of the service, handed on to the listeners.
+    // Events of the service, forwarded to the listeners.
     void OnIpodDeviceStatusChange(QBXAppleDeviceDetectStatus status, int mediaRestart) override;
     void OnPlayStatusChanged(iPodPlayerPlayStatus status) override;
     void OnIpodRepeatModeChange(iPodPlayerRepeatStatus mode) override;
@@ -89,7 +89,7 @@ public:
     void OnWirelessCarPlayUpdate(bool available, const std::string& deviceAddress) override;
     void OnOOBPairingInfo(std::string btAddress, const std::vector<unsigned char>& bytes) override;
 
-    /// Not the listener's OnPlayProgressChange, which keeps its empty body here: the spellings differ on purpose.
+    /// Not the listener's OnPlayProgressChange, which keeps its empty body here: the spellings differ intentionally.
     virtual void OnPlayProgressChanged(int pos, int duration);
 
 private:

@@ -1,5 +1,4 @@
-// The playing track's details and picture. The fixed part comes in the reply or signal, the picture from shared
-// memory.
+// The playing track's details and artwork. The fixed part arrives in the reply or signal, the image in shared memory.
 #include <QBXIpodShareMemory.h>
 
 #include "QBXIpod_MediaPlayer_Client.h"
@@ -13,7 +12,7 @@ using qbx::clientCreated;
 
 namespace
 {
-// Decodes the reply, which is null after a failed call, and releases it.
+// Decodes and releases the reply, which is null after a failed call.
 template <class Record>
 Record TakeRecord(GVariant* reply)
 {
@@ -28,7 +27,7 @@ std::vector<unsigned char> ImageIn(const QBXByteVector* vector)
 }
 }  // namespace
 
-// The one query that does not ask whether there is a client.
+// The only query that does not check whether a client exists.
 QBXiPodTrackInfo QBXIpod_MediaPlayer_Client::GetCurrentMediaInfo()
 {
     GVariant* reply = nullptr;

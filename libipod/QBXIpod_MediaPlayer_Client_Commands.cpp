@@ -1,5 +1,5 @@
-// The thin commands: each tests whether there is a client, makes one call, and returns the reply's value.
-// "Unset{}" marks a reply holder that has no start value, so that what comes back after a failure means nothing.
+// The thin commands: each checks whether a client exists, makes one call, and returns the reply's value. "Unset{}"
+// marks a reply holder without an initial value: after a failure the returned value is meaningless.
 #include <gvariant_data.h>
 
 #include <cstring>
@@ -14,14 +14,14 @@ using qbx::Unset;
 
 namespace
 {
-// From the caller's text into the reply, without a terminator: applications get these texts from events, and
-// have long relied on their own strings staying as they are. The reply is never released.
+// Copies the caller's text into the reply, without a terminator: applications receive these texts by event, and rely on
+// their own strings staying unchanged. The reply is never released.
 void CopyOut(const std::string& text, gchar* reply)
 {
     if (reply != nullptr) text.copy(reply, std::strlen(reply));
 }
 
-// Finished on the proxy that the call was made on: InitInstance() may have replaced it since.
+// Finished on the proxy of the call: InitInstance() may have replaced the current one since.
 void CarPlayConnectStatusNotifyCallback(GObject* proxy, GAsyncResult* result, gpointer)
 {
     GError* error = nullptr;
@@ -216,7 +216,7 @@ int QBXIpod_MediaPlayer_Client::GetCarlifeDeviceDetectStatus()
     return Ask<gint>(SYNC(com_zarn_linux_ipod_call_get_carlife_device_detect_status_sync), Unset{});
 }
 
-// Only the lowest byte of the caller's status is written: the bus carries one byte.
+// Writes only the lowest byte of the caller's status: the bus carries one byte.
 void QBXIpod_MediaPlayer_Client::GetCarplayDeviceDetectStatus(QBXAppleDeviceDetectStatus& status,
                                                               std::string& serialNumber)
 {

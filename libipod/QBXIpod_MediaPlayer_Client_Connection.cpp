@@ -12,14 +12,14 @@ constexpr char kBusName[] = "com.zarn.linux.ipod";
 constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 constexpr int kLastRetry = 5;
 
-// Known by number, not by name: every event asks.
+// A number instead of a name, because every event looks it up.
 GQuark SubscriberKey()
 {
     static const GQuark key = g_quark_from_static_string("qbx-subscriber");
     return key;
 }
 
-// Stores the new proxy, also when it is null.
+// Stores the new proxy, even if it is null.
 bool CreateProxy(GError** error)
 {
     serviceProxy = com_zarn_linux_ipod_proxy_new_for_bus_sync(G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_NONE, kBusName,
@@ -43,7 +43,7 @@ struct SignalRow
         name, G_CALLBACK(static_cast<CALLBACK_TYPE(signal)::Type>(&qbx::CallBack_##event)) \
     }
 
-// All signals, in the order in which they are connected. The names mix underscores and hyphens; GLib takes both.
+// All signals, in the order of connection. The names mix underscores and hyphens; GLib accepts both.
 const SignalRow kSignals[] = {
     FORWARD("on_carlife_device_detect_status_change", on_carlife_device_detect_status_change,
             OnCarlifeDeviceDetectStatusChange),

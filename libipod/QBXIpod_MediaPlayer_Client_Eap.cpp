@@ -1,5 +1,5 @@
-// External Accessory sessions. Payloads go through the write and read buffers in shared memory; the bus carries
-// the session's number only.
+// External Accessory sessions. Payloads pass through the write and read buffers in shared memory; the bus carries only
+// the session number.
 #include <QBXIpodShareMemory.h>
 #include <gvariant_data.h>
 
@@ -41,7 +41,7 @@ void QBXIpod_MediaPlayer_Client::OnIpodStartEapSession(unsigned char protocol, u
     qbx::Notify(*this, &Listener::OnIpodStartEapSession, protocol, session);
 }
 
-// The texts of the next two name other operations than those that write them; log filters rely on it.
+// The next two messages name other operations than those that log them; log filters rely on it.
 void QBXIpod_MediaPlayer_Client::OnIpodStopEapSession(unsigned short session)
 {
     LOG_INFO("OnIpodEapCloseSession() - session:%d", session);

@@ -1,5 +1,5 @@
-// Events of the service: each is logged, tested, and handed to the listeners under the registry's lock.
-// The order of the steps is where the operations differ.
+// Events of the service: each is logged, checked, and delivered to the listeners under the registry's lock. The order
+// of the steps is where the operations differ.
 #include <QBXSource.h>
 
 #include "QBXIpod_MediaPlayer_Client.h"
@@ -18,7 +18,7 @@ namespace
 {
 constexpr int kReleaseReason = 1;
 
-// At most one source: the first that may sound.
+// Releases at most one source: the first active one.
 void ReleaseActiveSource()
 {
     for (const int source : {qbx::kSourceIpod0, qbx::kSourceIpod1})
@@ -29,13 +29,13 @@ void ReleaseActiveSource()
     }
 }
 
-// No bus carries a null text, but whoever emits the signal on the proxy may.
+// The bus carries no null strings, but code that emits the signal on the proxy may pass one.
 std::string ToText(const gchar* text)
 {
     return text == nullptr ? std::string() : std::string(text);
 }
 
-// The pairing bytes arrive as an array of structures of one byte each.
+// The pairing bytes arrive as an array of one-byte structures.
 std::vector<unsigned char> PairingBytes(GVariant* bytes)
 {
     std::vector<unsigned char> result;

@@ -1,5 +1,5 @@
-// Pages of names. The call makes the service fill a shared vector; the whole vector is the page, whatever range
-// was asked for, and also when the call failed: then it is the last page of its kind.
+// Pages of names. The call makes the service fill a shared vector. The whole vector is the page, regardless of the
+// requested range, even after a failed call: then it still holds the previous page of its kind.
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "internal/call.h"
 #include "internal/segments.h"

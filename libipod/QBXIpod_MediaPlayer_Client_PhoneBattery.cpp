@@ -12,7 +12,7 @@ namespace
 {
 using Bytes = std::vector<unsigned char>;
 
-// An empty payload is no event, although it would parse as a message without fields.
+// An empty payload is ignored, although it would parse as a message without fields.
 template <class Message>
 bool Parse(GVariant* value, Message& message)
 {
@@ -21,7 +21,7 @@ bool Parse(GVariant* value, Message& message)
     return !bytes.empty() && message.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-// Sets a member when the message has its field; narrower members keep the low bits.
+// Sets a member if the message has its field; narrower members keep the low bits.
 #define COPY_FIELD(message, field, target, Member)                                                   \
     do                                                                                               \
     {                                                                                                \
@@ -55,7 +55,7 @@ iPodBattery_t ToBattery(const ipod::iPodBattery& message)
     return battery;
 }
 
-// What the debug line shows of a member that is present.
+// Text of an optional member for the debug line.
 const std::string& Shown(const std::string& text)
 {
     return text;
@@ -87,7 +87,7 @@ gboolean CallBack_OnIpodPhoneCallChange(ComZarnLinuxIpod* proxy, GVariant* value
     ipod::iPodPhoneCall message;
     if (!Parse(value, message)) return FALSE;
     const iPodPhoneCall_t call = ToPhoneCall(message);
-    // The texts are made whenever there is a category: its level is the log sink's to judge.
+    // The strings are built whenever there is a category: only the log sink knows the level.
     LOG_DEBUG(
         "%s RemoteID:%s, DisplayName:%s, Status:%s, Direction:%s, CallUUID:%s, AddressBookID:%s, Label:%s, "
         "Service:%s, IsConferenced:%s, ConferenceGroup:%s, DisconnectReason:%s, StartTimestamp:%s",

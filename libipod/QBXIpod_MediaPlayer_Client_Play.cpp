@@ -1,4 +1,4 @@
-// Play: the one command that takes part in the arbitration of the unit's audio sources.
+// Play: the only command that involves the head unit's audio-source manager.
 #include <QBXSource.h>
 
 #include <atomic>
@@ -15,7 +15,7 @@ namespace
 {
 constexpr auto kGain = static_cast<QBXSource::AudioGainType>(0);
 
-// The source that was granted last; stays when it is released.
+// The source granted last; kept after its release.
 std::atomic<int> currentIpodSource{0};
 
 bool RequestsSource(int option)
@@ -35,7 +35,7 @@ bool IsGranted(int code)
     return code == 1 || code == 2;
 }
 
-// False for every other option. Both confirmations name the first iPod source, also when the second one is the current.
+// False for every other option. Both confirmations name the first iPod source, even if the second one is current.
 bool PassConfirmationOn(int option, int confirmArg)
 {
     if (option == IPOD_PLAY_CONFIRM_ACTIVE)

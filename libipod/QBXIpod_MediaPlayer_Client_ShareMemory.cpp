@@ -29,7 +29,7 @@ struct NamedVector
     Vector*& pointer;
 };
 
-// In the order in which they are constructed.
+// In construction order.
 constexpr NamedVector<QBXStringPageVector> kLists[] = {
     {"VecPlayingListShareMemory", g_VecPlayingListShareMemory},
     {"VecDBListShareMemory", g_VecDBListShareMemory},
@@ -93,7 +93,7 @@ void AttachBuffers()
 }
 }  // namespace
 
-// Once only, even when it fails: a segment that could not be attached stays unattached in this process.
+// Runs only once, even if it fails: a segment that could not be attached stays unattached in this process.
 void QBXIpod_MediaPlayer_Client::InitShareMemory()
 {
     LOG_INFO("%s()", __func__);

@@ -1,5 +1,5 @@
-// A new segment is made in a file without a name, which disappears with the process, and linked to its name when it is
-// whole. Byte for byte, padding aside, it is what Boost makes under the name itself.
+// Creates a new segment in an unnamed file, which disappears with the process, and links it to its name when it is
+// complete. Except for padding, it is byte for byte what Boost creates directly under the name.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -18,10 +18,10 @@ namespace
 {
 namespace bip = boost::interprocess;
 
-// Where Linux's C libraries keep the objects of shm_open().
+// Where C libraries on Linux store the objects of shm_open().
 constexpr char kObjects[] = "/dev/shm";
 constexpr std::uint32_t kInitialized = 2;
-// The state of the segment stands in front of its manager.
+// The segment's state precedes its manager.
 constexpr std::size_t kManagerOffset = QBXSegmentAlgorithm::Alignment;
 
 class NamelessObject
@@ -69,7 +69,7 @@ try
 }
 catch (const bip::interprocess_exception&)
 {
-    // Too small. The attempt under the name ends alike, and there the exception is the caller's.
+    // Too small. Creating it under its name fails in the same way, and throws the exception to the caller.
     return false;
 }
 }  // namespace qbx

@@ -10,7 +10,7 @@ namespace qbx
 {
 namespace
 {
-// A slot without a NUL runs on into the next one, up to the end of the record.
+// A slot without a NUL continues into the next one, up to the end of the record.
 std::string TextFrom(const TrackRecord& record, std::size_t slot)
 {
     const char* const begin = record.text[slot];

@@ -51,14 +51,14 @@ public:
 
     bool IsMemory() const { return S_ISREG(Status().st_mode); }
 
-    // Its first word counts the stages of its making.
+    // The first word counts the stages of its creation.
     bool IsBeingMade() const
     {
         std::uint32_t state = 0;
         return pread(m_fd, &state, sizeof(state), 0) != ssize_t{sizeof(state)} || state <= kInitializing;
     }
 
-    // Read instead of mapped, so that pages which nobody has touched stay unused.
+    // Read instead of mapped, so that untouched pages stay unallocated.
     std::string Contents(std::size_t count) const
     {
         std::string bytes(count, '\0');
@@ -80,7 +80,7 @@ private:
     int m_fd;
 };
 
-// Boost waits without limit for an object that somebody else creates.
+// Boost waits forever for an object that another process is creating.
 void WaitForCreator(const char* name)
 {
     const SharedObject object(name);
@@ -93,8 +93,8 @@ void WaitForCreator(const char* name)
     }
 }
 
-// A new segment gets its pages when they are first touched, and touching one that is not to be had ends the process.
-// Its header and an index of empty vectors take two pages.
+// The pages of a new segment are allocated on first access; if none is free, the access raises SIGBUS. The header and
+// an index of empty vectors need two pages.
 void CheckSpaceToCreate(const char* name)
 {
     struct statvfs device;
@@ -110,8 +110,8 @@ void CreateIfAbsent(const char* name, std::size_t size, const Furnish& furnish)
     PublishNewSegment(name, size, furnish);
 }
 
-// The segment's own idea of its size stands where the layout says, so that another word size shows here. The object may
-// be longer: it is when a service is about to grow its segment.
+// The layout determines where a segment stores its own size, so a different word size is detected here. The object may
+// be longer: a service grows the object before the segment.
 void CheckLayout(const QBXSharedSegment& segment, const char* name)
 {
     const SharedObject object(name);

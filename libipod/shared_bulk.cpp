@@ -8,7 +8,7 @@ namespace qbx
 {
 namespace
 {
-// memchr, because C libraries for 32-bit ARM have a fast one, and no fast strnlen.
+// memchr, because C libraries for 32-bit ARM have a fast memchr but no fast strnlen.
 std::size_t LengthOf(const PlayListSongNameStr& entry)
 {
     const void* const end = std::memchr(entry.name, '\0', sizeof(entry.name));
@@ -25,7 +25,7 @@ void CheckRoom(const QBXByteVector& vector, const Mapping& mapping)
     throw boost::interprocess::interprocess_exception("the write buffer points outside its segment");
 }
 
-// As many bytes as the present capacity takes.
+// Appends as many bytes as the present capacity holds.
 std::size_t FillCapacity(QBXByteVector& vector, const unsigned char* bytes, std::size_t count)
 {
     const std::size_t taken = std::min(count, vector.capacity() - vector.size());
@@ -38,11 +38,11 @@ Mapping BoundsOf(const void* vector, const Mapping& mapping)
 {
     const bool inside = vector >= mapping.begin && vector < mapping.end;
     if (inside) return mapping;
-    // The end of all memory, which is no object's address. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    // The end of the address space, which no object occupies. NOLINTNEXTLINE(performance-no-int-to-ptr)
     return {nullptr, reinterpret_cast<const char*>(UINTPTR_MAX)};
 }
 
-// Inlined down to the string, which GCC otherwise builds through a call: that is a tenth of the cost of a name.
+// Flattened because GCC otherwise constructs each string through a call, a tenth of the cost of a name.
 [[gnu::flatten]] void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list)
 {
     std::vector<std::string>().swap(list);

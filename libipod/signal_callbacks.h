@@ -1,6 +1,6 @@
 /// @file
-/// The callbacks through which GLib delivers the service's signals. Each one turns the signal's arguments into
-/// the types of the public interface and calls the operation of the client that stands for the event.
+/// The callbacks through which GLib delivers the service's signals. Each one converts the signal's arguments to the
+/// types of the public interface and calls the client's operation for the event.
 #pragma once
 
 #include <ipod_dbus.h>
@@ -12,8 +12,8 @@
 
 namespace qbx
 {
-/// Calls @p operation of @p client, each argument converted to the type of the public interface; does nothing when
-/// the client is gone. GLib ignores the result.
+/// Calls @p operation of @p client, each argument converted to the type of the public interface; does nothing if the
+/// client was destroyed. GLib ignores the result.
 template <class... Params, class... Args>
 gboolean Deliver(ComZarnLinuxIpod* proxy, gpointer client, void (QBXIpod_MediaPlayer_Client::*operation)(Params...),
                  Args&&... args)
@@ -23,7 +23,7 @@ gboolean Deliver(ComZarnLinuxIpod* proxy, gpointer client, void (QBXIpod_MediaPl
     return TRUE;
 }
 
-/// What a callback must look like, taken from the signal's member of the generated interface structure.
+/// The type of a callback, derived from the signal's member of the generated interface structure.
 template <class Member>
 struct CallbackFor;
 

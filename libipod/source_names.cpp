@@ -4,7 +4,7 @@ namespace qbx
 {
 namespace
 {
-// Indexed by the source's number, which the audio-source manager fixes.
+// Indexed by the source number, which the audio-source manager defines.
 constexpr const char* kNames[] = {
     "SID_NONE",
     "SID_TUNER",

@@ -1,2 +1,2 @@
-# Readings, sections and search of names: find_package(ipodnames) gives the target ipod::ipodnames.
+# Reading, filing, and searching names: find_package(ipodnames) provides the target ipod::ipodnames.
 include("${CMAKE_CURRENT_LIST_DIR}/ipodnamesTargets.cmake")

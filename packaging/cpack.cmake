@@ -1,8 +1,8 @@
 # Debian packages, one for each component: `cpack -G DEB` in a build directory that was configured for /usr.
 include("${CMAKE_CURRENT_LIST_DIR}/install.cmake")
 
-# What a package depends on is read from a package database: this machine's, or that of a root which
-# tools/arm-sysroot made. Another root has none.
+# Dependencies are read from a package database: this machine's, or that of a sysroot created by tools/arm-sysroot.
+# Other sysroots have none.
 if(CMAKE_CROSSCOMPILING)
   if(NOT CMAKE_LIBRARY_ARCHITECTURE STREQUAL "arm-linux-gnueabihf" OR NOT EXISTS "${CMAKE_SYSROOT}/var/lib/dpkg/status")
     return()
@@ -17,7 +17,7 @@ endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME libipod)
 set(CPACK_PACKAGE_VENDOR "libipod authors")
-# Each package has a description of its own.
+# Each package has its own description.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGE_CONTACT "The libipod authors <libipod@example.org>")
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
@@ -29,7 +29,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 2)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# Strips what is packaged and puts the debug information into NAME-dbgsym packages.
+# Strips packaged files and moves the debug information to NAME-dbgsym packages.
 set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 # Between these packages: exactly this version.
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -57,12 +57,12 @@ if(TARGET ipodkit_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
   set(CPACK_COMPONENT_PYTHON_DEPENDS kit)
 endif()
-# The same for every architecture: made once.
+# Architecture-independent, so built only once.
 if(NOT CMAKE_CROSSCOMPILING)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
 endif()
 
-# Where libraries are that belong to no package: our own, and those that were found outside of the system's directories.
+# Directories of libraries that belong to no package: our own, and those found outside the system directories.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware"
   "${CMAKE_BINARY_DIR}/ipodkit" "${CMAKE_BINARY_DIR}/names")
 foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
@@ -72,14 +72,14 @@ foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
   endif()
 endforeach()
 
-# CPack knows no field for it before 3.31: it comes as a second line of another one. Only the prefix /usr has directories
-# by architecture.
+# CPack has no variable for this field before 3.31, so it is added as a second line of another one. Only the prefix /usr
+# has multiarch directories.
 set(multi_arch "")
 if(CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR MATCHES "/${CMAKE_LIBRARY_ARCHITECTURE}$")
   set(multi_arch "\nMulti-Arch: same")
 endif()
 
-# PACKAGE holds the library of TARGET and nothing else. A program that is linked with it depends on DEPENDENCY.
+# PACKAGE contains only the library of TARGET. Programs linked with it depend on DEPENDENCY.
 macro(library_package component package target dependency)
   string(TOUPPER "${component}" upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package})
@@ -95,7 +95,7 @@ endmacro()
 # The name that a package of a head unit's own middleware provides.
 set(middleware libqbxmiddleware1)
 set(middleware_or_standin "libqbxmiddleware-standin1 (>= ${PROJECT_VERSION}) | ${middleware}")
-# Up to this version, libipod1 was all three libraries.
+# Up to this version, libipod1 contained all three libraries.
 set(undivided "libipod1 (<< 1.0.0-2)")
 
 library_package(runtime libipod1 ipod "libipod1 (>= ${PROJECT_VERSION})")
@@ -140,7 +140,7 @@ endif()
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.56), libglib2.0-dev (>= 2.32), libprotobuf-dev (>= 3.6), libexpected-dev")
-# What only those need who put the simulated service into a test.
+# Needed only to embed the simulated service in tests.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libpng-dev, libtag1-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
@@ -155,7 +155,7 @@ ipodctl controls an attached Apple device through libipod from a shell.
 ipod-simulator takes the place of the iPod service on a desk without a head
 unit and plays a folder of audio files.")
 
-# For one version of the interpreter, as its file name says.
+# Built for one version of the interpreter, which is part of its file name.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-ipodkit)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)

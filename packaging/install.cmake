@@ -1,9 +1,8 @@
-# What is installed beside the programs and libraries: manual pages, completions, examples, notices. What belongs to
-# a program that is not built here is left out.
+# Installs manual pages, completions, examples, and notices. Files of programs that are not built here are omitted.
 
 set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 
-# Builds what is installed, and nothing that only tests need.
+# Builds everything that is installed, but nothing that only tests need.
 add_custom_target(packaged)
 foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples)
   if(TARGET ${part})
@@ -11,7 +10,7 @@ foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl
   endif()
 endforeach()
 
-# Writes FILE compressed, always with the same bytes, and puts the name of the result into OUT.
+# Compresses FILE reproducibly and sets OUT to the name of the result.
 function(compressed file out)
   get_filename_component(name "${file}" NAME)
   set(result "${CMAKE_BINARY_DIR}/packaging/${name}.gz")
@@ -30,7 +29,7 @@ function(install_manual page component)
   install(FILES "${manual}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${component})
 endfunction()
 
-# What only Debian packages have: CPack installs component by component, and nobody else does.
+# Only for Debian packages: CPack installs component by component, which nothing else does.
 function(install_notices component package)
   compressed("${PACKAGING}/changelog" changelog)
   compressed("${PROJECT_SOURCE_DIR}/CHANGELOG.md" upstream)
@@ -60,7 +59,7 @@ install_manual(libipod.3 development)
 
 install_notices(documentation libipod-doc)
 set(documentation "${CMAKE_INSTALL_DATAROOTDIR}/doc/libipod-doc")
-# In the folders of the tree, for the sake of the links between them.
+# Keeps the folders of the tree, because the files link to each other.
 foreach(folder IN ITEMS . bench docs docs/decisions tests/abi tests/layout/data)
   set(from "${PROJECT_SOURCE_DIR}/${folder}")
   file(GLOB guides "${from}/*.md" "${from}/*.svg" "${from}/*.png" "${from}/LICENSE*")
@@ -95,7 +94,7 @@ if(TARGET ipod-simulator)
   install(FILES "${completions}/ipod-simulator.fish" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d"
     COMPONENT tools)
   install_manual(ipod-make-samples.1 tools)
-  # Examples only: a machine with a real service must not start the simulator in its place.
+  # Only examples: a machine with a real service must not start the simulator instead.
   install(FILES
     "${PACKAGING}/service/com.zarn.linux.ipod.service"
     "${PACKAGING}/service/ipod-simulator.service"

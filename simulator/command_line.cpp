@@ -30,7 +30,7 @@ std::string CheckSeed(const std::string& text)
 
 std::string CheckNotEmpty(const std::string& name)
 {
-    return name.empty() ? "expected a name that is not empty" : "";
+    return name.empty() ? "expected a non-empty name" : "";
 }
 
 std::string CheckDeviceName(const std::string& name)

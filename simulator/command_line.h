@@ -1,5 +1,5 @@
 /// @file
-/// The command lines of the programs: checks of values, as CLI11 wants them, and errors.
+/// Command-line handling shared by the programs: value checks for CLI11, and error reporting.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -11,7 +11,7 @@
 namespace ipodsim
 {
 /// @name Checks
-/// Each returns what was expected; nothing for a valid value.
+/// Each returns the expectation, or an empty string if the value is valid.
 /// @{
 std::string CheckSpeed(const std::string& text);
 std::string CheckSeed(const std::string& text);
@@ -20,15 +20,14 @@ std::string CheckDeviceName(const std::string& name);
 std::string CheckFault(const std::string& fault);
 /// @}
 
-/// Reports a command line that is not valid, in one line, and returns the exit code. Help and version are "errors" with
-/// code 0 to the parser.
+/// Reports an invalid command line in one line and returns the exit code. CLI11 treats help and version as "errors"
+/// with code 0.
 inline int ReportParsing(const CLI::App& app, const CLI::ParseError& error)
 {
     constexpr int kUsage = 2;
     if (error.get_exit_code() == 0) return app.exit(error);
     const std::string& name = app.get_name();
-    std::fprintf(stderr, "%s: %s; %s --help shows the usage\n", name.c_str(), Printable(error.what()).c_str(),
-                 name.c_str());
+    std::fprintf(stderr, "%s: %s (try '%s --help')\n", name.c_str(), Printable(error.what()).c_str(), name.c_str());
     return kUsage;
 }
 }  // namespace ipodsim

@@ -1,5 +1,5 @@
-# The simulated service as a part of a program: find_package(libipodsim) gives the target ipod::sim. There is no shared
-# library, so whoever links it needs what it is made with.
+# The simulated service, embedded in a program: find_package(libipodsim) provides the target ipod::sim. The library is
+# static, so its users link its dependencies.
 include(CMakeFindDependencyMacro)
 find_dependency(libipod 1 HINTS "${CMAKE_CURRENT_LIST_DIR}/../libipod")
 find_dependency(ipodnames 1 HINTS "${CMAKE_CURRENT_LIST_DIR}/../ipodnames")

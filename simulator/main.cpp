@@ -29,22 +29,22 @@ struct Arguments
     std::vector<std::string> faults;
 };
 
-// What was said to the process from outside its main loop.
-struct Wishes
+// Set from outside the main loop.
+struct StopFlags
 {
     std::atomic<bool> end{false};
     std::atomic<bool> busLost{false};
 };
 
-gboolean End(gpointer wishes)
+gboolean End(gpointer stop)
 {
-    static_cast<Wishes*>(wishes)->end = true;
+    static_cast<StopFlags*>(stop)->end = true;
     g_main_context_wakeup(nullptr);
     return G_SOURCE_CONTINUE;
 }
 
-// A reader that has gone is no reason to end.
-void Say(const std::string& line)
+// Write errors are ignored: a closed standard output must not end the simulator.
+void Print(const std::string& line)
 {
     std::printf("%s\n", line.c_str());
     std::fflush(stdout);
@@ -82,58 +82,58 @@ std::string CacheFolder()
     return (valid ? folder : std::string(g_get_home_dir()) + "/.cache") + "/ipod-simulator";
 }
 
-void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, Wishes& wishes, bool verbose)
+void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, StopFlags& stop, bool verbose)
 {
     options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + ipodsim::Printable(line)); };
     options.progress = [&bar](std::size_t done, std::size_t all) { bar.Show(done, all); };
-    options.scenarioEnded = [](const std::string& title) { Say("scenario ended: " + ipodsim::Printable(title)); };
-    options.busLost = [&wishes]
+    options.scenarioEnded = [](const std::string& title) { Print("scenario ended: " + ipodsim::Printable(title)); };
+    options.busLost = [&stop]
     {
-        wishes.busLost = true;
-        End(&wishes);
+        stop.busLost = true;
+        End(&stop);
     };
     if (verbose) options.logRequest = [&bar](const std::string& line) { bar.WriteLine(ipodsim::Printable(line)); };
 }
 
-// Looks for the end now and then: reading ends on another thread.
-bool WaitUntilIndexed(const ipodsim::Simulator& simulator, const Wishes& wishes)
+// Polls, because scanning ends on another thread.
+bool WaitUntilIndexed(const ipodsim::Simulator& simulator, const StopFlags& stop)
 {
-    constexpr guint kLookEveryMs = 20;
+    constexpr guint kPollMs = 20;
     const guint timer = g_timeout_add(
-        kLookEveryMs, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-    while (!wishes.end && !simulator.Indexed()) g_main_context_iteration(nullptr, TRUE);
+        kPollMs, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    while (!stop.end && !simulator.Indexed()) g_main_context_iteration(nullptr, TRUE);
     g_source_remove(timer);
-    return !wishes.end;
+    return !stop.end;
 }
 
-void Run(ipodsim::Simulator& simulator, const Arguments& arguments, const std::string& scenario, const Wishes& wishes,
+void Run(ipodsim::Simulator& simulator, const Arguments& arguments, const std::string& scenario, const StopFlags& stop,
          ipodsim::ProgressBar& bar)
 {
     for (const std::string& fault : arguments.faults) simulator.Do("fault", fault);
-    if (!WaitUntilIndexed(simulator, wishes)) return;
+    if (!WaitUntilIndexed(simulator, stop)) return;
     bar.Clear();
-    Say("ready: " + simulator.Summary() + " on " + ipodsim::kServiceName);
+    Print("ready: " + simulator.Summary() + " on " + ipodsim::kServiceName);
     if (!scenario.empty()) simulator.RunScenario(scenario);
-    while (!wishes.end) g_main_context_iteration(nullptr, TRUE);
+    while (!stop.end) g_main_context_iteration(nullptr, TRUE);
 }
 
-// Until the user ends it or the bus goes away, which is a failure.
+// Runs until the user stops it or the bus disconnects, which is a failure.
 void Serve(Arguments arguments)
 {
-    Wishes wishes;
-    g_unix_signal_add(SIGINT, End, &wishes);
-    g_unix_signal_add(SIGTERM, End, &wishes);
-    g_unix_signal_add(SIGHUP, End, &wishes);
+    StopFlags stop;
+    g_unix_signal_add(SIGINT, End, &stop);
+    g_unix_signal_add(SIGTERM, End, &stop);
+    g_unix_signal_add(SIGHUP, End, &stop);
     std::signal(SIGPIPE, SIG_IGN);
     ipodsim::ProgressBar bar;
-    SetCallbacks(arguments.options, bar, wishes, arguments.verbose);
+    SetCallbacks(arguments.options, bar, stop, arguments.verbose);
     arguments.options.mayCrash = true;
     arguments.options.waitForIndex = false;
     if (!arguments.noCache) arguments.options.cacheFolder = CacheFolder();
     const std::string scenario = arguments.scenarioFile.empty() ? "" : ReadScenario(arguments.scenarioFile);
     ipodsim::Simulator simulator(arguments.options);
-    Run(simulator, arguments, scenario, wishes, bar);
-    if (wishes.busLost) throw std::runtime_error("no longer on the session bus");
+    Run(simulator, arguments, scenario, stop, bar);
+    if (stop.busLost) throw std::runtime_error("lost the connection to the session bus");
 }
 
 void AddOptions(CLI::App& app, Arguments& arguments)
@@ -141,22 +141,20 @@ void AddOptions(CLI::App& app, Arguments& arguments)
     ipodsim::Options& options = arguments.options;
     app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
     app.add_option("folder", options.musicFolder,
-                   "Folder with music, whose sub-folders are devices; without it one device with a small built-in "
-                   "library")
+                   "Music folder; each subfolder is a device. Without it, one device with a small built-in library")
         ->check(ipodsim::CheckNotEmpty);
-    app.add_flag("--one-device", options.oneDevice, "Everything below the folder belongs to one device");
-    app.add_option("--name", options.deviceName, "Name of the device with the folder's own files")
+    app.add_flag("--one-device", options.oneDevice, "Put everything below the folder on one device");
+    app.add_option("--name", options.deviceName, "Name of the device with the files directly in the folder")
         ->check(ipodsim::CheckDeviceName)
         ->capture_default_str();
-    app.add_flag("--no-cache", arguments.noCache, "Read every file, and keep nothing of what was read");
-    app.add_option("--speed", options.speed, "Factor of the clock, from 0.001 to 10000")
+    app.add_flag("--no-cache", arguments.noCache, "Scan every file and store no index");
+    app.add_option("--speed", options.speed, "Speed of the clock, between 0.001 and 10000")
         ->check(ipodsim::CheckSpeed)
         ->capture_default_str();
-    app.add_option("--seed", options.seed, "Seed of shuffled orders")->check(ipodsim::CheckSeed)->capture_default_str();
-    app.add_option("--scenario", arguments.scenarioFile, "File with events that happen by themselves")
+    app.add_option("--seed", options.seed, "Seed for shuffling")->check(ipodsim::CheckSeed)->capture_default_str();
+    app.add_option("--scenario", arguments.scenarioFile, "Run the timed actions in a JSON file")
         ->check(ipodsim::CheckNotEmpty);
-    app.add_option("--fault", arguments.faults,
-                   "What goes wrong, as KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
+    app.add_option("--fault", arguments.faults, "Inject a fault: KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
         ->check(ipodsim::CheckFault)
         ->allow_extra_args(false);
     app.add_flag_callback(
@@ -167,7 +165,7 @@ void AddOptions(CLI::App& app, Arguments& arguments)
             throw CLI::Success();
         },
         "Print the JSON schema of scenarios and exit");
-    app.add_flag("--verbose", arguments.verbose, "Write a line for each request and its answer");
+    app.add_flag("--verbose", arguments.verbose, "Log each request and its reply");
     app.footer(
         "Examples:\n"
         "  ipod-simulator ~/Devices\n"
@@ -175,7 +173,7 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         "  ipod-simulator --speed 10 --scenario drive.json\n"
         "  ipod-simulator --fault delay=500@GetPlayStatus/3 --fault no-reply@Next\n"
         "\n"
-        "Ask the one that runs for events with ipodctl sim.");
+        "To trigger events in a running simulator, use ipodctl sim.");
 }
 }  // namespace
 

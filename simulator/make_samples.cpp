@@ -8,14 +8,14 @@
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Writes short sample files with tags and covers: FLAC, Ogg Vorbis and MP3", "ipod-make-samples");
+    CLI::App app("Write short sample files with tags and covers: FLAC, Ogg Vorbis, and MP3", "ipod-make-samples");
     std::string folder;
     app.set_version_flag("--version", "ipod-make-samples " IPOD_VERSION);
-    app.add_option("folder", folder, "Folder to write to; it is made when it is missing")
+    app.add_option("folder", folder, "Output folder; created if missing")
         ->required()
-        ->check([](const std::string& name) { return name.empty() ? "expected a name that is not empty" : ""; });
+        ->check([](const std::string& name) { return name.empty() ? "expected a non-empty name" : ""; });
     int count = 0;
-    app.add_option("--count", count, "Write so many files of one second instead, to measure with")
+    app.add_option("--count", count, "Write this many one-second files instead, for benchmarks")
         ->check(CLI::Range(1, 1000000));
     app.footer(
         "Examples:\n  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"

@@ -63,10 +63,10 @@ void MusicFeed::ReadChanges(IndexCache& cache)
     const auto devices = DeviceFoldersOf(m_settings.folder, m_settings.ownName, m_settings.oneDevice);
     Post([this, devices] { RemoveAllBut(devices); });
     FewWarnings warnings(m_settings.warn);
-    const Warn warn = [&warnings](const std::string& line) { warnings.Tell(line); };
+    const Warn warn = [&warnings](const std::string& line) { warnings.Add(line); };
     ReadDevices(FindChanges(devices, warn), cache, warn);
     if (m_stop) return;
-    warnings.SumUp();
+    warnings.Summarize();
     cache.Save(IndexCache::Unused::Forget);
     if (m_settings.indexed) Post(m_settings.indexed);
 }
@@ -77,7 +77,7 @@ std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFold
     std::map<std::string, std::uint64_t> known;
     for (const DeviceFolder& device : devices)
     {
-        // Watched before it is read, so that no change falls in between.
+        // Watch before reading, so that no change is missed in between.
         FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, warn,
                                      [this](const std::string& folder)
                                      {
@@ -133,7 +133,7 @@ void MusicFeed::Post(std::function<void()> work)
     g_source_unref(source);
 }
 
-// A device that an event took away stays away until its folder changes.
+// A device detached by an action stays detached until its folder changes.
 void MusicFeed::Show(const DeviceFolder& folder, Library library)
 {
     if (Device* const device = m_service.devices.OfFolder(folder.path))

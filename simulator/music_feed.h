@@ -1,5 +1,5 @@
 /// @file
-/// Keeps the devices of a service as the sub-folders of a music folder are.
+/// Keeps the devices of a service in sync with the subfolders of a music folder.
 #pragma once
 
 #include <atomic>
@@ -20,23 +20,23 @@
 
 namespace ipodsim
 {
-/// Reads tags on a thread of its own: the service answers meanwhile. Everything but that lives on the service's thread.
+/// Reads tags on its own thread, so that the service keeps answering. Everything else lives on the service's thread.
 class MusicFeed
 {
 public:
     struct Settings
     {
         std::string folder;
-        std::string ownName;      ///< of the device that has the files in the folder itself
-        bool oneDevice = false;   ///< everything belongs to that one
-        std::string cacheFolder;  ///< empty: what is read is not kept
+        std::string ownName;      ///< name of the device with the files directly in the folder
+        bool oneDevice = false;   ///< put everything on that device
+        std::string cacheFolder;  ///< empty for no cache
         Warn warn;
-        std::function<void(std::size_t, std::size_t)> progress;  ///< on any thread; may be empty
-        std::function<void()> indexed;                           ///< after each time that something was read
+        std::function<void(std::size_t, std::size_t)> progress;  ///< called on any thread; may be empty
+        std::function<void()> indexed;                           ///< called after each scan that read something
     };
 
-    /// Attaches the devices that are there, still empty, and begins to read.
-    /// @throws std::runtime_error  the folder is missing, is none, or cannot be read
+    /// Attaches the existing devices without their contents and starts reading.
+    /// @throws std::runtime_error  the folder is missing, not a folder, or cannot be read
     MusicFeed(Service& service, GMainContext* context, Settings settings);
     ~MusicFeed();
     MusicFeed(const MusicFeed&) = delete;
@@ -66,9 +66,9 @@ private:
     GMainContext* m_context;
     Settings m_settings;
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
-    std::vector<std::string> m_folders;  // of the devices that the feed attached
+    std::vector<std::string> m_folders;  // folders of the devices that the feed attached
 
-    std::map<std::string, std::uint64_t> m_known;  // fingerprint of each device; reading thread only
+    std::map<std::string, std::uint64_t> m_known;  // fingerprint of each device; used on the reading thread only
     std::mutex m_mutex;
     std::condition_variable m_awake;
     bool m_changed = true;

@@ -8,7 +8,7 @@ namespace ipodsim
 {
 namespace
 {
-bool TurnsDirection(gunichar c)
+bool IsBidiControl(gunichar c)
 {
     return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x200E || c == 0x200F || c == 0x061C;
 }
@@ -23,7 +23,7 @@ std::string Printable(const std::string& text)
     for (const char* at = valid.get(); *at != '\0'; at = g_utf8_next_char(at))
     {
         const gunichar c = g_utf8_get_char(at);
-        if (g_unichar_iscntrl(c) != FALSE || TurnsDirection(c))
+        if (g_unichar_iscntrl(c) != FALSE || IsBidiControl(c))
             printable += kReplacement;
         else
             printable.append(at, static_cast<std::size_t>(g_utf8_next_char(at) - at));

@@ -6,7 +6,7 @@
 
 namespace ipodsim
 {
-/// The text as valid UTF-8, with a replacement character for what could make a terminal do something: control
-/// characters, and marks that turn the direction of text.
+/// Returns the text as valid UTF-8 with control and bidirectional formatting characters replaced, so that it cannot
+/// affect the terminal.
 std::string Printable(const std::string& text);
 }  // namespace ipodsim

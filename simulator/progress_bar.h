@@ -1,5 +1,5 @@
 /// @file
-/// How far the reading of music has come, on standard error.
+/// Progress of the music scan on standard error.
 #pragma once
 
 #include <chrono>
@@ -9,13 +9,13 @@
 
 namespace ipodsim
 {
-/// A bar that moves where standard error is a terminal, and otherwise a line every few seconds. Nothing at all where
-/// the reading takes no time worth mentioning. Any thread may call it.
+/// Draws a progress bar if standard error is a terminal, and otherwise prints a line every few seconds. Shows nothing
+/// for short scans. Thread-safe.
 class ProgressBar
 {
 public:
     ProgressBar();
-    /// Takes the bar away.
+    /// Removes the bar.
     ~ProgressBar() { Clear(); }
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;

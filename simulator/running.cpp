@@ -63,8 +63,8 @@ Running::Running(const Options& options, GMainContext* context)
     }
     if (!m_service.segments.Claim())
         m_options.warn(
-            "another simulator, on another bus, uses the same shared memory, and each overwrites the other's pages and "
-            "artwork; give one a /dev/shm of its own, or stop it");
+            "another simulator on another bus uses the same shared memory, and they overwrite each other's pages and "
+            "artwork; stop one or give it a private /dev/shm");
 }
 
 Running::~Running()
@@ -74,7 +74,7 @@ Running::~Running()
 
 std::string Running::Summary() const
 {
-    return Summarise(m_service.devices.Everything());
+    return Summarize(m_service.devices.Everything());
 }
 
 void Running::OnScenarioEnd(const std::string& title)
@@ -103,7 +103,7 @@ void Running::Disappear()
     m_bus.reset();
 }
 
-// Another storm takes the place of one that is under way; none at all ends it.
+// A new storm replaces a running one; 0 ends it.
 void Running::Restart(unsigned times)
 {
     m_restarts = times;
@@ -112,7 +112,7 @@ void Running::Restart(unsigned times)
     LeaveSoon();
 }
 
-// Not from within a request, whose connection would go.
+// Delayed, because a request in progress still needs its connection.
 void Running::LeaveSoon()
 {
     m_service.agenda.After(kBackMs,

@@ -1,5 +1,5 @@
 /// @file
-/// A service that runs: what lives on its thread, and its presence on the bus.
+/// A running service: its state, and its presence on the bus.
 #pragma once
 
 #include <ipodsim.h>
@@ -15,20 +15,20 @@
 
 namespace ipodsim
 {
-/// Everything is used on the service's thread only.
+/// Lives on the service's thread.
 class Running
 {
 public:
-    /// Can be called from its return on; the music is still being read then.
-    /// @throws std::runtime_error  as Simulator
+    /// Returns once the service can be called; scanning continues in the background.
+    /// @throws std::runtime_error  like Simulator
     Running(const Options& options, GMainContext* context);
     ~Running();
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
 
-    /// Whether all music has been read once.
+    /// Whether all music has been scanned once.
     bool Indexed() const { return m_indexed; }
-    /// Of all devices together.
+    /// Summary of all devices.
     std::string Summary() const;
     Service& TheService() { return m_service; }
 
@@ -47,7 +47,7 @@ private:
     ObjectPtr<ComZarnLinuxIpodSimulator> m_control{com_zarn_linux_ipod_simulator_skeleton_new()};
     std::unique_ptr<Bus> m_bus;
     bool m_indexed = false;
-    unsigned m_restarts = 0;  // left in a storm
+    unsigned m_restarts = 0;  // remaining in the current storm
     bool m_storming = false;
     Service m_service;
     std::unique_ptr<MusicFeed> m_feed;

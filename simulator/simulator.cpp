@@ -21,11 +21,11 @@ void WriteToStandardError(const std::string& line)
     std::fprintf(stderr, "warning: %s\n", line.c_str());
 }
 
-// The bus carries no other text: it would end the connection.
+// D-Bus strings must be UTF-8: anything else would close the connection.
 const std::string& Utf8(const char* what, const std::string& text)
 {
     if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
-        throw std::runtime_error(std::string(what) + ": expected UTF-8 text, not '" + Printable(text) + "'");
+        throw std::runtime_error(std::string(what) + ": expected UTF-8 text, got '" + Printable(text) + "'");
     return text;
 }
 
@@ -34,7 +34,7 @@ Options WithDefaults(Options options)
     if (!options.warn) options.warn = WriteToStandardError;
     if (!(options.speed >= kSlowest && options.speed <= kFastest))
         throw std::runtime_error("speed: expected a number between 0.001 and 10000");
-    Utf8("name of the device", options.deviceName);
+    Utf8("device name", options.deviceName);
     return options;
 }
 
@@ -44,7 +44,7 @@ struct ContextUnref
 };
 using ContextPtr = std::unique_ptr<GMainContext, ContextUnref>;
 
-// Makes a context the thread's own for as long as it lives.
+// Makes a context the thread-default one during its lifetime.
 class ThreadContext
 {
 public:
@@ -135,7 +135,7 @@ private:
 
     ContextPtr m_context;
     std::unique_ptr<Running> m_running;
-    bool m_stop = false;  // only on the service's thread
+    bool m_stop = false;  // used on the service's thread only
     std::thread m_thread;
 };
 

@@ -1,4 +1,4 @@
-"""Draws what a terminal showed as an SVG: a strip of frames, of which one is seen at a time."""
+"""Draws the output of a terminal as an SVG: a strip of frames, one of which is visible at a time."""
 import re
 from xml.sax.saxutils import escape
 
@@ -9,7 +9,7 @@ FONTS = ("ui-monospace, SFMono-Regular, Menlo, Consolas, 'DejaVu Sans Mono', 'No
 PAPER, INK, FRAME = "#10141b", "#d5dbe5", "#1c222c"
 PALETTE = ["#20262f", "#f07178", "#a5d76e", "#ffcb6b", "#3d6fd8", "#c792ea", "#6fd3e8", "#d5dbe5",
            "#5c6773", "#ff8b92", "#ddffa7", "#ffe585", "#9cc4ff", "#e1acff", "#a3f7ff", "#ffffff"]
-LAST_FRAME = 2.5  # seconds before it begins again
+LAST_FRAME = 2.5  # seconds before the animation restarts
 
 
 def colour(value, otherwise):
@@ -36,7 +36,7 @@ def colours_of(look):
 
 
 def runs(line):
-    """Neighbours that look the same and are equally wide: first column, texts, look, width of each."""
+    """Yields runs of adjacent cells with the same look and width: first column, texts, look, and cell width."""
     found = []
     for column, cell in enumerate(line):
         if not cell.text:
@@ -60,13 +60,13 @@ def draw_text(column, texts, look, wide):
 
 
 def draw_wide(column, texts):
-    """Each character at a place of its own."""
+    """Returns the x coordinate of each character."""
     places = " ".join(number((column + 2 * i) * CELL_WIDTH) for i in range(len(texts)))
     return [(f'x="{places}"', "".join(texts))]
 
 
 def draw_narrow(column, texts):
-    """Words; their length is told, because the reader's font may be another one. More than one blank would be lost."""
+    """Returns words with explicit lengths, because the viewer's font may differ. Repeated blanks would collapse."""
     line = "".join(text[0] for text in texts)
     for found in re.finditer(r"[^ ]+(?: [^ ]+)*", line):
         begin, end = found.span()
@@ -95,7 +95,7 @@ class Film:
         self._names = {}
 
     def take(self, screen, seconds):
-        """The screen as it is now is seen for so long."""
+        """Adds the current screen as a frame with this duration."""
         lines = tuple(draw_line(line) for line in screen.cells)
         cursor = (screen.row, screen.column) if screen.cursor_shown else None
         if self._frames and self._frames[-1][:2] == [lines, cursor]:
@@ -152,7 +152,7 @@ class Film:
                 f"@keyframes roll{{{''.join(steps)}{last}}}")
 
     def _definitions(self):
-        """Each line once, however often it is seen."""
+        """Defines each line once, however often it is used."""
         for lines, _, _ in self._frames:
             for line in lines:
                 if line and line not in self._names:

@@ -1,4 +1,4 @@
-"""What a terminal shows after it was sent some bytes: as much of xterm as programs of today use."""
+"""Emulates a terminal's screen: the part of xterm that today's programs use."""
 import codecs
 import dataclasses
 import re
@@ -15,7 +15,7 @@ UNFINISHED = re.compile("\x1b(?:\\[[0-?]*[ -/]*|\\][^\x07\x1b]*\x1b?|[ -/]*)?$")
 
 @dataclasses.dataclass(frozen=True)
 class Look:
-    """How a character is drawn. Colours: None for the terminal's own, 0 to 255, or (red, green, blue)."""
+    """The attributes of a character. Colors: None for the default, 0 to 255, or (red, green, blue)."""
     foreground: object = None
     background: object = None
     bold: bool = False
@@ -27,7 +27,7 @@ class Look:
 
 @dataclasses.dataclass(frozen=True)
 class Cell:
-    text: str = " "  # empty: the second half of a wide character
+    text: str = " "  # empty for the second half of a wide character
     look: Look = Look()
 
 
@@ -44,12 +44,12 @@ class TerminalScreen:
         self._saved = (0, 0)
         self._main = None
         self.cursor_shown = True
-        self.commands = []  # those of the operating system: title, marks of shells
+        self.commands = []  # OSC commands: titles, shell marks
         self.look = Look()
         self.resize(rows, columns, fresh=True)
 
     def resize(self, rows, columns, fresh=False):
-        """Takes another size. What was there is kept at its place."""
+        """Resizes the screen and keeps its contents in place."""
         old = [] if fresh else self.cells
         self.rows, self.columns = rows, columns
         self.cells = [self._blank_row() for _ in range(rows)]
@@ -60,7 +60,7 @@ class TerminalScreen:
 
     @property
     def alternate(self):
-        """Whether a program has the whole screen."""
+        """Whether a program uses the alternate screen."""
         return self._main is not None
 
     def lines(self):
@@ -85,7 +85,7 @@ class TerminalScreen:
                 self._sequence(found)
         self._rest = text[at:]
 
-    # What is sent
+    # Output
 
     def _character(self, character):
         if character == "\r":
@@ -128,7 +128,7 @@ class TerminalScreen:
         return [blank] * self.columns
 
     def _scroll(self, top, count):
-        """Moves the lines from TOP to the end of the region up, or down when COUNT is below 0."""
+        """Scrolls the lines from TOP to the end of the region up, or down if COUNT is negative."""
         for _ in range(abs(count)):
             if count > 0:
                 del self.cells[top]

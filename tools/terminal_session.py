@@ -1,4 +1,4 @@
-"""A program in a terminal of its own, whose screen can be looked at."""
+"""Runs a program in a pseudo-terminal whose screen can be inspected."""
 import fcntl
 import os
 import pty
@@ -19,7 +19,7 @@ class TerminalSession:
         self.main, self.terminal = pty.openpty()
         self.set_size(rows, columns)
         self.modes_before = termios.tcgetattr(self.terminal)
-        # The terminal is the one that controls it, so that keys can become signals.
+        # It becomes the controlling terminal, so that keys generate signals.
         self.process = subprocess.Popen(command, stdin=self.terminal, stdout=self.terminal, stderr=self.terminal,
                                         env=environment, cwd=folder, start_new_session=True, preexec_fn=self._take_control)
 
@@ -40,7 +40,7 @@ class TerminalSession:
         os.write(self.main, text.encode() if isinstance(text, str) else text)
 
     def read(self, seconds):
-        """Takes what the program writes; False when it wrote nothing for so long."""
+        """Reads the program's output; False if there was none for that long."""
         if not select.select([self.main], [], [], seconds)[0]:
             return False
         data = os.read(self.main, 65536)
@@ -49,13 +49,13 @@ class TerminalSession:
         return True
 
     def settle(self, quiet=0.05, limit=5):
-        """Waits until it has written nothing for a while."""
+        """Waits until there has been no output for a while."""
         end = time.monotonic() + limit
         while time.monotonic() < end and self.read(quiet):
             pass
 
     def wait_for(self, holds, seconds):
-        """Reads until the screen is as it should be; whether it became so."""
+        """Reads until the screen satisfies a condition; returns whether it did."""
         end = time.monotonic() + seconds
         while not holds(self.screen):
             left = end - time.monotonic()
@@ -65,7 +65,7 @@ class TerminalSession:
         return True
 
     def wait(self, seconds):
-        """The exit code, once everything that it wrote is read."""
+        """Reads the remaining output and returns the exit code."""
         end = time.monotonic() + seconds
         while self.process.poll() is None and time.monotonic() < end:
             self.read(0.05)

@@ -1,4 +1,4 @@
-// Every read is bounded; a head that is cut off or damaged leaves the size, or also the type, unknown.
+// Every read is bounds-checked; a truncated or damaged header leaves the size, and possibly the type, unknown.
 #include <images/image.h>
 
 #include <algorithm>
@@ -18,13 +18,13 @@ struct Size
     std::uint32_t height = 0;
 };
 
-/// Numbers beyond the end are 0: readers check with Has() first where that matters.
+/// Numbers beyond the end read as 0; callers check with Has() first where that matters.
 class Bytes
 {
 public:
     Bytes(const unsigned char* begin, std::size_t count) : m_begin(begin), m_count(count) {}
 
-    /// Whether there are so many bytes.
+    /// Whether at least that many bytes are available.
     bool Has(std::size_t count) const { return count <= m_count; }
 
     std::uint32_t At(std::size_t offset) const { return offset < m_count ? m_begin[offset] : 0; }
@@ -55,7 +55,7 @@ private:
 
 constexpr std::uint32_t kOldestBmpHead = 12;
 
-// "BM" alone is the beginning of a text too: the length of the second head tells a BMP.
+// Text may start with "BM", too: the length of the second header identifies a BMP.
 bool IsBmp(const Bytes& bytes)
 {
     constexpr std::uint32_t kLengths[] = {kOldestBmpHead, 16, 40, 52, 56, 64, 108, 124};
@@ -74,13 +74,13 @@ Type TypeOf(const Bytes& bytes)
     return IsBmp(bytes) ? Type::Bmp : Type::Unknown;
 }
 
-// Start-of-frame markers, without those between them for tables and extensions.
+// Start-of-frame markers, except those for tables and extensions between them.
 bool IsFrame(std::uint32_t marker)
 {
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
-// From segment to segment. Pixels follow the start of scan; bytes among them are no markers.
+// Walks the segments. After the start of scan come pixels, whose bytes must not be taken for markers.
 Size JpegSize(const Bytes& bytes)
 {
     constexpr std::uint32_t kStartOfScan = 0xDA;
@@ -108,7 +108,7 @@ Size GifSize(const Bytes& bytes)
     return {bytes.Little(6, 2), bytes.Little(8, 2)};
 }
 
-// The name of the first chunk gives its kind.
+// The name of the first chunk identifies the format.
 Size WebPSize(const Bytes& bytes)
 {
     if (bytes.Holds(12, "VP8X") && bytes.Has(30)) return {bytes.Little(24, 3) + 1, bytes.Little(27, 3) + 1};
@@ -122,7 +122,7 @@ Size WebPSize(const Bytes& bytes)
     return {};
 }
 
-// A negative height means that rows run from top to bottom.
+// A negative height means top-down rows.
 Size BmpSize(const Bytes& bytes)
 {
     if (bytes.Little(14, 4) == kOldestBmpHead)
@@ -132,13 +132,13 @@ Size BmpSize(const Bytes& bytes)
     return {bytes.Little(18, 4), height > INT32_MAX ? 0 - height : height};
 }
 
-// Numbers in the byte order that the first two bytes name.
+// Reads numbers in the byte order given by the first two bytes.
 std::uint32_t TiffNumber(const Bytes& bytes, std::size_t offset, std::size_t length)
 {
     return bytes.Holds(0, "II") ? bytes.Little(offset, length) : bytes.Big(offset, length);
 }
 
-// Of one directory entry of 12 bytes: its tag, its type, how many values, and the value itself.
+// A 12-byte directory entry: tag, type, number of values, and the value.
 std::uint32_t TiffValue(const Bytes& bytes, std::size_t entry)
 {
     constexpr std::uint32_t kShort = 3;

@@ -7,7 +7,7 @@
 
 namespace qbx
 {
-/// A generated call, the text of its failure line, and the command that makes it.
+/// A generated call, the text of its failure line, and the calling command.
 template <class Function>
 struct CallSite
 {
@@ -16,7 +16,7 @@ struct CallSite
     LogSite where;
 };
 
-/// Writes the failure line when there is an error.
+/// Writes the failure line if there is an error.
 void LogFailure(const LogSite& where, const char* format, const GError* error);
 
 /// Makes the call and returns its error without a log line. @p args are the generated function's own, without
@@ -29,7 +29,7 @@ GError* TryCall(const CallSite<Function>& site, Args... args)
     return error;
 }
 
-/// Makes the call and logs its failure. The error is the caller's; commands let it go unreleased (docs/oddities.md).
+/// Makes the call and logs its failure. The caller owns the error; commands intentionally leak it (docs/oddities.md).
 template <class Function, class... Args>
 GError* Call(const CallSite<Function>& site, Args... args)
 {
@@ -38,7 +38,7 @@ GError* Call(const CallSite<Function>& site, Args... args)
     return error;
 }
 
-/// Makes the call, logs its failure and releases the error.
+/// Makes the call, logs a failure, and releases the error.
 template <class Function, class... Args>
 void CallAndRelease(const CallSite<Function>& site, Args... args)
 {
@@ -46,7 +46,7 @@ void CallAndRelease(const CallSite<Function>& site, Args... args)
     if (error != nullptr) g_error_free(error);
 }
 
-/// In place of a start value: the reply holder is left without one on purpose.
+/// Replaces an initial value: the reply holder is intentionally left uninitialized.
 struct Unset
 {
 };
@@ -60,7 +60,7 @@ struct ReplyHolder
     T value;
 };
 
-/// Makes a call with one reply value, which is @p start when the call fails.
+/// Makes a call with one reply value, which is @p start if the call fails.
 template <class T, class Function, class Start, class... Args>
 T Ask(const CallSite<Function>& site, Start start, Args... args)
 {

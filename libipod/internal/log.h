@@ -1,5 +1,5 @@
 /// @file
-/// Log sites. Each one writes a record when logging is set up, and one warning line to standard output when not.
+/// Log sites. Each one writes a record if logging is set up, and otherwise one warning line to standard output.
 #pragma once
 
 #include <QBXLog.h>
@@ -17,11 +17,11 @@ enum LogLevel : int
     kError = 100,
 };
 
-/// Every record of the client carries this file text, whichever unit writes it: log filters rely on it.
+/// Every record of the client carries this file name, whichever source writes it: log filters rely on it.
 constexpr char kLogFile[] = "libipod/QBXIpod_MediaPlayer_Client";
 constexpr std::size_t kLogFileLength = sizeof(kLogFile) - 1;
 
-/// Where a record comes from: the public operation, even when a helper writes the record for it.
+/// Origin of a record: the public operation, even if a helper writes the record.
 struct LogSite
 {
     const char* function;
@@ -29,7 +29,7 @@ struct LogSite
     long line;
 };
 
-/// The line that takes a record's place while logging is not set up.
+/// Writes the line that replaces a record while logging is not set up.
 void WarnLogNotReady(const LogSite& site);
 }  // namespace qbx
 
@@ -39,7 +39,7 @@ void WarnLogNotReady(const LogSite& site);
         __func__, sizeof(__func__) - 1, __LINE__ \
     }
 
-// A macro, because zlog() takes its arguments as they come and the compiler checks them against the format.
+// A macro, because zlog() is variadic and the compiler checks its arguments against the format.
 #define LOG_AT(site, level, ...)                                                                            \
     do                                                                                                      \
     {                                                                                                       \

@@ -1,26 +1,26 @@
 /// @file
-/// What the module remembers beyond the life of a client object. Plain variables without locks: InitInstance()
-/// must not run while other threads use the player.
+/// Module state that outlives a client object. Plain variables without locks: InitInstance() must not run while other
+/// threads use the player.
 #pragma once
 
 #include <ipod_dbus.h>
 
 namespace qbx
 {
-/// 1 once a client was built in this process; never cleared, not even when the client is destroyed.
+/// 1 after a client has been built in this process; never cleared, not even when the client is destroyed.
 extern int clientCreated;
 
-/// Counts the clients built so far, and so tells one from its successor at the same address.
+/// Number of clients built so far; distinguishes a client from its successor at the same address.
 extern unsigned clientsBuilt;
 
-/// The number of the client that there is; 0 when there is none.
+/// The number of the existing client; 0 if there is none.
 unsigned LivingClient();
 
-/// Notes that the client built last subscribes to the signals of @p proxy.
+/// Records that the client built last subscribes to the signals of @p proxy.
 void NoteSubscriber(ComZarnLinuxIpod* proxy);
 
-/// Whether the client that subscribed to @p proxy was destroyed since: signal connections outlive it, and its successor
-/// may have the same address. Not so of a proxy that no client subscribed to, nor of null.
+/// Whether the client that subscribed to @p proxy has been destroyed: signal connections outlive it, and its successor
+/// may have the same address. False for null and for a proxy without subscriber.
 bool SubscriberIsGone(ComZarnLinuxIpod* proxy);
 
 /// The proxy that all commands use; null until InitInstance() created one. Never released.

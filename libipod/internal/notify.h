@@ -10,12 +10,12 @@
 
 namespace qbx
 {
-/// Counts removals from the client's registry. Only its changes mean something.
+/// Counts removals from the client's registry. Only changes are meaningful.
 inline unsigned listenersRemoved = 0;
 
 using ListenerRegistry = IQBXListener<IQBXIpodPlayerListener>;
 
-/// Holds the listener lock; lets go of it also when a listener throws.
+/// Holds the listener lock; releases it even if a listener throws.
 class ListenerLock
 {
 public:
@@ -28,8 +28,8 @@ private:
     ListenerRegistry& m_registry;
 };
 
-/// Two equal states mean that no listener left in between, so that a position in the set still holds. The size
-/// alone does not tell: a listener may put another one into its own place.
+/// Two equal states mean that no listener was removed in between, so that a position in the set is still valid. The
+/// size alone does not suffice: a listener may replace itself with another one.
 struct RegistryState
 {
     std::size_t size;
@@ -39,7 +39,7 @@ struct RegistryState
 };
 
 /// Calls @p event of every listener, in ascending order of address. The caller holds the listener lock.
-/// A listener may remove itself or others: then the set is searched for the next one.
+/// If a listener removes itself or others, the next one is searched in the set.
 template <class... Params, class... Args>
 void Dispatch(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(Params...), Args&... args)
 {
@@ -54,7 +54,7 @@ void Dispatch(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(
     }
 }
 
-/// Locks, dispatches, unlocks. What @p event takes by value is copied afresh for each listener.
+/// Locks, dispatches, unlocks. Arguments that @p event receives by value are copied for each listener.
 template <class... Params, class... Args>
 void Notify(ListenerRegistry& registry, void (IQBXIpodPlayerListener::*event)(Params...), Args&... args)
 {

@@ -1,5 +1,5 @@
 /// @file
-/// The fixed records that travel as raw bytes inside variants, little-endian, texts NUL-terminated in their slots.
+/// The fixed records that travel as raw bytes inside variants: little-endian, with NUL-terminated texts in their slots.
 #pragma once
 
 #include <QBXIpodTypes.h>
@@ -11,7 +11,7 @@
 
 namespace qbx
 {
-static_assert(G_BYTE_ORDER == G_LITTLE_ENDIAN, "records are little-endian and are copied as they lie in memory");
+static_assert(G_BYTE_ORDER == G_LITTLE_ENDIAN, "records are little-endian and are copied in memory order");
 
 struct TrackRecord
 {
@@ -33,11 +33,11 @@ struct EapInitRecord
 };
 static_assert(sizeof(EapInitRecord) == 512, "the service expects exactly this record");
 
-/// Fills @p size bytes at @p dest from a "v" holding an "ay": the rest is zero when the array is shorter, what
-/// is too much is left out.
+/// Fills @p size bytes at @p dest from a "v" holding an "ay". A shorter array is padded with zeros, a longer one
+/// truncated.
 void ExtractBounded(void* dest, std::size_t size, GVariant* value);
 
-/// A record as received; all zero when @p value is null or of another type.
+/// A record as received; all zero if @p value is null or of another type.
 template <class Record>
 Record DecodeRecord(GVariant* value)
 {

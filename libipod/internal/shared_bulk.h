@@ -1,8 +1,8 @@
 /// @file
 /// Copying between the shared vectors and containers of the caller.
 ///
-/// The other process may be broken, or may rewrite a vector while it is read. So a reader takes pointer and size
-/// once, checks them against the mapping, and copies from there.
+/// The other process may be faulty, or may rewrite a vector while it is read. Readers therefore load pointer and size
+/// once, check them against the mapping, and copy from there.
 #pragma once
 
 #include <QBXIpodShareMemory.h>
@@ -20,8 +20,8 @@ struct Mapping
     const char* end = nullptr;
 };
 
-/// Where the elements of @p vector may lie: in @p mapping when the vector itself does. A vector elsewhere is the
-/// application's own, which pointed the exported variable at it; no other process can spoil that one.
+/// Where the elements of @p vector may be: inside @p mapping if the vector itself is. Any other vector belongs to the
+/// application, which redirected the exported variable; no other process can corrupt that one.
 Mapping BoundsOf(const void* vector, const Mapping& mapping);
 
 /// The elements of a shared vector at one moment.
@@ -32,12 +32,12 @@ struct Snapshot
     std::size_t count = 0;
 };
 
-/// Empty when @p vector is null or its elements do not all lie inside @p mapping.
+/// Empty if @p vector is null or any of its elements is outside @p mapping.
 template <class Vector>
 Snapshot<typename Vector::value_type> TakeSnapshot(const Vector* vector, const Mapping& mapping)
 {
     if (vector == nullptr) return {};
-    // Read through volatile locals: nobody may fetch them from shared memory a second time, after the check.
+    // Volatile locals prevent the compiler from reading shared memory a second time, after the check.
     const auto* const volatile beginOnce = vector->data();
     const volatile std::size_t countOnce = vector->size();
     const auto* const begin = beginOnce;
@@ -48,10 +48,10 @@ Snapshot<typename Vector::value_type> TakeSnapshot(const Vector* vector, const M
     return {begin, count};
 }
 
-/// Does something that takes the lock inside a segment. Boost says of a lock that was not to be had within its
-/// limit only that something failed; callers are promised the exception that names the lock.
+/// Runs an operation that acquires the lock inside a segment. If the lock times out, Boost reports only a generic
+/// failure; callers are promised an exception that identifies the lock.
 ///
-/// @throws boost::interprocess::lock_exception  the lock is held by a process that died, or is damaged
+/// @throws boost::interprocess::lock_exception  the lock is held by a dead process, or is damaged
 template <class Action>
 auto UnderSegmentLock(Action action)
 {
@@ -67,17 +67,17 @@ auto UnderSegmentLock(Action action)
     }
 }
 
-/// Replaces @p list by the names of a snapshot. A name ends at its first NUL, at the latest after 256 bytes.
+/// Replaces @p list with the names of a snapshot. A name ends at its first NUL, or after 256 bytes.
 void CopyNames(const Snapshot<PlayListSongNameStr>& names, std::vector<std::string>& list);
 
-/// The bytes of a snapshot.
+/// Copies the bytes of a snapshot.
 std::vector<unsigned char> CopyBytes(const Snapshot<unsigned char>& bytes);
 
-/// Replaces the contents of @p shared by @p data, growing as if the bytes were appended one by one: capacity and
-/// free memory of the segment, which the service shares, end the same, and so does a segment that is too full.
+/// Replaces the contents of @p shared with @p data, growing as if the bytes were appended one by one: the resulting
+/// capacity and free memory, which the service shares, are the same, and so is the failure of a full segment.
 ///
-/// @throws boost::interprocess::interprocess_exception  @p shared is null or its memory does not lie inside @p mapping
-/// @throws boost::interprocess::lock_exception          the segment's lock is held by a process that died
-/// @throws boost::interprocess::bad_alloc               the segment is full; the bytes that fitted are there
+/// @throws boost::interprocess::interprocess_exception  @p shared is null or its memory is outside @p mapping
+/// @throws boost::interprocess::lock_exception          the segment's lock is held by a dead process
+/// @throws boost::interprocess::bad_alloc               the segment is full; @p shared holds the bytes that fitted
 void Replace(QBXByteVector* shared, const Mapping& mapping, const std::vector<unsigned char>& data);
 }  // namespace qbx

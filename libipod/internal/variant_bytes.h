@@ -6,8 +6,8 @@
 
 namespace qbx
 {
-/// Keeps the inner value alive while its bytes are looked at. Empty for a null pointer and for any other type,
-/// because a sender may put anything into a variant.
+/// Keeps the inner value alive while its bytes are read. Empty for a null pointer and for any other type: a sender may
+/// put any type into a variant.
 class VariantBytes
 {
 public:

@@ -1,26 +1,26 @@
 /// @file
-/// Types of the head unit's application manager, as far as its notifications need them. The numbers belong to
-/// the head unit; the player uses none of them.
+/// Types of the head unit's application manager that its notifications use. The head unit defines the numbers; the
+/// player uses none of them.
 #pragma once
 
-/// State of a module that starts or stops.
+/// State of a module that is starting or stopping.
 struct AppBootInfo
 {
     int module;  ///< number of the module
-    int status;  ///< its state
+    int status;  ///< state of the module
 };
 
-/// Stage of the head unit's start.
+/// Boot stage of the head unit.
 enum BootStage : int
 {
 };
 
-/// Level of the head unit's logging.
+/// Log level of the head unit.
 enum eLogLevel : int
 {
 };
 
-/// A module that runs as a process of its own.
+/// A module that runs as a separate process.
 enum ServiceModule : int
 {
 };

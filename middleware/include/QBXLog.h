@@ -10,7 +10,7 @@ extern "C"
 {
 #endif
 
-    /// Category of the unit's applications. Null until logging is set up.
+    /// Category of the head unit's applications. Null until logging is set up.
     extern zlog_category_t* liblog_category;
 
     /// Sets logging up and returns 1. Returns 0 and changes nothing if the configuration cannot be used, or if the

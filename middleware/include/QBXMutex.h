@@ -4,7 +4,7 @@
 
 #include <pthread.h>
 
-/// A recursive mutex: the thread that holds it may lock it again, and unlocks it as often.
+/// A recursive mutex: the thread that holds it may lock it again, and must unlock it as often.
 class QBXMutex
 {
 public:
@@ -24,7 +24,7 @@ private:
     pthread_mutex_t m_mutex;
 };
 
-/// Lock of a module, built when the module is loaded.
+/// Lock of a module, constructed when the module is loaded.
 class QBXCriticalSection : public QBXMutex
 {
 public:

@@ -1,15 +1,15 @@
 /// @file
-/// The audio-source manager of the head unit: it decides which of the competing sources may sound.
+/// The audio-source manager of the head unit, which decides which of the competing sources is active.
 ///
-/// A source is a plain number; 10 and 11 are the two iPod sources. Codes, reasons and confirmation values beyond those
-/// named here belong to the manager of the head unit.
+/// A source is a plain number; 10 and 11 are the two iPod sources. The head unit's manager defines further codes,
+/// reasons, and confirmation values.
 #pragma once
 
-/// The manager: its operations need no object.
+/// The manager. All operations are static.
 class QBXSource
 {
 public:
-    /// How the other sources behave while this one sounds.
+    /// How other sources behave while this one is active.
     enum AudioGainType : int
     {
         AUDIO_GAIN = 0,            ///< they stop
@@ -17,14 +17,15 @@ public:
         AUDIO_GAIN_DUCK = 2,       ///< they become quieter
     };
 
-    /// Requests a source. Returns 1 or 2 when it is granted, any other code when it is refused.
+    /// Requests a source. Returns 1 or 2 if the request is granted, any other code if it is refused.
     static int Request(int source, AudioGainType gain);
 
-    /// Returns whether the source may sound now. The stand-in returns true for the source that it granted last, until
-    /// that is released, and false before any request.
+    /// Returns whether the source is active. The stand-in returns true for the source that it granted last, until its
+    /// release, and false before any request.
     static bool IsActived(int source);
 
-    /// Gives a source back. @p reason is the manager's; the library passes 1 when the device's source became invalid.
+    /// Releases a source. @p reason is defined by the manager; the library passes 1 when the device's source became
+    /// invalid.
     static void Release(int source, int reason);
 
     /// Confirms to the manager that it activated a source. @p confirm is the value that came with the activation.

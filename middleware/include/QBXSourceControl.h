@@ -1,5 +1,5 @@
 /// @file
-/// Control of the stand-in for the audio-source manager; the head unit has nothing of the kind.
+/// Controls the stand-in for the audio-source manager; not available on the head unit.
 #pragma once
 
 /// Grants every request from now on (@p code 0, the initial value) or refuses it with @p code.

@@ -11,7 +11,7 @@
 
 namespace
 {
-// Programs that do not set logging up themselves log nonetheless, from the start.
+// QBX_LOG enables logging from the start in programs that do not set it up themselves.
 [[gnu::constructor]] void InitFromEnvironment()
 {
     const char* const config = std::getenv("QBX_LOG");

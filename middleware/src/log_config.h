@@ -1,5 +1,5 @@
 /// @file
-/// The texts that set logging up on either log sink: "LEVEL" and "LEVEL:FILE".
+/// The configuration texts that both log sinks accept: "LEVEL" and "LEVEL:FILE".
 #pragma once
 
 #include <optional>
@@ -18,10 +18,10 @@ inline constexpr LogLevel kLogLevels[] = {{20, "DEBUG"}, {40, "INFO"},   {60, "N
 struct LogConfig
 {
     LogLevel level;                   ///< this level and above are logged
-    std::optional<std::string> file;  ///< none: standard error
+    std::optional<std::string> file;  ///< empty for standard error
 
-    /// Opens the file for appending, creating it if needed. Returns its descriptor, STDERR_FILENO when there is no
-    /// file, or -1 with errno.
+    /// Opens the file for appending, creating it if needed. Returns its descriptor, STDERR_FILENO without a file, or -1
+    /// with errno set.
     int Open() const;
 };
 

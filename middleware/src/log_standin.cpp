@@ -1,4 +1,4 @@
-// Stand-in for the log sink and its set-up, for systems without zlog.
+// Stand-in for the log sink and its setup, for systems without zlog.
 #include <QBXLog.h>
 #include <unistd.h>
 
@@ -16,7 +16,7 @@
 
 struct zlog_category_s
 {
-    // Read without the lock: most lines are below it.
+    // Read without the lock, because most lines are below the level.
     std::atomic<int> threshold{0};
     int out = -1;
 };
@@ -43,15 +43,15 @@ void CloseOutput()
     fileCategory.out = -1;
 }
 
-// Null when memory is short.
+// Null if out of memory.
 [[gnu::format(printf, 1, 0)]] Text Format(const char* format, va_list arguments)
 {
     char* text = nullptr;
     return {vasprintf(&text, format, arguments) < 0 ? nullptr : text, std::free};
 }
 
-// In one piece, so that the lines of several processes in one file do not mix. A line that cannot be written is lost:
-// there is nobody to report it to.
+// Written in one piece, so that lines of several processes do not mix in one file. A line that cannot be written is
+// lost: there is nowhere to report it.
 [[gnu::format(printf, 2, 3)]] void WriteLine(int out, const char* format, ...)
 {
     va_list arguments;

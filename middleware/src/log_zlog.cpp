@@ -1,4 +1,4 @@
-// Logging set-up on a system that has zlog.
+// Logging setup on systems with zlog.
 #include <QBXLog.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -12,10 +12,10 @@ zlog_category_t* liblog_category = nullptr;
 
 namespace
 {
-// Whether zlog was initialized here: the application may have done it, and then it is the application's to end.
+// Whether zlog was initialized here. If the application did it, the application must also shut it down.
 bool initialized = false;
 
-// zlog gives these a meaning in the file name of a rule.
+// These characters are special to zlog in the file name of a rule.
 constexpr char kNotInRules[] = "\"%,;#\n";
 
 // zlog_init() refuses to be called twice; zlog_reload() keeps the old configuration if the new one is unusable.
@@ -24,7 +24,7 @@ bool Configure(const char* path)
     return (initialized ? zlog_reload(path) : zlog_init(path)) == 0;
 }
 
-// The stand-in's records. Files are not rotated, so no lock file is needed.
+// The same record format as the stand-in. Files are not rotated, so no lock file is needed.
 std::string ConfigurationFor(const LogConfig& config)
 {
     return "[global]\n"
@@ -36,7 +36,7 @@ std::string ConfigurationFor(const LogConfig& config)
            std::string(config.level.name) + (config.file ? " \"" + *config.file + "\"" : " >stderr") + "; line\n";
 }
 
-// Before version 1.2.16 zlog reads configurations from files only.
+// Before version 1.2.16, zlog reads configurations only from files.
 bool ConfigureFromMemory(const std::string& configuration)
 {
     const int memory = memfd_create("zlog.conf", MFD_CLOEXEC);

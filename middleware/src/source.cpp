@@ -1,4 +1,4 @@
-// Stand-in for the audio-source manager: grants what is asked for, and remembers who may sound.
+// Stand-in for the audio-source manager: grants requests and tracks the active source.
 #include <QBXSource.h>
 #include <QBXSourceControl.h>
 

@@ -1,9 +1,9 @@
 /// @file
-/// Stand-in for the log sink where the system has no zlog: the part of its interface that log sites use. If a later
-/// directory of the search path has a zlog.h, that one is used. Copies of this file may follow each other in the path:
-/// only the last declares, hence no guard around the whole.
+/// Stand-in for the log sink on systems without zlog: the part of its interface that log sites use. If a later
+/// directory of the search path contains a zlog.h, that one is used. Copies of this file may follow each other in the
+/// path: only the last declares, hence no guard around the whole.
 #if defined(__GNUC__)
-// Outside of system headers, #include_next is worth a warning.
+// #include_next causes a warning outside of system headers.
 #pragma GCC system_header
 #endif
 

@@ -26,7 +26,7 @@ std::vector<UScriptCode> ScriptsOf(const icu::Locale& locale)
     return scripts;
 }
 
-// Of the first letter; common to all scripts without one.
+// The script of the first letter; USCRIPT_COMMON without one.
 UScriptCode ScriptOf(const icu::UnicodeString& text)
 {
     UErrorCode status = U_ZERO_ERROR;

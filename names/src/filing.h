@@ -1,5 +1,5 @@
 /// @file
-/// Where names belong in an alphabetical list.
+/// The place of names in an alphabetical list.
 #pragma once
 
 #include <unicode/alphaindex.h>
@@ -13,11 +13,11 @@
 
 namespace ipodnames
 {
-/// A name's place. The section follows from the key: both are made of the same text.
+/// The place of a name. The key determines the section: both are derived from the same text.
 struct Filed
 {
     std::string key;    ///< names are sorted by its bytes
-    std::string label;  ///< of the section
+    std::string label;  ///< label of the section
 };
 
 class Filing
@@ -26,7 +26,7 @@ public:
     /// @throws std::runtime_error if ICU has no data for sorting
     Filing(const std::string& locale, const std::vector<std::string>& articles);
 
-    /// Of a Spelling() and its reading.
+    /// Returns the place of a Spelling() and its reading.
     Filed File(const icu::UnicodeString& spelling, const std::string& reading) const;
 
 private:
@@ -35,7 +35,7 @@ private:
 
     std::unique_ptr<icu::AlphabeticIndex::ImmutableIndex> m_index;
     std::unique_ptr<icu::Collator> m_collator;
-    std::vector<UScriptCode> m_scripts;          // that the locale sorts as they are written
-    std::vector<icu::UnicodeString> m_articles;  // each with a blank
+    std::vector<UScriptCode> m_scripts;          // scripts that the locale sorts as written
+    std::vector<icu::UnicodeString> m_articles;  // each followed by a blank
 };
 }  // namespace ipodnames

@@ -23,7 +23,7 @@ bool IsAscii(const std::string& text)
                        [](char character) { return static_cast<signed char>(character) >= 0; });
 }
 
-// Without what readings of the same name may differ in.
+// Removes details in which readings of the same name may differ.
 std::string Squeezed(const std::string& given)
 {
     std::string reading = WithoutUmlauts(given);
@@ -31,7 +31,7 @@ std::string Squeezed(const std::string& given)
     return reading;
 }
 
-// A given reading that is spelled otherwise only has no syllables or no ü.
+// A given reading that differs only in spelling lacks syllable boundaries or ü.
 std::string ReadingOf(const icu::UnicodeString& spelling, const JumpIndexOptions& options, std::size_t index)
 {
     std::string own = Reader::Shared().Read(spelling, options.subject);
@@ -44,7 +44,7 @@ struct Entry
 {
     int index;
     std::string reading;
-    std::string folded;  // the name without case, for queries in its own script
+    std::string folded;  // the case-folded name, for queries in its own script
     Filed filed;
 };
 
@@ -66,7 +66,7 @@ std::vector<Entry> Sorted(const std::vector<std::string>& names, const JumpIndex
 
 struct Query
 {
-    bool typed;  // in letters of the readings; otherwise it is looked for as it is
+    bool typed;  // in the letters of readings; otherwise it is searched for literally
     std::string text;
     std::uint64_t letters;
     std::uint64_t initial;
@@ -80,7 +80,7 @@ Query QueryOf(const std::string& text)
 }
 }  // namespace
 
-/// In the order of the index, so that a search runs through memory from one end to the other.
+/// In index order, so that a search accesses memory sequentially.
 struct JumpIndex::Contents
 {
     explicit Contents(const std::vector<Entry>& entries);
@@ -88,10 +88,10 @@ struct JumpIndex::Contents
     Fit FitOf(const Query& query, std::size_t position) const;
 
     std::vector<std::string> readings;
-    std::vector<std::uint64_t> letters;   // of each reading
-    std::vector<std::uint64_t> initials;  // of its syllables and words
+    std::vector<std::uint64_t> letters;   // in each reading
+    std::vector<std::uint64_t> initials;  // initials of its syllables and words
     std::vector<std::string> folded;
-    std::vector<int> order;      // the name at each position
+    std::vector<int> order;      // the name's index at each position
     std::vector<int> positions;  // the position of each name
     std::vector<JumpSection> sections;
 };
@@ -112,7 +112,7 @@ JumpIndex::Contents::Contents(const std::vector<Entry>& entries) : positions(ent
     }
 }
 
-// Most names lack a letter of the query, which is seen at once.
+// Most names lack a letter of the query and are rejected at once.
 Fit JumpIndex::Contents::FitOf(const Query& query, std::size_t position) const
 {
     if (query.typed)

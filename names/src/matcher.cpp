@@ -10,7 +10,7 @@ namespace
 {
 constexpr std::size_t kLongest = 60;
 
-// Bit n: the first n letters of the query are accounted for.
+// Bit n: the first n letters of the query are matched.
 using Reached = std::uint64_t;
 
 bool Stands(char typed, char letter)
@@ -18,7 +18,7 @@ bool Stands(char typed, char letter)
     return typed == letter || (letter == kUmlaut && (typed == 'v' || typed == 'u'));
 }
 
-// From each reached position on, the query may go on with any beginning of the token that fits.
+// From each reached position, the query may continue with any matching beginning of the token.
 Reached Advance(Reached reached, const std::string& query, const char* token, std::size_t length)
 {
     Reached next = 0;
@@ -31,7 +31,7 @@ Reached Advance(Reached reached, const std::string& query, const char* token, st
     return next;
 }
 
-// Whether some run of tokens accounts for the whole query. @p anywhere: it may begin at any token.
+// Whether some run of tokens matches the whole query. @p anywhere: the run may start at any token.
 bool Fits(const std::string& query, const std::string& reading, bool anywhere)
 {
     const Reached whole = Reached{1} << query.size();
@@ -57,7 +57,7 @@ std::uint64_t BitOf(char typed)
     return std::uint64_t{1} << (typed >= 'a' ? typed - 'a' : 26 + typed - '0');
 }
 
-// What a letter of a reading may be typed as; nothing for a blank.
+// The ways to type a letter of a reading; none for a blank.
 std::uint64_t BitsOf(char letter)
 {
     if (letter == kUmlaut) return BitOf('v') | BitOf('u');

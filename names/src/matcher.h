@@ -1,5 +1,5 @@
 /// @file
-/// Whether what was typed fits a reading.
+/// Matches typed queries against readings.
 #pragma once
 
 #include <cstdint>
@@ -7,26 +7,27 @@
 
 namespace ipodnames
 {
-/// A reading as Reader makes it: syllables and words, lower-case letters, digits and kUmlaut, single blanks between.
+/// A reading produced by Reader: syllables and words of lower-case letters, digits, and kUmlaut, separated by single
+/// blanks.
 ///
-/// A query fits when it can be cut into pieces that are beginnings of successive syllables or words: "zjl", "zhoujl",
-/// "zhoujielun" all fit "zhou jie lun", and "jl" does from its second syllable on.
+/// A query matches if it can be split into beginnings of successive syllables or words: "zjl", "zhoujl", and
+/// "zhoujielun" all match "zhou jie lun", and "jl" matches from the second syllable.
 enum class Fit
 {
     None,
-    Inside,     ///< from a later syllable or word on
-    Beginning,  ///< from the first one on
+    Inside,     ///< from a later syllable or word
+    Beginning,  ///< from the first one
 };
 
-/// @p query is of Typed(). Takes time in proportion to the lengths of both, whatever they are.
+/// @p query comes from Typed(). The time is proportional to the lengths of both.
 Fit Match(const std::string& query, const std::string& reading);
 
-/// One bit for each letter and digit that occurs. What is not in the reading cannot be in a query that fits.
+/// One bit for each letter and digit that occurs. A matching query contains no other letters than the reading.
 std::uint64_t LettersIn(const std::string& text);
 
-/// The same for the first letters of its syllables and words: a query that fits begins with one of them.
+/// The same for the first letters of its syllables and words: a matching query starts with one of them.
 std::uint64_t InitialsIn(const std::string& reading);
 
-/// What counts of a query: its first 60 letters and digits, in lower case.
+/// The relevant part of a query: its first 60 letters and digits, in lower case.
 std::string Typed(const std::string& query);
 }  // namespace ipodnames

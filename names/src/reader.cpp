@@ -39,7 +39,7 @@ bool IsWordPart(UChar32 character)
     return u_isalnum(character) || (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0;
 }
 
-// "A$AP", "Ke$ha": beside a letter it is one, unless an amount follows.
+// "A$AP", "Ke$ha": a dollar sign beside a letter is a letter, unless an amount follows.
 bool IsDollarForS(const icu::UnicodeString& name, int at)
 {
     if (name.char32At(at) != u'$') return false;
@@ -48,7 +48,7 @@ bool IsDollarForS(const icu::UnicodeString& name, int at)
     return u_isalpha(next) || (letterBefore && !u_isdigit(next));
 }
 
-// Marks that transliteration makes, such as that of a soft sign, are not typed.
+// Marks that transliteration produces, such as for a soft sign, are not typed.
 std::string Letters(const icu::UnicodeString& latin)
 {
     std::string typed;
@@ -116,8 +116,8 @@ void Rules::Apply(icu::UnicodeString& text)
     if (m_rules != nullptr && m_letters.containsSome(text)) m_rules->transliterate(text);
 }
 
-// Each script leaves Latin letters to those after it. The ways of writing are those that people type, where ICU's own
-// choice is one that can be turned back.
+// Each script leaves Latin letters to later ones. The transcriptions are those that people type; ICU's defaults are
+// designed to be reversible.
 Reader::Reader()
     : m_han(SetOf(u"[:Han:]")),
       m_simplification(u"::Hant-Hans;"),
@@ -159,7 +159,7 @@ void Reader::ReadHan(icu::UnicodeString& text, Subject subject)
     text = read;
 }
 
-// Remembered, because ICU takes long for a character and lists repeat them.
+// Cached, because ICU is slow per character and lists repeat characters.
 const icu::UnicodeString& Reader::Syllable(UChar32 character)
 {
     const auto [entry, fresh] = m_syllables.try_emplace(character, character);

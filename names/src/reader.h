@@ -1,5 +1,5 @@
 /// @file
-/// How names are read.
+/// Computes readings of names.
 #pragma once
 
 #include <ipodnames/reading.h>
@@ -15,7 +15,8 @@
 
 namespace ipodnames
 {
-/// Stands for the ü of a Chinese syllable, which people type as v or as u. Nothing else in a reading is a capital.
+/// Represents the ü of a Chinese syllable, which people type as v or as u. No other character of a reading is upper
+/// case.
 inline constexpr char kUmlaut = 'V';
 
 std::string WithoutUmlauts(std::string reading);
@@ -24,11 +25,11 @@ std::string WithoutUmlauts(std::string reading);
 /// Apostrophes are dropped (dont), and a dollar sign beside a letter is an s.
 icu::UnicodeString Spelling(const std::string& name);
 
-/// Rules of a transliterator, prepared when they are needed first. Rules that the system's ICU lacks change nothing.
+/// Rules of a transliterator, prepared on first use. Rules that the system's ICU lacks have no effect.
 class Rules
 {
 public:
-    /// To texts with some of these letters; by default, with some that the rules change.
+    /// Applies to texts with any of these letters; by default, with any that the rules change.
     explicit Rules(icu::UnicodeString source, const char16_t* letters = nullptr);
 
     void Apply(icu::UnicodeString& text);
@@ -36,16 +37,16 @@ public:
 private:
     void Prepare();
 
-    icu::UnicodeString m_source;  // empty once it was parsed
+    icu::UnicodeString m_source;  // empty after parsing
     icu::UnicodeSet m_letters;
     std::unique_ptr<const icu::Transliterator> m_rules;
 };
 
-/// Any thread may use it.
+/// Thread-safe.
 class Reader
 {
 public:
-    /// The reader of this process: its rules take time to prepare, and it remembers what it has read.
+    /// The reader of this process, shared because its rules are slow to prepare and it caches results.
     static Reader& Shared();
 
     /// Returns the reading of a Spelling() as Reading() does, but with kUmlaut.

@@ -55,7 +55,7 @@ const char16_t* const kSurnamesLikeWords =
 
 const char16_t* const kHanCharacter = u"::Han-Latin; ::NFC; [üǖǘǚǜ] > \uFDD2; ::Latin-ASCII;";
 
-// A final consonant and the initial one after it change each other; sounds that compounds insert are not known.
+// A final consonant and the following initial assimilate; sounds that compounds insert are not covered.
 const char16_t* const kHangul =
     uR"(
     ::[:Hangul:] NFD;

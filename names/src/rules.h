@@ -1,26 +1,27 @@
 /// @file
-/// Rules for ICU's transliterators where its own read names otherwise than people do.
+/// Rules for ICU's transliterators where ICU reads names differently from people.
 #pragma once
 
 namespace ipodnames
 {
-/// The ü of a Chinese syllable until the reading is finished: people type it as v or as u.
+/// Represents the ü of a Chinese syllable until the reading is complete: people type it as v or as u.
 inline constexpr char16_t kUmlautMark = 0xFDD2;
 
-/// Around the syllables of the Chinese rules. A blank would look like the edge of a name to the rules that follow.
+/// Delimits the syllables of the Chinese rules. To later rules a blank would look like the edge of a name.
 inline constexpr char16_t kSyllableMark = u'·';
 
-/// @name Simplified Chinese characters that are read otherwise in a word, or as a surname, than by kHanCharacter
+/// @name Simplified Chinese characters whose reading in a word or a surname differs from kHanCharacter
 /// @{
 extern const char16_t* const kHanWords;
-extern const char16_t* const kWordsLikeNames;     ///< that begin with a surname
-extern const char16_t* const kShortNames;         ///< surnames begin two or three characters, because more are a title
-extern const char16_t* const kAllNames;           ///< surnames begin any number of them
-extern const char16_t* const kSurnames;           ///< after one of the two
-extern const char16_t* const kSurnamesLikeWords;  ///< that begin titles far more often; after kSurnames
+extern const char16_t* const kWordsLikeNames;  ///< words that start with a surname
+extern const char16_t* const kShortNames;  ///< surnames start two or three characters, because longer text is a title
+extern const char16_t* const kAllNames;    ///< surnames start any number of characters
+extern const char16_t* const kSurnames;    ///< applied after one of the two
+extern const char16_t* const
+    kSurnamesLikeWords;  ///< surnames that far more often start titles; applied after kSurnames
 /// @}
 
-extern const char16_t* const kHanCharacter;  ///< each by itself
-extern const char16_t* const kHangul;        ///< by sound: Revised Romanization
-extern const char16_t* const kKana;          ///< Hepburn's, with the syllables of foreign words
+extern const char16_t* const kHanCharacter;  ///< single characters
+extern const char16_t* const kHangul;        ///< by pronunciation: Revised Romanization
+extern const char16_t* const kKana;          ///< Hepburn, with the syllables of foreign words
 }  // namespace ipodnames

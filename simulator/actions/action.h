@@ -1,6 +1,7 @@
 /// @file
-/// The actions of the simulator: what a test, a user, or a scenario can make happen. The table (table.cpp) is the only
-/// vocabulary; scenarios, the control interface, `ipodctl sim`, the JSON schema and the documentation follow it.
+/// The actions of the simulator: the events that a test, a user, or a scenario can trigger. table.cpp defines each
+/// action once; scenarios, the control interface, `ipodctl sim`, the JSON schema, and the documentation are derived
+/// from it.
 #pragma once
 
 #include <cstdint>
@@ -14,15 +15,15 @@ namespace ipodsim
 {
 enum class FieldType
 {
-    Text,     ///< without NUL
-    Name,     ///< a text that is not empty
-    Word,     ///< one of a few; the effect receives its place in the list
-    Integer,  ///< between least and most
+    Text,     ///< text without NUL
+    Name,     ///< non-empty text
+    Word,     ///< one of Field::words; the effect receives its index
+    Integer,  ///< between Field::least and Field::most
     Seconds,  ///< between 0 and a week
     Switch,   ///< true or false
     Hex,      ///< bytes, as pairs of hexadecimal digits
     Fault,    ///< KIND[=PARAMETER][@MEMBER][/COUNT]
-    List,     ///< of objects with the fields in items
+    List,     ///< objects with the fields in Field::items
 };
 
 struct Field
@@ -42,26 +43,26 @@ enum class StepValue
 {
     Optional,
     Required,
-    OneOfTheLastTwo,  ///< and of the last two fields exactly one
+    OneOfTheLastTwo,  ///< required, with exactly one of the last two fields
 };
 
 struct Action
 {
     const char* name;
-    const char* summary;        ///< begins with an imperative verb
-    const char* follows;        ///< the signal of the service, or what else happens
-    const char* example;        ///< the arguments of ipodctl sim
-    std::vector<Field> fields;  ///< a value that is not an object is that of the first field
+    const char* summary;        ///< starts with an imperative verb
+    const char* follows;        ///< the signal that the service emits, or another effect
+    const char* example;        ///< arguments of `ipodctl sim`
+    std::vector<Field> fields;  ///< a value that is not an object sets the first field
     StepValue value;
-    /// @param value  validated: an object, words replaced by their numbers
-    /// @return       what the caller learns; null for nothing
-    /// @throws std::runtime_error  it is not possible now
+    /// @param value  the validated object, with words replaced by their indices
+    /// @return       the result for the caller; null if there is none
+    /// @throws std::runtime_error  the action is not possible now
     Json (*effect)(Service& service, const Json& value);
 };
 
 const std::vector<Action>& Actions();
 
-/// An action with the value that it is to be done with.
+/// An action and its value.
 struct Step
 {
     double seconds = 0;  ///< since the start of the scenario
@@ -69,7 +70,7 @@ struct Step
     Json value;
 };
 
-/// @throws InvalidInput  it is not an object, or has other members than these
+/// @throws InvalidInput  @p value is not an object or has an unknown member
 void RequireMembers(const Json& value, const std::vector<std::string>& known, const JsonPath& path);
 
 /// @param timed  whether the step must have a "time"

@@ -32,7 +32,7 @@ std::string TextIn(const Json& value, const char* name)
     return value.value(name, std::string());
 }
 
-// A member that is missing stays absent in the message.
+// Missing members stay absent from the message.
 template <class Message, class Number>
 void CopyNumber(const Json& value, const char* name, Message& message, void (Message::*set)(Number))
 {
@@ -64,7 +64,7 @@ ipod::iPodPhoneCall CallFrom(const Json& value)
     return call;
 }
 
-// @param seconds  from now, when it happens
+// @param seconds  delay from now
 void EnterState(ipod::iPodPhoneCall& call, ipod::PhoneCallStatus status, double seconds)
 {
     call.set_status(status);
@@ -168,7 +168,7 @@ Json Attach(Service& service, const Json& value)
 {
     const std::vector<std::string> names = service.devices.Names();
     Require(std::find(names.begin(), names.end(), value["name"]) == names.end(),
-            "a device of that name is attached already");
+            "a device of that name is already attached");
     service.devices.Attach(value["name"], BuiltinLibrary());
     service.signals.DeviceStatus(APPLE_DEVICE_DETECTED, false);
     return nullptr;
@@ -214,16 +214,16 @@ Json EapData(Service& service, const Json& value)
     const std::string text = TextIn(value, "text");
     const Bytes bytes = value.contains("hex") ? FromHex(value["hex"]) : Bytes(text.begin(), text.end());
     Require(service.eap.IsOpen(session), "the session is not open");
-    Require(service.signals.ReceiveEapData(session, bytes), "the bytes do not fit into shared memory");
+    Require(service.signals.ReceiveEapData(session, bytes), "the data does not fit into shared memory");
     return nullptr;
 }
 
-// A restart storm that names no method begins at once.
+// A restart storm without a method starts at once.
 Json ArmFault(Service& service, const Json& value)
 {
     const Fault fault = ParseFault(value["fault"]);
     const bool crash = fault.kind == FaultKind::Crash || fault.kind == FaultKind::CrashLocked;
-    Require(!crash || service.MayCrash(), "the service lives inside another program, which a crash would end");
+    Require(!crash || service.MayCrash(), "the simulator is embedded in another program, which a crash would end");
     if (fault.kind == FaultKind::RestartStorm && fault.member.empty())
         service.Restart(fault.Number(kRestarts));
     else

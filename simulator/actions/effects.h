@@ -1,5 +1,5 @@
 /// @file
-/// What the actions do. The value of each was validated by its row in the table.
+/// The effects of the actions. Each value has been validated against the action's row in the table.
 #pragma once
 
 #include "actions/json.h"

@@ -7,7 +7,7 @@ namespace ipodsim
 {
 namespace
 {
-// Long values cut: the message is one line.
+// Long values are truncated so that the message fits on one line.
 std::string Shown(const Json& value)
 {
     if (value.is_object()) return "an object";
@@ -26,8 +26,8 @@ std::string ForPeople(const std::string& message)
     return text;
 }
 
-// Builds the document and knows the path of the value that comes next: the library's own parser lets the last of
-// several members of one name win.
+// Builds the document and tracks the path of the next value, to report repeated members: the library's own parser
+// silently keeps the last one.
 class Builder : public nlohmann::json_sax<Json>
 {
 public:
@@ -47,14 +47,14 @@ public:
     {
         Level& level = m_levels.back();
         level.member = std::move(name);
-        if (level.container->contains(level.member)) Throw("expected one member of this name, got a second one");
+        if (level.container->contains(level.member)) Throw("expected this member once, got it twice");
         return true;
     }
 
     bool parse_error(std::size_t, const std::string& token, const nlohmann::detail::exception& error) override
     {
         constexpr int kNumberTooLarge = 406;
-        if (error.id == kNumberTooLarge) Throw("expected a number that can be stored, got " + token);
+        if (error.id == kNumberTooLarge) Throw("expected a number within range, got " + token);
         throw InvalidInput(ForPeople(error.what()));
     }
 
@@ -64,7 +64,7 @@ private:
     struct Level
     {
         Json* container;
-        std::string member;  // of an object: the last that began
+        std::string member;  // the object member begun last
     };
 
     Json* Put(Json value)
@@ -88,10 +88,10 @@ private:
     [[noreturn]] void Throw(const std::string& wrong) const
     {
         std::vector<JsonPath> path(1);
-        path.reserve(m_levels.size() + 1);  // each points to the one before
+        path.reserve(m_levels.size() + 1);  // each element points to its predecessor
         for (const Level& level : m_levels)
         {
-            // A container is in its array from its beginning on.
+            // A container is already in its array when it begins.
             const std::size_t begun = &level == &m_levels.back() ? 0 : 1;
             path.push_back(level.container->is_array() ? path.back().Element(level.container->size() - begun)
                                                        : path.back().Member(level.member));

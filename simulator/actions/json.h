@@ -1,5 +1,5 @@
 /// @file
-/// JSON texts, and the errors of values that are not what was expected.
+/// JSON parsing, and the errors that report unexpected values.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +13,14 @@ namespace ipodsim
 {
 using Json = nlohmann::json;
 
-/// The largest text that is parsed, in bytes, whether it comes from a file or over the bus.
+/// The largest text that is parsed, in bytes, from a file or from the bus.
 constexpr std::size_t kMostJson = std::size_t{8} << 20U;
 
-/// The place of a value in its document. It points to that of its parent, which outlives it.
+/// The path of a value in its document. The parent's path must outlive it.
 struct JsonPath
 {
-    const JsonPath* parent = nullptr;  ///< null: the document itself
-    std::string_view member;           ///< of an object; empty: an element of an array
+    const JsonPath* parent = nullptr;  ///< null for the document itself
+    std::string_view member;           ///< name within an object; empty for an array element
     std::size_t index = 0;
 
     JsonPath Member(std::string_view name) const { return {this, name, 0}; }
@@ -29,7 +29,7 @@ struct JsonPath
     std::string Text() const;
 };
 
-/// A text or a value is not what was expected: "steps[3].value: expected ..., got ...".
+/// A text or a value is invalid: "steps[3].value: expected ..., got ...".
 class InvalidInput : public std::runtime_error
 {
 public:
@@ -37,12 +37,11 @@ public:
     InvalidInput(const JsonPath& path, const std::string& wrong);
 };
 
-/// Throws InvalidInput: what was expected, and the value.
+/// Throws InvalidInput with the expectation and the value.
 [[noreturn]] void Reject(const JsonPath& path, const std::string& expected, const Json& value);
 
-/// Parses a text, in time that grows with its length.
-/// @throws InvalidInput  it is larger than kMostJson or not JSON ("line 3, column 14: ..."), a member occurs twice in
-/// an
-///                       object, or a number cannot be stored
+/// Parses a text in linear time.
+/// @throws InvalidInput  the text exceeds kMostJson or is not JSON ("line 3, column 14: ..."), an object repeats a
+///                       member, or a number is out of range
 Json ParseJson(const std::string& text);
 }  // namespace ipodsim

@@ -14,7 +14,7 @@ namespace
 std::string OptionalText(const Json& document, const char* name)
 {
     if (!document.contains(name)) return {};
-    if (!document[name].is_string()) Reject(JsonPath().Member(name), "a text", document[name]);
+    if (!document[name].is_string()) Reject(JsonPath().Member(name), "a string", document[name]);
     return document[name];
 }
 
@@ -37,7 +37,7 @@ Scenario ToScenario(const Json& document)
     return scenario;
 }
 
-// A scenario on its way. Only its next step waits in the agenda, whose length is felt by everything else.
+// A running scenario. Only its next step is in the agenda: a long agenda slows everything else down.
 class Course : public std::enable_shared_from_this<Course>
 {
 public:

@@ -1,5 +1,5 @@
 /// @file
-/// Scenarios: actions, each at its time.
+/// Scenarios: timed sequences of actions.
 #pragma once
 
 #include <string>
@@ -11,24 +11,24 @@ namespace ipodsim
 {
 struct ScenarioStep : Step
 {
-    std::size_t index = 0;  ///< within the steps of the text
+    std::size_t index = 0;  ///< position among the steps of the text
 };
 
 struct Scenario
 {
     std::string title;
-    std::vector<ScenarioStep> steps;  ///< in the order of time
+    std::vector<ScenarioStep> steps;  ///< sorted by time
 };
 
 /// @throws InvalidInput
 Scenario ParseScenario(const std::string& json);
 
-/// Does the steps, each at its time on the clock of the track. One that fails is a warning.
+/// Runs each step at its time on the track's clock. A step that fails logs a warning.
 void StartScenario(Service& service, Scenario scenario);
 
-/// Does a step at once, or starts a scenario: the object has an "event", or "steps".
-/// @return  what the action returns; an empty object for most
-/// @throws InvalidInput        it is neither, or has a value that is not valid
+/// Runs a step at once (an object with "event") or starts a scenario (an object with "steps").
+/// @return  the action's result; an empty object for most actions
+/// @throws InvalidInput        @p json is neither a step nor a scenario, or a value is invalid
 /// @throws std::runtime_error  the action is not possible now
 Json Do(Service& service, const std::string& json);
 }  // namespace ipodsim

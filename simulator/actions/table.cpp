@@ -1,4 +1,4 @@
-// The actions: names, fields, and effects.
+// The table of actions: names, fields, and effects.
 #include <limits>
 #include <utility>
 
@@ -10,7 +10,7 @@ namespace ipodsim
 namespace
 {
 constexpr std::uint64_t kMostNumber = std::numeric_limits<std::uint32_t>::max();
-constexpr std::uint64_t kMostTime = std::uint64_t{1} << 53U;  // what JSON holds exactly everywhere
+constexpr std::uint64_t kMostTime = std::uint64_t{1} << 53U;  // the integers that every JSON parser represents exactly
 constexpr std::uint64_t kMostSession = 65535;
 
 Field Text(const char* name, const char* meaning)
@@ -36,7 +36,7 @@ Field Required(Field field)
 
 Field Session()
 {
-    return Number("session", 1, kMostSession, "Number of the session; the one that was opened last unless given");
+    return Number("session", 1, kMostSession, "Session number; the session opened last by default");
 }
 
 std::vector<const char*> CallStates()
@@ -47,9 +47,9 @@ std::vector<const char*> CallStates()
 Field Sequence()
 {
     Field sequence{"sequence", FieldType::List,
-                   "States in turn; an identifier, the start, and the reason of the end are filled in"};
+                   "Successive states; the identifier, the start, and the disconnect reason are filled in"};
     sequence.items = {Required(Word("status", CallStates(), "State of the call")),
-                      {"seconds", FieldType::Seconds, "Until the next state"}};
+                      {"seconds", FieldType::Seconds, "Time until the next state"}};
     return sequence;
 }
 
@@ -59,11 +59,11 @@ std::vector<Field> CallFields()
             Text("remote-id", "Number or address of the other party"),
             Text("display-name", "Name of the other party"),
             Text("call-uuid", "Identifier of the call"),
-            Text("address-book-id", "Entry of the address book"),
-            Text("label", "Kind of number, such as home or mobile"),
+            Text("address-book-id", "Address book entry"),
+            Text("label", "Type of number, such as home or mobile"),
             Word("direction", {"unknown", "incoming", "outgoing"}, "Direction of the call"),
-            Word("service", {"unknown", "telephony", "video", "audio"}, "Kind of call"),
-            {"is-conferenced", FieldType::Switch, "Whether it is part of a conference"},
+            Word("service", {"unknown", "telephony", "video", "audio"}, "Type of call"),
+            {"is-conferenced", FieldType::Switch, "Whether the call is part of a conference"},
             Number("conference-group", 0, kMostNumber, "Conference group"),
             Word("disconnect-reason", {"ended", "declined", "failed"}, "Why the call ended"),
             Number("start-timestamp", 0, kMostTime, "Start, in seconds since 1970-01-01 UTC"),
@@ -72,7 +72,7 @@ std::vector<Field> CallFields()
 
 Field Detection()
 {
-    return Required(Word("status", {"detected", "not-detected", "unsupported"}, "Status of the detection"));
+    return Required(Word("status", {"detected", "not-detected", "unsupported"}, "Detection status"));
 }
 
 Field NameOfDevice()
@@ -88,7 +88,7 @@ std::vector<Action> PhoneActions()
          "call sequence=ringing:3,active:10,disconnected display-name=\"Li Lei\"", CallFields(), StepValue::Required,
          effects::PhoneCall},
         {"battery",
-         "Report the state of the battery",
+         "Report the battery state",
          "OnIpodBatteryChange",
          "battery level=80 charging-status=charging",
          {Number("level", 0, kMostNumber, "Percent; values above 100 are passed on"),
@@ -219,7 +219,7 @@ std::vector<Action> FaultActions()
     return {
         {"fault",
          "Inject a fault",
-         "an answer or a signal goes wrong",
+         "a reply or a signal is falsified",
          "fault delay=500@GetPlayStatus/3",
          {{"fault", FieldType::Fault, "The fault, as KIND[=PARAMETER][@MEMBER][/COUNT]", true}},
          StepValue::Required,

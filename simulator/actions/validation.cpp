@@ -1,4 +1,4 @@
-// Validates steps by the table, and describes the table as a JSON schema.
+// Validates steps against the table of actions, and converts the table to a JSON schema.
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
@@ -109,8 +109,8 @@ Json Checked(const Field& field, const Json& value, const JsonPath& path)
     {
         case FieldType::Text:
         case FieldType::Name:
-            CheckText(value, "a text", path);
-            if (field.type == FieldType::Name && value == "") Reject(path, "a name that is not empty", value);
+            CheckText(value, "a string", path);
+            if (field.type == FieldType::Name && value == "") Reject(path, "a non-empty name", value);
             return value;
         case FieldType::Word:
             return PlaceOf({field.words.begin(), field.words.end()}, value, path);
@@ -213,7 +213,7 @@ Schema SchemaOf(const Field& field)
     return schema;
 }
 
-// Of the value: an object, or the value of its first field.
+// The schema of the value: an object, or the value of its first field.
 Schema SchemaOf(const Action& action)
 {
     Schema object = SchemaOf(action.fields);

@@ -15,7 +15,7 @@ VariantPtr Child(GVariant* value, gsize index)
     return VariantPtr(g_variant_get_child_value(value, index));
 }
 
-// One by one: the bus has no empty tuple.
+// Field by field: D-Bus has no empty tuple.
 GVariant* ToValues(GVariant* value)
 {
     GVariantBuilder builder;

@@ -11,6 +11,6 @@ namespace ipodsim
 constexpr char kControlName[] = "com.zarn.linux.ipod.Simulator";
 constexpr char kControlPath[] = "/com/zarn/linux/ipod/simulator";
 
-/// Answers every method of @p skeleton from now on.
+/// Handles every method of @p skeleton from now on.
 void AnswerControl(ComZarnLinuxIpodSimulator* skeleton, Service& service);
 }  // namespace ipodsim

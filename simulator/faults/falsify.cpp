@@ -31,7 +31,7 @@ GVariant* Resized(GVariant* boxed, std::size_t size)
     return Pack(bytes.data(), bytes.size());
 }
 
-// A field of two bytes' length that ends after one of them.
+// A length-delimited field that declares two bytes but holds one.
 GVariant* NoMessage()
 {
     constexpr unsigned char kCutOff[] = {0x0A, 0x7F, 'x'};
@@ -43,7 +43,7 @@ GVariant* FalsifyRecord(GVariant* boxed, const Fault& fault)
     switch (fault.kind)
     {
         case FaultKind::WrongType:
-            return g_variant_new_variant(g_variant_new_string("no record"));
+            return g_variant_new_variant(g_variant_new_string("not a record"));
         case FaultKind::ShortRecord:
             return Resized(boxed, std::min<std::size_t>(BytesIn(boxed).size(), fault.Number(kRecordCutAt)));
         case FaultKind::LongRecord:
@@ -101,7 +101,7 @@ void Halve(Vector& vector)
 
 GVariant* Falsify(GVariant* body, const Fault& fault)
 {
-    if (fault.kind == FaultKind::WrongType && !HasRecord(body)) return g_variant_new("(s)", "no such type");
+    if (fault.kind == FaultKind::WrongType && !HasRecord(body)) return g_variant_new("(s)", "wrong type");
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
     for (gsize i = 0; i < g_variant_n_children(body); ++i)
@@ -125,7 +125,7 @@ void FalsifyVector(Segments& segments, const std::string& method, FaultKind kind
 
 namespace
 {
-// Nothing is cleaned up, as with a process that the kernel ends.
+// Nothing is cleaned up, as when the kernel kills a process.
 void Die()
 {
     std::raise(SIGKILL);
@@ -159,7 +159,7 @@ GDBusMessage* Falsified(GDBusMessage* message, const Fault& fault)
     return copy;
 }
 
-// On GDBus' own thread. Takes the message over, and drops it by returning none.
+// Runs on GDBus's worker thread. Takes ownership of the message; returning null drops it.
 GDBusMessage* OnMessage(GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer faults)
 {
     if (incoming != FALSE || !IsSignalOfService(message)) return message;
@@ -173,8 +173,8 @@ GDBusMessage* OnMessage(GDBusConnection*, GDBusMessage* message, gboolean incomi
 
 void FalsifySignals(GDBusConnection* connection, const std::shared_ptr<Faults>& faults)
 {
-    // They stay as long as the connection, which GDBus' thread holds while it filters. A function that gives up the
-    // filter's data would be left to the main context, which may be gone by then.
+    // The data lives as long as the connection, which GDBus's worker thread references while it filters. A destroy
+    // notification for the filter would run in the main context, which may no longer exist by then.
     auto* const kept = new Kept(faults);
     g_object_set_data_full(G_OBJECT(connection), "ipodsim-faults", kept,
                            [](gpointer data) { delete static_cast<Kept*>(data); });

@@ -1,5 +1,5 @@
 /// @file
-/// Contents as a faulty service would send them, and its end.
+/// Fault injection: corrupted contents and crashes.
 #pragma once
 
 #include <gio/gio.h>
@@ -12,15 +12,16 @@
 
 namespace ipodsim
 {
-/// The falsified form of what a reply or a signal carries; floating. A kind that changes nothing of it gives the same.
+/// Returns the falsified body of a reply or signal; floating. Fault kinds that do not affect bodies return it
+/// unchanged.
 GVariant* Falsify(GVariant* body, const Fault& fault);
 
-/// Falsifies what a method has put into its vector, if the kind is one of those.
+/// Falsifies the contents of a method's vector if the fault kind affects vectors.
 void FalsifyVector(Segments& segments, const std::string& method, FaultKind kind);
 
-/// Lets every signal of the service that leaves through @p connection meet the faults that are armed.
+/// Applies the armed faults to every signal that the service sends through @p connection.
 void FalsifySignals(GDBusConnection* connection, const std::shared_ptr<Faults>& faults);
 
-/// Kills the process at once; for CrashLocked with the locks of the segments held.
+/// Kills the process at once; for CrashLocked, while holding the segment locks.
 void CrashNow(Segments& segments, const Fault& fault);
 }  // namespace ipodsim

@@ -36,7 +36,7 @@ std::string Signature(GDBusArgInfo* const* arguments)
     return signature;
 }
 
-// Of what the service sends.
+// The signature of what the service sends.
 std::string SentSignature(const std::string& name)
 {
     if (const auto* method = g_dbus_interface_info_lookup_method(Interface(), name.c_str()))

@@ -1,5 +1,5 @@
 /// @file
-/// Which faults fit which members of the interface.
+/// Which fault kinds apply to which members of the interface.
 #pragma once
 
 #include <string>
@@ -12,12 +12,13 @@ namespace ipodsim
 /// The methods and signals of the interface com.zarn.linux.ipod.
 std::vector<std::string> Members();
 
-/// @throws std::runtime_error  the interface has no such method; the message names one that is similar
+/// @throws std::runtime_error  the interface has no such method; the message suggests the nearest name
 void RequireMethod(const std::string& name);
 
-/// Whether a fault can be seen on a member. Without a name, a fault that is no falsified content concerns methods only.
+/// Whether a fault kind has an effect on a member. Faults that do not falsify contents apply to signals only if @p
+/// byName.
 bool Fits(FaultKind kind, const std::string& member, bool byName);
 
-/// The members that a kind fits, in one line for people.
+/// The members that a kind fits, as one readable line.
 std::string FittingMembers(FaultKind kind);
 }  // namespace ipodsim

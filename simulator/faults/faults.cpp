@@ -27,10 +27,10 @@ struct KindRow
     const char* name;
     FaultKind kind;
     Parameter parameter;
-    std::uint32_t most = std::numeric_limits<std::uint32_t>::max();  // of a number
+    std::uint32_t most = std::numeric_limits<std::uint32_t>::max();  // largest number
 };
 
-// D-Bus carries 64 MiB, of which a log of calls has to hold several.
+// D-Bus messages carry at most 64 MiB, and the call log must fit several bodies.
 constexpr std::uint32_t kLongestRecord = 1U << 20U;
 
 constexpr KindRow kKinds[] = {
@@ -56,7 +56,7 @@ const KindRow& RowOf(const std::string& name)
     if (found != std::end(kKinds)) return *found;
     std::string names;
     for (const std::string& kind : FaultKinds()) names += (names.empty() ? "" : ", ") + kind;
-    throw std::runtime_error("expected one of " + names + ", not \"" + name + "\"" + NearestHint(name, FaultKinds()));
+    throw std::runtime_error("expected one of " + names + ", got '" + name + "'" + NearestHint(name, FaultKinds()));
 }
 
 std::optional<std::uint32_t> ToNumber(const std::string& text,
@@ -88,7 +88,7 @@ void CheckParameter(const KindRow& row, const std::string& parameter)
     if (row.parameter == Parameter::Number && ToNumber(parameter, row.most) == std::nullopt)
         Refuse(row, "an integer between 0 and " + std::to_string(row.most) + ", got '" + parameter + "'");
     if (row.parameter == Parameter::ErrorName && !IsErrorName(parameter))
-        Refuse(row, "the name of an error, such as com.example.Error.Busy");
+        Refuse(row, "an error name such as com.example.Error.Busy");
     if (row.parameter == Parameter::Segment && parameter != "lists" && parameter != "buffers")
         Refuse(row, "lists or buffers");
 }
@@ -102,7 +102,7 @@ void CheckMember(const KindRow& row, const std::string& member)
     if (!Fits(row.kind, member, true)) Refuse(row, "one of " + FittingMembers(row.kind) + ", not " + member);
 }
 
-// What follows the last of a separator, taken off the text; empty when there is none.
+// Removes and returns the part after the last separator; empty if there is none.
 std::string TakeTail(std::string& text, char separator)
 {
     const std::size_t at = text.rfind(separator);
@@ -147,7 +147,7 @@ Fault ParseFault(const std::string& text)
     const std::string member = TakeTail(kind, '@');
     const std::string parameter = TakeTail(kind, '=');
     const auto number = counted ? ToNumber(count) : 0;
-    if (!number) throw std::runtime_error("expected KIND[=PARAMETER][@MEMBER][/COUNT], not \"" + text + "\"");
+    if (!number) throw std::runtime_error("expected KIND[=PARAMETER][@MEMBER][/COUNT], got '" + text + "'");
     return MakeFault(member, kind, parameter, *number);
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// What shall go wrong, and when.
+/// Faults to inject, and when they apply.
 #pragma once
 
 #include <cstdint>
@@ -12,32 +12,32 @@ namespace ipodsim
 {
 enum class FaultKind
 {
-    Delay,         ///< the answer comes late; parameter: milliseconds
-    NoReply,       ///< the answer, or the signal, never comes
-    Error,         ///< an error is answered; parameter: its name
-    WrongType,     ///< another type than the interface says
-    ShortRecord,   ///< a record with fewer bytes than it should have; parameter: how many
-    LongRecord,    ///< or with more
-    HalfFilled,    ///< a vector with the first half of what belongs into it
-    Unterminated,  ///< names without a terminator
-    BadMessage,    ///< a message that cannot be parsed
-    OutOfRange,    ///< numbers that mean nothing; parameter: the number
-    Crash,         ///< the service dies before it answers
-    CrashLocked,   ///< and holds the locks of the segments; parameter: lists or buffers, for only one of them
-    RestartStorm,  ///< the service goes and comes back; parameter: how often
+    Delay,         ///< delays the reply; parameter: milliseconds
+    NoReply,       ///< drops the reply or the signal
+    Error,         ///< replies with an error; parameter: its name
+    WrongType,     ///< sends a type other than the interface's
+    ShortRecord,   ///< truncates a record; parameter: its length in bytes
+    LongRecord,    ///< extends a record; parameter: its length in bytes
+    HalfFilled,    ///< fills a vector only halfway
+    Unterminated,  ///< sends names without a terminator
+    BadMessage,    ///< sends a protobuf message that cannot be parsed
+    OutOfRange,    ///< sends undefined enumeration values; parameter: the number
+    Crash,         ///< crashes before replying
+    CrashLocked,   ///< crashes holding the segment locks; parameter: `lists` or `buffers` for only one
+    RestartStorm,  ///< leaves the bus and returns; parameter: how often
 };
 
-/// How often a restart storm goes round that does not say.
+/// Number of restarts in a storm without a parameter.
 constexpr std::uint32_t kRestarts = 5;
 
 struct Fault
 {
-    std::string member;  ///< method or signal; empty: each that the kind fits
+    std::string member;  ///< method or signal; empty for all that the kind fits
     FaultKind kind = FaultKind::Delay;
     std::string parameter;
-    unsigned count = 0;  ///< how often; 0: until it is cleared
+    unsigned count = 0;  ///< how often it applies; 0 until cleared
 
-    /// The parameter as a number, or another one when it is empty.
+    /// The parameter as a number; @p whenEmpty if there is none.
     std::uint32_t Number(std::uint32_t whenEmpty) const;
 };
 
@@ -47,21 +47,21 @@ const char* NameOf(FaultKind kind);
 /// The names of all kinds.
 std::vector<std::string> FaultKinds();
 
-/// @throws std::runtime_error  there is no such kind or member, the kind does not fit the member, or the parameter is
-///         not possible; the message says what was expected
+/// @throws std::runtime_error  the kind or member does not exist, the kind does not fit the member, or the parameter is
+///                             invalid; the message gives the expectation
 Fault MakeFault(const std::string& member, const std::string& kind, const std::string& parameter, unsigned count);
 
-/// From the form of the command line: KIND[=PARAMETER][@MEMBER][/COUNT], for example "delay=500@GetPlayStatus/3".
+/// Parses the command-line form KIND[=PARAMETER][@MEMBER][/COUNT], for example "delay=500@GetPlayStatus/3".
 /// @throws std::runtime_error  as MakeFault()
 Fault ParseFault(const std::string& text);
 
-/// The faults that are armed. Any thread may call it.
+/// The armed faults. Thread-safe.
 class Faults
 {
 public:
     void Add(Fault fault);
     void Clear();
-    /// The first that fits the member, counted as used; empty when none does.
+    /// Returns the first fault that fits the member and counts one use; empty if there is none.
     std::optional<Fault> Take(const std::string& member);
 
 private:

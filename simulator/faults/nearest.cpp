@@ -10,7 +10,7 @@ namespace ipodsim
 {
 namespace
 {
-// How many characters must be added, removed, or replaced to make one text of the other.
+// Edit distance: characters added, removed, or replaced.
 std::size_t Distance(const std::string& from, const std::string& to)
 {
     std::vector<std::size_t> row(to.size() + 1);
@@ -31,7 +31,7 @@ std::size_t Distance(const std::string& from, const std::string& to)
 
 std::string Nearest(const std::string& name, const std::vector<std::string>& names)
 {
-    constexpr std::size_t kLongest = 64;  // of any name; the comparison of longer ones takes time
+    constexpr std::size_t kLongest = 64;  // of any name; bounds the cost of comparing
     if (name.size() > kLongest) return {};
     std::string nearest;
     std::size_t least = std::max<std::size_t>(2, name.size() / 3) + 1;
@@ -47,13 +47,11 @@ std::string Nearest(const std::string& name, const std::vector<std::string>& nam
 std::string NearestHint(const std::string& name, const std::vector<std::string>& names)
 {
     const std::string nearest = Nearest(name, names);
-    return nearest.empty() ? "" : " (nearest: " + nearest + ")";
+    return nearest.empty() ? "" : " (did you mean '" + nearest + "'?)";
 }
 
 std::string UnknownName(const char* what, const std::string& name, const std::vector<std::string>& names)
 {
-    const std::string nearest = Nearest(name, names);
-    return std::string("no ") + what + " of the interface is named '" + name + "'" +
-           (nearest.empty() ? "" : ", the nearest is '" + nearest + "'");
+    return std::string("the interface has no ") + what + " '" + name + "'" + NearestHint(name, names);
 }
 }  // namespace ipodsim

@@ -1,5 +1,5 @@
 /// @file
-/// Suggestions for names that are not known.
+/// Suggestions for unknown names.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace ipodsim
 {
-/// Returns the name that differs in the fewest characters, whatever their case; empty when all differ in more than two
-/// characters and a third of @p name.
+/// Returns the name with the smallest case-insensitive edit distance; empty if every distance exceeds both two
+/// characters and a third of the length of @p name.
 std::string Nearest(const std::string& name, const std::vector<std::string>& names);
 
-/// For a list of expected names: " (nearest: NAME)", or nothing.
+/// Returns " (did you mean 'NAME'?)" to append to a list of expected names; empty if no name is close.
 std::string NearestHint(const std::string& name, const std::vector<std::string>& names);
 
-/// "no WHAT of the interface is named 'name'", with the nearest of @p names.
+/// Returns "the interface has no WHAT 'name'", with the nearest of @p names as a suggestion.
 std::string UnknownName(const char* what, const std::string& name, const std::vector<std::string>& names);
 }  // namespace ipodsim

@@ -1,6 +1,6 @@
 /// @file
-/// Answers by hand. Simulator::On() takes single methods over while the simulator plays along; a ScriptedService does
-/// nothing but what the test prescribes:
+/// Scripted replies. Simulator::On() overrides single methods of the simulator; a ScriptedService does only what the
+/// test scripts:
 ///
 ///     ipodsim::ScriptedService service;
 ///     service.Answer("GetPlayStatus", "(1,)");
@@ -9,7 +9,7 @@
 ///     service.Calls();  // {"GetPlayStatus()", "Play(0x03,)"}
 ///     service.Emit("OnPlayStatusChanged", "(2,)");
 ///
-/// Bodies are GVariant text, in the types of the bus contract unless stated otherwise.
+/// Bodies are in GVariant text format, with the types of the bus contract unless stated otherwise.
 #pragma once
 
 #include <gio/gio.h>
@@ -30,42 +30,41 @@ struct Reply
 {
     /// A body such as "(true,)".
     static Reply With(std::string body);
-    /// A body of any type, also one that the contract does not allow, such as "('text', 1)".
+    /// A body of any type, even one that violates the contract, such as "('text', 1)".
     static Reply Malformed(std::string body);
     static Reply Error(std::string name, std::string message);
-    /// No reply at all: the caller times out.
+    /// No reply: the caller times out.
     static Reply Never();
 
-    /// The same, sent so much later. Other calls are answered meanwhile.
+    /// The same reply, delayed. Other calls are answered meanwhile.
     Reply After(unsigned milliseconds) const;
 
-    std::string body;   ///< or the message of the error
-    std::string error;  ///< name of an error; empty for a body
+    std::string body;   ///< or the error's message
+    std::string error;  ///< error name; empty for a body
     bool malformed = false;
     bool never = false;
     unsigned delayMs = 0;
 };
 
-/// Answers a call. It is called on the service's thread; the arguments are a tuple that stays the caller's. What it
-/// throws becomes an error.
+/// Answers a call, on the service's thread. The arguments are a borrowed tuple. An exception becomes an error reply.
 using Handler = std::function<Reply(GVariant* arguments)>;
 
-/// A service on a thread and a bus connection of its own, without music, state, and shared memory. A method that it was
-/// not told how to answer fails. All members may be called from any thread.
+/// A service with its own thread and bus connection, but without music, state, or shared memory. Methods without a
+/// scripted reply fail. All members may be called from any thread.
 class ScriptedService
 {
 public:
-    /// What to do with a call. Runs on the service's thread and takes ownership of the invocation.
+    /// Handles a call on the service's thread and takes ownership of the invocation.
     using Reaction = std::function<void(GDBusMethodInvocation*)>;
 
     enum class Takeover
     {
         No,
-        Yes,  ///< takes the name away from the service that owns it, which stays connected
+        Yes,  ///< acquires the name from its current owner, which stays connected
     };
 
-    /// Connects to the session bus of the environment, exports the object and owns the name. The process ends if that
-    /// fails.
+    /// Connects to the session bus of the environment, exports the object, and acquires the name. The process ends if
+    /// that fails.
     explicit ScriptedService(Takeover takeover = Takeover::No);
     ~ScriptedService();
     ScriptedService(const ScriptedService&) = delete;
@@ -79,13 +78,13 @@ public:
     /// Answers with the error com.example.Broken.
     void Fail(const std::string& method, const std::string& message);
 
-    /// Answers with a body whose type the contract does not allow, such as "('text', 1)".
+    /// Answers with a body whose type violates the contract, such as "('text', 1)".
     void AnswerInvalid(const std::string& method, const std::string& body);
 
     /// Leaves calls unanswered until AnswerHeld().
     void Hold(const std::string& method);
 
-    /// Answers the calls that were held back.
+    /// Answers all held calls.
     void AnswerHeld(const std::string& body);
 
     /// For what On() cannot express, such as work after the reply.
@@ -94,28 +93,28 @@ public:
     /// Sends the reply to one call; for reactions.
     static void Respond(GDBusMethodInvocation* invocation, const Reply& reply);
 
-    /// "Seek(12,)" for each call so far: the method and its arguments as GVariant text.
+    /// Returns all calls so far, for example "Seek(12,)": the method and its arguments in GVariant text format.
     std::vector<std::string> Calls() const;
 
-    /// Records calls no longer: for services that serve for hours.
+    /// Stops recording calls, for services that run for hours.
     void KeepNoCalls();
 
-    /// The arguments of the last call; release with g_variant_unref().
+    /// Returns the arguments of the last call; release with g_variant_unref().
     GVariant* LastArguments() const;
 
-    /// False when no call came within 20 seconds.
+    /// Waits until @p count calls have arrived; returns false after 20 seconds.
     bool WaitForCalls(std::size_t count) const;
 
     /// Sends a signal with a body such as "(1,)".
     void Emit(const std::string& signal, const std::string& body);
 
-    /// Sends a signal with any body, also one that the contract does not allow. Takes a floating reference.
+    /// Sends a signal with any body, even one that violates the contract. Consumes a floating reference.
     void EmitBody(const std::string& signal, GVariant* body);
 
-    /// Returns when everything that was sent has left the process.
+    /// Blocks until everything sent has left the process.
     void Flush();
 
-    /// Gives the name up, but stays connected.
+    /// Releases the name but stays connected.
     void ReleaseName();
 
     /// Leaves the bus, as if its process had died. Held calls never get an answer.
@@ -135,7 +134,7 @@ private:
     const guint m_nameFlags;
     GMainContext* m_context;
     std::atomic<bool> m_keepingCalls{true};
-    std::atomic<bool> m_vanishing{false};  // a loop would forget that it was told to quit before it ran
+    std::atomic<bool> m_vanishing{false};  // g_main_loop_quit() has no effect before the loop runs
     GDBusConnection* m_connection = nullptr;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;

@@ -22,7 +22,8 @@ struct Album
     std::vector<Song> songs;
 };
 
-// Performers and titles are invented. Surnames are chosen for their pinyin, which differs from the common reading.
+// Performers and titles are fictitious. The surnames have a pinyin that differs from the common reading of the
+// character.
 const std::vector<Album>& Albums()
 {
     static const std::vector<Album> albums = {

@@ -27,7 +27,7 @@ Colour Mix(const Colour& a, const Colour& b, double share)
     return {a.red + (b.red - a.red) * share, a.green + (b.green - a.green) * share, a.blue + (b.blue - a.blue) * share};
 }
 
-// Hue in turns; saturation and lightness from 0 to 1.
+// Hue in turns; saturation and lightness between 0 and 1.
 Colour FromHue(double hue, double saturation, double lightness)
 {
     const double chroma = saturation * std::min(lightness, 1 - lightness);
@@ -42,7 +42,7 @@ Colour FromHue(double hue, double saturation, double lightness)
 class Canvas
 {
 public:
-    /// Paints each pixel with what @p colourAt gives for its position and the colour that is there.
+    /// Sets each pixel to what @p colourAt returns for its position and present color.
     template <class ColourAt>
     void Paint(ColourAt colourAt)
     {
@@ -57,12 +57,12 @@ public:
             const double edge = radius - std::hypot(x - centreX, y - centreY);
             return Mix(under, colour, opacity * std::clamp(edge, 0.0, 1.0));
         };
-        // Only the square around it: there are many small ones.
+        // Only the bounding square, because there are many small shapes.
         for (int y = Within(centreY - radius); y < Within(centreY + radius + 1); ++y)
             for (int x = Within(centreX - radius); x < Within(centreX + radius + 1); ++x) PaintPixel(x, y, colourAt);
     }
 
-    /// Everything below a wave.
+    /// Fills the area below a wave.
     void Hill(double height, double swing, double waves, double phase, const Colour& colour, double opacity)
     {
         for (int x = 0; x < kSide; ++x)
@@ -122,7 +122,7 @@ struct Palette
     Colour dark;
 };
 
-// Steps of the golden ratio keep neighbouring numbers apart in hue.
+// Steps of the golden ratio keep the hues of adjacent numbers apart.
 Palette PaletteOf(unsigned number)
 {
     const double hue = std::fmod(0.55 + number * 0.61803398875, 1);

@@ -1,12 +1,11 @@
 /// @file
-/// Covers drawn on the spot, for albums that have none to show.
+/// Generated covers, for albums without artwork.
 #pragma once
 
 #include "music/track.h"
 
 namespace ipodsim
 {
-/// A square PNG of 300 pixels: a gradient with simple shapes. Each number gives its own colours and shapes, the same
-/// ones every time.
+/// Draws a PNG of 300 x 300 pixels: a gradient with simple shapes. @p number determines the colors and shapes.
 Picture DrawCover(unsigned number);
 }  // namespace ipodsim

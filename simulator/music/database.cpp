@@ -49,7 +49,7 @@ std::string ReadingOf(const Track& track, Grouping grouping)
                   grouping == Grouping::Artist ? ipodnames::Subject::Person : ipodnames::Subject::Title);
 }
 
-// Chinese names stand among the Latin ones by their pinyin, as people look for them.
+// Chinese names are sorted by their pinyin among Latin names, where users look for them.
 void SortByReading(std::vector<Entry>& entries)
 {
     std::stable_sort(entries.begin(), entries.end(),
@@ -89,7 +89,7 @@ std::vector<Entry> PlaylistsOf(const Library& library)
     return entries;
 }
 
-// An album keeps the order of its track numbers, also when several artists share it.
+// An album keeps the order of its track numbers even if several artists share it.
 TrackList ByNumber(TrackList tracks)
 {
     std::stable_sort(tracks.begin(), tracks.end(),
@@ -127,7 +127,7 @@ Level Database::MakeLevel(const Entry& parent) const
         level.entries = Group(parent.tracks, grouping, below);
     if (grouping == Grouping::Album)
         for (Entry& album : level.entries) album.tracks = ByNumber(std::move(album.tracks));
-    // Songs of an album or a playlist have an order of their own.
+    // Albums and playlists have their own song order.
     if (level.folder ? grouping != Grouping::Playlist : AtRoot()) SortByReading(level.entries);
     return level;
 }

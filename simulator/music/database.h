@@ -1,5 +1,5 @@
 /// @file
-/// The music database as the device shows it: levels that group the tracks, and songs at the end of each way.
+/// The music database as the device presents it: levels that group the tracks, with songs as leaves.
 ///
 ///     Playlists  playlist > song
 ///     Artists    artist > album > song
@@ -26,11 +26,11 @@ enum class Grouping
     Song,
 };
 
-/// One entry of a level: everything below it, and how the levels below group it. A song has none below.
+/// One entry of a level: all tracks below it, and the groupings of the levels below. A song has no levels below.
 struct Entry
 {
     std::string name;
-    std::string reading;  ///< in Latin letters
+    std::string reading;  ///< romanized name
     TrackList tracks;
     std::vector<Grouping> below;
 };
@@ -38,17 +38,17 @@ struct Entry
 struct Level
 {
     std::vector<Entry> entries;
-    bool folder = true;  ///< its entries are levels, not songs
+    bool folder = true;  ///< the entries are levels, not songs
 };
 
-/// What to play, and where in it to start.
+/// The tracks to play, and the index of the first.
 struct Selection
 {
     TrackList tracks;
     std::size_t start = 0;
 };
 
-/// Where one user stands in the database of one device. Starts at the root.
+/// The current position in the database of one device. Starts at the root.
 class Database
 {
 public:
@@ -61,16 +61,16 @@ public:
     void EnterRoot();
     /// False at the root.
     bool EnterParent();
-    /// False when the entry is a song or not there.
+    /// False if the entry is a song or does not exist.
     bool EnterChild(int index);
 
-    /// A song with all its neighbours, or everything below a folder. Empty when there is no such entry.
+    /// Selects a song with all others of its level, or everything below a folder. Empty if the entry does not exist.
     std::optional<Selection> Select(int index) const;
 
-    /// Another state of the same medium. Stands at its root.
+    /// Replaces the contents and returns to the root.
     void Replace(Library library);
 
-    /// Every song there is.
+    /// All songs.
     const TrackList& Songs() const { return m_library.tracks; }
 
 private:

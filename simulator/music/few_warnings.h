@@ -1,5 +1,5 @@
 /// @file
-/// Warnings about many files, in few lines.
+/// Limits the number of warnings about files.
 #pragma once
 
 #include <cstddef>
@@ -10,19 +10,19 @@
 
 namespace ipodsim
 {
-/// Passes on the first warnings and counts the others. Only one thread may use it.
+/// Forwards the first ten warnings and counts the rest. Not thread-safe.
 class FewWarnings
 {
 public:
     explicit FewWarnings(Warn warn) : m_warn(std::move(warn)) {}
 
-    void Tell(const std::string& line)
+    void Add(const std::string& line)
     {
         if (m_count++ < kMost) m_warn(line);
     }
 
-    /// A line about those that were only counted.
-    void SumUp() const
+    /// Forwards one line with the number of suppressed warnings.
+    void Summarize() const
     {
         if (m_count > kMost) m_warn("and " + std::to_string(m_count - kMost) + " more warnings like these");
     }

@@ -41,7 +41,7 @@ bool IsPictureName(const std::string& name)
     return std::find(kExtensions.begin(), kExtensions.end(), Extension(name)) != kExtensions.end();
 }
 
-// How well a picture stands for its folder by its name; those with other names do not.
+// How well an image name fits a folder cover; other names do not qualify.
 int CoverRank(const std::string& name)
 {
     constexpr std::array<const char*, 5> kStems = {"cover", "folder", "front", "album", "albumart"};
@@ -58,7 +58,7 @@ FileMark MarkOf(const struct stat& status)
             static_cast<std::uint64_t>(status.st_size)};
 }
 
-// Without music, without end, and full of names that go while they are read.
+// These contain no music, may be endless, and their entries vanish while they are read.
 bool IsMadeUpByTheKernel(const std::string& folder)
 {
     constexpr std::uint32_t kTypes[] = {PROC_SUPER_MAGIC,   SYSFS_MAGIC,         DEBUGFS_MAGIC,
@@ -90,7 +90,7 @@ public:
     void Read(const std::string& path, const struct stat& status)
     {
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
-        if (IsMadeUpByTheKernel(path)) return Skip(path, "no file system for music");
+        if (IsMadeUpByTheKernel(path)) return Skip(path, "a virtual file system");
         m_ended = m_ended || (m_enter && !m_enter(path));
         if (m_ended) return;
         const std::size_t folder = m_scan.folders.size();
@@ -126,7 +126,7 @@ private:
             if (m_depth == Depth::Everything) Read(path, status);
             return;
         }
-        if (!S_ISREG(status.st_mode)) return Skip(path, "no regular file");
+        if (!S_ISREG(status.st_mode)) return Skip(path, "not a regular file");
         if (IsPictureName(name)) return ReadPicture({path, MarkOf(status), folder}, name, bestCover);
         if (IsPlaylist(name) && status.st_size > kLargestPlaylist) return Skip(path, "larger than 16 MiB");
         auto& files = IsPlaylist(name) ? m_scan.playlists : m_scan.files;
@@ -137,7 +137,7 @@ private:
     {
         const int rank = CoverRank(name);
         if (rank >= bestCover) return;
-        if (!IsPictureFile(file.path)) return Skip(file.path, "no picture");
+        if (!IsPictureFile(file.path)) return Skip(file.path, "not a valid image");
         if (file.mark.size > kLargestPicture) return Skip(file.path, TooLarge());
         bestCover = rank;
         m_scan.folders[file.folder].picture = file.path;
@@ -151,7 +151,7 @@ private:
     const Enter& m_enter;
     bool m_ended = false;
     FolderScan m_scan;
-    std::set<std::pair<dev_t, ino_t>> m_seen;  // breaks loops of links
+    std::set<std::pair<dev_t, ino_t>> m_seen;  // breaks symlink loops
 };
 
 namespace fs = std::filesystem;
@@ -188,7 +188,7 @@ FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string&
 
 std::uint64_t Fingerprint(const FolderScan& scan)
 {
-    // Paths have no NUL in them.
+    // Paths cannot contain NUL.
     std::string all;
     const auto add = [&all](const std::string& text) { all.append(text).append(1, '\0'); };
     for (const auto* files : {&scan.files, &scan.playlists})

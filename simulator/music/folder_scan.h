@@ -1,5 +1,5 @@
 /// @file
-/// What lies in a folder: files with the marks by which a change is recognised, pictures, playlists.
+/// The contents of a folder: files with change stamps, images, playlists.
 #pragma once
 
 #include <cstddef>
@@ -10,13 +10,13 @@
 
 namespace ipodsim
 {
-/// Receives one line about something that was left out.
+/// Receives one line about something that was skipped.
 using Warn = std::function<void(const std::string&)>;
 
-/// What tells one state of a file from the next.
+/// Identifies a state of a file.
 struct FileMark
 {
-    std::int64_t modified = 0;  ///< nanoseconds since 1970
+    std::int64_t modified = 0;  ///< nanoseconds since 1970-01-01 UTC
     std::uint64_t size = 0;     ///< bytes
 
     bool operator==(const FileMark& other) const { return modified == other.modified && size == other.size; }
@@ -33,13 +33,13 @@ struct ScannedFolder
 {
     std::string path;
     std::string name;
-    std::string picture;  ///< file with the cover of what lies in the folder; empty when none
+    std::string picture;  ///< image file with the folder's cover; empty if none
 };
 
 struct FolderScan
 {
     std::vector<ScannedFolder> folders;
-    std::vector<ScannedFile> files;      ///< everything that may be music
+    std::vector<ScannedFile> files;      ///< candidate audio files
     std::vector<ScannedFile> playlists;  ///< .m3u and .m3u8
 };
 
@@ -49,22 +49,22 @@ enum class Depth
     Everything,
 };
 
-/// Walks @p folder in the order of names; a folder is read once however many links lead to it, and never through a link
-/// to @p root, which is the music folder. Names that begin with a dot are passed over; what cannot be read, and
-/// a playlist that is too large for one, is skipped with a warning.
+/// Walks @p folder in the order of names. A folder is read once however many links lead to it, and never through a link
+/// to @p root, the music folder. Names that begin with a dot are ignored; unreadable files and oversized playlists are
+/// skipped with a warning.
 ///
-/// @param enter  called with each folder before it is read; false ends the scan, whose result is of no use then. May be
-///               empty.
+/// @param enter  called with each folder before it is read; returning false aborts the scan and makes its result
+///               meaningless. May be empty.
 FolderScan ScanFolder(const std::string& folder, Depth depth, const std::string& root, const Warn& warn,
                       const std::function<bool(const std::string&)>& enter = {});
 
-/// A number that two scans of the same state have in common.
+/// A hash: scans of the same state have the same fingerprint.
 std::uint64_t Fingerprint(const FolderScan& scan);
 
-/// Whether the name ends like that of an audio file.
+/// Whether the name has the extension of an audio file.
 bool LooksLikeAudio(const std::string& name);
 
-/// A device and where its music lies.
+/// A device and the folder with its music.
 struct DeviceFolder
 {
     std::string path;
@@ -72,9 +72,8 @@ struct DeviceFolder
     Depth depth = Depth::Everything;
 };
 
-/// Each sub-folder is a device of its own, in the order of names; those whose names begin with a dot and links back to
-/// @p root are not. The files that lie in @p root itself make a device named @p ownName, which comes first; it is also
-/// there when nothing else is. With @p oneDevice everything below @p root belongs to that one.
-/// None when @p root has gone.
+/// Each subfolder is a device, in the order of names, except names that begin with a dot and links back to @p root.
+/// Files directly in @p root form a device named @p ownName, which comes first and exists even if there is no other.
+/// With @p oneDevice, everything below @p root belongs to that device. Empty if @p root no longer exists.
 std::vector<DeviceFolder> DeviceFoldersOf(const std::string& root, const std::string& ownName, bool oneDevice);
 }  // namespace ipodsim

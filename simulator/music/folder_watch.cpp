@@ -15,10 +15,10 @@ namespace ipodsim
 namespace
 {
 constexpr guint kQuietMs = 400;
-constexpr guint kLookEverySeconds = 1;
+constexpr guint kPollSeconds = 1;
 constexpr gint64 kLongestBurst = 5000000;  // microseconds
 
-// Not what is merely read: indexing itself would be a change.
+// Read accesses are excluded, or indexing itself would count as a change.
 constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE |
                                    IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB | IN_ONLYDIR;
 
@@ -40,23 +40,23 @@ FolderWatch::FolderWatch(const std::string& root, GMainContext* context, Warn wa
 {
     if (m_descriptor < 0)
     {
-        m_warn("changes of " + root + " go unnoticed: " + std::generic_category().message(errno));
+        m_warn("cannot watch " + root + " for changes: " + std::generic_category().message(errno));
         return;
     }
     m_readable = g_unix_fd_source_new(m_descriptor, G_IO_IN);
     g_source_set_callback(m_readable, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnReadable)), this,
                           nullptr);
     g_source_attach(m_readable, m_context);
-    m_look = g_timeout_source_new_seconds(kLookEverySeconds);
-    g_source_set_callback(m_look, OnLook, this, nullptr);
-    g_source_attach(m_look, m_context);
+    m_poll = g_timeout_source_new_seconds(kPollSeconds);
+    g_source_set_callback(m_poll, OnPoll, this, nullptr);
+    g_source_attach(m_poll, m_context);
     FollowRoot();
 }
 
 FolderWatch::~FolderWatch()
 {
     StopWaiting();
-    Destroy(m_look);
+    Destroy(m_poll);
     Destroy(m_readable);
     if (m_descriptor >= 0) close(m_descriptor);
 }
@@ -66,7 +66,7 @@ void FolderWatch::Add(const std::string& folder)
     const bool full =
         m_descriptor >= 0 && inotify_add_watch(m_descriptor, folder.c_str(), kChanges) < 0 && errno == ENOSPC;
     if (full && !m_full.exchange(true))
-        m_warn("changes in " + folder + " and others go unnoticed: the system's limit of watches is reached");
+        m_warn("cannot watch " + folder + " and other folders for changes: inotify watch limit reached");
 }
 
 FolderWatch::Identity FolderWatch::IdentityOf(const std::string& folder)
@@ -81,13 +81,13 @@ FolderWatch::Identity FolderWatch::IdentityOf(const std::string& folder)
 void FolderWatch::FollowRoot()
 {
     const Identity now = IdentityOf(m_root);
-    if (m_watched && !now) m_warn("the music folder " + m_root + " is gone; what is in it comes back with it");
+    if (m_watched && !now) m_warn("the music folder " + m_root + " disappeared; waiting for its return");
     m_watched = now;
     if (now) Add(m_root);
 }
 
-// No watch tells that a folder has come, or that a medium was mounted in its place.
-gboolean FolderWatch::OnLook(gpointer data)
+// Polls, because inotify does not report that the folder was created or that a medium was mounted in its place.
+gboolean FolderWatch::OnPoll(gpointer data)
 {
     FolderWatch& self = *static_cast<FolderWatch*>(data);
     if (IdentityOf(self.m_root) == self.m_watched) return G_SOURCE_CONTINUE;
@@ -126,7 +126,7 @@ gboolean FolderWatch::OnQuiet(gpointer data)
 {
     FolderWatch& self = *static_cast<FolderWatch*>(data);
     self.StopWaiting();
-    // One that was removed and made again may be the same to the eye, and has no watch.
+    // A folder that was removed and recreated may have the same identity, but it has lost its watch.
     self.FollowRoot();
     self.m_changed();
     return G_SOURCE_REMOVE;

@@ -1,5 +1,5 @@
 /// @file
-/// Learns that something below a folder changed.
+/// Detects changes below a folder.
 #pragma once
 
 #include <glib.h>
@@ -15,9 +15,8 @@
 
 namespace ipodsim
 {
-/// Watches folders by inotify, on the main context that it is given. Many changes at once are told
-/// once, when nothing has changed for a moment, or after a while when it never rests. A root that goes away, as that of
-/// a medium that is taken out, is waited for.
+/// Watches folders with inotify on a given main context. A burst of changes is reported once: when changes pause, or
+/// after five seconds if they do not. If the root disappears (a USB drive was removed), waits for its return.
 class FolderWatch
 {
 public:
@@ -27,17 +26,16 @@ public:
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    /// Watches another folder too, what lies in it but not below that. Any thread may call it, and again for a folder
-    /// that is watched already.
+    /// Watches another folder, without its subfolders. Thread-safe; has no effect on a folder that is already watched.
     void Add(const std::string& folder);
 
 private:
-    // Which folder stands under a name; none when there is none.
+    // Device and inode of a folder; empty if it does not exist.
     using Identity = std::optional<std::pair<dev_t, ino_t>>;
 
     static Identity IdentityOf(const std::string& folder);
     static gboolean OnReadable(gint descriptor, GIOCondition, gpointer self);
-    static gboolean OnLook(gpointer data);
+    static gboolean OnPoll(gpointer data);
     void FollowRoot();
     static gboolean OnQuiet(gpointer data);
     void WaitForQuiet();
@@ -49,10 +47,10 @@ private:
     std::function<void()> m_changed;
     int m_descriptor;
     GSource* m_readable = nullptr;
-    GSource* m_look = nullptr;
+    GSource* m_poll = nullptr;
     GSource* m_quiet = nullptr;
-    Identity m_watched;        // what the root was when it was watched last
-    gint64 m_firstChange = 0;  // of the burst, microseconds
+    Identity m_watched;        // identity of the root when its watch was added
+    gint64 m_firstChange = 0;  // start of the burst, in microseconds
     std::atomic<bool> m_full{false};
 };
 }  // namespace ipodsim

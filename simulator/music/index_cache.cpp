@@ -21,11 +21,11 @@ namespace
 {
 using Json = nlohmann::json;
 
-// The number changes with everything that changes what is kept of a file: another layout, another reading.
+// Increment the number when the layout or the derivation of the entries changes.
 constexpr char kMagic[] = "ipod-simulator index 5\n";
 constexpr std::size_t kSealSize = sizeof(std::uint64_t);
 
-// The fingerprint as the bytes at the end of a file.
+// The fingerprint, appended to the file.
 std::string SealOf(std::string_view text)
 {
     const std::uint64_t fingerprint = Fingerprint(text);
@@ -74,7 +74,7 @@ void IndexCache::Load()
     catch (const std::exception&)
     {
         m_known.clear();
-        m_warn("the index " + m_file + " is damaged or of another version: every file is read again");
+        m_warn("the index " + m_file + " is damaged or from another version; reading every file again");
     }
 }
 
@@ -82,10 +82,10 @@ void IndexCache::Parse(const std::string& bytes)
 {
     const std::string_view magic(kMagic);
     if (bytes.size() < magic.size() + kSealSize || bytes.compare(0, magic.size(), magic) != 0)
-        throw std::out_of_range("no index");
+        throw std::out_of_range("not an index");
     const std::string_view sealed(bytes.data(), bytes.size() - kSealSize);
     if (bytes.compare(sealed.size(), kSealSize, SealOf(sealed)) != 0) throw std::out_of_range("damaged");
-    // One value after the other: the document of all takes as much memory as the library.
+    // Parses value by value: a document of all entries would use as much memory as the library.
     std::istringstream in(std::string(sealed.substr(magic.size())));
     while (in.peek() != std::istringstream::traits_type::eof())
     {
@@ -112,7 +112,7 @@ const TrackPtr* IndexCache::Put(const ScannedFile& file, TrackPtr track)
     return &known.track;
 }
 
-std::string IndexCache::Serialise(Unused unused) const
+std::string IndexCache::Serialize(Unused unused) const
 {
     std::string bytes = kMagic;
     for (const auto& [path, known] : m_known)
@@ -127,14 +127,14 @@ std::string IndexCache::Serialise(Unused unused) const
 void IndexCache::Save(Unused unused)
 {
     if (m_file.empty() || !m_changed) return;
-    std::error_code ignored;  // what is wrong shows when the file is written
+    std::error_code ignored;  // errors surface when the file is written
     std::filesystem::create_directories(std::filesystem::path(m_file).parent_path(), ignored);
-    const std::string bytes = Serialise(unused);
+    const std::string bytes = Serialize(unused);
     GError* error = nullptr;
-    // Writes a file beside it and renames that.
+    // Writes a temporary file and renames it.
     if (g_file_set_contents(m_file.c_str(), bytes.data(), static_cast<gssize>(bytes.size()), &error) == FALSE)
     {
-        m_warn("the index is not kept: " + std::string(error->message));
+        m_warn("cannot store the index: " + std::string(error->message));
         g_error_free(error);
     }
     m_changed = false;

@@ -1,5 +1,5 @@
 /// @file
-/// What was read of the files of a music folder, kept from one run to the next.
+/// An index of a music folder's files that persists across runs.
 #pragma once
 
 #include <string>
@@ -10,16 +10,16 @@
 
 namespace ipodsim
 {
-/// A file is known by its path and its mark: one that changed is read again. A cache that is damaged, cut off or of
-/// another version counts as empty. Only one thread may use it.
+/// Files are identified by path and stamp, so changed files are read again. A cache that is damaged, truncated, or from
+/// another version counts as empty. Not thread-safe.
 class IndexCache
 {
 public:
-    /// @param file  where it is kept; empty: nowhere
+    /// @param file  path of the cache; empty for none
     IndexCache(std::string file, Warn warn);
 
-    /// What was read of the file: a track, or nothing for one that is not audio. Null when it is not known. It stays
-    /// where it is as long as the cache lives.
+    /// Returns the file's entry, whose track is null if the file is not audio; null if the file is unknown. The pointer
+    /// is valid as long as the cache exists.
     const TrackPtr* Find(const ScannedFile& file);
     /// @param track  null for a file that is not audio
     const TrackPtr* Put(const ScannedFile& file, TrackPtr track);
@@ -29,8 +29,8 @@ public:
         Keep,
         Forget,
     };
-    /// Replaces the file in one step, when there is something new.
-    /// @param unused  what becomes of files that nobody has looked for
+    /// Atomically replaces the cache file if anything changed.
+    /// @param unused  whether to keep entries that were never looked up
     void Save(Unused unused);
 
 private:
@@ -43,7 +43,7 @@ private:
 
     void Load();
     void Parse(const std::string& bytes);
-    std::string Serialise(Unused unused) const;
+    std::string Serialize(Unused unused) const;
 
     std::string m_file;
     Warn m_warn;
@@ -51,6 +51,6 @@ private:
     bool m_changed = false;
 };
 
-/// The file below @p cacheFolder in which what is read of @p musicFolder is kept.
+/// Path below @p cacheFolder of the index of @p musicFolder.
 std::string CacheFileFor(const std::string& cacheFolder, const std::string& musicFolder);
 }  // namespace ipodsim

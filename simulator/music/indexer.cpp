@@ -27,7 +27,7 @@ namespace
 constexpr unsigned kMostThreads = 8;
 constexpr std::size_t kFilesPerStep = 64;
 
-// Only what is not ASCII: the rest reads as it stands.
+// Only non-ASCII text needs a reading.
 std::string ReadAhead(const std::string& name, ipodnames::Subject subject)
 {
     return IsAscii(name) ? std::string() : Pinyin(name, subject);
@@ -43,7 +43,7 @@ TrackPtr ReadWithReadings(const std::string& file, const std::atomic<bool>* canc
     return std::make_shared<const Track>(std::move(*track));
 }
 
-// Reads the files that the cache does not know, several at a time.
+// Reads the files that the cache does not know, in parallel.
 class Readers
 {
 public:
@@ -62,7 +62,7 @@ public:
         for (std::thread& thread : threads) thread.join();
     }
 
-    std::vector<TrackPtr> tracks;  // in the order of the files
+    std::vector<TrackPtr> tracks;  // in file order
 
 private:
     bool Cancelled() const { return m_how.cancelled != nullptr && *m_how.cancelled; }
@@ -104,7 +104,7 @@ std::string WhyNot(const std::string& file)
     return MayRead(file) ? "not a supported audio file" : std::generic_category().message(errno);
 }
 
-// What the cache holds of each file, once the unknown ones have been read.
+// The cache entry of each file, after unknown files have been read.
 using Found = std::vector<const TrackPtr*>;
 
 Found ReadUnknown(const FolderScan& scan, IndexCache& cache, const Indexing& how)
@@ -125,7 +125,7 @@ Found ReadUnknown(const FolderScan& scan, IndexCache& cache, const Indexing& how
         if (track != nullptr) continue;
         const ScannedFile& file = *unknown[at];
         TrackPtr read = std::move(readers.tracks[at++]);
-        // What cannot be opened now may be readable the next time, without a change of its mark.
+        // A file that cannot be opened now may be readable later with the same stamp.
         if (read != nullptr || (!cancelled && MayRead(file.path))) track = cache.Put(file, std::move(read));
     }
     return found;
@@ -182,7 +182,7 @@ private:
     const FolderScan& m_scan;
     const Indexing& m_how;
     Library m_library;
-    std::vector<TrackList> m_lists;  // of each folder
+    std::vector<TrackList> m_lists;  // by folder
     std::vector<Playlist> m_playlists;
     std::unordered_map<std::string, TrackPtr> m_byPath;
 };

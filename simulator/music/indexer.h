@@ -1,5 +1,5 @@
 /// @file
-/// From the files of a folder to a library: tags, lengths, pictures, playlists.
+/// Builds a library from the files of a folder: tags, lengths, images, playlists.
 #pragma once
 
 #include <atomic>
@@ -15,14 +15,15 @@ namespace ipodsim
 struct Indexing
 {
     Warn warn;
-    /// Called now and then, from any thread but never twice at once: files done, files in all. May be empty.
+    /// Called periodically with the number of files done and the total; from any thread, but never concurrently. May be
+    /// empty.
     std::function<void(std::size_t, std::size_t)> progress;
-    /// Ends the work early when it becomes true; the result is of no use then, but what was read is in the cache. May
-    /// be null.
+    /// Setting it to true aborts the work: the result is then meaningless, but the cache keeps what was read. May be
+    /// null.
     const std::atomic<bool>* cancelled = nullptr;
 };
 
-/// Reads what the cache does not know, on as many threads as there are processors, and puts it there. Files that are
-/// not audio, or have gone, are skipped with a warning each.
+/// Reads the files that the cache does not know, on one thread per processor, and adds them to the cache. Files that
+/// are not audio or have disappeared are skipped with a warning each.
 Library Index(const FolderScan& scan, IndexCache& cache, const Indexing& how);
 }  // namespace ipodsim

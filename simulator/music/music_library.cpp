@@ -42,7 +42,7 @@ std::string CheckedFolder(const std::string& folder)
     {
     };
     if (stat(folder.c_str(), &status) != 0) Refuse(folder, std::generic_category().message(errno));
-    if (!S_ISDIR(status.st_mode)) Refuse(folder, "it is no folder");
+    if (!S_ISDIR(status.st_mode)) Refuse(folder, "not a folder");
     if (faccessat(AT_FDCWD, folder.c_str(), R_OK | X_OK, AT_EACCESS) != 0)
         Refuse(folder, std::generic_category().message(errno));
     return std::filesystem::canonical(folder).string();
@@ -61,7 +61,7 @@ void Finish(Library& library)
     library.playlists.insert(library.playlists.begin(), Playlist{"All songs", library.tracks});
 }
 
-std::string Summarise(const Library& library)
+std::string Summarize(const Library& library)
 {
     std::unordered_set<std::string_view> artists;
     std::unordered_set<std::string_view> albums;

@@ -9,22 +9,22 @@
 
 namespace ipodsim
 {
-/// Reads all audio files below @p folder. Its playlists are "All songs", those that lie there as files, and each folder
-/// with music in it. What cannot be read is left out with a warning.
+/// Reads all audio files below @p folder. The playlists are "All songs", the playlist files, and one for each folder
+/// with music. Unreadable files are skipped with a warning.
 ///
-/// @throws std::runtime_error  the folder is missing, is none, or cannot be read
+/// @throws std::runtime_error  the folder is missing, not a folder, or cannot be read
 Library ReadFolder(const std::string& folder, const Warn& warn);
 
-/// The folder as an absolute path without links.
-/// @throws std::runtime_error  the folder is missing, is none, or cannot be read
+/// Returns the folder's absolute path with links resolved.
+/// @throws std::runtime_error  the folder is missing, not a folder, or cannot be read
 std::string CheckedFolder(const std::string& folder);
 
 /// Sorts the tracks, and puts the playlist "All songs" first.
 void Finish(Library& library);
 
 /// For example "24 songs, 9 artists, 9 albums".
-std::string Summarise(const Library& library);
+std::string Summarize(const Library& library);
 
-/// 24 invented tracks of nine artists, some of them Chinese, with covers that are drawn at the call.
+/// 24 fictitious tracks by nine artists, some of them Chinese, with generated covers.
 Library BuiltinLibrary();
 }  // namespace ipodsim

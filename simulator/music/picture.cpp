@@ -29,7 +29,7 @@ bool Begins(const Bytes& bytes, std::string_view signature)
     return TextOf(bytes).substr(0, signature.size()) == signature;
 }
 
-// Its first chunk is the header, of 13 bytes, which begins with width and height.
+// The first chunk is the 13-byte header, which starts with width and height.
 bool IsPng(const Bytes& bytes)
 {
     constexpr std::string_view kSignature("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16);
@@ -37,7 +37,7 @@ bool IsPng(const Bytes& bytes)
            BigEndian(bytes, 20, 4) != 0;
 }
 
-// A marker follows its first one: not a filler, a bare one or another start or end.
+// After the first marker comes a marker with a length: not fill bytes, a standalone marker, SOI, or EOI.
 bool IsJpeg(const Bytes& bytes)
 {
     return bytes.size() >= 4 && Begins(bytes, "\xFF\xD8\xFF") && bytes[3] >= 0xC0 && bytes[3] < 0xFF &&
@@ -50,7 +50,7 @@ bool IsGif(const Bytes& bytes)
     return hasSize && (Begins(bytes, "GIF87a") || Begins(bytes, "GIF89a"));
 }
 
-// The second of its headers says how long it is.
+// The second header starts with its own length.
 bool IsBmp(const Bytes& bytes)
 {
     constexpr unsigned char kLengths[] = {12, 16, 40, 52, 56, 64, 108, 124};
@@ -64,7 +64,7 @@ bool IsWebp(const Bytes& bytes)
     return bytes.size() >= 16 && Begins(bytes, "RIFF") && TextOf(bytes).substr(8, 7) == "WEBPVP8";
 }
 
-// Frame headers are C0 to CF but for three markers of other meaning.
+// Frame headers are C0 to CF, except for three markers with other meanings.
 bool IsFrameHeader(unsigned char marker)
 {
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
@@ -88,7 +88,7 @@ void ReadPngSize(Picture& picture)
     picture.height = BigEndian(picture.bytes, 20, 4);
 }
 
-// More than any picture that fits into shared memory, so that one that has grown is refused there and not cut here.
+// Larger than any image that fits into shared memory: a file that has grown is rejected there, not truncated here.
 constexpr std::size_t kMostRead = std::size_t{4} << 20U;
 constexpr std::size_t kSignatureBytes = 32;
 

@@ -1,5 +1,5 @@
 /// @file
-/// Pictures of tracks.
+/// Artwork of tracks.
 #pragma once
 
 #include <cstddef>
@@ -9,23 +9,22 @@
 
 namespace ipodsim
 {
-/// The largest picture that fits into its segment of 1 MiB, which also stores the heads of the vectors.
+/// The largest image that fits into its segment of 1 MiB, which also stores the vector headers.
 constexpr std::size_t kLargestPicture = (std::size_t{1} << 20U) - 4096;
-/// Why a picture is skipped.
+/// The reason why an image is skipped.
 inline std::string TooLarge()
 {
     return "larger than " + std::to_string(kLargestPicture) + " bytes";
 }
 
-/// Wraps the bytes of a picture and reads its size from a PNG or JPEG header.
+/// Wraps the bytes of an image and reads its dimensions from the PNG or JPEG header.
 Picture MakePicture(Bytes bytes);
 
-/// Whether bytes begin with the head of a PNG, JPEG, GIF, BMP or WebP; a signature alone is none.
+/// Whether the bytes begin with a complete PNG, JPEG, GIF, BMP, or WebP header; a signature alone does not count.
 bool IsPicture(const Bytes& bytes);
-/// The same of a file; false also when it cannot be read.
+/// The same for a file; false if it cannot be read.
 bool IsPictureFile(const std::string& file);
 
-/// The picture of a track, read from its file or that of its folder each time. Empty when there is none or the file has
-/// gone.
+/// Reads the artwork of a track from its file or folder each time. Empty if there is none or the file has disappeared.
 Picture PictureOf(const Track& track);
 }  // namespace ipodsim

@@ -1,5 +1,5 @@
 /// @file
-/// Readings of names as the service has them: pinyin without tones for Chinese, the nearest letters for other scripts.
+/// Readings of names as the service provides them: pinyin without tones for Chinese, transliteration for other scripts.
 #pragma once
 
 #include <ipodnames/reading.h>
@@ -8,7 +8,7 @@
 
 namespace ipodsim
 {
-/// Returns ASCII text in lower case, other text as ipodnames reads it, and text that cannot be read as it is. Any
-/// thread may call it.
+/// Returns ASCII text in lower case, other text in the reading of ipodnames, and unreadable text unchanged.
+/// Thread-safe.
 std::string Pinyin(const std::string& text, ipodnames::Subject subject);
 }  // namespace ipodsim

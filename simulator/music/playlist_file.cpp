@@ -41,7 +41,7 @@ std::string Resolve(const fs::path& folder, const std::string& entry)
     return (folder / entry).lexically_normal().string();
 }
 
-// The bytes as they stand come first: a name need not be UTF-8.
+// The raw bytes are tried first: a file name need not be UTF-8.
 std::string FileOf(const fs::path& folder, const std::string& line)
 {
     if (Begins(line, "file:")) return Resolve(folder, FromUri(line));

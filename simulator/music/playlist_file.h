@@ -1,5 +1,5 @@
 /// @file
-/// Playlists as files: .m3u and .m3u8.
+/// Playlist files: .m3u and .m3u8.
 #pragma once
 
 #include <string>
@@ -9,11 +9,11 @@ namespace ipodsim
 {
 struct PlaylistFile
 {
-    std::string name;                ///< what the file says of itself, or its own name
-    std::vector<std::string> files;  ///< absolute paths without "." and "..", whether they exist or not
+    std::string name;                ///< title inside the file, or the file name
+    std::vector<std::string> files;  ///< normalized absolute paths, which may not exist
 };
 
-/// Reads one. Entries are paths, relative to the playlist or absolute, or file: URIs; in UTF-8 or else Latin-1; with
-/// slashes or backslashes. Comments and addresses of other kinds are passed over. Empty when it cannot be read.
+/// Reads a playlist. Entries are file: URIs or paths, absolute or relative to the playlist, in UTF-8 or else Latin-1,
+/// with slashes or backslashes. Comments and other URIs are ignored. Empty if the file cannot be read.
 PlaylistFile ReadPlaylist(const std::string& file);
 }  // namespace ipodsim

@@ -32,13 +32,12 @@ namespace ipodsim
 {
 namespace
 {
-// Looking for the first frame, TagLib reads a file to its end, which takes minutes for gigabytes without one. This
-// stream ends early instead. It opens the file for reading only: closing a file that could have been written counts as
-// a change of its folder.
+// TagLib scans the whole file for the first frame, which takes minutes for gigabytes without one. This stream ends
+// early instead. It opens the file read-only: closing a writable file would be reported as a change of its folder.
 class BoundedStream : public TagLib::FileStream
 {
 public:
-    // @param cancelled  ends the stream when it becomes true; may be null
+    // @param cancelled  setting it to true ends the stream; may be null
     BoundedStream(const char* file, const std::atomic<bool>* cancelled) : FileStream(file, true), m_cancelled(cancelled)
     {
     }
@@ -49,7 +48,7 @@ public:
         m_left -= block.size();
         return block;
     }
-    // A backward search goes on to the start of the file, whatever it reads.
+    // A backward search continues to the start of the file even after reads fail.
     void seek(long offset, Position from) override
     {
         if (!Ended()) FileStream::seek(offset, from);
@@ -58,7 +57,7 @@ public:
 private:
     bool Ended() const { return m_left == 0 || (m_cancelled != nullptr && *m_cancelled); }
 
-    unsigned long m_left = 32UL << 20U;  // tags and their pictures are smaller
+    unsigned long m_left = 32UL << 20U;  // tags and their images are smaller
     const std::atomic<bool>* m_cancelled;
 };
 
@@ -106,7 +105,7 @@ Bytes PictureIn(const TagLib::ASF::Tag* tag)
     return ToBytes(pictures.front().toPicture().picture());
 }
 
-// The item holds the name of a file, a NUL, and the picture.
+// The item contains a file name, a NUL, and the image.
 Bytes PictureIn(const TagLib::APE::Tag* tag)
 {
     if (tag == nullptr) return {};
@@ -151,7 +150,7 @@ Bytes PictureIn(TagLib::File& file)
     return {};
 }
 
-// The values of a property, each once and separated by commas; @p otherwise if there is none.
+// The distinct values of a property, separated by commas; @p otherwise if there are none.
 TagLib::String Joined(const TagLib::PropertyMap& properties, const char* name, const TagLib::String& otherwise)
 {
     TagLib::StringList values;
@@ -160,7 +159,7 @@ TagLib::String Joined(const TagLib::PropertyMap& properties, const char* name, c
     return values.isEmpty() ? otherwise : values.toString(", ");
 }
 
-// A track that names only the artist of its album is by that one.
+// A track without an artist has that of its album.
 TagLib::String ArtistOf(const TagLib::PropertyMap& properties, const TagLib::Tag& tag)
 {
     return Joined(properties, "ARTIST", tag.artist().isEmpty() ? Joined(properties, "ALBUMARTIST", {}) : tag.artist());
@@ -182,7 +181,8 @@ struct OpenFile
     TagLib::FileRef tags;
 };
 
-// Without a signature TagLib takes any file of the right name for a module of 15 instruments, or for old Musepack.
+// TagLib accepts any file with the right extension as a 15-instrument module, or as old Musepack, which have no
+// signature.
 bool IsGuess(const TagLib::AudioProperties* properties)
 {
     const auto* module = dynamic_cast<const TagLib::Mod::Properties*>(properties);
@@ -191,7 +191,7 @@ bool IsGuess(const TagLib::AudioProperties* properties)
            (musepack != nullptr && musepack->mpcVersion() != 7 && musepack->mpcVersion() != 8);
 }
 
-// The length says nothing: it is missing in what was written to a pipe, and tracker modules have none.
+// The length is not a criterion: files written to a pipe lack it, and tracker modules have none.
 bool IsAudio(const TagLib::AudioProperties* properties)
 {
     return properties != nullptr && properties->channels() > 0 && !IsGuess(properties);

@@ -10,12 +10,12 @@
 
 namespace ipodsim
 {
-/// Reads tags and length. A text that is missing becomes the file's name or "Unknown artist" and so on.
-/// Empty if it is not an audio file, or if reading was cancelled; never throws for what a file holds.
+/// Reads tags and length. A missing title becomes the file name; other missing text becomes "Unknown artist" and so on.
+/// Empty if the file is not audio or reading was cancelled. Never throws because of a file's contents.
 ///
-/// @param cancelled  ends the reading when it becomes true; may be null
+/// @param cancelled  setting it to true aborts reading; may be null
 std::optional<Track> ReadTrack(const std::string& file, const std::atomic<bool>* cancelled = nullptr);
 
-/// The bytes of the front cover, or else of the first picture, in any tag that may hold one; empty when none.
+/// Returns the front cover, or else the first image, from any tag that can hold one; empty if there is none.
 Bytes ReadEmbeddedPicture(const std::string& file);
 }  // namespace ipodsim

@@ -22,7 +22,7 @@ std::string Trim(const std::string& text)
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// Tags may hold any bytes; what is no UTF-8 becomes the replacement character.
+// Tags may contain any bytes; invalid UTF-8 becomes the replacement character.
 std::string MakeValid(const std::string& text)
 {
     const std::unique_ptr<char, decltype(&g_free)> valid(

@@ -1,5 +1,5 @@
 /// @file
-/// Text as it fits into the fixed slots of shared memory and of records.
+/// Text for the fixed-size slots of shared memory and records.
 #pragma once
 
 #include <cstddef>
@@ -9,21 +9,21 @@
 
 namespace ipodsim
 {
-/// A slot has 256 bytes, one of them for the terminator.
+/// A slot has 256 bytes, including the terminator.
 constexpr std::size_t kLongestName = 255;
 
-/// The longest beginning of @p text that has at most @p maxBytes bytes and ends at a character boundary.
+/// The longest prefix of @p text with at most @p maxBytes bytes that ends at a character boundary.
 std::string CutUtf8(std::string_view text, std::size_t maxBytes = kLongestName);
 
-/// @p text as valid UTF-8, without leading and trailing blanks and cut to a slot; @p fallback when nothing is left.
+/// Returns @p text as valid UTF-8, trimmed and truncated to a slot; @p fallback if nothing is left.
 std::string CleanName(const std::string& text, const std::string& fallback);
 
-/// The capitals A to Z as small letters, everything else as it is.
+/// Converts A to Z to lower case and leaves everything else unchanged.
 std::string ToLowerAscii(std::string text);
 
-/// Whether there is nothing but ASCII in it.
+/// Whether @p text is pure ASCII.
 bool IsAscii(std::string_view text);
 
-/// FNV-1a of 64 bits: a different number for nearly every text.
+/// The 64-bit FNV-1a hash.
 std::uint64_t Fingerprint(std::string_view text);
 }  // namespace ipodsim

@@ -1,6 +1,6 @@
 /// @file
-/// What the simulated device plays: tracks, their pictures, playlists. Plain values; a track never changes once it
-/// is part of a library, so that the database, the queue and the player share it.
+/// The music of the simulated device: tracks, artwork, playlists. A track is immutable once it is part of a library, so
+/// the database, the queue, and the player share it.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace ipodsim
 {
 using Bytes = std::vector<unsigned char>;
 
-/// A picture as it is stored in a file. Width and height are in pixels, 0 when the format is not known.
+/// An image as stored in a file. Width and height are in pixels, 0 if the format is unknown.
 struct Picture
 {
     Bytes bytes;
@@ -21,8 +21,8 @@ struct Picture
     std::uint32_t height = 0;
 };
 
-/// The names of a track in Latin letters. One that is empty has not been read: it is plain ASCII, or the track comes
-/// from a place that does not read ahead.
+/// The romanized names of a track. Empty if not computed: the name is plain ASCII, or its source computes no readings
+/// in advance.
 struct Readings
 {
     std::string title;
@@ -31,21 +31,21 @@ struct Readings
     std::string genre;
 };
 
-/// All texts but the readings are valid UTF-8 of at most 255 bytes and never empty.
+/// Except for the readings, all strings are non-empty valid UTF-8 of at most 255 bytes.
 struct Track
 {
     std::string title;
     std::string artist;
     std::string album;
     std::string genre;
-    int number = 0;                ///< within its album, 0 when unknown
-    int lengthMs = 0;              ///< 0 when unknown
-    bool hasPicture = false;       ///< its own, or that of its folder
-    bool pictureTooLarge = false;  ///< its own is left out for that
-    std::string folderPicture;     ///< file with the picture of its folder, for a track without one of its own
+    int number = 0;                ///< within its album; 0 if unknown
+    int lengthMs = 0;              ///< 0 if unknown
+    bool hasPicture = false;       ///< its own artwork, or that of its folder
+    bool pictureTooLarge = false;  ///< its own artwork exceeds the limit and is omitted
+    std::string folderPicture;     ///< image file of its folder, for a track without its own artwork
     Readings readings;
     std::string file;                   ///< empty for a track of the built-in library
-    std::shared_future<Picture> cover;  ///< of a track without file: drawn when it is first asked for
+    std::shared_future<Picture> cover;  ///< for a track without a file: drawn at the first request
 };
 
 using TrackPtr = std::shared_ptr<const Track>;
@@ -57,7 +57,7 @@ struct Playlist
     TrackList tracks;
 };
 
-/// Tracks in the order artist, album, number, title.
+/// Tracks are sorted by artist, album, number, and title.
 struct Library
 {
     TrackList tracks;

@@ -8,24 +8,23 @@
 
 namespace ipodsim
 {
-/// The range of speeds: a clock slower than that never ticks, and a faster one skips whole tracks.
+/// The range of speeds: a slower clock would never tick, a faster one would skip whole tracks.
 constexpr double kSlowest = 0.001;
 constexpr double kFastest = 10000;
 
 class Clock
 {
 public:
-    /// @param context  where it ticks; kept
-    /// @param speed    milliseconds of the track per millisecond, from kSlowest to kFastest; a tick comes every 500 ms
-    /// of the track, though never
-    ///                 more often than a hundred times a second
-    /// @param tick     receives the milliseconds of the track that passed
+    /// @param context  main context of the ticks; borrowed
+    /// @param speed    milliseconds of the track per millisecond, between kSlowest and kFastest; ticks every 500 ms of
+    ///                 the track, but at most a hundred times a second
+    /// @param tick     receives the elapsed milliseconds of the track
     Clock(GMainContext* context, double speed, std::function<void(int)> tick);
     ~Clock();
     Clock(const Clock&) = delete;
     Clock& operator=(const Clock&) = delete;
 
-    /// Starts or stops it; time that passes while it stands is not counted.
+    /// Starts or stops the clock; time while stopped does not count.
     void Run(bool running);
 
 private:

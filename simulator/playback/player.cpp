@@ -24,7 +24,7 @@ int Player::Length() const
     return track == nullptr ? 0 : track->lengthMs;
 }
 
-// Where the track ends: never, or after 24 days, if its length is unknown.
+// The end of the track; effectively never (24 days) if its length is unknown.
 int Player::End() const
 {
     const int length = Length();
@@ -162,7 +162,7 @@ void Player::Advance(int elapsedMs)
     m_observer.OnProgress();
 }
 
-// Playback goes on from the start of the track: a device does not wind into the track before.
+// Playback resumes at the start of the track: a device does not wind into the previous track.
 void Player::WindBack(int elapsedMs)
 {
     m_position = std::max(0, m_position - elapsedMs * kWindingFactor);

@@ -1,5 +1,5 @@
 /// @file
-/// Playback without sound: a queue, a position that advances, and the state that follows from the buttons.
+/// Playback without sound: a queue, an advancing position, and the state that the buttons control.
 #pragma once
 
 #include <QBXIpodTypes.h>
@@ -8,7 +8,7 @@
 
 namespace ipodsim
 {
-/// Learns what changed, after it changed.
+/// Is notified after each change.
 class PlayerObserver
 {
 public:
@@ -21,8 +21,8 @@ public:
     virtual void OnRepeat() = 0;
 };
 
-/// All times are milliseconds of the track. Nothing moves but by Advance(). A track of unknown length plays until it is
-/// skipped or stopped.
+/// All times are milliseconds of the track. Only Advance() moves the position. A track of unknown length plays until it
+/// is skipped or stopped.
 class Player
 {
 public:
@@ -30,48 +30,48 @@ public:
 
     const Queue& List() const { return m_queue; }
     iPodPlayerPlayStatus Status() const { return m_status; }
-    /// Playing, paused or winding.
+    /// Playing, paused, or winding.
     bool Loaded() const { return m_status != IPOD_PLAY_STATUS_STOPPED; }
     bool Winding() const;
-    /// Whether time passes.
+    /// Whether the position advances.
     bool Running() const { return Loaded() && m_status != IPOD_PLAY_STATUS_PAUSED; }
     int Position() const { return m_position; }
-    /// The track that plays or is paused, null when stopped.
+    /// The track that is playing or paused; null when stopped.
     TrackPtr Track() const { return Loaded() ? m_queue.Current() : nullptr; }
-    /// 0 if it is unknown, as when stopped.
+    /// 0 if unknown or stopped.
     int Length() const;
-    /// Within the playing list, -1 when stopped.
+    /// Index within the playing list; -1 when stopped.
     int Index() const { return Loaded() ? static_cast<int>(m_queue.Index()) : -1; }
 
     /// Replaces the playing list and starts it.
     void PlayList(TrackList tracks, std::size_t start);
     /// Empties the playing list.
     void Clear();
-    /// Jumps to an entry of the playing list and plays it; false when there is none of that index.
+    /// Jumps to an entry of the playing list and plays it; false if the index does not exist.
     bool PlayEntry(int index);
 
-    /// Starts what the playing list stands at, goes on after a pause, or ends winding. False with an empty list.
+    /// Starts the current entry, resumes after a pause, or ends winding. False if the list is empty.
     bool Play();
-    /// As Play(), from the start of the track.
+    /// Like Play(), but from the start of the track.
     bool Restart();
-    /// True when it is paused now.
+    /// Returns whether it is now paused.
     bool Pause();
     void Stop();
     /// False at the end of the list without repetition, and when stopped.
     bool Next();
-    /// Within the first three seconds of a track goes to the one before, later to the start of this one.
+    /// Goes to the previous track within the first three seconds of a track, later to its start.
     bool Previous();
-    /// The position is brought into the track.
+    /// Clamps the position to the track.
     void Seek(int positionMs);
-    /// Winds at eight times the speed. False when stopped.
+    /// Winds at eight times the normal speed. False when stopped.
     bool Wind(bool forward);
-    /// Back to what it did before winding; true also when it did not wind.
+    /// Restores the state before winding; true even if it was not winding.
     bool StopWinding();
 
     void SetShuffle(iPodPlayerShuffleStatus mode);
     void SetRepeat(iPodPlayerRepeatStatus mode);
 
-    /// Lets time pass: at most one track ends in one step.
+    /// Advances time; at most one track ends per step.
     void Advance(int elapsedMs);
 
 private:

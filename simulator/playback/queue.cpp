@@ -69,7 +69,8 @@ void Queue::ShuffleSongs(std::size_t start)
     std::shuffle(m_order.begin() + 1, m_order.end(), m_random);
 }
 
-// The album of the start comes first, from its start on; what stands before the start in it comes at its end.
+// The album of the start entry comes first, beginning with that entry; its earlier entries move to the end of the
+// album.
 void Queue::ShuffleAlbums(std::size_t start)
 {
     if (Empty()) return;

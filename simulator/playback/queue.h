@@ -1,5 +1,5 @@
 /// @file
-/// The playing list and the order in which it is played.
+/// The playing list and its playback order.
 #pragma once
 
 #include <QBXIpodTypes.h>
@@ -16,31 +16,33 @@ namespace ipodsim
 class Queue
 {
 public:
-    /// @param seed  of the shuffled orders; the same seed gives the same orders
+    /// @param seed  seed for shuffling; the same seed gives the same order
     explicit Queue(unsigned seed) : m_random(seed) {}
 
-    /// Replaces the list and stands at @p start, which is the first in any order.
+    /// Replaces the list and moves to @p start, which comes first in any order.
     void Fill(TrackList tracks, std::size_t start);
 
     const TrackList& Tracks() const { return m_tracks; }
     bool Empty() const { return m_tracks.empty(); }
-    /// Index within the list, whatever the order. The list must not be empty.
+    /// Index within the list, regardless of the order. The list must not be empty.
     std::size_t Index() const { return m_order[m_at]; }
     TrackPtr Current() const { return Empty() ? nullptr : m_tracks[Index()]; }
 
-    /// Goes to an entry of the list; false when there is none of that index.
+    /// Moves to an entry of the list; false if the index does not exist.
     bool Jump(int index);
-    /// The next entry in order. Wraps around with any repetition; false at the end otherwise, and nothing changes.
+    /// Moves to the next entry in playback order. Wraps around in any repeat mode; otherwise returns false at the end
+    /// and changes nothing.
     bool Next();
-    /// The entry before in order. Wraps around with any repetition; false at the start otherwise.
+    /// Moves to the previous entry in playback order. Wraps around in any repeat mode; otherwise returns false at the
+    /// start.
     bool Previous();
-    /// What follows when a track has ended: the same one with IPOD_REPEAT_ONE. At the end of the list it goes back to
-    /// the first and returns false.
+    /// Moves on after the end of a track; stays with IPOD_REPEAT_ONE. At the end of the list, moves to the first entry
+    /// and returns false.
     bool Advance();
 
     iPodPlayerShuffleStatus Shuffle() const { return m_shuffle; }
     iPodPlayerRepeatStatus Repeat() const { return m_repeat; }
-    /// The entry that is current stays so.
+    /// Keeps the current entry.
     void SetShuffle(iPodPlayerShuffleStatus mode);
     void SetRepeat(iPodPlayerRepeatStatus mode) { m_repeat = mode; }
 
@@ -50,8 +52,8 @@ private:
     void ShuffleAlbums(std::size_t start);
 
     TrackList m_tracks;
-    std::vector<std::size_t> m_order;  // indices of the list in the order of playing
-    std::size_t m_at = 0;              // place within that order
+    std::vector<std::size_t> m_order;  // indices of the list in playback order
+    std::size_t m_at = 0;              // position within that order
     iPodPlayerShuffleStatus m_shuffle = IPOD_SHUFFLE_OFF;
     iPodPlayerRepeatStatus m_repeat = IPOD_REPEAT_OFF;
     std::mt19937 m_random;

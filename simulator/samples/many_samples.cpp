@@ -27,10 +27,10 @@ void Write(const fs::path& file, const std::string& bytes)
 {
     std::ofstream out(file, std::ios::binary);
     out << bytes;
-    if (!out.flush()) throw std::runtime_error(file.string() + ": cannot be written");
+    if (!out.flush()) throw std::runtime_error(file.string() + ": cannot write the file");
 }
 
-// One second of music as a file of its own, whose bytes are taken.
+// Encodes one second of music as a file and returns its bytes.
 std::string Encoded(const fs::path& folder, int format)
 {
     const fs::path file = folder / ".piece";
@@ -107,7 +107,7 @@ public:
         SetNames(tag, names);
         if (cover != nullptr)
         {
-            auto* const frame = new TagLib::ID3v2::AttachedPictureFrame;  // the tag owns it
+            auto* const frame = new TagLib::ID3v2::AttachedPictureFrame;  // owned by the tag
             frame->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
             frame->setMimeType("image/png");
             frame->setPicture(
@@ -117,7 +117,7 @@ public:
         return ToString(tag.render()) + m_mp3;
     }
 
-    // The stream's own description, the comment as the last block of metadata, the frames.
+    // The stream info, the comment as the last metadata block, and the frames.
     std::string Flac(const Names& names) const
     {
         constexpr std::size_t kDescriptionEnds = 4 + 4 + 34;

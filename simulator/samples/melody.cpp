@@ -16,18 +16,18 @@ constexpr double kFadeSeconds = 1.2;
 struct Note
 {
     double start = 0;   // seconds
-    double length = 0;  // seconds until it has died away
+    double length = 0;  // decay time in seconds
     double pitch = 0;   // hertz
     double loudness = 0;
 };
 
-// A number from 0 to count - 1.
+// A random number between 0 and count - 1.
 int Throw(std::mt19937& random, unsigned count)
 {
     return static_cast<int>(random() % count);
 }
 
-// Steps of the major pentatonic scale above a root, over as many octaves as it takes.
+// The pitch of a step of the major pentatonic scale above a root, over any number of octaves.
 double Pitch(double root, int step)
 {
     constexpr int kSemitones[] = {0, 2, 4, 7, 9};
@@ -35,8 +35,8 @@ double Pitch(double root, int step)
     return root * std::pow(2.0, octave + kSemitones[step % 5] / 12.0);
 }
 
-// A short attack without a click, then an exponential decay. Turned and damped step by step: an overtone is a power of
-// the tone below, where a sine for each would take most of the time.
+// A short attack without a click, then an exponential decay. A rotating phasor supplies the overtones as powers:
+// calling sin() for each would dominate the run time.
 void Add(std::vector<float>& samples, const Note& note)
 {
     constexpr double kAttack = 0.012 * kSampleRate;
@@ -54,7 +54,7 @@ void Add(std::vector<float>& samples, const Note& note)
     }
 }
 
-// The melody walks up and down the scale and rests now and then.
+// The melody moves up and down the scale with occasional rests.
 void AddMelody(std::vector<float>& samples, std::mt19937& random, double root, double beat)
 {
     const double end = static_cast<double>(samples.size()) / kSampleRate;

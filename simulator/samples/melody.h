@@ -1,5 +1,5 @@
 /// @file
-/// Short melodies, synthesised: something pleasant to fill sample files with.
+/// Synthesizes short melodies for sample files.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,7 @@ namespace ipodsim
 {
 constexpr int kSampleRate = 44100;
 
-/// Mono samples from -1 to 1. Plucked notes of a pentatonic scale over a slow bass; each seed gives its own melody, the
-/// same one every time.
+/// Returns mono samples between -1 and 1: plucked notes of a pentatonic scale over a slow bass. The seed determines the
+/// melody.
 std::vector<float> Melody(unsigned seed, int seconds);
 }  // namespace ipodsim

@@ -49,7 +49,7 @@ struct SampleAlbum
     std::vector<Sample> samples;
 };
 
-// Artists and titles are invented.
+// Artists and titles are fictitious.
 const std::vector<SampleAlbum>& Albums()
 {
     static const std::vector<SampleAlbum> albums = {
@@ -83,7 +83,7 @@ TagLib::ByteVector ToByteVector(const Bytes& bytes)
     return {reinterpret_cast<const char*>(bytes.data()), static_cast<unsigned>(bytes.size())};
 }
 
-// The list that it is added to owns it.
+// Owned by the list that it is added to.
 TagLib::FLAC::Picture* FlacPicture(const Picture& cover)
 {
     auto* const picture = new TagLib::FLAC::Picture;
@@ -95,7 +95,7 @@ TagLib::FLAC::Picture* FlacPicture(const Picture& cover)
     return picture;
 }
 
-// The tag that it is added to owns it.
+// Owned by the tag that it is added to.
 TagLib::ID3v2::AttachedPictureFrame* Id3Picture(const Picture& cover)
 {
     auto* const frame = new TagLib::ID3v2::AttachedPictureFrame;
@@ -116,7 +116,7 @@ void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index
 {
     const auto text = [](const char* utf8) { return TagLib::String(utf8, TagLib::String::UTF8); };
     TagLib::FileRef reference(file.c_str());
-    if (reference.isNull()) throw std::runtime_error(file.string() + ": cannot be read back");
+    if (reference.isNull()) throw std::runtime_error(file.string() + ": cannot read the file back");
     TagLib::Tag& tag = *reference.tag();
     tag.setTitle(text(album.samples[index].title));
     tag.setArtist(text(album.artist));
@@ -124,7 +124,7 @@ void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index
     tag.setGenre(text(album.genre));
     tag.setTrack(static_cast<unsigned>(index) + 1);
     AddPicture(reference.file(), cover);
-    if (!reference.save()) throw std::runtime_error(file.string() + ": its tags cannot be written");
+    if (!reference.save()) throw std::runtime_error(file.string() + ": cannot write the tags");
 }
 
 void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number)

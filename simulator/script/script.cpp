@@ -16,7 +16,7 @@ std::string TupleOf(GDBusArgInfo* const* arguments)
     return type + ")";
 }
 
-// An empty type leaves it to the text.
+// An empty type leaves the type to the text.
 GVariant* ParseVariant(const std::string& type, const std::string& text)
 {
     GError* error = nullptr;
@@ -68,7 +68,7 @@ GVariant* BodyOf(const Reply& reply, const std::string& method)
 {
     const GDBusMethodInfo* const info =
         g_dbus_interface_info_lookup_method(com_zarn_linux_ipod_interface_info(), method.c_str());
-    if (info == nullptr) throw std::runtime_error("no method of the interface is named '" + method + "'");
+    if (info == nullptr) throw std::runtime_error("the interface has no method '" + method + "'");
     return ParseVariant(reply.malformed ? "" : TupleOf(info->out_args), reply.body);
 }
 
@@ -76,7 +76,7 @@ GVariant* BodyOfSignal(const std::string& signal, const std::string& text)
 {
     const GDBusSignalInfo* const info =
         g_dbus_interface_info_lookup_signal(com_zarn_linux_ipod_interface_info(), signal.c_str());
-    if (info == nullptr) throw std::runtime_error("no signal of the interface is named '" + signal + "'");
+    if (info == nullptr) throw std::runtime_error("the interface has no signal '" + signal + "'");
     return ParseVariant(TupleOf(info->args), text);
 }
 

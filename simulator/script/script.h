@@ -1,5 +1,5 @@
 /// @file
-/// Replies by hand, past the checks of GDBus: they may have types that the contract does not allow.
+/// Scripted replies that bypass the type checks of GDBus: they may violate the contract.
 #pragma once
 
 #include <ipodsim_script.h>
@@ -8,13 +8,14 @@
 
 namespace ipodsim
 {
-/// The body of a reply to @p method, floating.
-/// @throws std::runtime_error  it is not GVariant text, or not of the contract's types where it must be
+/// Builds the body of a reply to @p method; floating.
+/// @throws std::runtime_error  the body is not valid GVariant text, or has the wrong type although it must obey the
+///                             contract
 GVariant* BodyOf(const Reply& reply, const std::string& method);
 
-/// The body of a signal, floating; throws as BodyOf().
+/// Builds the body of a signal; floating. Throws like BodyOf().
 GVariant* BodyOfSignal(const std::string& signal, const std::string& text);
 
-/// Sends a body of any type unless the caller expects none, and takes over the invocation.
+/// Sends a body of any type unless the caller expects no reply. Takes ownership of the invocation.
 void SendReply(GDBusMethodInvocation* invocation, GVariant* body);
 }  // namespace ipodsim

@@ -24,7 +24,7 @@ void RequireSuccess(bool holds, const GError* error)
     if (!holds) throw std::runtime_error(error == nullptr ? "scripted service" : error->message);
 }
 
-// A reply that waits on the service's context for its time.
+// A delayed reply, scheduled on the service's context.
 struct LateReply
 {
     GDBusMethodInvocation* invocation;
@@ -124,7 +124,7 @@ void ScriptedService::OnMethodCall(GDBusConnection*, const gchar*, const gchar*,
     if (reaction)
         reaction(invocation);
     else
-        g_dbus_method_invocation_return_dbus_error(invocation, "com.example.NotTold", method);
+        g_dbus_method_invocation_return_dbus_error(invocation, "com.example.NotScripted", method);
 }
 
 void ScriptedService::Respond(GDBusMethodInvocation* invocation, const Reply& reply)
@@ -168,7 +168,7 @@ void ScriptedService::On(const std::string& method, Handler handler)
     React(method,
           [handler = std::move(handler)](GDBusMethodInvocation* invocation)
           {
-              // No exception may pass through GLib.
+              // Exceptions must not propagate through GLib.
               try
               {
                   Respond(invocation, handler(g_dbus_method_invocation_get_parameters(invocation)));

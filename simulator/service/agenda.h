@@ -1,5 +1,5 @@
 /// @file
-/// Things to do later.
+/// Delayed tasks.
 #pragma once
 
 #include <glib.h>
@@ -9,7 +9,7 @@
 
 namespace ipodsim
 {
-/// Does them on a main context; what is left when it is destroyed is not done. Only one thread may use it.
+/// Runs tasks on a main context; its destruction drops pending tasks. Not thread-safe.
 class Agenda
 {
 public:

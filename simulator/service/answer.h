@@ -1,5 +1,5 @@
 /// @file
-/// From a generated skeleton's "handle-…" signals to plain functions and back: the one place where requests pass.
+/// Connects the generated skeleton's "handle-…" signals to plain functions. Every request passes through here.
 #pragma once
 
 #include <gio/gio.h>
@@ -15,17 +15,17 @@
 
 namespace ipodsim
 {
-/// The arguments of a request are not valid; the reply is org.freedesktop.DBus.Error.InvalidArgs.
+/// The arguments of a request are invalid; the reply is org.freedesktop.DBus.Error.InvalidArgs.
 class InvalidRequest : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// @param work  carries the request out and returns the body of the reply, floating; what it throws becomes an error
+/// @param work  executes the request and returns the body of the reply, floating; an exception becomes an error reply
 void Serve(Service& service, GDBusMethodInvocation* invocation, const std::function<GVariant*()>& work);
 
-/// One method of an interface: the skeleton's signal and what is connected to it.
+/// One method of an interface: the skeleton's signal and its callback.
 struct MethodRow
 {
     const char* signal;
@@ -79,7 +79,7 @@ GVariant* ToBody(const Values&... values)
     return g_variant_builder_end(&builder);
 }
 
-// What the generated function that replies would take for a value.
+// The parameter type of a value in the generated reply function.
 template <class Value>
 using Generated = std::conditional_t<std::is_same_v<Value, std::string>, const gchar*,
                                      std::conditional_t<std::is_same_v<Value, bool>, gboolean, Value>>;
@@ -110,7 +110,8 @@ template <auto complete, auto handler, class Object, class... In>
 struct Bound
 {
     using Out = decltype(Run<handler>(std::declval<Service&>(), std::declval<In>()...));
-    static_assert(Fits<Object, decltype(complete), Out>::value, "the handler's result is what the method answers");
+    static_assert(Fits<Object, decltype(complete), Out>::value,
+                  "the handler's result must match the method's out-arguments");
 
     static gboolean Call(Object*, GDBusMethodInvocation* invocation, In... in, gpointer self)
     {
@@ -125,9 +126,9 @@ struct Bound
 };
 }  // namespace answer
 
-/// Binds a method to @p handler, a function that takes the service and the in-arguments and returns the out-argument,
-/// a tuple of them, or nothing. @p complete is the generated function that would reply: it stands here for the types of
-/// the out-arguments. Types that differ from the interface's do not compile.
+/// Binds a method to @p handler, which receives the service and the in-arguments and returns the out-argument, a tuple
+/// of several, or nothing. @p complete is the generated reply function; only its parameter types are used. Types that
+/// differ from the interface's do not compile.
 template <auto complete, auto handler, class Interface, class Object, class... In>
 MethodRow Method(const char* signal, gboolean (*Interface::*)(Object*, GDBusMethodInvocation*, In...))
 {

@@ -7,7 +7,7 @@ namespace ipodsim
 {
 namespace
 {
-// Throws with what GLib reports, and releases it.
+// Throws GLib's message and releases the error.
 void Check(GError* error, const std::string& what)
 {
     if (error == nullptr) return;

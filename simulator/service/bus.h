@@ -1,5 +1,5 @@
 /// @file
-/// A connection to the session bus that belongs to one service.
+/// A private connection of one service to the session bus.
 #pragma once
 
 #include <gio/gio.h>
@@ -20,23 +20,23 @@ using ObjectPtr = std::unique_ptr<Object, Unref>;
 class Bus
 {
 public:
-    /// Connects, not shared with anybody in this process. Events come on the thread-default main context.
+    /// Opens a private connection. Events arrive in the thread-default main context.
     /// @throws std::runtime_error  there is no session bus
     Bus();
-    /// Closes the connection, which gives the names back.
+    /// Closes the connection, which releases the names.
     ~Bus();
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
 
     GDBusConnection* Connection() const { return m_connection.get(); }
 
-    /// @throws std::runtime_error  it cannot be exported
+    /// @throws std::runtime_error  the object cannot be exported
     void Export(GDBusInterfaceSkeleton* skeleton, const char* path) const;
-    /// @throws std::runtime_error  somebody else owns it; the message says which process
+    /// @throws std::runtime_error  the name already has an owner; the message identifies the process
     void Own(const char* name) const;
-    /// Returns when everything that was sent has left.
+    /// Blocks until everything sent has left the process.
     void Flush() const;
-    /// @p lost is called when the bus goes away.
+    /// Sets the function to call when the bus disconnects.
     void OnLost(std::function<void()> lost);
 
 private:

@@ -1,5 +1,5 @@
 /// @file
-/// What the service was asked, and what it answered.
+/// The log of requests and replies.
 #pragma once
 
 #include <glib.h>
@@ -18,40 +18,40 @@ struct VariantUnref
 };
 using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;
 
-/// @param value  a floating one is taken over, of another one a reference is added
+/// @param value  a floating reference is consumed, otherwise a reference is added
 inline VariantPtr Own(GVariant* value)
 {
     return VariantPtr(g_variant_ref_sink(value));
 }
 
-/// In the notation of GVariant texts, for example "(true, 3)".
+/// GVariant text format, for example "(true, 3)".
 std::string ToText(GVariant* value);
 
-/// The same for people: of many bytes only how many, for example "(<[1040 bytes]>,)".
+/// The same, with long byte arrays abbreviated, for example "(<[1040 bytes]>,)".
 std::string ToShortText(GVariant* value);
 
 struct LoggedCall
 {
-    std::int64_t time = 0;  ///< when it came, microseconds since 1970
+    std::int64_t time = 0;  ///< time of arrival, in microseconds since 1970-01-01 UTC
     std::string sender;     ///< unique bus name
     std::string method;
     std::shared_ptr<GVariant> arguments;  ///< a tuple
-    std::string error;                    ///< name of the error that was answered; empty when none was
-    std::shared_ptr<GVariant> answer;     ///< a tuple; with an error its message; null when nothing was answered
+    std::string error;                    ///< name of the error reply; empty if there was none
+    std::shared_ptr<GVariant> answer;     ///< a tuple, or the error's message; null without a reply
 };
 
-/// Keeps the last ten thousand, as far as they fit into one message of the bus. Lives on the service's thread.
+/// Keeps the last 10,000 calls, as far as they fit into one D-Bus message. Lives on the service's thread.
 class CallLog
 {
 public:
     static constexpr std::size_t kMost = 10000;
-    static constexpr std::size_t kMostBytes = std::size_t{32} << 20U;  // of arguments and answers
+    static constexpr std::size_t kMostBytes = std::size_t{32} << 20U;  // of arguments and replies
 
     void Add(LoggedCall call);
     void Clear();
     const std::deque<LoggedCall>& Calls() const { return m_calls; }
 
-    /// Called with each that is added.
+    /// Called for each added call.
     std::function<void(const LoggedCall&)> added;
 
 private:

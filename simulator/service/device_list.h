@@ -1,5 +1,5 @@
 /// @file
-/// The attached devices and the one that is browsed.
+/// The attached devices and the browsed one.
 #pragma once
 
 #include <memory>
@@ -13,31 +13,31 @@ namespace ipodsim
 struct Device
 {
     std::string name;
-    std::string folder;  ///< where its music lies; empty for the built-in library
+    std::string folder;  ///< folder of its music; empty for the built-in library
     Database database;
 };
 
-/// May be empty: everything was detached.
+/// Empty if every device is detached.
 class DeviceList
 {
 public:
-    /// The first device to come is the one that is browsed.
+    /// The first attached device becomes the browsed one.
     void Attach(const std::string& name, Library library, const std::string& folder = {});
-    /// Takes away the first device of that name; false when there is none. When it was the one that is browsed, the
-    /// first of the others is browsed from now on.
+    /// Removes the first device of that name; false if there is none. If it was the browsed one, the first remaining
+    /// device takes its place.
     bool Detach(const std::string& name);
-    /// The same for the device whose music lies in a folder.
+    /// The same for the device with the music in a folder.
     bool DetachFolder(const std::string& folder);
-    /// The device whose music lies in a folder; null when there is none.
+    /// The device with the music in a folder; null if there is none.
     Device* OfFolder(const std::string& folder);
-    /// False when there is no such device.
+    /// Selects the browsed device; false if the index does not exist.
     bool Choose(int index);
 
     std::size_t Count() const { return m_devices.size(); }
     std::vector<std::string> Names() const;
-    /// What all devices hold, without playlists.
+    /// The contents of all devices, without playlists.
     Library Everything() const;
-    /// Null when no device is attached.
+    /// The browsed device; null if no device is attached.
     Device* Current() { return m_current; }
 
 private:

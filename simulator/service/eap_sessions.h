@@ -1,5 +1,5 @@
 /// @file
-/// The accessory sessions that are open.
+/// Open accessory sessions.
 #pragma once
 
 #include <cstddef>
@@ -8,15 +8,15 @@
 
 namespace ipodsim
 {
-/// Numbers run from 1 to 65535 and then from 1 again; a number in use is passed over.
+/// Numbers run from 1 to 65535 and then wrap to 1; numbers in use are skipped.
 class EapSessions
 {
 public:
-    /// The unit told its protocols: apps may open sessions from now on.
+    /// The head unit announced its protocols: apps may now open sessions.
     void Announce() { m_announced = true; }
     bool Announced() const { return m_announced; }
 
-    /// Opens a session and returns its number; 0 when all are in use.
+    /// Opens a session and returns its number; 0 if all are in use.
     std::uint16_t Open()
     {
         constexpr std::size_t kSessions = 65535;
@@ -26,11 +26,11 @@ public:
         m_open.insert(m_last);
         return m_last;
     }
-    /// False when the session is not open.
+    /// False if the session is not open.
     bool Close(std::uint16_t session) { return m_open.erase(session) != 0; }
     bool IsOpen(std::uint16_t session) const { return m_open.count(session) != 0; }
 
-    /// The number that was given out last; 0 when none was.
+    /// The number assigned last; 0 if none.
     std::uint16_t Last() const { return m_last; }
 
 private:

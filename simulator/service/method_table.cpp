@@ -1,4 +1,4 @@
-// The 46 methods of com.zarn.linux.ipod in the order of its XML, with what is done.
+// The 46 methods of com.zarn.linux.ipod in the order of the XML, with their handlers.
 #include <iterator>
 
 #include "service/answer.h"
@@ -10,7 +10,7 @@ namespace
 {
 using Interface = ComZarnLinuxIpodIface;
 
-// The generated names of one member: who replies, and the signal that asks for it.
+// The generated names of one member: the reply function and the request signal.
 #define ROW(member, handler) \
     Method<com_zarn_linux_ipod_complete_##member, &requests::handler>("handle_" #member, &Interface::handle_##member)
 
@@ -63,7 +63,7 @@ const MethodRow kMethods[] = {
     ROW(carplay_connect_status_notify, CarplayConnectStatusNotify),
 };
 #undef ROW
-static_assert(std::size(kMethods) == 46, "every method of the interface has its row");
+static_assert(std::size(kMethods) == 46, "every method of the interface needs a row");
 }  // namespace
 
 void AnswerRequests(ComZarnLinuxIpod* skeleton, Service& service)

@@ -1,6 +1,6 @@
 /// @file
-/// What the service answers to each of the 46 methods of com.zarn.linux.ipod; the descriptions stand in its XML.
-/// Names are those of the bus. Variants that are returned are floating, those that are taken stay the caller's.
+/// The handlers of the 46 methods of com.zarn.linux.ipod, which its XML describes. Names are those of the bus. Returned
+/// variants are floating; arguments are borrowed.
 #pragma once
 
 #include <glib.h>
@@ -12,7 +12,7 @@
 
 namespace ipodsim
 {
-/// Answers every method of @p skeleton from now on.
+/// Handles every method of @p skeleton from now on.
 void AnswerRequests(ComZarnLinuxIpod* skeleton, Service& service);
 
 namespace requests
@@ -57,7 +57,7 @@ bool EnterDeviceChildList(Service& service, gint index);
 bool GetDeviceList(Service& service);
 gint GetDeviceAmount(Service& service);
 
-// Device, unit and accessory sessions: requests_device.cpp
+// Device, head unit, and accessory sessions: requests_device.cpp
 void SetTransmissionState(Service& service, guchar state);
 void SetHubTestMode(Service& service, guchar mode);
 std::tuple<guchar, std::string> GetCarplayDeviceDetectStatus(Service& service);

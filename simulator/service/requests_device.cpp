@@ -2,7 +2,8 @@
 
 namespace ipodsim::requests
 {
-// The simulated device has no audio path and no hub: the three notices below are taken, and show with --verbose.
+// The simulated device has no audio path and no hub: the three notifications below have no effect, but --verbose logs
+// them.
 void SetTransmissionState(Service&, guchar) {}
 
 void SetHubTestMode(Service&, guchar) {}
@@ -30,14 +31,14 @@ std::string GetIpodAppBundleName(Service& service)
     return service.unit.foregroundApp;
 }
 
-// The app that is launched opens a session on the first protocol at once.
+// A launched app opens a session on the first protocol at once.
 bool EapLaunchApp(Service& service, const gchar* bundle)
 {
     if (!service.eap.Announced() || *bundle == '\0') return false;
     return service.OpenEapSession(0) != 0;
 }
 
-// The app at the other end sends back what it receives.
+// The app at the other end echoes what it receives.
 bool EapWrite(Service& service, guint16 session)
 {
     if (!service.eap.IsOpen(session)) return false;

@@ -6,8 +6,8 @@ namespace ipodsim::requests
 {
 namespace
 {
-// Puts entries begin to end, both inclusive, into a vector, as far as they exist. False when none does: the vector is
-// empty then.
+// Copies the existing entries from begin to end, inclusive, into a vector. If there are none, empties the vector and
+// returns false.
 template <class NameAt>
 bool FillPage(QBXStringPageVector& vector, gint begin, gint end, std::size_t size, NameAt nameAt)
 {
@@ -75,8 +75,8 @@ std::tuple<bool, bool, bool> GetCurDbListItemsPinyin(Service& service, gint begi
     return WithFlags(service, FillPinyin(*service.segments.dbListPinyin, CurrentLevel(service), begin, end));
 }
 
-// A device that synchronises would list here what has changed so far. Nothing changes on this one but the level that
-// is shown, so it is that level.
+// A real device lists here what a synchronization has changed so far. The simulated one never synchronizes and returns
+// the current level.
 bool GetUpdateListItems(Service& service, gint begin, gint end)
 {
     return FillNames(*service.segments.updateList, CurrentLevel(service), begin, end);

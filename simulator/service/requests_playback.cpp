@@ -9,7 +9,7 @@ namespace
 {
 constexpr int kMsPerSecond = 1000;
 
-// Buttons of the simulated remote control: the first word of the record of SetButtonStatus.
+// Buttons of the simulated remote control: the first word of SetButtonStatus's record.
 enum Button : std::uint32_t
 {
     kPlayPause = 0,
@@ -41,7 +41,7 @@ GVariant* GetCurrentMediaInfo(Service& service)
     return Pack(service.signals.RecordOf(service.player));
 }
 
-// With an empty playing list all songs are played.
+// If the playing list is empty, all songs are played.
 bool Play(Service& service, guchar option)
 {
     if (option < IPOD_PLAY_START || option > IPOD_PLAY_RESTART) return false;
@@ -84,7 +84,7 @@ gint GetPlayStatus(Service& service)
     return service.player.Status();
 }
 
-// A number that is no mode leaves the mode as it is; the signal tells which one that is.
+// An invalid number leaves the mode unchanged; the signal reports the current mode.
 void SetShuffleMode(Service& service, guchar mode)
 {
     const bool known = mode <= IPOD_SHUFFLE_ALBUMS;

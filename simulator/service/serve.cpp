@@ -16,7 +16,7 @@ constexpr char kFailed[] = "com.zarn.linux.ipod.Error.Failed";
 constexpr char kInvalid[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr std::uint32_t kDelayMs = 1000;
 
-// What is to be answered: a body, or an error and its message.
+// A reply: a body, or an error and its message.
 struct Answer
 {
     VariantPtr body;
@@ -26,7 +26,7 @@ struct Answer
 
 Answer CarryOut(const std::function<GVariant*()>& work)
 {
-    // No exception may pass through GLib.
+    // Exceptions must not propagate through GLib.
     try
     {
         return {Own(work()), {}, {}};
@@ -41,7 +41,7 @@ Answer CarryOut(const std::function<GVariant*()>& work)
     }
 }
 
-// One request on its way to its answer.
+// A request in progress.
 class Request
 {
 public:
@@ -63,7 +63,7 @@ public:
         if (!answer.error.empty())
             return g_dbus_method_invocation_return_dbus_error(m_invocation, answer.error.c_str(),
                                                               answer.message.c_str());
-        // By hand: the ordinary way refuses types that differ from the interface's.
+        // Built by hand: GDBus rejects types that differ from the interface's.
         SendReply(m_invocation, answer.body.get());
     }
 
@@ -92,7 +92,7 @@ private:
 
 void ReplyLater(Service& service, Request request, Answer answer, double milliseconds)
 {
-    // A function that is kept must be copyable.
+    // std::function requires a copyable target.
     const auto kept = std::make_shared<Answer>(std::move(answer));
     service.agenda.After(milliseconds, [request, kept]() mutable { request.Reply(*kept); });
 }
@@ -100,7 +100,7 @@ void ReplyLater(Service& service, Request request, Answer answer, double millise
 void ReplyWrongly(Service& service, Request request, const Fault& fault, const std::function<GVariant*()>& work)
 {
     if (fault.kind == FaultKind::Error)
-        return request.Reply({nullptr, fault.parameter.empty() ? kFailed : fault.parameter, "a fault on purpose"});
+        return request.Reply({nullptr, fault.parameter.empty() ? kFailed : fault.parameter, "injected fault"});
     Answer answer = CarryOut(work);
     FalsifyVector(service.segments, request.Method(), fault.kind);
     if (answer.body != nullptr) answer.body = Own(Falsify(answer.body.get(), fault));
@@ -120,7 +120,7 @@ void ReplyWrongly(Service& service, Request request, const Fault& fault, const s
             return request.Reply(answer);
     }
 }
-// The reply that a test prescribes.
+// The reply that a test scripted.
 void ReplyByHand(Service& service, Request request, const Handler& handler)
 {
     Reply reply;

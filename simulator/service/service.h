@@ -1,6 +1,6 @@
 /// @file
-/// The state of the simulated service: devices, database, playback, accessory sessions. The requests of the bus
-/// (requests.h) and the actions work on it; what changes in playback goes out as signals.
+/// The state of the simulated service: devices, database, playback, accessory sessions. Bus requests (requests.h) and
+/// actions operate on it; playback changes are emitted as signals.
 #pragma once
 
 #include <QBXIpodTypes.h>
@@ -24,7 +24,7 @@
 
 namespace ipodsim
 {
-/// What the unit or its user told the service, and what can be asked back.
+/// State that the head unit or an action has set, and that getters return.
 struct UnitState
 {
     int carplay = APPLE_DEVICE_NOT_DETECTED;
@@ -45,9 +45,9 @@ public:
         double speed = 1;
         unsigned seed = 0;
         Log warn;
-        Log logRequest;                                      ///< empty: requests are not logged
-        std::function<void(Segments&, const Fault&)> crash;  ///< ends the process; empty: it may not be ended
-        std::function<void(unsigned)> restart;               ///< leaves the bus and returns so many times; 0 ends that
+        Log logRequest;                                      ///< empty to log no requests
+        std::function<void(Segments&, const Fault&)> crash;  ///< ends the process; empty if that is not allowed
+        std::function<void(unsigned)> restart;               ///< leaves the bus and returns that many times; 0 stops it
     };
 
     /// @throws std::runtime_error  shared memory cannot be used
@@ -61,10 +61,10 @@ public:
     UnitState unit;
     Agenda agenda;
     CallLog calls;
-    std::map<std::string, Handler> handlers;  ///< of methods that a test answers
+    std::map<std::string, Handler> handlers;  ///< handlers set by a test, by method
     std::shared_ptr<Faults> faults = std::make_shared<Faults>();
 
-    /// The database that is browsed; null when no device is attached.
+    /// The browsed database; null if no device is attached.
     Database* Browsed();
 
     /// Called with the title of a scenario after its last step.
@@ -72,30 +72,30 @@ public:
 
     void Warn(const std::string& line) const { m_settings.warn(line); }
 
-    /// @param keep  whether it belongs into the log of calls
+    /// @param keep  whether to add it to the call log
     void LogCall(const LoggedCall& call, bool keep);
 
-    /// Dies, as a fault wants it. Does nothing but warn where it may not.
+    /// Crashes as the fault requires; only warns if crashing is not allowed.
     void Crash(const Fault& fault);
     bool MayCrash() const { return static_cast<bool>(m_settings.crash); }
     void Restart(unsigned times) const { m_settings.restart(times); }
 
-    /// What a time of the track's clock takes.
+    /// Converts time on the track's clock to real time.
     double RealSeconds(double seconds) const { return seconds / m_settings.speed; }
-    /// What passes on the track's clock in that time.
+    /// Converts real time to time on the track's clock.
     double TrackSeconds(double seconds) const { return seconds * m_settings.speed; }
-    /// Does work after so much time of the track's clock.
+    /// Runs @p work after a time on the track's clock.
     void AfterSeconds(double seconds, std::function<void()> work);
 
-    /// Takes a device away and reports it; playback stops when it is the one that is browsed. False when there is none
-    /// of that name, or with music in that folder.
+    /// Detaches a device and reports it; playback stops if it is the browsed one. False if no device has that name or
+    /// folder.
     bool DetachDevice(const std::string& name);
     bool DetachFolder(const std::string& folder);
 
-    /// Opens an accessory session, reports it, and returns its number; 0 when all are in use.
+    /// Opens an accessory session, reports it, and returns its number; 0 if all are in use.
     std::uint16_t OpenEapSession(int protocol);
 
-    /// As after a start: nothing plays, no session is open. The devices stay.
+    /// Restores the state after a start: nothing plays, no session is open. Keeps the devices.
     void Reset();
 
 private:

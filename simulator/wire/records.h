@@ -1,5 +1,5 @@
 /// @file
-/// Records as they travel inside variants: fixed sizes, little-endian, NUL-terminated texts.
+/// The records inside variants: fixed size, little-endian, NUL-terminated strings.
 #pragma once
 
 #include <glib.h>
@@ -38,14 +38,14 @@ struct AccessoryRecord
 static_assert(sizeof(AccessoryRecord) == 512, "size on the wire");
 
 /// @param entries      number of entries in the playing list
-/// @param deliverable  whether its artwork, if there is any, can be delivered
+/// @param deliverable  whether its artwork, if any, can be delivered
 TrackRecord ToRecord(const Track& track, std::size_t entries, bool deliverable);
 
-/// Of a picture that is to be seen, and of none.
+/// The heads for an image and for no image.
 ArtworkHead HeadOf(const Picture& picture);
 ArtworkHead HeadOfNone();
 
-/// A variant "v" that holds the bytes as "ay"; floating.
+/// Wraps the bytes in a variant "v" holding an "ay"; floating.
 GVariant* Pack(const void* data, std::size_t size);
 
 template <class Record>
@@ -54,7 +54,7 @@ GVariant* Pack(const Record& record)
     return Pack(&record, sizeof(record));
 }
 
-/// False, and nothing written, unless @p value is a "v" holding an "ay" of exactly @p size bytes.
+/// Returns false and writes nothing unless @p value is a "v" holding an "ay" of exactly @p size bytes.
 bool Unpack(GVariant* value, void* data, std::size_t size);
 
 template <class Record>

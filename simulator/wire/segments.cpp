@@ -23,7 +23,7 @@ namespace
 {
 namespace bip = boost::interprocess;
 
-// Whether somebody has begun to create the segment and not finished: its first word is 0 or 1 till then.
+// Whether the segment's creation has begun but not finished: its first word is 0 or 1 until then.
 bool HalfMade(const char* name)
 {
     const int object = shm_open(name, O_RDONLY | O_NONBLOCK, 0);
@@ -34,11 +34,11 @@ bool HalfMade(const char* name)
     return !finished;
 }
 
-// Whoever makes a segment or works in it needs a moment; who died in the meantime never ends.
+// Retry for a while: a creator or lock holder that is alive finishes soon, a dead one never does.
 constexpr int kTries = 3000;
 constexpr auto kBetween = std::chrono::milliseconds(1);
 
-// Boost would wait for ever for a creator that died.
+// Boost would wait forever for a dead creator.
 void WaitUntilMade(const char* name)
 {
     for (int tries = 0; HalfMade(name); ++tries)
@@ -48,8 +48,8 @@ void WaitUntilMade(const char* name)
     }
 }
 
-// A segment says itself how long it is, and its object may be longer; in one of zeros, Boost would follow null
-// pointers.
+// A segment's header stores its length, which may be less than that of the shared-memory object. In an all-zero segment
+// Boost would dereference null pointers.
 void CheckLength(const QBXSharedSegment& segment, const char* name)
 {
     struct stat status
@@ -62,7 +62,7 @@ void CheckLength(const QBXSharedSegment& segment, const char* name)
         throw std::runtime_error("it is damaged or was made for another word size");
 }
 
-// For a lock inside the segment Boost would wait ten seconds and say nothing of use.
+// Boost would wait ten seconds for a lock in the segment and give no useful reason.
 void WaitUntilUnlocked(QBXSharedSegment& segment)
 {
     const auto nothing = [] {};
@@ -73,7 +73,7 @@ void WaitUntilUnlocked(QBXSharedSegment& segment)
     }
 }
 
-// What stands in the way is no segment: to remove one does not help.
+// The error is not caused by a segment: removing one would not help.
 class OfTheMachine : public std::runtime_error
 {
 public:
@@ -87,10 +87,10 @@ bool IsOfTheMachine(int error)
 
 [[noreturn]] void ThrowNoRoom(std::uint64_t bytes)
 {
-    throw OfTheMachine("no room for its " + std::to_string(bytes) + " bytes; make room in /dev/shm and start again");
+    throw OfTheMachine("no space for its " + std::to_string(bytes) + " bytes; free space in /dev/shm and start again");
 }
 
-// Whoever writes to a page for which there is no room is killed, and Boost writes when it creates.
+// Writing to a page that cannot be allocated raises SIGBUS, and Boost writes when it creates.
 void RequireRoom(const char* name, std::uint64_t size)
 {
     struct stat status
@@ -104,7 +104,7 @@ void RequireRoom(const char* name, std::uint64_t size)
     if (limited && std::uint64_t{room.f_bavail} * room.f_frsize < size) ThrowNoRoom(size);
 }
 
-// Gives a segment the pages that it has not got yet. Its length stays, whatever it is.
+// Allocates the missing pages of a segment without changing its length.
 void ReservePages(const char* name)
 {
     const int object = shm_open(name, O_RDWR, 0);
@@ -122,10 +122,11 @@ void ReservePages(const char* name)
 [[noreturn]] void Fail(const char* name, const std::string& wrong)
 {
     throw std::runtime_error(std::string("shared memory ") + name + ": " + wrong +
-                             "; stop all applications of the service, remove /dev/shm/" + name + " and start again");
+                             "; stop all applications that use the service, remove /dev/shm/" + name +
+                             " and start again");
 }
 
-// Boost's own words tell next to nothing of what does not look like a segment.
+// Boost's own messages say almost nothing about malformed segments.
 [[noreturn]] void FailInBoost(const char* name, const bip::interprocess_exception& error)
 {
     const int number = error.get_native_error();
@@ -180,7 +181,7 @@ Vector* Find(QBXSharedSegment& segment, const char* name)
     }
 }
 
-// The old page is given back first: old and new together might not fit.
+// The old page is freed first: old and new might not fit together.
 template <class Vector>
 void Empty(Vector& vector)
 {
@@ -196,7 +197,7 @@ PlayListSongNameStr ToSlot(const std::string& name)
     return slot;
 }
 
-// Throws what Boost throws.
+// Throws Boost's exceptions.
 template <class Vector, class Values>
 void Replace(Vector& vector, const Values& values)
 {
@@ -205,7 +206,7 @@ void Replace(Vector& vector, const Values& values)
     vector.insert(vector.end(), values.data(), values.data() + values.size());
 }
 
-// Everything Boost throws here means that the page cannot be shown, and must not pass through GLib.
+// Any Boost exception means that the page cannot be delivered; it must not propagate through GLib.
 template <class Vector, class Work>
 bool Filled(Vector& vector, Work work)
 {
@@ -242,7 +243,8 @@ Segments::Descriptor::~Descriptor()
     if (m_number >= 0) close(m_number);
 }
 
-// A lock of the open file: it ends with the process, whatever else of it opens and closes the segment.
+// An open-file-description lock: it lasts until the process ends, even if other code in the process opens and closes
+// the segment.
 bool Segments::Claim()
 {
     m_claim = Descriptor(shm_open(kBufferSegmentName, O_RDWR | O_CLOEXEC, 0));

@@ -14,7 +14,7 @@
 namespace ipodsim
 {
 /// Both segments, attached or created, with their ten vectors. They are never removed: clients keep them mapped, and a
-/// service that comes later finds them again. Only the service's thread may use it.
+/// later service finds them again. Lives on the service's thread.
 class Segments
 {
 public:
@@ -32,7 +32,7 @@ public:
     QBXByteVector* eapWrite = nullptr;
     QBXByteVector* eapRead = nullptr;
 
-    /// Marks the segments as those of this service for as long as it lives. False if another one has done so.
+    /// Claims the segments for this service during its lifetime. False if another service has claimed them.
     bool Claim();
 
     enum class Lock
@@ -40,15 +40,15 @@ public:
         Lists,
         Buffers,
     };
-    /// Does work while the lock of a segment is held.
+    /// Runs @p work while holding the lock of a segment.
     void WithLock(Lock lock, std::function<void()> work);
 
-    /// Replaces what is in one of the two artwork vectors. Where both pictures do not fit, the other vector is emptied.
-    /// A cover fits twice if it is smaller than about half the segment. Fails as Fill().
+    /// Replaces the contents of one of the two artwork vectors. If both images do not fit, empties the other vector. A
+    /// cover fits twice if it is smaller than about half the segment. Fails like Fill().
     bool FillArtwork(QBXByteVector& vector, const Bytes& bytes);
 
-    /// The bytes that a client left for an accessory session.
-    /// @throws std::runtime_error  what the vector says of itself points outside the segment
+    /// Returns the bytes that a client wrote for an accessory session.
+    /// @throws std::runtime_error  the vector's header points outside the segment
     Bytes TakeEapWrite() const;
 
 private:
@@ -74,8 +74,8 @@ private:
     Descriptor m_claim;
 };
 
-/// Replaces what is in a vector; names are cut to 255 bytes. False when the segment has no room for it or its lock is
-/// held by a process that died: the vector is empty then.
+/// Replaces the contents of a vector; names are truncated to 255 bytes. Returns false and leaves the vector empty if
+/// the segment has no room or its lock is held by a dead process.
 bool Fill(QBXStringPageVector& vector, const std::vector<std::string>& names);
 bool Fill(QBXByteVector& vector, const Bytes& bytes);
 }  // namespace ipodsim

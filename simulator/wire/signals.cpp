@@ -20,7 +20,7 @@ GVariant* PackMessage(const Message& message)
     return Pack(bytes.data(), bytes.size());
 }
 
-// An array of one-byte structures, which is not the same as an array of bytes.
+// An array of one-byte structures, a different D-Bus type from an array of bytes.
 GVariant* ByteStructures(const Bytes& bytes)
 {
     GVariantBuilder builder;
@@ -62,7 +62,7 @@ void Signals::ShuffleMode(const Player& player)
 
 void Signals::PlayingTrack(const Player& player)
 {
-    // First, because the record says whether there is artwork.
+    // Filled first, because the record announces whether there is artwork.
     const ArtworkHead head = FillArtwork(*m_segments.artworkChange, player);
     com_zarn_linux_ipod_emit_on_ipod_playing_track_change(m_skeleton, player.Index(), Pack(RecordOf(player)));
     com_zarn_linux_ipod_emit_on_ipod_artwork_change(m_skeleton, Pack(head));
@@ -152,7 +152,7 @@ ArtworkHead Signals::FillArtwork(QBXByteVector& vector, const Player& player)
         return HeadOf(picture);
     }
     if (m_undelivered.insert(track->file).second && !filled)
-        m_warn("no room in shared memory for the artwork of '" + track->title + "', " +
+        m_warn("no space in shared memory for the artwork of '" + track->title + "', " +
                std::to_string(picture.bytes.size()) + " bytes");
     return HeadOfNone();
 }

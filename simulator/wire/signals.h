@@ -1,5 +1,5 @@
 /// @file
-/// The twenty signals of the service. Those with bulk data fill their vector first, as the contract wants it.
+/// The twenty signals of the service. Signals with bulk data fill their vector first, as the contract requires.
 #pragma once
 
 #include <ipod.pb.h>
@@ -16,8 +16,8 @@
 
 namespace ipodsim
 {
-/// Emits on the skeleton; only on the service's thread. The events of the player name no values: they are read from
-/// the player when they are emitted.
+/// Emits on the skeleton, on the service's thread only. The values of playback signals are read from the player at
+/// emission.
 class Signals
 {
 public:
@@ -39,16 +39,16 @@ public:
     void AppBundleName(const std::string& bundleName);
     void StartEapSession(int protocol, std::uint16_t session);
     void StopEapSession(std::uint16_t session);
-    /// False, and nothing emitted, when the bytes do not fit beside the pictures.
+    /// Returns false and emits nothing if the data does not fit beside the artwork.
     bool ReceiveEapData(std::uint16_t session, const Bytes& data);
     void Carlife(int status);
     void WirelessCarPlay(bool available, const std::string& deviceAddress);
     void PairingInfo(const std::string& btAddress, const Bytes& bytes);
 
-    /// Puts the artwork of the playing track into @p vector and returns its head. Artwork that does not fit is left
-    /// out, the first time with a warning.
+    /// Copies the artwork of the playing track into @p vector and returns its head. Artwork that does not fit is
+    /// omitted, with a warning the first time.
     ArtworkHead FillArtwork(QBXByteVector& vector, const Player& player);
-    /// The record of the playing track, which has artwork unless it could not be delivered last time.
+    /// The record of the playing track. It announces artwork unless its last delivery failed.
     TrackRecord RecordOf(const Player& player) const;
 
 private:

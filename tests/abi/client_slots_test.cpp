@@ -1,4 +1,4 @@
-// The player that the library really hands out, called through its table without any header's help.
+// The player object that the library returns, called through its vtable without any header.
 #include <gtest/gtest.h>
 
 #include "slot_tables.h"

@@ -1,4 +1,4 @@
-// What the library throws crosses its border: an application catches it by the type that the header promises.
+// Exceptions cross the library boundary: applications catch them by the documented type.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace
 {
-// Takes the name of a segment with something that is no shared memory.
+// Occupies the name of a segment with an object that is not shared memory.
 class TakenName
 {
 public:
@@ -29,7 +29,7 @@ private:
 TEST(Exceptions, OfTheFirstAccessAreCaughtByTheirPublishedType)
 {
     const TakenName name;
-    if (!name.taken()) GTEST_SKIP() << "somebody uses the segments of this machine";
+    if (!name.taken()) GTEST_SKIP() << "the segments of this machine are in use";
     EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
 }
 }  // namespace

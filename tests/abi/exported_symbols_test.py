@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What the built library shows to the loader. Usage: exported_symbols_test.py LIBRARY READELF NM BOOST-VERSION"""
+"""Checks what the built library exposes to the loader. Usage: exported_symbols_test.py LIBRARY READELF NM BOOST-VERSION"""
 
 import re
 import subprocess
@@ -9,13 +9,13 @@ import unittest
 LIBRARY, READELF, NM = sys.argv[1:4]
 BOOST = tuple(int(number) for number in sys.argv[4].split("."))
 
-# The first one whose exceptions are visible to the linker, and the first one without a library boost_system.
+# The first version whose exceptions are visible to the linker, and the first one without a boost_system library.
 BOOST_SHOWS_EXCEPTIONS, BOOST_HAS_NO_SYSTEM = (1, 62), (1, 89)
 
-# A foreign function whose template argument is a message of ours exists nowhere else.
+# Foreign functions instantiated with our messages exist nowhere else.
 OURS_BY_ARGUMENT = re.compile(r"_ZN6google8protobuf5Arena18CreateMaybeMessageIN4ipod")
 
-# Without these, what the library throws would be caught by its name only in some programs and in others not.
+# Without these, whether a program can catch the library's exceptions by type would depend on the program.
 EXCEPTIONS = ("interprocess_exception", "bad_alloc", "lock_exception")
 
 

@@ -1,5 +1,5 @@
 /// @file
-/// Implementations of the interfaces that note which of their operations was called.
+/// Implementations of the interfaces that record which operation was called.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -8,7 +8,7 @@
 
 namespace slots
 {
-/// What was called last, in any recorder. Cleared by the test.
+/// The last call to any recorder. Cleared by the test.
 inline std::string called;
 
 template <class Result>

@@ -1,5 +1,5 @@
-// The published order of the virtual operations, checked twice: by where the compiler places each operation,
-// and by what answers when a slot is called as an application built against older headers calls it.
+// The published order of the virtual operations, checked twice: by the slot that the compiler assigns to each
+// operation, and by calling each slot as an application built against older headers would.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -16,7 +16,7 @@ void ExpectOrder(const std::vector<slots::Row<Interface>>& table, std::size_t fi
         EXPECT_EQ(table[i].slot, first + i) << table[i].name << " has moved within the table";
 }
 
-// A row that has moved is reported by the order test; calling what stands in its place would not be safe.
+// A moved row is reported by the order test; calling the operation in its place would not be safe.
 template <class Interface>
 void ExpectAnswers(const std::vector<slots::Row<Interface>>& table, std::size_t first, Interface* recorder)
 {

@@ -1,6 +1,6 @@
 #include "slot_tables.h"
 
-// Names stand once; the row's pointer to member keeps the type of the interface whose table is meant.
+// Each name is written once; the pointer to member determines the interface whose table is meant.
 #define ROW(Interface, operation, Result, ...) \
     MakeRow<Interface>(#operation, static_cast<Result (Interface::*)(__VA_ARGS__)>(&Interface::operation))
 
@@ -61,7 +61,7 @@ std::vector<Row<Registry>> RegistryTable()
 
 namespace
 {
-// The operations of the player, in three runs of one order, each named after most of what it has.
+// The operations of the player, in three consecutive groups, each named after its main subject.
 std::vector<Row<IQBXIpodPlayer>> PlaybackRows()
 {
     using I = IQBXIpodPlayer;

@@ -1,6 +1,6 @@
 /// @file
-/// The published order of the virtual operations. A row is never moved or removed; a new one goes to the end
-/// of the interface that is declared last, because everything after it would move.
+/// The published order of the virtual operations. Rows are never moved or removed. A new one is appended to the
+/// interface that is declared last, because all later operations would move.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -13,7 +13,7 @@ namespace slots
 {
 using Registry = IQBXListener<IQBXIpodPlayerListener>;
 
-/// The destructor takes two slots: one destroys, one deletes.
+/// The destructor occupies two slots: one destroys, one deletes.
 constexpr std::size_t kDestroySlot = 0;
 constexpr std::size_t kDeleteSlot = 1;
 constexpr std::size_t kFirstSlot = 2;
@@ -26,6 +26,6 @@ std::vector<Row<Registry>> RegistryTable();
 /// The player's own part, which follows the notifications of IQBXIpodPlayerListener.
 std::vector<Row<IQBXIpodPlayer>> PlayerTable();
 
-/// The slot after the player's last: the client keeps its own receiver of progress there.
+/// The slot after the player's last one: the client's own progress handler.
 std::size_t ClientProgressSlot();
 }  // namespace slots

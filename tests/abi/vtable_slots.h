@@ -1,6 +1,6 @@
 /// @file
-/// Where a virtual operation stands in its table, and calling it there: what an application that was built
-/// against older headers does. Follows the Itanium C++ ABI and its variant for ARM.
+/// Finds the slot of a virtual operation and calls it through the table, as an application built against older headers
+/// does. Follows the Itanium C++ ABI and its ARM variant.
 #pragma once
 
 #include <cstddef>
@@ -23,16 +23,16 @@ struct MemberPointer
 template <class Operation>
 MemberPointer Words(Operation operation)
 {
-    static_assert(sizeof(Operation) == sizeof(MemberPointer), "a pointer to a member function is two words");
+    static_assert(sizeof(Operation) == sizeof(MemberPointer), "a pointer to a member function has two words");
     MemberPointer words{};
     std::memcpy(&words, &operation, sizeof(words));
     return words;
 }
 
-/// Slot of a virtual operation, from 0; nothing for an operation that is not virtual.
+/// Slot of a virtual operation, from 0; empty for a non-virtual operation.
 ///
-/// The first word holds the slot's distance in bytes. What marks it as virtual is its lowest bit, but ARM needs
-/// that bit for Thumb code and marks the adjustment instead.
+/// The first word holds the slot's distance in bytes. Its lowest bit marks it as virtual, but ARM needs that bit for
+/// Thumb code and marks the adjustment instead.
 template <class Operation>
 std::optional<std::size_t> SlotOf(Operation operation)
 {
@@ -46,8 +46,8 @@ std::optional<std::size_t> SlotOf(Operation operation)
 #endif
 }
 
-/// Calls whatever stands at @p slot of the object's table, as an operation of the given type. Every argument
-/// is a default value. @p object is the subobject whose table is meant.
+/// Calls the entry at @p slot of the object's table as an operation of the given type, with default values as
+/// arguments. @p object is the subobject with that table.
 template <class Class, class Result, class... Params>
 void CallSlot(Class* object, std::size_t slot, Result (Class::*)(Params...))
 {
@@ -57,7 +57,7 @@ void CallSlot(Class* object, std::size_t slot, Result (Class::*)(Params...))
     std::apply([&](auto&... value) { static_cast<void>(table[slot](object, static_cast<Params>(value)...)); }, values);
 }
 
-/// One operation of an interface: its name, where it stands, and how to call what stands at some slot.
+/// One operation of an interface: its name, its slot, and a function that calls a given slot.
 template <class Interface>
 struct Row
 {

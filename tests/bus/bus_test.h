@@ -1,5 +1,5 @@
 /// @file
-/// What the tests of this folder start from.
+/// The fixtures of this folder.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-/// Checks at its end that every log record names its file and its lengths as it must.
+/// Checks at the end that every log record has the required file name and lengths.
 class ClientTest : public testing::Test
 {
 protected:
@@ -32,10 +32,10 @@ protected:
     /// The player, connected to the service; the log is empty afterwards.
     IQBXIpodPlayer& Connected();
 
-    /// Sends a signal and runs the main loop until the client has had it.
+    /// Sends a signal and runs the main loop until the client has received it.
     void Deliver(const std::string& signal, const std::string& body);
 
-    /// The same with a body that the contract need not allow. Takes a floating reference.
+    /// The same with a body that may violate the contract. Consumes a floating reference.
     void DeliverBody(const std::string& signal, GVariant* body);
 
     PrivateBus bus;

@@ -12,7 +12,7 @@ using Names = std::vector<std::string>;
 
 const std::string kVoid = "void";
 
-// The one argument of a method that takes a record.
+// The argument of a method whose parameter is a record.
 std::string VariantOf(const std::string& bytes)
 {
     return std::string("(").append(BytesInVariant(bytes)).append(",)");
@@ -222,7 +222,7 @@ std::vector<Command> Lists()
     };
 }
 
-// GetCurrentMediaInfo() is not here: it asks also when there is no client.
+// GetCurrentMediaInfo() is missing: it calls the service even without a client.
 std::vector<Command> ArtworkAndDetection()
 {
     return {

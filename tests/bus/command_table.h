@@ -1,5 +1,5 @@
 /// @file
-/// The synchronous commands as data: what each one sends, returns and logs.
+/// The synchronous commands as data: what each one sends, returns, and logs.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -11,10 +11,10 @@
 
 namespace test
 {
-/// In place of a failure value: what comes back after a failed call means nothing.
+/// Replaces a failure value: the result of a failed call is meaningless.
 constexpr const char* kUnset = nullptr;
 
-/// A line at level 40 with the command as function.
+/// A line at level 40 with the command as its function.
 struct CommandLine
 {
     std::string text;
@@ -23,32 +23,32 @@ struct CommandLine
 
 struct Command
 {
-    const char* name;                                  ///< of the method, and the function of its log records
+    const char* name;                                  ///< name of the method, and function of its log records
     std::function<std::string(IQBXIpodPlayer&)> call;  ///< calls it; result and out-arguments as text
-    const char* member;                                ///< of the bus contract
-    std::string sent;                                  ///< arguments as the service sees them
-    std::string reply;                                 ///< what the service answers
-    const char* success;                               ///< then the call yields this
-    const char* notReady;                              ///< without a client
-    const char* failure;                               ///< after a failed call, or kUnset
-    const char* generated;                             ///< function that makes the call, named by the failure line
-    std::vector<CommandLine> first = {};               ///< written whether there is a client or not
-    std::vector<CommandLine> beforeCall = {};          ///< written when there is one
+    const char* member;                                ///< member of the bus contract
+    std::string sent;                                  ///< arguments as the service receives them
+    std::string reply;                                 ///< the service's reply
+    const char* success;                               ///< result of a successful call
+    const char* notReady;                              ///< result without a client
+    const char* failure;                               ///< result of a failed call, or kUnset
+    const char* generated;                             ///< generated function, which the failure line names
+    std::vector<CommandLine> first = {};               ///< written with or without a client
+    std::vector<CommandLine> beforeCall = {};          ///< written only with a client
     std::vector<CommandLine> afterCall = {};           ///< written after the call, before its failure line
 };
 
 /// Every command but Play() and CarPlayConnectStatusNotify().
 const std::vector<Command>& Commands();
 
-/// The records of a call, oldest first, as "40 FUNCTION: TEXT"; with @p failure when it is not empty.
+/// The records of a call, oldest first, as "40 FUNCTION: TEXT"; includes @p failure unless it is empty.
 std::vector<std::string> ExpectedLines(const Command& command, const std::string& failure);
 
-/// The same with the formats.
+/// The same with formats instead of texts.
 std::vector<std::string> ExpectedFormats(const Command& command, bool failed);
 
-/// The records of a call when there is no client.
+/// The records of a call without a client.
 std::vector<std::string> ExpectedLinesNotReady(const Command& command);
 
-/// Names a row in the name of a test.
+/// Name of a row for parameterized test names.
 std::ostream& operator<<(std::ostream& out, const Command& command);
 }  // namespace test

@@ -1,4 +1,4 @@
-// The synchronous commands, each through the same few situations.
+// Runs every synchronous command through the same situations.
 #include "bus/bus_test.h"
 #include "bus/command_table.h"
 #include "support/glib_messages.h"
@@ -71,7 +71,7 @@ TEST_P(CommandTest, TreatsAReplyOfTheWrongTypeAsAFailedCall)
     EXPECT_THAT(LogFormats(), ElementsAreArray(ExpectedFormats(command, true)));
 }
 
-TEST_P(CommandTest, SurvivesAServiceThatDiesInMidCall)
+TEST_P(CommandTest, SurvivesAServiceThatDiesDuringTheCall)
 {
     const Command& command = GetParam();
     IQBXIpodPlayer& player = Connected();
@@ -90,7 +90,7 @@ TEST_P(CommandTest, SurvivesAServiceThatDiesInMidCall)
     EXPECT_THAT(LogFormats(), ElementsAreArray(ExpectedFormats(command, true)));
 }
 
-TEST_P(CommandWithoutServiceTest, LogsTheReasonOfTheBusAndReturnsItsFailureValue)
+TEST_P(CommandWithoutServiceTest, LogsTheBusErrorAndReturnsItsFailureValue)
 {
     const Command& command = GetParam();
     IQBXIpodPlayer& player = Unconnected();

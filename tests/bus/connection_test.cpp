@@ -44,7 +44,7 @@ TEST_F(ConnectionTest, DeliversSignalsOfBothSpellings)
     EXPECT_THAT(journal, ElementsAre("app.OnIpodArtworkChange(1, 0, 0, 0, [])", "app.OnIpodBatteryChange(1, 50)"));
 }
 
-TEST_F(ConnectionTest, InitialisedTwiceDispatchesEachSignalTwice)
+TEST_F(ConnectionTest, DispatchesEachSignalTwiceAfterTwoInits)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -69,7 +69,7 @@ TEST_F(ConnectionTest, IgnoresSignalsThatTheContractDoesNotHave)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(ConnectionTest, FailsAfterTheServiceGaveItsNameUp)
+TEST_F(ConnectionTest, FailsAfterTheServiceReleasedItsName)
 {
     IQBXIpodPlayer& player = Connected();
 
@@ -78,7 +78,7 @@ TEST_F(ConnectionTest, FailsAfterTheServiceGaveItsNameUp)
     EXPECT_FALSE(player.InitInstance());
 }
 
-TEST_F(ConnectionWithoutServiceTest, WarnsThatThereIsNoOwnerAndFails)
+TEST_F(ConnectionWithoutServiceTest, WarnsAndFailsWithoutAnOwner)
 {
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
     ClearLog();
@@ -91,7 +91,7 @@ TEST_F(ConnectionWithoutServiceTest, WarnsThatThereIsNoOwnerAndFails)
                             "80 InitDBusConnect: persist_proxy_get_service_dbus_ready_status Owner Name is nullptr"));
 }
 
-TEST_F(ConnectionWithoutServiceTest, DeliversNothingEvenWhenTheServiceComesLater)
+TEST_F(ConnectionWithoutServiceTest, DeliversNothingEvenIfTheServiceStartsLater)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -104,7 +104,7 @@ TEST_F(ConnectionWithoutServiceTest, DeliversNothingEvenWhenTheServiceComesLater
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(ConnectionWithoutServiceTest, CommandsReachAServiceThatComesLater)
+TEST_F(ConnectionWithoutServiceTest, CommandsReachAServiceStartedLater)
 {
     IQBXIpodPlayer& player = Unconnected();
     FakeService service;
@@ -113,7 +113,7 @@ TEST_F(ConnectionWithoutServiceTest, CommandsReachAServiceThatComesLater)
     EXPECT_EQ(player.GetShuffleMode(), 2);
 }
 
-TEST_F(ConnectionWithoutServiceTest, SucceedsAtALaterTryWhenTheServiceCame)
+TEST_F(ConnectionWithoutServiceTest, SucceedsLaterOnceTheServiceHasStarted)
 {
     Journal journal;
     RecordingListener listener(journal, "app");

@@ -1,5 +1,4 @@
-// The bus contract itself: the introspection data of the generated binding, and a bare skeleton that implements
-// nothing of it.
+// The bus contract itself: the introspection data of the generated binding, and a bare skeleton without handlers.
 #include <gmock/gmock.h>
 #include <ipod_dbus.h>
 
@@ -105,7 +104,7 @@ std::vector<std::string> Declarations(const std::vector<Member>& members)
     return declarations;
 }
 
-// Some value of each type in the contract.
+// A sample value of each type in the contract.
 std::string AnyValue(const std::string& signature)
 {
     if (signature == "s") return "'text'";
@@ -114,7 +113,7 @@ std::string AnyValue(const std::string& signature)
     return "1";
 }
 
-// A tuple of one needs its comma.
+// A one-element tuple needs a trailing comma.
 GVariant* AnyArguments(const GDBusMethodInfo* method)
 {
     std::string type = "(";
@@ -128,7 +127,7 @@ GVariant* AnyArguments(const GDBusMethodInfo* method)
     return g_variant_parse(G_VARIANT_TYPE((type + ")").c_str()), text.c_str(), nullptr, nullptr, nullptr);
 }
 
-// The outcome of a call; empty while there is none.
+// The outcome of a call; empty while it is pending.
 void WriteOutcome(GObject* connection, GAsyncResult* result, gpointer outcome)
 {
     GError* error = nullptr;
@@ -138,7 +137,7 @@ void WriteOutcome(GObject* connection, GAsyncResult* result, gpointer outcome)
     g_clear_error(&error);
 }
 
-// Caller and skeleton share a thread: the loop must run while the call is on its way.
+// Caller and skeleton share a thread, so the loop must run during the call.
 std::string OutcomeOf(const GDBusMethodInfo* method, GDBusConnection* connection)
 {
     std::string outcome;
@@ -151,7 +150,7 @@ std::string OutcomeOf(const GDBusMethodInfo* method, GDBusConnection* connection
     return outcome;
 }
 
-TEST(ContractTest, HasItsMethodsInTheirOrder)
+TEST(ContractTest, HasItsMethodsInOrder)
 {
     const GDBusInterfaceInfo* const info = com_zarn_linux_ipod_interface_info();
 
@@ -165,7 +164,7 @@ TEST(ContractTest, HasItsMethodsInTheirOrder)
     EXPECT_THAT(methods, ElementsAreArray(Declarations(kMethods)));
 }
 
-TEST(ContractTest, HasItsSignalsInTheirOrder)
+TEST(ContractTest, HasItsSignalsInOrder)
 {
     const GDBusInterfaceInfo* const info = com_zarn_linux_ipod_interface_info();
 
@@ -229,7 +228,7 @@ protected:
     GDBusConnection* connection = nullptr;
 };
 
-TEST_F(SkeletonTest, AnswersThatNoMethodIsImplemented)
+TEST_F(SkeletonTest, RepliesThatNoMethodIsImplemented)
 {
     const GDBusInterfaceInfo* const info = com_zarn_linux_ipod_interface_info();
     for (GDBusMethodInfo* const* method = info->methods; *method != nullptr; ++method)
@@ -241,7 +240,7 @@ TEST_F(SkeletonTest, AnswersThatNoMethodIsImplemented)
     }
 }
 
-TEST_F(SkeletonTest, PassesPairingInformationOnAsAnArrayOfStructures)
+TEST_F(SkeletonTest, PassesPairingInformationAsAnArrayOfStructures)
 {
     std::string received;
     const auto write = +[](ComZarnLinuxIpod*, const gchar* address, GVariant* bytes, gpointer to)

@@ -1,4 +1,4 @@
-// How events are handed to listeners: copies, references, the lock, listeners that misbehave.
+// Delivery of events to listeners: copies, references, the lock, misbehaving listeners.
 #include <algorithm>
 #include <future>
 #include <stdexcept>
@@ -14,7 +14,7 @@ namespace
 {
 using DispatchTest = ServiceTest;
 
-// Changes everything it is handed as its own, after writing it down.
+// Records its arguments, then modifies those passed by value.
 class GreedyListener : public RecordingListener
 {
 public:
@@ -80,7 +80,7 @@ public:
     void OnPlayStatusChanged(iPodPlayerPlayStatus) override { throw std::runtime_error("listener"); }
 };
 
-// Asks from another thread whether the lock is free.
+// Checks from another thread whether the lock is free.
 bool OtherThreadGetsTheLock(IQBXIpodPlayer& player, std::future<void>& waiting)
 {
     waiting = std::async(std::launch::async,
@@ -104,7 +104,7 @@ public:
     std::future<void> waiting;
 };
 
-TEST_F(DispatchTest, EachListenerGetsATrackOfItsOwn)
+TEST_F(DispatchTest, EachListenerGetsItsOwnTrack)
 {
     Journal journal;
     GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
@@ -117,7 +117,7 @@ TEST_F(DispatchTest, EachListenerGetsATrackOfItsOwn)
     EXPECT_THAT(journal, ElementsAre("a." + received, "b." + received));
 }
 
-TEST_F(DispatchTest, EachListenerGetsAPictureOfItsOwn)
+TEST_F(DispatchTest, EachListenerGetsItsOwnArtwork)
 {
     SharedVectors().SetBytes("VecArtworkChangeBufferShareMemory", {1, 2});
     Journal journal;
@@ -131,7 +131,7 @@ TEST_F(DispatchTest, EachListenerGetsAPictureOfItsOwn)
                                      "b.OnIpodArtworkChange(1, 2, 3, 4, [01 02])"));
 }
 
-TEST_F(DispatchTest, EachListenerGetsTextsOfItsOwn)
+TEST_F(DispatchTest, EachListenerGetsItsOwnStrings)
 {
     Journal journal;
     GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
@@ -177,7 +177,7 @@ TEST_F(DispatchTest, AListenerMayRemoveItself)
     EXPECT_EQ(player.GetListenerCount(), 0U);
 }
 
-TEST_F(DispatchTest, AListenerMayPutAnotherInItsPlace)
+TEST_F(DispatchTest, AListenerMayReplaceItself)
 {
     struct Substituted : IQBXIpodPlayerListener
     {
@@ -210,7 +210,7 @@ TEST_F(DispatchTest, AListenerMayPutAnotherInItsPlace)
     EXPECT_EQ(std::count(journal.begin(), journal.end(), "b.OnPlayStatusChanged(2)"), 1);
 }
 
-TEST_F(DispatchTest, ARemovedListenerGetsNothingMore)
+TEST_F(DispatchTest, ARemovedListenerGetsNoMoreEvents)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -278,7 +278,7 @@ TEST_F(DispatchTest, AListenerMayUseCommands)
     EXPECT_EQ(listener.answer, 2);
 }
 
-TEST_F(DispatchTest, TheListenersProgressOperationOfTheClientItselfDoesNothing)
+TEST_F(DispatchTest, TheClientsOwnProgressListenerDoesNothing)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -291,7 +291,7 @@ TEST_F(DispatchTest, TheListenersProgressOperationOfTheClientItselfDoesNothing)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(DispatchTest, EventsComeInTheOrderOfTheirSignals)
+TEST_F(DispatchTest, EventsArriveInSignalOrder)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -328,7 +328,7 @@ TEST_F(DispatchTest, PairingInformationMayBeEmpty)
     EXPECT_THAT(LogLines(), ElementsAre("40 OnOOBPairingInfo: OnOOBPairingInfo() - , 0"));
 }
 
-TEST_F(DispatchTest, AFlagThatIsNotSetIsShownAsZero)
+TEST_F(DispatchTest, AnUnsetFlagIsLoggedAsZero)
 {
     Journal journal;
     RecordingListener listener(journal, "app");

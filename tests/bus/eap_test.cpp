@@ -1,4 +1,4 @@
-// Accessory sessions: what the service sees of texts and payloads.
+// Accessory sessions: the texts and payloads that the service receives.
 #include "bus/bus_test.h"
 #include "support/shared_vectors.h"
 
@@ -13,7 +13,7 @@ using Bytes = std::vector<unsigned char>;
 class EapTest : public ServiceTest
 {
 protected:
-    // The 512 bytes that arrive at the service.
+    // The 512 bytes that the service receives.
     std::string InitRecord(const EAPInfo& info)
     {
         service.Answer("EapInit", "()");
@@ -34,7 +34,7 @@ protected:
         return Connected();
     }
 
-    // Writes payloads of growing size until one does not fit; the size of the last that did.
+    // Writes growing payloads until one does not fit; returns the size of the last that did.
     std::size_t LargestPayload(IQBXIpodPlayer& player)
     {
         std::size_t fits = 0;
@@ -63,7 +63,7 @@ protected:
     SharedVectors vectors;
 };
 
-TEST_F(EapTest, InitSendsBothTextsInSlotsFilledWithZeros)
+TEST_F(EapTest, InitSendsBothTextsInZeroPaddedSlots)
 {
     const std::string record = InitRecord({"com.example.echo", "com.example.app"});
 
@@ -77,7 +77,7 @@ TEST_F(EapTest, InitSendsZerosForEmptyTexts)
     EXPECT_EQ(InitRecord({}), std::string(512, '\0'));
 }
 
-TEST_F(EapTest, InitKeeps255BytesWhole)
+TEST_F(EapTest, InitKeepsTextsOf255Bytes)
 {
     const std::string first(255, 'a');
     const std::string second(255, 'b');
@@ -85,14 +85,14 @@ TEST_F(EapTest, InitKeeps255BytesWhole)
     EXPECT_EQ(InitRecord({first, second}), first + '\0' + second + '\0');
 }
 
-TEST_F(EapTest, InitCutsLongerTextsToTheirFirst255Bytes)
+TEST_F(EapTest, InitTruncatesLongerTextsTo255Bytes)
 {
     const std::string record = InitRecord({std::string(256, 'a') + "tail", std::string(5000, 'b')});
 
     EXPECT_EQ(record, std::string(255, 'a') + '\0' + std::string(255, 'b') + '\0');
 }
 
-TEST_F(EapTest, LaunchSendsTheBundleAndReturnsTheAnswer)
+TEST_F(EapTest, LaunchSendsTheBundleAndReturnsTheReply)
 {
     IQBXIpodPlayer& player = Connected();
     std::string bundle = "com.example.app";
@@ -106,7 +106,7 @@ TEST_F(EapTest, LaunchSendsTheBundleAndReturnsTheAnswer)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(EapTest, LaunchSendsAnEmptyBundleToo)
+TEST_F(EapTest, LaunchSendsEvenAnEmptyBundle)
 {
     service.Answer("EapLaunchApp", "(false,)");
     std::string none;
@@ -116,7 +116,7 @@ TEST_F(EapTest, LaunchSendsAnEmptyBundleToo)
     EXPECT_THAT(service.Calls(), ElementsAre("EapLaunchApp('',)"));
 }
 
-TEST_F(EapTest, WritePutsThePayloadIntoSharedMemoryBeforeTheCall)
+TEST_F(EapTest, WriteStoresThePayloadBeforeTheCall)
 {
     Bytes seen;
     IQBXIpodPlayer& player = Connected();
@@ -136,7 +136,7 @@ TEST_F(EapTest, WritePutsThePayloadIntoSharedMemoryBeforeTheCall)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(EapTest, WriteOfNothingEmptiesTheBufferAndStillCalls)
+TEST_F(EapTest, WriteOfAnEmptyPayloadEmptiesTheBufferAndCalls)
 {
     vectors.SetBytes(kWrite, {1, 2, 3});
     Bytes nothing;
@@ -191,7 +191,7 @@ TEST_F(EapTest, WriteOfTheLargestPayloadSucceedsAndOneByteMoreThrowsWithoutACall
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(EapTest, WriteThatDoesNotFitLeavesTheBytesThatDid)
+TEST_F(EapTest, WriteThatDoesNotFitKeepsTheBytesThatDid)
 {
     IQBXIpodPlayer& player = Writing();
     Bytes tooLarge(2 * kBufferSegmentSize, 0x77);
@@ -204,7 +204,7 @@ TEST_F(EapTest, WriteThatDoesNotFitLeavesTheBytesThatDid)
     EXPECT_THAT(service.Calls(), IsEmpty());
 }
 
-TEST_F(EapTest, WriteWorksAgainAfterOneThatDidNotFit)
+TEST_F(EapTest, WriteSucceedsAfterOneThatDidNotFit)
 {
     IQBXIpodPlayer& player = Writing();
     Bytes tooLarge(2 * kBufferSegmentSize);
@@ -281,7 +281,7 @@ TEST_F(EapTest, ReceiveDeliversNoPayloadWhenTheBufferReachesBeyondItsSegment)
     EXPECT_THAT(journal, ElementsAre("app.OnIpodReceiveEapData(1, [])"));
 }
 
-TEST_F(EapTest, ReceiveCarriesTheSessionInOneByteOnly)
+TEST_F(EapTest, ReceiveCarriesOnlyTheLowByteOfTheSession)
 {
     Journal journal;
     RecordingListener listener(journal, "app");

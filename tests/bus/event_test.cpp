@@ -11,8 +11,8 @@ struct Event
 {
     const char* signal;
     std::string body;
-    std::string received;              ///< what each listener must see
-    std::vector<std::string> lines;    ///< records
+    std::string received;              ///< what each listener must receive
+    std::vector<std::string> lines;    ///< expected log lines
     std::vector<std::string> formats;  ///< their formats
 };
 
@@ -158,7 +158,7 @@ TEST_P(EventTest, ReachesThreeListenersInAscendingOrderOfTheirAddresses)
     EXPECT_THAT(LogFormats(), ElementsAreArray(event.formats));
 }
 
-TEST_P(EventTest, WritesItsLogLinesAlsoWithoutAListener)
+TEST_P(EventTest, WritesItsLogLinesWithoutListeners)
 {
     const Event& event = GetParam();
     Connected();
@@ -182,7 +182,7 @@ TEST_P(EventTest, IsDeliveredOnceToAListenerThatWasAddedTwice)
     EXPECT_THAT(journal, ElementsAre("app." + event.received));
 }
 
-TEST_P(EventTest, WithABodyOfAnotherTypeIsDropped)
+TEST_P(EventTest, IsDroppedIfTheBodyHasAnotherType)
 {
     const Event& event = GetParam();
     Journal journal;

@@ -1,4 +1,4 @@
-// Without logging, every record is replaced by one line on standard output; nothing else changes.
+// Without logging, one line on standard output replaces every record; nothing else changes.
 #include <unistd.h>
 
 #include <sstream>
@@ -13,7 +13,7 @@ namespace
 using FallbackLogTest = ServiceTest;
 using FallbackLogWithoutBusTest = ClientTest;
 
-// What the function prints on standard output.
+// Captures what the function prints on standard output.
 template <class Function>
 std::vector<std::string> Printed(Function function)
 {
@@ -33,7 +33,7 @@ auto IsFallbackOf(const std::string& function)
                                  "\\]\\[line:[0-9]+\\]Warn:Log system not init\\.");
 }
 
-TEST_F(FallbackLogTest, StandsForEveryRecordOfTheLifeCycle)
+TEST_F(FallbackLogTest, ReplacesEveryRecordOfTheLifeCycle)
 {
     SwitchLoggingOff();
     bool connected = false;
@@ -54,7 +54,7 @@ TEST_F(FallbackLogTest, StandsForEveryRecordOfTheLifeCycle)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(FallbackLogWithoutBusTest, StandsForTheSevenFailedAttempts)
+TEST_F(FallbackLogWithoutBusTest, ReplacesTheSevenFailedAttempts)
 {
     const NoBus bus;
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
@@ -66,7 +66,7 @@ TEST_F(FallbackLogWithoutBusTest, StandsForTheSevenFailedAttempts)
     EXPECT_THAT(lines.back(), IsFallbackOf("InitDBusConnect"));
 }
 
-TEST_F(FallbackLogTest, StandsForAFailureAndNamesTheCommand)
+TEST_F(FallbackLogTest, ReplacesAFailureLineAndNamesTheCommand)
 {
     IQBXIpodPlayer& player = Connected();
     service.Fail("GetShuffleMode", "out of order");
@@ -79,7 +79,7 @@ TEST_F(FallbackLogTest, StandsForAFailureAndNamesTheCommand)
     EXPECT_THAT(lines, ElementsAre(IsFallbackOf("GetShuffleMode")));
 }
 
-TEST_F(FallbackLogTest, StandsForTheDebugLineAndTheHandlersLine)
+TEST_F(FallbackLogTest, ReplacesTheDebugLineAndTheHandlersLine)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -99,7 +99,7 @@ TEST_F(FallbackLogTest, StandsForTheDebugLineAndTheHandlersLine)
     EXPECT_EQ(journal.size(), 2U);
 }
 
-TEST_F(FallbackLogTest, StandsForTheTwoLinesOfATextReader)
+TEST_F(FallbackLogTest, ReplacesTheTwoLinesOfATextReader)
 {
     IQBXIpodPlayer& player = Connected();
     service.Answer("GetIpodName", "('Phone',)");

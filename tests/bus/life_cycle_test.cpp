@@ -1,4 +1,4 @@
-// The one player object: built, destroyed, built again.
+// The life cycle of the player object: built, destroyed, built again.
 #include <QBXIpodShareMemory.h>
 #include <sys/stat.h>
 
@@ -18,7 +18,7 @@ constexpr char kConnectStart[] = "40 QBX_GetIpodPlayer: QBX_Dbus_Connect_Init(Tu
 using LifeCycleTest = ClientTest;
 using LifeCycleWithServiceTest = ServiceTest;
 
-// No process can map it, nor wait for it.
+// A segment that no process can map.
 void PutPipeInPlaceOfListSegment()
 {
     ASSERT_EQ(mkfifo((std::string("/dev/shm/") + kListSegmentName).c_str(), 0600), 0);
@@ -35,7 +35,7 @@ TEST_F(LifeCycleTest, TheAccessorReturnsTheSameObjectAndLogsConnectStartOnce)
     EXPECT_EQ(LogFormats().back(), "40 InitShareMemory: %s()");
 }
 
-TEST_F(LifeCycleTest, ThreadsThatAskAtTheSameTimeGetOneObject)
+TEST_F(LifeCycleTest, ConcurrentCallersGetTheSameObject)
 {
     std::vector<std::future<IQBXIpodPlayer*>> players;
     for (int i = 0; i < 8; ++i) players.push_back(std::async(std::launch::async, QBX_GetIpodPlayer));
@@ -70,7 +70,7 @@ TEST_F(LifeCycleTest, ANewObjectAfterDestructionDoesNotLogConnectStartAgain)
     EXPECT_EQ(LogFormats().front(), "40 ~QBXIpod_MediaPlayer_Client: %s()");
 }
 
-TEST_F(LifeCycleTest, DestructionTellsListenersNothing)
+TEST_F(LifeCycleTest, DestructionDoesNotNotifyListeners)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -92,7 +92,7 @@ TEST_F(LifeCycleTest, ManyThreadsGetTheSameObject)
     EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
 }
 
-TEST_F(LifeCycleWithServiceTest, ExitInstanceLogsSucceedsAndChangesNothing)
+TEST_F(LifeCycleWithServiceTest, ExitInstanceSucceedsLogsAndChangesNothing)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -119,7 +119,7 @@ TEST_F(LifeCycleWithServiceTest, ANewObjectUsesTheProxyOfTheOldOne)
     EXPECT_EQ(QBX_GetIpodPlayer()->GetRepeatMode(), 1);
 }
 
-TEST_F(LifeCycleWithServiceTest, ARebuiltAndInitialisedObjectGetsEachEventOnce)
+TEST_F(LifeCycleWithServiceTest, ARebuiltAndInitializedObjectGetsEachEventOnce)
 {
     Journal journal;
     RecordingListener listener(journal, "app");
@@ -161,7 +161,7 @@ TEST_F(LifeCycleTest, DestroyingWaitsForTheLock)
     EXPECT_EQ(destroyed.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
 }
 
-TEST_F(LifeCycleTest, BuildingAndDestroyingGiveTheLockBack)
+TEST_F(LifeCycleTest, BuildingAndDestroyingReleaseTheLock)
 {
     QBX_GetIpodPlayer();
     std::async(std::launch::async, QBX_DestroyIpodPlayer).get();

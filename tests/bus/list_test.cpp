@@ -1,4 +1,4 @@
-// Pages of names: what the shared vectors hold is what the caller gets.
+// Pages of names: callers get the contents of the shared vectors.
 #include "bus/bus_test.h"
 #include "support/shared_vectors.h"
 
@@ -63,7 +63,7 @@ class DatabaseListTest : public ServiceTest
 {
 };
 
-TEST_P(ListTest, HoldsTheWholeVectorInItsOrderWhateverRangeWasAskedFor)
+TEST_P(ListTest, ReturnsTheWholeVectorInOrderForAnyRange)
 {
     IQBXIpodPlayer& player = Answering();
     vectors.SetList(GetParam().vector, {"Zebra", "Apple", "\xe4\xb8\xad\xe6\x96\x87"});
@@ -73,7 +73,7 @@ TEST_P(ListTest, HoldsTheWholeVectorInItsOrderWhateverRangeWasAskedFor)
     EXPECT_THAT(list, ElementsAre("Zebra", "Apple", "\xe4\xb8\xad\xe6\x96\x87"));
 }
 
-TEST_P(ListTest, IsEmptyWhenTheVectorIs)
+TEST_P(ListTest, IsEmptyIfTheVectorIs)
 {
     IQBXIpodPlayer& player = Answering();
     vectors.SetList(GetParam().vector, {});
@@ -105,7 +105,7 @@ TEST_P(ListTest, KeepsEmptyNames)
     EXPECT_THAT(list, ElementsAre("", "between", ""));
 }
 
-TEST_P(ListTest, ReturnsNamesOf255CharactersWhole)
+TEST_P(ListTest, ReturnsNamesOf255Characters)
 {
     IQBXIpodPlayer& player = Answering();
     const std::string longest(255, 'x');
@@ -153,7 +153,7 @@ TEST_P(ListTest, IsThePreviousPageAfterAFailedCall)
     EXPECT_THAT(list, ElementsAre("previous", "page"));
 }
 
-TEST_P(ListTest, TouchesNoOtherVector)
+TEST_P(ListTest, LeavesOtherVectorsUnchanged)
 {
     IQBXIpodPlayer& player = Answering();
     for (const ListReader& reader : kReaders) vectors.SetList(reader.vector, {reader.name});
@@ -164,7 +164,7 @@ TEST_P(ListTest, TouchesNoOtherVector)
     for (const ListReader& reader : kReaders) EXPECT_EQ(vectors.List(reader.vector).size(), 1U);
 }
 
-TEST_P(ListTest, HoldsAFullPageOfTenThousandNames)
+TEST_P(ListTest, ReturnsAPageOfTenThousandNames)
 {
     IQBXIpodPlayer& player = Answering();
     const Names names(10000, "name");
@@ -175,7 +175,7 @@ TEST_P(ListTest, HoldsAFullPageOfTenThousandNames)
     EXPECT_EQ(list, names);
 }
 
-TEST_P(ListTest, ReturnsZeroWithThePageWhenTheServiceSaysSo)
+TEST_P(ListTest, ReturnsZeroAndThePageIfTheServiceDoes)
 {
     std::string refused = GetParam().reply;
     refused.replace(refused.rfind("true"), 4, "false");
@@ -191,7 +191,7 @@ TEST_P(ListTest, ReturnsZeroWithThePageWhenTheServiceSaysSo)
 
 INSTANTIATE_TEST_SUITE_P(All, ListTest, testing::ValuesIn(kReaders), NameOfReader);
 
-TEST_F(DatabaseListTest, HandsTheTwoFlagsOfTheLevelOver)
+TEST_F(DatabaseListTest, ReturnsTheTwoFlagsOfTheLevel)
 {
     IQBXIpodPlayer& player = Connected();
     Names list;
@@ -209,7 +209,7 @@ TEST_F(DatabaseListTest, HandsTheTwoFlagsOfTheLevelOver)
     EXPECT_EQ(root, 1);
 }
 
-TEST_F(DatabaseListTest, ReadsTheVectorThatTheApplicationPointsAt)
+TEST_F(DatabaseListTest, ReadsTheVectorThatTheApplicationSets)
 {
     IQBXIpodPlayer& player = Connected();
     service.Answer("GetDeviceList", "(true,)");
@@ -225,7 +225,7 @@ TEST_F(DatabaseListTest, ReadsTheVectorThatTheApplicationPointsAt)
     boost::interprocess::shared_memory_object::remove("SegmentOfTheApplication");
 }
 
-TEST_F(DatabaseListTest, PassesIndicesThroughAsTheyAre)
+TEST_F(DatabaseListTest, PassesIndicesUnchanged)
 {
     IQBXIpodPlayer& player = Connected();
     service.Answer("GetPlayingListItems", "(true,)");

@@ -1,4 +1,4 @@
-// Details and picture of the playing track: records in variants, pictures in shared memory.
+// Details and artwork of the playing track: records in variants, images in shared memory.
 #include "bus/bus_test.h"
 #include "support/shared_vectors.h"
 #include "support/variant_text.h"
@@ -14,8 +14,8 @@ constexpr char kChangedPicture[] = "VecArtworkChangeBufferShareMemory";
 const std::string kCurrentTrack = TrackRecord({"Title", "Artist", "Album", "Genre"}, {1, -2, 3, -4});
 constexpr char kTrackText[] = "\"Title\", \"Artist\", \"Album\", \"Genre\", 1, -2, 3, -4";
 
-// Records come in the reply of GetCurrentMediaInfo() and in the signal OnIpodPlayingTrackChange; both must be
-// read alike.
+// Records arrive in the reply of GetCurrentMediaInfo() and in the signal OnIpodPlayingTrackChange; both must be decoded
+// the same way.
 class TrackTest : public ServiceTest
 {
 protected:
@@ -47,7 +47,7 @@ protected:
 using TrackWithoutServiceTest = NoServiceTest;
 using TrackWithoutProxyTest = ClientTest;
 
-// The same for the picture's words.
+// The same for the words of the artwork head.
 class ArtworkTest : public ServiceTest
 {
 protected:
@@ -83,7 +83,7 @@ TEST_F(TrackTest, IsReadFromARecordOfExactly1040Bytes)
     ExpectBoth(BytesInVariant(kCurrentTrack), kTrackText);
 }
 
-TEST_F(TrackTest, IsAskedForWithOneCallAndNoLogLine)
+TEST_F(TrackTest, IsReadWithOneCallAndNoLogLine)
 {
     EXPECT_EQ(FromReply(BytesInVariant(kCurrentTrack)), kTrackText);
 
@@ -91,7 +91,7 @@ TEST_F(TrackTest, IsAskedForWithOneCallAndNoLogLine)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(TrackTest, KeepsTextsOf255CharactersWhole)
+TEST_F(TrackTest, KeepsTextsOf255Characters)
 {
     const std::string a(255, 'a');
     const std::string b(255, 'b');
@@ -101,14 +101,14 @@ TEST_F(TrackTest, KeepsTextsOf255CharactersWhole)
                Join({Text(a), Text(b), Text(c), Text(d), "0, 0, 0, 0"}, ", "));
 }
 
-TEST_F(TrackTest, ATextWithoutNulRunsOnIntoTheNextSlot)
+TEST_F(TrackTest, ATextWithoutNulContinuesIntoTheNextSlot)
 {
     const std::string full(256, 'a');
     ExpectBoth(BytesInVariant(TrackRecord({full, "next", "3", "4"}, {0, 0, 0, 0})),
                Join({Text(full + "next"), "\"next\", \"3\", \"4\", 0, 0, 0, 0"}, ", "));
 }
 
-TEST_F(TrackTest, ATextWithoutNulEndsWithTheRecordAtTheLatest)
+TEST_F(TrackTest, ATextWithoutNulEndsWithTheRecord)
 {
     const std::string received = FromReply(BytesInVariant(std::string(1040, 'z')));
 
@@ -125,7 +125,7 @@ TEST_F(TrackTest, AnEmptyRecordIsAnEmptyTrack)
     ExpectBoth("<@ay []>", kNothing);
 }
 
-TEST_F(TrackTest, WhatALongRecordHasTooMuchIsLeftOut)
+TEST_F(TrackTest, ExcessBytesOfALongRecordAreIgnored)
 {
     ExpectBoth(BytesInVariant(kCurrentTrack + std::string(3000, '!')), kTrackText);
 }
@@ -178,7 +178,7 @@ TEST_F(TrackWithoutProxyTest, IsEmptyAndNothingIsLogged)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(ArtworkTest, HasItsWordsFromTheRecordAndItsImageFromSharedMemory)
+TEST_F(ArtworkTest, CombinesWordsFromTheRecordAndTheImageInSharedMemory)
 {
     vectors.SetBytes(kPicture, {0xff, 0xd8, 0x00});
     vectors.SetBytes(kChangedPicture, {0x89, 0x50});
@@ -215,7 +215,7 @@ TEST_F(ArtworkTest, AShortHeadLeavesTheRestZero)
     ExpectBoth(BytesInVariant(Words({5, 6}) + "\x07"), "5, 6, 7, 0, []");
 }
 
-TEST_F(ArtworkTest, WhatALongHeadHasTooMuchIsLeftOut)
+TEST_F(ArtworkTest, ExcessBytesOfALongHeadAreIgnored)
 {
     ExpectBoth(BytesInVariant(Words({5, 6, 7, 8}) + std::string(5000, '!')), "5, 6, 7, 8, []");
 }

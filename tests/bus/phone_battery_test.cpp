@@ -29,7 +29,7 @@ protected:
         EXPECT_THAT(journal, ElementsAre("app.OnIpodBatteryChange(" + received + ")"));
     }
 
-    // Of the phone call's debug line, the part from this label to the next comma.
+    // The part of the phone call's debug line from this label to the next comma.
     std::string Shown(const std::string& label)
     {
         const std::string line = LogLines().at(0);
@@ -41,7 +41,7 @@ protected:
     RecordingListener listener{journal, "app"};
 };
 
-TEST_F(PhoneBatteryTest, ACallWithOneMemberShowsNullForTheOthers)
+TEST_F(PhoneBatteryTest, ACallWithOneMemberLogsNullForTheOthers)
 {
     iPodPhoneCall call;
     call.set_remote_id("123");
@@ -57,7 +57,7 @@ TEST_F(PhoneBatteryTest, ACallWithOneMemberShowsNullForTheOthers)
     EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(\"123\", -, -, -, -, -, -, -, -, -, -, -)"));
 }
 
-TEST_F(PhoneBatteryTest, AFullCallShowsAndDeliversEveryMember)
+TEST_F(PhoneBatteryTest, ACompleteCallLogsAndDeliversEveryMember)
 {
     iPodPhoneCall call;
     call.set_remote_id("r");
@@ -83,7 +83,7 @@ TEST_F(PhoneBatteryTest, AFullCallShowsAndDeliversEveryMember)
                                      "2, 1700000000)"));
 }
 
-TEST_F(PhoneBatteryTest, AnEmptyTextIsShownEmptyAndIsPresent)
+TEST_F(PhoneBatteryTest, AnEmptyTextIsLoggedEmptyAndIsPresent)
 {
     iPodPhoneCall call;
     call.set_display_name("");
@@ -105,7 +105,7 @@ TEST_F(PhoneBatteryTest, AZeroIsPresent)
     EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, 0, -, -, -, -, -, -, -, -, 0)"));
 }
 
-TEST_F(PhoneBatteryTest, NotConferencedIsShownAsFalse)
+TEST_F(PhoneBatteryTest, NotConferencedIsLoggedAsFalse)
 {
     iPodPhoneCall call;
     call.set_is_conferenced(false);
@@ -123,7 +123,7 @@ TEST_F(PhoneBatteryTest, AConferencedFlagOtherThanZeroAndOneIsTrue)
     EXPECT_EQ(Shown("IsConferenced"), "IsConferenced:true");
 }
 
-TEST_F(PhoneBatteryTest, OfTheConferenceGroupTheLow8BitsAreKept)
+TEST_F(PhoneBatteryTest, TheLow8BitsOfTheConferenceGroupAreKept)
 {
     for (const auto& [sent, kept] : {std::pair(257U, 1), std::pair(300U, 44), std::pair(0xffffffffU, 255)})
     {
@@ -140,7 +140,7 @@ TEST_F(PhoneBatteryTest, OfTheConferenceGroupTheLow8BitsAreKept)
     }
 }
 
-TEST_F(PhoneBatteryTest, TheLargestTimestampIsShownInFull)
+TEST_F(PhoneBatteryTest, TheLargestTimestampIsLoggedInFull)
 {
     iPodPhoneCall call;
     call.set_start_timestamp(18446744073709551615ULL);
@@ -174,7 +174,7 @@ TEST_F(PhoneBatteryTest, AKnownFieldOfAnotherWireTypeIsAbsent)
     EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, -, -, -, -, -, -, -, -, -, -)"));
 }
 
-TEST_F(PhoneBatteryTest, EmptyUnparsableAndOtherPayloadsAreDroppedSilently)
+TEST_F(PhoneBatteryTest, EmptyUnparsableAndWrongPayloadsAreDroppedSilently)
 {
     const std::string truncated(
         "\x0a\x05"
@@ -192,7 +192,7 @@ TEST_F(PhoneBatteryTest, EmptyUnparsableAndOtherPayloadsAreDroppedSilently)
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(PhoneBatteryTest, ABatteryShowsStatusAndLevel)
+TEST_F(PhoneBatteryTest, ABatteryLogsStatusAndLevel)
 {
     iPodBattery battery;
     battery.set_battery_charging_status(ipod::BATTERY_CHARGING_STATUS_CHARGED);
@@ -203,7 +203,7 @@ TEST_F(PhoneBatteryTest, ABatteryShowsStatusAndLevel)
     ExpectBattery("BatteryChargingStatus:2, BatteryChargeLevel:77", "2, 77");
 }
 
-TEST_F(PhoneBatteryTest, OfTheChargeLevelTheLow16BitsAreKept)
+TEST_F(PhoneBatteryTest, TheLow16BitsOfTheChargeLevelAreKept)
 {
     for (const auto& [sent, kept] : {std::pair(65537U, 1), std::pair(70000U, 4464), std::pair(0xffffffffU, 65535)})
     {
@@ -233,7 +233,7 @@ TEST_F(PhoneBatteryTest, UnknownFieldsAreIgnored)
     ExpectBattery("BatteryChargingStatus:null, BatteryChargeLevel:50", "-, 50");
 }
 
-TEST(MessageTest, AnEmptyMessageParsesWithoutAField)
+TEST(MessageTest, AnEmptyMessageParsesWithoutFields)
 {
     iPodPhoneCall call;
     iPodBattery battery;
@@ -245,7 +245,7 @@ TEST(MessageTest, AnEmptyMessageParsesWithoutAField)
     EXPECT_FALSE(battery.has_battery_charge_level());
 }
 
-TEST(MessageTest, GroupsAndLevelsTakeAny32BitValue)
+TEST(MessageTest, GroupsAndLevelsAcceptAny32BitValue)
 {
     iPodPhoneCall call;
     iPodBattery battery;

@@ -1,4 +1,4 @@
-// Play() and the audio-source manager, and what becomes of the source when the service calls it invalid.
+// Play() and the audio-source manager, and the release of a source that the service reports as invalid.
 #include "bus/bus_test.h"
 #include "support/fake_source.h"
 
@@ -15,7 +15,7 @@ int Play(IQBXIpodPlayer& player, int option, int confirmArg = 0)
     return player.Play(static_cast<iPodPlayerPlayOption_e>(option), confirmArg);
 }
 
-// The option is granted its source; log and calls are empty afterwards.
+// Requests the option's source, which is granted, and clears log and calls.
 void Grant(IQBXIpodPlayer& player, int option)
 {
     Sources().requestResult = 1;
@@ -24,7 +24,7 @@ void Grant(IQBXIpodPlayer& player, int option)
     ClearLog();
 }
 
-TEST_F(PlayTest, StartingBeforeASourceWasRequestedLogsTheOptionOnly)
+TEST_F(PlayTest, StartingBeforeASourceWasRequestedLogsOnlyTheOption)
 {
     IQBXIpodPlayer& player = Connected();
 
@@ -36,7 +36,7 @@ TEST_F(PlayTest, StartingBeforeASourceWasRequestedLogsTheOptionOnly)
     EXPECT_THAT(service.Calls(), IsEmpty());
 }
 
-TEST_F(PlayTest, AGrantedRequestReturnsTheManagersCodeAndCallsNoService)
+TEST_F(PlayTest, AGrantedRequestReturnsTheManagersCodeWithoutACall)
 {
     IQBXIpodPlayer& player = Connected();
     Sources().requestResult = 2;
@@ -130,7 +130,7 @@ TEST_F(PlayTest, ReturnsTheServicesRefusal)
     EXPECT_EQ(LogLines().back(), "40 Play: QBXIpod_MediaPlayer_Client::Play-bRet=0");
 }
 
-TEST_F(PlayTest, DoesNotStartOnASourceThatIsNotActive)
+TEST_F(PlayTest, DoesNotStartOnAnInactiveSource)
 {
     IQBXIpodPlayer& player = Connected();
     Grant(player, 1);
@@ -147,7 +147,7 @@ TEST_F(PlayTest, DoesNotStartOnASourceThatIsNotActive)
     EXPECT_EQ(LogFormats()[2], "40 Play: Play() - source %s inactived!");
 }
 
-TEST_F(PlayTest, ConfirmsAlwaysTheFirstSource)
+TEST_F(PlayTest, AlwaysConfirmsTheFirstSource)
 {
     IQBXIpodPlayer& player = Connected();
     Grant(player, 2);
@@ -198,7 +198,7 @@ TEST_F(PlayTest, LogsAnErrorReplyAndReturnsZero)
     EXPECT_EQ(LogFormats()[2], "100 Play: com_zarn_linux_ipod_call_play_sync: Failed to call dbus method. Reason: %s.");
 }
 
-TEST_F(PlayWithoutServiceTest, LogsTheReasonOfTheBusAndReturnsZero)
+TEST_F(PlayWithoutServiceTest, LogsTheBusErrorAndReturnsZero)
 {
     IQBXIpodPlayer& player = Unconnected();
     Grant(player, 1);
@@ -235,7 +235,7 @@ TEST_F(PlayTest, AnInvalidSourceIsReleasedIfItIsActive)
     EXPECT_THAT(Sources().calls, ElementsAre("IsActived(10)", "Release(10, 1)"));
 }
 
-TEST_F(PlayTest, TheSecondSourceIsReleasedIfOnlyThatOneIsActive)
+TEST_F(PlayTest, TheSecondSourceIsReleasedIfOnlyItIsActive)
 {
     Connected();
     Sources().active = {11};
@@ -245,7 +245,7 @@ TEST_F(PlayTest, TheSecondSourceIsReleasedIfOnlyThatOneIsActive)
     EXPECT_THAT(Sources().calls, ElementsAre("IsActived(10)", "IsActived(11)", "Release(11, 1)"));
 }
 
-TEST_F(PlayTest, NothingIsReleasedWhenNoSourceIsActive)
+TEST_F(PlayTest, NothingIsReleasedIfNoSourceIsActive)
 {
     Connected();
 
@@ -254,7 +254,7 @@ TEST_F(PlayTest, NothingIsReleasedWhenNoSourceIsActive)
     EXPECT_THAT(Sources().calls, ElementsAre("IsActived(10)", "IsActived(11)"));
 }
 
-TEST_F(PlayTest, AValidSourceIsLeftAlone)
+TEST_F(PlayTest, AValidSourceIsNotReleased)
 {
     Connected();
     Sources().active = {10, 11};
@@ -264,7 +264,7 @@ TEST_F(PlayTest, AValidSourceIsLeftAlone)
     EXPECT_THAT(Sources().calls, IsEmpty());
 }
 
-TEST_F(PlayTest, TheSourceIsReleasedBeforeListenersHearOfIt)
+TEST_F(PlayTest, TheSourceIsReleasedBeforeListenersAreNotified)
 {
     class Watcher : public IQBXIpodPlayerListener
     {
@@ -281,7 +281,7 @@ TEST_F(PlayTest, TheSourceIsReleasedBeforeListenersHearOfIt)
     EXPECT_THAT(listener.callsBefore, ElementsAre("IsActived(10)", "Release(10, 1)"));
 }
 
-TEST_F(PlayTest, AReleaseDoesNotForgetTheSource)
+TEST_F(PlayTest, AReleaseKeepsTheGrantedSource)
 {
     IQBXIpodPlayer& player = Connected();
     Grant(player, 2);

@@ -1,4 +1,4 @@
-// The exported helpers that move raw bytes in and out of variants.
+// The exported helpers that pack raw bytes into variants and unpack them.
 #include <gmock/gmock.h>
 #include <gvariant_data.h>
 
@@ -46,7 +46,7 @@ TEST(RecordVariantTest, BuildsAFloatingReference)
     g_variant_unref(g_variant_ref_sink(value));
 }
 
-TEST(RecordVariantTest, BuildsAnEmptyArrayForLengthsOfZeroAndBelowWithoutReading)
+TEST(RecordVariantTest, BuildsAnEmptyArrayForNonPositiveLengths)
 {
     auto* const nowhere = reinterpret_cast<void*>(1);
 
@@ -64,7 +64,7 @@ TEST(RecordVariantTest, BuildsWhatItExtracts)
     EXPECT_EQ(extracted, bytes);
 }
 
-TEST(RecordVariantTest, ExtractsIntoMemoryAndLeavesWhatFollows)
+TEST(RecordVariantTest, ExtractsIntoMemoryAndLeavesTheRest)
 {
     unsigned char memory[] = {9, 9, 9, 9};
 

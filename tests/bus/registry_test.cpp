@@ -1,4 +1,4 @@
-// The registry of listeners, and the hooks that a service has on it.
+// The registry of listeners and its hooks for services.
 #include <future>
 
 #include "bus/bus_test.h"
@@ -28,7 +28,7 @@ public:
     std::vector<IQBXIpodPlayerListener*> removed;
 };
 
-TEST(RegistryTest, AListenerAddedTwiceIsKeptOnceAndInitListenerRunsBothTimes)
+TEST(RegistryTest, AListenerAddedTwiceIsStoredOnceAndRunsInitListenerTwice)
 {
     HookedService service;
     IQBXIpodPlayerListener listener;
@@ -75,7 +75,7 @@ TEST(RegistryTest, RemovingAnUnknownListenerFromAnEmptySetRunsExitListener)
     EXPECT_THAT(service.hooks, ElementsAre("ExitListener"));
 }
 
-TEST(RegistryTest, RemovingAnUnknownListenerLeavesTheOthers)
+TEST(RegistryTest, RemovingAnUnknownListenerKeepsTheOthers)
 {
     HookedService service;
     IQBXIpodPlayerListener listener;
@@ -105,7 +105,7 @@ TEST(RegistryTest, NullIsIgnoredWithoutAHook)
     EXPECT_THAT(registry.removed, IsEmpty());
 }
 
-TEST(RegistryTest, TheHooksAreCalledWithTheListenerWhetherTheSetChangedOrNot)
+TEST(RegistryTest, TheHooksAreCalledEvenIfTheSetDoesNotChange)
 {
     PlainRegistry registry;
     IQBXIpodPlayerListener listener;
@@ -119,7 +119,7 @@ TEST(RegistryTest, TheHooksAreCalledWithTheListenerWhetherTheSetChangedOrNot)
     EXPECT_THAT(registry.removed, ElementsAre(&listener, &listener));
 }
 
-TEST(RegistryTest, ListenersStandInAscendingOrderOfTheirAddresses)
+TEST(RegistryTest, ListenersAreSortedByAddress)
 {
     HookedService service;
     IQBXIpodPlayerListener listeners[3];
@@ -140,7 +140,7 @@ TEST(RegistryTest, GetListenersIsTheSetItself)
     EXPECT_EQ(service.GetListenerCount(), 0U);
 }
 
-TEST(RegistryTest, RegistrationDoesNotTakeTheListenerLock)
+TEST(RegistryTest, RegistrationDoesNotAcquireTheListenerLock)
 {
     HookedService service;
     IQBXIpodPlayerListener listener;
@@ -157,7 +157,7 @@ TEST(RegistryTest, RegistrationDoesNotTakeTheListenerLock)
     service.UnlockListener();
 }
 
-TEST(RegistryTest, TheListenerLockKeepsOtherThreadsOut)
+TEST(RegistryTest, TheListenerLockExcludesOtherThreads)
 {
     HookedService service;
     service.LockListener();
@@ -174,7 +174,7 @@ TEST(RegistryTest, TheListenerLockKeepsOtherThreadsOut)
     EXPECT_EQ(other.wait_for(std::chrono::seconds(5)), std::future_status::ready);
 }
 
-TEST(RegistryTest, TheClientHasNoHooksOfItsOwn)
+TEST(RegistryTest, TheClientOverridesNoHooks)
 {
     Journal journal;
     RecordingListener listener(journal, "app");

@@ -1,4 +1,4 @@
-// Where the text readers copy to. This program takes the place of the generated calls, so that it sees the buffers.
+// The reply buffers that the text readers copy into. This program replaces the generated calls to inspect the buffers.
 #include <IQBXIpodPlayer.h>
 #include <gtest/gtest.h>
 #include <ipod_dbus.h>
@@ -57,7 +57,7 @@ class ReplyBufferTest : public testing::TestWithParam<Reader>
 {
 };
 
-TEST_P(ReplyBufferTest, ItsStartIsOverwrittenWithTheCallersText)
+TEST_P(ReplyBufferTest, IsOverwrittenWithTheCallersText)
 {
     std::string text = "abc";
 
@@ -67,7 +67,7 @@ TEST_P(ReplyBufferTest, ItsStartIsOverwrittenWithTheCallersText)
     EXPECT_EQ(text, "abc");
 }
 
-TEST_P(ReplyBufferTest, IsLeftAloneWhenTheCallersTextIsEmpty)
+TEST_P(ReplyBufferTest, IsUnchangedIfTheCallersTextIsEmpty)
 {
     std::string text;
 
@@ -76,7 +76,7 @@ TEST_P(ReplyBufferTest, IsLeftAloneWhenTheCallersTextIsEmpty)
     EXPECT_STREQ(reply, "Phone");
 }
 
-TEST_P(ReplyBufferTest, TakesNoMoreThanTheLengthOfTheReply)
+TEST_P(ReplyBufferTest, ReceivesAtMostTheLengthOfTheReply)
 {
     std::string text = "a long text";
 

@@ -1,4 +1,4 @@
-// The two shared-memory segments: made, found, refused.
+// The two shared-memory segments: created, found, rejected.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -58,7 +58,7 @@ protected:
         std::ofstream(std::string("/dev/shm/") + segment, std::ios::binary) << contents;
     }
 
-    // A segment as the service makes it, in one piece.
+    // A segment as the service creates it, complete.
     std::string Image(std::size_t size)
     {
         constexpr char name[] = "ImageOfASegment";
@@ -71,7 +71,7 @@ protected:
         return image;
     }
 
-    // Building the player throws, and soon enough.
+    // Building the player throws within the time limit.
     template <class Exception = bip::interprocess_exception>
     void ExpectRefusalWithin(std::chrono::seconds limit)
     {
@@ -89,7 +89,7 @@ TEST_F(SegmentTest, AreNotAttachedBeforeThePlayerIsBuilt)
     EXPECT_EQ(segment_buffer_vector.get_segment_manager(), nullptr);
 }
 
-TEST_F(SegmentTest, AreMadeWithTheirSizesAndModesWhenTheLibraryComesFirst)
+TEST_F(SegmentTest, AreCreatedWithSizeAndModeIfTheLibraryStartsFirst)
 {
     umask(0077);
 
@@ -101,7 +101,7 @@ TEST_F(SegmentTest, AreMadeWithTheirSizesAndModesWhenTheLibraryComesFirst)
     EXPECT_EQ(StatusOf("BufferVectorSharedMemory").st_mode & 0777, 0644U);
 }
 
-TEST_F(SegmentTest, HoldTheirTenVectorsEmptyWhenTheLibraryComesFirst)
+TEST_F(SegmentTest, ContainTenEmptyVectorsIfTheLibraryStartsFirst)
 {
     QBX_GetIpodPlayer();
 
@@ -125,7 +125,7 @@ TEST_F(SegmentTest, HoldTheirTenVectorsEmptyWhenTheLibraryComesFirst)
     }
 }
 
-TEST_F(SegmentTest, AreFoundWithWhatTheyHoldWhenTheServiceComesFirst)
+TEST_F(SegmentTest, AreFoundWithTheirContentsIfTheServiceStartsFirst)
 {
     SharedVectors service;
     for (const char* const name : kLists) service.SetList(name, {name, "second"});
@@ -143,7 +143,7 @@ TEST_F(SegmentTest, AreFoundWithWhatTheyHoldWhenTheServiceComesFirst)
     for (std::size_t i = 0; i < buffers.size(); ++i) EXPECT_EQ(buffers[i]->size(), 3U);
 }
 
-TEST_F(SegmentTest, GiveEachPointerTheVectorOfItsName)
+TEST_F(SegmentTest, ProvideTheVectorForEachPointer)
 {
     QBX_GetIpodPlayer();
     SharedVectors service;
@@ -157,7 +157,7 @@ TEST_F(SegmentTest, GiveEachPointerTheVectorOfItsName)
     for (std::size_t i = 0; i < buffers.size(); ++i) EXPECT_EQ(buffers[i]->size(), i + 1) << kBuffers[i];
 }
 
-TEST_F(SegmentTest, AreTakenAtTheSizeThatTheirCreatorGaveThem)
+TEST_F(SegmentTest, KeepTheSizeChosenByTheirCreator)
 {
     const QBXSharedSegment service(bip::create_only, "ListVectorSharedMemory", 0x600000);
 
@@ -167,7 +167,7 @@ TEST_F(SegmentTest, AreTakenAtTheSizeThatTheirCreatorGaveThem)
     EXPECT_EQ(StatusOf("ListVectorSharedMemory").st_size, 0x600000);
 }
 
-TEST_F(SegmentTest, AreAttachedOnceInALifetimeOfTheProcess)
+TEST_F(SegmentTest, AreAttachedOncePerProcess)
 {
     const NoBus bus;
     QBX_GetIpodPlayer();
@@ -185,7 +185,7 @@ TEST_F(SegmentTest, AreAttachedOnceInALifetimeOfTheProcess)
     EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 3U);
 }
 
-TEST_F(SegmentTest, StayWhenThePlayerGoes)
+TEST_F(SegmentTest, OutliveThePlayer)
 {
     QBX_GetIpodPlayer();
 
@@ -196,7 +196,7 @@ TEST_F(SegmentTest, StayWhenThePlayerGoes)
     EXPECT_NE(g_VecDBListShareMemory, nullptr);
 }
 
-TEST_F(SegmentTest, AFailureStaysForTheLifetimeOfTheProcess)
+TEST_F(SegmentTest, AFailureIsPermanentForTheProcess)
 {
     PutObject("BufferVectorSharedMemory", std::string(8192, '\xff'));
     ExpectRefusalWithin(std::chrono::seconds(8));
@@ -209,50 +209,50 @@ TEST_F(SegmentTest, AFailureStaysForTheLifetimeOfTheProcess)
     EXPECT_LT(shm_open("BufferVectorSharedMemory", O_RDONLY, 0), 0);
 }
 
-TEST_F(SegmentTest, AreRefusedWhenTheyAreFullOfOnes)
+TEST_F(SegmentTest, AreRejectedIfFilledWithOnes)
 {
     PutObject("ListVectorSharedMemory", std::string(65536, '\xff'));
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreRefusedWhenTheyHoldAText)
+TEST_F(SegmentTest, AreRejectedIfTheyContainText)
 {
-    PutObject("ListVectorSharedMemory", "this is no segment");
+    PutObject("ListVectorSharedMemory", "this is not a segment");
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreRefusedWhenOnlyTheStateLooksRight)
+TEST_F(SegmentTest, AreRejectedIfOnlyTheStateIsValid)
 {
     PutObject("ListVectorSharedMemory", "\x02" + std::string(4095, '\0'));
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreRefusedWhenOnlyTheStateAndTheSizeLookRight)
+TEST_F(SegmentTest, AreRejectedIfOnlyStateAndSizeAreValid)
 {
     PutObject("ListVectorSharedMemory", "\x02" + std::string(kListSegmentSize - 1, '\0'));
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreRefusedWhenTheyAreCutShort)
+TEST_F(SegmentTest, AreRejectedIfTruncated)
 {
     PutObject("ListVectorSharedMemory", Image(kListSegmentSize).substr(0, 65536));
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreRefusedWhenTheirNameIsADirectory)
+TEST_F(SegmentTest, AreRejectedIfTheNameIsADirectory)
 {
     ASSERT_EQ(mkdir("/dev/shm/ListVectorSharedMemory", 0755), 0);
     ExpectRefusalWithin(std::chrono::seconds(8));
     rmdir("/dev/shm/ListVectorSharedMemory");
 }
 
-TEST_F(SegmentTest, AreRefusedWhenNobodyGivesThemASize)
+TEST_F(SegmentTest, AreRejectedIfTheyNeverGetASize)
 {
     PutObject("BufferVectorSharedMemory", "");
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreRefusedWhenNobodyFinishesThem)
+TEST_F(SegmentTest, AreRejectedIfNeverFinished)
 {
     std::string image = Image(kListSegmentSize);
     image[0] = 1;
@@ -260,7 +260,7 @@ TEST_F(SegmentTest, AreRefusedWhenNobodyFinishesThem)
     ExpectRefusalWithin(std::chrono::seconds(8));
 }
 
-TEST_F(SegmentTest, AreWaitedForWhileTheirCreatorIsAtWork)
+TEST_F(SegmentTest, AreAwaitedWhileBeingCreated)
 {
     std::string image = Image(kListSegmentSize);
     PutObject("ListVectorSharedMemory", "");
@@ -283,7 +283,7 @@ TEST_F(SegmentTest, AreWaitedForWhileTheirCreatorIsAtWork)
     EXPECT_THAT(ListPointers(), testing::Each(testing::NotNull()));
 }
 
-TEST_F(SegmentTest, WithoutRoomForAVectorEndInBadAlloc)
+TEST_F(SegmentTest, ThrowBadAllocIfAVectorDoesNotFit)
 {
     QBXSharedSegment service(bip::create_only, "BufferVectorSharedMemory", kBufferSegmentSize);
     for (std::size_t size = service.get_free_memory(); size >= 8; size /= 2)
@@ -294,7 +294,7 @@ TEST_F(SegmentTest, WithoutRoomForAVectorEndInBadAlloc)
     EXPECT_EQ(g_VecArtworkBufferShareMemory, nullptr);
 }
 
-TEST_F(SegmentTest, LockedByAProcessThatDiedEndInAnException)
+TEST_F(SegmentTest, ThrowIfLockedByADeadProcess)
 {
     SharedVectors service;
     const pid_t child = fork();

@@ -1,4 +1,4 @@
-// The commands that take a text but never hand one over, and the one that does not wait.
+// The commands that have a text parameter but never set it, and the one that does not wait.
 #include "bus/bus_test.h"
 
 namespace test
@@ -10,7 +10,7 @@ using TextReaderWithoutServiceTest = NoServiceTest;
 using NotifyTest = ServiceTest;
 using NotifyWithoutServiceTest = NoServiceTest;
 
-TEST_F(TextReaderTest, GetIpodNameLeavesTheTextAsItWasAndLogsIt)
+TEST_F(TextReaderTest, GetIpodNameLeavesTheTextUnchangedAndLogsIt)
 {
     IQBXIpodPlayer& player = Connected();
     service.Answer("GetIpodName", "('Phone',)");
@@ -53,7 +53,7 @@ TEST_F(TextReaderTest, TextsLongerThanTheReplyAreHarmless)
     EXPECT_EQ(text, std::string(3000, 'x'));
 }
 
-TEST_F(TextReaderTest, TheStatusIsWrittenIntoTheLowestByteOnly)
+TEST_F(TextReaderTest, OnlyTheLowestByteOfTheStatusIsWritten)
 {
     IQBXIpodPlayer& player = Connected();
     service.Answer("GetCarplayDeviceDetectStatus", "(0xab, 'SERIAL')");
@@ -67,7 +67,7 @@ TEST_F(TextReaderTest, TheStatusIsWrittenIntoTheLowestByteOnly)
     EXPECT_THAT(LogLines(), ElementsAre("40 GetCarplayDeviceDetectStatus: GetCarplayDeviceDetectStatus()"));
 }
 
-TEST_F(TextReaderWithoutServiceTest, TheFailureLineComesAfterTheTextsLine)
+TEST_F(TextReaderWithoutServiceTest, TheFailureLineFollowsTheTextLine)
 {
     std::string name = "abc";
 
@@ -108,7 +108,7 @@ TEST_F(NotifyTest, ReturnsBeforeTheServiceHasAnswered)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(NotifyTest, LogsAFailureOnceTheLoopRuns)
+TEST_F(NotifyTest, LogsAFailureWhenTheLoopRuns)
 {
     IQBXIpodPlayer& player = Connected();
     service.Fail("CarplayConnectStatusNotify", "not now");
@@ -139,7 +139,7 @@ TEST_F(NotifyTest, LogsThatTheServiceDied)
     EXPECT_THAT(LogLines(), ElementsAre(testing::StartsWith("100 CarPlayConnectStatusNotifyCallback: ")));
 }
 
-TEST_F(NotifyTest, LogsAFailureAlsoWhenTheConnectionIsMadeAgainMeanwhile)
+TEST_F(NotifyTest, LogsAFailureAfterAReconnection)
 {
     IQBXIpodPlayer& player = Connected();
     service.Hold("CarplayConnectStatusNotify");
@@ -154,7 +154,7 @@ TEST_F(NotifyTest, LogsAFailureAlsoWhenTheConnectionIsMadeAgainMeanwhile)
     EXPECT_THAT(LogLines(), ElementsAre(testing::StartsWith("100 CarPlayConnectStatusNotifyCallback: ")));
 }
 
-TEST_F(NotifyWithoutServiceTest, LogsTheReasonOfTheBus)
+TEST_F(NotifyWithoutServiceTest, LogsTheBusError)
 {
     Unconnected().CarPlayConnectStatusNotify(1, 1);
 

@@ -1,4 +1,4 @@
-// What applications do to themselves.
+// Faults in the application itself.
 #include <QBXIpodShareMemory.h>
 #include <sys/wait.h>
 
@@ -15,7 +15,7 @@ namespace faults
 {
 namespace
 {
-// Does something at its first event, and counts.
+// Runs an action at its first event, and counts events.
 class Doing : public Counter
 {
 public:
@@ -31,7 +31,7 @@ private:
     std::function<void()> m_action;
 };
 
-// Two events to @p listeners, of which any may be gone or new by then.
+// Sends two events; @p listeners may be removed or added meanwhile.
 void TwoEvents(Desk& desk)
 {
     desk.DeliverText("OnPlayProgressChange", "(0, 2)");
@@ -59,7 +59,7 @@ void RemovesItself(const Arguments&)
     desk.ExpectAlive();
 }
 
-// The others lie before and behind it in the order of addresses.
+// The others come before and after it in address order.
 void RemovesAnother(const Arguments&)
 {
     Desk desk;
@@ -83,7 +83,7 @@ void RemovesAnother(const Arguments&)
     desk.ExpectAlive();
 }
 
-// One that comes later in the order gets the event that is being delivered, one before it does not.
+// A listener later in the order receives the current event, an earlier one does not.
 void AddsAnother(const Arguments&)
 {
     Desk desk;
@@ -111,7 +111,7 @@ public:
     void OnPlayStatusChanged(iPodPlayerPlayStatus) override { throw std::runtime_error("listener"); }
 };
 
-// The exception leaves the operation and the lock is free again: another thread can take it.
+// The exception propagates and the lock is released: another thread can acquire it.
 void ThrowsThroughTheOperation(const Arguments&)
 {
     Desk desk;
@@ -133,7 +133,7 @@ void ThrowsThroughTheOperation(const Arguments&)
     desk.ExpectAlive();
 }
 
-// Out of a callback the exception crosses GLib's frames, up to whoever runs the loop.
+// An exception from a callback propagates through GLib's frames to the code that runs the loop.
 void ThrowsOutOfTheLoop(const Arguments&)
 {
     Desk desk;
@@ -156,7 +156,7 @@ void ThrowsOutOfTheLoop(const Arguments&)
     desk.ExpectAlive();
 }
 
-// Events wait meanwhile and arrive afterwards.
+// Events are queued meanwhile and arrive afterwards.
 void Blocks(const Arguments&)
 {
     Desk desk;
@@ -221,7 +221,7 @@ void CommandsBeforeInitInstance(const Arguments&)
     ExpectAlive(Connected());
 }
 
-// Each thread asks for what its own number is, so that a mixed-up answer shows.
+// Each thread requests its own number, so that swapped replies are detected.
 void CommandsFromFourThreads(const Arguments& arguments)
 {
     Desk desk;
@@ -306,7 +306,7 @@ void Unloaded(const Arguments& arguments)
     Expect(application.Wait() == 0, "the application ends well");
     Say("alive");
 }
-// Its child hangs in its place.
+// Its child process hangs instead.
 void DoctorBesideAHeldLock(const Arguments& arguments)
 {
     const test::PrivateBus bus;

@@ -1,6 +1,6 @@
 /// @file
-/// What the cases of the fault matrix share. A case is one process: it does something bad to the library, prints what
-/// was not as documented, and at its end makes one more call to show that the library still answers.
+/// Code shared by the cases of the fault matrix. A case is one process: it injects a fault, prints deviations from the
+/// documented behavior, and finally makes one more call to show that the library still works.
 #pragma once
 
 #include <functional>
@@ -17,26 +17,26 @@ struct Case
     std::function<void(const Arguments&)> run;
 };
 
-std::vector<Case> DecodingCases();     ///< records, messages and types that the contract does not allow
-std::vector<Case> SegmentCases();      ///< objects under the segments' names, and what others write into segments
-std::vector<Case> ServiceCases();      ///< a service or a bus that dies, hangs or lies
-std::vector<Case> RateCases();         ///< more calls and events than anybody needs
-std::vector<Case> ApplicationCases();  ///< what applications do to themselves
-std::vector<Case> MemoryCases();       ///< what calls leave behind
-std::vector<Case> Helpers();           ///< the processes at the other end
+std::vector<Case> DecodingCases();     ///< records, messages, and types that violate the contract
+std::vector<Case> SegmentCases();      ///< invalid objects with the segments' names, and corrupted segments
+std::vector<Case> ServiceCases();      ///< a service or a bus that dies, hangs, or sends false data
+std::vector<Case> RateCases();         ///< excessive rates of calls and events
+std::vector<Case> ApplicationCases();  ///< faults in the application itself
+std::vector<Case> MemoryCases();       ///< memory leaked by calls
+std::vector<Case> Helpers();           ///< the peer processes
 
-/// Ends the case in failure at its end, and says why, unless @p holds.
+/// Unless @p holds, prints @p what and makes the case fail at its end.
 void Expect(bool holds, const std::string& what);
 
 /// The same for two values as text.
 void ExpectText(const std::string& what, const std::string& actual, const std::string& expected);
 
-/// A measured value, for the report.
+/// Reports a measured value.
 void Figure(const char* name, double value);
 
-/// One line on standard output, at once.
+/// Prints one line on standard output and flushes it.
 void Say(const std::string& line);
 
-/// 0 when everything was as documented.
+/// The exit code: 0 if all behavior was as documented.
 int Verdict();
 }  // namespace faults

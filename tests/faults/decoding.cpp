@@ -1,4 +1,4 @@
-// Records, messages and types that the contract does not allow, by reply and by signal.
+// Records, messages, and types that violate the contract, in replies and signals.
 #include <ipod_dbus.h>
 
 #include <unistd.h>
@@ -17,7 +17,7 @@ namespace
 constexpr std::size_t kTrackRecord = 1040;
 constexpr std::size_t kArtworkRecord = 16;
 
-// No NUL anywhere, and not the same everywhere.
+// Varying bytes without a NUL.
 std::string Pattern(std::size_t size)
 {
     std::string bytes(size, '\0');
@@ -30,7 +30,7 @@ GVariant* Bytes(const std::string& bytes)
     return g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.data(), bytes.size(), 1);
 }
 
-// What is missing is zero, what is too much is left out.
+// Missing bytes are zero, excess bytes are ignored.
 std::string Record(std::string bytes, std::size_t size)
 {
     bytes.resize(size, '\0');
@@ -72,7 +72,7 @@ std::string ArtworkText(const std::string& bytes)
 
 using Owned = std::shared_ptr<GVariant>;
 
-// Takes over a reference, floating or not.
+// Consumes a reference, floating or not.
 Owned Own(GVariant* value)
 {
     return {g_variant_take_ref(value), g_variant_unref};
@@ -121,7 +121,7 @@ void ArtworkByReply(const Arguments& arguments)
     desk.ExpectAlive();
 }
 
-// "nested-N" for variants in each other, otherwise GVariant text.
+// "nested-N" for nested variants, otherwise GVariant text.
 Owned InnerValue(const std::string& text)
 {
     if (text.rfind("nested-", 0) != 0) return Own(g_variant_parse(nullptr, text.c_str(), nullptr, nullptr, nullptr));
@@ -156,7 +156,7 @@ void InnerTypeByReply(const Arguments& arguments)
     desk.ExpectAlive();
 }
 
-// There is no reply, and so no variant.
+// Without a reply, there is no variant.
 void NoVariant(const Arguments&)
 {
     Desk desk;
@@ -178,7 +178,7 @@ void SlotWithoutNul(const Arguments&)
     desk.ExpectAlive();
 }
 
-// Battery messages: a level of 50, behind a field that nobody knows and that fills @p size bytes, or behind zeros.
+// Battery messages: a level of 50 after an unknown field that fills @p size bytes, or after zeros.
 std::string LargeMessage(const std::string& kind, std::size_t size)
 {
     if (kind == "zeros") return std::string(size, '\0');
@@ -189,7 +189,7 @@ std::string LargeMessage(const std::string& kind, std::size_t size)
     return bytes + std::string(filler, 'x') + "\x10\x32";
 }
 
-// On a bus that takes messages as large as the bus's protocol allows. Ends before the bus does, whose end would end it.
+// Uses a bus that accepts the largest messages of the protocol. Exits before the bus, whose end would end the process.
 void LargeBattery(const Arguments& arguments)
 {
     HelperProcess bus({"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address"});
@@ -220,10 +220,10 @@ struct Message
 {
     const char* kind;
     std::string bytes;
-    std::string expected;  ///< empty: dropped
+    std::string expected;  ///< empty if dropped
 };
 
-// The members after the first, all absent.
+// The members after the first one, all absent.
 constexpr char kRest[] = ", -, -, -, -, -, -, -, -, -, -, -)";
 
 std::vector<Message> Messages()
@@ -258,8 +258,8 @@ void PhoneMessage(const Arguments& arguments)
 struct ByteSignal
 {
     const char* name;
-    const char* bodyAfter;   ///< the other arguments as they are sent
-    const char* shownAfter;  ///< and as the listener gets them
+    const char* bodyAfter;   ///< the other arguments as sent
+    const char* shownAfter;  ///< the same as the listener receives them
 };
 
 constexpr ByteSignal kByteSignals[] = {

@@ -1,5 +1,5 @@
 /// @file
-/// An application beside a service that the case controls.
+/// An application and a service that the case controls.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -19,10 +19,10 @@ using Clock = std::chrono::steady_clock;
 
 double SecondsSince(Clock::time_point start);
 
-/// What this process has allocated and not released.
+/// The bytes that this process currently has allocated.
 std::size_t BytesInUse();
 
-/// Counts the progress events, and those that came out of turn: positions count up from 0.
+/// Counts progress events, and those out of order: positions count up from 0.
 class Counter : public IQBXIpodPlayerListener
 {
 public:
@@ -32,17 +32,17 @@ public:
     int outOfTurn = 0;
 };
 
-/// The player, initialised; an expectation when that fails.
+/// The initialized player; an expectation fails if that is not possible.
 IQBXIpodPlayer& Connected();
 
-/// The liveness call: the service at the other end must answer it with 77.
+/// The liveness call, which the service must answer with 77.
 void ExpectAlive(IQBXIpodPlayer& player);
 
-/// Which bus a desk stands on.
+/// The bus that a desk uses.
 enum class Bus
 {
-    Private,        ///< one of its own, which takes messages of up to 32 MiB
-    OfEnvironment,  ///< the one that the environment points to
+    Private,        ///< a private one that accepts messages of up to 32 MiB
+    OfEnvironment,  ///< the one in the environment
 };
 
 /// A bus, a service on it, and the player with a listener.
@@ -51,13 +51,13 @@ class Desk
 public:
     explicit Desk(Bus kind = Bus::Private);
 
-    /// Sends a signal and runs the main loop until the client has had it. Takes a floating reference.
+    /// Sends a signal and runs the main loop until the client has received it. Consumes a floating reference.
     void Deliver(const std::string& signal, GVariant* body);
 
-    /// Deliver() with a body in text form.
+    /// Like Deliver(), with a body in text form.
     void DeliverText(const std::string& signal, const std::string& body);
 
-    /// The events so far, in one line; forgets them.
+    /// Returns the events so far in one line, and clears them.
     std::string TakeEvents();
 
     void ExpectAlive() { faults::ExpectAlive(player); }

@@ -1,5 +1,5 @@
 /// @file
-/// The three words of a shared vector that a broken process may overwrite.
+/// The three words of a shared vector that a faulty process may overwrite.
 #pragma once
 
 #include <QBXIpodShareMemory.h>
@@ -10,7 +10,7 @@ namespace faults
 {
 static_assert(sizeof(QBXStringPageVector) == 4 * sizeof(std::size_t), "allocator, pointer, size, capacity");
 
-/// Pointer (as a distance from itself), size and capacity.
+/// Pointer (as an offset from itself), size, and capacity.
 inline volatile std::size_t* HeaderOf(QBXStringPageVector& vector)
 {
     return reinterpret_cast<volatile std::size_t*>(&vector) + 1;

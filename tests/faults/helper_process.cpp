@@ -83,14 +83,14 @@ std::string HelperProcess::ReadLine()
 void HelperProcess::WaitFor(const std::string& line)
 {
     for (std::string next = ReadLine(); next != line; next = ReadLine())
-        if (next.empty()) return Expect(false, "the process at the other end says '" + line + "'");
+        if (next.empty()) return Expect(false, "the peer process prints '" + line + "'");
 }
 
 void HelperProcess::Send(const std::string& line)
 {
     const std::string text = line + "\n";
     if (write(m_input, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-        Expect(false, "the process at the other end listens");
+        Expect(false, "the peer process reads its input");
 }
 
 void HelperProcess::Signal(int number)
@@ -98,7 +98,7 @@ void HelperProcess::Signal(int number)
     kill(m_pid, number);
 }
 
-// The kernel delivers the signal later; until then the process may answer.
+// The kernel delivers the signal asynchronously; until then the process may answer.
 void HelperProcess::Stop()
 {
     Signal(SIGSTOP);

@@ -1,5 +1,5 @@
 /// @file
-/// A process at the other end, which the case may stop or kill at any moment.
+/// A peer process that the case may stop or kill at any moment.
 #pragma once
 
 #include <sys/types.h>
@@ -17,15 +17,15 @@ public:
     /// Starts a helper of this program.
     static std::vector<std::string> Own(std::vector<std::string> arguments);
 
-    /// Kills it when it is still there.
+    /// Kills the process if it is still running.
     ~HelperProcess();
     HelperProcess(const HelperProcess&) = delete;
     HelperProcess& operator=(const HelperProcess&) = delete;
 
-    /// The next line that it prints, empty at its end. Blocks.
+    /// Returns the next line of its output; empty at end of file. Blocks.
     std::string ReadLine();
 
-    /// Reads until a line comes; an expectation fails when the process ends before.
+    /// Reads until @p line arrives; an expectation fails if the process ends first.
     void WaitFor(const std::string& line);
 
     void Send(const std::string& line);
@@ -34,10 +34,10 @@ public:
     /// Suspends it with SIGSTOP; returns once it has stopped.
     void Stop();
 
-    /// Kills it and waits until it is gone.
+    /// Kills the process and waits until it has ended.
     void Kill();
 
-    /// Waits for its end; the status of waitpid().
+    /// Waits for its end; returns the status of waitpid().
     int Wait();
 
 private:

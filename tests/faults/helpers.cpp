@@ -1,4 +1,4 @@
-// The processes at the other end: a service, a second application, holders of locks, writers into segments.
+// The peer processes: a service, a second application, lock holders, and writers into segments.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -22,7 +22,7 @@ void Emit(test::FakeService& service, int count)
     for (int i = 0; i < count; ++i) service.EmitBody("OnPlayProgressChange", g_variant_new("(ii)", i, count));
 }
 
-// Obeys until its input ends. A call of GetDeviceAmount is never answered; "held" says that it came.
+// Executes commands until end of input. GetDeviceAmount is never answered; "held" reports its arrival.
 void Serve(const Arguments&)
 {
     test::FakeService service;
@@ -33,7 +33,7 @@ void Serve(const Arguments&)
     for (int count = 0; std::cin >> word >> count;) Emit(service, count);
 }
 
-// For the bus to start: the first time it fails, later it serves.
+// To be started by the bus: fails the first time, serves later.
 void ServeAtTheSecondTry(const Arguments& arguments)
 {
     const std::string& mark = arguments.at(0);
@@ -48,7 +48,7 @@ void ServeAtTheSecondTry(const Arguments& arguments)
     test::RunLoopFor(std::chrono::seconds(8));
 }
 
-// An application of its own: counts events until it has @p COUNT.
+// A separate application: counts events up to @p COUNT.
 void SecondApplication(const Arguments& arguments)
 {
     const int expected = std::stoi(arguments.at(0));
@@ -62,7 +62,7 @@ void SecondApplication(const Arguments& arguments)
     ExpectAlive(player);
 }
 
-// Stays inside the lock of the names until it is killed.
+// Holds the lock of the names until it is killed.
 void HoldTheNames(const Arguments&)
 {
     test::SharedVectors vectors;
@@ -74,7 +74,7 @@ void HoldTheNames(const Arguments&)
     vectors.Lists().atomic_func(stay);
 }
 
-// Everything behind the first page becomes read-only: the allocation faults while it holds the lock of the memory.
+// Everything after the first page becomes read-only, so the allocation faults while it holds the memory lock.
 void DieWhileAllocating(const Arguments&)
 {
     test::SharedVectors vectors;
@@ -88,7 +88,7 @@ void DieWhileAllocating(const Arguments&)
     Expect(false, "the allocation faults");
 }
 
-// Rewrites pointer, size and capacity of a vector as fast as it can, until it is killed.
+// Rewrites pointer, size, and capacity of a vector continuously until it is killed.
 void Scribble(const Arguments&)
 {
     test::SharedVectors vectors;

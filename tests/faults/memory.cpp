@@ -1,4 +1,4 @@
-// What calls leave behind in the application's heap: nothing, except where the contract demands it.
+// Memory that calls leak in the application's heap: none, except where the contract requires it.
 #include <algorithm>
 #include <functional>
 
@@ -11,7 +11,7 @@ namespace
 constexpr int kWarmUp = 3000;
 constexpr int kBatches = 8;
 constexpr int kTimes = 500;
-constexpr double kNothing = 1;  // byte a call: pools move a little
+constexpr double kNothing = 1;  // bytes per call: pools fluctuate slightly
 constexpr double kMostOfADemandedLeak = 600;
 
 using Call = std::function<void(IQBXIpodPlayer&)>;
@@ -68,7 +68,7 @@ double KeptInABatch(IQBXIpodPlayer& player, const Call& call)
     return (static_cast<double>(BytesInUse()) - before) / kTimes;
 }
 
-// The least of all batches: what every call keeps is in each of them, what pools take now and then is not.
+// The minimum of all batches: it includes leaks of every call, but not occasional growth of pools.
 double KeptPerCall(IQBXIpodPlayer& player, const Call& call)
 {
     double least = KeptInABatch(player, call);
@@ -76,7 +76,7 @@ double KeptPerCall(IQBXIpodPlayer& player, const Call& call)
     return std::max(least, 0.0);
 }
 
-// Between @p fewest and @p most bytes a call, all told.
+// Expects between @p fewest and @p most leaked bytes per call in total.
 void ExpectKept(IQBXIpodPlayer& player, const char* when, const std::vector<Family>& families, double fewest,
                 double most)
 {

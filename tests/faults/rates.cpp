@@ -1,4 +1,4 @@
-// More calls and events than anybody needs, on one thread.
+// Excessive rates of calls and events, on one thread.
 #include <gio/gio.h>
 
 #include <algorithm>
@@ -14,11 +14,11 @@ namespace
 {
 constexpr double kCalls = 3000;
 constexpr double kEvents = 20000;
-// On a machine where GDBus alone hardly reaches that, the library is held to this part of what GDBus reaches.
+// On machines where GDBus alone barely reaches the rate, the library must reach this fraction of GDBus's rate.
 constexpr double kShare = 2.0 / 3;
 
-// How many of them fit into a second of this process's processor time. A second of the clock depends on the daemon, the
-// service and the neighbours as well.
+// Calls per second of this process's CPU time. Wall-clock time also depends on the daemon, the service, and other
+// processes.
 struct Rates
 {
     double calls = 0;
@@ -32,7 +32,7 @@ double ProcessorSeconds()
     return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) / 1e9;
 }
 
-// The figure is what fits into a second of the clock.
+// The reported figure is calls per second of wall-clock time.
 double MeasureCalls(const char* figure, int seconds, const std::function<bool()>& call)
 {
     const auto start = Clock::now();
@@ -53,7 +53,7 @@ double MeasureEvents(int events, HelperProcess& service, const int& received)
     return events / (ProcessorSeconds() - usedBefore);
 }
 
-// GDBus without a binding and without the library: less is not possible on this machine.
+// GDBus without a binding and without the library: the lower bound on this machine.
 class BareProxy
 {
 public:
@@ -99,7 +99,7 @@ private:
     int m_received = 0;
 };
 
-// Sends so many events, which all arrive, each once. The rate at which the application took them.
+// Sends events and checks that each arrives exactly once. Returns the rate at which the application received them.
 double Flooded(IQBXIpodPlayer& player, HelperProcess& service, int events)
 {
     Counter counter;

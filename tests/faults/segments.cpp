@@ -1,4 +1,4 @@
-// Objects under the segments' names, and what other processes write into the segments.
+// Invalid objects with the segments' names, and other processes that corrupt the segments.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
@@ -40,7 +40,7 @@ std::string Random(std::size_t size)
     return bytes;
 }
 
-// What xz makes of a file, such as an image of a segment.
+// Returns the contents of a file compressed with xz, such as an image of a segment.
 std::string Unpacked(const std::string& path)
 {
     std::string bytes;
@@ -66,7 +66,7 @@ void PutSoundSegment(std::size_t size)
     const QBXSharedSegment segment(bip::create_only, kListSegmentName, size);
 }
 
-// Root is another user then, who has no rights there.
+// Root becomes another user, without permissions there.
 void PutReadOnlySegment()
 {
     PutSoundSegment(kListSegmentSize);
@@ -95,14 +95,14 @@ void PutObject(const Arguments& arguments)
     if (kind == "smaller") PutSoundSegment(kListSegmentSize / 2);
 }
 
-// Rights count for nothing where one is root.
+// Permissions do not apply to root.
 void BecomeNobody(const std::string& kind)
 {
     if (kind == "not-readable" || kind == "read-only" || kind == "of-another-user")
         Expect(geteuid() != 0 || seteuid(kNobody) == 0, "another user");
 }
 
-// What the first QBX_GetIpodPlayer() ends in: "attached" or the text of its exception.
+// Returns the outcome of the first QBX_GetIpodPlayer(): "attached" or the text of its exception.
 std::string Attach()
 {
     try
@@ -116,7 +116,7 @@ std::string Attach()
     }
 }
 
-// Attaches, and says how that ended; commands work in either case.
+// Attaches and prints the outcome; commands work in either case.
 void AttachAndCall(const std::string& kind)
 {
     test::PrivateBus bus;
@@ -172,7 +172,7 @@ void UnterminatedNames(const Arguments&)
     desk.ExpectAlive();
 }
 
-// Each reading ends, and never holds more than the segment can.
+// Each read terminates and never returns more than the segment can hold.
 void ReadOften(Desk& desk, int times, const std::function<void()>& before)
 {
     std::vector<std::string> list;
@@ -218,7 +218,7 @@ void RewrittenHeader(const Arguments& arguments)
     desk.ExpectAlive();
 }
 
-// Nobody survives this: the pages are gone.
+// No process can survive this, because the pages no longer exist.
 void CutWhileMapped(const Arguments&)
 {
     test::SharedVectors vectors;

@@ -1,4 +1,4 @@
-// A service or a bus that is not there, dies, hangs or lies.
+// A service or a bus that is missing, dies, hangs, or sends false data.
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,7 +32,7 @@ void Absent(const Arguments&)
     ExpectAlive(*player);
 }
 
-// The application tries again when it likes.
+// The application may retry at any time.
 void Late(const Arguments&)
 {
     const test::PrivateBus bus;
@@ -54,8 +54,8 @@ double Percentile99(std::vector<double> values)
     return values[values.size() * 99 / 100];
 }
 
-// Seconds until a call is answered, from the moment in which the service owns its name again. Without the main loop
-// the proxy would go on calling the connection that is gone.
+// Seconds from the moment the service owns its name again until a call is answered. Without the main loop, the proxy
+// would keep calling the closed connection.
 double UntilAnswered(IQBXIpodPlayer& player)
 {
     const auto start = Clock::now();
@@ -63,7 +63,7 @@ double UntilAnswered(IQBXIpodPlayer& player)
     return SecondsSince(start);
 }
 
-// Seconds from the death of the service to the end of the call that it held.
+// Seconds from the death of the service to the end of the pending call.
 double KillInMidCall(IQBXIpodPlayer& player, HelperProcess& service)
 {
     Clock::time_point died;
@@ -80,7 +80,7 @@ double KillInMidCall(IQBXIpodPlayer& player, HelperProcess& service)
     return std::max(0.0, std::chrono::duration<double>(returned - died).count());
 }
 
-// Seconds that a call takes while nobody is there.
+// Duration in seconds of a call without a service.
 double CallNobody(IQBXIpodPlayer& player)
 {
     const auto start = Clock::now();
@@ -188,7 +188,7 @@ void ErrorReply(const Arguments&)
     desk.ExpectAlive();
 }
 
-// A second process claims the name, gets nothing, and sends signals all the same.
+// A second process requests the name in vain and still sends signals.
 void SecondOwner(const Arguments&)
 {
     Desk desk;
@@ -225,7 +225,7 @@ void BusKilledWhileTheLoopRuns(const Arguments&)
     Expect(false, "the end of the bus ends the process");
 }
 
-// Nobody runs the loop, and so nobody ends the process; calls fail at once.
+// Without a running loop the process survives; calls fail at once.
 void BusKilledWithoutALoop(const Arguments&)
 {
     Desk desk;
@@ -243,7 +243,7 @@ void OnBusClosed(GDBusConnection*, gboolean, GError*, gpointer closed)
     *static_cast<bool*>(closed) = true;
 }
 
-// What an application can do that wants to go on; the documents show these three lines.
+// How an application can survive; the documentation shows these three lines.
 void BusKilledAndSurvived(const Arguments&)
 {
     Desk desk;
@@ -253,7 +253,7 @@ void BusKilledAndSurvived(const Arguments&)
     g_signal_connect(session, "closed", G_CALLBACK(OnBusClosed), &busClosed);
     KillTheBus();
     test::RunLoopFor(std::chrono::milliseconds(200));
-    Expect(busClosed, "the application is told");
+    Expect(busClosed, "the application is notified");
     Expect(desk.player.GetShuffleMode() == 255, "failure value of GetShuffleMode");
     Say("survived");
     std::fflush(stdout);
@@ -280,7 +280,7 @@ void WriteServiceFile(const std::string& folder)
                                                            << " serve-at-the-second-try " << folder << "/mark\n";
 }
 
-// The contract keeps this loop: the first attempt fails, and after that success does not end it.
+// The contract requires this loop: after a failed first attempt, success does not end it.
 void ActivatedServiceThatFailsFirst(const Arguments&)
 {
     char folder[] = "/dev/shm/services-XXXXXX";

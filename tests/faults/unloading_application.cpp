@@ -1,4 +1,4 @@
-// An application that loads the library itself, and unloads it while events are still to come.
+// An application that loads the library at run time, and unloads it while events are pending.
 #include <IQBXIpodPlayer.h>
 #include <dlfcn.h>
 #include <glib.h>

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Options of the build have the effect that they are documented with. Nothing is compiled.
+"""Tests that build options have their documented effect. Nothing is compiled.
 
 Usage: configure_test.py SOURCE CMAKE
 """
@@ -19,7 +19,7 @@ CORE_ALONE = ["-DIPOD_BUILD_TESTS=OFF", "-DIPOD_BUILD_TOOLS=OFF", "-DIPOD_BUILD_
 
 
 class Build:
-    """A build directory that was configured, or not: status, output, and the commands that compile."""
+    """An attempt to configure a build directory: status, output, and compile commands."""
 
     def __init__(self, directory, source, *options):
         self.directory = pathlib.Path(directory)
@@ -28,7 +28,7 @@ class Build:
         self.status, self.output = run.returncode, run.stdout
 
     def commands(self):
-        """The commands that compile C++."""
+        """Returns the C++ compile commands."""
         entries = json.loads((self.directory / "compile_commands.json").read_text())
         return [entry["command"] for entry in entries if not entry["file"].endswith(".c")]
 
@@ -45,14 +45,14 @@ class Options(unittest.TestCase):
         return build
 
     def host_project(self):
-        """A project that has the library as a part of itself."""
+        """Creates a project that includes the library as a subdirectory."""
         host = self.scratch / "host"
         host.mkdir()
         (host / "CMakeLists.txt").write_text("cmake_minimum_required(VERSION 3.13)\nproject(host C CXX)\n"
                                              f"add_subdirectory({SOURCE} libipod)\n")
         return host
 
-    def test_the_language_standard_is_the_chosen_one_from_17_on(self):
+    def test_the_language_standard_is_at_least_17(self):
         for chosen, used in ((None, 17), (98, 17), (14, 17), (17, 17), (20, 20)):
             with self.subTest(chosen=chosen):
                 choice = [f"-DCMAKE_CXX_STANDARD={chosen}"] if chosen else ["-UCMAKE_CXX_STANDARD"]
@@ -60,7 +60,7 @@ class Options(unittest.TestCase):
                              for line in self.configure(*CORE_ALONE, *choice).commands()}
                 self.assertEqual(standards, {f"c++{used}"})
 
-    def test_a_static_library_is_refused(self):
+    def test_a_static_library_is_rejected(self):
         build = Build(self.scratch / "build", SOURCE, *CORE_ALONE, "-DBUILD_SHARED_LIBS=OFF")
         self.assertNotEqual(build.status, 0)
         self.assertIn("libipod is always a shared library", build.output)
@@ -68,7 +68,7 @@ class Options(unittest.TestCase):
     def test_a_host_project_may_build_its_own_libraries_statically(self):
         self.configure("-DBUILD_SHARED_LIBS=OFF", source=self.host_project())
 
-    def test_a_host_project_installs_nothing_that_is_meant_for_debian(self):
+    def test_a_host_project_installs_no_debian_files(self):
         build = self.configure(source=self.host_project())
         self.assertFalse((build.directory / "CPackConfig.cmake").exists())
         scripts = list(build.directory.rglob("cmake_install.cmake"))
@@ -84,13 +84,13 @@ class Options(unittest.TestCase):
         for path in files:
             self.assertEqual(re.findall(NEWER_THAN_3_16, path.read_text()), [], path)
 
-    def test_programs_find_their_libraries_by_position_even_if_meant_for_usr(self):
+    def test_programs_find_their_libraries_by_relative_path_even_with_prefix_usr(self):
         build = self.configure("-DIPOD_BUILD_TESTS=OFF", "-DIPOD_BUILD_PYTHON=OFF", "-DCMAKE_INSTALL_PREFIX=/usr")
         for program in ("ipodctl", "simulator"):
             self.assertRegex((build.directory / program / "cmake_install.cmake").read_text(),
                              r'RPATH "\\\$ORIGIN:\\\$ORIGIN/\.\./lib[^"]*"')
 
-    def test_only_the_fast_build_lowers_the_optimisation(self):
+    def test_only_the_fast_build_lowers_the_optimization(self):
         for fast, lowered in (("OFF", False), ("ON", True)):
             with self.subTest(IPOD_FAST_BUILD=fast):
                 build = self.configure("-DIPOD_BUILD_TESTS=OFF", "-DIPOD_BUILD_PYTHON=OFF",

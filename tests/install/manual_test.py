@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Manual page and completions know every verb and option of a program's --help.
+"""Tests that manual page and completions cover every verb and option of a program's --help.
 
 Usage: manual_test.py "PROGRAM [ARGUMENT...]" PAGE [COMPLETION...]
 """
@@ -43,7 +43,7 @@ def missing_in(path, words):
 
 
 def stray_quotes_in(path):
-    """Lines of requests with a quote inside of a word that did not begin with one."""
+    """Returns lines of requests with a quote inside a word that does not start with one."""
     with open(path, encoding="utf-8") as file:
         requests = [line.rstrip("\n") for line in file if line.startswith(".") and not line.startswith('.\\"')]
     return [line for line in requests if any('"' in word[1:-1] + (word[0] != '"') * word[-1:]
@@ -51,7 +51,7 @@ def stray_quotes_in(path):
 
 
 class EveryWordOfTheHelp(unittest.TestCase):
-    def test_stands_in_the_manual_page_and_in_the_completions(self):
+    def test_is_in_the_manual_page_and_in_the_completions(self):
         words = words_of_help()
         self.assertIn("version", words)
         for path in FILES:

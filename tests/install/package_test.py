@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What the control files of the Debian packages promise. Nothing is installed.
+"""Tests the control files of the Debian packages. Nothing is installed.
 
 Usage: package_test.py PACKAGES
 """
@@ -22,17 +22,17 @@ def package(name):
 
 
 def shared_libraries(name):
-    """The libraries in a package, without their versions."""
+    """Returns the libraries in a package, without their versions."""
     return set(re.findall(r"/(lib\w+)\.so\.", run("dpkg-deb", "--contents", package(name))))
 
 
 class Packages(unittest.TestCase):
-    def test_each_library_has_a_package_of_its_own(self):
+    def test_each_library_has_a_separate_package(self):
         for name, library in LIBRARIES.items():
             with self.subTest(name):
                 self.assertEqual(shared_libraries(name), {library})
 
-    def test_programs_stay_installable_when_a_library_gets_a_fix(self):
+    def test_programs_stay_installable_after_a_library_fix(self):
         for name, library in LIBRARIES.items():
             with self.subTest(name):
                 version = re.search(r"\d+$", name)[0]
@@ -50,21 +50,21 @@ class Packages(unittest.TestCase):
                    if "libicu" in (field(path, "Depends") or "")}
         self.assertEqual(needing, {"libipodnames1"})
 
-    def test_the_stand_in_gives_way_to_the_middleware_of_a_head_unit(self):
+    def test_the_stand_in_yields_to_the_middleware_of_a_head_unit(self):
         self.assertIn(f"{STANDIN} (>= ", field(package("libipod1"), "Depends"))
         self.assertIn(") | libqbxmiddleware1", field(package("libipod1"), "Depends"))
         self.assertEqual(field(package(STANDIN), "Provides"), "libqbxmiddleware1")
         self.assertEqual(field(package(STANDIN), "Conflicts"), "libqbxmiddleware1")
         self.assertIn("Do not install it on a head unit", field(package(STANDIN), "Description"))
 
-    def test_libraries_are_multi_arch_where_their_directory_is_that_of_an_architecture(self):
+    def test_libraries_in_multiarch_directories_are_multi_arch(self):
         for name in LIBRARIES:
             with self.subTest(name):
                 directories = set(re.findall(r" \./(\S*/)lib\w+\.so", run("dpkg-deb", "--contents", package(name))))
                 of_one = {bool(re.fullmatch(r"usr/lib/\w+-linux-\w+/", path)) for path in directories}
                 self.assertEqual(of_one, {field(package(name), "Multi-Arch") == "same"})
 
-    def test_debug_information_is_packaged_for_itself(self):
+    def test_debug_information_is_packaged_separately(self):
         for name in (*LIBRARIES, "ipod-tools"):
             with self.subTest(name):
                 symbols = next(pathlib.Path(PACKAGES).glob(f"{name}-dbgsym_*.ddeb"))

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""The Debian packages over each other, in a root of their own: nothing of the machine is touched.
+"""Tests upgrades of the Debian packages in a separate root; the machine is not modified.
 
 Usage: upgrade_test.py PACKAGES
 
-PACKAGES is a directory with the packages of this version. A second set is made of them: a later version, whose library
-has another file name and whose tools have one file more and one less. dpkg itself replaces one set by the other.
+PACKAGES is a directory with the packages of this version. The test derives a second set: a later version, whose library
+has another file name and whose tools have one file more and one less. dpkg itself replaces one set with the other.
 """
 
 import os
@@ -17,12 +17,12 @@ import tempfile
 import unittest
 
 LATER = "1.99.0"
-# The last version in which libipod1 was all three libraries.
+# The last version in which libipod1 contained all three libraries.
 UNDIVIDED = "1.0.0-1"
 
 
 class Failed(Exception):
-    """A command that failed, with what it said."""
+    """A failed command, with its output."""
 
 
 def run(*command, **options):
@@ -38,7 +38,7 @@ def field(package, name):
 
 
 def rename_library(tree, version):
-    """libipod.so.1.99.0 in the place of libipod.so.1.0.0, and the links to it."""
+    """Replaces libipod.so.1.0.0 and its links with libipod.so.1.99.0."""
     for library in tree.rglob(f"libipod.so.{version}"):
         library.rename(library.with_name(f"libipod.so.{LATER}"))
     for link in tree.rglob("libipod.so*"):
@@ -48,7 +48,7 @@ def rename_library(tree, version):
 
 
 def make_later(package, target):
-    """A package as the next version might be."""
+    """Creates a possible next version of a package."""
     version = field(package, "Version").split("-")[0]
     tree = target / "tree"
     run("dpkg-deb", "--raw-extract", package, tree)
@@ -67,7 +67,7 @@ def build(tree, package):
 
 
 def make_undivided(packages, target):
-    """libipod1 as it was when it held all three libraries."""
+    """Creates libipod1 as it was when it contained all three libraries."""
     tree = target / "tree"
     for package in packages:
         run("dpkg-deb", "--extract", package, tree)
@@ -78,7 +78,7 @@ def make_undivided(packages, target):
 
 
 def make_middleware(target, architecture):
-    """What a head unit might have in the place of the stand-in."""
+    """Creates a package that a head unit might have instead of the stand-in."""
     tree = target / "middleware"
     (tree / "DEBIAN").mkdir(parents=True)
     (tree / "DEBIAN/control").write_text("Package: head-unit-middleware\nVersion: 5\nMaintainer: none\n"
@@ -87,26 +87,26 @@ def make_middleware(target, architecture):
 
 
 def files_of(packages):
-    """Every file that the packages hold, as an absolute path."""
+    """Returns the absolute paths of all files in the packages."""
     lines = [line for package in packages for line in run("dpkg-deb", "--contents", package).splitlines()]
     return {line.split(" -> ")[0].split()[5].lstrip(".") for line in lines if not line.startswith("d")}
 
 
 def needed_elsewhere(packages):
-    """The names of what the packages depend on and do not bring."""
+    """Returns the names of external dependencies of the packages."""
     own = {field(package, "Package") for package in packages}
     words = ", ".join(field(package, "Depends") for package in packages)
     return {re.split(r"[ (|]", word.strip())[0] for word in words.split(",") if word.strip()} - own
 
 
 def version_here(package):
-    """What is not installed here is new enough."""
+    """Returns a sufficient version for packages that are not installed here."""
     found = subprocess.run(["dpkg-query", "-W", "-f", "${Version}", package], capture_output=True, text=True)
     return found.stdout or "999"
 
 
 class Root:
-    """A file system with dpkg's database, in which the packages that ours need count as installed."""
+    """A file system with a dpkg database that lists our dependencies as installed."""
 
     def __init__(self, path, architecture, needed):
         self.path = path
@@ -122,7 +122,7 @@ class Root:
                 (self.database / f"info/{package}.{part}").touch()
         native = run("dpkg", "--print-architecture").strip()
         (self.database / "arch").write_text("\n".join({native, architecture}) + "\n")
-        # The packages' scripts call ldconfig: here, one that does nothing.
+        # The package scripts call ldconfig, which is a no-op here.
         self.programs = path / "programs"
         self.programs.mkdir()
         (self.programs / "ldconfig").write_text("#!/bin/sh\n")
@@ -134,7 +134,7 @@ class Root:
                    timeout=120)
 
     def files(self):
-        """What is there of ours."""
+        """Returns our installed files."""
         return {"/" + str(path.relative_to(self.path)) for path in self.path.rglob("*")
                 if (path.is_symlink() or path.is_file())
                 and path.relative_to(self.path).parts[0] not in ("var", "programs")}
@@ -178,9 +178,9 @@ class Packages(unittest.TestCase):
     def libraries(self):
         return [package for package in self.now if re.match("lib(ipod|ipodkit|qbxmiddleware-standin)1_", package.name)]
 
-    def test_three_libraries_come_in_the_place_of_one_package(self):
+    def test_three_library_packages_replace_one(self):
         self.install([make_undivided(self.libraries(), self.path.parent)])
-        # In the less lucky order, in which files of the earlier package are replaced, and with the option of apt.
+        # In the less favorable order, in which files of the old package are overwritten, and with apt's options.
         self.root.dpkg("--auto-deconfigure", "--install", *reversed(self.libraries()))
         self.assert_holds_exactly(self.libraries())
 
@@ -204,7 +204,7 @@ class Packages(unittest.TestCase):
         self.root.dpkg("--remove", *(field(package, "Package") for package in self.now))
         self.assertEqual(self.root.files(), set())
 
-    def test_later_headers_and_tools_are_refused_without_the_later_library(self):
+    def test_newer_headers_and_tools_require_the_newer_library(self):
         self.install(self.now)
         for name in ("libipod-dev", "ipod-tools"):
             later = next(package for package in self.later if package.name.startswith(name))
@@ -213,14 +213,14 @@ class Packages(unittest.TestCase):
             self.assertRegex(str(refused.exception), rf"{name}\S* depends on libipod1 \(= {LATER}\S*\); however:\n"
                                                      r"  Version of libipod1\S* on system is ")
 
-    def test_nothing_is_a_configuration_file_that_could_be_changed_by_hand(self):
+    def test_there_are_no_configuration_files(self):
         self.assertEqual([path for path in files_of(self.now) if path.startswith("/etc/")], [])
         for package in self.now:
             self.assertNotIn("conffiles", run("dpkg-deb", "--ctrl-tarfile", package, errors="replace"))
 
 
 def become_root():
-    """dpkg gives files to root: in a user namespace of our own everybody may."""
+    """Reruns the test in a user namespace, because dpkg changes file ownership to root."""
     if os.geteuid() == 0:
         return
     if subprocess.run(["unshare", "--map-root-user", "true"], capture_output=True).returncode != 0:

@@ -51,12 +51,12 @@ protected:
         Settle(service);
     }
 
-    // What a session is told, in order.
-    Subscription Record(const AccessorySessionPtr& peer, std::vector<std::string>& told)
+    // The notifications of a session, in order.
+    Subscription Record(const AccessorySessionPtr& peer, std::vector<std::string>& received)
     {
         return peer->OnData(
-            "record", [&told](const Result<Bytes>& data)
-            { told.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
+            "record", [&received](const Result<Bytes>& data)
+            { received.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
     }
 
     SharedVectors shared;
@@ -64,7 +64,7 @@ protected:
     std::map<int, Bytes> written;
     std::size_t largest = 0;
     std::atomic<bool> accepting{true};
-    FakeService service;  // last: its thread uses the others
+    FakeService service;  // last member, because its thread uses the others
 };
 
 TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
@@ -81,7 +81,7 @@ TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
     EXPECT_FALSE(peer->IsOpen());
 }
 
-TEST_F(AccessoryTest, APortThatIsMadeWhenTheServiceIsLostHasNoSessions)
+TEST_F(AccessoryTest, APortCreatedWithoutAServiceHasNoSessions)
 {
     service.Emit("OnIpodStartEapSession", "(3, 300)");
     Settle(service);
@@ -120,7 +120,7 @@ TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
-TEST_F(AccessoryTest, ReceivedBytesReachTheOneSessionThatFits)
+TEST_F(AccessoryTest, ReceivedBytesReachTheMatchingSession)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr one = OpenSession(port, 300);
@@ -138,7 +138,7 @@ TEST_F(AccessoryTest, ReceivedBytesReachTheOneSessionThatFits)
     EXPECT_EQ(CountLogLines("80 LogWarning: received bytes for accessory session 99, which is not open"), 1U);
 }
 
-TEST_F(AccessoryTest, BytesThatMayBeOfTwoSessionsAreAnErrorForBoth)
+TEST_F(AccessoryTest, AmbiguousBytesAreAnErrorForBothSessions)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr one = OpenSession(port, 44);
@@ -154,7 +154,7 @@ TEST_F(AccessoryTest, BytesThatMayBeOfTwoSessionsAreAnErrorForBoth)
     EXPECT_THAT(toOther, ElementsAre("Ambiguous"));
 }
 
-TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveWholeAndInOrder)
+TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveCompletelyAndInOrder)
 {
     AccessoryOptions small;
     small.chunk = 1000;
@@ -178,7 +178,7 @@ TEST_F(AccessoryTest, LargeWritesOfTwoSessionsArriveWholeAndInOrder)
     EXPECT_EQ(one->Waiting(), 0U);
 }
 
-TEST_F(AccessoryTest, TakesNoMoreThanTheHighWaterMarkAndSaysWhenItDoesAgain)
+TEST_F(AccessoryTest, AcceptsDataUpToTheHighWaterMarkAndReportsDraining)
 {
     AccessoryOptions small;
     small.highWater = 1000;
@@ -200,7 +200,7 @@ TEST_F(AccessoryTest, TakesNoMoreThanTheHighWaterMarkAndSaysWhenItDoesAgain)
     EXPECT_FALSE(peer->HasRoomFor(1));
 }
 
-TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
+TEST_F(AccessoryTest, ARefusalFailsAllAcceptedWrites)
 {
     accepting = false;
     AccessoryPort port(*session);
@@ -220,24 +220,24 @@ TEST_F(AccessoryTest, ARefusalEndsEverythingThatWasTaken)
     EXPECT_TRUE(RunLoopUntil([&] { return again; }));
 }
 
-TEST_F(AccessoryTest, SaysThatItTakesBytesAgainAfterAFailureToo)
+TEST_F(AccessoryTest, ReportsDrainingAfterAFailure)
 {
     accepting = false;
     AccessoryOptions small;
     small.highWater = 1000;
     AccessoryPort port(*session, small);
     const AccessorySessionPtr peer = OpenSession(port, 1);
-    std::vector<std::string> told;
-    const auto failed = [&told](const Result<void>& result) { told.push_back(Name(KindOf(result))); };
-    const Subscription watching = peer->OnDrained("test", [&told] { told.push_back("drained"); });
+    std::vector<std::string> received;
+    const auto failed = [&received](const Result<void>& result) { received.push_back(Name(KindOf(result))); };
+    const Subscription watching = peer->OnDrained("test", [&received] { received.push_back("drained"); });
 
     peer->Write(Bytes(5000)).Start(failed);
 
-    EXPECT_TRUE(RunLoopUntil([&] { return told.size() == 2; }));
-    EXPECT_THAT(told, ElementsAre("Refused", "drained"));
+    EXPECT_TRUE(RunLoopUntil([&] { return received.size() == 2; }));
+    EXPECT_THAT(received, ElementsAre("Refused", "drained"));
 }
 
-TEST_F(AccessoryTest, AClosedSessionIsNotSaidToTakeBytesAgain)
+TEST_F(AccessoryTest, AClosedSessionDoesNotReportDraining)
 {
     service.Hold("EapWrite");
     AccessoryOptions small;
@@ -256,7 +256,7 @@ TEST_F(AccessoryTest, AClosedSessionIsNotSaidToTakeBytesAgain)
     EXPECT_FALSE(drained);
 }
 
-TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
+TEST_F(AccessoryTest, ChunksThatDoNotFitIntoTheSegmentAreAnError)
 {
     AccessoryOptions huge;
     huge.chunk = 4 << 20;
@@ -271,7 +271,7 @@ TEST_F(AccessoryTest, ChunksThatTheSegmentDoesNotTakeAreAnError)
     EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
 }
 
-TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
+TEST_F(AccessoryTest, AChunkThatWouldExhaustTheSegmentIsRejectedInAdvance)
 {
     AccessoryOptions large;
     large.chunk = 600 * 1024;
@@ -291,7 +291,7 @@ TEST_F(AccessoryTest, AChunkThatWouldUseUpTheSegmentIsRefusedBeforehand)
     EXPECT_THAT(written, IsEmpty());
 }
 
-TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
+TEST_F(AccessoryTest, TheLargestChunkLeavesSpaceForAReplyAndTheNextChunk)
 {
     constexpr std::size_t kBookkeeping = 64;
     const std::size_t size = RoomForAccessoryBytes() - kBookkeeping;
@@ -311,7 +311,7 @@ TEST_F(AccessoryTest, TheLargestChunkLeavesRoomForAnAnswerAndForTheNext)
     shared.SetBytes("VecEapReadBufferShareMemory", Bytes(size));
 }
 
-// The service shares the segment: its free memory must not depend on who fills the buffer.
+// The service shares the segment, so its free memory must not depend on who fills the buffer.
 TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
 {
     AccessoryPort port(*session);
@@ -337,7 +337,7 @@ TEST_F(AccessoryTest, TheBufferGrowsAsIfBytesWereAppendedOneByOne)
     }
 }
 
-// Everything behind the first page becomes read-only there: the allocation faults while it holds the lock.
+// Everything after the first page becomes read-only in the child, so the allocation faults while it holds the lock.
 void DieWhileAllocatingIn(QBXSharedSegment& segment)
 {
     const pid_t child = fork();
@@ -353,10 +353,10 @@ void DieWhileAllocatingIn(QBXSharedSegment& segment)
     }
     int status = 0;
     ASSERT_EQ(child, waitpid(child, &status, 0));
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die where it should";
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die at the expected point";
 }
 
-// The lock is given up on after ten seconds.
+// Waiting for the lock times out after ten seconds.
 TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
 {
     AccessoryPort port(*session);
@@ -373,7 +373,7 @@ TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
     EXPECT_THAT(result->error().reason, HasSubstr("locked by a process that died"));
 }
 
-TEST_F(AccessoryTest, TheSessionMayEndWhileTheBufferGrows)
+TEST_F(AccessoryTest, TheSessionMayBeDestroyedWhileTheBufferGrows)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
@@ -387,7 +387,7 @@ TEST_F(AccessoryTest, TheSessionMayEndWhileTheBufferGrows)
     EXPECT_THAT(written, IsEmpty());
 }
 
-TEST_F(AccessoryTest, TheLibraryItselfTakesTheLargestWriteAndLeavesRoomForAnAnswer)
+TEST_F(AccessoryTest, TheCoreAcceptsTheLargestWriteAndLeavesSpaceForAReply)
 {
     ASSERT_TRUE(QBX_GetIpodPlayer()->InitInstance());
     Bytes most(RoomForAccessoryBytes());
@@ -411,25 +411,25 @@ TEST_F(AccessoryTest, SessionsEndWithTheService)
     EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
-TEST_F(AccessoryTest, SessionsEndWithTheSessionThatTheyBelongTo)
+TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
     service.Hold("EapWrite");
-    std::vector<std::string> told;
-    const Subscription closing = peer->OnClosed("test", [&told] { told.push_back("closed"); });
-    peer->Write({1}).Start([&told](const Result<void>& done) { told.push_back(Name(KindOf(done))); });
+    std::vector<std::string> received;
+    const Subscription closing = peer->OnClosed("test", [&received] { received.push_back("closed"); });
+    peer->Write({1}).Start([&received](const Result<void>& done) { received.push_back(Name(KindOf(done))); });
 
     session.reset();
 
-    EXPECT_THAT(told, ElementsAre("Cancelled", "closed"));
+    EXPECT_THAT(received, ElementsAre("Cancelled", "closed"));
     EXPECT_FALSE(peer->IsOpen());
     EXPECT_FALSE(peer->HasRoomFor(1));
     EXPECT_EQ(KindOf(Completed(peer->Write({2}))), ErrorKind::Cancelled);
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
-TEST_F(AccessoryTest, APortThatComesLaterKnowsTheOpenSessions)
+TEST_F(AccessoryTest, APortCreatedLaterKnowsTheOpenSessions)
 {
     service.Emit("OnIpodStartEapSession", "(3, 300)");
     Settle(service);
@@ -440,7 +440,7 @@ TEST_F(AccessoryTest, APortThatComesLaterKnowsTheOpenSessions)
     EXPECT_EQ(port.Sessions().front()->Number(), 300);
 }
 
-TEST_F(AccessoryTest, ACallbackMayEndThePort)
+TEST_F(AccessoryTest, ACallbackMayDestroyThePort)
 {
     auto port = std::make_unique<AccessoryPort>(*session);
     const Subscription watching = port->OnOpened("end", [&](const AccessorySessionPtr&) { port.reset(); });

@@ -1,4 +1,4 @@
-// Everything may end at every step: after each number of turns of the loop, from none to where nothing is left to do.
+// Objects may be destroyed at any step: after every number of main-loop iterations, until nothing is left to do.
 #include <ipodkit/accessory.h>
 #include <ipodkit/audio_source.h>
 #include <ipodkit/pager.h>
@@ -40,7 +40,7 @@ protected:
     FakeService service;
 };
 
-TEST_F(AnyStepTest, ASessionMayEnd)
+TEST_F(AnyStepTest, ASessionMayBeDestroyed)
 {
     for (int step = 0; step < kSteps; ++step)
     {
@@ -54,7 +54,7 @@ TEST_F(AnyStepTest, ASessionMayEnd)
     EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
 }
 
-TEST_F(AnyStepTest, ASessionMayEndWithRequestsUnderWay)
+TEST_F(AnyStepTest, ASessionMayBeDestroyedWithPendingRequests)
 {
     int completed = 0;
     for (int step = 0; step < kSteps; ++step)
@@ -91,7 +91,7 @@ TEST_F(AnyStepTest, ARequestMayBeCancelled)
     EXPECT_GT(cancelled, 0);
 }
 
-TEST_F(AnyStepTest, APagerMayEnd)
+TEST_F(AnyStepTest, APagerMayBeDestroyed)
 {
     Ready();
     for (int step = 0; step < kSteps; ++step)
@@ -112,7 +112,7 @@ TEST_F(AnyStepTest, APagerMayEnd)
     EXPECT_EQ(page->value()->At(1), "b");
 }
 
-TEST_F(AnyStepTest, AnAccessoryPortMayEndWhileItWrites)
+TEST_F(AnyStepTest, AnAccessoryPortMayBeDestroyedDuringAWrite)
 {
     Ready();
     service.Emit("OnIpodStartEapSession", "(3, 300)");
@@ -153,7 +153,7 @@ TEST_F(AnyStepTest, TheServiceMayVanish)
     EXPECT_EQ(session->State()->track->title, "Song");
 }
 
-TEST_F(AnyStepTest, FourThreadsMaySubscribeAndEndWhileEventsCome)
+TEST_F(AnyStepTest, FourThreadsMaySubscribeAndUnsubscribeDuringEvents)
 {
     Ready();
     std::atomic<int> working{4};

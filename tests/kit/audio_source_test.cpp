@@ -43,7 +43,7 @@ protected:
     FakeService service;
 };
 
-TEST_F(AudioSourceTest, GoesFromTheRequestToTheRelease)
+TEST_F(AudioSourceTest, GoesFromRequestToRelease)
 {
     AudioSource source(*session, 0);
 
@@ -59,7 +59,7 @@ TEST_F(AudioSourceTest, GoesFromTheRequestToTheRelease)
     EXPECT_THAT(service.Calls(), testing::Contains("Play(0x03,)"));
 }
 
-TEST_F(AudioSourceTest, StartsResumesAndRestartsPlaybackOnly)
+TEST_F(AudioSourceTest, StartsResumesAndRestartsPlayback)
 {
     AudioSource source(*session, 0);
     ASSERT_TRUE(source.Request());
@@ -84,7 +84,7 @@ TEST_F(AudioSourceTest, TheSecondSourceIsEleven)
     EXPECT_THAT(Sources().calls, testing::Contains(HasSubstr("Request(11")));
 }
 
-TEST_F(AudioSourceTest, ARefusalNamesTheCodeOfTheManager)
+TEST_F(AudioSourceTest, ARefusalContainsTheManagersCode)
 {
     Sources().requestResult = 5;
     AudioSource source(*session, 0);
@@ -96,7 +96,7 @@ TEST_F(AudioSourceTest, ARefusalNamesTheCodeOfTheManager)
     EXPECT_EQ(source.State(), AudioState::Released);
 }
 
-TEST_F(AudioSourceTest, DoesNotPlayWhatIsNotActive)
+TEST_F(AudioSourceTest, DoesNotPlayAnInactiveSource)
 {
     AudioSource source(*session, 0);
     EXPECT_EQ(KindOf(Play(source)), ErrorKind::Refused);
@@ -109,7 +109,7 @@ TEST_F(AudioSourceTest, DoesNotPlayWhatIsNotActive)
     EXPECT_THAT(service.Calls(), testing::Not(testing::Contains(HasSubstr("Play(0x"))));
 }
 
-TEST_F(AudioSourceTest, ResumesAfterALossForAWhile)
+TEST_F(AudioSourceTest, ResumesAfterATemporaryLoss)
 {
     AudioSource source(*session, 0);
     ASSERT_TRUE(source.Request());
@@ -126,7 +126,7 @@ TEST_F(AudioSourceTest, ResumesAfterALossForAWhile)
     EXPECT_THAT(Sources().calls, testing::Contains(HasSubstr("DeactiveSourceConfirm(10, 78)")));
 }
 
-TEST_F(AudioSourceTest, SaysWhyInterruptedPlaybackDoesNotGoOn)
+TEST_F(AudioSourceTest, ReportsWhyInterruptedPlaybackDoesNotResume)
 {
     AudioSource source(*session, 0);
     ASSERT_TRUE(source.Request());
@@ -142,7 +142,7 @@ TEST_F(AudioSourceTest, SaysWhyInterruptedPlaybackDoesNotGoOn)
     EXPECT_EQ(source.State(), AudioState::Active);
 }
 
-TEST_F(AudioSourceTest, DoesNotResumeAfterALossForGood)
+TEST_F(AudioSourceTest, DoesNotResumeAfterAPermanentLoss)
 {
     AudioSource source(*session, 0);
     ASSERT_TRUE(source.Request());
@@ -156,7 +156,7 @@ TEST_F(AudioSourceTest, DoesNotResumeAfterALossForGood)
     EXPECT_EQ(source.State(), AudioState::Active);
 }
 
-TEST_F(AudioSourceTest, IsReleasedWhenTheDeviceSaysThatItsAudioIsInvalid)
+TEST_F(AudioSourceTest, IsReleasedWhenTheDeviceReportsInvalidAudio)
 {
     AudioSource source(*session, 0);
     ASSERT_TRUE(source.Request());
@@ -179,7 +179,7 @@ TEST_F(AudioSourceTest, NothingPlaysWhenTheServiceIsLost)
     EXPECT_TRUE(RunLoopUntil([&] { return source.State() == AudioState::Active; }));
 }
 
-TEST_F(AudioSourceTest, OtherNumbersAreNoSources)
+TEST_F(AudioSourceTest, OtherNumbersAreRejected)
 {
     AudioSource source(*session, 2);
 

@@ -1,4 +1,4 @@
-// Services that break the contract: the state stays consistent, the loop alive, the errors clear.
+// Services that violate the contract: the state stays consistent, the loop keeps running, and errors are clear.
 #include <ipodkit/accessory.h>
 #include <ipodkit/pager.h>
 
@@ -37,7 +37,7 @@ protected:
     SharedVectors shared;
 };
 
-TEST_F(BadInputTest, MoreEntriesThanThereAreIsABadReplyAndTheSizeIsAskedAgain)
+TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
 {
     service.Answer("GetPlayingListItemsAmount", "(100,)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -53,7 +53,7 @@ TEST_F(BadInputTest, MoreEntriesThanThereAreIsABadReplyAndTheSizeIsAskedAgain)
     EXPECT_EQ(Get(pager, 9).value()->names.size(), 10U);
 }
 
-TEST_F(BadInputTest, FewerEntriesThanThereAreIsABadReply)
+TEST_F(BadInputTest, TooFewEntriesAreABadReply)
 {
     service.Answer("GetPlayingListItemsAmount", "(10,)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -78,7 +78,7 @@ TEST_F(BadInputTest, ANegativeAmountIsABadReply)
     EXPECT_FALSE(State()->queueSize);
 }
 
-TEST_F(BadInputTest, TheLargestAmountIsAskedForWithinItsRange)
+TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
 {
     service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(INT_MAX) + ",)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -124,7 +124,7 @@ TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
     EXPECT_EQ(session->Connection().phase, Phase::Ready);
 }
 
-TEST_F(BadInputTest, ASessionThatIsOpenedTwiceWasClosedInBetween)
+TEST_F(BadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
 {
     Ready();
     AccessoryPort port(*session);
@@ -139,7 +139,7 @@ TEST_F(BadInputTest, ASessionThatIsOpenedTwiceWasClosedInBetween)
     EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 4}}));
 }
 
-TEST_F(BadInputTest, ARestartInTheMiddleOfAPageCancelsItAndTheNextOneIsRight)
+TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
 {
     service.Hold("GetPlayingListItems");
     Ready();
@@ -165,7 +165,7 @@ TEST_F(BadInputTest, ARestartInTheMiddleOfAPageCancelsItAndTheNextOneIsRight)
     EXPECT_EQ(Get(pager, 2).value()->At(2), "c");
 }
 
-TEST_F(BadInputTest, APictureThatIsNoneHasNoTypeAndNoSize)
+TEST_F(BadInputTest, AnInvalidImageHasNoTypeAndNoSize)
 {
     Ready();
     shared.SetBytes("VecArtworkChangeBufferShareMemory", {'n', 'o', 'n', 's', 'e', 'n', 's', 'e'});
@@ -178,7 +178,7 @@ TEST_F(BadInputTest, APictureThatIsNoneHasNoTypeAndNoSize)
     EXPECT_EQ(State()->Artwork()->bytes.size(), 8U);
 }
 
-TEST_F(BadInputTest, AnAnnouncedPictureWithoutBytesIsNone)
+TEST_F(BadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", {});
@@ -190,7 +190,7 @@ TEST_F(BadInputTest, AnAnnouncedPictureWithoutBytesIsNone)
     EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
-TEST_F(BadInputTest, APictureHeadOfAnotherSizeIsNone)
+TEST_F(BadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", Record({0, 0}));
     shared.SetBytes("VecArtworkBufferShareMemory", {'G', 'I', 'F', '8', '9', 'a'});
@@ -200,7 +200,7 @@ TEST_F(BadInputTest, APictureHeadOfAnotherSizeIsNone)
     EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
-TEST_F(BadInputTest, AnswersOfOtherTypesLeaveTheirFieldsUnknown)
+TEST_F(BadInputTest, RepliesOfOtherTypesLeaveTheirFieldsUnknown)
 {
     for (const char* method : {"GetCurrentMediaInfo", "GetPlayingTrackIdx", "GetPlayPosition", "GetShuffleMode",
                                "GetRepeatMode", "GetIpodName", "GetCarplayDeviceDetectStatus"})
@@ -215,7 +215,7 @@ TEST_F(BadInputTest, AnswersOfOtherTypesLeaveTheirFieldsUnknown)
     EXPECT_EQ(State()->deviceCount, 1);
 }
 
-// Made from bytes: text would take longer to read than all the rest.
+// Built from bytes: parsing text would take longer than everything else.
 GVariant* TrackBodyOf(int index)
 {
     std::vector<guchar> record(1040);
@@ -225,14 +225,14 @@ GVariant* TrackBodyOf(int index)
     return g_variant_new("(iv)", index, bytes);
 }
 
-// Address sanitizers walk the stack at every allocation, which takes longer than the event.
+// The address sanitizer unwinds the stack at every allocation, which takes longer than the event.
 #ifdef __SANITIZE_ADDRESS__
 constexpr int kChanges = 1000;
 #else
 constexpr int kChanges = 10000;
 #endif
 
-// The loop goes on ticking while they come.
+// The loop keeps ticking while they arrive.
 TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
 {
     Ready();

@@ -40,7 +40,7 @@ TEST_F(CommandsTest, SuccessIsAValue)
     EXPECT_TRUE(Ask().Next().Wait());
 }
 
-TEST_F(CommandsTest, FalseIsARefusalThatSaysWhatWasAskedAndAnswered)
+TEST_F(CommandsTest, FalseIsARefusalWithRequestAndReply)
 {
     service.Answer("EnterDbRoot", "(false,)");
     service.Answer("EnterDbChildList", "(false,)");
@@ -55,14 +55,14 @@ TEST_F(CommandsTest, FalseIsARefusalThatSaysWhatWasAskedAndAnswered)
     EXPECT_EQ(child.error().reason, "the service answered EnterDbChildList(3) with false");
 }
 
-TEST_F(CommandsTest, FalseIsAValueWhereItIsNoRefusal)
+TEST_F(CommandsTest, FalseIsAValueForGetters)
 {
     service.Answer("IsIPodInDbRoot", "(false,)");
 
     EXPECT_EQ(Completed(Ask().AtRoot()).value(), false);
 }
 
-TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
+TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalWithItsMessage)
 {
     service.Fail("Pause", "the device is asleep");
 
@@ -74,8 +74,8 @@ TEST_F(CommandsTest, AnErrorOfTheServiceIsARefusalInItsOwnWords)
     EXPECT_EQ(result.error().name, "com.example.Broken");
 }
 
-// The bus uses these names too, when the service dies or nobody owns its name.
-TEST_F(CommandsTest, AnErrorOfALivingServiceIsARefusalWhateverItsName)
+// The bus itself uses these names, too, if the service dies or its name has no owner.
+TEST_F(CommandsTest, AnErrorOfALiveServiceIsARefusalRegardlessOfItsName)
 {
     for (const char* last : {"NoReply", "ServiceUnknown", "NameHasNoOwner", "Timeout", "TimedOut", "Disconnected"})
     {
@@ -117,7 +117,7 @@ TEST_F(CommandsTest, ATrackRecordOfAnotherSizeIsABadReply)
     EXPECT_EQ(KindOf(Completed(Ask().CurrentTrack())), ErrorKind::BadReply);
 }
 
-TEST_F(CommandsTest, ReturnsTheTextsThatTheCoreWithholds)
+TEST_F(CommandsTest, ReturnsTheTextsThatTheCoreDoesNot)
 {
     service.Answer("GetIpodName", "('Phone',)");
     service.Answer("GetIpodAppBundleName", "('com.example.app',)");
@@ -170,7 +170,7 @@ TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
     stopping.join();
 }
 
-TEST_F(CommandsTest, AccessoryTextsStandInSlotsOfTheRecord)
+TEST_F(CommandsTest, AccessoryTextsAreStoredInRecordSlots)
 {
     std::promise<std::string> sent;
     service.React("EapInit",
@@ -193,7 +193,7 @@ TEST_F(CommandsTest, AccessoryTextsStandInSlotsOfTheRecord)
     EXPECT_EQ(sent.get_future().get(), record);
 }
 
-TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)
+TEST_F(CommandsTest, AnAlreadyCancelledRequestIsNotSent)
 {
     const Cancellation stop;
     stop.Cancel();
@@ -201,13 +201,13 @@ TEST_F(CommandsTest, ACancellationThatCameFirstSendsNothing)
     EXPECT_EQ(KindOf(Completed(Ask().Next().CancelledBy(stop))), ErrorKind::Cancelled);
     EXPECT_EQ(KindOf(Ask().Next().CancelledBy(stop).Wait()), ErrorKind::Cancelled);
 
-    // Calls arrive in their order.
+    // Calls arrive in order.
     service.Answer("Pause", "(true,)");
     EXPECT_TRUE(Completed(Ask().Pause()));
     EXPECT_FALSE(Sent("Next()"));
 }
 
-TEST_F(CommandsTest, AServiceThatDiesBeforeItAnswersIsLost)
+TEST_F(CommandsTest, AServiceThatDiesBeforeReplyingIsLost)
 {
     service.Hold("Next");
     std::optional<Result<void>> result;
@@ -220,7 +220,7 @@ TEST_F(CommandsTest, AServiceThatDiesBeforeItAnswersIsLost)
     EXPECT_EQ(KindOf(*result), ErrorKind::ServiceLost);
 }
 
-TEST_F(CommandsTest, ABlockedCallerIsTold)
+TEST_F(CommandsTest, ABlockedCallerIsNotified)
 {
     service.Hold("Next");
     std::thread dying(
@@ -235,7 +235,7 @@ TEST_F(CommandsTest, ABlockedCallerIsTold)
     dying.join();
 }
 
-TEST_F(CommandsTest, ReachesAServiceThatCameBackThoughTheLoopHasNotRun)
+TEST_F(CommandsTest, ReachesARestartedServiceBeforeTheLoopRuns)
 {
     RunLoopFor(50ms);
     service.Vanish();
@@ -245,7 +245,7 @@ TEST_F(CommandsTest, ReachesAServiceThatCameBackThoughTheLoopHasNotRun)
     EXPECT_EQ(Ask().DeviceCount().Wait().value(), 2);
 }
 
-TEST_F(CommandsTest, BlockingFormsRunNoForeignContext)
+TEST_F(CommandsTest, BlockingFormsDoNotRunOtherContexts)
 {
     service.Answer("Next", "(true,)");
     bool ran = false;
@@ -287,8 +287,8 @@ TEST_F(CommandsTest, FuturesAreFulfilledWhereTheLoopRuns)
     EXPECT_EQ(count, 2);
 }
 
-// The thread of the loop may learn of its connection between the two steps of another thread's sending.
-TEST_F(CommandsTest, ARequestThatIsMadeWhileTheBusConnectsIsSentOnce)
+// The loop's thread may be notified of its connection between the two steps in which another thread sends.
+TEST_F(CommandsTest, ARequestMadeWhileConnectingIsSentOnce)
 {
     service.Answer("Next", "(true,)");
     for (int turns = 0; turns < 8; ++turns)
@@ -311,7 +311,7 @@ TEST_F(CommandsTest, ARequestThatIsMadeWhileTheBusConnectsIsSentOnce)
     }
 }
 
-TEST_F(CommandsTest, FourThreadsMayAskAtTheSameTime)
+TEST_F(CommandsTest, FourThreadsMaySendRequestsConcurrently)
 {
     service.Answer("GetDeviceAmount", "(2,)");
     std::atomic<int> answers{0};
@@ -333,7 +333,7 @@ TEST_F(CommandsTest, FourThreadsMayAskAtTheSameTime)
     EXPECT_EQ(answers, 400);
 }
 
-TEST_F(CommandsTest, TheEndOfTheSessionCompletesWhatIsUnderWay)
+TEST_F(CommandsTest, TheEndOfTheSessionCompletesPendingRequests)
 {
     service.Hold("Next");
     std::optional<Result<void>> result;
@@ -349,7 +349,7 @@ TEST_F(CommandsTest, TheEndOfTheSessionCompletesWhatIsUnderWay)
     EXPECT_EQ(KindOf(commands.Next().Wait()), ErrorKind::Cancelled);
 }
 
-TEST_F(CommandsTest, ABlockedCallerGoesOnToItsAnswerWhenTheSessionEnds)
+TEST_F(CommandsTest, ABlockedCallerStillGetsItsReplyWhenTheSessionEnds)
 {
     service.React("Next",
                   [](GDBusMethodInvocation* call)
@@ -375,7 +375,7 @@ TEST_F(CommandsTest, TextsThatCannotBeSentAreNotSent)
     EXPECT_EQ(KindOf(Ask().StartPlayback(static_cast<PlayOption>(6)).Wait()), ErrorKind::BadArgument);
 }
 
-TEST_F(CommandsTest, NumbersThatTheContractHasNoRoomForAreNotSent)
+TEST_F(CommandsTest, NumbersBeyondTheContractsRangeAreNotSent)
 {
     service.Answer("Seek", "()");
     service.Answer("SetShuffleMode", "()");
@@ -403,7 +403,7 @@ TEST_F(CommandsTest, ACompletionThatThrowsIsNamedInTheLog)
     EXPECT_TRUE(RunLoopUntil([] { return CountLogLines("80 LogWarning: callback 'Next' threw: broken") == 1; }));
 }
 
-TEST_F(CommandsWithoutServiceTest, SaySo)
+TEST_F(CommandsWithoutServiceTest, ReportTheReason)
 {
     Open();
 
@@ -411,7 +411,7 @@ TEST_F(CommandsWithoutServiceTest, SaySo)
     EXPECT_EQ(KindOf(session->Commands().Next().Wait()), ErrorKind::NoService);
 }
 
-TEST_F(CommandsWithoutBusTest, SaySo)
+TEST_F(CommandsWithoutBusTest, ReportTheReason)
 {
     const auto session = Session::Open();
 
@@ -444,7 +444,7 @@ class EachCommandTest : public KitTest, public testing::WithParamInterface<Row>
         method, reply, [](const Commands& c) { EXPECT_TRUE(Completed(c.expression)); } \
     }
 
-TEST_P(EachCommandTest, CallsItsMemberOfTheContract)
+TEST_P(EachCommandTest, CallsItsMethod)
 {
     FakeService service;
     const std::string text = GetParam().call;

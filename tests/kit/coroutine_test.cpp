@@ -222,7 +222,7 @@ TEST_F(CoroutineTest, TheEndOfItsOwnerDestroysTheFrameAtItsSuspensionPoint)
     EXPECT_FALSE(resumed);
 }
 
-TEST_F(CoroutineTest, TheEndOfItsOwnerWithdrawsARequestThatWaitsForItsTurn)
+TEST_F(CoroutineTest, TheEndOfItsOwnerWithdrawsAQueuedRequest)
 {
     service.Hold("GetCurDbListItemsAmount");
     Pager pager(*session, ListKind::Database);
@@ -252,7 +252,7 @@ TEST_F(CoroutineTest, ATaskMayEndItsOwner)
     EXPECT_EQ(Calls("Next()"), 0);
 }
 
-// A million of them in all, of pages that are there already, so that no service has to answer so often.
+// A million awaits of cached pages, so that the service need not answer as often.
 TEST_F(CoroutineTest, AMillionAwaitsLeakNothing)
 {
     Pager pager(*session, ListKind::Database);
@@ -281,7 +281,7 @@ TEST_F(CoroutineTest, TheEndOfTheSessionResumesWithAnError)
     EXPECT_TRUE(tasks->Empty());
 }
 
-TEST_F(CoroutineTest, ARequestThatWasMadeButNotAwaitedIsHarmless)
+TEST_F(CoroutineTest, ARequestThatIsNotAwaitedIsHarmless)
 {
     std::optional<Result<int>> result;
     {

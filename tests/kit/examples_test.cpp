@@ -1,4 +1,4 @@
-// The examples as a user runs them: each in a process of its own, against the tests' service.
+// The examples as a user runs them: each as a separate process, against the tests' service.
 #include <gio/gio.h>
 
 #include <glib/gstdio.h>
@@ -9,7 +9,7 @@ namespace test
 {
 namespace
 {
-// Ends the process with the object; collects what it prints.
+// Runs a process, collects its output, and terminates it on destruction.
 class Example
 {
 public:
@@ -61,7 +61,7 @@ protected:
     SharedVectors shared;
 };
 
-TEST_F(ExamplesTest, NowPlayingShowsWhatPlaysAndFollows)
+TEST_F(ExamplesTest, NowPlayingShowsAndFollowsTheTrack)
 {
     Example example("now_playing", "");
     ASSERT_TRUE(example.Prints("[Ready] >  - Song")) << example.Printed();
@@ -113,7 +113,7 @@ class AccessoryEchoTest : public ExamplesTest
 protected:
     AccessoryEchoTest() { service.Answer("EapInit", "()"); }
 
-    // Two bytes in a session of their own.
+    // Two bytes in a separate session.
     void SendBytes(Example& example)
     {
         ASSERT_TRUE(RunLoopUntil([&] { return service.WaitForCalls(14); }));
@@ -124,7 +124,7 @@ protected:
     }
 };
 
-TEST_F(AccessoryEchoTest, SendsBackWhatItGets)
+TEST_F(AccessoryEchoTest, EchoesReceivedData)
 {
     service.Answer("EapWrite", "(true,)");
     Example example("accessory_echo", "");

@@ -1,5 +1,5 @@
 /// @file
-/// What the tests of this folder start from.
+/// The fixtures of this folder.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -23,13 +23,13 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// A body "(<[bytes]>,)" or, with an index in front, "(index, <[bytes]>)".
+/// Returns a body "(<[bytes]>,)" or, with a leading index, "(index, <[bytes]>)".
 std::string Record(const std::vector<unsigned char>& bytes);
 std::string TrackBody(const std::string& title, int milliseconds = 0);
 std::string TrackEvent(int index, const std::string& title, int milliseconds = 0);
 std::string PictureBody(unsigned char noPicture = 0);
 
-/// A service that answers every question about the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
+/// A service that answers every getter of the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
 void AnswerState(FakeService& service);
 
 /// A bus, and a session on the default context.
@@ -39,10 +39,10 @@ protected:
     /// Opens the session; an error fails the test.
     Session& Open(const SessionOptions& options = {});
 
-    /// Opens it when there is none yet, and runs the loop until it is ready for the given generation.
+    /// Opens the session if needed, and runs the loop until it is ready for the given generation.
     Session& Ready(std::uint32_t generation = 1);
 
-    /// Runs the loop until everything that @p service has sent was delivered and settled.
+    /// Runs the loop until everything that @p service has sent is delivered and settled.
     void Settle(FakeService& service);
 
     PrivateBus bus;
@@ -58,7 +58,7 @@ Result<T> Completed(Request<T> request)
     std::move(request).Start([&result](Result<T> done) { result = std::move(done); });
     EXPECT_FALSE(result) << "completed inside Start()";
     EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    return result.value_or(tl::unexpected<Error>(Error{ErrorKind::TimedOut, "the completion never came"}));
+    return result.value_or(tl::unexpected<Error>(Error{ErrorKind::TimedOut, "the request never completed"}));
 }
 
 template <class T>

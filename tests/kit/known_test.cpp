@@ -1,4 +1,4 @@
-// Why a field of the state is unknown, and how it becomes known.
+// The reasons why a state field is unknown, and how it becomes known.
 #include <ipodkit/core.h>
 
 #include "kit/kit_test.h"
@@ -18,7 +18,7 @@ protected:
     SharedVectors shared;
 };
 
-TEST_F(KnownTest, WhatOnlyEventsReportIsNotReportedYet)
+TEST_F(KnownTest, FieldsReportedOnlyByEventsStartUnreported)
 {
     Ready();
 
@@ -68,7 +68,7 @@ TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
                 ElementsAre("GetShuffleMode()", "GetRepeatMode()"));
 }
 
-TEST_F(KnownTest, AServiceThatDoesNotKnowAMethodDoesNotSupportTheField)
+TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)
 {
     service.React("GetIpodAppBundleName",
                   [](GDBusMethodInvocation* call) {
@@ -81,7 +81,7 @@ TEST_F(KnownTest, AServiceThatDoesNotKnowAMethodDoesNotSupportTheField)
     EXPECT_EQ(State()->Why(Field::ForegroundApp), Unknown::NotSupported);
 }
 
-TEST_F(KnownTest, ALateFieldTimedOutUntilItsAnswerArrives)
+TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
 {
     options.deadline = 100ms;
     service.Hold("GetRepeatMode");
@@ -94,7 +94,7 @@ TEST_F(KnownTest, ALateFieldTimedOutUntilItsAnswerArrives)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->repeat == Repeat::All; }));
 }
 
-TEST_F(KnownTest, WithoutADeviceThereIsNothingToKnowOfIt)
+TEST_F(KnownTest, WithoutADeviceItsFieldsAreUnknown)
 {
     Ready();
     service.Answer("GetDeviceAmount", "(0,)");
@@ -106,7 +106,7 @@ TEST_F(KnownTest, WithoutADeviceThereIsNothingToKnowOfIt)
         EXPECT_EQ(State()->Why(field), Unknown::NoDevice) << Name(field);
 }
 
-TEST_F(KnownTest, ARefusalForWantOfADeviceSaysSo)
+TEST_F(KnownTest, ARefusalWithoutADeviceReportsThat)
 {
     service.Answer("GetDeviceAmount", "(0,)");
     service.Fail("GetCurrentMediaInfo", "no device");
@@ -118,7 +118,7 @@ TEST_F(KnownTest, ARefusalForWantOfADeviceSaysSo)
     EXPECT_EQ(State()->Why(Field::DeviceName), Unknown::NoDevice);
 }
 
-TEST(Known, ComparesWithValuesAndWithTheReasonsOfOthers)
+TEST(Known, ComparesWithValuesAndReasons)
 {
     const Known<int> unknown;
     EXPECT_NE(unknown, 0);
@@ -128,7 +128,7 @@ TEST(Known, ComparesWithValuesAndWithTheReasonsOfOthers)
     EXPECT_EQ(unknown.value_or(4), 4);
 }
 
-// The record of the core has all that the service sent.
+// The core's record contains everything that the service sent.
 TEST_F(KnownTest, TheRawRecordsOfTheCoreStayReachable)
 {
     std::vector<unsigned char> record(1040);

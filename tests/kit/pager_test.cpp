@@ -15,7 +15,7 @@ namespace
 {
 using testing::Each;
 
-// A service whose database level and playing list have a number of entries "PREFIX 0", "PREFIX 1", ….
+// A service whose database level and playing list contain a number of entries "PREFIX 0", "PREFIX 1", ….
 class PagerTest : public KitTest
 {
 protected:
@@ -61,7 +61,7 @@ protected:
         return *result;
     }
 
-    // A completion that writes down what it is told.
+    // A completion that records its result.
     template <class T>
     static std::function<void(Result<T>)> Into(std::vector<Result<T>>& results)
     {
@@ -87,7 +87,7 @@ protected:
         return std::count(calls.begin(), calls.end(), call);
     }
 
-    // Answers the page that is held back with entries that are not those of the list.
+    // Answers the held page request with entries that are not in the list.
     void AnswerHeldPage(const std::string& name)
     {
         shared.SetList("VecDBListShareMemory", std::vector<std::string>(50, name));
@@ -103,10 +103,10 @@ protected:
 
     SharedVectors shared;
     std::atomic<int> missing{0};
-    FakeService service;  // last: its thread uses the others
+    FakeService service;  // last member, because its thread uses the others
 };
 
-TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
+TEST_F(PagerTest, APageRequestedAfterABlockingLevelChangeIsOfTheNewLevel)
 {
     service.Answer("EnterDbChildList", "(true,)");
     Pager pager(*session, ListKind::Database);
@@ -118,7 +118,7 @@ TEST_F(PagerTest, APageThatIsAskedForAfterABlockingChangeOfLevelIsOfTheNewLevel)
     EXPECT_TRUE(Get(pager, 0));
 }
 
-TEST_F(PagerTest, ABlockingChangeOfLevelDoesNotCancelWhatIsRequestedAfterwards)
+TEST_F(PagerTest, ABlockingLevelChangeDoesNotCancelLaterRequests)
 {
     service.Answer("EnterDbChildList", "(true,)");
     Pager pager(*session, ListKind::Database);
@@ -141,7 +141,7 @@ TEST_F(PagerTest, ABlockingChangeOfLevelDoesNotCancelWhatIsRequestedAfterwards)
     EXPECT_TRUE(*page);
 }
 
-TEST_F(PagerTest, GivesThePageThatHoldsAnEntry)
+TEST_F(PagerTest, ReturnsThePageThatContainsAnEntry)
 {
     Pager pager(*session, ListKind::Database);
 
@@ -164,7 +164,7 @@ TEST_F(PagerTest, TheLastPageIsShorter)
     EXPECT_EQ(KindOf(Get(pager, -1)), ErrorKind::BadArgument);
 }
 
-TEST(PageTest, HoldsTheLastEntryThatThereCanBe)
+TEST(PageTest, ContainsTheLastPossibleEntry)
 {
     const Page page{INT_MAX - 1, {"one", "last"}};
 
@@ -174,7 +174,7 @@ TEST(PageTest, HoldsTheLastEntryThatThereCanBe)
     EXPECT_THROW((void)page.At(INT_MIN), std::out_of_range);
 }
 
-TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)
+TEST_F(PagerTest, ReturnsCachedPages)
 {
     Pager pager(*session, ListKind::Database, NoPrefetch());
     const PagePtr first = Get(pager, 10).value();
@@ -186,7 +186,7 @@ TEST_F(PagerTest, AnswersFromTheCacheWhatItHas)
     EXPECT_EQ(Calls("GetCurDbListItems(0, 49)"), 1);
 }
 
-TEST_F(PagerTest, ForgetsThePagesThatWereNotUsedForLongest)
+TEST_F(PagerTest, EvictsTheLeastRecentlyUsedPages)
 {
     PagerOptions few = NoPrefetch();
     few.cachedPages = 2;
@@ -237,7 +237,7 @@ TEST_F(PagerTest, APageOfTheWrongSizeIsABadReply)
     EXPECT_TRUE(Get(pager, 0));
 }
 
-TEST_F(PagerTest, AFailedRequestNeverShowsThePageBefore)
+TEST_F(PagerTest, AFailedRequestNeverReturnsThePreviousPage)
 {
     Pager pager(*session, ListKind::Database, NoPrefetch());
     (void)Get(pager, 0);
@@ -268,7 +268,7 @@ TEST_F(PagerTest, TwoPagersOfOneListTakeTurns)
     EXPECT_THAT(wrong, IsEmpty());
 }
 
-TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
+TEST_F(PagerTest, ALevelChangeCancelsAndStartsOver)
 {
     service.Answer("EnterDbChildList", "(true,)");
     Pager names(*session, ListKind::Database, NoPrefetch());
@@ -290,7 +290,7 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAndStartsAfresh)
     EXPECT_TRUE(Get(names, 0));
 }
 
-// Their turns, one inside the other, do not fit into the stack.
+// Nested, their completions would overflow the stack.
 TEST_F(PagerTest, AChangeOfLevelCancelsThousandsOfPages)
 {
     constexpr int kPages = 30000;
@@ -327,7 +327,7 @@ TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
     EXPECT_EQ(KindOf(*entered), ErrorKind::BadArgument);
 }
 
-TEST_F(PagerTest, ARestartInTheMiddleOfAPageCancels)
+TEST_F(PagerTest, ARestartDuringAPageCancelsIt)
 {
     service.Hold("GetPlayingListItems");
     Pager pager(*session, ListKind::Playing, NoPrefetch());
@@ -341,7 +341,7 @@ TEST_F(PagerTest, ARestartInTheMiddleOfAPageCancels)
     EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
-TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
+TEST_F(PagerTest, AChangedPlayingListInvalidatesItsPages)
 {
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
@@ -354,8 +354,8 @@ TEST_F(PagerTest, AnotherPlayingListOutdatesItsPages)
     EXPECT_EQ(Get(pager, 0).value()->names.size(), 10U);
 }
 
-// The event and the answer are both there when the loop goes on.
-TEST_F(PagerTest, APageThatAChangeOfItsListOvertookIsCancelled)
+// Both the event and the reply are pending when the loop continues.
+TEST_F(PagerTest, APageOvertakenByAListChangeIsCancelled)
 {
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
@@ -398,7 +398,7 @@ TEST_F(PagerTest, TheDevicesAreOnePage)
     EXPECT_EQ(Calls("GetDeviceList()"), 1);
 }
 
-// What makes which lists other ones: an event, or a command with the service's answer, null for none.
+// Triggers of list changes: an event, or a command and the service's reply (null for none).
 struct Change
 {
     const char* name;
@@ -406,7 +406,7 @@ struct Change
     std::string body;
     std::function<Request<void>(const Commands&)> command;
     bool playing;
-    bool database;  // and with it the update list
+    bool database;  // and thus the update list
 };
 
 void PrintTo(const Change& change, std::ostream* out)
@@ -434,7 +434,7 @@ protected:
     }
 };
 
-TEST_P(ListChangeTest, OutdatesTheListsThatItChangesAndNoOthers)
+TEST_P(ListChangeTest, InvalidatesOnlyTheListsThatItChanges)
 {
     ServeList("UP", "GetUpdateListItems", "VecUpdateListShareMemory", "(true,)");
     Pager playing(*session, ListKind::Playing, NoPrefetch());
@@ -478,8 +478,8 @@ INSTANTIATE_TEST_SUITE_P(
                     COMMAND("EnterDeviceRefused", EnterDevice(1), "EnterDeviceChildList", "(false,)", false, false)),
     [](const auto& change) { return std::string(change.param.name); });
 
-// Its size is what it was.
-TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
+// Its size is unchanged.
+TEST_F(PagerTest, AChangedPlayingListOfTheSameSizeIsReadAgain)
 {
     service.React("PlayDbList",
                   [this](GDBusMethodInvocation* call)
@@ -495,7 +495,7 @@ TEST_F(PagerTest, AnotherPlayingListOfTheSameSizeIsReadAgain)
     EXPECT_EQ(Get(pager, 0).value()->At(0), "Other 0");
 }
 
-TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
+TEST_F(PagerTest, ADifferentDeviceInvalidatesEveryList)
 {
     service.Answer("EnterDeviceChildList", "(true,)");
     Pager playing(*session, ListKind::Playing, NoPrefetch());
@@ -521,7 +521,7 @@ TEST_F(PagerTest, AnotherDeviceOutdatesEveryList)
     EXPECT_TRUE(RunLoopUntil(outdated));
 }
 
-TEST_F(PagerTest, ADeviceThatIsNotEnteredOutdatesNothing)
+TEST_F(PagerTest, ADeviceThatIsNotEnteredInvalidatesNothing)
 {
     service.Answer("EnterDeviceChildList", "(false,)");
     Pager pager(*session, ListKind::Playing, NoPrefetch());
@@ -564,7 +564,7 @@ TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
     EXPECT_EQ(outdated, 0);
 }
 
-TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
+TEST_F(PagerTest, ItsEndCancelsPendingRequests)
 {
     std::optional<Result<PagePtr>> result;
     {
@@ -577,7 +577,7 @@ TEST_F(PagerTest, ItsEndCancelsWhatIsUnderWay)
     RunLoopFor(20ms);
 }
 
-TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
+TEST_F(PagerTest, ItsEndCancelsAPendingLevelChange)
 {
     std::vector<Result<void>> entered;
     service.Hold("EnterDbChildList");
@@ -599,7 +599,7 @@ TEST_F(PagerTest, ItsEndCancelsAChangeOfLevelThatIsUnderWay)
     EXPECT_EQ(entered.size(), 1U);
 }
 
-TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
+TEST_F(PagerTest, ItsEndWithdrawsAQueuedLevelChange)
 {
     std::vector<Result<PagePtr>> pages;
     std::vector<Result<void>> entered;
@@ -622,7 +622,7 @@ TEST_F(PagerTest, ItsEndWithdrawsAChangeOfLevelThatWaitsForItsTurn)
     EXPECT_EQ(entered.size(), 1U);
 }
 
-TEST_F(PagerTest, ItsEndCancelsWhatItKnowsAlready)
+TEST_F(PagerTest, ItsEndCancelsCachedResults)
 {
     std::vector<Result<PagePtr>> pages;
     std::vector<Result<int>> counts;
@@ -716,7 +716,7 @@ TEST_F(PagerTest, AChangeOfLevelCancelsAPageFromTheCache)
     EXPECT_EQ(pages.size(), 1U);
 }
 
-TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
+TEST_F(PagerTest, ASizeOvertakenByRefreshIsNotCached)
 {
     std::vector<Result<int>> before;
     std::vector<Result<int>> after;
@@ -737,7 +737,7 @@ TEST_F(PagerTest, ASizeThatRefreshOvertookIsNotKept)
     EXPECT_EQ(before.size(), 1U);
 }
 
-TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
+TEST_F(PagerTest, APageOvertakenByRefreshIsNotCached)
 {
     std::vector<Result<PagePtr>> before;
     std::vector<Result<PagePtr>> after;
@@ -760,7 +760,7 @@ TEST_F(PagerTest, APageThatRefreshOvertookIsNotKept)
     EXPECT_EQ(before.size(), 1U);
 }
 
-TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
+TEST_F(PagerTest, APrefetchedPageOvertakenByRefreshIsNotCached)
 {
     std::vector<Result<int>> counts;
     Pager pager(*session, ListKind::Database);
@@ -780,7 +780,7 @@ TEST_F(PagerTest, APageFetchedAheadThatRefreshOvertookIsNotKept)
     EXPECT_EQ(pager.Cached(50), nullptr);
 }
 
-TEST_F(PagerTest, RefreshCancelsWhatWasAskedForBefore)
+TEST_F(PagerTest, RefreshCancelsEarlierRequests)
 {
     std::vector<Result<PagePtr>> pages;
     std::vector<Result<int>> counts;
@@ -803,7 +803,7 @@ struct UpdateList
 {
     const char* name;
     int size;
-    bool heedsTheRange;  // or always fills in the whole list
+    bool heedsTheRange;  // otherwise it always returns the whole list
     bool filled;         // what it answers when there is no entry in the range
 };
 
@@ -828,7 +828,7 @@ protected:
     }
 };
 
-TEST_P(UpdateListTest, NoPageIsGivenForAnEntryThatIsNotThere)
+TEST_P(UpdateListTest, NoPageIsReturnedForAMissingEntry)
 {
     const UpdateList list = GetParam();
     Serve(list);
@@ -911,7 +911,7 @@ TEST_F(PagerTest, ARangeIsCancelledWhenItsListChanges)
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
 }
 
-TEST_F(PagerTest, ARangeFromTheCacheDoesNotFillTheStack)
+TEST_F(PagerTest, ARangeFromTheCacheDoesNotOverflowTheStack)
 {
     constexpr int kPages = 100000;
     SetSize(kPages);
@@ -927,7 +927,7 @@ TEST_F(PagerTest, ARangeFromTheCacheDoesNotFillTheStack)
     EXPECT_EQ(service.Calls().size(), calls);
 }
 
-TEST_F(PagerTest, OptionsThatAreOutOfRangeAreABadArgument)
+TEST_F(PagerTest, OutOfRangeOptionsAreABadArgument)
 {
     PagerOptions none;
     none.pageSize = 0;
@@ -977,7 +977,7 @@ TEST_F(PagerTest, ADamagedVectorIsABadReply)
     ASSERT_TRUE(Get(pager, 0));
     pager.Refresh();
     auto* const words = reinterpret_cast<std::size_t*>(&shared.List("VecPlayingListShareMemory"));
-    words[1] = ~std::size_t{0} / 2;  // its entries lie outside of every mapping
+    words[1] = ~std::size_t{0} / 2;  // its entries are outside of every mapping
 
     EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
 }

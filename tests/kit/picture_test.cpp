@@ -28,7 +28,7 @@ Bytes Png(unsigned char width)
         {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13, 'I', 'H', 'D', 'R', 0, 0, 0, width, 0, 0, 1, 0});
 }
 
-// Begins with a table, fill bytes and another table.
+// Starts with a table, fill bytes, and another table.
 const Bytes kJpeg = Padded(
     {0xFF, 0xD8, 0xFF, 0xE0, 0, 4, 'x', 'y', 0xFF, 0xFF, 0xC4, 0, 3, 'z', 0xFF, 0xC2, 0, 17, 8, 1, 44, 2, 88, 3});
 
@@ -45,7 +45,7 @@ class PictureOfTypeTest : public testing::TestWithParam<Sample>
 {
 };
 
-TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
+TEST_P(PictureOfTypeTest, HasTypeAndSize)
 {
     const Picture picture = Examine(GetParam().bytes);
 
@@ -55,8 +55,8 @@ TEST_P(PictureOfTypeTest, TellsItsTypeAndSize)
     EXPECT_EQ(picture.bytes, GetParam().bytes);
 }
 
-// Wherever it is cut off, and under the sanitizers too.
-TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
+// Truncated at every length; the sanitizers check the reads.
+TEST_P(PictureOfTypeTest, HasNoWrongTypeOrSizeWhenTruncated)
 {
     const Sample& known = GetParam();
     for (std::size_t size = 0; size < known.bytes.size(); ++size)
@@ -71,7 +71,7 @@ TEST_P(PictureOfTypeTest, TellsNothingWrongWhenCutOff)
     }
 }
 
-// A BMP whose second header has that length, and begins with these bytes.
+// A BMP whose second header has that length and starts with these bytes.
 Bytes Bmp(unsigned char length, const Bytes& size)
 {
     Bytes bytes = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, length, 0, 0, 0};
@@ -79,7 +79,7 @@ Bytes Bmp(unsigned char length, const Bytes& size)
     return Padded(bytes);
 }
 
-// A WebP picture of one chunk.
+// A WebP image with a single chunk.
 Bytes WebP(char kind, const Bytes& chunk)
 {
     Bytes bytes = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P', 'V', 'P', '8', 0, 0, 0, 0, 0};
@@ -88,7 +88,7 @@ Bytes WebP(char kind, const Bytes& chunk)
     return Padded(bytes);
 }
 
-// Its directory follows the head: a tag that does not matter, the width as 16 bits and the height as 32.
+// The directory follows the header: an irrelevant tag, a 16-bit width, and a 32-bit height.
 const Bytes kTiff = Padded({'I', 'I', 42, 0, 8, 0, 0, 0, 3, 0, 0xFE, 0, 4, 0, 1, 0, 0, 0, 9, 9, 0, 0, 0,
                             1,   3,   0,  1, 0, 0, 0, 5, 0, 0, 0,    1, 1, 4, 0, 1, 0, 0, 0, 6, 0, 0, 0});
 const Bytes kMotorolaTiff =
@@ -113,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
         Sample{"Text", Padded({'h', 'e', 'l', 'l', 'o'}), PictureType::Unknown, 0, 0}),
     [](const auto& known) { return std::string(known.param.name); });
 
-TEST(PictureTest, EqualBytesHaveEqualHashesAndOthersHaveNot)
+TEST(PictureTest, HashesAreEqualOnlyForEqualBytes)
 {
     EXPECT_EQ(Examine(Png(1)).hash, Examine(Png(1)).hash);
     EXPECT_NE(Examine(Png(1)).hash, Examine(Png(2)).hash);
@@ -138,7 +138,7 @@ protected:
     fs::path directory;
 };
 
-TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
+TEST_F(PictureFilesTest, WritesAnImageOnceAndReturnsItsUri)
 {
     const PictureFiles files(directory / "new folder");
 
@@ -153,7 +153,7 @@ TEST_F(PictureFilesTest, WritesAPictureOnceAndGivesItsAddress)
     EXPECT_EQ(fs::file_size(*fs::directory_iterator(directory / "new folder")), 64U);
 }
 
-TEST_F(PictureFilesTest, KeepsNoMoreThanItIsTold)
+TEST_F(PictureFilesTest, KeepsAtMostTheConfiguredNumber)
 {
     const PictureFiles files(directory, 3);
 
@@ -162,7 +162,7 @@ TEST_F(PictureFilesTest, KeepsNoMoreThanItIsTold)
     EXPECT_EQ(Files(directory), 3U);
 }
 
-TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
+TEST_F(PictureFilesTest, TheFileOfTheLastImageAlwaysExists)
 {
     const PictureFiles files(directory, 1);
 
@@ -174,8 +174,8 @@ TEST_F(PictureFilesTest, TheFileOfTheLastPictureIsAlwaysThere)
     }
 }
 
-// Used by address: the last so many that were handed out are there, written afresh or not, whatever the clock says.
-TEST_F(PictureFilesTest, KeepsThoseThatWereHandedOutLast)
+// Recency counts by use: the files returned last are kept, whether rewritten or not, regardless of the clock.
+TEST_F(PictureFilesTest, KeepsTheFilesReturnedLast)
 {
     const PictureFiles files(directory, 3);
     const auto path = [&](int picture)
@@ -212,7 +212,7 @@ TEST_F(PictureFilesTest, AFileWithOtherBytesOfTheSameSizeIsWrittenAgain)
     EXPECT_EQ(bytes, Png(1));
 }
 
-TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)
+TEST_F(PictureFilesTest, RemovesOnlyItsOwnFiles)
 {
     std::ofstream(directory / "holiday.jpg") << "x";
     const PictureFiles files(directory, 1);
@@ -223,7 +223,7 @@ TEST_F(PictureFilesTest, RemovesNothingThatIsNotItsOwn)
     EXPECT_EQ(Files(directory), 2U);
 }
 
-TEST_F(PictureFilesTest, AFileThatSomebodyCutIsWrittenAgain)
+TEST_F(PictureFilesTest, ATruncatedFileIsWrittenAgain)
 {
     const PictureFiles files(directory);
     const std::string uri = files.Uri(Examine(Png(1))).value();
@@ -234,8 +234,8 @@ TEST_F(PictureFilesTest, AFileThatSomebodyCutIsWrittenAgain)
     EXPECT_EQ(fs::file_size(uri.substr(std::string("file://").size())), 64U);
 }
 
-// A reader that looks all the time finds whole files only.
-TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
+// A reader that polls continuously finds only complete files.
+TEST_F(PictureFilesTest, AFileIsNeverVisibleIncomplete)
 {
     const PictureFiles files(directory);
     std::atomic<bool> writing{true};
@@ -261,7 +261,7 @@ TEST_F(PictureFilesTest, AFileIsNeverSeenHalfWritten)
     EXPECT_EQ(halves, 0);
 }
 
-TEST_F(PictureFilesTest, ADirectoryThatHasNoAddressIsAnError)
+TEST_F(PictureFilesTest, ADirectoryWithoutAUriIsAnError)
 {
     setenv("XDG_RUNTIME_DIR", "nowhere", 1);
     fs::current_path(directory);
@@ -275,7 +275,7 @@ TEST_F(PictureFilesTest, ADirectoryThatHasNoAddressIsAnError)
     EXPECT_FALSE(fs::exists(directory / "nowhere"));
 }
 
-TEST_F(PictureFilesTest, AWorkingDirectoryThatIsGoneIsAnError)
+TEST_F(PictureFilesTest, ADeletedWorkingDirectoryIsAnError)
 {
     fs::create_directory(directory / "gone");
     fs::current_path(directory / "gone");
@@ -289,7 +289,7 @@ TEST_F(PictureFilesTest, AWorkingDirectoryThatIsGoneIsAnError)
     EXPECT_EQ(uri.error().kind, ErrorKind::NoStorage);
 }
 
-TEST_F(PictureFilesTest, SaysWhyItCannotWrite)
+TEST_F(PictureFilesTest, ReportsWhyItCannotWrite)
 {
     std::ofstream(directory / "file") << "x";
     const PictureFiles files(directory / "file");

@@ -1,4 +1,4 @@
-// What all requests have in common: deadlines, cancellation, composition, waiting.
+// Features common to all requests: deadlines, cancellation, composition, waiting.
 #include <ipodkit/accessory.h>
 #include <ipodkit/audio_source.h>
 #include <ipodkit/pager.h>
@@ -31,13 +31,13 @@ protected:
         return std::count(calls.begin(), calls.end(), call);
     }
 
-    // The level's size, once the root was entered.
+    // Enters the root and then reads the size of the level.
     Request<int> RootCount() const
     {
         return Ask().EnterRoot().AndThen([ask = Ask()] { return ask.DatabaseCount(); });
     }
 
-    // Runs the loop on this thread while @p work runs on another one.
+    // Runs the loop on this thread while @p work runs on another.
     template <class Work>
     static auto OnAnotherThread(Work work)
     {
@@ -87,7 +87,7 @@ TEST_F(RequestTest, EachPartOfAChainKeepsItsDeadline)
     EXPECT_EQ(KindOf(Completed(Ask().EnterRoot().AndThen(count))), ErrorKind::TimedOut);
 }
 
-TEST_F(RequestTest, TheDeadlineOfAChainHoldsForAllPartsTogether)
+TEST_F(RequestTest, TheDeadlineOfAChainCoversAllParts)
 {
     service.React("EnterDbRoot",
                   [](GDBusMethodInvocation* call)
@@ -104,7 +104,7 @@ TEST_F(RequestTest, TheDeadlineOfAChainHoldsForAllPartsTogether)
     EXPECT_EQ(Calls("GetCurDbListItemsAmount(false,)"), 1);
 }
 
-TEST_F(RequestTest, APartThatWouldBeginAfterTheDeadlineIsNotSent)
+TEST_F(RequestTest, APartThatWouldStartAfterTheDeadlineIsNotSent)
 {
     const auto slow = [ask = Ask()]
     {
@@ -117,7 +117,7 @@ TEST_F(RequestTest, APartThatWouldBeginAfterTheDeadlineIsNotSent)
     EXPECT_EQ(Calls("GetCurDbListItemsAmount(false,)"), 0);
 }
 
-TEST_F(RequestTest, CancellationReachesThePartThatIsUnderWay)
+TEST_F(RequestTest, CancellationReachesThePendingPart)
 {
     for (const char* const member : {"EnterDbRoot", "GetCurDbListItemsAmount"})
     {
@@ -225,7 +225,7 @@ TEST_F(RequestTest, DeadlinesBelowAMillisecondAreNotAccepted)
     EXPECT_EQ(Calls("Next()") + Calls("EnterDbRoot()") + Calls("GetCurDbListItemsAmount(false,)"), 0);
 }
 
-TEST_F(RequestTest, ADeadlineMayBeLongerThanAnyoneWaits)
+TEST_F(RequestTest, ADeadlineMayBeArbitrarilyLong)
 {
     Pager pager(*session, ListKind::Database);
 
@@ -279,7 +279,7 @@ TEST_F(RequestTest, ThoseOfAPagerCanBeCancelled)
     EXPECT_THAT(kinds, testing::Each(ErrorKind::Cancelled));
 }
 
-TEST_F(RequestTest, AChangeOfLevelThatWasCancelledBeforeIsNotSent)
+TEST_F(RequestTest, ACancelledLevelChangeIsNotSent)
 {
     Pager pager(*session, ListKind::Database);
     const Cancellation stop;

@@ -18,10 +18,10 @@ namespace test
 {
 namespace
 {
-// Far below anything that could block here (deadlines, locks, creators at work), above the noise of a busy machine.
+// Far below anything that could block (deadlines, locks, segment creation), but above the noise of a busy machine.
 constexpr auto kNotBlocked = 50ms;
 
-// What a session asks for before it is Ready.
+// The requests that a session makes before it is Ready.
 constexpr const char* kStateMethods[] = {"GetCurrentMediaInfo",
                                          "GetPlayingTrackIdx",
                                          "GetPlayStatus",
@@ -65,7 +65,7 @@ TEST_F(SessionTest, GoesFromAbsentToReady)
     EXPECT_THAT(Phases(), ElementsAre("Absent 0", "Connecting 1", "Ready 1"));
 }
 
-TEST_F(SessionTest, WaitsForAServiceThatComesLater)
+TEST_F(SessionTest, WaitsForAServiceStartedLater)
 {
     Open();
     RecordPhases();
@@ -108,7 +108,7 @@ TEST_F(SessionTest, ObtainsThePlayerOnceAndLeavesItsConnectionToTheApplication)
     EXPECT_EQ(CountLogLines("40 InitInstance: InitInstance()"), 0U);
 }
 
-TEST_F(SessionTest, ThereIsOneAtATime)
+TEST_F(SessionTest, OnlyOneExistsAtATime)
 {
     Open();
 
@@ -188,8 +188,8 @@ TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
     EXPECT_FALSE(session->Connection().error);
 }
 
-// As when a service is stopped after its first answer.
-TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
+// As if a service is stopped after its first reply.
+TEST_F(SessionTest, IsReadyWithoutLateFieldsAndListsThem)
 {
     FakeService service;
     AnswerState(service);
@@ -211,7 +211,7 @@ TEST_F(SessionTest, IsReadyWithoutWhatComesLateAndNamesItUntilItCame)
     EXPECT_EQ(session->State()->deviceName, "Phone");
 }
 
-TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgain)
+TEST_F(SessionTest, EventValuesStayKnownIfTheServiceRefusesToRepeatThem)
 {
     FakeService service;
     AnswerState(service);
@@ -227,8 +227,8 @@ TEST_F(SessionTest, WhatAnEventReportsStaysKnownWhenTheServiceRefusesToSayItAgai
     EXPECT_EQ(session->State()->shuffle, Shuffle::Songs);
 }
 
-// Each question that a service leaves open counts against the limit of its bus.
-TEST_F(SessionTest, DoesNotFloodAServiceThatHangs)
+// Each unanswered request counts against the limit of the bus.
+TEST_F(SessionTest, DoesNotFloodAHangingService)
 {
     FakeService service;
     for (const char* method : kStateMethods) service.Hold(method);
@@ -267,7 +267,7 @@ TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
     EXPECT_THAT(differences, IsEmpty());
 }
 
-TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
+TEST_F(SessionTest, IsReadyEvenIfTheServiceRefusesAField)
 {
     FakeService service;
     AnswerState(service);
@@ -278,8 +278,8 @@ TEST_F(SessionTest, IsReadyAlsoWhenTheServiceRefusesToTellSomething)
     EXPECT_EQ(session->State()->queueSize, 3);
 }
 
-// The lock is given up on after ten seconds.
-TEST_F(SessionTest, ASegmentThatADeadProcessLockedIsAnErrorWithARemedy)
+// Waiting for the lock times out after ten seconds.
+TEST_F(SessionTest, ASegmentLockedByADeadProcessIsAnErrorWithARemedy)
 {
     QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
     const pid_t child = fork();
@@ -311,7 +311,7 @@ TEST_F(SessionTest, ASegmentOfAnotherUserIsAnErrorThatNamesBoth)
     FakeService service;
     AnswerState(service);
     const QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
-    if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "another user is there for the superuser only";
+    if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "only root can switch users";
 
     const bool failed = RunLoopUntil([&] { return session->Connection().error.has_value(); });
     ASSERT_EQ(seteuid(0), 0);
@@ -360,7 +360,7 @@ TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
     Ready();
 }
 
-// As between the two steps in which a service makes it larger.
+// As between the two steps in which a service grows it.
 TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
 {
     QBXSharedSegment(boost::interprocess::open_or_create, kListSegmentName, 65536);
@@ -372,9 +372,8 @@ TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
     Ready();
 }
 
-// A look at it from outside finds nothing wrong: that its vectors have no room is seen by the core only, which does not
-// try twice.
-TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
+// Probing the segment finds no error: only the core notices that its vectors cannot grow, and it does not retry.
+TEST_F(SessionTest, AFullSegmentRequiresARestart)
 {
     QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
     for (std::size_t size = 65536; size > 0; size /= 2)
@@ -393,7 +392,7 @@ TEST_F(SessionTest, ASegmentThatIsFullAsksForANewStart)
     EXPECT_THAT(Phases(), ElementsAre("Connecting 1")) << "the second attempt fails as the first did";
 }
 
-TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
+TEST_F(SessionTest, NeitherLosesNorDuplicatesEventsInAThousandRestarts)
 {
     struct Amounts : IQBXIpodPlayerListener
     {
@@ -420,8 +419,8 @@ TEST_F(SessionTest, LosesAndDoublesNoEventInAThousandRestarts)
     EXPECT_EQ(amounts.seen, sent);
 }
 
-// The new process owns the name at once, and does not wait to be asked anything.
-TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
+// The new process owns the name at once and emits without waiting for requests.
+TEST_F(SessionTest, NeitherLosesNorDuplicatesEventsOfAReplacementService)
 {
     std::vector<int> seen;
     std::vector<int> sent;
@@ -451,7 +450,7 @@ TEST_F(SessionTest, LosesAndDoublesNoEventOfAServiceThatReplacesAnother)
     EXPECT_EQ(seen, sent);
 }
 
-TEST_F(SessionTest, ASignalFromAnybodyButTheServiceIsIgnored)
+TEST_F(SessionTest, ASignalFromAnotherSenderIsIgnored)
 {
     FakeService service;
     AnswerState(service);
@@ -489,7 +488,7 @@ TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
     EXPECT_EQ(late, 0);
 }
 
-TEST_F(SessionTest, PublishesWithoutADescriptorForItsTimerToo)
+TEST_F(SessionTest, PublishesWithoutATimerDescriptor)
 {
     FakeService service;
     AnswerState(service);
@@ -508,7 +507,7 @@ TEST_F(SessionTest, PublishesWithoutADescriptorForItsTimerToo)
     EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Playing; }));
 }
 
-TEST_F(SessionTest, TheEndOfTheBusIsTold)
+TEST_F(SessionTest, TheEndOfTheBusIsReported)
 {
     auto service = std::make_unique<FakeService>();
     AnswerState(*service);
@@ -557,7 +556,7 @@ TEST_F(SessionTest, AServiceThatTheBusCannotStartIsAnErrorWithItsReason)
     Ready();
 }
 
-// Each signal with a body, and what services that break the contract put in its place.
+// Each signal with a valid body, and the invalid bodies of services that violate the contract.
 const std::pair<const char*, const char*> kSignals[] = {
     {"OnIpodDeviceStatusChange", "(0, true)"},
     {"OnPlayStatusChanged", "(77,)"},
@@ -586,7 +585,7 @@ const std::pair<const char*, const char*> kSignals[] = {
     {"OnOOBPairingInfo", "('address', [(0x05,), (0x06,)])"},
 };
 
-TEST_F(SessionTest, EverySignalIsAnEventAndReadsAsInTheCore)
+TEST_F(SessionTest, EverySignalIsAnEventAsInTheCore)
 {
     FakeService service;
     AnswerState(service);
@@ -673,7 +672,7 @@ TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
     EXPECT_TRUE(waiting.outside);
 }
 
-TEST_F(SessionTest, ListenersMayEndThemselvesAndAddOthersInsideACallback)
+TEST_F(SessionTest, ListenersMayRemoveThemselvesAndAddOthersInACallback)
 {
     struct Once : IQBXIpodPlayerListener
     {

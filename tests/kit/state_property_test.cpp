@@ -1,5 +1,5 @@
-// Random sequences of events, restarts, refusals, nonsense and delays, against a model that knows nothing of the
-// companion: a table of texts. IPODKIT_SEQUENCES and IPODKIT_SEED set the number of sequences and where they start.
+// Compares random sequences of events, restarts, errors, invalid input, and delays with a model that is independent of
+// the companion: a table of texts. IPODKIT_SEQUENCES and IPODKIT_SEED set the number of sequences and the first seed.
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -13,7 +13,7 @@ namespace
 {
 using Model = std::map<std::string, std::string>;
 
-// Address sanitizers walk the stack at every allocation, and what is built for ARM runs in an emulator.
+// The address sanitizer unwinds the stack at every allocation, and ARM builds run in an emulator.
 #if defined(__SANITIZE_ADDRESS__) || defined(__arm__)
 constexpr int kSequences = 200;
 #else
@@ -59,8 +59,8 @@ protected:
         return text == nullptr ? otherwise : std::atoi(text);
     }
 
-    // What the service says when it is asked; sometimes it takes its time. What it tells by an event it does not answer
-    // differently after that: one lock for both makes it a service of one thread.
+    // The service's reply to a getter, sometimes delayed. After an event, replies must not contradict it: one lock for
+    // both makes the service behave as if single-threaded.
     void Answer(const std::string& method, const std::string& body)
     {
         bodies[method] = body;
@@ -68,7 +68,7 @@ protected:
         service->React(method,
                        [=](GDBusMethodInvocation* call)
                        {
-                           const std::lock_guard<std::mutex> lock(telling);
+                           const std::lock_guard<std::mutex> lock(bodiesMutex);
                            std::this_thread::sleep_for(std::chrono::milliseconds(delay));
                            GVariant* const value =
                                g_variant_parse(nullptr, bodies[method].c_str(), nullptr, nullptr, nullptr);
@@ -77,7 +77,7 @@ protected:
                        });
     }
 
-    // A number that stands alone in a signal; where the service can be asked for it, it answers as it has told.
+    // A signal with a single number; if there is a getter, it returns the same number.
     void Number(const char* signal, const char* method, const char* key, int limit)
     {
         const std::string number = std::to_string(Random(limit));
@@ -151,7 +151,7 @@ protected:
         model["level"] = std::to_string(level);
     }
 
-    // Malformed on purpose: no part of the state.
+    // Intentionally malformed: not part of the state.
     void Nonsense()
     {
         service->Emit("OnIpodBatteryChange", Record({0xFF}));
@@ -161,7 +161,7 @@ protected:
 
     void Event()
     {
-        const std::lock_guard<std::mutex> lock(telling);
+        const std::lock_guard<std::mutex> lock(bodiesMutex);
         switch (Random(13))
         {
             case 0:
@@ -193,7 +193,7 @@ protected:
         }
     }
 
-    // The service may refuse to tell, or tell what the contract does not allow.
+    // The service may return an error, or a reply that violates the contract.
     void Known(const char* method, const char* key, int limit)
     {
         const std::string number = std::to_string(Random(limit));
@@ -209,7 +209,7 @@ protected:
         }
     }
 
-    // The next service knows other things. Nobody waits until the session is ready.
+    // The next service has different data. Does not wait until the session is ready.
     void Restart(std::uint32_t& generation)
     {
         service = nullptr;
@@ -239,14 +239,14 @@ protected:
         RunLoopUntil([&] { return ModelOf(*session->State()) == model; }, 200ms);
     }
 
-    std::mutex telling;  // guards the bodies
+    std::mutex bodiesMutex;  // guards the bodies
     std::map<std::string, std::string> bodies;
     std::unique_ptr<FakeService> service;  // its thread uses the above
     Model model;
     std::mt19937 engine{static_cast<unsigned>(FromEnvironment("IPODKIT_SEED", 1))};
 };
 
-TEST_F(StatePropertyTest, TheStateIsWhatTheEventsAndAnswersSay)
+TEST_F(StatePropertyTest, TheStateMatchesEventsAndReplies)
 {
     options.settle = 1ms;
     std::uint32_t generation = 0;

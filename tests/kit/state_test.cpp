@@ -80,8 +80,8 @@ TEST_F(StateTest, FollowsEveryEvent)
 {
     Ready();
 
-    // The state is read again after it, CarLife last of what is told below: older answers are in before the next
-    // events.
+    // The state is read again after this event; CarLife is the last of the fields below, so older replies have arrived
+    // before the next events.
     service.Answer("GetCarlifeDeviceDetectStatus", "(0,)");
     Emit("OnIpodDeviceStatusChange", "(0, true)");
     ASSERT_TRUE(RunLoopUntil([&] { return State()->carLife == DeviceStatus::Detected; }));
@@ -145,14 +145,14 @@ TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
 
         Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
 
-        const Track told = State()->track.value();
+        const Track track = State()->track.value();
         EXPECT_THAT((std::vector{replied.title, replied.artist, replied.album, replied.genre}),
-                    ElementsAre(told.title, told.artist, told.album, told.genre));
-        EXPECT_EQ(told.title.size(), length < 1024 ? length : 1028) << length;
+                    ElementsAre(track.title, track.artist, track.album, track.genre));
+        EXPECT_EQ(track.title.size(), length < 1024 ? length : 1028) << length;
     }
 }
 
-TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
+TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
 {
     Ready();
     const StatePtr before = State();
@@ -165,7 +165,7 @@ TEST_F(StateTest, EachPublishedStateHasTheNextVersionAndStaysAsItWas)
     EXPECT_EQ(before->shuffle, Shuffle::Albums);
 }
 
-TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
+TEST_F(StateTest, APauseKeepsThePosition)
 {
     Ready();
     const Position playing = *State()->position;
@@ -179,7 +179,7 @@ TEST_F(StateTest, APauseKeepsThePositionThatWasReached)
     EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
 }
 
-TEST_F(StateTest, WhatComesBackWithinABurstIsNoChange)
+TEST_F(StateTest, ARevertedValueWithinABurstIsNoChange)
 {
     Ready();
     const std::uint64_t version = State()->version;
@@ -210,7 +210,7 @@ TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
     EXPECT_EQ(fields, Fields::All());
 }
 
-TEST_F(StateTest, SubscribersHearOfTheirFieldsOnly)
+TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
 {
     Ready();
     int calls = 0;
@@ -224,7 +224,7 @@ TEST_F(StateTest, SubscribersHearOfTheirFieldsOnly)
     EXPECT_EQ(calls, 2);
 }
 
-TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
+TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
 {
     Ready();
     int calls = 0;
@@ -237,7 +237,7 @@ TEST_F(StateTest, AnEndedSubscriptionHearsNothingMore)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(StateTest, AnEndedSubscriptionLetsGoOfItsCallbackAtOnce)
+TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
 {
     Ready();
     const auto held = std::make_shared<int>();
@@ -249,7 +249,7 @@ TEST_F(StateTest, AnEndedSubscriptionLetsGoOfItsCallbackAtOnce)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(StateTest, ACallbackThatEndsItselfKeepsWhatItHoldsUntilItReturns)
+TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
 {
     Ready();
     const auto held = std::make_shared<int>();
@@ -281,7 +281,7 @@ TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(StateTest, ACallbackThatAnotherThreadEndsIsLetGoWhenItHasReturned)
+TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
 {
     Ready();
     const auto held = std::make_shared<int>();
@@ -330,7 +330,7 @@ TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
+TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
 {
     Ready();
     Emit("OnIpodDeviceStatusChange", "(1, false)");
@@ -343,7 +343,7 @@ TEST_F(StateTest, AnotherDeviceIsAskedForWhatNoEventTells)
     EXPECT_EQ(State()->deviceCount, 2);
 }
 
-TEST_F(StateTest, ADeviceThatTheApplicationEntersIsAskedForToo)
+TEST_F(StateTest, ADeviceEnteredByTheApplicationIsQueried)
 {
     Ready();
     service.Answer("EnterDeviceChildList", "(true,)");
@@ -354,7 +354,7 @@ TEST_F(StateTest, ADeviceThatTheApplicationEntersIsAskedForToo)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
 }
 
-TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
+TEST_F(StateTest, WithoutADeviceItsStateIsUnknown)
 {
     Ready();
     service.Answer("GetDeviceAmount", "(0,)");
@@ -368,7 +368,7 @@ TEST_F(StateTest, WithoutADeviceNothingIsKnownOfOne)
     EXPECT_EQ(State()->shuffle, Shuffle::Albums);
 }
 
-TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
+TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -383,7 +383,7 @@ TEST_F(StateTest, WhatTheRemainingDevicePlaysStaysKnownWhenAnotherGoes)
     EXPECT_EQ(State()->device, DeviceStatus::NotDetected);
 }
 
-TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
+TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
 {
     Ready();
     const auto asked = [&]
@@ -401,7 +401,7 @@ TEST_F(StateTest, AThousandChangesOfDevicesAreFollowedInAFewRounds)
     EXPECT_LT(asked(), before + 500);
 }
 
-TEST_F(StateTest, KeepsWhatIsKnownWhileTheServiceIsAwayButNotItsCallsAndSessions)
+TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
 {
     Ready();
     Emit("OnIpodStartEapSession", "(3, 300)");
@@ -454,7 +454,7 @@ TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
     EXPECT_THAT(State()->calls, IsEmpty());
 }
 
-TEST_F(StateTest, TheNameOfTheLastDeviceIsForgottenWhenThatOfTheNextComesLate)
+TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
 {
     options.deadline = 100ms;
     Ready();
@@ -479,7 +479,7 @@ TEST_F(StateTest, BatteryEventsComplementEachOther)
     EXPECT_EQ(State()->battery->percent, 50);
 }
 
-TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
+TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -494,7 +494,7 @@ TEST_F(StateTest, ThePictureOfTheEventAndOfTheQueryIsOne)
     EXPECT_EQ(State()->Artwork(), queried);
 }
 
-TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
+TEST_F(StateTest, RequestsArtworkForATrackWithoutIt)
 {
     Ready();
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
@@ -505,7 +505,7 @@ TEST_F(StateTest, AsksForThePictureOfATrackThatCameWithoutOne)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->Artwork() != nullptr; }));
 }
 
-TEST_F(StateTest, PicturesBeyondTheLimitAreLeftOut)
+TEST_F(StateTest, ArtworkBeyondTheLimitIsDropped)
 {
     options.artworkLimit = 10;
     Ready();

@@ -1,4 +1,4 @@
-// The fake session as tests of applications use it: there is no bus here.
+// The fake session as used by applications' tests, without a bus.
 #include <gmock/gmock.h>
 #include <ipodkit/pager.h>
 #include <ipodkit/testing.h>
@@ -11,7 +11,7 @@ using namespace ipodkit;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-/// What an application would write.
+/// Code as an application would write it.
 class NowPlaying
 {
 public:
@@ -97,7 +97,7 @@ TEST_F(FakeSessionTest, AnswersRequestsAndRecordsThem)
     EXPECT_THAT(fake.Calls(), ElementsAre("Next()", "Next()", "Next()", "GetPlayStatus()", "GetPlayStatus()"));
 }
 
-TEST_F(FakeSessionTest, RejectsAnAnswerThatTheContractDoesNotAllow)
+TEST_F(FakeSessionTest, RejectsAReplyThatViolatesTheContract)
 {
     fake.Answer("GetPlayStatus", "('text',)");
     EXPECT_EQ(fake.Get().Commands().PlayStatus().Wait().error().kind, ErrorKind::BadReply);

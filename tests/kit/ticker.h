@@ -1,5 +1,5 @@
 /// @file
-/// How long the main loop was kept from running.
+/// Measures how long the main loop was blocked.
 #pragma once
 
 #include <glib.h>
@@ -10,8 +10,8 @@
 
 namespace test
 {
-/// Now, without the time for which the kernel kept this thread waiting for a processor: that says how busy the machine
-/// is, not whether the loop was blocked.
+/// The current time minus the time this thread waited for a CPU, which reflects the load of the machine, not whether
+/// the loop was blocked.
 inline std::chrono::nanoseconds OwnTime()
 {
     long long ran = 0;
@@ -20,8 +20,8 @@ inline std::chrono::nanoseconds OwnTime()
     return std::chrono::steady_clock::now().time_since_epoch() - std::chrono::nanoseconds(waited);
 }
 
-/// Ticks every millisecond in the default context, on the thread that makes it. What a virtual machine or a timer is
-/// late counts, though nobody blocked the loop.
+/// Ticks every millisecond in the default context, on the creating thread. Delays caused by a virtual machine or a
+/// timer count, although nothing blocked the loop.
 class Ticker
 {
 public:
@@ -51,7 +51,8 @@ private:
     guint m_source;
 };
 
-/// The longest turn of the default context: from one wait to the next, which is what its callbacks took. One at a time.
+/// The longest iteration of the default context, from one wait to the next: the duration of its callbacks. Only one may
+/// exist at a time.
 class Turns
 {
 public:

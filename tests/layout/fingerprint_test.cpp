@@ -1,5 +1,5 @@
-// The description of the layout: it holds in segments that a service built with Boost 1.56 left behind, it tells
-// builds apart that do not fit, and the word for it is the one that docs/porting.md shows.
+// The description of the layout: it matches segments left behind by a service built with Boost 1.56, it distinguishes
+// incompatible builds, and its fingerprint is the one in docs/porting.md.
 #include <QBXIpodShareMemory.h>
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ std::string Image(const std::string& kind)
     return {bytes.begin(), bytes.end()};
 }
 
-// Where a named vector begins in an image, if its name lies behind it as far as in this build.
+// The offset of a named vector in an image, if its name follows at the same distance as in this build.
 std::size_t VectorAt(const std::string& image, const std::string& name)
 {
     const std::size_t found = image.find(name + '\0');
@@ -45,18 +45,18 @@ struct Record
 };
 using ShorterNames = boost::container::vector<Record, boost::interprocess::allocator<Record, QBXSegmentManager>>;
 
-TEST(LayoutFingerprint, IsTheWordOfTheDocument)
+TEST(LayoutFingerprint, MatchesTheDocumentation)
 {
     EXPECT_EQ(layout::Fingerprint(ThisBuild()), k32Bit ? "adacf39407d10472" : "b07f3ca4adc88db4")
         << layout::Text(ThisBuild());
 }
 
-TEST(LayoutFingerprint, FindsEveryPlace)
+TEST(LayoutFingerprint, FindsEveryOffset)
 {
     for (const layout::Fact& fact : ThisBuild()) EXPECT_EQ(fact.value.find("nowhere"), std::string::npos) << fact.name;
 }
 
-TEST(LayoutFingerprint, NamesTheContractsVectorsAndSegments)
+TEST(LayoutFingerprint, ListsTheVectorsAndSegmentsOfTheContract)
 {
     const std::string text = layout::Text(ThisBuild());
     EXPECT_EQ(layout::ContractNames().size(), 10u);
@@ -70,7 +70,7 @@ TEST(LayoutFingerprint, NamesTheContractsVectorsAndSegments)
     EXPECT_NE(text.find("segment of the buffers: " + std::to_string(kBufferSegmentSize)), std::string::npos);
 }
 
-TEST(LayoutFingerprint, PlacesTheSizeOfASegmentWhereTheServiceKeepsIt)
+TEST(LayoutFingerprint, FindsTheSizeOfASegmentOfTheService)
 {
     const layout::Places places = ThisBuildsPlaces();
     for (const char* kind : {"list", "buffer"})
@@ -81,7 +81,7 @@ TEST(LayoutFingerprint, PlacesTheSizeOfASegmentWhereTheServiceKeepsIt)
     }
 }
 
-TEST(LayoutFingerprint, PlacesTheMembersOfAVectorWhereTheServiceKeepsThem)
+TEST(LayoutFingerprint, FindsTheMembersOfAVectorOfTheService)
 {
     const layout::Places places = ThisBuildsPlaces();
     const std::string image = Image("list");
@@ -96,13 +96,13 @@ TEST(LayoutFingerprint, PlacesTheMembersOfAVectorWhereTheServiceKeepsThem)
     EXPECT_EQ(image.substr(entries, 512), std::string(256, '\0') + std::string(255, 'x') + '\0');
 }
 
-TEST(LayoutFingerprint, IsAnotherForOtherEntries)
+TEST(LayoutFingerprint, DiffersForOtherEntries)
 {
     const layout::Facts other = layout::Describe<QBXSharedSegment, ShorterNames, QBXByteVector>();
     EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
 }
 
-TEST(LayoutFingerprint, IsAnotherForAnotherName)
+TEST(LayoutFingerprint, DiffersForAnotherName)
 {
     std::vector<layout::VectorName> names = layout::ContractNames();
     names.back().name = "VecEapReadBufferSharedMemory";
@@ -110,7 +110,7 @@ TEST(LayoutFingerprint, IsAnotherForAnotherName)
     EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
 }
 
-TEST(LayoutFingerprint, IsAnotherForAnotherLock)
+TEST(LayoutFingerprint, DiffersForAnotherLock)
 {
     using Local = boost::interprocess::rbtree_best_fit<boost::interprocess::null_mutex_family, QBXSegmentPointer>;
     using Segment = boost::interprocess::basic_managed_shared_memory<char, Local, boost::interprocess::iset_index>;

@@ -1,5 +1,5 @@
-// The library on segments that a service built with Boost 1.56 left behind: it reads them, grows them and leaves
-// them sound; an image of the other word size, or one whose names this build cannot find, ends in an exception.
+// The library on segments left behind by a service built with Boost 1.56: it reads and grows them and leaves them
+// consistent. An image of the other word size, or one whose names this build cannot find, causes an exception.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 #include <glib.h>
@@ -75,7 +75,7 @@ constexpr const char* kListVectors[] = {"VecPlayingListShareMemory",      "VecDB
 constexpr const char* kBufferVectors[] = {"VecArtworkBufferShareMemory", "VecArtworkChangeBufferShareMemory",
                                           "VecEapWriteBufferShareMemory", "VecEapReadBufferShareMemory"};
 
-// A segment as a service makes it that comes first, with so many of its vectors.
+// A segment created by a service that starts first, with that many of its vectors.
 template <class Vector, std::size_t Count>
 QBXSharedSegment MakeAsAService(const char* object, std::size_t size, const char* const (&names)[Count],
                                 std::size_t count = Count)
@@ -88,8 +88,7 @@ QBXSharedSegment MakeAsAService(const char* object, std::size_t size, const char
     return segment;
 }
 
-// The padding that ends the header in front of an object is left over from the stack, in two segments of Boost's own
-// making, too.
+// The padding of an object header contains stack garbage, even in segments that Boost creates.
 template <std::size_t Count>
 std::vector<char> BytesOfSegment(const std::string& object, const char* const (&names)[Count])
 {
@@ -105,7 +104,7 @@ std::vector<char> BytesOfSegment(const std::string& object, const char* const (&
     return bytes;
 }
 
-// Without a connection GLib complains of each call; the readers copy what the vectors hold all the same.
+// Without a connection GLib warns about each call, but the readers still copy the vectors.
 void DropMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 
 class SegmentsOfTheService : public testing::Test
@@ -123,7 +122,7 @@ protected:
 
 IQBXIpodPlayer* SegmentsOfTheService::player = nullptr;
 
-// What a second process sees of the buffer segment.
+// The contents of the buffer segment as a second process reads them.
 class BuffersAsOthersSeeThem
 {
 public:
@@ -143,7 +142,7 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
     EXPECT_EQ(ExpectedBytes(513, 4), buffers["VecEapReadBufferShareMemory"]);
 }
 
-// Runs in a child process, because a process attaches once. 0 and the message when the attempt ends in an exception.
+// Runs in a child process, because a process attaches only once. Returns 0 and the message if the attempt throws.
 [[noreturn]] void AttachForeignImages(const std::string& listWordSize, const std::string& bufferWordSize)
 {
     alarm(kPatienceSeconds);
@@ -160,8 +159,8 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
     _exit(1);
 }
 
-// The library locks the index to search it. The C library links a locked robust mutex into a list of the thread, and
-// when the lock is released it clears the link on 64-bit machines only. Nobody reads the link of a released lock.
+// The library locks the index to search it. The C library links a locked robust mutex into a per-thread list, and
+// clears the link on unlock only on 64-bit machines. The link of an unlocked mutex is never read.
 std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
 {
     constexpr std::ptrdiff_t kLink = 0x50;
@@ -170,38 +169,38 @@ std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
 }
 }  // namespace
 
-TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheListSegment)
+TEST(ForeignWordSizeDeathTest, ThrowsAndNamesTheListSegment)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherWordSize, kOtherWordSize), testing::ExitedWithCode(0),
                 "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
 }
 
-TEST(ForeignWordSizeDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyThatIsForeign)
+TEST(ForeignWordSizeDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherWordSize), testing::ExitedWithCode(0),
                 "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
 }
 
-TEST(ForeignIndexDeathTest, EndsInAnExceptionThatNamesTheListSegment)
+TEST(ForeignIndexDeathTest, ThrowsAndNamesTheListSegment)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0),
                 "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
 }
 
-TEST(ForeignIndexDeathTest, EndsInAnExceptionThatNamesTheBufferSegmentWhenOnlyThatIsForeign)
+TEST(ForeignIndexDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherIndex), testing::ExitedWithCode(0),
                 "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
 }
 
-TEST(ForeignIndexDeathTest, LeavesTheSegmentAsItWas)
+TEST(ForeignIndexDeathTest, LeavesTheSegmentUnchanged)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0), "refused");
     EXPECT_EQ(WithoutLinkOfIndexLock(test::ReadFile(IMAGE_DIR "/list-" + kOtherIndex + ".img")),
               WithoutLinkOfIndexLock(test::ReadFile(std::string("/dev/shm/") + kListSegmentName)));
 }
 
-TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)
+TEST(NewSegments, AreIdenticalToThoseOfAService)
 {
     QBX_GetIpodPlayer();
 
@@ -213,7 +212,7 @@ TEST(NewSegments, AreByteForByteThoseThatAServiceMakes)
     EXPECT_EQ(BytesOfSegment("buffers", kBufferVectors), BytesOfSegment(kBufferSegmentName, kBufferVectors));
 }
 
-TEST(ASegmentInTheMaking, IsCompleted)
+TEST(AnIncompleteSegment, IsCompleted)
 {
     MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 3);
 
@@ -223,7 +222,7 @@ TEST(ASegmentInTheMaking, IsCompleted)
     EXPECT_EQ(4u, segment_buffer_vector.get_num_named_objects());
 }
 
-TEST(ASegmentWithObjectsOfSomebodyElse, IsCompleted)
+TEST(ASegmentWithForeignObjects, IsCompleted)
 {
     MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 0)
         .construct<int>("VecDeviceListShareMemoryOfOthers")(42);
@@ -234,7 +233,7 @@ TEST(ASegmentWithObjectsOfSomebodyElse, IsCompleted)
     EXPECT_EQ(42, *segment_list_vector.find<int>("VecDeviceListShareMemoryOfOthers").first);
 }
 
-// The names of what was destroyed are still written in the free memory.
+// The names of the destroyed objects remain in the free memory.
 TEST(ASegmentWhoseVectorsWereDestroyed, IsCompleted)
 {
     QBXSharedSegment lists = MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors);
@@ -245,7 +244,7 @@ TEST(ASegmentWhoseVectorsWereDestroyed, IsCompleted)
     EXPECT_EQ(6u, lists.get_num_named_objects());
 }
 
-TEST_F(SegmentsOfTheService, AreSoundAfterTheLibraryAttachedThem)
+TEST_F(SegmentsOfTheService, AreConsistentAfterAttaching)
 {
     EXPECT_TRUE(segment_list_vector.check_sanity());
     EXPECT_TRUE(segment_buffer_vector.check_sanity());
@@ -253,7 +252,7 @@ TEST_F(SegmentsOfTheService, AreSoundAfterTheLibraryAttachedThem)
     EXPECT_EQ(4u, segment_buffer_vector.get_num_named_objects());
 }
 
-TEST_F(SegmentsOfTheService, HoldTheirNamesBehindTheExportedPointers)
+TEST_F(SegmentsOfTheService, ExposeTheirNamesThroughTheExportedPointers)
 {
     EXPECT_EQ(ExpectedNames("playing", 40), NamesOf(*g_VecPlayingListShareMemory));
     EXPECT_EQ(ExpectedNames("db", 300), NamesOf(*g_VecDBListShareMemory));
@@ -263,7 +262,7 @@ TEST_F(SegmentsOfTheService, HoldTheirNamesBehindTheExportedPointers)
     EXPECT_EQ(ExpectedNames("device", 3), NamesOf(*g_VecDeviceListShareMemory));
 }
 
-TEST_F(SegmentsOfTheService, HoldTheirBytesBehindTheExportedPointers)
+TEST_F(SegmentsOfTheService, ExposeTheirBytesThroughTheExportedPointers)
 {
     EXPECT_EQ(ExpectedBytes(70000, 1), BytesOf(*g_VecArtworkBufferShareMemory));
     EXPECT_EQ(ExpectedBytes(50001, 2), BytesOf(*g_VecArtworkChangeBufferShareMemory));
@@ -271,7 +270,7 @@ TEST_F(SegmentsOfTheService, HoldTheirBytesBehindTheExportedPointers)
     EXPECT_EQ(ExpectedBytes(513, 4), BytesOf(*g_VecEapReadBufferShareMemory));
 }
 
-TEST_F(SegmentsOfTheService, AreReadWholeByTheListCommands)
+TEST_F(SegmentsOfTheService, AreReadCompletelyByTheListCommands)
 {
     Names list = {"left over"};
     int folder = 7;
@@ -293,12 +292,12 @@ TEST_F(SegmentsOfTheService, AreReadWholeByTheListCommands)
     EXPECT_EQ(8, root);
 }
 
-TEST_F(SegmentsOfTheService, AreReadWholeByTheArtworkCommand)
+TEST_F(SegmentsOfTheService, AreReadCompletelyByTheArtworkCommand)
 {
     EXPECT_EQ(ExpectedBytes(70000, 1), player->GetPlayingTrackAlbumArtwork().image);
 }
 
-TEST_F(SegmentsOfTheService, StaySoundWhileTheWriteBufferGrows)
+TEST_F(SegmentsOfTheService, StayConsistentWhileTheWriteBufferGrows)
 {
     for (const std::size_t size : {1u, 100u, 513u, 4096u, 70000u, 200000u, 0u, 7u})
     {
@@ -324,7 +323,7 @@ TEST_F(SegmentsOfTheService, ShowAnotherProcessWhatWasWritten)
     ExpectTheOtherBuffersUntouched(buffers);
 }
 
-TEST_F(SegmentsOfTheService, AreWhatTheyWereAfterAWriteThatDidNotFit)
+TEST_F(SegmentsOfTheService, AreUnchangedAfterAWriteThatDidNotFit)
 {
     Bytes tooMuch = ExpectedBytes(kBufferSegmentSize, 5);
 

@@ -8,7 +8,7 @@
 
 namespace
 {
-// Of a desk and of the unit.
+// Sizes on a desktop and on the head unit.
 constexpr std::size_t Size(std::size_t onTheUnit, std::size_t onADesk)
 {
     return sizeof(void*) == 4 ? onTheUnit : onADesk;
@@ -32,7 +32,7 @@ static_assert(sizeof(iPodPlayerPlayStatus) == 4 && sizeof(iPodPlayerShuffleStatu
                   sizeof(BatteryChargingStatus) == 4,
               "every enumeration is an int");
 
-// With the older string of the C++ library all of these are others.
+// All of these differ with the old string ABI of the C++ library.
 #if _GLIBCXX_USE_CXX11_ABI
 static_assert(sizeof(QBXiPodTrackInfo) == Size(112, 144), "four texts and four numbers");
 static_assert(offsetof(QBXiPodTrackInfo, value1) == Size(96, 128), "the numbers follow the texts");

@@ -1,4 +1,4 @@
-// The set-up of logging by level and target, and the records: the same with zlog and with its stand-in.
+// Logging setup by level and target, and the records: the same with zlog and with its stand-in.
 #include <QBXLog.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -54,7 +54,7 @@ TEST_F(LogSetUp, WritesTimeLevelPlaceAndText)
     EXPECT_TRUE(std::regex_match(Written(), expected)) << Written();
 }
 
-TEST_F(LogSetUp, LeavesOutWhatIsBelowItsLevel)
+TEST_F(LogSetUp, DropsRecordsBelowItsLevel)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("ERROR").c_str()));
 
@@ -63,7 +63,7 @@ TEST_F(LogSetUp, LeavesOutWhatIsBelowItsLevel)
     EXPECT_EQ("", Written());
 }
 
-TEST_F(LogSetUp, WritesTextsOfAnyLength)
+TEST_F(LogSetUp, WritesRecordsOfAnyLength)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
 
@@ -76,7 +76,7 @@ TEST_F(LogSetUp, WritesTextsOfAnyLength)
     }
 }
 
-TEST_F(LogSetUp, KeepsTheLinesOfThreadsApart)
+TEST_F(LogSetUp, DoesNotMixLinesOfThreads)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
 
@@ -109,7 +109,7 @@ TEST_F(LogSetUp, WritesToStandardErrorWithoutAFile)
         << written;
 }
 
-TEST_F(LogSetUp, ReplacesLevelAndFileWhenItIsCalledAgain)
+TEST_F(LogSetUp, ReplacesLevelAndFileWhenCalledAgain)
 {
     ASSERT_EQ(1, QBX_LogInit("ERROR:/dev/null"));
 
@@ -119,7 +119,7 @@ TEST_F(LogSetUp, ReplacesLevelAndFileWhenItIsCalledAgain)
     EXPECT_NE(std::string::npos, Written().find("from now on"));
 }
 
-TEST_F(LogSetUp, RejectsAnUnknownLevelAndAnImpossibleFileAndStaysAsItWas)
+TEST_F(LogSetUp, KeepsItsSettingsAfterAnInvalidLevelOrFile)
 {
     ASSERT_EQ(1, QBX_LogInit(Config("INFO").c_str()));
     zlog_category_t* const before = liblog_category;

@@ -1,4 +1,4 @@
-// What QBX_LogInit() does with zlog's own configurations, and beside an application that uses zlog itself.
+// QBX_LogInit() with zlog configurations, and in an application that uses zlog itself.
 #include <QBXLog.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -44,7 +44,7 @@ private:
     const fs::path m_folder = fs::temp_directory_path() / ("log-of-zlog-" + std::to_string(getpid()));
 };
 
-// The lines of the indented block of the guide that has a section of rules.
+// The lines of the guide's indented block that contains a rules section.
 std::string ConfigurationOfTheGuide()
 {
     std::ifstream guide(LOGGING_GUIDE);
@@ -62,7 +62,7 @@ std::string ConfigurationOfTheGuide()
 }
 }  // namespace
 
-TEST_F(LogOfZlog, TakesTheCategoryOfAConfigurationFile)
+TEST_F(LogOfZlog, UsesTheCategoryOfAConfigurationFile)
 {
     ASSERT_EQ(1, QBX_LogInit(Configuration(RuleInto("log")).c_str()));
 
@@ -71,7 +71,7 @@ TEST_F(LogOfZlog, TakesTheCategoryOfAConfigurationFile)
     EXPECT_EQ("ipod INFO record 1\n", Written("log"));
 }
 
-TEST_F(LogOfZlog, KeepsItsConfigurationWhenTheNextOneIsUnusable)
+TEST_F(LogOfZlog, KeepsItsConfigurationIfTheNextOneIsUnusable)
 {
     ASSERT_EQ(1, QBX_LogInit(Configuration(RuleInto("log")).c_str()));
 
@@ -82,14 +82,14 @@ TEST_F(LogOfZlog, KeepsItsConfigurationWhenTheNextOneIsUnusable)
     EXPECT_EQ("ipod INFO still here\n", Written("log"));
 }
 
-TEST_F(LogOfZlog, RejectsFileNamesThatARuleWouldReadDifferently)
+TEST_F(LogOfZlog, RejectsFileNamesWithSpecialCharacters)
 {
     for (const char* name : {"a\"b", "%d", "a,b", "a;b", "a#b"})
         EXPECT_EQ(0, QBX_LogInit(("INFO:" + Path(name)).c_str())) << name;
     EXPECT_EQ(nullptr, liblog_category);
 }
 
-TEST_F(LogOfZlog, LeavesTheLoggingOfAnApplicationAlone)
+TEST_F(LogOfZlog, DoesNotTouchTheLoggingOfAnApplication)
 {
     ASSERT_EQ(0, zlog_init(Configuration(RuleInto("log")).c_str()));
     zlog_category_t* const own = zlog_get_category("own");

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <thread>
 
-TEST(QbxMutex, MayBeLockedAgainByTheThreadThatHoldsIt)
+TEST(QbxMutex, CanBeLockedAgainByItsOwner)
 {
     QBXCriticalSection section;
 
@@ -14,7 +14,7 @@ TEST(QbxMutex, MayBeLockedAgainByTheThreadThatHoldsIt)
     section.Unlock();
 }
 
-TEST(QbxMutex, KeepsOtherThreadsOutUntilTheLastUnlock)
+TEST(QbxMutex, ExcludesOtherThreadsUntilTheLastUnlock)
 {
     QBXMutex mutex;
     std::atomic<bool> entered{false};

@@ -8,7 +8,7 @@ constexpr int kIpod = 10;
 constexpr int kOther = 3;
 }  // namespace
 
-TEST(QbxSource, GrantsARequestAndRemembersWhoMaySound)
+TEST(QbxSource, GrantsARequestAndActivatesTheSource)
 {
     EXPECT_EQ(1, QBXSource::Request(kIpod, QBXSource::AUDIO_GAIN));
 
@@ -16,7 +16,7 @@ TEST(QbxSource, GrantsARequestAndRemembersWhoMaySound)
     EXPECT_FALSE(QBXSource::IsActived(kOther));
 }
 
-TEST(QbxSource, GivesASourceToTheLastWhoAsked)
+TEST(QbxSource, ActivatesTheSourceRequestedLast)
 {
     QBXSource::Request(kIpod, QBXSource::AUDIO_GAIN);
 
@@ -26,7 +26,7 @@ TEST(QbxSource, GivesASourceToTheLastWhoAsked)
     EXPECT_TRUE(QBXSource::IsActived(kOther));
 }
 
-TEST(QbxSource, IsSilentAfterTheReleaseOfTheOneThatSounds)
+TEST(QbxSource, HasNoActiveSourceAfterARelease)
 {
     QBXSource::Request(kIpod, QBXSource::AUDIO_GAIN);
 
@@ -37,7 +37,7 @@ TEST(QbxSource, IsSilentAfterTheReleaseOfTheOneThatSounds)
     EXPECT_FALSE(QBXSource::IsActived(kIpod));
 }
 
-TEST(QbxSource, RefusesWithTheCodeThatItWasTold)
+TEST(QbxSource, RefusesWithTheConfiguredCode)
 {
     QBXSourceRefuse(-3);
 

@@ -1,4 +1,4 @@
-// The order of names, and the sections that they are in.
+// The order of names, and their sections.
 #include <gmock/gmock.h>
 #include <ipodnames/jump_index.h>
 
@@ -47,7 +47,7 @@ struct Alphabet
     std::map<std::string, std::string> labels;
 };
 
-// Written down from the alphabets, as their readers file these names.
+// Taken from the alphabets: how native readers file these names.
 const Alphabet kAlphabets[] = {
     {"zh",
      {{"单依纯", "S"},
@@ -143,7 +143,7 @@ TEST(Sections, AreRunsOfTheOrder)
             int end = -1;
             for (const auto& section : index.Sections())
             {
-                EXPECT_EQ(++seen[section.label], 1) << section.label << " is in two places for " << alphabet.locale;
+                EXPECT_EQ(++seen[section.label], 1) << section.label << " occurs twice for " << alphabet.locale;
                 EXPECT_GT(section.position, end);
                 end = section.position;
             }
@@ -152,8 +152,8 @@ TEST(Sections, AreRunsOfTheOrder)
         }
 }
 
-// Otherwise the order had another key than the sections.
-TEST(Sections, AndOrderOfANameDoNotDependOnTheOtherNames)
+// Otherwise, order and sections would have different keys.
+TEST(Sections, AndOrderDoNotDependOnOtherNames)
 {
     for (const Alphabet& alphabet : kAlphabets)
     {
@@ -169,8 +169,8 @@ TEST(Sections, AndOrderOfANameDoNotDependOnTheOtherNames)
     }
 }
 
-// A surname is read otherwise than the same character elsewhere; ü follows u.
-TEST(Order, OfChineseNamesIsThatOfTheReadingThatDecidesTheirSection)
+// A surname is read differently from the same character elsewhere; ü follows u.
+TEST(Order, OfChineseNamesFollowsTheReadingThatDeterminesTheirSection)
 {
     const Names names = {"单依纯", "上官", "Sam", "三毛", "《沙滩》", "乱", "路", "绿", "曾轶可", "赵雷", "Zoe", "Åsa"};
     for (const char* locale : {"zh", "en"})
@@ -179,13 +179,13 @@ TEST(Order, OfChineseNamesIsThatOfTheReadingThatDecidesTheirSection)
             << locale;
 }
 
-TEST(Order, IgnoresPunctuationInFrontOfAName)
+TEST(Order, IgnoresLeadingPunctuation)
 {
     EXPECT_THAT(Sorted({"Zoe", "\"Heroes\"", "...Baby", "¿Dónde?", "A"}, {}),
                 ElementsAre("A", "...Baby", "¿Dónde?", "\"Heroes\"", "Zoe"));
 }
 
-TEST(Order, IgnoresArticlesOnlyIfAskedTo)
+TEST(Order, IgnoresArticlesOnlyOnRequest)
 {
     const Names names = {"The Beatles", "the Who", "Theo", "A Camp", "Abba", "The", "Die Ärzte"};
     JumpIndexOptions options;

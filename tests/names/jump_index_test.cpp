@@ -37,7 +37,7 @@ TEST_F(JumpIndexTest, FindsAChineseNameByInitialsPinyinAndAnyMixture)
         EXPECT_THAT(Found(index, query), ElementsAre("周杰伦")) << query;
 }
 
-TEST_F(JumpIndexTest, FindsFromALaterSyllableToo)
+TEST_F(JumpIndexTest, MatchesFromALaterSyllable)
 {
     const JumpIndex index = Index({"周杰伦", "杰克"});
 
@@ -70,7 +70,7 @@ TEST_F(JumpIndexTest, FindsMixedScriptsByEither)
     EXPECT_THAT(Found(index, "chouzjl"), ElementsAre("Jay Chou 周杰伦"));
 }
 
-TEST_F(JumpIndexTest, FindsNothingThatIsNotThere)
+TEST_F(JumpIndexTest, DoesNotFindMissingNames)
 {
     const JumpIndex index = Index({"周杰伦", "Hey Jude"});
 
@@ -79,7 +79,7 @@ TEST_F(JumpIndexTest, FindsNothingThatIsNotThere)
     EXPECT_THAT(Found(index, std::string(100000, 'z')), IsEmpty());
 }
 
-TEST_F(JumpIndexTest, AccentsAndCaseDoNotMatter)
+TEST_F(JumpIndexTest, IgnoresAccentsAndCase)
 {
     const JumpIndex index = Index({"Björk", "MÖTLEY CRÜE", "Don’t Stop", "ÉTÉ"});
 
@@ -111,7 +111,7 @@ TEST_F(JumpIndexTest, AnyBytesAreSafe)
     EXPECT_THAT(index.Search("\xFF"), testing::SizeIs(testing::Le(5U)));
 }
 
-TEST_F(JumpIndexTest, GivesNoMoreThanAskedFor)
+TEST_F(JumpIndexTest, ReturnsAtMostTheRequestedNumber)
 {
     const JumpIndex index = Index(std::vector<std::string>(50, "a"));
 
@@ -119,7 +119,7 @@ TEST_F(JumpIndexTest, GivesNoMoreThanAskedFor)
     EXPECT_EQ(index.Search("a", 0).size(), 0U);
 }
 
-TEST_F(JumpIndexTest, AGivenReadingIsUsedInPlaceOfItsOwn)
+TEST_F(JumpIndexTest, UsesAGivenReading)
 {
     JumpIndexOptions options;
     options.readings = {"Dan Xiao", "", "zhoujielun", "lu guang"};
@@ -134,7 +134,7 @@ TEST_F(JumpIndexTest, AGivenReadingIsUsedInPlaceOfItsOwn)
     EXPECT_THAT(Found(index, "zyk"), ElementsAre("曾轶可"));
 }
 
-TEST_F(JumpIndexTest, AGivenReadingWithoutBlanksOrUmlautsLosesNoWayOfTyping)
+TEST_F(JumpIndexTest, AcceptsAllSpellingsDespiteAGivenReadingWithoutBlanksOrUmlauts)
 {
     JumpIndexOptions options;
     options.readings = {"zhoujielun", "lu guang"};
@@ -145,7 +145,7 @@ TEST_F(JumpIndexTest, AGivenReadingWithoutBlanksOrUmlautsLosesNoWayOfTyping)
     EXPECT_THAT(Found(index, "lvg"), ElementsAre("绿光"));
 }
 
-TEST_F(JumpIndexTest, SurnamesAreThoseOfTheSubject)
+TEST_F(JumpIndexTest, ReadsSurnamesDependingOnTheSubject)
 {
     JumpIndexOptions options;
     options.subject = ipodnames::Subject::Title;
@@ -154,7 +154,7 @@ TEST_F(JumpIndexTest, SurnamesAreThoseOfTheSubject)
     EXPECT_EQ(JumpIndex({"单晓"}).Reading(0), "shan xiao");
 }
 
-TEST_F(JumpIndexTest, ReadingThrowsForAnIndexThatNoNameHas)
+TEST_F(JumpIndexTest, ReadingThrowsForAnInvalidIndex)
 {
     const JumpIndex index = Index({"a"});
 

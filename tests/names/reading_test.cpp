@@ -37,15 +37,15 @@ void ExpectReadings(const std::vector<Row>& rows, Subject subject)
 }
 }  // namespace
 
-TEST(Readings, AreThoseOfTheListOfKnownReadings)
+TEST(Readings, MatchTheListOfKnownReadings)
 {
     const std::vector<Row> rows = KnownReadings();
     ASSERT_GE(rows.size(), 721U);
     ExpectReadings(rows, Subject::Unknown);
 }
 
-// Characters that read otherwise in a surname than in a word come first.
-TEST(Readings, OfPersonsHaveTheReadingOfTheSurname)
+// Characters whose reading in a surname differs from that in a word come first.
+TEST(Readings, OfPersonsUseTheSurnameReading)
 {
     ExpectReadings({{"曾雨桐", "zeng yu tong"},
                     {"单晓岚", "shan xiao lan"},
@@ -108,7 +108,7 @@ TEST(Readings, OfTitlesHaveNoSurnames)
                    Subject::Title);
 }
 
-TEST(Readings, OfWordsThatAreNotNamesIgnoreTheSurnameOfTheirFirstCharacter)
+TEST(Readings, OfCommonWordsIgnoreSurnames)
 {
     ExpectReadings(
         {{"单人", "dan ren"}, {"曾经", "ceng jing"}, {"区域", "qu yu"}, {"查看", "cha kan"}, {"仇人", "chou ren"}},
@@ -116,7 +116,7 @@ TEST(Readings, OfWordsThatAreNotNamesIgnoreTheSurnameOfTheirFirstCharacter)
 }
 
 // Finals and initials, by the rules of the romanization: liaison, nasalization, liquids, aspiration, palatalization.
-TEST(Readings, OfKoreanFollowTheSound)
+TEST(Readings, OfKoreanFollowThePronunciation)
 {
     ExpectReadings(
         {{"음악", "eumak"},    {"앉아", "anja"},    {"읽어", "ilgeo"},     {"없어", "eopseo"}, {"국물", "gungmul"},
@@ -126,7 +126,7 @@ TEST(Readings, OfKoreanFollowTheSound)
         Subject::Unknown);
 }
 
-TEST(Readings, OfNothingReadableAreEmpty)
+TEST(Readings, AreEmptyWithoutReadableText)
 {
     ExpectReadings({{"", ""}, {"🎵", ""}, {" …!", ""}, {"\xFF\xFE", ""}, {"'", ""}}, Subject::Unknown);
 }

@@ -1,5 +1,5 @@
-// A race on purpose, which the thread sanitizer has to find: seeded_race [guarded]. One thread registers listeners
-// while another one counts them; with "guarded" both hold the listener lock, as the public header asks for.
+// An intentional race that the thread sanitizer must find: seeded_race [guarded]. One thread registers listeners while
+// another counts them; with "guarded", both hold the listener lock, as the public header requires.
 #include <IQBXIpodPlayer.h>
 
 #include <algorithm>

@@ -27,7 +27,7 @@ TEST(CallLog, KeepsTheLastTenThousand)
     EXPECT_EQ(log.Calls().size(), 10000U);
 }
 
-TEST(CallLog, KeepsNoMoreThanOneMessageOfTheBusHolds)
+TEST(CallLog, KeepsNoMoreThanFitsIntoOneBusMessage)
 {
     CallLog log;
     for (int i = 0; i < 40; ++i) log.Add(CallWithAnswerOf(std::size_t{1} << 20U));

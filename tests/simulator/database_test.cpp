@@ -66,7 +66,7 @@ TEST(Database, HasNoParentAboveTheRoot)
     EXPECT_TRUE(database.AtRoot());
 }
 
-TEST(Database, LeadsFromGenresOverArtistsAndAlbumsToSongs)
+TEST(Database, LeadsFromGenresToArtistsToAlbumsToSongs)
 {
     Database database(BuiltinLibrary());
 
@@ -82,7 +82,7 @@ TEST(Database, LeadsFromGenresOverArtistsAndAlbumsToSongs)
     EXPECT_EQ(NamesOf(database), (std::vector<std::string>{"Blue Lantern", "Slow Ferry", "Rain on Copper"}));
 }
 
-TEST(Database, GoesBackTheWayItCame)
+TEST(Database, RetracesItsPathToTheRoot)
 {
     Database database(BuiltinLibrary());
     database.EnterChild(kArtists);
@@ -105,7 +105,7 @@ TEST(Database, ReturnsToTheRootFromAnyDepth)
     EXPECT_TRUE(database.AtRoot());
 }
 
-TEST(Database, EntersNeitherSongsNorIndicesThatAreNotThere)
+TEST(Database, RejectsSongsAndInvalidIndices)
 {
     Database database(BuiltinLibrary());
 
@@ -116,7 +116,7 @@ TEST(Database, EntersNeitherSongsNorIndicesThatAreNotThere)
     EXPECT_EQ(database.Current().entries.size(), 24U);
 }
 
-TEST(Database, SortsArtistsByTheReadingOfTheirNames)
+TEST(Database, SortsArtistsByReading)
 {
     Database database(BuiltinLibrary());
 
@@ -141,7 +141,7 @@ TEST(Database, KeepsTheOrderOfAPlaylist)
     EXPECT_EQ(NamesOf(database), (std::vector<std::string>{"Song 2", "Song 0"}));
 }
 
-TEST(Database, OrdersAnAlbumOfSeveralArtistsByTrackNumber)
+TEST(Database, SortsAnAlbumOfSeveralArtistsByTrackNumber)
 {
     Library library{{TrackOf("Second", "A", "Shared", 2), TrackOf("First", "B", "Shared", 1)}, {}};
     Database database(library);
@@ -152,7 +152,7 @@ TEST(Database, OrdersAnAlbumOfSeveralArtistsByTrackNumber)
     EXPECT_EQ(NamesOf(database), (std::vector<std::string>{"First", "Second"}));
 }
 
-TEST(Database, SelectsASongAmongItsNeighbours)
+TEST(Database, SelectsASongWithTheRestOfItsLevel)
 {
     Database database(BuiltinLibrary());
     database.EnterChild(kAlbums);
@@ -178,7 +178,7 @@ TEST(Database, SelectsEverythingBelowAFolder)
     EXPECT_EQ(selection->tracks.size(), 3U);
 }
 
-TEST(Database, SelectsNothingAtAnIndexThatIsNotThere)
+TEST(Database, SelectsNothingAtAnInvalidIndex)
 {
     const Database database(BuiltinLibrary());
 
@@ -186,7 +186,7 @@ TEST(Database, SelectsNothingAtAnIndexThatIsNotThere)
     EXPECT_FALSE(database.Select(5));
 }
 
-TEST(Database, OfAnEmptyLibraryHasLevelsWithoutEntries)
+TEST(Database, HasEmptyLevelsForAnEmptyLibrary)
 {
     Library library;
     ipodsim::Finish(library);
@@ -197,7 +197,7 @@ TEST(Database, OfAnEmptyLibraryHasLevelsWithoutEntries)
     EXPECT_FALSE(database.Select(0));
 }
 
-TEST(BuiltinLibrary, HasACoverOnEveryTrackAndADifferentOnePerAlbum)
+TEST(BuiltinLibrary, HasADifferentCoverForEachAlbum)
 {
     const Library library = BuiltinLibrary();
 

@@ -21,7 +21,7 @@ std::vector<std::string> NamesOf(const TemporaryFolder& folder, bool oneDevice =
 
 using Names = std::vector<std::string>;
 
-// Runs the main context until the condition holds or the time is over.
+// Runs the main context until the condition holds or the time is up.
 template <class Condition>
 bool Within(int milliseconds, Condition holds)
 {
@@ -35,7 +35,7 @@ bool Within(int milliseconds, Condition holds)
 }
 }  // namespace
 
-TEST(DeviceFolders, AreTheSubFoldersInTheOrderOfNames)
+TEST(DeviceFolders, AreTheSubfoldersSortedByName)
 {
     TemporaryFolder folder;
     fs::create_directories(folder.path / "Phone/Album");
@@ -45,7 +45,7 @@ TEST(DeviceFolders, AreTheSubFoldersInTheOrderOfNames)
     EXPECT_EQ(NamesOf(folder), (Names{"Car", "Phone"}));
 }
 
-TEST(DeviceFolders, BeginWithTheFoldersOwnFilesWhenThereAreSome)
+TEST(DeviceFolders, StartWithTheRootIfItHasFiles)
 {
     TemporaryFolder folder;
     fs::create_directories(folder.path / "Phone");
@@ -59,14 +59,14 @@ TEST(DeviceFolders, BeginWithTheFoldersOwnFilesWhenThereAreSome)
     EXPECT_EQ(DeviceFoldersOf(folder.path.string(), "Own", false)[0].depth, Depth::TopOnly);
 }
 
-TEST(DeviceFolders, OfAnEmptyFolderAreOne)
+TEST(DeviceFolders, IncludeTheRootIfItIsEmpty)
 {
     TemporaryFolder folder;
 
     EXPECT_EQ(NamesOf(folder), (Names{"Own"}));
 }
 
-TEST(DeviceFolders, AreOneWhenThatIsWanted)
+TEST(DeviceFolders, AreOneWithOneDevice)
 {
     TemporaryFolder folder;
     fs::create_directories(folder.path / "Phone");
@@ -84,7 +84,7 @@ TEST(DeviceFolders, FollowLinksButNotBackToTheRoot)
     EXPECT_EQ(NamesOf(folder), (Names{"Linked"}));
 }
 
-TEST(DeviceFolders, HaveNamesThatFitIntoASlot)
+TEST(DeviceFolders, HaveValidTruncatedNames)
 {
     TemporaryFolder folder;
     fs::create_directories(folder.path / "\xFF broken");
@@ -92,12 +92,12 @@ TEST(DeviceFolders, HaveNamesThatFitIntoASlot)
     EXPECT_EQ(NamesOf(folder), (Names{"\uFFFD broken"}));
 }
 
-TEST(DeviceFolders, OfAFolderThatWentAreNone)
+TEST(DeviceFolders, AreEmptyIfTheRootIsMissing)
 {
     EXPECT_TRUE(DeviceFoldersOf("/nonexistent", "Own", false).empty());
 }
 
-TEST(FolderWatch, TellsABurstOfChangesOnce)
+TEST(FolderWatch, ReportsABurstOfChangesOnce)
 {
     TemporaryFolder folder;
     int changes = 0;
@@ -110,7 +110,7 @@ TEST(FolderWatch, TellsABurstOfChangesOnce)
     EXPECT_FALSE(Within(1000, [&] { return changes > 1; }));
 }
 
-TEST(FolderWatch, SeesChangesInFoldersThatAreAddedLater)
+TEST(FolderWatch, DetectsChangesInFoldersAddedLater)
 {
     TemporaryFolder folder;
     int changes = 0;
@@ -125,7 +125,7 @@ TEST(FolderWatch, SeesChangesInFoldersThatAreAddedLater)
     EXPECT_TRUE(Within(3000, [&] { return changes == 2; }));
 }
 
-TEST(FolderWatch, SeesChangesInARootThatCameBack)
+TEST(FolderWatch, DetectsChangesAfterTheRootReturns)
 {
     TemporaryFolder folder;
     int changes = 0;
@@ -135,8 +135,7 @@ TEST(FolderWatch, SeesChangesInARootThatCameBack)
 
     fs::remove_all(folder.path);
     ASSERT_TRUE(Within(3000, [&] { return changes == 1; }));
-    EXPECT_EQ(warnings,
-              (Names{"the music folder " + folder.path.string() + " is gone; what is in it comes back with it"}));
+    EXPECT_EQ(warnings, (Names{"the music folder " + folder.path.string() + " disappeared; waiting for its return"}));
     fs::create_directory(folder.path);
     ASSERT_TRUE(Within(3000, [&] { return changes == 2; }));
     folder.Write("one", "text");
@@ -145,7 +144,7 @@ TEST(FolderWatch, SeesChangesInARootThatCameBack)
     EXPECT_EQ(warnings.size(), 1U);
 }
 
-TEST(FolderWatch, SeesAnotherFolderTakeThePlaceOfTheRoot)
+TEST(FolderWatch, DetectsThatTheRootWasReplaced)
 {
     TemporaryFolder parent;
     TemporaryFolder elsewhere;

@@ -13,7 +13,7 @@ using ipodsim::ParseFault;
 
 namespace
 {
-std::string ComplaintAbout(const std::string& fault)
+std::string ErrorFor(const std::string& fault)
 {
     try
     {
@@ -27,7 +27,7 @@ std::string ComplaintAbout(const std::string& fault)
 }
 }  // namespace
 
-TEST(FaultText, NamesKindParameterMemberAndCount)
+TEST(FaultText, ParsesKindParameterMemberAndCount)
 {
     const Fault fault = ParseFault("delay=500@GetPlayStatus/3");
 
@@ -37,7 +37,7 @@ TEST(FaultText, NamesKindParameterMemberAndCount)
     EXPECT_EQ(fault.count, 3U);
 }
 
-TEST(FaultText, NeedsTheKindOnly)
+TEST(FaultText, RequiresOnlyTheKind)
 {
     const Fault fault = ParseFault("no-reply");
 
@@ -46,37 +46,36 @@ TEST(FaultText, NeedsTheKindOnly)
     EXPECT_EQ(fault.count, 0U);
 }
 
-TEST(FaultText, IsRefusedWithWhatWasExpected)
+TEST(FaultText, ReportsTheExpectation)
 {
-    EXPECT_NE(ComplaintAbout("dely").find("expected one of delay, no-reply"), std::string::npos);
-    EXPECT_EQ(ComplaintAbout("delay=soon"), "delay: expected an integer between 0 and 4294967295, got 'soon'");
-    EXPECT_EQ(ComplaintAbout("long-record=1048576"), "none");
-    EXPECT_EQ(ComplaintAbout("long-record=1048577"),
-              "long-record: expected an integer between 0 and 1048576, got '1048577'");
-    EXPECT_EQ(ComplaintAbout("delay@GetPlayState"),
-              "no method or signal of the interface is named 'GetPlayState', the nearest is 'GetPlayStatus'");
-    EXPECT_NE(ComplaintAbout("dely").find("(nearest: delay)"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay/x").find("expected KIND"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay/").find("expected KIND"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("no-reply=5").find("expected no parameter"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("error=busy").find("expected the name of an error"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("crash-locked=all").find("expected lists or buffers"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("").find("expected one of"), std::string::npos);
+    EXPECT_NE(ErrorFor("dely").find("expected one of delay, no-reply"), std::string::npos);
+    EXPECT_EQ(ErrorFor("delay=soon"), "delay: expected an integer between 0 and 4294967295, got 'soon'");
+    EXPECT_EQ(ErrorFor("long-record=1048576"), "none");
+    EXPECT_EQ(ErrorFor("long-record=1048577"), "long-record: expected an integer between 0 and 1048576, got '1048577'");
+    EXPECT_EQ(ErrorFor("delay@GetPlayState"),
+              "the interface has no method or signal 'GetPlayState' (did you mean 'GetPlayStatus'?)");
+    EXPECT_NE(ErrorFor("dely").find("(did you mean 'delay'?)"), std::string::npos);
+    EXPECT_NE(ErrorFor("delay/x").find("expected KIND"), std::string::npos);
+    EXPECT_NE(ErrorFor("delay/").find("expected KIND"), std::string::npos);
+    EXPECT_NE(ErrorFor("no-reply=5").find("expected no parameter"), std::string::npos);
+    EXPECT_NE(ErrorFor("error=busy").find("expected an error name"), std::string::npos);
+    EXPECT_NE(ErrorFor("crash-locked=all").find("expected lists or buffers"), std::string::npos);
+    EXPECT_NE(ErrorFor("").find("expected one of"), std::string::npos);
 }
 
-TEST(FaultText, IsRefusedWhereTheKindDoesNotFit)
+TEST(FaultText, RejectsMembersThatTheKindDoesNotFit)
 {
-    EXPECT_EQ(ComplaintAbout("unterminated@Play"),
+    EXPECT_EQ(ErrorFor("unterminated@Play"),
               "unterminated: expected one of GetPlayingListItems, GetCurDbListItems, GetCurDbListItemsPinyin, "
               "GetUpdateListItems, GetUpdateListItemsPinyin, GetDeviceList, not Play");
-    EXPECT_EQ(ComplaintAbout("bad-message@Play"),
+    EXPECT_EQ(ErrorFor("bad-message@Play"),
               "bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play");
-    EXPECT_NE(ComplaintAbout("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
-    EXPECT_NE(ComplaintAbout("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
-    EXPECT_EQ(ComplaintAbout("out-of-range@OnPlayStatusChanged"), "none");
+    EXPECT_NE(ErrorFor("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
+    EXPECT_NE(ErrorFor("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
+    EXPECT_EQ(ErrorFor("out-of-range@OnPlayStatusChanged"), "none");
 }
 
-TEST(Faults, HappenAsOftenAsTheyWereArmedFor)
+TEST(Faults, ApplyAsOftenAsRequested)
 {
     Faults faults;
     faults.Add(ParseFault("delay@Play/2"));
@@ -87,7 +86,7 @@ TEST(Faults, HappenAsOftenAsTheyWereArmedFor)
     EXPECT_FALSE(faults.Take("Play"));
 }
 
-TEST(Faults, HappenUntilTheyAreCleared)
+TEST(Faults, ApplyUntilCleared)
 {
     Faults faults;
     faults.Add(ParseFault("error@Play"));
@@ -98,7 +97,7 @@ TEST(Faults, HappenUntilTheyAreCleared)
     EXPECT_FALSE(faults.Take("Play"));
 }
 
-TEST(Faults, ComeInTheOrderInWhichTheyWereArmed)
+TEST(Faults, ApplyInTheOrderOfArming)
 {
     Faults faults;
     faults.Add(ParseFault("error@Play/1"));
@@ -108,7 +107,7 @@ TEST(Faults, ComeInTheOrderInWhichTheyWereArmed)
     EXPECT_EQ(faults.Take("Play")->kind, FaultKind::NoReply);
 }
 
-TEST(Faults, WithoutAMemberConcernMethodsAndFalsifiedContents)
+TEST(Faults, ApplyToMethodsAndContentsWithoutAMember)
 {
     Faults faults;
     faults.Add(ParseFault("no-reply"));

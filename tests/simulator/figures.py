@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Measures the simulator with many files, and exits 1 when a goal is missed.
+"""Measures the simulator with many files, and exits with 1 if a goal is missed.
 
 Usage: figures.py --simulator PROGRAM --samples PROGRAM [--count 50000]
 
-The files are made in a temporary folder first, so that they lie in memory when they are read. Needs python3-gi.
+The files are created in a temporary folder first, so that they are in the page cache when read. Needs python3-gi.
 """
 import argparse
 import os
@@ -24,7 +24,7 @@ NAME, PATH = "com.zarn.linux.ipod", "/com/zarn/linux/ipod"
 
 
 class Service:
-    """A simulator that is ready, and how long that took."""
+    """Starts a simulator; returns it and its start-up time."""
 
     def __init__(self, *words):
         begin = time.monotonic()

@@ -16,7 +16,7 @@ using ipodsim::Library;
 
 namespace
 {
-// Music that is read by way of a cache.
+// Music that is read through a cache.
 class CachedMusic : public testing::Test
 {
 protected:
@@ -35,7 +35,7 @@ protected:
 
     fs::path CacheFile() const { return folder.path / "cache/of/it.index"; }
 
-    // Replaces what is in the file by nothing of use, and leaves its mark as it is.
+    // Overwrites the file with garbage but keeps its stamp.
     void SpoilUnseen(const fs::path& name) const
     {
         const fs::path file = folder.path / name;
@@ -69,7 +69,7 @@ TEST_F(CachedMusic, IsNotReadAgain)
     EXPECT_TRUE(warnings.empty());
 }
 
-TEST_F(CachedMusic, IsReadAgainWhenItsTimeChanged)
+TEST_F(CachedMusic, IsReadAgainIfItsTimeChanged)
 {
     Read();
     SpoilUnseen("music/one.ogg");
@@ -79,7 +79,7 @@ TEST_F(CachedMusic, IsReadAgainWhenItsTimeChanged)
     EXPECT_EQ(warnings.size(), 1U);
 }
 
-TEST_F(CachedMusic, RemembersWhatIsNoAudio)
+TEST_F(CachedMusic, RemembersNonAudioFiles)
 {
     folder.Write("music/fake.mp3", "no music");
     Read();
@@ -100,7 +100,7 @@ TEST_F(CachedMusic, KeepsReadingsOfChineseNames)
     EXPECT_EQ(library.tracks[1]->readings.artist, "zeng yu tong");
 }
 
-TEST_F(CachedMusic, ForgetsFilesThatWent)
+TEST_F(CachedMusic, ForgetsDeletedFiles)
 {
     folder.CopySample("music/two.ogg");
     Read();
@@ -115,7 +115,7 @@ TEST_F(CachedMusic, ForgetsFilesThatWent)
     EXPECT_LT(fs::file_size(CacheFile()), withBoth);
 }
 
-TEST_F(CachedMusic, IsReadAgainWhenTheCacheIsDamaged)
+TEST_F(CachedMusic, IsReadAgainIfTheCacheIsDamaged)
 {
     Read();
     const auto size = fs::file_size(CacheFile());
@@ -127,12 +127,12 @@ TEST_F(CachedMusic, IsReadAgainWhenTheCacheIsDamaged)
 
         EXPECT_EQ(Read().tracks.size(), 1U);
         ASSERT_EQ(warnings.size(), 1U);
-        EXPECT_NE(warnings[0].find("is damaged or of another version"), std::string::npos);
-        EXPECT_EQ(fs::file_size(CacheFile()), size) << "it is written anew";
+        EXPECT_NE(warnings[0].find("is damaged or from another version"), std::string::npos);
+        EXPECT_EQ(fs::file_size(CacheFile()), size) << "the cache is rewritten";
     }
 }
 
-TEST_F(CachedMusic, IsReadAgainWhenAByteOfTheCacheChanged)
+TEST_F(CachedMusic, IsReadAgainIfAByteOfTheCacheChanged)
 {
     Read();
     std::fstream file(CacheFile(), std::ios::in | std::ios::out | std::ios::binary);
@@ -144,13 +144,13 @@ TEST_F(CachedMusic, IsReadAgainWhenAByteOfTheCacheChanged)
     EXPECT_EQ(warnings.size(), 1U);
 }
 
-TEST_F(CachedMusic, IsReadWhereNoCacheCanBeWritten)
+TEST_F(CachedMusic, IsReadIfTheCacheIsNotWritable)
 {
     folder.Write("cache", "in the way");
 
     EXPECT_EQ(Read().tracks.size(), 1U);
     ASSERT_EQ(warnings.size(), 1U);
-    EXPECT_NE(warnings[0].find("the index is not kept"), std::string::npos);
+    EXPECT_NE(warnings[0].find("cannot store the index"), std::string::npos);
 }
 
 TEST(IndexCacheFile, DiffersFromFolderToFolder)
@@ -159,7 +159,7 @@ TEST(IndexCacheFile, DiffersFromFolderToFolder)
     EXPECT_NE(ipodsim::CacheFileFor("/c", "/music"), ipodsim::CacheFileFor("/c", "/musik"));
 }
 
-TEST_F(CachedMusic, LeavesOutAFileThatVanishesBetweenScanAndReading)
+TEST_F(CachedMusic, SkipsAFileThatVanishesAfterTheScan)
 {
     const auto warn = [this](const std::string& line) { warnings.push_back(line); };
     const std::string root = (folder.path / "music").string();
@@ -172,7 +172,7 @@ TEST_F(CachedMusic, LeavesOutAFileThatVanishesBetweenScanAndReading)
     EXPECT_NE(warnings[0].find("one.ogg: No such file or directory"), std::string::npos);
 }
 
-TEST_F(CachedMusic, TellsHowFarReadingHasCome)
+TEST_F(CachedMusic, ReportsProgress)
 {
     for (int i = 0; i < 200; ++i) folder.CopySample("music/" + std::to_string(i) + ".ogg");
     const auto warn = [](const std::string&) {};

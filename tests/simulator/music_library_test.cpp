@@ -28,14 +28,14 @@ using ipodsim::Track;
 
 namespace
 {
-// Made by the build, with ipod-make-samples.
+// Created by the build with ipod-make-samples.
 const fs::path& Samples()
 {
     static const fs::path folder = fs::path(IPOD_SAMPLES) / "Desk iPod";
     return folder;
 }
 
-// Gives up the superuser's rights, who may read everything, for as long as it lives.
+// Drops superuser privileges, which bypass file permissions, during its lifetime.
 class OrdinaryUser
 {
 public:
@@ -79,17 +79,17 @@ void PutBytes(const fs::path& name, std::streamoff at, const std::string& bytes)
     file << bytes;
 }
 
-// In place of those that the track has.
+// Replaces the track's artwork.
 void PutPicture(const fs::path& ogg, const std::string& bytes)
 {
     TagLib::FileRef file(ogg.c_str());
     auto* const comment = dynamic_cast<TagLib::Ogg::XiphComment*>(file.tag());
     comment->removeAllPictures();
-    auto* const picture = new TagLib::FLAC::Picture;  // the comment owns it
+    auto* const picture = new TagLib::FLAC::Picture;  // owned by the comment
     picture->setType(TagLib::FLAC::Picture::FrontCover);
     picture->setData({bytes.data(), static_cast<unsigned>(bytes.size())});
     comment->addPicture(picture);
-    if (!file.save()) throw std::runtime_error("the track cannot be saved");
+    if (!file.save()) throw std::runtime_error("cannot save the track");
 }
 
 void ExpectPngOf300Pixels(const Track& track)
@@ -138,17 +138,17 @@ TEST(TagReader, ReadsMp3)
     EXPECT_EQ(track->title, "长夜里的音乐");
     EXPECT_EQ(track->artist, "单晓岚");
     EXPECT_EQ(track->genre, "Pop");
-    EXPECT_NEAR(track->lengthMs, 10000, 100) << "MP3 frames do not end where the music does";
+    EXPECT_NEAR(track->lengthMs, 10000, 100) << "MP3 pads the last frame";
     ExpectPngOf300Pixels(*track);
 }
 
-TEST(TagReader, RefusesWhatIsNotThere)
+TEST(TagReader, RejectsAMissingFile)
 {
     EXPECT_FALSE(ReadTrack("/nonexistent/a.mp3"));
     EXPECT_TRUE(ipodsim::ReadEmbeddedPicture("/nonexistent/a.mp3").empty());
 }
 
-TEST(Picture, OfATrackWhoseFileHasGoneIsEmpty)
+TEST(Picture, IsEmptyIfTheFileWasDeleted)
 {
     Track track;
     track.file = "/nonexistent/a.flac";
@@ -157,7 +157,7 @@ TEST(Picture, OfATrackWhoseFileHasGoneIsEmpty)
     EXPECT_TRUE(ipodsim::PictureOf(track).bytes.empty());
 }
 
-TEST(Picture, ThatIsNoneHasNoSize)
+TEST(Picture, HasNoSizeIfItIsInvalid)
 {
     const ipodsim::Picture picture = ipodsim::MakePicture({0xFF, 0xD8, 0xFF, 0xC0, 0x00});
 
@@ -165,7 +165,7 @@ TEST(Picture, ThatIsNoneHasNoSize)
     EXPECT_EQ(picture.height, 0U);
 }
 
-TEST(Picture, TakesItsSizeFromTheFrameOfAJpeg)
+TEST(Picture, ReadsTheSizeOfAJpegFromItsFrameHeader)
 {
     const ipodsim::Picture picture = ipodsim::MakePicture({0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x04, 0x00, 0x00, 0xFF, 0xC0,
                                                            0x00, 0x0B, 0x08, 0x01, 0x02, 0x03, 0x04, 0x01, 0x01});
@@ -174,7 +174,7 @@ TEST(Picture, TakesItsSizeFromTheFrameOfAJpeg)
     EXPECT_EQ(picture.width, 0x0304U);
 }
 
-TEST(Picture, BeginsWithAHeadAndNotWithASignatureOnly)
+TEST(Picture, NeedsACompleteHeader)
 {
     const auto isPicture = [](const std::string& text) { return ipodsim::IsPicture({text.begin(), text.end()}); };
     const std::string noise(40, 'x');
@@ -194,7 +194,7 @@ TEST(Picture, BeginsWithAHeadAndNotWithASignatureOnly)
         EXPECT_FALSE(isPicture(rubbish)) << testing::PrintToString(rubbish);
 }
 
-TEST_F(MusicFolder, WithSamplesHasThemAllInOrder)
+TEST_F(MusicFolder, ReadsAllSamplesInOrder)
 {
     const Library library =
         ReadFolder(Samples().string(), [this](const std::string& line) { warnings.push_back(line); });
@@ -208,7 +208,7 @@ TEST_F(MusicFolder, WithSamplesHasThemAllInOrder)
     EXPECT_TRUE(warnings.empty());
 }
 
-TEST_F(MusicFolder, ThatIsMissingOrNoFolderIsAnError)
+TEST_F(MusicFolder, FailsIfMissingOrNotAFolder)
 {
     Write("file", "text");
 
@@ -216,7 +216,7 @@ TEST_F(MusicFolder, ThatIsMissingOrNoFolderIsAnError)
     EXPECT_THROW(ReadFolder((folder.path / "file").string(), {}), std::runtime_error);
 }
 
-TEST_F(MusicFolder, ThatIsEmptyHasNoTracks)
+TEST_F(MusicFolder, HasNoTracksIfEmpty)
 {
     const Library library = Read();
 
@@ -244,7 +244,7 @@ TEST_F(MusicFolder, SkipsEachNonAudioFileWithOneWarning)
 
 TEST_F(MusicFolder, ListsAudioOfUnknownLength)
 {
-    // The number of samples is the last 36 bits before the checksum, as it is after writing to a pipe.
+    // Clears the sample count, the last 36 bits before the checksum, as if the file had been written to a pipe.
     PutBytes(folder.CopySample("pipe.flac", "Tide Tables/2 Slack Tide.flac"), 22, std::string(4, '\0'));
     // Four channels, no samples, no length.
     Write("tracker.mod", "tracker" + std::string(1080 - 7, '\0') + "M.K." + std::string(1024, '\0'));
@@ -259,7 +259,7 @@ TEST_F(MusicFolder, ListsAudioOfUnknownLength)
     EXPECT_EQ(library.tracks[1]->lengthMs, 0);
 }
 
-TEST_F(MusicFolder, SkipsAFileThatIsCutOff)
+TEST_F(MusicFolder, SkipsATruncatedFile)
 {
     fs::resize_file(CopySample("cut.ogg"), 40);
 
@@ -267,7 +267,7 @@ TEST_F(MusicFolder, SkipsAFileThatIsCutOff)
     EXPECT_EQ(warnings.size(), 1U);
 }
 
-TEST_F(MusicFolder, SkipsWhatCannotBeOpened)
+TEST_F(MusicFolder, SkipsFilesThatCannotBeOpened)
 {
     CopySample("good.ogg");
     fs::create_symlink("gone.ogg", folder.path / "dangling.ogg");
@@ -278,7 +278,7 @@ TEST_F(MusicFolder, SkipsWhatCannotBeOpened)
     EXPECT_EQ(library.tracks.size(), 1U);
     ASSERT_EQ(warnings.size(), 2U);
     EXPECT_NE(warnings[0].find("dangling.ogg: No such file or directory"), std::string::npos);
-    EXPECT_NE(warnings[1].find("pipe.ogg: no regular file"), std::string::npos);
+    EXPECT_NE(warnings[1].find("pipe.ogg: not a regular file"), std::string::npos);
 }
 
 TEST_F(MusicFolder, SkipsFilesAndFoldersWithoutPermission)
@@ -302,7 +302,7 @@ TEST_F(MusicFolder, SkipsFilesAndFoldersWithoutPermission)
     EXPECT_NE(warnings[1].find("secret.ogg: Permission denied"), std::string::npos) << warnings[1];
 }
 
-TEST_F(MusicFolder, WithoutPermissionIsAnError)
+TEST_F(MusicFolder, FailsWithoutPermission)
 {
     fs::permissions(folder.path, fs::perms::none);
 
@@ -313,7 +313,7 @@ TEST_F(MusicFolder, WithoutPermissionIsAnError)
     fs::permissions(folder.path, fs::perms::owner_all);
 }
 
-TEST_F(MusicFolder, WithALoopOfLinksIsReadOnce)
+TEST_F(MusicFolder, FollowsALoopOfLinksOnce)
 {
     CopySample("album/one.ogg");
     fs::create_directory_symlink(folder.path, folder.path / "album/loop");
@@ -325,7 +325,7 @@ TEST_F(MusicFolder, WithALoopOfLinksIsReadOnce)
     EXPECT_TRUE(warnings.empty());
 }
 
-TEST_F(MusicFolder, DoesNotReadWhatTheKernelMakesUp)
+TEST_F(MusicFolder, SkipsVirtualFileSystems)
 {
     CopySample("one.ogg");
     fs::create_directory_symlink("/proc", folder.path / "proc");
@@ -333,10 +333,10 @@ TEST_F(MusicFolder, DoesNotReadWhatTheKernelMakesUp)
     EXPECT_EQ(Read().tracks.size(), 1U);
 
     EXPECT_EQ(warnings,
-              (std::vector<std::string>{"skipped " + (folder.path / "proc").string() + ": no file system for music"}));
+              (std::vector<std::string>{"skipped " + (folder.path / "proc").string() + ": a virtual file system"}));
 }
 
-TEST_F(MusicFolder, MakesASubFolderAPlaylist)
+TEST_F(MusicFolder, TurnsASubfolderIntoAPlaylist)
 {
     CopySample("Evening/one.ogg");
 
@@ -346,7 +346,7 @@ TEST_F(MusicFolder, MakesASubFolderAPlaylist)
     EXPECT_EQ(library.playlists[1].name, "Evening");
 }
 
-TEST_F(MusicFolder, PassesOverHiddenFilesAndFolders)
+TEST_F(MusicFolder, IgnoresHiddenFilesAndFolders)
 {
     CopySample(".hidden.ogg");
     CopySample(".trash/one.ogg");
@@ -355,7 +355,7 @@ TEST_F(MusicFolder, PassesOverHiddenFilesAndFolders)
     EXPECT_TRUE(warnings.empty());
 }
 
-TEST_F(MusicFolder, GivesTracksWithoutAPictureThatOfTheirFolder)
+TEST_F(MusicFolder, UsesTheFolderImageForTracksWithoutArtwork)
 {
     TagLib::FileRef bare(CopySample("bare.ogg").c_str());
     dynamic_cast<TagLib::Ogg::XiphComment*>(bare.tag())->removeAllPictures();
@@ -372,10 +372,10 @@ TEST_F(MusicFolder, GivesTracksWithoutAPictureThatOfTheirFolder)
     EXPECT_EQ(picture.width, 5U);
     EXPECT_EQ(picture.height, 7U);
     ASSERT_EQ(warnings.size(), 1U);
-    EXPECT_NE(warnings[0].find("folder.jpg: no picture"), std::string::npos);
+    EXPECT_NE(warnings[0].find("folder.jpg: not a valid image"), std::string::npos);
 }
 
-TEST_F(MusicFolder, PrefersTheTracksOwnPictureToThatOfItsFolder)
+TEST_F(MusicFolder, PrefersATracksOwnArtworkToTheFolderImage)
 {
     CopySample("one.ogg");
     Write("cover.jpg", "\xFF\xD8\xFF\xE0 picture");
@@ -386,7 +386,7 @@ TEST_F(MusicFolder, PrefersTheTracksOwnPictureToThatOfItsFolder)
     EXPECT_EQ(ipodsim::PictureOf(*library.tracks[0]).width, 300U);
 }
 
-TEST_F(MusicFolder, TakesAnEmbeddedPictureThatIsNoneForNone)
+TEST_F(MusicFolder, IgnoresInvalidEmbeddedArtwork)
 {
     PutPicture(CopySample("bare.ogg"), "no picture at all");
 
@@ -396,7 +396,7 @@ TEST_F(MusicFolder, TakesAnEmbeddedPictureThatIsNoneForNone)
     EXPECT_FALSE(library.tracks[0]->hasPicture);
 }
 
-TEST_F(MusicFolder, LeavesOutAPictureThatNeverFitsIntoSharedMemory)
+TEST_F(MusicFolder, SkipsArtworkThatNeverFitsIntoSharedMemory)
 {
     const std::string large = kSmallPng + std::string(std::size_t{2} << 20U, 'x');
     PutPicture(CopySample("a/large.ogg"), large);
@@ -408,14 +408,14 @@ TEST_F(MusicFolder, LeavesOutAPictureThatNeverFitsIntoSharedMemory)
 
     ASSERT_EQ(library.tracks.size(), 2U);
     EXPECT_FALSE(library.tracks[0]->hasPicture);
-    EXPECT_EQ(ipodsim::PictureOf(*library.tracks[1]).bytes.size(), kSmallPng.size()) << "that of its folder";
+    EXPECT_EQ(ipodsim::PictureOf(*library.tracks[1]).bytes.size(), kSmallPng.size()) << "the folder's image";
     ASSERT_EQ(warnings.size(), 3U);
     EXPECT_EQ(warnings[0], "skipped " + (folder.path / "c/cover.png").string() + ": larger than 1044480 bytes");
     EXPECT_EQ(warnings[1],
               "skipped the artwork of " + (folder.path / "a/large.ogg").string() + ": larger than 1044480 bytes");
 }
 
-TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)
+TEST_F(MusicFolder, TruncatesNamesAtACharacterBoundary)
 {
     std::string longTitle = "a";
     while (longTitle.size() < 300) longTitle += "\u4E2D";
@@ -433,7 +433,7 @@ TEST_F(MusicFolder, CutsNamesAtACharacterBoundaryAndKeepsOtherScripts)
     EXPECT_EQ(library.tracks[0]->album, "\U0001F3B8\U0001F468\u200D\U0001F469");
 }
 
-TEST_F(MusicFolder, NamesTheArtistOfTheAlbumWhereTheTrackNamesNone)
+TEST_F(MusicFolder, FallsBackToTheAlbumArtist)
 {
     TagLib::FileRef file(CopySample("one.ogg").c_str());
     TagLib::PropertyMap properties = file.file()->properties();
@@ -445,7 +445,7 @@ TEST_F(MusicFolder, NamesTheArtistOfTheAlbumWhereTheTrackNamesNone)
     EXPECT_EQ(Read().tracks.at(0)->artist, "Someone");
 }
 
-TEST_F(MusicFolder, IsNotChangedByReading)
+TEST_F(MusicFolder, IsNotModifiedByReading)
 {
     const fs::path file = CopySample("one.ogg");
     const int watch = inotify_init1(IN_NONBLOCK);
@@ -459,7 +459,7 @@ TEST_F(MusicFolder, IsNotChangedByReading)
     close(watch);
 }
 
-TEST_F(MusicFolder, ReadsPlaylistsInTheirOrder)
+TEST_F(MusicFolder, KeepsTheOrderOfPlaylists)
 {
     CopySample("a/one.ogg");
     CopySample("b/two.ogg");
@@ -478,7 +478,7 @@ TEST_F(MusicFolder, ReadsPlaylistsInTheirOrder)
     EXPECT_NE(warnings[0].find("evening.m3u8: 1 of 3 entries are not in the library"), std::string::npos);
 }
 
-TEST_F(MusicFolder, ReadsPlaylistsOfOtherSystems)
+TEST_F(MusicFolder, ReadsPlaylistsFromOtherSystems)
 {
     CopySample("Stra\u00DFe/one.ogg");
     Write("old.m3u",

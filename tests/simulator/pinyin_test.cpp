@@ -5,18 +5,18 @@
 using ipodnames::Subject;
 using ipodsim::Pinyin;
 
-TEST(Pinyin, LeavesAsciiTextButForCase)
+TEST(Pinyin, OnlyLowersAsciiText)
 {
     EXPECT_EQ(Pinyin("Don't Stop (Live)", Subject::Title), "don't stop (live)");
 }
 
-TEST(Pinyin, ReadsSurnamesOfArtistsOnly)
+TEST(Pinyin, ReadsSurnamesForArtistsOnly)
 {
     EXPECT_EQ(Pinyin("单晓", Subject::Person), "shan xiao");
     EXPECT_EQ(Pinyin("单晓", Subject::Title), "dan xiao");
 }
 
-TEST(Pinyin, OfTextThatCannotBeReadIsTheText)
+TEST(Pinyin, LeavesUnreadableTextUnchanged)
 {
     EXPECT_EQ(Pinyin("\xE2\x99\xAA", Subject::Title), "\xE2\x99\xAA");
 }

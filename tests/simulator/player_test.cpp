@@ -8,7 +8,7 @@ using ipodsim::Player;
 
 namespace
 {
-// Writes down what it learns.
+// Records its notifications.
 class Diary : public ipodsim::PlayerObserver
 {
 public:
@@ -22,7 +22,7 @@ public:
     std::string entries;
 };
 
-// A player that plays the first of three tracks of ten seconds.
+// A player playing the first of three ten-second tracks.
 class PlayerWithThreeTracks : public testing::Test
 {
 protected:
@@ -37,7 +37,7 @@ protected:
 };
 }  // namespace
 
-TEST(Player, WithAnEmptyListPlaysNothing)
+TEST(Player, PlaysNothingWithAnEmptyList)
 {
     Diary diary;
     Player player(1, diary);
@@ -57,7 +57,7 @@ TEST(Player, WithAnEmptyListPlaysNothing)
     EXPECT_EQ(diary.entries, "");
 }
 
-TEST(Player, TellsOfANewListBeforeItsFirstTrack)
+TEST(Player, ReportsANewListBeforeItsFirstTrack)
 {
     Diary diary;
     Player player(1, diary);
@@ -69,7 +69,7 @@ TEST(Player, TellsOfANewListBeforeItsFirstTrack)
     EXPECT_EQ(player.Status(), IPOD_PLAY_STATUS_PLAYING);
 }
 
-TEST(Player, KeepsItsListWhenAnEmptyOneIsToBePlayed)
+TEST(Player, KeepsItsListWhenGivenAnEmptyOne)
 {
     Diary diary;
     Player player(1, diary);
@@ -80,7 +80,7 @@ TEST(Player, KeepsItsListWhenAnEmptyOneIsToBePlayed)
     EXPECT_EQ(player.Index(), 2);
 }
 
-TEST_F(PlayerWithThreeTracks, AdvancesWithTheTimeThatPasses)
+TEST_F(PlayerWithThreeTracks, AdvancesWithTime)
 {
     player.Advance(500);
     player.Advance(700);
@@ -89,7 +89,7 @@ TEST_F(PlayerWithThreeTracks, AdvancesWithTheTimeThatPasses)
     EXPECT_EQ(diary.entries, "progress progress ");
 }
 
-TEST_F(PlayerWithThreeTracks, StandsStillWhilePausedAndGoesOnWhereItWas)
+TEST_F(PlayerWithThreeTracks, ResumesAtTheSamePositionAfterAPause)
 {
     player.Advance(500);
     EXPECT_TRUE(player.Pause());
@@ -101,7 +101,7 @@ TEST_F(PlayerWithThreeTracks, StandsStillWhilePausedAndGoesOnWhereItWas)
     EXPECT_EQ(player.Position(), 1000);
 }
 
-TEST_F(PlayerWithThreeTracks, GoesToTheNextTrackWithTheTimeThatIsLeft)
+TEST_F(PlayerWithThreeTracks, CarriesRemainingTimeIntoTheNextTrack)
 {
     player.Advance(10200);
 
@@ -110,7 +110,7 @@ TEST_F(PlayerWithThreeTracks, GoesToTheNextTrackWithTheTimeThatIsLeft)
     EXPECT_EQ(diary.entries, "track progress ");
 }
 
-TEST_F(PlayerWithThreeTracks, StopsAtTheEndOfTheListAndStartsOverWhenPlayedAgain)
+TEST_F(PlayerWithThreeTracks, StopsAtTheEndAndRestartsFromTheFirstTrack)
 {
     for (int i = 0; i < 3; ++i) player.Advance(10000);
 
@@ -121,7 +121,7 @@ TEST_F(PlayerWithThreeTracks, StopsAtTheEndOfTheListAndStartsOverWhenPlayedAgain
     EXPECT_EQ(player.Position(), 0);
 }
 
-TEST_F(PlayerWithThreeTracks, EndsAtMostOneTrackInOneStep)
+TEST_F(PlayerWithThreeTracks, EndsAtMostOneTrackPerStep)
 {
     player.SetRepeat(IPOD_REPEAT_ALL);
     player.Advance(1000000);
@@ -130,7 +130,7 @@ TEST_F(PlayerWithThreeTracks, EndsAtMostOneTrackInOneStep)
     EXPECT_EQ(player.Position(), player.Length());
 }
 
-TEST_F(PlayerWithThreeTracks, TellsOfTheSameTrackAgainWhenItIsRepeated)
+TEST_F(PlayerWithThreeTracks, ReportsARepeatedTrackAgain)
 {
     player.SetRepeat(IPOD_REPEAT_ONE);
     diary.entries.clear();
@@ -164,7 +164,7 @@ TEST_F(PlayerWithThreeTracks, PreviousRestartsTheFirstTrack)
     EXPECT_EQ(player.Position(), 0);
 }
 
-TEST_F(PlayerWithThreeTracks, NextAtTheEndRefusesAndPlaysOn)
+TEST_F(PlayerWithThreeTracks, NextFailsAtTheEndAndKeepsPlaying)
 {
     player.PlayEntry(2);
     player.Advance(100);
@@ -184,7 +184,7 @@ TEST_F(PlayerWithThreeTracks, SkippingKeepsAPausedPlayerPaused)
     EXPECT_EQ(player.Status(), IPOD_PLAY_STATUS_PAUSED);
 }
 
-TEST_F(PlayerWithThreeTracks, WindsForwardAtEightTimesTheSpeed)
+TEST_F(PlayerWithThreeTracks, WindsForwardAtEightTimesNormalSpeed)
 {
     EXPECT_TRUE(player.Wind(true));
     EXPECT_EQ(player.Status(), IPOD_PLAY_STATUS_FAST_FORWARD);
@@ -195,7 +195,7 @@ TEST_F(PlayerWithThreeTracks, WindsForwardAtEightTimesTheSpeed)
     EXPECT_EQ(player.Status(), IPOD_PLAY_STATUS_PLAYING);
 }
 
-TEST_F(PlayerWithThreeTracks, WindsBackwardToTheStartAndPlaysOn)
+TEST_F(PlayerWithThreeTracks, WindsBackwardToTheStartAndResumes)
 {
     player.Seek(6000);
     player.Wind(false);
@@ -207,7 +207,7 @@ TEST_F(PlayerWithThreeTracks, WindsBackwardToTheStartAndPlaysOn)
     EXPECT_EQ(player.Status(), IPOD_PLAY_STATUS_PLAYING);
 }
 
-TEST_F(PlayerWithThreeTracks, WindsIntoTheNextTrackAndPlaysItFromItsStart)
+TEST_F(PlayerWithThreeTracks, WindsIntoTheNextTrackAndPlaysItFromTheStart)
 {
     player.Wind(true);
     player.Advance(2000);
@@ -217,7 +217,7 @@ TEST_F(PlayerWithThreeTracks, WindsIntoTheNextTrackAndPlaysItFromItsStart)
     EXPECT_EQ(player.Status(), IPOD_PLAY_STATUS_PLAYING);
 }
 
-TEST_F(PlayerWithThreeTracks, ReturnsToThePauseAfterWinding)
+TEST_F(PlayerWithThreeTracks, ReturnsToPauseAfterWinding)
 {
     player.Pause();
     player.Wind(true);
@@ -265,7 +265,7 @@ TEST(Player, PlaysATrackOfUnknownLengthUntilItIsSkipped)
     EXPECT_EQ(player.Position(), 0);
 }
 
-TEST_F(PlayerWithThreeTracks, ForgetsThePositionWhenStopped)
+TEST_F(PlayerWithThreeTracks, ResetsThePositionWhenStopped)
 {
     player.Advance(500);
 
@@ -276,7 +276,7 @@ TEST_F(PlayerWithThreeTracks, ForgetsThePositionWhenStopped)
     EXPECT_EQ(player.Track(), nullptr);
 }
 
-TEST_F(PlayerWithThreeTracks, TellsAStatusOnceOnly)
+TEST_F(PlayerWithThreeTracks, ReportsAStatusOnlyOnce)
 {
     player.Pause();
     player.Pause();

@@ -12,7 +12,7 @@ using ipodsim::TrackList;
 
 namespace
 {
-// The indices of the list in the order in which they play, from the current one to the end.
+// The indices of the list in playback order, from the current one to the end.
 std::vector<std::size_t> PlayThrough(Queue& queue)
 {
     std::vector<std::size_t> order{queue.Index()};
@@ -21,7 +21,7 @@ std::vector<std::size_t> PlayThrough(Queue& queue)
 }
 }  // namespace
 
-TEST(Queue, AnEmptyListHasNoCurrentTrackAndGoesNowhere)
+TEST(Queue, AnEmptyListHasNoCurrentTrack)
 {
     Queue queue(1);
 
@@ -32,7 +32,7 @@ TEST(Queue, AnEmptyListHasNoCurrentTrackAndGoesNowhere)
     EXPECT_FALSE(queue.Jump(0));
 }
 
-TEST(Queue, AnEmptyListTakesEveryMode)
+TEST(Queue, AnEmptyListAcceptsEveryMode)
 {
     Queue queue(1);
 
@@ -45,16 +45,16 @@ TEST(Queue, AnEmptyListTakesEveryMode)
     }
 }
 
-TEST(Queue, StartsAtTheChosenEntryAndEndsAfterTheLast)
+TEST(Queue, StartsAtTheSelectedEntryAndEndsAfterTheLast)
 {
     Queue queue(1);
     queue.Fill(Tracks(4), 1);
 
     EXPECT_EQ(PlayThrough(queue), (std::vector<std::size_t>{1, 2, 3}));
-    EXPECT_EQ(queue.Index(), 0U) << "the list stands at its first entry again";
+    EXPECT_EQ(queue.Index(), 0U) << "back at the first entry";
 }
 
-TEST(Queue, NextStaysAtTheLastEntryWithoutRepetition)
+TEST(Queue, NextStaysAtTheLastEntryWithoutRepeat)
 {
     Queue queue(1);
     queue.Fill(Tracks(2), 1);
@@ -63,7 +63,7 @@ TEST(Queue, NextStaysAtTheLastEntryWithoutRepetition)
     EXPECT_EQ(queue.Index(), 1U);
 }
 
-TEST(Queue, PreviousStaysAtTheFirstEntryWithoutRepetition)
+TEST(Queue, PreviousStaysAtTheFirstEntryWithoutRepeat)
 {
     Queue queue(1);
     queue.Fill(Tracks(2), 0);
@@ -84,7 +84,7 @@ TEST(Queue, RepeatAllWrapsAroundInBothDirections)
     EXPECT_EQ(queue.Index(), 2U);
 }
 
-TEST(Queue, RepeatOnePlaysTheSameTrackAgainUntilTheUserMovesOn)
+TEST(Queue, RepeatOneRepeatsTheTrackUntilTheUserSkips)
 {
     Queue queue(1);
     queue.Fill(Tracks(3), 1);
@@ -96,7 +96,7 @@ TEST(Queue, RepeatOnePlaysTheSameTrackAgainUntilTheUserMovesOn)
     EXPECT_EQ(queue.Index(), 2U);
 }
 
-TEST(Queue, ShuffledSongsStartAtTheChosenOneAndEachPlaysOnce)
+TEST(Queue, ShuffledSongsStartAtTheSelectedOneAndPlayOnceEach)
 {
     Queue queue(7);
     queue.SetShuffle(IPOD_SHUFFLE_SONGS);
@@ -109,7 +109,7 @@ TEST(Queue, ShuffledSongsStartAtTheChosenOneAndEachPlaysOnce)
     EXPECT_FALSE(std::is_sorted(order.begin() + 1, order.end()));
 }
 
-TEST(Queue, TheSameSeedShufflesAlikeAndAnotherDoesNot)
+TEST(Queue, TheSeedDeterminesTheOrder)
 {
     const auto orderOf = [](unsigned seed)
     {
@@ -152,10 +152,10 @@ TEST(Queue, ChangingTheShuffleModeKeepsTheCurrentTrack)
         EXPECT_EQ(queue.Index(), 4U);
     }
     EXPECT_TRUE(queue.Next());
-    EXPECT_EQ(queue.Index(), 5U) << "off again, the order is that of the list";
+    EXPECT_EQ(queue.Index(), 5U) << "without shuffling, list order";
 }
 
-TEST(Queue, JumpsToAnEntryOfTheListWhateverTheOrder)
+TEST(Queue, JumpsToAnEntryRegardlessOfTheOrder)
 {
     Queue queue(5);
     queue.SetShuffle(IPOD_SHUFFLE_SONGS);

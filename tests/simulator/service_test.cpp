@@ -1,4 +1,4 @@
-// The simulated service inside a test, asked over a bus as any program would.
+// The simulated service embedded in a test, and called over a bus.
 #include <gio/gio.h>
 #include <gmock/gmock.h>
 #include <ipodsim.h>
@@ -43,7 +43,7 @@ std::string ToText(GVariant* value)
     return copy;
 }
 
-// A track without tags and picture.
+// A track without tags or artwork.
 std::string ASecondOfSilence()
 {
     constexpr std::size_t kRate = 8000;
@@ -54,7 +54,7 @@ std::string ASecondOfSilence()
     return header + std::string(kRate, '\x80');
 }
 
-// Begins as a PNG does; the rest is filling.
+// A PNG header followed by padding.
 std::string PngOf(std::size_t size)
 {
     std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x05\0\0\0\x07", 24);
@@ -62,7 +62,7 @@ std::string PngOf(std::size_t size)
     return png;
 }
 
-// What announces artwork of that many bytes and of 5 by 7 pixels.
+// The reply that announces artwork of that many bytes and 5 x 7 pixels.
 std::string HeadOf(std::uint32_t size)
 {
     char text[128];
@@ -76,7 +76,7 @@ std::string HeadOf(std::uint32_t size)
 constexpr char kNoArtwork[] =
     "(<[byte 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00]>,)";
 
-// A client with nothing but a connection; keeps the signals that it receives.
+// A bare D-Bus client that records the signals it receives.
 class Client
 {
 public:
@@ -93,7 +93,7 @@ public:
                                            OnSignal, this, nullptr);
         g_dbus_connection_signal_subscribe(m_bus, nullptr, nullptr, nullptr, kControlPath, nullptr,
                                            G_DBUS_SIGNAL_FLAGS_NONE, OnSignal, this, nullptr);
-        // Only when the bus has heard of the subscriptions is nothing missed.
+        // A round trip ensures that the bus has processed the subscriptions.
         g_variant_unref(g_dbus_connection_call_sync(m_bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                     "org.freedesktop.DBus", "GetId", nullptr, nullptr,
                                                     G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr));
@@ -106,12 +106,12 @@ public:
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
-    /// The reply as text, or "error NAME: MESSAGE".
+    /// Returns the reply as text, or "error NAME: MESSAGE".
     std::string Ask(const char* method, GVariant* arguments = nullptr, int timeoutMs = 5000)
     {
         return Call(kService, kPath, method, arguments, timeoutMs);
     }
-    /// An action, or a scenario.
+    /// Runs an action, or starts a scenario.
     std::string Do(const char* json) { return Control("Do", g_variant_new("(s)", json)); }
     std::string Control(const char* method, GVariant* arguments = nullptr)
     {
@@ -178,7 +178,7 @@ protected:
 };
 }  // namespace
 
-TEST_F(BuiltinService, TellsWhatItWasAsked)
+TEST_F(BuiltinService, RecordsItsCalls)
 {
     client.Ask("Play", g_variant_new("(y)", guchar{3}));
     client.Ask("Seek", g_variant_new("(i)", 90));
@@ -200,7 +200,7 @@ TEST_F(BuiltinService, TellsWhatItWasAsked)
     EXPECT_TRUE(service.Calls().empty());
 }
 
-TEST_F(BuiltinService, TellsItOverTheBusToo)
+TEST_F(BuiltinService, ReportsItsCallsOverTheBus)
 {
     client.Ask("GetPlayStatus");
 
@@ -213,7 +213,7 @@ TEST_F(BuiltinService, TellsItOverTheBusToo)
     EXPECT_THAT(client.signals, ElementsAre(HasSubstr("Called ((")));
 }
 
-TEST_F(BuiltinService, PlaysACallInSteps)
+TEST_F(BuiltinService, ReportsTheStatesOfACall)
 {
     EXPECT_EQ(client.Do(R"({"event": "call", "value": {"sequence": [{"status": "ringing", "seconds": 0.05},
                                {"status": "active", "seconds": 0.05}, {"status": "disconnected"}]}})"),
@@ -235,17 +235,17 @@ TEST_F(BuiltinService, RejectsInvalidActionsWithThePathOfTheValue)
               invalid + "value.level: expected an integer between 0 and 4294967295, got \"x\"");
     EXPECT_EQ(client.Do("{\n}"), invalid + "event: expected the name of an action, got nothing");
     EXPECT_THAT(client.Do("{\n5}"), HasSubstr(invalid + "line 2, column 1: "));
-    EXPECT_THAT(client.Do(R"({"event": "fault", "value": "dely"})"), HasSubstr("(nearest: delay)"));
+    EXPECT_THAT(client.Do(R"({"event": "fault", "value": "dely"})"), HasSubstr("(did you mean 'delay'?)"));
     EXPECT_EQ(client.Do(R"({"event": "detach", "value": "none"})"),
               "error com.zarn.linux.ipod.Error.Failed: no device of that name is attached");
     EXPECT_THROW(service.Do("button", "eject"), std::runtime_error);
 }
 
-TEST_F(BuiltinService, ReturnsTheNumberOfAnAccessorySession)
+TEST_F(BuiltinService, ReturnsTheAccessorySessionNumber)
 {
     EXPECT_EQ(service.Do("eap-open"), R"({"session":1})");
     EXPECT_EQ(client.Do(R"({"event": "eap-open"})"), R"(('{"session":2}',))");
-    EXPECT_EQ(service.Do("eap-data", {{"hex", "00ff"}}), "{}") << "it goes to the session that was opened last";
+    EXPECT_EQ(service.Do("eap-data", {{"hex", "00ff"}}), "{}") << "the default is the session opened last";
     EXPECT_TRUE(client.Receives("OnIpodReceiveEapData (0x02,)"));
     EXPECT_EQ(service.Do("eap-close", 1), "{}");
     EXPECT_THROW(service.Do("eap-close", 1), std::runtime_error);
@@ -266,7 +266,7 @@ TEST_F(BuiltinService, PassesValuesOfEveryType)
     EXPECT_THROW(Value("\xFF"), std::runtime_error);
 }
 
-TEST_F(BuiltinService, PlaysWhenTheButtonIsPressed)
+TEST_F(BuiltinService, PlaysWhenPlayIsPressed)
 {
     service.Do("button", "play");
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(1,)");
@@ -293,7 +293,7 @@ TEST_F(BuiltinService, RunsAScenario)
                             "ScenarioEnded ('Short',)"));
 }
 
-TEST_F(Service, AnswersWhileAScenarioOfManyStepsRuns)
+TEST_F(Service, AnswersDuringALongScenario)
 {
     std::vector<std::string> warnings;
     ipodsim::Options options = Quiet();
@@ -311,7 +311,7 @@ TEST_F(Service, AnswersWhileAScenarioOfManyStepsRuns)
     EXPECT_EQ(warnings, (std::vector<std::string>{"scenario: steps[0], detach: no device of that name is attached"}));
 }
 
-TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
+TEST_F(BuiltinService, DelaysARequestAndAnswersOthersMeanwhile)
 {
     service.Do("fault", "delay=1000@GetPlayStatus/1");
     gint64 spent = 0;
@@ -328,11 +328,11 @@ TEST_F(BuiltinService, AnswersLateOnRequestAndOthersMeanwhile)
     EXPECT_EQ(client.Ask("GetShuffleMode"), "(0,)");
     slow.join();
     EXPECT_GE(spent, 1000000);
-    EXPECT_EQ(service.Calls()[0].method, "GetShuffleMode") << "it was answered first";
+    EXPECT_EQ(service.Calls()[0].method, "GetShuffleMode") << "answered first";
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
 }
 
-TEST_F(BuiltinService, DoesNotAnswerOnRequest)
+TEST_F(BuiltinService, CanOmitAReply)
 {
     service.Do("fault", "no-reply@Play/1");
 
@@ -341,27 +341,27 @@ TEST_F(BuiltinService, DoesNotAnswerOnRequest)
     EXPECT_EQ(client.Ask("Play", g_variant_new("(y)", guchar{3})), "(true,)");
 }
 
-TEST_F(BuiltinService, AnswersAnErrorOnRequest)
+TEST_F(BuiltinService, CanReplyWithAnError)
 {
     service.Do("fault", "error=com.example.Busy@Pause/1");
 
-    EXPECT_EQ(client.Ask("Pause"), "error com.example.Busy: a fault on purpose");
+    EXPECT_EQ(client.Ask("Pause"), "error com.example.Busy: injected fault");
     EXPECT_EQ(service.Calls("Pause")[0].error, "com.example.Busy");
     EXPECT_EQ(client.Ask("Pause"), "(false,)");
 }
 
-TEST_F(BuiltinService, AnswersWrongTypesAndNumbersOnRequest)
+TEST_F(BuiltinService, CanReplyWithWrongTypesAndNumbers)
 {
     service.Do("fault", "wrong-type@GetPlayStatus/1");
     service.Do("fault", "out-of-range=77@GetRepeatMode/1");
     service.Do("fault", "out-of-range@GetCarplayDeviceDetectStatus/1");
 
-    EXPECT_EQ(client.Ask("GetPlayStatus"), "('no such type',)");
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "('wrong type',)");
     EXPECT_EQ(client.Ask("GetRepeatMode"), "(77,)");
     EXPECT_EQ(client.Ask("GetCarplayDeviceDetectStatus"), "(0x63, '')");
 }
 
-TEST_F(BuiltinService, AnswersRecordsOfAnySizeOnRequest)
+TEST_F(BuiltinService, CanReplyWithRecordsOfAnySize)
 {
     service.Do("fault", "short-record=3@GetCurrentMediaInfo/1");
     service.Do("fault", "long-record=1042@GetCurrentMediaInfo/1");
@@ -369,10 +369,10 @@ TEST_F(BuiltinService, AnswersRecordsOfAnySizeOnRequest)
 
     EXPECT_EQ(client.Ask("GetCurrentMediaInfo"), "(<[byte 0x00, 0x00, 0x00]>,)");
     EXPECT_THAT(client.Ask("GetCurrentMediaInfo"), HasSubstr("0x00, 0x78, 0x78]>,)"));
-    EXPECT_EQ(client.Ask("GetCurrentMediaInfo"), "(<'no record'>,)");
+    EXPECT_EQ(client.Ask("GetCurrentMediaInfo"), "(<'not a record'>,)");
 }
 
-TEST_F(BuiltinService, FalsifiesSignalsOnRequest)
+TEST_F(BuiltinService, CanFalsifySignals)
 {
     service.Do("fault", "bad-message@OnIpodBatteryChange/1");
     service.Do("fault", "out-of-range=9@OnIpodLocationStatusChange/1");
@@ -388,19 +388,19 @@ TEST_F(BuiltinService, FalsifiesSignalsOnRequest)
     EXPECT_TRUE(client.Receives("OnIpodSourceValidStatusChange (false,)"));
     EXPECT_THAT(client.signals,
                 ElementsAre("OnIpodBatteryChange (<[byte 0x0a, 0x7f, 0x78]>,)", "OnIpodLocationStatusChange (0x09,)",
-                            "OnIpodAppBundleNameChange ('no such type',)", "OnIpodSourceValidStatusChange (false,)"));
+                            "OnIpodAppBundleNameChange ('wrong type',)", "OnIpodSourceValidStatusChange (false,)"));
 }
 
-TEST_F(BuiltinService, HasNoTwoDevicesOfOneNameOnRequest)
+TEST_F(BuiltinService, RejectsASecondDeviceOfTheSameName)
 {
     service.Do("attach", "Second");
     EXPECT_THROW(service.Do("attach", "Second"), std::runtime_error);
     EXPECT_THAT(client.Do(R"({"event": "attach", "value": "Desk iPod"})"),
-                HasSubstr("a device of that name is attached already"));
+                HasSubstr("a device of that name is already attached"));
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(2,)");
 }
 
-TEST_F(BuiltinService, GoesAndComesBackOnRequest)
+TEST_F(BuiltinService, CanLeaveTheBusAndReturn)
 {
     client.Ask("Play", g_variant_new("(y)", guchar{3}));
     std::vector<std::string> owners;
@@ -420,18 +420,19 @@ TEST_F(BuiltinService, GoesAndComesBackOnRequest)
     g_bus_unwatch_name(watch);
     ASSERT_EQ(owners.size(), 4U);
     EXPECT_NE(owners[0], owners[3]);
-    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)") << "what played is forgotten";
+    EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)") << "playback is reset";
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
-    EXPECT_EQ(service.Calls("Play").size(), 1U) << "the log is not";
+    EXPECT_EQ(service.Calls("Play").size(), 1U) << "the call log is kept";
 }
 
-TEST_F(BuiltinService, RefusesToEndTheProgramThatItLivesIn)
+TEST_F(BuiltinService, RefusesToCrashItsHostProgram)
 {
     EXPECT_THROW(service.Do("fault", "crash@Play"), std::runtime_error);
-    EXPECT_THAT(client.Do(R"({"event": "fault", "value": "crash-locked/1"})"), HasSubstr("inside another program"));
+    EXPECT_THAT(client.Do(R"({"event": "fault", "value": "crash-locked/1"})"),
+                HasSubstr("embedded in another program"));
 }
 
-TEST_F(BuiltinService, TellsWhichProcessIsInTheWayOfASecondOne)
+TEST_F(BuiltinService, ReportsTheProcessThatOwnsTheName)
 {
     try
     {
@@ -446,7 +447,7 @@ TEST_F(BuiltinService, TellsWhichProcessIsInTheWayOfASecondOne)
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(0,)");
 }
 
-TEST_F(Service, HasADeviceForEachSubFolder)
+TEST_F(Service, HasADeviceForEachSubfolder)
 {
     TemporaryFolder folder;
     folder.CopySample("one.ogg");
@@ -463,7 +464,7 @@ TEST_F(Service, HasADeviceForEachSubFolder)
     EXPECT_EQ(client.Ask("GetIpodName"), "('Phone',)");
 }
 
-TEST_F(Service, AttachesAndDetachesWhatComesAndGoes)
+TEST_F(Service, FollowsSubfoldersThatAppearAndDisappear)
 {
     TemporaryFolder folder;
     folder.CopySample("Phone/one.ogg");
@@ -485,7 +486,7 @@ TEST_F(Service, AttachesAndDetachesWhatComesAndGoes)
     EXPECT_EQ(client.Ask("GetDeviceAmount"), "(1,)");
 }
 
-TEST_F(Service, SeesTheMusicFolderComeBack)
+TEST_F(Service, DetectsTheReturnOfTheMusicFolder)
 {
     TemporaryFolder folder;
     folder.CopySample("one.ogg");
@@ -495,7 +496,7 @@ TEST_F(Service, SeesTheMusicFolderComeBack)
     options.oneDevice = true;
     options.warn = [&](const std::string& line)
     {
-        EXPECT_EQ(line, "the music folder " + folder.path.string() + " is gone; what is in it comes back with it");
+        EXPECT_EQ(line, "the music folder " + folder.path.string() + " disappeared; waiting for its return");
         ++warnings;
     };
     const ipodsim::Simulator service(options);
@@ -512,7 +513,7 @@ TEST_F(Service, SeesTheMusicFolderComeBack)
     EXPECT_EQ(warnings, 1);
 }
 
-TEST_F(Service, DeliversLargeArtworkWhateverWasDeliveredBefore)
+TEST_F(Service, DeliversLargeArtworkRegardlessOfEarlierDeliveries)
 {
     constexpr std::uint32_t kLargest = (1U << 20U) - 4096;
     test::SharedVectors shared;
@@ -545,7 +546,7 @@ TEST_F(Service, DeliversLargeArtworkWhateverWasDeliveredBefore)
     }
 }
 
-TEST_F(Service, HasNoArtworkWhereAccessoryDataLeavesNoRoomAndWarnsOnce)
+TEST_F(Service, OmitsArtworkBesideLargeAccessoryDataAndWarnsOnce)
 {
     TemporaryFolder folder;
     folder.Write("one.wav", ASecondOfSilence());
@@ -565,16 +566,17 @@ TEST_F(Service, HasNoArtworkWhereAccessoryDataLeavesNoRoomAndWarnsOnce)
     for (int i = 0; i < 3; ++i) EXPECT_EQ(client.Ask("GetPlayingTrackAlbumArtwork"), kNoArtwork);
 
     const std::string record = client.Ask("GetCurrentMediaInfo");
-    EXPECT_EQ(record.substr(record.size() - 28), ", 0x00, 0x00, 0x00, 0x00]>,)") << "the track's record agrees";
-    service.ClearCalls();  // what the service's thread did is over
-    EXPECT_EQ(warnings, (std::vector<std::string>{"no room in shared memory for the artwork of 'one', 600000 bytes"}));
+    EXPECT_EQ(record.substr(record.size() - 28), ", 0x00, 0x00, 0x00, 0x00]>,)")
+        << "the track record announces no artwork";
+    service.ClearCalls();  // synchronizes with the service's thread
+    EXPECT_EQ(warnings, (std::vector<std::string>{"no space in shared memory for the artwork of 'one', 600000 bytes"}));
     service.Do("button", "next");
     for (int i = 0; i < 3; ++i) client.Ask("GetPlayingTrackAlbumArtwork");
     service.ClearCalls();
     EXPECT_EQ(warnings.size(), 2U);
 }
 
-TEST_F(Service, SumsUpWhatIsWrongWithManyFiles)
+TEST_F(Service, SummarizesManyWarnings)
 {
     TemporaryFolder folder;
     for (int i = 0; i < 800; ++i) folder.Write("Phone/" + std::to_string(i) + ".ogg", "no audio");
@@ -591,7 +593,7 @@ TEST_F(Service, SumsUpWhatIsWrongWithManyFiles)
     EXPECT_EQ(warnings[10], "and 791 more warnings like these");
 }
 
-TEST_F(Service, AnswersWhileMusicIsRead)
+TEST_F(Service, AnswersWhileScanning)
 {
     TemporaryFolder folder;
     for (int i = 0; i < 500; ++i) folder.CopySample(std::to_string(i) + ".ogg");
@@ -614,7 +616,7 @@ TEST_F(Service, AnswersWhileMusicIsRead)
     EXPECT_EQ(service.Summary(), "500 songs, 1 artist, 1 album");
 }
 
-TEST_F(Service, EndsWhileMusicIsRead)
+TEST_F(Service, ExitsWhileScanning)
 {
     TemporaryFolder folder;
     for (int i = 0; i < 500; ++i) folder.CopySample(std::to_string(i) + ".ogg");
@@ -629,7 +631,7 @@ TEST_F(Service, EndsWhileMusicIsRead)
     EXPECT_LT(g_get_monotonic_time() - begin, 5000000);
 }
 
-TEST_F(Service, KeepsWhatItReadWhereItIsTold)
+TEST_F(Service, StoresTheIndexInTheCacheFolder)
 {
     TemporaryFolder folder;
     TemporaryFolder cache;
@@ -644,23 +646,23 @@ TEST_F(Service, KeepsWhatItReadWhereItIsTold)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(cache.path), {}), 1);
 }
 
-TEST_F(BuiltinService, LetsATestAnswerAMethodByHand)
+TEST_F(BuiltinService, LetsATestOverrideAMethod)
 {
     using ipodsim::Reply;
-    service.On("Seek", [](GVariant* arguments) { return Reply::Error("com.example.Told", ToText(arguments)); });
+    service.On("Seek", [](GVariant* arguments) { return Reply::Error("com.example.Received", ToText(arguments)); });
     service.On("GetPlayStatus", [](GVariant*) { return Reply::With("(77,)").After(100); });
     service.On("Next", [](GVariant*) { return Reply::Malformed("('text', 1)"); });
     service.On("Pause", [](GVariant*) { return Reply::With("('not of the contract',)"); });
     service.On("Stop", [](GVariant*) { return Reply::Never(); });
 
-    EXPECT_EQ(client.Ask("Seek", g_variant_new("(i)", 5)), "error com.example.Told: (5,)");
+    EXPECT_EQ(client.Ask("Seek", g_variant_new("(i)", 5)), "error com.example.Received: (5,)");
     const gint64 begin = g_get_monotonic_time();
     EXPECT_EQ(client.Ask("GetPlayStatus"), "(77,)");
     EXPECT_GE(g_get_monotonic_time() - begin, 100000);
     EXPECT_EQ(client.Ask("Next"), "('text', 1)");
     EXPECT_THAT(client.Ask("Pause"), HasSubstr("is not a value of type (b)"));
     EXPECT_THAT(client.Ask("Stop", nullptr, 100), HasSubstr("Timeout"));
-    EXPECT_EQ(service.Calls("Seek")[0].error, "com.example.Told");
+    EXPECT_EQ(service.Calls("Seek")[0].error, "com.example.Received");
     EXPECT_EQ(service.Calls("Next")[0].answer, "('text', 1)");
     EXPECT_EQ(service.Calls("Stop")[0].answer, "");
     service.On("GetPlayStatus", nullptr);
@@ -668,18 +670,18 @@ TEST_F(BuiltinService, LetsATestAnswerAMethodByHand)
     EXPECT_THROW(service.On("GetPlayState", nullptr), std::runtime_error);
 }
 
-TEST_F(Service, DoesNothingButWhatAScriptPrescribes)
+TEST_F(Service, DoesOnlyWhatIsScripted)
 {
     ipodsim::ScriptedService service;
     Client client;
     service.On("Seek",
-               [](GVariant* arguments) { return ipodsim::Reply::Error("com.example.Told", ToText(arguments)); });
+               [](GVariant* arguments) { return ipodsim::Reply::Error("com.example.Received", ToText(arguments)); });
     service.On("Play", [](GVariant*) { return ipodsim::Reply::With("(true,)").After(100); });
     service.On("Next", [](GVariant*) -> ipodsim::Reply { throw std::runtime_error("thrown"); });
 
-    EXPECT_EQ(client.Ask("Seek", g_variant_new("(i)", 5)), "error com.example.Told: (5,)");
+    EXPECT_EQ(client.Ask("Seek", g_variant_new("(i)", 5)), "error com.example.Received: (5,)");
     EXPECT_EQ(client.Ask("Play", g_variant_new("(y)", guchar{3})), "(true,)");
     EXPECT_EQ(client.Ask("Next"), "error com.example.Broken: thrown");
-    EXPECT_EQ(client.Ask("Pause"), "error com.example.NotTold: Pause");
+    EXPECT_EQ(client.Ask("Pause"), "error com.example.NotScripted: Pause");
     EXPECT_THAT(service.Calls(), ElementsAre("Seek(5,)", "Play(0x03,)", "Next()", "Pause()"));
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the simulator as people do: on a bus, in a shared memory and with a cache of its own."""
+"""Runs the simulator as a program, with a private bus, shared memory, and cache."""
 import argparse
 import functools
 import json
@@ -26,7 +26,7 @@ from schema_check import check  # noqa: E402
 
 @functools.cache
 def samples():
-    """Made once: an emulator encodes music for half a minute."""
+    """Created once: encoding takes half a minute in an emulator."""
     folder = tempfile.TemporaryDirectory()
     subprocess.run([OPTIONS.samples, f"{folder.name}/music"], check=True, stdout=subprocess.DEVNULL)
     return folder
@@ -49,7 +49,7 @@ class OnABus(unittest.TestCase):
                 stream.close()
 
     def launch(self, *words, **options):
-        """A simulator that need not come up."""
+        """Starts a simulator without waiting until it is ready."""
         options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
         process = subprocess.Popen([OPTIONS.simulator, *words], env=self.environment, text=True, **options)
         self.addCleanup(self.stop, process)
@@ -90,7 +90,7 @@ class OnABus(unittest.TestCase):
         return "true" in call.stdout
 
     def sample_music(self):
-        """A folder of the test's own."""
+        """Creates a folder for the test."""
         return shutil.copytree(f"{samples().name}/music", os.path.join(self.folder, "music"))
 
     def write(self, name, text):
@@ -101,7 +101,7 @@ class OnABus(unittest.TestCase):
 
 
 class Program(OnABus):
-    def test_ends_when_it_is_told_and_gives_the_name_back(self):
+    def test_exits_on_signals_and_releases_its_name(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(number):
                 process = self.start()
@@ -110,9 +110,9 @@ class Program(OnABus):
                 self.assertEqual(process.wait(timeout=LIMIT), 0)
                 self.assertFalse(self.has_owner())
         self.start()
-        self.assertEqual(self.ask("GetPlayStatus"), "(0,)", "the segments that were left behind can be used again")
+        self.assertEqual(self.ask("GetPlayStatus"), "(0,)", "the remaining segments are reused")
 
-    def test_ends_while_it_starts(self):
+    def test_exits_while_starting(self):
         many = os.path.join(self.folder, "many")
         subprocess.run([OPTIONS.samples, "--count", "3000", many], check=True, stdout=subprocess.DEVNULL)
         for after in (0.0, 0.01, 0.05, 0.1, 0.2):
@@ -124,7 +124,7 @@ class Program(OnABus):
                 self.assertFalse(self.has_owner())
 
     def huge_files(self, count):
-        """A folder with files of gigabytes in which there is no audio."""
+        """Creates a folder with huge files that contain no audio."""
         folder = os.path.join(self.folder, "huge")
         os.mkdir(folder)
         for number in range(count):
@@ -134,14 +134,14 @@ class Program(OnABus):
             file.truncate(3 << 30)
         return folder
 
-    def test_does_not_read_files_of_gigabytes_to_their_end(self):
+    def test_does_not_read_huge_files_completely(self):
         process = self.launch("--no-cache", self.huge_files(1))
         self.assertIn("ready: 0 songs", line_within(process.stdout, LIMIT))
         process.send_signal(signal.SIGTERM)
         _, err = process.communicate(timeout=LIMIT)
         self.assertIn("list.m3u: larger than 16 MiB\n", err)
 
-    def test_ends_while_it_reads_a_large_file(self):
+    def test_exits_while_reading_a_large_file(self):
         process = self.launch("--no-cache", self.huge_files(200))
         self.assertTrue(within(LIMIT, self.has_owner))
         time.sleep(0.3)
@@ -150,7 +150,7 @@ class Program(OnABus):
         self.assertEqual(process.wait(timeout=LIMIT), 0)
         self.assertLess(time.monotonic() - begin, 5)
 
-    def test_warns_of_another_one_on_another_bus(self):
+    def test_warns_of_a_simulator_on_another_bus(self):
         first = self.start()
         bus = Bus()
         self.addCleanup(bus.stop)
@@ -160,18 +160,18 @@ class Program(OnABus):
         for process, warned in ((second, True), (first, False)):
             process.send_signal(signal.SIGTERM)
             _, err = process.communicate(timeout=LIMIT)
-            self.assertEqual("warning: another simulator, on another bus, uses the same shared memory" in err, warned, err)
+            self.assertEqual("warning: another simulator on another bus uses the same shared memory" in err, warned, err)
         third = self.start()
         third.send_signal(signal.SIGTERM)
-        self.assertEqual(third.communicate(timeout=LIMIT)[1], "", "the claim went with the first")
+        self.assertEqual(third.communicate(timeout=LIMIT)[1], "", "the first one's claim is released")
 
-    def test_a_second_one_tells_which_process_is_in_its_way(self):
+    def test_a_second_one_reports_the_owner_of_the_name(self):
         first = self.start()
         self.assertEqual(self.refusal(), "ipod-simulator: another simulator or service is running on this bus: "
                                          f"process {first.pid} owns com.zarn.linux.ipod.Simulator\n")
         self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
 
-    def test_goes_on_when_nobody_reads_its_output(self):
+    def test_keeps_running_when_its_output_is_closed(self):
         process = self.start("--verbose")
         process.stdout.close()
         process.stderr.close()
@@ -180,19 +180,19 @@ class Program(OnABus):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(timeout=LIMIT), 0)
 
-    def test_writes_requests_with_their_answers(self):
+    def test_logs_requests_and_replies(self):
         process = self.start("--verbose")
         self.ask("Seek", "5")
         self.assertEqual(line_within(process.stderr, LIMIT), "Seek (5,) -> ()\n")
 
-    def test_refuses_what_it_cannot_use(self):
+    def test_reports_unusable_arguments(self):
         self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
         self.assertIn("/nonexistent: No such file or directory", self.refusal("--scenario", "/nonexistent"))
         self.assertIn(f"{self.folder}: Is a directory", self.refusal("--scenario", self.folder))
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.assertIn("no session bus", self.refusal())
 
-    def test_usage_errors_are_one_line_and_have_a_code_of_their_own(self):
+    def test_usage_errors_are_one_line_and_exit_with_2(self):
         for program in (OPTIONS.simulator, OPTIONS.samples):
             name = os.path.basename(program)
             for words in (["a", "--wrong"], ["a", "--speed" if name == "ipod-simulator" else "--count", "x"], ["a", "b"]):
@@ -200,12 +200,11 @@ class Program(OnABus):
                     done = subprocess.run([program, *words], env=self.environment, capture_output=True, text=True,
                                           timeout=LIMIT)
                     self.assertEqual((done.returncode, done.stdout), (2, ""))
-                    self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*; {name} --help shows the usage\n$")
+                    self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.* \(try '{name} --help'\)\n$")
 
-    def test_samples_need_a_folder_that_can_be_made(self):
+    def test_samples_need_a_folder_that_can_be_created(self):
         file = self.write("file", "")
-        for folder, code, expected in (("", 2, "folder: expected a name that is not empty; ipod-make-samples --help shows "
-                                               "the usage"),
+        for folder, code, expected in (("", 2, "folder: expected a non-empty name (try 'ipod-make-samples --help')"),
                                        ("/proc/x", 1, "/proc/x: No such file or directory"),
                                        (file, 1, f"{file}: Not a directory")):
             for more in ([], ["--count", "3"]):
@@ -216,7 +215,7 @@ class Program(OnABus):
                     self.assertEqual(done.stderr, f"ipod-make-samples: {expected}\n")
         self.assertEqual(os.listdir(self.folder), ["file"])
 
-    def test_values_that_are_none_are_usage_errors_and_tell_what_was_expected(self):
+    def test_invalid_values_are_usage_errors_with_the_expectation(self):
         for words, expected in ((["--speed", "0"], "--speed: expected a number between 0.001 and 10000, got '0'"),
                                 (["--speed", "1e-300"], "--speed: expected a number between 0.001 and 10000, got '1e-300'"),
                                 (["--speed", "1e5"], "--speed: expected a number between 0.001 and 10000, got '1e5'"),
@@ -225,10 +224,10 @@ class Program(OnABus):
                                 (["--speed", "1e999"], "--speed: expected a number between 0.001 and 10000, got '1e999'"),
                                 (["--speed", ""], "--speed: expected a number between 0.001 and 10000, got ''"),
                                 (["--seed", "-1"], "--seed: expected an integer between 0 and 4294967295, got '-1'"),
-                                (["--name", ""], "--name: expected a name that is not empty"),
+                                (["--name", ""], "--name: expected a non-empty name"),
                                 (["--name", b"\xff"], "--name: expected UTF-8 text, got '\N{REPLACEMENT CHARACTER}'"),
-                                ([""], "folder: expected a name that is not empty"),
-                                (["--scenario", ""], "--scenario: expected a name that is not empty"),
+                                ([""], "folder: expected a non-empty name"),
+                                (["--scenario", ""], "--scenario: expected a non-empty name"),
                                 (["--fault", "delay=-1"],
                                  "--fault: delay: expected an integer between 0 and 4294967295, got '-1'"),
                                 (["--fault", "long-record=200000000@GetCurrentMediaInfo"],
@@ -236,14 +235,14 @@ class Program(OnABus):
                                 (["--fault", "delay", "--fault", "dely"],
                                  '--fault: expected one of delay, no-reply, error, wrong-type, short-record, long-record, '
                                  'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
-                                 'restart-storm, not "dely" (nearest: delay)')):
+                                 "restart-storm, got 'dely' (did you mean 'delay'?)")):
             with self.subTest(words):
                 process = self.launch(*words)
                 out, err = process.communicate(timeout=LIMIT)
                 self.assertEqual((process.returncode, out), (2, ""))
-                self.assertEqual(err, f"ipod-simulator: {expected}; ipod-simulator --help shows the usage\n")
+                self.assertEqual(err, f"ipod-simulator: {expected} (try 'ipod-simulator --help')\n")
 
-    def test_reads_no_more_of_a_scenario_than_one_can_have(self):
+    def test_limits_the_size_of_a_scenario(self):
         self.assertEqual(self.refusal("--scenario", "/dev/zero"),
                          "ipod-simulator: /dev/zero: expected a scenario of at most 8 MiB\n")
 
@@ -252,13 +251,13 @@ class Program(OnABus):
         self.assertEqual(self.refusal("--scenario", file), f"ipod-simulator: {file}: steps[0].value: "
                          'expected one of play, pause, stop, next, previous, got "eject"\n')
 
-    def test_plays_a_scenario(self):
+    def test_runs_a_scenario(self):
         file = self.write("short.json", '{"title": "Short", "steps": [{"time": 0.1, "event": "button", "value": "play"}]}')
         process = self.start("--scenario", file)
         self.assertEqual(line_within(process.stdout, LIMIT), "scenario ended: Short\n")
         self.assertEqual(self.ask("GetPlayStatus"), "(1,)")
 
-    def test_plays_the_scenarios_that_are_shipped(self):
+    def test_runs_the_shipped_scenarios(self):
         for name in sorted(os.listdir(OPTIONS.scenarios)):
             with self.subTest(name):
                 process = self.start("--speed", "40", "--scenario", os.path.join(OPTIONS.scenarios, name))
@@ -267,7 +266,7 @@ class Program(OnABus):
                 _, err = process.communicate(timeout=LIMIT)
                 self.assertEqual(err, "")
 
-    def test_draws_a_bar_on_a_terminal_and_takes_it_away(self):
+    def test_draws_and_removes_a_bar_on_a_terminal(self):
         many = os.path.join(self.folder, "many")
         subprocess.run([OPTIONS.samples, "--count", "3000", many], check=True, stdout=subprocess.DEVNULL)
         controller, terminal = pty.openpty()
@@ -278,16 +277,16 @@ class Program(OnABus):
             drawn += os.read(controller, 65536)
         os.close(controller)
         process.send_signal(signal.SIGTERM)
-        if b"of 3000 files" in drawn:  # on a fast machine it is over before there is anything to draw
+        if b"of 3000 files" in drawn:  # a fast machine is done before the first update
             self.assertTrue(drawn.endswith(b"\r\x1b[K"), drawn[-80:])
 
-    def test_keeps_the_index_and_notices_when_it_is_damaged(self):
+    def test_stores_the_index_and_detects_damage(self):
         music = self.sample_music()
-        for expected in ("", "is damaged or of another version", ""):
+        for expected in ("", "is damaged or from another version", ""):
             process = self.start(music)
             process.send_signal(signal.SIGTERM)
             _, err = process.communicate(timeout=LIMIT)
-            err = re.sub(r"(?m)^reading tags: .*\n", "", err)  # told where it takes seconds
+            err = re.sub(r"(?m)^reading tags: .*\n", "", err)  # printed only if the scan takes seconds
             self.assertIn(expected, err) if expected else self.assertEqual(err, "")
             kept = os.listdir(f"{self.folder}/cache/ipod-simulator")
             self.assertEqual(len(kept), 1)
@@ -312,10 +311,10 @@ class InATest(OnABus):
         done = subprocess.run([OPTIONS.example], env=self.environment, capture_output=True, text=True, timeout=LIMIT)
         return done.returncode, done.stdout, done.stderr
 
-    def test_the_example_says_that_all_is_well_and_nothing_else(self):
+    def test_the_example_succeeds(self):
         self.assertEqual(self.run_example(), (0, "as it should be\n", ""))
 
-    def test_the_example_tells_that_there_is_no_bus(self):
+    def test_the_example_reports_a_missing_bus(self):
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         code, out, err = self.run_example()
         self.assertEqual((code, out), (1, ""))
@@ -323,7 +322,7 @@ class InATest(OnABus):
 
 
 class Faults(OnABus):
-    def test_crash_in_the_middle_of_a_call(self):
+    def test_crash_during_a_call(self):
         process = self.start("--fault", "crash@Next/1")
         self.assertIn("true", self.ask("Play", "3"))
         self.assertEqual(self.ask("Next"), "")
@@ -341,35 +340,35 @@ class Faults(OnABus):
                 self.assertIn("ListVectorSharedMemory", os.listdir("/dev/shm"))
                 locked = segment.capitalize().rstrip("s") or "List"
                 self.assertEqual(self.refusal(), f"ipod-simulator: shared memory {locked}VectorSharedMemory: it is "
-                                 "locked by a process that died; stop all applications of the service, remove "
+                                 "locked by a process that died; stop all applications that use the service, remove "
                                  f"/dev/shm/{locked}VectorSharedMemory and start again\n")
                 clear_shared_memory()
 
-    def test_segments_that_cannot_be_used_are_told_with_what_helps(self):
+    def test_unusable_segments_are_reported_with_a_remedy(self):
         for contents in (b"\2\0\0\0", b"\2\0\0\0" + b"x" * 0x4ffffc, b"\2\0\0\0" + bytes(0x4ffffc)):
             with self.subTest(len(contents)):
                 self.addCleanup(clear_shared_memory)
                 with open("/dev/shm/ListVectorSharedMemory", "wb") as segment:
                     segment.write(contents)
                 self.assertRegex(self.refusal(), "^ipod-simulator: shared memory ListVectorSharedMemory: .*; stop all "
-                                 "applications of the service, remove /dev/shm/ListVectorSharedMemory and start again$")
+                                 "applications that use the service, remove /dev/shm/ListVectorSharedMemory and start again$")
 
     def remount_shared_memory(self, options):
-        # The present options name the user outside this namespace, who is unknown here.
+        # The present mount options name a user of the outer namespace, who is unknown here.
         subprocess.run(["mount", "--options-mode=ignore", "-o", f"remount,{options}", "/dev/shm"], check=True)
 
     @needs_private_mount
-    def test_shared_memory_without_room_is_told(self):
+    def test_full_shared_memory_is_reported(self):
         self.addCleanup(self.remount_shared_memory, "size=50%")
         for size in ("48k", "5200k"):
             with self.subTest(size):
                 clear_shared_memory()
                 self.remount_shared_memory(f"size={size}")
                 name = "List" if size == "48k" else "Buffer"
-                self.assertRegex(self.refusal(), rf"^ipod-simulator: shared memory {name}VectorSharedMemory: no room for "
-                                 r"its \d+ bytes; make room in /dev/shm and start again\n$")
+                self.assertRegex(self.refusal(), rf"^ipod-simulator: shared memory {name}VectorSharedMemory: no space for "
+                                 r"its \d+ bytes; free space in /dev/shm and start again\n$")
 
-    def test_segments_without_all_their_pages_are_given_them(self):
+    def test_missing_pages_of_segments_are_allocated(self):
         clear_shared_memory()
         self.addCleanup(clear_shared_memory)
         self.start()
@@ -378,14 +377,14 @@ class Faults(OnABus):
             self.assertGreaterEqual(status.st_blocks * 512, status.st_size)
 
     @needs_private_mount
-    def test_a_file_system_that_cannot_be_written_is_told_without_advice_that_does_not_help(self):
+    def test_a_read_only_file_system_is_reported_without_useless_advice(self):
         clear_shared_memory()
         self.addCleanup(self.remount_shared_memory, "rw")
         self.remount_shared_memory("ro")
         self.assertEqual(self.refusal(),
                          "ipod-simulator: shared memory ListVectorSharedMemory: Read-only file system\n")
 
-    def test_a_segment_whose_object_is_longer_than_it_is_used(self):
+    def test_a_segment_in_a_larger_object_is_used(self):
         self.addCleanup(clear_shared_memory)
         process = self.start()
         process.terminate()
@@ -412,7 +411,7 @@ class Faults(OnABus):
     def until_done(self, *action):
         self.assertTrue(within(LIMIT, lambda: self.do(*action).returncode == 0), action)
 
-    def test_a_restart_storm_gives_way_to_another_and_ends_when_faults_are_cleared(self):
+    def test_a_restart_storm_is_replaced_by_another_and_ends_when_faults_are_cleared(self):
         process = self.start()
         before = self.owner()
         for times in ("10000", "20000", "10000"):
@@ -425,9 +424,9 @@ class Faults(OnABus):
         self.assertEqual((self.owner(), process.poll()), (after, None))
         self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
 
-    def test_calls_of_a_method_that_does_not_exist_are_an_error(self):
+    def test_listing_calls_of_an_unknown_method_fails(self):
         self.start()
-        self.assertIn("no method of the interface is named 'getplaystats', the nearest is 'GetPlayStatus'",
+        self.assertIn("the interface has no method 'getplaystats' (did you mean 'GetPlayStatus'?)",
                       self.control("Calls", "getplaystats").stderr)
         self.assertEqual(self.control("Calls", "GetPlayStatus").stdout, "(@a(tssavsav) [],)\n")
 
@@ -487,19 +486,19 @@ class FromTheCommandLine(OnABus):
             self.ask(*words)
         calls = [(call["method"], call["arguments"], call["answer"]) for call in self.json("calls")["calls"]]
         self.assertEqual(calls, [("Seek", "(5)", "()"), ("Stop", "()", "no answer"),
-                                 ("Pause", "()", "com.example.Busy ('a fault on purpose')"),
+                                 ("Pause", "()", "com.example.Busy ('injected fault')"),
                                  ("GetPlayPosition", "()", "(0, 0)")])
         self.ask("GetCurrentMediaInfo")
         self.assertIn("(<[1040 bytes]>)", self.ctl("sim", "calls", "GetCurrentMediaInfo"))
         self.assertRegex(self.ctl("sim", "calls", "Seek"), r"^\d\d:\d\d:\d\d\.\d{3}  :1\.\d+  Seek  \(5\)  \(\)\n$")
 
-    def test_what_is_wrong_is_told(self):
+    def test_errors_are_reported(self):
         self.assertIn("no simulator on the bus; start ipod-simulator", self.ctl("sim", "button", "play", code=4))
         self.start()
         for words, code, expected in (
                 (["button", "eject"], 2, "button: expected one of play, pause, stop, next, previous, got \"eject\""),
-                (["fault", "dely"], 2, "(nearest: delay)"),
-                (["attach", "Desk iPod"], 1, "a device of that name is attached already"),
+                (["fault", "dely"], 2, "(did you mean 'delay'?)"),
+                (["attach", "Desk iPod"], 1, "a device of that name is already attached"),
                 (["scenario", self.write("bad.json", "{}")], 2, "event: expected the name of an action, got nothing"),
                 (["scenario", self.write("typo.json", "{\n\"steps\" []}")], 2, "line 2, column "),
                 (["call", "sequence=ringing:x"], 2, "sequence[0].seconds: expected a number of seconds"),
@@ -519,8 +518,8 @@ class FromTheCommandLine(OnABus):
                 self.assertIn(expected, self.ctl("sim", *words, code=code))
         self.assertEqual(self.ask("GetDeviceAmount"), "(1,)")
 
-    def test_actions_are_listed_with_what_can_be_typed(self):
-        self.assertIn("\nbattery       Report the state of the battery\n", self.ctl("sim", "actions"))
+    def test_actions_are_listed_with_their_arguments(self):
+        self.assertIn("\nbattery       Report the battery state\n", self.ctl("sim", "actions"))
         self.assertEqual(self.ctl("sim", "actions", "battery").split(),
                          ["level="] + [f"charging-status={word}" for word in ("disabled", "charging", "charged", "discharging")])
         self.assertEqual(self.json("actions", "location")["words"], ["on", "off"])
@@ -538,7 +537,7 @@ class Documentation(unittest.TestCase):
 
 
 class Playback(OnABus):
-    def test_runs_through_the_list_and_stops_at_its_end(self):
+    def test_plays_the_list_and_stops_at_its_end(self):
         music = self.sample_music()
         self.start("--speed", "60", music)
         self.ask("Play", "3")
@@ -546,7 +545,7 @@ class Playback(OnABus):
         self.assertTrue(within(LIMIT, lambda: self.ask("GetPlayStatus") == "(0,)"), "173 s of music, 60 times as fast")
         self.assertEqual(self.ask("GetPlayingTrackIdx"), "(-1,)")
 
-    def test_repeats_one_track_for_ever(self):
+    def test_repeats_one_track_forever(self):
         music = self.sample_music()
         self.start("--speed", "100", music)
         self.ask("SetRepeatMode", "1")
@@ -564,7 +563,7 @@ if __name__ == "__main__":
     parser.add_argument("--schema", required=True)
     parser.add_argument("--scenarios", required=True)
     parser.add_argument("--guide", required=True, help="docs/simulator.md")
-    parser.add_argument("--example", help="a service in a test of its own")
+    parser.add_argument("--example", help="example with an embedded service")
     OPTIONS, REST = parser.parse_known_args()
     with open(OPTIONS.schema, encoding="utf-8") as schema:
         SCHEMA = json.load(schema)

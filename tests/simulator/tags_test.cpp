@@ -1,4 +1,4 @@
-// Tags in the formats that the samples do not cover: files of a few bytes, tagged by TagLib.
+// Tags in formats that the samples do not cover: tiny files, tagged with TagLib.
 #include <gtest/gtest.h>
 #include <taglib/aifffile.h>
 #include <taglib/apetag.h>
@@ -30,7 +30,7 @@ const std::string kAiff(
 const std::string kTta("TTA1\1\0\1\0\x10\0\x44\xAC\0\0\x44\xAC\0\0\0\0\0\0", 22);
 // One block of one second: mono, 16 bits, 44,100 Hz.
 const std::string kWavPack("wvpk\x18\0\0\0\x10\4\0\0\x44\xAC\0\0\0\0\0\0\x44\xAC\0\0\5\x18\xBC\4\0\0\0\0", 32);
-// A header with the properties of the file and those of a stream.
+// A header with the file and stream properties.
 const std::string kAsf = std::string(
                              "\x30\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C"
                              "\xF0\0\0\0\0\0\0\0\2\0\0\0\1\2",
@@ -57,14 +57,14 @@ void AddPictures(TagLib::ID3v2::Tag& tag)
     using Frame = TagLib::ID3v2::AttachedPictureFrame;
     for (const auto& [type, bytes] : {std::pair(Frame::BackCover, kBack), std::pair(Frame::FrontCover, kFront)})
     {
-        auto* const frame = new Frame;  // the tag owns it
+        auto* const frame = new Frame;  // owned by the tag
         frame->setType(type);
         frame->setPicture(ToVector(bytes));
         tag.addFrame(frame);
     }
 }
 
-// The description ends with a NUL, and the picture follows.
+// The description, a NUL, and the image.
 void AddPictures(TagLib::APE::Tag& tag)
 {
     tag.setData("Cover Art (Back)", ToVector(std::string("back.png\0", 9) + kBack));
@@ -95,7 +95,7 @@ protected:
     TemporaryFolder folder;
 };
 
-// Adds a back and a front cover to the tag of a file, and reads the front cover back.
+// Adds a back and a front cover to a file's tag, and reads the front cover back.
 template <class File, class TagOf>
 void ExpectFrontCover(const fs::path& path, TagOf tagOf)
 {
@@ -111,27 +111,27 @@ void ExpectFrontCover(const fs::path& path, TagOf tagOf)
 }
 }  // namespace
 
-TEST_F(Tags, OfAiffHavePictures)
+TEST_F(Tags, ProvideArtworkInAiff)
 {
     ExpectFrontCover<TagLib::RIFF::AIFF::File>(Write("a.aiff", kAiff), [](auto& file) { return file.tag(); });
 }
 
-TEST_F(Tags, OfTrueAudioHavePictures)
+TEST_F(Tags, ProvideArtworkInTrueAudio)
 {
     ExpectFrontCover<TagLib::TrueAudio::File>(Write("a.tta", kTta), [](auto& file) { return file.ID3v2Tag(true); });
 }
 
-TEST_F(Tags, OfWavPackHavePictures)
+TEST_F(Tags, ProvideArtworkInWavPack)
 {
     ExpectFrontCover<TagLib::WavPack::File>(Write("a.wv", kWavPack), [](auto& file) { return file.APETag(true); });
 }
 
-TEST_F(Tags, OfWindowsMediaHavePictures)
+TEST_F(Tags, ProvideArtworkInWindowsMedia)
 {
     ExpectFrontCover<TagLib::ASF::File>(Write("a.wma", kAsf), [](auto& file) { return file.tag(); });
 }
 
-TEST_F(Tags, OfMp3HavePicturesInApeTagsToo)
+TEST_F(Tags, ProvideArtworkInApeTagsOfMp3)
 {
     const fs::path path = folder.CopySample("ape.mp3", "长夜里的音乐/1 长夜里的音乐.mp3");
     TagLib::MPEG::File(path.c_str()).strip();
@@ -139,7 +139,7 @@ TEST_F(Tags, OfMp3HavePicturesInApeTagsToo)
     ExpectFrontCover<TagLib::MPEG::File>(path, [](auto& file) { return file.APETag(true); });
 }
 
-TEST_F(Tags, WithSeveralValuesAreJoinedByCommasAndRepeatNone)
+TEST_F(Tags, JoinDistinctValuesWithCommas)
 {
     for (const fs::path& path :
          {folder.CopySample("a.ogg"), folder.CopySample("a.mp3", "长夜里的音乐/1 长夜里的音乐.mp3"),
@@ -164,7 +164,7 @@ TEST_F(Tags, WithSeveralValuesAreJoinedByCommasAndRepeatNone)
     }
 }
 
-TEST_F(Tags, OfTheFirstVersionAreReadWhereTheSecondHasNone)
+TEST_F(Tags, FallBackToTheFirstVersion)
 {
     const fs::path path = folder.CopySample("a.mp3", "长夜里的音乐/1 长夜里的音乐.mp3");
     {

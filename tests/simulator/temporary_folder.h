@@ -1,5 +1,5 @@
 /// @file
-/// A folder with music in it, for one test.
+/// A temporary music folder for one test.
 #pragma once
 
 #include <unistd.h>
@@ -10,14 +10,14 @@
 #include <stdexcept>
 #include <string>
 
-/// A folder that is removed again.
+/// A folder that is removed on destruction.
 class TemporaryFolder
 {
 public:
     TemporaryFolder()
     {
         std::string name = (std::filesystem::temp_directory_path() / "ipodsim-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot create a temporary folder");
         path = std::filesystem::canonical(name);
     }
     ~TemporaryFolder() { std::filesystem::remove_all(path); }
@@ -30,7 +30,7 @@ public:
         std::ofstream(path / name) << text;
     }
 
-    /// A sample that the build made; "3 Rain on Copper.ogg" unless another one is named.
+    /// Copies a sample created by the build, "3 Rain on Copper.ogg" by default.
     std::filesystem::path CopySample(const std::filesystem::path& name,
                                      const std::string& sample = "Lanterns/3 Rain on Copper.ogg") const
     {

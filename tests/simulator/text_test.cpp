@@ -6,14 +6,14 @@
 using ipodsim::CleanName;
 using ipodsim::CutUtf8;
 
-TEST(CutUtf8, LeavesTextThatFits)
+TEST(CutUtf8, KeepsTextThatFits)
 {
     EXPECT_EQ(CutUtf8("周杰", 6), "周杰");
     EXPECT_EQ(CutUtf8("", 0), "");
     EXPECT_EQ(CutUtf8(std::string(255, 'a')).size(), 255U);
 }
 
-TEST(CutUtf8, CutsAtTheBoundaryBeforeACharacterThatDoesNotFit)
+TEST(CutUtf8, CutsBeforeACharacterThatDoesNotFit)
 {
     EXPECT_EQ(CutUtf8("周杰", 5), "周");
     EXPECT_EQ(CutUtf8("周杰", 4), "周");
@@ -23,14 +23,14 @@ TEST(CutUtf8, CutsAtTheBoundaryBeforeACharacterThatDoesNotFit)
     EXPECT_EQ(CutUtf8("a😀b", 5), "a😀");
 }
 
-TEST(CutUtf8, GivesValidTextAtEveryLength)
+TEST(CutUtf8, ReturnsValidTextAtEveryLength)
 {
     const std::string text = "Été à vélo 周杰伦 😀 עברית";
     for (std::size_t length = 0; length <= text.size(); ++length)
     {
         const std::string cut = CutUtf8(text, length);
         EXPECT_LE(cut.size(), length);
-        EXPECT_GT(cut.size() + 4, length) << "no more than one character is lost";
+        EXPECT_GT(cut.size() + 4, length) << "loses at most one character";
         EXPECT_TRUE(g_utf8_validate(cut.data(), static_cast<gssize>(cut.size()), nullptr));
     }
 }
@@ -46,14 +46,14 @@ TEST(CleanName, CutsANameOf300BytesTo255AtABoundary)
     EXPECT_TRUE(g_utf8_validate(clean.c_str(), -1, nullptr));
 }
 
-TEST(CleanName, TakesTheFallbackForAnEmptyOrBlankName)
+TEST(CleanName, UsesTheFallbackForAnEmptyOrBlankName)
 {
     EXPECT_EQ(CleanName("", "Unknown artist"), "Unknown artist");
     EXPECT_EQ(CleanName(" \t\n", "Unknown artist"), "Unknown artist");
     EXPECT_EQ(CleanName(std::string("\0abc", 4), "Unknown artist"), "Unknown artist");
 }
 
-TEST(CleanName, TrimsBlanksAndReplacesBytesThatAreNoText)
+TEST(CleanName, TrimsBlanksAndReplacesInvalidBytes)
 {
     EXPECT_EQ(CleanName("  Low Water \n", "none"), "Low Water");
     EXPECT_EQ(CleanName("a\xff", "none"), "a\xEF\xBF\xBD");

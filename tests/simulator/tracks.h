@@ -1,5 +1,5 @@
 /// @file
-/// Tracks to test with.
+/// Tracks for tests.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 #include "music/track.h"
 
-/// "Song 0", "Song 1", … of one artist, @p perAlbum on each album, @p lengthMs each.
+/// Creates "Song 0", "Song 1", … by one artist, @p perAlbum per album, @p lengthMs each.
 inline ipodsim::TrackList Tracks(int count, int perAlbum = 1000, int lengthMs = 10000)
 {
     ipodsim::TrackList tracks;

@@ -1,4 +1,4 @@
-// One of the two applications of a run: knows nothing of faults but what the public headers say of failed calls.
+// One of the two applications of a run. About faults it knows only what the public headers document about failed calls.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 #include <glib.h>
@@ -34,7 +34,7 @@ std::uint64_t BytesInUse()
     return info.uordblks + info.hblkhd;
 }
 
-/// Tells lost and doubled numbered events. Each incarnation of the service counts from 0.
+/// Detects lost and duplicate numbered events. Each incarnation of the service counts from 0.
 class EventCount
 {
 public:
@@ -49,7 +49,7 @@ public:
         m_expected = number + 1;
     }
 
-    /// What the last incarnation has sent and is not here now never comes.
+    /// Events of the previous incarnation that have not arrived by now are lost.
     void Close() { CloseUntil(m_incarnation + 1); }
 
 private:
@@ -90,7 +90,7 @@ public:
     }
 
 private:
-    // Each kind of shared vector has one reader, as the contract demands.
+    // Each kind of shared vector has one reader, as the contract requires.
     void Round()
     {
         Try(&Application::AskMode);
@@ -102,7 +102,7 @@ private:
         Try(&Application::WriteToAccessory);
     }
 
-    // Between two calls events are delivered; after a failed one that is all that happens for a while.
+    // Events are delivered between calls; after a failed call, the application only does that for a while.
     void Try(Outcome (Application::*call)())
     {
         while (g_main_context_iteration(nullptr, FALSE)) continue;
@@ -145,7 +145,7 @@ private:
         return folder == 0 && root == 1 ? ComparePage(begin) : Outcome::Wrong;
     }
 
-    // Its header may be nonsense: then the names are, too, but never more than the segment can hold.
+    // If the header is corrupt, so are the names, but there are never more than the segment can hold.
     Outcome AskScribbledPage()
     {
         const int result = m_player.GetUpdateListItems(0, 9, m_names);
@@ -210,7 +210,7 @@ private:
         m_player.PlayPlayingList(static_cast<int>(picture.word1));
     }
 
-    // The service never sends one that parses.
+    // The service never sends one that can be parsed.
     void OnIpodBatteryChange(const iPodBattery_t&) override { m_ledger.Add(m_role, kWrong); }
     void OnIpodPhoneCallChange(const iPodPhoneCall_t&) override { m_ledger.Add(m_role, kWrong); }
 

@@ -1,16 +1,16 @@
-"""What a run amounts to: figures out of counters and samples, and what falls short."""
+"""Evaluates a run: computes figures from counters and samples, and reports shortfalls."""
 
-# A failed call leaves its error behind (docs/oddities.md); docs/reliability.md has the measured bytes.
+# A failed call leaks its error (docs/oddities.md); docs/reliability.md gives the measured bytes.
 KEPT_BY_A_FAILED_CALL = 200
-LARGEST_HEAP_SLOPE = 64  # KiB a minute that are allocated beyond that
-# KiB of resident memory a minute beyond that: what failed calls keep lies between the room of queues of events, so that
-# the system does not get all of that room back.
+LARGEST_HEAP_SLOPE = 64  # KiB per minute allocated beyond that
+# KiB of resident memory per minute beyond that: leaked errors lie between freed event queues, so not all of that memory
+# returns to the system.
 LARGEST_RESIDENT_SLOPE = 2048
-BLOCK = 5  # samples, of which the smallest counts: events that queue up for a moment are no growth
-MOST_DESCRIPTORS = 2  # more than in the first half: each process has one more now and then
-LONGEST_RECOVERY = 1000  # milliseconds; the fault matrix holds 100 when nothing else goes on
+BLOCK = 5  # samples, of which the smallest counts: a short queue of events is not growth
+MOST_DESCRIPTORS = 2  # more than in the first half: each process occasionally has one more
+LONGEST_RECOVERY = 1000  # milliseconds; on an idle system, the fault matrix requires 100
 SILENCE = (24000, 27000)  # milliseconds: the limit of the bus
-SHORTEST_FOR_SLOPES = 2  # minutes; in less, pools that fill up look like growth
+SHORTEST_FOR_SLOPES = 2  # minutes; in shorter runs, filling pools look like growth
 
 
 def slope(points):
@@ -25,7 +25,7 @@ def slope(points):
 
 
 def second_half(samples):
-    """Pools and queues reach their size in the first half."""
+    """Returns the second half: pools and queues reach their size in the first."""
     return samples[len(samples) // 2:]
 
 
@@ -38,7 +38,7 @@ def most_descriptors(samples):
 
 
 def slope_of(samples, name):
-    """Of all applications together."""
+    """Returns the sum over all applications."""
     def value(sample):
         return sum(sample[name]) if isinstance(sample[name], list) else sample[name]
     points = [(sample["second"], value(sample)) for sample in second_half(samples)]
@@ -68,7 +68,7 @@ def figures(ledger, faults, samples, seconds):
 
 
 def shortfalls(found, tally, ends, patience=1):
-    """Everything in which a run falls short, in words."""
+    """Yields a description of each shortfall of a run."""
     def check(holds, text):
         return [] if holds else [text]
     silence = tally["silence"]

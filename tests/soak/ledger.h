@@ -1,5 +1,5 @@
 /// @file
-/// What the processes of a run count. The counters lie in a file that all of them map, and so outlive a killed one.
+/// The counters of a run's processes. They are in a file that all processes map, and so survive a killed process.
 #pragma once
 
 #include <atomic>
@@ -17,20 +17,20 @@ enum Role : std::size_t
     kRoles,
 };
 
-/// One column of numbers for each role; LedgerLayout() names them in this order.
+/// One column of counters per role; LedgerLayout() lists them in this order.
 enum Column : std::size_t
 {
     kCalls,        ///< commands called, or calls served
-    kFailed,       ///< calls that ended in the documented failure
-    kGood,         ///< calls answered as they should be
-    kWrong,        ///< answers and events that the contract does not allow
-    kIncarnation,  ///< of the service that answered last
+    kFailed,       ///< calls that failed as documented
+    kGood,         ///< calls answered correctly
+    kWrong,        ///< replies and events that violate the contract
+    kIncarnation,  ///< incarnation of the service that replied last
     kEvents,       ///< numbered events sent, or received
     kLost,
     kDoubled,
-    kMoved,    ///< bytes of pages, pictures and accessory payloads that were compared
-    kChanged,  ///< of these, bytes that were not what they should be
-    kHeap,     ///< bytes that an application has allocated now
+    kMoved,    ///< compared bytes of pages, images, and accessory payloads
+    kChanged,  ///< compared bytes that were wrong
+    kHeap,     ///< bytes that an application currently has allocated
     kColumns,
 };
 
@@ -41,9 +41,9 @@ constexpr std::size_t kMostIncarnations = 65536;
 
 struct Ledger
 {
-    Counter ended;  ///< the run is over: applications come to their end
+    Counter ended;  ///< the run is over; applications exit
     Counter columns[kRoles][kColumns];
-    Counter sent[kMostIncarnations];  ///< numbered events that have left each incarnation of the service
+    Counter sent[kMostIncarnations];  ///< numbered events sent by each incarnation of the service
 
     void Add(Role role, Column column, std::uint64_t count = 1) { columns[role][column] += count; }
 };
@@ -51,6 +51,6 @@ struct Ledger
 /// Maps the file, which must have the size of a ledger.
 Ledger& OpenLedger(const std::string& path);
 
-/// The names of roles and columns, and the size of the file, as JSON for whoever reads it.
+/// Returns the names of roles and columns and the size of the file as JSON, for readers of the file.
 std::string LedgerLayout();
 }  // namespace soak

@@ -1,4 +1,4 @@
-"""A run over time, drawn as SVG: calls, events, bytes moved, resident memory, and the faults below."""
+"""Draws a run over time as SVG: calls, events, transferred bytes, resident memory, and the faults below."""
 
 WIDTH, ROW, LEFT, RIGHT, TOP, GAP = 760, 96, 78, 20, 40, 26
 COLOURS = {"kill": "#c4421a", "stop": "#1769aa", "errors": "#b8860b", "nonsense": "#7b3fa0", "flood": "#2e7d32",
@@ -6,7 +6,7 @@ COLOURS = {"kill": "#c4421a", "stop": "#1769aa", "errors": "#b8860b", "nonsense"
 
 
 def rates(samples, name):
-    """(second, change per second) between samples."""
+    """Returns (second, change per second) between samples."""
     pairs = zip(samples, samples[1:])
     return [(b["second"], (b[name] - a[name]) / (b["second"] - a["second"])) for a, b in pairs]
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of the judge of a long run: what falls short must be said."""
+"""Tests the evaluation of a run: every shortfall must be reported."""
 
 import pathlib
 import sys
@@ -32,10 +32,10 @@ class Judging(unittest.TestCase):
             with self.subTest(spoilt):
                 self.assertEqual(len(judge.shortfalls({**GOOD, **spoilt}, TALLY, ENDS)), 1)
 
-    def test_in_a_short_run_slopes_mean_nothing(self):
+    def test_ignores_slopes_of_a_short_run(self):
         self.assertEqual(judge.shortfalls({**GOOD, "minutes": 0.2, "rss_kib_per_minute": 5000}, TALLY, ENDS), [])
 
-    def test_a_recovery_may_take_longer_where_everything_does(self):
+    def test_recovery_limits_scale_with_patience(self):
         late = {**GOOD, "worst_recovery_ms": 5000}
         self.assertEqual(judge.shortfalls(late, TALLY, ENDS, patience=5), [])
         self.assertEqual(len(judge.shortfalls(late, TALLY, ENDS, patience=4)), 1)
@@ -43,24 +43,24 @@ class Judging(unittest.TestCase):
     def test_an_application_that_died_is_noticed(self):
         self.assertEqual(len(judge.shortfalls(GOOD, TALLY, [0, -11])), 1)
 
-    def test_a_call_that_waits_longer_than_the_bus_does_is_noticed(self):
+    def test_a_call_beyond_the_bus_timeout_is_noticed(self):
         late = {"silence": {"injected": 1, "survived": 1, "worst_ms": 29000}}
         self.assertEqual(len(judge.shortfalls(GOOD, late, ENDS)), 1)
 
 
 class Slopes(unittest.TestCase):
-    def test_what_grows_by_one_a_second_grows_by_sixty_a_minute(self):
+    def test_one_per_second_is_sixty_per_minute(self):
         self.assertAlmostEqual(judge.slope([(second, 7 + second) for second in range(10)]), 60)
 
     def test_only_the_second_half_counts(self):
         samples = [{"second": second, "rss": [max(0, 5 - second), 1]} for second in range(20)]
         self.assertAlmostEqual(judge.slope_of(samples, "rss"), 0)
 
-    def test_what_comes_and_goes_does_not_count(self):
+    def test_temporary_growth_does_not_count(self):
         samples = [{"second": second, "heap": [1000 if second % 5 == 0 else 1]} for second in range(40)]
         self.assertAlmostEqual(judge.slope_of(samples, "heap"), 0)
 
-    def test_what_stays_counts(self):
+    def test_permanent_growth_counts(self):
         samples = [{"second": second, "heap": [7 * second]} for second in range(40)]
         self.assertAlmostEqual(judge.slope_of(samples, "heap"), 420)
 

@@ -1,4 +1,4 @@
-// The service of a run: exact as long as nobody tells it otherwise.
+// The service of a run: correct unless told to inject a fault.
 #include <poll.h>
 #include <unistd.h>
 
@@ -18,10 +18,9 @@ namespace
 {
 constexpr int kEventsAtOnce = 20;
 constexpr int kMillisecondsBetween = 10;
-constexpr int kCallsBeforeEvents = 8;  // by then an application has had everything of the service before
+constexpr int kCallsBeforeEvents = 8;  // by then an application has received everything from the previous incarnation
 
-/// The vectors as they are used here: found once, because a process that is killed while it searches leaves the
-/// segment's lock behind.
+/// The vectors, looked up only once: a process killed during a lookup would leave the segment locked.
 struct Vectors
 {
     Vectors()
@@ -66,7 +65,7 @@ GVariant* Track(int incarnation)
     return Variant(&record, sizeof(record));
 }
 
-/// Something in a vector, which stays there until its receiver has confirmed it.
+/// Data in a vector, which stays there until its receiver has confirmed it.
 class Parcel
 {
 public:
@@ -117,7 +116,7 @@ public:
 private:
     using Reply = std::function<GVariant*(GVariant* arguments)>;
 
-    // Calls that may be spoilt go through here.
+    // Handles calls that may be falsified.
     void Serve(const char* method, Reply reply)
     {
         m_service.React(method,
@@ -136,7 +135,7 @@ private:
 
     static bool TakeOne(std::atomic<int>& left) { return left > 0 && left-- > 0; }
 
-    // Runs on the fake service's thread alone.
+    // Runs only on the fake service's thread.
     bool Spoil(GDBusMethodInvocation* invocation)
     {
         if (TakeOne(m_silences)) return true;
@@ -190,7 +189,7 @@ private:
         Serve("EapWrite", [this](GVariant* session) { return TakeWrite(session); });
     }
 
-    // Never spoilt: who has received something says so, and the next may come.
+    // Never falsified: receivers confirm data so that the next can be sent.
     void ServeReceipts()
     {
         ServeReceipt("Seek", m_read);
@@ -226,7 +225,7 @@ private:
         return g_variant_new("(@v)", PictureHead(number, bytes.size()));
     }
 
-    // The session is the number of the payload.
+    // The session number is the number of the payload.
     GVariant* TakeWrite(GVariant* arguments)
     {
         guint16 session = 0;
@@ -263,10 +262,10 @@ private:
         m_service.EmitBody("OnIpodArtworkChange", g_variant_new("(@v)", PictureHead(number, bytes.size())));
     }
 
-    // Positive also as a signed number.
+    // Positive even as a signed number.
     std::uint32_t NextNumber() { return ++m_number & 0x7fffffff; }
 
-    // None of these may reach a listener: they do not parse, or their signature is another one.
+    // None of these may reach a listener: they cannot be parsed, or have another signature.
     void EmitNonsense(int count)
     {
         for (int i = 0; i < count; ++i)

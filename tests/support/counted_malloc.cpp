@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <cstddef>
 
-// glibc's own, under the names that stay when a program replaces the usual ones.
+// glibc's own functions, under the names that remain when a program replaces the usual ones.
 extern "C" void* __libc_malloc(std::size_t);
 extern "C" void* __libc_calloc(std::size_t, std::size_t);
 extern "C" void* __libc_realloc(void*, std::size_t);

@@ -1,10 +1,10 @@
 /// @file
-/// Counts the allocations of the whole process, those of the libraries included.
+/// Counts the allocations of the whole process, including libraries.
 #pragma once
 
 namespace test
 {
-/// Allocations that were made and not released yet.
+/// The number of live allocations.
 long LiveAllocations();
 
 /// All allocations that the calling thread has made so far.

@@ -1,5 +1,5 @@
 /// @file
-/// The service of the tests. It does nothing by itself: no logic of the simulator can hide a fault of the client.
+/// The fake service of the tests. It has no behavior of its own, so no simulator logic can hide a defect of the client.
 #pragma once
 
 #include <ipodsim_script.h>

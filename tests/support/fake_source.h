@@ -1,5 +1,5 @@
 /// @file
-/// Takes the place of the audio-source manager: the test program defines QBXSource's operations itself.
+/// Replaces the audio-source manager: the test program defines QBXSource's operations itself.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 namespace test
 {
-/// What the manager answers, and what it was asked. One per process, without a lock.
+/// The manager's replies and recorded calls. One per process, without a lock.
 struct FakeSource
 {
     int requestResult = 1;           ///< what Request() returns

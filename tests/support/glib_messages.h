@@ -1,5 +1,5 @@
 /// @file
-/// What GLib has to complain about.
+/// Captures GLib's warnings.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace test
 {
-/// Collects GLib's warnings and criticals instead of printing them, for as long as it lives. One at a time.
+/// Collects GLib's warnings and criticals instead of printing them, during its lifetime. Only one may exist at a time.
 class GLibMessages
 {
 public:

@@ -1,6 +1,6 @@
 /// @file
-/// Takes the place of the log sink: the test program defines zlog() and liblog_category itself, so that every
-/// record of the client ends here.
+/// Replaces the log sink: the test program defines zlog() and liblog_category itself, so every record of the client
+/// ends up here.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ struct LogRecord
     std::string text;
 };
 
-/// All records since the start or the last ClearLog(). Any thread may call these.
+/// All records since the start or the last ClearLog(). These functions are thread-safe.
 std::vector<LogRecord> LogRecords();
 
 /// The same as lines "LEVEL FUNCTION: TEXT", for example "40 Pause: Pause()".
@@ -33,9 +33,9 @@ std::vector<std::string> LogFormats();
 
 void ClearLog();
 
-/// Logging is set up when a test starts; from here on it is not.
+/// Disables logging, which is set up when a test starts.
 void SwitchLoggingOff();
 
-/// How many lines LogLines() has of this text.
+/// The number of lines in LogLines() equal to this text.
 std::size_t CountLogLines(const std::string& line);
 }  // namespace test

@@ -1,5 +1,4 @@
-// Starts a test program. Every test case wants a process of its own, because the module's flags never clear:
-// CTest runs them so.
+// Starts a test program. CTest runs every test case in its own process, because the module's flags never clear.
 #include <gmock/gmock.h>
 
 #include "support/private_shared_memory.h"

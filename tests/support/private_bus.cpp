@@ -6,11 +6,11 @@ namespace test
 {
 namespace
 {
-// Never released: g_test_dbus_down() waits 30 seconds for connections that a proxy keeps, and the client's proxy
-// lives as long as the process.
+// Never released: g_test_dbus_down() waits 30 seconds for connections held by proxies, and the client's proxy exists
+// until the process ends.
 auto& daemons = *new std::vector<GTestDBus*>;
 
-// By default the end of the bus ends the process.
+// By default, the process ends when the bus does.
 void SurviveTheBus()
 {
     GDBusConnection* const session = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);

@@ -6,7 +6,7 @@
 
 namespace test
 {
-/// A session bus of the test's own; the environment points to it.
+/// A private session bus; the environment points to it.
 class PrivateBus
 {
 public:
@@ -15,7 +15,7 @@ public:
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
 
-    /// Ends the bus daemon. The process outlives it.
+    /// Stops the bus daemon without ending the process.
     void Stop();
 
 private:
@@ -23,7 +23,7 @@ private:
     bool m_running = true;
 };
 
-/// A session bus that is not there: from now on the environment points to an address where nobody listens.
+/// A missing session bus: makes the environment point to an address without a listener.
 class NoBus
 {
 public:

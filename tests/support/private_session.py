@@ -1,4 +1,4 @@
-"""What the tests of whole programs stand on: a /dev/shm and a session bus of their own, and waiting that ends."""
+"""The environment for tests of whole programs: a private /dev/shm and session bus, and bounded waiting."""
 import os
 import select
 import signal
@@ -8,7 +8,7 @@ import time
 import unittest
 
 SKIPPED = 77
-# Seconds; an emulator on a busy machine needs many of them.
+# Seconds; generous for an emulator on a busy machine.
 LIMIT = 60
 LIMIT_OF_A_TEST = 240
 PRIVATE = "IPOD_PRIVATE_SHM"
@@ -17,7 +17,7 @@ needs_private_mount = unittest.skipUnless(os.environ.get(PRIVATE) == "mount", "t
 
 
 def enter_private_namespace(interpreter=sys.executable):
-    """Starts this script again where /dev/shm is its own: the names of segments are global to a machine."""
+    """Restarts this script with a private /dev/shm: the names of segments are global to a machine."""
     if PRIVATE in os.environ:
         return
     command = os.path.join(os.path.dirname(os.path.abspath(__file__)), "with-private-shm")
@@ -25,7 +25,7 @@ def enter_private_namespace(interpreter=sys.executable):
 
 
 def segments():
-    """The names of the segments, and of what a test made of them."""
+    """Removes the segments and other objects that a test created."""
     return [name for name in os.listdir("/dev/shm") if any(segment in name for segment in SEGMENTS)]
 
 
@@ -47,16 +47,16 @@ def within(seconds, condition):
 
 
 def end_in_time(test):
-    """A test that would wait for ever fails instead, and says where it waited."""
+    """Makes a test that hangs fail with the place where it hung."""
     def fail(*_):
-        raise TimeoutError(f"not over after {LIMIT_OF_A_TEST} seconds")
+        raise TimeoutError(f"timed out after {LIMIT_OF_A_TEST} seconds")
     signal.signal(signal.SIGALRM, fail)
     signal.alarm(LIMIT_OF_A_TEST)
     test.addCleanup(signal.alarm, 0)
 
 
 class Bus:
-    """A session bus, and the environment that leads to it."""
+    """A session bus, and an environment that points to it."""
 
     def __init__(self, **environment):
         command = ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"]

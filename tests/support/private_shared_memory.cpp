@@ -22,7 +22,7 @@ void WriteFile(const char* path, const std::string& text)
     std::ofstream(path) << text;
 }
 
-// The same numbers inside and outside, so that the bus daemon still knows us.
+// Map user and group to themselves, so that the bus daemon still recognizes us.
 bool EnterUserNamespace()
 {
     const std::string user = std::to_string(getuid());
@@ -34,7 +34,7 @@ bool EnterUserNamespace()
     return true;
 }
 
-// A chroot's root is not always a mount point, but its /dev/shm may be one.
+// The root of a chroot need not be a mount point, but its /dev/shm may be one.
 bool KeepMountsToOurselves()
 {
     return mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 ||
@@ -76,7 +76,7 @@ void SetMark(int lock, const std::string& text)
 {
     if (ftruncate(lock, 0) == 0 && pwrite(lock, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size()))
         return;
-    std::perror("the lock of the tests");
+    std::perror("cannot lock out other tests");
     std::exit(EXIT_FAILURE);
 }
 
@@ -88,7 +88,7 @@ std::filesystem::path PathOf(const char* segment)
 void RefuseToTouch(const char* segment)
 {
     if (!exists(symlink_status(PathOf(segment)))) return;
-    std::fprintf(stderr, "the segment %s is in use on this machine; the tests would disturb it\n", segment);
+    std::fprintf(stderr, "segment %s is in use on this machine; the tests would corrupt it\n", segment);
     std::exit(EXIT_FAILURE);
 }
 

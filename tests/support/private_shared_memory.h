@@ -1,14 +1,14 @@
 /// @file
-/// Keeps the tests away from the segments of this machine: their names are the same for every process.
+/// Isolates the tests from the segments of this machine, whose names are the same for every process.
 #pragma once
 
 namespace test
 {
-/// Gives the process a /dev/shm of its own. Where that is not allowed, runs one test process at a time, fails beside
-/// segments that another program made, and removes those of the test. `with-private-shm` does the same for scripts. A
-/// test that is killed leaves its segments, and the boot's ID in the lock: the next one removes them.
+/// Gives the process a private /dev/shm. Where that is not allowed, runs one test process at a time, fails if segments
+/// of another program exist, and removes those of the test. `with-private-shm` does the same for scripts. A killed test
+/// leaves its segments, and the boot ID in the lock file: the next test removes them.
 ///
-/// Construct before the first thread starts. Exits the process with a message when it has to refuse.
+/// Construct it before the first thread starts. Exits the process with a message on failure.
 class PrivateSharedMemory
 {
 public:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests are kept apart where /dev/shm can be private, and where it cannot: private_shm_test.py LAYOUT-TEST [EMULATOR...]"""
+"""Tests the isolation of tests with and without a private /dev/shm: private_shm_test.py LAYOUT-TEST [EMULATOR...]"""
 
 import os
 import pathlib
@@ -12,7 +12,7 @@ WITH_PRIVATE_SHM = pathlib.Path(__file__).resolve().with_name("with-private-shm"
 TEST_PROGRAM = [*sys.argv[2:], os.path.abspath(sys.argv[1]), "--gtest_filter=LayoutFingerprint.LeavesNothingBehind"]
 LISTS = "/dev/shm/ListVectorSharedMemory"
 OWN = ["unshare", "--map-root-user", "--mount"]
-# This machine's root as that of a chroot, which is not a mount point.
+# This machine's root as the root of a chroot, which is not a mount point.
 CHROOT = """mount -t tmpfs tmpfs "$ROOT" && cd "$ROOT" && mkdir root && cd root
 for entry in /*; do
     if [ -L "$entry" ]; then
@@ -29,7 +29,7 @@ exec setpriv --bounding-set -sys_admin --inh-caps -sys_admin -- "$@"
 
 
 class Confined(unittest.TestCase):
-    """Commands in a machine like this one, with a /dev/shm that shows what they leave there."""
+    """Runs commands in a copy of this machine whose /dev/shm shows what they leave behind."""
 
     def setUp(self):
         scratch = tempfile.TemporaryDirectory()
@@ -38,7 +38,7 @@ class Confined(unittest.TestCase):
         self.environment.pop("IPOD_PRIVATE_SHM", None)
 
     def run_in(self, machine, script, *arguments):
-        """The exit status, and what was printed."""
+        """Returns the exit status and the output."""
         ended = subprocess.run([*OWN, "sh", "-c", machine, "sh", "sh", "-c", script, "sh", *arguments], text=True,
                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=self.environment, timeout=60)
         return ended.returncode, ended.stdout
@@ -47,15 +47,15 @@ class Confined(unittest.TestCase):
 class WithPrivateMounts(Confined):
     SEES = '"$SHM" sh -c "ls -A /dev/shm; touch $1; echo \\$IPOD_PRIVATE_SHM"; ls -A /dev/shm'
 
-    def test_a_command_has_a_shared_memory_of_its_own(self):
+    def test_a_command_has_private_shared_memory(self):
         here = 'mount -t tmpfs tmpfs /dev/shm && touch /dev/shm/outside && exec "$@"'
         self.assertEqual(self.run_in(here, self.SEES, LISTS), (0, "mount\noutside\n"))
 
-    def test_so_has_one_in_a_chroot_whose_root_is_no_mount_point(self):
+    def test_a_command_in_a_chroot_has_private_shared_memory(self):
         here = "mount -t tmpfs tmpfs /dev/shm && touch /dev/shm/outside && " + CHROOT
         self.assertEqual(self.run_in(here, self.SEES, LISTS), (0, "mount\noutside\n"))
 
-    def test_so_has_a_test_program(self):
+    def test_a_test_program_has_private_shared_memory(self):
         here = f"mount -t tmpfs tmpfs /dev/shm && touch {LISTS} && " + CHROOT
         status, output = self.run_in(here, '"$@"', *TEST_PROGRAM)
         self.assertEqual(status, 0, output)
@@ -65,7 +65,7 @@ class WithoutPrivateMounts(Confined):
     def confined(self, script, *arguments):
         return self.run_in(NO_MOUNTS, script, *arguments)
 
-    def test_the_segments_that_a_command_makes_are_removed(self):
+    def test_the_segments_of_a_command_are_removed(self):
         script = '"$SHM" sh -c "echo \\$IPOD_PRIVATE_SHM; touch $1; exit 3"; echo $?; ls -A /dev/shm'
         self.assertEqual(self.confined(script, LISTS), (0, "lock\n3\n"))
 
@@ -82,7 +82,7 @@ class WithoutPrivateMounts(Confined):
         self.assertEqual(status, 1)
         self.assertRegex(output, f"^with-private-shm: {LISTS} exists, .*\nhint: .*\n$")
 
-    def test_what_a_killed_command_leaves_is_removed_by_the_next(self):
+    def test_the_next_command_removes_what_a_killed_one_left(self):
         killed = f'"$SHM" sh -c "touch {LISTS}; kill -9 \\$PPID"; ls -A /dev/shm; '
         for command in (["sh", "-c", '"$SHM" true'], TEST_PROGRAM):
             with self.subTest(command[0]):
@@ -90,11 +90,11 @@ class WithoutPrivateMounts(Confined):
                 self.assertEqual((status, output.splitlines()[-1]), (0, "0"), output)
                 self.assertIn("ListVectorSharedMemory", output)
 
-    def test_a_command_waits_for_the_one_before(self):
+    def test_a_command_waits_for_the_previous_one(self):
         script = '"$SHM" sh -c "echo begins; sleep 0.5; echo ends" & sleep 0.2; "$SHM" echo second; wait'
         self.assertEqual(self.confined(script), (0, "begins\nends\nsecond\n"))
 
-    def test_within_a_command_another_one_runs_at_once(self):
+    def test_a_nested_command_runs_at_once(self):
         self.assertEqual(self.confined('"$SHM" "$SHM" echo inner'), (0, "inner\n"))
 
 

@@ -1,5 +1,5 @@
 /// @file
-/// A listener that writes down every event as text.
+/// A listener that records every event as text.
 #pragma once
 
 #include <IQBXIpodPlayerListener.h>
@@ -9,11 +9,11 @@
 
 namespace test
 {
-/// What listeners wrote, in order.
+/// The recorded events, in order.
 using Journal = std::vector<std::string>;
 
-/// Writes "NAME.OnPlayProgressChange(1, 2)" for each event; texts in quotes, bytes in hexadecimal, absent members
-/// as "-".
+/// Records "NAME.OnPlayProgressChange(1, 2)" for each event: strings in quotes, bytes in hexadecimal, absent members as
+/// "-".
 class RecordingListener : public IQBXIpodPlayerListener
 {
 public:

@@ -12,7 +12,7 @@ gboolean SetTrue(gpointer flag)
     return G_SOURCE_CONTINUE;
 }
 
-// Looks at the condition at least this often, for conditions that other threads make true.
+// The condition is polled at least this often, because other threads may change it.
 gboolean WakeUp(gpointer)
 {
     return G_SOURCE_CONTINUE;

@@ -10,8 +10,8 @@
 
 namespace test
 {
-/// Opens or creates both segments, as the service does. Vectors are named as in the contract, and found or
-/// constructed when they are first used.
+/// Opens or creates both segments, as the service does. Vectors are named as in the contract, and found or constructed
+/// on first use.
 class SharedVectors
 {
 public:
@@ -20,7 +20,7 @@ public:
     /// Replaces a list; each name is written with its NUL into a zeroed entry.
     void SetList(const char* vector, const std::vector<std::string>& names);
 
-    /// Replaces a list by entries as they are.
+    /// Replaces a list with raw entries.
     void SetEntries(const char* vector, const std::vector<PlayListSongNameStr>& entries);
 
     void SetBytes(const char* vector, const std::vector<unsigned char>& bytes);
@@ -53,6 +53,6 @@ private:
     QBXByteVector* m_vector;
 };
 
-/// An entry with that name, NUL-terminated, the rest zero.
+/// An entry with that name, padded with zeros.
 PlayListSongNameStr Entry(const std::string& name);
 }  // namespace test

@@ -13,7 +13,7 @@ void SetTrue(GDBusConnection*, const gchar*, const gchar*, const gchar*, const g
     *static_cast<bool*>(flag) = true;
 }
 
-// The bus knows of the subscription when it has answered anything that was sent after it.
+// The bus has processed the subscription once it answers a later request.
 void WaitForTheBus(GDBusConnection* session)
 {
     GVariant* const reply =

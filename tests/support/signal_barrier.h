@@ -1,13 +1,13 @@
 /// @file
-/// Knowing that every signal sent so far has been delivered, also those that nobody reacts to.
+/// Waits until every signal sent so far has been delivered, even those without a handler.
 #pragma once
 
 #include "support/fake_service.h"
 
 namespace test
 {
-/// Sends one more signal, which only the test listens for, on the service's connection, and runs the default main
-/// context until it arrives: over the same session connection as the client's, hence after all others.
-/// False when it did not arrive.
+/// Sends one more signal on the service's connection, which only the test receives, and runs the default main context
+/// until it arrives. It travels over the client's session connection, hence after all others. Returns false if it did
+/// not arrive.
 bool PassBarrier(FakeService& service);
 }  // namespace test

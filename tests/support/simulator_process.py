@@ -1,4 +1,4 @@
-"""The simulator as a process of its own, for tests of the Python module."""
+"""Runs the simulator as a separate process, for tests of the Python module."""
 import os
 import signal
 import subprocess
@@ -21,7 +21,7 @@ class Simulator:
             "Do", action, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
 
     def hang(self):
-        """Returns when it has stopped: until then it may answer."""
+        """Waits until the process has stopped: until then it may answer."""
         self.process.send_signal(signal.SIGSTOP)
         os.waitid(os.P_PID, self.process.pid, os.WSTOPPED)
 

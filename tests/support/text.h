@@ -1,5 +1,5 @@
 /// @file
-/// Values as text, so that tests compare what a reader can read.
+/// Values as text, for readable comparisons in tests.
 #pragma once
 
 #include <QBXIpodTypes.h>

@@ -11,7 +11,7 @@ namespace test
 /// A variant that holds a byte array: "<[byte 0x0a, 0xff]>".
 std::string BytesInVariant(const std::string& bytes);
 
-/// The 1040 bytes of a track: four slots of 256 bytes, then four numbers, little-endian.
+/// The 1040 bytes of a track: four 256-byte slots, then four little-endian numbers.
 std::string TrackRecord(const std::vector<std::string>& texts, const std::vector<std::int32_t>& values);
 
 /// 32 bits each, little-endian.

@@ -1,4 +1,4 @@
-// A process that died inside a segment leaves its locks held. Everyone else gets an exception, not a hang.
+// A process that dies inside a segment leaves its locks held. Other processes must get an exception, not a hang.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -30,7 +30,7 @@ constexpr auto kAtTheLatest = std::chrono::seconds(15);
 class LockOfADeadProcess : public testing::Test
 {
 protected:
-    // The segment is mapped in the child too, at the same place.
+    // The child maps the segment at the same address.
     void InAChild(const std::function<void()>& die)
     {
         const pid_t child = fork();
@@ -43,10 +43,10 @@ protected:
         }
         int status = 0;
         ASSERT_EQ(child, waitpid(child, &status, 0));
-        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die where it should";
+        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child did not die at the expected point";
     }
 
-    // Everything behind the first page becomes read-only: the allocation faults while it holds the lock.
+    // Everything after the first page becomes read-only, so the allocation faults while it holds the lock.
     void DieWhileAllocating()
     {
         auto* const begin = const_cast<char*>(qbx::MappingOf(m_segment).begin);

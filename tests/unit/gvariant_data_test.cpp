@@ -31,7 +31,7 @@ class ExtractOfLength : public testing::TestWithParam<int>
 {
 };
 
-// What a sender may put where a "v" around an "ay" belongs.
+// Invalid values that a sender may use instead of a "v" holding an "ay".
 std::vector<VariantPtr> WrongTypes()
 {
     std::vector<VariantPtr> values;
@@ -42,12 +42,12 @@ std::vector<VariantPtr> WrongTypes()
     values.push_back(Boxed(g_variant_new_parsed("[1, 2, 3]")));
     values.push_back(Boxed(g_variant_new_parsed("@a(y) [(1,), (2,)]")));
     values.push_back(Boxed(g_variant_new("(ays)", nullptr, "text")));
-    values.push_back(Boxed(g_variant_new_variant(g_variant_new_bytestring("one box too many"))));
+    values.push_back(Boxed(g_variant_new_variant(g_variant_new_bytestring("nested too deeply"))));
     return values;
 }
 }  // namespace
 
-TEST_P(BuildOfLength, HoldsExactlyTheBytesThatWereGiven)
+TEST_P(BuildOfLength, HoldsExactlyTheGivenBytes)
 {
     const int length = GetParam();
     Bytes bytes = Pattern(static_cast<std::size_t>(length) + 1);
@@ -61,7 +61,7 @@ TEST_P(BuildOfLength, HoldsExactlyTheBytesThatWereGiven)
 
 INSTANTIATE_TEST_SUITE_P(Lengths, BuildOfLength, testing::Values(0, 1, 12, 512, 65536, 70000));
 
-TEST(GvariantDataBuild, GivesAnEmptyArrayForALengthBelowZeroWithoutReadingTheData)
+TEST(GvariantDataBuild, ReturnsAnEmptyArrayForANegativeLengthWithoutReading)
 {
     for (const int length : {0, -1, -5, G_MININT})
     {
@@ -123,7 +123,7 @@ TEST_P(ExtractOfLength, AppendsToAVector)
 
 INSTANTIATE_TEST_SUITE_P(Lengths, ExtractOfLength, testing::Values(0, 1, 12, 512, 65535, 65536));
 
-TEST(GvariantDataExtract, StartsAgainAtTheFrontOfTheMemoryAfter65536Bytes)
+TEST(GvariantDataExtract, WrapsAroundAfter65536Bytes)
 {
     const Bytes sent = Pattern(70000);
     Bytes dest(70000, kUntouched);
@@ -138,7 +138,7 @@ TEST(GvariantDataExtract, StartsAgainAtTheFrontOfTheMemoryAfter65536Bytes)
     EXPECT_EQ(sent[4464], dest[4464]);
 }
 
-TEST(GvariantDataExtract, StartsAgainAsOftenAsNeeded)
+TEST(GvariantDataExtract, WrapsAroundRepeatedly)
 {
     const Bytes sent = Pattern(200000);
     Bytes dest(65536, kUntouched);
@@ -159,7 +159,7 @@ TEST(GvariantDataExtract, AppendsMoreThan65536BytesToAVectorInOrder)
     EXPECT_EQ(Pattern(70000), dest);
 }
 
-TEST(GvariantDataExtract, LeavesTheDestinationAloneForANullPointer)
+TEST(GvariantDataExtract, LeavesTheDestinationUnchangedForANullPointer)
 {
     Bytes memory(4, kUntouched);
     Bytes vector = {1, 2};
@@ -171,7 +171,7 @@ TEST(GvariantDataExtract, LeavesTheDestinationAloneForANullPointer)
     EXPECT_EQ((Bytes{1, 2}), vector);
 }
 
-TEST(GvariantDataExtract, LeavesTheDestinationAloneForAValueOfAnotherType)
+TEST(GvariantDataExtract, LeavesTheDestinationUnchangedForAnotherType)
 {
     for (const VariantPtr& value : WrongTypes())
     {
@@ -219,7 +219,7 @@ TEST(GvariantDataExtract, KeepsNoReferenceToTheBytes)
     EXPECT_TRUE(released);
 }
 
-TEST(GvariantDataExtract, ReadsAValueThatCameOffTheWireUnaligned)
+TEST(GvariantDataExtract, ReadsAnUnalignedValueFromTheWire)
 {
     const VariantPtr whole = Own(g_variant_new("(yv)", 1, g_variant_new_bytestring("wire")));
     const VariantPtr copy = Own(g_variant_new_from_bytes(

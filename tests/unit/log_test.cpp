@@ -1,4 +1,4 @@
-// What a log site does while logging is not set up.
+// Log sites while logging is not set up.
 #include "internal/log.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ std::string WarningFor(const char* function, int line)
 }
 }  // namespace
 
-TEST_F(LogNotSetUp, PrintsTheWarningLineInPlaceOfTheRecord)
+TEST_F(LogNotSetUp, PrintsTheWarningLineInsteadOfTheRecord)
 {
     testing::internal::CaptureStdout();
 
@@ -40,7 +40,7 @@ TEST_F(LogNotSetUp, PrintsTheWarningLineInPlaceOfTheRecord)
     EXPECT_EQ(WarningFor(__func__, line), testing::internal::GetCapturedStdout());
 }
 
-TEST_F(LogNotSetUp, NamesThePlaceThatAHelperLogsFor)
+TEST_F(LogNotSetUp, NamesTheOperationThatAHelperLogsFor)
 {
     testing::internal::CaptureStdout();
 
@@ -50,7 +50,7 @@ TEST_F(LogNotSetUp, NamesThePlaceThatAHelperLogsFor)
     EXPECT_EQ(WarningFor("GetShuffleMode", 321), testing::internal::GetCapturedStdout());
 }
 
-TEST(LogLevels, AreThoseOfTheSink)
+TEST(LogLevels, MatchTheLogSink)
 {
     EXPECT_EQ(20, qbx::kDebug);
     EXPECT_EQ(40, qbx::kInfo);

@@ -15,7 +15,7 @@ namespace
 {
 using Event = IQBXIpodPlayerListener;
 
-// Runs what a test gives it when an event arrives.
+// Runs a function of the test when an event arrives.
 struct Probe : IQBXIpodPlayerListener
 {
     std::function<void()> onAmount = [] {};
@@ -48,7 +48,7 @@ protected:
         qbx::Notify(m_registry, &Event::OnIpodPlayingListAmountChange, amount);
     }
 
-    // Another thread can take the lock only when the dispatch has let go of it.
+    // Another thread can acquire the lock only after the dispatch has released it.
     bool OthersCanLock()
     {
         auto locked = std::async(std::launch::async,
@@ -78,14 +78,14 @@ TEST_F(Notify, CallsEveryListenerOnceInAscendingOrderOfAddress)
     EXPECT_EQ((std::vector<int>{0, 1, 2, 3}), order);
 }
 
-TEST_F(Notify, IsContentWithoutListeners)
+TEST_F(Notify, DoesNothingWithoutListeners)
 {
     SendAmount();
 
     EXPECT_TRUE(OthersCanLock());
 }
 
-TEST_F(Notify, GoesOnWithTheNextAfterAListenerRemovedItself)
+TEST_F(Notify, ContinuesAfterAListenerRemovedItself)
 {
     Add({0, 1, 2});
     Listener(1).onAmount = [this] { m_registry.RemoveListener(&Listener(1)); };
@@ -109,7 +109,7 @@ TEST_F(Notify, SkipsAListenerThatAnEarlierOneRemoved)
     EXPECT_EQ(1, Listener(2).calls);
 }
 
-TEST_F(Notify, EndsWhenAListenerRemovesAll)
+TEST_F(Notify, StopsWhenAListenerRemovesAll)
 {
     Add({0, 1, 2});
     Listener(0).onAmount = [this] { m_registry.GetListeners().clear(); };
@@ -121,7 +121,7 @@ TEST_F(Notify, EndsWhenAListenerRemovesAll)
     EXPECT_EQ(0, Listener(2).calls);
 }
 
-TEST_F(Notify, ReachesAListenerThatIsAddedBehindTheCurrentOne)
+TEST_F(Notify, ReachesAListenerAddedBehindTheCurrentOne)
 {
     Add({1});
     Listener(1).onAmount = [this] { Add({0, 2}); };
@@ -158,7 +158,7 @@ TEST_F(Notify, HoldsTheLockWhileListenersRun)
     EXPECT_TRUE(entered);
 }
 
-TEST_F(Notify, LetsAnExceptionPassAndReleasesTheLock)
+TEST_F(Notify, PropagatesAnExceptionAndReleasesTheLock)
 {
     Add({0, 1});
     Listener(0).onAmount = [] { throw std::runtime_error("from a listener"); };
@@ -169,7 +169,7 @@ TEST_F(Notify, LetsAnExceptionPassAndReleasesTheLock)
     EXPECT_TRUE(OthersCanLock());
 }
 
-TEST_F(Notify, GivesEachListenerItsOwnCopyOfWhatGoesByValue)
+TEST_F(Notify, CopiesValueArgumentsForEachListener)
 {
     Add({0, 1});
     std::vector<std::string> seen;
@@ -190,7 +190,7 @@ TEST_F(Notify, GivesEachListenerItsOwnCopyOfWhatGoesByValue)
     EXPECT_EQ("as sent", info.text1);
 }
 
-TEST_F(Notify, GivesAllListenersTheSameObjectWhenItGoesByReference)
+TEST_F(Notify, PassesReferencesToTheSameObject)
 {
     Add({0, 1});
     Listener(0).onEapData = [](std::vector<unsigned char>& data) { data.push_back(9); };

@@ -1,4 +1,4 @@
-// Facts of the public types that applications and services were built against.
+// Properties of the public types that existing applications and services rely on.
 #include <IQBXAppListener.h>
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
@@ -21,7 +21,7 @@ template <class Optional, class Value>
 constexpr bool kIsOptional = std::is_same<std::decay_t<Optional>, std::optional<Value>>::value;
 }  // namespace
 
-TEST(PublicTypes, HaveEnumerationsThatHoldEveryIntegerOfTheService)
+TEST(PublicTypes, HaveEnumerationsForEveryInteger)
 {
     EXPECT_TRUE(kCarriesAnyInt<iPodPlayerPlayStatus>);
     EXPECT_TRUE(kCarriesAnyInt<iPodPlayerShuffleStatus>);
@@ -45,7 +45,7 @@ TEST(PublicTypes, NumberThePlayOptionsFromOneToSeven)
     EXPECT_EQ(7, IPOD_PLAY_CONFIRM_DEACTIVE);
 }
 
-TEST(PublicTypes, GiveTheOptionalEnumerationsTheRangesOfTheMessages)
+TEST(PublicTypes, GiveOptionalEnumerationsTheirMessageRanges)
 {
     EXPECT_EQ(6, PHONE_CALL_DISCONNECTING);
     EXPECT_EQ(2, PHONE_CALL_OUTGOING);
@@ -99,7 +99,7 @@ TEST(PublicTypes, DeclareTrackAndArtworkInTheOrderOfTheirRecords)
     EXPECT_EQ(std::vector<unsigned char>{5}, artwork.image);
 }
 
-TEST(PublicTypes, HaveTheSizesAndOffsetsThatTravel)
+TEST(PublicTypes, HaveTheSizesAndOffsetsOfTheWireFormat)
 {
     EXPECT_EQ(256u, sizeof(PlayListSongNameStr));
     EXPECT_EQ(0u, offsetof(PlayListSongNameStr, name));
@@ -120,7 +120,7 @@ TEST(PublicTypes, NameAndSizeTheSegments)
     EXPECT_EQ(1024u * 1024, kBufferSegmentSize);
 }
 
-TEST(PublicTypes, MakeThePlayerAListenerAndARegistryWithoutDataOfItsOwn)
+TEST(PublicTypes, MakeThePlayerAListenerAndARegistryWithoutOwnData)
 {
     using Service = IQBXService<IQBXIpodPlayerListener>;
 

@@ -1,4 +1,4 @@
-// Fixed records: decoding what a service sends, good or bad, and making what it expects.
+// Fixed records: decoding what a service sends, valid or not, and encoding what it expects.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -22,7 +22,7 @@ Bytes BytesOf(const Record& record)
     return Bytes(first, first + sizeof(record));
 }
 
-// The first bytes that came, then zeros, never more than the record has.
+// The received bytes, truncated or zero-padded to the record's size.
 Bytes Expected(std::size_t recordSize, std::size_t received)
 {
     Bytes bytes = Pattern(received);
@@ -54,7 +54,7 @@ std::string SlotOf(const std::string& text)
 }
 }  // namespace
 
-TEST_P(RecordOfSize, DecodesToATrackRecordThatIsZeroWhereNothingCame)
+TEST_P(RecordOfSize, DecodesToAZeroPaddedTrackRecord)
 {
     const auto received = static_cast<std::size_t>(GetParam());
 
@@ -63,7 +63,7 @@ TEST_P(RecordOfSize, DecodesToATrackRecordThatIsZeroWhereNothingCame)
     EXPECT_EQ(Expected(1040, received), BytesOf(record));
 }
 
-TEST_P(RecordOfSize, DecodesToAnArtworkHeadThatIsZeroWhereNothingCame)
+TEST_P(RecordOfSize, DecodesToAZeroPaddedArtworkHead)
 {
     const auto received = static_cast<std::size_t>(GetParam());
 
@@ -72,7 +72,7 @@ TEST_P(RecordOfSize, DecodesToAnArtworkHeadThatIsZeroWhereNothingCame)
     EXPECT_EQ(Expected(16, received), BytesOf(head));
 }
 
-TEST_P(RecordOfSize, NeverWritesBehindTheDestination)
+TEST_P(RecordOfSize, NeverWritesBeyondTheDestination)
 {
     const auto received = static_cast<std::size_t>(GetParam());
     Bytes memory(16 + 64, 0xEE);
@@ -96,7 +96,7 @@ TEST(DecodeRecord, IsAllZeroForANullPointerAndForAnotherType)
         EXPECT_EQ(Bytes(16, 0), BytesOf(qbx::DecodeRecord<qbx::ArtworkHead>(value)));
 }
 
-TEST(ToTrackInfo, TakesEachTextUpToItsFirstNulAndTheIntegersInOrder)
+TEST(ToTrackInfo, EndsEachTextAtItsFirstNulAndKeepsTheIntegersInOrder)
 {
     qbx::TrackRecord record{};
     std::strcpy(record.text[0], "one");
@@ -119,7 +119,7 @@ TEST(ToTrackInfo, TakesEachTextUpToItsFirstNulAndTheIntegersInOrder)
     EXPECT_EQ(INT32_MIN, info.value4);
 }
 
-TEST(ToTrackInfo, TakesATextOf255BytesWhole)
+TEST(ToTrackInfo, KeepsATextOf255Bytes)
 {
     qbx::TrackRecord record{};
     std::memset(record.text[0], 'a', 255);
@@ -131,7 +131,7 @@ TEST(ToTrackInfo, TakesATextOf255BytesWhole)
     EXPECT_EQ(std::string(255, 'b'), info.text2);
 }
 
-TEST(ToTrackInfo, LetsATextWithoutNulRunOnIntoTheNextSlot)
+TEST(ToTrackInfo, ContinuesATextWithoutNulIntoTheNextSlot)
 {
     qbx::TrackRecord record{};
     std::memset(record.text[0], 'a', 256);
@@ -153,7 +153,7 @@ TEST(ToTrackInfo, StopsATextWithoutAnyNulAtTheEndOfTheRecord)
     EXPECT_EQ(std::string(272, 'z'), info.text4);
 }
 
-TEST(ToArtwork, CarriesTheFourWordsAndNoImage)
+TEST(ToArtwork, CopiesTheFourWordsAndNoImage)
 {
     const QBXTrackArtwork artwork = qbx::ToArtwork({{0, 1, 0x80000000u, UINT32_MAX}});
 
@@ -164,7 +164,7 @@ TEST(ToArtwork, CarriesTheFourWordsAndNoImage)
     EXPECT_TRUE(artwork.image.empty());
 }
 
-TEST(ToEapInitRecord, PutsTheFirst255BytesOfEachTextAndFillsUpWithZeros)
+TEST(ToEapInitRecord, StoresTheFirst255BytesOfEachTextAndPadsWithZeros)
 {
     for (const std::size_t length : {0u, 1u, 254u, 255u, 256u, 1000u})
     {

@@ -44,7 +44,7 @@ TEST(Registry, StartsEmpty)
     EXPECT_TRUE(registry.GetListeners().empty());
 }
 
-TEST(Registry, KeepsOneEntryOfAListenerThatIsAddedTwiceAndCallsTheHookBothTimes)
+TEST(Registry, StoresAListenerAddedTwiceOnceAndCallsTheHookTwice)
 {
     Registry registry;
     Listener listener;
@@ -81,7 +81,7 @@ TEST(Registry, CallsTheHookForAListenerThatWasNeverAdded)
     EXPECT_EQ(std::vector<Listener*>{&unknown}, registry.removed);
 }
 
-TEST(Registry, GivesTheSetItselfInAscendingOrderOfAddress)
+TEST(Registry, ReturnsTheSetItselfSortedByAddress)
 {
     Registry registry;
     Listener listeners[3];
@@ -96,7 +96,7 @@ TEST(Registry, GivesTheSetItselfInAscendingOrderOfAddress)
     EXPECT_EQ(0u, registry.GetListenerCount());
 }
 
-TEST(Registry, MayBeChangedWhileItsLockIsHeld)
+TEST(Registry, CanBeChangedWhileItsLockIsHeld)
 {
     Registry registry;
     Listener listener;
@@ -139,7 +139,7 @@ TEST(Service, CallsExitListenerWheneverARemovalLeavesNone)
     EXPECT_EQ("exit exit ", service.calls);
 }
 
-TEST(Service, CallsNoHookForANullPointerAlthoughNoListenerIsThere)
+TEST(Service, CallsNoHookForANullPointerWithoutListeners)
 {
     Service service;
 

@@ -1,5 +1,5 @@
-// Filling the write buffer in bulk leaves the segment exactly as appending byte by byte would: the service shares
-// its memory. Two segments with the same history are filled in the two ways and compared to the last byte.
+// Filling the write buffer in bulk must leave the segment exactly as appending byte by byte would, because the service
+// shares its memory. Two segments with the same history are filled in both ways and compared byte by byte.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ public:
     QBXByteVector& vector() { return *m_vector; }
     qbx::Mapping mapping() const { return qbx::MappingOf(m_segment); }
 
-    // Other users of the segment: blocks that come and go.
+    // Other users of the segment: blocks that are allocated and freed.
     void Allocate(std::size_t size)
     {
         void* const block = m_segment.allocate(size, std::nothrow);
@@ -68,7 +68,7 @@ void AllAtOnce(Side& side, const Bytes& data)
     side.vector().assign(data.begin(), data.end());
 }
 
-// Name of the exception's type, or nothing.
+// Name of the exception's type; empty if there was none.
 std::string Outcome(const Fill& fill, Side& side, const Bytes& data)
 {
     try
@@ -96,7 +96,7 @@ public:
         action(m_b);
     }
 
-    // The whole segments: bookkeeping, vector, contents and what was left behind in freed memory.
+    // The complete segments: bookkeeping, vector, contents, and remains in freed memory.
     bool Identical() const
     {
         const qbx::Mapping a = m_a.mapping();
@@ -127,7 +127,7 @@ Bytes RandomBytes(std::mt19937& random, std::size_t count)
     return bytes;
 }
 
-// Mostly small, sometimes near the size of the segment, sometimes too much for it.
+// Mostly small, sometimes near the size of the segment, sometimes too large for it.
 std::size_t RandomSize(std::mt19937& random, std::size_t segment)
 {
     switch (random() % 4)
@@ -178,7 +178,7 @@ TEST_P(RandomReplace, LeavesTheSegmentAsByteByByteAppendingDoes)
         ExpectEqualSegments(twins);
         if (!single.empty()) ++failures;
     }
-    EXPECT_GT(failures, 0) << "no round filled the segment up: the sizes are too small to prove anything";
+    EXPECT_GT(failures, 0) << "no pass filled the segment: the sizes are too small to prove anything";
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomReplace, testing::Range(1u, 9u));
@@ -197,7 +197,7 @@ TEST(Replace, LeavesAFullSegmentAsByteByByteAppendingDoes)
     ExpectEqualSegments(twins);
 }
 
-TEST(Replace, CanBeUsedAgainAfterTheSegmentWasFull)
+TEST(Replace, WorksAgainAfterTheSegmentWasFull)
 {
     Twins twins(65536);
     Outcome(InBulk, twins.a(), Bytes(1 << 20, 1));
@@ -210,7 +210,7 @@ TEST(Replace, CanBeUsedAgainAfterTheSegmentWasFull)
     ExpectEqualSegments(twins);
 }
 
-TEST(Replace, KeepsTheCapacityWhenTheDataIsEmpty)
+TEST(Replace, KeepsTheCapacityIfTheDataIsEmpty)
 {
     Side side(65536);
     qbx::Replace(&side.vector(), side.mapping(), Bytes(5000, 1));
@@ -222,7 +222,7 @@ TEST(Replace, KeepsTheCapacityWhenTheDataIsEmpty)
     EXPECT_EQ(capacity, side.vector().capacity());
 }
 
-TEST(Replace, IsToldApartFromAnAssignmentByTheComparisonOfTheseTests)
+TEST(Replace, DiffersFromAnAssignment)
 {
     Twins twins(65536);
 
@@ -233,12 +233,12 @@ TEST(Replace, IsToldApartFromAnAssignmentByTheComparisonOfTheseTests)
     EXPECT_FALSE(twins.Identical());
 }
 
-TEST(Replace, RefusesAVectorThatIsNotAttached)
+TEST(Replace, RejectsAnUnattachedVector)
 {
     EXPECT_THROW(qbx::Replace(nullptr, {}, {1}), bip::interprocess_exception);
 }
 
-TEST(Replace, RefusesAVectorWhoseMemoryLiesOutsideTheMapping)
+TEST(Replace, RejectsAVectorWithMemoryOutsideTheMapping)
 {
     Side side(65536);
     Side other(65536);
@@ -250,7 +250,7 @@ TEST(Replace, RefusesAVectorWhoseMemoryLiesOutsideTheMapping)
     EXPECT_THROW(qbx::Replace(&side.vector(), {}, {1}), bip::interprocess_exception);
 }
 
-TEST(Replace, TakesAVectorWhoseMemoryFillsTheMappingAndNoneThatIsAByteLonger)
+TEST(Replace, AcceptsAVectorThatFillsTheMappingButNotOneByteMore)
 {
     Side side(65536);
     qbx::Replace(&side.vector(), side.mapping(), Bytes(100, 7));

@@ -1,4 +1,5 @@
-// Attaching a segment, whatever stands under its name. Each ends within a bounded time, attached or in an exception.
+// Attaching a segment, whatever object has its name. Each attempt ends within a bounded time, attached or with an
+// exception.
 #include "internal/segments.h"
 
 #include <fcntl.h>
@@ -43,7 +44,7 @@ protected:
         return qbx::AttachSegment(m_name.c_str(), size, furnish);
     }
 
-    // The message of the exception in which the attempt ends, and how long it took.
+    // The exception message of the attempt, and its duration.
     std::string Refusal()
     {
         const auto start = Clock::now();
@@ -74,7 +75,7 @@ protected:
         EXPECT_LT(m_took, kRefusedAtTheLatest);
     }
 
-    // The bytes of a sound segment with one named number in it.
+    // The bytes of a valid segment that contains one named number.
     std::vector<char> SoundImage()
     {
         {
@@ -106,7 +107,7 @@ protected:
     milliseconds m_took{};
 };
 
-// Puts a device of that size in the place of /dev/shm, for this process only; false where that is not allowed.
+// Mounts a file system of that size on /dev/shm, for this process only; false where that is not allowed.
 bool MountDevice(const std::string& size)
 {
     return unshare(CLONE_NEWNS) == 0 && mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
@@ -134,7 +135,7 @@ TEST_F(AttachSegment, CreatesAnAbsentOneWithItsSizeReadableByAll)
     EXPECT_LE(segment.get_size(), kBufferSegmentSize);
 }
 
-TEST_F(AttachSegment, FindsWhatAnEarlierOneHolds)
+TEST_F(AttachSegment, FindsTheContentsOfAnExistingOne)
 {
     QBXSharedSegment first = Attach();
     *first.find_or_construct<int>("number")(0) = 42;
@@ -145,7 +146,7 @@ TEST_F(AttachSegment, FindsWhatAnEarlierOneHolds)
     EXPECT_EQ(42, *second.find<int>("number").first);
 }
 
-TEST_F(AttachSegment, TakesAnExistingOneAtTheSizeThatItsCreatorGaveIt)
+TEST_F(AttachSegment, KeepsTheSizeChosenByTheCreator)
 {
     const QBXSharedSegment larger = Attach(2 * kSegmentSize);
 
@@ -155,7 +156,7 @@ TEST_F(AttachSegment, TakesAnExistingOneAtTheSizeThatItsCreatorGaveIt)
     EXPECT_EQ(2 * kSegmentSize, test::ReadFile(m_name.path()).size());
 }
 
-TEST_F(AttachSegment, TakesASoundOneThatLiesThereAsAFile)
+TEST_F(AttachSegment, AttachesAValidOneStoredAsAFile)
 {
     Put(SoundImage());
 
@@ -166,7 +167,7 @@ TEST_F(AttachSegment, TakesASoundOneThatLiesThereAsAFile)
     EXPECT_TRUE(segment.check_sanity());
 }
 
-TEST_F(AttachSegment, GivesANewOneItsNameWhenItIsFurnished)
+TEST_F(AttachSegment, NamesANewOneAfterItIsComplete)
 {
     bool named = true;
 
@@ -182,7 +183,7 @@ TEST_F(AttachSegment, GivesANewOneItsNameWhenItIsFurnished)
     EXPECT_EQ(42, *segment.find<int>("number").first);
 }
 
-TEST_F(AttachSegment, LeavesNothingBehindWhenItIsKilledWhileItMakesOne)
+TEST_F(AttachSegment, LeavesNothingBehindIfKilledDuringCreation)
 {
     const pid_t child = fork();
     if (child == 0)
@@ -192,12 +193,12 @@ TEST_F(AttachSegment, LeavesNothingBehindWhenItIsKilledWhileItMakesOne)
     }
     int status = 0;
     ASSERT_EQ(child, waitpid(child, &status, 0));
-    ASSERT_TRUE(WIFSIGNALED(status)) << "the child was not killed in the middle";
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child was not killed during creation";
 
     EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
 }
 
-TEST_F(AttachSegment, TakesTheOneThatSomebodyElseMakesMeanwhile)
+TEST_F(AttachSegment, AttachesOneCreatedConcurrently)
 {
     QBXSharedSegment segment = Attach(kSegmentSize,
                                       [&](QBXSegmentManager& manager)
@@ -212,7 +213,7 @@ TEST_F(AttachSegment, TakesTheOneThatSomebodyElseMakesMeanwhile)
     EXPECT_EQ(2 * kSegmentSize, test::ReadFile(m_name.path()).size());
 }
 
-TEST_F(AttachSegment, MeetsSomebodyElseWhoCreatesItAtTheSameTime)
+TEST_F(AttachSegment, SharesOneInACreationRace)
 {
     for (int round = 0; round < 200; ++round)
     {
@@ -233,12 +234,12 @@ TEST_F(AttachSegment, MeetsSomebodyElseWhoCreatesItAtTheSameTime)
         ++*segment.find_or_construct<std::atomic<int>>("number")(0);
         other.join();
 
-        ASSERT_EQ(2, *segment.find<std::atomic<int>>("number").first) << "in round " << round;
+        ASSERT_EQ(2, *segment.find<std::atomic<int>>("number").first) << "in pass " << round;
         bip::shared_memory_object::remove(m_name.c_str());
     }
 }
 
-TEST_F(AttachSegment, MakesOneThatDoesNotHoldItsFurnitureLikeAnyOther)
+TEST_F(AttachSegment, CreatesOneThatIsTooSmallForItsContents)
 {
     umask(077);
 
@@ -250,8 +251,8 @@ TEST_F(AttachSegment, MakesOneThatDoesNotHoldItsFurnitureLikeAnyOther)
     EXPECT_EQ(0644u, Mode());
 }
 
-// As between the two steps in which its creator makes it larger.
-TEST_F(AttachSegment, TakesAnObjectThatIsLongerThanItsSegment)
+// As between the two steps of growing a segment.
+TEST_F(AttachSegment, AttachesAnObjectLongerThanItsSegment)
 {
     std::vector<char> image = SoundImage();
     image.resize(image.size() + kSegmentSize);
@@ -264,7 +265,7 @@ TEST_F(AttachSegment, TakesAnObjectThatIsLongerThanItsSegment)
     EXPECT_TRUE(segment.check_sanity());
 }
 
-TEST_F(AttachSegment, WaitsForACreatorThatIsStillAtWork)
+TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
 {
     std::vector<char> image = SoundImage();
     SetState(image, kBeingMade);
@@ -304,8 +305,8 @@ TEST_F(AttachSegment, MapsANewOneOnce)
     EXPECT_EQ(std::string::npos, text.find("/dev/shm/", first + 1)) << text;
 }
 
-// Their descriptors have the number 0 there.
-TEST_F(AttachSegment, GivesUpInAProcessWithoutStandardInputToo)
+// The object's descriptor is 0 there.
+TEST_F(AttachSegment, GivesUpInAProcessWithoutStandardInput)
 {
     Put({});
     close(STDIN_FILENO);
@@ -315,7 +316,7 @@ TEST_F(AttachSegment, GivesUpInAProcessWithoutStandardInputToo)
     EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
 }
 
-TEST_F(AttachSegment, CreatesOneInAProcessWithoutStandardInputToo)
+TEST_F(AttachSegment, CreatesOneInAProcessWithoutStandardInput)
 {
     bool named = true;
     close(STDIN_FILENO);
@@ -327,7 +328,7 @@ TEST_F(AttachSegment, CreatesOneInAProcessWithoutStandardInputToo)
     EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
 }
 
-TEST_F(AttachSegment, GivesUpOnAHalfMadeObjectAfterFiveSeconds)
+TEST_F(AttachSegment, GivesUpOnAnIncompleteObjectAfterFiveSeconds)
 {
     std::vector<char> image = SoundImage();
     SetState(image, kBeingMade);
@@ -350,14 +351,14 @@ TEST_F(AttachSegment, GivesUpOnAnObjectOfThreeBytesAfterFiveSeconds)
     ExpectRefusalAfterTheWait();
 }
 
-TEST_F(AttachSegment, RefusesGarbage)
+TEST_F(AttachSegment, RejectsGarbage)
 {
     Put(Garbage(kSegmentSize));
 
     ExpectRefusalAtOnce();
 }
 
-TEST_F(AttachSegment, RefusesGarbageThatCallsItselfReady)
+TEST_F(AttachSegment, RejectsGarbageWithAReadyState)
 {
     std::vector<char> image = Garbage(kSegmentSize);
     SetState(image, kReady);
@@ -366,7 +367,7 @@ TEST_F(AttachSegment, RefusesGarbageThatCallsItselfReady)
     ExpectRefusalAtOnce();
 }
 
-TEST_F(AttachSegment, RefusesAnObjectTooSmallToHoldAnything)
+TEST_F(AttachSegment, RejectsAnObjectThatIsTooSmall)
 {
     for (std::size_t size = 4; size <= 256; size += 4)
     {
@@ -378,7 +379,7 @@ TEST_F(AttachSegment, RefusesAnObjectTooSmallToHoldAnything)
     }
 }
 
-TEST_F(AttachSegment, RefusesASoundOneThatWasCutShort)
+TEST_F(AttachSegment, RejectsATruncatedOne)
 {
     std::vector<char> image = SoundImage();
     image.resize(image.size() / 2);
@@ -387,21 +388,21 @@ TEST_F(AttachSegment, RefusesASoundOneThatWasCutShort)
     ExpectRefusalAtOnce();
 }
 
-TEST_F(AttachSegment, RefusesAFifo)
+TEST_F(AttachSegment, RejectsAFifo)
 {
     ASSERT_EQ(0, mkfifo(m_name.path().c_str(), 0644));
 
     ExpectRefusalAtOnce();
 }
 
-TEST_F(AttachSegment, RefusesADirectory)
+TEST_F(AttachSegment, RejectsADirectory)
 {
     ASSERT_EQ(0, mkdir(m_name.path().c_str(), 0755));
 
     ExpectRefusalAtOnce();
 }
 
-TEST_F(AttachSegment, RefusesALinkWhetherOrNotItLeadsSomewhere)
+TEST_F(AttachSegment, RejectsALinkEvenIfItDangles)
 {
     const test::ObjectName target;
     ASSERT_EQ(0, symlink(target.path().c_str(), m_name.path().c_str()));
@@ -411,9 +412,9 @@ TEST_F(AttachSegment, RefusesALinkWhetherOrNotItLeadsSomewhere)
     ExpectRefusalAtOnce();
 }
 
-TEST_F(AttachSegment, RefusesAnObjectThatItMayNotWrite)
+TEST_F(AttachSegment, RejectsAReadOnlyObject)
 {
-    if (seteuid(65534) != 0) GTEST_SKIP() << "only root can become somebody else";
+    if (seteuid(65534) != 0) GTEST_SKIP() << "only root can switch users";
     ASSERT_EQ(0, seteuid(0));
     Put(SoundImage());
     chmod(m_name.path().c_str(), 0644);
@@ -424,7 +425,7 @@ TEST_F(AttachSegment, RefusesAnObjectThatItMayNotWrite)
     ASSERT_EQ(0, seteuid(0));
 }
 
-TEST_F(AttachSegment, ThrowsWhenTheSegmentIsTooSmallForItsOwnBookkeeping)
+TEST_F(AttachSegment, ThrowsIfTheSegmentIsTooSmallForItsBookkeeping)
 {
     EXPECT_THROW(Attach(16), bip::interprocess_exception);
 }
@@ -440,16 +441,16 @@ TEST_F(AttachSegment, SpansExactlyTheMemoryOfTheObject)
     EXPECT_EQ(0, reinterpret_cast<std::uintptr_t>(mapping.begin) % bip::mapped_region::get_page_size());
 }
 
-TEST_F(AttachSegment, CreatesOneOnADeviceWithRoomForItsHeader)
+TEST_F(AttachSegment, CreatesOneOnADeviceWithSpaceForItsHeader)
 {
-    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace here";
+    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace available";
 
     EXPECT_EQ("attached", Refusal());
 }
 
-TEST_F(AttachSegment, RefusesToCreateOneOnADeviceThatHasLess)
+TEST_F(AttachSegment, DoesNotCreateOneOnADeviceWithLessSpace)
 {
-    if (!MountDevice("12k")) GTEST_SKIP() << "no mount namespace here";
+    if (!MountDevice("12k")) GTEST_SKIP() << "no mount namespace available";
 
     EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal());
     EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
@@ -457,14 +458,14 @@ TEST_F(AttachSegment, RefusesToCreateOneOnADeviceThatHasLess)
 
 TEST_F(AttachSegment, CreatesOneOnADeviceWithoutALimit)
 {
-    if (!MountDevice("0")) GTEST_SKIP() << "no mount namespace here";
+    if (!MountDevice("0")) GTEST_SKIP() << "no mount namespace available";
 
     EXPECT_EQ("attached", Refusal());
 }
 
-TEST_F(AttachSegment, FindsOneOnADeviceThatIsFull)
+TEST_F(AttachSegment, FindsOneOnAFullDevice)
 {
-    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace here";
+    if (!MountDevice("16k")) GTEST_SKIP() << "no mount namespace available";
     Attach();
     test::WriteFile("/dev/shm/rest", std::vector<char>(8192));
 

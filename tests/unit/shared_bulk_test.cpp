@@ -1,4 +1,4 @@
-// Reading the shared vectors: one look, a check against the mapping, then a copy.
+// Reading the shared vectors: a single load, a check against the mapping, then a copy.
 #include "internal/shared_bulk.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 namespace
 {
-// A vector as a broken process may leave it: any pointer, any size.
+// A vector as a faulty process may leave it: any pointer, any size.
 template <class Element>
 struct Claim
 {
@@ -41,7 +41,7 @@ protected:
         return snapshot.begin == nullptr && snapshot.count == 0;
     }
 
-    // The mapping lies in the middle, so that pointers beside it are valid pointers too.
+    // The mapping is in the middle, so that pointers outside it are valid pointers, too.
     unsigned char m_memory[64 + 1024 + 64] = {};
     qbx::Mapping m_mapping{reinterpret_cast<const char*>(m_memory) + 64,
                            reinterpret_cast<const char*>(m_memory) + 64 + 1024};
@@ -64,7 +64,7 @@ std::vector<std::string> NamesIn(const std::vector<PlayListSongNameStr>& entries
 }
 }  // namespace
 
-TEST_F(Snapshots, TakeWhatLiesInsideTheMapping)
+TEST_F(Snapshots, CoverElementsInsideTheMapping)
 {
     EXPECT_TRUE(Accepts({At(0), 1024}));
     EXPECT_TRUE(Accepts({At(0), 0}));
@@ -72,7 +72,7 @@ TEST_F(Snapshots, TakeWhatLiesInsideTheMapping)
     EXPECT_TRUE(Accepts({At(1023), 1}));
 }
 
-TEST_F(Snapshots, AreEmptyWhenTheVectorReachesBeyondTheMapping)
+TEST_F(Snapshots, AreEmptyIfTheVectorReachesBeyondTheMapping)
 {
     EXPECT_TRUE(Refuses({At(0), 1025}));
     EXPECT_TRUE(Refuses({At(1), 1024}));
@@ -80,7 +80,7 @@ TEST_F(Snapshots, AreEmptyWhenTheVectorReachesBeyondTheMapping)
     EXPECT_TRUE(Refuses({At(1), std::numeric_limits<std::size_t>::max()}));
 }
 
-TEST_F(Snapshots, AreEmptyWhenTheVectorStartsOutsideTheMapping)
+TEST_F(Snapshots, AreEmptyIfTheVectorStartsOutsideTheMapping)
 {
     EXPECT_TRUE(Refuses({At(0) - 1, 1}));
     EXPECT_TRUE(Refuses({At(1024), 0}));
@@ -114,7 +114,7 @@ TEST_F(Snapshots, AreEmptyWithoutAVectorOrWithoutAMapping)
     EXPECT_EQ(nullptr, qbx::TakeSnapshot(&claim, qbx::Mapping{}).begin);
 }
 
-TEST_F(Snapshots, OfAVectorInTheMappingMustLieThereAndThoseOfOthersAnywhere)
+TEST_F(Snapshots, MustBeInsideTheMappingOnlyIfTheVectorIs)
 {
     const auto isHeld = [this](const void* vector)
     {
@@ -136,7 +136,7 @@ TEST(CopyNames, EndsEachNameAtItsFirstNulAndKeepsEmptyOnes)
     EXPECT_EQ((std::vector<std::string>{"first", "", "third"}), NamesIn({Name("first", 'x'), Name(""), Name("third")}));
 }
 
-TEST(CopyNames, Takes255BytesWholeAnd256WithoutANul)
+TEST(CopyNames, Keeps255BytesAnd256WithoutANul)
 {
     const std::string longest(255, 'a');
     const std::string unterminated(256, 'b');
@@ -152,7 +152,7 @@ TEST(CopyNames, PassesBytesThroughUnchanged)
     EXPECT_EQ(std::vector<std::string>{bytes}, NamesIn({Name(bytes)}));
 }
 
-TEST(CopyNames, EmptiesTheListAndGivesItsStorageBackWhenThereAreNone)
+TEST(CopyNames, FreesTheListIfThereAreNoNames)
 {
     std::vector<std::string> list(1000, "old");
 

@@ -1,5 +1,5 @@
 /// @file
-/// Shared-memory objects as files: tests put there whatever a broken or foreign process may have left.
+/// Shared-memory objects as files: tests store what a faulty or unrelated process may have left.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace test
 {
-/// A name for a shared-memory object that nobody else uses; an object of that name is removed at the end.
+/// A unique name for a shared-memory object, which is removed on destruction.
 class ObjectName
 {
 public:
@@ -18,16 +18,16 @@ public:
 
     const char* c_str() const { return m_name.c_str(); }
 
-    /// Where the object shows in the file system.
+    /// The object's path in the file system.
     std::string path() const { return "/dev/shm/" + m_name; }
 
 private:
     std::string m_name;
 };
 
-/// All bytes of a file; throws when it cannot be read.
+/// Reads a file; throws if it cannot be read.
 std::vector<char> ReadFile(const std::string& path);
 
-/// Creates or replaces a file; throws when it cannot be written.
+/// Creates or replaces a file; throws if it cannot be written.
 void WriteFile(const std::string& path, const std::vector<char>& bytes);
 }  // namespace test

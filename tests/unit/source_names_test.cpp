@@ -54,7 +54,7 @@ const char* const kExpected[] = {"SID_NONE",
                                  "SID_VIDEOIN"};
 }  // namespace
 
-TEST(SourceName, IsTheNameOfEachOfThe45Sources)
+TEST(SourceName, IsDefinedForEachOfThe45Sources)
 {
     ASSERT_EQ(45u, std::size(kExpected));
     for (int source = 0; source < 45; ++source) EXPECT_STREQ(kExpected[source], qbx::SourceName(source)) << source;

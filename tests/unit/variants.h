@@ -1,5 +1,5 @@
 /// @file
-/// Variants as the service sends them, and bytes that show where they came from.
+/// Variants as the service sends them, and recognizable byte patterns.
 #pragma once
 
 #include <glib.h>
@@ -16,7 +16,7 @@ struct ReleaseVariant
 };
 using VariantPtr = std::unique_ptr<GVariant, ReleaseVariant>;
 
-/// Takes over a floating reference.
+/// Consumes a floating reference.
 inline VariantPtr Own(GVariant* value)
 {
     return VariantPtr(g_variant_ref_sink(value));
@@ -28,7 +28,7 @@ inline VariantPtr Boxed(GVariant* inner)
     return Own(g_variant_new_variant(inner));
 }
 
-/// A "v" holding an "ay", made without the code under test.
+/// A "v" holding an "ay", built without the code under test.
 inline VariantPtr Packed(const std::vector<unsigned char>& bytes)
 {
     return Boxed(g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.data(), bytes.size(), sizeof(bytes[0])));

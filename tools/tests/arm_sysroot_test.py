@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""arm-sysroot with a mirror that fails in every way. Nothing is fetched: mmdebstrap and apt-get are stand-ins here."""
+"""Tests arm-sysroot with a mirror that fails in every way. Nothing is downloaded: mmdebstrap and apt-get are stubs."""
 
 import os
 import pathlib
@@ -12,7 +12,7 @@ TOOL = pathlib.Path(__file__).resolve().parent.parent / "arm-sysroot"
 
 APT_GET = "#!/bin/sh\n[ -z \"$NO_MIRROR\" ] && echo stable bookworm main http://mirror.example/debian\n"
 
-# A root with three files, written as a tar stream; MODE says what goes wrong.
+# A root with three files, written as a tar stream; MODE selects the failure.
 MMDEBSTRAP = """#!/bin/bash
 set -e
 printf '%s\\n' "$@" >"$ARGUMENTS"
@@ -53,7 +53,7 @@ class ArmSysroot(unittest.TestCase):
                                 start_new_session=True)
 
     def run_tool(self, mode="well", **environment):
-        """The exit status and the last line."""
+        """Returns the exit status and the last line."""
         process = self.start(mode, **environment)
         _, error = process.communicate(timeout=60)
         return process.returncode, error.splitlines()[-1]
@@ -62,14 +62,14 @@ class ArmSysroot(unittest.TestCase):
         self.assertEqual((self.sysroot / "usr/include/some.h").read_text(), "header\n" * 20000)
         self.assertEqual(os.readlink(self.sysroot / "usr/lib/some.so"), "../../lib/some.so")
 
-    def test_makes_a_sysroot_and_leaves_it_alone_when_it_is_whole(self):
+    def test_creates_a_sysroot_and_keeps_it_if_complete(self):
         status, line = self.run_tool()
         self.assertEqual((status, line.split(":")[1]), (0, " made"), line)
         self.assert_whole()
         status, line = self.run_tool("broken")
         self.assertEqual((status, line.split(":")[1]), (0, " ready"), line)
 
-    def test_unpacks_libraries_but_no_tools_of_the_build(self):
+    def test_unpacks_libraries_but_no_build_tools(self):
         self.run_tool()
         arguments = (self.scratch / "arguments").read_text().splitlines()
         packages = next(word for word in arguments if word.startswith("--include=")).partition("=")[2].split(",")
@@ -77,26 +77,26 @@ class ArmSysroot(unittest.TestCase):
         self.assertIn("python3-dev", packages)
         self.assertNotIn("dpkg-dev", packages)
 
-    def test_skips_when_the_mirror_cannot_be_reached(self):
+    def test_skips_if_the_mirror_is_unreachable(self):
         status, line = self.run_tool("unreachable")
         self.assertEqual(status, 77)
         self.assertIn("skipped: the mirror cannot be reached (E: Failed to fetch", line)
         self.assertFalse(self.sysroot.exists())
 
-    def test_skips_when_there_is_no_mirror(self):
+    def test_skips_without_a_mirror(self):
         status, line = self.run_tool(NO_MIRROR="1")
         self.assertEqual((status, line), (77, "arm-sysroot: skipped: apt knows no mirror of bookworm main"))
 
-    def test_fails_with_the_reason_of_the_tool(self):
+    def test_fails_with_the_reason_given_by_the_tool(self):
         status, line = self.run_tool("broken")
         self.assertEqual((status, line), (1, "arm-sysroot: failed: mmdebstrap: E: setup failed: no such package"))
 
-    def test_takes_no_stream_that_ends_in_the_middle(self):
+    def test_rejects_a_truncated_stream(self):
         status, line = self.run_tool("cut")
         self.assertEqual(status, 1, line)
         self.assertFalse(self.sysroot.exists())
 
-    def test_starts_anew_after_it_was_killed_half_way(self):
+    def test_starts_over_after_it_was_killed(self):
         process = self.start("hang")
         self.addCleanup(process.stderr.close)
         while not (self.scratch / "sysroot.partial/usr/lib/some.so").is_symlink():
@@ -108,19 +108,19 @@ class ArmSysroot(unittest.TestCase):
         self.assert_whole()
         self.assertFalse((self.scratch / "sysroot.partial").exists())
 
-    def test_makes_it_anew_when_files_are_missing(self):
+    def test_recreates_it_if_files_are_missing(self):
         self.run_tool()
         (self.sysroot / "usr/include/some.h").unlink()
         status, line = self.run_tool()
         self.assertEqual((status, line.split(":")[1]), (0, " made"), line)
         self.assert_whole()
 
-    def test_makes_it_anew_when_its_marker_was_cut(self):
+    def test_recreates_it_if_its_marker_was_truncated(self):
         self.run_tool()
         (self.sysroot / ".arm-sysroot").write_text("")
         self.assertIn(" made:", self.run_tool()[1])
 
-    def test_touches_nothing_that_it_did_not_make(self):
+    def test_keeps_files_that_it_did_not_create(self):
         (self.sysroot / "usr").mkdir(parents=True)
         status, line = self.run_tool()
         self.assertEqual(status, 1)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Which faults tools/mutants makes of a line."""
+"""Tests which faults tools/mutants derives from a line."""
 
 import importlib.machinery
 import importlib.util
@@ -34,7 +34,7 @@ class Changes(unittest.TestCase):
         self.expect("    object.Change(x);", "    ;")
         self.expect("    count = other;", "    ;")
 
-    def test_leave_declarations_comments_and_texts_alone(self):
+    def test_skip_declarations_comments_and_strings(self):
         for line in ("#include <a>", "    // a < b", "    std::string text;", "    return \"a < b, 1\";", "using a = b;"):
             self.expect(line)
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""./run on machines of every kind: what it would install, build and test with are stand-ins here."""
+"""Tests ./run on different kinds of machines: the tools it would install, build, and test with are stubs."""
 
 import os
 import pathlib
@@ -12,7 +12,7 @@ import unittest
 TREE = pathlib.Path(__file__).resolve().parent.parent.parent
 NOBODY = 65534
 
-# Each writes its name and arguments into the file "called".
+# Each appends its name and arguments to the file "called".
 STAND_INS = {
     "apt-get": "",
     "cmake": "",
@@ -62,7 +62,7 @@ class Run(unittest.TestCase):
         self.write("tests/support/with-private-shm", f"#!/bin/sh\n{command}\n")
 
     def run_verb(self, *words, user=None, **environment):
-        """The exit status, standard output and standard error."""
+        """Returns the exit status, standard output, and standard error."""
         variables = {"RESULT": PASSED, "MISSING": "", "SUDO": "", **environment}
         ended = subprocess.run(["./run", *words], cwd=self.root, user=user, stdin=subprocess.DEVNULL, text=True, timeout=60,
                                stdout=subprocess.PIPE, stderr=subprocess.PIPE,
@@ -74,7 +74,7 @@ class Run(unittest.TestCase):
 
     # Verbs
 
-    def test_an_unknown_verb_ends_with_the_nearest_one_as_a_hint(self):
+    def test_an_unknown_verb_suggests_the_nearest_one(self):
         for word, hint in (("tets", "did you mean 'test'?"), ("pakage", "did you mean 'package'?"),
                            ("xyzzy", "./run without a verb lists all verbs")):
             with self.subTest(word):
@@ -93,7 +93,7 @@ class Run(unittest.TestCase):
                                  "hint: apt-get install --no-install-recommends ninja-build\n")
         self.assertEqual(self.called("apt-get"), [])
 
-    def test_a_user_with_sudo_installs_them_and_is_told_before(self):
+    def test_a_user_with_sudo_is_informed_and_installs_them(self):
         status, _, errors = self.run_verb("setup", user=self.ordinary_user(), MISSING="ninja-build", SUDO="yes")
         self.assertEqual((status, errors), (0, "==> installing 1 Debian packages: ninja-build\n"))
         self.assertEqual(self.called("apt-get")[-1], "install -q -y --no-install-recommends ninja-build")
@@ -106,14 +106,14 @@ class Run(unittest.TestCase):
     def packaged(self):
         return re.findall(r"-E chdir build/(\w+) cpack", "\n".join(self.called("cmake")))
 
-    def test_packages_are_made_for_both_architectures_or_for_one(self):
+    def test_packages_are_built_for_both_architectures_or_for_one(self):
         for words, presets in (([], ["release", "arm"]), (["release"], ["release"]), (["arm"], ["arm"])):
             with self.subTest(words):
                 (self.root / "called").write_text("")
                 status, _, errors = self.run_verb("package", *words)
                 self.assertEqual((status, self.packaged()), (0, presets), errors)
 
-    def test_packages_of_an_unknown_preset_are_refused(self):
+    def test_packages_of_an_unknown_preset_are_rejected(self):
         self.assertEqual(self.run_verb("package", "dev"), (1, "", "run: unknown preset 'dev' for packages\n"
                                                                   "hint: ./run package [release|arm]\n"))
 
@@ -133,7 +133,7 @@ class Run(unittest.TestCase):
         self.assertIn("==> testing one at a time: this machine allows no private /dev/shm\n", errors)
         self.assertEqual(self.at_a_time(), ["1"])
 
-    def test_beside_foreign_segments_nothing_is_built(self):
+    def test_nothing_is_built_beside_foreign_segments(self):
         self.shared_memory("echo 'with-private-shm: in use' >&2; exit 1")
         self.assertEqual(self.run_verb("test"), (1, "", "with-private-shm: in use\n"))
         self.assertEqual((self.called("cmake"), self.called("ctest")), ([], []))

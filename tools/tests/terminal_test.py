@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What the terminal of the recordings shows after it was sent some bytes, and how it is drawn."""
+"""Tests the terminal emulator of the recordings, and its drawing."""
 import os
 import sys
 import unittest
@@ -25,7 +25,7 @@ class AScreen(unittest.TestCase):
     def test_wraps_and_scrolls(self):
         self.shows(screen_after("0123456789ab\r\nc\r\nd\r\ne\r\nf"), "c", "d", "e", "f")
 
-    def test_gives_wide_characters_two_columns_and_combining_ones_none(self):
+    def test_wide_characters_occupy_two_columns_and_combining_ones_none(self):
         screen = screen_after("周x", "e\u0301y")
         self.shows(screen, "周xe\u0301y")
         self.assertEqual(screen.column, 5)
@@ -37,14 +37,14 @@ class AScreen(unittest.TestCase):
         self.shows(screen_after("a\r\nb\r\nc\033[2;4r\033[2;1H\033[M"), "a", "c")
         self.shows(screen_after("-\033[4b"), "-----")
 
-    def test_takes_bytes_in_any_pieces(self):
+    def test_accepts_bytes_in_any_chunks(self):
         whole = "周\033[31mred\033[0m".encode()
         for cut in range(len(whole)):
             screen = screen_after(whole[:cut], whole[cut:])
             self.shows(screen, "周red")
             self.assertEqual(screen.cells[0][2].look, Look(foreground=1))
 
-    def test_has_a_second_screen(self):
+    def test_has_an_alternate_screen(self):
         screen = screen_after("shell\033[?1049h\033[?25l\033[Hprogram")
         self.shows(screen, "program")
         self.assertTrue(screen.alternate)
@@ -53,11 +53,11 @@ class AScreen(unittest.TestCase):
         self.shows(screen, "shell")
         self.assertTrue(screen.cursor_shown)
 
-    def test_knows_how_characters_look(self):
+    def test_tracks_attributes(self):
         look = screen_after("\033[1;7;38;5;208;48;2;1;2;3mx").cells[0][0].look
         self.assertEqual(look, Look(foreground=208, background=(1, 2, 3), bold=True, reverse=True))
 
-    def test_keeps_what_there_is_when_its_size_changes(self):
+    def test_keeps_its_contents_on_resize(self):
         screen = screen_after("ab\r\ncd")
         screen.resize(1, 1)
         self.shows(screen, "a")
@@ -65,20 +65,20 @@ class AScreen(unittest.TestCase):
         screen.feed(b"x")
         self.shows(screen, "x")
 
-    def test_notes_marks_of_the_shell(self):
+    def test_records_shell_marks(self):
         self.assertEqual(screen_after("\033]133;A\007$ ").commands, ["133;A"])
 
 
 class APicture(unittest.TestCase):
-    def test_puts_every_wide_character_at_its_columns(self):
+    def test_positions_every_wide_character(self):
         drawn = draw_line(screen_after("a周杰b").cells[0])
         self.assertIn(f'x="{CELL_WIDTH:g} {CELL_WIDTH * 3:g}"', drawn)
         self.assertIn(f'x="{CELL_WIDTH * 5:g}" textLength="{CELL_WIDTH:g}"', drawn)
 
-    def test_keeps_columns_that_are_far_apart_apart(self):
+    def test_preserves_wide_gaps(self):
         self.assertIn(f'x="{CELL_WIDTH * 5:g}"', draw_line(screen_after("a    b").cells[0]))
 
-    def test_is_well_formed_whatever_is_shown(self):
+    def test_is_well_formed_for_any_content(self):
         film = Film("a & b", 4, 10)
         screen = screen_after("<&>\"'")
         film.take(screen, 1)
@@ -89,7 +89,7 @@ class APicture(unittest.TestCase):
         self.assertEqual(picture.getElementsByTagName("title")[0].firstChild.data, "a & b")
         self.assertEqual(film.frame_count(), 2)
 
-    def test_shows_a_screen_that_stays_once(self):
+    def test_draws_an_unchanged_screen_once(self):
         film = Film("", 4, 10)
         screen = screen_after("a")
         film.take(screen, 1)

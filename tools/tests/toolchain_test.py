@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The toolchain file says what is missing. Usage: toolchain_test.py CMAKE"""
+"""Tests that the toolchain file reports what is missing. Usage: toolchain_test.py CMAKE"""
 
 import pathlib
 import subprocess
@@ -25,18 +25,18 @@ class Toolchain(unittest.TestCase):
         return " ".join(result.stdout.split())
 
     def test_no_sysroot(self):
-        self.assertIn("There is no sysroot in ''. Make one with tools/arm-sysroot DIR", self.refused())
+        self.assertIn("There is no sysroot in ''. Create one with tools/arm-sysroot DIR", self.refused())
 
-    def test_a_directory_that_is_no_sysroot(self):
+    def test_a_directory_that_is_not_a_sysroot(self):
         self.assertIn(f"There is no sysroot in '{self.scratch}'.", self.refused(f"-DCMAKE_SYSROOT={self.scratch}"))
 
     def test_no_cross_compiler(self):
         (self.scratch / "usr/include").mkdir(parents=True)
         for language in ("C", "CXX"):
-            told = self.refused(f"-DCMAKE_SYSROOT={self.scratch}", "-DCMAKE_C_COMPILER=cc", "-DCMAKE_CXX_COMPILER=c++",
+            output = self.refused(f"-DCMAKE_SYSROOT={self.scratch}", "-DCMAKE_C_COMPILER=cc", "-DCMAKE_CXX_COMPILER=c++",
                                 f"-DCMAKE_{language}_COMPILER=no-such-compiler")
             self.assertIn("There is no cross compiler 'no-such-compiler'. Install the packages of "
-                          "packaging/packages-arm.txt", told)
+                          "packaging/packages-arm.txt", output)
 
 
 if __name__ == "__main__":

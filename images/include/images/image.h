@@ -1,5 +1,5 @@
 /// @file
-/// Type and size of an image from its first bytes. Nothing is decoded, and any bytes are safe.
+/// Detects the type and size of an image from its first bytes. Decodes no pixels; any input is safe.
 ///
 ///     const images::Head head = images::Examine(bytes.data(), bytes.size());
 ///     if (head.type == images::Type::Png && head.width > 0) …
@@ -21,8 +21,8 @@ enum class Type
     Tiff,
 };
 
-/// What the first bytes of an image report. The size is in pixels; both numbers are 0 while one of them is unknown:
-/// the head is cut off, is damaged, or is longer than the bytes.
+/// Type and size of an image. The size is in pixels; both numbers are 0 if either is unknown because the header is
+/// truncated, damaged, or longer than the given bytes.
 struct Head
 {
     Type type = Type::Unknown;
@@ -30,7 +30,7 @@ struct Head
     std::uint32_t height = 0;
 };
 
-/// Returns type and size. Most heads take 32 bytes; a JPEG has its size behind its tables and an embedded preview, and
+/// Returns type and size. Most headers need 32 bytes; a JPEG stores its size after its tables and an embedded preview,
 /// a TIFF anywhere.
 ///
 /// @param bytes  the beginning of the image; may be null when @p count is 0
@@ -39,6 +39,6 @@ Head Examine(const unsigned char* bytes, std::size_t count);
 /// Returns the media type, for example "image/jpeg"; "application/octet-stream" for Type::Unknown.
 const char* MediaType(Type type);
 
-/// Returns the ending of file names, for example ".jpg"; ".bin" for Type::Unknown.
+/// Returns the file name extension, for example ".jpg"; ".bin" for Type::Unknown.
 const char* Extension(Type type);
 }  // namespace images

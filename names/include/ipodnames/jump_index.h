@@ -1,9 +1,9 @@
 /// @file
-/// Finding names in a long list: by letter, and while typing.
+/// Finds names in a long list: by letter, and while typing.
 ///
 ///     const JumpIndex index(names);
 ///     index.Search("zjl");          // finds 周杰伦, as "zhoujl", "zhou jie lun" and "杰伦" do
-///     index.Sections();             // where A, B, … begin in the sorted list
+///     index.Sections();             // where A, B, … start in the sorted list
 #pragma once
 
 #include <ipodnames/reading.h>
@@ -19,51 +19,51 @@ namespace ipodnames
 {
 struct JumpIndexOptions
 {
-    std::string locale = "zh";  ///< whose alphabet and order are used; an unknown one gives the root order
+    std::string locale = "zh";  ///< ICU locale whose alphabet and order are used; an unknown one selects the root order
     Subject subject = Subject::Unknown;
 
     /// Words to ignore at the beginning of a name when it is sorted, such as {"The", "A"}; case does not matter. "The
     /// Beatles" is then in section B. Search() still finds it by "the".
     std::vector<std::string> articles;
 
-    /// Readings that are known from elsewhere, in the order of the names. An empty or missing one is made here.
+    /// Readings from another source, in the order of the names. Empty or missing ones are computed.
     std::vector<std::string> readings;
 };
 
-/// Where the names of a letter begin.
+/// A letter and the position of its first name.
 struct JumpSection
 {
     std::string label;  ///< a letter of the locale's alphabet, or "#" for everything else
     int position;       ///< in JumpIndex::Order()
 };
 
-/// Immutable: any thread may search, several at the same time. Copies share their contents.
+/// Immutable: several threads may search at the same time. Copies share their contents.
 class JumpIndex
 {
 public:
-    /// Takes some microseconds per name: build long lists on another thread. Any bytes are safe.
+    /// Needs some microseconds per name: index long lists on another thread. Any bytes are safe.
     /// @throws std::runtime_error if the system's ICU has no data for sorting
     explicit JumpIndex(const std::vector<std::string>& names, const JumpIndexOptions& options = {});
 
-    /// Indices of the names, section by section, and as the locale sorts them within a section. Names that are filed by
+    /// Returns the indices of the names by section, and within a section in the order of the locale. Names filed by
     /// their reading follow the others there: Sam, 三毛 (san mao), 单依纯 (shan yi chun).
     const std::vector<int>& Order() const;
 
-    /// The sections of ICU's AlphabeticIndex for the locale and for Latin letters, in the order of Order(); "#" is the
-    /// last one, empty ones are left out.
+    /// Returns the non-empty sections of ICU's AlphabeticIndex for the locale and for Latin letters, in the order of
+    /// Order(); "#" comes last.
     ///
     /// A name is filed by its first letter or digit. Names in scripts that the locale does not use, and Chinese names
     /// where the locale sorts them by pinyin, are filed by their reading: 单依纯 is in S, as a surname is read shan.
     const std::vector<JumpSection>& Sections() const;
 
-    /// Indices of the names that match, those that match from their first syllable or word on before the others, in
-    /// the order of Order(). An empty query matches nothing; only its first 60 letters count.
+    /// Returns the indices of matching names: first those that match from their first syllable or word, then the
+    /// others, each in the order of Order(). An empty query matches nothing; only its first 60 letters count.
     ///
-    /// A query matches beginnings of successive syllables or words, in any mixture; the ü of 女 is typed as v or u. One
-    /// that is not ASCII is searched for in the names themselves.
+    /// A query matches the beginnings of successive syllables or words, in any mixture; the ü of 女 is typed as v or u.
+    /// A non-ASCII query is searched for in the names themselves.
     std::vector<int> Search(const std::string& query, std::size_t limit = 100) const;
 
-    /// Returns how a name is read, as ipodnames::Reading() does unless its reading was given.
+    /// Returns the given reading of a name, or else that of ipodnames::Reading().
     /// @throws std::out_of_range if no name has this index
     std::string Reading(int index) const;
 

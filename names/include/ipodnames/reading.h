@@ -1,5 +1,5 @@
 /// @file
-/// How names in any script are read, in Latin letters that can be typed.
+/// Readings of names in any script, in Latin letters that can be typed.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace ipodnames
 {
-/// What names are of, as far as it is known. Chinese surnames have readings of their own.
+/// What a name refers to, if known. Some Chinese surnames have a special reading.
 enum class Subject
 {
     Unknown,  ///< two or three Chinese characters are read as a person's name unless they are a common word
@@ -21,7 +21,7 @@ enum class Subject
 ///
 /// Chinese is read in pinyin without tones, traditional characters as simplified ones, ü as u; Russian and Ukrainian
 /// are transcribed after BGN, Greek after UNGEGN, Korean in Revised Romanization, kana in Hepburn's. Any bytes are
-/// safe. Threads may call it at the same time. The first call prepares ICU's rules, which takes about 0.1 s.
+/// safe. Thread-safe. The first call prepares ICU's rules, which takes about 0.1 s.
 std::string Reading(const std::string& name, Subject subject = Subject::Unknown);
 }  // namespace ipodnames
 

@@ -1,5 +1,5 @@
-// The signal callbacks called as GLib calls them, with what no bus would carry, and for their results, which no
-// application sees. This program links the library's units.
+// Calls the signal callbacks directly: with arguments that no bus would carry, and to check their results, which
+// applications never see. This program links the library's objects.
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "bus/bus_test.h"
 #include "internal/module_state.h"
@@ -18,7 +18,7 @@ protected:
         client->AddListener(&listener);
     }
 
-    // A variant in text, owned by the test.
+    // Parses a variant, owned by the test.
     GVariant* Variant(const char* text)
     {
         variant = g_variant_ref_sink(g_variant_new_parsed(text));
@@ -45,7 +45,7 @@ TEST_F(CallbackTest, AFlagOfTwoIsTrue)
     EXPECT_THAT(LogLines(), ElementsAre("40 OnWirelessCarPlayUpdate: OnWirelessCarPlayUpdate() - 1, address"));
 }
 
-TEST_F(CallbackTest, ADispatchedEventReturnsTrueAlsoWithoutAListener)
+TEST_F(CallbackTest, ADispatchedEventReturnsTrueWithoutListeners)
 {
     client->RemoveListener(&listener);
 
@@ -63,7 +63,7 @@ TEST_F(CallbackTest, ADroppedEventReturnsFalse)
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(CallbackTest, AProxyThatNoClientSubscribedToDelivers)
+TEST_F(CallbackTest, AProxyWithoutASubscribedClientDelivers)
 {
     auto* const stranger = COM_ZARN_LINUX_IPOD(g_object_new(TYPE_COM_ZARN_LINUX_IPOD_PROXY, nullptr));
 
@@ -94,7 +94,7 @@ TEST_F(CallbackTest, PairingInformationOfAnotherTypeArrivesEmpty)
     EXPECT_THAT(journal, ElementsAre("app.OnOOBPairingInfo(\"a\", [])"));
 }
 
-TEST_F(CallbackTest, ANullVariantIsNoCrash)
+TEST_F(CallbackTest, ANullVariantDoesNotCrash)
 {
     EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, nullptr, client), FALSE);
     EXPECT_EQ(qbx::CallBack_OnIpodBatteryChange(qbx::serviceProxy, nullptr, client), FALSE);

@@ -1,5 +1,5 @@
-// Commands and events while no client was ever built in the process. Applications cannot get there, because they
-// need a client to call: this program links the library's units and clears the flag.
+// Commands and events before any client was built in the process. Applications cannot reach this state, because they
+// need a client to call. This program links the library's objects and clears the flag.
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "bus/bus_test.h"
 #include "bus/command_table.h"
@@ -19,7 +19,7 @@ std::string NameOf(const testing::TestParamInfo<Command>& info)
 class NotReadyTest : public ServiceTest
 {
 protected:
-    // Connected, so that a call or an event that gets through would be seen.
+    // Connected, so that a call or an event that gets through would be noticed.
     QBXIpod_MediaPlayer_Client& NotReady()
     {
         auto& client = static_cast<QBXIpod_MediaPlayer_Client&>(Connected());
@@ -87,7 +87,7 @@ TEST_F(NotReadyTest, CarPlayConnectStatusNotifyMakesNoCall)
     EXPECT_THAT(service.Calls(), ElementsAre("Seek(0,)"));
 }
 
-TEST_F(NotReadyTest, GetCurrentMediaInfoStillAsks)
+TEST_F(NotReadyTest, GetCurrentMediaInfoStillCalls)
 {
     service.Answer("GetCurrentMediaInfo", "(<@ay []>,)");
 
@@ -96,7 +96,7 @@ TEST_F(NotReadyTest, GetCurrentMediaInfoStillAsks)
     EXPECT_THAT(service.Calls(), ElementsAre("GetCurrentMediaInfo()"));
 }
 
-TEST_F(NotReadyTest, EapWriteLeavesTheWriteBufferAlone)
+TEST_F(NotReadyTest, EapWriteLeavesTheWriteBufferUnchanged)
 {
     SharedVectors().SetBytes("VecEapWriteBufferShareMemory", {9, 9});
     std::vector<unsigned char> data = {1};
@@ -138,7 +138,7 @@ TEST_F(NotReadyTest, EventsThatLogFirstWriteTheirLineAndReachNoListener)
                     "40 OnOOBPairingInfo: OnOOBPairingInfo() - a, 0"));
 }
 
-TEST_F(NotReadyTest, EventsThatTestFirstWriteNothingAndReachNoListener)
+TEST_F(NotReadyTest, EventsThatCheckFirstWriteNothingAndReachNoListener)
 {
     Journal journal;
     RecordingListener listener(journal, "app");

@@ -1,5 +1,5 @@
-// An application that knows nothing but what is installed: every public header, and something out of each part
-// that a linker must find. It stays off the bus.
+// An application that uses only installed files: every public header, and a symbol of each part that the linker must
+// find. It does not connect to a bus.
 #include <IQBXAppListener.h>
 #include <IQBXIpodPlayer.h>
 #include <IQBXIpodPlayerListener.h>

@@ -1,4 +1,4 @@
-// Stands for the unit's middleware: another implementation of what libipod.so leaves undefined.
+// A substitute for the head unit's middleware: another implementation of the symbols that libipod.so leaves undefined.
 #include <QBXLog.h>
 #include <QBXMutex.h>
 #include <QBXSource.h>

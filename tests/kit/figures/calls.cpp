@@ -1,5 +1,5 @@
-// An asynchronous command of the companion against the generated binding's bare one: one call at a time, in random
-// order. Meant for one processor.
+// Compares an asynchronous command of the companion with a bare call of the generated binding: one call at a time, in
+// random order. Intended to run on one CPU.
 #include <ipod_dbus.h>
 
 #include <random>

@@ -1,5 +1,5 @@
 /// @file
-/// What the parts of the measuring program share. Each part prints lines "figure NAME VALUE", which run-figures reads.
+/// Code shared by the benchmarks. Each prints lines "figure NAME VALUE", which run-figures parses.
 #pragma once
 
 #include <chrono>
@@ -9,16 +9,16 @@ namespace test
 {
 using Clock = std::chrono::steady_clock;
 
-/// Microseconds, or whatever a part says.
+/// In microseconds unless stated otherwise.
 using Samples = std::vector<double>;
 
 double Microseconds(std::chrono::nanoseconds duration);
 
-/// The @p which of them, 0.5 for the median.
+/// The @p which quantile; 0.5 is the median.
 double Quantile(Samples samples, double which);
 
 void Print(const char* name, double value);
 
-/// IPODKIT_ROUNDS, or what is given.
+/// The value of IPODKIT_ROUNDS, or the given default.
 int Rounds(int otherwise);
 }  // namespace test

@@ -1,4 +1,4 @@
-// The index of 50,000 names: how long it takes to build, what it takes to keep, how long a search takes.
+// The index of 50,000 names: build time, memory, and search time.
 #include <gmock/gmock.h>
 #include <ipodnames/jump_index.h>
 #include <malloc.h>
@@ -16,7 +16,7 @@ using Names = std::vector<std::string>;
 
 constexpr int kNames = 50000;
 
-// Common characters, as the kana and letters of the other lists: two to six of them, drawn anew for each name.
+// Common characters; like the kana and letters of the other lists, two to six are drawn at random for each name.
 Names Drawn(char32_t first, unsigned count, int each, const std::string& prefix)
 {
     std::mt19937 engine(1);

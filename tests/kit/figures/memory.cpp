@@ -1,4 +1,4 @@
-// What a session with a pager of 50,000 entries takes. The service is another process.
+// The memory of a session with a pager of 50,000 entries. The service is a separate process.
 #include <ipodkit/pager.h>
 #include <malloc.h>
 #include <sys/wait.h>
@@ -26,8 +26,8 @@ void AnswerPage(SharedVectors& shared, GDBusMethodInvocation* call)
     g_dbus_method_invocation_return_value(call, g_variant_new("(bbb)", FALSE, FALSE, TRUE));
 }
 
-// Forked before any thread starts: waits for the address of the bus, and serves until it is told to end. The end of
-// the pipe would not tell it, because others inherit that.
+// Forked before any thread starts: waits for the address of the bus, and serves until told to exit. End of file on the
+// pipe does not suffice, because other processes inherit it.
 class ServiceProcess
 {
 public:
@@ -87,7 +87,7 @@ double HeapMegabytes()
     return static_cast<double>(info.uordblks + info.hblkhd) / (1 << 20);
 }
 
-// The whole list, page by page.
+// Reads the whole list, page by page.
 void Walk(Pager& pager, int pageSize)
 {
     for (int index = 0; index < kEntries; index += pageSize)

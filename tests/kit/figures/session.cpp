@@ -1,4 +1,4 @@
-// How fast a session follows the service, and how little it keeps the loop while the service hangs.
+// How fast a session follows the service, and how briefly it blocks the loop while the service hangs.
 #include <ipodkit/core.h>
 #include "kit/figures/figures.h"
 #include "kit/kit_test.h"
@@ -16,7 +16,7 @@ struct Heard : IQBXIpodPlayerListener
     Clock::time_point at;
 };
 
-// From the core's delivery of an event to the subscriber, less the settle time.
+// From the core's delivery of an event to the subscriber, minus the settle time.
 TEST_F(SessionFigures, SettledChange)
 {
     FakeService service;
@@ -41,7 +41,7 @@ TEST_F(SessionFigures, SettledChange)
     Print("change_99", Quantile(late, 0.99));
 }
 
-// The first one of the process attaches the segments and connects the core.
+// The first session of the process attaches the segments and connects the core.
 TEST_F(SessionFigures, Start)
 {
     FakeService service;
@@ -68,7 +68,7 @@ TEST_F(SessionFigures, Restarts)
     Print("ready_again", Quantile(ready, 0.5));
 }
 
-// How late the loop was for a source that ticks, and the longest that one turn of it took.
+// The longest delay of a ticking source, and the longest main-loop iteration.
 class Loop
 {
 public:
@@ -83,7 +83,7 @@ private:
     Ticker m_ticker;
 };
 
-// What the machine does to a loop that has nothing to do.
+// The baseline: an idle loop on this machine.
 TEST_F(SessionFigures, LoopAlone)
 {
     const Loop loop;
@@ -112,7 +112,7 @@ TEST_F(SessionFigures, LoopWhileTheServiceHangsFromTheStart)
     EXPECT_EQ(session->Connection().phase, Phase::Connecting);
 }
 
-// It answers the ping, and nothing after it.
+// The service answers the ping but nothing after it.
 TEST_F(SessionFigures, LoopWhileTheServiceHangsAfterThePing)
 {
     FakeService service;

@@ -14,7 +14,7 @@ constexpr char kDefaultFormat[] = "%d %V [%p:%F:%L] %m%n";
 std::smatch Matched(const std::string& line, const char* pattern)
 {
     std::smatch found;
-    if (!std::regex_match(line, found, std::regex(pattern))) throw std::invalid_argument("unusable line " + line);
+    if (!std::regex_match(line, found, std::regex(pattern))) throw std::invalid_argument("invalid line " + line);
     return found;
 }
 
@@ -95,7 +95,7 @@ Configuration ReadConfiguration(const std::string& path)
         if (line[0] == '[')
             reader = kSections.at(line);
         else if (reader == nullptr)
-            throw std::invalid_argument("outside of a section: " + line);
+            throw std::invalid_argument("line outside of a section: " + line);
         else
             reader(read, line);
     }

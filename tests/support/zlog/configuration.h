@@ -13,7 +13,7 @@
 /// A line such as `ipod.INFO "/tmp/ipod.log", 1MB * 3; line`.
 struct Rule
 {
-    std::string category;  ///< "*" fits every category, "ipod_" also "ipod" and "ipod_kit"
+    std::string category;  ///< "*" matches every category; "ipod_" matches "ipod" and "ipod_kit"
     char comparison;       ///< '>' this level and above, '=' this level, '!' every other level
     int level;
     std::shared_ptr<int> out;  ///< closed with the last rule
@@ -32,5 +32,5 @@ struct Configuration
     std::string NameOf(int level) const;
 };
 
-/// @throws std::exception  for a file that cannot be read, or a line that cannot be used
+/// @throws std::exception  for an unreadable file or an invalid line
 Configuration ReadConfiguration(const std::string& path);

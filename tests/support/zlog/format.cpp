@@ -28,7 +28,7 @@ std::string Digits(long number, std::size_t count)
 const std::map<std::string, std::function<std::string(const Record&)>> kConversions = {
     {"c", [](const Record& record) { return record.category; }},
     {"F", [](const Record& record) { return record.file; }},
-    // What follows the last slash.
+    // The part after the last slash.
     {"f", [](const Record& record) { return record.file.substr(record.file.rfind('/') + 1); }},
     {"L", [](const Record& record) { return std::to_string(record.line); }},
     {"m", [](const Record& record) { return record.message; }},

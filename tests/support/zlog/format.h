@@ -1,5 +1,5 @@
 /// @file
-/// The formats of a configuration: `"%d(%F %T) %-5V %m%n"`.
+/// Formats of a configuration, such as `"%d(%F %T) %-5V %m%n"`.
 #pragma once
 
 #include <sys/time.h>
@@ -18,7 +18,7 @@ struct Record
     timeval time;
 };
 
-/// Text, and the conversion that follows it; the last piece has none.
+/// Text and the conversion after it; the last piece has no conversion.
 struct Piece
 {
     std::string text;
@@ -28,7 +28,7 @@ struct Piece
 
 using Format = std::vector<Piece>;
 
-/// @throws std::invalid_argument  for a conversion that zlog does not have, or that is missing here
+/// @throws std::invalid_argument  for a conversion that zlog or this stand-in does not support
 Format ParseFormat(const std::string& text);
 
 /// The line that a rule writes.

@@ -1,4 +1,4 @@
-// A small zlog: configuration files, categories and records as zlog documents them.
+// A small zlog: configuration files, categories, and records as zlog documents them.
 #include <unistd.h>
 
 #include <cstdarg>
@@ -33,7 +33,7 @@ int Configure(const char* path)
     }
     catch (const std::exception& broken)
     {
-        // zlog writes to the file that this variable names, and is silent otherwise.
+        // zlog reports errors to the file in this variable, and otherwise nowhere.
         if (std::getenv("ZLOG_PROFILE_ERROR") != nullptr) std::fprintf(stderr, "zlog: %s\n", broken.what());
         return -1;
     }

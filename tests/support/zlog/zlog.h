@@ -1,5 +1,5 @@
 /// @file
-/// The part of zlog's interface that this project and an application beside it use.
+/// The part of zlog's interface that this project and applications use.
 #pragma once
 
 #include <stddef.h>
@@ -11,8 +11,8 @@ extern "C"
 
     typedef struct zlog_category_s zlog_category_t;
 
-    /// Reads the configuration file at @p config. Returns 0, or -1 when the file cannot be read or used, or when zlog
-    /// is initialized already.
+    /// Reads the configuration file at @p config. Returns 0, or -1 if the file cannot be read or is invalid, or if zlog
+    /// is already initialized.
     int zlog_init(const char* config);
 
     /// Replaces the configuration; categories stay valid. Returns 0, or -1 and keeps the configuration.
@@ -24,7 +24,7 @@ extern "C"
     /// Returns the category @p name, or null before zlog_init().
     zlog_category_t* zlog_get_category(const char* name);
 
-    /// Writes one record through every rule that fits. The lengths count bytes without the terminator.
+    /// Writes one record through every matching rule. The lengths count bytes without the terminator.
     void zlog(zlog_category_t* category, const char* file, size_t filelen, const char* func, size_t funclen, long line,
               int level, const char* format, ...) __attribute__((format(printf, 8, 9)));
 
@@ -42,8 +42,7 @@ enum
     ZLOG_LEVEL_FATAL = 120
 };
 
-// Named variadic arguments are no standard C or C++: a compiler told to be pedantic accepts them in system headers
-// only.
+// Named variadic arguments are not standard C or C++: with -pedantic, compilers accept them only in system headers.
 #define ZLOG_AT_LEVEL(category, level, format, args...) \
     zlog(category, __FILE__, sizeof(__FILE__) - 1, __func__, sizeof(__func__) - 1, __LINE__, level, format, ##args)
 #define zlog_info(category, format, args...) ZLOG_AT_LEVEL(category, ZLOG_LEVEL_INFO, format, ##args)
