@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -104,6 +105,19 @@ protected:
 
     test::ObjectName m_name;
     milliseconds m_took{};
+};
+
+class PublishNewSegment : public AttachSegment
+{
+protected:
+    const std::size_t kSmallest = QBXSegmentAlgorithm::Alignment + QBXSegmentManager::get_min_size();
+
+    bool Publish(std::size_t size, const qbx::Furnish& furnish = LeaveEmpty)
+    {
+        return qbx::PublishNewSegment(m_name.c_str(), size, furnish);
+    }
+
+    bool IsThere() const { return access(m_name.path().c_str(), F_OK) == 0; }
 };
 
 // Puts a device of that size in the place of /dev/shm, for this process only; false where that is not allowed.
@@ -449,10 +463,13 @@ TEST_F(AttachSegment, CreatesOneOnADeviceWithRoomForItsHeader)
 
 TEST_F(AttachSegment, RefusesToCreateOneOnADeviceThatHasLess)
 {
-    if (!MountDevice("12k")) GTEST_SKIP() << "no mount namespace here";
+    for (const char* const size : {"12k", "4k"})
+    {
+        if (!MountDevice(size)) GTEST_SKIP() << "no mount namespace here";
 
-    EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal());
-    EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal()) << size;
+        EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+    }
 }
 
 TEST_F(AttachSegment, CreatesOneOnADeviceWithoutALimit)
@@ -469,4 +486,42 @@ TEST_F(AttachSegment, FindsOneOnADeviceThatIsFull)
     test::WriteFile("/dev/shm/rest", std::vector<char>(8192));
 
     EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(PublishNewSegment, SucceedsFromTheSmallestSizeOn)
+{
+    EXPECT_FALSE(Publish(16));
+    EXPECT_FALSE(Publish(kSmallest - 1));
+    EXPECT_FALSE(IsThere());
+
+    EXPECT_TRUE(Publish(kSmallest));
+    EXPECT_EQ(kSmallest, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(PublishNewSegment, FailsWhenTheNameIsTaken)
+{
+    Put({1, 2, 3});
+
+    EXPECT_FALSE(Publish(kSegmentSize));
+
+    EXPECT_EQ(3u, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(PublishNewSegment, FailsWhenTheFurnitureDoesNotFit)
+{
+    EXPECT_FALSE(
+        Publish(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); }));
+
+    EXPECT_FALSE(IsThere());
+}
+
+TEST_F(PublishNewSegment, FailsWhenTheProcessMayNotMakeFilesOfThatSize)
+{
+    const rlimit limit{kSegmentSize - 1, kSegmentSize - 1};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &limit));
+
+    EXPECT_FALSE(Publish(kSegmentSize));
+
+    EXPECT_FALSE(IsThere());
 }
