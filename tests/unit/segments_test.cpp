@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -194,6 +195,24 @@ TEST_F(AttachSegment, GivesANewOneItsNameWhenItIsFurnished)
     EXPECT_FALSE(named);
     ASSERT_NE(nullptr, segment.find<int>("number").first);
     EXPECT_EQ(42, *segment.find<int>("number").first);
+}
+
+TEST_F(AttachSegment, KeepsItsDescriptorFromProgramsThatAreStarted)
+{
+    int descriptors = 0;
+    Attach(kSegmentSize,
+           [&](QBXSegmentManager&)
+           {
+               for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+               {
+                   std::error_code gone;
+                   const std::string object = std::filesystem::read_symlink(entry, gone);
+                   if (object.rfind("/dev/shm/", 0) != 0) continue;
+                   ++descriptors;
+                   EXPECT_EQ(FD_CLOEXEC, fcntl(std::stoi(entry.path().filename()), F_GETFD)) << object;
+               }
+           });
+    EXPECT_EQ(1, descriptors);
 }
 
 TEST_F(AttachSegment, LeavesNothingBehindWhenItIsKilledWhileItMakesOne)
