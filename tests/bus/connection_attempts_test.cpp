@@ -1,5 +1,5 @@
-// The attempts of InitInstance() to create the proxy. This program takes the place of the generated function, so that
-// attempts fail and succeed as a test says.
+// The attempts of InitInstance() to create the proxy, and what it connects. This program takes the place of the
+// functions for that, so that attempts fail and succeed as a test says.
 #include <IQBXIpodPlayer.h>
 #include <gmock/gmock.h>
 #include <ipod_dbus.h>
@@ -16,6 +16,8 @@ namespace
 std::string outcomes;
 std::size_t attempts = 0;
 bool errorWasPassedTwice = false;
+std::string request;               // the arguments of the last attempt
+std::vector<std::string> signals;  // as they were connected, with a mark behind those that were not connected plainly
 
 ComZarnLinuxIpod* FailedProxy(GError** error)
 {
@@ -32,12 +34,19 @@ ComZarnLinuxIpod* Proxy()
 }
 }  // namespace
 
-ComZarnLinuxIpod* com_zarn_linux_ipod_proxy_new_for_bus_sync(GBusType, GDBusProxyFlags, const gchar*, const gchar*,
-                                                             GCancellable*, GError** error)
+ComZarnLinuxIpod* com_zarn_linux_ipod_proxy_new_for_bus_sync(GBusType bus, GDBusProxyFlags flags, const gchar* name,
+                                                             const gchar* path, GCancellable*, GError** error)
 {
+    request = std::to_string(bus) + " " + std::to_string(flags) + " " + name + " " + path;
     const bool succeeds = attempts < outcomes.size() && outcomes[attempts] == 's';
     ++attempts;
     return succeeds ? Proxy() : FailedProxy(error);
+}
+
+gulong g_signal_connect_data(gpointer, const gchar* signal, GCallback, gpointer, GClosureNotify, GConnectFlags flags)
+{
+    signals.push_back(signal + std::string(flags == 0 ? "" : "!"));
+    return signals.size();
 }
 
 gchar* g_dbus_proxy_get_name_owner(GDBusProxy*)
@@ -93,6 +102,30 @@ TEST_P(ConnectionAttempts, AreMadeAndLoggedOneByOne)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ConnectionAttempts, testing::ValuesIn(kAttempts), NameOfAttempts);
+
+TEST(Connection, IsMadeToTheServiceOnTheSessionBus)
+{
+    QBX_GetIpodPlayer()->InitInstance();
+
+    EXPECT_EQ(request, std::to_string(G_BUS_TYPE_SESSION) + " 0 com.zarn.linux.ipod /com/zarn/linux/ipod");
+}
+
+TEST(Connection, NamesTheSignalsAsSpelledAndInTheirOrder)
+{
+    outcomes = "s";
+
+    EXPECT_TRUE(QBX_GetIpodPlayer()->InitInstance());
+
+    EXPECT_THAT(signals,
+                testing::ElementsAre(
+                    "on_carlife_device_detect_status_change", "on_carplay_device_detect_status_change",
+                    "on_ipod_app_bundle_name_change", "on_ipod_artwork_change", "on_ipod_device_status_change",
+                    "on_ipod_location_status_change", "on-ipod-phone-call-change", "on-ipod-battery-change",
+                    "on_ipod_playing_list_amount_change", "on_ipod_playing_track_change", "on_ipod_receive_eap_data",
+                    "on_ipod_repeat_mode_change", "on_ipod_shuffle_mode_change", "on_ipod_source_valid_status_change",
+                    "on_ipod_start_eap_session", "on_ipod_stop_eap_session", "on_play_progress_change",
+                    "on_play_status_changed", "on-wireless-car-play-update", "on-oobpairing-info"));
+}
 
 TEST(Connection, ReleasesTheNameOfTheOwner)
 {

@@ -183,6 +183,20 @@ TEST_F(LifeCycleTest, AnExceptionWhileBuildingIsNotRepeatedByTheSameThread)
     EXPECT_EQ(g_VecEapReadBufferShareMemory, nullptr);
 }
 
+TEST_F(LifeCycleTest, AnObjectThatIsThereIsReturnedWithoutTheLock)
+{
+    PutPipeInPlaceOfListSegment();
+    EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
+    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
+
+    auto* const other = new std::promise<IQBXIpodPlayer*>;
+    std::future<IQBXIpodPlayer*> same = other->get_future();
+    std::thread([other] { other->set_value(QBX_GetIpodPlayer()); }).detach();
+
+    ASSERT_EQ(same.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+    EXPECT_EQ(same.get(), player);
+}
+
 TEST_F(LifeCycleWithServiceTest, CommandsWorkAfterAnExceptionWhileBuildingAndListsAreEmpty)
 {
     PutPipeInPlaceOfListSegment();

@@ -15,6 +15,7 @@ namespace
 std::map<std::string, std::string> held;
 }  // namespace
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): those of the C library are reserved
 extern "C" int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept
 {
     std::ifstream file(from, std::ios::binary);

@@ -29,16 +29,16 @@ gboolean Answer(GVariant** reply, GError** error)
 }
 }  // namespace
 
-gboolean com_zarn_linux_ipod_call_get_current_media_info_sync(ComZarnLinuxIpod*, GVariant** info, GCancellable*,
+gboolean com_zarn_linux_ipod_call_get_current_media_info_sync(ComZarnLinuxIpod*, GVariant** result, GCancellable*,
                                                               GError** error)
 {
-    return Answer(info, error);
+    return Answer(result, error);
 }
 
-gboolean com_zarn_linux_ipod_call_get_playing_track_album_artwork_sync(ComZarnLinuxIpod*, GVariant** artwork,
+gboolean com_zarn_linux_ipod_call_get_playing_track_album_artwork_sync(ComZarnLinuxIpod*, GVariant** result,
                                                                        GCancellable*, GError** error)
 {
-    return Answer(artwork, error);
+    return Answer(result, error);
 }
 
 gboolean com_zarn_linux_ipod_call_get_device_list_sync(ComZarnLinuxIpod*, gboolean*, GCancellable*, GError** error)

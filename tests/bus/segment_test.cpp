@@ -306,7 +306,7 @@ TEST_F(SegmentTest, ThrowIfLockedByADeadProcess)
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
 
-    ExpectRefusalWithin(std::chrono::seconds(15));
+    ExpectRefusalWithin<bip::lock_exception>(std::chrono::seconds(15));
 }
 }  // namespace
 }  // namespace test

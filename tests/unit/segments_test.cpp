@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,6 +17,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -107,6 +109,19 @@ protected:
     milliseconds m_took{};
 };
 
+class PublishNewSegment : public AttachSegment
+{
+protected:
+    const std::size_t kSmallest = QBXSegmentAlgorithm::Alignment + QBXSegmentManager::get_min_size();
+
+    bool Publish(std::size_t size, const qbx::Furnish& furnish = LeaveEmpty)
+    {
+        return qbx::PublishNewSegment(m_name.c_str(), size, furnish);
+    }
+
+    bool IsThere() const { return access(m_name.path().c_str(), F_OK) == 0; }
+};
+
 // Mounts a file system of that size on /dev/shm, for this process only; false where that is not allowed.
 bool MountDevice(const std::string& size)
 {
@@ -181,6 +196,24 @@ TEST_F(AttachSegment, NamesANewOneAfterItIsComplete)
     EXPECT_FALSE(named);
     ASSERT_NE(nullptr, segment.find<int>("number").first);
     EXPECT_EQ(42, *segment.find<int>("number").first);
+}
+
+TEST_F(AttachSegment, KeepsItsDescriptorFromProgramsThatAreStarted)
+{
+    int descriptors = 0;
+    Attach(kSegmentSize,
+           [&](QBXSegmentManager&)
+           {
+               for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+               {
+                   std::error_code gone;
+                   const std::string object = std::filesystem::read_symlink(entry, gone);
+                   if (object.rfind("/dev/shm/", 0) != 0) continue;
+                   ++descriptors;
+                   EXPECT_EQ(FD_CLOEXEC, fcntl(std::stoi(entry.path().filename()), F_GETFD)) << object;
+               }
+           });
+    EXPECT_EQ(1, descriptors);
 }
 
 TEST_F(AttachSegment, LeavesNothingBehindIfKilledDuringCreation)
@@ -450,10 +483,13 @@ TEST_F(AttachSegment, CreatesOneOnADeviceWithSpaceForItsHeader)
 
 TEST_F(AttachSegment, DoesNotCreateOneOnADeviceWithLessSpace)
 {
-    if (!MountDevice("12k")) GTEST_SKIP() << "no mount namespace available";
+    for (const char* const size : {"12k", "4k"})
+    {
+        if (!MountDevice(size)) GTEST_SKIP() << "no mount namespace available";
 
-    EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal());
-    EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal()) << size;
+        EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
+    }
 }
 
 TEST_F(AttachSegment, CreatesOneOnADeviceWithoutALimit)
@@ -470,4 +506,42 @@ TEST_F(AttachSegment, FindsOneOnAFullDevice)
     test::WriteFile("/dev/shm/rest", std::vector<char>(8192));
 
     EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(PublishNewSegment, SucceedsFromTheSmallestSizeOn)
+{
+    EXPECT_FALSE(Publish(16));
+    EXPECT_FALSE(Publish(kSmallest - 1));
+    EXPECT_FALSE(IsThere());
+
+    EXPECT_TRUE(Publish(kSmallest));
+    EXPECT_EQ(kSmallest, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(PublishNewSegment, FailsWhenTheNameIsTaken)
+{
+    Put({1, 2, 3});
+
+    EXPECT_FALSE(Publish(kSegmentSize));
+
+    EXPECT_EQ(3u, test::ReadFile(m_name.path()).size());
+}
+
+TEST_F(PublishNewSegment, FailsWhenTheFurnitureDoesNotFit)
+{
+    EXPECT_FALSE(
+        Publish(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); }));
+
+    EXPECT_FALSE(IsThere());
+}
+
+TEST_F(PublishNewSegment, FailsWhenTheProcessMayNotMakeFilesOfThatSize)
+{
+    const rlimit limit{kSegmentSize - 1, kSegmentSize - 1};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &limit));
+
+    EXPECT_FALSE(Publish(kSegmentSize));
+
+    EXPECT_FALSE(IsThere());
 }

@@ -94,6 +94,18 @@ TEST_F(CallbackTest, PairingInformationOfAnotherTypeArrivesEmpty)
     EXPECT_THAT(journal, ElementsAre("app.OnOOBPairingInfo(\"a\", [])"));
 }
 
+TEST_F(CallbackTest, ANullTextArrivesEmpty)
+{
+    qbx::CallBack_OnCarplayDeviceDetectStatusChange(qbx::serviceProxy, 1, nullptr, client);
+    qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, nullptr, client);
+    qbx::CallBack_OnWirelessCarPlayUpdate(qbx::serviceProxy, TRUE, nullptr, client);
+    qbx::CallBack_OnOOBPairingInfo(qbx::serviceProxy, nullptr, Variant("@a(y) []"), client);
+
+    EXPECT_THAT(journal,
+                ElementsAre("app.OnCarplayDeviceDetectStatusChange(1, \"\")", "app.OnIpodAPPBundleNameChange(\"\")",
+                            "app.OnWirelessCarPlayUpdate(true, \"\")", "app.OnOOBPairingInfo(\"\", [])"));
+}
+
 TEST_F(CallbackTest, ANullVariantDoesNotCrash)
 {
     EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, nullptr, client), FALSE);
