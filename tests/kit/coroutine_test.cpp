@@ -15,8 +15,8 @@ namespace
 std::atomic<std::size_t> allocations{0};
 }
 
-// Replaces that of every library in the process.
-void* operator new(std::size_t size)
+// Replace those of every library in the process. Inlined, their calls of malloc() and free() would look mismatched.
+__attribute__((noinline)) void* operator new(std::size_t size)
 {
     ++allocations;
     void* const memory = std::malloc(size);
@@ -24,12 +24,12 @@ void* operator new(std::size_t size)
     return memory;
 }
 
-void operator delete(void* memory) noexcept
+__attribute__((noinline)) void operator delete(void* memory) noexcept
 {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }
