@@ -1,6 +1,6 @@
 // Announces a protocol and sends back whatever the companion app on the device sends.
 //
-// The simulator is an echo too: what comes back of what was sent back ends here, or it would go to and fro for ever.
+// The simulator echoes, too: bytes that return once more are dropped, because they would otherwise circulate forever.
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/accessory.h>
@@ -28,7 +28,7 @@ private:
     {
         std::printf("session %u opened\n", peer->Number());
         std::fflush(stdout);
-        // A session that its own callback held would never go.
+        // A callback that holds its own session would keep it alive.
         const auto echo = [this, weak = std::weak_ptr(peer)](const Result<Bytes>& data)
         { data ? Return(weak.lock(), *data) : Report(data.error()); };
         m_served[peer->Number()] = peer->OnData("echo", echo);
@@ -58,7 +58,7 @@ private:
 
 int main()
 {
-    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    // Without a log the library prints a warning in place of each record. QBX_LOG in the environment sets one up, too.
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     const auto session = Session::Open();
     if (!session)
@@ -76,13 +76,13 @@ int main()
                 .Start([](Result<void>) {});
     };
     const auto announced = (*session)->OnConnection("announce", announce);
-    // A service that is there is found sooner.
-    const auto tellWhatIsMissing = [](gpointer opened) -> gboolean
+    // A running service is found sooner.
+    const auto reportWaiting = [](gpointer opened) -> gboolean
     {
         if (static_cast<const Session*>(opened)->Connection().phase != Phase::Ready)
             std::fprintf(stderr, "waiting for the iPod service\n");
         return G_SOURCE_REMOVE;
     };
-    g_timeout_add(1000, tellWhatIsMissing, session->get());
+    g_timeout_add(1000, reportWaiting, session->get());
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

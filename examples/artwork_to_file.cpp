@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv)
 {
-    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    // Without a log the library prints a warning in place of each record. QBX_LOG in the environment sets one up, too.
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     const ipodkit::PictureFiles files(argc > 1 ? argv[1] : "");
     const auto session = ipodkit::Session::Open();
@@ -26,13 +26,13 @@ int main(int argc, char** argv)
         std::fflush(stdout);
     };
     const auto written = (*session)->OnState("artwork", write, ipodkit::Field::Artwork);
-    // A service that is there is found sooner.
-    const auto tellWhatIsMissing = [](gpointer opened) -> gboolean
+    // A running service is found sooner.
+    const auto reportWaiting = [](gpointer opened) -> gboolean
     {
         if (static_cast<const ipodkit::Session*>(opened)->Connection().phase != ipodkit::Phase::Ready)
             std::fprintf(stderr, "waiting for the iPod service\n");
         return G_SOURCE_REMOVE;
     };
-    g_timeout_add(1000, tellWhatIsMissing, session->get());
+    g_timeout_add(1000, reportWaiting, session->get());
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

@@ -1,29 +1,27 @@
-// Shows what plays, for as long as it runs. Compare with now_playing_core.cpp.
+// Shows what plays, for as long as it runs. now_playing_coroutine.cpp is the same with co_await, and
+// now_playing_core.cpp with the core alone.
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/session.h>
 
-#include <cstdio>
+#include <iostream>
+
+using namespace ipodkit;
 
 int main()
 {
-    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    // Without a log the library prints a warning in place of each record. QBX_LOG in the environment sets one up, too.
     if (liblog_category == nullptr) QBX_LogInit("WARN");
-    const auto session = ipodkit::Session::Open();
-    if (!session)
+    const auto session = Session::Open();
+    if (!session) return std::cerr << session.error().Text() << '\n', EXIT_FAILURE;
+
+    const auto show = [](const StatePtr& state, Fields)
     {
-        std::fprintf(stderr, "%s\n", session.error().Text().c_str());
-        return 1;
-    }
-    const auto show = [](const ipodkit::StatePtr& state, ipodkit::Fields)
-    {
-        const bool playing = state->status == ipodkit::PlayStatus::Playing;
-        const ipodkit::Track track = state->track.value_or({});
-        std::printf("[%s] %s %s - %s\n", ipodkit::Name(state->phase), playing ? ">" : "=", track.artist.c_str(),
-                    track.title.c_str());
-        std::fflush(stdout);
+        const Track track = state->track.value_or({});
+        std::cout << '[' << Name(state->phase) << (state->status == PlayStatus::Playing ? "] > " : "] = ")
+                  << track.artist << " - " << track.title << std::endl;
     };
-    const auto shown = (*session)->OnState("now playing", show,
-                                           ipodkit::Field::Track | ipodkit::Field::Status | ipodkit::Field::Connection);
+    const Subscription shown =
+        (*session)->OnState("now playing", show, Field::Track | Field::Status | Field::Connection);
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

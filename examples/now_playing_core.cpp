@@ -1,5 +1,5 @@
 // The same as now_playing.cpp with the core's own interface: it must be started after the service, does not notice
-// that the service went away, and blocks when the service hangs.
+// that the service exited, and blocks when the service hangs.
 #include <IQBXIpodPlayer.h>
 #include <QBXLog.h>
 #include <glib.h>
@@ -43,7 +43,7 @@ private:
 
 int main()
 {
-    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    // Without a log the library prints a warning in place of each record. QBX_LOG in the environment sets one up, too.
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
     if (!player->InitInstance())

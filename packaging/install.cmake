@@ -65,6 +65,9 @@ foreach(folder IN ITEMS . bench docs docs/decisions tests/abi tests/layout/data)
   file(GLOB guides "${from}/*.md" "${from}/*.svg" "${from}/*.png" "${from}/LICENSE*")
   install(FILES ${guides} DESTINATION "${documentation}/${folder}" COMPONENT documentation)
 endforeach()
+# The guides quote them.
+file(GLOB examples "${PROJECT_SOURCE_DIR}/examples/*.cpp" "${PROJECT_SOURCE_DIR}/examples/*.py")
+install(FILES ${examples} DESTINATION "${documentation}/examples" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/build/docs/" DESTINATION "${documentation}/html" COMPONENT documentation
   OPTIONAL FILES_MATCHING PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.png" PATTERN "*.svg")
 

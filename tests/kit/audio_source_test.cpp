@@ -137,7 +137,7 @@ TEST_F(AudioSourceTest, ReportsWhyInterruptedPlaybackDoesNotResume)
 
     Activate(source);
 
-    const char* const line = "80 LogWarning: interrupted playback does not go on: Refused: the device is asleep";
+    const char* const line = "80 LogWarning: cannot resume interrupted playback: Refused: the device is asleep";
     EXPECT_TRUE(RunLoopUntil([line] { return CountLogLines(line) == 1; }));
     EXPECT_EQ(source.State(), AudioState::Active);
 }

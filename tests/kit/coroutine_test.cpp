@@ -2,10 +2,37 @@
 #include <ipodkit/pager.h>
 #include <malloc.h>
 
+#include <atomic>
+#include <cstdlib>
+#include <new>
 #include <stdexcept>
 #include <thread>
 
 #include "kit/kit_test.h"
+
+namespace
+{
+std::atomic<std::size_t> allocations{0};
+}
+
+// Replace those of every library in the process. Inlined, their calls of malloc() and free() would look mismatched.
+__attribute__((noinline)) void* operator new(std::size_t size)
+{
+    ++allocations;
+    void* const memory = std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+
+__attribute__((noinline)) void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
 
 namespace test
 {
@@ -250,6 +277,36 @@ TEST_F(CoroutineTest, ATaskMayEndItsOwner)
     RunLoopFor(20ms);
     EXPECT_FALSE(resumed);
     EXPECT_EQ(Calls("Next()"), 0);
+}
+
+// One at a time, like those of a task.
+void StartInTurn(Pager& pager, int times, int& left)
+{
+    left = times;
+    if (times > 0)
+        pager.Count().Start([&pager, times, &left](const Result<int>&) { StartInTurn(pager, times - 1, left); });
+}
+
+TEST_F(CoroutineTest, AnAwaitAllocatesAtMostOnceMoreThanStart)
+{
+    constexpr int kTimes = 1000;
+    Pager pager(*session, ListKind::Database);
+    int failures = 0;
+    tasks->Start(CountOn(pager, 1, failures));
+    ASSERT_TRUE(Ended());
+
+    int left = 0;
+    const std::size_t begin = allocations;
+    StartInTurn(pager, kTimes, left);
+    ASSERT_TRUE(RunLoopUntil([&left] { return left == 0; }));
+    const std::size_t started = allocations - begin;
+    tasks->Start(CountOn(pager, kTimes, failures));
+    ASSERT_TRUE(Ended());
+    const std::size_t awaited = allocations - begin - started;
+
+    EXPECT_GE(started, kTimes);
+    EXPECT_LE(awaited, started + kTimes);
+    EXPECT_EQ(failures, 0);
 }
 
 // A million awaits of cached pages, so that the service need not answer as often.

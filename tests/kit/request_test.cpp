@@ -310,6 +310,48 @@ TEST_F(RequestTest, AFutureDoesNotWaitOnTheThreadOfTheContext)
     EXPECT_FALSE(future.valid());
 }
 
+TEST_F(RequestTest, EveryKindOfErrorHasARemedyWhereThereIsOne)
+{
+    std::vector<std::string> without;
+    for (int kind = 0; kind <= static_cast<int>(ErrorKind::WouldDeadlock); ++kind)
+        if (*Remedy(ErrorKind{kind}) == '\0') without.emplace_back(Name(ErrorKind{kind}));
+    EXPECT_THAT(without, ElementsAre("Refused", "Cancelled"));
+}
+
+// Lets go of the completion, as a context does that is destroyed with its sources.
+class Forgetting final : public ipodkit::detail::Operation<int>
+{
+public:
+    using Operation::Operation;
+    void Start(Completion) override {}
+    void Withdraw() override {}
+};
+
+TEST_F(RequestTest, AFutureThatNothingCanFulfilAnyMoreReturnsAnError)
+{
+    const auto forgetting = std::make_shared<Forgetting>(Ask().Next().Inside()->home, ipodkit::detail::Terms());
+    Future<int> future = Request<int>(forgetting).Future();
+
+    EXPECT_EQ(KindOf(future.get()), ErrorKind::Cancelled);
+    EXPECT_FALSE(future.valid());
+}
+
+TEST_F(RequestTest, AFutureOfASessionThatEndedWaitsForNothing)
+{
+    const Commands commands = Ask();
+    session.reset();
+
+    std::thread(
+        [&commands]
+        {
+            Future<void> future = commands.Next().Future();
+            ASSERT_EQ(future.wait_for(10s), std::future_status::ready);
+            EXPECT_EQ(KindOf(future.get()), ErrorKind::Cancelled);
+            EXPECT_FALSE(future.valid());
+        })
+        .join();
+}
+
 TEST_F(RequestTest, OfAPagerDoNotWaitOnTheThreadOfTheContext)
 {
     Pager pager(*session, ListKind::Database);

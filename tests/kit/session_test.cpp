@@ -118,6 +118,61 @@ TEST_F(SessionTest, OnlyOneExistsAtATime)
     EXPECT_EQ(second.error().kind, ErrorKind::BadArgument);
 }
 
+TEST_F(SessionTest, OptionsThatAreOutOfRangeAreABadArgument)
+{
+    const auto with = [](auto member, std::chrono::milliseconds value)
+    {
+        SessionOptions changed;
+        changed.*member = value;
+        return changed;
+    };
+    const struct
+    {
+        SessionOptions options;
+        const char* reason;
+    } cases[] = {
+        {with(&SessionOptions::settle, -1ms), "settle: expected at least 0 ms, got -1 ms"},
+        {with(&SessionOptions::deadline, 0ms), "deadline: expected at least 1 ms, got 0 ms"},
+        {with(&SessionOptions::deadline, -5ms), "deadline: expected at least 1 ms, got -5 ms"},
+        {with(&SessionOptions::callbackBudget, -1ms), "callbackBudget: expected at least 0 ms, got -1 ms"},
+    };
+    for (const auto& wrong : cases)
+    {
+        const auto opened = Session::Open(wrong.options);
+        EXPECT_EQ(KindOf(opened), ErrorKind::BadArgument);
+        EXPECT_EQ(opened ? "" : opened.error().reason, wrong.reason);
+    }
+    EXPECT_TRUE(Session::Open(with(&SessionOptions::settle, 0ms)));
+}
+
+TEST_F(SessionTest, CallbacksThatThrowStopNothing)
+{
+    FakeService service;
+    AnswerState(service);
+    Session& opened = Open();
+    int calls = 0;
+    const auto broken = [&calls](const auto&...)
+    {
+        ++calls;
+        throw std::runtime_error("broken");
+    };
+    const Subscription connection = opened.OnConnection("a connection", broken);
+    const Subscription state = opened.OnState("a state", broken);
+    const Subscription event = opened.OnEvent("an event", broken);
+    int events = 0;
+    const Subscription after = opened.OnEvent("another", [&events](const ipodkit::Event&) { ++events; });
+
+    Ready();
+    service.Emit("OnIpodRepeatModeChange", "(1,)");
+    Settle(service);
+
+    EXPECT_GE(calls, 5);
+    EXPECT_EQ(events, 1);
+    EXPECT_GE(CountLogLines("80 LogWarning: callback 'a connection' threw: broken"), 2U);
+    EXPECT_GE(CountLogLines("80 LogWarning: callback 'a state' threw: broken"), 2U);
+    EXPECT_EQ(CountLogLines("80 LogWarning: callback 'an event' threw: broken"), 1U);
+}
+
 TEST_F(SessionTest, ASecondOneMayFollow)
 {
     FakeService service;

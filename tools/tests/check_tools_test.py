@@ -365,6 +365,42 @@ class Hardening(Case):
         self.assertIn("libipod.so.1: lacks never unloaded", output)
 
 
+class CheckKitDocs(Case):
+    CODE = "int main()\n{\n    show();\n}\n"
+    EXAMPLES = ("now_playing", "now_playing_coroutine", "browse_and_jump", "browse_and_jump_coroutine")
+
+    def check(self, block="show();\n", names="`OnChange()`, `Pause()`", code=CODE):
+        for name in self.EXAMPLES:
+            self.write(f"examples/{name}.cpp", code)
+        self.write("include/IQBXIpodPlayer.h", "    virtual bool Pause() = 0;\n")
+        self.write("include/IQBXIpodPlayerListener.h", "    virtual ~Listener();\n    virtual void OnChange(int) {}\n")
+        self.write("include/IQBXService.h", "")
+        self.write("include/IQBXListener.h", "")
+        self.write("docs/ipodkit.md", f"From `now_playing.cpp`:\n\n```cpp\n{block}```\n")
+        self.write("docs/ipodkit-migration.md", names)
+        return self.run_check("check-kit-docs", self.root)
+
+    def expect_violation(self, line, **changed):
+        status, output = self.check(**changed)
+        self.assertEqual(1, status, output)
+        self.assertIn(line, output)
+
+    def test_passes_excerpts_and_complete_tables(self):
+        self.assertEqual((0, "check-kit-docs: 1 excerpts, 2 operations, 0 wrong\n"), self.check())
+
+    def test_finds_code_that_differs(self):
+        self.expect_violation("docs/ipodkit.md:3: differs from examples/now_playing.cpp", block="show(1);\n")
+        self.expect_violation("docs/ipodkit.md:3: differs", block="{\nshow();\n")
+
+    def test_finds_an_operation_that_is_missing(self):
+        self.expect_violation("lacks Pause()", names="`OnChange()`")
+        self.expect_violation("lacks OnChange()", names="`Pause()`, OnChange()")
+
+    def test_finds_what_is_too_long(self):
+        self.expect_violation("browse_and_jump.cpp: 34 lines, at most 30", code=self.CODE + "// no code\n\nf();\n" * 30)
+        self.expect_violation("docs/ipodkit-migration.md: 702 words", names="`Pause()` `OnChange()` " + "word " * 700)
+
+
 class CompareTestLists(Case):
     def build(self, name, tests):
         lines = "".join(f'add_test({test} "true")\n' for test in tests)

@@ -4,11 +4,11 @@
 ///     AccessoryPort port(session);
 ///     auto opened = port.OnOpened("echo", [&](const AccessorySessionPtr& peer) { … });
 ///
-/// **Announce first.** Commands::AnnounceAccessory() tells the device the unit's protocols, Commands::LaunchApp()
-/// starts the app; the device opens sessions.
+/// **Announce first.** Commands::AnnounceAccessory() announces the head unit's protocols to the device,
+/// Commands::LaunchApp() starts the app; the device opens sessions.
 ///
-/// **Received bytes** are announced by the service with the low 8 bits of the session's number. With one open session
-/// that fits, they are its bytes. With more, nobody can know: each of them gets ErrorKind::Ambiguous instead.
+/// **Received bytes** arrive with the low 8 bits of the session's number only. If one open session matches, it gets the
+/// bytes. If several match, each of them gets ErrorKind::Ambiguous instead.
 ///
 /// **Context thread only.** Callbacks run in the session's context.
 #pragma once
@@ -29,8 +29,8 @@ using Bytes = std::vector<unsigned char>;
 
 struct AccessoryOptions
 {
-    std::size_t chunk = 1 << 14;      ///< bytes per call of the service; see RoomForAccessoryBytes()
-    std::size_t highWater = 1 << 18;  ///< a session accepts no more bytes while so many are waiting
+    std::size_t chunk = 1 << 14;      ///< bytes per call of the service, 0 counts as 1; see RoomForAccessoryBytes()
+    std::size_t highWater = 1 << 18;  ///< bytes that may wait in a session; 0 allows one write at a time
 };
 
 /// How many bytes the write buffer takes at once now; 0 while it is not attached. More would use up the segment, from
@@ -40,8 +40,8 @@ struct AccessoryOptions
 /// Ask it before the core's EapWrite(), which knows no limit; sessions refuse larger chunks by themselves.
 std::size_t RoomForAccessoryBytes();
 
-/// One session, from its opening to its closing by the device, the service's end, the port's, or that of the Session
-/// it was opened in. Closed for ever once it is.
+/// One session, until the device closes it, or the service, the port, or the Session ends. A closed session stays
+/// closed.
 class AccessorySession
 {
 public:
@@ -51,28 +51,30 @@ public:
     unsigned char Protocol() const;  ///< index of its protocol among those announced
     bool IsOpen() const;
 
-    /// Sends bytes, after those of the writes that were started before. The result comes when the service has accepted
-    /// the last byte. Each chunk has the session's deadline; Within() limits the whole.
+    /// Sends bytes, after those of the writes started before. Completes when the service has accepted the last byte.
+    /// Each chunk has the session's deadline; Within() limits the whole.
     ///
-    /// ErrorKind::Busy when HasRoomFor() was false at the start: then nothing was taken. ErrorKind::Cancelled when the
-    /// session is closed. After any other error everything taken so far completes with that error; bytes taken
-    /// afterwards are sent again, and the stream has a gap. A write that is withdrawn before its first chunk leaves
-    /// none; one that is withdrawn later counts as such an error.
+    /// ErrorKind::Busy when HasRoomFor() was false at the start: nothing was queued. ErrorKind::Cancelled when the
+    /// session is closed. After any other error all queued writes complete with that error; later writes are sent, and
+    /// the stream has a gap. A write that is withdrawn before its first chunk leaves no gap; one that is withdrawn
+    /// later counts as such an error.
     ///
     /// Any thread may make and start it.
     Request<void> Write(Bytes bytes);
 
-    /// Whether Write() would take so many bytes now. Any amount is taken when nothing is waiting.
+    /// Returns whether Write() would queue so many bytes now. An empty queue accepts any amount.
     bool HasRoomFor(std::size_t bytes) const;
 
-    /// Bytes that were taken and not accepted yet.
+    /// Returns the number of bytes that are queued and that the service has not accepted yet.
     std::size_t Waiting() const;
 
+    /// Reports received bytes, or ErrorKind::Ambiguous.
     Subscription OnData(std::string name, DataCallback callback);
 
-    /// Called each time that nothing is waiting any more, also after an error, while the session is open.
+    /// Calls back each time the queue becomes empty, also after an error, while the session is open.
     Subscription OnDrained(std::string name, std::function<void()> callback);
 
+    /// Calls back once, when the session is closed.
     Subscription OnClosed(std::string name, std::function<void()> callback);
 
     class __attribute__((visibility("hidden"))) Impl;
@@ -84,13 +86,13 @@ private:
 
 using AccessorySessionPtr = std::shared_ptr<AccessorySession>;
 
-/// All sessions of the device. Several ports may exist; each has objects of its own for the same sessions.
+/// The accessory sessions of the device. Several ports may exist; each has its own objects for the same sessions.
 class AccessoryPort
 {
 public:
     explicit AccessoryPort(Session& session, const AccessoryOptions& options = {});
 
-    /// Its sessions count as closed.
+    /// Closes its sessions, as far as the application sees them.
     ~AccessoryPort();
     AccessoryPort(const AccessoryPort&) = delete;
     AccessoryPort& operator=(const AccessoryPort&) = delete;

@@ -1,16 +1,16 @@
 /// @file
-/// The loudspeakers: one of the unit's two iPod sources, from the request to the release.
+/// The right to be heard: one of the head unit's two iPod audio sources, from the request to the release.
 ///
 ///     AudioSource source(session, 0);
 ///     source.Request();                    // asks the audio-source manager
 ///     …the manager activates the source: source.Activated(confirmation);
 ///     source.Play().Start([](Result<void> done) { … });
 ///
-/// The manager tells the application, not the player, when it activates or deactivates a source; the application hands
-/// that on. Playback that the manager interrupted for a while goes on by itself when it activates the source again.
+/// The manager notifies the application, not the player, when it activates or deactivates a source; the application
+/// calls Activated() and Deactivated(). Playback that the manager interrupted resumes when it activates the source
+/// again.
 ///
-/// **Context thread only.** Calls the audio-source manager on the context thread; the manager is expected to answer at
-/// once.
+/// **Context thread only**, except for Play(). Operations call the audio-source manager, and block until it returns.
 #pragma once
 
 #include <ipodkit/session.h>
@@ -26,11 +26,11 @@ namespace ipodkit
 {
 enum class AudioState
 {
-    Released,   ///< somebody else's
-    Granted,    ///< requested and granted, not active yet
-    Active,     ///< may sound
+    Released,   ///< not requested, refused, or given back
+    Granted,    ///< requested and granted, not active
+    Active,     ///< may be heard
     Playing,    ///< playback was started
-    Suspended,  ///< was playing when the manager took the source away for a while
+    Suspended,  ///< playback was interrupted when the manager deactivated the source temporarily
 };
 
 /// "Playing" for AudioState::Playing.
@@ -40,51 +40,52 @@ struct AudioTransition
 {
     AudioState from;
     AudioState to;
-    std::string why;
+    std::string why;  ///< for logs: "granted", "the service was lost"
 };
 
 class AudioSource
 {
 public:
-    /// @param number  0 or 1: the manager's source 10 or 11
+    /// @param number  0 or 1: source 10 or 11 of the manager; with any other, Request() returns ErrorKind::BadArgument
     AudioSource(Session& session, int number);
 
-    /// Leaves the source as it is.
+    /// Does not release the source.
     ~AudioSource();
     AudioSource(const AudioSource&) = delete;
     AudioSource& operator=(const AudioSource&) = delete;
 
     AudioState State() const;
 
-    /// Asks the manager. ErrorKind::Refused with its code; ErrorKind::NoService before the session was ready once;
-    /// ErrorKind::BadArgument for a number that is neither 0 nor 1.
+    /// Requests the source from the manager; does nothing unless it is Released. ErrorKind::Refused when the manager
+    /// refuses, with its code in the reason; ErrorKind::NoService before the session was first Ready.
     Result<void> Request();
 
-    /// @name What the manager did
-    /// Both confirm it to the manager through the core's player; without one, before the session was ready once, they
-    /// do nothing. @p confirmation is the value that the manager gave with its word and wants back; the companion does
-    /// not look at it. The core's confirmation names source 10, whichever it is.
+    /// @name Notifications by the manager
+    /// Both send a confirmation to the manager through the core's player, which names source 10 in either case. Before
+    /// the session was first Ready they do nothing. @p confirmation is the value that came with the notification; it is
+    /// returned unchanged.
     /// @{
 
-    /// The source is active, asked for or not. Suspended playback goes on; when the service does not let it, the log
-    /// has a line of level WARN with the reason, and the state stays Active.
+    /// Call it when the manager activated the source, requested or not. Resumes suspended playback; if that fails, the
+    /// reason is logged, level WARN, and the state stays Active.
     void Activated(int confirmation);
 
-    /// The source was taken away. @p forAWhile: the manager will activate it again by itself, and playback goes on
-    /// then; the state is Suspended while something played, else Granted. Otherwise the source is Released.
+    /// Call it when the manager deactivated the source. With @p forAWhile the manager activates it again by itself: the
+    /// state becomes Suspended if something played, else Granted. Without, it becomes Released.
     void Deactivated(int confirmation, bool forAWhile);
     /// @}
 
-    /// Starts playback. ErrorKind::Refused unless the source is active, according to the manager, when the request
-    /// starts. Any thread may make and start it.
+    /// Starts playback. ErrorKind::Refused unless the manager reports the source as active when the request starts. Any
+    /// thread may make and start it; the context must run.
     ipodkit::Request<void> Play(PlayOption option = PlayOption::Start);
 
-    /// Gives the source back to the manager.
+    /// Gives the source back to the manager. Does nothing when it is Released.
     void Release();
 
-    /// The last transitions, at most 64, oldest first.
+    /// Returns the last transitions, at most 64, oldest first.
     std::vector<AudioTransition> Trace() const;
 
+    /// Calls back after each transition, with State() already changed. The log uses @p name.
     Subscription OnTransition(std::string name, std::function<void(const AudioTransition&)> callback);
 
 private:

@@ -1,5 +1,5 @@
 /// @file
-/// Withdrawing requests.
+/// Cancelling requests.
 #pragma once
 
 #include <memory>
@@ -11,20 +11,24 @@ struct _GCancellable;  // NOLINT(bugprone-reserved-identifier): GLib's own name
 
 namespace ipodkit
 {
-/// A switch that can be thrown once. Copies are the same switch; one may serve many requests. Any thread may use it.
+/// Cancels requests, once and for good. Copies share one state; one cancellation may serve many requests. Any thread
+/// may use it. Nothing blocks.
 ///
 ///     Cancellation stop;
 ///     commands.Next().CancelledBy(stop).Start(…);
-///     stop.Cancel();   // the completion comes with ErrorKind::Cancelled; the service may have acted all the same
+///     stop.Cancel();   // completes with ErrorKind::Cancelled; the service may act on it nevertheless
 class Cancellation
 {
 public:
     Cancellation();
 
+    /// Withdraws the requests; each completes soon, in its session's context. Further calls do nothing.
     void Cancel() const;
+
+    /// Returns whether Cancel() was called.
     bool Cancelled() const;
 
-    /// A switch that is thrown as soon as one of the two is.
+    /// Returns a cancellation that follows both: it is cancelled when either is. It cancels neither.
     static Cancellation Either(const Cancellation& one, const Cancellation& other);
 
     /// For GLib functions; owned by this object.

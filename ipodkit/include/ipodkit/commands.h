@@ -70,8 +70,8 @@ struct AccessoryInfo
     std::string bundleId;   ///< of the companion app
 };
 
-/// Obtained from a Session. Copies are cheap; they may outlive the session, requests then fail with
-/// ErrorKind::Cancelled. Any thread may use them.
+/// The requests to the service, from Session::Commands(). Copies are cheap, and may outlive the session: requests then
+/// fail with ErrorKind::Cancelled. Any thread may use them.
 class Commands
 {
 public:
@@ -87,14 +87,14 @@ public:
     Request<void> Stop() const;
     Request<void> Next() const;
     Request<void> Previous() const;
-    Request<void> Seek(std::chrono::seconds position) const;  ///< takes what fits into 32 bits, with a sign
+    Request<void> Seek(std::chrono::seconds position) const;  ///< from the start of the track; -2^31 to 2^31 - 1
     Request<void> FastForward() const;
     Request<void> FastBackward() const;
     Request<void> StopWinding() const;
     Request<void> SetShuffle(ipodkit::Shuffle mode) const;  ///< 0 to 255, with a name or without
     Request<void> SetRepeat(ipodkit::Repeat mode) const;    ///< 0 to 255, with a name or without
     Request<void> PressButton(const ButtonPress& press) const;
-    Request<void> SetTransmission(bool on) const;  ///< whether the unit takes audio from the device
+    Request<void> SetTransmission(bool on) const;  ///< whether the head unit receives the device's audio
     /// @}
 
     /// @name What plays
@@ -112,13 +112,13 @@ public:
     /// @name Music database. Every pager of the session whose list changes starts afresh when the service has followed
     /// the command, before its completion. Pager::EnterChild() and its siblings do so at once.
     /// @{
-    Request<int> DatabaseCount(bool fromTop = false) const;
+    Request<int> DatabaseCount(bool fromTop = false) const;  ///< entries of the current level, or of the top level
     Request<void> EnterRoot() const;
     Request<void> EnterParent() const;
-    Request<void> EnterChild(int index) const;
+    Request<void> EnterChild(int index) const;  ///< from 0; ErrorKind::Refused for a song
     Request<bool> AtRoot() const;
-    Request<void> PlayDatabaseEntry(int index) const;
-    Request<void> PlayPlayingEntry(int index) const;
+    Request<void> PlayDatabaseEntry(int index) const;  ///< from 0; the level becomes the playing list
+    Request<void> PlayPlayingEntry(int index) const;   ///< from 0
     /// @}
 
     /// @name Devices
@@ -127,10 +127,10 @@ public:
     Request<void> EnterDevice(int index) const;  ///< all pagers start afresh, and the state is read again
     Request<std::string> IpodName() const;       ///< the name that its owner gave the device
     Request<std::string> ForegroundApp() const;  ///< bundle identifier, or empty
-    Request<void> LaunchApp(const std::string& bundleId) const;  ///< takes UTF-8 without NUL, at most 1 MiB
+    Request<void> LaunchApp(const std::string& bundleId) const;  ///< UTF-8 without NUL, at most 1 MiB
     Request<CarPlayDevice> CarPlayStatus() const;
     Request<DeviceStatus> CarLifeStatus() const;
-    Request<void> NotifyCarPlay(bool connected, bool wireless) const;
+    Request<void> NotifyCarPlay(bool connected, bool wireless) const;  ///< state of the CarPlay session
     Request<void> AnnounceAccessory(const AccessoryInfo& info) const;  ///< UTF-8 without NUL, at most 255 bytes each
     Request<void> SetHubTestMode(unsigned char mode) const;            ///< for production and service only
     /// @}

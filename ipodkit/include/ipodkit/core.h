@@ -1,5 +1,6 @@
 /// @file
-/// From the values of the kit to the records and the listener of the core, for code that uses those.
+/// Converts values of the kit to records and listener calls of the core, for code written for the core. Any thread may
+/// convert.
 #pragma once
 
 #include <IQBXIpodPlayerListener.h>
@@ -13,15 +14,16 @@
 
 namespace ipodkit
 {
-/// The record as the service sent it.
+/// Returns the record as the service sent it.
 QBXiPodTrackInfo ToCore(const Track& track);
 iPodPhoneCall_t ToCore(const PhoneCall& call);
 iPodBattery_t ToCore(const Battery& battery);
 
-/// Calls the operation of a core listener that corresponds to the event.
+/// Calls the operation of @p listener that corresponds to the event, on the calling thread.
 void Deliver(const Event& event, IQBXIpodPlayerListener& listener);
 
-/// Session::OnEvent() for a listener of the core, owned by the caller: end the subscription before destroying it.
+/// Delivers the events of a session to a listener of the core, in the session's context. The caller keeps the listener
+/// and ends the subscription before destroying it.
 Subscription Listen(Session& session, std::string name, IQBXIpodPlayerListener& listener);
 }  // namespace ipodkit
 

@@ -14,11 +14,13 @@
 /// **Threads.** A task begins on the thread that starts it, which is the context's, and always resumes in the session's
 /// context.
 ///
-/// **Ownership.** A task belongs to the Tasks that started it, or to the task that awaits it. When its owner is
-/// destroyed, the frame is destroyed at its suspension point and the request it waits for is withdrawn: what was not
-/// sent is not sent any more, and what was is not waited for.
+/// **Ownership.** A task belongs to the Tasks that started it, or to the task that awaits it. Destroying the owner
+/// destroys the frame at its suspension point, and withdraws the request that it awaits: the request is not sent any
+/// more, or its answer is ignored.
 ///
-/// **Cost.** Waiting for a request allocates no more than Start() does.
+/// **Exceptions** of a task reach the task that awaits it; those of the outermost task are logged, level WARN.
+///
+/// **Cost.** Awaiting a request allocates no more than Start() does.
 #pragma once
 
 #if !defined(__cpp_impl_coroutine) && !defined(__cpp_coroutines)
@@ -233,8 +235,7 @@ private:
 };
 }  // namespace detail
 
-/// A coroutine that does nothing until it is started by a Tasks or awaited by another task: `T value = co_await task`.
-/// What it throws reaches the task that awaits it; nobody awaits the outermost, whose exception is logged.
+/// A coroutine that does nothing until a Tasks starts it or another task awaits it: `T value = co_await task`.
 template <class T = void>
 class [[nodiscard]] Task
 {
@@ -262,15 +263,15 @@ private:
     std::coroutine_handle<promise_type> m_frame;
 };
 
-/// Owns the tasks that it has started, until each of them ends. Context thread only. Declare it last among the members
-/// that the tasks use, so that they end first.
+/// Owns the tasks that it started until they end. Context thread only. Declare it after the members that the tasks use,
+/// so that the tasks end first.
 class Tasks
 {
 public:
     Tasks() = default;
 
     /// Destroys the frames of the tasks that have not ended, which withdraws their requests. A task that destroys its
-    /// own owner goes on to its next co_await, and ends there.
+    /// own owner continues to its next co_await, and ends there.
     ~Tasks()
     {
         while (m_first != nullptr) m_first->End();
@@ -286,7 +287,7 @@ public:
         frame.promise().Resume(frame);
     }
 
-    /// Whether no task is left.
+    /// Returns whether all tasks have ended.
     bool Empty() const { return m_first == nullptr; }
 
 private:

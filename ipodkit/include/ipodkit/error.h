@@ -1,6 +1,6 @@
 /// @file
-/// Why something failed. What the service, the bus or the system may refuse is returned as a Result. An index that was
-/// never valid is an error of the program, and thrown.
+/// Results and errors. Failures of the service, the bus, or the system are returned as a Result. An index that was
+/// never valid is an error of the program, and thrown. All of it may be used on any thread.
 #pragma once
 
 #include <string>
@@ -12,29 +12,34 @@ namespace ipodkit
 {
 enum class ErrorKind
 {
-    NoBus,           ///< there is no session bus, or it went away
+    NoBus,           ///< no session bus is available, or its connection was closed
     NoService,       ///< nobody owns the service's name
-    ServiceLost,     ///< the service went away before it answered
+    ServiceLost,     ///< the service exited before it answered
     TimedOut,        ///< no answer within the deadline; the service may still act on the request
     Refused,         ///< the service itself answered with an error, whatever its name, or with "false"
-    BadReply,        ///< the answer is not what the contract allows, or does not fit the request
-    Cancelled,       ///< the caller, a change of level, or the end of the session withdrew the request
-    NoSharedMemory,  ///< the segments cannot be attached or do not take the data
+    BadReply,        ///< the answer violates the contract, or does not fit the request
+    Cancelled,       ///< the caller, a changed list, or the end of the pager or session withdrew the request
+    NoSharedMemory,  ///< the segments cannot be attached, or have no room for the data
     BadArgument,     ///< the request cannot be sent as it is; nothing was sent
     Ambiguous,       ///< received bytes that may belong to more than one accessory session
     NoStorage,       ///< a file cannot be written
-    Busy,            ///< an accessory session has enough bytes to send; nothing was taken
-    WouldDeadlock,   ///< waiting on the thread that runs the session's context, where the result would come
+    Busy,            ///< the queue of an accessory session is full; nothing was queued
+    WouldDeadlock,   ///< the caller would block the thread on which the result arrives
 };
 
 /// "TimedOut" for ErrorKind::TimedOut.
 const char* Name(ErrorKind kind);
 
+/// Returns what the application or its user can do, without a full stop: "start the iPod service" for
+/// ErrorKind::NoService. Empty where nothing helps (Refused, Cancelled).
+const char* Remedy(ErrorKind kind);
+
+/// An error of a request. Errors are equal when all their members are.
 struct Error
 {
     ErrorKind kind;
-    std::string reason;  ///< in the words of the bus where it has any; otherwise what is wrong and what helps
-    std::string name{};  ///< the bus's name of the error that was the answer; empty for "false" and for no answer
+    std::string reason;  ///< for logs, not for decisions: the message of the bus, or what is wrong
+    std::string name{};  ///< D-Bus name of the error that the service or the bus sent; empty otherwise
 
     /// "TimedOut: Timeout was reached", for logs.
     std::string Text() const;

@@ -3,8 +3,8 @@
 ///
 ///     auto events = session->OnEvent("log", [](const Event& event) { puts(SignalName(event)); });
 ///
-/// An event is what the service reported, as it reported it: numbers without a name are passed on, texts are not
-/// checked. The PlayerState shows what the events mean for the player as a whole.
+/// An event has exactly the values that the service sent: numbers without a name are passed on, texts are not checked.
+/// The PlayerState combines the events into one value.
 #pragma once
 
 #include <ipodkit/fields.h>

@@ -1,5 +1,5 @@
 /// @file
-/// Tables of fields: what each value of the kit consists of, for everything that prints, stores or exports values.
+/// Tables of the fields of each value, for code that prints, stores, or exports values.
 ///
 ///     ForEachRow<TrackChanged>([&](const auto& row) { show(row.name, std::invoke(row.get, event), row.meaning); });
 ///

@@ -1,5 +1,5 @@
 /// @file
-/// A result that is still to come, for another thread to wait for.
+/// The future result of a request, for another thread to wait for.
 #pragma once
 
 #include <ipodkit/error.h>
@@ -22,11 +22,15 @@ using HomePtr = std::shared_ptr<Home>;
 /// Whether the calling thread runs the context, or ran it last while no thread does now.
 bool RunsHere(const Home& home);
 
+/// Whether the session has ended: a result that has not arrived will not arrive.
+bool HasEnded(const Home& home);
+
 Error WouldDeadlock();
+Error SessionEnded();
 }  // namespace detail
 
-/// Returned by Request::Future(). Like std::future, except that it does not wait on the thread that would have to bring
-/// the result. Any thread may use it, one at a time.
+/// Returned by Request::Future(). Like std::future, except that it never throws for want of a result, and does not wait
+/// on the thread where the result would arrive. Any thread may use it, one at a time.
 template <class T>
 class [[nodiscard]] Future
 {
@@ -39,28 +43,45 @@ public:
     /// False for a default-constructed future, and after get() has returned the result.
     bool valid() const noexcept { return m_result.valid(); }
 
-    /// Blocks for so long, or until the result is there. On the thread that runs the session's context it returns at
-    /// once: nothing would arrive meanwhile.
+    /// Blocks until the result is available, at most for @p time. On the thread that runs the session's context it
+    /// returns at once, because no result can arrive meanwhile.
     template <class Rep, class Period>
     std::future_status wait_for(const std::chrono::duration<Rep, Period>& time) const
     {
-        if (Ready() || detail::RunsHere(*m_home)) return m_result.wait_for(std::chrono::seconds(0));
-        return m_result.wait_for(time);
+        if (Arrived() || detail::HasEnded(*m_home)) return std::future_status::ready;
+        return m_result.wait_for(detail::RunsHere(*m_home) ? std::chrono::duration<Rep, Period>::zero() : time);
     }
 
-    /// Blocks until the result is there, and returns it. On the thread that runs the session's context it returns
-    /// ErrorKind::WouldDeadlock instead of blocking; the future stays valid then.
+    /// Blocks until the result is available, and returns it; the future is no longer valid then. Returns
+    /// ErrorKind::Cancelled when the session has ended and no result can arrive any more.
+    ///
+    /// On the thread that runs the session's context it returns ErrorKind::WouldDeadlock instead of blocking, and the
+    /// future stays valid.
     Result<T> get()
     {
-        if (!Ready() && DeadlocksHere()) return tl::unexpected<Error>(detail::WouldDeadlock());
-        return m_result.get();
+        const bool arrived = Arrived();
+        if (!arrived && detail::HasEnded(*m_home)) return Lost();
+        if (!arrived && DeadlocksHere()) return tl::unexpected<Error>(detail::WouldDeadlock());
+        try
+        {
+            return m_result.get();
+        }
+        catch (const std::future_error&)
+        {
+            return Lost();
+        }
     }
 
 private:
-    bool Ready() const { return m_result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
+    bool Arrived() const { return m_result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
 
-    // A context that no thread runs may be about to get one: the session is often opened before its loop's thread
-    // starts.
+    Result<T> Lost()
+    {
+        m_result = {};
+        return tl::unexpected<Error>(detail::SessionEnded());
+    }
+
+    // A context that no thread runs may soon be run: the session is often opened before the loop's thread starts.
     bool DeadlocksHere() const
     {
         if (!detail::RunsHere(*m_home)) return false;

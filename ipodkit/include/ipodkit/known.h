@@ -17,7 +17,7 @@ namespace ipodkit
 /// Why a value is unknown.
 enum class Unknown : int
 {
-    NotReported,   ///< the service has not reported it yet
+    NotReported,   ///< no event has reported it yet
     Refused,       ///< the service answered the request with an error, or with something that is not valid
     TimedOut,      ///< the service has not answered within the deadline; the answer is still awaited
     NoDevice,      ///< no device is attached
@@ -30,7 +30,8 @@ struct EnumNames<Unknown>
     static constexpr const char* names[] = {"not reported yet", "refused", "timed out", "no device", "not supported"};
 };
 
-/// A value, or why it is unknown. Used like std::optional: value() throws std::bad_optional_access.
+/// A value, or why it is unknown. Used like std::optional: value() of an unknown one throws std::bad_optional_access,
+/// `*` and `->` are undefined.
 template <class T>
 class Known
 {
@@ -51,13 +52,13 @@ public:
     const T& value() const { return m_value.value(); }
     T value_or(T otherwise) const { return m_value.value_or(std::move(otherwise)); }
 
-    /// Returns the reason of an unknown value. Meaningless for a known one.
+    /// Returns why the value is unknown. Unspecified when it is known.
     Unknown Why() const { return m_why; }
 
-    /// The error that the service answered with. Null when the value is known, or there was no such answer.
+    /// Returns the error that the service answered with; null when the value is known, or no such answer arrived.
     const Error* Cause() const { return m_cause.get(); }
 
-    /// The causes are not compared.
+    /// Compares values and reasons, not causes.
     bool operator==(const Known& other) const
     {
         return m_value == other.m_value && (m_value.has_value() || m_why == other.m_why);

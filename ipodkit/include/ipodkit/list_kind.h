@@ -4,13 +4,13 @@
 
 namespace ipodkit
 {
-/// A list of the service. Each but Playing and Devices has the same entries in pinyin.
+/// A list of the service. The pinyin lists have the same entries in the same order, spelled in pinyin.
 enum class ListKind
 {
     Playing,   ///< what plays, and what comes next
     Database,  ///< the current level of the music database
     DatabasePinyin,
-    Update,  ///< the list that the device is updating; the service does not tell its size
+    Update,  ///< the list that the device is updating; the service does not report its size
     UpdatePinyin,
     Devices,  ///< always one page
 };

@@ -6,18 +6,18 @@
 ///     songs.At(1234).Within(1s).Start([&](Result<PagePtr> page) { show((*page)->At(1234)); });
 ///     songs.Range(0, Pager::End).CancelledBy(closed).Start([&](Result<std::vector<std::string>> names) { … });
 ///
-/// **Never a wrong page.** All pagers of a session take turns at lists that share state in the service. A page is
-/// checked against the request. The pager forgets everything when its list is replaced or reordered, its level or
-/// device changes, or the service restarts; requests that are under way then complete with ErrorKind::Cancelled. It
-/// learns of this from events and from the commands of the same session: EnterRoot(), EnterParent(), EnterChild(),
-/// EnterDevice(), PlayDatabaseEntry(), PlayPlayingEntry() and SetShuffle(). No event reports that another application
-/// changed the level, or started another list of the same size.
+/// **Never a wrong page.** All pagers of a session take turns at lists that share state in the service. Each page is
+/// checked against the request. The pager drops its pages when its list is replaced or reordered, its level or device
+/// changes, or the service restarts; requests under way then complete with ErrorKind::Cancelled. It detects this by
+/// events, and by the commands of the same session: EnterRoot(), EnterParent(), EnterChild(), EnterDevice(),
+/// PlayDatabaseEntry(), PlayPlayingEntry() and SetShuffle(). No event reports that another application changed the
+/// level, or started another list of the same size: call Refresh() where that matters.
 ///
 /// **End of the session.** A pager that outlives its session has no pages, and its requests complete with
 /// ErrorKind::Cancelled. They complete before the session's destructor returns, those made afterwards in its context.
 ///
 /// **Threads.** Requests may be made and started on any thread while the pager lives; all else belongs to the context's
-/// thread. Completions may end the pager.
+/// thread. Completions may destroy the pager.
 #pragma once
 
 #include <ipodkit/list_kind.h>
@@ -34,7 +34,7 @@
 
 namespace ipodkit
 {
-/// A run of entries. Immutable and shared.
+/// Consecutive entries of a list. Immutable and shared.
 struct Page
 {
     int first;                       ///< index of the first entry
@@ -42,9 +42,11 @@ struct Page
     bool folders = false;            ///< Database only: the entries can be entered
     bool root = false;               ///< Database only: this is the top level
 
+    /// Returns whether the page has the entry of that index in the list.
     bool Holds(int index) const { return index >= first && index - first < static_cast<int>(names.size()); }
 
-    /// @throws std::out_of_range  when the page does not hold the entry
+    /// Returns the name of the entry of that index in the list.
+    /// @throws std::out_of_range  when the page does not have the entry
     const std::string& At(int index) const
     {
         return names.at(Holds(index) ? static_cast<std::size_t>(index - first) : names.size());
@@ -53,11 +55,11 @@ struct Page
 
 using PagePtr = std::shared_ptr<const Page>;
 
-/// Out of range, every request of the pager completes with ErrorKind::BadArgument.
+/// When an option is out of range, every request of the pager completes with ErrorKind::BadArgument.
 struct PagerOptions
 {
     int pageSize = 50;              ///< entries; at least 1
-    std::size_t cachedPages = 100;  ///< the least recently used are forgotten; 0 counts as 1
+    std::size_t cachedPages = 100;  ///< the least recently used are dropped; 0 counts as 1
     int prefetch = 1;               ///< pages to fetch ahead, in the direction of the last two requests; at least 0
 };
 
@@ -67,47 +69,48 @@ public:
     /// The last entry, for Range().
     static constexpr int End = std::numeric_limits<int>::max();
 
+    /// Reads nothing yet. The pager may outlive the session.
     Pager(Session& session, ListKind kind, const PagerOptions& options = {});
 
-    /// Completes everything that was not completed yet with ErrorKind::Cancelled before it returns. These completions
-    /// must not use the pager any more. A change of level that was sent to the service is not taken back.
+    /// Completes its open requests with ErrorKind::Cancelled before it returns; their completions must not use the
+    /// pager any more. A change of level that was sent is not undone.
     ~Pager();
     Pager(const Pager&) = delete;
     Pager& operator=(const Pager&) = delete;
 
-    /// Number of entries. ErrorKind::BadArgument for the update lists.
+    /// Returns the number of entries. ErrorKind::BadArgument for the update lists, which have no size.
     Request<int> Count();
 
-    /// The page that holds an entry. ErrorKind::BadArgument when there is no such entry.
+    /// Returns the page that has the entry @p index, from 0. ErrorKind::BadArgument when the list is shorter.
     ///
-    /// The update lists report no size. There the first page is requested before any other, and a page that is not
-    /// full shows where the list ends; beyond the end of a longer list, a service may also answer with
-    /// ErrorKind::Refused.
+    /// The update lists report no size: the first page is read before any other, and a page that is not full marks the
+    /// end of the list. Beyond the end, a service may also answer with an error, ErrorKind::Refused.
     Request<PagePtr> At(int index);
 
-    /// The names of the entries from @p first to @p last, both included, read page by page; none when the list is empty
-    /// and the whole of it is requested, as by Range(0, End). All of them are of the same list: when it changes in
-    /// between, the result is ErrorKind::Cancelled. Each page has the session's deadline; Within() limits them
-    /// together. ErrorKind::BadArgument when @p last is less than @p first, or an entry does not exist.
+    /// Returns the names of the entries from @p first to @p last, both inclusive, read page by page. Range(0, End) of
+    /// an empty list returns no names. All names are of the same list: if it changes meanwhile, the result is
+    /// ErrorKind::Cancelled. Each page has the session's deadline; Within() limits all together. ErrorKind::BadArgument
+    /// when @p last is less than @p first, or an entry does not exist.
     Request<std::vector<std::string>> Range(int first, int last);
 
-    /// The page that holds an entry, from the cache; null when the page is not there, or does not hold the entry.
+    /// Returns the page that has the entry, from the cache; null when it is not cached. Context thread only.
     PagePtr Cached(int index) const;
 
-    /// @name Change of level, for the database lists. Every pager of the database starts afresh, at the moment the
-    /// request starts: what was requested before is cancelled.
+    /// @name Change of level, for the database lists; ErrorKind::BadArgument for others. When the request starts, every
+    /// pager of the database drops its pages, and requests made before are cancelled. ErrorKind::Refused when the
+    /// service has no such level. EnterChild() counts from 0.
     /// @{
     Request<void> EnterRoot();
     Request<void> EnterParent();
     Request<void> EnterChild(int index);
     /// @}
 
-    /// Forgets everything; for lists that changed without an event. What was requested before is cancelled, before
-    /// this returns, and its answer is dropped when it comes; what is requested afterwards is read from the service.
+    /// Drops all pages, for a list that changed without an event. Requests made before complete with
+    /// ErrorKind::Cancelled before this returns; later ones read from the service. Context thread only.
     void Refresh();
 
-    /// Called when all pages are outdated: the level, the list, the device or the service changed. Not called when the
-    /// session ends.
+    /// Calls back when all pages are outdated: the level, the list, the device, or the service changed. Not called when
+    /// the session ends. The log uses @p name.
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:

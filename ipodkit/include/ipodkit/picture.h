@@ -1,5 +1,5 @@
 /// @file
-/// A picture that belongs to a track.
+/// Artwork: the image of a track.
 #pragma once
 
 #include <ipodkit/fields.h>
@@ -14,6 +14,7 @@
 
 namespace ipodkit
 {
+/// The type of an image according to its first bytes.
 enum class PictureType
 {
     Unknown,
@@ -28,7 +29,7 @@ enum class PictureType
 /// "image/jpeg"; "application/octet-stream" for an unknown type.
 const char* MediaType(PictureType type);
 
-/// The bytes as the service gave them, and what they say of themselves. Immutable and shared.
+/// An image: the bytes that the service sent, with type and size according to their header. Immutable and shared.
 struct Picture
 {
     std::vector<unsigned char> bytes;
@@ -55,8 +56,8 @@ struct Rows<Picture>
 
 using PicturePtr = std::shared_ptr<const Picture>;
 
-/// Reads type and size from the head of the bytes. Nothing is decoded, any bytes are safe, and a head that is cut off
-/// or damaged leaves the size unknown.
+/// Reads type and size from the header of an image. Decodes nothing; any bytes are safe. The size of a truncated or
+/// damaged header is unknown.
 Picture Examine(std::vector<unsigned char> bytes);
 }  // namespace ipodkit
 

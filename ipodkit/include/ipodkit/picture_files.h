@@ -1,5 +1,5 @@
 /// @file
-/// Pictures for those who want a file.
+/// Images as files, for interfaces that expect an address.
 #pragma once
 
 #include <ipodkit/error.h>
@@ -12,21 +12,22 @@
 
 namespace ipodkit
 {
-/// Keeps pictures in a directory of its own. Operations write files and may block as files do; any thread may call
-/// them, several processes may share the directory.
+/// Stores images in a directory. Operations block for file access. Any thread may call them; several processes may
+/// share the directory.
 class PictureFiles
 {
 public:
-    /// @param directory  made when needed, for this user only; empty: "ipodkit" under the user's runtime directory
-    /// @param keep       how many pictures stay, at least 1: those handed out last, by any process; other files of the
-    ///                   directory are left alone
+    /// @param directory  created when needed, for this user only; empty: "ipodkit" in the user's runtime directory
+    /// @param keep       number of images to keep, 0 counts as 1: those returned last, by any process; other files in
+    ///                   the directory stay
     explicit PictureFiles(std::string directory = {}, std::size_t keep = 32);
 
-    /// The file's address, "file:///…". Equal pictures have one address as long as the directory is the same. The file
-    /// holds exactly these bytes when this returns, and never half of them. It stays until `keep` other pictures were
-    /// handed out after it. ErrorKind::NoStorage.
+    /// Writes the image unless its file exists, and returns the address, "file:///…". Equal images have the same
+    /// address. The file is complete when it appears; it stays until `keep` other images were returned after it.
+    /// ErrorKind::NoStorage when it cannot be written.
     Result<std::string> Uri(const Picture& picture) const;
 
+    /// Returns the path of the directory.
     const std::string& Directory() const { return m_directory; }
 
 private:

@@ -1,5 +1,5 @@
 /// @file
-/// What is known of the device, as one immutable value.
+/// The state of player and device as one immutable value.
 #pragma once
 
 #include <ipodkit/fields.h>
@@ -19,12 +19,13 @@
 
 namespace ipodkit
 {
+/// The steps of a session: Absent, Connecting, Ready, Lost, Connecting, …
 enum class Phase
 {
-    Absent,      ///< the service has not been seen
-    Connecting,  ///< it is there; it is being asked for its state
-    Ready,       ///< the state follows the service's events, and is complete but for PlayerState::missing
-    Lost,        ///< it was there and went away; the state is the last that was known
+    Absent,      ///< the service has not appeared
+    Connecting,  ///< the service is on the bus; its state is being read
+    Ready,       ///< the state follows the service's events, and is complete except for PlayerState::missing
+    Lost,        ///< the service left the bus; the state is its last one
 };
 
 /// "Ready" for Phase::Ready.
@@ -54,7 +55,7 @@ enum class Field : std::uint32_t
     ForegroundApp = 1U << 18,
     Battery = 1U << 19,
     Calls = 1U << 20,
-    AccessorySessions = 1U << 21,  ///< the last one, which Fields::All() goes by
+    AccessorySessions = 1U << 21,  ///< the last one: Fields::All() depends on it
 };
 
 /// "track index" for Field::TrackIndex.
@@ -89,15 +90,15 @@ constexpr Fields operator|(Field one, Field other)
 /// "track, position": the fields that a set holds, separated by commas.
 std::string Names(Fields fields);
 
-/// Where playback was at a moment, and where it is now if it has gone on since.
+/// The position of playback at a moment, and the position now if playback continued.
 struct Position
 {
     std::chrono::milliseconds position{};
     std::chrono::milliseconds duration{};        ///< of the track; 0 when unknown
-    std::chrono::steady_clock::time_point at{};  ///< when the position was right
-    bool advancing = false;                      ///< whether it goes on by itself
+    std::chrono::steady_clock::time_point at{};  ///< the moment
+    bool advancing = false;                      ///< whether playback continues
 
-    /// Not beyond the end of the track.
+    /// Returns the position at @p now, at most the track's duration.
     std::chrono::milliseconds At(std::chrono::steady_clock::time_point now) const;
     std::chrono::milliseconds Now() const { return At(std::chrono::steady_clock::now()); }
 };
@@ -114,18 +115,18 @@ struct Rows<Position>
 };
 bool operator==(const Position& one, const Position& other);
 
-/// The present state of the player and the device, in an immutable value. Values without a name are passed on.
+/// The state of the player and the device. Numbers without a name are passed on.
 ///
-/// Read from the service whenever it appears, and whenever a device comes, goes, or is entered by this session: track,
-/// index, status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app.
-/// The rest is reported by events only, hence unknown until the first.
+/// Read from the service when it appears, when a device comes or goes, and when this session enters one: track, index,
+/// status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app. Only
+/// events report the rest, which is unknown until the first.
 struct PlayerState
 {
-    std::uint64_t version = 0;  ///< grows by 1 with each value that is published
+    std::uint64_t version = 0;  ///< incremented with each published state
     Phase phase = Phase::Absent;
     std::uint32_t generation = 0;  ///< how often the service has appeared
     std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
-    Fields missing;                ///< not answered within the deadline, and still being waited for; Ready only
+    Fields missing;                ///< not answered within the deadline, but still awaited; Phase::Ready only
 
     Known<Track> track;
     Known<int> trackIndex;  ///< -1 when nothing plays
@@ -133,31 +134,31 @@ struct PlayerState
     Known<Position> position;
     Known<Shuffle> shuffle;
     Known<Repeat> repeat;
-    Known<int> queueSize;
+    Known<int> queueSize;       ///< entries of the playing list
     Known<PicturePtr> artwork;  ///< of the playing track; null when it has none
 
-    Known<DeviceStatus> device;
-    Known<int> deviceCount;
-    Known<std::string> deviceName;
-    Known<bool> sourceValid;
+    Known<DeviceStatus> device;     ///< of the last event
+    Known<int> deviceCount;         ///< attached devices
+    Known<std::string> deviceName;  ///< of the entered device, as its owner named it
+    Known<bool> sourceValid;        ///< whether the device's audio can be used
     Known<CarPlayDevice> carPlay;
     Known<DeviceStatus> carLife;
     Known<WirelessCarPlay> wireless;
-    Known<PairingInfo> pairing;
-    Known<LocationStatus> location;
-    Known<std::string> foregroundApp;
+    Known<PairingInfo> pairing;        ///< out-of-band pairing information
+    Known<LocationStatus> location;    ///< whether the device requests location information
+    Known<std::string> foregroundApp;  ///< bundle identifier; empty when there is none
     Known<Battery> battery;
-    std::map<std::string, PhoneCall> calls;  ///< ongoing ones, by UUID; those without one share the key ""
-    std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open ones: number, index of the protocol
+    std::map<std::string, PhoneCall> calls;  ///< ongoing calls by UUID; those without one share the key ""
+    std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open ones: index of the protocol by number
 
-    /// The artwork of the playing track; null when it has none, and while that is unknown.
+    /// Returns the artwork of the playing track; null when it has none, and while that is unknown.
     PicturePtr Artwork() const { return artwork.value_or(nullptr); }
 
-    /// Why a field is unknown. Nothing when it is known, and for fields that are never unknown.
+    /// Returns why a field is unknown; nothing when it is known, and for fields that are never unknown.
     std::optional<Unknown> Why(Field field) const;
 };
 
-/// A row of PlayerState: also the bit of its field.
+/// A row of PlayerState, with the bit of its field.
 template <class Get>
 struct StateRow
 {
@@ -207,7 +208,7 @@ struct Rows<PlayerState>
 
 using StatePtr = std::shared_ptr<const PlayerState>;
 
-/// The fields in which two states differ.
+/// Returns the fields in which two states differ.
 Fields Differences(const PlayerState& one, const PlayerState& other);
 }  // namespace ipodkit
 

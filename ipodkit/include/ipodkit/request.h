@@ -1,6 +1,6 @@
 /// @file
-/// The one type for everything that takes time. A request is written down but not sent: how it is sent is chosen where
-/// it is made.
+/// Requests: the type of every operation that takes time. Nothing is sent before Start(), Future(), Wait(), or
+/// co_await. A request that is destroyed unsent does nothing.
 ///
 ///     commands.Next().Start([](Result<void> done) { … });                        // asynchronous
 ///     Result<int> count = commands.DeviceCount().Future().get();                 // on another thread
@@ -9,17 +9,19 @@
 ///     Result<PagePtr> page = co_await pager.At(1234);                            // see coroutine.h
 ///
 /// **Threads.** Any thread may make and send requests. Completions, and functions given to AndThen(), run in the
-/// session's context, exactly once, never inside Start(). What they throw is logged and goes no further.
+/// session's context, exactly once, never inside Start(). What they throw is logged, level WARN, and goes no further.
 ///
 /// **Blocking.** The Wait() of a command needs no context: it iterates none, and may be called on any thread, also on
-/// the session's (which it blocks). All other requests (of pagers, accessory sessions, and audio sources) need the
-/// context to run: on its thread Wait() returns ErrorKind::WouldDeadlock, on others it blocks.
+/// the session's (which it blocks). All other requests (of pagers, accessory sessions, and audio sources, and
+/// Session::Changed()) need the context to run: on its thread Wait() returns ErrorKind::WouldDeadlock, on others it
+/// blocks.
 ///
 /// **Time.** A request completes no later than its deadline: that of Within(), or else the session's. Requests of many
-/// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have none as a whole unless Within() sets one.
+/// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have no common one unless Within() sets it.
 ///
 /// **End.** When the session ends, requests under way by Start() or Future() complete with ErrorKind::Cancelled before
-/// its destructor returns. A Wait() of a command on another thread goes on to its answer or its deadline.
+/// its destructor returns. A Wait() of a command on another thread continues to its answer or its deadline. Requests
+/// made afterwards complete with ErrorKind::Cancelled, too: a Start() in the context, while it runs.
 #pragma once
 
 #include <ipodkit/cancellation.h>
@@ -223,7 +225,8 @@ public:
         return std::move(*this);
     }
 
-    /// Lets the switch withdraw the request, instead of the one given before. It completes with ErrorKind::Cancelled.
+    /// Lets @p cancellation withdraw the request, which then completes with ErrorKind::Cancelled. Replaces the one
+    /// given before.
     Request CancelledBy(const Cancellation& cancellation) &&
     {
         m_operation->terms.cancellation = cancellation;
@@ -247,14 +250,14 @@ public:
         return Second(std::make_shared<detail::Chain<T, U, F>>(std::move(m_operation), std::move(next)));
     }
 
-    /// Sends it. @p completion runs exactly once, in the session's context, never before the return.
+    /// Sends it and returns at once. @p completion runs exactly once, in the session's context, after Start() returned.
     void Start(Completion completion) &&
     {
         const detail::OperationPtr<T> operation = std::move(m_operation);
         operation->Start(std::move(completion));
     }
 
-    /// Sends it; the future is fulfilled in the session's context.
+    /// Sends it and returns at once; the future is fulfilled in the session's context.
     ipodkit::Future<T> Future() &&
     {
         const detail::OperationPtr<T> operation = std::move(m_operation);
@@ -268,7 +271,7 @@ public:
         return operation->Wait();
     }
 
-    /// For the parts of the companion only.
+    /// For the kit's own classes only.
     detail::OperationPtr<T> Inside() && { return std::move(m_operation); }
 
 private:

@@ -6,17 +6,20 @@
 ///     (*session)->Commands().Next().Start([](Result<void> done) { … });
 ///     g_main_loop_run(loop);
 ///
-/// **Context.** A session lives in one GMainContext: everything it calls is called there, outside of all locks, and
-/// nothing it does blocks there. Create and destroy it on the thread that runs the context, or before that runs. All
-/// other operations may be called on any thread.
+/// **Context.** A session runs in one GMainContext: callbacks run there, outside of all locks, and the session never
+/// blocks there. Create and destroy it on the thread that runs the context, or before any thread does. All other
+/// operations may be called on any thread, and do not block.
 ///
-/// **Process.** There is one session at a time, because the lists in shared memory belong to the process. The session
+/// **Callbacks** may call everything, end subscriptions, and destroy the session. What they throw is logged, level
+/// WARN, with the callback's name; the session and the other callbacks go on.
+///
+/// **Process.** One session exists at a time, because the lists in shared memory belong to the process. The session
 /// obtains the core's player, which attaches the shared memory, but does not call its InitInstance(): it receives the
 /// service's events itself. An application that uses the core beside the session calls InitInstance() on its own.
 ///
-/// **End of the bus.** GLib ends a process whose session bus goes away, unless `g_dbus_connection_set_exit_on_close()`
-/// says otherwise. In a process that survives it requests fail with ErrorKind::NoBus until there is a bus again, at the
-/// same address; the session looks for it once a second.
+/// **End of the bus.** GLib exits a process whose session bus disappears, unless
+/// `g_dbus_connection_set_exit_on_close()` disables that. In a process that survives, requests fail with
+/// ErrorKind::NoBus until a bus is available at the same address; the session checks once a second.
 #pragma once
 
 #include <ipodkit/commands.h>
@@ -37,22 +40,23 @@ typedef struct _GMainContext GMainContext;  // NOLINT(bugprone-reserved-identifi
 
 namespace ipodkit
 {
+/// Session::Open() returns ErrorKind::BadArgument when an option is out of range.
 struct SessionOptions
 {
-    GMainContext* context = nullptr;           ///< null: the default one
-    std::chrono::milliseconds settle{20};      ///< changes within this time are published together; 0: with each event
-    std::chrono::milliseconds deadline{5000};  ///< of each request, unless it says otherwise
-    std::chrono::milliseconds callbackBudget{5};  ///< a callback that takes longer is named in the log
-    std::size_t artworkLimit = 1 << 20;           ///< larger pictures are left out, in bytes
+    GMainContext* context = nullptr;              ///< null: the default context
+    std::chrono::milliseconds settle{20};         ///< delay from an event to its state; 0: none, each event has one
+    std::chrono::milliseconds deadline{5000};     ///< of each request without Within(); at least 1 ms
+    std::chrono::milliseconds callbackBudget{5};  ///< slower callbacks are logged by name; at least 0
+    std::size_t artworkLimit = 1 << 20;           ///< in bytes; larger images are omitted from state and events
     bool activateService = false;                 ///< ask the bus to start the service while nobody owns its name
 };
 
-/// How far the session is with the service: the part of the PlayerState that Field::Connection stands for.
+/// The connection to the service: the members of PlayerState that Field::Connection covers.
 struct Connection
 {
     Phase phase = Phase::Absent;
     std::uint32_t generation = 0;  ///< how often the service has appeared
-    std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing; it keeps trying
+    std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing; it retries
     Fields missing{};              ///< see PlayerState::missing
 };
 
@@ -61,48 +65,48 @@ class FakeSession;
 class Session
 {
 public:
-    /// Returns at once, in Phase::Absent; everything else happens while the context runs.
-    /// ErrorKind::BadArgument when there is a session already, or was one in another context.
+    /// Opens a session in Phase::Absent, without blocking; it connects while the context runs. ErrorKind::BadArgument
+    /// when the process has a session already, or an option is out of range.
     static Result<std::unique_ptr<Session>> Open(const SessionOptions& options = {});
 
-    /// Completes the requests that are under way with ErrorKind::Cancelled; a Wait() on another thread goes on.
-    /// Subscriptions may outlive it; none of their callbacks runs any more, also when it is a callback that ends the
-    /// session.
+    /// Completes the requests that are under way with ErrorKind::Cancelled; a Wait() on another thread continues.
+    /// Subscriptions may outlive the session; their callbacks do not run any more. A callback may destroy the session.
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    ipodkit::Connection Connection() const;
-    StatePtr State() const;  ///< the last that was published, never null
-    ipodkit::Commands Commands() const;
+    ipodkit::Connection Connection() const;  ///< of State()
+    StatePtr State() const;                  ///< the state published last; never null
+    ipodkit::Commands Commands() const;      ///< the requests to the service
 
-    /// The next state that is published after the start of the request and differs in one of @p fields. No deadline
-    /// unless Within() sets one.
+    /// Completes with the next state that differs from the present one in any of @p fields. It has no deadline unless
+    /// Within() sets one.
     Request<StatePtr> Changed(Fields fields = Fields::All());
 
-    /// Reads fields from the service again, those that can be read; each is published when its answer arrives. For
-    /// fields that were refused, or that may have changed without an event.
+    /// Reads those of @p fields that can be read from the service again; each is published when its answer arrives. For
+    /// fields that were refused, or that may have changed without an event. Does nothing unless the service is there.
     void Refresh(Fields fields = Fields::All());
 
-    /// @name Subscriptions. The name is what the log calls the callback.
+    /// @name Subscriptions. The log refers to a callback by its name. "First" means: soon, in the context.
     /// @{
 
-    /// Every step of the connection, first the present one. Inside the callback State() has the same phase and error.
+    /// Reports every change of the connection, first the present value. Inside the callback State() has the same phase
+    /// and error.
     using ConnectionCallback = std::function<void(const ipodkit::Connection&)>;
     Subscription OnConnection(std::string name, ConnectionCallback callback);
 
-    /// Every published state that differs in one of @p fields, with all that changed; first the present state, with
-    /// all fields. A burst of events makes one change.
+    /// Reports every published state that differs in any of @p fields, with all fields that changed; first the present
+    /// state, with all fields. A burst of events results in one state.
     using StateCallback = std::function<void(const StatePtr&, Fields changed)>;
     Subscription OnState(std::string name, StateCallback callback, Fields fields = Fields::All());
 
-    /// Every single event of the service, in the order in which the service emitted them, also in relation to its
-    /// answers. Events of a service that has just replaced another come after Phase::Connecting.
+    /// Reports every event, in the order in which the service sent events and answers. Events of a service that
+    /// replaced another follow Phase::Connecting.
     using EventCallback = std::function<void(const Event&)>;
     Subscription OnEvent(std::string name, EventCallback callback);
     /// @}
 
-    /// What the parts of the companion share; for them only.
+    /// For the kit's own classes only.
     class __attribute__((visibility("hidden"))) Impl;
     const std::shared_ptr<Impl>& Inside() const { return m_impl; }
 

@@ -1,5 +1,5 @@
 /// @file
-/// A registration that ends with the object that stands for it.
+/// The registration of a callback.
 #pragma once
 
 #include <memory>
@@ -13,11 +13,13 @@ namespace detail
 class Slot;
 }
 
-/// Ends the registration when it is destroyed, reset or assigned over. Move-only.
+/// Registers a callback until it is destroyed, reset, or assigned to. Move-only. It may outlive the session.
 ///
-/// Any thread may end it, also from inside the callback itself. When that returns, the callback is not running on
-/// another thread and will not run again, and what it held is let go; from inside the callback, when the callback
-/// returns. So do not end it while holding a lock that the callback wants. It may outlive the session.
+/// Any thread may end it, also the callback itself. Ending it blocks while the callback runs on another thread;
+/// afterwards the callback does not run again, and is destroyed. So do not end it while holding a lock that the
+/// callback needs. A callback that ends itself is destroyed when it returns.
+///
+/// Exceptions from callbacks are logged, level WARN, with the callback's name; other callbacks still run.
 class [[nodiscard]] Subscription
 {
 public:
@@ -27,6 +29,7 @@ public:
     Subscription& operator=(Subscription&& other) noexcept;
     ~Subscription();
 
+    /// Ends the registration. Does nothing when it has ended.
     void Reset();
 
 private:

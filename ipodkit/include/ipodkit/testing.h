@@ -1,5 +1,5 @@
 /// @file
-/// A session for tests of applications: without a bus, a service, or shared memory.
+/// A fake session for tests of applications, without a bus, a service, or shared memory.
 ///
 ///     FakeSession fake;
 ///     NowPlaying view(fake.Get());
@@ -35,34 +35,36 @@ public:
     FakeSession(const FakeSession&) = delete;
     FakeSession& operator=(const FakeSession&) = delete;
 
-    /// The session that the application gets; it ends with the fake.
+    /// Returns the session to pass to the application; it ends with the fake.
     Session& Get();
 
-    /// A state in Phase::Ready of which nothing else is known.
+    /// Returns a state in Phase::Ready in which all else is unknown.
     static PlayerState ReadyState();
 
-    /// Publishes a state; its version is counted on.
+    /// Publishes a state, with the next version.
     void SetState(const PlayerState& state);
 
-    /// Does what an event of the service does: callbacks of OnEvent() run, and the state follows it.
+    /// Emits an event as the service does: callbacks of OnEvent() run, and the state follows.
     void Emit(const Event& event);
 
-    /// @name Answers to requests. Methods are those of the bus contract. Without one, a request completes with
+    /// @name Answers to requests, by method of the bus contract. Without an answer, a request completes with
     /// ErrorKind::Refused; void commands succeed.
     /// @{
-    void Answer(const std::string& method, const std::string& body);  ///< in GVariant text: "(true,)"
+    /// @param body  in GVariant text: "(true,)"
+    /// @throws std::invalid_argument  when it is not
+    void Answer(const std::string& method, const std::string& body);
     void Fail(const std::string& method, const Error& error);
     void Hold(const std::string& method);        ///< answers neither these calls nor later ones
     void AnswerHeld(const std::string& method);  ///< answers all of them as before Hold(), and later ones at once
 
-    /// The entries of a list for pagers, and their number.
+    /// Sets the entries of a list, for pagers.
     void SetList(ListKind kind, std::vector<std::string> names);
     /// @}
 
-    /// "Seek(12,)" for each call so far: the method and its arguments in GVariant text.
+    /// Returns the calls so far, in order: method and arguments in GVariant text, "Seek(12,)".
     std::vector<std::string> Calls() const;
 
-    /// Lets time pass: the position advances while something plays, and commands that are held time out.
+    /// Advances the time: the position follows while something plays, and commands that are held time out.
     void Advance(std::chrono::milliseconds time);
 
     /// Runs what is ready in the session's context.

@@ -1,8 +1,8 @@
 /// @file
 /// Values of the device: tracks, calls, battery, and the enumerations of their fields.
 ///
-/// Texts are passed on byte for byte as the service sent them: UTF-8 by agreement, not checked. Every number that the
-/// service sends is a valid value of an enumeration, also one without a name here.
+/// Texts have exactly the bytes that the service sent: UTF-8 by agreement, not checked. Every number that the service
+/// sends is a valid value of an enumeration, even without a name here.
 #pragma once
 
 #include <ipodkit/fields.h>
@@ -37,7 +37,7 @@ enum class Shuffle : int
 {
     Off,
     Songs,   ///< songs in random order
-    Albums,  ///< albums in random order, the songs of each in theirs
+    Albums,  ///< albums in random order, the songs of each in their own order
 };
 template <>
 struct EnumNames<Shuffle>

@@ -11,7 +11,7 @@ std::size_t RoomForAccessoryBytes()
     return RoomToWrite(g_VecEapWriteBufferShareMemory);
 }
 
-/// Follows the sessions of the state: which ones are open is decided there.
+/// Follows the sessions of the state, which decides which ones are open.
 class AccessoryPort::Impl : public std::enable_shared_from_this<AccessoryPort::Impl>
 {
 public:
@@ -33,7 +33,7 @@ public:
     void Follow(const Event& event);
     void CloseThoseThatEnded();
     void CloseAll();
-    void Outlive()
+    void KeepAlive()
     {
         Post(m_session->Context(), [self = shared_from_this()] {});
     }
@@ -132,13 +132,13 @@ AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
     m_impl->Watch();
 }
 
-// It may be one of its own callbacks that ends it: what runs there stays until that has returned.
+// One of its own callbacks may destroy it: the running callback stays until it has returned.
 AccessoryPort::~AccessoryPort()
 {
     m_listening.Reset();
     m_watching.Reset();
     m_impl->CloseAll();
-    m_impl->Outlive();
+    m_impl->KeepAlive();
 }
 
 std::vector<AccessorySessionPtr> AccessoryPort::Sessions() const

@@ -21,10 +21,10 @@ Error TooManyWaiting(std::size_t waiting)
     return {ErrorKind::Busy, std::to_string(waiting) + " bytes are waiting; OnDrained() reports when they are sent"};
 }
 
-const Error kWithdrawnHalfSent{ErrorKind::Cancelled, "a write was withdrawn when a part of it had been sent"};
+const Error kWithdrawnHalfSent{ErrorKind::Cancelled, "a write was withdrawn after a part of it had been sent"};
 }  // namespace
 
-// What another thread writes, and what belongs to this one: it is moved there and back, and never let go there.
+// Moved to another thread and back. The objects that belong to this thread are never destroyed there.
 struct AccessorySession::Impl::Growth
 {
     std::shared_ptr<Impl> self;
@@ -105,7 +105,7 @@ void AccessorySession::Impl::DropWithdrawn()
     }
 }
 
-// Where the buffer has to grow, somebody else may hold the lock of the segment.
+// If the buffer has to grow, another process may hold the lock of the segment.
 void AccessorySession::Impl::WriteAside(Bytes chunk, const Lane::Release& release)
 {
     const std::shared_ptr<GMainContext> context(g_main_context_ref(m_session->Context()), g_main_context_unref);
@@ -126,7 +126,7 @@ void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& 
     if (!result || m_jobs.empty())
     {
         release();
-        return FailLater(result ? kSessionEnded : result.error());
+        return FailLater(result ? detail::kSessionEnded : result.error());
     }
     AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
         .Start(
@@ -137,7 +137,7 @@ void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& 
             });
 }
 
-// It may be the caller of Write() who finds out.
+// The caller of Write() may be the first to detect it.
 void AccessorySession::Impl::FailLater(const Error& error)
 {
     Post(m_session->Context(),

@@ -1,5 +1,5 @@
 /// @file
-/// The inside of an accessory session.
+/// Implementation of an accessory session.
 #pragma once
 
 #include <ipodkit/accessory.h>

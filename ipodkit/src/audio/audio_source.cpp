@@ -38,7 +38,7 @@ public:
     ipodkit::Request<void> Play(PlayOption option);
     void Release();
     void ServiceLost();
-    void Outlive()
+    void KeepAlive()
     {
         Post(m_session->Context(), [self = shared_from_this()] {});
     }
@@ -72,7 +72,8 @@ void AudioSource::Impl::Go(AudioState to, const std::string& why)
 
 Result<void> AudioSource::Impl::Request()
 {
-    if (m_number != 0 && m_number != 1) return Fail(ErrorKind::BadArgument, "there are the sources 0 and 1");
+    if (m_number != 0 && m_number != 1)
+        return Fail(ErrorKind::BadArgument, "source: expected 0 or 1, got " + std::to_string(m_number));
     IQBXIpodPlayer* const player = CoreLink::Instance().Player();
     if (player == nullptr) return Fail(ErrorKind::NoService, "the session has not been ready yet");
     if (m_state != AudioState::Released) return {};
@@ -83,7 +84,7 @@ Result<void> AudioSource::Impl::Request()
     return {};
 }
 
-// Unasked activations are confirmed too: the manager knows better.
+// Activations without a request are confirmed, too: the manager decides.
 void AudioSource::Impl::Activated(int confirmation)
 {
     if (CoreLink::Instance().Player() == nullptr) return;
@@ -94,7 +95,7 @@ void AudioSource::Impl::Activated(int confirmation)
     if (!resume) return;
     const auto report = [](const Result<void>& result)
     {
-        if (!result) LogWarning("interrupted playback does not go on: " + result.error().Text());
+        if (!result) LogWarning("cannot resume interrupted playback: " + result.error().Text());
     };
     Play(PlayOption::Resume).Start(report);
 }
@@ -119,7 +120,7 @@ ipodkit::Request<void> AudioSource::Impl::Play(PlayOption option)
                                  begin);
 }
 
-// The core's own start of playback would block; its tests are made here.
+// The core's own start of playback would block; this repeats its conditions.
 void AudioSource::Impl::Start(const PendingPtr<void>& request, PlayOption option)
 {
     if (m_state == AudioState::Released || !QBXSource::IsActived(Source()))
@@ -134,7 +135,7 @@ void AudioSource::Impl::Start(const PendingPtr<void>& request, PlayOption option
         });
 }
 
-// The manager may have taken the source away while the request was under way.
+// The manager may have deactivated the source while the request was under way.
 void AudioSource::Impl::Started(const Result<void>& result)
 {
     if (!result) return;
@@ -175,12 +176,12 @@ AudioSource::AudioSource(Session& session, int number)
 {
 }
 
-// It may be one of its own callbacks that ends it: what runs there stays until that has returned.
+// One of its own callbacks may destroy it: the running callback stays until it has returned.
 AudioSource::~AudioSource()
 {
     m_listening.Reset();
     m_watching.Reset();
-    m_impl->Outlive();
+    m_impl->KeepAlive();
 }
 
 AudioState AudioSource::State() const

@@ -33,7 +33,7 @@ std::string TextOf(const Call& call)
     return call.method + arguments;
 }
 
-// A reply must have the type of the contract, and an order that was not followed is refused.
+// A reply must have the type of the contract. One of "false" means that the service refused.
 Result<Body> Judged(const Call& call, Result<Body> result)
 {
     if (!result) return result;
@@ -48,20 +48,20 @@ Result<Body> Judged(const Call& call, Result<Body> result)
     return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
 }
 
-// One record for each request, so that a log shows what an application asked for.
+// One record for each request, so that a log shows what an application requested.
 void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::steady_clock::time_point since)
 {
     const std::string taken = DurationText(std::chrono::steady_clock::now() - since);
     LogDebug(TextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
 }
 
-// Whether the service does something and reports no more than that.
+// Whether the request is a command, which returns success or nothing.
 bool IsCommand(const Call& call)
 {
     return call.isOrder || std::strcmp(call.replyType, "()") == 0;
 }
 
-// Who gave no answer in time, or none that counts, may have followed the command all the same.
+// Without a valid answer in time, the service may have executed the command nevertheless.
 bool MayBeFollowed(const Call& call, const Result<Body>& result)
 {
     if (!IsCommand(call)) return false;
@@ -70,7 +70,7 @@ bool MayBeFollowed(const Call& call, const Result<Body>& result)
     return kind == ErrorKind::TimedOut || kind == ErrorKind::Cancelled || kind == ErrorKind::BadReply;
 }
 
-// The call as a message of its own: GDBus's call by name would hide who sent an error, the service or the bus.
+// The call as a message: GDBus's call by name would hide whether the service or the bus sent an error.
 MessagePtr MessageOf(const Call& call)
 {
     MessagePtr message(g_dbus_message_new_method_call(kBusName, kObjectPath, kBusName, call.method));
@@ -79,14 +79,14 @@ MessagePtr MessageOf(const Call& call)
     return message;
 }
 
-// That of an empty reply is left out.
+// An empty reply has no body.
 Body BodyOf(GDBusMessage& reply)
 {
     GVariant* const body = g_dbus_message_get_body(&reply);
     return {body != nullptr ? g_variant_ref(body) : g_variant_ref_sink(g_variant_new("()")), g_variant_unref};
 }
 
-// Takes both over; one of them is null.
+// Takes ownership of both; one of them is null.
 Result<Body> ToResult(GDBusMessage* reply, GError* error)
 {
     const MessagePtr answer(reply);
@@ -228,6 +228,7 @@ void Bus::Unconnected(const Error& error)
 
 void Bus::Close()
 {
+    m_home->End();
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_closed = true;

@@ -1,5 +1,5 @@
 /// @file
-/// The session's connection to the bus and the calls that are under way on it.
+/// The session's connection to the bus, and the calls under way on it.
 #pragma once
 
 #include <cstdint>
@@ -17,13 +17,10 @@ namespace ipodkit
 inline constexpr char kBusName[] = "com.zarn.linux.ipod";
 inline constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 
-/// What everything completes with that the end of the session withdraws.
-inline const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
-
 namespace detail
 {
 /// Calls go to the service's well-known name over the connection itself. A proxy would send them to the unique name
-/// that it saw last, hence to a dead service until its context runs; and it knows no deadline per call.
+/// that it saw last, hence to a dead service until its context runs; and it has no deadline per call.
 ///
 /// Send() and SendAndWait() may be called on any thread, OnFollowed() before they are; the rest on the thread of the
 /// context.
@@ -37,8 +34,8 @@ public:
 
     Bus(GMainContext* context, const Guard& guard);
 
-    /// @p followed is called in the context for each command that the service has followed, or may have: it was sent
-    /// and no refusal came. The command completes afterwards.
+    /// @p followed is called in the context for each command that the service executed, or may have executed: it was
+    /// sent and not refused. The command completes afterwards.
     void OnFollowed(std::function<void(const char* method)> followed);
 
     /// Reports the commands of SendAndWait() at once. Otherwise they are reported when the context runs next.
@@ -59,13 +56,13 @@ public:
     /// The answer to a call; ignored when it has completed.
     void Complete(Serial serial, Result<Body> result);
 
-    /// Sends what has been waiting for the connection.
+    /// Sends the requests that wait for the connection.
     void Connected(GDBusConnection* connection);
 
-    /// Completes what has been waiting for a connection; until there is one, requests fail with this error.
+    /// Completes requests that wait for a connection; until there is one, requests fail with this error.
     void Unconnected(const Error& error);
 
-    /// Completes everything that is under way, and whatever is sent from now on, with ErrorKind::Cancelled.
+    /// Completes all requests, those under way and later ones, with ErrorKind::Cancelled.
     void Close();
 
     const HomePtr& Home() const { return m_home; }

@@ -17,7 +17,7 @@ namespace ipodkit::detail
 class Bus;
 using Body = std::shared_ptr<GVariant>;
 
-/// What is sent, and what an answer must look like.
+/// A call, and the type of a valid answer.
 struct Call
 {
     const char* method;
@@ -28,7 +28,7 @@ struct Call
     Terms terms{};
 };
 
-/// A call that is under way, and what becomes of its answer.
+/// A call under way, and the receiver of its answer.
 class PendingCall
 {
 public:

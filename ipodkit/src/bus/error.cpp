@@ -28,7 +28,7 @@ ErrorKind KindOfBusError(int code)
     }
 }
 
-// What GDBus itself says on this side of the bus.
+// Errors of GDBus in this process.
 ErrorKind KindOfLocalError(int code)
 {
     switch (code)
@@ -73,6 +73,26 @@ const char* Name(ErrorKind kind)
                                             "BadReply",  "Cancelled", "NoSharedMemory", "BadArgument", "Ambiguous",
                                             "NoStorage", "Busy",      "WouldDeadlock"};
     return names[static_cast<int>(kind)];
+}
+
+const char* Remedy(ErrorKind kind)
+{
+    static constexpr const char* remedies[] = {
+        "start the program where a session bus runs: DBUS_SESSION_BUS_ADDRESS is its address",
+        "start the iPod service",
+        "check whether the service crashed; send the request again when the session is Ready",
+        "check whether the service hangs, or allow more time with Within()",
+        "",
+        "update the service: its answer violates the bus contract",
+        "",
+        "run 'ipodctl doctor', which finds what is wrong with the segments",
+        "correct the argument: the reason gives the range",
+        "close all but one of the accessory sessions whose numbers have the same low byte",
+        "free disk space, or choose a directory that this user may write to",
+        "wait for AccessorySession::OnDrained()",
+        "use Start(), or wait on another thread",
+    };
+    return remedies[static_cast<int>(kind)];
 }
 
 std::string Error::Text() const

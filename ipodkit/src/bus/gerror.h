@@ -1,5 +1,5 @@
 /// @file
-/// From GLib's errors to the companion's.
+/// Converts GLib's errors to those of the kit.
 #pragma once
 
 #include <ipodkit/error.h>

@@ -74,8 +74,8 @@ std::optional<Error> Unfit(Number number)
 {
     using Limits = std::numeric_limits<Wire>;
     if (number >= Limits::min() && number <= Limits::max()) return std::nullopt;
-    return Error{ErrorKind::BadArgument, "the number " + std::to_string(number) + "; " + std::to_string(Limits::min()) +
-                                             " to " + std::to_string(Limits::max()) + " can be sent"};
+    return Error{ErrorKind::BadArgument, "expected a number between " + std::to_string(Limits::min()) + " and " +
+                                             std::to_string(Limits::max()) + ", got " + std::to_string(number)};
 }
 }  // namespace
 

@@ -98,10 +98,10 @@ PictureHead PictureHeadIn(GVariant* boxed)
 std::optional<Error> Obstacle(const std::string& text, std::size_t longest)
 {
     if (text.size() > longest)
-        return Error{ErrorKind::BadArgument, "a text of " + std::to_string(text.size()) + " bytes; at most " +
-                                                 std::to_string(longest) + " can be sent"};
+        return Error{ErrorKind::BadArgument, "expected a text of at most " + std::to_string(longest) + " bytes, got " +
+                                                 std::to_string(text.size())};
     if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
-        return Error{ErrorKind::BadArgument, "a text that is not UTF-8 or has a NUL in it"};
+        return Error{ErrorKind::BadArgument, "expected UTF-8 text without NUL"};
     return std::nullopt;
 }
 

@@ -11,7 +11,7 @@ namespace ipodkit
 /// The picture of the playing track goes into VecArtworkBufferShareMemory.
 Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline);
 
-/// Sends what stands in VecEapWriteBufferShareMemory.
+/// Sends the content of VecEapWriteBufferShareMemory.
 Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
                          std::uint16_t session);
 

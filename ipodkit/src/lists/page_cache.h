@@ -1,5 +1,5 @@
 /// @file
-/// The pages that were used last.
+/// The most recently used pages.
 #pragma once
 
 #include <ipodkit/pager.h>
@@ -17,7 +17,7 @@ class PageCache
 public:
     explicit PageCache(std::size_t limit) : m_limit(std::max<std::size_t>(limit, 1)) {}
 
-    /// Null when it is not there; otherwise it is the most recently used from now on.
+    /// Null when it is not cached. Otherwise it becomes the most recently used.
     PagePtr Find(int number)
     {
         const auto found = m_index.find(number);

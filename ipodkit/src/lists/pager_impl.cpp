@@ -21,9 +21,9 @@ tl::unexpected<Error> WrongSize(std::size_t got, std::size_t wanted)
 std::optional<Error> OutOfRange(const PagerOptions& options)
 {
     if (options.pageSize < 1)
-        return Error{ErrorKind::BadArgument, "a page size of " + std::to_string(options.pageSize) + "; at least 1"};
+        return Error{ErrorKind::BadArgument, "pageSize: expected at least 1, got " + std::to_string(options.pageSize)};
     if (options.prefetch < 0)
-        return Error{ErrorKind::BadArgument, "a prefetch of " + std::to_string(options.prefetch) + "; at least 0"};
+        return Error{ErrorKind::BadArgument, "prefetch: expected at least 0, got " + std::to_string(options.prefetch)};
     return std::nullopt;
 }
 }  // namespace
@@ -70,7 +70,8 @@ void Pager::Impl::Watch()
     m_ending = Subscription(m_session->Endings().Add("pager",
                                                      [weak = weak_from_this()]
                                                      {
-                                                         if (const auto self = weak.lock()) self->End(kSessionEnded);
+                                                         if (const auto self = weak.lock())
+                                                             self->End(detail::kSessionEnded);
                                                      }));
 }
 
@@ -189,7 +190,7 @@ Request<PagePtr> Pager::Impl::At(int index)
     return Reading<PagePtr>("pager page", {m_session->Options().deadline, std::nullopt}, begin);
 }
 
-// The size comes first: without it nobody knows how long a page must be.
+// The size comes first: it determines how long a page must be.
 void Pager::Impl::EntryWanted(int index, Waiter<PagePtr> waiter)
 {
     if (index < 0) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
@@ -199,7 +200,7 @@ void Pager::Impl::EntryWanted(int index, Waiter<PagePtr> waiter)
                  { count ? PageWanted(index, waiter) : waiter.arrived(tl::unexpected<Error>(count.error())); }});
 }
 
-// Where no size is reported, a page that is not full shows where the list ends. The first page is requested first:
+// In a list without a reported size, a page that is not full marks the end. The first page is requested first:
 // beyond the end some services refuse, and some fill in the whole list whatever is requested.
 void Pager::Impl::EntryWantedWithoutCount(int index, const Waiter<PagePtr>& waiter)
 {
@@ -243,7 +244,7 @@ PagePtr Pager::Impl::Cached(int index)
     return page != nullptr && page->Holds(index) ? page : nullptr;
 }
 
-// A page that nobody wants any more when its turn comes is not fetched.
+// A page is not read if all its requests ended before its turn.
 void Pager::Impl::FetchPage(int number, const OpenRequest* request)
 {
     const auto wanted = [this, number]

@@ -1,5 +1,5 @@
 /// @file
-/// The inside of a pager.
+/// Implementation of a pager.
 #pragma once
 
 #include <ipodkit/pager.h>
@@ -14,7 +14,7 @@
 
 namespace ipodkit
 {
-/// Context thread only, but for what makes requests.
+/// Context thread only, except for the functions that make requests.
 class Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
 {
 public:
@@ -41,7 +41,7 @@ public:
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:
-    /// A request, and how it goes on with what it waits for.
+    /// A request, and its continuation with the result that it waits for.
     template <class T>
     struct Waiter
     {

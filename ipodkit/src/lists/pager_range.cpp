@@ -34,8 +34,8 @@ Request<Pager::Impl::Names> Pager::Impl::Range(int first, int last)
         if (first < 0) return request->Settle(tl::unexpected<Error>(NoSuchEntry(first)));
         if (last < first)
             return request->Settle(tl::unexpected<Error>(
-                Error{ErrorKind::BadArgument,
-                      "the range ends at " + std::to_string(last) + " before it begins at " + std::to_string(first)}));
+                Error{ErrorKind::BadArgument, "range: expected a last index of at least " + std::to_string(first) +
+                                                  ", got " + std::to_string(last)}));
         self.BeginWalk(std::make_shared<Walk>(Walk{request, first, last, last == Pager::End}));
     };
     return Reading<Names>("pager range", {}, begin);
@@ -61,7 +61,7 @@ void Pager::Impl::WalkOn(const WalkPtr& walk)
     EntryWanted(walk->next, {walk->request, [this, walk](const Result<PagePtr>& page) { Walked(walk, page); }});
 }
 
-// Where no size is reported, the end of the list is where there are no more entries.
+// A list without a reported size ends where no more entries follow.
 void Pager::Impl::Walked(const WalkPtr& walk, const Result<PagePtr>& page)
 {
     if (page)

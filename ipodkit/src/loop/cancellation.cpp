@@ -18,7 +18,7 @@ CancellationLink::CancellationLink(const Cancellation& source, GCallback thrown,
 {
 }
 
-// Nothing was connected to a switch that had been thrown.
+// A handler is not connected if the cancellation had been triggered before.
 CancellationLink::~CancellationLink()
 {
     if (m_handler != 0) g_cancellable_disconnect(m_source.Native(), m_handler);

@@ -1,5 +1,5 @@
 /// @file
-/// What happens when a switch is thrown.
+/// Handlers of cancellations.
 #pragma once
 
 #include <gio/gio.h>
@@ -7,8 +7,8 @@
 
 namespace ipodkit
 {
-/// Calls @p thrown on the thread that throws the switch, at once if it has been thrown; not after the link's end, which
-/// waits for a call on another thread. The link must not end inside the call.
+/// Calls @p thrown on the thread that cancels, at once if that has happened; never after the link was destroyed, which
+/// blocks during a call on another thread. The link must not be destroyed inside the call.
 class CancellationLink
 {
 public:

@@ -12,13 +12,13 @@ bool IsDefaultHere(GMainContext* context)
 
 gboolean RunWork(gpointer work)
 {
-    static_cast<Handover*>(work)->Do();
+    static_cast<PostedTask*>(work)->Do();
     return G_SOURCE_REMOVE;
 }
 
 void DeleteWork(gpointer work)
 {
-    delete static_cast<Handover*>(work);
+    delete static_cast<PostedTask*>(work);
 }
 }  // namespace
 
@@ -36,7 +36,7 @@ void Post(GMainContext* context, std::function<void()> work)
 {
     GSource* const source = g_idle_source_new();
     g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    g_source_set_callback(source, RunWork, new Handover(std::move(work)), DeleteWork);
+    g_source_set_callback(source, RunWork, new PostedTask(std::move(work)), DeleteWork);
     g_source_attach(source, context);
     g_source_unref(source);
 }
@@ -44,7 +44,7 @@ void Post(GMainContext* context, std::function<void()> work)
 SourcePtr After(GMainContext* context, guint milliseconds, std::function<void()> work)
 {
     SourcePtr source(g_timeout_source_new(milliseconds));
-    g_source_set_callback(source.get(), RunWork, new Handover(std::move(work)), DeleteWork);
+    g_source_set_callback(source.get(), RunWork, new PostedTask(std::move(work)), DeleteWork);
     g_source_attach(source.get(), context);
     return source;
 }
@@ -52,12 +52,12 @@ SourcePtr After(GMainContext* context, guint milliseconds, std::function<void()>
 void RunAside(std::function<void()> work)
 {
     GTask* const task = g_task_new(nullptr, nullptr, nullptr, nullptr);
-    g_task_set_task_data(task, new Handover(std::move(work)),
-                         [](gpointer data) { delete static_cast<Handover*>(data); });
+    g_task_set_task_data(task, new PostedTask(std::move(work)),
+                         [](gpointer data) { delete static_cast<PostedTask*>(data); });
     g_task_run_in_thread(task,
                          [](GTask* self, gpointer, gpointer data, GCancellable*)
                          {
-                             static_cast<Handover*>(data)->Do();
+                             static_cast<PostedTask*>(data)->Do();
                              g_task_return_boolean(self, TRUE);
                          });
     g_object_unref(task);

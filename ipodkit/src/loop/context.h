@@ -23,12 +23,12 @@ private:
     GMainContext* m_pushed;
 };
 
-/// Work that one thread makes and another one does. GLib orders the two; the lock says so to thread checkers too,
-/// which do not see into GLib.
-class Handover
+/// A task that one thread posts and another runs. GLib orders the two; the lock makes the order visible to thread
+/// checkers, which do not instrument GLib.
+class PostedTask
 {
 public:
-    explicit Handover(std::function<void()> work)
+    explicit PostedTask(std::function<void()> work)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_work = std::move(work);
@@ -47,7 +47,7 @@ private:
     std::function<void()> m_work;
 };
 
-/// Runs @p work in @p context, later, also when the caller is there already.
+/// Runs @p work in @p context, later, even if the caller runs the context.
 void Post(GMainContext* context, std::function<void()> work);
 
 /// Runs @p work in @p context after so many milliseconds, unless the source is destroyed before.

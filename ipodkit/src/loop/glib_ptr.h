@@ -23,7 +23,7 @@ struct ErrorFree
     void operator()(GError* error) const { g_error_free(error); }
 };
 
-/// Takes the source out of its context.
+/// Removes the source from its context.
 struct SourceDestroy
 {
     void operator()(GSource* source) const

@@ -1,5 +1,5 @@
 /// @file
-/// The fence around the application's callbacks: they are called from C, and they share one thread.
+/// Protection against the application's callbacks, which are called from C and share one thread.
 #pragma once
 
 #include <chrono>
@@ -8,8 +8,8 @@
 
 namespace ipodkit
 {
-/// Runs callbacks. What they throw ends here and is logged; one that takes longer than the budget is named in the
-/// log. The log is the unit's, category `liblog_category`, level WARN; GLib's while that is not set up.
+/// Runs callbacks. Logs exceptions that they throw, and the names of those that exceed the budget, through
+/// `liblog_category` at level WARN; through GLib's log while that is not set up.
 class Guard
 {
 public:
@@ -29,7 +29,7 @@ public:
         }
         catch (...)
         {
-            LogThrow(name, "something that is no exception");
+            LogThrow(name, "not a std::exception");
         }
         Judge(name, std::chrono::steady_clock::now() - start);
     }

@@ -1,6 +1,7 @@
 #include "loop/home.h"
 
 #include "loop/context.h"
+#include "loop/terms.h"
 
 namespace ipodkit::detail
 {
@@ -25,6 +26,16 @@ void Home::Run(const std::function<void()>& work) const
 bool RunsHere(const Home& home)
 {
     return static_cast<bool>(Home::Turn(home));
+}
+
+bool HasEnded(const Home& home)
+{
+    return home.Ended();
+}
+
+Error SessionEnded()
+{
+    return kSessionEnded;
 }
 
 Error WouldDeadlock()

@@ -1,5 +1,5 @@
 /// @file
-/// The session's context: who runs it, and work for it.
+/// The session's context: the thread that runs it, and work for it.
 #pragma once
 
 #include <ipodkit/future.h>
@@ -26,6 +26,10 @@ public:
     /// Remembers that the calling thread runs the context.
     void RunsOnThisThread() { m_thread.store(std::this_thread::get_id(), std::memory_order_relaxed); }
 
+    /// The session has ended; it completes everything that was started before.
+    void End() { m_ended.store(true); }
+    bool Ended() const { return m_ended.load(); }
+
     /// Runs @p work now where the context runs, else later there.
     void Run(const std::function<void()>& work) const;
 
@@ -48,5 +52,6 @@ private:
     const ContextPtr m_context;
     const Guard m_guard;
     std::atomic<std::thread::id> m_thread{std::this_thread::get_id()};
+    std::atomic<bool> m_ended{false};
 };
 }  // namespace ipodkit::detail

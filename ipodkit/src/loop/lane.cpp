@@ -14,7 +14,7 @@ void Lane::Outdate(const Guard& guard)
     m_watchers.ForEach(guard, [](const std::function<void()>& watcher) { watcher(); });
 }
 
-// One after the other, those too that give theirs back at once: one inside the other, many would fill the stack.
+// A loop, also for work that releases the queue at once: recursion would exhaust the stack.
 void Lane::Next()
 {
     if (m_running) return;

@@ -1,5 +1,5 @@
 /// @file
-/// Turns at a list: whatever the service keeps one of is used by one request at a time.
+/// A serial queue for state that the service has only once, such as a list: one request uses it at a time.
 #pragma once
 
 #include <cstdint>
@@ -15,17 +15,17 @@ namespace ipodkit
 class Lane : public std::enable_shared_from_this<Lane>
 {
 public:
-    /// Gives the turn back; must be called once.
+    /// Ends the turn; must be called once.
     using Release = std::function<void()>;
     using Turn = std::function<void(Release)>;
 
-    /// Runs @p turn when all earlier ones have given theirs back.
+    /// Runs @p turn when all earlier ones have ended.
     void Wait(Turn turn);
 
-    /// Grows whenever the list becomes another one.
+    /// Incremented whenever the list changes.
     std::uint64_t Epoch() const { return m_epoch; }
 
-    /// Says that it did. Those who registered are told.
+    /// Marks the list as changed, and notifies the watchers.
     void Outdate(const Guard& guard);
 
     Registry<std::function<void()>>& Watchers() { return m_watchers; }

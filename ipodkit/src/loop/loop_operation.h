@@ -7,7 +7,7 @@
 
 namespace ipodkit
 {
-/// A request of which somebody in the context knows the result sooner or later.
+/// A request whose result becomes known in the context.
 template <class T>
 class Pending final : public OpenRequest, public std::enable_shared_from_this<Pending<T>>
 {
@@ -70,7 +70,7 @@ public:
     const detail::Terms& Terms() const override { return m_terms; }
 
 private:
-    // Does not hold the request: its end would wait for the call of the switch that it is in.
+    // Does not hold the request: its destructor would wait for the cancellation that calls this.
     struct Withdrawal
     {
         detail::HomePtr home;
@@ -123,7 +123,7 @@ public:
     /// Called once, while the request is open.
     using Begin = std::function<void(const PendingPtr<T>&)>;
 
-    /// @param name  what the log calls the completion
+    /// @param name  of the completion, for the log
     LoopOperation(std::shared_ptr<RequestGroup> group, const char* name, detail::Terms limits, Begin begin)
         : detail::Operation<T>(group->Home(), std::move(limits)),
           m_group(std::move(group)),

@@ -67,7 +67,7 @@ void RequestGroup::Keep(Serial serial, std::shared_ptr<CancellationLink> link)
     if (found != m_open.end()) found->second.link.swap(link);
 }
 
-// What it holds may want the lock when it goes: the caller lets it go.
+// Its destructor may need the lock: the caller destroys it.
 RequestGroup::Entry RequestGroup::Extract(Serial serial)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -22,7 +22,7 @@ public:
     OpenRequest(const OpenRequest&) = delete;
     OpenRequest& operator=(const OpenRequest&) = delete;
 
-    /// Runs the completion with an error. For the group, which has just let go of it.
+    /// Runs the completion with an error. For the group, which has just released it.
     virtual void Fail(const Error& error) = 0;
 
     /// Whether it has not completed yet.
@@ -37,7 +37,7 @@ public:
 using OpenRequestPtr = std::shared_ptr<OpenRequest>;
 
 /// Requests that end together: those of one pager or one accessory session. Holds each until it completes, and
-/// completes those whose deadline passes. Any thread, where it says nothing else.
+/// completes those whose deadline passes. Any thread, unless noted.
 class RequestGroup : public std::enable_shared_from_this<RequestGroup>
 {
 public:
@@ -47,13 +47,13 @@ public:
 
     Serial Reserve();
 
-    /// Holds the request. Why it must complete at once, if it must.
+    /// Keeps the request. Returns an error when it must complete at once.
     std::optional<Error> Add(Serial serial, const OpenRequestPtr& request);
 
     /// Keeps the link until the request completes.
     void Keep(Serial serial, std::shared_ptr<CancellationLink> link);
 
-    /// Lets go of the request. False when that has happened before: each completes once.
+    /// Releases the request. False when it was released before: each completes once.
     bool Take(Serial serial);
     bool Has(Serial serial) const;
 

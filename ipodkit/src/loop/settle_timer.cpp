@@ -48,7 +48,7 @@ void SettleTimer::Set(std::chrono::microseconds delay) const
     timerfd_settime(m_fd, 0, &when, nullptr);
 }
 
-// For a process that has no descriptor left: the source has nothing to poll then, and goes by GLib's clock alone.
+// For a process that has no descriptor left: the source has nothing to poll then, and depends on GLib's clock.
 void SettleTimer::SetReadyTime(std::chrono::microseconds delay) const
 {
     g_source_set_ready_time(m_source.get(), delay.count() == 0 ? -1 : g_get_monotonic_time() + delay.count());

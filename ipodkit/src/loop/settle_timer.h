@@ -1,6 +1,6 @@
 /// @file
-/// A timer that is exact to the microsecond, where GLib's are rounded up to the millisecond. While the process has no
-/// descriptor left for it, it is no better than they are.
+/// A timer with a resolution of a microsecond; GLib's are rounded up to the millisecond. While the process has no
+/// descriptor left, it is no more exact than those.
 #pragma once
 
 #include <chrono>
@@ -30,7 +30,7 @@ private:
     void SetReadyTime(std::chrono::microseconds delay) const;
 
     std::function<void()> m_expired;
-    const int m_fd;  // negative when there was none to be had
+    const int m_fd;  // negative when none was available
     SourcePtr m_source;
     bool m_running = false;
 };

@@ -22,8 +22,8 @@ namespace detail
 /// One registration. Its lock is held while its callback runs, and is recursive, so that a callback can end its own
 /// registration and another thread waits for the callback to return.
 ///
-/// What is registered is let go when the registration ends, or, when its own callback ends it, as soon as that has
-/// returned. The lock is free by then: what a callback holds may want other locks when it goes.
+/// The target is destroyed when the registration ends, or, when its own callback ends it, as soon as that has
+/// returned. The lock is free by then: destructors of what a callback holds may need other locks.
 class Slot
 {
 public:
@@ -59,7 +59,7 @@ private:
 };
 }  // namespace detail
 
-/// The registrations of one kind. @p Target is what is registered: a function, or a pointer to a listener.
+/// The registrations of one kind. @p Target is a function, or a pointer to a listener.
 template <class Target>
 class Registry
 {
@@ -92,7 +92,7 @@ public:
         for (const EntryPtr& entry : Snapshot()) entry->End();
     }
 
-    /// Calls each, in the order of registration. Those added meanwhile are left out, those ended too.
+    /// Calls each, in the order of registration, except those that were added or ended meanwhile.
     template <class Call>
     void ForEach(const Guard& guard, const Call& call)
     {

@@ -32,7 +32,7 @@ Subscription::~Subscription()
     Reset();
 }
 
-// What the callback held may have been the last to hold this subscription.
+// The callback may have held the last reference to this subscription.
 void Subscription::Reset()
 {
     const std::shared_ptr<detail::Slot> slot = std::move(m_slot);

@@ -20,7 +20,7 @@ std::optional<Error> Unacceptable(const Terms& terms)
 {
     if (!terms.deadline || *terms.deadline >= kLeast) return std::nullopt;
     return Error{ErrorKind::BadArgument,
-                 "a deadline of " + std::to_string(terms.deadline->count()) + " ms; at least 1 ms is possible"};
+                 "deadline: expected at least 1 ms, got " + std::to_string(terms.deadline->count()) + " ms"};
 }
 
 milliseconds Clamped(milliseconds deadline)
@@ -48,7 +48,7 @@ SharedTerms::SharedTerms(Terms terms) : m_terms(std::move(terms))
     if (m_terms.deadline) m_end = std::chrono::steady_clock::now() + Clamped(*m_terms.deadline);
 }
 
-// The step refuses an unacceptable deadline of the whole.
+// A step rejects an invalid deadline of the whole.
 std::optional<Error> SharedTerms::ApplyTo(Terms& step) const
 {
     if (m_terms.cancellation)

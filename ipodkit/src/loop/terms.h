@@ -9,7 +9,7 @@ namespace ipodkit::detail
 /// About 24 days: the longest that GLib can wait.
 inline constexpr std::chrono::milliseconds kLongestDeadline(INT32_MAX - 1);
 
-/// Why a request with these terms cannot be sent; nothing when it can.
+/// Returns why a request with these terms cannot be sent; nothing when it can.
 std::optional<Error> Unacceptable(const Terms& terms);
 
 /// The nearest deadline that GLib can wait for.
@@ -18,6 +18,9 @@ std::chrono::milliseconds Clamped(std::chrono::milliseconds deadline);
 /// The error of a request that the caller withdrew.
 inline const Error kWithdrawn{ErrorKind::Cancelled, "the request was cancelled"};
 
-/// The error of a request that nobody answered for so long.
+/// The error of a request that the end of the session withdrew.
+inline const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
+
+/// The error of a request that was not answered for so long.
 Error TimedOut(std::chrono::milliseconds deadline);
 }  // namespace ipodkit::detail

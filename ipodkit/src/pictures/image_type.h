@@ -1,5 +1,5 @@
 /// @file
-/// The types of images under the companion's names.
+/// Types of images, in the names of the kit.
 #pragma once
 
 #include <images/image.h>
@@ -7,7 +7,7 @@
 
 namespace ipodkit
 {
-// The header of images::Type is not installed: the companion's header repeats its list.
+// The header of images::Type is not installed: the kit's header repeats its list.
 constexpr PictureType ToPictureType(images::Type type)
 {
     return static_cast<PictureType>(type);

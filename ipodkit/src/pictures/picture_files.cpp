@@ -17,7 +17,7 @@ namespace
 {
 namespace fs = std::filesystem;
 
-// Size and hash: what two different pictures hardly share.
+// Size and hash: two different images hardly share both.
 std::string NameOf(const Picture& picture)
 {
     gchar* const name = g_strdup_printf("%zu-%016" G_GINT64_MODIFIER "x%s", picture.bytes.size(), picture.hash,
@@ -43,14 +43,14 @@ Result<std::string> AddressOf(const std::string& path)
     return owned;
 }
 
-// Whoever names a directory that has other files in it keeps them.
+// Other files in the directory stay.
 bool IsOurs(const std::string& name)
 {
     static const std::regex ours("[0-9]+-[0-9a-f]{16}\\.(bin|jpg|png|gif|bmp|webp|tiff)");
     return std::regex_match(name, ours);
 }
 
-// A file may have been cut, or spoilt without another size.
+// A file may have been truncated, or damaged without a change of size.
 bool HoldsBytes(const std::string& path, const std::vector<unsigned char>& bytes)
 {
     std::error_code missing;
@@ -93,8 +93,8 @@ Result<std::string> PictureFiles::Uri(const Picture& picture) const
     return address;
 }
 
-// The time of a file says when it was handed out last: later than those of all others, whatever the clock says. What
-// cannot be read now is removed another time.
+// The time of a file is when it was last returned: later than those of all others, even if the clock was set back.
+// Files that cannot be read now are removed another time.
 void PictureFiles::KeepInUse(const std::string& path) const
 {
     using Time = fs::file_time_type;

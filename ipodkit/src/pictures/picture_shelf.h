@@ -1,5 +1,5 @@
 /// @file
-/// The pictures that are in use: equal bytes are one picture, whichever way they came.
+/// The images in use: equal bytes share one Picture, whether an event or an answer brought them.
 #pragma once
 
 #include <ipodkit/picture.h>
@@ -12,7 +12,7 @@ namespace ipodkit
 class PictureShelf
 {
 public:
-    /// Pictures larger than @p limit bytes are left out.
+    /// Images larger than @p limit bytes are omitted.
     explicit PictureShelf(std::size_t limit) : m_limit(limit) {}
 
     /// Null when there are no bytes, or too many.

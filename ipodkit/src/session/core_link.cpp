@@ -13,7 +13,7 @@ CoreLink& CoreLink::Instance()
 std::optional<Error> CoreLink::Claim()
 {
     if (!m_claimed.exchange(true)) return std::nullopt;
-    return Error{ErrorKind::BadArgument, "this process has a session already"};
+    return Error{ErrorKind::BadArgument, "this process already has a session"};
 }
 
 void CoreLink::Release()
@@ -21,8 +21,8 @@ void CoreLink::Release()
     m_claimed = false;
 }
 
-// After a failure of its own the core must not be asked again: its player's lock is held, and what it would return is
-// of no use.
+// After the core failed it must not be called again: the lock of its player stays held, and a player that it returned
+// would be unusable.
 std::optional<Error> CoreLink::Attach()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -11,7 +11,7 @@
 
 namespace ipodkit
 {
-/// What this process remembers of the core from one session to the next. Any thread.
+/// The core's player, which stays from one session to the next. Any thread.
 class CoreLink
 {
 public:

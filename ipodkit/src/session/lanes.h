@@ -1,5 +1,5 @@
 /// @file
-/// The lists of a session, and what makes them other lists.
+/// The lists of a session, and the events and commands that change them.
 #pragma once
 
 #include <ipodkit/list_kind.h>
@@ -13,7 +13,7 @@
 
 namespace ipodkit
 {
-/// A member of the bus contract that makes some lists other ones: an event, or a command that the service follows.
+/// A member of the bus contract that changes lists: an event, or a command that the service executes.
 struct ListChange
 {
     std::string_view member;
@@ -22,8 +22,8 @@ struct ListChange
     bool devices;
 };
 
-/// Everything of which the contract lets one know. Another application that starts a list of the same size, or changes
-/// the level, causes no event.
+/// Everything that the contract reports. Another application that starts a list of the same size, or changes the level,
+/// causes no event.
 inline constexpr ListChange kListChanges[] = {
     {"OnIpodPlayingListAmountChange", true, false, false},
     {"OnIpodShuffleModeChange", true, false, false},
@@ -48,13 +48,13 @@ public:
 
     const std::shared_ptr<Lane>& Of(ListKind kind) const { return m_lanes.at(Index(kind)); }
 
-    /// The service restarted, or the device is another one.
+    /// The service restarted, or the device changed.
     void OutdateAll()
     {
         for (const auto& lane : m_lanes) lane->Outdate(m_guard);
     }
 
-    /// The service emitted an event, or has followed a command, or may have.
+    /// The service emitted an event, or executed a command, or may have executed it.
     void OutdateBy(std::string_view member)
     {
         for (const ListChange& change : kListChanges)

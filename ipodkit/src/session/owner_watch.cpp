@@ -35,7 +35,7 @@ void OwnerWatch::GetBus()
     g_bus_get(G_BUS_TYPE_SESSION, nullptr, OnBus, Weakly(shared_from_this()));
 }
 
-// GLib returns its shared connection for as long as anybody holds it, even when it is closed.
+// GLib returns its shared connection while anyone holds a reference, even when it is closed.
 void OwnerWatch::OnBus(GObject*, GAsyncResult* result, gpointer data)
 {
     GError* failure = nullptr;

@@ -1,5 +1,5 @@
 /// @file
-/// The session bus, and who owns the service's name on it.
+/// The session bus, and the owner of the service's name on it.
 #pragma once
 
 #include <ipodkit/event.h>

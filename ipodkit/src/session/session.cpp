@@ -5,8 +5,33 @@
 
 namespace ipodkit
 {
+namespace
+{
+using std::chrono::milliseconds;
+
+struct Limit
+{
+    const char* option;
+    milliseconds given;
+    milliseconds least;
+};
+
+std::optional<Error> OutOfRange(const SessionOptions& options)
+{
+    for (const Limit& limit :
+         {Limit{"settle", options.settle, milliseconds(0)}, Limit{"deadline", options.deadline, milliseconds(1)},
+          Limit{"callbackBudget", options.callbackBudget, milliseconds(0)}})
+        if (limit.given < limit.least)
+            return Error{ErrorKind::BadArgument, std::string(limit.option) + ": expected at least " +
+                                                     std::to_string(limit.least.count()) + " ms, got " +
+                                                     std::to_string(limit.given.count()) + " ms"};
+    return std::nullopt;
+}
+}  // namespace
+
 Result<std::unique_ptr<Session>> Session::Open(const SessionOptions& options)
 {
+    if (const std::optional<Error> error = OutOfRange(options)) return tl::unexpected<Error>(*error);
     auto impl = std::make_shared<Impl>(options);
     if (const std::optional<Error> error = CoreLink::Instance().Claim()) return tl::unexpected<Error>(*error);
     impl->Start();

@@ -179,7 +179,7 @@ void Session::Impl::Followed(const char* method)
     if (std::strcmp(method, "EnterDeviceChildList") == 0) m_reader->ReadDevices();
 }
 
-// A service that answers nothing at all is not usable yet; one that leaves some questions open is.
+// A service that has not answered at all is not usable yet; one that left some requests open is.
 void Session::Impl::Progressed()
 {
     const auto self = shared_from_this();
@@ -195,7 +195,7 @@ void Session::Impl::Progressed()
     Step(phase, std::move(error), usable ? progress.missing : Fields());
 }
 
-// A track that came without artwork may have some all the same. A state that has just become Ready includes it.
+// A track event without artwork does not mean that there is none. A state that has just become Ready includes it.
 void Session::Impl::Published(Fields changed)
 {
     const bool fresh = changed.Has(Field::Track) && !changed.Has(Field::Connection);

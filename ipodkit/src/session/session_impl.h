@@ -1,5 +1,5 @@
 /// @file
-/// The inside of a session, shared with the other parts of the companion.
+/// Implementation of a session, shared with the other classes of the kit.
 #pragma once
 
 #include <ipodkit/session.h>
@@ -15,7 +15,7 @@
 
 namespace ipodkit
 {
-/// Context thread only, where it says nothing else.
+/// Context thread only, unless noted.
 class Session::Impl : public std::enable_shared_from_this<Session::Impl>
 {
 public:
@@ -41,10 +41,10 @@ public:
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
 
-    /// Called when the session ends, before its requests complete: for what may outlive it.
+    /// Called when the session ends, before its requests complete: for objects that may outlive it.
     Registry<std::function<void()>>& Endings() { return m_endings; }
 
-    /// The entries of a list that the service has put into its vector; nothing when that cannot be read.
+    /// The entries in the service's shared vector; nothing when that cannot be read.
     std::optional<std::vector<std::string>> ListNames(ListKind kind) const { return m_names(kind); }
 
 private:

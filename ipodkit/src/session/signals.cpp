@@ -134,7 +134,7 @@ MaybeEvent ToAccessoryData(const Arguments& arguments, PictureShelf&)
     return AccessoryData{arguments.As<unsigned char>(0), BytesIn(g_VecEapReadBufferShareMemory).value_or(Bytes{})};
 }
 
-// The bytes travel as structures of one byte each, which lie in memory like the bytes themselves.
+// The bytes are sent as structures of one byte each, which have the same layout as the bytes.
 MaybeEvent ToPairing(const Arguments& arguments, PictureShelf&)
 {
     const VariantPtr bytes = arguments.At(1);

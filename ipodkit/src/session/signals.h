@@ -1,5 +1,5 @@
 /// @file
-/// From a signal on the bus to an event.
+/// Decodes signals of the bus into events.
 #pragma once
 
 #include <ipodkit/event.h>
@@ -14,6 +14,6 @@ namespace ipodkit
 /// Decodes a signal of the service. Images and accessory bytes are copied out of the segments, which hold them until
 /// the service writes the next ones; without the segments they are empty.
 ///
-/// Nothing for a signal that the contract does not have or whose body it does not allow.
+/// Nothing for a signal, or a body of a signal, that the contract does not define.
 std::optional<Event> Decode(const char* signal, GVariant* body, PictureShelf& pictures);
 }  // namespace ipodkit

@@ -13,11 +13,11 @@ namespace ipodkit
 {
 namespace
 {
-// The bus lets a connection wait for 128 answers. A service that hangs keeps its share open until it wakes up.
+// The bus allows a connection 128 pending answers. Those of a hung service stay pending until it resumes.
 constexpr int kMostAttempts = 5;
 constexpr auto kFirstWait = std::chrono::seconds(1);
 
-// Longer than any service lives. The reader's own timers decide what is late.
+// Longer than any service runs. The reader's own timers decide which answers are late.
 constexpr auto kForEver = std::chrono::hours(24 * 24);
 
 guint Milliseconds(std::chrono::milliseconds time)
@@ -95,7 +95,7 @@ void StateReader::Send(Field field, const Question<T>& question, const Take& tak
         });
 }
 
-// The last value may be that of another device. What an event has brought in the meantime is known, though.
+// The last value may be that of another device. A value that an event brought meanwhile stays known.
 void StateReader::Forget(Field field, const PlayerState& asked, Unknown why, const Error* cause)
 {
     if (!Differences(asked, m_draft.State()).Has(field)) m_draft.Forget(field, why, cause);
@@ -164,8 +164,8 @@ void StateReader::Refresh(Fields fields)
     if (m_started) ReadAll(fields);
 }
 
-// No event reports which device came or went, what it is called, and which of the others plays now. While answers are
-// under way, it waits for them. Without a device there is nothing more to ask for.
+// No event reports which device came or went, its name, and which of the others plays now. While answers are
+// under way, it waits for them. Without a device nothing more is requested.
 void StateReader::ReadDevices()
 {
     m_devicesChanged = !Settled();
@@ -194,7 +194,7 @@ void StateReader::ReadArtwork()
         [this, before = m_draft.State().Artwork()](const PictureHead& head) { TakeArtwork(head, before); });
 }
 
-// What an event has brought in the meantime stays: it is the artwork of the playing track.
+// Artwork that an event brought meanwhile stays: it is that of the playing track.
 void StateReader::TakeArtwork(const PictureHead& head, const PicturePtr& before)
 {
     const PicturePtr known = m_draft.State().Artwork();

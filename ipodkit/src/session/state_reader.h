@@ -1,5 +1,5 @@
 /// @file
-/// The questions whose answers make up the state.
+/// The requests whose answers make up the state.
 #pragma once
 
 #include <chrono>
@@ -13,9 +13,9 @@
 
 namespace ipodkit
 {
-/// Reads the fields that the service can be asked for into the draft. What it refuses is unknown. So is what it does
-/// not answer within the deadline, but only until it does: the question stays open, and is put again now and then in
-/// case the service has lost it. Context thread only.
+/// Reads the fields that have a request into the draft. A field that the service refuses is unknown. So is one without
+/// an answer within the deadline, until the answer arrives: the request stays open, and is sent again now and then in
+/// case the service lost it. Context thread only.
 class StateReader : public std::enable_shared_from_this<StateReader>
 {
 public:
@@ -30,19 +30,19 @@ public:
     StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline,
                 StateDraft& draft, PictureShelf& pictures, std::function<void()> progressed);
 
-    /// Asks for everything. Answers to earlier questions do not count any more.
+    /// Requests everything. Answers to earlier requests are ignored.
     void Start();
 
-    /// Asks again for some fields, those that can be asked for.
+    /// Requests those fields again that have a request.
     void Refresh(Fields fields);
 
-    /// Asks again for all that depends on the device, one round at a time, however fast devices come and go.
+    /// Requests everything again that depends on the device, one pass at a time, however fast devices come and go.
     void ReadDevices();
 
-    /// Asks for the artwork of the playing track, one request at a time, however fast the tracks change.
+    /// Requests the artwork of the playing track, one request at a time, however fast the tracks change.
     void ReadArtwork();
 
-    /// Answers that are still to come do not count any more, and nothing is asked for until the next Start().
+    /// Ignores pending answers, and sends no request until the next Start().
     void Stop();
 
     Progress Progressed() const { return {Settled(), m_answered, m_missing}; }

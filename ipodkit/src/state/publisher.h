@@ -1,5 +1,5 @@
 /// @file
-/// From the draft to the values that applications see.
+/// Publishes the draft as the values that applications get.
 #pragma once
 
 #include <ipodkit/session.h>

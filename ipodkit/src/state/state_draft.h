@@ -18,10 +18,10 @@ public:
 
     const PlayerState& State() const { return m_state; }
 
-    /// Forgets everything: a service that has just appeared has no past.
+    /// Resets everything, for a service that has just appeared.
     void Reset() { m_state = {}; }
 
-    /// Takes over a whole state.
+    /// Replaces the whole state.
     void Replace(const PlayerState& state) { m_state = state; }
 
     /// Forgets what was known of the device.
@@ -30,7 +30,7 @@ public:
     /// Forgets what ends with the service.
     void ForgetService();
 
-    /// Forgets a field whose value the service does not give, and remembers why.
+    /// Makes a field unknown, and remembers why.
     void Forget(Field field, Unknown why, const Error* cause = nullptr);
 
     /// Follows an event.
