@@ -44,7 +44,7 @@ class Request;
 
 namespace detail
 {
-class Bus;
+class __attribute__((visibility("hidden"))) Bus;
 
 /// What Within() and CancelledBy() set.
 struct Terms

@@ -10,7 +10,7 @@ namespace ipodkit
 {
 namespace detail
 {
-class Slot;
+class __attribute__((visibility("hidden"))) Slot;
 }
 
 /// Ends the registration when it is destroyed, reset or assigned over. Move-only.
