@@ -1,4 +1,5 @@
 """The simulator as a process of its own, for tests of the Python module."""
+import json
 import os
 import signal
 import subprocess
@@ -14,11 +15,15 @@ class Simulator:
         line_within(self.process.stdout, LIMIT)
 
     @staticmethod
-    def battery(level):
-        action = GLib.Variant("(s)", (f'{{"event": "battery", "value": {level}}}',))
+    def do(event, value):
+        """Runs an action of the simulator."""
+        action = GLib.Variant("(s)", (json.dumps({"event": event, "value": value}),))
         Gio.bus_get_sync(Gio.BusType.SESSION).call_sync(
             "com.zarn.linux.ipod.Simulator", "/com/zarn/linux/ipod/simulator", "com.zarn.linux.ipod.Simulator",
             "Do", action, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
+
+    def battery(self, level):
+        self.do("battery", level)
 
     def hang(self):
         """Returns when it has stopped: until then it may answer."""
