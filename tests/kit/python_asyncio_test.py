@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Runs the Python module inside asyncio, without a loop of GLib, against the simulator on a bus and in a shared memory
 of its own."""
-import argparse
 import asyncio
 import os
 import sys
@@ -12,10 +11,10 @@ import urllib.parse
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
-from private_session import LIMIT, SKIPPED, Bus, enter_private_namespace  # noqa: E402
+from private_session import LIMIT, SKIPPED  # noqa: E402
 
 try:
-    from simulator_process import Simulator
+    from simulator_process import Simulator, begin
 except ImportError:
     print("no python3-gi here")
     sys.exit(SKIPPED)
@@ -394,17 +393,7 @@ class Errors(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--simulator", required=True)
-    parser.add_argument("--examples", required=True)
-    parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
-    OPTIONS, rest = parser.parse_known_args()
-    enter_private_namespace(OPTIONS.interpreter)
+    OPTIONS = begin("--examples")
     import ipodkit
     ipodkit.log("ERROR:/dev/null")
-    BUS = Bus()
-    os.environ["DBUS_SESSION_BUS_ADDRESS"] = BUS.environment["DBUS_SESSION_BUS_ADDRESS"]
-    try:
-        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
-    finally:
-        BUS.stop()
+    unittest.main(verbosity=1)
