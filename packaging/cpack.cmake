@@ -55,7 +55,7 @@ if(TARGET ipodctl OR TARGET ipod-simulator)
 endif()
 if(TARGET ipodkit_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
-  set(CPACK_COMPONENT_PYTHON_DEPENDS kit)
+  set(CPACK_COMPONENT_PYTHON_DEPENDS kit names)
 endif()
 # Architecture-independent, so built only once.
 if(NOT CMAKE_CROSSCOMPILING)

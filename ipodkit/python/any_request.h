@@ -13,6 +13,7 @@
 #include "callback.h"
 #include "dropped.h"
 #include "errors.h"
+#include "rows.h"
 
 namespace ipodkit::python
 {
@@ -44,6 +45,29 @@ protected:
 };
 
 template <class T>
+py::object ValueOf(const Result<T>& result)
+{
+    if constexpr (std::is_void_v<T>)
+        return py::none();
+    else
+        return ToObject(*result);
+}
+
+/// What a callback is given: a result as the value and None, or None and an ipodkit.Error.
+template <class T>
+py::tuple ToArguments(const Result<T>& result)
+{
+    if (!result) return py::make_tuple(py::none(), ToException(result.error()));
+    return py::make_tuple(ValueOf(result), py::none());
+}
+
+template <class... Values>
+py::tuple ToArguments(const Values&... values)
+{
+    return py::make_tuple(ToObject(values)...);
+}
+
+template <class T>
 class RequestOf final : public AnyRequest
 {
 public:
@@ -68,7 +92,7 @@ public:
         Request<T> request = Take();
         if (m_switch) request = std::move(request).CancelledBy(*m_switch);
         const py::gil_scoped_release others;
-        std::move(request).Start([callback](Result<T> result) { callback.Call([&] { return ArgumentsOf(result); }); });
+        std::move(request).Start([callback](Result<T> result) { callback.Call([&] { return ToArguments(result); }); });
     }
 
     py::object Wait() override
@@ -100,21 +124,13 @@ private:
         return answer.get();
     }
 
-    static py::object ValueOf(const Result<T>& result)
-    {
-        if constexpr (std::is_void_v<T>)
-            return py::none();
-        else
-            return py::cast(*result);
-    }
-
-    static py::tuple ArgumentsOf(const Result<T>& result)
-    {
-        if (!result) return py::make_tuple(py::none(), ToException(result.error()));
-        return py::make_tuple(ValueOf(result), py::none());
-    }
-
     std::optional<Request<T>> m_request;
     std::optional<Cancellation> m_switch;
 };
+
+template <class T>
+std::unique_ptr<AnyRequest> Wrapped(Request<T> request)
+{
+    return std::make_unique<RequestOf<T>>(std::move(request));
+}
 }  // namespace ipodkit::python

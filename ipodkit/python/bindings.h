@@ -16,4 +16,11 @@ void BindCommands(pybind11::module_& module);
 /// A GLib main context that another loop can run.
 void BindContext(pybind11::module_& module);
 void BindSession(pybind11::module_& module);
+/// Pager and its pages.
+void BindPager(pybind11::module_& module);
+void BindJumpIndex(pybind11::module_& module);
+void BindPictureFiles(pybind11::module_& module);
+void BindAudioSource(pybind11::module_& module);
+/// AccessoryPort and its sessions.
+void BindAccessory(pybind11::module_& module);
 }  // namespace ipodkit::python

@@ -13,12 +13,6 @@ namespace
 using Class = py::class_<Commands>;
 using RequestPtr = std::unique_ptr<AnyRequest>;
 
-template <class T>
-RequestPtr Wrapped(Request<T> request)
-{
-    return std::make_unique<RequestOf<T>>(std::move(request));
-}
-
 template <class T, class... Args>
 auto Making(Request<T> (Commands::*make)(Args...) const)
 {

@@ -31,5 +31,10 @@ PYBIND11_MODULE(_native, module)
     BindCommands(module);
     BindContext(module);
     BindSession(module);
+    BindPager(module);
+    BindJumpIndex(module);
+    BindPictureFiles(module);
+    BindAudioSource(module);
+    BindAccessory(module);
     module.attr("__name__") = name;
 }

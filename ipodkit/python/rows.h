@@ -4,6 +4,7 @@
 
 #include <ipodkit/fields.h>
 #include <ipodkit/known.h>
+#include <ipodkit/pager.h>
 #include <ipodkit/picture.h>
 #include <ipodkit/types.h>
 #include <pybind11/chrono.h>
@@ -27,6 +28,8 @@ py::object ToObject(const std::vector<unsigned char>& bytes);
 py::object ToObject(const PhoneCall::Time& time);
 
 py::object ToObject(const PicturePtr& picture);
+py::object ToObject(const PagePtr& page);
+py::object ToObject(const std::vector<std::string>& texts);
 
 template <class T>
 py::object ToObject(const T& value)

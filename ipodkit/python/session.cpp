@@ -2,12 +2,10 @@
 
 #include <ipodkit/session.h>
 
-#include "callback.h"
 #include "context.h"
-#include "dropped.h"
 #include "duration.h"
-#include "errors.h"
 #include "rows.h"
+#include "session_handle.h"
 #include "values.h"
 
 namespace ipodkit::python
@@ -19,74 +17,6 @@ constexpr char kSessionDoc[] =
     "loop, "
     "otherwise in GLib's default main context: make and close it on the thread that runs it. There is one at a time in "
     "a process.";
-
-// Ending waits for a callback on another thread, which wants the interpreter's lock.
-class OwnedSubscription
-{
-public:
-    OwnedSubscription(std::string name, Subscription subscription, std::weak_ptr<const Session> session)
-        : m_name(std::move(name)), m_subscription(std::move(subscription)), m_session(std::move(session))
-    {
-    }
-    ~OwnedSubscription()
-    {
-        const bool dropped = !m_ended && !m_session.expired();
-        End();
-        if (dropped)
-            WarnOfDropped(("subscription '" + m_name + "' was dropped; keep a reference to it, or call end()").c_str());
-    }
-    OwnedSubscription(const OwnedSubscription&) = delete;
-    OwnedSubscription& operator=(const OwnedSubscription&) = delete;
-
-    void End()
-    {
-        const py::gil_scoped_release others;
-        m_subscription.Reset();
-        m_ended = true;
-    }
-
-private:
-    const std::string m_name;
-    Subscription m_subscription;
-    const std::weak_ptr<const Session> m_session;
-    bool m_ended = false;
-};
-
-using OwnedSubscriptionPtr = std::unique_ptr<OwnedSubscription>;
-
-class SessionHandle
-{
-public:
-    explicit SessionHandle(const SessionOptions& options)
-    {
-        auto opened = Session::Open(options);
-        if (!opened) Raise(opened.error());
-        m_session = std::move(*opened);
-    }
-    ~SessionHandle() { Close(); }
-    SessionHandle(const SessionHandle&) = delete;
-    SessionHandle& operator=(const SessionHandle&) = delete;
-
-    void Close()
-    {
-        const py::gil_scoped_release others;
-        m_session.reset();
-    }
-
-    Session& Get() const
-    {
-        if (m_session == nullptr) throw std::runtime_error("the session was closed");
-        return *m_session;
-    }
-
-    OwnedSubscriptionPtr Own(const std::string& name, Subscription subscription) const
-    {
-        return std::make_unique<OwnedSubscription>(name, std::move(subscription), m_session);
-    }
-
-private:
-    std::shared_ptr<Session> m_session;  // by this object alone
-};
 
 std::unique_ptr<SessionHandle> Open(const py::object& settle, const py::object& deadline,
                                     const py::object& callbackBudget, std::size_t artworkLimit, bool activateService,
@@ -111,8 +41,9 @@ OwnedSubscriptionPtr OnConnection(const SessionHandle& handle, const std::string
 {
     const Callback callback(name, std::move(function));
     const py::gil_scoped_release others;
-    return handle.Own(name, handle.Get().OnConnection(name, [callback](const Connection& connection)
-                                                      { callback.Call([&] { return py::make_tuple(connection); }); }));
+    return SessionHandle::Own(
+        name, handle.Get().OnConnection(name, [callback](const Connection& connection)
+                                        { callback.Call([&] { return py::make_tuple(connection); }); }));
 }
 
 OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& name, py::function function,
@@ -121,11 +52,12 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
     const Callback callback(name, std::move(function));
     const Fields wanted = ToFields(fields);
     const py::gil_scoped_release others;
-    return handle.Own(name, handle.Get().OnState(
-                                name,
-                                [callback](const StatePtr& state, Fields changed)
-                                { callback.Call([&] { return py::make_tuple(ToPython(state), ToPython(changed)); }); },
-                                wanted));
+    return SessionHandle::Own(
+        name, handle.Get().OnState(
+                  name,
+                  [callback](const StatePtr& state, Fields changed)
+                  { callback.Call([&] { return py::make_tuple(ToPython(state), ToPython(changed)); }); },
+                  wanted));
 }
 
 // Binds each kind of event; EVENTS has them by name.
@@ -145,7 +77,7 @@ OwnedSubscriptionPtr OnEvent(const SessionHandle& handle, const std::string& nam
                       { return py::make_tuple(std::visit([](const auto& each) { return py::cast(each); }, event)); });
     };
     const py::gil_scoped_release others;
-    return handle.Own(name, handle.Get().OnEvent(name, deliver));
+    return SessionHandle::Own(name, handle.Get().OnEvent(name, deliver));
 }
 
 py::object ErrorOf(const Connection& connection)

@@ -55,6 +55,13 @@ py::object ToObject(const std::vector<unsigned char>& bytes)
     return py::bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
+py::object ToObject(const std::vector<std::string>& texts)
+{
+    py::list list;
+    for (const std::string& each : texts) list.append(ToObject(each));
+    return std::move(list);
+}
+
 py::object ToObject(const PhoneCall::Time& time)
 {
     const py::module_ datetime = py::module_::import("datetime");
@@ -76,6 +83,11 @@ py::object ToObject(const PhoneCall::Time& time)
 py::object ToObject(const PicturePtr& picture)
 {
     return py::cast(std::const_pointer_cast<Picture>(picture));
+}
+
+py::object ToObject(const PagePtr& page)
+{
+    return py::cast(std::const_pointer_cast<Page>(page));
 }
 
 void BindValues(py::module_& module)

@@ -1,25 +1,26 @@
 #!/usr/bin/env python3
 """Runs the Python module inside asyncio, without a loop of GLib, against the simulator on a bus and in a shared memory
 of its own."""
-import argparse
 import asyncio
 import os
 import sys
+import tempfile
 import time
 import unittest
+import urllib.parse
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
-from private_session import LIMIT, SKIPPED, Bus, enter_private_namespace  # noqa: E402
+from private_session import LIMIT, SKIPPED  # noqa: E402
 
 try:
-    from simulator_process import Simulator
+    from simulator_process import Simulator, begin
 except ImportError:
     print("no python3-gi here")
     sys.exit(SKIPPED)
 
 
-class Asyncio(unittest.IsolatedAsyncioTestCase):
+class WithSimulator(unittest.IsolatedAsyncioTestCase):
     def setUp(self):
         self.simulator = Simulator(OPTIONS.simulator)
         self.addCleanup(lambda: self.simulator.end())
@@ -30,6 +31,8 @@ class Asyncio(unittest.IsolatedAsyncioTestCase):
         await asyncio.wait_for(session.ready(), LIMIT)
         return session
 
+
+class Asyncio(WithSimulator):
     async def test_requests_can_be_awaited(self):
         async with ipodkit.Session(settle=0.005) as session:
             state = await asyncio.wait_for(session.ready(), LIMIT)
@@ -151,10 +154,9 @@ class Asyncio(unittest.IsolatedAsyncioTestCase):
         self.assertLess(time.process_time() - before, 0.1)
         self.assertEqual(session.state.phase, ipodkit.Phase.READY)
 
-
     async def test_the_example_follows_what_plays(self):
-        example = await asyncio.create_subprocess_exec(OPTIONS.interpreter, OPTIONS.example,
-                                                       stdout=asyncio.subprocess.PIPE)
+        example = await asyncio.create_subprocess_exec(
+            OPTIONS.interpreter, f"{OPTIONS.examples}/now_playing_asyncio.py", stdout=asyncio.subprocess.PIPE)
         try:
             line = b""
             while b" - " not in line or b"READY" not in line:
@@ -163,6 +165,215 @@ class Asyncio(unittest.IsolatedAsyncioTestCase):
         finally:
             example.terminate()
             await example.communicate()
+
+
+class Lists(WithSimulator):
+    async def pager(self, kind="DATABASE", **options):
+        self.session = await self.ready_session()
+        return ipodkit.Pager(self.session, ipodkit.ListKind.__members__[kind], **options)
+
+    async def test_entries_are_counted_read_and_iterated(self):
+        pager = await self.pager(page_size=2)
+        self.assertIsNone(pager.cached(0))
+        count, page = await pager.count(), await pager.at(0)
+        names = [name async for name in pager]
+        self.assertGreater(count, 2)
+        self.assertEqual((len(names), names), (count, await pager.range()))
+        self.assertEqual((page.first, len(page), page.names), (0, 2, names[:2]))
+        self.assertEqual((page.at(1), page.root, page.folders), (names[1], True, True))
+        self.assertTrue(pager.cached(0).holds(0))
+        self.assertEqual(await pager.range(1, 2), names[1:3])
+
+    async def test_levels_are_entered_and_left(self):
+        pager = await self.pager()
+        outdated = []
+        watching = pager.on_outdated("level", lambda: outdated.append(True))
+        await pager.enter_child(0)
+        self.assertFalse((await pager.at(0)).root)
+        self.assertTrue(outdated)
+        await pager.enter_parent()
+        self.assertTrue((await pager.at(0)).root)
+        await pager.enter_child(0)
+        await pager.enter_root()
+        self.assertTrue((await pager.at(0)).root)
+        watching.end()
+
+    async def test_an_iteration_ends_with_the_list(self):
+        pager = await self.pager(page_size=2)
+        with self.assertRaises(ipodkit.Cancelled):
+            async for _ in pager:
+                await pager.enter_child(0)
+
+    async def test_entries_that_do_not_exist_are_value_errors(self):
+        pager = await self.pager()
+        for wrong in (pager.at(-1), pager.at(100000), pager.range(2, 1)):
+            with self.assertRaises(ValueError) as raised:
+                await wrong
+            self.assertIsInstance(raised.exception, ipodkit.BadArgument)
+        for wrong in (pager.enter_child(-1), pager.enter_child(100000)):
+            with self.assertRaises(ipodkit.Refused):
+                await wrong
+        with self.assertRaises(IndexError):
+            (await pager.at(0)).at(-1)
+        with self.assertRaises(ipodkit.BadArgument):
+            await ipodkit.Pager(self.session, ipodkit.ListKind.UPDATE).count()
+        with self.assertRaises(ipodkit.BadArgument):
+            await ipodkit.Pager(self.session, ipodkit.ListKind.DATABASE, page_size=0).count()
+
+    async def test_what_is_no_kind_and_no_index_is_a_type_error(self):
+        pager = await self.pager()
+        for wrong in (lambda: ipodkit.Pager(self.session, "DATABASE"), lambda: ipodkit.Pager(None, 1),
+                      lambda: pager.at("0"), lambda: pager.at(2**40),
+                      lambda: ipodkit.Pager(self.session, ipodkit.ListKind.DATABASE, cached_pages=-1)):
+            with self.assertRaises(TypeError):
+                wrong()
+
+    async def test_a_pager_outlives_its_session(self):
+        pager = await self.pager()
+        await pager.at(0)
+        self.session.close()
+        self.assertIsNone(pager.cached(0))
+        with self.assertRaises(RuntimeError):
+            ipodkit.Pager(self.session, ipodkit.ListKind.DATABASE)
+
+    async def test_the_example_finds_what_was_typed(self):
+        name = (await (await self.pager()).range())[0]
+        self.session.close()
+        example = await asyncio.create_subprocess_exec(
+            OPTIONS.interpreter, f"{OPTIONS.examples}/browse_and_jump.py", name[:3], stdout=asyncio.subprocess.PIPE)
+        output, _ = await asyncio.wait_for(example.communicate(), LIMIT)
+        self.assertIn(f"0\t{name}\t({ipodkit.reading(name)})", output.decode())
+
+
+class Sources(WithSimulator):
+    async def test_a_source_is_requested_played_suspended_and_released(self):
+        session = await self.ready_session()
+        source = ipodkit.AudioSource(session, 0)
+        self.addCleanup(source.release)
+        seen = []
+        watching = source.on_transition("seen", seen.append)
+        with self.assertRaises(ipodkit.Refused):
+            await source.play()
+        source.request()
+        source.activated(1)
+        await source.play()
+        self.assertEqual(source.state, ipodkit.AudioState.PLAYING)
+        source.deactivated(1, True)
+        self.assertEqual(source.state, ipodkit.AudioState.SUSPENDED)
+        source.release()
+        states = [each.after.name for each in source.trace()]
+        self.assertEqual(states, ["GRANTED", "ACTIVE", "PLAYING", "SUSPENDED", "RELEASED"])
+        self.assertEqual([each.after.name for each in seen], states)
+        self.assertTrue(all(each.why for each in seen))
+        watching.end()
+
+    async def test_there_are_two_sources(self):
+        session = await self.ready_session()
+        for wrong in (-1, 2):
+            with self.assertRaises(ValueError):
+                ipodkit.AudioSource(session, wrong).request()
+        with self.assertRaises(TypeError):
+            ipodkit.AudioSource(session, "0")
+
+
+class Accessories(WithSimulator):
+    async def opened(self):
+        self.session = await self.ready_session()
+        self.port = ipodkit.AccessoryPort(self.session)
+        opened = asyncio.Event()
+        watching = self.port.on_opened("opened", lambda accessory: opened.set())
+        self.simulator.do("eap-open", 1)
+        await asyncio.wait_for(opened.wait(), LIMIT)
+        watching.end()
+        return self.port.sessions()[0]
+
+    async def test_a_session_has_a_number_and_a_protocol_and_is_closed(self):
+        accessory = await self.opened()
+        self.assertEqual((accessory.protocol, accessory.is_open, accessory.waiting), (1, True, 0))
+        received = asyncio.ensure_future(self.collected(accessory))
+        await asyncio.sleep(0.05)
+        self.simulator.do("eap-close", accessory.number)
+        self.assertEqual(await asyncio.wait_for(received, LIMIT), [])
+        self.assertFalse(accessory.is_open)
+        with self.assertRaises(ipodkit.Cancelled):
+            await accessory.write(b"late")
+
+    @staticmethod
+    async def collected(accessory):
+        return [data async for data in accessory]
+
+    async def test_bytes_are_sent_and_received(self):
+        accessory = await self.opened()
+        arriving = aiter(accessory)
+        first = asyncio.ensure_future(anext(arriving))
+        await asyncio.sleep(0.05)
+        self.assertTrue(accessory.has_room_for(5))
+        await accessory.write(b"\0\xff123")
+        self.simulator.do("eap-data", {"session": accessory.number, "hex": "00ff313233"})
+        self.assertEqual(await asyncio.wait_for(first, LIMIT), b"\0\xff123")
+        await arriving.aclose()
+
+    async def test_closing_the_session_ends_the_iteration(self):
+        accessory = await self.opened()
+        received = asyncio.ensure_future(self.collected(accessory))
+        await asyncio.sleep(0.05)
+        self.session.close()
+        self.assertEqual(await asyncio.wait_for(received, LIMIT / 6), [])
+
+    async def test_only_bytes_can_be_written(self):
+        accessory = await self.opened()
+        for wrong in ("text", None, 7):
+            with self.assertRaises(TypeError):
+                accessory.write(wrong)
+
+
+class Pictures(WithSimulator):
+    async def test_artwork_is_kept_as_a_file(self):
+        session = await self.ready_session()
+        await session.commands.start_playback()
+        async for state, _ in session.states(ipodkit.Field.ARTWORK):
+            if state.artwork:
+                break
+        with tempfile.TemporaryDirectory() as directory:
+            files = ipodkit.PictureFiles(directory)
+            self.assertEqual(files.directory, directory)
+            uri = files.uri(state.artwork)
+            with open(urllib.parse.unquote(urllib.parse.urlparse(uri).path), "rb") as kept:
+                self.assertEqual(kept.read(), state.artwork.data)
+            with self.assertRaises(TypeError):
+                files.uri(None)
+            with open(f"{directory}/file", "w", encoding="utf-8"), self.assertRaises(OSError) as raised:
+                ipodkit.PictureFiles(f"{directory}/file/below").uri(state.artwork)
+            self.assertIsInstance(raised.exception, ipodkit.NoStorage)
+        with self.assertRaises(TypeError):
+            ipodkit.PictureFiles(keep=-1)
+
+
+class Names(unittest.TestCase):
+    NAMES = ["周杰伦", "Abba", "The Beatles", "周华健"]
+
+    def test_names_are_found_by_their_initials(self):
+        index = ipodkit.JumpIndex(self.NAMES, articles=["The"])
+        self.assertEqual(index.search("zjl"), [0])
+        self.assertEqual(sorted(index.search("zhou")), [0, 3])
+        self.assertEqual(len(index.search("zhou", limit=1)), 1)
+        self.assertEqual((index.search(""), len(index)), ([], 4))
+        self.assertEqual((index.reading(0), ipodkit.reading("周杰伦")), ("zhou jie lun", "zhou jie lun"))
+
+    def test_sections_are_where_letters_begin(self):
+        index = ipodkit.JumpIndex(self.NAMES, articles=["The"])
+        self.assertEqual([(each.label, each.position) for each in index.sections], [("A", 0), ("B", 1), ("Z", 2)])
+        self.assertEqual(index.order[:2], [1, 2])
+
+    def test_invalid_input_is_an_error_of_its_kind(self):
+        index = ipodkit.JumpIndex(self.NAMES, subject=ipodkit.Subject.PERSON)
+        for wrong in (-1, 4):
+            with self.assertRaises(IndexError):
+                index.reading(wrong)
+        for wrong in (lambda: index.search("z", limit=-1), lambda: ipodkit.JumpIndex("names"),
+                      lambda: ipodkit.JumpIndex([1]), lambda: ipodkit.JumpIndex(self.NAMES, subject=1)):
+            with self.assertRaises(TypeError):
+                wrong()
 
 
 class WithoutService(unittest.IsolatedAsyncioTestCase):
@@ -182,17 +393,7 @@ class Errors(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--simulator", required=True)
-    parser.add_argument("--example", required=True)
-    parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
-    OPTIONS, rest = parser.parse_known_args()
-    enter_private_namespace(OPTIONS.interpreter)
+    OPTIONS = begin("--examples")
     import ipodkit
     ipodkit.log("ERROR:/dev/null")
-    BUS = Bus()
-    os.environ["DBUS_SESSION_BUS_ADDRESS"] = BUS.environment["DBUS_SESSION_BUS_ADDRESS"]
-    try:
-        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
-    finally:
-        BUS.stop()
+    unittest.main(verbosity=1)

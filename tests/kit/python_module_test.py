@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Runs the Python module with the main loop of python3-gi, against the simulator on a bus and in a shared memory of
 its own."""
-import argparse
 import ast
 import asyncio
 import datetime
@@ -18,11 +17,11 @@ import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
-from private_session import LIMIT, SKIPPED, Bus, enter_private_namespace, line_within  # noqa: E402
+from private_session import LIMIT, SKIPPED, line_within  # noqa: E402
 
 try:
     from gi.repository import GLib
-    from simulator_process import Simulator
+    from simulator_process import Simulator, begin
 except ImportError:
     print("no python3-gi here")
     sys.exit(SKIPPED)
@@ -539,19 +538,7 @@ class WithSimulator(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--simulator", required=True)
-    parser.add_argument("--example", required=True)
-    parser.add_argument("--schema", required=True)
-    parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
-    OPTIONS, rest = parser.parse_known_args()
-    enter_private_namespace(OPTIONS.interpreter)
+    OPTIONS = begin("--example", "--schema")
     import ipodkit
     ipodkit.log("ERROR:/dev/null")
-    # This process keeps its first bus for good.
-    BUS = Bus()
-    os.environ["DBUS_SESSION_BUS_ADDRESS"] = BUS.environment["DBUS_SESSION_BUS_ADDRESS"]
-    try:
-        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
-    finally:
-        BUS.stop()
+    unittest.main(verbosity=1)

@@ -1,11 +1,31 @@
 """Runs the simulator as a separate process, for tests of the Python module."""
+import argparse
+import atexit
+import json
 import os
 import signal
 import subprocess
+import sys
 
 from gi.repository import Gio, GLib
 
-from private_session import LIMIT, line_within
+from private_session import LIMIT, Bus, enter_private_namespace, line_within
+
+
+def begin(*options):
+    """Goes on in a shared memory and on a bus of its own. Returns the options of the command line, --simulator and
+    --interpreter among them, and leaves the rest of it in sys.argv."""
+    parser = argparse.ArgumentParser()
+    for name in ("--simulator", *options):
+        parser.add_argument(name, required=True)
+    parser.add_argument("--interpreter", default=sys.executable, help="starts scripts of this architecture")
+    parsed, rest = parser.parse_known_args()
+    enter_private_namespace(parsed.interpreter)
+    sys.argv[1:] = rest
+    bus = Bus()
+    atexit.register(bus.stop)
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.environment["DBUS_SESSION_BUS_ADDRESS"]
+    return parsed
 
 
 class Simulator:
@@ -14,11 +34,15 @@ class Simulator:
         line_within(self.process.stdout, LIMIT)
 
     @staticmethod
-    def battery(level):
-        action = GLib.Variant("(s)", (f'{{"event": "battery", "value": {level}}}',))
+    def do(event, value):
+        """Runs an action of the simulator."""
+        action = GLib.Variant("(s)", (json.dumps({"event": event, "value": value}),))
         Gio.bus_get_sync(Gio.BusType.SESSION).call_sync(
             "com.zarn.linux.ipod.Simulator", "/com/zarn/linux/ipod/simulator", "com.zarn.linux.ipod.Simulator",
             "Do", action, None, Gio.DBusCallFlags.NONE, LIMIT * 1000)
+
+    def battery(self, level):
+        self.do("battery", level)
 
     def hang(self):
         """Waits until the process has stopped: until then it may answer."""

@@ -231,6 +231,12 @@ class CheckExports(Case):
         status, output = self.check("offered\npattern: made\n")
         self.assertEqual(1, status, output)
 
+    def test_knows_one_symbol_by_the_names_of_several_architectures(self):
+        self.assertEqual(0, self.check("offer[ei]d\nmade_by_tool\n")[0])
+        status, output = self.check("offer[aio]d\noffered\nmade_by_tool\n")
+        self.assertEqual(1, status)
+        self.assertIn("listed but not exported: offer[aio]d", output)
+
 
 class CheckContract(Case):
     """On the tree's own document: one thing is changed at a time."""

@@ -16,7 +16,7 @@ namespace ipodkit
 namespace detail
 {
 /// The session's context, and which thread runs it.
-class Home;
+class __attribute__((visibility("hidden"))) Home;
 using HomePtr = std::shared_ptr<Home>;
 
 /// Whether the calling thread runs the context, or ran it last while no thread does now.

@@ -31,7 +31,7 @@ public:
     const std::string& Directory() const { return m_directory; }
 
 private:
-    void KeepInUse(const std::string& path) const;
+    __attribute__((visibility("hidden"))) void KeepInUse(const std::string& path) const;
 
     std::string m_directory;
     std::size_t m_keep;

@@ -46,7 +46,7 @@ class Request;
 
 namespace detail
 {
-class Bus;
+class __attribute__((visibility("hidden"))) Bus;
 
 /// What Within() and CancelledBy() set.
 struct Terms

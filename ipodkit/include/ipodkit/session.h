@@ -112,7 +112,7 @@ public:
 
 private:
     friend class FakeSession;
-    explicit Session(std::shared_ptr<Impl> impl);
+    __attribute__((visibility("hidden"))) explicit Session(std::shared_ptr<Impl> impl);
 
     std::shared_ptr<Impl> m_impl;
 };

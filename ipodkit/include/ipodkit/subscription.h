@@ -10,7 +10,7 @@ namespace ipodkit
 {
 namespace detail
 {
-class Slot;
+class __attribute__((visibility("hidden"))) Slot;
 }
 
 /// Registers a callback until it is destroyed, reset, or assigned to. Move-only. It may outlive the session.

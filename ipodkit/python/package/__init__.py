@@ -226,3 +226,46 @@ def _await(request):
 
 _native.Request.__await__ = _await
 del _await
+
+
+async def _names(pager):
+    """Iterates over the names of all entries. Raises Cancelled when the list changes meanwhile."""
+    changed = []
+    watching = pager.on_outdated("names", lambda: changed.append(True))
+    try:
+        index, count = 0, await pager.count()
+        while index < count:
+            page = await pager.at(index)
+            for name in page.names[index - page.first:]:
+                if changed:
+                    raise Cancelled("the list changed")  # noqa: F405
+                yield name
+            index = page.first + len(page)
+    finally:
+        watching.end()
+
+
+_native.Pager.__aiter__ = _names
+del _names
+
+
+async def _received(accessory):
+    """Iterates over the bytes that arrive from now on, until the session is closed. Raises Ambiguous."""
+    arrived = _Queue()
+    listening = accessory.on_data("bytes", lambda data, error: arrived.put((data, error)))
+    ending = accessory.on_closed("end", arrived.end)
+    try:
+        while accessory.is_open:
+            data, error = await arrived.take()
+            if error:
+                raise error
+            yield data
+    except StopAsyncIteration:
+        pass
+    finally:
+        listening.end()
+        ending.end()
+
+
+_native.AccessorySession.__aiter__ = _received
+del _received

@@ -1,0 +1,22 @@
+#!/usr/bin/python3
+"""Prints the names of the database's current level that match what was typed, in asyncio: browse_and_jump.py zjl"""
+import asyncio
+import sys
+
+import ipodkit
+
+
+async def main(query: str) -> None:
+    async with ipodkit.Session() as session:
+        await session.ready()
+        pager = ipodkit.Pager(session, ipodkit.ListKind.DATABASE)
+        names = [name async for name in pager]
+        index = await asyncio.to_thread(ipodkit.JumpIndex, names)
+        for found in index.search(query):
+            print(f"{found}\t{names[found]}\t({index.reading(found)})")
+
+
+if len(sys.argv) != 2:
+    sys.exit("usage: browse_and_jump.py QUERY")
+ipodkit.log("WARN")  # otherwise each record of the library is a line of warning
+asyncio.run(main(sys.argv[1]))
