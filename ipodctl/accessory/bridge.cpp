@@ -136,7 +136,6 @@ void Bridge::Run()
     do
     {
         ending = m_loop.Run(m_inputEnded ? m_request.linger : 0);
-        m_context.session.FlushLog();
     } while (!IsOver(ending));
     if (!m_sessionClosed || m_context.session.Kit().Connection().phase != ipodkit::Phase::Lost) return;
     throw Failure(kServiceLost, "the iPod service left the bus, and the session with it");

@@ -70,7 +70,6 @@ ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit
         LaunchApp(session, request.info.bundleId);
     }
     const Ending ending = loop.Run(request.seconds);
-    session.FlushLog();
     if (ending == Ending::Interrupted) throw Interrupted{};
     if (opened == nullptr) throw Failure(kServiceLost, "no session was opened within the time; see --timeout");
     return opened;

@@ -70,7 +70,6 @@ bool Follower::IsEnough(const Event& event) const
 
 void Follower::Take(const Event& event)
 {
-    m_context.session.FlushLog();
     const bool wanted = !m_enough && m_following.wanted(event);
     const bool last = !m_enough && event.name == m_following.limits.until;
     m_presentation->Take(event, wanted || last);
@@ -96,7 +95,6 @@ void Follower::Begin()
 // The first connection is silent; what happens afterwards is told once.
 void Follower::Judge(const ipodkit::Connection& connection)
 {
-    m_context.session.FlushLog();
     if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus) throw ToFailure(*connection.error);
     if (connection.phase == Phase::Ready) return Begin();
     const bool news = connection.phase != m_told && connection.phase != Phase::Connecting;
@@ -143,7 +141,6 @@ Answer Follower::Run()
     const Ending ending = AwaitEvents();
     m_context.out.Finish();
     AwaitCommands(ending);
-    m_context.session.FlushLog();
     if (ending != Ending::TimedOut || !HasGoal()) return {};
     const Limits& limits = m_following.limits;
     throw Failure(kNothingDone, (limits.until.empty() ? "only " + std::to_string(m_seen) + " of " +

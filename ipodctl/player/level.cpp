@@ -92,7 +92,7 @@ Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
     if (page.amount == 0) page.root = session.Ask(session.Commands().AtRoot());
     const int end = from + std::clamp(page.amount - from, 0, std::max(0, count));
     if (end <= from) return page;
-    const ipodkit::PagePtr first = session.Taken(names.PageWith(from), kNoPage);
+    const ipodkit::PagePtr first = names.PageWith(from, kNoPage);
     page.folder = first->folders;
     page.root = first->root;
     ReadEntries(names, from, end, page);

@@ -20,12 +20,12 @@ public:
     /// Entries of the whole list.
     int Count();
 
-    /// The names from @p first up to but not including @p end. At most those that there are.
+    /// The names from @p first up to but not including @p end, which there must be.
     /// @param refusal  what to say when the service has no page of it
     std::vector<std::string> Names(int first, int end, const char* refusal);
 
     /// The page that holds an entry.
-    ipodkit::Result<ipodkit::PagePtr> PageWith(int index);
+    ipodkit::PagePtr PageWith(int index, const char* refusal);
 
     static constexpr int kPageSize = 500;
 

@@ -4,6 +4,7 @@
 
 #include "output/failure.h"
 #include "output/fields_json.h"
+#include "player/reported.h"
 #include "player/track.h"
 
 namespace ctl
@@ -14,6 +15,16 @@ Playing ReadPlaying(Session& session)
     const ipodkit::PlayPosition at = session.Ask(commands.Position());
     return {session.Ask(commands.PlayStatus()), at, session.Ask(commands.PlayingIndex()),
             session.Ask(commands.PlayingCount()), session.Ask(commands.CurrentTrack())};
+}
+
+Playing PlayingIn(const ipodkit::PlayerState& state)
+{
+    const ipodkit::Position at = state.position.value_or({});
+    return {state.status.value_or({}),
+            {at.Now(), at.duration},
+            state.trackIndex.value_or(-1),
+            state.queueSize.value_or(0),
+            state.track.value_or({})};
 }
 
 Json PlayingJson(const Playing& playing)
@@ -30,9 +41,8 @@ std::string PlayingLine(const Playing& playing)
     return IsEmpty(playing.track) ? state : state + ": " + TrackLine(playing.track);
 }
 
-Answer NowPlaying(Session& session, const char* verb)
+Answer ToAnswer(const Playing& playing, const char* verb)
 {
-    const Playing playing = ReadPlaying(session);
     Json json{{"verb", verb}};
     json.update(PlayingJson(playing));
     return {json, PlayingLine(playing)};
@@ -42,7 +52,7 @@ void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* re
 {
     ipodkit::Result<void> done = std::move(request).Wait();
     const bool refused = !done && done.error().kind == ipodkit::ErrorKind::Refused && done.error().name.empty();
-    if (refused) RequireTrack(session);
+    if (refused) RequireTrack(*session.Ready().State());
     session.Taken(std::move(done), refusal);
 }
 
@@ -51,9 +61,10 @@ void RefuseNothingLoaded()
     throw Failure(kNothingDone, "nothing is loaded; start with ipodctl play INDEX");
 }
 
-Playing RequireTrack(Session& session)
+Playing RequireTrack(const ipodkit::PlayerState& state)
 {
-    Playing playing = ReadPlaying(session);
+    RequireTrackReported(state);
+    Playing playing = PlayingIn(state);
     if (playing.index < 0 || IsEmpty(playing.track)) RefuseNothingLoaded();
     return playing;
 }

@@ -1,6 +1,8 @@
 /// @file
-/// What the device is playing, asked for in one go.
+/// What the device is playing.
 #pragma once
+
+#include <ipodkit/player_state.h>
 
 #include "output/output.h"
 #include "session/session.h"
@@ -16,15 +18,19 @@ struct Playing
     ipodkit::Track track;
 };
 
+/// Reads it from the service, after a command: no event says when the last effect of a command was reported.
 Playing ReadPlaying(Session& session);
+
+/// What of it a state has.
+Playing PlayingIn(const ipodkit::PlayerState& state);
 
 Json PlayingJson(const Playing& playing);
 
 /// "playing: Title - Artist", or "stopped".
 std::string PlayingLine(const Playing& playing);
 
-/// The answer of a verb that changed what is playing: what it is now.
-Answer NowPlaying(Session& session, const char* verb);
+/// The answer of a verb that changed what is playing.
+Answer ToAnswer(const Playing& playing, const char* verb);
 
 /// Makes a request that acts on what is loaded.
 ///
@@ -35,7 +41,7 @@ void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* re
 /// @throws Failure  kNothingDone
 [[noreturn]] void RefuseNothingLoaded();
 
-/// Makes sure that something is loaded that a command could act on.
-/// @throws Failure  kNothingDone
-Playing RequireTrack(Session& session);
+/// What a command can act on.
+/// @throws Failure  kNothingDone, when nothing is loaded
+Playing RequireTrack(const ipodkit::PlayerState& state);
 }  // namespace ctl

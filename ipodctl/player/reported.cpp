@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "output/failure.h"
-#include "session/service_error.h"
 
 namespace ctl
 {

@@ -7,12 +7,21 @@ namespace ctl
 {
 namespace
 {
+// The least with which one page has all entries.
+int SizeOfOnePage(int first, int end)
+{
+    int size = end - first;
+    while (first / size != (end - 1) / size) ++size;
+    return size;
+}
+
 // The list may change while it is read, or the service may go: then the entries are missing this once.
 void ReadNear(Session& session, int end, Status& status)
 {
     try
     {
-        status.near = List(session, ipodkit::ListKind::Playing, std::max(1, end)).Names(status.firstNear, end, nullptr);
+        const int size = SizeOfOnePage(status.firstNear, end);
+        status.near = List(session, ipodkit::ListKind::Playing, size).Names(status.firstNear, end, nullptr);
     }
     catch (const Failure& failure)
     {

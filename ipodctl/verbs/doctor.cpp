@@ -13,7 +13,7 @@
 #include "segments/segment_contents.h"
 #include "segments/segment_probe.h"
 #include "segments/segment_use.h"
-#include "session/bus_daemon.h"
+#include "session/bus.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -69,13 +69,12 @@ Finding ExamineSegment(const SegmentPlan& plan)
 
 bool IsActivatable(GDBusConnection* bus)
 {
-    GVariant* const reply = AskBus(bus, "ListActivatableNames", nullptr);
+    const VariantPtr reply = AskBus(bus, "ListActivatableNames", nullptr);
     if (reply == nullptr) return false;
     const gchar** names = nullptr;
-    g_variant_get(reply, "(^a&s)", &names);
+    g_variant_get(reply.get(), "(^a&s)", &names);
     const bool found = g_strv_contains(names, kServiceName);
     g_free(names);
-    g_variant_unref(reply);
     return found;
 }
 
@@ -97,11 +96,10 @@ std::string WhyNoAnswer(Session& session, ExitCode& code)
 // 0 when the bus does not tell it.
 pid_t ProcessOfService(GDBusConnection* bus)
 {
-    GVariant* const reply = AskBus(bus, "GetConnectionUnixProcessID", g_variant_new("(s)", kServiceName));
+    const VariantPtr reply = AskBus(bus, "GetConnectionUnixProcessID", g_variant_new("(s)", kServiceName));
     if (reply == nullptr) return 0;
     guint32 process = 0;
-    g_variant_get(reply, "(u)", &process);
-    g_variant_unref(reply);
+    g_variant_get(reply.get(), "(u)", &process);
     return static_cast<pid_t>(process);
 }
 
@@ -118,14 +116,13 @@ void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service
 
 Finding ExamineService(Session& session, GDBusConnection* bus)
 {
-    GVariant* const reply = AskBus(bus, "GetNameOwner", g_variant_new("(s)", kServiceName));
+    const VariantPtr reply = AskBus(bus, "GetNameOwner", g_variant_new("(s)", kServiceName));
     if (reply == nullptr)
         return {"service", kNoService, std::string("nobody owns ") + kServiceName,
                 "start the service, or ipod-simulator"};
     const gchar* name = nullptr;
-    g_variant_get(reply, "(&s)", &name);
+    g_variant_get(reply.get(), "(&s)", &name);
     const std::string owner = std::string(kServiceName) + " is owned by " + name;
-    g_variant_unref(reply);
     ExitCode code = kDone;
     const std::string why = WhyNoAnswer(session, code);
     if (!why.empty()) return {"service", code, owner + ", but " + why, "restart it when it does not recover"};

@@ -63,7 +63,7 @@ Answer Jump(Session& session, int index)
     CheckIndex(index, session.Ask(session.Commands().PlayingCount()), "the playing list");
     TakeAudioSource(session);
     session.Ask(session.Commands().PlayPlayingEntry(index));
-    return NowPlaying(session, "queue");
+    return ToAnswer(ReadPlaying(session), "queue");
 }
 
 Run BuildQueue(CLI::App& app)

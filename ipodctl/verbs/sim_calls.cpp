@@ -6,7 +6,7 @@
 
 #include "output/table.h"
 #include "output/text.h"
-#include "session/sim_link.h"
+#include "session/bus.h"
 #include "verbs/sim.h"
 #include "verbs/usage.h"
 

@@ -13,6 +13,8 @@ namespace ctl
 {
 namespace
 {
+constexpr std::chrono::seconds kReportedWithin(2);
+
 void Resume(Session& session)
 {
     TakeAudioSource(session);
@@ -43,7 +45,7 @@ Run BuildPlay(CLI::App& app)
             PlayEntry(context.session, **entry);
         else
             Resume(context.session);
-        return NowPlaying(context.session, "play");
+        return ToAnswer(ReadPlaying(context.session), "play");
     };
 }
 
@@ -54,7 +56,7 @@ Run BuildSimple(const char* verb, const char* refusal)
     return [verb, refusal](Context& context)
     {
         AskOfTrack(context.session, (context.session.Commands().*command)(), refusal);
-        return NowPlaying(context.session, verb);
+        return ToAnswer(ReadPlaying(context.session), verb);
     };
 }
 
@@ -93,11 +95,14 @@ int SecondFor(const SeekTarget& target, const Playing& playing)
     return target.seconds;
 }
 
+// The service reports where it is now by an event. One that does not is shown by what it reported before.
 Answer Seek(Session& session, const SeekTarget& target)
 {
-    const int second = SecondFor(target, RequireTrack(session));
-    session.Ask(session.Commands().Seek(std::chrono::seconds(second)));
-    Answer answer = NowPlaying(session, "seek");
+    ipodkit::Session& kit = session.Ready();
+    const int second = SecondFor(target, RequireTrack(*kit.State()));
+    session.Ask(kit.Commands().Seek(std::chrono::seconds(second)));
+    session.Await(kit.Changed(ipodkit::Field::Position).Within(kReportedWithin));
+    Answer answer = ToAnswer(PlayingIn(*kit.State()), "seek");
     answer.text +=
         " at " + Clock(answer.json["position_ms"].get<int>()) + " / " + Clock(answer.json["length_ms"].get<int>());
     return answer;
