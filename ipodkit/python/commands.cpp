@@ -60,7 +60,6 @@ void BindPlayback(Class& commands)
 void BindQuestions(Class& commands)
 {
     commands.def("current_track", Making(&Commands::CurrentTrack))
-        .def("artwork", Making(&Commands::Artwork))
         .def("play_status", Making(&Commands::PlayStatus))
         .def("position", Making(&Commands::Position))
         .def("winding_status", Making(&Commands::WindingStatus))
