@@ -12,6 +12,7 @@
 #include <type_traits>
 
 #include "output/failure.h"
+#include "output/output.h"
 #include "session/loop.h"
 
 namespace ctl
@@ -101,5 +102,11 @@ private:
     GDBusConnection* m_bus = nullptr;
     std::unique_ptr<ipodkit::Session> m_kit;
     bool m_ready = false;
+};
+
+struct Context
+{
+    Session& session;
+    Output& out;
 };
 }  // namespace ctl

@@ -3,8 +3,7 @@
 #include "output/file.h"
 #include "output/text.h"
 #include "picture/picture.h"
-#include "player/playing.h"
-#include "player/track.h"
+#include "player/player.h"
 #include "verbs/verbs.h"
 
 namespace ctl

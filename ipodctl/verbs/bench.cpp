@@ -2,9 +2,8 @@
 #include <chrono>
 #include <cstdio>
 
-#include "output/table.h"
 #include "output/text.h"
-#include "player/list.h"
+#include "player/lists.h"
 #include "verbs/latency.h"
 #include "verbs/verbs.h"
 

@@ -1,10 +1,8 @@
 // Devices: those attached, what was detected of them, and their buttons.
 #include <algorithm>
 
-#include "output/table.h"
 #include "output/text.h"
-#include "player/level.h"
-#include "player/list.h"
+#include "player/lists.h"
 #include "verbs/verbs.h"
 
 namespace ctl

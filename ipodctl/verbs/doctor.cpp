@@ -8,11 +8,8 @@
 #include <climits>
 #include <cstdio>
 
-#include "output/table.h"
 #include "output/text.h"
-#include "segments/segment_contents.h"
-#include "segments/segment_probe.h"
-#include "segments/segment_use.h"
+#include "segments/segments.h"
 #include "session/bus.h"
 #include "verbs/verbs.h"
 

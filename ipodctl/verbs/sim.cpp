@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "output/file.h"
-#include "output/table.h"
 #include "output/text.h"
 #include "session/bus.h"
 #include "verbs/command_line.h"

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "output/table.h"
 #include "output/text.h"
 #include "session/bus.h"
 #include "verbs/sim.h"

@@ -46,7 +46,7 @@ _ipodctl() {
     local options='--help --json --verbose --deadline' arguments=''
     case $verb in
         '') arguments=$verbs options+=' --version' ;;
-        status) options+=' --art --no-art --listen --watch' ;;
+        status) options+=' --art --no-art --listen --watch --format' ;;
         info) options+=' --art --no-art' ;;
         shuffle) [[ -n $action ]] || arguments='off songs albums' ;;
         repeat) [[ -n $action ]] || arguments='off one all' ;;

@@ -85,7 +85,7 @@ complete -c ipodctl -n '__fish_seen_subcommand_from art' -l out -r -F -d 'File'
 complete -c ipodctl -n '__fish_seen_subcommand_from events' -a "$__ipodctl_events"
 complete -c ipodctl -n '__fish_seen_subcommand_from events' -l until -x -a "$__ipodctl_events" -d 'The last event'
 complete -c ipodctl -n '__fish_seen_subcommand_from events' -l wait -d 'Wait for the service'
-complete -c ipodctl -n '__fish_seen_subcommand_from events' -l format -x -d 'Show by a template'
+complete -c ipodctl -n '__fish_seen_subcommand_from events status' -l format -x -d 'Show by a template'
 complete -c ipodctl -n '__fish_seen_subcommand_from events' -l exec -x -d 'Run for each event'
 complete -c ipodctl -n '__fish_seen_subcommand_from shm' -l dump -x -a "$__ipodctl_vectors" -d 'Show what a vector holds'
 complete -c ipodctl -n '__fish_seen_subcommand_from bench' -l count -x -d 'Calls of each command'

@@ -147,6 +147,7 @@ class WithoutAService(OnABus):
     def test_forms_that_exclude_each_other_are_usage_errors(self):
         for words, message in ((["art", "-"], "--json cannot be used with '-', which writes the image"),
                                (["events", "--format", "{{ title }}"], "--json cannot be used with --format"),
+                               (["status", "--format", "{{ title }}"], "--json cannot be used with --format"),
                                (["browse"], "--json cannot be used with browse")):
             with self.subTest(words):
                 self.assertEqual(self.json(*words, code=USAGE)["error"]["message"], message)
@@ -741,12 +742,17 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_events_take_the_form_of_a_template(self):
         track = self.play_first_song()["track"]
         process = self.follow("events", "battery", "--count", "1", "--format",
-                              '{{ title }}|{{ duration(length) }}|{{ charging | default: "?" }}|'
-                              '{% if percent < 10 %}low{% else %}fine{% end %}')
+                              '{{ title }}|{{ duration(length) }}|{{ charging | default: "?" }}|{{ percent }}')
         self.tell("battery", "5")
         out, _ = process.communicate(timeout=LIMIT)
         minutes, seconds = divmod(track["length_ms"] // 1000, 60)
-        self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|low\n")
+        self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|5\n")
+
+    def test_the_status_takes_the_form_of_a_template_with_the_same_names(self):
+        track = self.play_first_song()["track"]
+        self.assertEqual(self.text("status", "--format", "{{ state }} {{ title }} {{ length }} {{ index }} {{ percent }}."),
+                         f"playing {track['title']} {track['length_ms']} 0 .\n")
+        self.assertRegex(self.text("status", "--format", "{{ clock }}"), r"^\d\d:\d\d:\d\d\.\d{3}\n$")
 
     def test_a_template_that_is_wrong_is_told_with_its_column(self):
         process = self.start("events", "--format", "a {{ b }}")

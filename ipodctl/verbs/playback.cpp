@@ -2,11 +2,11 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "output/text.h"
-#include "player/level.h"
-#include "player/playing.h"
-#include "player/source.h"
+#include "player/lists.h"
+#include "player/player.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -139,5 +139,136 @@ std::vector<Verb> TransportVerbs()
             {"previous", "Skip to the previous track (exit code 1 at the start)", "ipodctl previous", BuildPrevious},
             {"seek", "Move within the playing track",
              "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek}};
+}
+
+namespace
+{
+template <class E>
+struct Mode
+{
+    const char* verb;
+    ipodkit::Request<E> (ipodkit::Commands::*read)() const;
+    ipodkit::Request<void> (ipodkit::Commands::*set)(E mode) const;
+};
+
+template <class E>
+const std::vector<std::string>& Words()
+{
+    static const std::vector<std::string> words(std::begin(ipodkit::EnumNames<E>::names),
+                                                std::end(ipodkit::EnumNames<E>::names));
+    return words;
+}
+
+// A mode that was set is read back: the service has the last word.
+template <class E>
+Answer Apply(const Mode<E>& mode, const std::string& word, Session& session)
+{
+    const ipodkit::Commands commands = session.Commands();
+    const auto number = std::find(Words<E>().begin(), Words<E>().end(), word) - Words<E>().begin();
+    if (!word.empty()) session.Ask((commands.*mode.set)(static_cast<E>(number)));
+    const std::string now = ToString(session.Ask((commands.*mode.read)()));
+    if (!word.empty() && now != word)
+        throw Failure(kNothingDone, std::string("the service keeps ") + mode.verb + " " + now);
+    return {{{"verb", mode.verb}, {"mode", now}}, std::string(mode.verb) + " " + now};
+}
+
+template <class E>
+Run Build(CLI::App& app, const Mode<E>& mode)
+{
+    const auto word = Argument<std::string>();
+    app.add_option("mode", *word, "New mode (" + Listed(Words<E>()) + "); without it, print the mode")
+        ->check(OneOf(Words<E>()));
+    return [mode, word](Context& context) { return Apply(mode, *word, context.session); };
+}
+
+Run BuildShuffle(CLI::App& app)
+{
+    return Build<ipodkit::Shuffle>(app, {"shuffle", &ipodkit::Commands::Shuffle, &ipodkit::Commands::SetShuffle});
+}
+
+Run BuildRepeat(CLI::App& app)
+{
+    return Build<ipodkit::Repeat>(app, {"repeat", &ipodkit::Commands::Repeat, &ipodkit::Commands::SetRepeat});
+}
+}  // namespace
+
+std::vector<Verb> ModeVerbs()
+{
+    return {
+        {"shuffle", "Print or set the shuffle mode (off, songs, albums)", "ipodctl shuffle\nipodctl shuffle songs",
+         BuildShuffle},
+        {"repeat", "Print or set the repeat mode (off, one, all)", "ipodctl repeat\nipodctl repeat all", BuildRepeat}};
+}
+
+namespace
+{
+struct Queue
+{
+    int playing;
+    std::vector<std::string> names;
+};
+
+Queue ReadQueue(Session& session)
+{
+    List list(session, ipodkit::ListKind::Playing);
+    const int playing = session.Ask(session.Commands().PlayingIndex());
+    return {playing, list.Names(0, list.Count(), "the service has no page of the playing list")};
+}
+
+Json QueueJson(const Queue& queue)
+{
+    Json entries = Json::array();
+    for (std::size_t i = 0; i < queue.names.size(); ++i) entries.push_back({{"index", i}, {"name", queue.names[i]}});
+    return {{"verb", "queue"}, {"playing", queue.playing}, {"count", queue.names.size()}, {"entries", entries}};
+}
+
+std::string NamesText(const Queue& queue)
+{
+    std::string text;
+    for (const std::string& name : queue.names) text += (text.empty() ? "" : "\n") + Printable(name);
+    return text;
+}
+
+std::string QueueText(const Queue& queue, int width)
+{
+    const int digits = Width(std::to_string(queue.names.size()));
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t i = 0; i < queue.names.size(); ++i)
+        rows.push_back({(static_cast<int>(i) == queue.playing ? "> " : "  ") + PadLeft(std::to_string(i), digits),
+                        Printable(queue.names[i])});
+    return Table(rows, width);
+}
+
+Answer Show(Context& context, bool namesOnly)
+{
+    const Queue queue = ReadQueue(context.session);
+    if (namesOnly) return {QueueJson(queue), NamesText(queue)};
+    const std::string text = QueueText(queue, context.out.width());
+    return {QueueJson(queue), text.empty() && context.out.terminal() ? "the playing list is empty" : text};
+}
+
+Answer Jump(Session& session, int index)
+{
+    CheckIndex(index, session.Ask(session.Commands().PlayingCount()), "the playing list");
+    TakeAudioSource(session);
+    session.Ask(session.Commands().PlayPlayingEntry(index));
+    return ToAnswer(ReadPlaying(session), "queue");
+}
+
+Run BuildQueue(CLI::App& app)
+{
+    const auto index = Argument<std::optional<int>>();
+    const auto names = Argument<bool>();
+    auto* const entry = app.add_option("index", *index, "Entry to jump to; without it, print the list");
+    entry->check(WholeNumber(0));
+    app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entry);
+    return [index, names](Context& context) { return *index ? Jump(context.session, **index) : Show(context, *names); };
+}
+}  // namespace
+
+std::vector<Verb> QueueVerbs()
+{
+    return {{"queue", "List the playing list, or jump to one of its entries",
+             "ipodctl queue\nipodctl queue 4\nipodctl queue --json | jq .playing", BuildQueue}};
 }
 }  // namespace ctl
