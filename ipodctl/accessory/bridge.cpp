@@ -118,7 +118,7 @@ void RemoveStale(const std::string& path, const sockaddr_un& address)
 {
     struct stat status;
     if (lstat(path.c_str(), &status) != 0) return;
-    if (!S_ISSOCK(status.st_mode)) Refuse(path, "it is there already and is no socket");
+    if (!S_ISSOCK(status.st_mode)) Refuse(path, "it exists and is not a socket");
     if (IsStale(address)) unlink(path.c_str());
 }
 

@@ -13,7 +13,7 @@
 
 namespace ctl
 {
-/// Announces the unit's protocols.
+/// Announces the accessory protocols of the head unit.
 void Announce(Session& session, const ipodkit::AccessoryInfo& info);
 
 /// Asks the device to start an app.

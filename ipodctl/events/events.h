@@ -39,7 +39,7 @@ public:
     /// Takes what is known from a state of the player, in place of everything that was known before.
     void Reset(const ipodkit::PlayerState& state);
 
-    /// Takes over what an event tells of the player.
+    /// Updates what is known of the player from an event.
     ///
     /// @return  an object without inner objects: what is known of the player, then the event's own fields
     Json With(const Event& event);

@@ -22,7 +22,7 @@ struct Answer
     ExitCode code = kDone;  ///< what the run ends with
 };
 
-/// Thrown when the reader of the output is gone: nothing is wrong, and nobody is there to be told anything.
+/// Thrown when nobody reads the output any more: this is not an error.
 struct OutputClosed
 {
 };

@@ -15,7 +15,7 @@ namespace ctl
 class List
 {
 public:
-    /// @param pageSize  entries that are asked for at once
+    /// @param pageSize  entries per request
     List(Session& session, ipodkit::ListKind kind, int pageSize = kPageSize);
 
     /// Entries of the whole list.

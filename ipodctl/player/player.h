@@ -26,8 +26,8 @@ std::string PictureLine(const ipodkit::Picture& picture);
 /// The same, with the dimensions that the service reported; "none" without artwork.
 std::string ArtworkLine(const ipodkit::ArtworkChanged& artwork);
 
-/// Requests the first iPod source from the unit and confirms its activation.
-/// @throws Failure  kNothingDone, when the unit refuses
+/// Requests the first iPod source from the audio-source manager and confirms its activation.
+/// @throws Failure  kNothingDone, when the manager refuses
 void TakeAudioSource(Session& session);
 
 struct Playing

@@ -1,5 +1,5 @@
 /// @file
-/// The two shared segments, looked at from outside: without a session, and whatever state they are in.
+/// The two shared segments, inspected without a session, whatever state they are in.
 #pragma once
 
 #include <sys/types.h>

@@ -26,7 +26,7 @@ struct Settings
 class Session
 {
 public:
-    /// Connects to nothing yet: the first use does, so that a wrong argument is told without a service.
+    /// Connects to nothing yet: the first use does, so that wrong arguments are reported without a service.
     explicit Session(const Settings& settings);
     ~Session();
     Session(const Session&) = delete;

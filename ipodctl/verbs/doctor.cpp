@@ -43,9 +43,8 @@ Finding ExamineSegment(const SegmentPlan& plan)
 {
     const SegmentObject object = LookAt(plan.name);
     const std::string remove = Removal(plan);
-    if (!object.exists)
-        return {plan.what, kNothingDone, "not there", "whoever starts first makes it: start the service"};
-    if (!object.isMemory) return {plan.what, kNoSegments, "no shared memory stands under its name", remove};
+    if (!object.exists) return {plan.what, kNothingDone, "missing", "start the service, which creates it"};
+    if (!object.isMemory) return {plan.what, kNoSegments, "its name is not that of shared memory", remove};
     const std::string description = Described(object);
     if (object.owner != geteuid())
         return {plan.what, kNoSegments, description, "run service and applications under one user"};
@@ -59,7 +58,7 @@ Finding ExamineSegment(const SegmentPlan& plan)
                     remove};
     if (object.mode != 0644 || object.size != plan.size)
         return {plan.what, kNothingDone, description,
-                "mode 0644 and " + std::to_string(plan.size) + " bytes are usual"};
+                "mode 0644 and " + std::to_string(plan.size) + " bytes are expected"};
     return {plan.what, kDone,
             description + ", " + std::to_string(plan.lists.size() + plan.buffers.size()) + " vectors, lock free", ""};
 }
@@ -105,10 +104,9 @@ void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service
 {
     const SegmentUse use = UseBy(service, plan.name, LookAt(plan.name).inode);
     if (finding.code > kNothingDone || use != SegmentUse::Other) return;
-    finding = {
-        plan.what, kNoSegments,
-        "the service (process " + std::to_string(service) + ") uses an object that no longer stands under its name",
-        Removal(plan) + ", start them again"};
+    finding = {plan.what, kNoSegments,
+               "the service (process " + std::to_string(service) + ") uses an object that was removed or replaced",
+               Removal(plan) + ", start them again"};
 }
 
 Finding ExamineService(Session& session, GDBusConnection* bus)

@@ -40,7 +40,7 @@ void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
         ->excludes(always);
 }
 
-// Battery and calls are told by events only.
+// Only events report battery and calls.
 void Listen(Session& session, double seconds)
 {
     if (seconds <= 0) return;

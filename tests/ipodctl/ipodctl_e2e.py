@@ -953,7 +953,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                       self.refused("eap", "bridge", "--socket", "/nonexistent/socket", code=USAGE))
         with open(os.path.join(self.folder.name, "file"), "w", encoding="utf-8"):
             pass
-        self.assertIn("cannot make the socket 'file': it is there already and is no socket",
+        self.assertIn("cannot make the socket 'file': it exists and is not a socket",
                       self.refused("eap", "bridge", "--socket", "file", code=USAGE))
 
     def test_bytes_that_cannot_be_sent_are_told(self):
@@ -1336,10 +1336,10 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         path = "/dev/shm/ListVectorSharedMemory"
         shutil.copyfile(path, path + ".new")
         os.remove(path)
-        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "no longer stands under its name")
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "uses an object that was removed or replaced")
         os.chmod(path + ".new", 0o644)
         os.rename(path + ".new", path)
-        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "no longer stands under its name")
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "uses an object that was removed or replaced")
 
     def test_a_segment_that_is_nearly_full_is_a_warning(self):
         data = os.path.join(self.folder.name, "data")
@@ -1361,7 +1361,7 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         os.truncate(path, os.path.getsize(path) + 4096)
         lists = self.examine(NOTHING_DONE)["lists"]
         self.assertEqual(lists["state"], "warning")
-        self.assertIn("bytes are usual", lists["advice"])
+        self.assertIn("bytes are expected", lists["advice"])
 
     def test_another_owner_is_a_problem(self):
         try:
@@ -1382,7 +1382,7 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
     def test_a_fifo_is_a_problem(self):
         os.remove("/dev/shm/BufferVectorSharedMemory")
         os.mkfifo("/dev/shm/BufferVectorSharedMemory")
-        self.assert_problem(self.examine(NO_SEGMENTS)["buffers"], "no shared memory")
+        self.assert_problem(self.examine(NO_SEGMENTS)["buffers"], "not that of shared memory")
 
 
 def terminal_columns(text):
