@@ -1,16 +1,173 @@
 #include "accessory/bridge.h"
 
+#include <fcntl.h>
+#include <glib-unix.h>
+#include <glib.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <optional>
 
 #include "accessory/pumps.h"
-#include "accessory/socket_server.h"
+#include "output/failure.h"
 #include "output/text.h"
 
 namespace ctl
 {
+namespace
+{
+constexpr std::size_t kLongestText = 255;
+
+void CheckLength(const std::string& text, const char* what)
+{
+    if (text.size() > kLongestText)
+        throw Failure(kUsage, std::string(what) + " is longer than " + std::to_string(kLongestText) + " bytes");
+}
+}  // namespace
+
+// On the shared memory itself: whoever shares the buffer shares the lock, which ends with its process. A segment that
+// cannot be opened is reported by what uses it.
+SenderLock::SenderLock(Session& session)
+    : m_file((session.Ready(), shm_open("/BufferVectorSharedMemory", O_RDONLY | O_CLOEXEC, 0)))
+{
+    if (m_file < 0 || flock(m_file, LOCK_EX | LOCK_NB) == 0) return;
+    close(m_file);
+    throw Failure(kNoSegments, "cannot send: another ipodctl uses the accessory buffers",
+                  "wait until its 'eap bridge', 'eap echo' or 'eap write' has ended");
+}
+
+SenderLock::~SenderLock()
+{
+    if (m_file >= 0) close(m_file);
+}
+
+void Announce(Session& session, const ipodkit::AccessoryInfo& info)
+{
+    CheckLength(info.protocols, "the list of protocols");
+    CheckLength(info.bundleId, "the bundle identifier");
+    session.Ask(session.Commands().AnnounceAccessory(info));
+}
+
+void LaunchApp(Session& session, const std::string& bundle)
+{
+    if (g_utf8_validate(bundle.data(), static_cast<gssize>(bundle.size()), nullptr) == FALSE)
+        throw Failure(kUsage, "a bundle identifier is UTF-8 text, and '" + Printable(bundle) + "' is not");
+    const std::string refusal = "the service did not launch '" + Printable(bundle) +
+                                "'; announce its protocols first: ipodctl eap init PROTOCOLS BUNDLE";
+    session.Ask(session.Commands().LaunchApp(bundle), refusal.c_str());
+}
+
+ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit::AccessoryPort& port,
+                                           const AccessoryRequest& request)
+{
+    ipodkit::AccessorySessionPtr opened;
+    const ipodkit::Subscription opening = port.OnOpened("ipodctl",
+                                                        [&](const ipodkit::AccessorySessionPtr& peer)
+                                                        {
+                                                            if (opened == nullptr) opened = peer;
+                                                            loop.Finish();
+                                                        });
+    if (request.launch)
+    {
+        Announce(session, request.info);
+        LaunchApp(session, request.info.bundleId);
+    }
+    const Ending ending = loop.Run(request.seconds);
+    if (ending == Ending::Interrupted) throw Interrupted{};
+    if (opened == nullptr) throw Failure(kServiceLost, "no session was opened within the time; see --timeout");
+    return opened;
+}
+
+namespace
+{
+[[noreturn]] void Refuse(const std::string& path, const char* why)
+{
+    throw Failure(kUsage, "cannot make the socket '" + Printable(path) + "': " + why);
+}
+
+sockaddr_un AddressOf(const std::string& path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.empty() || path.size() >= sizeof(address.sun_path)) Refuse(path, "its path is empty or too long");
+    path.copy(address.sun_path, path.size());
+    return address;
+}
+
+const sockaddr* Generic(const sockaddr_un& address)
+{
+    return reinterpret_cast<const sockaddr*>(&address);
+}
+
+// Left behind by a process that was killed.
+bool IsStale(const sockaddr_un& address)
+{
+    const int probe = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool refused = connect(probe, Generic(address), sizeof(address)) != 0 && errno == ECONNREFUSED;
+    close(probe);
+    return refused;
+}
+
+void RemoveStale(const std::string& path, const sockaddr_un& address)
+{
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0) return;
+    if (!S_ISSOCK(status.st_mode)) Refuse(path, "it exists and is not a socket");
+    if (IsStale(address)) unlink(path.c_str());
+}
+
+bool Bind(int file, const sockaddr_un& address)
+{
+    const mode_t usual = umask(0177);
+    const bool bound = bind(file, Generic(address), sizeof(address)) == 0;
+    umask(usual);
+    return bound;
+}
+}  // namespace
+
+SocketServer::SocketServer(const std::string& path, std::function<void(int client)> connected)
+    : m_path(path), m_connected(std::move(connected))
+{
+    const sockaddr_un address = AddressOf(path);
+    RemoveStale(path, address);
+    m_file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (m_file < 0 || !Bind(m_file, address) || listen(m_file, 4) != 0)
+    {
+        const int reason = errno;
+        if (m_file >= 0) close(m_file);
+        Refuse(path, std::strerror(reason));
+    }
+    AcceptNext();
+}
+
+SocketServer::~SocketServer()
+{
+    if (m_watch != 0) g_source_remove(m_watch);
+    close(m_file);
+    unlink(m_path.c_str());
+}
+
+void SocketServer::AcceptNext()
+{
+    if (m_watch == 0) m_watch = g_unix_fd_add(m_file, G_IO_IN, &SocketServer::OnClient, this);
+}
+
+gboolean SocketServer::OnClient(gint file, GIOCondition, gpointer data)
+{
+    auto& server = *static_cast<SocketServer*>(data);
+    const int client = accept4(file, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (client < 0) return G_SOURCE_CONTINUE;
+    server.m_watch = 0;
+    server.m_connected(client);
+    return G_SOURCE_REMOVE;
+}
+
 namespace
 {
 // The device cannot be told to wait: beyond this somebody has stopped reading for good.
@@ -136,7 +293,6 @@ void Bridge::Run()
     do
     {
         ending = m_loop.Run(m_inputEnded ? m_request.linger : 0);
-        m_context.session.FlushLog();
     } while (!IsOver(ending));
     if (!m_sessionClosed || m_context.session.Kit().Connection().phase != ipodkit::Phase::Lost) return;
     throw Failure(kServiceLost, "the iPod service left the bus, and the session with it");

@@ -7,7 +7,6 @@
 
 #include "output/failure.h"
 #include "output/text.h"
-#include "session/service_error.h"
 
 namespace ctl::browse
 {

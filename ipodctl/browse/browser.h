@@ -13,7 +13,7 @@
 #include "browse/model.h"
 #include "browse/screen.h"
 #include "browse/walker.h"
-#include "session/suspend_signal.h"
+#include "session/loop.h"
 
 namespace ctl::browse
 {

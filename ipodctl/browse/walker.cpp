@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "session/service_error.h"
+#include "output/failure.h"
 
 namespace ctl::browse
 {

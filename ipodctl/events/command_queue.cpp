@@ -8,7 +8,7 @@
 #include <csignal>
 #include <utility>
 
-#include "events/format_value.h"
+#include "events/format.h"
 
 namespace ctl
 {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ipodkit/event.h>
+#include <ipodkit/player_state.h>
 
 #include <string>
 #include <vector>
@@ -28,4 +29,25 @@ std::vector<std::string> NamesOfEventFields();
 
 /// The event with the local time of now, in both forms.
 Answer ToAnswer(const Event& event);
+
+/// All names that templates may use, those of the player first.
+const std::vector<std::string>& EventFieldNames();
+
+class EventFields
+{
+public:
+    /// Takes what is known from a state of the player, in place of everything that was known before.
+    void Reset(const ipodkit::PlayerState& state);
+
+    /// Updates what is known of the player from an event.
+    ///
+    /// @return  an object without inner objects: what is known of the player, then the event's own fields
+    Json With(const Event& event);
+
+    /// What is known of the player, with the time of now.
+    Json OfPlayer() const;
+
+private:
+    Json m_player = Json::object();
+};
 }  // namespace ctl

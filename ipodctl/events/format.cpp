@@ -1,11 +1,13 @@
 #include "events/format.h"
 
+#include <glib.h>
+
 #include <algorithm>
+#include <iterator>
 #include <optional>
+#include <string_view>
 #include <utility>
 
-#include "events/format_scanner.h"
-#include "events/format_value.h"
 #include "output/failure.h"
 #include "output/text.h"
 
@@ -14,13 +16,223 @@ namespace ctl
 namespace
 {
 constexpr int kDeepest = 50;
-constexpr char kAnExpression[] = "a field, a function, a number, a quoted text or (";
+constexpr char kAnExpression[] = "a field, a function, a number or a quoted text";
 
-using Value = std::function<Json(const Json& values)>;
+using Value = Format::Value;
+using Arguments = std::vector<Json>;
 
-void RenderAll(const Format::Pieces& pieces, const Json& values, std::string& out)
+struct FormatFunction
 {
-    for (const Format::Piece& piece : pieces) piece(values, out);
+    const char* name;
+    std::size_t arguments;
+    Json (*call)(const Arguments& arguments);
+};
+
+int NumberIn(const Json& value)
+{
+    if (!value.is_number()) return 0;
+    return static_cast<int>(std::clamp(value.get<double>(), -2147483648.0, 2147483647.0));
+}
+
+std::string Taken(gchar* text)
+{
+    std::string result = text;
+    g_free(text);
+    return result;
+}
+
+Json Default(const Arguments& arguments)
+{
+    return Shown(arguments[0]).empty() ? arguments[1] : arguments[0];
+}
+
+Json Duration(const Arguments& arguments)
+{
+    return arguments[0].is_number() ? Json(Clock(NumberIn(arguments[0]))) : Json();
+}
+
+Json UpperCase(const Arguments& arguments)
+{
+    return Taken(g_utf8_strup(Shown(arguments[0]).c_str(), -1));
+}
+
+Json LowerCase(const Arguments& arguments)
+{
+    return Taken(g_utf8_strdown(Shown(arguments[0]).c_str(), -1));
+}
+
+Json CutTo(const Arguments& arguments)
+{
+    return Cut(Shown(arguments[0]), NumberIn(arguments[1]));
+}
+
+// A number that is meant as a width has some sense left below this.
+Json PadTo(const Arguments& arguments)
+{
+    constexpr int kWidest = 10000;
+    return Pad(Shown(arguments[0]), std::min(NumberIn(arguments[1]), kWidest));
+}
+
+Json AsJson(const Arguments& arguments)
+{
+    return Dump(arguments[0]);
+}
+
+constexpr FormatFunction kFunctions[] = {
+    {"cut", 2, CutTo},       {"default", 2, Default}, {"duration", 1, Duration}, {"json", 1, AsJson},
+    {"lower", 1, LowerCase}, {"pad", 2, PadTo},       {"upper", 1, UpperCase},
+};
+
+const FormatFunction* FindFormatFunction(const std::string& name)
+{
+    const auto* const found = std::find_if(std::begin(kFunctions), std::end(kFunctions),
+                                           [&](const FormatFunction& function) { return function.name == name; });
+    return found == std::end(kFunctions) ? nullptr : found;
+}
+
+std::string FormatFunctionNames()
+{
+    std::string names;
+    for (const FormatFunction& function : kFunctions) names += std::string(names.empty() ? "" : ", ") + function.name;
+    return names;
+}
+constexpr std::string_view kBlanks = " \t\n";
+
+bool IsLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+std::size_t NameLength(std::string_view text)
+{
+    if (text.empty() || !IsLetter(text[0])) return 0;
+    const auto* const end =
+        std::find_if_not(text.begin(), text.end(), [](char c) { return IsLetter(c) || IsDigit(c); });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
+// Other characters after a backslash stay as they are, and so does the backslash.
+std::string Unescaped(std::string_view text)
+{
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i)
+    {
+        const char next = text[i] == '\\' && i + 1 < text.size() ? text[i + 1] : '\0';
+        const char meant = next == 'n' ? '\n' : next == 't' ? '\t' : next == '\\' ? '\\' : '\0';
+        plain += meant != '\0' ? meant : text[i];
+        if (meant != '\0') ++i;
+    }
+    return plain;
+}
+
+// What a message shows of the text that is wrong.
+std::string Start(std::string_view text)
+{
+    constexpr int kShown = 12;
+    return text.empty() ? "the end" : "'" + Cut(Printable(text), kShown) + "'";
+}
+/// Reads the text of a template piece by piece, and reports where it is wrong.
+class Scanner
+{
+public:
+    explicit Scanner(const std::string& text) : m_text(text) {}
+
+    bool AtEnd() const { return m_at >= m_text.size(); }
+
+    /// Literal text up to the next "{{", with its escapes replaced.
+    std::string TakeLiteral();
+
+    /// Whether the text goes on with @p mark; takes it if so.
+    bool Take(std::string_view mark);
+    bool TakeAfterBlanks(std::string_view mark);
+
+    /// A name, digits, or a quoted text after blanks; empty when there is none.
+    std::string TakeName();
+    std::string TakeNumber();
+    bool TakeQuoted(std::string& text);
+
+    std::size_t Place() const { return m_at; }
+
+    /// @throws Failure  kUsage: "column 7: expected …, found …"
+    [[noreturn]] void Expected(const std::string& what) const { ExpectedAt(m_at, what); }
+    [[noreturn]] void ExpectedAt(std::size_t place, const std::string& what) const;
+
+private:
+    void SkipBlanks();
+    std::string_view Rest() const { return std::string_view(m_text).substr(m_at); }
+
+    const std::string m_text;
+    std::size_t m_at = 0;
+};
+
+std::string Scanner::TakeLiteral()
+{
+    const std::size_t end = std::min(m_text.find("{{", m_at), m_text.size());
+    const std::string_view literal = Rest().substr(0, end - m_at);
+    m_at = end;
+    return Unescaped(literal);
+}
+
+void Scanner::SkipBlanks()
+{
+    m_at = std::min(m_text.find_first_not_of(kBlanks, m_at), m_text.size());
+}
+
+bool Scanner::Take(std::string_view mark)
+{
+    if (Rest().substr(0, mark.size()) != mark) return false;
+    m_at += mark.size();
+    return true;
+}
+
+bool Scanner::TakeAfterBlanks(std::string_view mark)
+{
+    SkipBlanks();
+    return Take(mark);
+}
+
+std::string Scanner::TakeName()
+{
+    SkipBlanks();
+    std::string name(Rest().substr(0, NameLength(Rest())));
+    m_at += name.size();
+    return name;
+}
+
+std::string Scanner::TakeNumber()
+{
+    SkipBlanks();
+    const std::string_view rest = Rest();
+    const auto* const end = std::find_if_not(rest.begin(), rest.end(), IsDigit);
+    std::string number(rest.begin(), end);
+    m_at += number.size();
+    return number;
+}
+
+bool Scanner::TakeQuoted(std::string& text)
+{
+    SkipBlanks();
+    const char quote = AtEnd() ? '\0' : m_text[m_at];
+    if (quote != '"' && quote != '\'') return false;
+    const std::size_t end = m_text.find(quote, m_at + 1);
+    if (end == std::string::npos) Expected(std::string("a text that ends with ") + quote);
+    text = Unescaped(std::string_view(m_text).substr(m_at + 1, end - m_at - 1));
+    m_at = end + 1;
+    return true;
+}
+
+void Scanner::ExpectedAt(std::size_t place, const std::string& what) const
+{
+    const std::size_t at = std::min(m_text.find_first_not_of(kBlanks, place), m_text.size());
+    const std::string before = Printable(std::string_view(m_text).substr(0, at));
+    const auto column = g_utf8_strlen(before.c_str(), -1) + 1;
+    throw Failure(kUsage, "format, column " + std::to_string(column) + ": expected " + what + ", found " +
+                              Start(std::string_view(m_text).substr(at)));
 }
 
 /// By recursive descent: one function per rule of the grammar.
@@ -29,41 +241,10 @@ class Parser
 public:
     Parser(const std::string& text, const std::vector<std::string>& fields) : m_scan(text), m_fields(fields) {}
 
-    Format::Pieces All()
-    {
-        Format::Pieces pieces = Template();
-        if (!m_scan.AtEnd()) m_scan.Expected("{% if … %}");
-        return pieces;
-    }
+    std::vector<Format::Piece> All();
 
 private:
-    // Nesting costs stack.
-    class Level
-    {
-    public:
-        explicit Level(Parser& parser) : m_depth(parser.m_depth)
-        {
-            if (++m_depth > kDeepest) parser.m_scan.Expected("fewer levels");
-        }
-        ~Level() { --m_depth; }
-        Level(const Level&) = delete;
-        Level& operator=(const Level&) = delete;
-
-    private:
-        int& m_depth;
-    };
-
-    Format::Pieces Template();
-    bool TakeTag(Format::Pieces& pieces);
-    bool TakeTagOf(const char* word);
-    Format::Piece Condition();
-    Format::Pieces Else();
-    Value Expression() { return Joined("or", &Parser::And, false); }
-    Value And() { return Joined("and", &Parser::Not, true); }
-    Value Joined(const char* word, Value (Parser::*part)(), bool all);
-    Value Not();
-    Value Comparison();
-    Value Pipe();
+    Value Expression();
     Value Piped(Value piped);
     Value Primary();
     Value Number(std::size_t place, const std::string& digits) const;
@@ -76,118 +257,26 @@ private:
         if (!m_scan.TakeAfterBlanks(mark)) m_scan.Expected(mark);
     }
 
-    FormatScanner m_scan;
+    Scanner m_scan;
     const std::vector<std::string>& m_fields;
     int m_depth = 0;
 };
 
-// The rules call each other; Level ends what goes too deep.
-// NOLINTBEGIN(misc-no-recursion)
-
-// Ends before a tag that belongs to a condition around it.
-Format::Pieces Parser::Template()
+std::vector<Format::Piece> Parser::All()
 {
-    const Level level(*this);
-    Format::Pieces pieces;
-    do
+    std::vector<Format::Piece> pieces;
+    for (;;)
     {
-        const std::string text = m_scan.TakeLiteral();
-        if (!text.empty()) pieces.push_back([text](const Json&, std::string& out) { out += text; });
-    } while (TakeTag(pieces));
-    return pieces;
-}
-
-bool Parser::TakeTag(Format::Pieces& pieces)
-{
-    if (m_scan.Take("{{"))
-    {
-        const Value value = Expression();
+        pieces.push_back({m_scan.TakeLiteral(), nullptr});
+        if (!m_scan.Take("{{")) return pieces;
+        pieces.back().value = Expression();
         Close("}}");
-        pieces.push_back([value](const Json& values, std::string& out) { out += Shown(value(values)); });
-        return true;
     }
-    const std::size_t tag = m_scan.Place();
-    if (!m_scan.Take("{%")) return false;
-    if (m_scan.TakeWord("if"))
-    {
-        pieces.push_back(Condition());
-        return true;
-    }
-    m_scan.Return(tag);
-    return false;
 }
 
-bool Parser::TakeTagOf(const char* word)
-{
-    const std::size_t tag = m_scan.Place();
-    if (m_scan.Take("{%") && m_scan.TakeWord(word)) return true;
-    m_scan.Return(tag);
-    return false;
-}
-
-// What stands between "if" and "end".
-Format::Piece Parser::Condition()
-{
-    const Value condition = Expression();
-    Close("%}");
-    const Format::Pieces then = Template();
-    const Format::Pieces otherwise = Else();
-    return [condition, then, otherwise](const Json& values, std::string& out)
-    { RenderAll(IsTrue(condition(values)) ? then : otherwise, values, out); };
-}
-
-Format::Pieces Parser::Else()
-{
-    if (TakeTagOf("elif"))
-    {
-        const Level level(*this);
-        return {Condition()};
-    }
-    Format::Pieces pieces;
-    if (TakeTagOf("else"))
-    {
-        Close("%}");
-        pieces = Template();
-    }
-    if (!TakeTagOf("end")) m_scan.Expected("{% end %}");
-    Close("%}");
-    return pieces;
-}
-
-Value Parser::Joined(const char* word, Value (Parser::*part)(), bool all)
-{
-    std::vector<Value> parts{(this->*part)()};
-    while (m_scan.TakeWord(word)) parts.push_back((this->*part)());
-    if (parts.size() == 1) return parts[0];
-    return [parts, all](const Json& values) -> Json
-    {
-        const auto holds = [&](const Value& value) { return IsTrue(value(values)); };
-        return all ? std::all_of(parts.begin(), parts.end(), holds) : std::any_of(parts.begin(), parts.end(), holds);
-    };
-}
-
-Value Parser::Not()
-{
-    if (!m_scan.TakeWord("not")) return Comparison();
-    const Level level(*this);
-    const Value value = Not();
-    return [value](const Json& values) -> Json { return !IsTrue(value(values)); };
-}
-
-Value Parser::Comparison()
-{
-    Value one = Pipe();
-    for (const char* comparison : {"==", "!=", "<=", ">=", "<", ">"})
-    {
-        if (!m_scan.TakeAfterBlanks(comparison)) continue;
-        const Value other = Pipe();
-        return [one, comparison, other](const Json& values) -> Json
-        { return Compare(one(values), comparison, other(values)); };
-    }
-    return one;
-}
-
-Value Parser::Pipe()
+// The rules call each other; Called() ends what goes too deep.
+// NOLINTBEGIN(misc-no-recursion)
+Value Parser::Expression()
 {
     Value value = Primary();
     while (m_scan.TakeAfterBlanks("|")) value = Piped(value);
@@ -205,18 +294,14 @@ Value Parser::Piped(Value piped)
 
 Value Parser::Primary()
 {
-    const Level level(*this);
     std::string text;
     if (m_scan.TakeQuoted(text)) return [text](const Json&) -> Json { return text; };
     const std::size_t place = m_scan.Place();
     const std::string digits = m_scan.TakeNumber();
     if (!digits.empty()) return Number(place, digits);
     const std::string name = m_scan.TakeName();
-    if (!name.empty()) return Named(place, name);
-    if (!m_scan.TakeAfterBlanks("(")) m_scan.Expected(kAnExpression);
-    Value value = Expression();
-    Close(")");
-    return value;
+    if (name.empty()) m_scan.Expected(kAnExpression);
+    return Named(place, name);
 }
 
 Value Parser::Number(std::size_t place, const std::string& digits) const
@@ -237,14 +322,18 @@ Value Parser::Named(std::size_t place, const std::string& name)
 
 Value Parser::Called(std::size_t place, const std::string& name)
 {
+    if (++m_depth > kDeepest) m_scan.Expected("fewer levels");
     const FormatFunction& function = Function(place, name);
     std::vector<Value> arguments;
     if (!m_scan.TakeAfterBlanks(")"))
     {
-        do arguments.push_back(Expression());
-        while (m_scan.TakeAfterBlanks(","));
+        do
+        {
+            arguments.push_back(Expression());
+        } while (m_scan.TakeAfterBlanks(","));
         Close(")");
     }
+    --m_depth;
     return Call(function, std::move(arguments), place);
 }
 
@@ -278,7 +367,13 @@ Format Format::Parse(const std::string& text, const std::vector<std::string>& fi
 std::string Format::Render(const Json& values) const
 {
     std::string out;
-    RenderAll(m_pieces, values, out);
+    for (const Piece& piece : m_pieces) out += piece.text + (piece.value ? Shown(piece.value(values)) : "");
     return out;
+}
+
+std::string Shown(const Json& value)
+{
+    if (value.is_null()) return {};
+    return Printable(value.is_string() ? value.get<std::string>() : Dump(value));
 }
 }  // namespace ctl

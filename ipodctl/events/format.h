@@ -1,20 +1,15 @@
 /// @file
-/// A small language for lines of text with values in them.
+/// Templates for lines of output: text with values in it.
 ///
-///     {{ title }} {{ duration(length) }}{% if artist %} by {{ artist | upper }}{% end %}
+///     {{ title | cut: 20 }} {{ duration(length) }} {{ artist | default: "?" }}
 ///
-///     template   = { text | "{{" expression "}}" | condition }
-///     condition  = "{% if" expression "%}" template { "{% elif" expression "%}" template }
-///                  [ "{% else %}" template ] "{% end %}"
-///     expression = and { "or" and }          and     = not { "and" not }
-///     not        = "not" not | compare       compare = pipe [ ( "==" | "!=" | "<" | "<=" | ">" | ">=" ) pipe ]
-///     pipe       = value { "|" function [ ":" value { "," value } ] }
-///     value      = field | number | "text" | 'text' | function "(" [ expression { "," expression } ] ")"
-///                  | "(" expression ")"
+///     template   = { text | "{{" expression "}}" }
+///     expression = primary { "|" function [ ":" primary { "," primary } ] }
+///     primary    = field | number | "text" | 'text' | function "(" [ expression { "," expression } ] ")"
 ///
 /// Functions: default(x, y) is y where x is unknown or empty; duration(ms) is "3:45"; upper(x), lower(x);
 /// cut(x, n) is x in at most n columns, pad(x, n) in at least n; json(x). `x | f: y` is `f(x, y)`.
-/// False are: an unknown value, an empty text, false and 0. In text, \n, \t and \\ are a new line, a tab and \.
+/// In text, \n, \t and \\ are a new line, a tab and \.
 #pragma once
 
 #include <functional>
@@ -25,6 +20,9 @@
 
 namespace ctl
 {
+/// A value within a line: printable, empty when it is unknown.
+std::string Shown(const Json& value);
+
 class Format
 {
 public:
@@ -36,12 +34,16 @@ public:
     /// @return  safe to show, but for control characters of the template itself
     std::string Render(const Json& values) const;
 
-    using Piece = std::function<void(const Json& values, std::string& out)>;
-    using Pieces = std::vector<Piece>;
+    using Value = std::function<Json(const Json& values)>;
+    struct Piece
+    {
+        std::string text;
+        Value value;  ///< shown after the text; null at the end
+    };
 
 private:
-    explicit Format(Pieces pieces) : m_pieces(std::move(pieces)) {}
+    explicit Format(std::vector<Piece> pieces) : m_pieces(std::move(pieces)) {}
 
-    Pieces m_pieces;
+    std::vector<Piece> m_pieces;
 };
 }  // namespace ctl

@@ -1,6 +1,8 @@
 /// @file
-/// How a run of ipodctl ends when it does not end well.
+/// How a run of ipodctl ends when it fails.
 #pragma once
+
+#include <ipodkit/error.h>
 
 #include <stdexcept>
 #include <string>
@@ -38,6 +40,14 @@ private:
     ExitCode m_code;
     std::string m_hint;
 };
+
+inline constexpr char kHintForLost[] = "check whether the service is running, then try again";
+
+/// The end of a run for an error of the kit.
+///
+/// @param refusal  the message when the service answered "false"; null: the error's own. An error reply has a name and
+///                 words of its own, and may mean anything.
+Failure ToFailure(const ipodkit::Error& error, const char* refusal = nullptr);
 
 /// Ends the run because somebody asked for it: nobody needs to be told.
 struct Interrupted

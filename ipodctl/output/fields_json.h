@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "output/hexdump.h"
 #include "output/output.h"
+#include "output/text.h"
 
 namespace ctl
 {

@@ -22,7 +22,7 @@ struct Answer
     ExitCode code = kDone;  ///< what the run ends with
 };
 
-/// Thrown when the reader of the output is gone: nothing is wrong, and nobody is there to be told anything.
+/// Thrown when nobody reads the output any more: this is not an error.
 struct OutputClosed
 {
 };
@@ -103,4 +103,21 @@ private:
 
 /// A JSON value on one line, safe to show: invalid UTF-8 replaced, unsafe characters escaped.
 std::string Dump(const Json& json);
+
+/// A local time.
+struct Moment
+{
+    std::string full;   ///< "2026-11-21T10:12:42.123+01:00"
+    std::string clock;  ///< "10:12:42.123"
+
+    static Moment Now();
+};
+
+constexpr char kServiceIsThere[] = "the iPod service is there; following its events";
+constexpr char kServiceLeft[] = "the iPod service left the bus; waiting for it to come back";
+
+/// For people on standard error; for programs a line of the same kind as the events.
+///
+/// @param line  whether programs read lines of JSON
+void TellOfService(Output& out, bool line, const char* state, const std::string& what);
 }  // namespace ctl

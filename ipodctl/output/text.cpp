@@ -3,7 +3,10 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <numeric>
 
 namespace ctl
 {
@@ -168,5 +171,143 @@ std::optional<SeekTarget> ParseSeek(std::string_view text)
     const std::optional<long> seconds = SecondsIn(text);
     if (!seconds || *seconds > G_MAXINT / 1000) return std::nullopt;
     return SeekTarget{relative, static_cast<int>(back ? -*seconds : *seconds)};
+}
+
+namespace
+{
+constexpr int kGap = 2;
+constexpr int kNarrowestColumn = 8;
+
+using Row = std::vector<std::string>;
+
+std::vector<int> Widths(const std::vector<Row>& rows)
+{
+    std::vector<int> widths;
+    for (const Row& row : rows)
+    {
+        widths.resize(std::max(widths.size(), row.size()), 0);
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+    }
+    return widths;
+}
+
+// Narrows the widest column until the line fits, or until nothing sensible would be left of it.
+void Fit(std::vector<int>& widths, int width)
+{
+    if (widths.empty()) return;
+    for (;;)
+    {
+        const int total = std::accumulate(widths.begin(), widths.end(), static_cast<int>(widths.size() - 1) * kGap);
+        int& widest = *std::max_element(widths.begin(), widths.end());
+        if (total <= width || widest <= kNarrowestColumn) return;
+        --widest;
+    }
+}
+
+std::string RowText(const Row& row, const std::vector<int>& widths)
+{
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i)
+        line += Pad(Cut(row[i], widths[i]), widths[i]) + std::string(kGap, ' ');
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+}  // namespace
+
+std::string Table(const std::vector<Row>& rows, int width)
+{
+    std::vector<int> widths = Widths(rows);
+    Fit(widths, width);
+    std::string text;
+    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, widths);
+    return text;
+}
+
+std::string Unaligned(const std::vector<Row>& rows)
+{
+    std::string text;
+    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, Widths({row}));
+    return text;
+}
+
+namespace
+{
+constexpr int kNarrowestBar = 4;
+constexpr int kWidestBar = 42;
+
+std::string Repeated(const char* symbol, int times)
+{
+    std::string text;
+    for (int i = 0; i < times; ++i) text += symbol;
+    return text;
+}
+
+// In half columns, because the line has a symbol for half of one.
+std::string LineBar(int position, int length, int width)
+{
+    if (length <= 0) return Repeated("─", width);
+    const auto halves = static_cast<int>(std::int64_t{std::clamp(position, 0, length)} * 2 * width / length);
+    const int full = halves / 2;
+    const int half = halves % 2;
+    return Repeated("━", full) + Repeated("╸", half) + Repeated("─", width - full - half);
+}
+}  // namespace
+
+std::string ProgressBar(int position, int length, int width, bool utf8)
+{
+    const int fitting = std::clamp(width, kNarrowestBar, kWidestBar);
+    return utf8 ? LineBar(position, length, fitting) : Bar(position, length, fitting);
+}
+
+namespace
+{
+constexpr std::size_t kPerLine = 16;
+constexpr std::size_t kHalf = kPerLine / 2;
+
+std::string Digits(std::string_view bytes)
+{
+    std::string text;
+    char digits[4];
+    for (std::size_t i = 0; i < kPerLine; ++i)
+    {
+        const bool there = i < bytes.size();
+        if (there) std::snprintf(digits, sizeof(digits), " %02x", static_cast<unsigned char>(bytes[i]));
+        text += (i == kHalf ? " " : "") + std::string(there ? digits : "   ");
+    }
+    return text;
+}
+
+std::string Characters(std::string_view bytes)
+{
+    std::string text(bytes);
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '.');
+    return text;
+}
+}  // namespace
+
+std::string Hex(std::string_view bytes)
+{
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (const char byte : bytes)
+    {
+        text += kDigits[static_cast<unsigned char>(byte) >> 4];
+        text += kDigits[static_cast<unsigned char>(byte) & 15];
+    }
+    return text;
+}
+
+std::string Hexdump(std::string_view bytes)
+{
+    std::string text;
+    char place[24];
+    for (std::size_t at = 0; at < bytes.size(); at += kPerLine)
+    {
+        const std::string_view part = bytes.substr(at, kPerLine);
+        std::snprintf(place, sizeof(place), "%08zx", at);
+        text += (at == 0 ? "" : "\n") + std::string(place) + " " + Digits(part) + "  |" + Characters(part) + "|";
+    }
+    return text;
 }
 }  // namespace ctl

@@ -1,6 +1,5 @@
 /// @file
-/// Text for a terminal: what may be shown, how wide it is, how times and bars are written.
-/// Pure functions; any thread may call them. All text is UTF-8, and none depends on the locale.
+/// Text for people: what a terminal can show, in columns, tables, bars and dumps.
 #pragma once
 
 #include <chrono>
@@ -8,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ctl
 {
@@ -56,4 +56,22 @@ struct SeekTarget
 
 /// "90", "1:30", "1:02:03", "+10", "-1:30".
 std::optional<SeekTarget> ParseSeek(std::string_view text);
+
+/// One line per row, cells two blanks apart, nothing after the last visible character. Printable text only.
+/// Lines longer than @p width columns are cut in their widest column.
+std::string Table(const std::vector<std::vector<std::string>>& rows, int width);
+
+/// The same cells without alignment, for pipes: one long name would pad every line to its length.
+std::string Unaligned(const std::vector<std::vector<std::string>>& rows);
+
+/// Of at most @p width columns, and never wider than looks well: "[====>    ]", or with @p utf8 "━━━━━╸────".
+/// The length is not known when it is 0 or below: dashes.
+std::string ProgressBar(int position, int length, int width, bool utf8);
+
+/// "0a1b".
+std::string Hex(std::string_view bytes);
+
+/// Sixteen bytes a line: where they begin, each as two digits, and as characters; "." for what is none of ASCII's.
+/// Empty for no bytes; without a new line at its end.
+std::string Hexdump(std::string_view bytes);
 }  // namespace ctl

@@ -11,7 +11,7 @@ bool IsAt(std::string_view image, std::size_t offset, std::string_view bytes)
     return image.size() >= offset + bytes.size() && image.substr(offset, bytes.size()) == bytes;
 }
 
-std::string_view Text(const std::vector<unsigned char>& image)
+std::string_view TextOf(const std::vector<unsigned char>& image)
 {
     return {reinterpret_cast<const char*>(image.data()), image.size()};
 }
@@ -61,8 +61,8 @@ const char* Extension(ipodkit::PictureType type)
 
 bool IsWhole(ipodkit::PictureType type, const std::vector<unsigned char>& image)
 {
-    if (type == ipodkit::PictureType::Png) return HasPngEnd(Text(image));
-    return type != ipodkit::PictureType::Jpeg || HasJpegEnd(Text(image));
+    if (type == ipodkit::PictureType::Png) return HasPngEnd(TextOf(image));
+    return type != ipodkit::PictureType::Jpeg || HasJpegEnd(TextOf(image));
 }
 
 bool IsSize(std::uint32_t width, std::uint32_t height)

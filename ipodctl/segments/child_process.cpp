@@ -13,10 +13,10 @@ namespace
 {
 using End = ChildOutcome::End;
 
-constexpr int kPatience = 3000;  // milliseconds
+constexpr int kChildPatience = 3000;  // milliseconds
 constexpr std::size_t kMostText = std::size_t{64} << 20;
 
-bool WriteAll(int output, const std::string& text)
+bool WriteOut(int output, const std::string& text)
 {
     for (std::size_t done = 0; done < text.size();)
     {
@@ -34,7 +34,7 @@ std::string ReadUntilEnd(int input, bool& hung)
     char block[65536];
     for (pollfd ready{input, POLLIN, 0};;)
     {
-        hung = poll(&ready, 1, kPatience) <= 0 || text.size() > kMostText;
+        hung = poll(&ready, 1, kChildPatience) <= 0 || text.size() > kMostText;
         const ssize_t count = hung ? 0 : read(input, block, sizeof(block));
         if (count <= 0) return text;
         text.append(block, static_cast<std::size_t>(count));
@@ -57,7 +57,7 @@ ChildOutcome RunInChild(const std::function<std::string()>& work)
     int ends[2];
     if (pipe(ends) != 0) return {End::NotStarted, ""};
     const pid_t child = fork();
-    if (child == 0) _exit(WriteAll(ends[1], work()) ? 0 : 1);
+    if (child == 0) _exit(WriteOut(ends[1], work()) ? 0 : 1);
     close(ends[1]);
     bool hung = false;
     std::string text = child < 0 ? std::string() : ReadUntilEnd(ends[0], hung);

@@ -69,4 +69,24 @@ private:
     std::exception_ptr m_thrown;
     std::vector<guint> m_sources;
 };
+
+/// From construction to destruction, the request to suspend arrives on a descriptor instead of suspending. To be
+/// constructed before any other thread is, because they inherit that.
+class SuspendSignal
+{
+public:
+    SuspendSignal();
+    ~SuspendSignal();
+    SuspendSignal(const SuspendSignal&) = delete;
+    SuspendSignal& operator=(const SuspendSignal&) = delete;
+
+    /// Readable when it was requested.
+    int Descriptor() const { return m_descriptor; }
+
+    /// Suspends the program, as requested; returns when it goes on.
+    void Obey() const;
+
+private:
+    int m_descriptor;
+};
 }  // namespace ctl

@@ -1,10 +1,11 @@
 #include "session/session.h"
 
-#include <algorithm>
+#include <QBXLog.h>
+
 #include <string>
 
 #include "output/failure.h"
-#include "session/bus_daemon.h"
+#include "session/bus.h"
 
 namespace ctl
 {
@@ -13,32 +14,26 @@ namespace
 // Beyond the deadline of each answer: a creator of shared memory, or a lock of a dead process.
 constexpr double kPatience = 12;
 
-// The bus answers in place of a service that is gone; everything else with a name is the service's own answer.
-bool IsAnswerOfService(const std::string& reason)
+// In place of the log that the application of a head unit sets up. QBX_LOG has done so before main().
+void SetLoggingUp(bool verbose)
 {
-    constexpr const char* kOfTheBus[] = {"ServiceUnknown", "NameHasNoOwner", "NoReply", "Timeout", "Disconnected"};
-    if (reason.rfind("GDBus.Error:", 0) != 0) return false;
-    return std::none_of(std::begin(kOfTheBus), std::end(kOfTheBus),
-                        [&](const char* name) {
-                            return reason.rfind(std::string("GDBus.Error:org.freedesktop.DBus.Error.") + name, 0) == 0;
-                        });
-}
-
-// In the words of GLib, which compares the type of each answer with the contract.
-bool IsBrokenAnswer(const std::string& reason)
-{
-    return reason.find(" returned type ") != std::string::npos;
+    if (verbose || liblog_category == nullptr) QBX_LogInit(verbose ? "DEBUG" : "ERROR:/dev/null");
 }
 
 // Whether it got there; what stands in the way ends the run.
 bool IsReady(const ipodkit::Connection& connection)
 {
     if (connection.phase == ipodkit::Phase::Lost)
-        throw Failure(kServiceLost, "the iPod service went away; see whether it runs, then try again");
+        throw Failure(kServiceLost, "the iPod service went away", kHintForLost);
     if (connection.error) throw ToFailure(*connection.error);
     return connection.phase == ipodkit::Phase::Ready;
 }
 }  // namespace
+
+Session::Session(const Settings& settings) : m_settings(settings)
+{
+    SetLoggingUp(settings.verbose);
+}
 
 Session::~Session()
 {
@@ -97,20 +92,9 @@ void Session::AwaitReady()
     };
     const ipodkit::Subscription watch = Kit().OnConnection("ipodctl", judge);
     const Ending ending = loop.Run(m_settings.deadline + kPatience);
-    FlushLog();
     if (ending == Ending::Interrupted) throw Interrupted{};
     if (ending == Ending::TimedOut)
-        throw Failure(kServiceLost, "the iPod service did not answer in time; see whether it hangs");
-}
-
-IQBXIpodPlayer& Session::Player()
-{
-    Ready();
-    IQBXIpodPlayer& player = *QBX_GetIpodPlayer();
-    if (!m_initialised && !player.InitInstance())
-        throw Failure(kServiceLost, "the iPod service went away; see whether it runs, then try again");
-    m_initialised = true;
-    return player;
+        throw Failure(kServiceLost, "the iPod service did not answer in time", "check whether it hangs");
 }
 
 // Lists of a service that is gone are cancelled by the companion as those that became others; people want to know why.
@@ -119,37 +103,24 @@ ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
     const bool lost = m_kit != nullptr && m_kit->Connection().phase == ipodkit::Phase::Lost;
     if (!lost) return error;
     const bool cancelled = error.kind == ipodkit::ErrorKind::Cancelled;
-    return {ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus while it was asked" : error.reason};
+    return {ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus before it answered" : error.reason};
 }
 
 // The bus may know how to start the service.
 void Session::StartService()
 {
     if (IsServiceThere()) return;
-    GVariant* const reply = AskBus(Bus(), "StartServiceByName", g_variant_new("(su)", kServiceName, 0U));
-    if (reply == nullptr)
+    if (AskBus(Bus(), "StartServiceByName", g_variant_new("(su)", kServiceName, 0U)) == nullptr)
         throw Failure(kNoService, std::string("no iPod service on the bus: nobody owns ") + kServiceName +
                                       "; start the service, or ipod-simulator");
-    g_variant_unref(reply);
 }
 
 bool Session::IsServiceThere()
 {
-    GVariant* const reply = AskBus(Bus(), "NameHasOwner", g_variant_new("(s)", kServiceName));
+    const VariantPtr reply = AskBus(Bus(), "NameHasOwner", g_variant_new("(s)", kServiceName));
     if (reply == nullptr) return false;
     gboolean owned = FALSE;
-    g_variant_get(reply, "(b)", &owned);
-    g_variant_unref(reply);
+    g_variant_get(reply.get(), "(b)", &owned);
     return owned == TRUE;
-}
-
-void Session::CheckCall()
-{
-    const std::string reason = m_log.TakeFailure();
-    if (!reason.empty() && IsAnswerOfService(reason)) throw Failure(kNothingDone, "the service refused: " + reason);
-    if (IsBrokenAnswer(reason)) throw Failure(kServiceLost, "the iPod service sent a broken answer: " + reason);
-    if (reason.empty() && (m_log.readable() || IsServiceThere())) return;
-    const std::string what = IsServiceThere() ? "the iPod service did not answer" : "the iPod service went away";
-    throw Failure(kServiceLost, what + (reason.empty() ? "" : ": " + reason) + "; see whether it runs, then try again");
 }
 }  // namespace ctl

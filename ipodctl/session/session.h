@@ -3,17 +3,17 @@
 /// code; then the companion's session, and calls whose failure ends the run.
 #pragma once
 
-#include <IQBXIpodPlayer.h>
 #include <gio/gio.h>
 #include <ipodkit/session.h>
 
 #include <algorithm>
-#include <functional>
+#include <memory>
+#include <optional>
 #include <type_traits>
 
-#include "session/library_log.h"
+#include "output/failure.h"
+#include "output/output.h"
 #include "session/loop.h"
-#include "session/service_error.h"
 
 namespace ctl
 {
@@ -26,8 +26,8 @@ struct Settings
 class Session
 {
 public:
-    /// Connects to nothing yet: the first use does, so that a wrong argument is told without a service.
-    explicit Session(const Settings& settings) : m_settings(settings), m_log(settings.verbose) {}
+    /// Connects to nothing yet: the first use does, so that wrong arguments are reported without a service.
+    explicit Session(const Settings& settings);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -40,16 +40,6 @@ public:
     T Ask(ipodkit::Request<T> request, const char* refusal = nullptr)
     {
         return Taken(std::move(request).Wait(), refusal);
-    }
-
-    /// Makes one call of the core's player, `call(player)`, and hands its result over.
-    /// @throws Failure  when the call failed: its value would mean nothing
-    template <class Call, class T = std::invoke_result_t<Call, IQBXIpodPlayer&>>
-    T Ask(Call call)
-    {
-        T result = call(Player());
-        CheckCall();
-        return result;
     }
 
     /// Starts a request that the companion completes in the main loop, and waits for it.
@@ -69,7 +59,6 @@ public:
                 loop.Finish();
             });
         if (!*result && loop.Run(0) == Ending::Interrupted) throw Interrupted{};
-        FlushLog();
         return **result;
     }
 
@@ -78,7 +67,6 @@ public:
     template <class T>
     T Taken(ipodkit::Result<T> result, const char* refusal = nullptr)
     {
-        FlushLog();
         if (!result) throw ToFailure(AsLost(result.error()), refusal);
         if constexpr (!std::is_void_v<T>) return std::move(*result);
     }
@@ -98,32 +86,27 @@ public:
     /// @throws Failure  when it does not come to that
     ipodkit::Session& Ready();
 
-    /// The core's player, connected.
-    /// @throws Failure  with the code that says why there is none
-    IQBXIpodPlayer& Player();
-
     /// How long an answer may take, in milliseconds.
     int Deadline() const { return std::max(1, static_cast<int>(m_settings.deadline * 1000)); }
 
     /// The session bus that the library uses.
     GDBusConnection* Bus();
 
-    /// Passes on what the library has logged meanwhile.
-    void FlushLog() { m_log.TakeFailure(); }
-
 private:
-    // Looks at the log after a call, before its value is used.
-    void CheckCall();
     bool IsServiceThere();
     void StartService();
     void AwaitReady();
     ipodkit::Error AsLost(const ipodkit::Error& error) const;
 
     Settings m_settings;
-    LibraryLog m_log;
     GDBusConnection* m_bus = nullptr;
     std::unique_ptr<ipodkit::Session> m_kit;
     bool m_ready = false;
-    bool m_initialised = false;
+};
+
+struct Context
+{
+    Session& session;
+    Output& out;
 };
 }  // namespace ctl

@@ -3,8 +3,7 @@
 #include "output/file.h"
 #include "output/text.h"
 #include "picture/picture.h"
-#include "player/playing.h"
-#include "player/track.h"
+#include "player/player.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -13,56 +12,43 @@ namespace
 {
 [[noreturn]] void RefuseNoPicture(Session& session)
 {
-    const bool has = RequireTrack(session).track.HasArtwork();
-    throw Failure(kNothingDone, has ? "the playing track has a picture, but the service did not hand it over"
+    const bool has = RequireTrack(*session.Ready().State()).track.HasArtwork();
+    throw Failure(kNothingDone, has ? "the playing track has artwork, but the service did not deliver it"
                                     : "the playing track has no picture");
 }
 
-[[noreturn]] void RefuseBroken(const std::string& why)
+ipodkit::ArtworkChanged ReadArtwork(Session& session)
 {
-    throw Failure(kServiceLost, "the iPod service sent a broken answer: " + why);
-}
-
-// The core's call, because its answer includes what the service reports about the artwork.
-QBXTrackArtwork ReadArtwork(Session& session)
-{
-    QBXTrackArtwork artwork = session.Ask([](IQBXIpodPlayer& player) { return player.GetPlayingTrackAlbumArtwork(); });
-    if (artwork.word1 != 0 || artwork.image.empty()) RefuseNoPicture(session);
-    // An answer of another type leaves the record empty, and in the shared memory there is earlier artwork.
-    if (artwork.word2 == 0) RefuseBroken("its artwork record is empty");
+    ipodkit::ArtworkChanged artwork = session.Ask(session.Ready().Commands().Artwork());
+    if (artwork.picture == nullptr) RefuseNoPicture(session);
     return artwork;
 }
 
 void CheckWhole(const ipodkit::Picture& picture)
 {
     if (!IsWhole(picture.type, picture.bytes))
-        RefuseBroken("the image has no end after " + Count(static_cast<int>(picture.bytes.size()), "byte", "bytes"));
+        throw ToFailure({ipodkit::ErrorKind::BadReply,
+                         "the image has no end after " + Count(static_cast<int>(picture.Size()), "byte", "bytes")});
 }
 
-Answer WriteOut(Output& out, const QBXTrackArtwork& artwork)
+Answer WriteOut(Output& out, const std::vector<unsigned char>& image)
 {
-    if (out.terminal()) throw Failure(kUsage, "a picture does not go to a terminal; redirect it, or give a file");
-    out.Raw(artwork.image.data(), artwork.image.size());
+    if (out.terminal()) throw Failure(kUsage, "an image is not printed on a terminal; redirect it, or give a file");
+    out.Raw(image.data(), image.size());
     return {};
-}
-
-ipodkit::ArtworkChanged Examined(const QBXTrackArtwork& artwork)
-{
-    return {true, std::make_shared<const ipodkit::Picture>(ipodkit::Examine(artwork.image)), artwork.word2,
-            artwork.word3, artwork.word4};
 }
 
 Answer Save(Context& context, const std::string& file)
 {
-    const QBXTrackArtwork artwork = ReadArtwork(context.session);
-    const ipodkit::ArtworkChanged examined = Examined(artwork);
-    CheckWhole(*examined.picture);
-    if (file == "-") return WriteOut(context.out, artwork);
-    const std::string path = FileIn(file, "artwork", Extension(examined.picture->type));
-    WriteFile(path, artwork.image);
+    const ipodkit::ArtworkChanged artwork = ReadArtwork(context.session);
+    const ipodkit::Picture& picture = *artwork.picture;
+    CheckWhole(picture);
+    if (file == "-") return WriteOut(context.out, picture.bytes);
+    const std::string path = FileIn(file, "artwork", Extension(picture.type));
+    WriteFile(path, picture.bytes);
     Json json{{"verb", "art"}, {"file", path}};
-    json.update(ToJson(examined));
-    return {json, Printable(path) + ": " + ArtworkLine(examined)};
+    json.update(ToJson(artwork));
+    return {json, Printable(path) + ": " + ArtworkLine(artwork)};
 }
 
 Run BuildArt(CLI::App& app)

@@ -1,9 +1,9 @@
-// How long the commands of the library take.
+// How long the requests of the kit take, which are the commands of the service.
 #include <chrono>
 #include <cstdio>
 
-#include "output/table.h"
 #include "output/text.h"
+#include "player/lists.h"
 #include "verbs/latency.h"
 #include "verbs/verbs.h"
 
@@ -11,65 +11,45 @@ namespace ctl
 {
 namespace
 {
-using Names = std::vector<std::string>;
-
 struct Command
 {
     const char* name;
     bool isPage;  ///< fills a vector that other applications read too
-    void (*call)(IQBXIpodPlayer& player);
+    void (*call)(Session& session);
 };
 
-template <int (IQBXIpodPlayer::*page)(int, int, Names&, int&, int&)>
-void ReadPage(IQBXIpodPlayer& player)
+template <auto request>
+void SendRequest(Session& session)
 {
-    Names names;
-    int folder = 0;
-    int root = 0;
-    (player.*page)(0, 0, names, folder, root);
+    session.Ask((session.Commands().*request)());
+}
+
+// The first entry, after the size of the list.
+template <ipodkit::ListKind kind>
+void ReadPage(Session& session)
+{
+    List(session, kind, 1).Names(0, 1, "the service has no page of the list");
 }
 
 // Those that change nothing, in the order of the interface.
-const std::vector<Command>& Commands()
-{
-    using Player = IQBXIpodPlayer;
-    static const std::vector<Command> commands = {
-        {"GetCurrentMediaInfo", false, [](Player& player) { player.GetCurrentMediaInfo(); }},
-        {"GetPlayPosition", false,
-         [](Player& player)
-         {
-             int position = 0;
-             int length = 0;
-             player.GetPlayPosition(position, length);
-         }},
-        {"GetPlayStatus", false, [](Player& player) { player.GetPlayStatus(); }},
-        {"GetShuffleMode", false, [](Player& player) { player.GetShuffleMode(); }},
-        {"GetRepeatMode", false, [](Player& player) { player.GetRepeatMode(); }},
-        {"GetPlayingTrackIdx", false, [](Player& player) { player.GetPlayingTrackIdx(); }},
-        {"GetPlayingListItemsAmount", false, [](Player& player) { player.GetPlayingListItemsAmount(); }},
-        {"GetCurDBListItemsAmount", false, [](Player& player) { player.GetCurDBListItemsAmount(0); }},
-        {"IsiPodInDBRoot", false, [](Player& player) { player.IsiPodInDBRoot(); }},
-        {"GetDeviceAmount", false, [](Player& player) { player.GetDeviceAmount(); }},
-        {"GetCarplayDeviceDetectStatus", false,
-         [](Player& player)
-         {
-             auto status = APPLE_DEVICE_NOT_DETECTED;
-             std::string serial;
-             player.GetCarplayDeviceDetectStatus(status, serial);
-         }},
-        {"GetCarlifeDeviceDetectStatus", false, [](Player& player) { player.GetCarlifeDeviceDetectStatus(); }},
-        {"GetPlayingTrackAlbumArtwork", true, [](Player& player) { player.GetPlayingTrackAlbumArtwork(); }},
-        {"GetCurDBListItems", true, ReadPage<&IQBXIpodPlayer::GetCurDBListItems>},
-        {"GetCurDBListItemsPinyin", true, ReadPage<&IQBXIpodPlayer::GetCurDBListItemsPinyin>},
-        {"GetDeviceList", true,
-         [](Player& player)
-         {
-             Names names;
-             player.GetDeviceList(names);
-         }},
-    };
-    return commands;
-}
+constexpr Command kCommands[] = {
+    {"GetCurrentMediaInfo", false, SendRequest<&ipodkit::Commands::CurrentTrack>},
+    {"GetPlayPosition", false, SendRequest<&ipodkit::Commands::Position>},
+    {"GetPlayStatus", false, SendRequest<&ipodkit::Commands::PlayStatus>},
+    {"GetShuffleMode", false, SendRequest<&ipodkit::Commands::Shuffle>},
+    {"GetRepeatMode", false, SendRequest<&ipodkit::Commands::Repeat>},
+    {"GetPlayingTrackIdx", false, SendRequest<&ipodkit::Commands::PlayingIndex>},
+    {"GetPlayingListItemsAmount", false, SendRequest<&ipodkit::Commands::PlayingCount>},
+    {"GetCurDBListItemsAmount", false, [](Session& session) { session.Ask(session.Commands().DatabaseCount()); }},
+    {"IsiPodInDBRoot", false, SendRequest<&ipodkit::Commands::AtRoot>},
+    {"GetDeviceAmount", false, SendRequest<&ipodkit::Commands::DeviceCount>},
+    {"GetCarplayDeviceDetectStatus", false, SendRequest<&ipodkit::Commands::CarPlayStatus>},
+    {"GetCarlifeDeviceDetectStatus", false, SendRequest<&ipodkit::Commands::CarLifeStatus>},
+    {"GetPlayingTrackAlbumArtwork", true, SendRequest<&ipodkit::Commands::Artwork>},
+    {"GetCurDBListItemsAmount, GetCurDBListItems", true, ReadPage<ipodkit::ListKind::Database>},
+    {"GetCurDBListItemsAmount, GetCurDBListItemsPinyin", true, ReadPage<ipodkit::ListKind::DatabasePinyin>},
+    {"GetDeviceAmount, GetDeviceList", true, ReadPage<ipodkit::ListKind::Devices>},
+};
 
 struct Request
 {
@@ -77,24 +57,16 @@ struct Request
     bool pages = false;
 };
 
-double Microseconds(std::chrono::steady_clock::duration duration)
-{
-    return std::chrono::duration<double, std::micro>(duration).count();
-}
-
 // A failed call ends the run: its time would say nothing.
 Latency Measure(Session& session, const Command& command, int count)
 {
-    std::vector<double> times;
-    times.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        times.push_back(session.Ask(
-            [&command](IQBXIpodPlayer& player)
-            {
-                const auto begin = std::chrono::steady_clock::now();
-                command.call(player);
-                return Microseconds(std::chrono::steady_clock::now() - begin);
-            }));
+    std::vector<double> times(static_cast<std::size_t>(count));
+    for (double& time : times)
+    {
+        const auto begin = std::chrono::steady_clock::now();
+        command.call(session);
+        time = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin).count();
+    }
     return Summarise(times);
 }
 
@@ -115,7 +87,8 @@ Answer Bench(Context& context, const Request& request)
 {
     Json json{{"verb", "bench"}, {"calls", request.count}, {"commands", Json::array()}};
     std::vector<std::vector<std::string>> rows{{"command", "     least", "       p50", "       p99", "      most"}};
-    for (const Command& command : Commands())
+    context.session.Ready();
+    for (const Command& command : kCommands)
     {
         if (command.isPage && !request.pages) continue;
         const Latency latency = Measure(context.session, command, request.count);

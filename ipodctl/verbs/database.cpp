@@ -1,8 +1,12 @@
 // Walking through the music database.
+#include <ipodnames/jump_index.h>
+
+#include <algorithm>
 #include <climits>
+#include <map>
 
 #include "output/text.h"
-#include "player/level.h"
+#include "player/lists.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -106,5 +110,166 @@ std::vector<Verb> BrowseVerbs()
     return {{"cd", "Change the current level, which all clients share",
              "ipodctl cd 2\nipodctl cd Artists\nipodctl cd ..\nipodctl cd /Artists/周杰伦\nipodctl cd ./1989",
              BuildCd}};
+}
+
+namespace
+{
+constexpr int kUsualCount = 50;
+
+struct Listing
+{
+    int from = 0;
+    int count = kUsualCount;
+    bool all = false;
+    bool index = false;
+    bool names = false;
+    Pinyin pinyin = Pinyin::WhereItDiffers;
+};
+
+Json EntryJson(const Entry& entry)
+{
+    Json json{{"index", entry.index}, {"name", entry.name}};
+    if (!entry.pinyin.empty()) json["pinyin"] = entry.pinyin;
+    return json;
+}
+
+Json LevelJson(const Page& page)
+{
+    return {{"verb", "ls"}, {"root", page.root}, {"folder", page.folder}, {"count", page.amount}};
+}
+
+Json PageJson(const Page& page)
+{
+    Json entries = Json::array();
+    for (const Entry& entry : page.entries) entries.push_back(EntryJson(entry));
+    Json json = LevelJson(page);
+    json["entries"] = entries;
+    return json;
+}
+
+std::string PageText(const Page& page, const Output& out)
+{
+    const int digits = out.terminal() ? Width(std::to_string(page.amount)) : 0;
+    std::vector<std::vector<std::string>> rows;
+    for (const Entry& entry : page.entries)
+        rows.push_back({PadLeft(std::to_string(entry.index), digits), Printable(entry.name) + (page.folder ? "/" : ""),
+                        Printable(entry.pinyin)});
+    return out.terminal() ? Table(rows, out.width()) : Unaligned(rows);
+}
+
+std::string NamesText(const Page& page)
+{
+    std::string text;
+    for (const Entry& entry : page.entries) text += (text.empty() ? "" : "\n") + Printable(entry.name);
+    return text;
+}
+
+// Only for people: in a pipe there is one line per entry and nothing else.
+std::string Summary(const Page& page, const Output& out)
+{
+    if (!out.terminal()) return {};
+    const int shown = static_cast<int>(page.entries.size());
+    std::string text = page.root ? "root, " : "";
+    text += Count(page.amount, page.folder ? "folder" : "song", page.folder ? "folders" : "songs");
+    if (shown < page.amount)
+        text += ", " + std::to_string(shown) + " shown; --from N, --count N or --all for the others";
+    return (shown > 0 ? "\n" : "") + out.Paint(Colour::Dim, Cut(text, out.width()));
+}
+
+Page ReadListing(Session& session, const Listing& listing)
+{
+    const Pinyin pinyin = listing.index ? Pinyin::Always : listing.names ? Pinyin::None : listing.pinyin;
+    const bool whole = listing.all || listing.index;
+    Page page =
+        whole ? ReadLevel(session, 0, INT_MAX, pinyin) : ReadLevel(session, listing.from, listing.count, pinyin);
+    if (listing.from > 0 && !whole) CheckIndex(listing.from, page.amount, "the current level");
+    return page;
+}
+
+// Where the names of a letter begin in the list as the service sorts it, hence by its pinyin where it has any.
+struct Letter
+{
+    std::string label;
+    int first;
+    int count;
+};
+
+std::vector<Letter> Letters(const Page& page)
+{
+    std::vector<std::string> names;
+    ipodnames::JumpIndexOptions options;
+    for (const Entry& entry : page.entries)
+    {
+        names.push_back(entry.name);
+        options.readings.push_back(entry.pinyin);
+    }
+    const ipodnames::JumpIndex index(names, options);
+    std::vector<Letter> letters;
+    for (std::size_t i = 0; i < index.Sections().size(); ++i)
+    {
+        const bool last = i + 1 == index.Sections().size();
+        const int begin = index.Sections()[i].position;
+        const int end = last ? static_cast<int>(index.Size()) : index.Sections()[i + 1].position;
+        const auto found = std::min_element(index.Order().begin() + begin, index.Order().begin() + end);
+        letters.push_back({index.Sections()[i].label, *found, end - begin});
+    }
+    std::sort(letters.begin(), letters.end(), [](const Letter& a, const Letter& b) { return a.first < b.first; });
+    return letters;
+}
+
+Answer ShowLetters(Context& context, const Page& page)
+{
+    Json json = LevelJson(page);
+    json["letters"] = Json::array();
+    std::vector<std::vector<std::string>> rows;
+    const int digits = Width(std::to_string(page.amount));
+    for (const Letter& letter : Letters(page))
+    {
+        json["letters"].push_back({{"label", letter.label}, {"index", letter.first}, {"count", letter.count}});
+        rows.push_back({letter.label, PadLeft(std::to_string(letter.first), digits),
+                        Count(letter.count, "entry", "entries"),
+                        Printable(page.entries[static_cast<std::size_t>(letter.first)].name)});
+    }
+    return {json, Table(rows, context.out.width())};
+}
+
+Answer ShowList(Context& context, const Listing& listing)
+{
+    const Page page = ReadListing(context.session, listing);
+    if (listing.index) return ShowLetters(context, page);
+    if (listing.names) return {PageJson(page), NamesText(page)};
+    return {PageJson(page), PageText(page, context.out) + Summary(page, context.out)};
+}
+
+Run BuildLs(CLI::App& app)
+{
+    const auto listing = Argument<Listing>();
+    auto* const from =
+        app.add_option("--from", listing->from, "Index of the first entry")->type_name("INDEX")->check(WholeNumber(0));
+    auto* const count =
+        app.add_option("--count", listing->count, "Number of entries (default: 50)")->check(WholeNumber(1));
+    app.add_flag("--all", listing->all, "List the whole level")->excludes(from)->excludes(count);
+    auto* const pinyin = app.add_flag_callback(
+        "--pinyin", [listing] { listing->pinyin = Pinyin::Always; }, "Print pinyin even where it equals the name");
+    app.add_flag_callback(
+           "--no-pinyin", [listing] { listing->pinyin = Pinyin::None; },
+           "Omit pinyin, which halves the number of requests")
+        ->excludes(pinyin);
+    auto* const names =
+        app.add_flag("--names", listing->names, "Print one name per line and nothing else, for scripts");
+    app.add_flag("--index", listing->index, "Print where each letter begins, Chinese names by pinyin")
+        ->excludes(from)
+        ->excludes(count)
+        ->excludes(names);
+    return [listing](Context& context) { return ShowList(context, *listing); };
+}
+}  // namespace
+
+std::vector<Verb> ListVerbs()
+{
+    return {{"ls", "List the current level: index, name, pinyin",
+             "ipodctl ls\nipodctl ls --from 100 --count 20\nipodctl ls --index\nipodctl ls --all --names | fzf\n"
+             "ipodctl ls --all --json | jq -r '.entries[].name'",
+             BuildLs}};
 }
 }  // namespace ctl

@@ -1,10 +1,8 @@
 // Devices: those attached, what was detected of them, and their buttons.
 #include <algorithm>
 
-#include "output/table.h"
 #include "output/text.h"
-#include "player/level.h"
-#include "player/list.h"
+#include "player/lists.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -100,7 +98,7 @@ struct Button
 void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 {
     const std::chrono::milliseconds held(pressed == 0 ? button.heldFor : 0);
-    const std::string refusal = "the device did not take button " + std::to_string(button.number);
+    const std::string refusal = "the device rejected button " + std::to_string(button.number);
     session.Ask(session.Commands().PressButton({button.number, pressed, held}), refusal.c_str());
 }
 

@@ -8,12 +8,9 @@
 #include <climits>
 #include <cstdio>
 
-#include "output/table.h"
 #include "output/text.h"
-#include "segments/segment_contents.h"
-#include "segments/segment_probe.h"
-#include "segments/segment_use.h"
-#include "session/bus_daemon.h"
+#include "segments/segments.h"
+#include "session/bus.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -46,9 +43,8 @@ Finding ExamineSegment(const SegmentPlan& plan)
 {
     const SegmentObject object = LookAt(plan.name);
     const std::string remove = Removal(plan);
-    if (!object.exists)
-        return {plan.what, kNothingDone, "not there", "whoever starts first makes it: start the service"};
-    if (!object.isMemory) return {plan.what, kNoSegments, "no shared memory stands under its name", remove};
+    if (!object.exists) return {plan.what, kNothingDone, "missing", "start the service, which creates it"};
+    if (!object.isMemory) return {plan.what, kNoSegments, "its name is not that of shared memory", remove};
     const std::string description = Described(object);
     if (object.owner != geteuid())
         return {plan.what, kNoSegments, description, "run service and applications under one user"};
@@ -62,20 +58,19 @@ Finding ExamineSegment(const SegmentPlan& plan)
                     remove};
     if (object.mode != 0644 || object.size != plan.size)
         return {plan.what, kNothingDone, description,
-                "mode 0644 and " + std::to_string(plan.size) + " bytes are usual"};
+                "mode 0644 and " + std::to_string(plan.size) + " bytes are expected"};
     return {plan.what, kDone,
             description + ", " + std::to_string(plan.lists.size() + plan.buffers.size()) + " vectors, lock free", ""};
 }
 
 bool IsActivatable(GDBusConnection* bus)
 {
-    GVariant* const reply = AskBus(bus, "ListActivatableNames", nullptr);
+    const VariantPtr reply = AskBus(bus, "ListActivatableNames", nullptr);
     if (reply == nullptr) return false;
     const gchar** names = nullptr;
-    g_variant_get(reply, "(^a&s)", &names);
+    g_variant_get(reply.get(), "(^a&s)", &names);
     const bool found = g_strv_contains(names, kServiceName);
     g_free(names);
-    g_variant_unref(reply);
     return found;
 }
 
@@ -97,11 +92,10 @@ std::string WhyNoAnswer(Session& session, ExitCode& code)
 // 0 when the bus does not tell it.
 pid_t ProcessOfService(GDBusConnection* bus)
 {
-    GVariant* const reply = AskBus(bus, "GetConnectionUnixProcessID", g_variant_new("(s)", kServiceName));
+    const VariantPtr reply = AskBus(bus, "GetConnectionUnixProcessID", g_variant_new("(s)", kServiceName));
     if (reply == nullptr) return 0;
     guint32 process = 0;
-    g_variant_get(reply, "(u)", &process);
-    g_variant_unref(reply);
+    g_variant_get(reply.get(), "(u)", &process);
     return static_cast<pid_t>(process);
 }
 
@@ -110,22 +104,20 @@ void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service
 {
     const SegmentUse use = UseBy(service, plan.name, LookAt(plan.name).inode);
     if (finding.code > kNothingDone || use != SegmentUse::Other) return;
-    finding = {
-        plan.what, kNoSegments,
-        "the service (process " + std::to_string(service) + ") uses an object that no longer stands under its name",
-        Removal(plan) + ", start them again"};
+    finding = {plan.what, kNoSegments,
+               "the service (process " + std::to_string(service) + ") uses an object that was removed or replaced",
+               Removal(plan) + ", start them again"};
 }
 
 Finding ExamineService(Session& session, GDBusConnection* bus)
 {
-    GVariant* const reply = AskBus(bus, "GetNameOwner", g_variant_new("(s)", kServiceName));
+    const VariantPtr reply = AskBus(bus, "GetNameOwner", g_variant_new("(s)", kServiceName));
     if (reply == nullptr)
         return {"service", kNoService, std::string("nobody owns ") + kServiceName,
                 "start the service, or ipod-simulator"};
     const gchar* name = nullptr;
-    g_variant_get(reply, "(&s)", &name);
+    g_variant_get(reply.get(), "(&s)", &name);
     const std::string owner = std::string(kServiceName) + " is owned by " + name;
-    g_variant_unref(reply);
     ExitCode code = kDone;
     const std::string why = WhyNoAnswer(session, code);
     if (!why.empty()) return {"service", code, owner + ", but " + why, "restart it when it does not recover"};

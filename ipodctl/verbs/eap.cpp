@@ -1,4 +1,5 @@
 // Accessory sessions: talking to the companion app on the device.
+#include <cstdint>
 #include <cstring>
 
 #include "accessory/bridge.h"
@@ -18,64 +19,25 @@ constexpr int kLastSession = 65535;
 
 using Bytes = ipodkit::Bytes;
 
-// Whoever is interrupted while the segment grows would leave its lock behind.
-class SignalsHeld
+// In one piece: the app on the device may depend on where a message ends.
+ipodkit::AccessoryOptions InOnePiece()
 {
-public:
-    SignalsHeld()
-    {
-        sigset_t held;
-        sigemptyset(&held);
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, signal);
-        pthread_sigmask(SIG_BLOCK, &held, &m_before);
-    }
-    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsHeld(const SignalsHeld&) = delete;
-    SignalsHeld& operator=(const SignalsHeld&) = delete;
-
-private:
-    sigset_t m_before{};
-};
-
-[[noreturn]] void RefuseToWrite(const Bytes& data, const std::string& why)
-{
-    throw Failure(kNoSegments, "cannot put " + Count(static_cast<int>(data.size()), "byte", "bytes") +
-                                   " into the shared memory: " + why + "; send less at once");
-}
-
-// The library fills the segment to its end before it gives up.
-void CheckRoom(const Bytes& data)
-{
-    const std::size_t room = ipodkit::RoomForAccessoryBytes();
-    if (room != 0 && data.size() > room) RefuseToWrite(data, "it takes " + std::to_string(room) + " at most");
-}
-
-int TryWrite(Session& session, unsigned short number, Bytes& data)
-{
-    session.Player();
-    CheckRoom(data);
-    try
-    {
-        return session.Ask([&](IQBXIpodPlayer& player) { return player.EapWrite(number, data); });
-    }
-    catch (const Failure&)
-    {
-        throw;
-    }
-    catch (const std::exception& error)
-    {
-        RefuseToWrite(data, error.what());
-    }
+    ipodkit::AccessoryOptions options;
+    options.chunk = SIZE_MAX;
+    return options;
 }
 
 void Write(Session& session, unsigned short number, Bytes data)
 {
     const SenderLock lock(session);
-    if (TryWrite(session, number, data) != 1)
+    ipodkit::AccessoryPort port(session.Ready(), InOnePiece());
+    ipodkit::Result<void> sent = session.Await(port.WriteTo(number, std::move(data)));
+    if (!sent && sent.error().kind == ipodkit::ErrorKind::Refused && sent.error().name.empty())
         throw Failure(kNothingDone,
                       "the service rejected the data: session " + std::to_string(number) +
                           " is not open, or the shared memory has no room for an answer",
                       "'ipodctl eap listen' prints sessions, 'ipodctl shm' the free memory");
+    session.Taken(std::move(sent));
 }
 
 Run BuildInit(CLI::App& app)
@@ -161,7 +123,7 @@ struct EchoRequest
 };
 
 // What comes back of a text, at least as many bytes as it has.
-Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
+Bytes Exchange(Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
 {
     Bytes received;
     const auto receive = [&](const ipodkit::Result<Bytes>& data)
@@ -176,7 +138,6 @@ Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, co
     };
     peer.Write(Bytes(request.text.begin(), request.text.end())).Start(sent);
     const Ending ending = loop.Run(request.accessory.seconds);
-    session.FlushLog();
     if (ending == Ending::Interrupted) throw Interrupted{};
     if (ending == Ending::TimedOut) throw Failure(kServiceLost, "no echo came within the time; see --timeout");
     return received;
@@ -189,7 +150,7 @@ Answer Echo(Context& context, const EchoRequest& request)
     Loop loop;
     ipodkit::AccessoryPort port(session.Ready());
     const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);
-    const Bytes received = Exchange(session, loop, *peer, request);
+    const Bytes received = Exchange(loop, *peer, request);
     const std::string echo(received.begin(), received.end());
     if (echo != request.text) throw Failure(kNothingDone, "what came back differs from what was sent: " + echo);
     return {{{"verb", "eap echo"}, {"session", peer->Number()}, {"sent", request.text}, {"received", echo}},

@@ -4,9 +4,8 @@
 #include <algorithm>
 
 #include "output/file.h"
-#include "output/table.h"
 #include "output/text.h"
-#include "session/sim_link.h"
+#include "session/bus.h"
 #include "verbs/command_line.h"
 #include "verbs/help.h"
 #include "verbs/usage.h"

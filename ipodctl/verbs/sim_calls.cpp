@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "output/table.h"
 #include "output/text.h"
-#include "session/sim_link.h"
+#include "session/bus.h"
 #include "verbs/sim.h"
 #include "verbs/usage.h"
 

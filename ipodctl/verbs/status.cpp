@@ -1,14 +1,13 @@
 // What plays, on one screen; and all that is known of the track.
-#include "player/status.h"
+#include "player/player.h"
 
 #include <cstdio>
 
+#include "events/events.h"
+#include "events/format.h"
 #include "output/text.h"
 #include "picture/drawing.h"
-#include "player/playing.h"
-#include "player/reported.h"
 #include "screen/status_screen.h"
-#include "screen/watch.h"
 #include "session/loop.h"
 #include "verbs/verbs.h"
 
@@ -23,6 +22,7 @@ struct Look
     Art art = Art::OnTerminal;
     double listen = 0;
     bool watch = false;
+    std::string format;  ///< a template; empty for the screen
 };
 
 void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
@@ -40,7 +40,7 @@ void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
         ->excludes(always);
 }
 
-// Battery and calls are told by events only.
+// Only events report battery and calls.
 void Listen(Session& session, double seconds)
 {
     if (seconds <= 0) return;
@@ -54,8 +54,23 @@ void Warn(const std::string& text)
     if (!text.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(text).c_str());
 }
 
+// A line with the values that a line of an event may have.
+Answer ShowLine(Context& context, const Look& look)
+{
+    if (context.out.json()) throw Failure(kUsage, "--json cannot be used with --format");
+    const Format format = Format::Parse(look.format, EventFieldNames());
+    Listen(context.session, look.listen);
+    const ipodkit::StatePtr state = context.session.Ready().State();
+    Warn(NotReported(*state));
+    EventFields fields;
+    fields.Reset(*state);
+    context.out.Text(format.Render(fields.OfPlayer()) + "\n");
+    return {};
+}
+
 Answer ShowStatus(Context& context, const Look& look)
 {
+    if (!look.format.empty()) return ShowLine(context, look);
     const auto show = [&](const Status& status) -> Answer
     {
         Json json{{"verb", "status"}};
@@ -81,7 +96,11 @@ Run BuildStatus(CLI::App& app)
     auto* const listen = app.add_option("--listen", look->listen,
                                         "Wait this long for events first: only events report battery and calls");
     listen->check(Seconds());
-    app.add_flag("--watch", look->watch, "Keep printing every change until Ctrl-C")->excludes(listen);
+    auto* const watch = app.add_flag("--watch", look->watch, "Keep printing every change until Ctrl-C");
+    watch->excludes(listen);
+    app.add_option("--format", look->format, "Print one line by a template, as 'ipodctl events' does")
+        ->check(Something())
+        ->excludes(watch);
     return [look](Context& context) { return ShowStatus(context, *look); };
 }
 
@@ -112,7 +131,8 @@ std::vector<Verb> StatusVerbs()
 {
     return {{"status", "Print track, modes, queue, devices, battery, and calls",
              "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
-             "ipodctl status --json | jq -r .track.title",
+             "ipodctl status --json | jq -r .track.title\n"
+             "ipodctl status --format '{{ state }}: {{ title }} {{ duration(position) }}'",
              BuildStatus},
             {"info", "Print all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
 }

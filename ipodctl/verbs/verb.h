@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "session/context.h"
+#include "session/session.h"
 
 namespace ctl
 {

@@ -1,4 +1,4 @@
-#include "events/event_fields.h"
+#include "events/events.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Runs every verb of ipodctl against the simulator, on a bus and in a shared memory of its own."""
 import argparse
+import collections
 import fcntl
 import json
 import os
@@ -146,6 +147,7 @@ class WithoutAService(OnABus):
     def test_forms_that_exclude_each_other_are_usage_errors(self):
         for words, message in ((["art", "-"], "--json cannot be used with '-', which writes the image"),
                                (["events", "--format", "{{ title }}"], "--json cannot be used with --format"),
+                               (["status", "--format", "{{ title }}"], "--json cannot be used with --format"),
                                (["browse"], "--json cannot be used with browse")):
             with self.subTest(words):
                 self.assertEqual(self.json(*words, code=USAGE)["error"]["message"], message)
@@ -458,6 +460,32 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.json("seek", "--", "-5")["position_ms"], 0)
         self.assertIn("long", self.refused("seek", "59:59", code=USAGE))
 
+    def calls_of(self, *words):
+        """The calls of the service that a run makes, by how often it makes them."""
+        self.run_ctl("sim", "calls", "--clear")
+        self.run_ctl(*words)
+        return collections.Counter(call["method"] for call in self.json("sim", "calls")["calls"])
+
+    def test_a_seek_is_one_call_beside_those_that_read_the_state(self):
+        self.play_first_song()
+        state = self.calls_of("info")
+        self.assertEqual(set(state.values()), {1}, state)
+        for words in (["seek", "90"], ["seek", "+10"], ["seek", "0"]):
+            with self.subTest(words):
+                self.assertEqual(self.calls_of(*words) - state, {"Seek": 1})
+
+    def test_the_status_is_the_state_and_a_page_of_the_queue(self):
+        self.play_first_song()
+        state = self.calls_of("info")
+        self.assertEqual(self.calls_of("status") - state, {"GetPlayingListItemsAmount": 1, "GetPlayingListItems": 1})
+
+    def test_a_seek_within_a_paused_track_shows_where_it_led(self):
+        self.play_first_song()
+        self.run_ctl("pause")
+        self.assertEqual(self.json("seek", "75")["position_ms"], 75000)
+        self.assertEqual(self.json("seek", "75")["state"], "paused")
+        self.assertIn(" at 1:00 / ", self.text("seek", "60"))
+
     def test_info_tells_all_of_the_track(self):
         track = self.play_first_song()["track"]
         self.assertEqual(self.json("info")["track"], track)
@@ -466,7 +494,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_refused_audio_source_is_told_and_nothing_plays(self):
         self.run_ctl("cd", "/Songs")
         self.bus.environment["QBX_SOURCE_REFUSE"] = "9"
-        self.assertIn("(code 9)", self.refused("play", "0", code=NOTHING_DONE))
+        self.assertIn("audio-source manager answered 9", self.refused("play", "0", code=NOTHING_DONE))
         self.assertEqual(self.json("status")["state"], "stopped")
 
     # Modes
@@ -636,7 +664,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_artwork_of_the_wrong_type_is_a_broken_answer(self):
         self.play_first_song()
         self.tell("fault", "wrong-type@GetPlayingTrackAlbumArtwork")
-        self.assertIn("sent a broken answer: its artwork record is empty",
+        self.assertIn("sent a broken answer: a record of ",
                       self.refused("art", "cover", code=SERVICE_LOST))
         self.assertEqual(os.listdir(self.folder.name), [])
 
@@ -714,12 +742,17 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_events_take_the_form_of_a_template(self):
         track = self.play_first_song()["track"]
         process = self.follow("events", "battery", "--count", "1", "--format",
-                              '{{ title }}|{{ duration(length) }}|{{ charging | default: "?" }}|'
-                              '{% if percent < 10 %}low{% else %}fine{% end %}')
+                              '{{ title }}|{{ duration(length) }}|{{ charging | default: "?" }}|{{ percent }}')
         self.tell("battery", "5")
         out, _ = process.communicate(timeout=LIMIT)
         minutes, seconds = divmod(track["length_ms"] // 1000, 60)
-        self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|low\n")
+        self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|5\n")
+
+    def test_the_status_takes_the_form_of_a_template_with_the_same_names(self):
+        track = self.play_first_song()["track"]
+        self.assertEqual(self.text("status", "--format", "{{ state }} {{ title }} {{ length }} {{ index }} {{ percent }}."),
+                         f"playing {track['title']} {track['length_ms']} 0 .\n")
+        self.assertRegex(self.text("status", "--format", "{{ clock }}"), r"^\d\d:\d\d:\d\d\.\d{3}\n$")
 
     def test_a_template_that_is_wrong_is_told_with_its_column(self):
         process = self.start("events", "--format", "a {{ b }}")
@@ -920,7 +953,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                       self.refused("eap", "bridge", "--socket", "/nonexistent/socket", code=USAGE))
         with open(os.path.join(self.folder.name, "file"), "w", encoding="utf-8"):
             pass
-        self.assertIn("cannot make the socket 'file': it is there already and is no socket",
+        self.assertIn("cannot make the socket 'file': it exists and is not a socket",
                       self.refused("eap", "bridge", "--socket", "file", code=USAGE))
 
     def test_bytes_that_cannot_be_sent_are_told(self):
@@ -933,9 +966,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
         free = self.free_bytes()
         for size in (3000000, 2000000, 614400):
             refusal = self.refused("eap", "write", "1", data=bytes(size), code=NO_SEGMENTS)
-            self.assertRegex(refusal, rf"cannot put {size} bytes into the shared memory: it takes \d+ at most")
+            self.assertRegex(refusal, rf"shared memory: the write buffer has no room for {size} bytes at once; at most \d+ fit")
             self.assertEqual(self.free_bytes(), free)
-        most = int(re.search(r"takes (\d+) at most", refusal).group(1))
+        most = int(re.search(r"at most (\d+) fit", refusal).group(1))
         self.json("eap", "write", "1", data=bytes(most))
         self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
 
@@ -1146,8 +1179,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("ls")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
-        self.assertEqual(err.decode(), "ipodctl: the iPod service went away: it left the bus while it was asked; "
-                                       "see whether it runs, then try again\n")
+        self.assertEqual(err.decode(), "ipodctl: the iPod service went away: it left the bus before it answered\n"
+                                       "hint: check whether the service is running, then try again\n")
 
     def test_a_bus_that_goes_away_while_events_are_followed_is_told(self):
         process = self.follow("events", "--no-progress")
@@ -1169,7 +1202,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("--verbose", "art", "--json")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual(process.returncode, NOTHING_DONE)
-        self.assertIn(b"INFO  libipod/QBXIpod_MediaPlayer_Client InitInstance", err)
+        self.assertIn(b"DEBUG ipodkit", err)
         self.assertEqual(check(json.loads(out), SCHEMA), [])
 
     def test_verbose_shows_what_every_verb_asks(self):
@@ -1199,7 +1232,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                         written = file.read()
                     os.remove(log)
                 for text, expected in ((written, in_file), (err, on_screen)):
-                    self.assertEqual(b"INFO  libipod/QBXIpod_MediaPlayer_Client InitInstance" in text, expected, text)
+                    self.assertEqual(b"INFO  libipod/QBXIpod_MediaPlayer_Client InitShareMemory" in text, expected, text)
                 self.assertEqual(b"DEBUG ipodkit" in written + err, config.startswith("DEBUG"))
                 self.assertEqual(b"QBX_LOG='/missing/zlog.conf': " in err, config == "/missing/zlog.conf")
                 self.assertEqual(os.listdir(self.folder.name), [])
@@ -1303,10 +1336,10 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         path = "/dev/shm/ListVectorSharedMemory"
         shutil.copyfile(path, path + ".new")
         os.remove(path)
-        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "no longer stands under its name")
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "uses an object that was removed or replaced")
         os.chmod(path + ".new", 0o644)
         os.rename(path + ".new", path)
-        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "no longer stands under its name")
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "uses an object that was removed or replaced")
 
     def test_a_segment_that_is_nearly_full_is_a_warning(self):
         data = os.path.join(self.folder.name, "data")
@@ -1328,7 +1361,7 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         os.truncate(path, os.path.getsize(path) + 4096)
         lists = self.examine(NOTHING_DONE)["lists"]
         self.assertEqual(lists["state"], "warning")
-        self.assertIn("bytes are usual", lists["advice"])
+        self.assertIn("bytes are expected", lists["advice"])
 
     def test_another_owner_is_a_problem(self):
         try:
@@ -1349,7 +1382,7 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
     def test_a_fifo_is_a_problem(self):
         os.remove("/dev/shm/BufferVectorSharedMemory")
         os.mkfifo("/dev/shm/BufferVectorSharedMemory")
-        self.assert_problem(self.examine(NO_SEGMENTS)["buffers"], "no shared memory")
+        self.assert_problem(self.examine(NO_SEGMENTS)["buffers"], "not that of shared memory")
 
 
 def terminal_columns(text):

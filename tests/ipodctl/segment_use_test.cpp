@@ -1,4 +1,4 @@
-#include "segments/segment_use.h"
+#include "segments/segments.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,6 @@
 // What is shown of numbers and bytes: bars, dumps, lines beside pictures, latencies.
 #include <gtest/gtest.h>
 
-#include "output/hexdump.h"
-#include "output/progress_bar.h"
 #include "output/text.h"
 #include "picture/columns.h"
 #include "verbs/latency.h"

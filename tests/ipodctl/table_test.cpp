@@ -1,10 +1,8 @@
-#include "output/table.h"
+#include "output/text.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
-
-#include "output/text.h"
 
 using ctl::Table;
 using ctl::Unaligned;

@@ -120,6 +120,50 @@ TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
+TEST_F(AccessoryTest, BytesGoToASessionWhoseOpeningNobodySaw)
+{
+    AccessoryPort port(*session);
+
+    EXPECT_TRUE(Completed(port.WriteTo(77, {1, 2, 3})));
+    EXPECT_TRUE(Completed(port.WriteTo(77, {4})));
+
+    EXPECT_THAT(written[77], ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(port.Sessions(), IsEmpty());
+}
+
+TEST_F(AccessoryTest, BytesByNumberTakeTheirTurnWithThoseOfTheSession)
+{
+    AccessoryPort port(*session);
+    const AccessorySessionPtr peer = OpenSession(port, 300);
+    std::move(peer->Write({1, 2})).Start([](const Result<void>&) {});
+
+    EXPECT_TRUE(Completed(port.WriteTo(300, {3})));
+
+    EXPECT_THAT(written[300], ElementsAre(1, 2, 3));
+}
+
+TEST_F(AccessoryTest, BytesForASessionThatTheServiceLacksAreRefused)
+{
+    accepting = false;
+    AccessoryPort port(*session);
+
+    EXPECT_EQ(KindOf(Completed(port.WriteTo(77, {1}))), ErrorKind::Refused);
+}
+
+TEST_F(AccessoryTest, AWriteByNumberEndsWithItsPort)
+{
+    service.Hold("EapWrite");
+    auto port = std::make_unique<AccessoryPort>(*session);
+    std::optional<Result<void>> result;
+    port->WriteTo(77, {1}).Start([&result](const Result<void>& done) { result = done; });
+    RunLoopFor(5ms);
+
+    port.reset();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+}
+
 TEST_F(AccessoryTest, ReceivedBytesReachTheMatchingSession)
 {
     AccessoryPort port(*session);

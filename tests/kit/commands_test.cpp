@@ -26,6 +26,26 @@ protected:
 
 using CommandsWithoutServiceTest = KitTest;
 
+class ArtworkCommandTest : public KitTest
+{
+protected:
+    ArtworkCommandTest()
+    {
+        AnswerState(service);
+        Ready();
+    }
+
+    // The size, width and height as the service reports them; the byte in front says whether there is none.
+    void AnswerArtwork(unsigned char none, const std::vector<unsigned char>& image)
+    {
+        shared.SetBytes("VecArtworkBufferShareMemory", image);
+        service.Answer("GetPlayingTrackAlbumArtwork", Record({none, 0, 0, 0, 7, 0, 0, 0, 44, 1, 0, 0, 200, 0, 0, 0}));
+    }
+
+    SharedVectors shared;
+    FakeService service;
+};
+
 class CommandsWithoutBusTest : public testing::Test
 {
 protected:
@@ -115,6 +135,52 @@ TEST_F(CommandsTest, ATrackRecordOfAnotherSizeIsABadReply)
     service.Answer("GetCurrentMediaInfo", Record({1, 2, 3}));
 
     EXPECT_EQ(KindOf(Completed(Ask().CurrentTrack())), ErrorKind::BadReply);
+}
+
+TEST_F(ArtworkCommandTest, ReturnsTheImageWithWhatTheServiceReportsAboutIt)
+{
+    const std::vector<unsigned char> image{0xFF, 0xD8, 0xFF, 0xE0};
+    AnswerArtwork(0, image);
+
+    const ArtworkChanged artwork = Completed(session->Commands().Artwork()).value();
+
+    EXPECT_TRUE(artwork.available);
+    EXPECT_EQ(artwork.picture->bytes, image);
+    EXPECT_EQ(artwork.picture->type, PictureType::Jpeg);
+    EXPECT_EQ(artwork.reportedBytes, 7U);
+    EXPECT_EQ(artwork.width, 300U);
+    EXPECT_EQ(artwork.height, 200U);
+}
+
+TEST_F(ArtworkCommandTest, ReturnsAnImageThatIsTooLargeForTheState)
+{
+    const std::size_t size = (std::size_t{1} << 18) + 1;
+    session.reset();
+    SessionOptions small;
+    small.artworkLimit = size - 1;
+    Open(small);
+    AnswerArtwork(0, std::vector<unsigned char>(size));
+    Ready();
+
+    EXPECT_EQ(session->State()->Artwork(), nullptr);
+    EXPECT_EQ(Completed(session->Commands().Artwork()).value().picture->bytes.size(), size);
+}
+
+TEST_F(ArtworkCommandTest, WithoutArtworkThereIsNoImage)
+{
+    AnswerArtwork(1, {1, 2, 3});
+
+    const ArtworkChanged artwork = session->Commands().Artwork().Wait().value();
+
+    EXPECT_FALSE(artwork.available);
+    EXPECT_EQ(artwork.picture, nullptr);
+}
+
+TEST_F(ArtworkCommandTest, ARecordOfAnotherSizeIsABadReply)
+{
+    service.Answer("GetPlayingTrackAlbumArtwork", Record({1, 2, 3}));
+
+    EXPECT_EQ(KindOf(Completed(session->Commands().Artwork())), ErrorKind::BadReply);
 }
 
 TEST_F(CommandsTest, ReturnsTheTextsThatTheCoreDoesNot)
@@ -421,6 +487,7 @@ TEST_F(CommandsWithoutBusTest, ReportTheReason)
 }
 
 const std::string kTrack = TrackBody("x");
+const std::string kNoArtwork = PictureBody(1);
 
 struct Row
 {
@@ -472,6 +539,7 @@ INSTANTIATE_TEST_SUITE_P(
         ROW(CurrentTrack(), "GetCurrentMediaInfo()", kTrack.c_str()), ROW(PlayStatus(), "GetPlayStatus()", "(1,)"),
         ROW(Position(), "GetPlayPosition()", "(1, 2)"), ROW(WindingStatus(), "GetFfwFbwStatus()", "(2,)"),
         ROW(Shuffle(), "GetShuffleMode()", "(1,)"), ROW(Repeat(), "GetRepeatMode()", "(1,)"),
+        ROW(Artwork(), "GetPlayingTrackAlbumArtwork()", kNoArtwork.c_str()),
         ROW(PlayingIndex(), "GetPlayingTrackIdx()", "(-1,)"),
         ROW(PlayingCount(), "GetPlayingListItemsAmount()", "(1,)"),
         ROW(DatabaseCount(true), "GetCurDbListItemsAmount(true,)", "(1,)"),

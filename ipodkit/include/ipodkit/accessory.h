@@ -37,7 +37,7 @@ struct AccessoryOptions
 /// which the buffer never returns anything: pictures and received bytes would find no room any more. A new segment
 /// takes a third of its size. Any thread.
 ///
-/// Ask it before the core's EapWrite(), which knows no limit; sessions refuse larger chunks by themselves.
+/// Sessions refuse larger chunks by themselves; the core's EapWrite() knows no limit.
 std::size_t RoomForAccessoryBytes();
 
 /// One session, until the device closes it, or the service, the port, or the Session ends. A closed session stays
@@ -98,6 +98,10 @@ public:
     AccessoryPort& operator=(const AccessoryPort&) = delete;
 
     std::vector<AccessorySessionPtr> Sessions() const;  ///< those that are open
+
+    /// As AccessorySession::Write(), to a session by its number, also to one that was opened before this process
+    /// listened. ErrorKind::Refused when the service has no such session.
+    Request<void> WriteTo(std::uint16_t session, Bytes bytes);
     Subscription OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback);
 
 private:

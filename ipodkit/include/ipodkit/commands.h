@@ -3,10 +3,11 @@
 /// or Wait(). Where the service answers "false", the result is ErrorKind::Refused. Where one says what it takes,
 /// everything else is ErrorKind::BadArgument, and nothing is sent.
 ///
-/// Pages of lists are the Pager's, pictures come with the PlayerState, accessory bytes go through an
-/// AccessorySession, and the request for an audio source is AudioSource's.
+/// Pages of lists are the Pager's, accessory bytes go through an AccessorySession, and the request for an audio source
+/// is AudioSource's.
 #pragma once
 
+#include <ipodkit/event.h>
 #include <ipodkit/request.h>
 #include <ipodkit/types.h>
 
@@ -107,6 +108,12 @@ public:
     Request<ipodkit::Repeat> Repeat() const;
     Request<int> PlayingIndex() const;  ///< -1 when nothing plays
     Request<int> PlayingCount() const;  ///< entries of the playing list
+
+    /// The artwork of the playing track, of any size, with what the service reports about it; `available` is false when
+    /// there is none. PlayerState::artwork has it already unless it exceeds SessionOptions::artworkLimit.
+    /// ErrorKind::NoSharedMemory before the session was ready once, and when the shared memory is damaged. The service
+    /// has one place for artwork: two of these requests at the same time may mix their images.
+    Request<ArtworkChanged> Artwork() const;
     /// @}
 
     /// @name Music database. Every pager of the session whose list changes starts afresh when the service has followed

@@ -39,6 +39,7 @@ public:
     }
 
     std::vector<AccessorySessionPtr> Sessions() const;
+    Request<void> WriteTo(std::uint16_t number, Bytes bytes);
     Registry<std::function<void(const AccessorySessionPtr&)>> openedCallbacks;
 
 private:
@@ -58,6 +59,7 @@ private:
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;
     std::map<std::uint16_t, Entry> m_entries;
+    std::map<std::uint16_t, ImplPtr> m_unseen;  // written to without having seen their opening
     Subscription m_ending;
 };
 
@@ -114,6 +116,18 @@ void AccessoryPort::Impl::Received(const AccessoryData& event)
 void AccessoryPort::Impl::CloseAll()
 {
     for (const auto& [number, entry] : std::exchange(m_entries, {})) entry.inside->Close();
+    for (const auto& [number, inside] : std::exchange(m_unseen, {})) inside->Close();
+}
+
+Request<void> AccessoryPort::Impl::WriteTo(std::uint16_t number, Bytes bytes)
+{
+    const auto seen = m_entries.find(number);
+    if (seen != m_entries.end()) return seen->second.inside->Write(std::move(bytes));
+    ImplPtr& unseen = m_unseen[number];
+    constexpr unsigned char kAnyProtocol = 0;
+    if (unseen == nullptr)
+        unseen = std::make_shared<AccessorySession::Impl>(m_session, m_options, number, kAnyProtocol);
+    return unseen->Write(std::move(bytes));
 }
 
 std::vector<AccessorySessionPtr> AccessoryPort::Impl::Sessions() const
@@ -144,6 +158,11 @@ AccessoryPort::~AccessoryPort()
 std::vector<AccessorySessionPtr> AccessoryPort::Sessions() const
 {
     return m_impl->Sessions();
+}
+
+Request<void> AccessoryPort::WriteTo(std::uint16_t session, Bytes bytes)
+{
+    return m_impl->WriteTo(session, std::move(bytes));
 }
 
 Subscription AccessoryPort::OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback)

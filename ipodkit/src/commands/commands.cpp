@@ -6,6 +6,7 @@
 
 #include "commands/maker.h"
 #include "commands/records.h"
+#include "memory/shared_vectors.h"
 
 namespace ipodkit
 {
@@ -66,6 +67,20 @@ Decoded<CarPlayDevice> StatusAndSerial(GVariant* body)
     const gchar* serial = nullptr;
     g_variant_get(body, "(y&s)", &status, &serial);
     return CarPlayDevice{static_cast<DeviceStatus>(status), serial};
+}
+
+// The image is in the shared memory when the reply arrives.
+Decoded<ArtworkChanged> HeadAndImage(GVariant* body)
+{
+    const Result<PictureHead> head = ToPictureHead(body);
+    if (!head) return tl::unexpected<Error>(head.error());
+    ArtworkChanged artwork{(*head)[0] == 0, nullptr, (*head)[1], (*head)[2], (*head)[3]};
+    if (!artwork.available) return artwork;
+    auto image = BytesIn(g_VecArtworkBufferShareMemory);
+    if (!image)
+        return tl::unexpected<Error>(Error{ErrorKind::NoSharedMemory, "the artwork buffer is damaged or not attached"});
+    if (!image->empty()) artwork.picture = std::make_shared<const Picture>(Examine(std::move(*image)));
+    return artwork;
 }
 
 // Why a number cannot be sent as a @p Wire; nothing when it can.
@@ -212,6 +227,11 @@ Request<int> Commands::PlayingIndex() const
 Request<int> Commands::PlayingCount() const
 {
     return ASK(int, "(i)", Count)("GetPlayingListItemsAmount");
+}
+
+Request<ArtworkChanged> Commands::Artwork() const
+{
+    return ASK(ArtworkChanged, "(v)", HeadAndImage)("GetPlayingTrackAlbumArtwork");
 }
 
 Request<int> Commands::DatabaseCount(bool fromTop) const

@@ -1,4 +1,4 @@
-#include "session/service_error.h"
+#include "output/failure.h"
 
 namespace ctl
 {
@@ -41,7 +41,7 @@ const char* Summary(ErrorKind kind)
         case ErrorKind::BadReply:
             return "the iPod service sent a broken answer: ";
         case ErrorKind::Cancelled:
-            return "it was changed by somebody else meanwhile, try again: ";
+            return "another program changed it in the meantime: ";
         case ErrorKind::NoSharedMemory:
             return "cannot use the shared memory: ";
         default:
@@ -49,17 +49,19 @@ const char* Summary(ErrorKind kind)
     }
 }
 
-const char* Advice(ErrorKind kind)
+const char* Hint(ErrorKind kind)
 {
     switch (kind)
     {
         case ErrorKind::NoService:
         case ErrorKind::ServiceLost:
-            return "; see whether it runs, then try again";
+            return kHintForLost;
         case ErrorKind::TimedOut:
-            return "; see whether it hangs, or wait longer with --deadline";
+            return "check whether the service hangs, or wait longer with --deadline";
+        case ErrorKind::Cancelled:
+            return "try again";
         case ErrorKind::NoSharedMemory:
-            return "; ipodctl doctor tells more";
+            return "run 'ipodctl doctor' for a diagnosis";
         default:
             return "";
     }
@@ -71,6 +73,6 @@ Failure ToFailure(const ipodkit::Error& error, const char* refusal)
     const bool refused = error.kind == ErrorKind::Refused;
     if (refused && error.name.empty() && refusal != nullptr) return {kNothingDone, refusal};
     const std::string name = refused && !error.name.empty() ? "GDBus.Error:" + error.name + ": " : "";
-    return {CodeFor(error.kind), Summary(error.kind) + name + error.reason + Advice(error.kind)};
+    return {CodeFor(error.kind), Summary(error.kind) + name + error.reason, Hint(error.kind)};
 }
 }  // namespace ctl

@@ -1,4 +1,4 @@
-#include "player/level.h"
+#include "player/lists.h"
 
 #include <glib.h>
 #include <ipodnames/reading.h>
@@ -8,10 +8,42 @@
 
 #include "output/failure.h"
 #include "output/text.h"
-#include "player/list.h"
 
 namespace ctl
 {
+namespace
+{
+ipodkit::PagerOptions OptionsFor(int pageSize)
+{
+    ipodkit::PagerOptions options;
+    options.pageSize = pageSize;
+    options.cachedPages = 2;
+    options.prefetch = 0;
+    return options;
+}
+}  // namespace
+
+List::List(Session& session, ipodkit::ListKind kind, int pageSize)
+    : m_session(session), m_pager(session.Ready(), kind, OptionsFor(pageSize))
+{
+}
+
+int List::Count()
+{
+    return m_session.Taken(m_session.Await(m_pager.Count()));
+}
+
+ipodkit::PagePtr List::PageWith(int index, const char* refusal)
+{
+    return m_session.Taken(m_session.Await(m_pager.At(index)), refusal);
+}
+
+std::vector<std::string> List::Names(int first, int end, const char* refusal)
+{
+    if (first >= end) return {};
+    return m_session.Taken(m_session.Await(m_pager.Range(first, end - 1)), refusal);
+}
+
 namespace
 {
 constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
@@ -92,7 +124,7 @@ Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
     if (page.amount == 0) page.root = session.Ask(session.Commands().AtRoot());
     const int end = from + std::clamp(page.amount - from, 0, std::max(0, count));
     if (end <= from) return page;
-    const ipodkit::PagePtr first = session.Taken(names.PageWith(from), kNoPage);
+    const ipodkit::PagePtr first = names.PageWith(from, kNoPage);
     page.folder = first->folders;
     page.root = first->root;
     ReadEntries(names, from, end, page);

@@ -1,6 +1,8 @@
 /// @file
-/// The current level of the music database. The service keeps it, for all its clients.
+/// The lists of the service, and the current level of the music database, which the service keeps for all its clients.
 #pragma once
+
+#include <ipodkit/pager.h>
 
 #include <optional>
 #include <string>
@@ -10,6 +12,29 @@
 
 namespace ctl
 {
+class List
+{
+public:
+    /// @param pageSize  entries per request
+    List(Session& session, ipodkit::ListKind kind, int pageSize = kPageSize);
+
+    /// Entries of the whole list.
+    int Count();
+
+    /// The names from @p first up to but not including @p end, which there must be.
+    /// @param refusal  what to say when the service has no page of it
+    std::vector<std::string> Names(int first, int end, const char* refusal);
+
+    /// The page that holds an entry.
+    ipodkit::PagePtr PageWith(int index, const char* refusal);
+
+    static constexpr int kPageSize = 500;
+
+private:
+    Session& m_session;
+    ipodkit::Pager m_pager;
+};
+
 struct Entry
 {
     int index;

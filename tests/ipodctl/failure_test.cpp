@@ -1,4 +1,4 @@
-#include "session/service_error.h"
+#include "output/failure.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +13,7 @@ struct Case
     ErrorKind kind;
     ExitCode code;
     const char* part;
+    const char* hint = "";
 };
 
 class ToFailureGives : public testing::TestWithParam<Case>
@@ -27,17 +28,18 @@ TEST_P(ToFailureGives, AnExitCodeAndALineThatSaysWhatIsWrong)
     EXPECT_NE(line.find(GetParam().part), std::string::npos) << line;
     EXPECT_NE(line.find("the reason"), std::string::npos) << line;
     EXPECT_EQ(line.find('\n'), std::string::npos) << line;
+    EXPECT_NE(failure.hint().find(GetParam().hint), std::string::npos) << failure.hint();
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ToFailureGives,
                          testing::Values(Case{ErrorKind::NoBus, kServiceLost, "bus closed"},
-                                         Case{ErrorKind::NoService, kServiceLost, "went away"},
-                                         Case{ErrorKind::ServiceLost, kServiceLost, "went away"},
-                                         Case{ErrorKind::TimedOut, kServiceLost, "--deadline"},
+                                         Case{ErrorKind::NoService, kServiceLost, "went away", "running"},
+                                         Case{ErrorKind::ServiceLost, kServiceLost, "went away", "running"},
+                                         Case{ErrorKind::TimedOut, kServiceLost, "in time", "--deadline"},
                                          Case{ErrorKind::Refused, kNothingDone, "refused"},
                                          Case{ErrorKind::BadReply, kServiceLost, "broken answer"},
-                                         Case{ErrorKind::Cancelled, kNothingDone, "try again"},
-                                         Case{ErrorKind::NoSharedMemory, kNoSegments, "doctor"},
+                                         Case{ErrorKind::Cancelled, kNothingDone, "changed", "try again"},
+                                         Case{ErrorKind::NoSharedMemory, kNoSegments, "shared memory", "doctor"},
                                          Case{ErrorKind::BadArgument, kUsage, ""},
                                          Case{ErrorKind::Ambiguous, kNothingDone, ""},
                                          Case{ErrorKind::NoStorage, kUsage, ""}),
