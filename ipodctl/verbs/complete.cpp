@@ -145,7 +145,7 @@ std::vector<Candidate> ValuesOf(const CLI::App& app, const CLI::Option& option, 
     return candidates.empty() ? ByShell(path, value) : candidates;
 }
 
-std::vector<Candidate> OptionsOf(const CLI::App& app)
+std::vector<Candidate> OptionCandidates(const CLI::App& app)
 {
     std::vector<Candidate> candidates;
     for (const CLI::App* at = &app; at != nullptr; at = at->get_parent())
@@ -185,7 +185,7 @@ std::vector<Candidate> Candidates(const CLI::App& app, const std::vector<std::st
     if (place.option != nullptr) return ValuesOf(*place.app, *place.option, ask);
     if (typed.empty() || typed.front() != '-') return WordsAt(place, ask);
     const std::size_t equals = typed.find('=');
-    return equals == std::string::npos ? OptionsOf(*place.app) : ValuesInside(place, typed.substr(0, equals), ask);
+    return equals == std::string::npos ? OptionCandidates(*place.app) : ValuesInside(place, typed.substr(0, equals), ask);
 }
 
 std::string ToText(const std::vector<Candidate>& candidates)

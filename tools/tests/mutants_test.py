@@ -21,7 +21,7 @@ class Changes(unittest.TestCase):
 
     def test_change_one_operator_at_a_time_and_the_condition(self):
         self.expect("    if (a < b && c) return;", "    if (a <= b && c) return;", "    if (a < b || c) return;",
-                    "    if (!(a < b && c)) return;")
+                    "    if (!(a < b && c)) return;", "    ;")
 
     def test_move_a_number_by_one(self):
         self.expect("    return f(x + 7);", "    return f(x - 7);", "    return f(x + 8);")
@@ -34,8 +34,11 @@ class Changes(unittest.TestCase):
         self.expect("    object.Change(x);", "    ;")
         self.expect("    count = other;", "    ;")
 
-    def test_skip_declarations_comments_and_strings(self):
-        for line in ("#include <a>", "    // a < b", "    std::string text;", "    return \"a < b, 1\";", "using a = b;"):
+    def test_change_a_text_but_not_what_it_looks_like(self):
+        self.expect("    return \"a < b, 1\";", "    return \"a < b, 1x\";")
+
+    def test_skip_declarations_and_comments(self):
+        for line in ("#include <a>", "    // a < b", "    std::string text;", "using a = b;"):
             self.expect(line)
 
 
