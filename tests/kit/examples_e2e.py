@@ -81,8 +81,13 @@ class Examples(unittest.TestCase):
 
     def test_event_log(self):
         example = self.follow("event_log")
+
+        def reported():
+            self.ipodctl("sim", "battery", "level=42")
+            return "battery: \n" in example.printed()
+
         # Until the program has subscribed, it misses events.
-        within(LIMIT, lambda: self.ipodctl("sim", "battery", "level=42") and "battery: \n" in example.printed())
+        self.assertTrue(within(LIMIT, reported), example.printed())
         self.ipodctl("repeat", "all")
         example.expect("repeat: all\n")
 
