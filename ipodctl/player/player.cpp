@@ -117,7 +117,6 @@ namespace
 using ipodkit::Error;
 using ipodkit::ErrorKind;
 using ipodkit::Field;
-using ipodkit::Fields;
 using ipodkit::PlayerState;
 
 struct Expected
@@ -173,12 +172,12 @@ std::string NotReported(const PlayerState& state)
     const auto isReported = [&state](const Expected& each) { return IsReported(state, each.field); };
     const auto* const first = std::find_if_not(std::begin(kAll), std::end(kAll), isReported);
     if (first == std::end(kAll) || !HasDevice(state)) return {};
-    const Failure failure = ToFailure(WhyNot(state, first->field));
-    if (std::none_of(std::begin(kAll), std::prev(std::end(kAll), kOfNoWeight), isReported)) throw failure;
+    if (std::none_of(std::begin(kAll), std::prev(std::end(kAll), kOfNoWeight), isReported))
+        throw ToFailure(WhyNot(state, first->field));
     std::string names;
     for (const Expected& each : kAll)
         if (!isReported(each)) names += (names.empty() ? "" : ", ") + std::string(each.what);
-    return "the service did not report " + names + ": " + failure.what();
+    return "the service did not report " + names + ": " + ToFailure(WhyNot(state, first->field)).what();
 }
 
 void RequireTrackReported(const PlayerState& state)

@@ -39,8 +39,9 @@ Choice Add(CLI::App& app, const Verb& verb)
 
 std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands)
 {
-    std::vector<std::string> names;
-    for (const CLI::App* command : commands) names.push_back(command->get_name());
+    std::vector<std::string> names(commands.size());
+    std::transform(commands.begin(), commands.end(), names.begin(),
+                   [](const CLI::App* command) { return command->get_name(); });
     return names;
 }
 

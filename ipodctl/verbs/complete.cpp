@@ -185,7 +185,8 @@ std::vector<Candidate> Candidates(const CLI::App& app, const std::vector<std::st
     if (place.option != nullptr) return ValuesOf(*place.app, *place.option, ask);
     if (typed.empty() || typed.front() != '-') return WordsAt(place, ask);
     const std::size_t equals = typed.find('=');
-    return equals == std::string::npos ? OptionCandidates(*place.app) : ValuesInside(place, typed.substr(0, equals), ask);
+    return equals == std::string::npos ? OptionCandidates(*place.app)
+                                       : ValuesInside(place, typed.substr(0, equals), ask);
 }
 
 std::string ToText(const std::vector<Candidate>& candidates)

@@ -43,7 +43,7 @@ public:
     void Complete(Result<Body> answer) override
     {
         const auto completion = std::move(m_completion);
-        completion(Decoded(std::move(answer)));
+        completion(Decoded(answer));
     }
 
 private:

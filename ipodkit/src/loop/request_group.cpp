@@ -24,7 +24,7 @@ GSourceFuncs timerFunctions = {nullptr, nullptr, Dispatch, nullptr, nullptr, nul
 
 std::shared_ptr<RequestGroup> RequestGroup::Make(detail::HomePtr home)
 {
-    const std::shared_ptr<RequestGroup> group(new RequestGroup(std::move(home)));
+    std::shared_ptr<RequestGroup> group(new RequestGroup(std::move(home)));
     group->Watch();
     return group;
 }

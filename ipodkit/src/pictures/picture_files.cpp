@@ -79,7 +79,7 @@ PictureFiles::PictureFiles(std::string directory, std::size_t keep)
 Result<std::string> PictureFiles::Uri(const Picture& picture) const
 {
     const std::string path = fs::path(m_directory) / NameOf(picture);
-    const Result<std::string> address = AddressOf(path);
+    Result<std::string> address = AddressOf(path);
     if (!address) return address;
     if (g_mkdir_with_parents(m_directory.c_str(), 0700) != 0)
         return NoStorage(m_directory + ": " + std::strerror(errno));
