@@ -1,4 +1,4 @@
-// Prints the names on the current level of the music database that match what was typed: browse_and_jump zjl
+// Prints the names on the current level of the music database that match what was typed: browse_and_jump zmx
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/pager.h>

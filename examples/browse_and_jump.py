@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Prints the names of the database's current level that match what was typed, in asyncio: browse_and_jump.py zjl"""
+"""Prints the names of the database's current level that match what was typed, in asyncio: browse_and_jump.py zmx"""
 import asyncio
 import sys
 

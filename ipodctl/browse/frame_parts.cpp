@@ -31,7 +31,7 @@ constexpr HelpEntry kHelp[] = {
     {"Up Down PgUp PgDn Home End", "move"},
     {"Enter, Right", "open a folder, or play from this song on"},
     {"Left, Backspace, Esc", "go back"},
-    {"a-z 0-9", "jump to a name (also by pinyin or initials: zjl)"},
+    {"a-z 0-9", "jump to a name (also by pinyin or initials: zmx)"},
     {"/", "show matching names only; Enter opens, Esc cancels"},
     {"Space", "pause, resume"},
     {"< >", "previous track, next track"},
@@ -48,7 +48,7 @@ struct Hint
 
 // Most important first: the last ones are dropped on a narrow screen.
 constexpr Hint kHints[] = {{"^C", "quit"},  {"?", "help"},         {"Enter", "open"}, {"\xE2\x86\x90", "back"},
-                           {"/", "search"}, {"a-z", "jump (zjl)"}, {"Space", "pause"}};
+                           {"/", "search"}, {"a-z", "jump (zmx)"}, {"Space", "pause"}};
 
 bool IsJoiner(gunichar code)
 {

@@ -32,6 +32,6 @@ Run BuildBrowse(CLI::App&)
 std::vector<Verb> BrowserVerbs()
 {
     return {{"browse", "Browse the music database full-screen",
-             "ipodctl browse   # type zjl to jump to 周杰伦; press ? for all keys", BuildBrowse}};
+             "ipodctl browse   # type zmx to jump to 周明轩; press ? for all keys", BuildBrowse}};
 }
 }  // namespace ctl

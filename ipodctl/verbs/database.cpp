@@ -108,7 +108,7 @@ Run BuildCd(CLI::App& app)
 std::vector<Verb> BrowseVerbs()
 {
     return {{"cd", "Change the current level, which all clients share",
-             "ipodctl cd 2\nipodctl cd Artists\nipodctl cd ..\nipodctl cd /Artists/周杰伦\nipodctl cd ./1989",
+             "ipodctl cd 2\nipodctl cd Artists\nipodctl cd ..\nipodctl cd /Artists/周明轩\nipodctl cd ./1989",
              BuildCd}};
 }
 

@@ -33,7 +33,7 @@ void BindReadings(py::module_& module)
         .value("TITLE", Subject::Title);
     module.def("reading", &ipodnames::Reading, py::arg("name"), py::arg("subject") = Subject::Unknown,
                py::call_guard<py::gil_scoped_release>(),
-               "How a name is read, in lower-case Latin letters and digits: \"zhou jie lun\" for 周杰伦.");
+               "How a name is read, in lower-case Latin letters and digits: \"zhou ming xuan\" for 周明轩.");
     py::class_<JumpSection>(module, "JumpSection", "Where the names of a letter begin.")
         .def_readonly("label", &JumpSection::label, "A letter of the locale's alphabet, or \"#\" for all others.")
         .def_readonly("position", &JumpSection::position, "Index in JumpIndex.order.");
@@ -50,7 +50,7 @@ void BindJumpIndex(py::module_& module)
              py::arg("readings") = usual.readings)
         .def("search", &JumpIndex::Search, py::arg("query"), py::arg("limit") = 100,
              py::call_guard<py::gil_scoped_release>(),
-             "Indices of at most `limit` names that match the beginnings of syllables or words: \"zjl\" finds 周杰伦.")
+             "Indices of at most `limit` names that match the beginnings of syllables or words: \"zmx\" finds 周明轩.")
         .def_property_readonly("order", &JumpIndex::Order, "Indices of the names as the locale sorts them.")
         .def_property_readonly("sections", &JumpIndex::Sections, "The JumpSection of each letter, in their order.")
         .def("reading", &JumpIndex::Reading, py::arg("index"),

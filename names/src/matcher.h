@@ -10,8 +10,8 @@ namespace ipodnames
 /// A reading produced by Reader: syllables and words of lower-case letters, digits, and kUmlaut, separated by single
 /// blanks.
 ///
-/// A query matches if it can be split into beginnings of successive syllables or words: "zjl", "zhoujl", and
-/// "zhoujielun" all match "zhou jie lun", and "jl" matches from the second syllable.
+/// A query matches if it can be split into beginnings of successive syllables or words: "zmx", "zhoumx", and
+/// "zhoumingxuan" all match "zhou ming xuan", and "mx" matches from the second syllable.
 enum class Fit
 {
     None,

@@ -114,40 +114,40 @@ class WithTheSimulator(InATerminal):
         terminal = self.start(**options)
         self.sees(terminal, "Playlists/", "Songs/")
         terminal.type("ar" + ENTER)
-        self.sees(terminal, "› Artists", "周杰伦/")
+        self.sees(terminal, "› Artists", "周明轩/")
         return terminal
 
     def test_an_artist_is_found_by_initials_opened_and_played(self):
         terminal = self.in_artists()
-        terminal.type("zjl")
-        self.selects(terminal, "周杰伦")
-        self.sees(terminal, "jump: zjl", "zhou jie lun")
+        terminal.type("zmx")
+        self.selects(terminal, "周明轩")
+        self.sees(terminal, "jump: zmx", "zhou ming xuan")
         terminal.type(ENTER)
-        self.sees(terminal, "› Artists › 周杰伦", "魔杰座/", "七里香/")
+        self.sees(terminal, "› Artists › 周明轩", "梦境里/", "秋林序/")
         terminal.type("qlx" + ENTER)
-        self.sees(terminal, "› 周杰伦 › 七里香", "外婆")
+        self.sees(terminal, "› 周明轩 › 秋林序", "晚坪")
         terminal.type("wp" + ENTER)
-        self.sees(terminal, "▶ 外婆 - 周杰伦")
-        self.assertEqual(self.ctl("status")["track"]["title"], "外婆")
+        self.sees(terminal, "▶ 晚坪 - 周明轩")
+        self.assertEqual(self.ctl("status")["track"]["title"], "晚坪")
         terminal.type(CTRL_C)
         self.ends(terminal, DONE)
 
     def test_keys_typed_ahead_are_applied_in_order(self):
         terminal = self.start()
-        terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
-        self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
+        terminal.type("ar" + ENTER + "zmx" + ENTER + ENTER + "dx" + ENTER)
+        self.sees(terminal, "› 周明轩 › 梦境里", "▶ 东溪 - 周明轩")
 
     def test_keys_wait_while_an_entry_opens_and_its_level_is_loading(self):
         terminal = self.start()
         self.sees(terminal, "Playlists/", "Songs/")
         self.happen("fault", "delay=150@GetCurDbListItems")
-        terminal.type("ar" + ENTER + "zjl" + ENTER + ENTER + "dx" + ENTER)
-        self.sees(terminal, "› 周杰伦 › 魔杰座", "▶ 稻香 - 周杰伦")
+        terminal.type("ar" + ENTER + "zmx" + ENTER + ENTER + "dx" + ENTER)
+        self.sees(terminal, "› 周明轩 › 梦境里", "▶ 东溪 - 周明轩")
 
     def test_going_back_restores_the_selection(self):
         terminal = self.in_artists()
-        terminal.type("zjl" + ENTER)
-        self.sees(terminal, "› 周杰伦")
+        terminal.type("zmx" + ENTER)
+        self.sees(terminal, "› 周明轩")
         for key in (LEFT, ESCAPE):
             terminal.type(key)
         self.selects(terminal, "Artists/")
@@ -155,8 +155,8 @@ class WithTheSimulator(InATerminal):
 
     def test_a_search_lists_matches_only(self):
         terminal = self.in_artists()
-        terminal.type("/ zjl")
-        self.sees(terminal, "/ zjl▏  1 match", "1/1")
+        terminal.type("/ zmx")
+        self.sees(terminal, "/ zmx▏  1 match", "1/1")
         self.assertNotIn("Nadia", terminal.screen.text())
         terminal.type(ESCAPE)
         self.sees(terminal, "Nadia Brandt/", "1/11")
@@ -180,9 +180,9 @@ class WithTheSimulator(InATerminal):
 
     def test_every_script_is_aligned_in_columns(self):
         terminal = self.in_artists()
-        self.sees(terminal, "zhou jie lun")
+        self.sees(terminal, "zhou ming xuan")
         rows = terminal.screen.lines()
-        readings = {"单晓岚/": "shan xiao lan", "Анна Вершинина/": "anna vershinina", "周杰伦/": "zhou jie lun"}
+        readings = {"单晓岚/": "shan xiao lan", "Анна Вершинина/": "anna vershinina", "周明轩/": "zhou ming xuan"}
         for name, reading in readings.items():
             number = next(index for index, row in enumerate(rows) if row.startswith("  " + name))
             self.assertEqual("".join(cell.text for cell in terminal.screen.cells[number][34:]).strip(), reading)
@@ -191,11 +191,11 @@ class WithTheSimulator(InATerminal):
 
     def test_it_fits_a_terminal_of_twenty_by_five_and_grows_again(self):
         terminal = self.in_artists()
-        terminal.type("zjl")
-        self.selects(terminal, "周杰伦")
+        terminal.type("zmx")
+        self.selects(terminal, "周明轩")
         terminal.resize(5, 20)
         self.sees(terminal, "11/11", "■ not playing")
-        self.selects(terminal, "周杰伦")
+        self.selects(terminal, "周明轩")
         terminal.type(UP)
         self.selects(terminal, "曾雨桐")
         terminal.resize(40, 120)
@@ -227,27 +227,27 @@ class WithTheSimulator(InATerminal):
 
     def test_a_restarted_service_restores_the_path(self):
         terminal = self.in_artists()
-        terminal.type("zjl" + ENTER)
-        self.sees(terminal, "› 周杰伦", "七里香/")
+        terminal.type("zmx" + ENTER)
+        self.sees(terminal, "› 周明轩", "秋林序/")
         self.simulator.kill()
-        self.sees(terminal, "service lost", "七里香/")
+        self.sees(terminal, "service lost", "秋林序/")
         terminal.type(ENTER + ">")
         self.sees(terminal, "service lost")
         self.start_simulator()
-        self.sees(terminal, "■ not playing", "› 周杰伦", "七里香/")
+        self.sees(terminal, "■ not playing", "› 周明轩", "秋林序/")
         self.assertNotIn(b"does not exist", terminal.received)
-        self.assertEqual(self.ctl("ls")["entries"][1]["name"], "七里香")
+        self.assertEqual(self.ctl("ls")["entries"][1]["name"], "秋林序")
         terminal.type("qlx" + ENTER)
-        self.sees(terminal, "› 七里香", "外婆")
+        self.sees(terminal, "› 秋林序", "晚坪")
 
     def test_a_level_changed_by_another_program_is_detected(self):
         terminal = self.in_artists()
         self.ctl("cd", "/Albums")
-        terminal.type("zjl" + ENTER)
+        terminal.type("zmx" + ENTER)
         self.sees(terminal, "another program changed the level; returning", "› Artists")
-        self.selects(terminal, "周杰伦")
+        self.selects(terminal, "周明轩")
         terminal.type(ENTER)
-        self.sees(terminal, "› Artists › 周杰伦")
+        self.sees(terminal, "› Artists › 周明轩")
 
     def test_a_new_device_opens_at_its_root(self):
         terminal = self.in_artists()
@@ -300,9 +300,9 @@ class WithTheSimulator(InATerminal):
     def test_waiting_for_a_slow_service_is_shown(self):
         terminal = self.in_artists()
         self.happen("fault", "delay=4000@GetCurDbListItemsAmount/1")
-        terminal.type("zjl" + ENTER)
+        terminal.type("zmx" + ENTER)
         self.sees(terminal, "waiting for the service…")
-        self.sees(terminal, "› 周杰伦", "七里香/", "a-z jump")
+        self.sees(terminal, "› 周明轩", "秋林序/", "a-z jump")
         self.assertNotIn("waiting", terminal.screen.text())
         self.happen("fault", "delay=4000@Next/1")
         terminal.type(">")
@@ -335,7 +335,7 @@ class WithTheSimulator(InATerminal):
         self.sees(terminal, "the list is incomplete; press Ctrl-L to retry")
         self.happen("clear-faults")
         terminal.type(CTRL_L)
-        self.sees(terminal, "› Artists", "周杰伦/", "a-z jump")
+        self.sees(terminal, "› Artists", "周明轩/", "a-z jump")
 
     def test_a_lost_bus_is_reported(self):
         terminal = self.in_artists()
@@ -360,8 +360,8 @@ class WithTheSimulator(InATerminal):
 
     def test_another_locale_changes_nothing(self):
         terminal = self.in_artists(LC_ALL="C", LANG="C")
-        terminal.type("zjl")
-        self.selects(terminal, "周杰伦")
+        terminal.type("zmx")
+        self.selects(terminal, "周明轩")
 
 
 def parse_options():

@@ -63,7 +63,7 @@ def measure(options, bus):
     terminal.type("so")
     seconds_until(terminal, lambda screen: selected(screen) == "Songs/")
     terminal.type(ENTER)
-    report("first names of the list", seconds_until(terminal, lambda screen: "晴天 0" in screen.text()))
+    report("first names of the list", seconds_until(terminal, lambda screen: "晴日 0" in screen.text()))
     report_keys("keys while the names are read", milliseconds_of_keys(terminal, 10))
     terminal.type("qtl")
     seconds_until(terminal, lambda screen: "no match" in screen.text())

@@ -6,10 +6,10 @@ using namespace ctl;
 
 TEST(Events, ShowATrackWithItsIndex)
 {
-    const ipodkit::Track track{"晴天", "周杰伦", "叶惠美", "Pop", std::chrono::milliseconds(269000), 3, 11, 1};
+    const ipodkit::Track track{"晴日", "周明轩", "叶间风", "Pop", std::chrono::milliseconds(269000), 3, 11, 1};
     const Event event = ToEvent(ipodkit::TrackChanged{2, track});
-    EXPECT_EQ(event.text, "#2 晴天 - 周杰伦 (4:29)");
-    EXPECT_EQ(event.fields["track"]["album"], "叶惠美");
+    EXPECT_EQ(event.text, "#2 晴日 - 周明轩 (4:29)");
+    EXPECT_EQ(event.fields["track"]["album"], "叶间风");
     EXPECT_EQ(event.fields["track"]["picture"], true);
 }
 

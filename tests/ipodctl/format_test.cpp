@@ -77,7 +77,7 @@ TEST(Format, DoesNotLetValuesReachTheTerminalRaw)
 TEST(Format, SaysWhereItIsWrongAndWhatWasExpected)
 {
     EXPECT_EQ(ErrorOf("{{ title"), "format, column 9: expected }}, found the end");
-    EXPECT_EQ(ErrorOf("周杰伦 {{ }}"),
+    EXPECT_EQ(ErrorOf("周明轩 {{ }}"),
               "format, column 8: expected a field, a function, a number or a quoted text, "
               "found '}}'");
     EXPECT_NE(ErrorOf("{{ titel }}").find("column 4: expected a field"), std::string::npos);

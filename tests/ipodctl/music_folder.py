@@ -16,8 +16,8 @@ SAMPLES_PER_FRAME, SAMPLE_RATE = 1152, 44100
 SIDE_INFORMATION = 17
 
 COLLECTION = [
-    ("周杰伦", "七里香", "Pop", [("七里香", 299), ("借口", 260), ("外婆", 244), ("搁浅", 238), ("园游会", 254)]),
-    ("周杰伦", "魔杰座", "Pop", [("稻香", 223), ("给我一首歌的时间", 253), ("兰亭序", 254), ("说好的幸福呢", 256)]),
+    ("周明轩", "秋林序", "Pop", [("秋林序", 299), ("渡口", 260), ("晚坪", 244), ("清浅", 238), ("花灯会", 254)]),
+    ("周明轩", "梦境里", "Pop", [("东溪", 223), ("半首歌的光景", 253), ("竹亭记", 254), ("未寄的信", 256)]),
     ("Nadia Brandt", "Lanterns", "Jazz", [("Blue Lantern", 254), ("Slow Ferry", 301), ("Rain on Copper", 238)]),
     ("Harbour Quartet", "Tide Tables", "Classical", [("Low Water", 276), ("Slack Tide", 193), ("Spring Tide", 318)]),
     ("The Paper Kites of Mill Road", "Second Wind", "Rock", [("Second Wind", 229), ("Gravel", 184)]),
@@ -71,7 +71,7 @@ def write_tracks(folder, count):
         place = os.path.join(folder, album)
         if index % 100 == 0:
             os.makedirs(place)
-        title = f"晴天 {index:05}" if index % 10 == 0 else f"Track {index:05}"
+        title = f"晴日 {index:05}" if index % 10 == 0 else f"Track {index:05}"
         write_track(os.path.join(place, f"{index:05}.mp3"), title, f"Artist {index // 500:03}", album, "Pop",
                     index % 100 + 1, 180)
 

@@ -7,7 +7,7 @@ using ctl::Json;
 
 TEST(Dump, WritesOneLineOfReadableJson)
 {
-    EXPECT_EQ(Dump(Json{{"name", "周杰伦"}, {"n", 1}}), R"({"name":"周杰伦","n":1})");
+    EXPECT_EQ(Dump(Json{{"name", "周明轩"}, {"n", 1}}), R"({"name":"周明轩","n":1})");
 }
 
 TEST(Dump, EscapesWhatATerminalWouldObeySoThatItReadsBackTheSame)

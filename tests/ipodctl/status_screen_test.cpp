@@ -48,7 +48,7 @@ private:
 Status Playing()
 {
     auto state = std::make_shared<ipodkit::PlayerState>();
-    state->track = ipodkit::Track{"A title that is much longer than any terminal of twenty columns 周杰伦 🎵",
+    state->track = ipodkit::Track{"A title that is much longer than any terminal of twenty columns 周明轩 🎵",
                                   "Artist",
                                   "Album",
                                   "Genre",

@@ -9,9 +9,9 @@ using ctl::Unaligned;
 
 TEST(Table, AlignsWideNamesByTheirColumns)
 {
-    EXPECT_EQ(Table({{"0", "周杰伦", "zhou jie lun"}, {"1", "Adele", ""}, {"2", "Bo", "x"}}, INT_MAX),
-              "0  周杰伦  zhou jie lun\n"
-              "1  Adele\n"
+    EXPECT_EQ(Table({{"0", "周明轩", "zhou ming xuan"}, {"1", "Ada", ""}, {"2", "Bo", "x"}}, INT_MAX),
+              "0  周明轩  zhou ming xuan\n"
+              "1  Ada\n"
               "2  Bo      x");
 }
 

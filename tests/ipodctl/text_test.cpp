@@ -8,7 +8,7 @@ using namespace ctl;
 
 TEST(Printable, KeepsOrdinaryText)
 {
-    EXPECT_EQ(Printable("周杰伦 - Ünïcode 🎵"), "周杰伦 - Ünïcode 🎵");
+    EXPECT_EQ(Printable("周明轩 - Ünïcode 🎵"), "周明轩 - Ünïcode 🎵");
     EXPECT_EQ(Printable(""), "");
 }
 
@@ -32,7 +32,7 @@ TEST(Printable, ReplacesEachByteOfBrokenUtf8)
 TEST(Width, CountsColumnsAndNotBytes)
 {
     EXPECT_EQ(Width("abc"), 3);
-    EXPECT_EQ(Width("周杰伦"), 6);
+    EXPECT_EQ(Width("周明轩"), 6);
     EXPECT_EQ(Width("e\u0301"), 1);
     EXPECT_EQ(Width("🎵"), 2);
     EXPECT_EQ(Width(""), 0);
@@ -47,8 +47,8 @@ TEST(Cut, KeepsWhatFits)
 TEST(Cut, NeverExceedsTheWidthNorHalvesAWideCharacter)
 {
     EXPECT_EQ(Cut("abcdef", 4), "abc…");
-    EXPECT_EQ(Cut("周杰伦", 4), "周…");
-    EXPECT_EQ(Cut("周杰伦", 1), "…");
+    EXPECT_EQ(Cut("周明轩", 4), "周…");
+    EXPECT_EQ(Cut("周明轩", 1), "…");
     EXPECT_EQ(Cut("abc", 0), "");
     for (int width = 0; width < 8; ++width) EXPECT_LE(Width(Cut("a周b杰c伦", width)), width);
 }

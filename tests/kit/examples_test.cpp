@@ -83,13 +83,13 @@ TEST_F(ExamplesTest, NowPlayingOnTheCoreDoesTheSame)
 
 TEST_F(ExamplesTest, BrowseAndJumpFindsAName)
 {
-    shared.SetList("VecDBListShareMemory", {"林俊杰", "周杰伦"});
+    shared.SetList("VecDBListShareMemory", {"林若溪", "周明轩"});
     service.Answer("GetCurDbListItemsAmount", "(2,)");
     service.Answer("GetCurDbListItems", "(true, true, true)");
 
-    Example example("browse_and_jump", "zjl");
+    Example example("browse_and_jump", "zmx");
 
-    EXPECT_TRUE(example.Prints("1\t周杰伦\t(zhou jie lun)")) << example.Printed();
+    EXPECT_TRUE(example.Prints("1\t周明轩\t(zhou ming xuan)")) << example.Printed();
 }
 
 TEST_F(ExamplesTest, ArtworkToFileWritesAFile)

@@ -25,7 +25,7 @@ TEST(CutUtf8, CutsBeforeACharacterThatDoesNotFit)
 
 TEST(CutUtf8, ReturnsValidTextAtEveryLength)
 {
-    const std::string text = "Été à vélo 周杰伦 😀 עברית";
+    const std::string text = "Été à vélo 周明轩 😀 עברית";
     for (std::size_t length = 0; length <= text.size(); ++length)
     {
         const std::string cut = CutUtf8(text, length);

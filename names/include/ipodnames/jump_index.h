@@ -2,7 +2,7 @@
 /// Finds names in a long list: by letter, and while typing.
 ///
 ///     const JumpIndex index(names);
-///     index.Search("zjl");          // finds 周杰伦, as "zhoujl", "zhou jie lun" and "杰伦" do
+///     index.Search("zmx");          // finds 周明轩, as "zhoumx", "zhou ming xuan" and "明轩" do
 ///     index.Sections();             // where A, B, … start in the sorted list
 #pragma once
 
@@ -23,7 +23,7 @@ struct JumpIndexOptions
     Subject subject = Subject::Unknown;
 
     /// Words to ignore at the beginning of a name when it is sorted, such as {"The", "A"}; case does not matter. "The
-    /// Beatles" is then in section B. Search() still finds it by "the".
+    /// Bellows" is then in section B. Search() still finds it by "the".
     std::vector<std::string> articles;
 
     /// Readings from another source, in the order of the names. Empty or missing ones are computed.

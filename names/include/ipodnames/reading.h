@@ -17,7 +17,7 @@ enum class Subject
 };
 
 /// Returns the syllables and words of a name in lower-case letters and digits, separated by single blanks:
-/// "zhou jie lun" for 周杰伦, "motley crue" for Mötley Crüe. Empty if the name has no letter or digit.
+/// "zhou ming xuan" for 周明轩, "elodie rouviere" for Élodie Rouvière. Empty if the name has no letter or digit.
 ///
 /// Chinese is read in pinyin without tones, traditional characters as simplified ones, ü as u; Russian and Ukrainian
 /// are transcribed after BGN, Greek after UNGEGN, Korean in Revised Romanization, kana in Hepburn's. Any bytes are
