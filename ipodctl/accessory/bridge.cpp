@@ -80,7 +80,7 @@ ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit
     }
     const Ending ending = loop.Run(request.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
-    if (opened == nullptr) throw Failure(kServiceLost, "no session was opened within the time; see --timeout");
+    if (opened == nullptr) throw Failure(kServiceLost, "no session was opened in time; see --timeout");
     return opened;
 }
 
@@ -88,7 +88,7 @@ namespace
 {
 [[noreturn]] void Refuse(const std::string& path, const char* why)
 {
-    throw Failure(kUsage, "cannot make the socket '" + Printable(path) + "': " + why);
+    throw Failure(kUsage, "cannot create the socket '" + Printable(path) + "': " + why);
 }
 
 sockaddr_un AddressOf(const std::string& path)
@@ -268,7 +268,7 @@ void Bridge::Receive(const ipodkit::Result<ipodkit::Bytes>& data)
     if (!data) return Fail(data.error());
     m_output.Add(*data);
     if (m_output.Waiting() > kMostWaiting)
-        return m_loop.Guard([] { throw Failure(kNothingDone, "nobody reads what the device sends"); });
+        return m_loop.Guard([] { throw Failure(kNothingDone, "the receiver has stopped reading"); });
     m_loop.Finish();
 }
 

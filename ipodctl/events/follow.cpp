@@ -248,9 +248,9 @@ Answer Follower::Run()
     if (ending != Ending::TimedOut || !HasGoal()) return {};
     const Limits& limits = m_following.limits;
     throw Failure(kNothingDone, (limits.until.empty() ? "only " + std::to_string(m_seen) + " of " +
-                                                            std::to_string(limits.count) + " events came"
-                                                      : "no event '" + limits.until + "' came") +
-                                    " within the time; see --timeout");
+                                                            std::to_string(limits.count) + " events occurred"
+                                                      : "no event '" + limits.until + "' occurred") +
+                                    " in time; see --timeout");
 }
 }  // namespace
 

@@ -33,7 +33,7 @@ const char* Summary(ErrorKind kind)
             return "the session bus closed the connection: ";
         case ErrorKind::NoService:
         case ErrorKind::ServiceLost:
-            return "the iPod service went away: ";
+            return "the iPod service disappeared: ";
         case ErrorKind::TimedOut:
             return "the iPod service did not answer in time: ";
         case ErrorKind::Refused:

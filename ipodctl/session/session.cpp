@@ -24,7 +24,7 @@ void SetLoggingUp(bool verbose)
 bool IsReady(const ipodkit::Connection& connection)
 {
     if (connection.phase == ipodkit::Phase::Lost)
-        throw Failure(kServiceLost, "the iPod service went away", kHintForLost);
+        throw Failure(kServiceLost, "the iPod service disappeared", kHintForLost);
     if (connection.error) throw ToFailure(*connection.error);
     return connection.phase == ipodkit::Phase::Ready;
 }

@@ -139,7 +139,7 @@ Bytes Exchange(Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& r
     peer.Write(Bytes(request.text.begin(), request.text.end())).Start(sent);
     const Ending ending = loop.Run(request.accessory.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
-    if (ending == Ending::TimedOut) throw Failure(kServiceLost, "no echo came within the time; see --timeout");
+    if (ending == Ending::TimedOut) throw Failure(kServiceLost, "no echo arrived in time; see --timeout");
     return received;
 }
 
@@ -152,7 +152,7 @@ Answer Echo(Context& context, const EchoRequest& request)
     const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);
     const Bytes received = Exchange(loop, *peer, request);
     const std::string echo(received.begin(), received.end());
-    if (echo != request.text) throw Failure(kNothingDone, "what came back differs from what was sent: " + echo);
+    if (echo != request.text) throw Failure(kNothingDone, "the echo differs from the text sent: " + echo);
     return {{{"verb", "eap echo"}, {"session", peer->Number()}, {"sent", request.text}, {"received", echo}},
             Printable(echo)};
 }

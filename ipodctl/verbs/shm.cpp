@@ -109,7 +109,7 @@ Answer DumpVector(const std::string& name, const Output& out)
     const auto plan = std::find_if(plans.begin(), plans.end(),
                                    [&](const SegmentPlan& each) { return holds(each.lists) || holds(each.buffers); });
     if (!LookAt(plan->name).isMemory)
-        throw Failure(kNoSegments, std::string("there is no segment ") + plan->name + "; start the service");
+        throw Failure(kNoSegments, std::string("segment ") + plan->name + " does not exist; start the service");
     const std::string bytes = ReadVector(*plan, name);
     Json json{{"verb", "shm"}, {"vector", name}};
     if (holds(plan->buffers))
@@ -150,7 +150,7 @@ layout::Facts Describe()
     }
     catch (const boost::interprocess::interprocess_exception& error)
     {
-        throw Failure(kNoSegments, std::string("no segment can be made to look at: ") + error.what());
+        throw Failure(kNoSegments, std::string("cannot create a segment to measure: ") + error.what());
     }
 }
 

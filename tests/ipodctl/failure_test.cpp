@@ -33,8 +33,8 @@ TEST_P(ToFailureGives, AnExitCodeAndALineThatSaysWhatIsWrong)
 
 INSTANTIATE_TEST_SUITE_P(All, ToFailureGives,
                          testing::Values(Case{ErrorKind::NoBus, kServiceLost, "bus closed"},
-                                         Case{ErrorKind::NoService, kServiceLost, "went away", "running"},
-                                         Case{ErrorKind::ServiceLost, kServiceLost, "went away", "running"},
+                                         Case{ErrorKind::NoService, kServiceLost, "disappeared", "running"},
+                                         Case{ErrorKind::ServiceLost, kServiceLost, "disappeared", "running"},
                                          Case{ErrorKind::TimedOut, kServiceLost, "in time", "--deadline"},
                                          Case{ErrorKind::Refused, kNothingDone, "refused"},
                                          Case{ErrorKind::BadReply, kServiceLost, "broken answer"},

@@ -949,11 +949,11 @@ class WithTheSimulator(OnABusWithTheSimulator):
             return got
 
     def test_a_socket_that_cannot_be_made_is_told(self):
-        self.assertIn("cannot make the socket",
+        self.assertIn("cannot create the socket",
                       self.refused("eap", "bridge", "--socket", "/nonexistent/socket", code=USAGE))
         with open(os.path.join(self.folder.name, "file"), "w", encoding="utf-8"):
             pass
-        self.assertIn("cannot make the socket 'file': it exists and is not a socket",
+        self.assertIn("cannot create the socket 'file': it exists and is not a socket",
                       self.refused("eap", "bridge", "--socket", "file", code=USAGE))
 
     def test_bytes_that_cannot_be_sent_are_told(self):
@@ -1171,7 +1171,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.simulator.kill()
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
-        self.assertIn(b"went away", err)
+        self.assertIn(b"disappeared", err)
 
     def test_a_service_that_dies_during_a_list_is_told_by_one_reason(self):
         self.run_ctl("cd", "/Songs")
@@ -1179,7 +1179,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("ls")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
-        self.assertEqual(err.decode(), "ipodctl: the iPod service went away: it left the bus before it answered\n"
+        self.assertEqual(err.decode(), "ipodctl: the iPod service disappeared: it left the bus before it answered\n"
                                        "hint: check whether the service is running, then try again\n")
 
     def test_a_bus_that_goes_away_while_events_are_followed_is_told(self):
