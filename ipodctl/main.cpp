@@ -1,4 +1,4 @@
-// ipodctl: the iPod service from the command line.
+// ipodctl: command-line client of the iPod service.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,7 +19,7 @@ namespace
 {
 constexpr int kWidthOfHelp = 80;
 
-// Once on standard error for people; and as the answer, where one object per answer was asked for.
+// Prints the failure on standard error and, with --json, also as a JSON object on standard output.
 int Report(const Options& options, const Failure& failure)
 {
     std::fprintf(stderr, "ipodctl: %s\n", Printable(failure.what()).c_str());
@@ -66,7 +66,7 @@ int Execute(int argc, char** argv, Options& options)
     return RunVerb(run, options);
 }
 
-// The answer of a command, for the completion of another.
+// Runs a command and returns its answer, which completes another command.
 Json Ask(std::vector<std::string> words)
 {
     constexpr double kPatience = 1;
@@ -82,7 +82,7 @@ Json Ask(std::vector<std::string> words)
     return run(context).json;
 }
 
-// Hidden, for the shells: "ipodctl complete WORD... BEGINNING" prints what can follow, whatever it begins with.
+// Hidden command for shells: "ipodctl complete WORD... PREFIX" prints all candidates; the shell filters them by PREFIX.
 int Complete(const std::vector<std::string>& words)
 {
     CLI::App app;
@@ -95,7 +95,7 @@ int Complete(const std::vector<std::string>& words)
 int Main(int argc, char** argv)
 {
     Options options;
-    // Also when the rest of the command line turns out to be wrong.
+    // Detect --json before parsing, so that usage errors are reported as JSON too.
     options.json = std::find(argv, argv + argc, std::string("--json")) != argv + argc;
     try
     {
@@ -116,7 +116,8 @@ int Main(int argc, char** argv)
     }
 }
 
-// A descriptor that is closed would be taken by the next file that is opened. What is written there still fails.
+// Opens closed standard descriptors, which the next open() would reuse otherwise. They are read-only, so writes still
+// fail.
 void OpenStandardStreams()
 {
     int opened = 0;

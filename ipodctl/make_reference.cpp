@@ -1,4 +1,4 @@
-// Writes the reference of ipodctl from its command line and from a page of prose in Markdown:
+// Generates the ipodctl reference from its command line and a Markdown page:
 // make-reference markdown|man PAGE >OUTPUT
 #include <fstream>
 #include <iostream>
@@ -13,8 +13,8 @@ namespace
 {
 using Lines = std::vector<std::string>;
 
-// The page has "@options", "@commands", "@exit-codes", and "@environment" where these belong; behind "@notes", a
-// section per command that has more to say than its help.
+// The Markdown page. "@options", "@commands", "@exit-codes", and "@environment" are placeholders for generated parts. A
+// section "#### COMMAND" has notes to append to the help of that command.
 struct Page
 {
     Lines lines;
@@ -40,7 +40,7 @@ void AddRows(Lines& lines, const std::vector<HelpRow>& rows)
     for (const HelpRow& row : rows) lines.push_back("* `" + row.name + "`: " + row.description);
 }
 
-// Every command has the option for help.
+// Lists --help once, for the program: every command accepts it.
 void AddOptions(Lines& lines, const CLI::App& app)
 {
     std::vector<HelpRow> rows;
@@ -71,7 +71,7 @@ void AddCommands(Lines& lines, const CLI::App& app, std::map<std::string, Lines>
     }
 }
 
-// One empty line where there were several.
+// Replaces the placeholders and collapses consecutive empty lines.
 Lines Reference(const CLI::App& app, Page page)
 {
     Lines lines;
@@ -100,7 +100,7 @@ std::string Escaped(const std::string& text)
     return (request ? R"(\&)" : "") + escaped;
 }
 
-// `code` becomes bold, and within it what stands for a value, in capital letters, italic.
+// Renders `code` in bold and, inside it, placeholders in capital letters in italics.
 std::string ToRoff(const std::string& text)
 {
     static const std::regex link(R"(\[([^\]]*)\]\([^)]*\))");
@@ -113,7 +113,7 @@ std::string ToRoff(const std::string& text)
     return roff;
 }
 
-// The subset of Markdown that the page uses, line by line.
+// Converts the page's subset of Markdown to roff, line by line.
 class ManualWriter
 {
 public:
@@ -153,7 +153,7 @@ private:
             std::cout << (std::exchange(m_paragraph, false) ? ".PP\n" : "") << ToRoff(line) << "\n";
     }
 
-    // The title of the page is in its head, that of a command is its usage, which follows.
+    // Omits the page title, which .TH prints, and command titles, which the usage line replaces.
     void WriteTitle(std::ptrdiff_t depth, const std::string& title)
     {
         if (std::exchange(m_inside, false)) std::cout << ".RE\n";

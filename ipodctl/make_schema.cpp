@@ -1,4 +1,4 @@
-// Completes the JSON Schema of ipodctl's answers with events and the values of the kit: make-schema ANSWERS >SCHEMA
+// Adds the events and values of ipodkit to the JSON Schema of ipodctl's answers: make-schema ANSWERS >SCHEMA
 #include <ipodkit/event.h>
 
 #include <fstream>

@@ -14,7 +14,8 @@ namespace ctl
 {
 namespace
 {
-// The kernel takes no longer variable; who wants such a value reads it from the input.
+// In bytes, below the kernel's limit for one environment string. Longer values are passed only as JSON on standard
+// input.
 constexpr std::size_t kLongestVariable = std::size_t{64} * 1024;
 
 bool WriteAll(int file, const std::string& text)
@@ -28,7 +29,7 @@ bool WriteAll(int file, const std::string& text)
     return lseek(file, 0, SEEK_SET) == 0;
 }
 
-// However long it is, nobody waits for the reader.
+// Uses a memory file instead of a pipe: writing never blocks on the reader, whatever the size.
 int FileWith(const std::string& text)
 {
     const int file = memfd_create("ipodctl-event", MFD_CLOEXEC);
@@ -49,7 +50,8 @@ gchar** EnvironmentWith(const Json& fields)
     return environment;
 }
 
-// So that a signal reaches all that the command has started, and reaches it once: not from the terminal as well.
+// Creates a process group, so that Stop() reaches all descendants of the command, and a signal from the terminal does
+// not reach them a second time.
 void BecomeGroup(gpointer)
 {
     setpgid(0, 0);
@@ -79,7 +81,7 @@ void CommandQueue::Add(Job job)
     if (IsIdle()) StartNext();
 }
 
-// Also when it was stopped, such as for reading from the terminal.
+// Sends SIGCONT as well: the command may be stopped, for example after reading from the terminal.
 void CommandQueue::Stop(int signal)
 {
     Drop();

@@ -1,5 +1,5 @@
 /// @file
-/// Runs a command of the shell for one event after the other, while the main loop goes on.
+/// Runs a shell command for each event, one at a time, without blocking the main loop.
 #pragma once
 
 #include <glib.h>
@@ -17,26 +17,27 @@ class CommandQueue
 public:
     struct Job
     {
-        Json fields;        ///< become variables of the environment
+        Json fields;        ///< passed as environment variables; see VariableFor()
         std::string input;  ///< standard input of the command
     };
 
-    /// @param idle      called when the last one has ended
-    /// @param complain  called with what went wrong
+    /// @param idle      called when no job is running or pending anymore
+    /// @param complain  called with the message if a command cannot be started or fails
     CommandQueue(std::string command, std::function<void()> idle, std::function<void(const std::string&)> complain);
     ~CommandQueue();
     CommandQueue(const CommandQueue&) = delete;
     CommandQueue& operator=(const CommandQueue&) = delete;
 
-    /// Runs the command when those before it have ended.
+    /// Queues a job; the command starts when all earlier ones have exited.
     void Add(Job job);
 
     bool IsIdle() const { return m_child == 0; }
 
-    /// What has not been started never is.
+    /// Discards all jobs that have not been started.
     void Drop() { m_waiting.clear(); }
 
-    /// The same, and the running one is sent a signal with all that it has started; a second time it is killed.
+    /// Discards all pending jobs and sends @p signal to the process group of the running command. Later calls send
+    /// SIGKILL.
     void Stop(int signal);
 
 private:
@@ -53,6 +54,6 @@ private:
     guint m_watch = 0;
 };
 
-/// The name of a field's variable: "IPOD_POSITION_MS" for "position_ms".
+/// Returns the environment variable for a field: "IPOD_POSITION_MS" for "position_ms".
 std::string VariableFor(const std::string& field);
 }  // namespace ctl

@@ -19,7 +19,7 @@ std::string TextOf(const Json& value)
     return Printable(value.is_string() ? value.get<std::string>() : value.dump());
 }
 
-// "status ringing, name Anna"
+// Formats fields as "status ringing, name Anna".
 std::string Listed(const Json& fields)
 {
     std::string text;
@@ -37,10 +37,10 @@ std::string SessionText(std::uint16_t number)
     return "session " + std::to_string(number);
 }
 
-/// How an event reads on one line.
+/// Formats an event as one line.
 struct Text
 {
-    // Events with one field.
+    // Formats events that have a single field.
     template <class E>
     std::string operator()(const E& event) const
     {
@@ -114,7 +114,7 @@ void AddNames(std::vector<std::string>& names)
         });
 }
 
-// Calls @p use with a null pointer to each kind of event.
+// Calls @p use with a null pointer of each event type.
 template <class Use, class... Events>
 void ForEachKind(const Use& use, const std::variant<Events...>*)
 {
@@ -158,7 +158,7 @@ Answer ToAnswer(const Event& event)
 
 namespace
 {
-// From the name of an event's field to the name that the player's fields have for it.
+// Maps the name of an event field to the name of the player field.
 using Renaming = std::map<std::string, std::string>;
 
 const std::map<std::string, Renaming>& Renamings()
@@ -184,7 +184,7 @@ void TakeTrack(Json& player, const Json& track)
     player["position"] = 0;
 }
 
-// As if each part had been reported by an event.
+// Converts the state to the events that would have reported it.
 std::vector<ipodkit::Event> AsEvents(const ipodkit::PlayerState& state)
 {
     std::vector<ipodkit::Event> events;

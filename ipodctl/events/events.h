@@ -1,5 +1,5 @@
 /// @file
-/// The twenty events of the service, as something that can be shown.
+/// Converts the twenty events of the service to text and JSON.
 #pragma once
 
 #include <ipodkit/event.h>
@@ -21,30 +21,30 @@ struct Event
 
 Event ToEvent(const ipodkit::Event& event);
 
-/// What Event::name may be.
+/// Returns all possible values of Event::name.
 const std::vector<std::string>& EventNames();
 
-/// The names of all fields that events have.
+/// Returns the field names of all events.
 std::vector<std::string> NamesOfEventFields();
 
-/// The event with the local time of now, in both forms.
+/// Returns the event as text and JSON, with the current local time.
 Answer ToAnswer(const Event& event);
 
-/// All names that templates may use, those of the player first.
+/// Returns all names that templates may use, player fields first.
 const std::vector<std::string>& EventFieldNames();
 
 class EventFields
 {
 public:
-    /// Takes what is known from a state of the player, in place of everything that was known before.
+    /// Replaces all player fields with those of @p state.
     void Reset(const ipodkit::PlayerState& state);
 
-    /// Updates what is known of the player from an event.
+    /// Updates the player fields from an event.
     ///
-    /// @return  an object without inner objects: what is known of the player, then the event's own fields
+    /// @return  a flat object: the player fields, overridden by the event's own fields
     Json With(const Event& event);
 
-    /// What is known of the player, with the time of now.
+    /// Returns the player fields and the current local time.
     Json OfPlayer() const;
 
 private:

@@ -34,7 +34,7 @@ public:
     }
 
 private:
-    // What is wider than the terminal would stay in the lines above.
+    // Cuts the line to the terminal width: a wrapped line would leave remnants above.
     void ShowBar(const Event& event)
     {
         m_out.Measure();
@@ -119,7 +119,7 @@ std::unique_ptr<Presentation> PresentationFor(const Following& following, Output
     return following.format.empty() ? UsualLines(out) : FormattedLines(out, following.format);
 }
 
-// A service that is not there yet is no failure for those who wait for it.
+// With --wait, a missing service is not an error.
 ipodkit::Session& KitFor(Session& session, bool wait)
 {
     try
@@ -196,7 +196,7 @@ void Follower::Begin()
     m_presentation->Begin(*m_context.session.Kit().State());
 }
 
-// The first connection is silent; what happens afterwards is told once.
+// Reports each change of the connection once; the initial connection is silent.
 void Follower::Judge(const ipodkit::Connection& connection)
 {
     if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus) throw ToFailure(*connection.error);
@@ -209,7 +209,7 @@ void Follower::Judge(const ipodkit::Connection& connection)
     if (news) m_told = connection.phase;
 }
 
-// Events that come later are not taken.
+// Subscribes to events for the duration of the call only.
 Ending Follower::AwaitEvents()
 {
     ipodkit::Session& session = KitFor(m_context.session, m_following.wait);
@@ -228,8 +228,8 @@ Ending Follower::AwaitEvents()
     return ending;
 }
 
-// The events that were waited for all get their command. The time that was given is for the events: a command that was
-// started may end.
+// Waits for the queued commands. The time limit applies to events: when it expires, pending commands are dropped, but a
+// running one may finish.
 void Follower::AwaitCommands(Ending ending)
 {
     while (!m_presentation->IsDone())

@@ -1,5 +1,5 @@
 /// @file
-/// Follows events, also over restarts of the service: presents them one by one until enough have come.
+/// Follows events across restarts of the service and presents each one until a limit is reached.
 #pragma once
 
 #include <ipodkit/player_state.h>
@@ -17,52 +17,53 @@ class Presentation
 public:
     virtual ~Presentation() = default;
 
-    /// The player's state afresh, when the service has appeared.
+    /// Called with the current player state whenever the service becomes ready.
     virtual void Begin(const ipodkit::PlayerState&) {}
 
-    /// @param wanted  whether it is to be presented; otherwise it is only learned from
+    /// Processes one event.
+    /// @param wanted  whether to present the event; otherwise it only updates the player fields
     virtual void Take(const Event& event, bool wanted) = 0;
 
-    /// Whether nothing of what was taken is still to be done.
+    /// Returns whether all events passed to Take() have been processed.
     virtual bool IsDone() const { return true; }
 
-    /// Nothing of it is begun any more.
+    /// Discards work that has not been started.
     virtual void Drop() {}
 
-    /// The same, and what is being done is to end: it is passed the signal that ended this program.
+    /// Discards pending work and ends running work with the signal that interrupted ipodctl.
     virtual void Stop(int) {}
 };
 
-/// A line of the usual form; on a terminal, progress is a bar that stays in its line.
+/// Prints each event in the default format. On a terminal, progress events update a bar in place.
 std::unique_ptr<Presentation> UsualLines(Output& out);
 
-/// A line by a template.
-/// @throws Failure  kUsage, when there is something wrong with the template
+/// Prints each event by a template.
+/// @throws Failure  kUsage if the template is invalid
 std::unique_ptr<Presentation> FormattedLines(Output& out, const std::string& format);
 
-/// One run of a shell command after the other, with the fields in its environment and the event as JSON on its
+/// Runs a shell command for each event, one at a time, with the fields in its environment and the event as JSON on its
 /// standard input.
-/// @param loop  finished when all runs have ended that were waiting
+/// @param loop  finished when the last queued command has exited
 std::unique_ptr<Presentation> CommandRuns(Loop& loop, const std::string& command);
 
-/// When to end.
+/// When to stop following events.
 struct Limits
 {
     int count = 0;       ///< events to wait for, 0 for no limit
     double seconds = 0;  ///< time limit, 0 for none
-    std::string until;   ///< the name of the event that is the last one; empty for none
+    std::string until;   ///< name of the event to stop after; empty for none
 };
 
 struct Following
 {
     Limits limits;
     std::function<bool(const Event&)> wanted = [](const Event&) { return true; };
-    std::string format;   ///< a template to show each event by; empty for the usual line
-    std::string command;  ///< to run for each event in place of showing it; empty for none
-    bool wait = false;    ///< whether the service may come later
+    std::string format;   ///< template for each event; empty for the default line
+    std::string command;  ///< shell command to run for each event instead of printing it; empty for none
+    bool wait = false;    ///< whether to wait for a service that is not running yet
 };
 
-/// Presents every event that is wanted.
-/// @throws Failure  kNothingDone, when the time was up before the count or the last event was reached
+/// Presents the wanted events. Blocks until a limit is reached or the user interrupts.
+/// @throws Failure  kNothingDone if the time limit expires before Limits::count or Limits::until is reached
 Answer Follow(Context& context, const Following& following);
 }  // namespace ctl

@@ -66,7 +66,7 @@ Json CutTo(const Arguments& arguments)
     return Cut(Shown(arguments[0]), NumberIn(arguments[1]));
 }
 
-// A number that is meant as a width has some sense left below this.
+// Caps the width, so that a mistyped number does not produce huge lines.
 Json PadTo(const Arguments& arguments)
 {
     constexpr int kWidest = 10000;
@@ -116,7 +116,7 @@ std::size_t NameLength(std::string_view text)
     return static_cast<std::size_t>(end - text.begin());
 }
 
-// Other characters after a backslash stay as they are, and so does the backslash.
+// Keeps unknown escape sequences unchanged, including the backslash.
 std::string Unescaped(std::string_view text)
 {
     std::string plain;
@@ -130,13 +130,13 @@ std::string Unescaped(std::string_view text)
     return plain;
 }
 
-// What a message shows of the text that is wrong.
+// Returns the start of the unexpected text, quoted for an error message.
 std::string Start(std::string_view text)
 {
     constexpr int kShown = 12;
     return text.empty() ? "the end" : "'" + Cut(Printable(text), kShown) + "'";
 }
-/// Reads the text of a template piece by piece, and reports where it is wrong.
+/// Tokenizes a template and reports syntax errors with their column.
 class Scanner
 {
 public:
@@ -144,21 +144,22 @@ public:
 
     bool AtEnd() const { return m_at >= m_text.size(); }
 
-    /// Literal text up to the next "{{", with its escapes replaced.
+    /// Consumes literal text up to the next "{{" and returns it unescaped.
     std::string TakeLiteral();
 
-    /// Whether the text goes on with @p mark; takes it if so.
+    /// Consumes @p mark if it is next; returns whether it was. TakeAfterBlanks() skips blanks first.
     bool Take(std::string_view mark);
     bool TakeAfterBlanks(std::string_view mark);
 
-    /// A name, digits, or a quoted text after blanks; empty when there is none.
+    /// Skip blanks, then consume a name, digits, or quoted text. Return an empty string (TakeQuoted(): false) if there
+    /// is none.
     std::string TakeName();
     std::string TakeNumber();
     bool TakeQuoted(std::string& text);
 
     std::size_t Place() const { return m_at; }
 
-    /// @throws Failure  kUsage: "column 7: expected …, found …"
+    /// @throws Failure  kUsage: "format, column 7: expected …, found …"
     [[noreturn]] void Expected(const std::string& what) const { ExpectedAt(m_at, what); }
     [[noreturn]] void ExpectedAt(std::size_t place, const std::string& what) const;
 
@@ -235,7 +236,7 @@ void Scanner::ExpectedAt(std::size_t place, const std::string& what) const
                               Start(std::string_view(m_text).substr(at)));
 }
 
-/// By recursive descent: one function per rule of the grammar.
+/// A recursive-descent parser with one function per grammar rule.
 class Parser
 {
 public:
@@ -274,7 +275,7 @@ std::vector<Format::Piece> Parser::All()
     }
 }
 
-// The rules call each other; Called() ends what goes too deep.
+// The grammar rules are mutually recursive; Called() limits the depth.
 // NOLINTBEGIN(misc-no-recursion)
 Value Parser::Expression()
 {

@@ -1,5 +1,5 @@
 /// @file
-/// Templates for lines of output: text with values in it.
+/// Parses and renders output templates, which are text with embedded expressions.
 ///
 ///     {{ title | cut: 20 }} {{ duration(length) }} {{ artist | default: "?" }}
 ///
@@ -7,9 +7,9 @@
 ///     expression = primary { "|" function [ ":" primary { "," primary } ] }
 ///     primary    = field | number | "text" | 'text' | function "(" [ expression { "," expression } ] ")"
 ///
-/// Functions: default(x, y) is y where x is unknown or empty; duration(ms) is "3:45"; upper(x), lower(x);
-/// cut(x, n) is x in at most n columns, pad(x, n) in at least n; json(x). `x | f: y` is `f(x, y)`.
-/// In text, \n, \t and \\ are a new line, a tab and \.
+/// Functions: default(x, y) is y if x is unknown or empty; duration(ms) is "3:45"; upper(x), lower(x); cut(x, n)
+/// truncates x to n columns, pad(x, n) pads it to n; json(x). `x | f: y` is `f(x, y)`. In text, \n, \t, and \\ are a
+/// newline, a tab, and a backslash.
 #pragma once
 
 #include <functional>
@@ -20,25 +20,27 @@
 
 namespace ctl
 {
-/// A value within a line: printable, empty when it is unknown.
+/// Formats a value as printable text; empty if the value is unknown.
 std::string Shown(const Json& value);
 
 class Format
 {
 public:
-    /// @param fields  the names that a template may use
-    /// @throws Failure  kUsage, with the column, and what was expected there
+    /// Parses a template.
+    /// @param fields  the names that the template may use
+    /// @throws Failure  kUsage, with the column of the error and what was expected there
     static Format Parse(const std::string& text, const std::vector<std::string>& fields);
 
-    /// @param values  an object; a field that it does not have is unknown
-    /// @return  safe to show, but for control characters of the template itself
+    /// Renders the template.
+    /// @param values  an object; missing fields are unknown
+    /// @return  text that is safe for terminals, except for control characters in the template itself
     std::string Render(const Json& values) const;
 
     using Value = std::function<Json(const Json& values)>;
     struct Piece
     {
         std::string text;
-        Value value;  ///< shown after the text; null at the end
+        Value value;  ///< rendered after the text; null in the last piece
     };
 
 private:

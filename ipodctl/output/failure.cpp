@@ -24,7 +24,7 @@ ExitCode CodeFor(ErrorKind kind)
     }
 }
 
-// In front of the reason.
+// Returns the prefix for the error's reason.
 const char* Summary(ErrorKind kind)
 {
     switch (kind)

@@ -1,5 +1,5 @@
 /// @file
-/// How a run of ipodctl ends when it fails.
+/// Exit codes of ipodctl, and the exceptions that end a run early.
 #pragma once
 
 #include <ipodkit/error.h>
@@ -10,25 +10,25 @@
 
 namespace ctl
 {
-/// Exit codes. They are part of the program's interface: scripts rely on them.
+/// Exit codes. Scripts rely on them, so they are a stable interface.
 enum ExitCode : int
 {
     kDone = 0,
     kNothingDone = 1,    ///< the service refused, or there was nothing to do
     kUsage = 2,          ///< unknown command, index out of range, name not found
     kNoBus = 3,          ///< there is no session bus
-    kNoService = 4,      ///< nobody on the bus owns the service's name
+    kNoService = 4,      ///< the service's bus name has no owner
     kNoSegments = 5,     ///< shared memory cannot be attached or written
-    kServiceLost = 6,    ///< the service went away, did not answer, or what it sent is broken
-    kNoOutput = 7,       ///< standard output or a file accepts no more bytes
-    kInterrupted = 130,  ///< Ctrl-C, or asked to terminate, before it was done
+    kServiceLost = 6,    ///< the service exited, did not answer, or sent invalid data
+    kNoOutput = 7,       ///< writing to standard output or a file failed
+    kInterrupted = 130,  ///< SIGINT, SIGTERM, or SIGHUP before the command was done
 };
 
-/// Ends the run: a code, one line that reports what failed and why, and one that suggests a remedy.
+/// Ends the run with an exit code, a one-line message (what failed, why), and an optional hint.
 class Failure : public std::runtime_error
 {
 public:
-    /// @param hint  the remedy; empty when there is none
+    /// @param hint  the remedy; empty for none
     Failure(ExitCode code, const std::string& message, std::string hint = {})
         : std::runtime_error(message), m_code(code), m_hint(std::move(hint))
     {
@@ -43,13 +43,13 @@ private:
 
 inline constexpr char kHintForLost[] = "check whether the service is running, then try again";
 
-/// The end of a run for an error of the kit.
+/// Converts an ipodkit error to a Failure.
 ///
-/// @param refusal  the message when the service answered "false"; null: the error's own. An error reply has a name and
-///                 words of its own, and may mean anything.
+/// @param refusal  the message if the service answered "false"; null for the error's own. Ignored for D-Bus error
+/// replies, which have their own name and text.
 Failure ToFailure(const ipodkit::Error& error, const char* refusal = nullptr);
 
-/// Ends the run because somebody asked for it: nobody needs to be told.
+/// Ends the run at the user's request, without a message.
 struct Interrupted
 {
 };

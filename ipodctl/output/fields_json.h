@@ -1,5 +1,5 @@
 /// @file
-/// JSON from the tables of fields: the kit's values need no code of their own.
+/// Serializes ipodkit values to JSON by ipodkit's field tables.
 #pragma once
 
 #include <ipodkit/fields.h>
@@ -42,14 +42,14 @@ inline Json ToJson(const std::vector<unsigned char>& bytes)
     return Hex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
-/// What is unknown is null.
+/// Unknown values become null.
 template <class T>
 Json ToJson(const ipodkit::Known<T>& value)
 {
     return value ? ToJson(*value) : Json();
 }
 
-/// Puts the fields of a value into an object. What is absent is left out.
+/// Adds the fields of a value to an object. Omits absent optional fields.
 template <class T>
 void AddFields(Json& fields, const T& value)
 {

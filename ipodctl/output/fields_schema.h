@@ -1,5 +1,5 @@
 /// @file
-/// JSON Schema from the tables of fields; what ToJson() makes of a value fits it.
+/// Generates JSON Schema from ipodkit's field tables. The output of ToJson() conforms to it.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace ctl
 {
-/// "^(off|one|all|unknown:-?[0-9]+)$"
+/// Returns the pattern for the names of an enumeration, such as "^(off|one|all|unknown:-?[0-9]+)$".
 template <class E>
 std::string PatternOf()
 {
@@ -17,7 +17,7 @@ std::string PatternOf()
     return pattern + "unknown:-?[0-9]+)$";
 }
 
-/// The schema of an object with the fields of @p T; fields that may be absent are not required.
+/// Adds the fields of @p T to an object schema. Optional fields are not required.
 template <class T>
 void AddSchema(Json& object);
 

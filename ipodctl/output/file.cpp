@@ -65,7 +65,7 @@ std::string FileIn(const std::string& path, const char* name, const char* extens
     std::error_code ignored;
     const bool folder = !given.has_filename() || std::filesystem::is_directory(given, ignored);
     if (folder) return (given / name).string() + extension;
-    // What stands there and is no file, such as /dev/null, is meant as it is.
+    // Use an existing special file such as /dev/null under its exact name.
     const auto there = std::filesystem::status(given, ignored);
     const bool special = std::filesystem::exists(there) && !std::filesystem::is_regular_file(there);
     return given.has_extension() || special ? path : path + extension;

@@ -1,5 +1,5 @@
 /// @file
-/// Whole files, with clear errors.
+/// Reads and writes whole files.
 #pragma once
 
 #include <cstddef>
@@ -8,18 +8,19 @@
 
 namespace ctl
 {
-/// Far more than the shared memory takes; files without an end have one here.
+/// Default size limit in bytes: far above the capacity of the shared memory, and bounds endless files.
 constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 
-/// The bytes of a file, or of standard input for "-".
-/// @throws Failure  kUsage, when it cannot be read, or is longer than @p most bytes
+/// Returns the contents of a file, or of standard input for "-".
+/// @throws Failure  kUsage if it cannot be read or exceeds @p most bytes
 std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most = kMostBytes);
 
-/// Writes a file anew.
-/// @throws Failure  kUsage when it cannot be opened, kNoOutput when it cannot be written
+/// Creates or truncates a file and writes @p bytes to it.
+/// @throws Failure  kUsage if it cannot be opened, kNoOutput if it cannot be written
 void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes);
 
-/// Where to write: @p path itself when its last part has an extension, else with @p extension behind it; inside a
-/// folder under @p name and the extension. A path that ends with a slash is a folder.
+/// Returns the path of the file to write.
+/// If @p path is an existing folder or ends with a slash, this is the file @p name plus @p extension inside it.
+/// Special files and paths with an extension are returned unchanged; @p extension is appended to all others.
 std::string FileIn(const std::string& path, const char* name, const char* extension);
 }  // namespace ctl

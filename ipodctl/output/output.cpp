@@ -30,7 +30,7 @@ bool WantsColour()
     return noColour == nullptr || *noColour == '\0';
 }
 
-// As the C library would read it, without loading a locale for it.
+// Follows the precedence of setlocale() without loading a locale.
 bool HasUtf8Locale()
 {
     for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"})
@@ -143,7 +143,8 @@ void RefuseOutput(int error)
     throw Failure(kNoOutput, std::string("cannot write to standard output: ") + std::strerror(error));
 }
 
-// Whatever is unsafe below U+0020 is escaped by the dump itself; the rest can only stand inside its strings.
+// dump() escapes control characters below U+0020. Other unsafe characters can occur only inside strings, where \u
+// escapes are valid.
 std::string Dump(const Json& json)
 {
     const std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);

@@ -1,5 +1,5 @@
 /// @file
-/// The answer of a verb, and how it reaches standard output: as text, or as one JSON object per line.
+/// Writes the answers of verbs to standard output, as text or as one JSON object per line.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -14,15 +14,15 @@ namespace ctl
 {
 using Json = nlohmann::ordered_json;
 
-/// What a verb has to say, in both forms; the text has no newline at its end.
+/// The result of a verb as JSON and as text without a trailing newline.
 struct Answer
 {
     Json json;
     std::string text;
-    ExitCode code = kDone;  ///< what the run ends with
+    ExitCode code = kDone;  ///< exit code of the run
 };
 
-/// Thrown when nobody reads the output any more: this is not an error.
+/// Thrown when the reader of standard output closes it. Not an error: the program exits with 0.
 struct OutputClosed
 {
 };
@@ -35,14 +35,14 @@ enum class Colour
     Cyan,
 };
 
-/// The stream of the answers.
+/// Returns the original standard output stream.
 FILE* AnswerStream();
 
-/// Keeps standard output for the answers: from now on, `stdout` is standard error. The library prints a line to
-/// `stdout` for each record while logging is not set up.
+/// Reserves standard output for answers by pointing `stdout` at standard error. Until logging is set up, the library
+/// prints a line to `stdout` for each log record.
 void ReserveStandardOutput();
 
-/// Standard output. Colours and widths only where it is a terminal.
+/// Standard output. Uses colors and limits line widths only on a terminal.
 class Output
 {
 public:
@@ -51,38 +51,39 @@ public:
     bool json() const { return m_json; }
     bool terminal() const { return m_terminal; }
 
-    /// Whether the terminal understands text only: TERM=dumb.
+    /// Returns whether standard output is a terminal without control sequences (TERM=dumb).
     bool dumb() const { return m_dumb; }
 
-    /// Columns and rows of the terminal; very large numbers when it is none.
+    /// Size of the terminal in columns and rows; INT_MAX if standard output is not a terminal.
     int width() const { return m_width; }
     int height() const { return m_height; }
 
     bool colour() const { return m_colour; }
 
-    /// Whether the terminal shows more than ASCII. Without a terminal false, for those who read what is written.
+    /// Returns whether standard output is a terminal and the locale is UTF-8. Progress bars in piped output are ASCII.
     bool utf8() const { return m_utf8; }
 
-    /// Looks at the size of the terminal again.
+    /// Updates the terminal size.
     void Measure();
 
-    /// The text in a colour, or as it is where colour is not wanted (no terminal, NO_COLOR, TERM=dumb).
+    /// Returns the text in a color, or unchanged if colors are disabled (no terminal, NO_COLOR, TERM=dumb, JSON).
     std::string Paint(Colour colour, const std::string& text) const;
 
-    /// Writes one line and sees to it that it has arrived.
-    /// @throws OutputClosed, Failure when it cannot be written
+    /// Writes and flushes one line: @p json or @p text, depending on the output format. Skips empty text.
+    /// @throws OutputClosed  if the reader closed standard output
+    /// @throws Failure       kNoOutput if writing fails
     void Line(const Json& json, const std::string& text);
 
-    /// Writes text as it is, and sees to it that it has arrived.
+    /// Writes text unchanged and flushes it. Throws like Line().
     void Text(const std::string& text) { Raw(text.data(), text.size()); }
 
-    /// Replaces the last line of the terminal until the next Line(). For terminals only.
+    /// Replaces the current terminal line until the next Line(). For terminals only.
     void Transient(const std::string& text);
 
-    /// Leaves the line of Transient() standing and goes to the next one.
+    /// If Transient() wrote a line, keeps it and starts a new one.
     void Finish();
 
-    /// Writes bytes as they are.
+    /// Writes bytes unchanged and flushes them. Throws like Line().
     void Raw(const void* data, std::size_t size);
 
 private:
@@ -98,13 +99,15 @@ private:
     int m_height = INT_MAX;
 };
 
-/// @throws Failure  standard output takes no more, for this reason of errno
+/// Reports a failed write to standard output.
+/// @param error  the value of errno
+/// @throws Failure  kNoOutput
 [[noreturn]] void RefuseOutput(int error);
 
-/// A JSON value on one line, safe to show: invalid UTF-8 replaced, unsafe characters escaped.
+/// Serializes JSON to one line that is safe for terminals: replaces invalid UTF-8, escapes unsafe characters.
 std::string Dump(const Json& json);
 
-/// A local time.
+/// A point in local time, formatted.
 struct Moment
 {
     std::string full;   ///< "2026-11-21T10:12:42.123+01:00"
@@ -116,8 +119,8 @@ struct Moment
 constexpr char kServiceIsThere[] = "the iPod service is there; following its events";
 constexpr char kServiceLeft[] = "the iPod service left the bus; waiting for it to come back";
 
-/// For people on standard error; for programs a line of the same kind as the events.
+/// Reports a change of the service: as text on standard error, or as a JSON line like those of events.
 ///
-/// @param line  whether programs read lines of JSON
+/// @param line  whether to write a JSON line to standard output instead of text to standard error
 void TellOfService(Output& out, bool line, const char* state, const std::string& what);
 }  // namespace ctl

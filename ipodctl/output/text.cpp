@@ -16,7 +16,7 @@ constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
 constexpr int kMaxDigits = 9;
 
-// One character of a text that may be broken; bytes is at least 1.
+// The first character of possibly invalid UTF-8; bytes is at least 1.
 struct Character
 {
     gunichar codePoint;
@@ -43,7 +43,7 @@ bool IsDigits(std::string_view text)
            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// Minutes and seconds behind a colon have two digits and are below 60.
+// Requires two digits and a value below 60 after each colon.
 std::optional<long> SecondsIn(std::string_view text)
 {
     long total = 0;
@@ -191,7 +191,7 @@ std::vector<int> Widths(const std::vector<Row>& rows)
     return widths;
 }
 
-// Narrows the widest column until the line fits, or until nothing sensible would be left of it.
+// Narrows the widest column until the line fits or that column reaches its minimum width.
 void Fit(std::vector<int>& widths, int width)
 {
     if (widths.empty()) return;
@@ -242,7 +242,7 @@ std::string Repeated(const char* symbol, int times)
     return text;
 }
 
-// In half columns, because the line has a symbol for half of one.
+// Counts in half columns, because "╸" fills half of one.
 std::string LineBar(int position, int length, int width)
 {
     if (length <= 0) return Repeated("─", width);

@@ -15,7 +15,7 @@ namespace
 {
 constexpr int kAnswerWithin = 10000;
 
-// An object whose bus name is that of its interface, too.
+// An object whose interface has the same name as its bus name.
 struct Address
 {
     const char* name;

@@ -1,5 +1,5 @@
 /// @file
-/// Calls beside those of the service: to the bus daemon and to the simulator. Each is logged with its duration.
+/// Calls the bus daemon and the simulator. Logs each call with its duration.
 #pragma once
 
 #include <gio/gio.h>
@@ -10,7 +10,7 @@ namespace ctl
 {
 class Session;
 
-/// The name that the service owns on the bus.
+/// Well-known bus name of the service.
 inline constexpr char kServiceName[] = "com.zarn.linux.ipod";
 
 struct VariantUnref
@@ -19,15 +19,15 @@ struct VariantUnref
 };
 using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;
 
-/// Calls a method of the bus daemon and blocks for ten seconds at most.
-/// @param arguments  a floating tuple, or null for none
-/// @return  its answer, a tuple; null when it refused
+/// Calls a method of the bus daemon. Blocks for at most ten seconds.
+/// @param arguments  a floating tuple, consumed by the call; null for none
+/// @return  the reply tuple; null if the call failed
 VariantPtr AskBus(GDBusConnection* bus, const char* method, GVariant* arguments);
 
-/// Calls a method of the simulator's control interface and blocks for the session's deadline at most.
-/// @param arguments  a floating tuple, or null for none
-/// @return  its answer, a tuple
-/// @throws Failure  kNoBus, kNoService, kUsage for arguments that are not valid, kNothingDone for a refusal,
-/// kServiceLost
+/// Calls a method of the simulator's control interface. Blocks for at most the session's deadline.
+/// @param arguments  a floating tuple, consumed by the call; null for none
+/// @return  the reply tuple
+/// @throws Failure  kNoBus, kNoService, kUsage for invalid arguments, kNothingDone for any other error reply,
+/// kServiceLost without a reply
 VariantPtr AskSimulator(Session& session, const char* method, GVariant* arguments);
 }  // namespace ctl

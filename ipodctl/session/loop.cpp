@@ -13,7 +13,7 @@ namespace ctl
 {
 namespace
 {
-// By nohup.
+// Returns true if the parent, such as nohup, made the process ignore SIGHUP.
 bool HangUpIsIgnored()
 {
     struct sigaction action
@@ -77,7 +77,7 @@ void Loop::AddSignals()
     if (!HangUpIsIgnored()) m_sources.push_back(g_unix_signal_add(SIGHUP, &Loop::OnSignal<SIGHUP>, this));
 }
 
-// Whoever wants it to end is heard, whatever else happens in the same moment.
+// An interruption takes precedence over other endings in the same iteration.
 void Loop::End(Ending ending)
 {
     if (m_ending != Ending::Interrupted) m_ending = ending;
@@ -141,7 +141,7 @@ SuspendSignal::~SuspendSignal()
     Mask(SIG_UNBLOCK);
 }
 
-// Only a signal that is sent to this thread is sure to stop it here.
+// Uses raise(): only a signal directed at this thread is guaranteed to stop it here.
 void SuspendSignal::Obey() const
 {
     signalfd_siginfo taken;

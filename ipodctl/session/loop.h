@@ -1,5 +1,5 @@
 /// @file
-/// Runs the main loop in which answers and events arrive, until something ends it.
+/// Runs the GLib main loop, which delivers replies and events, until it finishes, times out, or is interrupted.
 #pragma once
 
 #include <glib.h>
@@ -13,11 +13,11 @@ namespace ctl
 enum class Ending
 {
     Finished,     ///< Finish() was called
-    TimedOut,     ///< the time was up
-    Interrupted,  ///< Ctrl-C, or asked to terminate, or the terminal went away
+    TimedOut,     ///< the time limit expired
+    Interrupted,  ///< SIGINT, SIGTERM, or SIGHUP
 };
 
-/// The main loop with its ends. May be run again. While it exists, Ctrl-C ends it and not the process.
+/// A main loop that can be run repeatedly. While an instance exists, Ctrl-C ends the loop instead of the process.
 class Loop
 {
 public:
@@ -26,26 +26,26 @@ public:
     Loop(const Loop&) = delete;
     Loop& operator=(const Loop&) = delete;
 
-    /// Runs until one of the endings, delivering answers and events meanwhile.
+    /// Blocks until the loop ends; delivers replies and events meanwhile.
     ///
-    /// @param seconds  time limit; 0 or below for none
-    /// @throws OutputClosed  the reader of standard output is gone, after EndWithOutput()
-    /// @throws               whatever a function given to Guard() threw
+    /// @param seconds  time limit; no limit if 0 or negative
+    /// @throws OutputClosed  if the reader of standard output closed it, after EndWithOutput()
+    /// Rethrows exceptions thrown by functions passed to Guard().
     Ending Run(double seconds);
 
     void Finish() { End(Ending::Finished); }
 
-    /// The signal that interrupted it last, 0 for none.
+    /// Returns the last signal that interrupted the loop, 0 if none did.
     int Signal() const { return m_signal; }
 
-    /// From now on it also ends when nobody reads standard output any more.
+    /// Makes Run() throw OutputClosed when the reader of standard output closes it.
     void EndWithOutput();
 
-    /// From now on it calls a function whenever a descriptor can be read.
+    /// Calls a function from the loop whenever @p descriptor is readable. The caller keeps ownership of the descriptor.
     void WhenReadable(int descriptor, std::function<void()> function);
 
-    /// Calls a function from inside a callback; what it throws comes out of Run(), because no exception may pass
-    /// through the layers in between.
+    /// Calls a function from within a callback. Exceptions must not propagate through the C frames of GLib, so Run()
+    /// rethrows them.
     void Guard(const std::function<void()>& function);
 
 private:
@@ -70,8 +70,8 @@ private:
     std::vector<guint> m_sources;
 };
 
-/// From construction to destruction, the request to suspend arrives on a descriptor instead of suspending. To be
-/// constructed before any other thread is, because they inherit that.
+/// Redirects SIGTSTP to a descriptor during its lifetime. Construct it before starting threads, because they inherit
+/// the signal mask.
 class SuspendSignal
 {
 public:
@@ -80,10 +80,10 @@ public:
     SuspendSignal(const SuspendSignal&) = delete;
     SuspendSignal& operator=(const SuspendSignal&) = delete;
 
-    /// Readable when it was requested.
+    /// Returns the descriptor, which becomes readable when SIGTSTP arrives. Owned by this object.
     int Descriptor() const { return m_descriptor; }
 
-    /// Suspends the program, as requested; returns when it goes on.
+    /// Suspends the process if SIGTSTP is pending; returns when the process resumes.
     void Obey() const;
 
 private:

@@ -11,16 +11,17 @@ namespace ctl
 {
 namespace
 {
-// Beyond the deadline of each answer: a creator of shared memory, or a lock of a dead process.
+// Seconds to wait in addition to the reply deadline: attaching may wait for the creator of the shared memory, or for a
+// lock held by a dead process.
 constexpr double kPatience = 12;
 
-// In place of the log that the application of a head unit sets up. QBX_LOG has done so before main().
+// Sets up logging, which head unit applications do themselves. The library has already applied QBX_LOG before main().
 void SetLoggingUp(bool verbose)
 {
     if (verbose || liblog_category == nullptr) QBX_LogInit(verbose ? "DEBUG" : "ERROR:/dev/null");
 }
 
-// Whether it got there; what stands in the way ends the run.
+// Returns whether the connection is ready. Throws Failure if it is lost or has an error.
 bool IsReady(const ipodkit::Connection& connection)
 {
     if (connection.phase == ipodkit::Phase::Lost)
@@ -97,7 +98,7 @@ void Session::AwaitReady()
         throw Failure(kServiceLost, "the iPod service did not answer in time", "check whether it hangs");
 }
 
-// Lists of a service that is gone are cancelled by the companion as those that became others; people want to know why.
+// When the service exits, ipodkit cancels pending list requests as if the list had changed. Report the actual cause.
 ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
 {
     const bool lost = m_kit != nullptr && m_kit->Connection().phase == ipodkit::Phase::Lost;
@@ -106,7 +107,7 @@ ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
     return {ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus before it answered" : error.reason};
 }
 
-// The bus may know how to start the service.
+// The bus daemon may be able to activate the service.
 void Session::StartService()
 {
     if (IsServiceThere()) return;

@@ -1,6 +1,6 @@
 /// @file
-/// The connection to the service: checks the bus first, so that every way of not reaching the service has its own exit
-/// code; then the companion's session, and calls whose failure ends the run.
+/// Connects to the service through an ipodkit session. Checks the bus and the service first, so that each connection
+/// error has its own exit code. Failed requests throw Failure.
 #pragma once
 
 #include <gio/gio.h>
@@ -20,30 +20,30 @@ namespace ctl
 struct Settings
 {
     bool verbose = false;
-    double deadline = 10;  ///< seconds that the service may take for an answer
+    double deadline = 10;  ///< reply timeout in seconds
 };
 
 class Session
 {
 public:
-    /// Connects to nothing yet: the first use does, so that wrong arguments are reported without a service.
+    /// Does not connect yet: the first use does, so that usage errors are reported even without a service.
     explicit Session(const Settings& settings);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Makes a request and hands its result over.
+    /// Sends a request, blocks until it completes, and returns its value.
     ///
-    /// @param refusal  what to say when the service answers "false"; null: its own words
-    /// @throws Failure  when it failed
+    /// @param refusal  the message if the service answers "false"; null for the error's own message
+    /// @throws Failure  if the request fails
     template <class T>
     T Ask(ipodkit::Request<T> request, const char* refusal = nullptr)
     {
         return Taken(std::move(request).Wait(), refusal);
     }
 
-    /// Starts a request that the companion completes in the main loop, and waits for it.
-    /// @throws Interrupted
+    /// Starts a request that ipodkit completes in the main loop, and runs the loop until it does.
+    /// @throws Interrupted  on SIGINT, SIGTERM, or SIGHUP
     template <class T>
     ipodkit::Result<T> Await(ipodkit::Request<T> request)
     {
@@ -62,8 +62,8 @@ public:
         return **result;
     }
 
-    /// The value of a result.
-    /// @throws Failure  when there is none
+    /// Returns the value of a result.
+    /// @throws Failure  if the result is an error
     template <class T>
     T Taken(ipodkit::Result<T> result, const char* refusal = nullptr)
     {
@@ -71,25 +71,28 @@ public:
         if constexpr (!std::is_void_v<T>) return std::move(*result);
     }
 
-    /// What can be asked before the session is ready.
-    /// @throws Failure  when there is no bus or no service
+    /// Returns the requests, usable before the session is ready.
+    /// @throws Failure  if there is no bus or no service
     ipodkit::Commands Commands() { return Kit().Commands(); }
 
-    /// The companion's session, whatever the service is doing.
-    /// @throws Failure  when there is no bus or no service
+    /// Returns the ipodkit session in any phase; opens it on first use.
+    /// @throws Failure  if there is no bus or no service
     ipodkit::Session& Kit();
 
-    /// The same when the service may come later.
+    /// Same as Kit(), but does not require a running service: it may start later.
     ipodkit::Session& KitWithoutService();
 
-    /// The same, once it knows the state of the player and has the shared memory.
-    /// @throws Failure  when it does not come to that
+    /// Same as Kit(), but blocks until the session has the player state and the shared memory.
+    /// @throws Failure  if the session does not become ready in time
+    /// @throws Interrupted  on SIGINT, SIGTERM, or SIGHUP
     ipodkit::Session& Ready();
 
-    /// How long an answer may take, in milliseconds.
+    /// Returns the reply timeout in milliseconds, at least 1.
     int Deadline() const { return std::max(1, static_cast<int>(m_settings.deadline * 1000)); }
 
-    /// The session bus that the library uses.
+    /// Returns the session bus connection, shared with the library; connects on first use. This object holds the
+    /// reference.
+    /// @throws Failure  kNoBus if there is no session bus
     GDBusConnection* Bus();
 
 private:

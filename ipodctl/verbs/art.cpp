@@ -1,4 +1,4 @@
-// The picture of the playing track.
+// Saves the artwork of the playing track.
 #include "output/fields_json.h"
 #include "output/file.h"
 #include "output/text.h"

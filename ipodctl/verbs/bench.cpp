@@ -1,4 +1,4 @@
-// How long the requests of the kit take, which are the commands of the service.
+// Measures the latency of ipodkit requests, each of which is one command of the service.
 #include <chrono>
 #include <cstdio>
 
@@ -14,7 +14,7 @@ namespace
 struct Command
 {
     const char* name;
-    bool isPage;  ///< fills a vector that other applications read too
+    bool isPage;  ///< fills a shared-memory vector that other applications also read
     void (*call)(Session& session);
 };
 
@@ -24,14 +24,14 @@ void SendRequest(Session& session)
     session.Ask((session.Commands().*request)());
 }
 
-// The first entry, after the size of the list.
+// Reads the list size, then the first entry.
 template <ipodkit::ListKind kind>
 void ReadPage(Session& session)
 {
     List(session, kind, 1).Names(0, 1, "the service has no page of the list");
 }
 
-// Those that change nothing, in the order of the interface.
+// The commands that change nothing, in the order of the interface.
 constexpr Command kCommands[] = {
     {"GetCurrentMediaInfo", false, SendRequest<&ipodkit::Commands::CurrentTrack>},
     {"GetPlayPosition", false, SendRequest<&ipodkit::Commands::Position>},
@@ -57,7 +57,7 @@ struct Request
     bool pages = false;
 };
 
-// A failed call ends the run: its time would say nothing.
+// Throws on the first failed call: its duration would distort the result.
 Latency Measure(Session& session, const Command& command, int count)
 {
     std::vector<double> times(static_cast<std::size_t>(count));

@@ -1,4 +1,4 @@
-// The verb of a build without the browser.
+// Replaces the browse verb in builds without the browser.
 #include "verbs/verbs.h"
 
 namespace ctl

@@ -50,7 +50,8 @@ bool IsBackward(const std::string& argument)
     return argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9';
 }
 
-// The first word that is neither an option nor the value of the one option before the verb that has a value.
+// Returns the first word that is neither an option nor the value of --deadline, the only option before the verb that
+// has a value.
 std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
 {
     const auto isWord = [](const std::string& argument) { return argument.empty() || argument[0] != '-'; };
@@ -60,7 +61,7 @@ std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
     return found;
 }
 
-// The parser takes "-10" for an option, also behind one that has a value.
+// CLI11 parses "-10" as an option, even after an option that expects a value.
 void SpellOutBackward(std::vector<std::string>& arguments)
 {
     std::vector<std::string> spelled;
@@ -133,7 +134,7 @@ CLI::Validator Seconds(double most)
     {
         char* end = nullptr;
         const double number = g_ascii_strtod(text.c_str(), &end);
-        // NaN compares false with everything.
+        // The range check rejects NaN, which compares false with everything.
         if (!text.empty() && *end == '\0' && number >= kLeast && number <= most) return std::string();
         return "'" + Printable(text) + "' is not a number of seconds between 0.001 and " +
                std::to_string(static_cast<long>(most));

@@ -1,5 +1,5 @@
 /// @file
-/// The command line: from the tables of verbs to the one that was asked for.
+/// Builds the command line from the verb tables and dispatches to the selected verb.
 #pragma once
 
 #include <string>
@@ -9,11 +9,11 @@
 
 namespace ctl
 {
-/// Adds verbs to a command line.
-/// @return  runs the one that the command line then named
+/// Adds @p verbs to @p app as subcommands.
+/// @return  a function that runs the verb selected during parsing
 Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs);
 
-/// The program's arguments as the parser takes them: without the program's name, the last one first.
-/// @throws Failure  kUsage, when @p app has no such command
+/// Returns the program's arguments as CLI11 expects them: without the program name, in reverse order.
+/// @throws Failure  kUsage if @p app has no such command
 std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app);
 }  // namespace ctl

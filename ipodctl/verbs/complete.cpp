@@ -13,7 +13,8 @@ namespace
 using Ask = std::function<Json(std::vector<std::string>)>;
 using Words = std::vector<std::string>;
 
-// Where the last word is: behind a command, so many arguments, and maybe an option that lacks its value.
+// Position of the word being completed: its command, the number of preceding arguments, and the option that still needs
+// a value, if any.
 struct Place
 {
     const CLI::App* app;
@@ -21,7 +22,8 @@ struct Place
     const CLI::Option* option = nullptr;
 };
 
-// The value of an argument or option is one of what a command lists: those that are no files, by command and name.
+// Maps a value, identified by command path and value name, to the command that lists its candidates. Files have no
+// entry.
 struct Source
 {
     const char* value;
@@ -48,7 +50,7 @@ bool HasValue(const CLI::Option& option)
     return option.get_expected_max() > 0;
 }
 
-// Of a command, and of all above it.
+// Searches the command, then its parents.
 const CLI::Option* FindOption(const CLI::App* app, const std::string& name)
 {
     for (; app != nullptr; app = app->get_parent())
@@ -77,7 +79,7 @@ Place Behind(Place place, const std::string& word)
     return command != nullptr ? Place{command} : Place{place.app, place.arguments + 1};
 }
 
-// The last argument may accept several words.
+// An argument that accepts several words also matches all later positions.
 const CLI::Option* ArgumentAt(const Place& place)
 {
     std::size_t number = 0;
@@ -90,14 +92,14 @@ const CLI::Option* ArgumentAt(const Place& place)
     return nullptr;
 }
 
-// A name of digits only would be an index without its "./".
+// Prefixes an all-digit name with "./"; otherwise it would be parsed as an index.
 std::string AsName(const std::string& name)
 {
     const bool digits = name.find_first_not_of("0123456789") == std::string::npos;
     return (digits ? "./" : "") + Printable(name);
 }
 
-// From the one list in an answer: of words, or of objects with index and name.
+// Extracts candidates from the only array in an answer, which holds words or objects with index and name.
 std::vector<Candidate> Listed(const Json& answer, bool byIndex)
 {
     std::vector<Candidate> candidates;
@@ -165,7 +167,7 @@ std::vector<Candidate> WordsAt(const Place& place, const Ask& ask)
     return argument == nullptr ? candidates : ValuesOf(*place.app, *argument, ask);
 }
 
-// "--until=tr": the value in the word of its option.
+// Completes a value that is joined to its option: "--until=tr".
 std::vector<Candidate> ValuesInside(const Place& place, const std::string& name, const Ask& ask)
 {
     const CLI::Option* const option = FindOption(place.app, name);

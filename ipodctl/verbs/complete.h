@@ -1,5 +1,5 @@
 /// @file
-/// Completion of a command line in a shell.
+/// Shell completion of the ipodctl command line.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -12,22 +12,22 @@
 
 namespace ctl
 {
-/// A word that may follow, with what it means. Without a word, the shell completes by itself: "files", "files json" (of
-/// this extension), or "commands".
+/// A completion candidate and its description. If the word is empty, the description selects a completion of the shell
+/// itself: "files", "files json" (files with this extension), or "commands".
 struct Candidate
 {
     std::string word;
     std::string description;
 };
 
-/// Returns what may stand at the end of a command line.
-/// @param app  the whole command line
-/// @param words  those behind the program's name; the last one, which may be empty, is being completed. Of it only
-/// matters whether it is an option
-/// @param ask  returns the answer of a command; what it throws means that there are no candidates
+/// Returns the candidates for the last word of a command line.
+/// @param app  the complete command line definition
+/// @param words  the words after the program name. The last one is being completed and may be empty; unless it is an
+/// option, its text is ignored, because the shell filters by prefix
+/// @param ask  runs a command and returns its answer. If it throws, the command contributes no candidates
 std::vector<Candidate> Candidates(const CLI::App& app, const std::vector<std::string>& words,
                                   const std::function<Json(std::vector<std::string>)>& ask);
 
-/// One line per candidate: the word and, behind a tab, the description if there is one.
+/// Formats one candidate per line: the word, then a tab and the description unless it is empty.
 std::string ToText(const std::vector<Candidate>& candidates);
 }  // namespace ctl

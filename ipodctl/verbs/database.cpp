@@ -1,4 +1,4 @@
-// Walking through the music database.
+// Lists and changes the current level of the music database.
 #include <ipodnames/jump_index.h>
 
 #include <algorithm>
@@ -30,8 +30,8 @@ void EnterParent(Session& session)
     session.Ask(session.Commands().EnterParent(), "the current level is the root already");
 }
 
-// The longest beginning of a path that is a name of the current level, which is then entered: names may contain
-// slashes. Returns its length.
+// Enters the entry whose name is the longest matching prefix of the path, because names may contain slashes. Returns
+// the length of that name.
 std::size_t EnterLongestName(Session& session, const std::string& path)
 {
     const Page level = ReadLevel(session, 0, INT_MAX);
@@ -45,7 +45,7 @@ std::size_t EnterLongestName(Session& session, const std::string& path)
     RefuseUnknown(path.substr(0, path.find('/')));
 }
 
-// One step along a path. Returns how many characters of it that took.
+// Follows one component of a path. Returns the number of bytes consumed.
 std::size_t EnterPart(Session& session, const std::string& path)
 {
     const std::string part = path.substr(0, path.find('/'));
@@ -54,14 +54,14 @@ std::size_t EnterPart(Session& session, const std::string& path)
     return special ? part.size() : EnterLongestName(session, path);
 }
 
-// A path that ends too early has changed the level all the same.
+// Reports the level reached so far: a path that fails halfway has already changed it.
 [[noreturn]] void RefuseRest(const Failure& failure, const std::string& entered)
 {
     if (entered.empty()) throw failure;
     throw Failure(failure.code(), failure.what(), "the current level is '" + Printable(entered) + "' now");
 }
 
-// Parts of a path are names, also those that look like numbers.
+// Path components are always names, even if they look like numbers.
 void EnterPath(Session& session, const std::string& path)
 {
     if (path.front() == '/') EnterRoot(session);
@@ -164,7 +164,7 @@ std::string NamesText(const Page& page)
     return text;
 }
 
-// Only for people: in a pipe there is one line per entry and nothing else.
+// Printed on terminals only: piped output has exactly one line per entry.
 std::string Summary(const Page& page, const Output& out)
 {
     if (!out.terminal()) return {};
@@ -186,7 +186,7 @@ Page ReadListing(Session& session, const Listing& listing)
     return page;
 }
 
-// Where the names of a letter begin in the list as the service sorts it, hence by its pinyin where it has any.
+// The entries that start with one letter, in the service's order. Entries with pinyin are sorted by it.
 struct Letter
 {
     std::string label;

@@ -1,4 +1,4 @@
-// Devices: those attached, what was detected of them, and their buttons.
+// Lists and selects devices, prints CarPlay and CarLife detection, and presses remote-control buttons.
 #include <algorithm>
 
 #include "output/text.h"
@@ -30,7 +30,7 @@ Answer ShowDevices(Context& context, bool namesOnly)
     return {{{"verb", "devices"}, {"devices", devices}}, rows.empty() ? none : Table(rows, context.out.width())};
 }
 
-// By its index or its name; "./22" is the name "22".
+// Returns the device with this index or name; "./22" is the name "22".
 int FindDevice(const std::vector<std::string>& names, std::string text)
 {
     const std::optional<int> index = TakeIndex(text);

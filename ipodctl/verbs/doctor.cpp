@@ -1,4 +1,4 @@
-// What is wrong around the library, and what to do: bus, service, segments. Nothing is created or changed.
+// Diagnoses the bus, the service, and the shared-memory segments, and suggests remedies. Does not modify them.
 #include <QBXIpodShareMemory.h>
 #include <gio/gio.h>
 #include <ipod_dbus.h>
@@ -17,12 +17,12 @@ namespace ctl
 {
 namespace
 {
-constexpr std::size_t kScarce = 8;  // of so many parts the last: a vector that grows takes more than it gains
+constexpr std::size_t kScarce = 8;  // warn below 1/8 free: a growing vector needs more memory than it gains
 
 struct Finding
 {
     const char* what;
-    ExitCode code;  ///< kDone: ok; kNothingDone: a warning; else what a verb would end with
+    ExitCode code;  ///< kDone: ok; kNothingDone: warning; otherwise the exit code of a failing verb
     std::string text;
     std::string advice;
 };
@@ -74,7 +74,7 @@ bool IsActivatable(GDBusConnection* bus)
     return found;
 }
 
-// Who hangs still owns the name.
+// Returns why the service does not answer a call, empty if it does: a process that hangs still owns the name.
 std::string WhyNoAnswer(Session& session, ExitCode& code)
 {
     try
@@ -89,7 +89,7 @@ std::string WhyNoAnswer(Session& session, ExitCode& code)
     return {};
 }
 
-// 0 when the bus does not tell it.
+// Returns 0 if the bus daemon does not report the process.
 pid_t ProcessOfService(GDBusConnection* bus)
 {
     const VariantPtr reply = AskBus(bus, "GetConnectionUnixProcessID", g_variant_new("(s)", kServiceName));
@@ -99,7 +99,7 @@ pid_t ProcessOfService(GDBusConnection* bus)
     return static_cast<pid_t>(process);
 }
 
-// All is well inside, but not where the service is.
+// Detects a valid segment that is not the one mapped by the service.
 void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service)
 {
     const SegmentUse use = UseBy(service, plan.name, LookAt(plan.name).inode);
@@ -127,7 +127,7 @@ Finding ExamineService(Session& session, GDBusConnection* bus)
     return {"service", kDone, owner, ""};
 }
 
-// Segments before the bus: the bus brings threads, and their probe is a child process.
+// Probes the segments before connecting to the bus: the probe forks, and GDBus starts threads.
 std::vector<Finding> Examine(Session& session)
 {
     std::vector<Finding> segments;
@@ -149,7 +149,7 @@ std::vector<Finding> Examine(Session& session)
     return all;
 }
 
-// Tells two builds apart that do not fit together: the bus contract, and what the segments' layout depends on.
+// Identifies incompatible builds by the bus contract and by the sizes that determine the segment layout.
 std::string Fingerprint()
 {
     GString* const xml = g_string_new(nullptr);
@@ -168,7 +168,7 @@ const char* StateName(ExitCode code)
     return code == kNothingDone ? "warning" : "error";
 }
 
-// A problem before a warning, and the bus before what depends on it.
+// Prefers errors over warnings, and earlier findings over later ones: the bus precedes what depends on it.
 ExitCode Worst(const std::vector<Finding>& findings)
 {
     for (const Finding& finding : findings)

@@ -1,4 +1,4 @@
-// Accessory sessions: talking to the companion app on the device.
+// Exchanges data with the companion app on the device over accessory sessions.
 #include <cstdint>
 #include <cstring>
 
@@ -19,7 +19,7 @@ constexpr int kLastSession = 65535;
 
 using Bytes = ipodkit::Bytes;
 
-// In one piece: the app on the device may depend on where a message ends.
+// Disables chunking: the app on the device may rely on message boundaries.
 ipodkit::AccessoryOptions InOnePiece()
 {
     ipodkit::AccessoryOptions options;
@@ -122,7 +122,7 @@ struct EchoRequest
     AccessoryRequest accessory;
 };
 
-// What comes back of a text, at least as many bytes as it has.
+// Sends the text and returns the reply, which has at least as many bytes.
 Bytes Exchange(Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
 {
     Bytes received;

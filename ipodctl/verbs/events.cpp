@@ -1,4 +1,4 @@
-// Following the events of the service.
+// Follows the events of the service.
 #include <algorithm>
 
 #include "verbs/limits.h"

@@ -22,7 +22,7 @@ std::string Blanks(int count)
     return std::string(static_cast<std::size_t>(count), ' ');
 }
 
-// The text broken between words; every line but the first is indented.
+// Wraps text at word boundaries and indents every line except the first.
 std::string Wrapped(const std::string& text, int width, int indent)
 {
     std::istringstream words(text);
@@ -39,7 +39,7 @@ std::string Wrapped(const std::string& text, int width, int indent)
     return wrapped;
 }
 
-// A name that reaches into the column of the descriptions has a line of its own.
+// Puts a name that is too long for its column on a line of its own.
 std::string HelpText(const HelpRow& row, int width)
 {
     const int column = std::min(kDescriptions, width / 3);
@@ -48,7 +48,7 @@ std::string HelpText(const HelpRow& row, int width)
     return (beside ? Pad(name, column) : name + "\n" + Blanks(column)) + Wrapped(row.description, width, column) + "\n";
 }
 
-// The parser's own names of types.
+// Matches the type names that CLI11 assigns itself.
 bool IsParserType(const std::string& type)
 {
     static const std::set<std::string> types{"TEXT", "INT", "UINT", "FLOAT", "BOOLEAN"};
@@ -61,7 +61,7 @@ std::string ArgumentOf(const CLI::Option& option)
     return option.get_required() ? name : "[" + name + "]";
 }
 
-// The parser separates its own type and those of the checks by colons: "INT:N".
+// CLI11 joins its own type and the types of validators with colons: "INT:N".
 std::vector<std::string> TypesOf(const CLI::Option& option)
 {
     return CLI::detail::split(option.get_type_name(), ':');

@@ -1,6 +1,6 @@
 /// @file
-/// The command line in words: the help, wrapped to the width of the terminal, and the parts that the manual page, the
-/// reference, and the completions share with it.
+/// Formats the help text, wrapped to the terminal width, and provides the parts that the manual page, the reference,
+/// and the completions share with it.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -10,34 +10,34 @@
 
 namespace ctl
 {
-/// ASCII letters in upper case.
+/// Converts ASCII letters to upper case.
 std::string Upper(const std::string& text);
 
-/// The commands of a command, in the order of their declaration.
+/// Returns the subcommands of @p app in declaration order.
 std::vector<const CLI::App*> CommandsOf(const CLI::App& app);
 
-/// Those of one group.
+/// Returns the subcommands of @p app that belong to @p group.
 std::vector<const CLI::App*> CommandsOf(const CLI::App& app, const std::string& group);
 
-/// The groups that the commands belong to, in the order of their first members.
+/// Returns the groups of the subcommands, ordered by first use.
 std::vector<std::string> GroupsOf(const CLI::App& app);
 
-/// "ipodctl sim battery".
+/// Returns the full name of a command: "ipodctl sim battery".
 std::string PathOf(const CLI::App& app);
 
-/// "ipodctl seek [OPTIONS] [TIME]".
+/// Returns the synopsis of a command: "ipodctl seek [OPTIONS] [TIME]".
 std::string UsageOf(const CLI::App& app);
 
-/// The words that an option accepts if they are listed in OneOf(); none for other options.
+/// Returns the words that an option accepts if it uses OneOf(); empty for other options.
 std::vector<std::string> WordsOf(const CLI::Option& option);
 
-/// The value: "SECONDS", "TIME"; empty for a flag.
+/// Returns the name of an option's value, such as "SECONDS" or "TIME"; empty for a flag.
 std::string ValueOf(const CLI::Option& option);
 
-/// "--from INDEX", "-h, --help", or for an argument "TIME".
+/// Returns the help term: "--from INDEX", "-h, --help", or "TIME" for an argument.
 std::string TermOf(const CLI::Option& option);
 
-/// The description, with the default value.
+/// Returns the description, followed by the default value if there is one.
 std::string DescriptionOf(const CLI::Option& option);
 
 struct HelpRow
@@ -46,13 +46,13 @@ struct HelpRow
     std::string description;
 };
 
-/// Returns a title and its rows, the descriptions in a column of their own and wrapped; nothing without rows.
+/// Returns a titled section with wrapped descriptions in a second column; empty without rows.
 std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width);
 
 class HelpFormatter : public CLI::FormatterBase
 {
 public:
-    /// @param width  columns to wrap to, at least 40 and at most 100 of them
+    /// @param width  columns to wrap at, clamped to 40..100
     explicit HelpFormatter(int width);
 
     std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override;

@@ -1,20 +1,20 @@
 /// @file
-/// How long something took, many times.
+/// Summarizes measured durations.
 #pragma once
 
 #include <vector>
 
 namespace ctl
 {
-/// All in microseconds.
+/// All members are in microseconds.
 struct Latency
 {
     double least;
     double median;
-    double p99;  ///< 99 of 100 took no longer
+    double p99;  ///< 99th percentile
     double most;
 };
 
-/// Of at least one time; by nearest rank.
+/// Returns the extremes and the nearest-rank percentiles of @p times (microseconds), which must not be empty.
 Latency Summarise(std::vector<double> times);
 }  // namespace ctl

@@ -1,5 +1,5 @@
 /// @file
-/// The options that limit how long a verb follows events.
+/// Options that limit how long a verb follows events.
 #pragma once
 
 #include "events/follow.h"
@@ -8,7 +8,7 @@
 namespace ctl
 {
 /// Adds --count and --timeout.
-/// @param goal  the options that may not be reached within the time
+/// @param goal  the options that define the goal, named in the help of --timeout
 inline void AddLimits(CLI::App& app, Limits& limits, const std::string& goal)
 {
     app.add_option("--count", limits.count, "End after this many events")->check(WholeNumber(1));

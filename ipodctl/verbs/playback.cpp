@@ -1,4 +1,4 @@
-// Starting, stopping, and moving within and between tracks.
+// Controls playback: start, stop, seek, skip, modes, and the playing list.
 #include <glib.h>
 
 #include <algorithm>
@@ -49,7 +49,7 @@ Run BuildPlay(CLI::App& app)
     };
 }
 
-// One call, and a word for its refusal.
+// Builds a verb that sends one command. @p refusal is the message if the service answers false.
 template <ipodkit::Request<void> (ipodkit::Commands::*command)() const>
 Run BuildSimple(const char* verb, const char* refusal)
 {
@@ -83,7 +83,7 @@ Run BuildPrevious(CLI::App&)
         "previous", "the service did not move back; ipodctl queue shows whether this is the first entry");
 }
 
-// Relative targets stop at the ends of the track; an absolute one behind its end is a mistake.
+// Clamps relative targets to the track; rejects an absolute target past its end.
 int SecondFor(const SeekTarget& target, const Playing& playing)
 {
     const auto length = playing.at.duration;
@@ -95,7 +95,7 @@ int SecondFor(const SeekTarget& target, const Playing& playing)
     return target.seconds;
 }
 
-// The service reports where it is now by an event. One that does not is shown by what it reported before.
+// The service reports the new position with an event. Without one, the answer shows the last reported position.
 Answer Seek(Session& session, const SeekTarget& target)
 {
     ipodkit::Session& kit = session.Ready();
@@ -159,7 +159,7 @@ const std::vector<std::string>& Words()
     return words;
 }
 
-// A mode that was set is read back: the service has the last word.
+// Reads a mode back after setting it, because the service may keep the old one.
 template <class E>
 Answer Apply(const Mode<E>& mode, const std::string& word, Session& session)
 {

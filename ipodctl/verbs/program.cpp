@@ -25,7 +25,7 @@ const std::vector<Subject>& Subjects()
     return subjects;
 }
 
-// The manual page explains these at length.
+// The manual page has the full descriptions.
 std::string Footer()
 {
     std::string text = "Exit codes:\n";

@@ -1,6 +1,5 @@
 /// @file
-/// The whole command line of ipodctl: from it come the parser, the help, the completions, the manual page, and the
-/// reference.
+/// Defines the complete ipodctl command line, the source of the parser, help, completions, manual page, and reference.
 #pragma once
 
 #include <string>
@@ -11,7 +10,7 @@
 
 namespace ctl
 {
-/// The options of every command.
+/// Options that all commands accept.
 struct Options
 {
     bool json = false;
@@ -21,8 +20,8 @@ struct Options
 const std::vector<HelpRow>& ExitCodes();
 const std::vector<HelpRow>& EnvironmentVariables();
 
-/// Adds the options and commands of ipodctl to a parser without any.
-/// @param options  set by the parser; outlives it
-/// @return  runs the command that was parsed
+/// Adds the options and commands of ipodctl to an empty parser.
+/// @param options  filled during parsing; must outlive @p app
+/// @return  a function that runs the parsed command
 Run BuildProgram(CLI::App& app, Options& options);
 }  // namespace ctl

@@ -1,4 +1,4 @@
-// What lies in the shared memory now.
+// Prints the contents and the layout of the shared memory.
 #include <QBXIpodShareMemory.h>
 
 #include <algorithm>
@@ -20,7 +20,7 @@ std::string ModeText(mode_t mode)
     return text;
 }
 
-// From outside first: only what is shared memory is opened.
+// Checks the object's type first, to open nothing but shared memory.
 SegmentContents ReadIfThere(const SegmentPlan& plan, const SegmentObject& object)
 {
     SegmentContents contents;

@@ -1,4 +1,4 @@
-// The simulator: actions on it, scenarios, and the calls that it received.
+// Controls the simulator: triggers actions, plays scenarios, and lists received calls.
 #include "verbs/sim.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ namespace
 {
 constexpr int kWidth = 80;
 
-// Of an action, what it returned: {"session": 1}.
+// Returns the result of the action, such as {"session": 1}.
 Json DoOnSimulator(Context& context, const std::string& json)
 {
     const VariantPtr reply = AskSimulator(context.session, "Do", g_variant_new("(s)", json.c_str()));
@@ -26,7 +26,7 @@ Json DoOnSimulator(Context& context, const std::string& json)
     return Json::parse(result);
 }
 
-// The path of a field begins with the member of the step that was made here.
+// Strips "value." from the field path in the message: the user typed no such member.
 Failure WithoutValue(const Failure& failure)
 {
     constexpr char kMember[] = "value.";
@@ -111,7 +111,7 @@ const SimAction& ActionOf(const std::string& name)
     throw UnknownWord("action", name, names, "ipodctl sim actions lists all actions");
 }
 
-// For people the names with what they do; of one action what can be typed, for the shells.
+// Without an argument, lists the actions and their summaries. With one, lists its completions for shells.
 Run BuildActions(CLI::App& app)
 {
     const auto name = Argument<std::string>();

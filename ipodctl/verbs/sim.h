@@ -1,5 +1,5 @@
 /// @file
-/// What the parts of "ipodctl sim" share.
+/// Declarations shared by the parts of "ipodctl sim".
 #pragma once
 
 #include <cstddef>
@@ -11,31 +11,30 @@
 
 namespace ctl
 {
-/// An action of the simulator, as the schema of scenarios describes it.
+/// A simulator action as described by the scenario schema.
 struct SimAction
 {
     std::string name;
     std::string summary;
     std::string follows;
     std::string example;
-    Json fields;  ///< schemas by name; the first may be given without its name
+    Json fields;  ///< schemas by field name; the name of the first field is optional on the command line
     bool needsFields = false;
 };
 
-/// All actions, in the order of the simulator's table.
+/// Returns all actions, in the order of the scenario schema.
 const std::vector<SimAction>& SimActions();
 
-/// The largest scenario that the simulator accepts, in bytes.
+/// Returns the size limit of a scenario in bytes.
 std::size_t MostOfScenario();
 
-/// The value of an action, from words such as "level=80"; null when there are none.
-/// @throws Failure  kUsage: a field that the action does not have or that was given before, or a file that cannot be
-/// read
+/// Converts words such as "level=80" to the value of an action; null without words.
+/// @throws Failure  kUsage for an unknown, duplicate, or missing field, invalid UTF-8, or an unreadable file
 Json ToSimValue(const SimAction& action, const std::vector<std::string>& words);
 
-/// What can be typed behind an action: "level=", "charging-status=charged", "next".
+/// Returns the completions for the fields of an action: "level=", "charging-status=charged", "next".
 std::vector<std::string> SimWords(const SimAction& action);
 
-/// "sim calls".
+/// Returns the verb "sim calls".
 Verb SimCallsVerb();
 }  // namespace ctl

@@ -1,4 +1,4 @@
-// The calls that the simulator received.
+// Lists the calls that the simulator received.
 #include <ipod_dbus.h>
 
 #include <algorithm>
@@ -19,7 +19,7 @@ struct CallQuery
     bool clear = false;
 };
 
-// The notation of GLib's texts.
+// Formats a value in GVariant text notation.
 std::string ToText(GVariant* value)
 {
     char* const text = g_variant_print(value, FALSE);
@@ -28,7 +28,7 @@ std::string ToText(GVariant* value)
     return copy;
 }
 
-// "(1, 'text')".
+// Formats values as "(1, 'text')".
 std::string ToText(GVariantIter* values)
 {
     std::string text;
@@ -37,7 +37,7 @@ std::string ToText(GVariantIter* values)
     return "(" + text + ")";
 }
 
-// Of many bytes only how many: a record of a thousand is nothing to look at.
+// Replaces long byte arrays with their length to keep the table readable.
 std::string Shortened(std::string text)
 {
     constexpr std::size_t kMostCharacters = 100;
@@ -52,7 +52,7 @@ std::string Shortened(std::string text)
     return Printable(text);
 }
 
-// "12:34:56.789", local time.
+// Formats a UNIX time as local time: "12:34:56.789".
 std::string TimeOfDay(std::uint64_t microseconds)
 {
     GDateTime* const time = g_date_time_new_from_unix_local(static_cast<gint64>(microseconds / 1000000));
@@ -94,7 +94,7 @@ Call ToCall(GVariant* entry)
     return call;
 }
 
-// The methods of the contract.
+// Returns the method names of the service's D-Bus interface.
 std::vector<std::string> Methods()
 {
     std::vector<std::string> names;

@@ -1,4 +1,4 @@
-// From FIELD=VALUE to JSON, by the schema of the simulator's actions. The simulator validates the values.
+// Converts FIELD=VALUE words to JSON according to the scenario schema. The simulator validates the values.
 #include <scenario_schema.h>
 
 #include <algorithm>
@@ -52,7 +52,7 @@ Json Switch(const std::string& text)
     return text;
 }
 
-// Digits as they are; of "@FILE" the bytes.
+// Returns digits unchanged and expands "@FILE" to the contents of the file.
 Json HexDigits(const std::string& text)
 {
     if (text.empty() || text.front() != '@') return text;
@@ -68,7 +68,7 @@ Json HexDigits(const std::string& text)
 
 Json ToJson(const Json& field, const std::string& text);
 
-// "ringing:3": the fields of an element in their order.
+// Parses an array element such as "ringing:3", whose parts follow the order of the schema.
 Json Element(const Json& properties, std::string text)
 {
     Json element = Json::object();
@@ -106,14 +106,15 @@ void RequireUtf8(const std::string& word)
         throw Failure(kUsage, "'" + Printable(word) + "' is not valid UTF-8");
 }
 
-// Those that can be listed.
+// Returns the completions for a field's value.
 Json ValuesOf(const Json& field)
 {
     if (field.value("type", "") == "boolean") return {"on", "off"};
     return field.value("enum", field.value("examples", Json::array()));
 }
 
-// Of a value that may hold "=", such as that of a fault, the schema has examples.
+// Detects a value without a field name. The schema has examples for first fields whose value may contain "=", such as
+// that of a fault.
 bool IsAlone(const SimAction& action, const std::string& name)
 {
     if (action.fields.empty() || action.fields.contains(name)) return false;

@@ -1,4 +1,4 @@
-// What plays, on one screen; and all that is known of the track.
+// Prints the player status on one screen, and all details of the playing track.
 #include "player/player.h"
 
 #include <cstdio>
@@ -22,7 +22,7 @@ struct Look
     Art art = Art::OnTerminal;
     double listen = 0;
     bool watch = false;
-    std::string format;  ///< a template; empty for the screen
+    std::string format;  ///< template for one line; empty for the full screen
 };
 
 void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
@@ -40,7 +40,7 @@ void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
         ->excludes(always);
 }
 
-// Only events report battery and calls.
+// Processes events for a while: battery and calls are reported by events only.
 void Listen(Session& session, double seconds)
 {
     if (seconds <= 0) return;
@@ -54,7 +54,7 @@ void Warn(const std::string& text)
     if (!text.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(text).c_str());
 }
 
-// A line with the values that a line of an event may have.
+// Prints one line by a template, with the same fields as 'ipodctl events --format'.
 Answer ShowLine(Context& context, const Look& look)
 {
     if (context.out.json()) throw Failure(kUsage, "--json cannot be used with --format");

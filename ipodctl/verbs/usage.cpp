@@ -11,7 +11,7 @@ namespace
 {
 using Options = std::vector<const CLI::Option*>;
 
-// With the verbs that the command line named.
+// Returns the program name and the verbs that were parsed.
 std::string CommandOf(const CLI::App& app)
 {
     const auto chosen = app.get_subcommands();
@@ -32,7 +32,7 @@ std::vector<std::string> CommandNames(const CLI::App& app)
     return names;
 }
 
-// Of the command that was chosen and of all above it.
+// Returns the options of the selected command and of its parents.
 Options OptionsOf(const CLI::App& app)
 {
     Options options;
@@ -41,7 +41,7 @@ Options OptionsOf(const CLI::App& app)
     return options;
 }
 
-// Insertions, deletions and replacements from one word to another.
+// Returns the Levenshtein distance between two words.
 std::size_t Distance(const std::string& from, const std::string& to)
 {
     std::vector<std::size_t> row(to.size() + 1);
@@ -59,7 +59,8 @@ std::size_t Distance(const std::string& from, const std::string& to)
     return row.back();
 }
 
-// Nothing where even the most similar one differs in more than every third character.
+// Returns an empty string if the closest word needs more than max(2, length / 3) edits, or would replace the whole
+// word.
 std::string MostSimilar(const std::string& word, const std::vector<std::string>& words)
 {
     const auto distance = [folded = Folded(word)](const std::string& other) { return Distance(folded, Folded(other)); };
@@ -87,7 +88,7 @@ std::string Unconverted(const CLI::App& app)
     return "invalid argument";
 }
 
-// Of an option whose value is missing, the parser gives the name only in its message, in front of a colon.
+// For a missing value, CLI11 provides the option name only in its message, before a colon.
 std::string Mismatch(const CLI::App& app, const std::string& message)
 {
     for (const CLI::Option* option : OptionsOf(app))

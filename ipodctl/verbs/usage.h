@@ -1,5 +1,5 @@
 /// @file
-/// Command lines that the parser rejects, in ipodctl's own words.
+/// Converts parser errors to ipodctl's own messages.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -11,13 +11,14 @@
 
 namespace ctl
 {
-/// Whether the "error" asks for help or the version.
+/// Returns whether @p error is a request for help or the version.
 bool AsksForHelp(const CLI::App& app, const CLI::ParseError& error);
 
-/// What is wrong with a command line, with the command whose help explains it.
+/// Returns the usage error, with a hint that names the relevant --help.
 Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error);
 
-/// "unknown WHAT 'word'", with the most similar of @p words as a hint; @p otherwise where none is similar.
+/// Returns "unknown WHAT 'word'". The hint suggests the most similar of @p words, or is @p otherwise if none is
+/// similar.
 Failure UnknownWord(const char* what, const std::string& word, const std::vector<std::string>& words,
                     const std::string& otherwise);
 }  // namespace ctl

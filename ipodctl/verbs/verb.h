@@ -1,5 +1,5 @@
 /// @file
-/// What a verb of the command line is. The tables of all verbs are listed in verbs.h.
+/// Defines the verbs of the command line and their argument validators. verbs.h declares the verb tables.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -13,8 +13,7 @@
 
 namespace ctl
 {
-/// Does the work of a verb. Verbs that go on for a while write their lines themselves and return an answer
-/// without JSON.
+/// Runs a verb. Long-running verbs write their own output and return an answer without JSON.
 using Run = std::function<Answer(Context&)>;
 
 struct Verb
@@ -22,8 +21,8 @@ struct Verb
     const char* name;
     const char* summary;
     const char* examples;            ///< shown under the verb's --help, one per line
-    Run (*build)(CLI::App& app);     ///< adds the verb's arguments; the result reads them when it runs
-    const char* group = "Commands";  ///< title of the help's section that lists it
+    Run (*build)(CLI::App& app);     ///< adds the verb's arguments; the returned function reads them when it runs
+    const char* group = "Commands";  ///< title of its section in the help
 };
 
 /// Accepts integers of at least @p least.
@@ -32,19 +31,19 @@ CLI::Validator WholeNumber(int least);
 /// Accepts integers between @p least and @p most.
 CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
 
-/// Accepts every text that is not empty.
+/// Accepts any non-empty text.
 CLI::Validator Something();
 
-/// Accepts one of a few words.
+/// Accepts one of @p words.
 CLI::Validator OneOf(const std::vector<std::string>& words);
 
-/// "a, b, c", for the help of an argument.
+/// Joins words for help texts and messages: "a, b, c".
 std::string Listed(const std::vector<std::string>& words);
 
-/// Accepts times between a millisecond and @p most seconds.
+/// Accepts a number of seconds between 0.001 and @p most.
 CLI::Validator Seconds(double most = 4000000);
 
-/// A place for an argument of the command line that lives as long as those who hold it.
+/// Allocates shared storage for a command-line argument: the parser writes it, the verb reads it.
 template <class T>
 std::shared_ptr<T> Argument(T value = T())
 {

@@ -1,5 +1,5 @@
 /// @file
-/// All verbs, by subject.
+/// Declares the verb tables, one per subject.
 #pragma once
 
 #include "verbs/verb.h"
