@@ -205,7 +205,7 @@ void Follower::Judge(const ipodkit::Connection& connection)
     if (connection.error && connection.error->reason != m_trouble) Tell("trouble", connection.error->reason);
     m_trouble = connection.error ? connection.error->reason : "";
     if (news && connection.phase == Phase::Lost) Tell("lost", kServiceLeft);
-    if (news && connection.phase == Phase::Absent) Tell("absent", "there is no iPod service yet; waiting for it");
+    if (news && connection.phase == Phase::Absent) Tell("absent", "no iPod service yet; waiting for it");
     if (news) m_told = connection.phase;
 }
 

@@ -99,7 +99,7 @@ Segment MakeSpecimen()
     constexpr std::size_t size = 65536;
     struct statvfs device;
     if (statvfs("/dev/shm", &device) == 0 && device.f_blocks > 0 && device.f_bavail * device.f_frsize < size)
-        throw boost::interprocess::interprocess_exception("there is no space in /dev/shm");
+        throw boost::interprocess::interprocess_exception("no space in /dev/shm");
     const std::string name = "layout-of-segments-" + std::to_string(getpid());
     boost::interprocess::shared_memory_object::remove(name.c_str());
     Segment segment(boost::interprocess::create_only, name.c_str(), size);

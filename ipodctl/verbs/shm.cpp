@@ -24,8 +24,8 @@ std::string ModeText(mode_t mode)
 SegmentContents ReadIfThere(const SegmentPlan& plan, const SegmentObject& object)
 {
     SegmentContents contents;
-    if (!object.exists) contents.problem = "it is not there; whoever starts first makes it: start the service";
-    if (object.exists && !object.isMemory) contents.problem = "no shared memory stands under its name";
+    if (!object.exists) contents.problem = "it does not exist; start the service, which creates it";
+    if (object.exists && !object.isMemory) contents.problem = "its name belongs to something that is not shared memory";
     return contents.problem.empty() ? ReadContents(plan) : contents;
 }
 

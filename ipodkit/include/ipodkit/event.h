@@ -183,7 +183,7 @@ struct Rows<CarPlayChanged>
     static constexpr const char* name = "carplay";
     static constexpr std::tuple all{
         Row{"status", &CarPlayChanged::status, "", "Whether a device was detected"},
-        Row{"serial", &CarPlayChanged::serialNumber, "", "Its serial number, empty when there is none"},
+        Row{"serial", &CarPlayChanged::serialNumber, "", "Its serial number; empty if it has none"},
     };
 };
 
@@ -237,7 +237,7 @@ struct Rows<ForegroundAppChanged>
     static constexpr const char* type = "ForegroundAppChanged";
     static constexpr const char* name = "foreground-app";
     static constexpr std::tuple all{
-        Row{"bundle", &ForegroundAppChanged::bundleId, "", "Bundle identifier, empty when there is none"},
+        Row{"bundle", &ForegroundAppChanged::bundleId, "", "Bundle identifier; empty if there is none"},
     };
 };
 

@@ -198,7 +198,7 @@ struct Rows<PlayerState>
         StateRow{Field::Location, "location", &PlayerState::location, "",
                  "Whether the device requests location information"},
         StateRow{Field::ForegroundApp, "foreground_app", &PlayerState::foregroundApp, "",
-                 "Bundle identifier of the app in the foreground, empty when there is none"},
+                 "Bundle identifier of the app in the foreground; empty if there is none"},
         StateRow{Field::Battery, "battery", &PlayerState::battery, "", "Battery of the device"},
         StateRow{Field::Calls, "calls", &PlayerState::calls, "", "Ongoing phone calls by UUID"},
         StateRow{Field::AccessorySessions, "accessory_sessions", &PlayerState::accessorySessions, "",

@@ -264,7 +264,7 @@ struct Rows<CarPlayDevice>
     static constexpr bool complete = true;
     static constexpr std::tuple all{
         Row{"status", &CarPlayDevice::status, "", "Whether a device was detected"},
-        Row{"serial", &CarPlayDevice::serialNumber, "", "Its serial number, empty when there is none"},
+        Row{"serial", &CarPlayDevice::serialNumber, "", "Its serial number; empty if it has none"},
     };
 };
 
