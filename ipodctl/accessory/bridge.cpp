@@ -31,8 +31,8 @@ void CheckLength(const std::string& text, const char* what)
 }
 }  // namespace
 
-// On the shared memory itself: whoever shares the buffer shares the lock, which ends with its process. A segment that
-// cannot be opened is reported by what uses it.
+// Locks the shared memory itself: every process that shares the buffer sees the lock, and the kernel releases it when
+// its owner exits. If the segment cannot be opened, the code that uses it reports the error.
 SenderLock::SenderLock(Session& session)
     : m_file((session.Ready(), shm_open("/BufferVectorSharedMemory", O_RDONLY | O_CLOEXEC, 0)))
 {
@@ -105,7 +105,7 @@ const sockaddr* Generic(const sockaddr_un& address)
     return reinterpret_cast<const sockaddr*>(&address);
 }
 
-// Left behind by a process that was killed.
+// Returns whether nobody listens on the socket, because its process was killed.
 bool IsStale(const sockaddr_un& address)
 {
     const int probe = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -170,10 +170,10 @@ gboolean SocketServer::OnClient(gint file, GIOCondition, gpointer data)
 
 namespace
 {
-// The device cannot be told to wait: beyond this somebody has stopped reading for good.
+// The device has no flow control. With this many bytes queued, the reader has stopped reading for good.
 constexpr std::size_t kMostWaiting = std::size_t{16} << 20;
 
-/// Callbacks write down what happened and end a round of the loop; what follows from it happens between the rounds.
+/// Callbacks record events and quit the main loop; Run() evaluates them before it starts the loop again.
 class Bridge
 {
 public:
@@ -256,7 +256,7 @@ void Bridge::DropClient()
     m_client = -1;
 }
 
-// A client may leave in any way; standard output only as it always may.
+// A socket client may disconnect with any error. On standard output, only EPIPE is a normal end.
 void Bridge::OutputEnded(int error)
 {
     if (!m_server && error != EPIPE) return m_loop.Guard([error] { RefuseOutput(error); });
@@ -272,7 +272,7 @@ void Bridge::Receive(const ipodkit::Result<ipodkit::Bytes>& data)
     m_loop.Finish();
 }
 
-// A client that has ended its input still gets what comes until it is quiet for a while.
+// After the end of the input, the bridge still forwards received bytes until the session is quiet for `linger` seconds.
 bool Bridge::IsOver(Ending ending)
 {
     if (ending == Ending::Interrupted) return true;

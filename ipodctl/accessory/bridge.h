@@ -1,5 +1,5 @@
 /// @file
-/// Opening an accessory session with the companion app on the device, and bridging one with files or a socket.
+/// Opens accessory sessions with the companion app on the device and bridges them to files or a socket.
 #pragma once
 
 #include <glib.h>
@@ -16,16 +16,16 @@ namespace ctl
 /// Announces the accessory protocols of the head unit.
 void Announce(Session& session, const ipodkit::AccessoryInfo& info);
 
-/// Asks the device to start an app.
-/// @throws Failure  kNothingDone, when the service does not
+/// Launches an app on the device.
+/// @throws Failure  kNothingDone, if the service rejects the request
 void LaunchApp(Session& session, const std::string& bundle);
 
-/// The right to send on accessory sessions, which one ipodctl at a time has: all applications put their bytes into the
-/// same buffer, and those of two senders overwrite each other.
+/// The exclusive right to send on accessory sessions. One ipodctl at a time holds it: all applications write to the
+/// same buffer, and two senders would overwrite each other's bytes.
 class SenderLock
 {
 public:
-    /// @throws Failure  kNoSegments, when another ipodctl has it
+    /// @throws Failure  kNoSegments, if another ipodctl holds the lock
     explicit SenderLock(Session& session);
     ~SenderLock();
     SenderLock(const SenderLock&) = delete;
@@ -38,23 +38,23 @@ private:
 struct AccessoryRequest
 {
     ipodkit::AccessoryInfo info{"com.example.echo", "com.example.echo"};
-    double seconds = 5;  ///< to wait for the session
-    bool launch = true;  ///< otherwise the device opens it by itself
+    double seconds = 5;  ///< timeout for the session to open
+    bool launch = true;  ///< false: the device opens the session by itself
 };
 
-/// Waits for a session that opens, after announcing and launching what is wanted.
-/// @throws Failure      kServiceLost, when none opens in time
-/// @throws Interrupted
+/// Announces the protocols and launches the app if requested, then waits for a session to open.
+/// @throws Failure      kServiceLost, if no session opens in time
+/// @throws Interrupted  on Ctrl-C
 ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit::AccessoryPort& port,
                                            const AccessoryRequest& request);
 
 class SocketServer
 {
 public:
-    /// Makes the socket, for this user only. Replaces one that nobody listens on any more.
+    /// Creates the socket with access for this user only. Replaces a stale socket that nobody listens on.
     ///
-    /// @param connected  called with each client, who becomes the callee's; the next one waits until AcceptNext()
-    /// @throws Failure   kUsage, when it cannot be made
+    /// @param connected  receives each client and owns its descriptor; the next client waits until AcceptNext()
+    /// @throws Failure   kUsage, if the socket cannot be created
     SocketServer(const std::string& path, std::function<void(int client)> connected);
 
     /// Removes the socket.
@@ -76,10 +76,10 @@ private:
 struct BridgeRequest
 {
     AccessoryRequest accessory;
-    std::string socket;  ///< its path; empty for standard input and output
-    double linger = 1;   ///< seconds to wait for more after the end of the input
+    std::string socket;  ///< path; empty for standard input and output
+    double linger = 1;   ///< seconds of silence to wait for after the end of the input
 };
 
-/// Opens a session and passes bytes both ways until it closes or the input has ended.
+/// Opens a session and forwards bytes both ways until the session closes or the input ends.
 Answer RunBridge(Context& context, const BridgeRequest& request);
 }  // namespace ctl

@@ -13,7 +13,7 @@ namespace ctl
 namespace
 {
 constexpr std::size_t kBlock = std::size_t{16} * 1024;
-// The most that one request can send now; with other data in the shared memory that may be less than a block.
+// Returns how many bytes one request can send now: kBlock, or fewer while other data fills the shared memory.
 std::size_t SizeToRead()
 {
     return std::clamp<std::size_t>(ipodkit::RoomForAccessoryBytes(), 1, kBlock);
@@ -52,7 +52,7 @@ gboolean InputPump::OnReadable(gint, GIOCondition, gpointer data)
     return G_SOURCE_REMOVE;
 }
 
-// False when it is not to be read for now, or never again.
+// Returns false to stop watching the file: at its end, or until the session drains.
 bool InputPump::Read()
 {
     ipodkit::Bytes bytes(SizeToRead());
@@ -91,7 +91,7 @@ void OutputPump::Use(int file)
     Watch();
 }
 
-// Erasing what has been written only once it is most of the string moves each byte at most once.
+// Erases the written prefix only once it exceeds half of the string, which amortizes moves to at most one per byte.
 void OutputPump::Add(const ipodkit::Bytes& bytes)
 {
     if (m_written > m_bytes.size() / 2) m_bytes.erase(0, std::exchange(m_written, 0));
@@ -113,7 +113,7 @@ gboolean OutputPump::OnWritable(gint, GIOCondition, gpointer data)
     return G_SOURCE_REMOVE;
 }
 
-// So few that whoever is writable takes them without blocking. False when there is nothing to write for now.
+// Writes at most PIPE_BUF bytes, which a writable file accepts without blocking. Returns false to stop watching it.
 bool OutputPump::Write()
 {
     const std::size_t size = std::min<std::size_t>(Waiting(), PIPE_BUF);

@@ -1,5 +1,5 @@
 /// @file
-/// Bytes between files and an accessory session, with back-pressure, inside the main loop.
+/// Copies bytes between files and an accessory session in the main loop, with back-pressure.
 #pragma once
 
 #include <glib.h>
@@ -10,14 +10,14 @@
 
 namespace ctl
 {
-/// From a file to a session. Reads no more while the session has enough to send.
+/// Copies bytes from a file to a session. Stops reading while the session's queue is full.
 class InputPump
 {
 public:
     using Failed = std::function<void(const ipodkit::Error&)>;
 
-    /// @param file   readable; stays the caller's
-    /// @param ended  called at its end, or when it cannot be read
+    /// @param file   readable descriptor; the caller keeps ownership
+    /// @param ended  called at end of file or on a read error
     InputPump(int file, ipodkit::AccessorySessionPtr peer, std::function<void()> ended, Failed failed);
     ~InputPump();
     InputPump(const InputPump&) = delete;
@@ -38,25 +38,25 @@ private:
     guint m_watch = 0;
 };
 
-/// From memory to a file. Keeps what the file does not take yet.
+/// Writes bytes from memory to a file. Buffers what the file does not accept yet.
 class OutputPump
 {
 public:
-    /// @param closed  called when the file takes no more, with the reason: EPIPE when nobody reads it any more
+    /// @param closed  called on a write error with its errno; EPIPE if the reader has closed the file
     explicit OutputPump(std::function<void(int error)> closed) : m_closed(std::move(closed)) {}
     ~OutputPump() { Use(-1); }
     OutputPump(const OutputPump&) = delete;
     OutputPump& operator=(const OutputPump&) = delete;
 
-    /// From now on this file; -1 for none. It stays the caller's.
+    /// Writes to @p file from now on; -1 for none. The caller keeps ownership.
     void Use(int file);
 
     void Add(const ipodkit::Bytes& bytes);
 
-    /// Bytes that are still here.
+    /// Returns the number of bytes that are not written yet.
     std::size_t Waiting() const { return m_bytes.size() - m_written; }
 
-    /// Called each time that everything has been written.
+    /// Called each time the buffer becomes empty.
     std::function<void()> onEmpty = [] {};
 
 private:
@@ -67,7 +67,7 @@ private:
     const std::function<void(int error)> m_closed;
     int m_file = -1;
     std::string m_bytes;
-    std::size_t m_written = 0;  ///< bytes at the front of m_bytes that have been written
+    std::size_t m_written = 0;  ///< bytes at the front of m_bytes that are already written
     guint m_watch = 0;
 };
 }  // namespace ctl

@@ -1,5 +1,5 @@
 /// @file
-/// Lines for a terminal, put beside each other.
+/// Arranges text for a terminal side by side.
 #pragma once
 
 #include <string>
@@ -11,10 +11,10 @@ namespace ctl
 {
 using Lines = std::vector<std::string>;
 
-/// As many of @p parts as fit into @p width columns, with blanks between them; those at the end are the first to go.
+/// Joins as many of @p parts as fit into @p width columns, separated by spaces; drops parts from the end.
 std::string Fitting(const Lines& parts, int width);
 
-/// A drawing on the left of lines, with a gap of two columns.
+/// Puts a drawing to the left of lines, with a gap of two columns.
 Lines Beside(const Drawing& drawing, const Lines& lines);
 
 std::string Joined(const Lines& lines);

@@ -14,7 +14,7 @@ namespace ctl
 {
 namespace
 {
-// A character is about twice as high as it is wide.
+// A character cell is about twice as high as it is wide.
 constexpr float kShapeOfCharacter = 0.5F;
 
 ChafaCanvasMode ModeFor(Palette palette)

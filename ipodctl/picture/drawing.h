@@ -1,5 +1,5 @@
 /// @file
-/// Pictures on a terminal, made of characters.
+/// Draws images on a terminal with characters.
 #pragma once
 
 #include <ipodkit/picture.h>
@@ -12,25 +12,25 @@ namespace ctl
 enum class Palette
 {
     None,  ///< characters only
-    Few,   ///< the 256 colours of a terminal
+    Few,   ///< the 256 colors of a terminal
     TrueColour
 };
 
-/// What the terminal can show, by its environment.
+/// Returns the palette that the terminal supports, according to the environment.
 Palette PaletteOfTerminal();
 
 struct Drawing
 {
     int width = 0;                   ///< columns of each line
-    std::vector<std::string> lines;  ///< each resets its colours at its end
+    std::vector<std::string> lines;  ///< each ends with a color reset
 };
 
-/// Whether this build can draw.
+/// Returns whether this build can draw.
 bool CanDraw();
 
-/// Draws a picture into at most @p columns by @p rows characters, in its own shape. Without lines when it is no picture
-/// that can be drawn, or when this build cannot.
+/// Draws an image into at most @p columns by @p rows characters and keeps its aspect ratio. Returns no lines if the
+/// image cannot be decoded, or if this build cannot draw.
 ///
-/// @param ascii  without block characters, for terminals that do not have them
+/// @param ascii  use only ASCII, for terminals without block characters
 Drawing Draw(const ipodkit::Picture& picture, int columns, int rows, Palette palette, bool ascii);
 }  // namespace ctl

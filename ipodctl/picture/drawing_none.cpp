@@ -1,4 +1,4 @@
-// In place of drawing.cpp, where the libraries for it are missing.
+// Replaces drawing.cpp in builds without the image libraries.
 #include "picture/drawing.h"
 
 namespace ctl

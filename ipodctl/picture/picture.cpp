@@ -16,7 +16,7 @@ std::string_view TextOf(const std::vector<unsigned char>& image)
     return {reinterpret_cast<const char*>(image.data()), image.size()};
 }
 
-// Big-endian, of so many bytes.
+// Reads a big-endian number that is @p bytes long.
 std::size_t NumberAt(std::string_view image, std::size_t offset, std::size_t bytes)
 {
     std::size_t number = 0;
@@ -24,7 +24,7 @@ std::size_t NumberAt(std::string_view image, std::size_t offset, std::size_t byt
     return number;
 }
 
-// From chunk to chunk: length, name, content, checksum. The last one is empty.
+// Walks the chunks (length, name, content, checksum) up to the final IEND.
 bool HasPngEnd(std::string_view image)
 {
     constexpr std::size_t kBesideContent = 12;
@@ -38,8 +38,8 @@ bool HasPngEnd(std::string_view image)
     return false;
 }
 
-// From segment to segment up to the pixels: a small picture inside a segment has an end of its own. Within the pixels
-// no byte can be taken for a mark.
+// Walks the segments up to the pixel data, because a thumbnail inside a segment has its own end marker. The pixel data
+// itself cannot contain the end marker.
 bool HasJpegEnd(std::string_view image)
 {
     constexpr std::size_t kMark = 2;

@@ -1,5 +1,5 @@
 /// @file
-/// What ipodctl checks of an image beyond its type and size, which ipodkit::Examine() detects.
+/// Checks images beyond the type and size that ipodkit::Examine() detects.
 #pragma once
 
 #include <ipodkit/picture.h>
@@ -9,12 +9,12 @@
 
 namespace ctl
 {
-/// ".png"; ".bin" for an unknown type.
+/// Returns the file extension, such as ".png"; ".bin" for an unknown type.
 const char* Extension(ipodkit::PictureType type);
 
-/// Whether a PNG or JPEG image has its end. Images of other types count as whole.
+/// Returns whether a PNG or JPEG image has its end marker. Images of other types count as complete.
 bool IsWhole(ipodkit::PictureType type, const std::vector<unsigned char>& image);
 
-/// Whether artwork can have this many pixels; a header that claims other dimensions is broken.
+/// Returns whether both dimensions are between 1 and 65535 pixels; a header with other dimensions is corrupt.
 bool IsSize(std::uint32_t width, std::uint32_t height);
 }  // namespace ctl

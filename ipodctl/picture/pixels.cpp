@@ -1,6 +1,6 @@
 #include "picture/pixels.h"
 
-// The JPEG library needs this first.
+// jpeglib.h requires <cstdio> first.
 #include <cstdio>
 
 #include <jpeglib.h>
@@ -43,7 +43,7 @@ std::optional<Pixels> DecodePng(const Bytes& picture)
     return read ? std::optional<Pixels>(std::move(pixels)) : std::nullopt;
 }
 
-// The library leaves by a jump where it finds an error.
+// LeaveJpeg() escapes from the library with longjmp() on an error.
 struct JpegErrors
 {
     jpeg_error_mgr base;
@@ -57,7 +57,7 @@ struct JpegErrors
 
 void SayNothing(j_common_ptr) {}
 
-// Nothing with a destructor may live in here: the library may jump out of it.
+// No local variable may have a destructor: longjmp() would skip it.
 bool ReadJpegHead(jpeg_decompress_struct& info, JpegErrors& errors, const Bytes& picture)
 {
     info.err = jpeg_std_error(&errors.base);

@@ -1,5 +1,5 @@
 /// @file
-/// A picture's pixels.
+/// Decodes images into pixels.
 #pragma once
 
 #include <ipodkit/picture.h>
@@ -9,7 +9,7 @@
 
 namespace ctl
 {
-/// Red, green, blue and opacity of each pixel, a byte each, row by row from the top.
+/// Red, green, blue, and alpha of each pixel, one byte each, row by row from the top.
 struct Pixels
 {
     int width;
@@ -17,7 +17,7 @@ struct Pixels
     std::vector<unsigned char> bytes;
 };
 
-/// Decodes a PNG or JPEG picture; large ones are made smaller where the format makes that cheap. Nothing when the bytes
-/// are another format, broken, or of more than sixteen million pixels.
+/// Decodes a PNG or JPEG image. Large JPEG images are scaled down during decoding, which is cheap. Returns nothing if
+/// the bytes have another format, are corrupt, or declare more than sixteen million pixels.
 std::optional<Pixels> Decode(const ipodkit::Picture& picture);
 }  // namespace ctl

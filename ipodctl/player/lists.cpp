@@ -48,7 +48,7 @@ namespace
 {
 constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
 
-// Blanks between syllables are a matter of taste.
+// Sources differ in the spaces between syllables, so comparisons ignore them.
 std::string FoldedPinyin(const std::string& text)
 {
     std::string folded = Folded(text);
@@ -56,7 +56,7 @@ std::string FoldedPinyin(const std::string& text)
     return folded;
 }
 
-// Empty if the service has none.
+// Returns an empty vector if the service has no pinyin.
 std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pageSize)
 {
     try
@@ -70,7 +70,7 @@ std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pag
     }
 }
 
-// A name that is ASCII reads as it is.
+// An ASCII name is its own reading.
 std::string OwnReading(const std::string& name)
 {
     return g_str_is_ascii(name.c_str()) ? Folded(name) : ipodnames::Reading(name);

@@ -1,5 +1,5 @@
 /// @file
-/// The lists of the service, and the current level of the music database, which the service keeps for all its clients.
+/// Reads the lists of the service and the current level of the music database, which all clients of the service share.
 #pragma once
 
 #include <ipodkit/pager.h>
@@ -18,14 +18,14 @@ public:
     /// @param pageSize  entries per request
     List(Session& session, ipodkit::ListKind kind, int pageSize = kPageSize);
 
-    /// Entries of the whole list.
+    /// Returns the number of entries in the whole list.
     int Count();
 
-    /// The names from @p first up to but not including @p end, which there must be.
-    /// @param refusal  what to say when the service has no page of it
+    /// Returns the names from @p first up to but not including @p end. The range must exist.
+    /// @param refusal  error message if the service does not have the page
     std::vector<std::string> Names(int first, int end, const char* refusal);
 
-    /// The page that holds an entry.
+    /// Returns the page that holds an entry.
     ipodkit::PagePtr PageWith(int index, const char* refusal);
 
     static constexpr int kPageSize = 500;
@@ -39,13 +39,13 @@ struct Entry
 {
     int index;
     std::string name;
-    std::string pinyin;  ///< the service's, or a reading of our own; empty when it was not asked for
+    std::string pinyin;  ///< from the service, or our own reading; empty if not requested
 };
 
-/// A part of a level.
+/// A range of entries of a level.
 struct Page
 {
-    int amount = 0;  ///< entries of the whole level
+    int amount = 0;  ///< entries in the whole level
     bool folder = false;
     bool root = false;
     std::vector<Entry> entries;
@@ -54,29 +54,30 @@ struct Page
 enum class Pinyin
 {
     None,
-    WhereItDiffers,  ///< from the name, but for upper and lower case
+    WhereItDiffers,  ///< only if it differs from the name, ignoring case
     Always,
 };
 
-/// Reads @p count entries from @p from on, as many requests as it takes. No more than there are.
+/// Reads @p count entries from index @p from on, with as many requests as needed; fewer if the level ends first.
 Page ReadLevel(Session& session, int from, int count, Pinyin pinyin = Pinyin::WhereItDiffers);
 
-/// Finds an entry of a level by its name: the same, or the same but for upper and lower case, or its pinyin.
-/// @throws Failure  several entries have that name
+/// Finds an entry of a level by its exact name, otherwise by its name or pinyin, ignoring case.
+/// @throws Failure  several entries match
 std::optional<Entry> FindName(const Page& level, const std::string& name);
 
-/// Finds an entry of the current level by its index, when @p text is one, or else by its name. "./22" is the name "22".
-/// @throws Failure  no entry has that index or name, or several have
+/// Finds an entry of the current level by index if @p text is an integer, otherwise by name. "./22" is the name "22".
+/// @throws Failure  no entry matches, or several match
 Entry FindEntry(Session& session, const std::string& text);
 
-/// What "./" in front of a name makes a name whatever it looks like.
-/// @return the index; nothing for a name, from which "./" is taken away
+/// Parses an index. A leading "./" marks any text as a name and is removed from @p text.
+/// @return the index; nothing for a name
 std::optional<int> TakeIndex(std::string& text);
 
-/// @throws Failure  no entry of the current level has that name
+/// @throws Failure  always: no entry of the current level has that name
 [[noreturn]] void RefuseUnknown(const std::string& name);
 
-/// Checks that an index is one of @p amount entries of @p what.
-/// @throws Failure  kUsage
+/// Checks that an index is between 0 and @p amount - 1.
+/// @param what      name of the list, for the error message
+/// @throws Failure  kUsage, if the index is out of range
 void CheckIndex(int index, int amount, const std::string& what);
 }  // namespace ctl

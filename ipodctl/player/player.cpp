@@ -125,8 +125,8 @@ struct Expected
     const char* what;
 };
 
-// The last ones do not show that the service answers sensibly: any text is a name, and events report the position and
-// detections.
+// The last kOfNoWeight fields do not prove that the service works: any text is a valid name, and events report the
+// position and detections.
 constexpr int kOfNoWeight = 6;
 constexpr Expected kAll[] = {
     {Field::Track, "the track"},         {Field::TrackIndex, "its index"},
@@ -138,7 +138,7 @@ constexpr Expected kAll[] = {
     {Field::Artwork, "the artwork"},
 };
 
-// Artwork that was announced and did not arrive counts as not reported.
+// Announced artwork that did not arrive counts as not reported.
 bool IsReported(const PlayerState& state, Field field)
 {
     const bool lacksArtwork = state.Artwork() == nullptr && state.track && state.track->HasArtwork();
@@ -160,7 +160,7 @@ Error WhyNot(const PlayerState& state, Field field)
     return {ErrorKind::Refused, why ? ToString(*why) : "it did not deliver an image"};
 }
 
-// Without a device there is nothing to report.
+// Returns false if the service reports that no device is attached; other fields are then not expected.
 bool HasDevice(const PlayerState& state)
 {
     return state.deviceCount.value_or(-1) != 0;
@@ -236,7 +236,7 @@ Json StatusJson(const Status& status)
 
 namespace
 {
-// The least with which one page has all entries.
+// Returns the smallest page size with which one page holds all entries.
 int SizeOfOnePage(int first, int end)
 {
     int size = end - first;
@@ -244,7 +244,7 @@ int SizeOfOnePage(int first, int end)
     return size;
 }
 
-// The list may change while it is read, or the service may go: then the entries are missing this once.
+// The list may change or the service may disappear during the read. This status then lacks the entries.
 void ReadNear(Session& session, int end, Status& status)
 {
     try

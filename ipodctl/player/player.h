@@ -1,5 +1,5 @@
 /// @file
-/// The track, what the device is playing, and all that is known of device and player.
+/// Reads and formats the current track, the playback state, and the status of device and player.
 #pragma once
 
 #include <ipodkit/event.h>
@@ -14,82 +14,84 @@
 
 namespace ctl
 {
-/// "Title - Artist", printable; "(no title)" when there is none.
+/// Returns "Title - Artist", printable; "(no title)" replaces an empty title.
 std::string TrackLine(const ipodkit::Track& track);
 
-/// Whether nothing at all is known of the track.
+/// Returns whether nothing is known about the track.
 bool IsEmpty(const ipodkit::Track& track);
 
-/// "image/png, 1234 bytes, 300 x 300", without impossible dimensions; ", incomplete" when its end is missing.
+/// Returns "image/png, 1234 bytes, 300 x 300". Omits impossible dimensions; appends ", incomplete" if truncated.
 std::string PictureLine(const ipodkit::Picture& picture);
 
-/// The same, with the dimensions that the service reported; "none" without artwork.
+/// Like PictureLine(), with the dimensions that the service reported; "none" without artwork.
 std::string ArtworkLine(const ipodkit::ArtworkChanged& artwork);
 
 /// Requests the first iPod source from the audio-source manager and confirms its activation.
-/// @throws Failure  kNothingDone, when the manager refuses
+/// @throws Failure  kNothingDone, if the manager refuses
 void TakeAudioSource(Session& session);
 
 struct Playing
 {
     ipodkit::PlayStatus state;
     ipodkit::PlayPosition at;
-    int index;   ///< within the playing list, -1 for none
-    int amount;  ///< entries of the playing list
+    int index;   ///< in the playing list; -1 for none
+    int amount;  ///< entries in the playing list
     ipodkit::Track track;
 };
 
-/// Reads it from the service, after a command: no event says when the last effect of a command was reported.
+/// Reads the playback state from the service after a command: no event marks the last effect of a command.
 Playing ReadPlaying(Session& session);
 
-/// What of it a state has.
+/// Extracts the playback state from @p state; unknown fields get default values.
 Playing PlayingIn(const ipodkit::PlayerState& state);
 
 Json PlayingJson(const Playing& playing);
 
-/// "playing: Title - Artist", or "stopped".
+/// Returns "playing: Title - Artist", or "stopped".
 std::string PlayingLine(const Playing& playing);
 
-/// The answer of a verb that changed what is playing.
+/// Returns the answer of a verb that changed the playback state.
 Answer ToAnswer(const Playing& playing, const char* verb);
 
-/// Makes a request that acts on what is loaded.
+/// Sends a request that acts on the loaded track.
 ///
-/// @param refusal  what to say when the service answers "false" although something is
-/// @throws Failure  kNothingDone, when the service does not do it
+/// @param refusal  error message if the service answers "false" although a track is loaded
+/// @throws Failure  kNothingDone, if the service rejects the request
 void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* refusal);
 
-/// @throws Failure  kNothingDone
+/// @throws Failure  always, kNothingDone
 [[noreturn]] void RefuseNothingLoaded();
 
-/// What a command can act on.
-/// @throws Failure  kNothingDone, when nothing is loaded
+/// Returns the playback state of the loaded track.
+/// @throws Failure  kNothingDone, if nothing is loaded
 Playing RequireTrack(const ipodkit::PlayerState& state);
 
-/// Lists the fields that every service supports and this one did not report, with the reason. Empty if it reported all
+/// Lists the fields that every service supports but this one did not report, with the reason. Empty if it reported all
 /// of them, or if no device is attached.
-/// @throws Failure  it reported nothing
+/// @throws Failure  the service reported nothing
 std::string NotReported(const ipodkit::PlayerState& state);
 
-/// @throws Failure  it did not report what plays
+/// Checks that the service reported the current track and its index.
+/// @throws Failure  it did not, although a device is attached
 void RequireTrackReported(const ipodkit::PlayerState& state);
 
 struct Status
 {
     ipodkit::StatePtr state;
     int firstNear = 0;              ///< index of the first entry of near
-    std::vector<std::string> near;  ///< entries of the playing list around the playing one
-    std::string nearRefusal;        ///< why near could not be read; empty when it was
-    int position = 0;               ///< milliseconds, now
+    std::vector<std::string> near;  ///< entries of the playing list around the current one
+    std::string nearRefusal;        ///< why near could not be read; empty on success
+    int position = 0;               ///< milliseconds, at the time of the read
     int length = 0;                 ///< milliseconds
 };
 
-/// @param near  how many entries before and after the playing one
+/// Reads the current status.
+/// @param near  number of queue entries to read before and after the current one
 Status ReadStatus(Session& session, int near);
 
-/// Whether something is loaded.
+/// Returns whether a track is loaded.
 bool HasTrack(const Status& status);
 
-/// What is unknown is null or left out.
+/// Returns the status as JSON. Unknown values are null or omitted.
 Json StatusJson(const Status& status);
 }  // namespace ctl

@@ -22,7 +22,7 @@ constexpr int kMostForArt = 12;
 
 struct Line
 {
-    int importance;  ///< the smaller the later it is left out
+    int importance;  ///< lines with the largest value are dropped first
     std::string text;
 };
 
@@ -46,7 +46,7 @@ std::string DevicesText(const ipodkit::PlayerState& state)
     return state.deviceCount ? Count(*state.deviceCount, "device", "devices") : "devices unknown";
 }
 
-// A terminal too narrow for a bar gets the times alone.
+// Omits the bar if the terminal is too narrow for it.
 std::string ProgressLine(const Status& status, const Output& out, int width)
 {
     const std::string times = Clock(status.position) + " / " + Clock(status.length);
@@ -128,7 +128,7 @@ std::vector<Line> AllLines(const Status& status, const Output& out, int width)
     return lines;
 }
 
-// The least important ones go, the last of them first.
+// Drops the least important lines until the rest fits; among equals, the last one goes first.
 Lines FittingRows(std::vector<Line> lines, int rows)
 {
     while (static_cast<int>(lines.size()) > std::max(1, rows))
@@ -147,7 +147,7 @@ bool WantsArt(const Output& out, Art art)
     return art == Art::Always || (art == Art::OnTerminal && out.terminal() && !out.dumb() && !out.json());
 }
 
-// Left of the text, which keeps the room that it needs.
+// Draws the artwork to the left of the text, which keeps at least kLeastForText columns.
 Drawing DrawArt(const Status& status, const Output& out, Art art, int rows)
 {
     const ipodkit::PicturePtr picture = status.state->Artwork();
@@ -196,7 +196,7 @@ namespace
 {
 constexpr double kSecond = 1;
 
-/// The other screen of a terminal, without a cursor; the usual one comes back at the end.
+/// Switches to the terminal's alternate screen and hides the cursor. The destructor restores both.
 class OtherScreen
 {
 public:
@@ -209,7 +209,7 @@ public:
         }
         catch (...)
         {
-            // Nobody is there to see it.
+            // The output is unusable, and a destructor cannot report that.
         }
     }
     OtherScreen(const OtherScreen&) = delete;
@@ -241,7 +241,7 @@ public:
         m_loop.EndWithOutput();
     }
 
-    /// Has @p suspend called when Ctrl-Z was pressed, and goes on afterwards.
+    /// Calls @p suspend on Ctrl-Z and ends the current Next() when it returns.
     void OnSuspend(const SuspendSignal& signal, const std::function<void()>& suspend)
     {
         m_loop.WhenReadable(signal.Descriptor(),
@@ -252,12 +252,12 @@ public:
                             });
     }
 
-    /// Waits for a change, or for as long as a second of playback takes. False when it was interrupted.
+    /// Waits for a change for at most @p seconds, or without a limit if 0. Returns false if interrupted.
     bool Next(double seconds) { return m_loop.Run(seconds) != Ending::Interrupted; }
     bool HasService() const { return m_session.Connection().phase == ipodkit::Phase::Ready; }
 
 private:
-    // The position goes on by itself.
+    // Returns all fields except the position, which the screen extrapolates.
     static ipodkit::Fields Telling()
     {
         ipodkit::Fields fields;
@@ -299,7 +299,7 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
     } while (watcher.Next(kSecond));
 }
 
-// Answers of several lines each: the time they begin with and a blank line set them apart.
+// Prints each multi-line answer under the time of day, separated by a blank line.
 void WatchInLines(Context& context, int near, const std::function<Answer(const Status&)>& show)
 {
     Watcher watcher(context);
@@ -329,7 +329,7 @@ void Watch(Context& context, int near, const std::function<Answer(const Status&)
     }
     catch (const Interrupted&)
     {
-        // That is how watching ends, also while the service is being asked.
+        // Ctrl-C is the normal end, even while a request is pending.
     }
 }
 }  // namespace ctl

@@ -1,5 +1,5 @@
 /// @file
-/// The status as lines of a screen of any size, and a screen that stays.
+/// Formats the status for a screen of any size, and keeps a screen up to date.
 #pragma once
 
 #include "output/output.h"
@@ -10,18 +10,19 @@ namespace ctl
 {
 enum class Art
 {
-    OnTerminal,  ///< where there is room for it
+    OnTerminal,  ///< if the output is a terminal with enough room
     Always,
     Never,
 };
 
-/// What `ipodctl status` shows.
+/// Returns the text output of `ipodctl status`.
 std::string StatusText(const Status& status, const Output& out, Art art);
 
-/// What `ipodctl info` shows.
+/// Returns the text output of `ipodctl info`.
 std::string InfoText(const Status& status, const Output& out, Art art);
 
-/// Shows the status whenever it changes, until Ctrl-C: in its place on a terminal, otherwise one after the other.
-/// @param show  what to show of a status
+/// Shows the status whenever it changes, until Ctrl-C: updates it in place on a terminal, otherwise appends it.
+/// @param near  see ReadStatus()
+/// @param show  formats a status
 void Watch(Context& context, int near, const std::function<Answer(const Status&)>& show);
 }  // namespace ctl

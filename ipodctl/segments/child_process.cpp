@@ -27,7 +27,7 @@ bool WriteOut(int output, const std::string& text)
     return true;
 }
 
-// What the child wrote until it ended, or until @p hung was set.
+// Returns what the child wrote. Sets @p hung if it is silent for kChildPatience or writes more than kMostText.
 std::string ReadUntilEnd(int input, bool& hung)
 {
     std::string text;

@@ -1,5 +1,5 @@
 /// @file
-/// Work that may hang or crash, in a process of its own.
+/// Runs work that may hang or crash in a child process.
 #pragma once
 
 #include <functional>
@@ -13,13 +13,14 @@ struct ChildOutcome
     {
         Well,
         NotStarted,
-        Hung,     ///< nothing came for some seconds, or too much
-        Crashed,  ///< by a signal, or with a status of its own
+        Hung,     ///< silent for 3 seconds, or wrote more than 64 MiB
+        Crashed,  ///< killed by a signal, or exited with a nonzero status
     };
     End end;
-    std::string text;  ///< what the work returned, when it ended well
+    std::string text;  ///< return value of the work; empty unless it ended Well
 };
 
-/// Runs @p work in a child process. Call before the process has other threads.
+/// Runs @p work in a forked child process and blocks until the child ends. A hung child is killed. Call before the
+/// process starts other threads.
 ChildOutcome RunInChild(const std::function<std::string()>& work);
 }  // namespace ctl

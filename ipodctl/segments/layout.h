@@ -1,9 +1,9 @@
 /// @file
-/// The layout of the shared segments as a build finds it: a list of facts, and one word for all of them.
+/// Describes the layout of the shared segments in one build: a list of facts and their fingerprint.
 ///
-/// Library and service are built apart and must agree in it. The header needs Boost.Interprocess alone and keeps to
-/// C++11 and to names that Boost 1.56 has, so that the service's team can compile it with what the service is built
-/// with: docs/porting.md shows the program. What can be measured is measured, in a segment that is made for it.
+/// The library and the service are built separately and must agree on the layout. This header depends only on
+/// Boost.Interprocess and uses only C++11 and the API of Boost 1.56, so the service's team can compile it with the
+/// service's toolchain; docs/porting.md shows the program. Offsets are measured in a temporary segment.
 #pragma once
 
 #include <sys/statvfs.h>
@@ -31,14 +31,14 @@ struct Fact
 
 using Facts = std::vector<Fact>;
 
-/// A named vector: its own name, and that of its segment.
+/// The names of a vector and of the segment that holds it.
 struct VectorName
 {
     const char* name;
     const char* segment;
 };
 
-/// The ten names of the contract.
+/// Returns the ten vectors of the contract.
 inline std::vector<VectorName> ContractNames()
 {
     const char* const lists = "ListVectorSharedMemory";
@@ -50,17 +50,17 @@ inline std::vector<VectorName> ContractNames()
             {"VecEapWriteBufferShareMemory", buffers}, {"VecEapReadBufferShareMemory", buffers}};
 }
 
-/// Where things lie, in bytes. A place that was not found is kNowhere.
+/// Offsets in bytes, kNowhere if not found, and the size of a block.
 struct Places
 {
-    std::size_t manager;    ///< of the segment's manager, within the object
-    std::size_t ownSize;    ///< of the number of bytes from the manager to the end, within the manager
-    std::size_t name;       ///< of a vector's name, behind the vector
-    std::size_t allocator;  ///< of the pointer to the manager, within a vector
-    std::size_t entries;    ///< of the pointer to the entries
-    std::size_t size;       ///< of the number of entries
-    std::size_t capacity;   ///< of the number of entries that there is room for
-    std::size_t block;      ///< what 100 bytes take of a segment
+    std::size_t manager;    ///< segment manager, within the object
+    std::size_t ownSize;    ///< size field (bytes from the manager to the end), within the manager
+    std::size_t name;       ///< name of a vector, from the start of the vector
+    std::size_t allocator;  ///< pointer to the manager, within a vector
+    std::size_t entries;    ///< pointer to the entries, within a vector
+    std::size_t size;       ///< number of entries, within a vector
+    std::size_t capacity;   ///< capacity in entries, within a vector
+    std::size_t block;      ///< bytes that a 100-byte allocation occupies
 };
 
 constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
@@ -72,7 +72,7 @@ inline std::size_t WordAt(const void* address)
     return word;
 }
 
-/// The first place in @p size bytes from @p begin on where a word of that value stands.
+/// Returns the offset of the first aligned word equal to @p value in the @p size bytes at @p begin, or kNowhere.
 inline std::size_t PlaceOf(std::size_t value, const void* begin, std::size_t size)
 {
     for (std::size_t at = 0; at + sizeof(value) <= size; at += sizeof(value))
@@ -80,7 +80,7 @@ inline std::size_t PlaceOf(std::size_t value, const void* begin, std::size_t siz
     return kNowhere;
 }
 
-/// The same for a pointer inside a segment, which holds the distance from itself.
+/// Like PlaceOf(), but finds a pointer inside a segment, which stores the distance from itself to @p target.
 inline std::size_t PlaceOfPointer(const void* target, const void* begin, std::size_t size)
 {
     for (std::size_t at = 0; at + sizeof(std::size_t) <= size; at += sizeof(std::size_t))
@@ -91,8 +91,8 @@ inline std::size_t PlaceOfPointer(const void* target, const void* begin, std::si
     return kNowhere;
 }
 
-/// A segment of the given type that nobody else can find: its name is gone as soon as it is mapped.
-/// @throws boost::interprocess::interprocess_exception  when there can be none
+/// Creates a segment and removes its name at once, so that no other process can open it.
+/// @throws boost::interprocess::interprocess_exception  if it cannot be created
 template <class Segment>
 Segment MakeSpecimen()
 {
@@ -116,7 +116,8 @@ std::size_t BlockSize(Segment& segment)
     return static_cast<std::size_t>(first < second ? second - first : first - second);
 }
 
-/// Looks where a segment and a vector in it keep what is known of them.
+/// Measures the offsets in a temporary segment that holds one vector.
+/// @throws boost::interprocess::interprocess_exception  if the segment cannot be created
 template <class Segment, class Names>
 Places Measure()
 {
@@ -181,11 +182,12 @@ void AddPlaces(Facts& facts, const Places& places)
     facts.push_back({"type of a segment", typeid(Segment).name()});
 }
 
-/// Describes a pair of vector types and the segment that holds them.
+/// Describes a pair of vector types and the segment type that holds them.
 ///
-/// @param names      the vectors that both sides look for
-/// @param listSize   size of a new segment of the lists, @p bufferSize of one of the buffers
-/// @throws boost::interprocess::interprocess_exception  when no segment can be made to measure
+/// @param names       vectors that the library and the service look up
+/// @param listSize    size of a new list segment, in bytes
+/// @param bufferSize  size of a new buffer segment, in bytes
+/// @throws boost::interprocess::interprocess_exception  if the temporary segment cannot be created
 template <class Segment, class Names, class Bytewise>
 Facts Describe(const std::vector<VectorName>& names = ContractNames(), std::size_t listSize = 0x500000,
                std::size_t bufferSize = 0x100000)
@@ -199,7 +201,7 @@ Facts Describe(const std::vector<VectorName>& names = ContractNames(), std::size
     return facts;
 }
 
-/// What may differ between two builds that agree.
+/// Returns the facts that may differ between two compatible builds.
 inline Facts Tools()
 {
     const std::string boost = std::to_string(BOOST_VERSION / 100000) + "." +
@@ -207,7 +209,7 @@ inline Facts Tools()
     return {{"Boost", boost}, {"compiler", __VERSION__}};
 }
 
-/// One word for all facts: 64 bits of FNV-1a over the lines "NAME: VALUE\n", as 16 hexadecimal digits.
+/// Returns the 64-bit FNV-1a hash of the lines "NAME: VALUE\n", as 16 hexadecimal digits.
 inline std::string Fingerprint(const Facts& facts)
 {
     std::string text;
@@ -219,7 +221,7 @@ inline std::string Fingerprint(const Facts& facts)
     return word;
 }
 
-/// The whole description, one fact a line, the fingerprint last.
+/// Returns the whole description, one fact per line, with the fingerprint last.
 inline std::string Text(const Facts& facts)
 {
     std::string text;

@@ -1,10 +1,10 @@
-// The service's half of a comparison: prints the layout that a build of the service gives the shared segments.
+// Prints the layout of the shared segments in a build of the service, to compare it with the library's.
 //
-// Compile it with the service's own compiler, flags and Boost, and compare the last line with `ipodctl fingerprint`:
+// Compile it with the service's own compiler, flags, and Boost, and compare the last line with `ipodctl fingerprint`:
 //
 //     c++ -std=c++11 $(pkg-config --cflags libipod) layout_of_segments.cpp -lpthread -lrt -o layout-of-segments
 //
-// Better still, put the service's own types and names in the place of these.
+// For a stricter check, substitute the service's own types and names.
 #include <QBXIpodShareMemory.h>
 
 #include <cstdio>

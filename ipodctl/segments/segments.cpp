@@ -57,7 +57,7 @@ bool EndsWith(const std::string& text, const std::string& end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// Only the last part: the process may see the file system from another place.
+// Compares only the file name: the process may see /dev/shm under another path.
 bool IsOf(const Mapping& mapping, const std::string& segment)
 {
     return EndsWith(mapping.path, "/" + segment) || EndsWith(mapping.path, "/" + segment + " (deleted)");
@@ -93,15 +93,15 @@ std::string Missing(QBXSharedSegment& segment, const std::vector<const char*>& n
     return {};
 }
 
-// The object may be longer: it is between the two steps in which a service grows its segment.
+// A service grows a segment in two steps; between them, the object is larger than the segment.
 bool FitsItsObject(const QBXSharedSegment& segment, const char* name)
 {
     const std::size_t size = segment.get_size();
     return size >= sizeof(QBXSharedSegment::segment_manager) && size <= LookAt(name).size;
 }
 
-// A process that dies with the lock leaves it held for all. So the lock is only tried here, and what may crash works on
-// a copy; whoever waits in vain is ended from outside.
+// A process that dies while it holds the lock leaves it locked forever. So this function only tries the lock, and
+// RunInChild() kills the child if that takes too long. Code that may crash uses a copy-on-write mapping.
 void WaitUntilUnlocked(const char* name)
 {
     QBXSharedSegment segment(boost::interprocess::open_only, name);
@@ -172,7 +172,7 @@ struct Range
     std::size_t size;
 };
 
-// Whether a part of memory lies in the segment.
+// Returns whether the range lies within the segment.
 bool Holds(const QBXSharedSegment& segment, const Range& range)
 {
     const char* const begin = static_cast<const char*>(segment.get_address());
@@ -214,7 +214,7 @@ std::string DescribeAll(const SegmentPlan& plan)
     }
 }
 
-// Behind a first letter that says whether these are the bytes or why there are none.
+// Returns 'B' followed by the bytes of the vector, or 'E' followed by an error message.
 template <class Vector>
 std::string Copied(QBXSharedSegment& segment, const std::string& name)
 {

@@ -1,5 +1,5 @@
 /// @file
-/// The two shared segments, inspected without a session, whatever state they are in.
+/// Inspects the two shared segments without a session, even if they are damaged.
 #pragma once
 
 #include <sys/types.h>
@@ -18,30 +18,31 @@ struct SegmentPlan
     const char* what;  ///< "lists" or "buffers"
     const char* name;
     std::size_t size;
-    std::vector<const char*> lists;    ///< names of vectors of names
-    std::vector<const char*> buffers;  ///< names of vectors of bytes
+    std::vector<const char*> lists;    ///< vectors that hold names
+    std::vector<const char*> buffers;  ///< vectors that hold bytes
 };
 
 const std::vector<SegmentPlan>& SegmentPlans();
 
 enum class SegmentUse
 {
-    Unknown,  ///< it has mapped none, or does not let itself be looked at
-    Same,     ///< what stands under the name now
-    Other,    ///< what stands there no more
+    Unknown,  ///< no mapping, or the mappings are not readable
+    Same,     ///< maps the object that has the name now
+    Other,    ///< maps only objects that have lost the name
 };
 
-/// @param now  the inode of what stands under the segment's name; 0 for nothing
+/// Returns whether a process has mapped the current object of a segment.
+/// @param now  inode of the object that has the segment's name; 0 if there is none
 SegmentUse UseBy(pid_t process, const std::string& segment, ino_t now);
 
-/// The same, out of the text of /proc/PID/maps.
+/// Like UseBy(), but parses the text of /proc/PID/maps.
 SegmentUse UseIn(std::istream& maps, const std::string& segment, ino_t now);
 
-/// What stands under a segment's name, seen from outside.
+/// The file in /dev/shm that has a segment's name.
 struct SegmentObject
 {
     bool exists = false;
-    bool isMemory = false;  ///< and no FIFO, directory or other thing
+    bool isMemory = false;  ///< a regular file, not a FIFO, directory, or similar
     uid_t owner = 0;
     mode_t mode = 0;
     std::size_t size = 0;
@@ -50,38 +51,38 @@ struct SegmentObject
 
 SegmentObject LookAt(const std::string& segment);
 
-/// What it says of a segment that a child process that looked inside came to such an end.
+/// Returns why a segment is unreadable, given how the child process that inspected it ended.
 const char* WhyUnreadable(ChildOutcome::End end);
 
-/// Opens the segment in a child process, takes its lock, checks its inside and looks for the vectors: a hang or a crash
-/// stays there. Call before the process has other threads.
+/// Opens the segment in a child process, waits for its lock, checks its integrity, and looks up the vectors. A hang or
+/// crash affects only the child. Blocks for a few seconds at most. Call before the process starts other threads.
 ///
-/// @return  empty when all is well, otherwise what is wrong; within a few seconds
+/// @return  the problem; empty if the segment is ok
 std::string Probe(const char* segment, const std::vector<const char*>& lists, const std::vector<const char*>& buffers);
 
 struct VectorContents
 {
     std::string name;
-    bool isNames;  ///< of names, otherwise of bytes
+    bool isNames;  ///< holds names; otherwise bytes
     std::size_t elements;
-    std::size_t capacity;  ///< elements
-    std::string problem;   ///< empty when it can be read
+    std::size_t capacity;  ///< in elements
+    std::string problem;   ///< empty if the vector is readable
 };
 
 struct SegmentContents
 {
-    std::string problem;      ///< empty when the segment can be read
+    std::string problem;      ///< empty if the segment is readable
     std::size_t free = 0;     ///< bytes
-    std::size_t objects = 0;  ///< named ones, whatever they are
+    std::size_t objects = 0;  ///< named objects of any type
     std::vector<VectorContents> vectors;
 };
 
 SegmentContents ReadContents(const SegmentPlan& plan);
 
-/// The bytes of all elements of a vector.
-/// @throws Failure  kNoSegments, when they cannot be read
+/// Returns the bytes of all elements of a vector.
+/// @throws Failure  kNoSegments, if they cannot be read
 std::string ReadVector(const SegmentPlan& plan, const std::string& name);
 
-/// The names in the bytes of a vector of names.
+/// Splits the bytes of a vector of names into names.
 std::vector<std::string> NamesIn(const std::string& bytes);
 }  // namespace ctl

@@ -29,7 +29,7 @@ void Start(AnyRequest& request, py::function callback)
     request.Start({"completion", std::move(callback)});
 }
 
-// One that was given up takes no result.
+// Skips a future that the caller has cancelled.
 void Settle(const py::object& future, const py::object& value, const py::object& error)
 {
     if (!future.attr("set_running_or_notify_cancel")().cast<bool>()) return;
@@ -39,7 +39,7 @@ void Settle(const py::object& future, const py::object& value, const py::object&
         future.attr("set_exception")(error);
 }
 
-// A switch that the caller has given may serve other requests.
+// Does nothing if the caller supplied a Cancellation, which may serve other requests.
 void WithdrawWhenGivenUp(AnyRequest& request, const py::object& future)
 {
     if (request.HasSwitch()) return;
@@ -69,7 +69,7 @@ py::object Future(AnyRequest& request)
 void AnyRequest::WaitUntil(const std::function<bool(std::chrono::milliseconds)>& ready, const Cancellation& stop,
                            const std::optional<Cancellation>& other)
 {
-    // So long does a Ctrl-C wait. An answer does not.
+    // Limits the delay of Ctrl-C. An answer ends the wait at once.
     constexpr std::chrono::milliseconds kSlice(20);
     for (bool done = false; !done;)
     {

@@ -1,5 +1,5 @@
 /// @file
-/// Requests of any type behind one Python class.
+/// One Python class for requests of all result types.
 #pragma once
 
 #include <ipodkit/request.h>
@@ -17,7 +17,7 @@
 
 namespace ipodkit::python
 {
-/// A request that is sent once, in one of three ways.
+/// A request that can be sent once: with a callback, as a future, or by a blocking call.
 class AnyRequest
 {
 public:
@@ -30,16 +30,16 @@ public:
     virtual void CancelledBy(const Cancellation& cancellation) = 0;
     virtual bool HasSwitch() const = 0;
 
-    /// The callback is given the value and None, or None and an ipodkit.Error.
+    /// Sends the request. The callback receives (value, None) or (None, ipodkit.Error).
     virtual void Start(const Callback& callback) = 0;
 
-    /// Lets other Python threads and handlers of signals run. Raises ipodkit.Error, or what a handler raises: the
-    /// request is withdrawn then.
+    /// Sends the request and blocks until the answer, while other Python threads and signal handlers run. Raises
+    /// ipodkit.Error, or the exception of a signal handler, which also withdraws the request.
     virtual py::object Wait() = 0;
 
 protected:
-    /// Returns when @p ready does so with true; it is given the time that it may take.
-    /// @param stop  thrown by the switch @p other, and when a handler of a signal raises
+    /// Calls @p ready with a time limit until it returns true. Signal handlers run between the calls.
+    /// @param stop  cancelled when @p other is cancelled, and when a signal handler raises
     static void WaitUntil(const std::function<bool(std::chrono::milliseconds)>& ready, const Cancellation& stop,
                           const std::optional<Cancellation>& other);
 };
@@ -53,7 +53,7 @@ py::object ValueOf(const Result<T>& result)
         return ToObject(*result);
 }
 
-/// What a callback is given: a result as the value and None, or None and an ipodkit.Error.
+/// Converts a result to the arguments of a callback: (value, None) or (None, ipodkit.Error).
 template <class T>
 py::tuple ToArguments(const Result<T>& result)
 {
@@ -111,8 +111,8 @@ private:
         return request;
     }
 
-    // The request waits on a thread of its own, since nothing but a switch ends that early. This switch is the
-    // waiting's own: one by which the request is cancelled may serve others.
+    // The request waits on a separate thread, because only a Cancellation ends that wait early. The wait uses its own
+    // Cancellation, since m_switch may serve other requests.
     Result<T> AwaitInterruptibly(Request<T> request) const
     {
         const Cancellation stop;

@@ -1,5 +1,5 @@
 /// @file
-/// Python's callables as callbacks of the companion.
+/// Wraps Python callables as ipodkit callbacks.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -13,8 +13,8 @@ namespace ipodkit::python
 {
 namespace py = pybind11;
 
-/// Raises KeyboardInterrupt where the main thread goes on in Python. False when the program does not handle SIGINT in
-/// Python: nothing would raise it then.
+/// Triggers the program's SIGINT handler when the main thread next runs Python code. Returns false if SIGINT has no
+/// Python handler, because nothing would raise KeyboardInterrupt then.
 inline bool InterruptMainThread()
 {
     const py::object handler = py::module_::import("signal").attr("getsignal")(SIGINT);
@@ -23,8 +23,8 @@ inline bool InterruptMainThread()
     return true;
 }
 
-/// May be called, copied and destroyed with and without the interpreter's lock. What the callable raises goes to
-/// sys.unraisablehook, under the callback's name; a KeyboardInterrupt goes to the program, which runs the loop.
+/// Can be called, copied, and destroyed with or without the GIL. Exceptions of the callable go to sys.unraisablehook
+/// under the callback's name. A KeyboardInterrupt interrupts the main thread instead, if SIGINT has a Python handler.
 class Callback
 {
 public:
@@ -33,7 +33,7 @@ public:
     {
     }
 
-    /// @p arguments makes the tuple of arguments, under the lock.
+    /// Calls the callable with the tuple that @p arguments returns. Both run with the GIL held.
     template <class MakeArguments>
     void Call(const MakeArguments& arguments) const
     {
@@ -52,7 +52,7 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    // Nothing can be let go once the interpreter has ended.
+    // Leaks the callable if the interpreter has been finalized.
     static void Release(py::function* callable)
     {
         if (Py_IsInitialized() == 0) return;

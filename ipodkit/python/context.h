@@ -1,5 +1,5 @@
 /// @file
-/// A main context that is run by another loop, such as that of asyncio.
+/// A GLib main context that another event loop runs, such as asyncio's.
 #pragma once
 
 #include <glib.h>
@@ -10,23 +10,23 @@
 
 namespace ipodkit::python
 {
-/// For one thread: the one that runs the other loop.
+/// Use it only on the thread that runs the other loop.
 class Context
 {
 public:
-    /// What the other loop waits for: a file, and G_IO_IN or G_IO_OUT.
+    /// A file descriptor and the events to poll it for: G_IO_IN, G_IO_OUT.
     using File = std::pair<int, int>;
 
     GMainContext* Native() const { return m_context.get(); }
 
-    /// How long it may wait, in milliseconds, -1 for ever; and for which files.
+    /// Returns the poll timeout in milliseconds (-1 for no limit) and the descriptors to poll.
     std::pair<int, std::vector<File>> Query() const;
 
-    /// Runs what is ready.
+    /// Dispatches ready sources without blocking.
     void Dispatch() const;
 
 private:
-    // Sources that are attached while nothing iterates the context wake the other loop up.
+    // With this flag, attaching a source wakes the other loop even though no thread iterates the context.
     std::shared_ptr<GMainContext> m_context{g_main_context_new_with_flags(G_MAIN_CONTEXT_FLAGS_OWNERLESS_POLLING),
                                             g_main_context_unref};
 };

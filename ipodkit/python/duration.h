@@ -1,5 +1,5 @@
 /// @file
-/// Durations from Python: seconds as a number, or a timedelta.
+/// Converts Python durations: a number of seconds, or a timedelta.
 #pragma once
 
 #include <pybind11/pybind11.h>

@@ -13,7 +13,7 @@ constexpr char kErrorDoc[] =
     "Why a request failed. `kind` is an ErrorKind, `reason` gives details, in the words of the bus where it has any, "
     "and `name` is the D-Bus name of the error that was the answer, or None.";
 
-// These live as long as the module.
+// Valid as long as the module.
 py::handle errorType;
 std::map<ErrorKind, py::handle> typesByKind;
 
@@ -21,7 +21,7 @@ struct Kind
 {
     ErrorKind kind;
     const char* constant;
-    PyObject** also;  // a type of Python's own that it is, too
+    PyObject** also;  // built-in exception as an additional base class, or null
     const char* doc;
 };
 

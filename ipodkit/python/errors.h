@@ -1,5 +1,5 @@
 /// @file
-/// Failures as Python sees them.
+/// Converts errors to Python exceptions.
 #pragma once
 
 #include <ipodkit/error.h>
@@ -9,9 +9,9 @@ namespace ipodkit::python
 {
 namespace py = pybind11;
 
-/// An instance of ipodkit.Error.
+/// Returns an instance of ipodkit.Error.
 py::object ToException(const Error& error);
 
-/// Raises it.
+/// Raises @p error as an ipodkit.Error.
 [[noreturn]] void Raise(const Error& error);
 }  // namespace ipodkit::python

@@ -1,5 +1,5 @@
-// Prints the type stub of the Python package: make-stub HAND_WRITTEN >__init__.pyi. Enumerations, values and events
-// come from the tables of fields, the rest is written by hand.
+// Prints the type stub of the Python package: make-stub HAND_WRITTEN >__init__.pyi. It generates enumerations, values,
+// and events from the field tables; the rest comes from the file HAND_WRITTEN.
 #include <ipodkit/commands.h>
 #include <ipodkit/event.h>
 #include <ipodkit/player_state.h>

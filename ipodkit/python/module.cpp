@@ -1,4 +1,4 @@
-// The inside of the Python package `ipodkit`, which adds what asyncio needs.
+// The native module of the Python package `ipodkit`; the package itself adds asyncio support.
 #include <QBXLog.h>
 #include <pybind11/pybind11.h>
 
@@ -19,7 +19,7 @@ bool Log(const std::string& config)
 PYBIND11_MODULE(_native, module)
 {
     using namespace ipodkit::python;
-    // Types are named after the package that exports them.
+    // Types report the exporting package as their module.
     const pybind11::object name = module.attr("__name__");
     module.attr("__name__") = "ipodkit";
     module.attr("__version__") = IPODKIT_VERSION;

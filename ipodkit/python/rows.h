@@ -1,5 +1,5 @@
 /// @file
-/// Python classes from the tables of fields.
+/// Generates Python classes from the field tables.
 #pragma once
 
 #include <ipodkit/fields.h>
@@ -20,11 +20,11 @@
 
 namespace ipodkit::python
 {
-/// Texts of the device need not be UTF-8.
+/// Decodes UTF-8 and replaces invalid bytes, because text from the device may have any encoding.
 py::object ToObject(const std::string& text);
 py::object ToObject(const std::vector<unsigned char>& bytes);
 
-/// A datetime in UTC; None when it is out of its range.
+/// Returns a datetime in UTC, or None if the time is out of its range.
 py::object ToObject(const PhoneCall::Time& time);
 
 py::object ToObject(const PicturePtr& picture);
@@ -37,7 +37,7 @@ py::object ToObject(const T& value)
     return py::cast(value);
 }
 
-/// What is absent or unknown is None.
+/// Converts an absent or unknown value to None.
 template <class T>
 py::object ToObject(const std::optional<T>& value)
 {
@@ -58,7 +58,7 @@ py::object ToObject(const std::map<Key, T>& values)
     return std::move(dict);
 }
 
-/// "<ipodkit.Battery percent=42>": the fields that are not None.
+/// Returns "<ipodkit.Battery percent=42>", without fields that are None.
 template <class T>
 py::str ReprOf(const T& value)
 {
@@ -73,7 +73,7 @@ py::str ReprOf(const T& value)
     return text + ">";
 }
 
-/// Adds the fields of @p T to the class of a struct that it is, or that counts its fields as its own.
+/// Adds the fields of @p T as properties to the class of @p T, or to that of a struct that embeds @p T.
 template <class T, class Class, class Reach>
 void AddProperties(Class& type, const Reach& reach)
 {
@@ -94,7 +94,7 @@ void AddProperties(Class& type, const Reach& reach)
         });
 }
 
-/// Binds a struct: a read-only property per row.
+/// Binds a struct with one read-only property per row.
 template <class T, class... Extra>
 py::class_<T, Extra...> BindRows(py::module_& module)
 {
@@ -104,7 +104,7 @@ py::class_<T, Extra...> BindRows(py::module_& module)
     return type;
 }
 
-/// Binds an enumeration: "FAST_FORWARD" for "fast-forward".
+/// Binds an enumeration; the constant of "fast-forward" is FAST_FORWARD.
 template <class E>
 void BindNames(py::module_& module)
 {

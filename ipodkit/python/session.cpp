@@ -60,7 +60,7 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
                   wanted));
 }
 
-// Binds each kind of event; EVENTS has them by name.
+// Binds a class for each event type and maps names to classes in EVENTS.
 template <class... Events>
 void BindEvents(py::module_& module, const std::variant<Events...>*)
 {

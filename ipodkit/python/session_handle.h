@@ -1,5 +1,5 @@
 /// @file
-/// The session, its parts, and their subscriptions as Python owns them.
+/// Owners of the session, its parts, and their subscriptions for Python.
 #pragma once
 
 #include <ipodkit/session.h>
@@ -17,11 +17,11 @@
 
 namespace ipodkit::python
 {
-/// Ending waits for a callback on another thread, which wants the interpreter's lock.
+/// Ends its subscription without the GIL, because End() waits for a callback on another thread that may need the GIL.
 class OwnedSubscription
 {
 public:
-    /// @p session  while it lives, dropping the object without End() is a mistake
+    /// @param session  while it exists, destroying the object without End() issues a ResourceWarning
     OwnedSubscription(std::string name, Subscription subscription, std::weak_ptr<const Session> session)
         : m_name(std::move(name)), m_subscription(std::move(subscription)), m_session(std::move(session))
     {
@@ -78,7 +78,7 @@ public:
         return *m_session;
     }
 
-    /// A subscription in the session, or in a part of it: a process has one session at a time.
+    /// Wraps a subscription to the current session or to a part of it; a process has one session at a time.
     static OwnedSubscriptionPtr Own(const std::string& name, Subscription subscription)
     {
         return std::make_unique<OwnedSubscription>(name, std::move(subscription), present);
@@ -87,10 +87,10 @@ public:
 private:
     static inline std::weak_ptr<const Session> present;
 
-    std::shared_ptr<Session> m_session;  // by this object alone
+    std::shared_ptr<Session> m_session;  // the only strong reference
 };
 
-/// Ends a part of the session: what it completes then may wait for another thread's callback.
+/// Deletes a part of the session without the GIL, because that may wait for a callback on another thread.
 struct Unlocked
 {
     template <class Part>
@@ -103,17 +103,17 @@ struct Unlocked
 template <class Part>
 using Owned = std::unique_ptr<Part, Unlocked>;
 
-/// Lets a request keep its part of the session: a part that goes withdraws its requests.
+/// Keeps a part of the session alive as long as its request, because deleting the part withdraws its requests.
 using KeepsPart = py::keep_alive<0, 1>;
 
-/// An operation that makes a request, as a method of Python's.
+/// Wraps an operation that returns a request as a Python method.
 template <class Part, class T, class... Args>
 auto Requesting(Request<T> (Part::*make)(Args...))
 {
     return [make](Part& part, Args... args) { return Wrapped((part.*make)(std::move(args)...)); };
 }
 
-/// An operation that subscribes, as a method of Python's.
+/// Wraps an operation that subscribes as a Python method.
 template <class Part, class... Args>
 auto Subscribing(Subscription (Part::*subscribe)(std::string, std::function<void(Args...)>))
 {

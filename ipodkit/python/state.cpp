@@ -6,7 +6,7 @@ namespace ipodkit::python
 {
 namespace
 {
-// Calls @p use with each field and the name of its constant.
+// Calls @p use with each field and the name of its Python constant.
 template <class Use>
 void ForEachField(const Use& use)
 {
@@ -37,7 +37,7 @@ void BindState(py::module_& module)
     BindPlayerState(module);
 }
 
-// Python has no constant objects; nothing that is bound changes it.
+// Python has no const objects, but all bound members are read-only.
 py::object ToPython(const StatePtr& state)
 {
     return py::cast(std::const_pointer_cast<PlayerState>(state));

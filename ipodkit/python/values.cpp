@@ -79,7 +79,7 @@ py::object ToObject(const PhoneCall::Time& time)
     return py::none();
 }
 
-// Python has no constant objects; nothing that is bound changes it.
+// Python has no const objects, but all bound members are read-only.
 py::object ToObject(const PicturePtr& picture)
 {
     return py::cast(std::const_pointer_cast<Picture>(picture));

@@ -1,5 +1,5 @@
 /// @file
-/// The values of the companion as Python sees them.
+/// Converts values of ipodkit to Python.
 #pragma once
 
 #include <ipodkit/player_state.h>
@@ -12,14 +12,14 @@ namespace ipodkit::python
 {
 namespace py = pybind11;
 
-/// What repr() answers: the values in place of the braces of @p form, as by Python's str.format().
+/// Formats @p values with Python's str.format(), for use in repr().
 template <class... Values>
 py::str Described(const char* form, const Values&... values)
 {
     return py::str(form).format(values...);
 }
 
-/// The name of an enumeration's value, or its number when it has none; None when it is absent.
+/// Returns the name of an enumeration value, its number if it has no name, or None if it is absent.
 template <class T>
 py::object NameOf(const std::optional<T>& value)
 {
@@ -28,10 +28,10 @@ py::object NameOf(const std::optional<T>& value)
     return known.attr("name").is_none() ? known.attr("value") : known.attr("name");
 }
 
-/// Lets values print as "<Shuffle.OFF: 0>", or "<Shuffle: 77>" when they have no name, which is None then.
+/// Makes values print as "<Shuffle.OFF: 0>". A value without a name prints as "<Shuffle: 77>"; its name is None.
 void PrintNumbersWithoutName(const py::object& enumeration);
 
-/// An enumeration of which the service may send any number.
+/// Binds an enumeration that accepts any number, because the service may send one without a name.
 template <class T>
 py::enum_<T> Enumeration(py::module_& module, const char* name, const char* doc = "")
 {
@@ -40,12 +40,12 @@ py::enum_<T> Enumeration(py::module_& module, const char* name, const char* doc 
     return type;
 }
 
-/// "FAST_FORWARD" for "fast-forward" and for "fast_forward".
+/// Returns "FAST_FORWARD" for "fast-forward" and for "fast_forward".
 std::string ConstantName(std::string name);
 
 py::object ToPython(const StatePtr& state);
 
-/// A frozenset of Field, and any iterable of them; None stands for all.
+/// Converts to a frozenset of Field, and from any iterable of Field; None means all fields.
 py::object ToPython(Fields fields);
 Fields ToFields(const py::object& fields);
 }  // namespace ipodkit::python

@@ -24,7 +24,7 @@ UP, LEFT = "\033OA", "\033OD"
 
 
 def selected(screen):
-    """The text of the row drawn in reverse video."""
+    """Returns the text of the row drawn in reverse video."""
     for line in screen.cells:
         if line[0].look.reverse and line[-2].look.reverse:
             return "".join(cell.text for cell in line).strip()

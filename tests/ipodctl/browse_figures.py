@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures how quickly ipodctl browse shows what is asked of it, in a list of many names; run by hand.
+"""Measures how fast ipodctl browse responds in a list with many names; run by hand.
 
 Usage: browse_figures.py --ipodctl PROGRAM --simulator PROGRAM [TRACKS]
 """
@@ -29,7 +29,7 @@ def seconds_until(terminal, holds):
 
 
 def milliseconds_of_keys(terminal, count):
-    """From a key to the first byte that changes the screen."""
+    """Returns the sorted times from a key press to the first byte that changes the screen."""
     taken = []
     for _ in range(count):
         before = selected(terminal.screen)

@@ -44,7 +44,7 @@ void ExpectWithin(const Frame& frame, int rows, int columns)
         }
 }
 
-// Bytes of every kind: letters, wide and combining characters, emoji, control characters, broken UTF-8.
+// Mixes all kinds of bytes: letters, wide and combining characters, emoji, control characters, broken UTF-8.
 std::string RandomName(std::mt19937& random)
 {
     static const std::vector<std::string> pieces = {

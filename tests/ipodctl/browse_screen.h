@@ -1,5 +1,5 @@
 /// @file
-/// Shared by the tests of the browser's model and of its screen.
+/// Helpers shared by the tests of the browser's model and screen.
 #pragma once
 
 #include <algorithm>
@@ -48,7 +48,7 @@ inline std::string SelectedName(const Model& model)
     return name == nullptr ? "" : *name;
 }
 
-/// Renders a line: spans at their columns, later ones over previousActions ones.
+/// Renders a line with each span at its column; later spans overwrite earlier ones.
 inline std::string Rendered(const Line& line)
 {
     std::map<int, std::string> cells;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The shells complete command lines of ipodctl, without a service.
+"""Tests the shell completion of ipodctl command lines, without a service.
 
 Usage: completion_test.py "PROGRAM [ARGUMENT...]" FOLDER-OF-THE-SCRIPTS
 """
@@ -24,7 +24,7 @@ def output_of(*command):
 
 
 def bash(line):
-    """What replaces the last word; the part of it that bash itself keeps is put before."""
+    """Returns the replacements of the last word, including the prefix that bash keeps."""
     words = ["ipodctl", *line.split(" ")]
     script = (f"_init_completion() {{ words=({shlex.join(words)}) cword={len(words) - 1} cur={shlex.quote(words[-1])}; }}; "
               f"compopt() {{ :; }}; ipodctl() {{ {PROGRAM} \"$@\"; }}; _filedir() {{ COMPREPLY+=(files$*); }}; "

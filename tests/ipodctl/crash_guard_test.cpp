@@ -33,7 +33,7 @@ void OverflowStack()
     _exit(Overflow(&start));
 }
 
-/// The crash of a process that has changed the modes of its terminal.
+/// The result of crashing a process that has changed its terminal modes.
 struct Crash
 {
     int status = 0;
@@ -81,7 +81,7 @@ void ExpectTerminalRestored(const Crash& crash, int signal)
     EXPECT_TRUE(WIFSIGNALED(crash.status)) << crash.status;
     EXPECT_EQ(WTERMSIG(crash.status), signal);
     EXPECT_TRUE(crash.modesRestored);
-    // An emulator appends a line of its own.
+    // QEMU appends its own message.
     EXPECT_EQ(crash.written.substr(0, crash.written.find("qemu: ")), "resetSequence");
 }
 }  // namespace

@@ -9,7 +9,7 @@ namespace ctl
 {
 namespace
 {
-// Every event once, with all that it can carry.
+// Returns one event of each type.
 std::vector<Event> AllEvents()
 {
     using namespace ipodkit;

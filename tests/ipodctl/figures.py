@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Measures how quickly ipodctl answers and tells of events, and exits 1 when a goal is missed; run by hand.
+"""Measures how fast ipodctl answers and prints events; exits 1 if it misses a goal. Run by hand.
 
 Usage: figures.py --ipodctl PROGRAM --simulator PROGRAM [--times 100]
 
-Starts a bus, a shared memory and a simulator of its own. Needs python3-gi.
+Starts a private bus and simulator with private shared memory. Requires python3-gi.
 """
 import argparse
 import os
@@ -36,7 +36,7 @@ def let_battery_change(bus, level):
 
 
 def milliseconds_to_lines(environment, options, times):
-    """From before the request that makes the simulator emit the event to the line that tells of it."""
+    """Returns the times from the request that makes the simulator emit an event to the line that prints it."""
     bus = Gio.DBusConnection.new_for_address_sync(
         environment["DBUS_SESSION_BUS_ADDRESS"],
         Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)

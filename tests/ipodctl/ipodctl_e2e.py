@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs every verb of ipodctl against the simulator, on a bus and in a shared memory of its own."""
+"""Runs every verb of ipodctl against the simulator, with a private bus and private shared memory."""
 import argparse
 import collections
 import fcntl
@@ -45,7 +45,7 @@ class OnABus(unittest.TestCase):
                                 stderr=subprocess.PIPE, cwd=self.folder.name, **options)
 
     def run_ctl(self, *words, code=DONE, data=b""):
-        """Runs it to its end; what it wrote, once its exit code is the one expected."""
+        """Runs ipodctl until it exits, checks its exit code, and returns its standard output."""
         process = self.start(*words, stdin=subprocess.PIPE)
         out, err = process.communicate(data, timeout=LIMIT)
         self.assertEqual(process.returncode, code, (words, out, err))
@@ -66,7 +66,7 @@ class OnABus(unittest.TestCase):
         return answer
 
     def failure(self, *words, code, **options):
-        """The message of a failure and its hint, which are the same in both forms."""
+        """Checks a failure in text and JSON form and returns its message and hint."""
         self.assertEqual(self.run_ctl(*words, code=code, **options), b"")
         error = self.json(*words, code=code, **options)["error"]
         self.assertEqual(error["code"], code)
@@ -205,7 +205,7 @@ class OnABusWithTheSimulator(OnABus):
         self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
 
     def hang(self):
-        """Returns when it has stopped: until then it may answer."""
+        """Stops the simulator and waits until it has stopped, because it may answer until then."""
         self.simulator.send_signal(signal.SIGSTOP)
         stopped = os.waitid(os.P_PID, self.simulator.pid, os.WSTOPPED | os.WEXITED | os.WNOWAIT)
         self.assertEqual(stopped.si_code, os.CLD_STOPPED)
@@ -268,7 +268,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         return self.json("play", "0")
 
     def events(self, cause, *words):
-        """The events that a cause brings about, up to the number that is given with --count."""
+        """Returns the events that a cause triggers, up to the number given with --count."""
         process = self.follow("--json", "events", *words, "--timeout", str(LIMIT))
         cause()
         out, err = process.communicate(timeout=LIMIT)
@@ -279,7 +279,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         return events
 
     def follow(self, *words):
-        """A run that follows events, from the moment on from which it misses none: its log tells."""
+        """Starts a run that follows events, and returns it once its log shows that it is subscribed."""
         process = self.start("--verbose", *words)
         for line in process.stderr:
             if b"session Ready" in line:
@@ -287,7 +287,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.fail("it ended before it listened")
 
     def await_line(self, stream, part, keep=None):
-        """Reads lines until one has a part in it."""
+        """Reads lines until one contains the given part."""
         for line in stream:
             if keep is not None:
                 keep.append(line)
@@ -295,7 +295,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 return
         self.fail(f"no line with {part}")
 
-    # What plays
+    # Playback
 
     def test_an_idle_device_is_shown_as_such(self):
         self.assertTrue(self.text("status").startswith("stopped "))
@@ -461,7 +461,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("long", self.refused("seek", "59:59", code=USAGE))
 
     def calls_of(self, *words):
-        """The calls of the service that a run makes, by how often it makes them."""
+        """Counts the service calls that a run makes, by method."""
         self.run_ctl("sim", "calls", "--clear")
         self.run_ctl(*words)
         return collections.Counter(call["method"] for call in self.json("sim", "calls")["calls"])
@@ -776,15 +776,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_an_interrupt_ends_the_command_and_all_that_it_started_and_begins_no_other(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(number):
-                # It says that it has begun when the shell waits for it already: one that is interrupted just before
-                # begins it all the same.
+                # The command prints once the shell already waits for it: a shell that is interrupted just before that
+                # still starts the command.
                 slow = "import os, time; print(os.environ['IPOD_PERCENT'], flush=True); time.sleep(300)"
                 process = self.follow("events", "battery", "--exec", f'"{sys.executable}" -c "{slow}"; echo survived')
                 self.tell("battery", "5")
                 self.tell("battery", "6")
                 self.assertEqual(line_within(process.stdout, LIMIT), b"5\n")
                 process.send_signal(number)
-                # The end of the output comes when the last one that could write is gone.
+                # The output ends when the last process that holds the pipe has exited.
                 out, err = process.communicate(timeout=LIMIT)
                 self.assertEqual((process.returncode, out), (DONE, b""))
                 self.assertNotIn(b"ipodctl:", err)
@@ -937,7 +937,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
             return client.connect_ex(path) == 0
 
     def exchange(self, path, text):
-        """What a client of a socket gets back."""
+        """Sends text to a socket and returns what comes back."""
         self.assertTrue(within(LIMIT, lambda: os.path.exists(path)))
         with socket.socket(socket.AF_UNIX) as client:
             client.settimeout(LIMIT)
@@ -1050,7 +1050,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.json("status"), before)
         self.assertIn("changes nothing", self.text("bench", "--count", "2"))
 
-    # The service, misbehaving
+    # Misbehaving service
 
     def test_an_error_of_the_service_is_told_as_it_came(self):
         self.tell("fault", "error=com.example.Busy")
@@ -1196,7 +1196,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.addCleanup(os.rmdir, "/dev/shm/ListVectorSharedMemory")
         self.assertIn("shared memory", self.refused("status", code=NO_SEGMENTS))
 
-    # What goes where
+    # Output streams
 
     def test_verbose_shows_the_log_on_standard_error_only(self):
         process = self.start("--verbose", "art", "--json")
@@ -1286,12 +1286,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
 
 class Doctor:
-    """What doctor finds, and the exit code that goes with it; every answer fits the schema."""
+    """Checks the findings and exit codes of doctor, and validates each answer against the schema."""
 
     def examine(self, code, *options):
         process = self.start("--json", *options, "doctor")
         out, err = process.communicate(timeout=LIMIT)
-        # An emulator adds a line of its own when a process dies of a signal.
+        # QEMU adds its own line when a signal kills a process.
         err = re.sub(rb"qemu: uncaught target signal .*\n", b"", err)
         self.assertEqual((process.returncode, err), (code, b""), out)
         answer = json.loads(out)

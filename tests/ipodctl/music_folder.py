@@ -1,15 +1,15 @@
 #!/usr/bin/env python3
-"""Writes folders of tiny MP3 files with tags: silent, but of any length that a player reads from them.
+"""Writes folders of tiny, silent MP3 files with tags; their headers can declare any duration.
 
 Usage: music_folder.py FOLDER [--tracks N]
 
-Without a number, a small collection with names in several scripts; with one, so many tracks of invented names.
+Without --tracks, writes a small collection with names in several scripts; with it, N tracks with invented names.
 """
 import argparse
 import os
 import struct
 
-# MPEG 1, layer III, 32 kbit/s, 44.1 kHz, mono: 104 bytes and 1152 samples a frame.
+# MPEG 1, layer III, 32 kbit/s, 44.1 kHz, mono: 104 bytes and 1152 samples per frame.
 HEADER = b"\xff\xfb\x10\xc4"
 FRAME = HEADER + bytes(100)
 SAMPLES_PER_FRAME, SAMPLE_RATE = 1152, 44100
@@ -44,7 +44,7 @@ def tag(title, artist, album, genre, number):
 
 
 def audio(seconds):
-    """Two frames, of which the first says how many there are."""
+    """Returns two frames; the header in the first one declares the number of frames for the duration."""
     frames = seconds * SAMPLE_RATE // SAMPLES_PER_FRAME
     says = b"Xing" + struct.pack(">III", 3, frames, frames * len(FRAME))
     first = HEADER + bytes(SIDE_INFORMATION) + says
@@ -65,7 +65,7 @@ def write_collection(folder):
 
 
 def write_tracks(folder, count):
-    """A hundred to an album; every tenth title is Chinese."""
+    """Writes a hundred tracks per album; every tenth title is Chinese."""
     for index in range(count):
         album = f"Album {index // 100:04}"
         place = os.path.join(folder, album)

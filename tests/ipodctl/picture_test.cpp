@@ -35,7 +35,7 @@ std::string Png()
            Chunk("IEND", "");
 }
 
-// With a small picture in a segment of its own.
+// Returns a JPEG file with a thumbnail in its own segment.
 std::string Jpeg()
 {
     return "\xFF\xD8\xFF\xE1" + std::string("\0\x07", 2) + "\xFF\xD8 \xFF\xD9" + "\xFF\xFF\xDA" +

@@ -1,4 +1,4 @@
-// Processes beside this one: commands that are run for events, and work that may crash.
+// Tests child processes: commands run for events, and work that may crash.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -82,7 +82,7 @@ TEST(RunInChild, SurvivesACrash)
     EXPECT_EQ(RunInChild([]() -> std::string { std::abort(); }).end, ChildOutcome::End::Crashed);
 }
 
-// As a runtime ends it that catches the crash.
+// A runtime that catches the crash exits this way.
 TEST(RunInChild, TakesABadStatusForACrash)
 {
     EXPECT_EQ(RunInChild([]() -> std::string { _exit(1); }).end, ChildOutcome::End::Crashed);

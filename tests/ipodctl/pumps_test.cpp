@@ -10,7 +10,7 @@ using ctl::OutputPump;
 
 namespace
 {
-/// A pipe; its reading end is read by a thread of its own until its writing end is closed.
+/// A pipe that a thread drains until the write end is closed.
 class DrainedPipe
 {
 public:

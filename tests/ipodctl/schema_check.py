@@ -29,7 +29,7 @@ def _one_of_errors(value, schema, root, path):
 
 
 def check(value, schema, root=None, path="$"):
-    """All the ways in which the value does not fit; none when it does."""
+    """Returns all validation errors of the value; an empty list if it is valid."""
     root = root or schema
     unknown = schema.keys() - _KNOWN
     if unknown:

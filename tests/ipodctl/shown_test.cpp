@@ -1,4 +1,4 @@
-// What is shown of numbers and bytes: bars, dumps, lines beside pictures, latencies.
+// Tests how numbers and bytes are displayed: bars, dumps, lines beside drawings, latencies.
 #include <gtest/gtest.h>
 
 #include "output/text.h"

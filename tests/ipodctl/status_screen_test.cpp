@@ -16,7 +16,7 @@ namespace ctl
 {
 namespace
 {
-/// Standard output is a terminal of a size for as long as it lives.
+/// Makes standard output a terminal of the given size for its lifetime.
 class OnTerminal
 {
 public:
@@ -159,7 +159,7 @@ TEST(StatusScreen, SaysWhatIsUnknown)
               Lines{"unknown   shuffle unknown   repeat unknown   queue unknown   devices unknown"});
 }
 
-// The head of a picture that is cut off.
+// A truncated PNG header.
 const std::vector<unsigned char> kPng{0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
                                       0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the examples that docs/ipodkit.md quotes, against the simulator on a bus and in a shared memory of their own."""
+"""Runs the examples quoted in docs/ipodkit.md against the simulator, with a private bus and private shared memory."""
 import argparse
 import os
 import subprocess
@@ -45,7 +45,7 @@ class Examples(unittest.TestCase):
         return process
 
     def run_example(self, name, *arguments, bus=None):
-        """The output and the exit code of a program that ends by itself."""
+        """Runs an example until it exits; returns its output and exit code."""
         result = subprocess.run([os.path.join(OPTIONS.examples, name), *arguments],
                                 env=(bus or self.bus).environment, timeout=LIMIT, stdout=subprocess.PIPE,
                                 stderr=subprocess.STDOUT, text=True)
@@ -86,7 +86,7 @@ class Examples(unittest.TestCase):
             self.ipodctl("sim", "battery", "level=42")
             return "battery: \n" in example.printed()
 
-        # Until the program has subscribed, it misses events.
+        # The program misses events until it has subscribed.
         self.assertTrue(within(LIMIT, reported), example.printed())
         self.ipodctl("repeat", "all")
         example.expect("repeat: all\n")

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the Python module inside asyncio, without a loop of GLib, against the simulator on a bus and in a shared memory
-of its own."""
+"""Runs the Python module inside asyncio, without a GLib main loop, against the simulator, with a private bus and
+private shared memory."""
 import asyncio
 import os
 import sys

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the Python module with the main loop of python3-gi, against the simulator on a bus and in a shared memory of
-its own."""
+"""Runs the Python module with the main loop of python3-gi against the simulator, with a private bus and private shared
+memory."""
 import ast
 import asyncio
 import datetime
@@ -28,7 +28,7 @@ except ImportError:
 
 
 def run_until(condition, seconds=LIMIT):
-    """Runs python3-gi's loop until the condition holds; whether it does."""
+    """Runs python3-gi's loop until the condition holds or the time is up; returns whether it holds."""
     loop = GLib.MainLoop()
 
     def look():
@@ -142,7 +142,7 @@ class WithoutService(unittest.TestCase):
 
 
 class Interrupted(Exception):
-    """What a handler of a signal raises."""
+    """Raised by a signal handler."""
 
 
 class WithSimulator(unittest.TestCase):
@@ -154,7 +154,7 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: self.session.connection.phase == ipodkit.Phase.READY))
 
     def completed(self, request):
-        """What the completion of a request was given."""
+        """Starts a request and returns the (value, error) that its callback receives."""
         given = []
         request.start(lambda value, error: given.append((value, error, threading.get_ident())))
         self.assertEqual(given, [])
@@ -284,7 +284,7 @@ class WithSimulator(unittest.TestCase):
         self.assertGreater(count, 5)
 
     def interrupted_in(self, seconds):
-        """Lets a signal come whose handler raises."""
+        """Schedules a signal whose handler raises Interrupted."""
         def interrupt(*_):
             raise Interrupted
         self.addCleanup(signal.signal, signal.SIGALRM, signal.signal(signal.SIGALRM, interrupt))
@@ -342,7 +342,7 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(names, ["Desk iPod"])
 
     def reported_as_unraisable(self):
-        """What is told of exceptions that nobody can catch, from now on."""
+        """Returns a list that collects unraisable exceptions from now on."""
         reported = []
         self.addCleanup(setattr, sys, "unraisablehook", sys.unraisablehook)
         sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
@@ -462,7 +462,7 @@ class WithSimulator(unittest.TestCase):
         watching.end()
 
     def iterate_until_interrupted(self):
-        """Runs the context as a program without a main loop does."""
+        """Iterates the context directly, like a program without a main loop, until Ctrl-C or a time limit."""
         giving_up = time.monotonic() + LIMIT
         while time.monotonic() < giving_up:
             GLib.MainContext.default().iteration(False)
@@ -532,7 +532,7 @@ class WithSimulator(unittest.TestCase):
         example.send_signal(signal.SIGINT)
 
         errors = example.communicate(timeout=LIMIT)[1]
-        # On a slow machine the log may say that its callback is slow.
+        # On a slow machine, the log may report a slow callback.
         self.assertEqual([line for line in errors.splitlines() if "its budget is" not in line], [])
         self.assertEqual(example.returncode, 0)
 
