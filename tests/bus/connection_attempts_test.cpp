@@ -28,7 +28,8 @@ ComZarnLinuxIpod* FailedProxy(GError** error)
 
 ComZarnLinuxIpod* Proxy()
 {
-    static std::vector<ComZarnLinuxIpod*> proxies;
+    // Never destroyed: the library drops the proxies of some attempts, which would then count as leaks.
+    static auto& proxies = *new std::vector<ComZarnLinuxIpod*>;
     proxies.push_back(COM_ZARN_LINUX_IPOD(g_object_new(TYPE_COM_ZARN_LINUX_IPOD_PROXY, nullptr)));
     return proxies.back();
 }

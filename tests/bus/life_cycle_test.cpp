@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <future>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -138,7 +139,7 @@ TEST_F(LifeCycleTest, AnExceptionWhileBuildingLeavesTheLockHeld)
 
     EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
 
-    auto* const other = new std::promise<IQBXIpodPlayer*>;
+    const auto other = std::make_shared<std::promise<IQBXIpodPlayer*>>();
     std::future<IQBXIpodPlayer*> player = other->get_future();
     std::thread([other] { other->set_value(QBX_GetIpodPlayer()); }).detach();
     EXPECT_EQ(player.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
@@ -189,7 +190,7 @@ TEST_F(LifeCycleTest, AnObjectThatIsThereIsReturnedWithoutTheLock)
     EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
 
-    auto* const other = new std::promise<IQBXIpodPlayer*>;
+    const auto other = std::make_shared<std::promise<IQBXIpodPlayer*>>();
     std::future<IQBXIpodPlayer*> same = other->get_future();
     std::thread([other] { other->set_value(QBX_GetIpodPlayer()); }).detach();
 
