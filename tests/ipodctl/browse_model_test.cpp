@@ -6,7 +6,7 @@ using namespace ctl::browse;
 
 namespace
 {
-const std::vector<std::string> kArtists = {"Ada", "陈亦舟", "Élodie Rouvière", "林若溪", "Zelie", "曾雨桐", "周明轩"};
+const std::vector<std::string> kArtists = {"Ada", "陈亦辰", "Élodie Rouvière", "林若溪", "Zelie", "曾雨桐", "周明轩"};
 
 Model ModelOf(const std::vector<std::string>& names, int height = 3)
 {
@@ -180,7 +180,7 @@ TEST(BrowseModel, SpaceIsTextInASearchAndPausesElsewhere)
     EXPECT_EQ(Type(model, " ").kind, Action::Kind::TogglePause);
     EXPECT_EQ(Type(model, ">").kind, Action::Kind::Next);
     EXPECT_EQ(Type(model, "<").kind, Action::Kind::Previous);
-    EXPECT_EQ(Type(model, "/zhou jie").kind, Action::Kind::Nothing);
+    EXPECT_EQ(Type(model, "/zhou ming").kind, Action::Kind::Nothing);
     EXPECT_EQ(SelectedName(model), "周明轩");
 }
 
