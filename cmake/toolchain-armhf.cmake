@@ -10,7 +10,7 @@ set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 
 if(NOT CMAKE_SYSROOT OR NOT IS_DIRECTORY "${CMAKE_SYSROOT}/usr/include")
-  message(FATAL_ERROR "There is no sysroot in '${CMAKE_SYSROOT}'. Create one with tools/arm-sysroot DIR, "
+  message(FATAL_ERROR "No sysroot in '${CMAKE_SYSROOT}'. Create one with tools/arm-sysroot DIR, "
     "or set another with -DCMAKE_SYSROOT=DIR.")
 endif()
 
