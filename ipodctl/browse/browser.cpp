@@ -117,7 +117,7 @@ void Browser::Resize()
 void Browser::Suspend()
 {
     m_screen.Release();
-    m_suspend.Obey();
+    m_suspend.Suspend();
     Resize();
 }
 

@@ -151,8 +151,8 @@ private:
     void Take(const Event& event);
     bool IsEnough(const Event& event) const;
     bool HasGoal() const { return m_following.limits.count > 0 || !m_following.limits.until.empty(); }
-    void Judge(const ipodkit::Connection& connection);
-    void Tell(const char* state, const std::string& what);
+    void ConnectionChanged(const ipodkit::Connection& connection);
+    void Report(const char* state, const std::string& what);
     void Begin();
     Ending AwaitEvents();
     void AwaitCommands(Ending ending);
@@ -163,7 +163,7 @@ private:
     std::unique_ptr<Presentation> m_presentation;
     int m_seen = 0;
     bool m_enough = false;
-    Phase m_told = Phase::Ready;
+    Phase m_reported = Phase::Ready;
     std::string m_trouble;
 };
 
@@ -183,30 +183,30 @@ void Follower::Take(const Event& event)
     if (m_enough) m_loop.Finish();
 }
 
-void Follower::Tell(const char* state, const std::string& what)
+void Follower::Report(const char* state, const std::string& what)
 {
     const bool lines = m_context.out.json() && m_following.command.empty() && m_following.format.empty();
-    TellOfService(m_context.out, lines, state, what);
+    ReportService(m_context.out, lines, state, what);
 }
 
 void Follower::Begin()
 {
-    if (m_told != Phase::Ready) Tell("ready", kServiceIsThere);
-    m_told = Phase::Ready;
+    if (m_reported != Phase::Ready) Report("ready", kServiceIsThere);
+    m_reported = Phase::Ready;
     m_presentation->Begin(*m_context.session.Kit().State());
 }
 
 // Reports each change of the connection once; the initial connection is silent.
-void Follower::Judge(const ipodkit::Connection& connection)
+void Follower::ConnectionChanged(const ipodkit::Connection& connection)
 {
     if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus) throw ToFailure(*connection.error);
     if (connection.phase == Phase::Ready) return Begin();
-    const bool news = connection.phase != m_told && connection.phase != Phase::Connecting;
-    if (connection.error && connection.error->reason != m_trouble) Tell("trouble", connection.error->reason);
+    const bool news = connection.phase != m_reported && connection.phase != Phase::Connecting;
+    if (connection.error && connection.error->reason != m_trouble) Report("trouble", connection.error->reason);
     m_trouble = connection.error ? connection.error->reason : "";
-    if (news && connection.phase == Phase::Lost) Tell("lost", kServiceLeft);
-    if (news && connection.phase == Phase::Absent) Tell("absent", "no iPod service yet; waiting for it");
-    if (news) m_told = connection.phase;
+    if (news && connection.phase == Phase::Lost) Report("lost", kServiceLeft);
+    if (news && connection.phase == Phase::Absent) Report("absent", "no iPod service yet; waiting for it");
+    if (news) m_reported = connection.phase;
 }
 
 // Subscribes to events for the duration of the call only.
@@ -215,8 +215,8 @@ Ending Follower::AwaitEvents()
     ipodkit::Session& session = KitFor(m_context.session, m_following.wait);
     const auto listening = session.OnEvent(
         "ipodctl", [this](const ipodkit::Event& event) { m_loop.Guard([&] { Take(ToEvent(event)); }); });
-    const auto watching = session.OnConnection(
-        "ipodctl", [this](const ipodkit::Connection& connection) { m_loop.Guard([&] { Judge(connection); }); });
+    const auto watching = session.OnConnection("ipodctl", [this](const ipodkit::Connection& connection)
+                                               { m_loop.Guard([&] { ConnectionChanged(connection); }); });
     const Limits& limits = m_following.limits;
     const gint64 end = g_get_monotonic_time() + static_cast<gint64>(limits.seconds * G_USEC_PER_SEC);
     Ending ending = Ending::Finished;

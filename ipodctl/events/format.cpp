@@ -34,7 +34,7 @@ int NumberIn(const Json& value)
     return static_cast<int>(std::clamp(value.get<double>(), -2147483648.0, 2147483647.0));
 }
 
-std::string Taken(gchar* text)
+std::string FromOwned(gchar* text)
 {
     std::string result = text;
     g_free(text);
@@ -53,12 +53,12 @@ Json Duration(const Arguments& arguments)
 
 Json UpperCase(const Arguments& arguments)
 {
-    return Taken(g_utf8_strup(Shown(arguments[0]).c_str(), -1));
+    return FromOwned(g_utf8_strup(Shown(arguments[0]).c_str(), -1));
 }
 
 Json LowerCase(const Arguments& arguments)
 {
-    return Taken(g_utf8_strdown(Shown(arguments[0]).c_str(), -1));
+    return FromOwned(g_utf8_strdown(Shown(arguments[0]).c_str(), -1));
 }
 
 Json CutTo(const Arguments& arguments)

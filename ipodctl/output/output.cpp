@@ -178,7 +178,7 @@ Moment Moment::Now()
     return moment;
 }
 
-void TellOfService(Output& out, bool line, const char* state, const std::string& what)
+void ReportService(Output& out, bool line, const char* state, const std::string& what)
 {
     const Moment now = Moment::Now();
     if (line) return out.Line({{"time", now.full}, {"event", "service"}, {"state", state}, {"text", what}}, "");

@@ -122,5 +122,5 @@ constexpr char kServiceLeft[] = "the iPod service left the bus; waiting for it t
 /// Reports a change of the service: as text on standard error, or as a JSON line like those of events.
 ///
 /// @param line  whether to write a JSON line to standard output instead of text to standard error
-void TellOfService(Output& out, bool line, const char* state, const std::string& what);
+void ReportService(Output& out, bool line, const char* state, const std::string& what);
 }  // namespace ctl

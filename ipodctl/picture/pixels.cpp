@@ -55,14 +55,14 @@ struct JpegErrors
     std::longjmp(reinterpret_cast<JpegErrors*>(info->err)->back, 1);
 }
 
-void SayNothing(j_common_ptr) {}
+void DropMessage(j_common_ptr) {}
 
 // No local variable may have a destructor: longjmp() would skip it.
 bool ReadJpegHead(jpeg_decompress_struct& info, JpegErrors& errors, const Bytes& picture)
 {
     info.err = jpeg_std_error(&errors.base);
     errors.base.error_exit = LeaveJpeg;
-    errors.base.output_message = SayNothing;
+    errors.base.output_message = DropMessage;
     if (setjmp(errors.back) != 0) return false;
     jpeg_create_decompress(&info);
     jpeg_mem_src(&info, picture.data(), static_cast<unsigned long>(picture.size()));

@@ -30,18 +30,18 @@ List::List(Session& session, ipodkit::ListKind kind, int pageSize)
 
 int List::Count()
 {
-    return m_session.Taken(m_session.Await(m_pager.Count()));
+    return m_session.ValueOf(m_session.Await(m_pager.Count()));
 }
 
 ipodkit::PagePtr List::PageWith(int index, const char* refusal)
 {
-    return m_session.Taken(m_session.Await(m_pager.At(index)), refusal);
+    return m_session.ValueOf(m_session.Await(m_pager.At(index)), refusal);
 }
 
 std::vector<std::string> List::Names(int first, int end, const char* refusal)
 {
     if (first >= end) return {};
-    return m_session.Taken(m_session.Await(m_pager.Range(first, end - 1)), refusal);
+    return m_session.ValueOf(m_session.Await(m_pager.Range(first, end - 1)), refusal);
 }
 
 namespace

@@ -96,7 +96,7 @@ void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* re
     ipodkit::Result<void> done = std::move(request).Wait();
     const bool refused = !done && done.error().kind == ipodkit::ErrorKind::Refused && done.error().name.empty();
     if (refused) RequireTrack(*session.Ready().State());
-    session.Taken(std::move(done), refusal);
+    session.ValueOf(std::move(done), refusal);
 }
 
 void RefuseNothingLoaded()

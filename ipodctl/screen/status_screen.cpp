@@ -235,9 +235,9 @@ public:
     explicit Watcher(Context& context) : m_session(context.session.Ready())
     {
         m_states = m_session.OnState(
-            "ipodctl", [this](const ipodkit::StatePtr&, ipodkit::Fields) { m_loop.Finish(); }, Telling());
-        m_connections = m_session.OnConnection(
-            "ipodctl", [this](const ipodkit::Connection& connection) { m_loop.Guard([&] { Judge(connection); }); });
+            "ipodctl", [this](const ipodkit::StatePtr&, ipodkit::Fields) { m_loop.Finish(); }, ShownFields());
+        m_connections = m_session.OnConnection("ipodctl", [this](const ipodkit::Connection& connection)
+                                               { m_loop.Guard([&] { ConnectionChanged(connection); }); });
         m_loop.EndWithOutput();
     }
 
@@ -258,7 +258,7 @@ public:
 
 private:
     // Returns all fields except the position, which the screen extrapolates.
-    static ipodkit::Fields Telling()
+    static ipodkit::Fields ShownFields()
     {
         ipodkit::Fields fields;
         for (std::uint32_t bit = 0; bit < 22; ++bit)
@@ -267,7 +267,7 @@ private:
         return fields;
     }
 
-    void Judge(const ipodkit::Connection& connection)
+    void ConnectionChanged(const ipodkit::Connection& connection)
     {
         if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus) throw ToFailure(*connection.error);
         m_loop.Finish();
@@ -288,7 +288,7 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
                       [&]
                       {
                           screen.Leave();
-                          suspend.Obey();
+                          suspend.Suspend();
                           screen.Enter();
                       });
     do
@@ -303,15 +303,15 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
 void WatchInLines(Context& context, int near, const std::function<Answer(const Status&)>& show)
 {
     Watcher watcher(context);
-    bool told = true;
+    bool reported = true;
     std::string gap;
     while (watcher.Next(0))
     {
         const bool there = watcher.HasService();
-        if (there != told)
-            TellOfService(context.out, context.out.json(), there ? "ready" : "lost",
+        if (there != reported)
+            ReportService(context.out, context.out.json(), there ? "ready" : "lost",
                           there ? kServiceIsThere : kServiceLeft);
-        told = there;
+        reported = there;
         if (!there) continue;
         const Answer answer = show(ReadStatus(context.session, near));
         context.out.Line(answer.json, gap + Moment::Now().clock + "\n" + answer.text);

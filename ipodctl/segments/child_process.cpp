@@ -41,7 +41,7 @@ std::string ReadUntilEnd(int input, bool& hung)
     }
 }
 
-ChildOutcome Judge(pid_t child, std::string text, bool hung)
+ChildOutcome OutcomeOf(pid_t child, std::string text, bool hung)
 {
     if (hung) kill(child, SIGKILL);
     int status = 0;
@@ -62,6 +62,6 @@ ChildOutcome RunInChild(const std::function<std::string()>& work)
     bool hung = false;
     std::string text = child < 0 ? std::string() : ReadUntilEnd(ends[0], hung);
     close(ends[0]);
-    return child < 0 ? ChildOutcome{End::NotStarted, ""} : Judge(child, std::move(text), hung);
+    return child < 0 ? ChildOutcome{End::NotStarted, ""} : OutcomeOf(child, std::move(text), hung);
 }
 }  // namespace ctl

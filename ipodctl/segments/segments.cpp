@@ -97,7 +97,7 @@ std::string Missing(QBXSharedSegment& segment, const std::vector<const char*>& n
 bool FitsItsObject(const QBXSharedSegment& segment, const char* name)
 {
     const std::size_t size = segment.get_size();
-    return size >= sizeof(QBXSharedSegment::segment_manager) && size <= LookAt(name).size;
+    return size >= sizeof(QBXSharedSegment::segment_manager) && size <= Inspect(name).size;
 }
 
 // A process that dies while it holds the lock leaves it locked forever. So this function only tries the lock, and
@@ -141,7 +141,7 @@ const char* WhyUnreadable(ChildOutcome::End end)
     }
 }
 
-SegmentObject LookAt(const std::string& segment)
+SegmentObject Inspect(const std::string& segment)
 {
     struct stat status;
     if (lstat(("/dev/shm/" + segment).c_str(), &status) != 0) return {};

@@ -49,7 +49,7 @@ struct SegmentObject
     ino_t inode = 0;
 };
 
-SegmentObject LookAt(const std::string& segment);
+SegmentObject Inspect(const std::string& segment);
 
 /// Returns why a segment is unreadable, given how the child process that inspected it ended.
 const char* WhyUnreadable(ChildOutcome::End end);

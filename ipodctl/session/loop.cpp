@@ -142,7 +142,7 @@ SuspendSignal::~SuspendSignal()
 }
 
 // Uses raise(): only a signal directed at this thread is guaranteed to stop it here.
-void SuspendSignal::Obey() const
+void SuspendSignal::Suspend() const
 {
     signalfd_siginfo taken;
     if (read(m_descriptor, &taken, sizeof(taken)) != sizeof(taken)) return;

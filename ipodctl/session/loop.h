@@ -84,7 +84,7 @@ public:
     int Descriptor() const { return m_descriptor; }
 
     /// Suspends the process if SIGTSTP is pending; returns when the process resumes.
-    void Obey() const;
+    void Suspend() const;
 
 private:
     int m_descriptor;

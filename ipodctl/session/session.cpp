@@ -69,7 +69,7 @@ ipodkit::Session& Session::KitWithoutService()
     Bus();
     ipodkit::SessionOptions options;
     options.deadline = std::chrono::milliseconds(Deadline());
-    m_kit = Taken(ipodkit::Session::Open(options));
+    m_kit = ValueOf(ipodkit::Session::Open(options));
     return *m_kit;
 }
 

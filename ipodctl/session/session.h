@@ -39,7 +39,7 @@ public:
     template <class T>
     T Ask(ipodkit::Request<T> request, const char* refusal = nullptr)
     {
-        return Taken(std::move(request).Wait(), refusal);
+        return ValueOf(std::move(request).Wait(), refusal);
     }
 
     /// Starts a request that ipodkit completes in the main loop, and runs the loop until it does.
@@ -65,18 +65,18 @@ public:
     /// Returns the value of a result.
     /// @throws Failure  if the result is an error
     template <class T>
-    T Taken(ipodkit::Result<T> result, const char* refusal = nullptr)
+    T ValueOf(ipodkit::Result<T> result, const char* refusal = nullptr)
     {
         if (!result) throw ToFailure(AsLost(result.error()), refusal);
         if constexpr (!std::is_void_v<T>) return std::move(*result);
     }
 
     /// Returns the requests, usable before the session is ready.
-    /// @throws Failure  if there is no bus or no service
+    /// @throws Failure  if the bus or the service is missing
     ipodkit::Commands Commands() { return Kit().Commands(); }
 
     /// Returns the ipodkit session in any phase; opens it on first use.
-    /// @throws Failure  if there is no bus or no service
+    /// @throws Failure  if the bus or the service is missing
     ipodkit::Session& Kit();
 
     /// Same as Kit(), but does not require a running service: it may start later.
@@ -92,7 +92,7 @@ public:
 
     /// Returns the session bus connection, shared with the library; connects on first use. This object holds the
     /// reference.
-    /// @throws Failure  kNoBus if there is no session bus
+    /// @throws Failure  kNoBus if no session bus is running
     GDBusConnection* Bus();
 
 private:

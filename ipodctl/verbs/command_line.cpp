@@ -105,7 +105,7 @@ CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
     return {check, "N"};
 }
 
-CLI::Validator Something()
+CLI::Validator NonEmpty()
 {
     return {[](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""};
 }

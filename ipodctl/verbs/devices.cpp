@@ -60,7 +60,7 @@ Run BuildDevices(CLI::App& app)
     const auto names = Argument<bool>();
     auto* const entered =
         app.add_option("device", *device, "Index or name of the device to browse; without it, list the devices");
-    entered->check(Something());
+    entered->check(NonEmpty());
     app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entered);
     return [device, names](Context& context)
     { return device->empty() ? ShowDevices(context, *names) : EnterDevice(context.session, *device); };

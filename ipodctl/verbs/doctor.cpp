@@ -41,7 +41,7 @@ std::string Removal(const SegmentPlan& plan)
 
 Finding ExamineSegment(const SegmentPlan& plan)
 {
-    const SegmentObject object = LookAt(plan.name);
+    const SegmentObject object = Inspect(plan.name);
     const std::string remove = Removal(plan);
     if (!object.exists) return {plan.what, kNothingDone, "missing", "start the service, which creates it"};
     if (!object.isMemory) return {plan.what, kNoSegments, "its name is not that of shared memory", remove};
@@ -102,7 +102,7 @@ pid_t ProcessOfService(GDBusConnection* bus)
 // Detects a valid segment that is not the one mapped by the service.
 void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service)
 {
-    const SegmentUse use = UseBy(service, plan.name, LookAt(plan.name).inode);
+    const SegmentUse use = UseBy(service, plan.name, Inspect(plan.name).inode);
     if (finding.code > kNothingDone || use != SegmentUse::Other) return;
     finding = {plan.what, kNoSegments,
                "the service (process " + std::to_string(service) + ") uses an object that was removed or replaced",

@@ -37,7 +37,7 @@ void Write(Session& session, unsigned short number, Bytes data)
                       "the service rejected the data: session " + std::to_string(number) +
                           " is not open, or the shared memory has no room for an answer",
                       "'ipodctl eap listen' prints sessions, 'ipodctl shm' the free memory");
-    session.Taken(std::move(sent));
+    session.ValueOf(std::move(sent));
 }
 
 Run BuildInit(CLI::App& app)
@@ -175,7 +175,7 @@ Run BuildBridge(CLI::App& app)
     app.add_option("--socket", request->socket,
                    "Serve a UNIX socket at this path, one client at a time, instead of standard input and output")
         ->type_name("FILE")
-        ->check(Something());
+        ->check(NonEmpty());
     app.add_option("--linger", request->linger, "Exit after this much silence once the input has ended")
         ->capture_default_str()
         ->check(Seconds());

@@ -27,12 +27,12 @@ void AddPresentation(CLI::App& app, Following& following)
                                         "Print each event by a template such as '{{title}} {{duration(length)}}'; "
                                         "ipodctl(1) lists its fields and functions")
                              ->type_name("TEMPLATE")
-                             ->check(Something());
+                             ->check(NonEmpty());
     app.add_option("--exec", following.command,
                    "Run this shell command for each event instead: its environment contains the fields "
                    "(IPOD_EVENT, IPOD_TITLE, ...), its standard input is the event as JSON")
         ->type_name("COMMAND")
-        ->check(Something())
+        ->check(NonEmpty())
         ->excludes(format);
 }
 

@@ -72,7 +72,7 @@ Answer ShowSegments(const Output& out)
     Answer answer{{{"verb", "shm"}, {"segments", Json::array()}}, "", kDone};
     for (const SegmentPlan& plan : SegmentPlans())
     {
-        const SegmentObject object = LookAt(plan.name);
+        const SegmentObject object = Inspect(plan.name);
         const SegmentContents contents = ReadIfThere(plan, object);
         answer.json["segments"].push_back(ToJson(plan, object, contents));
         answer.text += (answer.text.empty() ? "" : "\n") + ToText(plan, object, contents, out.width());
@@ -108,7 +108,7 @@ Answer DumpVector(const std::string& name, const Output& out)
     const auto& plans = SegmentPlans();
     const auto plan = std::find_if(plans.begin(), plans.end(),
                                    [&](const SegmentPlan& each) { return holds(each.lists) || holds(each.buffers); });
-    if (!LookAt(plan->name).isMemory)
+    if (!Inspect(plan->name).isMemory)
         throw Failure(kNoSegments, std::string("segment ") + plan->name + " does not exist; start the service");
     const std::string bytes = ReadVector(*plan, name);
     Json json{{"verb", "shm"}, {"vector", name}};

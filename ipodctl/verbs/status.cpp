@@ -17,7 +17,7 @@ namespace
 {
 constexpr int kNear = 2;
 
-struct Look
+struct StatusOptions
 {
     Art art = Art::OnTerminal;
     double listen = 0;
@@ -25,18 +25,18 @@ struct Look
     std::string format;  ///< template for one line; empty for the full screen
 };
 
-void AddArt(CLI::App& app, const std::shared_ptr<Look>& look)
+void AddArt(CLI::App& app, const std::shared_ptr<StatusOptions>& options)
 {
     auto* const always = app.add_flag_callback(
         "--art",
-        [look]
+        [options]
         {
             if (!CanDraw()) throw CLI::ValidationError("--art", "this build cannot draw images");
-            look->art = Art::Always;
+            options->art = Art::Always;
         },
         "Draw the artwork even if standard output is not a terminal");
     app.add_flag_callback(
-           "--no-art", [look] { look->art = Art::Never; }, "Do not draw the artwork")
+           "--no-art", [options] { options->art = Art::Never; }, "Do not draw the artwork")
         ->excludes(always);
 }
 
@@ -55,11 +55,11 @@ void Warn(const std::string& text)
 }
 
 // Prints one line by a template, with the same fields as 'ipodctl events --format'.
-Answer ShowLine(Context& context, const Look& look)
+Answer ShowLine(Context& context, const StatusOptions& options)
 {
     if (context.out.json()) throw Failure(kUsage, "--json cannot be used with --format");
-    const Format format = Format::Parse(look.format, EventFieldNames());
-    Listen(context.session, look.listen);
+    const Format format = Format::Parse(options.format, EventFieldNames());
+    Listen(context.session, options.listen);
     const ipodkit::StatePtr state = context.session.Ready().State();
     Warn(NotReported(*state));
     EventFields fields;
@@ -68,17 +68,17 @@ Answer ShowLine(Context& context, const Look& look)
     return {};
 }
 
-Answer ShowStatus(Context& context, const Look& look)
+Answer ShowStatus(Context& context, const StatusOptions& options)
 {
-    if (!look.format.empty()) return ShowLine(context, look);
+    if (!options.format.empty()) return ShowLine(context, options);
     const auto show = [&](const Status& status) -> Answer
     {
         Json json{{"verb", "status"}};
         json.update(StatusJson(status));
-        return {json, context.out.json() ? "" : StatusText(status, context.out, look.art)};
+        return {json, context.out.json() ? "" : StatusText(status, context.out, options.art)};
     };
-    Listen(context.session, look.listen);
-    if (look.watch)
+    Listen(context.session, options.listen);
+    if (options.watch)
     {
         Watch(context, kNear, show);
         return {};
@@ -91,17 +91,17 @@ Answer ShowStatus(Context& context, const Look& look)
 
 Run BuildStatus(CLI::App& app)
 {
-    const auto look = Argument<Look>();
-    AddArt(app, look);
-    auto* const listen = app.add_option("--listen", look->listen,
+    const auto options = Argument<StatusOptions>();
+    AddArt(app, options);
+    auto* const listen = app.add_option("--listen", options->listen,
                                         "Wait this long for events first: only events report battery and calls");
     listen->check(Seconds());
-    auto* const watch = app.add_flag("--watch", look->watch, "Keep printing every change until Ctrl-C");
+    auto* const watch = app.add_flag("--watch", options->watch, "Keep printing every change until Ctrl-C");
     watch->excludes(listen);
-    app.add_option("--format", look->format, "Print one line by a template, as 'ipodctl events' does")
-        ->check(Something())
+    app.add_option("--format", options->format, "Print one line by a template, as 'ipodctl events' does")
+        ->check(NonEmpty())
         ->excludes(watch);
-    return [look](Context& context) { return ShowStatus(context, *look); };
+    return [options](Context& context) { return ShowStatus(context, *options); };
 }
 
 Json InfoJson(const Status& status)
@@ -115,14 +115,14 @@ Json InfoJson(const Status& status)
 
 Run BuildInfo(CLI::App& app)
 {
-    const auto look = Argument<Look>();
-    AddArt(app, look);
-    return [look](Context& context) -> Answer
+    const auto options = Argument<StatusOptions>();
+    AddArt(app, options);
+    return [options](Context& context) -> Answer
     {
         const Status status = ReadStatus(context.session, 0);
         RequireTrackReported(*status.state);
         if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
-        return {InfoJson(status), InfoText(status, context.out, look->art)};
+        return {InfoJson(status), InfoText(status, context.out, options->art)};
     };
 }
 }  // namespace

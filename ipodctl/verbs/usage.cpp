@@ -110,7 +110,7 @@ std::string Unexpected(const std::string& word)
     return (option ? "unknown option '" : "unexpected argument '") + Printable(word) + "'";
 }
 
-std::string Complaint(const CLI::App& app, const CLI::ParseError& error)
+std::string ParseErrorMessage(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::vector<std::string> unknown = app.remaining(true);
     if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) return error.what();
@@ -144,6 +144,6 @@ Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error)
     if (isWord && !commands.empty()) return UnknownWord("command", unknown.front(), commands, help);
     const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
     if (missing && unknown.empty() && !commands.empty()) return {kUsage, "missing command (" + help + ")"};
-    return {kUsage, Complaint(app, error), help};
+    return {kUsage, ParseErrorMessage(app, error), help};
 }
 }  // namespace ctl

@@ -32,7 +32,7 @@ CLI::Validator WholeNumber(int least);
 CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
 
 /// Accepts any non-empty text.
-CLI::Validator Something();
+CLI::Validator NonEmpty();
 
 /// Accepts one of @p words.
 CLI::Validator OneOf(const std::vector<std::string>& words);
