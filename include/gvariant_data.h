@@ -18,7 +18,7 @@
 /// @return a floating reference, meant to be passed straight to a generated call, which consumes it
 GVariant* gvariant_data_build(void* data, int length);
 
-/// Unpacks a "v" holding an "ay" into memory of the caller. There is no bounds check: provide a buffer for whatever the
+/// Unpacks a "v" holding an "ay" into memory of the caller, without a bounds check: the buffer must hold all that the
 /// sender may send, up to 65,536 bytes. The position is a 16-bit counter, so byte n lands at `dest[n mod 65536]`.
 ///
 /// @param dest   memory of the caller; not cleared first, bytes beyond those received are unchanged

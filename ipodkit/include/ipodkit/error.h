@@ -38,7 +38,7 @@ const char* Remedy(ErrorKind kind);
 struct Error
 {
     ErrorKind kind;
-    std::string reason;  ///< for logs, not for decisions: the message of the bus, or what is wrong
+    std::string reason;  ///< for logs, not for decisions: the message of the bus, or a description
     std::string name{};  ///< D-Bus name of the error that the service or the bus sent; empty otherwise
 
     /// "TimedOut: Timeout was reached", for logs.

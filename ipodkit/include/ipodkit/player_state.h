@@ -146,7 +146,7 @@ struct PlayerState
     Known<WirelessCarPlay> wireless;
     Known<PairingInfo> pairing;        ///< out-of-band pairing information
     Known<LocationStatus> location;    ///< whether the device requests location information
-    Known<std::string> foregroundApp;  ///< bundle identifier; empty when there is none
+    Known<std::string> foregroundApp;  ///< bundle identifier; empty if none is in front
     Known<Battery> battery;
     std::map<std::string, PhoneCall> calls;  ///< ongoing calls by UUID; those without one share the key ""
     std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open ones: index of the protocol by number

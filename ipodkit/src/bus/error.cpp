@@ -85,7 +85,7 @@ const char* Remedy(ErrorKind kind)
         "",
         "update the service: its answer violates the bus contract",
         "",
-        "run 'ipodctl doctor', which finds what is wrong with the segments",
+        "run 'ipodctl doctor', which checks the segments",
         "correct the argument: the reason gives the range",
         "close all but one of the accessory sessions whose numbers have the same low byte",
         "free disk space, or choose a directory that this user may write to",

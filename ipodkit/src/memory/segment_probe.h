@@ -13,10 +13,10 @@ namespace ipodkit
 /// player stays held. So everything is tried here first, where it can be repeated.
 ///
 /// Blocks, for seconds when somebody else holds a lock inside a segment or is still making it. Any thread.
-/// Nothing when both segments can be used or are not there yet; otherwise what is wrong and what helps.
+/// Returns nothing if both segments are usable or do not exist yet; otherwise the problem and its remedy.
 std::optional<Error> ProbeSegments();
 
-/// What Boost threw while it used a segment: what is wrong and what helps.
+/// Converts what Boost threw while it used a segment to a problem and its remedy.
 Error SegmentFailure(const char* segment, const std::exception& thrown);
 
 /// The same for what an attempt of the core threw.
