@@ -2,8 +2,6 @@
 // random order. Intended to run on one CPU.
 #include <ipod_dbus.h>
 
-#include <random>
-
 #include "kit/figures/figures.h"
 #include "kit/kit_test.h"
 
@@ -55,15 +53,9 @@ TEST_F(CallFigures, AsynchronousCommand)
     Samples bare;
     Samples again;
     Samples kit;
-    std::mt19937 engine(1);
-    for (int i = 0; i < 3 * Rounds(4000); ++i)
-    {
-        const auto which = engine() % 3;
-        if (which == 0)
-            kit.push_back(TimeKit(commands));
-        else
-            (which == 1 ? bare : again).push_back(TimeBare(proxy));
-    }
+    InRandomOrder(
+        Rounds(4000), [&] { kit.push_back(TimeKit(commands)); }, [&] { bare.push_back(TimeBare(proxy)); },
+        [&] { again.push_back(TimeBare(proxy)); });
     Print("call_bare", Quantile(bare, 0.5));
     Print("call_kit", Quantile(kit, 0.5));
     Print("call_control", Quantile(again, 0.5) / Quantile(bare, 0.5));

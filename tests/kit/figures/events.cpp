@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <ctime>
-#include <random>
 
 #include "kit/figures/figures.h"
 #include "kit/kit_test.h"
@@ -146,15 +145,10 @@ TEST_F(EventFigures, ToTheStateCallback)
     Cost bare;
     Cost again;
     Cost kit;
-    std::mt19937 engine(1);
-    for (int i = 0; i < 3 * Rounds(3000); ++i)
-    {
-        const auto which = engine() % 3;
-        if (which == 0)
-            Measure(kit, sender, kFromService, published);
-        else
-            Measure(which == 1 ? bare : again, sender, kBare, listener.arrived);
-    }
+    InRandomOrder(
+        Rounds(3000), [&] { Measure(kit, sender, kFromService, published); },
+        [&] { Measure(bare, sender, kBare, listener.arrived); },
+        [&] { Measure(again, sender, kBare, listener.arrived); });
     PrintCosts(bare, again, kit);
     g_object_unref(connection);
 }

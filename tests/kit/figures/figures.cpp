@@ -1,8 +1,10 @@
 #include "kit/figures/figures.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <random>
 
 namespace test
 {
@@ -21,6 +23,14 @@ void Print(const char* name, double value)
 {
     std::printf("figure %s %.4f\n", name, value);
     std::fflush(stdout);
+}
+
+void InRandomOrder(int rounds, const std::function<void()>& first, const std::function<void()>& second,
+                   const std::function<void()>& third)
+{
+    const std::array steps{&first, &second, &third};
+    std::mt19937 engine(1);
+    for (int i = 0; i < 3 * rounds; ++i) (*steps[engine() % steps.size()])();
 }
 
 int Rounds(int otherwise)

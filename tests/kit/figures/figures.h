@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <vector>
 
 namespace test
@@ -21,4 +22,8 @@ void Print(const char* name, double value);
 
 /// The value of IPODKIT_ROUNDS, or the given default.
 int Rounds(int otherwise);
+
+/// Runs each of three measurements about @p rounds times, in one random order, so that drift affects them equally.
+void InRandomOrder(int rounds, const std::function<void()>& first, const std::function<void()>& second,
+                   const std::function<void()>& third);
 }  // namespace test
