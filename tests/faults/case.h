@@ -17,7 +17,7 @@ struct Case
     std::function<void(const Arguments&)> run;
 };
 
-std::vector<Case> DecodingCases();     ///< records, messages, and types that violate the contract
+std::vector<Case> DecodingCases();     ///< messages of unusual size
 std::vector<Case> SegmentCases();      ///< invalid objects with the segments' names, and corrupted segments
 std::vector<Case> ServiceCases();      ///< a service or a bus that dies, hangs, or sends false data
 std::vector<Case> RateCases();         ///< excessive rates of calls and events
