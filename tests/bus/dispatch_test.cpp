@@ -1,5 +1,5 @@
 // Delivery of events to listeners: copies, references, the lock, misbehaving listeners.
-#include <algorithm>
+#include <functional>
 #include <future>
 #include <stdexcept>
 
@@ -29,7 +29,6 @@ public:
 
     void OnIpodArtworkChange(QBXTrackArtwork artwork) override
     {
-        images.push_back(artwork.image.data());
         RecordingListener::OnIpodArtworkChange(artwork);
         artwork.word1 = 99;
         artwork.image.assign(3, 0xee);
@@ -58,20 +57,47 @@ public:
         RecordingListener::OnIpodReceiveEapData(session, data);
         data.push_back(0xee);
     }
-
-    std::vector<const unsigned char*> images;
 };
 
-class LeavingListener : public RecordingListener
+// Counts its events; the first one runs an action.
+class CountingListener : public IQBXIpodPlayerListener
 {
 public:
-    LeavingListener(Journal& journal, std::string name) : RecordingListener(journal, std::move(name)) {}
-
-    void OnPlayStatusChanged(iPodPlayerPlayStatus status) override
+    void OnPlayStatusChanged(iPodPlayerPlayStatus) override
     {
-        RecordingListener::OnPlayStatusChanged(status);
-        QBX_GetIpodPlayer()->RemoveListener(this);
+        if (++events == 1) first();
     }
+
+    std::function<void()> first = [] {};
+    int events = 0;
+};
+
+// What the third of five listeners changes at the first of two events, and how many events each gets. Those it adds are
+// not registered before.
+struct Change
+{
+    const char* name;
+    std::vector<std::size_t> removed;
+    std::vector<std::size_t> added;
+    std::vector<int> events;
+};
+
+std::ostream& operator<<(std::ostream& out, const Change& change)
+{
+    return out << change.name;
+}
+
+const Change kChanges[] = {
+    {"RemovesItself", {2}, {}, {2, 2, 1, 2, 2}},
+    {"RemovesOthers", {1, 3}, {}, {2, 1, 2, 0, 2}},
+    {"RemovesAll", {0, 1, 2, 3, 4}, {}, {1, 1, 1, 0, 0}},
+    {"AddsOthers", {}, {1, 3}, {2, 1, 2, 2, 2}},
+    {"ReplacesItselfByAnEarlierOne", {2}, {1}, {2, 1, 1, 2, 2}},
+    {"ReplacesItselfByALaterOne", {2}, {3}, {2, 2, 1, 2, 2}},
+};
+
+class DispatchContinues : public ServiceTest, public testing::WithParamInterface<Change>
+{
 };
 
 class ThrowingListener : public IQBXIpodPlayerListener
@@ -104,48 +130,29 @@ public:
     std::future<void> waiting;
 };
 
-TEST_F(DispatchTest, EachListenerGetsItsOwnTrack)
-{
-    Journal journal;
-    GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
-    IQBXIpodPlayer& player = Connected();
-    for (auto& listener : listeners) player.AddListener(&listener);
-
-    Deliver("OnIpodPlayingTrackChange", "(0, " + BytesInVariant(TrackRecord({"1", "2", "3", "4"}, {5, 6, 7, 8})) + ")");
-
-    const std::string received = "OnIpodPlayingTrackChange(0, \"1\", \"2\", \"3\", \"4\", 5, 6, 7, 8)";
-    EXPECT_THAT(journal, ElementsAre("a." + received, "b." + received));
-}
-
-TEST_F(DispatchTest, EachListenerGetsItsOwnArtwork)
+TEST_F(DispatchTest, EachListenerGetsItsOwnCopies)
 {
     SharedVectors().SetBytes("VecArtworkChangeBufferShareMemory", {1, 2});
     Journal journal;
     GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
     IQBXIpodPlayer& player = Connected();
     for (auto& listener : listeners) player.AddListener(&listener);
+    const std::pair<std::string, std::string> events[] = {
+        {"OnIpodPlayingTrackChange", "(0, " + BytesInVariant(TrackRecord({"1", "2", "3", "4"}, {5, 6, 7, 8})) + ")"},
+        {"OnIpodArtworkChange", "(" + BytesInVariant(Words({1, 2, 3, 4})) + ",)"},
+        {"OnIpodAppBundleNameChange", "('maps',)"},
+        {"OnCarplayDeviceDetectStatusChange", "(0, 'serial')"},
+        {"OnOOBPairingInfo", "('address', [])"}};
 
-    Deliver("OnIpodArtworkChange", "(" + BytesInVariant(Words({1, 2, 3, 4})) + ",)");
+    for (const auto& [signal, body] : events) Deliver(signal, body);
 
-    EXPECT_THAT(journal, ElementsAre("a.OnIpodArtworkChange(1, 2, 3, 4, [01 02])",
-                                     "b.OnIpodArtworkChange(1, 2, 3, 4, [01 02])"));
-}
-
-TEST_F(DispatchTest, EachListenerGetsItsOwnStrings)
-{
-    Journal journal;
-    GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
-    IQBXIpodPlayer& player = Connected();
-    for (auto& listener : listeners) player.AddListener(&listener);
-
-    Deliver("OnIpodAppBundleNameChange", "('maps',)");
-    Deliver("OnCarplayDeviceDetectStatusChange", "(0, 'serial')");
-    Deliver("OnOOBPairingInfo", "('address', [])");
-
-    EXPECT_THAT(journal, ElementsAre("a.OnIpodAPPBundleNameChange(\"maps\")", "b.OnIpodAPPBundleNameChange(\"maps\")",
-                                     "a.OnCarplayDeviceDetectStatusChange(0, \"serial\")",
-                                     "b.OnCarplayDeviceDetectStatusChange(0, \"serial\")",
-                                     "a.OnOOBPairingInfo(\"address\", [])", "b.OnOOBPairingInfo(\"address\", [])"));
+    Journal expected;
+    for (const char* const received :
+         {"OnIpodPlayingTrackChange(0, \"1\", \"2\", \"3\", \"4\", 5, 6, 7, 8)",
+          "OnIpodArtworkChange(1, 2, 3, 4, [01 02])", "OnIpodAPPBundleNameChange(\"maps\")",
+          "OnCarplayDeviceDetectStatusChange(0, \"serial\")", "OnOOBPairingInfo(\"address\", [])"})
+        for (const char* const name : {"a.", "b."}) expected.push_back(std::string(name) + received);
+    EXPECT_EQ(journal, expected);
 }
 
 TEST_F(DispatchTest, AllListenersShareTheBytesOfAnAccessorySession)
@@ -162,53 +169,28 @@ TEST_F(DispatchTest, AllListenersShareTheBytesOfAnAccessorySession)
     EXPECT_THAT(SharedVectors().Bytes("VecEapReadBufferShareMemory"), ElementsAre(1, 2));
 }
 
-TEST_F(DispatchTest, AListenerMayRemoveItself)
+TEST_P(DispatchContinues, WhenAListener)
 {
-    Journal journal;
-    LeavingListener listeners[] = {{journal, "a"}, {journal, "b"}, {journal, "c"}};
+    const Change& change = GetParam();
+    CountingListener listeners[5];
     IQBXIpodPlayer& player = Connected();
     for (auto& listener : listeners) player.AddListener(&listener);
-
-    Deliver("OnPlayStatusChanged", "(1,)");
-    Deliver("OnPlayStatusChanged", "(2,)");
-
-    EXPECT_THAT(journal,
-                ElementsAre("a.OnPlayStatusChanged(1)", "b.OnPlayStatusChanged(1)", "c.OnPlayStatusChanged(1)"));
-    EXPECT_EQ(player.GetListenerCount(), 0U);
-}
-
-TEST_F(DispatchTest, AListenerMayReplaceItself)
-{
-    struct Substituted : IQBXIpodPlayerListener
+    for (const std::size_t i : change.added) player.RemoveListener(&listeners[i]);
+    listeners[2].first = [&]
     {
-        void OnPlayStatusChanged(iPodPlayerPlayStatus) override
-        {
-            ++calls;
-            QBX_GetIpodPlayer()->RemoveListener(this);
-            QBX_GetIpodPlayer()->AddListener(substitute);
-        }
-
-        IQBXIpodPlayerListener* substitute = nullptr;
-        int calls = 0;
+        for (const std::size_t i : change.removed) player.RemoveListener(&listeners[i]);
+        for (const std::size_t i : change.added) player.AddListener(&listeners[i]);
     };
-    Journal journal;
-    Substituted leaving;
-    RecordingListener others[] = {{journal, "a"}, {journal, "b"}, {journal, "c"}};
-    leaving.substitute = &others[1];
-    IQBXIpodPlayer& player = Connected();
-    player.AddListener(&others[0]);
-    player.AddListener(&others[2]);
-    player.AddListener(&leaving);
 
-    Deliver("OnPlayStatusChanged", "(1,)");
-    Deliver("OnPlayStatusChanged", "(2,)");
+    for (int event = 0; event < 2; ++event) Deliver("OnPlayStatusChanged", "(1,)");
 
-    EXPECT_EQ(leaving.calls, 1);
-    EXPECT_EQ(player.GetListenerCount(), 3U);
-    EXPECT_EQ(std::count(journal.begin(), journal.end(), "a.OnPlayStatusChanged(1)"), 1);
-    EXPECT_EQ(std::count(journal.begin(), journal.end(), "c.OnPlayStatusChanged(1)"), 1);
-    EXPECT_EQ(std::count(journal.begin(), journal.end(), "b.OnPlayStatusChanged(2)"), 1);
+    std::vector<int> events;
+    for (const auto& listener : listeners) events.push_back(listener.events);
+    EXPECT_EQ(events, change.events);
 }
+
+INSTANTIATE_TEST_SUITE_P(All, DispatchContinues, testing::ValuesIn(kChanges),
+                         [](const testing::TestParamInfo<Change>& row) { return row.param.name; });
 
 TEST_F(DispatchTest, ARemovedListenerGetsNoMoreEvents)
 {
@@ -261,6 +243,19 @@ TEST_F(DispatchTest, AListenerThatThrowsLeavesTheLockFree)
     EXPECT_TRUE(OtherThreadGetsTheLock(player, waiting));
 }
 
+TEST_F(DispatchTest, AnExceptionReachesTheCallerOfTheMainLoopAndLeavesTheLockFree)
+{
+    ThrowingListener listener;
+    IQBXIpodPlayer& player = Connected();
+    player.AddListener(&listener);
+    service.Emit("OnPlayStatusChanged", "(1,)");
+
+    EXPECT_THROW(RunLoopFor(std::chrono::milliseconds(500)), std::runtime_error);
+
+    std::future<void> waiting;
+    EXPECT_TRUE(OtherThreadGetsTheLock(player, waiting));
+}
+
 TEST_F(DispatchTest, AListenerMayUseCommands)
 {
     class Asking : public IQBXIpodPlayerListener
@@ -305,39 +300,27 @@ TEST_F(DispatchTest, EventsArriveInSignalOrder)
                                      "app.OnIpodPlayingListAmountChange(4)", "app.OnPlayStatusChanged(1)"));
 }
 
-TEST_F(DispatchTest, PairingInformationMayBeOneByte)
+TEST_F(DispatchTest, EmptyArgumentsArriveAndAreLogged)
 {
+    const struct
+    {
+        const char* signal;
+        const char* body;
+        const char* received;
+        const char* logged;
+    } rows[] = {{"OnOOBPairingInfo", "('', [])", "(\"\", [])", "OnOOBPairingInfo() - , 0"},
+                {"OnOOBPairingInfo", "('', [(byte 7,)])", "(\"\", [07])", "OnOOBPairingInfo() - , 1"},
+                {"OnWirelessCarPlayUpdate", "(false, '')", "(false, \"\")", "OnWirelessCarPlayUpdate() - 0, "}};
     Journal journal;
     RecordingListener listener(journal, "app");
     Connected().AddListener(&listener);
+    for (const auto& row : rows)
+    {
+        Deliver(row.signal, row.body);
 
-    Deliver("OnOOBPairingInfo", "('', [(byte 7,)])");
-
-    EXPECT_THAT(journal, ElementsAre("app.OnOOBPairingInfo(\"\", [07])"));
-}
-
-TEST_F(DispatchTest, PairingInformationMayBeEmpty)
-{
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
-
-    Deliver("OnOOBPairingInfo", "('', [])");
-
-    EXPECT_THAT(journal, ElementsAre("app.OnOOBPairingInfo(\"\", [])"));
-    EXPECT_THAT(LogLines(), ElementsAre("40 OnOOBPairingInfo: OnOOBPairingInfo() - , 0"));
-}
-
-TEST_F(DispatchTest, AnUnsetFlagIsLoggedAsZero)
-{
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
-
-    Deliver("OnWirelessCarPlayUpdate", "(false, '')");
-
-    EXPECT_THAT(journal, ElementsAre("app.OnWirelessCarPlayUpdate(false, \"\")"));
-    EXPECT_THAT(LogLines(), ElementsAre("40 OnWirelessCarPlayUpdate: OnWirelessCarPlayUpdate() - 0, "));
+        EXPECT_EQ(journal.back(), std::string("app.") + row.signal + row.received);
+        EXPECT_EQ(LogLines().back(), std::string("40 ") + row.signal + ": " + row.logged);
+    }
 }
 }  // namespace
 }  // namespace test

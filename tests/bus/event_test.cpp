@@ -211,5 +211,39 @@ TEST_P(EventTest, ForADestroyedPlayerIsDropped)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EventTest, testing::ValuesIn(kEvents), NameOfEvent);
+
+class ByteTest : public ServiceTest, public testing::WithParamInterface<int>
+{
+};
+
+TEST_P(ByteTest, ArrivesUnchangedInEverySignalThatHasOne)
+{
+    const std::string byte = std::to_string(GetParam());
+    const struct
+    {
+        const char* signal;
+        const char* sentAfter;
+        const char* receivedAfter;
+    } rows[] = {{"OnIpodDeviceStatusChange", "true", ", 1"},
+                {"OnPlayStatusChanged", "", ""},
+                {"OnIpodRepeatModeChange", "", ""},
+                {"OnIpodShuffleModeChange", "", ""},
+                {"OnCarplayDeviceDetectStatusChange", "'x'", ", \"x\""},
+                {"OnIpodLocationStatusChange", "", ""},
+                {"OnIpodStartEapSession", "9", ", 9"},
+                {"OnIpodReceiveEapData", "", ", []"},
+                {"OnCarlifeDeviceDetectStatusChange", "", ""}};
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected().AddListener(&listener);
+    for (const auto& row : rows)
+    {
+        Deliver(row.signal, "(" + byte + "," + row.sentAfter + ")");
+
+        EXPECT_EQ(journal.back(), std::string("app.") + row.signal + "(" + byte + row.receivedAfter + ")");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ByteTest, testing::Values(0, 127, 128, 255));
 }  // namespace
 }  // namespace test

@@ -82,17 +82,6 @@ TEST_F(LifeCycleTest, DestructionDoesNotNotifyListeners)
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(LifeCycleTest, ManyThreadsGetTheSameObject)
-{
-    std::vector<std::future<IQBXIpodPlayer*>> players;
-    for (int i = 0; i < 8; ++i) players.push_back(std::async(std::launch::async, QBX_GetIpodPlayer));
-
-    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
-
-    for (auto& other : players) EXPECT_EQ(other.get(), player);
-    EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
-}
-
 TEST_F(LifeCycleWithServiceTest, ExitInstanceSucceedsLogsAndChangesNothing)
 {
     Journal journal;

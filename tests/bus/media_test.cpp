@@ -14,65 +14,82 @@ constexpr char kChangedPicture[] = "VecArtworkChangeBufferShareMemory";
 const std::string kCurrentTrack = TrackRecord({"Title", "Artist", "Album", "Genre"}, {1, -2, 3, -4});
 constexpr char kTrackText[] = "\"Title\", \"Artist\", \"Album\", \"Genre\", 1, -2, 3, -4";
 
-// Records arrive in the reply of GetCurrentMediaInfo() and in the signal OnIpodPlayingTrackChange; both must be decoded
-// the same way.
-class TrackTest : public ServiceTest
+// How a record arrives: in the reply of a method and in a signal. Both must be decoded the same way.
+struct Record
+{
+    const char* method;
+    std::string (*read)(IQBXIpodPlayer&);
+    const char* signal;
+    std::string before;  ///< of the signal's body, before the variant
+    std::string after;
+};
+
+class RecordTest : public ServiceTest
 {
 protected:
+    explicit RecordTest(Record record) : m_record(std::move(record)) {}
+
     void SetUp() override { Connected(); }
 
     std::string FromReply(const std::string& variant)
     {
-        service.Answer("GetCurrentMediaInfo", "(" + variant + ",)");
-        return Text(QBX_GetIpodPlayer()->GetCurrentMediaInfo());
+        service.Answer(m_record.method, "(" + variant + ",)");
+        return m_record.read(*QBX_GetIpodPlayer());
     }
 
+    // The arguments of the event.
     std::string FromSignal(const std::string& variant)
     {
         Journal journal;
         RecordingListener listener(journal, "app");
         QBX_GetIpodPlayer()->AddListener(&listener);
-        Deliver("OnIpodPlayingTrackChange", "(0, " + variant + ")");
+        Deliver(m_record.signal, "(" + m_record.before + variant + m_record.after + ")");
         QBX_GetIpodPlayer()->RemoveListener(&listener);
-        return Join(journal, " ");
+        const std::string event = Join(journal, " ");
+        const std::string begin = std::string("app.") + m_record.signal + "(" + m_record.before;
+        EXPECT_EQ(event.substr(0, begin.size()), begin);
+        return event.substr(begin.size(), event.size() - begin.size() - 1);
     }
 
     void ExpectBoth(const std::string& variant, const std::string& expected)
     {
         EXPECT_EQ(FromReply(variant), expected);
-        EXPECT_EQ(FromSignal(variant), "app.OnIpodPlayingTrackChange(0, " + expected + ")");
+        EXPECT_EQ(FromSignal(variant), expected);
+    }
+
+    void ExpectOtherTypesAreRead(const std::string& asWhat)
+    {
+        for (const char* const variant : {"<'text'>", "<(1, 'x')>", "<[1, 2]>", "<byte 7>", "<[true]>", "<{'a': <1>}>",
+                                          "<<[byte 65]>>", "<@as []>"})
+            ExpectBoth(variant, asWhat);
+        ExpectBoth(std::string(60, '<') + "[byte 65]" + std::string(60, '>'), asWhat);
+    }
+
+private:
+    const Record m_record;
+};
+
+class TrackTest : public RecordTest
+{
+protected:
+    TrackTest()
+        : RecordTest({"GetCurrentMediaInfo", [](IQBXIpodPlayer& player) { return Text(player.GetCurrentMediaInfo()); },
+                      "OnIpodPlayingTrackChange", "0, ", ""})
+    {
     }
 };
 
 using TrackWithoutServiceTest = NoServiceTest;
 using TrackWithoutProxyTest = ClientTest;
 
-// The same for the words of the artwork head.
-class ArtworkTest : public ServiceTest
+class ArtworkTest : public RecordTest
 {
 protected:
-    void SetUp() override { Connected(); }
-
-    std::string FromReply(const std::string& variant)
+    ArtworkTest()
+        : RecordTest({"GetPlayingTrackAlbumArtwork",
+                      [](IQBXIpodPlayer& player) { return Text(player.GetPlayingTrackAlbumArtwork()); },
+                      "OnIpodArtworkChange", "", ","})
     {
-        service.Answer("GetPlayingTrackAlbumArtwork", "(" + variant + ",)");
-        return Text(QBX_GetIpodPlayer()->GetPlayingTrackAlbumArtwork());
-    }
-
-    std::string FromSignal(const std::string& variant)
-    {
-        Journal journal;
-        RecordingListener listener(journal, "app");
-        QBX_GetIpodPlayer()->AddListener(&listener);
-        Deliver("OnIpodArtworkChange", "(" + variant + ",)");
-        QBX_GetIpodPlayer()->RemoveListener(&listener);
-        return Join(journal, " ");
-    }
-
-    void ExpectBoth(const std::string& variant, const std::string& expected)
-    {
-        EXPECT_EQ(FromReply(variant), expected);
-        EXPECT_EQ(FromSignal(variant), "app.OnIpodArtworkChange(" + expected + ")");
     }
 
     SharedVectors vectors;
@@ -110,9 +127,10 @@ TEST_F(TrackTest, ATextWithoutNulContinuesIntoTheNextSlot)
 
 TEST_F(TrackTest, ATextWithoutNulEndsWithTheRecord)
 {
-    const std::string received = FromReply(BytesInVariant(std::string(1040, 'z')));
-
-    EXPECT_EQ(received.substr(0, 1042), Text(std::string(1040, 'z')));
+    const auto text = [](std::size_t length) { return Text(std::string(length, 'z')); };
+    const std::string word = "2054847098";
+    ExpectBoth(BytesInVariant(std::string(1040, 'z')),
+               Join({text(1040), text(784), text(528), text(272), word, word, word, word}, ", "));
 }
 
 TEST_F(TrackTest, AShortRecordLeavesTheRestEmpty)
@@ -132,8 +150,7 @@ TEST_F(TrackTest, ExcessBytesOfALongRecordAreIgnored)
 
 TEST_F(TrackTest, AVariantOfAnotherTypeIsAnEmptyTrack)
 {
-    for (const char* const variant : {"<'text'>", "<(1, 2)>", "<[1, 2]>", "<<[byte 65]>>", "<@as []>"})
-        ExpectBoth(variant, kNothing);
+    ExpectOtherTypesAreRead(kNothing);
 }
 
 TEST_F(TrackTest, AFailedCallIsLoggedAndReturnsAnEmptyTrack)
@@ -184,7 +201,7 @@ TEST_F(ArtworkTest, CombinesWordsFromTheRecordAndTheImageInSharedMemory)
     vectors.SetBytes(kChangedPicture, {0x89, 0x50});
     const std::string variant = BytesInVariant(Words({1, 2, 0xfffffffe, 4}));
     EXPECT_EQ(FromReply(variant), "1, 2, 4294967294, 4, [ff d8 00]");
-    EXPECT_EQ(FromSignal(variant), "app.OnIpodArtworkChange(1, 2, 4294967294, 4, [89 50])");
+    EXPECT_EQ(FromSignal(variant), "1, 2, 4294967294, 4, [89 50]");
 }
 
 TEST_F(ArtworkTest, MayHaveAnEmptyImage)
@@ -222,8 +239,7 @@ TEST_F(ArtworkTest, ExcessBytesOfALongHeadAreIgnored)
 
 TEST_F(ArtworkTest, AVariantOfAnotherTypeHasWordsOfZero)
 {
-    for (const char* const variant : {"<'text'>", "<(1, 2)>", "<[1, 2]>", "<<[byte 65]>>", "<@as []>"})
-        ExpectBoth(variant, "0, 0, 0, 0, []");
+    ExpectOtherTypesAreRead("0, 0, 0, 0, []");
 }
 
 TEST_F(ArtworkTest, AFailedCallHasWordsOfZeroAndThePreviousImage)

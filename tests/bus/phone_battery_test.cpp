@@ -8,8 +8,27 @@ namespace test
 {
 namespace
 {
+using namespace std::string_literals;
 using ipod::iPodBattery;
 using ipod::iPodPhoneCall;
+
+iPodPhoneCall CompleteCall()
+{
+    iPodPhoneCall call;
+    call.set_remote_id("r");
+    call.set_display_name("d");
+    call.set_status(ipod::PHONE_CALL_STATUS_DISCONNECTING);
+    call.set_direction(ipod::PHONE_CALL_DIRECTION_OUTGOING);
+    call.set_calluuid("u");
+    call.set_addressbookid("a");
+    call.set_label("l");
+    call.set_service(ipod::CALL_STATE_SERVICE_AUDIO);
+    call.set_is_conferenced(true);
+    call.set_conference_group(255);
+    call.set_disconnect_reason(ipod::CALL_STATE_DISCONNECT_REASON_FAILED);
+    call.set_start_timestamp(1700000000);
+    return call;
+}
 
 class PhoneBatteryTest : public ServiceTest
 {
@@ -41,6 +60,63 @@ protected:
     RecordingListener listener{journal, "app"};
 };
 
+// A phone call with one field.
+struct Field
+{
+    const char* name;
+    std::string bytes;
+    std::string shown;              ///< part of the debug line
+    std::size_t position = 0;       ///< of the member that the listener receives
+    const char* received = absent;  ///< its value
+
+    static constexpr const char* absent = "-";
+};
+
+std::ostream& operator<<(std::ostream& out, const Field& field)
+{
+    return out << field.name;
+}
+
+const Field kFields[] = {
+    {"AnEmptyTextIsPresent", "\x12\0"s, "DisplayName:", 1, "\"\""},
+    {"BytesThatAreNotUtf8AreKept", "\x0a\x02\xff\xfe", "RemoteID:\xff\xfe", 0, "\"\xff\xfe\""},
+    {"PercentSignsAreKept", "\x0a\x06%s%n%s", "RemoteID:%s%n%s", 0, "\"%s%n%s\""},
+    {"AFieldOfAnotherWireTypeIsAbsent", "\x08\x01", "RemoteID:null"},
+    {"AZeroStatusIsPresent", "\x18\0"s, "Status:0", 2, "0"},
+    {"AStatusOf7IsAbsent", "\x18\x07", "Status:null"},
+    {"AStatusOf99IsAbsent", "\x18\x63", "Status:null"},
+    {"ADirectionOf3IsAbsent", "\x20\x03", "Direction:null"},
+    {"AServiceOf4IsAbsent", "\x40\x04", "Service:null"},
+    {"NotConferencedIsFalse", "\x48\0"s, "IsConferenced:false", 8, "false"},
+    {"AConferencedFlagOf5IsTrue", "\x48\x05", "IsConferenced:true", 8, "true"},
+    {"AGroupOf257KeepsItsLow8Bits", "\x50\x81\x02", "ConferenceGroup:1", 9, "1"},
+    {"AGroupOf300KeepsItsLow8Bits", "\x50\xac\x02", "ConferenceGroup:44", 9, "44"},
+    {"TheLargestGroupKeepsItsLow8Bits", "\x50\xff\xff\xff\xff\x0f", "ConferenceGroup:255", 9, "255"},
+    {"AReasonOf3IsAbsent", "\x58\x03", "DisconnectReason:null"},
+    {"AZeroTimestampIsPresent", "\x60\0"s, "StartTimestamp:0", 11, "0"},
+    {"TheLargestTimestampIsKept", "\x60" + std::string(9, '\xff') + "\x01", "StartTimestamp:18446744073709551615", 11,
+     "18446744073709551615"},
+};
+
+class PhoneFieldTest : public PhoneBatteryTest, public testing::WithParamInterface<Field>
+{
+};
+
+TEST_P(PhoneFieldTest, IsLoggedAndDelivered)
+{
+    const Field& field = GetParam();
+    std::vector<std::string> members(12, Field::absent);
+    members[field.position] = field.received;
+
+    SendPhoneCall(field.bytes);
+
+    EXPECT_EQ(Shown(field.shown.substr(0, field.shown.find(':'))), field.shown);
+    EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(" + Join(members, ", ") + ")"));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PhoneFieldTest, testing::ValuesIn(kFields),
+                         [](const testing::TestParamInfo<Field>& row) { return row.param.name; });
+
 TEST_F(PhoneBatteryTest, ACallWithOneMemberLogsNullForTheOthers)
 {
     iPodPhoneCall call;
@@ -59,21 +135,7 @@ TEST_F(PhoneBatteryTest, ACallWithOneMemberLogsNullForTheOthers)
 
 TEST_F(PhoneBatteryTest, ACompleteCallLogsAndDeliversEveryMember)
 {
-    iPodPhoneCall call;
-    call.set_remote_id("r");
-    call.set_display_name("d");
-    call.set_status(ipod::PHONE_CALL_STATUS_DISCONNECTING);
-    call.set_direction(ipod::PHONE_CALL_DIRECTION_OUTGOING);
-    call.set_calluuid("u");
-    call.set_addressbookid("a");
-    call.set_label("l");
-    call.set_service(ipod::CALL_STATE_SERVICE_AUDIO);
-    call.set_is_conferenced(true);
-    call.set_conference_group(255);
-    call.set_disconnect_reason(ipod::CALL_STATE_DISCONNECT_REASON_FAILED);
-    call.set_start_timestamp(1700000000);
-
-    Send(call);
+    Send(CompleteCall());
 
     EXPECT_EQ(LogLines()[0],
               "20 CallBack_OnIpodPhoneCallChange: CallBack_OnIpodPhoneCallChange RemoteID:r, DisplayName:d, Status:6, "
@@ -83,106 +145,14 @@ TEST_F(PhoneBatteryTest, ACompleteCallLogsAndDeliversEveryMember)
                                      "2, 1700000000)"));
 }
 
-TEST_F(PhoneBatteryTest, AnEmptyTextIsLoggedEmptyAndIsPresent)
-{
-    iPodPhoneCall call;
-    call.set_display_name("");
-
-    Send(call);
-
-    EXPECT_EQ(Shown("DisplayName"), "DisplayName:");
-    EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, \"\", -, -, -, -, -, -, -, -, -, -)"));
-}
-
-TEST_F(PhoneBatteryTest, AZeroIsPresent)
-{
-    iPodPhoneCall call;
-    call.set_status(ipod::PHONE_CALL_STATUS_DISCONNECTED);
-    call.set_start_timestamp(0);
-
-    Send(call);
-
-    EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, 0, -, -, -, -, -, -, -, -, 0)"));
-}
-
-TEST_F(PhoneBatteryTest, NotConferencedIsLoggedAsFalse)
-{
-    iPodPhoneCall call;
-    call.set_is_conferenced(false);
-
-    Send(call);
-
-    EXPECT_EQ(Shown("IsConferenced"), "IsConferenced:false");
-    EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, -, -, -, -, -, -, false, -, -, -)"));
-}
-
-TEST_F(PhoneBatteryTest, AConferencedFlagOtherThanZeroAndOneIsTrue)
-{
-    SendPhoneCall("\x48\x05");
-
-    EXPECT_EQ(Shown("IsConferenced"), "IsConferenced:true");
-}
-
-TEST_F(PhoneBatteryTest, TheLow8BitsOfTheConferenceGroupAreKept)
-{
-    for (const auto& [sent, kept] : {std::pair(257U, 1), std::pair(300U, 44), std::pair(0xffffffffU, 255)})
-    {
-        ClearLog();
-        journal.clear();
-        iPodPhoneCall call;
-        call.set_conference_group(sent);
-
-        Send(call);
-
-        EXPECT_EQ(Shown("ConferenceGroup"), "ConferenceGroup:" + std::to_string(kept));
-        EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, -, -, -, -, -, -, -, " +
-                                         std::to_string(kept) + ", -, -)"));
-    }
-}
-
-TEST_F(PhoneBatteryTest, TheLargestTimestampIsLoggedInFull)
-{
-    iPodPhoneCall call;
-    call.set_start_timestamp(18446744073709551615ULL);
-
-    Send(call);
-
-    EXPECT_THAT(LogLines()[0], testing::EndsWith("StartTimestamp:18446744073709551615"));
-    EXPECT_THAT(journal,
-                ElementsAre("app.OnIpodPhoneCallChange(-, -, -, -, -, -, -, -, -, -, -, 18446744073709551615)"));
-}
-
-TEST_F(PhoneBatteryTest, NumbersOutsideTheirEnumerationsAreAbsent)
-{
-    for (const char* const bytes : {"\x18\x07", "\x18\x09", "\x20\x03", "\x40\x04", "\x58\x03"})
-    {
-        ClearLog();
-        journal.clear();
-
-        SendPhoneCall(bytes);
-
-        EXPECT_THAT(LogLines()[0], testing::Not(testing::ContainsRegex(":[0-9]")));
-        EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, -, -, -, -, -, -, -, -, -, -)"));
-    }
-}
-
-TEST_F(PhoneBatteryTest, AKnownFieldOfAnotherWireTypeIsAbsent)
-{
-    SendPhoneCall("\x08\x01");
-
-    EXPECT_EQ(Shown("RemoteID"), "RemoteID:null");
-    EXPECT_THAT(journal, ElementsAre("app.OnIpodPhoneCallChange(-, -, -, -, -, -, -, -, -, -, -, -)"));
-}
-
 TEST_F(PhoneBatteryTest, EmptyUnparsableAndWrongPayloadsAreDroppedSilently)
 {
-    const std::string truncated(
-        "\x0a\x05"
-        "ab",
-        4);
+    const std::string truncated = "\x0a\x05?";
+    const std::string deeplyNested = std::string(10000, '\x7b') + std::string(10000, '\x7c');
     for (const std::string& variant :
-         {std::string("<@ay []>"), BytesInVariant(truncated), BytesInVariant("\x18"), BytesInVariant("\xff\xff\xff"),
-          std::string("<'text'>"), std::string("<[1, 2]>"), std::string("<<[byte 8, 1]>>"), std::string("<uint32 7>")})
+         {std::string("<@ay []>"), BytesInVariant(truncated), BytesInVariant(deeplyNested), BytesInVariant("\x18"),
+          BytesInVariant("\xff\xff\xff"), std::string("<'text'>"), std::string("<[1, 2]>"),
+          std::string("<<[byte 8, 1]>>"), std::string("<uint32 7>")})
     {
         DeliverText("OnIpodPhoneCallChange", variant);
         DeliverText("OnIpodBatteryChange", variant);
@@ -268,28 +238,10 @@ TEST(MessageTest, AConferencedFlagOtherThanZeroAndOneReadsAsTrue)
 
 TEST(MessageTest, FieldsHaveTheNumbersOfTheContract)
 {
-    iPodPhoneCall call;
-    call.set_remote_id("1");
-    call.set_display_name("2");
-    call.set_status(ipod::PHONE_CALL_STATUS_SENDING);
-    call.set_direction(ipod::PHONE_CALL_DIRECTION_INCOMING);
-    call.set_calluuid("5");
-    call.set_addressbookid("6");
-    call.set_label("7");
-    call.set_service(ipod::CALL_STATE_SERVICE_TELEPHONY);
-    call.set_is_conferenced(true);
-    call.set_conference_group(10);
-    call.set_disconnect_reason(ipod::CALL_STATE_DISCONNECT_REASON_DECLINED);
-    call.set_start_timestamp(12);
-
-    EXPECT_EQ(call.SerializeAsString(),
-              "\x0a\x01"
-              "1\x12\x01"
-              "2\x18\x01\x20\x01\x2a\x01"
-              "5\x32\x01"
-              "6\x3a\x01"
-              "7\x40\x01\x48\x01\x50\x0a\x58"
-              "\x01\x60\x0c");
+    EXPECT_EQ(CompleteCall().SerializeAsString(),
+              "\x0a\x01r\x12\x01"
+              "d\x18\x06\x20\x02\x2a\x01u\x32\x01"
+              "a\x3a\x01l\x40\x03\x48\x01\x50\xff\x01\x58\x02\x60\x80\xe2\xcf\xaa\x06");
 }
 }  // namespace
 }  // namespace test

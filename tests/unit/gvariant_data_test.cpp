@@ -138,18 +138,6 @@ TEST(GvariantDataExtract, WrapsAroundAfter65536Bytes)
     EXPECT_EQ(sent[4464], dest[4464]);
 }
 
-TEST(GvariantDataExtract, WrapsAroundRepeatedly)
-{
-    const Bytes sent = Pattern(200000);
-    Bytes dest(65536, kUntouched);
-
-    gvariant_data_extract(dest.data(), Packed(sent).get());
-
-    Bytes expected(65536);
-    for (std::size_t n = 0; n < sent.size(); ++n) expected[n % 65536] = sent[n];
-    EXPECT_EQ(expected, dest);
-}
-
 TEST(GvariantDataExtract, AppendsMoreThan65536BytesToAVectorInOrder)
 {
     Bytes dest;

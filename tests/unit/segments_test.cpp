@@ -91,11 +91,6 @@ protected:
 
     void Put(const std::vector<char>& bytes) { test::WriteFile(m_name.path(), bytes); }
 
-    static void SetState(std::vector<char>& image, std::uint32_t state)
-    {
-        std::memcpy(image.data(), &state, sizeof(state));
-    }
-
     mode_t Mode() const
     {
         struct stat status
@@ -122,19 +117,69 @@ protected:
     bool IsThere() const { return access(m_name.path().c_str(), F_OK) == 0; }
 };
 
+std::vector<char> Garbage()
+{
+    std::mt19937 random(7);
+    std::vector<char> bytes(kSegmentSize);
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+}
+
+using Image = std::vector<char>;
+
+// An object that is no segment, made of the image of a valid one.
+struct Object
+{
+    const char* name;
+    Image (*image)(Image sound);
+};
+
+std::ostream& operator<<(std::ostream& out, const Object& object)
+{
+    return out << object.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<Object>& row)
+{
+    return row.param.name;
+}
+
+Image WithState(Image image, std::uint32_t state)
+{
+    std::memcpy(image.data(), &state, sizeof(state));
+    return image;
+}
+
+const Object kUnfinished[] = {
+    {"Empty", [](Image) { return Image(); }},
+    {"OfThreeBytes",
+     [](Image) {
+         return Image{1, 2, 3};
+     }},
+    {"OfZeros", [](Image) { return Image(kSegmentSize); }},
+    {"WithTheStateOfAnUnfinishedSegment", [](Image sound) { return WithState(sound, kBeingMade); }},
+};
+const Object kInvalid[] = {
+    {"OfGarbage", [](Image) { return Garbage(); }},
+    {"OfGarbageWithTheStateOfASegment", [](Image) { return WithState(Garbage(), kReady); }},
+    {"OfZerosWithTheStateOfASegment", [](Image) { return WithState(Image(kSegmentSize), kReady); }},
+    {"OfOnes", [](Image) { return Image(kSegmentSize, '\xff'); }},
+    {"ThatIsHalfASegment", [](Image sound) { return Image(sound.begin(), sound.begin() + kSegmentSize / 2); }},
+};
+
+class UnfinishedObject : public AttachSegment, public testing::WithParamInterface<Object>
+{
+};
+
+class InvalidObject : public AttachSegment, public testing::WithParamInterface<Object>
+{
+};
+
 // Mounts a file system of that size on /dev/shm, for this process only; false where that is not allowed.
 bool MountDevice(const std::string& size)
 {
     return unshare(CLONE_NEWNS) == 0 && mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
            mount("tmpfs", "/dev/shm", "tmpfs", 0, ("size=" + size).c_str()) == 0;
-}
-
-std::vector<char> Garbage(std::size_t count)
-{
-    std::mt19937 random(7);
-    std::vector<char> bytes(count);
-    for (char& byte : bytes) byte = static_cast<char>(random());
-    return bytes;
 }
 }  // namespace
 
@@ -300,13 +345,14 @@ TEST_F(AttachSegment, AttachesAnObjectLongerThanItsSegment)
 
 TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
 {
-    std::vector<char> image = SoundImage();
-    SetState(image, kBeingMade);
-    Put(image);
+    const Image unfinished = WithState(SoundImage(), kBeingMade);
+    Put({});
     std::thread creator(
-        [this]
+        [&]
         {
-            std::this_thread::sleep_for(milliseconds(300));
+            std::this_thread::sleep_for(milliseconds(150));
+            Put(unfinished);
+            std::this_thread::sleep_for(milliseconds(150));
             const int fd = open(m_name.path().c_str(), O_WRONLY | O_CLOEXEC);
             EXPECT_EQ(ssize_t{sizeof(kReady)}, pwrite(fd, &kReady, sizeof(kReady), 0));
             close(fd);
@@ -320,12 +366,23 @@ TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
     EXPECT_NE(nullptr, segment.find<int>("number").first);
 }
 
-TEST_F(AttachSegment, GivesUpOnAnEmptyObjectAfterFiveSeconds)
+TEST_P(UnfinishedObject, IsGivenUpAfterFiveSeconds)
 {
-    Put({});
+    Put(GetParam().image(SoundImage()));
 
     ExpectRefusalAfterTheWait();
 }
+
+INSTANTIATE_TEST_SUITE_P(All, UnfinishedObject, testing::ValuesIn(kUnfinished), NameOf);
+
+TEST_P(InvalidObject, IsRejectedAtOnce)
+{
+    Put(GetParam().image(SoundImage()));
+
+    ExpectRefusalAtOnce();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, InvalidObject, testing::ValuesIn(kInvalid), NameOf);
 
 TEST_F(AttachSegment, MapsANewOneOnce)
 {
@@ -361,64 +418,14 @@ TEST_F(AttachSegment, CreatesOneInAProcessWithoutStandardInput)
     EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
 }
 
-TEST_F(AttachSegment, GivesUpOnAnIncompleteObjectAfterFiveSeconds)
-{
-    std::vector<char> image = SoundImage();
-    SetState(image, kBeingMade);
-    Put(image);
-
-    ExpectRefusalAfterTheWait();
-}
-
-TEST_F(AttachSegment, GivesUpOnAnObjectOfTheRightSizeThatIsAllZeroAfterFiveSeconds)
-{
-    Put(std::vector<char>(kSegmentSize, '\0'));
-
-    ExpectRefusalAfterTheWait();
-}
-
-TEST_F(AttachSegment, GivesUpOnAnObjectOfThreeBytesAfterFiveSeconds)
-{
-    Put({1, 2, 3});
-
-    ExpectRefusalAfterTheWait();
-}
-
-TEST_F(AttachSegment, RejectsGarbage)
-{
-    Put(Garbage(kSegmentSize));
-
-    ExpectRefusalAtOnce();
-}
-
-TEST_F(AttachSegment, RejectsGarbageWithAReadyState)
-{
-    std::vector<char> image = Garbage(kSegmentSize);
-    SetState(image, kReady);
-    Put(image);
-
-    ExpectRefusalAtOnce();
-}
-
 TEST_F(AttachSegment, RejectsAnObjectThatIsTooSmall)
 {
     for (std::size_t size = 4; size <= 256; size += 4)
     {
-        std::vector<char> image(size, '\0');
-        SetState(image, kReady);
-        Put(image);
+        Put(WithState(Image(size), kReady));
 
         ExpectRefusalAtOnce();
     }
-}
-
-TEST_F(AttachSegment, RejectsATruncatedOne)
-{
-    std::vector<char> image = SoundImage();
-    image.resize(image.size() / 2);
-    Put(image);
-
-    ExpectRefusalAtOnce();
 }
 
 TEST_F(AttachSegment, RejectsAFifo)

@@ -131,20 +131,6 @@ TEST_F(Snapshots, MustBeInsideTheMappingOnlyIfTheVectorIs)
     EXPECT_EQ(std::numeric_limits<std::uintptr_t>::max(), reinterpret_cast<std::uintptr_t>(anywhere.end));
 }
 
-TEST(CopyNames, EndsEachNameAtItsFirstNulAndKeepsEmptyOnes)
-{
-    EXPECT_EQ((std::vector<std::string>{"first", "", "third"}), NamesIn({Name("first", 'x'), Name(""), Name("third")}));
-}
-
-TEST(CopyNames, Keeps255BytesAnd256WithoutANul)
-{
-    const std::string longest(255, 'a');
-    const std::string unterminated(256, 'b');
-
-    EXPECT_EQ((std::vector<std::string>{longest, unterminated, "next"}),
-              NamesIn({Name(longest), Name(unterminated), Name("next")}));
-}
-
 TEST(CopyNames, PassesBytesThroughUnchanged)
 {
     const std::string bytes = "\xFF\xFE\x01\x80 \xE5\x91\xA8";
