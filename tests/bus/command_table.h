@@ -23,15 +23,14 @@ struct CommandLine
 
 struct Command
 {
-    const char* name;                                  ///< name of the method, and function of its log records
+    const char* name;                                  ///< function of its log records
     std::function<std::string(IQBXIpodPlayer&)> call;  ///< calls it; result and out-arguments as text
-    const char* member;                                ///< member of the bus contract
     std::string sent;                                  ///< arguments as the service receives them
     std::string reply;                                 ///< the service's reply
     const char* success;                               ///< result of a successful call
     const char* notReady;                              ///< result without a client
     const char* failure;                               ///< result of a failed call, or kUnset
-    const char* generated;                             ///< generated function, which the failure line names
+    std::string member = name;                         ///< the method in the bus contract
     std::vector<CommandLine> first = {};               ///< written with or without a client
     std::vector<CommandLine> beforeCall = {};          ///< written only with a client
     std::vector<CommandLine> afterCall = {};           ///< written after the call, before its failure line
