@@ -17,10 +17,10 @@ inline std::string TooLarge()
     return "larger than " + std::to_string(kLargestPicture) + " bytes";
 }
 
-/// Wraps the bytes of an image and reads its dimensions from the PNG or JPEG header.
+/// Wraps the bytes of an image and reads its dimensions from its header.
 Picture MakePicture(Bytes bytes);
 
-/// Whether the bytes begin with a complete PNG, JPEG, GIF, BMP, or WebP header; a signature alone does not count.
+/// Whether the bytes begin with a JPEG signature, or with a PNG, GIF, BMP, or WebP header that contains the size.
 bool IsPicture(const Bytes& bytes);
 /// The same for a file; false if it cannot be read.
 bool IsPictureFile(const std::string& file);

@@ -102,44 +102,36 @@ void ExpectPngOf300Pixels(const Track& track)
 }
 }  // namespace
 
-TEST(TagReader, ReadsFlac)
+TEST(TagReader, ReadsFlacOggVorbisAndMp3)
 {
-    const auto track = ReadTrack((Samples() / "江南小雨/2 山间清晨.flac").string());
+    const struct
+    {
+        const char* file;
+        const char* title;
+        const char* artist;
+        const char* album;
+        const char* genre;
+        int number;
+        int lengthMs;
+    } rows[] = {
+        {"江南小雨/2 山间清晨.flac", "山间清晨", "曾雨桐", "江南小雨", "Folk", 2, 9000},
+        {"Lanterns/1 Blue Lantern.ogg", "Blue Lantern", "Nadia Brandt", "Lanterns", "Jazz", 1, 16000},
+        {"长夜里的音乐/1 长夜里的音乐.mp3", "长夜里的音乐", "单晓岚", "长夜里的音乐", "Pop", 1, 10000},
+    };
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.file);
+        const auto track = ReadTrack((Samples() / row.file).string());
 
-    ASSERT_TRUE(track);
-    EXPECT_EQ(track->title, "山间清晨");
-    EXPECT_EQ(track->artist, "曾雨桐");
-    EXPECT_EQ(track->album, "江南小雨");
-    EXPECT_EQ(track->genre, "Folk");
-    EXPECT_EQ(track->number, 2);
-    EXPECT_EQ(track->lengthMs, 9000);
-    ExpectPngOf300Pixels(*track);
-}
-
-TEST(TagReader, ReadsOggVorbis)
-{
-    const auto track = ReadTrack((Samples() / "Lanterns/1 Blue Lantern.ogg").string());
-
-    ASSERT_TRUE(track);
-    EXPECT_EQ(track->title, "Blue Lantern");
-    EXPECT_EQ(track->artist, "Nadia Brandt");
-    EXPECT_EQ(track->album, "Lanterns");
-    EXPECT_EQ(track->genre, "Jazz");
-    EXPECT_EQ(track->number, 1);
-    EXPECT_EQ(track->lengthMs, 16000);
-    ExpectPngOf300Pixels(*track);
-}
-
-TEST(TagReader, ReadsMp3)
-{
-    const auto track = ReadTrack((Samples() / "长夜里的音乐/1 长夜里的音乐.mp3").string());
-
-    ASSERT_TRUE(track);
-    EXPECT_EQ(track->title, "长夜里的音乐");
-    EXPECT_EQ(track->artist, "单晓岚");
-    EXPECT_EQ(track->genre, "Pop");
-    EXPECT_NEAR(track->lengthMs, 10000, 100) << "MP3 pads the last frame";
-    ExpectPngOf300Pixels(*track);
+        ASSERT_TRUE(track);
+        EXPECT_EQ(track->title, row.title);
+        EXPECT_EQ(track->artist, row.artist);
+        EXPECT_EQ(track->album, row.album);
+        EXPECT_EQ(track->genre, row.genre);
+        EXPECT_EQ(track->number, row.number);
+        EXPECT_NEAR(track->lengthMs, row.lengthMs, 100) << "MP3 pads the last frame";
+        ExpectPngOf300Pixels(*track);
+    }
 }
 
 TEST(TagReader, RejectsAMissingFile)
@@ -157,40 +149,17 @@ TEST(Picture, IsEmptyIfTheFileWasDeleted)
     EXPECT_TRUE(ipodsim::PictureOf(track).bytes.empty());
 }
 
-TEST(Picture, HasNoSizeIfItIsInvalid)
-{
-    const ipodsim::Picture picture = ipodsim::MakePicture({0xFF, 0xD8, 0xFF, 0xC0, 0x00});
-
-    EXPECT_EQ(picture.width, 0U);
-    EXPECT_EQ(picture.height, 0U);
-}
-
-TEST(Picture, ReadsTheSizeOfAJpegFromItsFrameHeader)
-{
-    const ipodsim::Picture picture = ipodsim::MakePicture({0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x04, 0x00, 0x00, 0xFF, 0xC0,
-                                                           0x00, 0x0B, 0x08, 0x01, 0x02, 0x03, 0x04, 0x01, 0x01});
-
-    EXPECT_EQ(picture.height, 0x0102U);
-    EXPECT_EQ(picture.width, 0x0304U);
-}
-
-TEST(Picture, NeedsACompleteHeader)
+// tests/kit examines the headers of all types.
+TEST(Picture, NeedsASizeUnlessItIsAJpeg)
 {
     const auto isPicture = [](const std::string& text) { return ipodsim::IsPicture({text.begin(), text.end()}); };
     const std::string noise(40, 'x');
-    const std::string bmp = "BM" + std::string(12, '\1');
-    const std::string riff = "RIFF" + std::string(4, '\1');
 
     EXPECT_TRUE(isPicture(kSmallPng));
     EXPECT_TRUE(isPicture("\xFF\xD8\xFF\xE0" + noise));
     EXPECT_TRUE(isPicture(std::string("GIF89a\5\0\6\0", 10)));
-    for (const int length : {12, 16, 40, 52, 56, 64, 108, 124})
-        EXPECT_TRUE(isPicture(bmp + static_cast<char>(length) + std::string(3, '\0') + noise)) << length;
-    EXPECT_TRUE(isPicture(riff + "WEBPVP8L" + noise));
-    for (const std::string& rubbish :
-         {kSmallPng.substr(0, 8), kSmallPng.substr(0, 8) + noise, kSmallPng.substr(0, 16) + std::string(8, '\0'),
-          std::string("\xFF\xD8"), "\xFF\xD8" + noise, "\xFF\xD8\xFF\xD9" + noise, "GIF8" + noise,
-          "GIF89a" + std::string(10, '\0'), std::string("BM"), "BM" + noise, riff + "WEBP" + noise, std::string()})
+    for (const std::string& rubbish : {kSmallPng.substr(0, 8), kSmallPng.substr(0, 8) + noise, std::string("\xFF\xD8"),
+                                       "GIF89a" + std::string(10, '\0'), "BM" + noise, "II*" + noise, std::string()})
         EXPECT_FALSE(isPicture(rubbish)) << testing::PrintToString(rubbish);
 }
 
