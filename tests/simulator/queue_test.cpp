@@ -54,20 +54,14 @@ TEST(Queue, StartsAtTheSelectedEntryAndEndsAfterTheLast)
     EXPECT_EQ(queue.Index(), 0U) << "back at the first entry";
 }
 
-TEST(Queue, NextStaysAtTheLastEntryWithoutRepeat)
+TEST(Queue, StaysAtTheFirstAndTheLastEntryWithoutRepeat)
 {
     Queue queue(1);
     queue.Fill(Tracks(2), 1);
 
     EXPECT_FALSE(queue.Next());
     EXPECT_EQ(queue.Index(), 1U);
-}
-
-TEST(Queue, PreviousStaysAtTheFirstEntryWithoutRepeat)
-{
-    Queue queue(1);
-    queue.Fill(Tracks(2), 0);
-
+    EXPECT_TRUE(queue.Previous());
     EXPECT_FALSE(queue.Previous());
     EXPECT_EQ(queue.Index(), 0U);
 }

@@ -157,10 +157,11 @@ private:
     GDBusConnection* m_bus;
 };
 
-ipodsim::Options Quiet()
+ipodsim::Options Quiet(const TemporaryFolder* music = nullptr)
 {
     ipodsim::Options options;
     options.warn = [](const std::string&) {};
+    if (music != nullptr) options.musicFolder = music->path.string();
     return options;
 }
 
@@ -452,9 +453,7 @@ TEST_F(Service, HasADeviceForEachSubfolder)
     TemporaryFolder folder;
     folder.CopySample("one.ogg");
     folder.CopySample("Phone/two.ogg");
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
-    const ipodsim::Simulator service(options);
+    const ipodsim::Simulator service(Quiet(&folder));
     Client client;
 
     EXPECT_EQ(service.Summary(), "2 songs, 1 artist, 1 album");
@@ -468,9 +467,7 @@ TEST_F(Service, FollowsSubfoldersThatAppearAndDisappear)
 {
     TemporaryFolder folder;
     folder.CopySample("Phone/one.ogg");
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
-    const ipodsim::Simulator service(options);
+    const ipodsim::Simulator service(Quiet(&folder));
     Client client;
 
     folder.CopySample("Second/two.ogg");
@@ -491,8 +488,7 @@ TEST_F(Service, DetectsTheReturnOfTheMusicFolder)
     TemporaryFolder folder;
     folder.CopySample("one.ogg");
     std::atomic<int> warnings{0};
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
+    ipodsim::Options options = Quiet(&folder);
     options.oneDevice = true;
     options.warn = [&](const std::string& line)
     {
@@ -524,8 +520,7 @@ TEST_F(Service, DeliversLargeArtworkRegardlessOfEarlierDeliveries)
         folder.Write("one.wav", ASecondOfSilence());
         folder.Write("two.wav", ASecondOfSilence());
         folder.Write("cover.png", PngOf(size));
-        ipodsim::Options options = Quiet();
-        options.musicFolder = folder.path.string();
+        ipodsim::Options options = Quiet(&folder);
         options.speed = 0.01;
         options.warn = [](const std::string& line) { ADD_FAILURE() << line; };
         ipodsim::Simulator service(options);
@@ -553,8 +548,7 @@ TEST_F(Service, OmitsArtworkBesideLargeAccessoryDataAndWarnsOnce)
     folder.Write("two.wav", ASecondOfSilence());
     folder.Write("cover.png", PngOf(600000));
     std::vector<std::string> warnings;
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
+    ipodsim::Options options = Quiet(&folder);
     options.speed = 0.01;
     options.warn = [&](const std::string& line) { warnings.push_back(line); };
     ipodsim::Simulator service(options);
@@ -582,8 +576,7 @@ TEST_F(Service, SummarizesManyWarnings)
     for (int i = 0; i < 800; ++i) folder.Write("Phone/" + std::to_string(i) + ".ogg", "no audio");
     folder.Write("Watch/one.ogg", "no audio");
     std::vector<std::string> warnings;
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
+    ipodsim::Options options = Quiet(&folder);
     options.warn = [&](const std::string& line) { warnings.push_back(line); };
 
     const ipodsim::Simulator service(options);
@@ -598,8 +591,7 @@ TEST_F(Service, AnswersWhileScanning)
     TemporaryFolder folder;
     for (int i = 0; i < 500; ++i) folder.CopySample(std::to_string(i) + ".ogg");
     std::atomic<bool> goOn{false};
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
+    ipodsim::Options options = Quiet(&folder);
     options.waitForIndex = false;
     options.progress = [&](std::size_t, std::size_t)
     {
@@ -620,8 +612,7 @@ TEST_F(Service, ExitsWhileScanning)
 {
     TemporaryFolder folder;
     for (int i = 0; i < 500; ++i) folder.CopySample(std::to_string(i) + ".ogg");
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
+    ipodsim::Options options = Quiet(&folder);
     options.waitForIndex = false;
 
     const gint64 begin = g_get_monotonic_time();
@@ -636,8 +627,7 @@ TEST_F(Service, StoresTheIndexInTheCacheFolder)
     TemporaryFolder folder;
     TemporaryFolder cache;
     folder.CopySample("one.ogg");
-    ipodsim::Options options = Quiet();
-    options.musicFolder = folder.path.string();
+    ipodsim::Options options = Quiet(&folder);
     options.cacheFolder = cache.path.string();
     {
         const ipodsim::Simulator service(options);
