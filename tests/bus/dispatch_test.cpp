@@ -192,6 +192,19 @@ TEST_P(DispatchContinues, WhenAListener)
 INSTANTIATE_TEST_SUITE_P(All, DispatchContinues, testing::ValuesIn(kChanges),
                          [](const testing::TestParamInfo<Change>& row) { return row.param.name; });
 
+TEST_F(DispatchTest, StopsWhenAListenerClearsTheSetDirectly)
+{
+    CountingListener listeners[3];
+    IQBXIpodPlayer& player = Connected();
+    for (auto& listener : listeners) player.AddListener(&listener);
+    listeners[0].first = [&player] { player.GetListeners().clear(); };
+
+    Deliver("OnPlayStatusChanged", "(1,)");
+
+    EXPECT_EQ(listeners[0].events, 1);
+    EXPECT_EQ(listeners[1].events + listeners[2].events, 0);
+}
+
 TEST_F(DispatchTest, ARemovedListenerGetsNoMoreEvents)
 {
     Journal journal;

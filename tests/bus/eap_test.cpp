@@ -63,33 +63,17 @@ protected:
     SharedVectors vectors;
 };
 
-TEST_F(EapTest, InitSendsBothTextsInZeroPaddedSlots)
+TEST_F(EapTest, InitSendsTheFirst255BytesOfBothTextsInZeroPaddedSlots)
 {
-    const std::string record = InitRecord({"com.example.echo", "com.example.app"});
+    const auto slot = [](const std::string& text)
+    { return text.substr(0, 255) + std::string(256 - std::min<std::size_t>(text.size(), 255), '\0'); };
+    for (const std::size_t length : {0U, 1U, 254U, 255U, 256U, 5000U})
+    {
+        const std::string first(length, 'a');
+        const std::string second(length / 2, 'b');
 
-    const std::string first = "com.example.echo";
-    const std::string second = "com.example.app";
-    EXPECT_EQ(record, first + std::string(256 - first.size(), '\0') + second + std::string(256 - second.size(), '\0'));
-}
-
-TEST_F(EapTest, InitSendsZerosForEmptyTexts)
-{
-    EXPECT_EQ(InitRecord({}), std::string(512, '\0'));
-}
-
-TEST_F(EapTest, InitKeepsTextsOf255Bytes)
-{
-    const std::string first(255, 'a');
-    const std::string second(255, 'b');
-
-    EXPECT_EQ(InitRecord({first, second}), first + '\0' + second + '\0');
-}
-
-TEST_F(EapTest, InitTruncatesLongerTextsTo255Bytes)
-{
-    const std::string record = InitRecord({std::string(256, 'a') + "tail", std::string(5000, 'b')});
-
-    EXPECT_EQ(record, std::string(255, 'a') + '\0' + std::string(255, 'b') + '\0');
+        EXPECT_EQ(InitRecord({first, second}), slot(first) + slot(second)) << length;
+    }
 }
 
 TEST_F(EapTest, LaunchSendsTheBundleAndReturnsTheReply)

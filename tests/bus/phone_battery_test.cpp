@@ -203,39 +203,6 @@ TEST_F(PhoneBatteryTest, UnknownFieldsAreIgnored)
     ExpectBattery("BatteryChargingStatus:null, BatteryChargeLevel:50", "-, 50");
 }
 
-TEST(MessageTest, AnEmptyMessageParsesWithoutFields)
-{
-    iPodPhoneCall call;
-    iPodBattery battery;
-
-    EXPECT_TRUE(call.ParseFromArray("", 0));
-    EXPECT_TRUE(battery.ParseFromArray("", 0));
-
-    EXPECT_EQ(call.ByteSizeLong(), 0U);
-    EXPECT_FALSE(battery.has_battery_charge_level());
-}
-
-TEST(MessageTest, GroupsAndLevelsAcceptAny32BitValue)
-{
-    iPodPhoneCall call;
-    iPodBattery battery;
-
-    EXPECT_TRUE(call.ParseFromString("\x50\xff\xff\xff\xff\x0f"));
-    EXPECT_TRUE(battery.ParseFromString("\x10\xff\xff\xff\xff\x0f"));
-
-    EXPECT_EQ(call.conference_group(), 0xffffffffU);
-    EXPECT_EQ(battery.battery_charge_level(), 0xffffffffU);
-}
-
-TEST(MessageTest, AConferencedFlagOtherThanZeroAndOneReadsAsTrue)
-{
-    iPodPhoneCall call;
-
-    EXPECT_TRUE(call.ParseFromString("\x48\x7f"));
-
-    EXPECT_TRUE(call.is_conferenced());
-}
-
 TEST(MessageTest, FieldsHaveTheNumbersOfTheContract)
 {
     EXPECT_EQ(CompleteCall().SerializeAsString(),

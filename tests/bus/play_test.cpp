@@ -225,43 +225,27 @@ TEST_F(PlayWithoutProxyTest, ReturnsZeroWithoutAFailureLine)
                             "40 Play: QBXIpod_MediaPlayer_Client::Play-bRet=0"));
 }
 
-TEST_F(PlayTest, AnInvalidSourceIsReleasedIfItIsActive)
+TEST_F(PlayTest, TheFirstActiveSourceIsReleasedWhenItBecomesInvalid)
 {
+    const struct
+    {
+        const char* valid;
+        std::set<int> active;
+        std::vector<std::string> calls;
+    } rows[] = {{"false", {10, 11}, {"IsActived(10)", "Release(10, 1)"}},
+                {"false", {11}, {"IsActived(10)", "IsActived(11)", "Release(11, 1)"}},
+                {"false", {}, {"IsActived(10)", "IsActived(11)"}},
+                {"true", {10, 11}, {}}};
     Connected();
-    Sources().active = {10, 11};
+    for (const auto& row : rows)
+    {
+        Sources().active = row.active;
+        Sources().calls.clear();
 
-    Deliver("OnIpodSourceValidStatusChange", "(false,)");
+        Deliver("OnIpodSourceValidStatusChange", std::string("(") + row.valid + ",)");
 
-    EXPECT_THAT(Sources().calls, ElementsAre("IsActived(10)", "Release(10, 1)"));
-}
-
-TEST_F(PlayTest, TheSecondSourceIsReleasedIfOnlyItIsActive)
-{
-    Connected();
-    Sources().active = {11};
-
-    Deliver("OnIpodSourceValidStatusChange", "(false,)");
-
-    EXPECT_THAT(Sources().calls, ElementsAre("IsActived(10)", "IsActived(11)", "Release(11, 1)"));
-}
-
-TEST_F(PlayTest, NothingIsReleasedIfNoSourceIsActive)
-{
-    Connected();
-
-    Deliver("OnIpodSourceValidStatusChange", "(false,)");
-
-    EXPECT_THAT(Sources().calls, ElementsAre("IsActived(10)", "IsActived(11)"));
-}
-
-TEST_F(PlayTest, AValidSourceIsNotReleased)
-{
-    Connected();
-    Sources().active = {10, 11};
-
-    Deliver("OnIpodSourceValidStatusChange", "(true,)");
-
-    EXPECT_THAT(Sources().calls, IsEmpty());
+        EXPECT_EQ(Sources().calls, row.calls);
+    }
 }
 
 TEST_F(PlayTest, TheSourceIsReleasedBeforeListenersAreNotified)

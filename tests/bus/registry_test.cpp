@@ -174,16 +174,6 @@ TEST(RegistryTest, TheListenerLockExcludesOtherThreads)
     EXPECT_EQ(other.wait_for(std::chrono::seconds(5)), std::future_status::ready);
 }
 
-TEST(RegistryTest, AServiceIsAListenerFirstAndARegistrySecond)
-{
-    HookedService service;
-    auto* const listener = static_cast<IQBXIpodPlayerListener*>(&service);
-    auto* const registry = static_cast<IQBXListener<IQBXIpodPlayerListener>*>(&service);
-
-    EXPECT_EQ(static_cast<void*>(&service), static_cast<void*>(listener));
-    EXPECT_LT(static_cast<void*>(listener), static_cast<void*>(registry));
-}
-
 TEST(RegistryTest, TheClientOverridesNoHooks)
 {
     Journal journal;

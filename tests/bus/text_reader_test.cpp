@@ -6,23 +6,8 @@ namespace test
 namespace
 {
 using TextReaderTest = ServiceTest;
-using TextReaderWithoutServiceTest = NoServiceTest;
 using NotifyTest = ServiceTest;
 using NotifyWithoutServiceTest = NoServiceTest;
-
-TEST_F(TextReaderTest, GetIpodNameLeavesTheTextUnchangedAndLogsIt)
-{
-    IQBXIpodPlayer& player = Connected();
-    service.Answer("GetIpodName", "('Phone',)");
-    std::string name = "abc";
-
-    player.GetIpodName(name);
-
-    EXPECT_EQ(name, "abc");
-    EXPECT_THAT(LogLines(),
-                ElementsAre("40 GetIpodName: GetIpodName()", "40 GetIpodName: GetIpodName, IpodName : abc"));
-    EXPECT_THAT(LogFormats(), ElementsAre("40 GetIpodName: GetIpodName()", "40 GetIpodName: %s, IpodName : %s"));
-}
 
 TEST_F(TextReaderTest, EmptyTextsStayEmpty)
 {
@@ -65,18 +50,6 @@ TEST_F(TextReaderTest, OnlyTheLowestByteOfTheStatusIsWritten)
     EXPECT_EQ(static_cast<unsigned>(status), 0xffffffabU);
     EXPECT_EQ(serial, "before");
     EXPECT_THAT(LogLines(), ElementsAre("40 GetCarplayDeviceDetectStatus: GetCarplayDeviceDetectStatus()"));
-}
-
-TEST_F(TextReaderWithoutServiceTest, TheFailureLineFollowsTheTextLine)
-{
-    std::string name = "abc";
-
-    Unconnected().GetIpodName(name);
-
-    EXPECT_EQ(name, "abc");
-    EXPECT_THAT(LogLines(), ElementsAre("40 GetIpodName: GetIpodName()", "40 GetIpodName: GetIpodName, IpodName : abc",
-                                        testing::StartsWith("100 GetIpodName: com_zarn_linux_ipod_call_get_ipod_name_"
-                                                            "sync: Failed to call dbus method. Reason: ")));
 }
 
 TEST_F(NotifyTest, SendsBothFlagsAsBooleans)
