@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "bus/bus_test.h"
+#include "support/signal_barrier.h"
 
 namespace test
 {
@@ -67,6 +68,20 @@ TEST_F(ConnectionTest, IgnoresSignalsThatTheContractDoesNotHave)
 
     EXPECT_THAT(journal, IsEmpty());
     EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(ConnectionTest, IgnoresSignalsOfAProcessThatDoesNotOwnTheName)
+{
+    Journal journal;
+    RecordingListener listener(journal, "app");
+    Connected().AddListener(&listener);
+    FakeService second;
+
+    second.Emit("OnPlayStatusChanged", "(1,)");
+    EXPECT_TRUE(PassBarrier(second));
+    Deliver("OnPlayStatusChanged", "(2,)");
+
+    EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(2)"));
 }
 
 TEST_F(ConnectionTest, FailsAfterTheServiceReleasedItsName)

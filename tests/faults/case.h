@@ -19,7 +19,7 @@ struct Case
 
 std::vector<Case> DecodingCases();     ///< messages of unusual size
 std::vector<Case> SegmentCases();      ///< invalid objects with the segments' names, and corrupted segments
-std::vector<Case> ServiceCases();      ///< a service or a bus that dies, hangs, or sends false data
+std::vector<Case> ServiceCases();      ///< a service or a bus that dies or hangs
 std::vector<Case> RateCases();         ///< excessive rates of calls and events
 std::vector<Case> ApplicationCases();  ///< faults in the application itself
 std::vector<Case> MemoryCases();       ///< memory leaked by calls

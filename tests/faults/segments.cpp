@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstring>
 #include <fstream>
 #include <random>
 
@@ -159,19 +158,6 @@ std::string PlayingList(Desk& desk)
     return test::Text(list);
 }
 
-void UnterminatedNames(const Arguments&)
-{
-    test::SharedVectors vectors;
-    PlayListSongNameStr entry;
-    std::memset(entry.name, 'Z', sizeof(entry.name));
-    vectors.SetEntries(kPlayingList, {entry, test::Entry("short"), entry});
-    Desk desk;
-    desk.service.Answer("GetPlayingListItems", "(true,)");
-    const std::string whole = "\"" + std::string(256, 'Z') + "\"";
-    ExpectText("page", PlayingList(desk), "[" + whole + ", \"short\", " + whole + "]");
-    desk.ExpectAlive();
-}
-
 // Each read terminates and never returns more than the segment can hold.
 void ReadOften(Desk& desk, int times, const std::function<void()>& before)
 {
@@ -187,24 +173,6 @@ void ReadOften(Desk& desk, int times, const std::function<void()>& before)
     Expect(most <= kListSegmentSize / sizeof(PlayListSongNameStr), "no page is larger than the segment");
     Figure("reads", times);
     Figure("most_names", static_cast<double>(most));
-}
-
-void ForeignHeader(const Arguments& arguments)
-{
-    test::SharedVectors vectors;
-    volatile std::size_t* const header = HeaderOf(vectors.List(kPlayingList));
-    std::mt19937_64 random(3);
-    const auto any = [&] { return static_cast<std::size_t>(random()); };
-    Desk desk;
-    desk.service.Answer("GetPlayingListItems", "(true,)");
-    auto rewrite = [&]
-    {
-        header[0] = any() % 2 == 0 ? any() : any() % (2 * kListSegmentSize);
-        header[1] = any() % 2 == 0 ? any() : any() % 3000;
-        header[2] = any();
-    };
-    ReadOften(desk, std::stoi(arguments.at(0)), rewrite);
-    desk.ExpectAlive();
 }
 
 void RewrittenHeader(const Arguments& arguments)
@@ -288,8 +256,6 @@ std::vector<Case> SegmentCases()
     return {{"object", Object},
             {"full-device", FullDevice},
             {"filled-later", FilledLater},
-            {"unterminated-names", UnterminatedNames},
-            {"foreign-header", ForeignHeader},
             {"rewritten-header", RewrittenHeader},
             {"cut-while-mapped", CutWhileMapped},
             {"recreated-segment", RecreatedSegment},

@@ -1,4 +1,4 @@
-// A service or a bus that is missing, dies, hangs, or sends false data.
+// A service or a bus that dies or hangs.
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,8 +9,6 @@
 
 #include "desk.h"
 #include "helper_process.h"
-#include "support/signal_barrier.h"
-#include "support/text.h"
 
 namespace faults
 {
@@ -19,33 +17,6 @@ namespace
 std::vector<std::string> Service()
 {
     return HelperProcess::Own({"serve"});
-}
-
-void Absent(const Arguments&)
-{
-    const test::PrivateBus bus;
-    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
-    Expect(!player->InitInstance(), "InitInstance() is false");
-    Expect(player->GetShuffleMode() == 255, "failure value of GetShuffleMode");
-    test::FakeService late;
-    AnswerLiveness(late);
-    ExpectAlive(*player);
-}
-
-// The application may retry at any time.
-void Late(const Arguments&)
-{
-    const test::PrivateBus bus;
-    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
-    Expect(!player->InitInstance(), "InitInstance() is false");
-    test::FakeService late;
-    AnswerLiveness(late);
-    Counter counter;
-    player->AddListener(&counter);
-    Expect(player->InitInstance(), "InitInstance() is true once the service is there");
-    late.Emit("OnPlayProgressChange", "(0, 1)");
-    Expect(test::PassBarrier(late) && counter.received == 1, "the event arrives once");
-    ExpectAlive(*player);
 }
 
 double Percentile99(std::vector<double> values)
@@ -180,28 +151,6 @@ void NoReply(const Arguments&)
     desk.ExpectAlive();
 }
 
-void ErrorReply(const Arguments&)
-{
-    Desk desk;
-    desk.service.Fail("GetShuffleMode", "%s%n is broken");
-    Expect(desk.player.GetShuffleMode() == 255, "failure value of GetShuffleMode");
-    desk.ExpectAlive();
-}
-
-// A second process requests the name in vain and still sends signals.
-void SecondOwner(const Arguments&)
-{
-    Desk desk;
-    test::FakeService second;
-    second.Emit("OnPlayStatusChanged", "(1,)");
-    second.Answer("GetPlayStatus", "(66,)");
-    Expect(test::PassBarrier(second), "signals pass");
-    ExpectText("events of the second", desk.TakeEvents(), "");
-    desk.DeliverText("OnPlayStatusChanged", "(2,)");
-    ExpectText("events of the owner", desk.TakeEvents(), "app.OnPlayStatusChanged(2)");
-    desk.ExpectAlive();
-}
-
 void KillTheBus()
 {
     GDBusConnection* const session = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
@@ -260,18 +209,6 @@ void BusKilledAndSurvived(const Arguments&)
     _exit(Verdict());
 }
 
-void NoBus(const Arguments&)
-{
-    const test::NoBus bus;
-    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
-    const auto start = Clock::now();
-    Expect(!player->InitInstance(), "InitInstance() is false");
-    Figure("seconds", SecondsSince(start));
-    Expect(SecondsSince(start) <= 0.1, "within 100 ms");
-    Expect(!player->Next(), "failure value of Next");
-    Say("survived");
-}
-
 void WriteServiceFile(const std::string& folder)
 {
     char self[4096] = {};
@@ -297,18 +234,13 @@ void ActivatedServiceThatFailsFirst(const Arguments&)
 
 std::vector<Case> ServiceCases()
 {
-    return {{"absent", Absent},
-            {"late", Late},
-            {"killed-in-mid-call", KilledInMidCall},
+    return {{"killed-in-mid-call", KilledInMidCall},
             {"restarted", Restarted},
             {"stopped", Stopped},
             {"no-reply", NoReply},
-            {"error-reply", ErrorReply},
-            {"second-owner", SecondOwner},
             {"bus-killed-while-the-loop-runs", BusKilledWhileTheLoopRuns},
             {"bus-killed-without-a-loop", BusKilledWithoutALoop},
             {"bus-killed-and-survived", BusKilledAndSurvived},
-            {"no-bus", NoBus},
             {"activated-service-that-fails-first", ActivatedServiceThatFailsFirst}};
 }
 }  // namespace faults

@@ -169,31 +169,18 @@ std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
 }
 }  // namespace
 
-TEST(ForeignWordSizeDeathTest, ThrowsAndNamesTheListSegment)
+TEST(ForeignLayoutDeathTest, ThrowsAndNamesTheSegment)
 {
-    EXPECT_EXIT(AttachForeignImages(kOtherWordSize, kOtherWordSize), testing::ExitedWithCode(0),
-                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
+    const std::string rows[][3] = {{kOtherWordSize, kOtherWordSize, kListSegmentName},
+                                   {kThisWordSize, kOtherWordSize, kBufferSegmentName},
+                                   {kOtherIndex, kOtherIndex, kListSegmentName},
+                                   {kThisWordSize, kOtherIndex, kBufferSegmentName}};
+    for (const auto& [lists, buffers, refused] : rows)
+        EXPECT_EXIT(AttachForeignImages(lists, buffers), testing::ExitedWithCode(0),
+                    "refused: segment " + refused + ": its layout is not the one of this build");
 }
 
-TEST(ForeignWordSizeDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
-{
-    EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherWordSize), testing::ExitedWithCode(0),
-                "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
-}
-
-TEST(ForeignIndexDeathTest, ThrowsAndNamesTheListSegment)
-{
-    EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0),
-                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
-}
-
-TEST(ForeignIndexDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
-{
-    EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherIndex), testing::ExitedWithCode(0),
-                "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
-}
-
-TEST(ForeignIndexDeathTest, LeavesTheSegmentUnchanged)
+TEST(ForeignLayoutDeathTest, LeavesTheSegmentUnchanged)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0), "refused");
     EXPECT_EQ(WithoutLinkOfIndexLock(test::ReadFile(IMAGE_DIR "/list-" + kOtherIndex + ".img")),
