@@ -13,9 +13,14 @@ constexpr std::uint64_t kMostNumber = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint64_t kMostTime = std::uint64_t{1} << 53U;  // the integers that every JSON parser represents exactly
 constexpr std::uint64_t kMostSession = 65535;
 
+Field Plain(const char* name, FieldType type, const char* meaning)
+{
+    return {name, type, meaning};
+}
+
 Field Text(const char* name, const char* meaning)
 {
-    return {name, FieldType::Text, meaning};
+    return Plain(name, FieldType::Text, meaning);
 }
 
 Field Word(const char* name, std::vector<const char*> words, const char* meaning)
@@ -80,6 +85,12 @@ Field NameOfDevice()
     return {"name", FieldType::Name, "Name of the device", true};
 }
 
+template <class... All>
+std::vector<Field> Fields(All... fields)
+{
+    return {fields...};
+}
+
 std::vector<Action> PhoneActions()
 {
     return {
@@ -87,150 +98,83 @@ std::vector<Action> PhoneActions()
          "OnIpodPhoneCallChange, once or for each state",
          "call sequence=ringing:3,active:10,disconnected display-name=\"Li Lei\"", CallFields(), StepValue::Required,
          effects::PhoneCall},
-        {"battery",
-         "Report the battery state",
-         "OnIpodBatteryChange",
-         "battery level=80 charging-status=charging",
-         {Number("level", 0, kMostNumber, "Percent; values above 100 are passed on"),
-          Word("charging-status", {"disabled", "charging", "charged", "discharging"}, "Charging state")},
-         StepValue::Required,
-         effects::Battery},
-        {"carplay",
-         "Detect or lose a CarPlay device",
-         "OnCarplayDeviceDetectStatusChange; the getter answers alike",
-         "carplay detected serial=F17XK0PASS",
-         {Detection(), Text("serial", "Serial number of the device")},
-         StepValue::Required,
-         effects::Carplay},
-        {"carlife",
-         "Detect or lose a CarLife device",
-         "OnCarlifeDeviceDetectStatusChange; the getter answers alike",
-         "carlife not-detected",
-         {Detection()},
-         StepValue::Required,
-         effects::Carlife},
+        {"battery", "Report the battery state", "OnIpodBatteryChange", "battery level=80 charging-status=charging",
+         Fields(Number("level", 0, kMostNumber, "Percent; values above 100 are passed on"),
+                Word("charging-status", {"disabled", "charging", "charged", "discharging"}, "Charging state")),
+         StepValue::Required, effects::Battery},
+        {"carplay", "Detect or lose a CarPlay device", "OnCarplayDeviceDetectStatusChange; the getter answers alike",
+         "carplay detected serial=F17XK0PASS", Fields(Detection(), Text("serial", "Serial number of the device")),
+         StepValue::Required, effects::Carplay},
+        {"carlife", "Detect or lose a CarLife device", "OnCarlifeDeviceDetectStatusChange; the getter answers alike",
+         "carlife not-detected", Fields(Detection()), StepValue::Required, effects::Carlife},
     };
 }
 
 std::vector<Action> WirelessActions()
 {
     return {
-        {"wireless",
-         "Make wireless CarPlay available or unavailable",
-         "OnWirelessCarPlayUpdate",
+        {"wireless", "Make wireless CarPlay available or unavailable", "OnWirelessCarPlayUpdate",
          "wireless on address=00:11:22:33:44:55",
-         {Required({"available", FieldType::Switch, "Whether wireless CarPlay can be started"}),
-          Text("address", "Bluetooth address of the device")},
-         StepValue::Required,
-         effects::Wireless},
-        {"pairing",
-         "Send out-of-band pairing information",
-         "OnOOBPairingInfo",
-         "pairing 00:11:22:33:44:55 hex=0a1b2c",
-         {Required(Text("address", "Bluetooth address of the device")), {"hex", FieldType::Hex, "The information"}},
-         StepValue::Required,
-         effects::Pairing},
+         Fields(Required(Plain("available", FieldType::Switch, "Whether wireless CarPlay can be started")),
+                Text("address", "Bluetooth address of the device")),
+         StepValue::Required, effects::Wireless},
+        {"pairing", "Send out-of-band pairing information", "OnOOBPairingInfo", "pairing 00:11:22:33:44:55 hex=0a1b2c",
+         Fields(Required(Text("address", "Bluetooth address of the device")),
+                Plain("hex", FieldType::Hex, "The information")),
+         StepValue::Required, effects::Pairing},
     };
 }
 
 std::vector<Action> UnitActions()
 {
     return {
-        {"location",
-         "Ask for location information, or stop asking",
-         "OnIpodLocationStatusChange",
-         "location on",
-         {Required({"requested", FieldType::Switch, "Whether the device wants location information"})},
-         StepValue::Required,
-         effects::Location},
-        {"source",
-         "Make the audio source of the device valid or invalid",
-         "OnIpodSourceValidStatusChange",
-         "source off",
-         {Required({"valid", FieldType::Switch, "Whether the audio source can be used"})},
-         StepValue::Required,
-         effects::Source},
-        {"app",
-         "Bring another app to the foreground",
-         "OnIpodAppBundleNameChange; the getter answers alike",
-         "app com.example.maps",
-         {Required(Text("bundle", "Bundle identifier of the app, or nothing"))},
-         StepValue::Required,
-         effects::App},
+        {"location", "Ask for location information, or stop asking", "OnIpodLocationStatusChange", "location on",
+         Fields(Required(Plain("requested", FieldType::Switch, "Whether the device wants location information"))),
+         StepValue::Required, effects::Location},
+        {"source", "Make the audio source of the device valid or invalid", "OnIpodSourceValidStatusChange",
+         "source off", Fields(Required(Plain("valid", FieldType::Switch, "Whether the audio source can be used"))),
+         StepValue::Required, effects::Source},
+        {"app", "Bring another app to the foreground", "OnIpodAppBundleNameChange; the getter answers alike",
+         "app com.example.maps", Fields(Required(Text("bundle", "Bundle identifier of the app, or nothing"))),
+         StepValue::Required, effects::App},
     };
 }
 
 std::vector<Action> DeviceActions()
 {
     return {
-        {"attach",
-         "Attach a device with the built-in library",
-         "OnIpodDeviceStatusChange",
-         "attach Second",
-         {NameOfDevice()},
-         StepValue::Required,
-         effects::Attach},
-        {"detach",
-         "Detach a device",
-         "OnIpodDeviceStatusChange; playback ends if the device is browsed",
-         "detach Second",
-         {NameOfDevice()},
-         StepValue::Required,
-         effects::Detach},
-        {"button",
-         "Press a button on the device",
-         "the signals of playback",
-         "button next",
-         {Required(Word("button", {"play", "pause", "stop", "next", "previous"}, "The button"))},
-         StepValue::Required,
-         effects::Button},
+        {"attach", "Attach a device with the built-in library", "OnIpodDeviceStatusChange", "attach Second",
+         Fields(NameOfDevice()), StepValue::Required, effects::Attach},
+        {"detach", "Detach a device", "OnIpodDeviceStatusChange; playback ends if the device is browsed",
+         "detach Second", Fields(NameOfDevice()), StepValue::Required, effects::Detach},
+        {"button", "Press a button on the device", "the signals of playback", "button next",
+         Fields(Required(Word("button", {"play", "pause", "stop", "next", "previous"}, "The button"))),
+         StepValue::Required, effects::Button},
     };
 }
 
 std::vector<Action> EapActions()
 {
     return {
-        {"eap-open",
-         "Open an accessory session and return its number",
-         "OnIpodStartEapSession",
-         "eap-open protocol=1",
-         {Number("protocol", 0, 255, "Index of the accessory protocol, 0 unless given")},
-         StepValue::Optional,
+        {"eap-open", "Open an accessory session and return its number", "OnIpodStartEapSession", "eap-open protocol=1",
+         Fields(Number("protocol", 0, 255, "Index of the accessory protocol, 0 unless given")), StepValue::Optional,
          effects::EapOpen},
-        {"eap-close",
-         "Close an accessory session",
-         "OnIpodStopEapSession",
-         "eap-close 1",
-         {Session()},
-         StepValue::Optional,
-         effects::EapClose},
-        {"eap-data",
-         "Send bytes from the device on a session",
-         "OnIpodReceiveEapData",
-         "eap-data 1 text=hello",
-         {Session(), Text("text", "The bytes as text"), {"hex", FieldType::Hex, "The bytes"}},
-         StepValue::OneOfTheLastTwo,
-         effects::EapData},
+        {"eap-close", "Close an accessory session", "OnIpodStopEapSession", "eap-close 1", Fields(Session()),
+         StepValue::Optional, effects::EapClose},
+        {"eap-data", "Send bytes from the device on a session", "OnIpodReceiveEapData", "eap-data 1 text=hello",
+         Fields(Session(), Text("text", "The bytes as text"), Plain("hex", FieldType::Hex, "The bytes")),
+         StepValue::OneOfTheLastTwo, effects::EapData},
     };
 }
 
 std::vector<Action> FaultActions()
 {
     return {
-        {"fault",
-         "Inject a fault",
-         "a reply or a signal is falsified",
-         "fault delay=500@GetPlayStatus/3",
-         {{"fault", FieldType::Fault, "The fault, as KIND[=PARAMETER][@MEMBER][/COUNT]", true}},
-         StepValue::Required,
-         effects::ArmFault},
-        {"clear-faults",
-         "Remove all injected faults",
-         "a restart storm ends, too",
-         "clear-faults",
-         {},
-         StepValue::Optional,
-         effects::ClearFaults},
+        {"fault", "Inject a fault", "a reply or a signal is falsified", "fault delay=500@GetPlayStatus/3",
+         Fields(Required(Plain("fault", FieldType::Fault, "The fault, as KIND[=PARAMETER][@MEMBER][/COUNT]"))),
+         StepValue::Required, effects::ArmFault},
+        {"clear-faults", "Remove all injected faults", "a restart storm ends, too", "clear-faults", Fields(),
+         StepValue::Optional, effects::ClearFaults},
     };
 }
 }  // namespace

@@ -5,7 +5,7 @@
 #include <tuple>
 #include <utility>
 
-#include "music/pinyin.h"
+#include "music/text.h"
 
 namespace ipodsim
 {

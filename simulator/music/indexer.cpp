@@ -15,7 +15,6 @@
 
 #include "music/music_library.h"
 #include "music/picture.h"
-#include "music/pinyin.h"
 #include "music/playlist_file.h"
 #include "music/tag_reader.h"
 #include "music/text.h"

@@ -63,4 +63,11 @@ std::uint64_t Fingerprint(std::string_view text)
     for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
     return hash;
 }
+
+std::string Pinyin(const std::string& text, ipodnames::Subject subject)
+{
+    if (IsAscii(text)) return ToLowerAscii(text);
+    std::string reading = ipodnames::Reading(text, subject);
+    return reading.empty() ? text : reading;
+}
 }  // namespace ipodsim

@@ -1,6 +1,8 @@
 /// @file
-/// Text for the fixed-size slots of shared memory and records.
+/// Text for the fixed-size slots of shared memory and records, and its readings.
 #pragma once
+
+#include <ipodnames/reading.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -23,6 +25,10 @@ std::string ToLowerAscii(std::string text);
 
 /// Whether @p text is pure ASCII.
 bool IsAscii(std::string_view text);
+
+/// Returns the reading of a name as the service provides it: ASCII text in lower case, Chinese as pinyin without tones,
+/// other scripts transliterated, and unreadable text unchanged. Thread-safe.
+std::string Pinyin(const std::string& text, ipodnames::Subject subject);
 
 /// The 64-bit FNV-1a hash.
 std::uint64_t Fingerprint(std::string_view text);

@@ -5,6 +5,7 @@
 
 using ipodsim::CleanName;
 using ipodsim::CutUtf8;
+using ipodsim::Pinyin;
 
 TEST(CutUtf8, KeepsTextThatFits)
 {
@@ -57,4 +58,16 @@ TEST(CleanName, TrimsBlanksAndReplacesInvalidBytes)
 {
     EXPECT_EQ(CleanName("  Low Water \n", "none"), "Low Water");
     EXPECT_EQ(CleanName("a\xff", "none"), "a\xEF\xBF\xBD");
+}
+
+TEST(Pinyin, OnlyLowersAsciiTextAndLeavesUnreadableTextUnchanged)
+{
+    EXPECT_EQ(Pinyin("Don't Stop (Live)", ipodnames::Subject::Title), "don't stop (live)");
+    EXPECT_EQ(Pinyin("\xE2\x99\xAA", ipodnames::Subject::Title), "\xE2\x99\xAA");
+}
+
+TEST(Pinyin, ReadsSurnamesForArtistsOnly)
+{
+    EXPECT_EQ(Pinyin("单晓", ipodnames::Subject::Person), "shan xiao");
+    EXPECT_EQ(Pinyin("单晓", ipodnames::Subject::Title), "dan xiao");
 }
