@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -159,6 +160,11 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
     _exit(1);
 }
 
+// Word sizes of both segments, and the segment that is refused.
+class ForeignImagesDeathTest : public testing::TestWithParam<std::array<std::string, 3>>
+{
+};
+
 // The library locks the index to search it. The C library links a locked robust mutex into a per-thread list, and
 // clears the link on unlock only on 64-bit machines. The link of an unlocked mutex is never read.
 std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
@@ -169,16 +175,18 @@ std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
 }
 }  // namespace
 
-TEST(ForeignLayoutDeathTest, ThrowsAndNamesTheSegment)
+TEST_P(ForeignImagesDeathTest, ThrowAndNameTheSegment)
 {
-    const std::string rows[][3] = {{kOtherWordSize, kOtherWordSize, kListSegmentName},
-                                   {kThisWordSize, kOtherWordSize, kBufferSegmentName},
-                                   {kOtherIndex, kOtherIndex, kListSegmentName},
-                                   {kThisWordSize, kOtherIndex, kBufferSegmentName}};
-    for (const auto& [lists, buffers, refused] : rows)
-        EXPECT_EXIT(AttachForeignImages(lists, buffers), testing::ExitedWithCode(0),
-                    "refused: segment " + refused + ": its layout is not the one of this build");
+    const auto& [lists, buffers, refused] = GetParam();
+    EXPECT_EXIT(AttachForeignImages(lists, buffers), testing::ExitedWithCode(0),
+                "refused: segment " + refused + ": its layout is not the one of this build");
 }
+
+INSTANTIATE_TEST_SUITE_P(All, ForeignImagesDeathTest,
+                         testing::Values(std::array{kOtherWordSize, kOtherWordSize, std::string(kListSegmentName)},
+                                         std::array{kThisWordSize, kOtherWordSize, std::string(kBufferSegmentName)},
+                                         std::array{kOtherIndex, kOtherIndex, std::string(kListSegmentName)},
+                                         std::array{kThisWordSize, kOtherIndex, std::string(kBufferSegmentName)}));
 
 TEST(ForeignLayoutDeathTest, LeavesTheSegmentUnchanged)
 {
