@@ -27,17 +27,6 @@ TEST_F(TextReaderTest, EmptyTextsStayEmpty)
     EXPECT_EQ(LogLines()[1], "40 GetIpodName: GetIpodName, IpodName : ");
 }
 
-TEST_F(TextReaderTest, TextsLongerThanTheReplyAreHarmless)
-{
-    IQBXIpodPlayer& player = Connected();
-    service.Answer("GetIpodName", "('',)");
-    std::string text(3000, 'x');
-
-    player.GetIpodName(text);
-
-    EXPECT_EQ(text, std::string(3000, 'x'));
-}
-
 TEST_F(TextReaderTest, OnlyTheLowestByteOfTheStatusIsWritten)
 {
     IQBXIpodPlayer& player = Connected();

@@ -55,12 +55,6 @@ void Desk::Deliver(const std::string& signal, GVariant* body)
     Expect(test::PassBarrier(service), "signals pass");
 }
 
-void Desk::DeliverText(const std::string& signal, const std::string& body)
-{
-    service.Emit(signal, body);
-    Expect(test::PassBarrier(service), "signals pass");
-}
-
 std::string Desk::TakeEvents()
 {
     const std::string events = test::Join(journal, "; ");

@@ -54,9 +54,6 @@ public:
     /// Sends a signal and runs the main loop until the client has received it. Consumes a floating reference.
     void Deliver(const std::string& signal, GVariant* body);
 
-    /// Like Deliver(), with a body in text form.
-    void DeliverText(const std::string& signal, const std::string& body);
-
     /// Returns the events so far in one line, and clears them.
     std::string TakeEvents();
 

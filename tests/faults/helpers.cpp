@@ -7,7 +7,6 @@
 #include <random>
 
 #include "desk.h"
-#include "header.h"
 #include "support/shared_vectors.h"
 
 namespace faults
@@ -88,11 +87,14 @@ void DieWhileAllocating(const Arguments&)
     Expect(false, "the allocation faults");
 }
 
+static_assert(sizeof(QBXStringPageVector) == 4 * sizeof(std::size_t), "allocator, pointer, size, capacity");
+
 // Rewrites pointer, size, and capacity of a vector continuously until it is killed.
 void Scribble(const Arguments&)
 {
     test::SharedVectors vectors;
-    volatile std::size_t* const header = HeaderOf(vectors.List("VecPlayingListShareMemory"));
+    volatile std::size_t* const header =
+        reinterpret_cast<volatile std::size_t*>(&vectors.List("VecPlayingListShareMemory")) + 1;
     std::mt19937_64 random(5);
     Say("scribbles");
     for (;;)

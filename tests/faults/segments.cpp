@@ -11,7 +11,6 @@
 #include <random>
 
 #include "desk.h"
-#include "header.h"
 #include "helper_process.h"
 #include "support/shared_vectors.h"
 #include "support/text.h"
