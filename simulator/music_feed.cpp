@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "music/few_warnings.h"
+#include "music/folder_scan.h"
 #include "music/indexer.h"
 #include "music/music_library.h"
 
