@@ -118,9 +118,9 @@ endif()
 
 if(TARGET ipodnames)
   library_package(names libipodnames1 ipodnames "libipodnames1 (>= ${PROJECT_VERSION})")
-  set(CPACK_DEBIAN_NAMES_DESCRIPTION "readings, sections and search of names in any script
-Finds names in long lists by letter and while typing, Chinese ones by pinyin and
-initials. It needs neither libipod nor a service.")
+  set(CPACK_DEBIAN_NAMES_DESCRIPTION "readings, sections, and search of names in any script
+Finds names in long lists by letter or as you type, Chinese names by pinyin or
+initials. Needs neither libipod nor a service.")
 endif()
 
 if(IPOD_MIDDLEWARE STREQUAL "host")
