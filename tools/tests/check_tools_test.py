@@ -349,6 +349,33 @@ class CheckWords(Case):
         self.assertEqual(2, self.run_check("check-words", "--no-spelling", self.root / "*.none")[0])
 
 
+class MakeMessages(Case):
+    SOURCE = 'void Open()\n{\n    throw Failure(kUsage, "cannot open \'" + Printable(path) + "\': " + why, "try again later");\n}\n'
+
+    def setUp(self):
+        super().setUp()
+        self.write("docs/ipodctl-reference.md", "lists all commands\n")
+        self.write("run", 'die "unknown verb \'$1\'" "list the verbs"\n')
+        self.write("ipodctl/open.cpp", self.SOURCE + 'const char* kHelp = "lists all commands";\n')
+        self.assertEqual((0, ""), self.run_check("make-messages", self.root))
+
+    def test_lists_messages_with_their_hints_and_no_help(self):
+        page = (self.root / "docs/messages.md").read_text(encoding="utf-8")
+        self.assertIn("* cannot open '…': … · try again later\n", page)
+        self.assertIn("* unknown verb '…' · list the verbs\n", page)
+        self.assertNotIn("lists all commands", page)
+
+    def test_passes_a_current_page(self):
+        status, output = self.run_check("make-messages", "--check", self.root)
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_changed_message(self):
+        self.write("ipodctl/open.cpp", self.SOURCE.replace("cannot open", "failed to open"))
+        status, output = self.run_check("make-messages", "--check", self.root)
+        self.assertEqual(1, status, output)
+        self.assertIn("+* failed to open '…': … · try again later", output)
+
+
 class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
