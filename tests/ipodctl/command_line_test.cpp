@@ -32,7 +32,7 @@ TEST(CommandLine, GivesTheParserTheLastArgumentFirst)
     EXPECT_EQ(Parse({"ls", "--from", "3"}), (Words{"3", "--from", "ls"}));
 }
 
-TEST(CommandLine, TellsANegativeTimeFromAnOption)
+TEST(CommandLine, DistinguishesANegativeTimeFromAnOption)
 {
     EXPECT_EQ(Parse({"--json", "seek", "-1:30", "--verbose"}), (Words{"--verbose", "--back=1:30", "seek", "--json"}));
     EXPECT_EQ(Parse({"ls", "-10"}), (Words{"-10", "ls"}));
@@ -47,7 +47,7 @@ TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
     EXPECT_EQ(Parse({}), Words{});
 }
 
-TEST(OneOf, ListsWhatItExpects)
+TEST(OneOf, ListsTheAcceptedWords)
 {
     EXPECT_EQ(OneOf({"off", "on"})("on"), "");
     EXPECT_EQ(OneOf({"off", "on"})("maybe"), "expected one of off, on, got 'maybe'");
@@ -80,7 +80,7 @@ TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
               "Commands:\n  status     Print the status\n\n\n");
 }
 
-TEST(WholeNumber, SaysWhatItWants)
+TEST(WholeNumber, ReportsTheAcceptedRange)
 {
     EXPECT_EQ(WholeNumber(1)("5"), "");
     EXPECT_EQ(WholeNumber(1)("0"), "'0' is not an integer of at least 1");

@@ -576,7 +576,7 @@ TEST_F(SessionTest, TheEndOfTheBusIsReported)
     EXPECT_EQ(KindOf(Completed(session->Commands().Next())), ErrorKind::NoBus);
 }
 
-TEST_F(SessionTest, ABusThatComesBackIsFoundAgain)
+TEST_F(SessionTest, AReturningBusIsFoundAgain)
 {
     auto service = std::make_unique<FakeService>();
     AnswerState(*service);

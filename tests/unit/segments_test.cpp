@@ -518,7 +518,7 @@ TEST_F(PublishNewSegment, SucceedsFromTheSmallestSizeOn)
     EXPECT_EQ(kSmallest, test::ReadFile(m_name.path()).size());
 }
 
-TEST_F(PublishNewSegment, FailsWhenTheNameIsTaken)
+TEST_F(PublishNewSegment, FailsWhenTheNameExists)
 {
     Put({1, 2, 3});
 

@@ -54,7 +54,7 @@ class CheckLayers(Case):
         status, output = self.check()
         self.assertEqual(0, status, output)
 
-    def test_finds_a_simulator_that_looks_into_the_client(self):
+    def test_finds_a_simulator_that_includes_the_client(self):
         self.expect_violation("simulator/bad.cpp", '#include "internal/secret.h"\n', "internal/secret.h")
 
     def test_finds_the_detour_by_a_relative_path(self):
@@ -64,7 +64,7 @@ class CheckLayers(Case):
     def test_finds_a_public_header_that_needs_glib(self):
         self.expect_violation("include/Bad.h", "#include <glib.h>\n", "glib.h")
 
-    def test_allows_glib_in_the_one_public_header_that_is_about_it(self):
+    def test_allows_glib_in_the_header_about_variants(self):
         self.write("include/gvariant_data.h", "#include <glib.h>\n")
         self.assertEqual(0, self.check()[0])
 
@@ -74,10 +74,10 @@ class CheckLayers(Case):
     def test_finds_a_public_header_in_the_middleware(self):
         self.expect_violation("middleware/src/bad.cpp", "#include <Public.h>\n", "Public.h")
 
-    def test_finds_a_test_of_the_bus_that_looks_into_the_client(self):
+    def test_finds_a_bus_test_that_includes_the_client(self):
         self.expect_violation("tests/bus/bad.cpp", '#include "internal/secret.h"\n', "internal/secret.h")
 
-    def test_lets_a_unit_test_look_into_the_client(self):
+    def test_allows_a_unit_test_that_includes_the_client(self):
         self.write("tests/unit/good.cpp", '#include "internal/secret.h"\n')
         self.assertEqual(0, self.check()[0])
 
@@ -184,7 +184,7 @@ class CheckFunctionSize(Case):
         self.assertEqual(1, status)
         self.assertIn("F() has 41 lines", output)
 
-    def test_takes_neither_namespaces_nor_tables_for_functions(self):
+    def test_treats_neither_namespaces_nor_tables_as_functions(self):
         table = "const int kTable[] =\n{\n" + "    1,\n" * 60 + "};\n"
         status, output = self.check("namespace a\n{\n" + table + "void F() { g(); }\n}\n")
         self.assertEqual(0, status, output)
@@ -222,12 +222,12 @@ class CheckExports(Case):
         self.assertEqual(1, status)
         self.assertIn("exported but not listed: made_by_tool", output)
 
-    def test_finds_a_listed_symbol_that_is_gone(self):
+    def test_finds_a_listed_symbol_that_is_missing(self):
         status, output = self.check("offered\nmade_by_tool\ngone\n")
         self.assertEqual(1, status)
         self.assertIn("listed but not exported: gone", output)
 
-    def test_does_not_take_a_pattern_for_a_part_of_a_name(self):
+    def test_matches_patterns_against_whole_names(self):
         status, output = self.check("offered\npattern: made\n")
         self.assertEqual(1, status, output)
 
@@ -270,7 +270,7 @@ class CheckContract(Case):
     def test_finds_a_member_that_is_not_documented(self):
         self.expect_difference("xml", '<method name="Pause">', '<method name="Break"/><method name="Pause">', "Break")
 
-    def test_finds_a_member_that_is_gone(self):
+    def test_finds_a_missing_member(self):
         self.expect_difference("xml", '<signal name="OnPlayStatusChanged">', '<signal name="OnChanged">',
                                "only in the document: ('signal', 'OnPlayStatusChanged'")
 
@@ -317,7 +317,7 @@ class CheckLinks(Case):
     def test_finds_a_missing_file_of_a_reference(self):
         self.expect_dangling("[a]: gone.md\n", "docs/page.md:1: gone.md")
 
-    def test_takes_no_code_for_a_heading(self):
+    def test_ignores_headings_in_code(self):
         self.expect_dangling("[a](other.md#no-heading)\n", "#no-heading")
 
     def test_ignores_links_in_code(self):
@@ -387,7 +387,7 @@ class Hardening(Case):
                         self.write("source.c", self.SOURCE)], check=True, timeout=60)
         return self.run_check("../tests/faults/hardening_test.py", 0, built)
 
-    def test_expects_of_a_program_what_programs_need_wherever_it_was_built(self):
+    def test_expects_the_flags_of_programs_in_any_build(self):
         for name in ("build/program", "libipod/build/program", "libipod.so.d/program"):
             with self.subTest(name):
                 self.assertEqual((0, "1 hardened, 0 not\n"), self.check(name, "-pie", "-rdynamic", "-Wl,-e,start"))
@@ -429,7 +429,7 @@ class CheckKitDocs(Case):
         self.expect_violation("lacks Pause()", names="`OnChange()`")
         self.expect_violation("lacks OnChange()", names="`Pause()`, OnChange()")
 
-    def test_finds_what_is_too_long(self):
+    def test_finds_an_excess(self):
         self.expect_violation("browse_and_jump.cpp: 34 lines, at most 30", code=self.CODE + "// no code\n\nf();\n" * 30)
         self.expect_violation("docs/ipodkit-migration.md: 702 words", names="`Pause()` `OnChange()` " + "word " * 700)
 
@@ -459,7 +459,7 @@ class CompareTestLists(Case):
         self.assertEqual(1, status)
         self.assertIn("not native: b", output)
 
-    def test_tells_the_reason_of_what_is_left_out(self):
+    def test_reports_the_reason_of_an_exclusion(self):
         status, output = self.check(["a", "b1", "b2"], ["a"], "# comment\nb.  no such thing there\n")
         self.assertEqual(0, status, output)
         self.assertIn("left out: b. (2): no such thing there", output)
