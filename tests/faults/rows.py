@@ -4,12 +4,12 @@ import dataclasses
 import signal
 
 ALIVE = "alive"
-NEVER_FINISHED = "exception: segment ListVectorSharedMemory: it exists but was never finished by its creator"
-OTHER_LAYOUT = "exception: segment ListVectorSharedMemory: its layout is not the one of this build"
-NO_MEMORY = "exception: segment ListVectorSharedMemory: its name is taken by something that is no shared memory"
+NEVER_FINISHED = "exception: segment ListVectorSharedMemory: its creator never finished it"
+OTHER_LAYOUT = "exception: segment ListVectorSharedMemory: its layout differs from that of this build"
+NO_MEMORY = "exception: segment ListVectorSharedMemory: it exists and is not shared memory"
 FAILED_CALL = "Failed to call dbus method"
 KEEPS = "commands keep the error; pages, records, and artwork release it"
-# The address sanitizer takes the stack of each allocation, and the exact way is too slow for a million of them.
+# The address sanitizer records the stack of each allocation; exact unwinding is too slow for a million of them.
 QUICK = {"ASAN_OPTIONS": "fast_unwind_on_malloc=1"}
 SIZES = ["0", "1", "15", "16", "17", "1039", "1040", "1041", "65535", "65536", "65537", "70000", "1048576"]
 INNER_TYPES = ["'text'", "[1, 2, 3]", "(1, 'x')", "{'a': <1>}", "byte 7", "[true]", "nested-1", "nested-30", "nested-60"]
@@ -94,7 +94,7 @@ SEGMENTS = [
     segment("another user's, mode 0644", "of-another-user",
             "at once: the library needs write access", "exception: *"),
     Row("segments", "`/dev/shm` is full", "exception at once", "full-device", [["4k"], ["12k"]],
-        says=("exception: segment *: there is no space for it", ALIVE)),
+        says=("exception: segment *: no space left in /dev/shm", ALIVE)),
     Row("segments", "`/dev/shm` has room for the headers only", "attached; pages are allocated at first use",
         "full-device", [["64k"]], says=("attached", ALIVE)),
     Row("segments", "`/dev/shm` fills up later, then `EapWrite()` needs new pages", "**SIGBUS**", "filled-later",
@@ -186,7 +186,7 @@ APPLICATION = [
         says=("lists *error *it does not answer: its lock is held, or it was never finished",)),
 ]
 
-# What threads put aside for themselves looks used.
+# Memory cached by threads counts as used.
 EXACT = {"GLIBC_TUNABLES": "glibc.malloc.tcache_count=0"}
 MEMORY = [
     Row("memory", "4,000 calls of each family, answered", "text readers keep the reply, all others 0 bytes",

@@ -172,25 +172,25 @@ std::vector<char> WithoutLinkOfIndexLock(std::vector<char> image)
 TEST(ForeignWordSizeDeathTest, ThrowsAndNamesTheListSegment)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherWordSize, kOtherWordSize), testing::ExitedWithCode(0),
-                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
+                "refused: segment ListVectorSharedMemory: its layout differs from that of this build");
 }
 
 TEST(ForeignWordSizeDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherWordSize), testing::ExitedWithCode(0),
-                "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
+                "refused: segment BufferVectorSharedMemory: its layout differs from that of this build");
 }
 
 TEST(ForeignIndexDeathTest, ThrowsAndNamesTheListSegment)
 {
     EXPECT_EXIT(AttachForeignImages(kOtherIndex, kOtherIndex), testing::ExitedWithCode(0),
-                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
+                "refused: segment ListVectorSharedMemory: its layout differs from that of this build");
 }
 
 TEST(ForeignIndexDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherIndex), testing::ExitedWithCode(0),
-                "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
+                "refused: segment BufferVectorSharedMemory: its layout differs from that of this build");
 }
 
 TEST(ForeignIndexDeathTest, LeavesTheSegmentUnchanged)
