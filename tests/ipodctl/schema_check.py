@@ -41,7 +41,7 @@ def check(value, schema, root=None, path="$"):
     if "const" in schema:
         return [] if value == schema["const"] else [f"{path}: {value!r} is not {schema['const']!r}"]
     if "type" in schema and not _has_type(value, schema["type"]):
-        return [f"{path}: {value!r} is no {schema['type']}"]
+        return [f"{path}: {value!r} is not of type {schema['type']}"]
     if "pattern" in schema and not re.search(schema["pattern"], value):
         return [f"{path}: {value!r} does not match {schema['pattern']}"]
     if "minimum" in schema and value < schema["minimum"]:
