@@ -72,7 +72,7 @@ foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
   endif()
 endforeach()
 
-# CPack has no variable for this field before 3.31, so it is added as a second line of another one. Only the prefix /usr
+# CPack has no variable for this field before 3.31, so it is added as a second line of another field. Only the prefix /usr
 # has multiarch directories.
 set(multi_arch "")
 if(CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR MATCHES "/${CMAKE_LIBRARY_ARCHITECTURE}$")

@@ -275,8 +275,8 @@ class CheckContract(Case):
                                "only in the document: ('signal', 'OnPlayStatusChanged'")
 
     def test_finds_another_order(self):
-        self.expect_difference("document", "| `Pause` | — | `result`: b |\n| `Stop` | — | `result`: b |",
-                               "| `Stop` | — | `result`: b |\n| `Pause` | — | `result`: b |", "order")
+        self.expect_difference("document", "| `Pause` | | `result`: b |\n| `Stop` | | `result`: b |",
+                               "| `Stop` | | `result`: b |\n| `Pause` | | `result`: b |", "order")
 
     def test_finds_a_property(self):
         self.expect_difference("xml", '<method name="Pause">',
