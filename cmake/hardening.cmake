@@ -1,5 +1,5 @@
 # Debian's hardening=+all flags, plus stack-clash protection and the assertions of the C++ library. docs/security.md
-# explains each; a test checks the binaries for them.
+# lists them; a test checks the binaries for them.
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES C CXX)
 

@@ -31,7 +31,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 foreach(language C CXX)
   find_program(IPOD_CROSS_${language} "${CMAKE_${language}_COMPILER}" NO_CACHE)
   if(NOT IPOD_CROSS_${language})
-    message(FATAL_ERROR "There is no cross compiler '${CMAKE_${language}_COMPILER}'. Install the packages of "
+    message(FATAL_ERROR "Cannot find the cross compiler '${CMAKE_${language}_COMPILER}'. Install the packages of "
       "packaging/packages-arm.txt, or set another with -DCMAKE_${language}_COMPILER=COMPILER.")
   endif()
 endforeach()

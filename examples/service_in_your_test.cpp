@@ -1,4 +1,4 @@
-// A service for your own test: it lives in the test's process, plays along, fails on demand and tells what it was
+// A service for your own test: it lives in the test's process, plays along, fails on demand, and records what it was
 // asked. Run it on a bus of its own: dbus-run-session -- ./service_in_your_test
 #include <IQBXIpodPlayer.h>
 #include <QBXLog.h>

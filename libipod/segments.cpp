@@ -27,7 +27,7 @@ constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
 constexpr std::uint64_t kSpaceToCreate = 16384;
 constexpr std::uint32_t kInitializing = 1;
 constexpr auto kPollInterval = std::chrono::milliseconds(1);
-constexpr char kOtherLayout[] = "its layout is not the one of this build";
+constexpr char kOtherLayout[] = "its layout differs from that of this build";
 
 [[noreturn]] void Refuse(const char* name, const char* why)
 {
@@ -85,10 +85,10 @@ void WaitForCreator(const char* name)
 {
     const SharedObject object(name);
     if (!object.exists()) return;
-    if (!object.IsMemory()) Refuse(name, "its name is taken by something that is no shared memory");
+    if (!object.IsMemory()) Refuse(name, "it exists and is not shared memory");
     for (const auto giveUp = Clock::now() + kCreatorTimeLimit; object.IsBeingMade();)
     {
-        if (Clock::now() > giveUp) Refuse(name, "it exists but was never finished by its creator");
+        if (Clock::now() > giveUp) Refuse(name, "its creator never finished it");
         std::this_thread::sleep_for(kPollInterval);
     }
 }
@@ -100,7 +100,7 @@ void CheckSpaceToCreate(const char* name)
     struct statvfs device;
     const bool known = statvfs("/dev/shm", &device) == 0 && device.f_blocks > 0;
     if (!known) return;
-    if (std::uint64_t{device.f_bavail} * device.f_frsize < kSpaceToCreate) Refuse(name, "there is no space for it");
+    if (std::uint64_t{device.f_bavail} * device.f_frsize < kSpaceToCreate) Refuse(name, "no space left in /dev/shm");
 }
 
 void CreateIfAbsent(const char* name, std::size_t size, const Furnish& furnish)

@@ -72,7 +72,7 @@ foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
   endif()
 endforeach()
 
-# CPack has no variable for this field before 3.31, so it is added as a second line of another one. Only the prefix /usr
+# CPack has no variable for this field before 3.31, so it is added as a second line of another field. Only the prefix /usr
 # has multiarch directories.
 set(multi_arch "")
 if(CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR MATCHES "/${CMAKE_LIBRARY_ARCHITECTURE}$")
@@ -118,9 +118,9 @@ endif()
 
 if(TARGET ipodnames)
   library_package(names libipodnames1 ipodnames "libipodnames1 (>= ${PROJECT_VERSION})")
-  set(CPACK_DEBIAN_NAMES_DESCRIPTION "readings, sections and search of names in any script
-Finds names in long lists by letter and while typing, Chinese ones by pinyin and
-initials. It needs neither libipod nor a service.")
+  set(CPACK_DEBIAN_NAMES_DESCRIPTION "readings, sections, and search of names in any script
+Finds names in long lists by letter or as you type, Chinese names by pinyin or
+initials. Needs neither libipod nor a service.")
 endif()
 
 if(IPOD_MIDDLEWARE STREQUAL "host")

@@ -20,14 +20,15 @@ std::string CheckDeviceName(const std::string& name);
 std::string CheckFault(const std::string& fault);
 /// @}
 
-/// Reports an invalid command line in one line and returns the exit code. CLI11 treats help and version as "errors"
+/// Reports an invalid command line with a hint and returns the exit code. CLI11 treats help and version as "errors"
 /// with code 0.
 inline int ReportParsing(const CLI::App& app, const CLI::ParseError& error)
 {
     constexpr int kUsage = 2;
     if (error.get_exit_code() == 0) return app.exit(error);
     const std::string& name = app.get_name();
-    std::fprintf(stderr, "%s: %s (try '%s --help')\n", name.c_str(), Printable(error.what()).c_str(), name.c_str());
+    const std::string wrong = Printable(error.what());
+    std::fprintf(stderr, "%s: %s\nhint: try '%s --help'\n", name.c_str(), wrong.c_str(), name.c_str());
     return kUsage;
 }
 }  // namespace ipodsim

@@ -33,7 +33,8 @@ Options WithDefaults(Options options)
 {
     if (!options.warn) options.warn = WriteToStandardError;
     if (!(options.speed >= kSlowest && options.speed <= kFastest))
-        throw std::runtime_error("speed: expected a number between 0.001 and 10000");
+        throw std::runtime_error("speed: expected a number between 0.001 and 10000, got " +
+                                 std::to_string(options.speed));
     Utf8("device name", options.deviceName);
     return options;
 }

@@ -57,7 +57,7 @@ void Announce(Session& session, const ipodkit::AccessoryInfo& info)
 void LaunchApp(Session& session, const std::string& bundle)
 {
     if (g_utf8_validate(bundle.data(), static_cast<gssize>(bundle.size()), nullptr) == FALSE)
-        throw Failure(kUsage, "a bundle identifier is UTF-8 text, and '" + Printable(bundle) + "' is not");
+        throw Failure(kUsage, "bundle identifier: expected UTF-8 text, got '" + Printable(bundle) + "'");
     const std::string refusal = "the service did not launch '" + Printable(bundle) +
                                 "'; announce its protocols first: ipodctl eap init PROTOCOLS BUNDLE";
     session.Ask(session.Commands().LaunchApp(bundle), refusal.c_str());
@@ -80,7 +80,7 @@ ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit
     }
     const Ending ending = loop.Run(request.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
-    if (opened == nullptr) throw Failure(kServiceLost, "no session was opened in time; see --timeout");
+    if (opened == nullptr) throw Failure(kServiceLost, "no session was opened in time", "wait longer with --timeout");
     return opened;
 }
 
@@ -295,7 +295,7 @@ void Bridge::Run()
         ending = m_loop.Run(m_inputEnded ? m_request.linger : 0);
     } while (!IsOver(ending));
     if (!m_sessionClosed || m_context.session.Kit().Connection().phase != ipodkit::Phase::Lost) return;
-    throw Failure(kServiceLost, "the iPod service left the bus, and the session with it");
+    throw Failure(kServiceLost, "the iPod service left the bus, which ended the session");
 }
 }  // namespace
 

@@ -73,8 +73,8 @@ SCREEN* OpenScreen()
         endwin();
         delscreen(screen);
     }
-    throw Failure(kUsage, "browse cannot use a terminal of type '" + Printable(TypeOfTerminal()) +
-                              "'; set TERM, for example to 'xterm'");
+    throw Failure(kUsage, "browse cannot use a terminal of type '" + Printable(TypeOfTerminal()) + "'",
+                  "set TERM, for example to 'xterm'");
 }
 
 bool UseColor()
@@ -172,7 +172,7 @@ std::optional<KeyPress> Character(wint_t code)
 void RequireTerminal()
 {
     if (isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) return;
-    throw Failure(kUsage, "browse requires a terminal on standard input and output; use 'ipodctl ls' instead");
+    throw Failure(kUsage, "browse requires a terminal on standard input and output", "use 'ipodctl ls' instead");
 }
 
 Screen::Screen() : m_screen(OpenScreen())

@@ -247,10 +247,12 @@ Answer Follower::Run()
     AwaitCommands(ending);
     if (ending != Ending::TimedOut || !HasGoal()) return {};
     const Limits& limits = m_following.limits;
-    throw Failure(kNothingDone, (limits.until.empty() ? "only " + std::to_string(m_seen) + " of " +
-                                                            std::to_string(limits.count) + " events occurred"
-                                                      : "no event '" + limits.until + "' occurred") +
-                                    " in time; see --timeout");
+    throw Failure(kNothingDone,
+                  (limits.until.empty()
+                       ? "only " + std::to_string(m_seen) + " of " + std::to_string(limits.count) + " events occurred"
+                       : "no event '" + limits.until + "' occurred") +
+                      " in time",
+                  "wait longer with --timeout");
 }
 }  // namespace
 

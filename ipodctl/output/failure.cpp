@@ -39,7 +39,7 @@ const char* Summary(ErrorKind kind)
         case ErrorKind::Refused:
             return "the service refused: ";
         case ErrorKind::BadReply:
-            return "the iPod service sent a broken answer: ";
+            return "the iPod service sent an invalid answer: ";
         case ErrorKind::Cancelled:
             return "another program changed it in the meantime: ";
         case ErrorKind::NoSharedMemory:

@@ -116,8 +116,8 @@ struct Moment
     static Moment Now();
 };
 
-constexpr char kServiceIsThere[] = "the iPod service is there; following its events";
-constexpr char kServiceLeft[] = "the iPod service left the bus; waiting for it to come back";
+constexpr char kServiceIsThere[] = "connected to the iPod service; following its events";
+constexpr char kServiceLeft[] = "the iPod service left the bus; waiting for its return";
 
 /// Reports a change of the service: as text on standard error, or as a JSON line like those of events.
 ///

@@ -167,8 +167,7 @@ Entry FindEntry(Session& session, const std::string& text)
         return *found;
     }
     CheckIndex(*index, page.amount, "the current level");
-    if (page.entries.empty())
-        throw Failure(kNothingDone, "the service has no entry " + text + " although it counts it");
+    if (page.entries.empty()) throw Failure(kNothingDone, "the service did not deliver entry " + text);
     return page.entries.front();
 }
 

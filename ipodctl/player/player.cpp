@@ -101,7 +101,7 @@ void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* re
 
 void RefuseNothingLoaded()
 {
-    throw Failure(kNothingDone, "nothing is loaded; start with ipodctl play INDEX");
+    throw Failure(kNothingDone, "nothing is loaded", "start with 'ipodctl play INDEX'");
 }
 
 Playing RequireTrack(const ipodkit::PlayerState& state)

@@ -295,7 +295,7 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
     {
         context.out.Measure();
         screen.Show(watcher.HasService() ? show(ReadStatus(context.session, near)).text
-                                         : "the iPod service left the bus; waiting for it");
+                                         : "the iPod service left the bus; waiting for its return");
     } while (watcher.Next(kSecond));
 }
 

@@ -117,7 +117,7 @@ std::string LookInside(const char* name, const std::vector<const char*>& lists, 
         WaitUntilUnlocked(name);
         QBXSharedSegment segment(boost::interprocess::open_copy_on_write, name);
         if (!FitsItsObject(segment, name)) return "it was made for another word size, or is damaged";
-        if (!segment.check_sanity()) return "its inside is damaged";
+        if (!segment.check_sanity()) return "it is damaged";
         const std::string missing = Missing<QBXStringPageVector>(segment, lists);
         return missing.empty() ? Missing<QBXByteVector>(segment, buffers) : missing;
     }
@@ -135,9 +135,9 @@ const char* WhyUnreadable(ChildOutcome::End end)
         case ChildOutcome::End::Hung:
             return "it does not answer: its lock is held, or it was never finished";
         case ChildOutcome::End::Crashed:
-            return "its inside is damaged: looking at it ends a process";
+            return "it is damaged: reading it crashes a process";
         default:
-            return "no process for the probe";
+            return "cannot start a process to check it";
     }
 }
 
@@ -164,7 +164,7 @@ namespace
 namespace bip = boost::interprocess;
 
 constexpr std::size_t kEntrySize = sizeof(PlayListSongNameStr);
-constexpr char kDamaged[] = "its elements lie outside of the segment";
+constexpr char kDamaged[] = "its elements are outside the segment";
 
 struct Range
 {
@@ -201,7 +201,7 @@ std::string DescribeAll(const SegmentPlan& plan)
     try
     {
         QBXSharedSegment segment(bip::open_copy_on_write, plan.name);
-        if (!segment.check_sanity()) return Dump({{"problem", "its inside is damaged"}});
+        if (!segment.check_sanity()) return Dump({{"problem", "it is damaged"}});
         Json json{{"problem", ""}, {"free", segment.get_free_memory()}, {"objects", segment.get_num_named_objects()}};
         json["vectors"] = Json::array();
         for (const char* name : plan.lists) json["vectors"].push_back(Described<QBXStringPageVector>(segment, name));

@@ -56,7 +56,7 @@ VariantPtr CallAndLog(GDBusConnection* bus, const Address& callee, const char* m
     g_dbus_error_strip_remote_error(error);
     const std::string message = error->message;
     g_error_free(error);
-    if (nobody) throw Failure(kNoService, "no simulator on the bus; start ipod-simulator");
+    if (nobody) throw Failure(kNoService, "no simulator on the bus", "start ipod-simulator");
     if (invalid) throw Failure(kUsage, message);
     if (refused) throw Failure(kNothingDone, "the simulator refused: " + message);
     throw Failure(kServiceLost, "the simulator did not answer: " + message, "check whether it hangs");

@@ -51,7 +51,7 @@ GDBusConnection* Session::Bus()
     {
         const std::string reason = error->message;
         g_error_free(error);
-        throw Failure(kNoBus, "no session bus: " + reason + "; set DBUS_SESSION_BUS_ADDRESS to the service's bus");
+        throw Failure(kNoBus, "no session bus: " + reason, "set DBUS_SESSION_BUS_ADDRESS to the service's bus");
     }
     g_dbus_connection_set_exit_on_close(m_bus, FALSE);
     return m_bus;
@@ -112,8 +112,8 @@ void Session::StartService()
 {
     if (IsServiceThere()) return;
     if (AskBus(Bus(), "StartServiceByName", g_variant_new("(su)", kServiceName, 0U)) == nullptr)
-        throw Failure(kNoService, std::string("no iPod service on the bus: nobody owns ") + kServiceName +
-                                      "; start the service, or ipod-simulator");
+        throw Failure(kNoService, std::string("no iPod service on the bus: nobody owns ") + kServiceName,
+                      "start the service, or ipod-simulator");
 }
 
 bool Session::IsServiceThere()

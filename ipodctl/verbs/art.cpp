@@ -14,7 +14,7 @@ namespace
 {
     const bool has = RequireTrack(*session.Ready().State()).track.HasArtwork();
     throw Failure(kNothingDone, has ? "the playing track has artwork, but the service did not deliver it"
-                                    : "the playing track has no picture");
+                                    : "the playing track has no artwork");
 }
 
 ipodkit::ArtworkChanged ReadArtwork(Session& session)
@@ -28,12 +28,13 @@ void CheckWhole(const ipodkit::Picture& picture)
 {
     if (!IsWhole(picture.type, picture.bytes))
         throw ToFailure({ipodkit::ErrorKind::BadReply,
-                         "the image has no end after " + Count(static_cast<int>(picture.Size()), "byte", "bytes")});
+                         "the image is incomplete after " + Count(static_cast<int>(picture.Size()), "byte", "bytes")});
 }
 
 Answer WriteOut(Output& out, const std::vector<unsigned char>& image)
 {
-    if (out.terminal()) throw Failure(kUsage, "an image is not printed on a terminal; redirect it, or give a file");
+    if (out.terminal())
+        throw Failure(kUsage, "cannot write an image to a terminal", "redirect the output, or give a file");
     out.Raw(image.data(), image.size());
     return {};
 }

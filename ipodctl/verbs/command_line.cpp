@@ -86,7 +86,7 @@ CLI::Validator WholeNumber(int least)
     {
         const std::optional<int> number = ParseIndex(text);
         if (number && *number >= least) return std::string();
-        return "'" + Printable(text) + "' is not an integer of at least " + std::to_string(least);
+        return "expected an integer of at least " + std::to_string(least) + ", got '" + Printable(text) + "'";
     };
     return {check, "N"};
 }
@@ -99,8 +99,8 @@ CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
         const char* const end = text.data() + text.size();
         const auto [read, error] = std::from_chars(text.data(), end, number);
         if (error == std::errc() && read == end && number >= least && number <= most) return std::string();
-        return "'" + Printable(text) + "' is not an integer between " + std::to_string(least) + " and " +
-               std::to_string(most);
+        return "expected an integer between " + std::to_string(least) + " and " + std::to_string(most) + ", got '" +
+               Printable(text) + "'";
     };
     return {check, "N"};
 }
@@ -136,8 +136,8 @@ CLI::Validator Seconds(double most)
         const double number = g_ascii_strtod(text.c_str(), &end);
         // The range check rejects NaN, which compares false with everything.
         if (!text.empty() && *end == '\0' && number >= kLeast && number <= most) return std::string();
-        return "'" + Printable(text) + "' is not a number of seconds between 0.001 and " +
-               std::to_string(static_cast<long>(most));
+        return "expected a number of seconds between 0.001 and " + std::to_string(static_cast<long>(most)) + ", got '" +
+               Printable(text) + "'";
     };
     return {check, "SECONDS"};
 }

@@ -22,12 +22,12 @@ void Enter(Session& session, const Entry& entry)
 
 void EnterRoot(Session& session)
 {
-    session.Ask(session.Commands().EnterRoot(), "the service did not go to the root; is a device attached?");
+    session.Ask(session.Commands().EnterRoot(), "the service did not enter the root; is a device attached?");
 }
 
 void EnterParent(Session& session)
 {
-    session.Ask(session.Commands().EnterParent(), "the current level is the root already");
+    session.Ask(session.Commands().EnterParent(), "the current level is already the root");
 }
 
 // Enters the entry whose name is the longest matching prefix of the path, because names may contain slashes. Returns

@@ -44,7 +44,7 @@ Finding ExamineSegment(const SegmentPlan& plan)
     const SegmentObject object = Inspect(plan.name);
     const std::string remove = Removal(plan);
     if (!object.exists) return {plan.what, kNothingDone, "missing", "start the service, which creates it"};
-    if (!object.isMemory) return {plan.what, kNoSegments, "its name is not that of shared memory", remove};
+    if (!object.isMemory) return {plan.what, kNoSegments, "it exists and is not shared memory", remove};
     const std::string description = Described(object);
     if (object.owner != geteuid())
         return {plan.what, kNoSegments, description, "run service and applications under one user"};
@@ -53,9 +53,7 @@ Finding ExamineSegment(const SegmentPlan& plan)
     const SegmentContents contents = ReadContents(plan);
     if (contents.problem.empty() && contents.free < object.size / kScarce)
         return {plan.what, kNothingDone, description + ", only " + std::to_string(contents.free) + " bytes free",
-                "what does not fit fails, and memory once taken is not given back: send less at once, and to begin "
-                "anew " +
-                    remove};
+                "data that does not fit is rejected, and vectors never shrink: send less at once, or " + remove};
     if (object.mode != 0644 || object.size != plan.size)
         return {plan.what, kNothingDone, description,
                 "mode 0644 and " + std::to_string(plan.size) + " bytes are expected"};
@@ -123,7 +121,7 @@ Finding ExamineService(Session& session, GDBusConnection* bus)
     if (!why.empty()) return {"service", code, owner + ", but " + why, "restart it when it does not recover"};
     if (IsActivatable(bus))
         return {"service", kNothingDone, owner + ", and the bus may start it",
-                "start it before the applications: one that fails at its first start by the bus hangs them"};
+                "start it before the applications: they hang if the bus starts it and it fails"};
     return {"service", kDone, owner, ""};
 }
 

@@ -139,7 +139,8 @@ Bytes Exchange(Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& r
     peer.Write(Bytes(request.text.begin(), request.text.end())).Start(sent);
     const Ending ending = loop.Run(request.accessory.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
-    if (ending == Ending::TimedOut) throw Failure(kServiceLost, "no echo arrived in time; see --timeout");
+    if (ending == Ending::TimedOut)
+        throw Failure(kServiceLost, "no echo arrived in time", "wait longer with --timeout");
     return received;
 }
 

@@ -26,8 +26,8 @@ void PlayEntry(Session& session, const std::string& wanted)
 {
     const Entry entry = FindEntry(session, wanted);
     if (ReadLevel(session, entry.index, 1, Pinyin::None).folder)
-        throw Failure(kNothingDone, "'" + Printable(entry.name) + "' is a folder; enter it with ipodctl cd " +
-                                        std::to_string(entry.index));
+        throw Failure(kNothingDone, "'" + Printable(entry.name) + "' is a folder",
+                      "enter it with 'ipodctl cd " + std::to_string(entry.index) + "'");
     TakeAudioSource(session);
     session.Ask(session.Commands().PlayDatabaseEntry(entry.index));
 }
@@ -74,13 +74,14 @@ Run BuildStop(CLI::App&)
 Run BuildNext(CLI::App&)
 {
     return BuildSimple<&ipodkit::Commands::Next>(
-        "next", "the service did not move on; ipodctl queue shows whether this is the last entry");
+        "next", "the service did not skip to the next track; ipodctl queue shows whether this is the last entry");
 }
 
 Run BuildPrevious(CLI::App&)
 {
     return BuildSimple<&ipodkit::Commands::Previous>(
-        "previous", "the service did not move back; ipodctl queue shows whether this is the first entry");
+        "previous",
+        "the service did not return to the previous track; ipodctl queue shows whether this is the first entry");
 }
 
 // Clamps relative targets to the track; rejects an absolute target past its end.

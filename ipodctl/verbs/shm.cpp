@@ -25,7 +25,7 @@ SegmentContents ReadIfThere(const SegmentPlan& plan, const SegmentObject& object
 {
     SegmentContents contents;
     if (!object.exists) contents.problem = "it does not exist; start the service, which creates it";
-    if (object.exists && !object.isMemory) contents.problem = "its name belongs to something that is not shared memory";
+    if (object.exists && !object.isMemory) contents.problem = "it exists and is not shared memory";
     return contents.problem.empty() ? ReadContents(plan) : contents;
 }
 
@@ -109,7 +109,7 @@ Answer DumpVector(const std::string& name, const Output& out)
     const auto plan = std::find_if(plans.begin(), plans.end(),
                                    [&](const SegmentPlan& each) { return holds(each.lists) || holds(each.buffers); });
     if (!Inspect(plan->name).isMemory)
-        throw Failure(kNoSegments, std::string("segment ") + plan->name + " does not exist; start the service");
+        throw Failure(kNoSegments, std::string("segment ") + plan->name + " does not exist", "start the service");
     const std::string bytes = ReadVector(*plan, name);
     Json json{{"verb", "shm"}, {"vector", name}};
     if (holds(plan->buffers))

@@ -143,7 +143,7 @@ Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error)
     const bool isWord = !unknown.empty() && (unknown.front().empty() || unknown.front().front() != '-');
     if (isWord && !commands.empty()) return UnknownWord("command", unknown.front(), commands, help);
     const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
-    if (missing && unknown.empty() && !commands.empty()) return {kUsage, "missing command (" + help + ")"};
+    if (missing && unknown.empty() && !commands.empty()) return {kUsage, "missing command", help};
     return {kUsage, ParseErrorMessage(app, error), help};
 }
 }  // namespace ctl

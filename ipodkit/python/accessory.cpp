@@ -11,9 +11,9 @@ namespace
 constexpr char kPortDoc[] =
     "The accessory sessions of the device. Use it on the thread of the session's loop. Announce the protocols first, "
     "by "
-    "Commands.announce_accessory(). Its sessions count as closed when it goes.";
+    "Commands.announce_accessory(). Destroying the port closes its sessions.";
 constexpr char kPeerDoc[] =
-    "A byte stream between the application and its companion app on the device, from its opening to its closing. "
+    "A byte stream between the application and its companion app on the device, from opening to closing. "
     "Iterate over it with `async for` to receive bytes.";
 
 Owned<AccessoryPort> OpenPort(const SessionHandle& session, std::size_t chunk, std::size_t highWater)
@@ -31,19 +31,20 @@ void BindAccessorySession(py::module_& module)
 {
     py::class_<AccessorySession, AccessorySessionPtr>(module, "AccessorySession", kPeerDoc)
         .def_property_readonly("number", &AccessorySession::Number, "The session's number.")
-        .def_property_readonly("protocol", &AccessorySession::Protocol, "Index of its protocol among those announced.")
-        .def_property_readonly("is_open", &AccessorySession::IsOpen, "False for ever once it is closed.")
+        .def_property_readonly("protocol", &AccessorySession::Protocol, "Index of its protocol in the announced list.")
+        .def_property_readonly("is_open", &AccessorySession::IsOpen, "False once it is closed, and from then on.")
         .def_property_readonly("waiting", &AccessorySession::Waiting, "Bytes accepted by write() and not sent yet.")
         .def("write", Write, py::arg("data"),
              "Sends bytes after those of earlier writes; done when the service has accepted the last one. Raises Busy "
              "unless has_room_for() it, and Cancelled when the session is closed.")
         .def("has_room_for", &AccessorySession::HasRoomFor, py::arg("count"),
-             "Whether write() accepts so many bytes now.")
-        .def("on_data", Subscribing(&AccessorySession::OnData), py::arg("name"), py::arg("callback"),
-             "Calls callback(data, None) for bytes that arrive, callback(None, Ambiguous) for bytes that may belong to "
-             "several sessions.")
+             "Whether write() accepts this many bytes now.")
+        .def(
+            "on_data", Subscribing(&AccessorySession::OnData), py::arg("name"), py::arg("callback"),
+            "Calls callback(data, None) for received bytes, and callback(None, Ambiguous) for bytes that may belong to "
+            "several sessions.")
         .def("on_drained", Subscribing(&AccessorySession::OnDrained), py::arg("name"), py::arg("callback"),
-             "Calls callback() each time that nothing is waiting any more.")
+             "Calls callback() whenever all accepted bytes have been sent.")
         .def("on_closed", Subscribing(&AccessorySession::OnClosed), py::arg("name"), py::arg("callback"),
              "Calls callback() when the session is closed.");
 }
@@ -56,8 +57,9 @@ void BindAccessory(py::module_& module)
     py::class_<AccessoryPort, Owned<AccessoryPort>>(module, "AccessoryPort", kPortDoc)
         .def(py::init(&OpenPort), py::arg("session"), py::kw_only(), py::arg("chunk") = usual.chunk,
              py::arg("high_water") = usual.highWater,
-             "chunk: bytes per call of the service. high_water: a session accepts no more while so many wait.")
-        .def("sessions", &AccessoryPort::Sessions, "The sessions that are open.")
+             "chunk: bytes per call of the service. high_water: a session accepts no more bytes while this many are "
+             "waiting.")
+        .def("sessions", &AccessoryPort::Sessions, "The open sessions.")
         .def("on_opened", Subscribing(&AccessoryPort::OnOpened), py::arg("name"), py::arg("callback"),
              "Calls callback(accessory_session) for each AccessorySession that the device opens.");
 }

@@ -7,8 +7,7 @@ namespace ipodkit::python
 {
 namespace
 {
-constexpr char kRequestDoc[] =
-    "A request that has been written down but not sent. It is sent once, by start(), future() or wait().";
+constexpr char kRequestDoc[] = "A request that has not been sent yet. start(), future(), or wait() sends it, once.";
 
 AnyRequest& Within(AnyRequest& request, const py::object& deadline)
 {
@@ -85,7 +84,8 @@ void AnyRequest::WaitUntil(const std::function<bool(std::chrono::milliseconds)>&
 
 void BindRequest(py::module_& module)
 {
-    py::class_<Cancellation>(module, "Cancellation", "A switch that can be thrown once; it may serve many requests.")
+    py::class_<Cancellation>(module, "Cancellation",
+                             "Cancels requests; cancel() can be called once. One object may serve many requests.")
         .def(py::init<>())
         .def("cancel", &Cancellation::Cancel, py::call_guard<py::gil_scoped_release>())
         .def_property_readonly("cancelled", &Cancellation::Cancelled);
@@ -96,12 +96,13 @@ void BindRequest(py::module_& module)
         .def("cancelled_by", CancelledBy, py::arg("cancellation"), same)
         .def_property_readonly("_has_cancellation", &AnyRequest::HasSwitch)
         .def("start", Start, py::arg("callback"),
-             "Sends it. The callback gets (value, None) or (None, Error), in the loop, once.")
+             "Sends the request. The loop calls the callback once, with (value, None) or (None, Error).")
         .def("future", Future,
-             "Sends it; a concurrent.futures.Future that the loop fulfils. Do not wait for it in the loop's thread. "
-             "Cancelling it withdraws the request, unless that has a Cancellation of its own.")
+             "Sends the request; returns a concurrent.futures.Future. Do not wait for it on the loop's thread. "
+             "Cancelling it cancels the request, unless the request has its own Cancellation.")
         .def("wait", &AnyRequest::Wait,
-             "Sends it and blocks until the answer: returns the value or raises Error. What a handler of a signal "
-             "raises, such as KeyboardInterrupt, ends it at once and withdraws the request.");
+             "Sends the request and blocks until the answer: returns the value or raises Error. An exception raised by "
+             "a signal "
+             "handler, such as KeyboardInterrupt, ends the wait at once and cancels the request.");
 }
 }  // namespace ipodkit::python

@@ -105,7 +105,7 @@ public:
 private:
     Request<T> Take()
     {
-        if (!m_request) throw std::runtime_error("this request was sent already");
+        if (!m_request) throw std::runtime_error("this request was already sent");
         Request<T> request = std::move(*m_request);
         m_request.reset();
         return request;

@@ -9,8 +9,8 @@ namespace ipodkit::python
 namespace
 {
 constexpr char kSourceDoc[] =
-    "The loudspeakers: one of the head unit's two iPod sources, 0 or 1, from the request to the release. Use it on the "
-    "thread of the session's loop. The application reports what the audio-source manager did by activated() and "
+    "One of the head unit's two iPod audio sources, 0 or 1, from request to release. Use it on the "
+    "thread of the session's loop. Report what the audio-source manager did with activated() and "
     "deactivated().";
 
 Owned<AudioSource> OpenSource(const SessionHandle& session, int number)
@@ -31,14 +31,14 @@ void Ask(AudioSource& source)
 void BindTransition(py::module_& module)
 {
     py::enum_<AudioState>(module, "AudioState")
-        .value("RELEASED", AudioState::Released, "Somebody else's.")
-        .value("GRANTED", AudioState::Granted, "Requested and granted, not active yet.")
-        .value("ACTIVE", AudioState::Active, "May sound.")
+        .value("RELEASED", AudioState::Released, "Not ours.")
+        .value("GRANTED", AudioState::Granted, "Granted by the manager, not active yet.")
+        .value("ACTIVE", AudioState::Active, "Active: playback may start.")
         .value("PLAYING", AudioState::Playing, "Playback was started.")
-        .value("SUSPENDED", AudioState::Suspended, "Was playing when the manager took the source away for a while.");
+        .value("SUSPENDED", AudioState::Suspended, "Playing, but the manager deactivated the source temporarily.");
     py::class_<AudioTransition>(module, "AudioTransition", "A change of an AudioSource's state.")
-        .def_readonly("before", &AudioTransition::from, "The state until then.")
-        .def_readonly("after", &AudioTransition::to, "The state since then.")
+        .def_readonly("before", &AudioTransition::from, "The state before.")
+        .def_readonly("after", &AudioTransition::to, "The state after.")
         .def_readonly("why", &AudioTransition::why, "The reason, for logs.");
 }
 }  // namespace
@@ -49,16 +49,18 @@ void BindAudioSource(py::module_& module)
     BindTransition(module);
     py::class_<AudioSource, Owned<AudioSource>>(module, "AudioSource", kSourceDoc)
         .def(py::init(&OpenSource), py::arg("session"), py::arg("number"))
-        .def_property_readonly("state", &AudioSource::State, "The present AudioState.")
+        .def_property_readonly("state", &AudioSource::State, "The current AudioState.")
         .def("request", Ask,
-             "Asks the manager for the source. Raises Refused with its code, NoService before the session was ready "
+             "Requests the source from the manager. Raises Refused with its code, NoService before the session was "
+             "ready "
              "once, and BadArgument for a number other than 0 and 1.")
-        .def("activated", &AudioSource::Activated, py::arg("confirmation"), Unlock(),
-             "The manager activated the source. confirmation: the manager's value, which is returned to it.")
+        .def(
+            "activated", &AudioSource::Activated, py::arg("confirmation"), Unlock(),
+            "Report that the manager activated the source. confirmation: the manager's value, which is returned to it.")
         .def("deactivated", &AudioSource::Deactivated, py::arg("confirmation"), py::arg("for_a_while"), Unlock(),
-             "The manager took the source away. for_a_while: it will activate the source again by itself.")
+             "Report that the manager deactivated the source. for_a_while: it will reactivate the source by itself.")
         .def("play", Requesting(&AudioSource::Play), KeepsPart(), py::arg("option") = PlayOption::Start,
-             "Starts playback. Refused unless the source is active when the request starts.")
+             "Starts playback. Raises Refused unless the source is active when the request starts.")
         .def("release", &AudioSource::Release, Unlock(), "Gives the source back to the manager.")
         .def("trace", &AudioSource::Trace, "The last transitions, at most 64, oldest first.")
         .def("on_transition", Subscribing(&AudioSource::OnTransition), py::arg("name"), py::arg("callback"),

@@ -10,8 +10,8 @@ namespace ipodkit::python
 namespace
 {
 constexpr char kErrorDoc[] =
-    "Why a request failed. `kind` is an ErrorKind, `reason` gives details, in the words of the bus where it has any, "
-    "and `name` is the D-Bus name of the error that was the answer, or None.";
+    "Why a request failed. `kind` is an ErrorKind, `reason` has details for logs, "
+    "and `name` is the D-Bus name of the error reply, or None.";
 
 // Valid as long as the module.
 py::handle errorType;
@@ -31,15 +31,15 @@ const Kind kKinds[] = {
     {ErrorKind::ServiceLost, "SERVICE_LOST", &PyExc_ConnectionError, "The service exited before it answered."},
     {ErrorKind::TimedOut, "TIMED_OUT", &PyExc_TimeoutError, "No answer within the deadline."},
     {ErrorKind::Refused, "REFUSED", nullptr, "The service answered with an error, or with false."},
-    {ErrorKind::BadReply, "BAD_REPLY", nullptr, "The answer is not what the contract allows."},
-    {ErrorKind::Cancelled, "CANCELLED", nullptr, "The request was withdrawn."},
+    {ErrorKind::BadReply, "BAD_REPLY", nullptr, "The answer violates the contract."},
+    {ErrorKind::Cancelled, "CANCELLED", nullptr, "The request was cancelled."},
     {ErrorKind::NoSharedMemory, "NO_SHARED_MEMORY", nullptr, "The shared memory cannot be used."},
-    {ErrorKind::BadArgument, "BAD_ARGUMENT", &PyExc_ValueError, "The request cannot be sent as it is."},
+    {ErrorKind::BadArgument, "BAD_ARGUMENT", &PyExc_ValueError, "The request is invalid and was not sent."},
     {ErrorKind::Ambiguous, "AMBIGUOUS", nullptr, "Received bytes that may belong to several accessory sessions."},
     {ErrorKind::NoStorage, "NO_STORAGE", &PyExc_OSError, "A file cannot be written."},
-    {ErrorKind::Busy, "BUSY", nullptr, "An accessory session has enough bytes to send."},
+    {ErrorKind::Busy, "BUSY", nullptr, "The queue of an accessory session is full."},
     {ErrorKind::WouldDeadlock, "WOULD_DEADLOCK", &PyExc_RuntimeError,
-     "Waiting on the thread of the loop that has to make the result."},
+     "The wait would block the thread on which the result arrives."},
 };
 
 py::handle NewType(const std::string& name, const py::tuple& bases, const char* doc)

@@ -14,8 +14,8 @@ using ipodnames::Subject;
 using Texts = std::vector<std::string>;
 
 constexpr char kIndexDoc[] =
-    "Finds names in any script by what is typed, such as initials, and the sections of their sorted list. Immutable; "
-    "any thread may search. It is made in microseconds per name: use asyncio.to_thread() for long lists.";
+    "Searches names in any script, by initials for example, and divides their sorted list into sections. Immutable; "
+    "any thread may search. Building takes microseconds per name: use asyncio.to_thread() for long lists.";
 
 std::unique_ptr<JumpIndex> Build(const Texts& names, std::string locale, Subject subject, Texts articles,
                                  Texts readings)
@@ -27,14 +27,14 @@ std::unique_ptr<JumpIndex> Build(const Texts& names, std::string locale, Subject
 
 void BindReadings(py::module_& module)
 {
-    py::enum_<Subject>(module, "Subject", "What names are of: surnames have readings of their own.")
+    py::enum_<Subject>(module, "Subject", "Kind of names; some surnames have special readings.")
         .value("UNKNOWN", Subject::Unknown)
         .value("PERSON", Subject::Person)
         .value("TITLE", Subject::Title);
     module.def("reading", &ipodnames::Reading, py::arg("name"), py::arg("subject") = Subject::Unknown,
                py::call_guard<py::gil_scoped_release>(),
-               "How a name is read, in lower-case Latin letters and digits: \"zhou ming xuan\" for 周明轩.");
-    py::class_<JumpSection>(module, "JumpSection", "Where the names of a letter begin.")
+               "The reading of a name, in lower-case Latin letters and digits: \"zhou ming xuan\" for 周明轩.");
+    py::class_<JumpSection>(module, "JumpSection", "Position where the names of a letter begin.")
         .def_readonly("label", &JumpSection::label, "A letter of the locale's alphabet, or \"#\" for all others.")
         .def_readonly("position", &JumpSection::position, "Index in JumpIndex.order.");
 }
@@ -54,7 +54,7 @@ void BindJumpIndex(py::module_& module)
         .def_property_readonly("order", &JumpIndex::Order, "Indices of the names as the locale sorts them.")
         .def_property_readonly("sections", &JumpIndex::Sections, "The JumpSection of each letter, in their order.")
         .def("reading", &JumpIndex::Reading, py::arg("index"),
-             "How a name is read. IndexError when no name has this index.")
+             "The reading of a name. Raises IndexError for an invalid index.")
         .def("__len__", &JumpIndex::Size);
 }
 }  // namespace ipodkit::python

@@ -160,8 +160,8 @@ int main(int argc, char** argv)
     PrintClass<Position>();
     std::cout << "    def now(self) -> datetime.timedelta: ...\n";
     PrintClass<PlayerState>();
-    PrintProperty("version", "int", "Grows by 1 with each value that is published");
-    PrintProperty("phase", "Phase", "How far the session is with the service");
+    PrintProperty("version", "int", "Increases by 1 with each published state");
+    PrintProperty("phase", "Phase", "State of the connection to the service");
     PrintProperty("generation", "int", "How often the service has appeared");
     std::cout << "    def why(self, field: Field) -> Unknown | None: ...\n";
     return std::cout.flush() ? 0 : 1;

@@ -7,8 +7,8 @@
 namespace
 {
 constexpr char kLogDoc[] =
-    "Sets the logging of the library up: \"LEVEL\" or \"LEVEL:FILE\", or the path of a configuration where zlog is "
-    "installed. Returns whether it could.";
+    "Sets up the library's logging: \"LEVEL\" or \"LEVEL:FILE\", or the path of a zlog configuration where zlog is "
+    "installed. Returns whether it succeeded.";
 
 bool Log(const std::string& config)
 {

@@ -23,10 +23,10 @@ std::string Uri(const PictureFiles& files, const Picture& picture)
 void BindPictureFiles(py::module_& module)
 {
     py::class_<PictureFiles>(module, "PictureFiles",
-                             "Keeps pictures as files. Any thread may use it; it blocks as files do.")
+                             "Stores pictures as files. Any thread may use it; it blocks for file access.")
         .def(py::init<std::string, std::size_t>(), py::arg("directory") = "", py::arg("keep") = 32,
-             "directory: made when needed; \"ipodkit\" in the user's runtime directory by default. keep: how many "
-             "pictures stay, those that were returned last; 0 counts as 1.")
+             "directory: created if missing; by default \"ipodkit\" in the user's runtime directory. keep: how many "
+             "pictures to keep, the most recently returned ones; 0 counts as 1.")
         .def("uri", Uri, py::arg("picture"),
              "The address of the picture's file, \"file:///...\". Raises NoStorage, an OSError.")
         .def_property_readonly(

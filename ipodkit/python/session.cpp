@@ -13,10 +13,8 @@ namespace ipodkit::python
 namespace
 {
 constexpr char kSessionDoc[] =
-    "The connection to the service, through any number of its restarts. Made where asyncio runs, it lives in that "
-    "loop, "
-    "otherwise in GLib's default main context: make and close it on the thread that runs it. There is one at a time in "
-    "a process.";
+    "The connection to the service, across restarts. If asyncio runs where it is created, it uses that loop, "
+    "otherwise GLib's default main context: create and close it on that context's thread. A process has one at a time.";
 
 std::unique_ptr<SessionHandle> Open(const py::object& settle, const py::object& deadline,
                                     const py::object& callbackBudget, std::size_t artworkLimit, bool activateService,
@@ -87,13 +85,13 @@ py::object ErrorOf(const Connection& connection)
 
 void BindConnection(py::module_& module)
 {
-    py::class_<Connection>(module, "Connection", "How far the session is with the service.")
+    py::class_<Connection>(module, "Connection", "State of the connection to the service.")
         .def_readonly("phase", &Connection::phase)
         .def_readonly("generation", &Connection::generation, "How often the service has appeared.")
-        .def_property_readonly("error", ErrorOf, "What stands in the way: an Error, or None.");
+        .def_property_readonly("error", ErrorOf, "The Error that prevents a connection, or None.");
     py::class_<OwnedSubscription>(module, "Subscription",
-                                  "Ends by end(), and with a ResourceWarning when it is no longer referred to.")
-        .def("end", &OwnedSubscription::End, "When it returns the callback is not running, and will not run again.");
+                                  "Ends with end(), or with a ResourceWarning when it is garbage-collected.")
+        .def("end", &OwnedSubscription::End, "When it returns, the callback is not running and will not run again.");
 }
 }  // namespace
 
@@ -107,17 +105,17 @@ void BindSession(py::module_& module)
              py::arg("deadline") = Seconds(usual.deadline), py::arg("callback_budget") = Seconds(usual.callbackBudget),
              py::arg("artwork_limit") = usual.artworkLimit, py::arg("activate_service") = usual.activateService,
              py::arg("_context") = py::none())
-        .def("close", &SessionHandle::Close, "Completes the requests that are under way with ErrorKind.CANCELLED.")
+        .def("close", &SessionHandle::Close, "Completes open requests with ErrorKind.CANCELLED.")
         .def("__enter__", [](py::object self) { return self; })
         .def("__exit__", [](SessionHandle& handle, const py::args&) { handle.Close(); })
         .def_property_readonly("connection", [](const SessionHandle& handle) { return handle.Get().Connection(); })
         .def_property_readonly("state", [](const SessionHandle& handle) { return ToPython(handle.Get().State()); })
         .def_property_readonly("commands", [](const SessionHandle& handle) { return handle.Get().Commands(); })
         .def("on_connection", OnConnection, py::arg("name"), py::arg("callback"),
-             "Calls callback(connection) at every step of the connection, first the present one.")
+             "Calls callback(connection) with the current connection, then with every change.")
         .def("on_state", OnState, py::arg("name"), py::arg("callback"), py::arg("fields") = py::none(),
              "Calls callback(state, changed) for every published state that differs in one of the fields (all when "
-             "None), first the present one with all fields.")
+             "None), starting with the current one and all fields.")
         .def("on_event", OnEvent, py::arg("name"), py::arg("callback"),
              "Calls callback(event) for every event of the service, such as a TrackChanged.")
         .def(

@@ -16,10 +16,10 @@ void ForEachField(const Use& use)
 
 void BindPlayerState(py::module_& module)
 {
-    BindRows<Position>(module).def("now", &Position::Now, "Where playback is if it has gone on since: a timedelta.");
+    BindRows<Position>(module).def("now", &Position::Now, "The extrapolated position: a timedelta.");
     BindRows<PlayerState, std::shared_ptr<PlayerState>>(module)
-        .def_readonly("version", &PlayerState::version, "Grows by 1 with each value that is published.")
-        .def_readonly("phase", &PlayerState::phase, "How far the session is with the service.")
+        .def_readonly("version", &PlayerState::version, "Increases by 1 with each published state.")
+        .def_readonly("phase", &PlayerState::phase, "State of the connection to the service.")
         .def_readonly("generation", &PlayerState::generation, "How often the service has appeared.")
         .def("why", &PlayerState::Why, py::arg("field"), "Why a field is None: an Unknown. None for known fields.");
 }

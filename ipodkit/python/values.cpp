@@ -104,7 +104,7 @@ void BindValues(py::module_& module)
     BindNames<CallService>(module);
     BindNames<CallEnd>(module);
     BindNames<Unknown>(module);
-    Enumeration<PlayOption>(module, "PlayOption", "What starts playback.")
+    Enumeration<PlayOption>(module, "PlayOption", "How playback starts.")
         .value("START", PlayOption::Start)
         .value("RESUME", PlayOption::Resume)
         .value("RESTART", PlayOption::Restart);

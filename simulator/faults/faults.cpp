@@ -99,7 +99,7 @@ void CheckMember(const KindRow& row, const std::string& member)
     const std::vector<std::string> members = Members();
     if (std::find(members.begin(), members.end(), member) == members.end())
         throw std::runtime_error(UnknownName("method or signal", member, members));
-    if (!Fits(row.kind, member, true)) Refuse(row, "one of " + FittingMembers(row.kind) + ", not " + member);
+    if (!Fits(row.kind, member, true)) Refuse(row, "one of " + FittingMembers(row.kind) + ", got '" + member + "'");
 }
 
 // Removes and returns the part after the last separator; empty if there is none.

@@ -27,7 +27,7 @@ void Write(const fs::path& file, const std::string& bytes)
 {
     std::ofstream out(file, std::ios::binary);
     out << bytes;
-    if (!out.flush()) throw std::runtime_error(file.string() + ": cannot write the file");
+    if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
 }
 
 // Encodes one second of music as a file and returns its bytes.
@@ -40,7 +40,7 @@ std::string Encoded(const fs::path& folder, int format)
     info.channels = 1;
     info.format = format;
     SNDFILE* const out = sf_open(file.c_str(), SFM_WRITE, &info);
-    if (out == nullptr) throw std::runtime_error(file.string() + ": " + sf_strerror(nullptr));
+    if (out == nullptr) throw std::runtime_error("cannot write " + file.string() + ": " + sf_strerror(nullptr));
     sf_write_float(out, samples.data(), static_cast<sf_count_t>(samples.size()));
     sf_close(out);
     std::ifstream in(file, std::ios::binary);

@@ -75,7 +75,7 @@ void WriteAudio(const fs::path& file, const Format& format, const std::vector<fl
     const std::unique_ptr<SNDFILE, decltype(&sf_close)> out(sf_open(file.c_str(), SFM_WRITE, &info), &sf_close);
     const auto count = static_cast<sf_count_t>(samples.size());
     if (out == nullptr || sf_write_float(out.get(), samples.data(), count) != count)
-        throw std::runtime_error(file.string() + ": " + sf_strerror(out.get()));
+        throw std::runtime_error("cannot write " + file.string() + ": " + sf_strerror(out.get()));
 }
 
 TagLib::ByteVector ToByteVector(const Bytes& bytes)
@@ -116,7 +116,7 @@ void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index
 {
     const auto text = [](const char* utf8) { return TagLib::String(utf8, TagLib::String::UTF8); };
     TagLib::FileRef reference(file.c_str());
-    if (reference.isNull()) throw std::runtime_error(file.string() + ": cannot read the file back");
+    if (reference.isNull()) throw std::runtime_error("cannot read back " + file.string());
     TagLib::Tag& tag = *reference.tag();
     tag.setTitle(text(album.samples[index].title));
     tag.setArtist(text(album.artist));
@@ -124,7 +124,7 @@ void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index
     tag.setGenre(text(album.genre));
     tag.setTrack(static_cast<unsigned>(index) + 1);
     AddPicture(reference.file(), cover);
-    if (!reference.save()) throw std::runtime_error(file.string() + ": cannot write the tags");
+    if (!reference.save()) throw std::runtime_error("cannot write the tags of " + file.string());
 }
 
 void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number)
@@ -145,7 +145,7 @@ void MakeFolder(const fs::path& folder)
 {
     std::error_code error;
     fs::create_directories(folder, error);
-    if (error) throw std::runtime_error(folder.string() + ": " + error.message());
+    if (error) throw std::runtime_error("cannot create " + folder.string() + ": " + error.message());
 }
 
 int MakeSamples(const std::string& folder)

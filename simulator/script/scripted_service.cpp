@@ -21,7 +21,7 @@ constexpr auto kPatience = std::chrono::seconds(20);
 
 void RequireSuccess(bool holds, const GError* error)
 {
-    if (!holds) throw std::runtime_error(error == nullptr ? "scripted service" : error->message);
+    if (!holds) throw std::runtime_error(error == nullptr ? "cannot start the scripted service" : error->message);
 }
 
 // A delayed reply, scheduled on the service's context.

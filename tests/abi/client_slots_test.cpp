@@ -33,20 +33,20 @@ protected:
     ProgressListener m_listener;
 };
 
-TEST_F(ClientSlots, TheClientsOwnProgressReceiverFollowsThePlayersLastOperation)
+TEST_F(ClientSlots, ProgressReceiverFollowsThePlayersLastOperation)
 {
     ProgressAt(m_player, slots::ClientProgressSlot())(m_player, 1500, 180000);
     EXPECT_EQ(m_listener.m_seen, (std::vector<std::pair<int, int>>{{1500, 180000}}));
 }
 
-TEST_F(ClientSlots, TheNotificationOfThatNameStaysEmptyInTheClient)
+TEST_F(ClientSlots, NotificationOfThatNameIsEmptyInTheClient)
 {
     constexpr std::size_t progressNotification = slots::kFirstSlot + 2;
     ProgressAt(m_player, progressNotification)(m_player, 1500, 180000);
     EXPECT_TRUE(m_listener.m_seen.empty());
 }
 
-TEST_F(ClientSlots, TheEndOfUseStandsWhereApplicationsCallIt)
+TEST_F(ClientSlots, ExitInstanceHasThePublishedSlot)
 {
     using Operation = bool (*)(IQBXIpodPlayer*);
     const std::size_t exitInstance = slots::kFirstSlot + slots::ListenerTable().size() + 1;

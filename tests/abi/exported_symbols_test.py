@@ -88,7 +88,7 @@ class TheLibrary(unittest.TestCase):
 
 
 class TheReaderOfMangledNames(unittest.TestCase):
-    def test_sees_whose_a_symbol_is(self):
+    def test_finds_the_owner_of_a_symbol(self):
         scopes = {
             "_ZTIN5boost12interprocess9bad_allocE": "boost",
             "_ZN6google8protobuf5Arena8AllocateEv": "google",

@@ -59,25 +59,25 @@ TEST(SlotReader, FindsNoSlotForAnOperationThatIsNotVirtual)
     EXPECT_EQ(slots::SlotOf(&Plain::First), slots::kFirstSlot);
 }
 
-TEST(SlotOrder, OfTheListenerIsThePublishedOne)
+TEST(SlotOrder, OfTheListenerIsAsPublished)
 {
     EXPECT_EQ(slots::ListenerTable().size(), 20u);
     ExpectOrder(slots::ListenerTable(), slots::kFirstSlot);
 }
 
-TEST(SlotOrder, OfTheApplicationManagersListenerIsThePublishedOne)
+TEST(SlotOrder, OfTheApplicationManagersListenerIsAsPublished)
 {
     EXPECT_EQ(slots::AppListenerTable().size(), 7u);
     ExpectOrder(slots::AppListenerTable(), slots::kFirstSlot);
 }
 
-TEST(SlotOrder, OfTheRegistryIsThePublishedOne)
+TEST(SlotOrder, OfTheRegistryIsAsPublished)
 {
     EXPECT_EQ(slots::RegistryTable().size(), 8u);
     ExpectOrder(slots::RegistryTable(), slots::kFirstSlot);
 }
 
-TEST(SlotOrder, OfThePlayerIsThePublishedOneAndFollowsTheNotifications)
+TEST(SlotOrder, OfThePlayerIsAsPublishedAndFollowsTheNotifications)
 {
     EXPECT_EQ(slots::PlayerTable().size(), 52u);
     ExpectOrder(slots::PlayerTable(), slots::kFirstSlot + slots::ListenerTable().size());
@@ -128,7 +128,7 @@ TEST(SlotCall, OfTheFirstTwoSlotsDestroysAndDeletes)
     ExpectDestructorFirst<slots::RecordingPlayer, IQBXIpodPlayer>("~IQBXIpodPlayer");
 }
 
-TEST(BaseClasses, OfThePlayerLieInThePublishedOrder)
+TEST(BaseClasses, OfThePlayerAreInThePublishedOrder)
 {
     slots::RecordingPlayer recorder;
     IQBXIpodPlayer* const player = &recorder;

@@ -173,7 +173,7 @@ TEST_F(LifeCycleTest, AnExceptionWhileBuildingIsNotRepeatedByTheSameThread)
     EXPECT_EQ(g_VecEapReadBufferShareMemory, nullptr);
 }
 
-TEST_F(LifeCycleTest, AnObjectThatIsThereIsReturnedWithoutTheLock)
+TEST_F(LifeCycleTest, AnExistingObjectIsReturnedWithoutTheLock)
 {
     PutPipeInPlaceOfListSegment();
     EXPECT_THROW(QBX_GetIpodPlayer(), boost::interprocess::interprocess_exception);

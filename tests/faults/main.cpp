@@ -51,7 +51,7 @@ int main(int argc, char** argv)
     const Case* const row = Find(cases, name);
     if (row == nullptr)
     {
-        std::fprintf(stderr, "fault-case: there is no case '%s'\n", name.c_str());
+        std::fprintf(stderr, "fault-case: unknown case '%s'\n", name.c_str());
         return 2;
     }
     const test::PrivateSharedMemory ownSharedMemory;

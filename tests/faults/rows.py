@@ -4,12 +4,12 @@ import dataclasses
 import signal
 
 ALIVE = "alive"
-NEVER_FINISHED = "exception: segment ListVectorSharedMemory: it exists but was never finished by its creator"
-OTHER_LAYOUT = "exception: segment ListVectorSharedMemory: its layout is not the one of this build"
-NO_MEMORY = "exception: segment ListVectorSharedMemory: its name is taken by something that is no shared memory"
+NEVER_FINISHED = "exception: segment ListVectorSharedMemory: its creator never finished it"
+OTHER_LAYOUT = "exception: segment ListVectorSharedMemory: its layout differs from that of this build"
+NO_MEMORY = "exception: segment ListVectorSharedMemory: it exists and is not shared memory"
 FAILED_CALL = "Failed to call dbus method"
 KEEPS = "commands keep the error; pages, records, and artwork release it"
-# The address sanitizer takes the stack of each allocation, and the exact way is too slow for a million of them.
+# The address sanitizer records the stack of each allocation; exact unwinding is too slow for a million of them.
 QUICK = {"ASAN_OPTIONS": "fast_unwind_on_malloc=1"}
 
 
@@ -62,7 +62,7 @@ SEGMENTS = [
     segment("another user's, mode 0644", "of-another-user",
             "at once: the library needs write access", "exception: *"),
     Row("segments", "`/dev/shm` is full", "exception at once", "full-device", [["4k"], ["12k"]],
-        says=("exception: segment *: there is no space for it", ALIVE)),
+        says=("exception: segment *: no space left in /dev/shm", ALIVE)),
     Row("segments", "`/dev/shm` has room for the headers only", "attached; pages are allocated at first use",
         "full-device", [["64k"]], says=("attached", ALIVE)),
     Row("segments", "`/dev/shm` fills up later, then `EapWrite()` needs new pages", "**SIGBUS**", "filled-later",
@@ -72,7 +72,7 @@ SEGMENTS = [
     Row("segments", "of half the size", "attached at its size", "object", [["smaller"]],
         says=("attached", ALIVE)),
     Row("segments", "header that another process keeps rewriting",
-        "an empty or wrong page, never read from outside the segment", "rewritten-header", [["5000"]]),
+        "an empty or wrong page, from inside the segment", "rewritten-header", [["5000"]]),
     Row("segments", "service removes and recreates a segment in use", "the client keeps the old one",
         "recreated-segment"),
     Row("segments", "index lock held by a killed process", "exception after 10 s", "locked-names", limit=25),
@@ -94,10 +94,10 @@ SERVICE = [
         log={FAILED_CALL: 1}, limit=40),
     Row("service", "never replies", "failure value after 25 s", "no-reply",
         log={FAILED_CALL: 1}, limit=40),
-    Row("service", "flood of 60,000 events", "each arrives once and in order", "flood", [["60000"]],
+    Row("service", "flood of 60,000 events", "each once and in order", "flood", [["60000"]],
         limit=70),
     Row("service", "calls and events without a pause, on one thread",
-        "3,000 calls, 20,000 events per second of processor time, or two thirds of GDBus alone",
+        "3,000 calls and 20,000 events per second of processor time, or two thirds of GDBus alone",
         "held-rates", [["5"]], limit=60, alone=True),
     Row("service", "bus killed while the main loop runs", "**GDBus ends the process** by SIGTERM",
         "bus-killed-while-the-loop-runs", exit=-signal.SIGTERM, says=()),
@@ -125,7 +125,7 @@ APPLICATION = [
         says=("lists *error *it does not answer: its lock is held, or it was never finished",)),
 ]
 
-# What threads put aside for themselves looks used.
+# Memory cached by threads counts as used.
 EXACT = {"GLIBC_TUNABLES": "glibc.malloc.tcache_count=0"}
 MEMORY = [
     Row("memory", "4,000 calls of each family, answered", "text readers keep the reply, all others 0 bytes",

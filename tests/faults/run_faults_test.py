@@ -23,7 +23,7 @@ class Judging(unittest.TestCase):
     def assert_noticed(self, row, code, out, err):
         self.assertNotEqual(run_faults.problems(row, code, out, err), [])
 
-    def test_a_case_that_ends_as_its_row_says_has_no_problem(self):
+    def test_a_case_that_ends_as_documented_has_no_problem(self):
         self.assertEqual(run_faults.problems(ROW, *GOOD), [])
 
     def test_another_exit_code_is_noticed(self):
@@ -58,7 +58,7 @@ def code_in(document):
 
 
 class Documentation(unittest.TestCase):
-    def test_what_the_documents_advise_against_the_end_of_the_bus_is_what_is_tested(self):
+    def test_the_documented_remedy_for_a_lost_bus_is_the_tested_one(self):
         tested = (HERE / "service.cpp").read_text(encoding="utf-8")
         for document in ("docs/reliability.md", "docs/doxygen/mainpage.md"):
             code = code_in(document)

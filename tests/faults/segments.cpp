@@ -147,7 +147,7 @@ void FilledLater(const Arguments&)
     Desk desk;
     std::vector<unsigned char> payload(kBufferSegmentSize / 2);
     desk.player.EapWrite(1, payload);
-    Expect(false, "writing pages that are not to be had ends the process");
+    Expect(false, "writing pages that cannot be allocated ends the process");
 }
 
 std::string PlayingList(Desk& desk)

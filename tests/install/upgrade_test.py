@@ -114,7 +114,7 @@ class Root:
         for directory in ("info", "updates", "triggers"):
             (self.database / directory).mkdir(parents=True)
         entry = f"Package: {{}}\nStatus: install ok installed\nArchitecture: {architecture}\nMaintainer: none\n" \
-                "Version: {}\nDescription: stands for it\n"
+                "Version: {}\nDescription: placeholder\n"
         status = "\n".join(entry.format(package, version_here(package)) for package in sorted(needed))
         (self.database / "status").write_text(status)
         for package in needed:

@@ -32,7 +32,7 @@ TEST(CommandLine, GivesTheParserTheLastArgumentFirst)
     EXPECT_EQ(Parse({"ls", "--from", "3"}), (Words{"3", "--from", "ls"}));
 }
 
-TEST(CommandLine, TellsANegativeTimeFromAnOption)
+TEST(CommandLine, DistinguishesANegativeTimeFromAnOption)
 {
     EXPECT_EQ(Parse({"--json", "seek", "-1:30", "--verbose"}), (Words{"--verbose", "--back=1:30", "seek", "--json"}));
     EXPECT_EQ(Parse({"ls", "-10"}), (Words{"-10", "ls"}));
@@ -47,7 +47,7 @@ TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
     EXPECT_EQ(Parse({}), Words{});
 }
 
-TEST(OneOf, ListsWhatItExpects)
+TEST(OneOf, ListsTheAcceptedWords)
 {
     EXPECT_EQ(OneOf({"off", "on"})("on"), "");
     EXPECT_EQ(OneOf({"off", "on"})("maybe"), "expected one of off, on, got 'maybe'");
@@ -80,20 +80,20 @@ TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
               "Commands:\n  status     Print the status\n\n\n");
 }
 
-TEST(WholeNumber, SaysWhatItWants)
+TEST(WholeNumber, ReportsTheAcceptedRange)
 {
     EXPECT_EQ(WholeNumber(1)("5"), "");
-    EXPECT_EQ(WholeNumber(1)("0"), "'0' is not an integer of at least 1");
-    EXPECT_EQ(WholeNumber(0)("-1"), "'-1' is not an integer of at least 0");
+    EXPECT_EQ(WholeNumber(1)("0"), "expected an integer of at least 1, got '0'");
+    EXPECT_EQ(WholeNumber(0)("-1"), "expected an integer of at least 0, got '-1'");
 }
 
 TEST(NumberUpTo, KnowsTheWholeRange)
 {
     EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967295"), "");
     EXPECT_EQ(NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
-    EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967296"), "'4294967296' is not an integer between 0 and 4294967295");
+    EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967296"), "expected an integer between 0 and 4294967295, got '4294967296'");
     EXPECT_EQ(NumberUpTo(9, 1)("9"), "");
-    EXPECT_EQ(NumberUpTo(9, 1)("0"), "'0' is not an integer between 1 and 9");
+    EXPECT_EQ(NumberUpTo(9, 1)("0"), "expected an integer between 1 and 9, got '0'");
     for (const char* wrong : {"-1", "", "1x", " 1", "99999999999999999999"})
         EXPECT_NE(NumberUpTo(UINT64_MAX)(wrong), "");
 }
@@ -103,5 +103,5 @@ TEST(Seconds, AreFiniteAndAboveNothing)
     for (const char* right : {"0.001", "1", "2.5", "1e3", "60"}) EXPECT_EQ(Seconds(1000)(right), "");
     for (const char* wrong : {"", "0", "-1", "nan", "inf", "1x", "1001", "0.0001"})
         EXPECT_EQ(Seconds(1000)(wrong),
-                  std::string("'") + wrong + "' is not a number of seconds between 0.001 and 1000");
+                  std::string("expected a number of seconds between 0.001 and 1000, got '") + wrong + "'");
 }

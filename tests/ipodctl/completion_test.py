@@ -52,17 +52,17 @@ class Completion(unittest.TestCase):
             with self.subTest(line):
                 self.assertIn(offered, shell(line))
 
-    def test_bash_offers_what_can_follow(self):
+    def test_bash_completes_each_word(self):
         self.assert_offers(bash)
         self.assertNotIn("seek", bash("sta"))
         self.assertEqual(bash("sim scenario "), ["filesjson"])
 
     @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
-    def test_fish_offers_what_can_follow(self):
+    def test_fish_completes_each_word(self):
         self.assert_offers(fish)
 
     @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
-    def test_zsh_offers_what_can_follow(self):
+    def test_zsh_completes_each_word(self):
         self.assert_offers(zsh)
         self.assertEqual(zsh("sim scenario "), ["files -g *.json"])
 

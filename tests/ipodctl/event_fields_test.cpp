@@ -66,7 +66,7 @@ TEST(EventNames, AreThoseOfAllEvents)
     EXPECT_EQ(seen, std::set<std::string>(EventNames().begin(), EventNames().end()));
 }
 
-TEST(EventFields, RememberWhatPlaysOverOtherEvents)
+TEST(EventFields, RememberTheTrackAcrossOtherEvents)
 {
     EventFields fields;
     Json last;

@@ -13,7 +13,7 @@ TEST(Events, ShowATrackWithItsIndex)
     EXPECT_EQ(event.fields["track"]["picture"], true);
 }
 
-TEST(Events, ShowOnlyWhatTheServiceSentOfACall)
+TEST(Events, ShowOnlyTheFieldsOfACallThatTheServiceSent)
 {
     ipodkit::PhoneCall call;
     call.status = ipodkit::CallStatus::Ringing;

@@ -20,7 +20,7 @@ class ToFailureGives : public testing::TestWithParam<Case>
 {
 };
 
-TEST_P(ToFailureGives, AnExitCodeAndALineThatSaysWhatIsWrong)
+TEST_P(ToFailureGives, AnExitCodeAndAMessage)
 {
     const Failure failure = ToFailure({GetParam().kind, "the reason"});
     EXPECT_EQ(failure.code(), GetParam().code);
@@ -37,7 +37,7 @@ INSTANTIATE_TEST_SUITE_P(All, ToFailureGives,
                                          Case{ErrorKind::ServiceLost, kServiceLost, "disappeared", "running"},
                                          Case{ErrorKind::TimedOut, kServiceLost, "in time", "--deadline"},
                                          Case{ErrorKind::Refused, kNothingDone, "refused"},
-                                         Case{ErrorKind::BadReply, kServiceLost, "broken answer"},
+                                         Case{ErrorKind::BadReply, kServiceLost, "invalid answer"},
                                          Case{ErrorKind::Cancelled, kNothingDone, "changed", "try again"},
                                          Case{ErrorKind::NoSharedMemory, kNoSegments, "shared memory", "doctor"},
                                          Case{ErrorKind::BadArgument, kUsage, ""},
@@ -45,13 +45,13 @@ INSTANTIATE_TEST_SUITE_P(All, ToFailureGives,
                                          Case{ErrorKind::NoStorage, kUsage, ""}),
                          [](const auto& test) { return "Kind" + std::to_string(static_cast<int>(test.param.kind)); });
 
-TEST(ToFailure, TellsARefusalInTheWordsOfTheVerb)
+TEST(ToFailure, ReportsARefusalInTheWordsOfTheVerb)
 {
     EXPECT_STREQ(ToFailure({ErrorKind::Refused, "x"}, "it did not pause").what(), "it did not pause");
     EXPECT_STRNE(ToFailure({ErrorKind::TimedOut, "x"}, "it did not pause").what(), "it did not pause");
 }
 
-TEST(ToFailure, TellsAnErrorOfTheServiceByItsName)
+TEST(ToFailure, ReportsAnErrorOfTheServiceByItsName)
 {
     const Failure failure = ToFailure({ErrorKind::Refused, "not now", "com.example.Busy"}, "it did not pause");
     EXPECT_EQ(failure.code(), kNothingDone);

@@ -87,7 +87,7 @@ def main():
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser(description="Measures how quickly ipodctl answers and tells of events.")
+    parser = argparse.ArgumentParser(description="Measures how quickly ipodctl answers and prints events.")
     parser.add_argument("--ipodctl", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--times", type=int, default=100)

@@ -59,7 +59,7 @@ TEST_F(Files, GetANameInAFolder)
     EXPECT_EQ(FileIn("to/come/", "artwork", ".png"), "to/come/artwork.png");
 }
 
-TEST_F(Files, ComeBackAsTheyWereWritten)
+TEST_F(Files, AreReadAsTheyWereWritten)
 {
     std::vector<unsigned char> bytes(10000);
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i * 7);
@@ -76,7 +76,7 @@ TEST_F(Files, AreReadUpToALength)
     EXPECT_THROW(ReadFile(m_folder + "/a", 9999), Failure);
 }
 
-TEST_F(Files, ThatCannotBeUsedSayWhy)
+TEST_F(Files, ThatCannotBeUsedReportTheReason)
 {
     EXPECT_THROW(ReadFile(m_folder + "/none"), Failure);
     EXPECT_THROW(ReadFile(m_folder), Failure);

@@ -41,7 +41,7 @@ TEST(Format, PutsFieldsIntoText)
     EXPECT_EQ(Rendered(""), "");
 }
 
-TEST(Format, TakesADefaultInBothSpellings)
+TEST(Format, AcceptsADefaultInBothSpellings)
 {
     EXPECT_EQ(Rendered("{{ artist | default: \"?\" }}"), "?");
     EXPECT_EQ(Rendered("{{ default(artist, '?') }}"), "?");
@@ -49,7 +49,7 @@ TEST(Format, TakesADefaultInBothSpellings)
     EXPECT_EQ(Rendered("{{ title | default: \"?\" }}"), "Blue in Green");
 }
 
-TEST(Format, ShowsNothingForWhatIsUnknown)
+TEST(Format, PrintsNothingForUnknownFields)
 {
     EXPECT_EQ(Rendered("[{{ count }}]"), "[]");
     EXPECT_EQ(Rendered("[{{ duration(count) }}]"), "[]");
@@ -74,7 +74,7 @@ TEST(Format, DoesNotLetValuesReachTheTerminalRaw)
     EXPECT_EQ(Rendered("{{ title | upper }}", {{"title", "\xFFz"}}), "\uFFFDZ");
 }
 
-TEST(Format, SaysWhereItIsWrongAndWhatWasExpected)
+TEST(Format, ReportsTheColumnAndTheExpectation)
 {
     EXPECT_EQ(ErrorOf("{{ title"), "format, column 9: expected }}, found the end");
     EXPECT_EQ(ErrorOf("周明轩 {{ }}"),

@@ -10,7 +10,7 @@ TEST(Dump, WritesOneLineOfReadableJson)
     EXPECT_EQ(Dump(Json{{"name", "周明轩"}, {"n", 1}}), R"({"name":"周明轩","n":1})");
 }
 
-TEST(Dump, EscapesWhatATerminalWouldObeySoThatItReadsBackTheSame)
+TEST(Dump, EscapesControlCharactersSoThatItReadsBackTheSame)
 {
     const Json json{{"name", "a\033b\u009Bc\x7F\u202E\n"}};
     EXPECT_EQ(Dump(json), R"({"name":"a\u001bb\u009bc\u007f\u202e\n"})");
@@ -22,7 +22,7 @@ TEST(Dump, ReplacesBrokenUtf8)
     EXPECT_EQ(Dump(Json{{"name", "a\xFF"}}), "{\"name\":\"a\uFFFD\"}");
 }
 
-TEST(Output, HasNoColourWhereThereIsNoTerminal)
+TEST(Output, HasNoColorWithoutATerminal)
 {
     testing::internal::CaptureStdout();
     const ctl::Output out(false);
@@ -30,7 +30,7 @@ TEST(Output, HasNoColourWhereThereIsNoTerminal)
     testing::internal::GetCapturedStdout();
 }
 
-TEST(Output, IsWhatStandardOutputIsReservedFor)
+TEST(Output, IsAllThatStandardOutputGets)
 {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -44,7 +44,7 @@ TEST(Output, IsWhatStandardOutputIsReservedFor)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "printed by a library\n");
 }
 
-TEST(Output, ShowsTheFormThatWasAskedFor)
+TEST(Output, UsesTheRequestedFormat)
 {
     testing::internal::CaptureStdout();
     ctl::Output(false).Line(Json{{"a", 1}}, "text");

@@ -75,7 +75,7 @@ TEST(IsWhole, BelievesOtherKinds)
     EXPECT_TRUE(IsWhole({}));
 }
 
-TEST(IsSize, LeavesOutWhatNoPictureOfATrackHas)
+TEST(IsSize, OmitsImpossibleSizes)
 {
     EXPECT_TRUE(IsSize(1, 65535));
     EXPECT_FALSE(IsSize(0, 300));

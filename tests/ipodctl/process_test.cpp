@@ -63,13 +63,13 @@ TEST_F(CommandsOf, EventsMayIgnoreAnInputLongerThanAPipe)
     EXPECT_TRUE(complaints.empty());
 }
 
-TEST_F(CommandsOf, EventsThatFailAreTold)
+TEST_F(CommandsOf, FailuresAreReported)
 {
     Run("exit 3", {{Json::object(), ""}, {Json::object(), ""}});
     EXPECT_EQ(complaints, (std::vector<std::string>(2, "the command ended with exit code 3")));
 }
 
-TEST(RunInChild, HandsOverWhatTheWorkReturned)
+TEST(RunInChild, PassesOnTheResult)
 {
     const std::string much(1 << 21, 'x');
     const ChildOutcome outcome = RunInChild([&] { return much; });
@@ -83,7 +83,7 @@ TEST(RunInChild, SurvivesACrash)
 }
 
 // A runtime that catches the crash exits this way.
-TEST(RunInChild, TakesABadStatusForACrash)
+TEST(RunInChild, TreatsABadStatusAsACrash)
 {
     EXPECT_EQ(RunInChild([]() -> std::string { _exit(1); }).end, ChildOutcome::End::Crashed);
 }

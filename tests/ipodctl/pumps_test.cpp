@@ -84,7 +84,7 @@ TEST(OutputPump, WritesAllBytesInTheirOrder)
     EXPECT_EQ(pipe.Received(), std::string(bytes.begin(), bytes.end()));
 }
 
-TEST(OutputPump, TakesNoLongerForAByteWhenMoreAreWaiting)
+TEST(OutputPump, NeedsNoLongerForAByteWhenMoreAreWaiting)
 {
     DrainedPipe pipe;
     OutputPump pump([](int) { FAIL(); });

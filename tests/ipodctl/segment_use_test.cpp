@@ -21,7 +21,7 @@ SegmentUse Use(const std::string& segment, ino_t now)
     return UseIn(maps, segment, now);
 }
 
-TEST(SegmentUse, IsOfWhatStandsUnderTheNameOrOfWhatDidOnce)
+TEST(SegmentUse, RefersToTheCurrentOrARemovedObject)
 {
     EXPECT_EQ(Use("Buffers", 13), SegmentUse::Same);
     EXPECT_EQ(Use("Buffers", 20), SegmentUse::Other);

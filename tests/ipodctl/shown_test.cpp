@@ -18,7 +18,7 @@ TEST(ProgressBar, ShowsHalvesWhereTheTerminalCan)
     EXPECT_EQ(ProgressBar(50, 100, 12, false), "[====>     ]");
 }
 
-TEST(ProgressBar, StaysWithinSensibleWidthsWhateverTheServiceSays)
+TEST(ProgressBar, StaysWithinSensibleWidthsForAnyInput)
 {
     for (const bool utf8 : {false, true})
         for (const int width : {-5, 0, 1, 4, 20, 42, 2147483647})
@@ -46,7 +46,7 @@ TEST(Hex, WritesTwoDigitsForEachByte)
     EXPECT_EQ(Hex(std::string_view("\x00\x0a\xff", 3)), "000aff");
 }
 
-TEST(Summarise, TakesTheNearestRank)
+TEST(Summarise, UsesTheNearestRank)
 {
     std::vector<double> times;
     for (int i = 200; i >= 1; --i) times.push_back(i);
@@ -58,7 +58,7 @@ TEST(Summarise, TakesTheNearestRank)
     EXPECT_EQ(Summarise({7}).p99, 7);
 }
 
-TEST(Fitting, LeavesOutWhatHasNoRoomFromTheEnd)
+TEST(Fitting, DropsFieldsFromTheEndUntilTheLineFits)
 {
     EXPECT_EQ(Fitting({"one", "", "two", "three"}, 80), "one   two   three");
     EXPECT_EQ(Fitting({"one", "two", "three"}, 10), "one   two");

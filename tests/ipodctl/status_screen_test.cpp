@@ -100,7 +100,7 @@ TEST(StatusScreen, FitsIntoTerminalsOfAllSizes)
         }
 }
 
-TEST(StatusScreen, KeepsWhatMattersInASmallTerminal)
+TEST(StatusScreen, KeepsTheEssentialsInASmallTerminal)
 {
     EXPECT_EQ(Shown(Playing(), 20, 5),
               (Lines{"A title that is muc…", "Artist - Album", "[=>    ] 1:01 / 4:29", "playing"}))
@@ -141,7 +141,7 @@ TEST(StatusScreen, ShowsCallsWithoutAnIdentifierOrAName)
                                                   R"({"status":"ringing","name":"","remote":""}])");
 }
 
-TEST(StatusScreen, TellsARefusedQueueFromAnEmptyOneInJson)
+TEST(StatusScreen, DistinguishesARefusedQueueFromAnEmptyOneInJson)
 {
     Status status = Playing();
     EXPECT_EQ(StatusJson(status)["queue"].size(), 5U);
@@ -151,7 +151,7 @@ TEST(StatusScreen, TellsARefusedQueueFromAnEmptyOneInJson)
     EXPECT_TRUE(StatusJson(status)["queue"].is_null());
 }
 
-TEST(StatusScreen, SaysWhatIsUnknown)
+TEST(StatusScreen, ReportsUnknownFields)
 {
     Status status;
     status.state = std::make_shared<ipodkit::PlayerState>();
@@ -163,7 +163,7 @@ TEST(StatusScreen, SaysWhatIsUnknown)
 const std::vector<unsigned char> kPng{0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
                                       0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
 
-TEST(Draw, GivesNothingForWhatIsNoPicture)
+TEST(Draw, ReturnsNothingForAnInvalidImage)
 {
     for (const auto& bytes : {std::vector<unsigned char>(), kPng, {0xFF, 0xD8, 0xFF, 0xE0, 0, 0}})
         EXPECT_TRUE(Draw(ipodkit::Examine(bytes), 20, 10, Palette::None, false).lines.empty());

@@ -12,7 +12,7 @@ TEST(Printable, KeepsOrdinaryText)
     EXPECT_EQ(Printable(""), "");
 }
 
-TEST(Printable, ReplacesWhatATerminalWouldObey)
+TEST(Printable, ReplacesControlCharacters)
 {
     EXPECT_EQ(Printable("a\033[2Jb"), "a\uFFFD[2Jb");
     EXPECT_EQ(Printable("a\tb\nc\x7F"), "a\uFFFDb\uFFFDc\uFFFD");
@@ -38,7 +38,7 @@ TEST(Width, CountsColumnsAndNotBytes)
     EXPECT_EQ(Width(""), 0);
 }
 
-TEST(Cut, KeepsWhatFits)
+TEST(Cut, KeepsTheTextThatFits)
 {
     EXPECT_EQ(Cut("abc", 3), "abc");
     EXPECT_EQ(Cut("周杰", 4), "周杰");
@@ -77,7 +77,7 @@ TEST(Bar, ShowsThePositionWithinItsWidth)
     EXPECT_EQ(Bar(100, 100, 12), "[=========>]");
 }
 
-TEST(Bar, StaysWithinItsWidthWhateverTheServiceSays)
+TEST(Bar, StaysWithinItsWidthForAnyInput)
 {
     EXPECT_EQ(Bar(500, 100, 12), "[=========>]");
     EXPECT_EQ(Bar(-5, 100, 12), "[>         ]");
@@ -92,7 +92,7 @@ TEST(Count, KnowsOneFromMany)
     EXPECT_EQ(Count(0, "entry", "entries"), "0 entries");
 }
 
-TEST(ParseIndex, TakesDigitsOnly)
+TEST(ParseIndex, AcceptsDigitsOnly)
 {
     EXPECT_EQ(ParseIndex("0"), 0);
     EXPECT_EQ(ParseIndex("999999999"), 999999999);
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(All, ParseSeekAccepts,
                                          SeekCase{"90:00", false, 5400}, SeekCase{"+10", true, 10},
                                          SeekCase{"-1:05", true, -65}));
 
-TEST(ParseSeek, RefusesWhatIsNoTime)
+TEST(ParseSeek, RejectsInvalidTimes)
 {
     for (const char* text : {"", "+", "-", "1:", ":30", "1:5", "1:60", "1:2:3:4", "a", "1.5", "--5", "+-5", "99999999"})
         EXPECT_FALSE(ParseSeek(text)) << text;

@@ -120,7 +120,7 @@ TEST_F(AccessoryTest, ASessionIsOpenUntilTheServiceClosesIt)
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
-TEST_F(AccessoryTest, BytesGoToASessionWhoseOpeningNobodySaw)
+TEST_F(AccessoryTest, BytesReachASessionWhoseOpeningWasMissed)
 {
     AccessoryPort port(*session);
 
@@ -131,7 +131,7 @@ TEST_F(AccessoryTest, BytesGoToASessionWhoseOpeningNobodySaw)
     EXPECT_THAT(port.Sessions(), IsEmpty());
 }
 
-TEST_F(AccessoryTest, BytesByNumberTakeTheirTurnWithThoseOfTheSession)
+TEST_F(AccessoryTest, BytesByNumberAreQueuedWithThoseOfTheSession)
 {
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 300);

@@ -48,7 +48,7 @@ TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
     const Result<PagePtr> page = Get(pager, 0);
 
     EXPECT_EQ(KindOf(page), ErrorKind::BadReply);
-    EXPECT_THAT(page.error().reason, HasSubstr("10 entries instead of 50"));
+    EXPECT_THAT(page.error().reason, HasSubstr("expected a page of 50 entries, got 10"));
     service.Answer("GetPlayingListItemsAmount", "(10,)");
     EXPECT_EQ(Get(pager, 9).value()->names.size(), 10U);
 }

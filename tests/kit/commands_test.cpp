@@ -137,7 +137,7 @@ TEST_F(CommandsTest, ATrackRecordOfAnotherSizeIsABadReply)
     EXPECT_EQ(KindOf(Completed(Ask().CurrentTrack())), ErrorKind::BadReply);
 }
 
-TEST_F(ArtworkCommandTest, ReturnsTheImageWithWhatTheServiceReportsAboutIt)
+TEST_F(ArtworkCommandTest, ReturnsTheImageAndTheServicesDescription)
 {
     const std::vector<unsigned char> image{0xFF, 0xD8, 0xFF, 0xE0};
     AnswerArtwork(0, image);

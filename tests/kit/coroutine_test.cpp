@@ -225,7 +225,7 @@ TEST_F(CoroutineTest, AnExceptionReachesTheTaskThatAwaits)
     EXPECT_EQ(caught, "broken");
 }
 
-TEST_F(CoroutineTest, AnExceptionThatNobodyCatchesIsLogged)
+TEST_F(CoroutineTest, AnUncaughtExceptionIsLogged)
 {
     tasks->Start(Throw(Ask()));
 

@@ -58,7 +58,7 @@ class Asyncio(WithSimulator):
         self.assertIsInstance(raised.exception, ipodkit.Error)
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
 
-    async def test_the_loop_goes_on_while_the_service_hangs(self):
+    async def test_the_loop_continues_while_the_service_hangs(self):
         session = await self.ready_session()
         self.simulator.hang()
         try:
@@ -154,7 +154,7 @@ class Asyncio(WithSimulator):
         self.assertLess(time.process_time() - before, 0.1)
         self.assertEqual(session.state.phase, ipodkit.Phase.READY)
 
-    async def test_the_example_follows_what_plays(self):
+    async def test_the_example_follows_playback(self):
         example = await asyncio.create_subprocess_exec(
             OPTIONS.interpreter, f"{OPTIONS.examples}/now_playing_asyncio.py", stdout=asyncio.subprocess.PIPE)
         try:
@@ -220,7 +220,7 @@ class Lists(WithSimulator):
         with self.assertRaises(ipodkit.BadArgument):
             await ipodkit.Pager(self.session, ipodkit.ListKind.DATABASE, page_size=0).count()
 
-    async def test_what_is_no_kind_and_no_index_is_a_type_error(self):
+    async def test_an_invalid_kind_or_index_is_a_type_error(self):
         pager = await self.pager()
         for wrong in (lambda: ipodkit.Pager(self.session, "DATABASE"), lambda: ipodkit.Pager(None, 1),
                       lambda: pager.at("0"), lambda: pager.at(2**40),
@@ -236,7 +236,7 @@ class Lists(WithSimulator):
         with self.assertRaises(RuntimeError):
             ipodkit.Pager(self.session, ipodkit.ListKind.DATABASE)
 
-    async def test_the_example_finds_what_was_typed(self):
+    async def test_the_example_finds_the_query(self):
         name = (await (await self.pager()).range())[0]
         self.session.close()
         example = await asyncio.create_subprocess_exec(

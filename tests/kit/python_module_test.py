@@ -49,7 +49,7 @@ class WithoutService(unittest.TestCase):
         self.session = ipodkit.Session(settle=0.005, deadline=5)
         self.addCleanup(self.session.close)
 
-    def test_a_request_says_that_nobody_is_there(self):
+    def test_a_request_fails_without_a_service(self):
         with self.assertRaises(ipodkit.Error) as raised:
             self.session.commands.next().wait()
 
@@ -65,7 +65,7 @@ class WithoutService(unittest.TestCase):
         with self.assertWarnsRegex(ResourceWarning, "^subscription 'dropped' was dropped; keep a reference"):
             self.session.on_state("dropped", print)
 
-    def test_what_was_ended_in_time_makes_no_warning(self):
+    def test_objects_ended_in_time_cause_no_warning(self):
         with warnings.catch_warnings(record=True) as caught:
             warnings.simplefilter("always")
             self.session.on_connection("ended", print).end()
@@ -78,7 +78,7 @@ class WithoutService(unittest.TestCase):
 
         self.assertEqual([str(each.message) for each in caught], [])
 
-    def test_numbers_without_a_name_print_as_such(self):
+    def test_numbers_without_a_name_are_printed_as_numbers(self):
         unknown = ipodkit.PlayStatus(77)
 
         self.assertEqual((repr(unknown), str(unknown)), ("<PlayStatus: 77>", "PlayStatus(77)"))
@@ -90,12 +90,12 @@ class WithoutService(unittest.TestCase):
     def test_the_module_has_a_version(self):
         self.assertRegex(ipodkit.__version__, r"^\d+\.\d+\.\d+$")
 
-    def test_what_are_no_fields_is_an_error_of_their_type(self):
+    def test_invalid_fields_raise_a_type_error(self):
         for wrong in ({"track"}, [None], 1, ipodkit.Field.TRACK):
             with self.subTest(wrong), self.assertRaises(TypeError):
                 self.session.on_state("wrong", print, wrong)
 
-    def test_what_is_no_duration_is_an_error_of_its_type_or_value(self):
+    def test_invalid_durations_raise_a_type_or_value_error(self):
         for wrong in ("x", None, [1]):
             with self.subTest(wrong), self.assertRaisesRegex(TypeError, "must be real number"):
                 self.session.commands.seek(wrong)
@@ -118,13 +118,13 @@ class WithoutService(unittest.TestCase):
 
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.BAD_ARGUMENT)
 
-    def test_a_closed_session_says_so(self):
+    def test_a_closed_session_raises(self):
         self.session.close()
 
         with self.assertRaisesRegex(RuntimeError, "closed"):
             self.session.state
 
-    def test_the_state_is_there_and_knows_nothing(self):
+    def test_the_state_is_unknown_at_first(self):
         self.assertEqual(self.session.state.phase, ipodkit.Phase.ABSENT)
         self.assertIsNone(self.session.state.track)
         self.assertEqual(self.session.state.calls, {})
@@ -180,7 +180,7 @@ class WithSimulator(unittest.TestCase):
         self.assertEqual(self.session.state.battery.percent, 42)
         watching.end()
 
-    def test_values_tell_what_they_hold(self):
+    def test_values_have_a_repr(self):
         commands = self.session.commands
         commands.start_playback(ipodkit.PlayOption.START).wait()
         self.assertTrue(run_until(lambda: self.session.state.status == ipodkit.PlayStatus.PLAYING))
@@ -312,7 +312,7 @@ class WithSimulator(unittest.TestCase):
 
         self.assertFalse(stop.cancelled)
 
-    def test_another_thread_can_withdraw_what_is_waited_for(self):
+    def test_another_thread_can_cancel_a_pending_wait(self):
         self.simulator.hang()
         stop = ipodkit.Cancellation()
         withdrawing = threading.Timer(0.2, stop.cancel)
@@ -403,7 +403,7 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: given, 1))
         self.assertEqual(given[0].kind, ipodkit.ErrorKind.CANCELLED)
 
-    def test_the_end_of_the_session_completes_what_is_under_way(self):
+    def test_the_end_of_the_session_completes_open_requests(self):
         self.simulator.hang()
         given = []
         self.session.commands.next().start(lambda value, error: given.append(error.kind))
@@ -451,7 +451,7 @@ class WithSimulator(unittest.TestCase):
 
         self.assertEqual(len(calls), 1)
 
-    def test_what_a_callback_raises_is_reported_and_ends_nothing(self):
+    def test_an_exception_of_a_callback_is_reported_and_ends_nothing(self):
         reported = self.reported_as_unraisable()
 
         watching = self.session.on_state("broken", lambda state, changed: 1 / 0)
@@ -482,7 +482,7 @@ class WithSimulator(unittest.TestCase):
         watching.end()
         self.assertEqual(reported, [])
 
-    def test_an_interrupt_that_nobody_handles_is_reported(self):
+    def test_an_unhandled_interrupt_is_reported(self):
         self.addCleanup(signal.signal, signal.SIGINT, signal.signal(signal.SIGINT, signal.SIG_IGN))
         reported = self.reported_as_unraisable()
 
@@ -511,7 +511,7 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: ended))
         ending.join()
 
-    def test_the_example_shows_what_plays(self):
+    def test_the_example_shows_the_playing_track(self):
         example = subprocess.Popen([OPTIONS.interpreter, OPTIONS.example], stdout=subprocess.PIPE, text=True)
         self.addCleanup(example.stdout.close)
         self.addCleanup(example.wait)
@@ -533,7 +533,7 @@ class WithSimulator(unittest.TestCase):
 
         errors = example.communicate(timeout=LIMIT)[1]
         # On a slow machine, the log may report a slow callback.
-        self.assertEqual([line for line in errors.splitlines() if "its budget is" not in line], [])
+        self.assertEqual([line for line in errors.splitlines() if "over its budget of" not in line], [])
         self.assertEqual(example.returncode, 0)
 
 

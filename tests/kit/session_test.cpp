@@ -440,7 +440,7 @@ TEST_F(SessionTest, AFullSegmentRequiresARestart)
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
 
     EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoSharedMemory);
-    EXPECT_THAT(session->Connection().error->reason, HasSubstr("remedy this and start the application again"));
+    EXPECT_THAT(session->Connection().error->reason, HasSubstr("fix this and restart the application"));
     RecordPhases();
     shm_unlink(kBufferSegmentName);
     RunLoopFor(1500ms);
@@ -576,7 +576,7 @@ TEST_F(SessionTest, TheEndOfTheBusIsReported)
     EXPECT_EQ(KindOf(Completed(session->Commands().Next())), ErrorKind::NoBus);
 }
 
-TEST_F(SessionTest, ABusThatComesBackIsFoundAgain)
+TEST_F(SessionTest, AReturningBusIsFoundAgain)
 {
     auto service = std::make_unique<FakeService>();
     AnswerState(*service);

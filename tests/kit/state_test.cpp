@@ -48,7 +48,7 @@ TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
     EXPECT_FALSE(State()->location);
 }
 
-TEST_F(StateTest, IsPublishedWithEachEventIfThereIsNoSettleTime)
+TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
 {
     options.settle = 0ms;
     Ready();
@@ -179,7 +179,7 @@ TEST_F(StateTest, APauseKeepsThePosition)
     EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
 }
 
-TEST_F(StateTest, ARevertedValueWithinABurstIsNoChange)
+TEST_F(StateTest, AValueRevertedWithinABurstIsNotAChange)
 {
     Ready();
     const std::uint64_t version = State()->version;

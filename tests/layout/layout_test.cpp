@@ -179,7 +179,7 @@ TEST_P(ForeignImagesDeathTest, ThrowAndNameTheSegment)
 {
     const auto& [lists, buffers, refused] = GetParam();
     EXPECT_EXIT(AttachForeignImages(lists, buffers), testing::ExitedWithCode(0),
-                "refused: segment " + refused + ": its layout is not the one of this build");
+                "refused: segment " + refused + ": its layout differs from that of this build");
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ForeignImagesDeathTest,

@@ -96,7 +96,7 @@ TEST_F(LogSetUp, DoesNotMixLinesOfThreads)
     EXPECT_EQ(2000, found);
 }
 
-TEST_F(LogSetUp, WritesToStandardErrorWithoutAFile)
+TEST_F(LogSetUp, WritesToStandardErrorByDefault)
 {
     testing::internal::CaptureStderr();
     ASSERT_EQ(1, QBX_LogInit("WARN"));

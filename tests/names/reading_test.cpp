@@ -18,7 +18,7 @@ struct Row
     std::string reading;
 };
 
-// Lines "NAME<tab>READING".
+// The file describes its format.
 std::vector<Row> KnownReadings()
 {
     std::ifstream file(IPODNAMES_READINGS);
@@ -26,7 +26,7 @@ std::vector<Row> KnownReadings()
     for (std::string line; std::getline(file, line);)
     {
         const std::size_t tab = line.find('\t');
-        rows.push_back({line.substr(0, tab), line.substr(tab + 1)});
+        if (tab != std::string::npos) rows.push_back({line.substr(0, tab), line.substr(tab + 1)});
     }
     return rows;
 }

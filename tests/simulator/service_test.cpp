@@ -660,7 +660,7 @@ TEST_F(BuiltinService, LetsATestOverrideAMethod)
     EXPECT_THROW(service.On("GetPlayState", nullptr), std::runtime_error);
 }
 
-TEST_F(Service, DoesOnlyWhatIsScripted)
+TEST_F(Service, DoesOnlyTheScriptedActions)
 {
     ipodsim::ScriptedService service;
     Client client;

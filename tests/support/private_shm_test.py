@@ -82,7 +82,7 @@ class WithoutPrivateMounts(Confined):
         self.assertEqual(status, 1)
         self.assertRegex(output, f"^with-private-shm: {LISTS} exists, .*\nhint: .*\n$")
 
-    def test_the_next_command_removes_what_a_killed_one_left(self):
+    def test_the_next_command_removes_leftovers_of_a_killed_one(self):
         killed = f'"$SHM" sh -c "touch {LISTS}; kill -9 \\$PPID"; ls -A /dev/shm; '
         for command in (["sh", "-c", '"$SHM" true'], TEST_PROGRAM):
             with self.subTest(command[0]):

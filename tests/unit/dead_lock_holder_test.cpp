@@ -69,7 +69,7 @@ protected:
 };
 }  // namespace
 
-TEST_F(LockOfADeadProcess, EndsTheLookupOfAVectorInAnException)
+TEST_F(LockOfADeadProcess, MakesTheLookupOfAVectorThrow)
 {
     auto die = [] { _exit(0); };
     InAChild([&] { m_segment.atomic_func(die); });

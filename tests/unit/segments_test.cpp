@@ -71,8 +71,7 @@ protected:
 
     void ExpectRefusalAfterTheWait()
     {
-        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": it exists but was never finished by its creator",
-                  Refusal());
+        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": its creator never finished it", Refusal());
         EXPECT_GE(m_took, kCreatorIsGiven);
         EXPECT_LT(m_took, kRefusedAtTheLatest);
     }
@@ -494,7 +493,7 @@ TEST_F(AttachSegment, DoesNotCreateOneOnADeviceWithLessSpace)
     {
         if (!MountDevice(size)) GTEST_SKIP() << "no mount namespace available";
 
-        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": there is no space for it", Refusal()) << size;
+        EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": no space left in /dev/shm", Refusal()) << size;
         EXPECT_NE(0, access(m_name.path().c_str(), F_OK));
     }
 }
@@ -525,7 +524,7 @@ TEST_F(PublishNewSegment, SucceedsFromTheSmallestSizeOn)
     EXPECT_EQ(kSmallest, test::ReadFile(m_name.path()).size());
 }
 
-TEST_F(PublishNewSegment, FailsWhenTheNameIsTaken)
+TEST_F(PublishNewSegment, FailsWhenTheNameExists)
 {
     Put({1, 2, 3});
 

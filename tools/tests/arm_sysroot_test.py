@@ -124,7 +124,7 @@ class ArmSysroot(unittest.TestCase):
         (self.sysroot / "usr").mkdir(parents=True)
         status, line = self.run_tool()
         self.assertEqual(status, 1)
-        self.assertIn("is no sysroot of this script; remove it, or name another place", line)
+        self.assertIn("is not a sysroot of this script; remove it, or name another directory", line)
         self.assertTrue((self.sysroot / "usr").exists())
 
 

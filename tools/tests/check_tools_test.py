@@ -130,7 +130,7 @@ class CheckFunctionSize(Case):
                      self.function(0)[:-2] + "    if (a)\n    {\n" + "        ++a;\n" * 38 + "    }\n}\n"):
             self.expect("Long() has 41 lines, the limit is 40", text)
 
-    def test_takes_neither_namespaces_nor_tables_for_functions(self):
+    def test_treats_neither_namespaces_nor_tables_as_functions(self):
         table = "const int kTable[] =\n{\n" + "    1,\n" * 60 + "};\n"
         status, output = self.check("namespace a\n{\n" + table + "void F() { g(); }\n}\n")
         self.assertEqual(0, status, output)
@@ -238,6 +238,33 @@ class CheckWords(Case):
         self.assertEqual(2, self.run_check("check-words", "--no-spelling", self.root / "*.none")[0])
 
 
+class MakeMessages(Case):
+    SOURCE = 'void Open()\n{\n    throw Failure(kUsage, "cannot open \'" + Printable(path) + "\': " + why, "try again later");\n}\n'
+
+    def setUp(self):
+        super().setUp()
+        self.write("docs/ipodctl-reference.md", "lists all commands\n")
+        self.write("run", 'die "unknown verb \'$1\'" "list the verbs"\n')
+        self.write("ipodctl/open.cpp", self.SOURCE + 'const char* kHelp = "lists all commands";\n')
+        self.assertEqual((0, ""), self.run_check("make-messages", self.root))
+
+    def test_lists_messages_with_their_hints_and_no_help(self):
+        page = (self.root / "docs/messages.md").read_text(encoding="utf-8")
+        self.assertIn("* cannot open '…': … · try again later\n", page)
+        self.assertIn("* unknown verb '…' · list the verbs\n", page)
+        self.assertNotIn("lists all commands", page)
+
+    def test_passes_a_current_page(self):
+        status, output = self.run_check("make-messages", "--check", self.root)
+        self.assertEqual(0, status, output)
+
+    def test_finds_a_changed_message(self):
+        self.write("ipodctl/open.cpp", self.SOURCE.replace("cannot open", "failed to open"))
+        status, output = self.run_check("make-messages", "--check", self.root)
+        self.assertEqual(1, status, output)
+        self.assertIn("+* failed to open '…': … · try again later", output)
+
+
 class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
@@ -249,7 +276,7 @@ class Hardening(Case):
                         self.write("source.c", self.SOURCE)], check=True, timeout=60)
         return self.run_check("../tests/faults/hardening_test.py", 0, built)
 
-    def test_expects_of_a_program_what_programs_need_wherever_it_was_built(self):
+    def test_expects_the_flags_of_programs_in_any_build(self):
         for name in ("build/program", "libipod/build/program", "libipod.so.d/program"):
             with self.subTest(name):
                 self.assertEqual((0, "1 hardened, 0 not\n"), self.check(name, "-pie", "-rdynamic", "-Wl,-e,start"))

@@ -34,7 +34,7 @@ class Changes(unittest.TestCase):
         self.expect("    object.Change(x);", "    ;")
         self.expect("    count = other;", "    ;")
 
-    def test_change_a_text_but_not_what_it_looks_like(self):
+    def test_change_a_text_but_not_its_form(self):
         self.expect("    return \"a < b, 1\";", "    return \"a < b, 1x\";")
 
     def test_skip_declarations_and_comments(self):

@@ -86,7 +86,7 @@ class Run(unittest.TestCase):
 
     # Packages
 
-    def test_a_user_who_may_not_install_packages_is_given_the_command(self):
+    def test_without_root_prints_the_command_to_install_packages(self):
         status, _, errors = self.run_verb("setup", user=self.ordinary_user(), MISSING="ninja-build")
         self.assertEqual(status, 1)
         self.assertEqual(errors, "run: 1 Debian packages are missing, and installing them requires root\n"

@@ -35,7 +35,7 @@ class Toolchain(unittest.TestCase):
         for language in ("C", "CXX"):
             output = self.refused(f"-DCMAKE_SYSROOT={self.scratch}", "-DCMAKE_C_COMPILER=cc", "-DCMAKE_CXX_COMPILER=c++",
                                 f"-DCMAKE_{language}_COMPILER=no-such-compiler")
-            self.assertIn("There is no cross compiler 'no-such-compiler'. Install the packages of "
+            self.assertIn("Cannot find the cross compiler 'no-such-compiler'. Install the packages of "
                           "packaging/packages-arm.txt", output)
 
 

@@ -107,9 +107,9 @@ void AccessoryPort::Impl::Received(const AccessoryData& event)
     if (fitting.empty())
         return LogWarning("received bytes for accessory session " + std::to_string(event.sessionLowByte) +
                           ", which is not open");
-    const Error error{ErrorKind::Ambiguous, "bytes for a session whose number ends in " +
+    const Error error{ErrorKind::Ambiguous, "received bytes for a session number that ends in " +
                                                 std::to_string(event.sessionLowByte) + "; " +
-                                                std::to_string(fitting.size()) + " such sessions are open"};
+                                                std::to_string(fitting.size()) + " open sessions match"};
     for (const ImplPtr& each : fitting) each->Receive(tl::unexpected<Error>(error));
 }
 

@@ -21,7 +21,7 @@ Error TooManyWaiting(std::size_t waiting)
     return {ErrorKind::Busy, std::to_string(waiting) + " bytes are waiting; OnDrained() reports when they are sent"};
 }
 
-const Error kWithdrawnHalfSent{ErrorKind::Cancelled, "a write was withdrawn after a part of it had been sent"};
+const Error kWithdrawnHalfSent{ErrorKind::Cancelled, "a write was cancelled after part of it had been sent"};
 }  // namespace
 
 // Moved to another thread and back. The objects that belong to this thread are never destroyed there.

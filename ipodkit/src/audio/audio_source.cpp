@@ -75,7 +75,7 @@ Result<void> AudioSource::Impl::Request()
     if (m_number != 0 && m_number != 1)
         return Fail(ErrorKind::BadArgument, "source: expected 0 or 1, got " + std::to_string(m_number));
     IQBXIpodPlayer* const player = CoreLink::Instance().Player();
-    if (player == nullptr) return Fail(ErrorKind::NoService, "the session has not been ready yet");
+    if (player == nullptr) return Fail(ErrorKind::NoService, "the session was never ready");
     if (m_state != AudioState::Released) return {};
     const int code = player->Play(m_number == 0 ? IPOD_PLAY_REQUEST_SOURCE_0 : IPOD_PLAY_REQUEST_SOURCE_1, 0);
     if (code != 1 && code != 2)
@@ -106,7 +106,7 @@ void AudioSource::Impl::Deactivated(int confirmation, bool forAWhile)
     CoreLink::Instance().Player()->Play(IPOD_PLAY_CONFIRM_DEACTIVE, confirmation);
     if (!forAWhile) return Go(AudioState::Released, "deactivated");
     const bool goesOn = m_state == AudioState::Playing || m_state == AudioState::Suspended;
-    Go(goesOn ? AudioState::Suspended : AudioState::Granted, "deactivated for a while");
+    Go(goesOn ? AudioState::Suspended : AudioState::Granted, "temporarily deactivated");
 }
 
 ipodkit::Request<void> AudioSource::Impl::Play(PlayOption option)

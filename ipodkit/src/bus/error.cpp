@@ -78,7 +78,7 @@ const char* Name(ErrorKind kind)
 const char* Remedy(ErrorKind kind)
 {
     static constexpr const char* remedies[] = {
-        "start the program where a session bus runs: DBUS_SESSION_BUS_ADDRESS is its address",
+        "set DBUS_SESSION_BUS_ADDRESS to the address of a running session bus",
         "start the iPod service",
         "check whether the service crashed; send the request again when the session is Ready",
         "check whether the service hangs, or allow more time with Within()",

@@ -43,7 +43,8 @@ Decoded<int> Count(GVariant* body)
 {
     Result<int> count = Int<int>(body);
     if (*count >= 0) return count;
-    return tl::unexpected<Error>(Error{ErrorKind::BadReply, "an amount of " + std::to_string(*count)});
+    return tl::unexpected<Error>(
+        Error{ErrorKind::BadReply, "expected a count of at least 0, got " + std::to_string(*count)});
 }
 
 Decoded<std::string> Text(GVariant* body)

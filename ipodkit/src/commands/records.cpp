@@ -49,8 +49,8 @@ Result<Record> ToRecord(GVariant* body)
     const VariantPtr boxed(g_variant_get_child_value(body, 0));
     const std::vector<unsigned char> bytes = BytesOf(boxed.get());
     if (bytes.size() == sizeof(Record)) return FilledFrom<Record>(bytes);
-    return BadReply("a record of " + std::to_string(bytes.size()) + " bytes instead of " +
-                    std::to_string(sizeof(Record)));
+    return BadReply("expected a record of " + std::to_string(sizeof(Record)) + " bytes, got " +
+                    std::to_string(bytes.size()));
 }
 
 // As the core reads the records of events: a text without a NUL in its slot runs on into the next one, up to the end of

@@ -15,7 +15,7 @@ Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std:
 Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
                          std::uint16_t session);
 
-/// What comes with a page: both false for lists other than the database.
+/// Flags of a page; both are false for lists other than the database.
 struct PageHead
 {
     bool folders = false;

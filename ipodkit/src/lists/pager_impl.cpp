@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds kSlack(100);
 tl::unexpected<Error> WrongSize(std::size_t got, std::size_t wanted)
 {
     return tl::unexpected<Error>(Error{
-        ErrorKind::BadReply, "a page of " + std::to_string(got) + " entries instead of " + std::to_string(wanted) +
+        ErrorKind::BadReply, "expected a page of " + std::to_string(wanted) + " entries, got " + std::to_string(got) +
                                  "; another application may have read a list at the same time, try again"});
 }
 

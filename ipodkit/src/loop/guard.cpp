@@ -41,7 +41,8 @@ void LogWarning(const std::string& text)
 void Guard::Judge(const std::string& name, std::chrono::steady_clock::duration taken) const
 {
     if (taken <= m_budget) return;
-    LogWarning("callback '" + name + "' took " + DurationText(taken) + ", its budget is " + DurationText(m_budget));
+    LogWarning("callback '" + name + "' took " + DurationText(taken) + ", over its budget of " +
+               DurationText(m_budget));
 }
 
 void Guard::LogThrow(const std::string& name, const char* what)

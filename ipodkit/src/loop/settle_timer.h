@@ -1,6 +1,6 @@
 /// @file
 /// A timer with a resolution of a microsecond; GLib's are rounded up to the millisecond. While the process has no
-/// descriptor left, it is no more exact than those.
+/// descriptor left, it is only as exact as those.
 #pragma once
 
 #include <chrono>

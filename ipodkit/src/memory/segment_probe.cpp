@@ -104,7 +104,7 @@ std::optional<Error> Probe(const char* segment)
     if (fd < 0) return errno == ENOENT ? std::nullopt : std::make_optional(CannotOpen(segment, errno));
     const File file(fd);
     if (!S_ISREG(file.Status().st_mode))
-        return Failure(segment, "its name is taken by something else", Removal(segment));
+        return Failure(segment, "it exists and is not shared memory", Removal(segment));
     if (!BecomesReady(file)) return Failure(segment, "its creator never finished it", Removal(segment));
     try
     {
@@ -132,7 +132,6 @@ Error SegmentFailure(const char* segment, const std::exception& thrown)
 
 Error AttachFailure(const std::string& what)
 {
-    return {ErrorKind::NoSharedMemory,
-            what + "; the core tries once only: remedy this and start the application again"};
+    return {ErrorKind::NoSharedMemory, what + "; fix this and restart the application: the core attaches once only"};
 }
 }  // namespace ipodkit

@@ -9,14 +9,14 @@
 
 namespace ipodkit
 {
-/// The core tries once in a process: when that fails, shared data is out of reach for ever, and the lock of its
-/// player stays held. So everything is tried here first, where it can be repeated.
+/// Checks the segments before the core attaches them. The core attaches once per process: if that fails, shared data
+/// stays unavailable, and the lock of its player stays held.
 ///
-/// Blocks, for seconds when somebody else holds a lock inside a segment or is still making it. Any thread.
+/// Blocks for seconds while another process holds a lock inside a segment, or is still creating it. Any thread.
 /// Returns nothing if both segments are usable or do not exist yet; otherwise the problem and its remedy.
 std::optional<Error> ProbeSegments();
 
-/// Converts what Boost threw while it used a segment to a problem and its remedy.
+/// Converts an exception of Boost about @p segment to a problem and its remedy.
 Error SegmentFailure(const char* segment, const std::exception& thrown);
 
 /// The same for what an attempt of the core threw.

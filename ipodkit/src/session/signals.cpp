@@ -82,7 +82,7 @@ MaybeEvent ToArtwork(const Arguments& arguments, PictureShelf& pictures)
     return ArtworkChanged{available, std::move(picture), head[1], head[2], head[3]};
 }
 
-// An empty payload would parse as a message without fields, but is no event.
+// An empty payload would parse as a message without fields, but is not an event.
 template <class Message>
 bool Parse(const Arguments& arguments, Message& message)
 {
