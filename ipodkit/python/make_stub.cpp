@@ -163,6 +163,7 @@ int main(int argc, char** argv)
     PrintProperty("version", "int", "Grows by 1 with each value that is published");
     PrintProperty("phase", "Phase", "How far the session is with the service");
     PrintProperty("generation", "int", "How often the service has appeared");
+    PrintProperty("remembered", "frozenset[Field]", "The fields that are known only from the companion daemon");
     std::cout << "    def why(self, field: Field) -> Unknown | None: ...\n";
     return std::cout.flush() ? 0 : 1;
 }
