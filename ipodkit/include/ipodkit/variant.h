@@ -144,7 +144,7 @@ struct VariantOf<unsigned> : detail::BasicVariant<unsigned, 'u', g_variant_new_u
 {
 };
 template <>
-struct VariantOf<unsigned long> : detail::BasicVariant<unsigned long, 't', g_variant_new_uint64, g_variant_get_uint64>
+struct VariantOf<std::uint64_t> : detail::BasicVariant<std::uint64_t, 't', g_variant_new_uint64, g_variant_get_uint64>
 {
 };
 
