@@ -366,6 +366,23 @@ class Services(OnABus):
             lines += line
         self.assertIsNone(events.poll())
 
+    def test_an_application_that_starts_in_mid_call_shows_the_call(self):
+        _, daemon = self.playing()
+        self.client.do("call", '{"status": "active", "display-name": "Li Lei"}')
+        for _ in range(5):
+            done = subprocess.run([OPTIONS.late_joiner], env=self.bus.environment, text=True, stdout=subprocess.PIPE,
+                                  timeout=LIMIT, check=True)
+            match = re.match(r"Li Lei (\d+) us remembered: (.*)\n$", done.stdout)
+            self.assertTrue(match, done.stdout)
+            self.assertLessEqual(int(match.group(1)), 50_000)
+            self.assertIn("calls", match.group(2).split(", "))
+        daemon.kill()
+        daemon.wait()
+        done = subprocess.run([OPTIONS.late_joiner], env=self.bus.environment, text=True, stdout=subprocess.PIPE,
+                              timeout=LIMIT, check=True)
+        self.assertEqual(done.stdout, "no call\n")
+        self.assertIsNone(self.client.owner(STATE))
+
     def test_a_signal_ends_it_and_returns_the_names(self):
         daemon = self.daemon()
         daemon.send_signal(signal.SIGTERM)
@@ -414,7 +431,7 @@ class Starts(OnABus):
 
 def parse_options():
     parser = argparse.ArgumentParser()
-    for name in ("--simulator", "--companiond", "--ipodctl"):
+    for name in ("--simulator", "--companiond", "--ipodctl", "--late-joiner"):
         parser.add_argument(name, required=True)
     parser.add_argument("tests", nargs="*")
     return parser.parse_args()
