@@ -206,12 +206,14 @@ void Player::Stop(GVariant*, GDBusMethodInvocation* invocation)
     m_counters.Send(Commands().Stop(), invocation);
 }
 
-// The service seeks to full seconds.
+// The service seeks to full seconds. At the end of the track, the next one would begin.
 void Player::SeekTo(microseconds position, GDBusMethodInvocation* invocation)
 {
-    const microseconds target = std::max(position, microseconds(0));
+    using std::chrono::seconds;
+    const seconds last = std::chrono::ceil<seconds>(LengthOf(*m_state)) - seconds(1);
+    const seconds target = std::max(std::min(std::chrono::round<seconds>(position), last), seconds(0));
     m_seeking = CanSeek(*m_state);
-    SendIf(CanSeek(*m_state), Commands().Seek(std::chrono::round<std::chrono::seconds>(target)), invocation);
+    SendIf(m_seeking, Commands().Seek(target), invocation);
 }
 
 void Player::Seek(GVariant* arguments, GDBusMethodInvocation* invocation)
