@@ -53,6 +53,10 @@ if(TARGET ipodctl OR TARGET ipod-simulator)
   list(APPEND CPACK_COMPONENTS_ALL tools)
   set(CPACK_COMPONENT_TOOLS_DEPENDS runtime kit names)
 endif()
+if(TARGET ipod-companiond)
+  list(APPEND CPACK_COMPONENTS_ALL companiond)
+  set(CPACK_COMPONENT_COMPANIOND_DEPENDS runtime kit)
+endif()
 if(TARGET ipodkit_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
   set(CPACK_COMPONENT_PYTHON_DEPENDS kit names)
@@ -154,6 +158,15 @@ set(CPACK_DEBIAN_TOOLS_DESCRIPTION "command line client and simulator of the iPo
 ipodctl controls an attached Apple device through libipod from a shell.
 ipod-simulator takes the place of the iPod service on a desk without a head
 unit and plays a folder of audio files.")
+
+set(CPACK_DEBIAN_COMPANIOND_PACKAGE_NAME ipod-companiond)
+set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SECTION sound)
+set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SUGGESTS playerctl)
+set(CPACK_DEBIAN_COMPANIOND_DESCRIPTION "media controls and state of the attached Apple device
+A user service that offers the device to media keys, desktop widgets, and
+playerctl by MPRIS, publishes its state on the session bus, and remembers calls
+and other events for applications that start late.")
 
 # Built for one version of the interpreter, which is part of its file name.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-ipodkit)

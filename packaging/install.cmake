@@ -4,7 +4,8 @@ set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 
 # Builds everything that is installed, but nothing that only tests need.
 add_custom_target(packaged)
-foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples)
+foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples
+    ipod-companiond ipod-companiond-interface)
   if(TARGET ${part})
     add_dependencies(packaged ${part})
   endif()
@@ -73,6 +74,11 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/build/docs/" DESTINATION "${documentati
 
 if(TARGET ipodkit_python)
   install_notices(python python3-ipodkit)
+endif()
+
+if(TARGET ipod-companiond)
+  install_notices(companiond ipod-companiond)
+  install_manual(ipod-companiond.1 companiond)
 endif()
 
 if(TARGET ipodctl OR TARGET ipod-simulator)

@@ -65,7 +65,7 @@ class Packages(unittest.TestCase):
                 self.assertEqual(of_one, {field(package(name), "Multi-Arch") == "same"})
 
     def test_debug_information_is_packaged_separately(self):
-        for name in (*LIBRARIES, "ipod-tools"):
+        for name in (*LIBRARIES, "ipod-tools", "ipod-companiond"):
             with self.subTest(name):
                 symbols = next(pathlib.Path(PACKAGES).glob(f"{name}-dbgsym_*.ddeb"))
                 self.assertIn("/usr/lib/debug/.build-id/", run("dpkg-deb", "--contents", symbols))

@@ -34,7 +34,7 @@ const char* Name(Phase phase);
 /// The parts of a PlayerState, one bit each.
 enum class Field : std::uint32_t
 {
-    Connection = 1U << 0,  ///< phase, generation, error, missing
+    Connection = 1U << 0,  ///< phase, generation, service, error, missing
     Track = 1U << 1,
     TrackIndex = 1U << 2,
     Status = 1U << 3,
@@ -119,14 +119,17 @@ bool operator==(const Position& one, const Position& other);
 ///
 /// Read from the service when it appears, when a device comes or goes, and when this session enters one: track, index,
 /// status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app. Only
-/// events report the rest, which is unknown until the first.
+/// events report the rest, which is unknown until the first. If the companion daemon runs, it reports what the
+/// service's earlier events did: such fields are known and in @c remembered.
 struct PlayerState
 {
     std::uint64_t version = 0;  ///< incremented with each published state
     Phase phase = Phase::Absent;
     std::uint32_t generation = 0;  ///< how often the service has appeared
+    std::string service;           ///< unique bus name of the service that the values come from; empty before the first
     std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
     Fields missing;                ///< not answered within the deadline, but still awaited; Phase::Ready only
+    Fields remembered;             ///< known only from the companion daemon; calls and accessory sessions: some of them
 
     Known<Track> track;
     Known<int> trackIndex;  ///< -1 when nothing plays
@@ -205,6 +208,10 @@ struct Rows<PlayerState>
                  "Open accessory sessions: index of the protocol by number"},
     };
 };
+
+/// The fields that only events report: no request reads them.
+constexpr Fields kReportedByEvents = Field::Device | Field::SourceValid | Field::Wireless | Field::Pairing |
+                                     Field::Location | Field::Battery | Field::Calls | Field::AccessorySessions;
 
 using StatePtr = std::shared_ptr<const PlayerState>;
 

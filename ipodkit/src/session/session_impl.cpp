@@ -28,7 +28,8 @@ Session::Impl::Impl(const SessionOptions& options)
       m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
                                               [this](Fields changed) { Published(changed); })),
       m_reader(std::make_shared<StateReader>(m_context.get(), m_bus, options.deadline, m_draft, m_pictures,
-                                             [this] { Progressed(); }))
+                                             [this] { Progressed(); })),
+      m_memory(std::make_shared<Memory>(m_context.get(), [this](const PlayerState& earlier) { Remember(earlier); }))
 {
 }
 
@@ -57,6 +58,7 @@ void Session::Impl::Close()
     m_closed = true;
     if (m_watch != nullptr) m_watch->Stop();
     m_reader->Stop();
+    m_memory->Stop();
     m_retry.reset();
     m_publisher->End();
     m_eventCallbacks.End();
@@ -97,6 +99,7 @@ void Session::Impl::Step(Phase phase, std::optional<Error> error, Fields missing
 void Session::Impl::Connected(GDBusConnection* connection)
 {
     m_bus->Connected(connection);
+    m_memory->Connected(connection);
     Step(m_phase);
 }
 
@@ -115,13 +118,15 @@ void Session::Impl::NotStarted(const Error& error)
 void Session::Impl::OwnerIs(const std::string& owner)
 {
     if (m_phase == Phase::Connecting || m_phase == Phase::Ready) Vanished();
-    if (!owner.empty() && !m_closed) Appeared();
+    if (!owner.empty() && !m_closed) Appeared(owner);
 }
 
-void Session::Impl::Appeared()
+// Other programs may have made the service known long ago.
+void Session::Impl::Appeared(const std::string& service)
 {
     ++m_generation;
-    m_draft.Reset();
+    m_draft.Reset(service);
+    m_memory->Ask(service);
     Step(Phase::Connecting);
     if (!m_closed) Attach();
 }
@@ -129,6 +134,7 @@ void Session::Impl::Appeared()
 void Session::Impl::Vanished()
 {
     m_reader->Stop();
+    m_memory->Stop();
     m_retry.reset();
     m_draft.ForgetService();
     Step(Phase::Lost);
@@ -157,6 +163,12 @@ void Session::Impl::Attached(const std::optional<Error>& error)
     m_retry = After(m_context.get(), kAttachAgainMilliseconds, [this] { Attach(); });
 }
 
+void Session::Impl::Remember(const PlayerState& earlier)
+{
+    m_draft.Remember(earlier);
+    m_publisher->Touch();
+}
+
 void Session::Impl::Signalled(const char* signal, GVariant* body)
 {
     const std::optional<Event> event = Decode(signal, body, m_pictures);
@@ -166,6 +178,7 @@ void Session::Impl::Signalled(const char* signal, GVariant* body)
 void Session::Impl::Follow(const Event& event)
 {
     m_draft.Apply(event);
+    m_memory->Follow(event);
     m_lanes.OutdateBy(SignalName(event));
     if (std::holds_alternative<DeviceChanged>(event)) m_reader->ReadDevices();
     m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(event); });

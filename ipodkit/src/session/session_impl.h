@@ -8,6 +8,7 @@
 #include "commands/requests.h"
 #include "session/core_link.h"
 #include "session/lanes.h"
+#include "session/memory.h"
 #include "session/owner_watch.h"
 #include "session/state_reader.h"
 #include "state/publisher.h"
@@ -56,7 +57,8 @@ private:
     void Disconnected(const Error& error);
     void NotStarted(const Error& error);
     void OwnerIs(const std::string& owner);
-    void Appeared();
+    void Appeared(const std::string& service);
+    void Remember(const PlayerState& earlier);
     void Vanished();
     void Attach();
     void Attached(const std::optional<Error>& error);
@@ -77,6 +79,7 @@ private:
     StateDraft m_draft;
     const std::shared_ptr<Publisher> m_publisher;
     const std::shared_ptr<StateReader> m_reader;
+    const std::shared_ptr<Memory> m_memory;
     Registry<EventCallback> m_eventCallbacks;
     std::shared_ptr<OwnerWatch> m_watch;
     std::function<std::optional<std::vector<std::string>>(ListKind)> m_names = NamesOf;

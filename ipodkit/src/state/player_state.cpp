@@ -66,13 +66,14 @@ Fields Differences(const PlayerState& one, const PlayerState& other)
 {
     Fields fields;
     const bool sameConnection = one.phase == other.phase && one.generation == other.generation &&
-                                one.error == other.error && one.missing == other.missing;
+                                one.service == other.service && one.error == other.error &&
+                                one.missing == other.missing;
     if (!sameConnection) fields = Field::Connection;
     ForEachRow<PlayerState>(
         [&](const auto& row)
         {
             if (!(one.*row.get == other.*row.get)) fields = fields | row.field;
         });
-    return fields;
+    return fields | one.remembered.Without(other.remembered) | other.remembered.Without(one.remembered);
 }
 }  // namespace ipodkit

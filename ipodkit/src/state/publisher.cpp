@@ -52,6 +52,7 @@ void Publisher::Publish(const Connection& connection)
     PlayerState state = ready ? m_draft.State() : *Published();
     if (!ready) state.calls.clear();
     if (!ready) state.accessorySessions.clear();
+    if (!ready) state.remembered = state.remembered.Without(Field::Calls | Field::AccessorySessions);
     PublishNext(std::move(state));
 }
 

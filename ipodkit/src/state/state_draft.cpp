@@ -52,10 +52,17 @@ bool MeansNotSupported(const Error* cause)
 }
 }  // namespace
 
+void StateDraft::Reset(const std::string& service)
+{
+    m_state = {};
+    m_state.service = service;
+}
+
 // Another device has nothing in common with the last one.
 void StateDraft::ForgetDevice()
 {
     ForEachKnown(m_state, kOfDevice, [](auto& field) { field = Unknown::NoDevice; });
+    m_state.remembered = m_state.remembered.Without(kOfDevice);
     ForgetService();
 }
 
@@ -63,6 +70,7 @@ void StateDraft::ForgetService()
 {
     m_state.calls.clear();
     m_state.accessorySessions.clear();
+    m_state.remembered = m_state.remembered.Without(Field::Calls | Field::AccessorySessions);
 }
 
 void StateDraft::Forget(Field field, Unknown why, const Error* cause)
@@ -88,6 +96,28 @@ void StateDraft::SetDeviceCount(int count)
 void StateDraft::Apply(const Event& event)
 {
     std::visit([this](const auto& each) { On(each); }, event);
+    if (!m_state.remembered.Empty()) m_state.remembered = StillRemembered(event);
+}
+
+// An event reports the fields that it changes in an empty state. It reports one call or accessory session of several.
+Fields StateDraft::StillRemembered(const Event& event) const
+{
+    StateDraft empty;
+    empty.Apply(event);
+    Fields reported = Differences(empty.State(), PlayerState()).Without(Field::Calls | Field::AccessorySessions);
+    if (m_state.calls.empty()) reported = reported | Field::Calls;
+    if (m_state.accessorySessions.empty()) reported = reported | Field::AccessorySessions;
+    return m_state.remembered.Without(reported);
+}
+
+void StateDraft::Remember(const PlayerState& earlier)
+{
+    ForEachEventField(
+        [&](const auto& row)
+        {
+            if (earlier.remembered.Has(row.field)) m_state.*row.get = earlier.*row.get;
+        });
+    m_state.remembered = earlier.remembered;
 }
 
 void StateDraft::On(const DeviceChanged& event)

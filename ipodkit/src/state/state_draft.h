@@ -18,8 +18,8 @@ public:
 
     const PlayerState& State() const { return m_state; }
 
-    /// Resets everything, for a service that has just appeared.
-    void Reset() { m_state = {}; }
+    /// Resets everything, for a service that has just appeared under this unique name.
+    void Reset(const std::string& service);
 
     /// Replaces the whole state.
     void Replace(const PlayerState& state) { m_state = state; }
@@ -35,6 +35,9 @@ public:
 
     /// Follows an event.
     void Apply(const Event& event);
+
+    /// Adopts the fields of @p earlier that are remembered.
+    void Remember(const PlayerState& earlier);
 
     /// @name Answers of the service
     /// @{
@@ -73,8 +76,20 @@ private:
     }
     void On(const PairingReceived& event) { m_state.pairing = PairingInfo{event.bluetoothAddress, event.bytes}; }
 
+    Fields StillRemembered(const Event& event) const;
     bool Playing() const { return m_state.status == PlayStatus::Playing; }
 
     PlayerState m_state;
 };
+
+/// Calls @p use with the row of each field that only events report.
+template <class Use>
+void ForEachEventField(const Use& use)
+{
+    const auto filtered = [&use](const auto& row)
+    {
+        if (kReportedByEvents.Has(row.field)) use(row);
+    };
+    ForEachRow<PlayerState>(filtered);
+}
 }  // namespace ipodkit

@@ -1,0 +1,158 @@
+// ipod-companiond: media controls, the state on the bus, and a memory for sessions that start late.
+#include <QBXLog.h>
+#include <glib-unix.h>
+#include <ipodkit/session.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <stdexcept>
+
+#include "player.h"
+#include "root.h"
+#include "state_object.h"
+
+namespace companion
+{
+namespace
+{
+enum ExitCode
+{
+    kDone = 0,
+    kUsage = 2,
+    kNoBus = 3,
+    kAlreadyRunning = 4,
+};
+
+constexpr char kMprisName[] = "org.mpris.MediaPlayer2.ipod";
+
+class Failure : public std::runtime_error
+{
+public:
+    Failure(ExitCode code, const std::string& what) : std::runtime_error(what), m_code(code) {}
+    ExitCode Code() const { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+
+struct ObjectUnref
+{
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+using ConnectionPtr = std::unique_ptr<GDBusConnection, ObjectUnref>;
+
+Failure BusFailure(GError* error)
+{
+    const std::string reason = error->message;
+    g_error_free(error);
+    return {kNoBus, "cannot use the session bus: " + reason};
+}
+
+ConnectionPtr ConnectToBus()
+{
+    GError* error = nullptr;
+    ConnectionPtr connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+    if (connection == nullptr) throw BusFailure(error);
+    g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+    return connection;
+}
+
+void AcquireName(GDBusConnection* connection, const char* name)
+{
+    constexpr guint kDoNotQueue = 4;
+    constexpr guint kOwner = 1;
+    GError* error = nullptr;
+    GVariant* const reply = g_dbus_connection_call_sync(
+        connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+        g_variant_new("(su)", name, kDoNotQueue), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+    if (reply == nullptr) throw BusFailure(error);
+    guint result = 0;
+    g_variant_get(Owned(reply).get(), "(u)", &result);
+    if (result != kOwner)
+        throw Failure(kAlreadyRunning, std::string("another program owns ") + name + " on this bus: already running?");
+}
+
+gboolean Quit(gpointer loop)
+{
+    g_main_loop_quit(static_cast<GMainLoop*>(loop));
+    return G_SOURCE_CONTINUE;
+}
+
+// Runs until SIGTERM or SIGINT, or until the bus ends.
+ExitCode RunLoop(GDBusConnection* connection)
+{
+    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
+    const guint terminated = g_unix_signal_add(SIGTERM, Quit, loop);
+    const guint interrupted = g_unix_signal_add(SIGINT, Quit, loop);
+    const gulong closed = g_signal_connect_swapped(connection, "closed", G_CALLBACK(g_main_loop_quit), loop);
+    if (g_dbus_connection_is_closed(connection) == FALSE) g_main_loop_run(loop);
+    g_signal_handler_disconnect(connection, closed);
+    g_source_remove(terminated);
+    g_source_remove(interrupted);
+    g_main_loop_unref(loop);
+    return g_dbus_connection_is_closed(connection) == FALSE ? kDone : kNoBus;
+}
+
+// Without a settle time, a session that asks gets every event that the service sent before.
+ipodkit::SessionOptions Options()
+{
+    ipodkit::SessionOptions options;
+    options.settle = std::chrono::milliseconds(0);
+    return options;
+}
+
+ExitCode Serve()
+{
+    if (liblog_category == nullptr) QBX_LogInit("WARN");
+    const ConnectionPtr connection = ConnectToBus();
+    Counters counters;
+    const auto session = ipodkit::Session::Open(Options());
+    if (!session) throw Failure(kUsage, session.error().Text());
+    const Root root(connection.get());
+    Player player(connection.get(), **session, counters);
+    StateObject state(connection.get(), counters);
+    AcquireName(connection.get(), kStateName);
+    AcquireName(connection.get(), kMprisName);
+    const auto follow = [&](const ipodkit::StatePtr& next, ipodkit::Fields)
+    {
+        counters.CountRestarts(next->generation);
+        state.Follow(next);
+        player.Follow(next);
+    };
+    const ipodkit::Subscription following = (*session)->OnState("companion daemon", follow);
+    const ExitCode code = RunLoop(connection.get());
+    if (code == kNoBus) throw Failure(kNoBus, "the session bus closed the connection");
+    return code;
+}
+
+int Main(int argc, char** argv)
+{
+    CLI::App app("Offers the attached Apple device to media controls, and its state to programs, on the session bus.",
+                 "ipod-companiond");
+    bool print = false;
+    app.set_version_flag("--version", "ipod-companiond " COMPANIOND_VERSION, "Print the version and exit");
+    app.add_flag("--print-interface", print, "Print the description of com.zarn.linux.ipod.State and exit");
+    app.footer("Exit status: 0 ended by a signal, 2 usage error, 3 no session bus, 4 already running.");
+    try
+    {
+        app.parse(argc, argv);
+        if (!print) return Serve();
+        return std::fputs(StateInterfaceXml().c_str(), stdout) < 0 ? 1 : kDone;
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return app.exit(error) == 0 ? kDone : kUsage;
+    }
+    catch (const Failure& failure)
+    {
+        std::fprintf(stderr, "ipod-companiond: %s\n", failure.what());
+        return failure.Code();
+    }
+}
+}  // namespace
+}  // namespace companion
+
+int main(int argc, char** argv)
+{
+    return companion::Main(argc, argv);
+}

@@ -1,0 +1,269 @@
+#include "player.h"
+
+#include <mpris_info.h>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "root.h"
+
+namespace companion
+{
+namespace
+{
+using ipodkit::PlayerState;
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kSettle(20);
+constexpr milliseconds kArtworkWithin(300);
+// Services report the position about every half second. Around the start and the end of a pause, steady playback
+// deviates by as much from what the last report predicts.
+constexpr milliseconds kJump(700);
+
+void AnswerNothing(GDBusMethodInvocation* invocation)
+{
+    g_dbus_method_invocation_return_value(invocation, nullptr);
+}
+
+void Refuse(GDBusMethodInvocation* invocation, const char* error, const char* reason)
+{
+    g_dbus_method_invocation_return_dbus_error(invocation, error, reason);
+}
+
+bool AwaitsArtwork(const PlayerState& state)
+{
+    const ipodkit::Track* const track = PlayingTrack(state);
+    return track != nullptr && track->HasArtwork() && !state.artwork;
+}
+}  // namespace
+
+Player::Player(GDBusConnection* connection, ipodkit::Session& session, Counters& counters)
+    : BusObject(connection, kMprisPath, const_cast<GDBusInterfaceInfo*>(&org_mpris_media_player2_player_interface)),
+      m_session(session),
+      m_counters(counters),
+      m_state(session.State()),
+      m_key(KeyOf(*m_state))
+{
+    Show();
+}
+
+Player::~Player()
+{
+    if (m_timer != 0) g_source_remove(m_timer);
+}
+
+// The changes of a track are announced before the next track begins, however fast they follow.
+void Player::Follow(const ipodkit::StatePtr& state)
+{
+    TrackKey key = KeyOf(*state);
+    if (key != m_key)
+        BeginTrack(std::move(key));
+    else
+        ReportJump(*state);
+    m_state = state;
+    Schedule();
+}
+
+void Player::BeginTrack(TrackKey key)
+{
+    if (m_trackIsNew) Show();
+    m_key = std::move(key);
+    ++m_track;
+    m_seeking = false;
+    m_trackIsNew = true;
+    m_trackSince = Clock::now();
+}
+
+void Player::ReportJump(const PlayerState& next)
+{
+    if (PlayingTrack(next) == nullptr || !m_state->position || !next.position) return;
+    if (next.position == m_state->position) return;
+    const milliseconds deviation = next.position->position - m_state->position->At(next.position->at);
+    if (std::chrono::abs(deviation) < kJump && !std::exchange(m_seeking, false)) return;
+    Emit("Seeked", g_variant_new("(x)", static_cast<gint64>(microseconds(next.position->position).count())));
+}
+
+void Player::Schedule()
+{
+    const Clock::time_point now = Clock::now();
+    if (m_timer == 0)
+        m_changedSince = now;
+    else
+        g_source_remove(m_timer);
+    const bool waits = m_trackIsNew && AwaitsArtwork(*m_state);
+    const auto due = waits ? m_trackSince + kArtworkWithin : m_changedSince + kSettle;
+    const auto left = std::chrono::ceil<milliseconds>(std::max(due - now, Clock::duration(0)));
+    const auto expired = [](gpointer self)
+    {
+        static_cast<Player*>(self)->m_timer = 0;
+        static_cast<Player*>(self)->Show();
+        return G_SOURCE_REMOVE;
+    };
+    m_timer = g_timeout_add(static_cast<guint>(left.count()), expired, this);
+}
+
+void Player::Show()
+{
+    m_trackIsNew = false;
+    Publish(PlayerProperties(*m_state, TrackId(), ArtUrl()));
+}
+
+std::string Player::TrackId() const
+{
+    return "/com/zarn/linux/ipod/track/" + std::to_string(m_track);
+}
+
+std::string Player::ArtUrl()
+{
+    const ipodkit::PicturePtr picture = m_state->Artwork();
+    if (picture == m_picture) return m_artUrl;
+    m_picture = picture;
+    const bool isImage = picture != nullptr && picture->type != ipodkit::PictureType::Unknown;
+    m_artUrl = isImage ? m_files.Uri(*picture).value_or("") : "";
+    return m_artUrl;
+}
+
+microseconds Player::Position() const
+{
+    if (PlayingTrack(*m_state) == nullptr || !m_state->position) return {};
+    return m_state->position->Now();
+}
+
+GVariant* Player::Compute(const std::string& property) const
+{
+    return property == "Position" ? g_variant_new_int64(Position().count()) : nullptr;
+}
+
+std::string Player::WhyAbsent(const std::string& property) const
+{
+    return property + " is unknown: the service does not report it";
+}
+
+void Player::Call(const std::string& method, GVariant* arguments, GDBusMethodInvocation* invocation)
+{
+    static const std::map<std::string, Method> methods{
+        {"Next", &Player::Next},       {"Previous", &Player::Previous},
+        {"Play", &Player::Play},       {"Pause", &Player::Pause},
+        {"Stop", &Player::Stop},       {"PlayPause", &Player::PlayPause},
+        {"Seek", &Player::Seek},       {"SetPosition", &Player::SetPosition},
+        {"OpenUri", &Player::OpenUri},
+    };
+    (this->*methods.at(method))(arguments, invocation);
+}
+
+void Player::Set(const std::string& property, GVariant* value, GDBusMethodInvocation* invocation)
+{
+    static const std::map<std::string, Method> setters{
+        {"LoopStatus", &Player::SetLoop}, {"Shuffle", &Player::SetShuffle}, {"Rate", &Player::SetRate}};
+    const auto setter = setters.find(property);
+    if (setter == setters.end()) return BusObject::Set(property, value, invocation);
+    (this->*setter->second)(value, invocation);
+}
+
+// Methods that are not possible now have no effect.
+void Player::SendIf(bool possible, ipodkit::Request<void> request, GDBusMethodInvocation* invocation)
+{
+    if (!possible) return AnswerNothing(invocation);
+    m_counters.Send(std::move(request), invocation);
+}
+
+void Player::Next(GVariant*, GDBusMethodInvocation* invocation)
+{
+    SendIf(CanGoNext(*m_state), Commands().Next(), invocation);
+}
+
+void Player::Previous(GVariant*, GDBusMethodInvocation* invocation)
+{
+    SendIf(CanGoPrevious(*m_state), Commands().Previous(), invocation);
+}
+
+void Player::Play(GVariant*, GDBusMethodInvocation* invocation)
+{
+    using ipodkit::PlayOption;
+    const bool paused = m_state->status == ipodkit::PlayStatus::Paused;
+    const bool possible = CanPlay(*m_state) && m_state->status != ipodkit::PlayStatus::Playing;
+    SendIf(possible, Commands().StartPlayback(paused ? PlayOption::Resume : PlayOption::Start), invocation);
+}
+
+void Player::Pause(GVariant*, GDBusMethodInvocation* invocation)
+{
+    SendIf(CanPause(*m_state), Commands().Pause(), invocation);
+}
+
+void Player::PlayPause(GVariant*, GDBusMethodInvocation* invocation)
+{
+    const bool playing = PlaybackStatus(*m_state) == std::string("Playing");
+    if (!(playing ? CanPause(*m_state) : CanPlay(*m_state)))
+        return Refuse(invocation, kNotSupported, "nothing can be played now");
+    if (playing) return Pause(nullptr, invocation);
+    Play(nullptr, invocation);
+}
+
+void Player::Stop(GVariant*, GDBusMethodInvocation* invocation)
+{
+    m_counters.Send(Commands().Stop(), invocation);
+}
+
+// The service seeks to full seconds. At the end of the track, the next one would begin.
+void Player::SeekTo(microseconds position, GDBusMethodInvocation* invocation)
+{
+    using std::chrono::seconds;
+    const seconds last = std::chrono::ceil<seconds>(LengthOf(*m_state)) - seconds(1);
+    const seconds target = std::max(std::min(std::chrono::round<seconds>(position), last), seconds(0));
+    m_seeking = CanSeek(*m_state);
+    SendIf(m_seeking, Commands().Seek(target), invocation);
+}
+
+void Player::Seek(GVariant* arguments, GDBusMethodInvocation* invocation)
+{
+    constexpr gint64 kFar = microseconds(std::chrono::hours(24 * 24)).count();
+    gint64 offset = 0;
+    g_variant_get(arguments, "(x)", &offset);
+    const microseconds target = Position() + microseconds(std::clamp(offset, -kFar, kFar));
+    if (CanSeek(*m_state) && target > LengthOf(*m_state)) return Next(nullptr, invocation);
+    SeekTo(target, invocation);
+}
+
+// The client may mean the previous track.
+void Player::SetPosition(GVariant* arguments, GDBusMethodInvocation* invocation)
+{
+    const gchar* track = nullptr;
+    gint64 position = 0;
+    g_variant_get(arguments, "(&ox)", &track, &position);
+    const bool valid = TrackId() == track && position >= 0 && microseconds(position) <= LengthOf(*m_state);
+    if (!valid) return AnswerNothing(invocation);
+    SeekTo(microseconds(position), invocation);
+}
+
+void Player::OpenUri(GVariant*, GDBusMethodInvocation* invocation)
+{
+    Refuse(invocation, kNotSupported, "the device plays its own music only");
+}
+
+void Player::SetLoop(GVariant* value, GDBusMethodInvocation* invocation)
+{
+    const auto repeat = RepeatOf(g_variant_get_string(value, nullptr));
+    if (!repeat) return Refuse(invocation, kInvalidArgs, "expected 'None', 'Track', or 'Playlist'");
+    m_counters.Send(Commands().SetRepeat(*repeat), invocation);
+}
+
+// Shuffled albums are shuffled, too.
+void Player::SetShuffle(GVariant* value, GDBusMethodInvocation* invocation)
+{
+    using ipodkit::Shuffle;
+    const bool wanted = g_variant_get_boolean(value) != FALSE;
+    const Shuffle now = m_state->shuffle.value_or(Shuffle::Off);
+    const bool differs = !m_state->shuffle || wanted != (now != Shuffle::Off);
+    SendIf(differs, Commands().SetShuffle(wanted ? Shuffle::Songs : Shuffle::Off), invocation);
+}
+
+void Player::SetRate(GVariant* value, GDBusMethodInvocation* invocation)
+{
+    const double rate = g_variant_get_double(value);
+    if (rate == 0) return Pause(nullptr, invocation);
+    if (rate == 1) return AnswerNothing(invocation);
+    Refuse(invocation, kNotSupported, "the device plays at its normal rate only");
+}
+}  // namespace companion

@@ -1,0 +1,35 @@
+/// @file
+/// com.zarn.linux.ipod.State: the fields of the state as properties, derived from their rows.
+#pragma once
+
+#include <ipodkit/player_state.h>
+
+#include <string>
+
+#include "bus_object.h"
+#include "counters.h"
+
+namespace companion
+{
+inline constexpr char kStateName[] = "com.zarn.linux.ipod.State";
+inline constexpr char kStatePath[] = "/com/zarn/linux/ipod/State";
+
+/// Returns the description of the interface in D-Bus XML.
+std::string StateInterfaceXml();
+
+class StateObject : public BusObject
+{
+public:
+    StateObject(GDBusConnection* connection, const Counters& counters);
+
+    void Follow(const ipodkit::StatePtr& state);
+
+private:
+    GVariant* Compute(const std::string& property) const override;
+    std::string WhyAbsent(const std::string& property) const override;
+    void Call(const std::string& method, GVariant* arguments, GDBusMethodInvocation* invocation) override;
+
+    const Counters& m_counters;
+    ipodkit::StatePtr m_state = std::make_shared<const ipodkit::PlayerState>();
+};
+}  // namespace companion
