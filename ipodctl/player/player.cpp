@@ -52,12 +52,18 @@ void TakeAudioSource(Session& session)
     source.Activated(0);
 }
 
-Playing ReadPlaying(Session& session)
+Answer AnswerWithPlaying(Context& context, const char* verb)
 {
+    Session& session = context.session;
     const ipodkit::Commands commands = session.Commands();
-    const ipodkit::PlayPosition at = session.Ask(commands.Position());
-    return {session.Ask(commands.PlayStatus()), at, session.Ask(commands.PlayingIndex()),
-            session.Ask(commands.PlayingCount()), session.Ask(commands.CurrentTrack())};
+    Playing playing{};
+    playing.state = session.Ask(commands.PlayStatus());
+    playing.track = session.Ask(commands.CurrentTrack());
+    if (!context.out.json()) return {{{"verb", verb}}, PlayingLine(playing)};
+    playing.at = session.Ask(commands.Position());
+    playing.index = session.Ask(commands.PlayingIndex());
+    playing.amount = session.Ask(commands.PlayingCount());
+    return ToAnswer(playing, verb);
 }
 
 Playing PlayingIn(const ipodkit::PlayerState& state)

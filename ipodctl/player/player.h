@@ -39,8 +39,9 @@ struct Playing
     ipodkit::Track track;
 };
 
-/// Reads the playback state from the service after a command: no event marks the last effect of a command.
-Playing ReadPlaying(Session& session);
+/// Reads the playback state from the service after a command, because no event marks the last effect of a command, and
+/// returns the answer of the verb. Requests only what the output format prints, and works without the shared memory.
+Answer AnswerWithPlaying(Context& context, const char* verb);
 
 /// Extracts the playback state from @p state; unknown fields get default values.
 Playing PlayingIn(const ipodkit::PlayerState& state);

@@ -45,7 +45,7 @@ Run BuildPlay(CLI::App& app)
             PlayEntry(context.session, **entry);
         else
             Resume(context.session);
-        return ToAnswer(ReadPlaying(context.session), "play");
+        return AnswerWithPlaying(context, "play");
     };
 }
 
@@ -56,7 +56,7 @@ Run BuildSimple(const char* verb, const char* refusal)
     return [verb, refusal](Context& context)
     {
         AskOfTrack(context.session, (context.session.Commands().*command)(), refusal);
-        return ToAnswer(ReadPlaying(context.session), verb);
+        return AnswerWithPlaying(context, verb);
     };
 }
 
@@ -248,12 +248,13 @@ Answer Show(Context& context, bool namesOnly)
     return {QueueJson(queue), text.empty() && context.out.terminal() ? "the playing list is empty" : text};
 }
 
-Answer Jump(Session& session, int index)
+Answer Jump(Context& context, int index)
 {
+    Session& session = context.session;
     CheckIndex(index, session.Ask(session.Commands().PlayingCount()), "the playing list");
     TakeAudioSource(session);
     session.Ask(session.Commands().PlayPlayingEntry(index));
-    return ToAnswer(ReadPlaying(session), "queue");
+    return AnswerWithPlaying(context, "queue");
 }
 
 Run BuildQueue(CLI::App& app)
@@ -263,7 +264,7 @@ Run BuildQueue(CLI::App& app)
     auto* const entry = app.add_option("index", *index, "Entry to jump to; without it, print the list");
     entry->check(WholeNumber(0));
     app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entry);
-    return [index, names](Context& context) { return *index ? Jump(context.session, **index) : Show(context, *names); };
+    return [index, names](Context& context) { return *index ? Jump(context, **index) : Show(context, *names); };
 }
 }  // namespace
 

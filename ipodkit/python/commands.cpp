@@ -60,7 +60,10 @@ void BindQuestions(Class& commands)
         .def("shuffle", Making(&Commands::Shuffle))
         .def("repeat", Making(&Commands::Repeat))
         .def("playing_index", Making(&Commands::PlayingIndex))
-        .def("playing_count", Making(&Commands::PlayingCount));
+        .def("playing_count", Making(&Commands::PlayingCount))
+        .def("artwork", Making(&Commands::Artwork),
+             "The artwork of the playing track, of any size: an ArtworkChanged, whose available is False without any. "
+             "Raises NoSharedMemory before the session was ready once.");
 }
 
 void BindDatabase(Class& commands)

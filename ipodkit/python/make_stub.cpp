@@ -115,10 +115,21 @@ void PrintEnumeration()
         std::cout << "    " << Constant(name) << ": ClassVar[" << EnumNames<E>::type << "]\n";
 }
 
+template <class E>
+void PrintEvent()
+{
+    PrintClass<E>();
+    if constexpr (std::is_same_v<E, ArtworkChanged>)
+    {
+        PrintProperty("available", "bool", "Whether the track has artwork");
+        PrintProperty("picture", "Picture | None", "The image");
+    }
+}
+
 template <class... Events>
 void PrintEvents(const std::variant<Events...>*)
 {
-    (PrintClass<Events>(), ...);
+    (PrintEvent<Events>(), ...);
     std::string all;
     ((all += (all.empty() ? "" : " | ") + std::string(Rows<Events>::type)), ...);
     std::cout << "\nEvent: TypeAlias = " << all << "\n";

@@ -2,6 +2,9 @@
 
 #include <ipodkit/session.h>
 
+#include <type_traits>
+
+#include "any_request.h"
 #include "context.h"
 #include "duration.h"
 #include "rows.h"
@@ -58,12 +61,25 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
                   wanted));
 }
 
+// The rows are what can be printed: the image is not.
+template <class E>
+py::object BindEvent(py::module_& module)
+{
+    auto type = BindRows<E>(module);
+    if constexpr (std::is_same_v<E, ArtworkChanged>)
+        type.def_readonly("available", &ArtworkChanged::available, "Whether the track has artwork.")
+            .def_property_readonly(
+                "picture", [](const ArtworkChanged& event) { return ToObject(event.picture); },
+                "The image, a Picture; None without any, and in events when it exceeds the session's artwork_limit.");
+    return std::move(type);
+}
+
 // Binds a class for each event type and maps names to classes in EVENTS.
 template <class... Events>
 void BindEvents(py::module_& module, const std::variant<Events...>*)
 {
     py::dict events;
-    ((events[Rows<Events>::name] = BindRows<Events>(module)), ...);
+    ((events[Rows<Events>::name] = BindEvent<Events>(module)), ...);
     module.attr("EVENTS") = events;
 }
 
@@ -121,6 +137,13 @@ void BindSession(py::module_& module)
         .def(
             "refresh",
             [](const SessionHandle& handle, const py::object& fields) { handle.Get().Refresh(ToFields(fields)); },
-            py::arg("fields") = py::none(), "Reads fields from the service again (all when None).");
+            py::arg("fields") = py::none(), "Reads fields from the service again (all when None).")
+        .def(
+            "refreshed",
+            [](const SessionHandle& handle, const py::object& fields)
+            { return Wrapped(handle.Get().Refreshed(ToFields(fields))); },
+            py::arg("fields") = py::none(),
+            "A request like refresh(), whose value is the state in which each field is read, or unknown for a reason. "
+            "Raises NoService, or ServiceLost.");
 }
 }  // namespace ipodkit::python

@@ -340,6 +340,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(status["battery"], {"percent": 80, "status": "charging"})
         self.assertEqual([(call["name"], call["status"]) for call in status["calls"]], [("Anna", "ringing")])
 
+    def test_a_call_without_an_identifier_is_part_of_the_status(self):
+        process = self.follow("--json", "status", "--watch")
+        for status, expected in (("ringing", ["ringing"]), ("active", ["active"]), ("disconnected", [])):
+            self.tell("call", status, "display-name=Anna")
+            calls = (json.loads(line)["calls"] for line in process.stdout)
+            with self.subTest(status):
+                self.assertTrue(any([call["status"] for call in each] == expected for each in calls))
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+
     def test_the_status_is_watched_until_ctrl_c(self):
         self.play_first_song()
         process = self.follow("--json", "status", "--watch")
@@ -473,6 +483,13 @@ class WithTheSimulator(OnABusWithTheSimulator):
         for words in (["seek", "90"], ["seek", "+10"], ["seek", "0"]):
             with self.subTest(words):
                 self.assertEqual(self.calls_of(*words) - state, {"Seek": 1})
+
+    def test_a_command_requests_only_what_it_prints(self):
+        self.play_first_song()
+        printed = {"GetPlayStatus": 1, "GetCurrentMediaInfo": 1}
+        self.assertEqual(self.calls_of("pause"), {"Pause": 1, **printed})
+        printed |= {"GetPlayPosition": 1, "GetPlayingTrackIdx": 1, "GetPlayingListItemsAmount": 1}
+        self.assertEqual(self.calls_of("--json", "pause"), {"Pause": 1, **printed})
 
     def test_the_status_is_the_state_and_a_page_of_the_queue(self):
         self.play_first_song()

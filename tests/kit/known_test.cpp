@@ -1,6 +1,8 @@
 // The reasons why a state field is unknown, and how it becomes known.
 #include <ipodkit/core.h>
 
+#include <atomic>
+
 #include "kit/kit_test.h"
 
 namespace test
@@ -66,6 +68,113 @@ TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
     const auto calls = service.Calls();
     EXPECT_THAT(std::vector(calls.begin() + static_cast<std::ptrdiff_t>(before), calls.end()),
                 ElementsAre("GetShuffleMode()", "GetRepeatMode()"));
+}
+
+TEST_F(KnownTest, ARefreshCompletesWithThePublishedState)
+{
+    options.settle = 10s;
+    Ready();
+    service.Answer("GetShuffleMode", "(1,)");
+
+    const Result<StatePtr> read = Completed(session->Refreshed(Field::Shuffle));
+
+    ASSERT_TRUE(read);
+    EXPECT_EQ((*read)->shuffle, Shuffle::Songs);
+    EXPECT_EQ(State(), *read);
+}
+
+TEST_F(KnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
+{
+    Ready();
+    const std::size_t before = service.Calls().size();
+
+    EXPECT_EQ(Completed(session->Refreshed(Field::Battery)).value(), State());
+
+    EXPECT_EQ(service.Calls().size(), before);
+}
+
+TEST_F(KnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
+{
+    options.deadline = 100ms;
+    Ready();
+    service.Fail("GetShuffleMode", "busy");
+    service.Hold("GetRepeatMode");
+
+    const Result<StatePtr> read = Completed(session->Refreshed(Field::Shuffle | Field::Repeat));
+
+    ASSERT_TRUE(read);
+    EXPECT_EQ((*read)->Why(Field::Shuffle), Unknown::Refused);
+    EXPECT_EQ((*read)->Why(Field::Repeat), Unknown::TimedOut);
+}
+
+// The answer to the first request was on its way when the second one was made.
+TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
+{
+    Ready();
+    std::atomic<GDBusMethodInvocation*> second{nullptr};
+    std::atomic<int> calls{0};
+    const auto answerFirst = [&](GDBusMethodInvocation* call)
+    {
+        if (++calls == 1) return g_dbus_method_invocation_return_value(call, g_variant_new("(i)", 1));
+        second = call;
+    };
+    service.React("GetRepeatMode", answerFirst);
+    session->Refresh(Field::Repeat);
+    std::optional<Result<StatePtr>> read;
+
+    session->Refreshed(Field::Repeat).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+
+    ASSERT_TRUE(RunLoopUntil([&] { return second != nullptr && State()->repeat == Repeat::One; }));
+    EXPECT_FALSE(read);
+    g_dbus_method_invocation_return_value(second, g_variant_new("(i)", 2));
+
+    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
+    EXPECT_EQ((**read)->repeat, Repeat::All);
+}
+
+TEST_F(KnownTest, ARefreshHasTheTermsOfEveryRequest)
+{
+    Ready();
+    service.Hold("GetRepeatMode");
+    const Cancellation stop;
+    stop.Cancel();
+
+    EXPECT_EQ(KindOf(Completed(session->Refreshed(Field::Repeat).Within(20ms))), ErrorKind::TimedOut);
+    EXPECT_EQ(KindOf(session->Refreshed(Field::Repeat).Wait()), ErrorKind::WouldDeadlock);
+    EXPECT_EQ(KindOf(Completed(session->Refreshed(Field::Repeat).CancelledBy(stop))), ErrorKind::Cancelled);
+}
+
+TEST_F(KnownTest, ARefreshNeedsAServiceUntilItsEnd)
+{
+    EXPECT_EQ(KindOf(Completed(Open(options).Refreshed())), ErrorKind::NoService);
+
+    Ready();
+    service.Hold("GetRepeatMode");
+    std::optional<Result<StatePtr>> read;
+    session->Refreshed(Field::Repeat).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+    service.Vanish();
+
+    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
+    EXPECT_EQ(KindOf(*read), ErrorKind::ServiceLost);
+}
+
+TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
+{
+    std::optional<Result<StatePtr>> read;
+    std::atomic<bool> begun{false};
+    const auto refresh = [&](GDBusMethodInvocation* call)
+    {
+        if (!begun.exchange(true))
+            session->Refreshed(Field::Shuffle).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+        g_dbus_method_invocation_return_value(call, g_variant_new("(i)", 1));
+    };
+    service.React("GetShuffleMode", refresh);
+
+    Open(options);
+
+    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
+    ASSERT_TRUE(*read);
+    EXPECT_EQ((**read)->phase, Phase::Ready);
 }
 
 TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)

@@ -82,6 +82,13 @@ class Asyncio(WithSimulator):
             self.simulator.go_on()
         self.assertEqual(await session.commands.ipod_name(), "Desk iPod")
 
+    async def test_a_refresh_returns_the_state_that_was_read(self):
+        session = await self.ready_session()
+        state = await session.refreshed({ipodkit.Field.SHUFFLE}).within(LIMIT)
+        self.assertEqual((state.shuffle, state.version), (ipodkit.Shuffle.OFF, session.state.version))
+        with self.assertRaises(TypeError):
+            session.refreshed({"shuffle"})
+
     async def test_states_are_iterated_from_the_present_one(self):
         session = await self.ready_session()
         states = session.states(ipodkit.Field.BATTERY)
@@ -313,6 +320,31 @@ class Accessories(WithSimulator):
         self.assertEqual(await asyncio.wait_for(first, LIMIT), b"\0\xff123")
         await arriving.aclose()
 
+    async def test_a_port_iterates_over_the_chunks_of_all_its_sessions(self):
+        accessory = await self.opened()
+        arriving = aiter(self.port)
+        first = asyncio.ensure_future(anext(arriving))
+        await asyncio.sleep(0.05)
+        self.simulator.do("eap-data", {"session": accessory.number, "hex": "01"})
+        self.assertEqual(await asyncio.wait_for(first, LIMIT), (accessory, b"\1"))
+        self.simulator.do("eap-open", 0)
+        async with asyncio.timeout(LIMIT):
+            while len(self.port.sessions()) < 2:
+                await asyncio.sleep(0.01)
+        later = [each for each in self.port.sessions() if each.number != accessory.number][0]
+        self.simulator.do("eap-data", {"session": later.number, "hex": "02"})
+        self.assertEqual(await asyncio.wait_for(anext(arriving), LIMIT), (later, b"\2"))
+        await arriving.aclose()
+
+    async def test_closing_the_session_ends_the_iteration_of_a_port(self):
+        await self.opened()
+        received = asyncio.ensure_future(self.collected(self.port))
+        await asyncio.sleep(0.05)
+        self.session.close()
+        self.assertEqual(await asyncio.wait_for(received, LIMIT / 6), [])
+        with self.assertRaises(TypeError):
+            ipodkit.AccessoryPort("session")
+
     async def test_closing_the_session_ends_the_iteration(self):
         accessory = await self.opened()
         received = asyncio.ensure_future(self.collected(accessory))
@@ -328,6 +360,21 @@ class Accessories(WithSimulator):
 
 
 class Pictures(WithSimulator):
+    async def test_the_artwork_can_be_requested(self):
+        session = await self.ready_session()
+        await session.commands.start_playback()
+        artwork = await session.commands.artwork()
+        self.assertEqual((artwork.available, artwork.type), (True, "image/png"))
+        self.assertTrue(artwork.picture.data.startswith(b"\x89PNG"))
+        self.assertEqual(len(artwork.picture.data), artwork.bytes)
+        with self.assertRaises(TypeError):
+            session.commands.artwork("large")
+
+    async def test_without_artwork_there_is_no_picture(self):
+        session = await self.ready_session()
+        artwork = await session.commands.artwork()
+        self.assertEqual((artwork.available, artwork.picture, artwork.type), (False, None, "none"))
+
     async def test_artwork_is_kept_as_a_file(self):
         session = await self.ready_session()
         await session.commands.start_playback()

@@ -201,6 +201,15 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(run_until(lambda: self.session.state.battery is not None))
         self.assertEqual(repr(self.session.state.battery), "<ipodkit.Battery percent=42>")
 
+    def test_calls_without_an_identifier_have_an_empty_key(self):
+        for status in ("ringing", "active"):
+            self.simulator.do("call", {"status": status, "display-name": "Anna"})
+            named = getattr(ipodkit.CallStatus, status.upper())
+            self.assertTrue(run_until(lambda: [(key, call.name, call.status) for key, call in
+                                               self.session.state.calls.items()] == [("", "Anna", named)]))
+        self.simulator.do("call", {"status": "disconnected"})
+        self.assertTrue(run_until(lambda: not self.session.state.calls))
+
     def test_a_refreshed_field_and_events_arrive(self):
         events = []
         following = self.session.on_event("events", events.append)

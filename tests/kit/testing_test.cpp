@@ -61,6 +61,18 @@ TEST_F(FakeSessionTest, PublishesAState)
     EXPECT_EQ(fake.Get().State()->version, 1U);
 }
 
+TEST_F(FakeSessionTest, CompletesARefreshWithTheStateThatTheTestSet)
+{
+    fake.SetState(FakeSession::ReadyState());
+    StatePtr read;
+
+    fake.Get().Refreshed().Start([&read](const Result<StatePtr>& state) { read = state.value_or(nullptr); });
+    fake.Run();
+
+    EXPECT_EQ(read, fake.Get().State());
+    EXPECT_THAT(fake.Calls(), IsEmpty());
+}
+
 TEST_F(FakeSessionTest, FollowsEventsLikeASession)
 {
     const NowPlaying view(fake.Get());

@@ -87,6 +87,14 @@ public:
     /// fields that were refused, or that may have changed without an event. Does nothing unless the service is there.
     void Refresh(Fields fields = Fields::All());
 
+    /// Refresh() that completes when each of @p fields is read, or late, with the published state: State() has it. A
+    /// field that the service refused, or has not answered within the session's deadline, is unknown in it, and Why()
+    /// is the reason. While the session is Connecting, it waits for the whole state.
+    ///
+    /// ErrorKind::NoService, or Connection::error, when there is nothing to read from yet; ServiceLost when the service
+    /// exits meanwhile. It has no deadline of its own unless Within() sets one.
+    Request<StatePtr> Refreshed(Fields fields = Fields::All());
+
     /// @name Subscriptions. The log refers to a callback by its name. "First" means: soon, in the context.
     /// @{
 

@@ -198,6 +198,51 @@ class Session(_native.Session):
         raise Cancelled("the session was closed")  # noqa: F405
 
 
+class _Arrivals:
+    """The subscriptions to what all accessory sessions of a port receive."""
+
+    def __init__(self, port, put):
+        self._put = put
+        self._listening = {}
+        self._opened = port.on_opened("chunks", self._listen)
+        for accessory in port.sessions():
+            self._listen(accessory)
+
+    def _listen(self, accessory):
+        replaced = self._listening.pop(accessory.number, None)
+        if replaced:
+            replaced.end()
+        self._listening[accessory.number] = accessory.on_data(
+            "chunks", lambda data, error: self._put((accessory, data, error)))
+
+    def end(self):
+        self._opened.end()
+        for listening in self._listening.values():
+            listening.end()
+
+
+class AccessoryPort(_native.AccessoryPort):
+    __doc__ = _native.AccessoryPort.__doc__
+
+    def __init__(self, session, **options):
+        super().__init__(session, **options)
+        self._session = session
+
+    async def __aiter__(self):
+        """Iterates over the chunks that arrive from now on in any accessory session, until the Session is closed.
+
+        Yields (accessory_session, bytes). Raises Ambiguous for bytes that may belong to several sessions.
+        """
+        chunks = _Stream(self._session, _Queue(), lambda put: _Arrivals(self, put))
+        try:
+            async for accessory, data, error in chunks:
+                if error:
+                    raise error
+                yield accessory, data
+        finally:
+            chunks.end()
+
+
 def _await(request):
     """Sends the request; its value, or its Error. Cancelling the task withdraws it."""
     loop = _asyncio.get_running_loop()

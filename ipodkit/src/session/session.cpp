@@ -1,6 +1,5 @@
 #include <ipodkit/session.h>
 
-#include "loop/loop_operation.h"
 #include "session/session_impl.h"
 
 namespace ipodkit
@@ -98,5 +97,14 @@ Request<StatePtr> Session::Changed(Fields fields)
 void Session::Refresh(Fields fields)
 {
     m_impl->Refresh(fields);
+}
+
+Request<StatePtr> Session::Refreshed(Fields fields)
+{
+    const auto begin = [weak = std::weak_ptr<Impl>(m_impl), fields](const PendingPtr<StatePtr>& request)
+    {
+        if (const auto impl = weak.lock()) impl->Refresh(fields, request);
+    };
+    return MakeLoopRequest<StatePtr>(m_impl->Bus()->Requests(), "state refresh", {}, begin);
 }
 }  // namespace ipodkit

@@ -1,6 +1,8 @@
 #include "session/session_impl.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "loop/context.h"
 #include "memory/segment_probe.h"
@@ -89,6 +91,18 @@ void Session::Impl::Refresh(Fields fields)
          });
 }
 
+void Session::Impl::Refresh(Fields fields, const PendingPtr<StatePtr>& request)
+{
+    if (m_phase != Phase::Ready && !m_reader->Started())
+    {
+        const Error unconnected{ErrorKind::NoService, "the session is not connected to the service"};
+        return request->Settle(tl::unexpected<Error>(CurrentConnection().error.value_or(unconnected)));
+    }
+    m_reader->Refresh(fields);
+    m_refreshes.push_back({fields, request});
+    SettleRefreshes();
+}
+
 void Session::Impl::Step(Phase phase, std::optional<Error> error, Fields missing)
 {
     if (phase != m_phase) LogDebug(std::string("session ") + Name(phase) + ", service " + std::to_string(m_generation));
@@ -139,6 +153,9 @@ void Session::Impl::Vanished()
     m_draft.ForgetService();
     Step(Phase::Lost);
     m_lanes.OutdateAll();
+    const Error lost{ErrorKind::ServiceLost, "the service exited before it answered"};
+    for (const PendingRefresh& each : std::exchange(m_refreshes, {}))
+        if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(lost));
 }
 
 // Probing waits for processes that create the segments and for locks of dead ones, hence on another thread. Attaching
@@ -192,20 +209,44 @@ void Session::Impl::Followed(const char* method)
     if (std::strcmp(method, "EnterDeviceChildList") == 0) m_reader->ReadDevices();
 }
 
-// A service that has not answered at all is not usable yet; one that left some requests open is.
 void Session::Impl::Progressed()
 {
     const auto self = shared_from_this();
     m_publisher->Touch();
+    ApplyProgress();
+    SettleRefreshes();
+}
+
+// A service that has not answered at all is not usable yet; one that left some requests open is.
+void Session::Impl::ApplyProgress()
+{
     const StateReader::Progress progress = m_reader->Progressed();
     const bool usable = m_phase == Phase::Ready || progress.answered;
-    if (!progress.complete) return;
+    if (!progress.open.Empty()) return;
     std::optional<Error> error;
     if (!progress.missing.Empty()) error = Error{ErrorKind::TimedOut, "no answer yet: " + Names(progress.missing)};
     const ipodkit::Connection now = CurrentConnection();
     const Phase phase = usable ? Phase::Ready : Phase::Connecting;
     if (now.phase == phase && now.error == error) return;
     Step(phase, std::move(error), usable ? progress.missing : Fields());
+}
+
+// Nothing is published before the whole state has been read once.
+void Session::Impl::SettleRefreshes()
+{
+    const Fields open = m_reader->Progressed().open;
+    const auto isOpen = [&](PendingRefresh& each)
+    {
+        each.open = m_phase == Phase::Ready ? each.open & open : open;
+        return !each.open.Empty();
+    };
+    const auto read = std::stable_partition(m_refreshes.begin(), m_refreshes.end(), isOpen);
+    if (read == m_refreshes.end()) return;
+    const std::vector<PendingRefresh> complete(read, m_refreshes.end());
+    m_refreshes.erase(read, m_refreshes.end());
+    m_publisher->Flush();
+    for (const PendingRefresh& each : complete)
+        if (const auto request = each.request.lock()) request->Settle(m_publisher->Published());
 }
 
 // A track event without artwork does not mean that there is none. A state that has just become Ready includes it.

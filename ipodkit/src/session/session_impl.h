@@ -6,6 +6,7 @@
 
 #include "bus/bus.h"
 #include "commands/requests.h"
+#include "loop/loop_operation.h"
 #include "session/core_link.h"
 #include "session/lanes.h"
 #include "session/memory.h"
@@ -38,6 +39,9 @@ public:
     const SessionOptions& Options() const { return m_options; }
     /// @}
 
+    /// Reads the fields again, and settles the request when they are read, or cannot be.
+    void Refresh(Fields fields, const PendingPtr<StatePtr>& request);
+
     Lanes& ListLanes() { return m_lanes; }
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
     const StateDraft& Draft() const { return m_draft; }
@@ -50,6 +54,12 @@ public:
 
 private:
     friend class ipodkit::FakeSession;  // is a session without a bus
+
+    struct PendingRefresh
+    {
+        Fields open;  // not read since it began
+        std::weak_ptr<Pending<StatePtr>> request;
+    };
 
     template <class Method>
     auto Bound(Method method);
@@ -66,6 +76,8 @@ private:
     void Follow(const Event& event);
     void Followed(const char* method);
     void Progressed();
+    void ApplyProgress();
+    void SettleRefreshes();
     void Published(Fields changed);
     void Step(Phase phase, std::optional<Error> error = std::nullopt, Fields missing = {});
 
@@ -85,6 +97,7 @@ private:
     std::function<std::optional<std::vector<std::string>>(ListKind)> m_names = NamesOf;
     Registry<std::function<void()>> m_endings;
     SourcePtr m_retry;
+    std::vector<PendingRefresh> m_refreshes;
     Phase m_phase = Phase::Absent;
     std::uint32_t m_generation = 0;
     bool m_closed = false;

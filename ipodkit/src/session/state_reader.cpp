@@ -65,7 +65,8 @@ void StateReader::Start()
 template <class T, class Take>
 void StateReader::Ask(Field field, const Question<T>& question, const Take& take)
 {
-    const auto send = [this, field, question, take] { Send<T>(field, question, take); };
+    const auto send = [this, field, question, take, serial = ++m_last[field]]
+    { Send<T>(field, serial, question, take); };
     const auto late = [this, field, send, asked = m_asked]
     {
         m_missing = m_missing | field;
@@ -74,16 +75,18 @@ void StateReader::Ask(Field field, const Question<T>& question, const Take& take
         m_progressed();
     };
     m_open = m_open | field;
+    m_missing = m_missing.Without(field);
     m_timers[field] = After(m_context.get(), Milliseconds(m_deadline), late);
     send();
 }
 
-// Answers come in order: a later one to the same question is the more recent value.
+// Answers come in order: a later one to the same question is the more recent value. One to an earlier question counts,
+// but the field is read only when the last one is answered: it may have changed between the two.
 template <class T, class Take>
-void StateReader::Send(Field field, const Question<T>& question, const Take& take)
+void StateReader::Send(Field field, unsigned serial, const Question<T>& question, const Take& take)
 {
     question().Within(kForEver).Start(
-        [weak = weak_from_this(), round = m_round, field, take, asked = m_asked](const Result<T>& result)
+        [weak = weak_from_this(), round = m_round, field, serial, take, asked = m_asked](const Result<T>& result)
         {
             const auto self = weak.lock();
             if (self == nullptr || self->m_round != round || (!result && !IsAnswer(result.error()))) return;
@@ -91,7 +94,7 @@ void StateReader::Send(Field field, const Question<T>& question, const Take& tak
                 take(*result);
             else
                 self->Forget(field, *asked, Unknown::Refused, &result.error());
-            self->Answered(field);
+            self->Answered(field, serial);
         });
 }
 
@@ -112,9 +115,10 @@ void StateReader::Late(Field field, std::chrono::milliseconds wait, int attempts
                             });
 }
 
-void StateReader::Answered(Field field)
+void StateReader::Answered(Field field, unsigned serial)
 {
     m_answered = true;
+    if (serial != m_last[field]) return m_progressed();
     m_timers.erase(field);
     m_open = m_open.Without(field);
     m_missing = m_missing.Without(field);

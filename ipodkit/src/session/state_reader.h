@@ -21,7 +21,7 @@ class StateReader : public std::enable_shared_from_this<StateReader>
 public:
     struct Progress
     {
-        bool complete;   ///< each question was answered or is late
+        Fields open;     ///< neither answered nor late
         bool answered;   ///< at least one of them was answered
         Fields missing;  ///< late
     };
@@ -45,7 +45,10 @@ public:
     /// Ignores pending answers, and sends no request until the next Start().
     void Stop();
 
-    Progress Progressed() const { return {Settled(), m_answered, m_missing}; }
+    /// Whether it reads the state: since Start(), until Stop().
+    bool Started() const { return m_started; }
+
+    Progress Progressed() const { return {m_open.Without(m_missing), m_answered, m_missing}; }
 
 private:
     template <class T>
@@ -54,7 +57,7 @@ private:
     template <class T, class Take>
     void Ask(Field field, const Question<T>& question, const Take& take);
     template <class T, class Take>
-    void Send(Field field, const Question<T>& question, const Take& take);
+    void Send(Field field, unsigned serial, const Question<T>& question, const Take& take);
     template <class T, class Set>
     void Read(Field field, Request<T> (Commands::*question)() const, const Set& set);
     template <class T>
@@ -62,7 +65,7 @@ private:
     void Late(Field field, std::chrono::milliseconds wait, int attempts, const std::function<void()>& again);
     void Forget(Field field, const PlayerState& asked, Unknown why, const Error* cause = nullptr);
     void ReadAll(Fields fields = Fields::All());
-    void Answered(Field field);
+    void Answered(Field field, unsigned serial);
     void TakeArtwork(const PictureHead& head, const PicturePtr& before);
     bool Settled() const { return m_open.Without(m_missing).Empty(); }
 
@@ -74,6 +77,7 @@ private:
     const std::function<void()> m_progressed;
     std::map<Field, SourcePtr> m_timers;         // of open questions
     std::shared_ptr<const PlayerState> m_asked;  // the draft when the last questions were put
+    std::map<Field, unsigned> m_last;            // question about each field
     unsigned m_round = 0;
     Fields m_open;     // not answered yet
     Fields m_missing;  // of these, those that timed out

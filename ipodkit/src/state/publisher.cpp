@@ -43,6 +43,13 @@ void Publisher::Touch()
         PublishNext(m_draft.State());
 }
 
+void Publisher::Flush()
+{
+    if (m_connection.phase != Phase::Ready) return;
+    m_timer.Stop();
+    PublishNext(m_draft.State());
+}
+
 // Calls and accessory sessions live in the service: they end with it.
 void Publisher::Publish(const Connection& connection)
 {

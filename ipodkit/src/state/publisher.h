@@ -26,6 +26,9 @@ public:
     /// Something may have changed: publishes the draft after the settle time. Ignored unless the phase is Ready.
     void Touch();
 
+    /// Publishes the draft now instead of after the settle time. Ignored unless the phase is Ready.
+    void Flush();
+
     /// Publishes a step of the connection at once: with the draft when it is Ready, else with the last known state.
     void Publish(const Connection& connection);
 
