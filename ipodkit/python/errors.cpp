@@ -37,7 +37,7 @@ const Kind kKinds[] = {
     {ErrorKind::BadArgument, "BAD_ARGUMENT", &PyExc_ValueError, "The request cannot be sent as it is."},
     {ErrorKind::Ambiguous, "AMBIGUOUS", nullptr, "Received bytes that may belong to several accessory sessions."},
     {ErrorKind::NoStorage, "NO_STORAGE", &PyExc_OSError, "A file cannot be written."},
-    {ErrorKind::Busy, "BUSY", nullptr, "An accessory session has enough bytes to send."},
+    {ErrorKind::Busy, "BUSY", nullptr, "Another process holds what the request needs, or an accessory session has enough bytes to send."},
     {ErrorKind::WouldDeadlock, "WOULD_DEADLOCK", &PyExc_RuntimeError,
      "Waiting on the thread of the loop that has to make the result."},
 };

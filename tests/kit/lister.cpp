@@ -2,6 +2,7 @@
 //   lister pages|levels|core LISTINGS NUMBER   prints "listings N wrong N busy N failed N longest MS"
 //   lister hold|page                           prints "held" or the error, then waits for the end of its input
 #include <IQBXIpodPlayer.h>
+#include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/pager.h>
 #include <ipodkit/sharing.h>
@@ -176,6 +177,7 @@ int Wait(const std::string& what)
 
 int Run(int count, char** words)
 {
+    QBX_LogInit("ERROR:/dev/null");
     const std::string what = count > 1 ? words[1] : "";
     return count == 4 ? List(what, std::atoi(words[2]), std::atoi(words[3])) : Wait(what);
 }

@@ -7,6 +7,7 @@ import argparse
 import fcntl
 import os
 import re
+import shutil
 import signal
 import struct
 import subprocess
@@ -19,14 +20,15 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [os.path.join(HERE, "..", "support"), os.path.join(HERE, "..", "ipodctl")]
 
 from music_folder import write_track  # noqa: E402
-from private_session import LIMIT, Bus, clear_shared_memory, enter_private_namespace, line_within  # noqa: E402
+from private_session import LIMIT, Bus, clear_shared_memory, enter_private_namespace, line_within, within  # noqa: E402
 
 PROCESSES = 8
 LISTINGS = int(os.environ.get("IPODKIT_LISTINGS", 160))
 KILLS = int(os.environ.get("IPODKIT_KILLS", 5))
 LONGEST = 2000  # milliseconds
 SEGMENT = "/dev/shm/ListVectorSharedMemory"
-BROWSE = 0x40000000 + 7  # as docs/sharing.md has it
+DATABASE_LIST = 0x40000000 + 1  # as docs/sharing.md has them
+BROWSE = 0x40000000 + 7
 ALBUMS, SONGS = 8, 40
 
 
@@ -117,6 +119,63 @@ class Sharing(unittest.TestCase):
     def test_levels_are_never_wrong(self):
         self.serve("delay=2@GetCurDbListItems", "delay=2@EnterDbChildList", "delay=2@GetCurDbListItemsAmount")
         self.assert_right(self.listed("levels", LISTINGS - LISTINGS // 2))
+
+    def assert_busy(self, process, holder, use):
+        begin = time.monotonic()
+        reported = line_within(process.stdout, LIMIT).strip()
+        self.assertEqual(reported, f"Busy: process {holder.pid} (lister) {use}")
+        self.assertLess(time.monotonic() - begin, LONGEST / 1000 + 1)
+
+    @staticmethod
+    def stop(process):
+        process.send_signal(signal.SIGSTOP)
+        os.waitid(os.P_PID, process.pid, os.WSTOPPED)
+
+    def test_a_stopped_holder_makes_others_busy(self):
+        self.serve()
+        holder = self.holder()
+        self.stop(holder)
+        self.assert_busy(self.lister("hold"), holder, "browses the database")
+        holder.kill()
+        self.holder()
+
+    def test_a_stopped_reader_of_a_page_makes_others_busy(self):
+        self.serve()
+        self.ctl("sim", "fault", "delay=600000@GetCurDbListItems/1")
+        reader = self.lister("page")
+        self.assertTrue(within(LIMIT, lambda: not can_lock(DATABASE_LIST)))
+        self.stop(reader)
+        self.assert_busy(self.lister("page"), reader, "reads the list")
+        reader.kill()
+        self.holder("page")
+
+    def test_a_lock_is_free_soon_after_its_holder_was_killed(self):
+        self.serve()
+        slowest = 0
+        holder = self.holder()
+        for _ in range(KILLS):
+            waiting = self.lister("hold")
+            self.assertFalse(line_within(waiting.stdout, 0.15))
+            holder.kill()
+            killed = time.monotonic()
+            self.assertEqual(line_within(waiting.stdout, LIMIT).strip(), "held")
+            slowest = max(slowest, time.monotonic() - killed)
+            self.end(holder)
+            holder = waiting
+        print(f"killed {KILLS} holders, the next one waited at most {slowest * 1000:.1f} ms", flush=True)
+        self.assertLess(slowest, 0.05)
+
+    def test_a_lock_on_a_replaced_segment_does_not_count(self):
+        self.serve()
+        first = self.holder()
+        self.assertFalse(can_lock(BROWSE))
+        shutil.copy(SEGMENT, SEGMENT + ".new")
+        os.rename(SEGMENT + ".new", SEGMENT)
+        self.assertTrue(can_lock(BROWSE))
+        second = self.holder()
+        self.assertFalse(can_lock(BROWSE))
+        self.assert_busy(self.lister("hold"), second, "browses the database")
+        self.assertIsNone(first.poll())
 
 
 if __name__ == "__main__":
