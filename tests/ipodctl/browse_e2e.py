@@ -262,7 +262,10 @@ class WithTheSimulator(InATerminal):
         refused = subprocess.run([OPTIONS.ipodctl, "cd", "/Albums"], env=self.bus.environment, timeout=LIMIT,
                                  capture_output=True, text=True)
         self.assertEqual(refused.returncode, NOTHING_DONE)
-        self.assertIn(f"process {terminal.process.pid} (ipodctl) browses the database", refused.stderr)
+        holder = f"process {terminal.process.pid} (ipodctl)"
+        self.assertIn(f"{holder} browses the database", refused.stderr)
+        locks = [check["text"] for check in self.ctl("doctor")["checks"] if check["check"] == "lock"]
+        self.assertEqual(locks, [f"browse is held by {holder}"])
         terminal.type(CTRL_C)
         self.ends(terminal, DONE)
         self.assertEqual(self.ctl("cd", "/Albums")["verb"], "cd")
@@ -345,6 +348,8 @@ class WithTheSimulator(InATerminal):
                 self.happen("clear-faults")
                 terminal.type(CTRL_L)
                 self.sees(terminal, "Artists/", "a-z jump")
+                terminal.type(CTRL_C)
+                self.ends(terminal, DONE)
 
     def test_missing_names_are_reported_until_they_arrive(self):
         terminal = self.in_artists()
@@ -365,6 +370,8 @@ class WithTheSimulator(InATerminal):
         colored = rb"\033\[(\d+;)*[34][0-7]m"
         terminal = self.in_artists()
         self.assertRegex(terminal.received, colored)
+        terminal.type(CTRL_C)
+        self.ends(terminal, DONE)
         terminal = self.in_artists(NO_COLOR="1")
         self.assertNotRegex(terminal.received, colored)
         self.selects(terminal, "")
