@@ -13,6 +13,7 @@ ExitCode CodeFor(ErrorKind kind)
         case ErrorKind::Refused:
         case ErrorKind::Cancelled:
         case ErrorKind::Ambiguous:
+        case ErrorKind::Busy:
             return kNothingDone;
         case ErrorKind::NoSharedMemory:
             return kNoSegments;
@@ -60,6 +61,8 @@ const char* Hint(ErrorKind kind)
             return "check whether the service hangs, or wait longer with --deadline";
         case ErrorKind::Cancelled:
             return "try again";
+        case ErrorKind::Busy:
+            return "end that program, or try again later; 'ipodctl doctor' lists who holds what";
         case ErrorKind::NoSharedMemory:
             return "run 'ipodctl doctor' for a diagnosis";
         default:

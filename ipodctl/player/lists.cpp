@@ -44,6 +44,16 @@ std::vector<std::string> List::Names(int first, int end, const char* refusal)
     return m_session.ValueOf(m_session.Await(m_pager.Range(first, end - 1)), refusal);
 }
 
+void List::Enter(ipodkit::Request<void> (ipodkit::Pager::*where)(), const char* refusal)
+{
+    m_session.ValueOf(m_session.Await((m_pager.*where)()), refusal);
+}
+
+void List::EnterChild(int index, const char* refusal)
+{
+    m_session.ValueOf(m_session.Await(m_pager.EnterChild(index)), refusal);
+}
+
 namespace
 {
 constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
@@ -117,6 +127,7 @@ std::optional<Entry> OnlyMatch(const Page& page, const std::string& name, Matche
 
 Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
 {
+    session.HoldLevel(ipodkit::Browsing::Reading);
     const int pageSize = std::clamp(count, 1, List::kPageSize);
     List names(session, ipodkit::ListKind::Database, pageSize);
     Page page;

@@ -28,6 +28,12 @@ public:
     /// Returns the page that holds an entry.
     ipodkit::PagePtr PageWith(int index, const char* refusal);
 
+    /// Changes the level of the database.
+    /// @param where    Pager::EnterRoot or Pager::EnterParent
+    /// @param refusal  error message if the service has no such level
+    void Enter(ipodkit::Request<void> (ipodkit::Pager::*where)(), const char* refusal);
+    void EnterChild(int index, const char* refusal);
+
     static constexpr int kPageSize = 500;
 
 private:

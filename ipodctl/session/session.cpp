@@ -80,6 +80,11 @@ ipodkit::Session& Session::Ready()
     return *m_kit;
 }
 
+void Session::HoldLevel(ipodkit::Browsing how)
+{
+    if (!m_level) m_level = ValueOf(Await(ipodkit::BrowseLease::Acquire(Kit(), how)));
+}
+
 void Session::AwaitReady()
 {
     Loop loop;

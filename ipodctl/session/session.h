@@ -5,6 +5,7 @@
 
 #include <gio/gio.h>
 #include <ipodkit/session.h>
+#include <ipodkit/sharing.h>
 
 #include <algorithm>
 #include <memory>
@@ -87,6 +88,12 @@ public:
     /// @throws Interrupted  on SIGINT, SIGTERM, or SIGHUP
     ipodkit::Session& Ready();
 
+    /// Keeps other applications from changing the level of the database, or its caller from being disturbed while it
+    /// changes it, until this object is destroyed. Only the first call counts.
+    /// @throws Failure  kNothingDone if another process holds the level
+    /// @throws Interrupted  on SIGINT, SIGTERM, or SIGHUP
+    void HoldLevel(ipodkit::Browsing how);
+
     /// Returns the reply timeout in milliseconds, at least 1.
     int Deadline() const { return std::max(1, static_cast<int>(m_settings.deadline * 1000)); }
 
@@ -104,6 +111,7 @@ private:
     Settings m_settings;
     GDBusConnection* m_bus = nullptr;
     std::unique_ptr<ipodkit::Session> m_kit;
+    std::optional<ipodkit::BrowseLease> m_level;
     bool m_ready = false;
 };
 

@@ -12,6 +12,7 @@ Answer Browse(Session& session)
     const browse::LogCapture messages;
     const SuspendSignal suspend;
     ipodkit::Session& kit = session.Kit();
+    session.HoldLevel(ipodkit::Browsing::Changing);
     browse::Screen screen;
     browse::Browser(kit, screen, suspend).Run();
     return {};

@@ -13,21 +13,26 @@ namespace ctl
 {
 namespace
 {
+List Level(Session& session)
+{
+    return {session, ipodkit::ListKind::Database};
+}
+
 void Enter(Session& session, const Entry& entry)
 {
     const std::string refusal = "'" + Printable(entry.name) + "' cannot be entered; if it is a song: ipodctl play " +
                                 std::to_string(entry.index);
-    session.Ask(session.Commands().EnterChild(entry.index), refusal.c_str());
+    Level(session).EnterChild(entry.index, refusal.c_str());
 }
 
 void EnterRoot(Session& session)
 {
-    session.Ask(session.Commands().EnterRoot(), "the service did not enter the root; is a device attached?");
+    Level(session).Enter(&ipodkit::Pager::EnterRoot, "the service did not enter the root; is a device attached?");
 }
 
 void EnterParent(Session& session)
 {
-    session.Ask(session.Commands().EnterParent(), "the current level is already the root");
+    Level(session).Enter(&ipodkit::Pager::EnterParent, "the current level is already the root");
 }
 
 // Enters the entry whose name is the longest matching prefix of the path, because names may contain slashes. Returns
@@ -80,6 +85,7 @@ void EnterPath(Session& session, const std::string& path)
 
 void ChangeLevel(Session& session, const std::string& where)
 {
+    session.HoldLevel(ipodkit::Browsing::Changing);
     if (where == ".." || where == "." || where.find('/') != std::string::npos)
         EnterPath(session, where);
     else

@@ -47,6 +47,7 @@ int FindDevice(const std::vector<std::string>& names, std::string text)
 
 Answer EnterDevice(Session& session, const std::string& device)
 {
+    session.HoldLevel(ipodkit::Browsing::Changing);
     const std::vector<std::string> names = ReadDevices(session);
     const int index = FindDevice(names, device);
     session.Ask(session.Commands().EnterDevice(index), "the service did not enter the device; see ipodctl devices");

@@ -2,6 +2,7 @@
 #include <QBXIpodShareMemory.h>
 #include <gio/gio.h>
 #include <ipod_dbus.h>
+#include <ipodkit/sharing.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -125,6 +126,15 @@ Finding ExamineService(Session& session, GDBusConnection* bus)
     return {"service", kDone, owner, ""};
 }
 
+// Others may read a shared list for a moment; a lock that stays is that of a browser, or of a stopped process.
+void AddLocks(std::vector<Finding>& all)
+{
+    for (const ipodkit::LockHolder& holder : ipodkit::LockHolders())
+        all.push_back(
+            {"lock", kDone,
+             holder.what + " is held by process " + std::to_string(holder.process) + " (" + holder.program + ")", ""});
+}
+
 // Probes the segments before connecting to the bus: the probe forks, and GDBus starts threads.
 std::vector<Finding> Examine(Session& session)
 {
@@ -144,6 +154,7 @@ std::vector<Finding> Examine(Session& session)
         all.push_back({"bus", failure.code(), failure.what(), ""});
     }
     all.insert(all.end(), segments.begin(), segments.end());
+    AddLocks(all);
     return all;
 }
 

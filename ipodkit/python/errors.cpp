@@ -37,7 +37,7 @@ const Kind kKinds[] = {
     {ErrorKind::BadArgument, "BAD_ARGUMENT", &PyExc_ValueError, "The request is invalid and was not sent."},
     {ErrorKind::Ambiguous, "AMBIGUOUS", nullptr, "Received bytes that may belong to several accessory sessions."},
     {ErrorKind::NoStorage, "NO_STORAGE", &PyExc_OSError, "A file cannot be written."},
-    {ErrorKind::Busy, "BUSY", nullptr, "The queue of an accessory session is full."},
+    {ErrorKind::Busy, "BUSY", nullptr, "Another process holds the list, or the queue of an accessory session is full."},
     {ErrorKind::WouldDeadlock, "WOULD_DEADLOCK", &PyExc_RuntimeError,
      "The wait would block the thread on which the result arrives."},
 };

@@ -13,7 +13,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [os.path.join(HERE, "..", "support"), os.path.join(HERE, "..", "..", "tools")]
 
-from ipodctl_e2e import DONE, NO_BUS, NO_SERVICE, SERVICE_LOST, USAGE  # noqa: E402
+from ipodctl_e2e import DONE, NO_BUS, NOTHING_DONE, NO_SERVICE, SERVICE_LOST, USAGE  # noqa: E402
 from music_folder import write_collection  # noqa: E402
 from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
                              line_within)
@@ -109,6 +109,12 @@ class WithTheSimulator(InATerminal):
     def happen(self, *words):
         subprocess.run([OPTIONS.ipodctl, "sim", *words], env=self.bus.environment, check=True, timeout=LIMIT,
                        stdout=subprocess.DEVNULL)
+
+    def call(self, method, *arguments):
+        """Calls the service as an application that uses the core alone: it takes no lease."""
+        command = ["gdbus", "call", "--session", "--dest", "com.zarn.linux.ipod", "--object-path",
+                   "/com/zarn/linux/ipod", "--method", f"com.zarn.linux.ipod.{method}", *arguments]
+        subprocess.run(command, env=self.bus.environment, check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
 
     def in_artists(self, **options):
         terminal = self.start(**options)
@@ -242,12 +248,27 @@ class WithTheSimulator(InATerminal):
 
     def test_a_level_changed_by_another_program_is_detected(self):
         terminal = self.in_artists()
-        self.ctl("cd", "/Albums")
+        self.call("EnterDbRoot")
+        self.call("EnterDbChildList", "2")
         terminal.type("zmx" + ENTER)
         self.sees(terminal, "another program changed the level; returning", "› Artists")
         self.selects(terminal, "周明轩")
         terminal.type(ENTER)
         self.sees(terminal, "› Artists › 周明轩")
+
+    def test_one_program_browses_at_a_time_and_others_read(self):
+        terminal = self.in_artists()
+        self.assertEqual(self.ctl("ls")["count"], 11)
+        refused = subprocess.run([OPTIONS.ipodctl, "cd", "/Albums"], env=self.bus.environment, timeout=LIMIT,
+                                 capture_output=True, text=True)
+        self.assertEqual(refused.returncode, NOTHING_DONE)
+        holder = f"process {terminal.process.pid} (ipodctl)"
+        self.assertIn(f"{holder} browses the database", refused.stderr)
+        locks = [check["text"] for check in self.ctl("doctor")["checks"] if check["check"] == "lock"]
+        self.assertEqual(locks, [f"browse is held by {holder}"])
+        terminal.type(CTRL_C)
+        self.ends(terminal, DONE)
+        self.assertEqual(self.ctl("cd", "/Albums")["verb"], "cd")
 
     def test_a_new_device_opens_at_its_root(self):
         terminal = self.in_artists()
@@ -327,6 +348,8 @@ class WithTheSimulator(InATerminal):
                 self.happen("clear-faults")
                 terminal.type(CTRL_L)
                 self.sees(terminal, "Artists/", "a-z jump")
+                terminal.type(CTRL_C)
+                self.ends(terminal, DONE)
 
     def test_missing_names_are_reported_until_they_arrive(self):
         terminal = self.in_artists()
@@ -347,6 +370,8 @@ class WithTheSimulator(InATerminal):
         colored = rb"\033\[(\d+;)*[34][0-7]m"
         terminal = self.in_artists()
         self.assertRegex(terminal.received, colored)
+        terminal.type(CTRL_C)
+        self.ends(terminal, DONE)
         terminal = self.in_artists(NO_COLOR="1")
         self.assertNotRegex(terminal.received, colored)
         self.selects(terminal, "")

@@ -23,7 +23,7 @@ enum class ErrorKind
     BadArgument,     ///< the request cannot be sent as it is; nothing was sent
     Ambiguous,       ///< received bytes that may belong to more than one accessory session
     NoStorage,       ///< a file cannot be written
-    Busy,            ///< the queue of an accessory session is full; nothing was queued
+    Busy,            ///< another process holds what the request needs, or the queue of an accessory session is full
     WouldDeadlock,   ///< the caller would block the thread on which the result arrives
 };
 

@@ -11,7 +11,10 @@
 /// changes, or the service restarts; requests under way then complete with ErrorKind::Cancelled. It detects this by
 /// events, and by the commands of the same session: EnterRoot(), EnterParent(), EnterChild(), EnterDevice(),
 /// PlayDatabaseEntry(), PlayPlayingEntry() and SetShuffle(). No event reports that another application changed the
-/// level, or started another list of the same size: call Refresh() where that matters.
+/// level, or started another list of the same size: hold a BrowseLease, or call Refresh() where that matters.
+///
+/// **Other applications** read the same lists. Requests wait for those that use the kit, and complete with
+/// ErrorKind::Busy when that takes too long: see sharing.h.
 ///
 /// **End of the session.** A pager that outlives its session has no pages, and its requests complete with
 /// ErrorKind::Cancelled. They complete before the session's destructor returns, those made afterwards in its context.

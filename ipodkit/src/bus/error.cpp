@@ -89,7 +89,7 @@ const char* Remedy(ErrorKind kind)
         "correct the argument: the reason gives the range",
         "close all but one of the accessory sessions whose numbers have the same low byte",
         "free disk space, or choose a directory that this user may write to",
-        "wait for AccessorySession::OnDrained()",
+        "try again; if it persists, end the program that the reason names, or wait for AccessorySession::OnDrained()",
         "use Start(), or wait on another thread",
     };
     return remedies[static_cast<int>(kind)];

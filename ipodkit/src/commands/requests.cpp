@@ -33,16 +33,17 @@ struct List
     QBXStringPageVector* const& vector;
     bool hasRange;
     bool isDatabase;
+    Place place;
 };
 
 // In the order of ListKind.
 const List kLists[] = {
-    {"GetPlayingListItems", g_VecPlayingListShareMemory, true, false},
-    {"GetCurDbListItems", g_VecDBListShareMemory, true, true},
-    {"GetCurDbListItemsPinyin", g_VecDBListPinyinShareMemory, true, true},
-    {"GetUpdateListItems", g_VecUpdateListShareMemory, true, false},
-    {"GetUpdateListItemsPinyin", g_VecUpdateListPinyinShareMemory, true, false},
-    {"GetDeviceList", g_VecDeviceListShareMemory, false, false},
+    {"GetPlayingListItems", g_VecPlayingListShareMemory, true, false, Place::PlayingList},
+    {"GetCurDbListItems", g_VecDBListShareMemory, true, true, Place::DatabaseList},
+    {"GetCurDbListItemsPinyin", g_VecDBListPinyinShareMemory, true, true, Place::DatabaseListPinyin},
+    {"GetUpdateListItems", g_VecUpdateListShareMemory, true, false, Place::UpdateList},
+    {"GetUpdateListItemsPinyin", g_VecUpdateListPinyinShareMemory, true, false, Place::UpdateListPinyin},
+    {"GetDeviceList", g_VecDeviceListShareMemory, false, false, Place::DeviceList},
 };
 }  // namespace
 
@@ -64,6 +65,11 @@ Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chron
     const Maker<PageHead> ask{bus, deadline, list.isDatabase ? "(bbb)" : "(b)",
                               list.isDatabase ? DatabaseHead : PlainHead};
     return ask(list.method, list.hasRange ? g_variant_new("(ii)", first, last) : nullptr);
+}
+
+Place PlaceOf(ListKind kind)
+{
+    return kLists[static_cast<int>(kind)].place;
 }
 
 std::optional<std::vector<std::string>> NamesOf(ListKind kind)

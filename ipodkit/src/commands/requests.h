@@ -5,6 +5,7 @@
 #include <ipodkit/list_kind.h>
 
 #include "commands/records.h"
+#include "sharing/place.h"
 
 namespace ipodkit
 {
@@ -26,6 +27,9 @@ struct PageHead
 /// it did not fill it.
 Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline, ListKind kind,
                              int first, int last);
+
+/// The lock of the list's vector.
+Place PlaceOf(ListKind kind);
 
 /// The entries that the service has put there; nothing when the vector cannot be read.
 std::optional<std::vector<std::string>> NamesOf(ListKind kind);

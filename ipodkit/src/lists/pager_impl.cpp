@@ -116,8 +116,7 @@ void Pager::Impl::Forget(const Error& error)
 // Drops an answer that belongs to forgotten state or to a list that has been replaced: the
 // requests that waited for it have completed.
 template <class T>
-void Pager::Impl::InTurn(Request<T> request, std::function<bool()> wanted,
-                         std::function<void(const Result<T>&)> arrived)
+void Pager::Impl::InTurn(Request<T> request, Locking lock, std::function<bool()> wanted, Arrived<T> arrived)
 {
     const auto held = std::make_shared<Request<T>>(std::move(request));
     const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch(), round = m_round]
@@ -125,17 +124,48 @@ void Pager::Impl::InTurn(Request<T> request, std::function<bool()> wanted,
         const auto self = weak.lock();
         return self != nullptr && self->m_lane->Epoch() == epoch && self->m_round == round ? self : nullptr;
     };
-    m_lane->Wait(
-        [held, wanted = std::move(wanted), arrived = std::move(arrived), current](const Lane::Release& release)
+    const auto send = [=](const Result<LocksPtr>& locks, const Lane::Release& release)
+    {
+        if (current() == nullptr || !wanted()) return release();
+        const auto done = [=](const Result<T>& result)
         {
-            if (current() == nullptr || !wanted()) return release();
-            std::move(*held).Start(
-                [arrived, current, release](const Result<T>& result)
-                {
-                    if (const auto self = current()) arrived(result);
-                    release();
-                });
+            if (const auto self = current()) arrived(result, locks.value_or(nullptr));
+            release();
+        };
+        if (!locks) return done(tl::unexpected<Error>(locks.error()));
+        std::move(*held).Start(done);
+    };
+    m_lane->Wait(
+        [=](const Lane::Release& release)
+        {
+            const auto self = current();
+            if (self == nullptr || !wanted()) return release();
+            lock(*self, [=](const Result<LocksPtr>& locks) { send(locks, release); });
         });
+}
+
+void Pager::Impl::Locks::Release()
+{
+    level.reset();
+    if (vector != nullptr) vector->End();
+}
+
+// The level before the vector, as everybody does: so no two wait for each other.
+void Pager::Impl::LockPage(const std::function<void(const Result<LocksPtr>&)>& locked)
+{
+    const auto& leases = m_session->SharedLeases();
+    const auto lockVector = [leases, place = PlaceOf(m_kind), locked](const Result<std::shared_ptr<void>>& level)
+    {
+        if (!level) return locked(tl::unexpected<Error>(level.error()));
+        leases->Take(place, Hold::Exclusive,
+                     [level = *level, locked](const Result<HeldLockPtr>& vector) {
+                         locked(vector.map(
+                             [&](const HeldLockPtr& held) {
+                                 return std::make_shared<Locks>(Locks{level, held});
+                             }));
+                     });
+    };
+    HasLevel() ? leases->TakeForReading(lockVector) : lockVector(std::shared_ptr<void>());
 }
 
 // A call is not withdrawn with the request: until its answer, the service may still fill the shared list.
@@ -172,8 +202,8 @@ void Pager::Impl::CountWanted(Waiter<int> waiter)
     if (!fresh) return;
     InTurn<int>(
         AskForCount().Within(CallDeadline(m_counting->waiters.front().request.get())),
-        [this] { return m_counting && m_counting->Wanted(); },
-        [this](const Result<int>& count) { CountArrived(count); });
+        [](Impl&, const auto& unlocked) { unlocked(nullptr); }, [this] { return m_counting && m_counting->Wanted(); },
+        [this](const Result<int>& count, const LocksPtr&) { CountArrived(count); });
 }
 
 void Pager::Impl::CountArrived(const Result<int>& count)
@@ -257,13 +287,15 @@ void Pager::Impl::FetchPage(int number, const OpenRequest* request)
     };
     InTurn<PageHead>(
         AskForPage(m_session->Bus(), CallDeadline(request), m_kind, static_cast<int>(FirstOf(number)), LastOf(number)),
-        wanted, [this, number](const Result<PageHead>& head) { PageArrived(number, head); });
+        [](Impl& self, const auto& locked) { self.LockPage(locked); }, wanted,
+        [this, number](const Result<PageHead>& head, const LocksPtr& locks) { PageArrived(number, head, locks); });
 }
 
 // A page of the wrong size shows that the size of the list was wrong too.
-void Pager::Impl::PageArrived(int number, const Result<PageHead>& head)
+void Pager::Impl::PageArrived(int number, const Result<PageHead>& head, const LocksPtr& locks)
 {
     const Result<PagePtr> page = head.and_then([&](const PageHead& arrived) { return MakePage(number, arrived); });
+    if (locks != nullptr) locks->Release();
     if (page)
         m_cache.Put(number, *page);
     else if (page.error().kind == ErrorKind::BadReply)
@@ -323,16 +355,25 @@ void Pager::Impl::Change(const PendingPtr<void>& request, const std::function<Re
     const auto call =
         std::make_shared<Request<void>>(command(m_session->MakeCommands()).Within(CallDeadline(request.get())));
     m_lane->Outdate(m_session->CallbackGuard());
-    m_lane->Wait(
-        [request, call](const Lane::Release& release)
+    m_lane->Wait([request, call, leases = m_session->SharedLeases()](const Lane::Release& release)
+                 { request->Open() ? SendChange(request, call, leases, release) : release(); });
+}
+
+void Pager::Impl::SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
+                             const std::shared_ptr<Leases>& leases, const Lane::Release& release)
+{
+    leases->TakeForChange(
+        [request, call, release](const Result<std::shared_ptr<void>>& right)
         {
-            if (!request->Open()) return release();
-            std::move(*call).Start(
-                [request, release](const Result<void>& result)
-                {
-                    release();
-                    request->Settle(result);
-                });
+            const auto held = std::make_shared<std::shared_ptr<void>>(right.value_or(nullptr));
+            const auto done = [request, release, held](const Result<void>& result)
+            {
+                held->reset();
+                release();
+                request->Settle(result);
+            };
+            if (!right) return done(tl::unexpected<Error>(right.error()));
+            request->Open() ? std::move(*call).Start(done) : release();
         });
 }
 }  // namespace ipodkit

@@ -59,10 +59,24 @@ private:
         void Arrived(const Result<T>& result) const;
     };
 
+    /// What other applications wait for while a page is read.
+    struct Locks
+    {
+        std::shared_ptr<void> level;
+        HeldLockPtr vector;
+
+        void Release();
+    };
+    using LocksPtr = std::shared_ptr<Locks>;
+    using Locking = std::function<void(Pager::Impl&, const std::function<void(const Result<LocksPtr>&)>& locked)>;
+    template <class T>
+    using Arrived = std::function<void(const Result<T>&, const LocksPtr&)>;
+
     struct Walk;
     using WalkPtr = std::shared_ptr<Walk>;
 
     bool IsDatabase() const { return m_kind == ListKind::Database || m_kind == ListKind::DatabasePinyin; }
+    bool HasLevel() const { return m_kind != ListKind::Playing && m_kind != ListKind::Devices; }
     bool HasCount() const { return m_kind != ListKind::Update && m_kind != ListKind::UpdatePinyin; }
     int NumberOf(int index) const { return m_kind == ListKind::Devices ? 0 : index / m_options.pageSize; }
     std::int64_t FirstOf(int number) const { return std::int64_t{number} * m_options.pageSize; }
@@ -78,18 +92,22 @@ private:
     void EntryWantedWithoutCount(int index, const Waiter<PagePtr>& waiter);
     void PageWanted(int index, Waiter<PagePtr> waiter);
     void FetchPage(int number, const OpenRequest* request);
-    void PageArrived(int number, const Result<PageHead>& head);
+    void LockPage(const std::function<void(const Result<LocksPtr>&)>& locked);
+    void PageArrived(int number, const Result<PageHead>& head, const LocksPtr& locks);
     Result<PagePtr> MakePage(int number, const PageHead& head) const;
     void Prefetch(int number);
+    void LockWalk(const WalkPtr& walk);
     void BeginWalk(const WalkPtr& walk);
     void WalkOn(const WalkPtr& walk);
     void Walked(const WalkPtr& walk, const Result<PagePtr>& page);
     void Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command);
+    static void SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
+                           const std::shared_ptr<Leases>& leases, const Lane::Release& release);
 
     template <class T>
     Request<T> Reading(const char* name, detail::Terms terms, std::function<void(Impl&, const PendingPtr<T>&)> begin);
     template <class T>
-    void InTurn(Request<T> request, std::function<bool()> wanted, std::function<void(const Result<T>&)> arrived);
+    void InTurn(Request<T> request, Locking lock, std::function<bool()> wanted, Arrived<T> arrived);
 
     const std::shared_ptr<Session::Impl> m_session;
     const ListKind m_kind;

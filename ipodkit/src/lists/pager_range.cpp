@@ -15,9 +15,18 @@ struct Pager::Impl::Walk
     int last;
     bool toTheEnd;
     Names names{};
+    std::shared_ptr<void> level{};  // keeps it for as long as pages are read
 
     void Add(const Page& page);
+    void Finish(Result<Names> result);
 };
+
+// A completion may change the level.
+void Pager::Impl::Walk::Finish(Result<Names> result)
+{
+    level.reset();
+    request->Settle(std::move(result));
+}
 
 void Pager::Impl::Walk::Add(const Page& page)
 {
@@ -36,9 +45,23 @@ Request<Pager::Impl::Names> Pager::Impl::Range(int first, int last)
             return request->Settle(tl::unexpected<Error>(
                 Error{ErrorKind::BadArgument, "range: expected a last index of at least " + std::to_string(first) +
                                                   ", got " + std::to_string(last)}));
-        self.BeginWalk(std::make_shared<Walk>(Walk{request, first, last, last == Pager::End}));
+        self.LockWalk(std::make_shared<Walk>(Walk{request, first, last, last == Pager::End}));
     };
     return Reading<Names>("pager range", {}, begin);
+}
+
+void Pager::Impl::LockWalk(const WalkPtr& walk)
+{
+    if (!HasLevel()) return BeginWalk(walk);
+    m_session->SharedLeases()->TakeForReading(
+        [weak = weak_from_this(), walk](const Result<std::shared_ptr<void>>& level)
+        {
+            const auto self = weak.lock();
+            if (self == nullptr || !walk->request->Open()) return;
+            if (!level) return walk->Finish(tl::unexpected<Error>(level.error()));
+            walk->level = *level;
+            self->BeginWalk(walk);
+        });
 }
 
 void Pager::Impl::BeginWalk(const WalkPtr& walk)
@@ -46,7 +69,7 @@ void Pager::Impl::BeginWalk(const WalkPtr& walk)
     if (!HasCount()) return WalkOn(walk);
     CountWanted({walk->request, [this, walk](const Result<int>& count)
                  {
-                     if (!count) return walk->request->Settle(tl::unexpected<Error>(count.error()));
+                     if (!count) return walk->Finish(tl::unexpected<Error>(count.error()));
                      if (walk->toTheEnd && walk->next <= *count) walk->last = *count - 1;
                      WalkOn(walk);
                  }});
@@ -57,7 +80,7 @@ void Pager::Impl::WalkOn(const WalkPtr& walk)
 {
     for (PagePtr page = Cached(walk->next); page != nullptr && walk->next <= walk->last; page = Cached(walk->next))
         walk->Add(*page);
-    if (walk->next > walk->last) return walk->request->Settle(std::move(walk->names));
+    if (walk->next > walk->last) return walk->Finish(std::move(walk->names));
     EntryWanted(walk->next, {walk->request, [this, walk](const Result<PagePtr>& page) { Walked(walk, page); }});
 }
 
@@ -72,7 +95,7 @@ void Pager::Impl::Walked(const WalkPtr& walk, const Result<PagePtr>& page)
     const Error& error = page.error();
     const bool ended = error.kind == ErrorKind::BadArgument ||
                        (error.kind == ErrorKind::Refused && error.name.empty() && walk->next > 0);
-    if (walk->toTheEnd && !HasCount() && ended) return walk->request->Settle(std::move(walk->names));
-    walk->request->Settle(tl::unexpected<Error>(error));
+    if (walk->toTheEnd && !HasCount() && ended) return walk->Finish(std::move(walk->names));
+    walk->Finish(tl::unexpected<Error>(error));
 }
 }  // namespace ipodkit

@@ -13,6 +13,13 @@ namespace ipodkit
 namespace
 {
 constexpr guint kAttachAgainMilliseconds = 1000;
+constexpr auto kLongestPatience = std::chrono::seconds(2);  // with applications that use what is shared
+
+// Short of the deadline, so that a request ends with the name of the holder.
+std::chrono::milliseconds PatienceOf(const SessionOptions& options)
+{
+    return std::min<std::chrono::milliseconds>(kLongestPatience, options.deadline * 3 / 4);
+}
 
 GMainContext* ContextOf(const SessionOptions& options)
 {
@@ -26,6 +33,7 @@ Session::Impl::Impl(const SessionOptions& options)
       m_guard(options.callbackBudget),
       m_bus(std::make_shared<detail::Bus>(m_context.get(), m_guard)),
       m_lanes(m_guard),
+      m_leases(std::make_shared<Leases>(m_context.get(), PatienceOf(options))),
       m_pictures(options.artworkLimit),
       m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
                                               [this](Fields changed) { Published(changed); })),
@@ -65,6 +73,7 @@ void Session::Impl::Close()
     m_publisher->End();
     m_eventCallbacks.End();
     m_lanes.End();
+    m_leases->Close();
     m_endings.ForEach(m_guard, [](const std::function<void()>& ended) { ended(); });
     if (m_watch != nullptr) CoreLink::Instance().Release();
     m_bus->Close();

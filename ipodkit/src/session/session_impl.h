@@ -12,6 +12,7 @@
 #include "session/memory.h"
 #include "session/owner_watch.h"
 #include "session/state_reader.h"
+#include "sharing/leases.h"
 #include "state/publisher.h"
 #include "state/state_draft.h"
 
@@ -44,6 +45,7 @@ public:
 
     Lanes& ListLanes() { return m_lanes; }
     const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
+    const std::shared_ptr<Leases>& SharedLeases() const { return m_leases; }
     const StateDraft& Draft() const { return m_draft; }
 
     /// Called when the session ends, before its requests complete: for objects that may outlive it.
@@ -87,6 +89,7 @@ private:
     const std::shared_ptr<detail::Bus> m_bus;
     Lanes m_lanes;
     const std::shared_ptr<Lane> m_writeLane = std::make_shared<Lane>();
+    const std::shared_ptr<Leases> m_leases;
     PictureShelf m_pictures;
     StateDraft m_draft;
     const std::shared_ptr<Publisher> m_publisher;

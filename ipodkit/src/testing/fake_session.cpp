@@ -57,6 +57,7 @@ public:
     explicit Impl(const SessionOptions& options) : inside(std::make_shared<Session::Impl>(AtOnce(options)))
     {
         inside->m_bus->AnswerBy([this](const Call& call, Serial serial) { return Respond(call, serial); });
+        inside->m_leases->Ignore();
         inside->m_names = [this](ListKind) { return std::optional(page); };
         inside->Step(Phase::Absent);
     }

@@ -1,0 +1,114 @@
+#include "sharing/holder.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string_view>
+
+namespace ipodkit
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+// In the order of Place.
+constexpr const char* kNames[kPlaces] = {"VecPlayingListShareMemory",
+                                         "VecDBListShareMemory",
+                                         "VecDBListPinyinShareMemory",
+                                         "VecUpdateListShareMemory",
+                                         "VecUpdateListPinyinShareMemory",
+                                         "VecDeviceListShareMemory",
+                                         "level",
+                                         "browse",
+                                         "VecEapWriteBufferShareMemory"};
+
+struct Found
+{
+    Place place;
+    pid_t process;
+};
+
+bool IsNumber(const std::string& text)
+{
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+bool IsFile(const fs::path& path, const struct stat& file)
+{
+    struct stat status
+    {
+    };
+    return stat(path.c_str(), &status) == 0 && status.st_ino == file.st_ino && status.st_dev == file.st_dev;
+}
+
+// "lock:	1: OFDLCK ADVISORY  WRITE -1 00:1b:5 1073741824 1073741824"; the process of such locks is always -1.
+void AddLock(const std::string& line, const char* segment, pid_t process, std::vector<Found>& found)
+{
+    std::istringstream words(line);
+    std::string ignored;
+    std::string type;
+    off_t first = 0;
+    words >> ignored >> ignored >> type >> ignored >> ignored >> ignored >> ignored >> first;
+    for (int i = 0; type == "OFDLCK" && i < kPlaces; ++i)
+    {
+        const auto place = static_cast<Place>(i);
+        if (first == LockOf(place) && std::string_view(SegmentOf(place)) == segment) found.push_back({place, process});
+    }
+}
+
+// Neighboring locks of one open file appear as one range, but a file holds no two of those that lie side by side.
+void AddLocksOf(const fs::path& process, const char* segment, const struct stat& file, std::vector<Found>& found)
+{
+    std::error_code error;
+    for (const fs::directory_entry& each : fs::directory_iterator(process / "fd", error))
+    {
+        if (!IsFile(each.path(), file)) continue;
+        std::ifstream info(process / "fdinfo" / each.path().filename());
+        for (std::string line; std::getline(info, line);)
+            if (line.rfind("lock:", 0) == 0) AddLock(line, segment, std::stoi(process.filename()), found);
+    }
+}
+
+std::vector<Found> AllOn(const char* segment)
+{
+    std::vector<Found> found;
+    struct stat file
+    {
+    };
+    if (stat((std::string("/dev/shm/") + segment).c_str(), &file) != 0) return found;
+    std::error_code error;
+    for (const fs::directory_entry& each : fs::directory_iterator("/proc", error))
+        if (IsNumber(each.path().filename())) AddLocksOf(each.path(), segment, file, found);
+    return found;
+}
+
+std::string ProgramOf(pid_t process)
+{
+    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    std::getline(file, name);
+    return name;
+}
+}  // namespace
+
+std::string HolderOf(Place place)
+{
+    for (const Found& each : AllOn(SegmentOf(place)))
+        if (each.place == place)
+            return "process " + std::to_string(each.process) + " (" + ProgramOf(each.process) + ")";
+    return "another process";
+}
+
+std::vector<LockHolder> LockHolders()
+{
+    std::vector<LockHolder> holders;
+    for (const char* segment : {kListSegmentName, kBufferSegmentName})
+        for (const Found& each : AllOn(segment))
+            holders.push_back({kNames[static_cast<int>(each.place)], each.process, ProgramOf(each.process)});
+    return holders;
+}
+}  // namespace ipodkit

@@ -1,0 +1,218 @@
+#include "sharing/leases.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "loop/context.h"
+#include "sharing/holder.h"
+
+namespace ipodkit
+{
+namespace
+{
+using std::chrono::milliseconds;
+
+// One who waited for that long is about to give up or was stopped: the others do not wait for it.
+constexpr off_t kOldest = 2500;
+constexpr milliseconds kLongestPoll(10);
+
+off_t Now()
+{
+    return static_cast<off_t>(g_get_monotonic_time() / 1000 % kTickets);
+}
+
+const char* UseOf(Place place)
+{
+    switch (place)
+    {
+        case Place::Browse:
+            return " browses the database";
+        case Place::Level:
+            return " reads or changes the level of the database";
+        case Place::AccessoryWrite:
+            return " sends accessory bytes";
+        default:
+            return " reads the list";
+    }
+}
+}  // namespace
+
+void HeldLock::End()
+{
+    if (m_file == nullptr) return;
+    m_file->Unlock();
+    m_idle->Keep(std::move(m_file));
+    m_file = nullptr;
+}
+
+struct Leases::Waiter
+{
+    Place place;
+    Hold how;
+    Done<HeldLock> done;
+    LockFilePtr file{};
+    gint64 since = g_get_monotonic_time();
+    off_t ticket = -1;  // since it waits
+    SourcePtr timer{};
+
+    milliseconds Waited() const { return milliseconds((g_get_monotonic_time() - since) / 1000); }
+
+    // Another one may have begun to wait in the same millisecond.
+    void Queue()
+    {
+        for (ticket = Now(); !file->Lock(Hold::Exclusive, FirstTicketOf(place) + ticket);)
+            ticket = (ticket + 1) % kTickets;
+    }
+
+    bool IsFirst() const
+    {
+        const off_t mine = ticket >= 0 ? ticket : Now();
+        const off_t oldest = std::max<off_t>(0, mine - kOldest);
+        return mine == 0 || !file->AnyIn(FirstTicketOf(place) + oldest, mine - oldest);
+    }
+};
+
+Leases::Leases(GMainContext* context, milliseconds patience)
+    : m_context(g_main_context_ref(context)), m_patience(patience), m_random(std::random_device{}())
+{
+}
+
+void Leases::Take(Place place, Hold how, Done<HeldLock> done)
+{
+    const auto waiter = std::make_shared<Waiter>(Waiter{place, how, std::move(done)});
+    if (Try(*waiter)) return waiter->done(HeldBy(*waiter));
+    m_waiting.insert(waiter);
+    PollLater(waiter);
+}
+
+HeldLockPtr Leases::HeldBy(Waiter& waiter) const
+{
+    return std::make_shared<HeldLock>(std::move(waiter.file), m_idle);
+}
+
+// True, too, when there is nothing to lock. The file may have been replaced at any time before it was locked.
+bool Leases::Try(Waiter& waiter)
+{
+    if (m_ignored) return true;
+    if (waiter.file == nullptr) waiter.file = m_idle->Take(SegmentOf(waiter.place));
+    while (waiter.file != nullptr)
+    {
+        const bool locked = LockWhenFirst(waiter);
+        if (waiter.file->HasName()) return locked;
+        waiter.ticket = -1;
+        waiter.file = LockFile::Open(SegmentOf(waiter.place));
+    }
+    return true;
+}
+
+bool Leases::LockWhenFirst(Waiter& waiter) const
+{
+    const LockFile& file = *waiter.file;
+    const bool locked = waiter.IsFirst() && file.Lock(waiter.how, LockOf(waiter.place));
+    if (locked && waiter.ticket >= 0) file.Unlock(FirstTicketOf(waiter.place), kTickets);
+    if (!locked && waiter.ticket < 0) waiter.Queue();
+    return locked;
+}
+
+// The longer it has waited, the less often it tries. At random, so that no two keep step.
+void Leases::PollLater(const WaiterPtr& waiter)
+{
+    const auto most = std::clamp(waiter->Waited() / 8, milliseconds(2), kLongestPoll).count();
+    const auto delay = 1 + m_random() % static_cast<unsigned>(most);
+    waiter->timer = After(m_context.get(), static_cast<guint>(delay),
+                          [weak = weak_from_this(), waiting = std::weak_ptr(waiter)]
+                          {
+                              const auto self = weak.lock();
+                              const auto again = waiting.lock();
+                              if (self != nullptr && again != nullptr) self->Poll(again);
+                          });
+}
+
+void Leases::Poll(const WaiterPtr& waiter)
+{
+    if (Try(*waiter))
+    {
+        m_waiting.erase(waiter);
+        return waiter->done(HeldBy(*waiter));
+    }
+    if (waiter->Waited() < m_patience) return PollLater(waiter);
+    GiveUp(waiter);
+}
+
+// All of /proc is read to find the holder, hence on another thread.
+void Leases::GiveUp(const WaiterPtr& waiter)
+{
+    waiter->file.reset();
+    const auto found = [weak = weak_from_this(), waiting = std::weak_ptr(waiter)](const std::string& holder)
+    {
+        const auto self = weak.lock();
+        const auto late = waiting.lock();
+        if (self == nullptr || late == nullptr) return;
+        self->m_waiting.erase(late);
+        late->done(tl::unexpected<Error>(Error{ErrorKind::Busy, holder + UseOf(late->place)}));
+    };
+    const std::shared_ptr<GMainContext> context(g_main_context_ref(m_context.get()), g_main_context_unref);
+    RunAside([found, context, place = waiter->place]
+             { Post(context.get(), [found, holder = HolderOf(place)] { found(holder); }); });
+}
+
+// One lock is enough for all reads at a time. Who may change the level reads it in any case.
+void Leases::TakeForReading(Done<void> done)
+{
+    if (!m_changing.expired()) return TakeForChanges([done = std::move(done)](const auto& lease) { done(lease); });
+    const HeldLockPtr held = m_reading.lock();
+    if (held != nullptr && held->Counts()) return done(held);
+    Take(Place::Level, Hold::Shared,
+         [weak = weak_from_this(), done = std::move(done)](const Result<HeldLockPtr>& lock)
+         {
+             const auto self = weak.lock();
+             if (self != nullptr && lock) self->m_reading = *lock;
+             done(lock);
+         });
+}
+
+void Leases::TakeForChange(Done<void> done)
+{
+    TakeForChanges(
+        [weak = weak_from_this(), done = std::move(done)](const Result<std::shared_ptr<ChangeLease>>& lease)
+        {
+            const auto self = weak.lock();
+            if (!lease || self == nullptr) return done(lease);
+            self->Take(Place::Level, Hold::Exclusive,
+                       [done, lease = *lease](const Result<HeldLockPtr>& level)
+                       {
+                           if (!level) return done(level);
+                           using Both = std::pair<std::shared_ptr<ChangeLease>, HeldLockPtr>;
+                           done(std::shared_ptr<void>(std::make_shared<Both>(lease, *level)));
+                       });
+        });
+}
+
+// All that ask meanwhile get the same one: to the kernel, two locks of one process are strangers.
+void Leases::TakeForChanges(Done<ChangeLease> done)
+{
+    const auto lease = m_changing.lock();
+    if (lease != nullptr && lease->lock->Counts()) return done(lease);
+    m_wanted.push_back(std::move(done));
+    if (m_wanted.size() > 1) return;
+    Take(Place::Browse, Hold::Exclusive,
+         [weak = weak_from_this()](const Result<HeldLockPtr>& lock)
+         {
+             if (const auto self = weak.lock()) self->BrowseTaken(lock);
+         });
+}
+
+void Leases::BrowseTaken(const Result<HeldLockPtr>& lock)
+{
+    const auto self = shared_from_this();
+    const Result<std::shared_ptr<ChangeLease>> lease = lock.map(
+        [this](const HeldLockPtr& taken)
+        {
+            auto kept = m_changing.lock();
+            if (kept == nullptr) m_changing = kept = std::make_shared<ChangeLease>();
+            kept->lock = taken;
+            return kept;
+        });
+    for (const Done<ChangeLease>& done : std::exchange(m_wanted, {})) done(lease);
+}
+}  // namespace ipodkit
