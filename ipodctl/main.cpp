@@ -8,10 +8,9 @@
 #include <sstream>
 
 #include "output/text.h"
-#include "verbs/command_line.h"
 #include "verbs/complete.h"
-#include "verbs/program.h"
 #include "verbs/usage.h"
+#include "verbs/verbs.h"
 
 namespace ctl
 {

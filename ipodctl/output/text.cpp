@@ -310,4 +310,35 @@ std::string Hexdump(std::string_view bytes)
     }
     return text;
 }
+
+std::string Fitting(const Lines& parts, int width)
+{
+    constexpr int kGap = 3;
+    std::string line;
+    int used = 0;
+    for (const std::string& part : parts)
+    {
+        const int gap = line.empty() ? 0 : kGap;
+        if (part.empty()) continue;
+        if (!line.empty() && used + gap + Width(part) > width) break;
+        line += std::string(static_cast<std::size_t>(gap), ' ') + part;
+        used += gap + Width(part);
+    }
+    return line;
+}
+
+std::string Joined(const Lines& lines)
+{
+    std::string text;
+    for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+    return text;
+}
+
+Lines Split(const std::string& text)
+{
+    std::istringstream in(text);
+    Lines lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
 }  // namespace ctl

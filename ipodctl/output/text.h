@@ -74,4 +74,12 @@ std::string Hex(std::string_view bytes);
 /// Formats sixteen bytes per line: offset, hexadecimal digits, and characters, with "." for anything but printable
 /// ASCII. Returns an empty string for no bytes; no trailing newline.
 std::string Hexdump(std::string_view bytes);
+
+using Lines = std::vector<std::string>;
+
+/// Joins as many of @p parts as fit into @p width columns, separated by three blanks; drops parts from the end.
+std::string Fitting(const Lines& parts, int width);
+
+std::string Joined(const Lines& lines);
+Lines Split(const std::string& text);
 }  // namespace ctl

@@ -10,7 +10,7 @@
 
 #include "output/text.h"
 #include "segments/segments.h"
-#include "session/bus.h"
+#include "session/session.h"
 #include "verbs/verbs.h"
 
 namespace ctl

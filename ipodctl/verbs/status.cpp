@@ -1,12 +1,13 @@
-// Prints the player status on one screen, and all details of the playing track.
-#include "player/player.h"
-
+// Prints the player status on one screen and all details of the playing track, and saves its artwork.
 #include <cstdio>
 
 #include "events/events.h"
 #include "events/format.h"
+#include "output/fields_json.h"
+#include "output/output.h"
 #include "output/text.h"
-#include "picture/drawing.h"
+#include "picture/picture.h"
+#include "player/player.h"
 #include "screen/status_screen.h"
 #include "session/loop.h"
 #include "verbs/verbs.h"
@@ -125,15 +126,75 @@ Run BuildInfo(CLI::App& app)
         return {InfoJson(status), InfoText(status, context.out, options->art)};
     };
 }
+
+[[noreturn]] void RefuseNoPicture(Session& session)
+{
+    const bool has = RequireTrack(*session.Ready().State()).track.HasArtwork();
+    throw Failure(kNothingDone, has ? "the playing track has artwork, but the service did not deliver it"
+                                    : "the playing track has no picture");
+}
+
+ipodkit::ArtworkChanged ReadArtwork(Session& session)
+{
+    ipodkit::ArtworkChanged artwork = session.Ask(session.Ready().Commands().Artwork());
+    if (artwork.picture == nullptr) RefuseNoPicture(session);
+    return artwork;
+}
+
+void CheckWhole(const ipodkit::Picture& picture)
+{
+    if (!IsWhole(picture.type, picture.bytes))
+        throw ToFailure({ipodkit::ErrorKind::BadReply,
+                         "the image has no end after " + Count(static_cast<int>(picture.Size()), "byte", "bytes")});
+}
+
+Answer WriteOut(Output& out, const std::vector<unsigned char>& image)
+{
+    if (out.terminal()) throw Failure(kUsage, "an image is not printed on a terminal; redirect it, or give a file");
+    out.Raw(image.data(), image.size());
+    return {};
+}
+
+Answer Save(Context& context, const std::string& file)
+{
+    const ipodkit::ArtworkChanged artwork = ReadArtwork(context.session);
+    const ipodkit::Picture& picture = *artwork.picture;
+    CheckWhole(picture);
+    if (file == "-") return WriteOut(context.out, picture.bytes);
+    const std::string path = FileIn(file, "artwork", Extension(picture.bytes));
+    WriteFile(path, picture.bytes);
+    Json json{{"verb", "art"}, {"file", path}};
+    json.update(ctl::ToJson(artwork));
+    return {json, Printable(path) + ": " + ArtworkLine(artwork)};
+}
+
+Run BuildArt(CLI::App& app)
+{
+    const auto file = Argument<std::string>("artwork");
+    auto* const place = app.add_option(
+        "file", *file,
+        "File to write (default: artwork), - for standard output. In a folder, the file is \"artwork\"; a name without "
+        "extension gets that of the image type");
+    app.add_option("--out", *file, "Same as the argument")->type_name("FILE")->excludes(place);
+    return [file](Context& context)
+    {
+        if (context.out.json() && *file == "-")
+            throw Failure(kUsage, "--json cannot be used with '-', which writes the image");
+        return Save(context, *file);
+    };
+}
 }  // namespace
 
 std::vector<Verb> StatusVerbs()
 {
-    return {{"status", "Print track, modes, queue, devices, battery, and calls",
-             "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
-             "ipodctl status --json | jq -r .track.title\n"
-             "ipodctl status --format '{{ state }}: {{ title }} {{ duration(position) }}'",
-             BuildStatus},
-            {"info", "Print all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo}};
+    return {
+        {"status", "Print track, modes, queue, devices, battery, and calls",
+         "ipodctl status\nipodctl status --watch\nipodctl status --listen 2\n"
+         "ipodctl status --json | jq -r .track.title\n"
+         "ipodctl status --format '{{ state }}: {{ title }} {{ duration(position) }}'",
+         BuildStatus},
+        {"info", "Print all details of the playing track", "ipodctl info\nipodctl info --json", BuildInfo},
+        {"art", "Save the artwork of the playing track",
+         "ipodctl art\nipodctl art /tmp/cover\nipodctl art --out ~/Pictures/\nipodctl art - | sha256sum", BuildArt}};
 }
 }  // namespace ctl

@@ -163,7 +163,7 @@ TEST(BrowseFrame, ShowsHowManyNamesAreLoaded)
 {
     Model model = PlayingModel();
     model.SetCount(1000);
-    model.Put({0, std::vector<std::string>(250, "x"), false, true});
+    PutPage(model, 0, std::vector<std::string>(250, "x"));
     const auto lines = Screen(model, 8, 60);
     EXPECT_NE(lines[0].find("1/1000  25 %"), std::string::npos);
     Type(model, "x");

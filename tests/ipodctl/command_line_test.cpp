@@ -1,4 +1,4 @@
-#include "verbs/command_line.h"
+#include "verbs/verbs.h"
 
 #include <gtest/gtest.h>
 

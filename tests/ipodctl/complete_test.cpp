@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "verbs/command_line.h"
+#include "verbs/verbs.h"
 
 using namespace ctl;
 
