@@ -32,7 +32,7 @@ int Report(const Options& options, const Failure& failure)
 
 int RunVerb(const Run& run, const Options& options)
 {
-    Output out(options.json);
+    Output out(options.json, options.colours);
     Session session(options.settings);
     Context context{session, out};
     const Answer answer = run(context);

@@ -303,14 +303,29 @@ ListArea ListAreaFor(const Model& model, int columns)
     return {model, text, columns >= kMinColumnsForReading ? beside : 0};
 }
 
+// The playing list may be another level. Without the same name at the playing index, any song of that name may play.
+bool IsPlaying(const Model& model, int entry)
+{
+    const LevelNames& names = model.Current().names;
+    const std::string* const name = names.At(entry);
+    if (name == nullptr || model.Current().folders || !HasTrack(*model.state)) return false;
+    const std::string& title = model.state->track->title;
+    const int index = model.state->trackIndex.value_or(-1);
+    const std::string* const expected = names.At(index);
+    return *name == title && (index == entry || expected == nullptr || *expected != title);
+}
+
 Line EntryLine(const ListArea& area, int entry, bool selected)
 {
+    const bool playing = IsPlaying(area.model, entry);
     const std::string name = NameOf(area.model, entry);
     const std::string reading = area.readingColumn > 0 ? ReadingOf(area.model, entry) : std::string();
     const int room = (reading.empty() ? area.columns : area.readingColumn - 1) - kMargin;
-    const std::string text = Pad(std::string(kMargin, ' ') + Cut(name, room), area.columns);
+    const std::string mark = playing ? "\xE2\x96\xB6 " : std::string(kMargin, ' ');
+    const std::string text = Pad(mark + Cut(name, room), area.columns);
+    const Style style = playing ? Style::Playing : Style::Plain;
     return {
-        {0, text, selected ? Style::Selected : Style::Plain},
+        {0, text, selected ? Style::Selected : style},
         {area.readingColumn, Cut(reading, area.columns - area.readingColumn), selected ? Style::Selected : Style::Dim}};
 }
 

@@ -137,20 +137,16 @@ SCREEN* OpenScreen()
                               "'; set TERM, for example to 'xterm'");
 }
 
-bool UseColor()
+// Returns false if the terminal has no colors.
+bool DefineColors()
 {
-    const char* const noColor = std::getenv("NO_COLOR");
-    return (noColor == nullptr || *noColor == '\0') && has_colors();
-}
-
-void DefineColors()
-{
-    if (!UseColor() || start_color() == ERR) return;
+    if (!has_colors() || start_color() == ERR) return false;
     use_default_colors();
     init_pair(kTitlePair, COLOR_WHITE, COLOR_BLUE);
     init_pair(kStrongPair, COLOR_CYAN, -1);
     init_pair(kPlayingPair, COLOR_GREEN, -1);
     init_pair(kWarningPair, COLOR_YELLOW, -1);
+    return true;
 }
 
 void Prepare()
@@ -161,7 +157,6 @@ void Prepare()
     nodelay(stdscr, TRUE);
     set_escdelay(kEscapeDelay);
     curs_set(0);
-    DefineColors();
 }
 
 struct StyleAttributes
@@ -176,10 +171,9 @@ constexpr StyleAttributes kStyles[] = {{Style::Plain, A_NORMAL, 0},           {S
                                        {Style::Strong, A_BOLD, kStrongPair},  {Style::Playing, A_NORMAL, kPlayingPair},
                                        {Style::Warning, A_BOLD, kWarningPair}};
 
-void SetStyle(Style style)
+void SetStyle(Style style, bool colors)
 {
     const StyleAttributes& attributes = kStyles[static_cast<std::size_t>(style)];
-    const bool colors = UseColor();
     const attr_t instead = style == Style::Title ? A_REVERSE : A_NORMAL;
     attr_set(attributes.attributes | (colors ? A_NORMAL : instead), colors ? attributes.pair : static_cast<short>(0),
              nullptr);
@@ -235,10 +229,11 @@ void RequireTerminal()
     throw Failure(kUsage, "browse requires a terminal on standard input and output; use 'ipodctl ls' instead");
 }
 
-Screen::Screen() : m_screen(OpenScreen())
+Screen::Screen(bool colors) : m_screen(OpenScreen())
 {
     CrashGuard::SetResetSequence(Capability("sgr0") + Capability("rmkx") + Capability("cnorm") + Capability("rmcup"));
     Prepare();
+    m_colors = colors && DefineColors();
     Resize();
 }
 
@@ -280,7 +275,7 @@ void Screen::Paint(const Frame& frame)
     for (std::size_t row = 0; row < frame.size(); ++row)
         for (const Span& span : frame[row])
         {
-            SetStyle(span.style);
+            SetStyle(span.style, m_colors);
             mvaddwstr(static_cast<int>(row), span.column, Wide(span.text).c_str());
         }
     refresh();

@@ -33,8 +33,9 @@ void RequireTerminal();
 class Screen
 {
 public:
+    /// @param colors    whether to use colors, if the terminal has any
     /// @throws Failure  kUsage: the terminal type is unknown or cannot move the cursor
-    Screen();
+    explicit Screen(bool colors);
 
     /// Restores the terminal.
     ~Screen();
@@ -62,5 +63,6 @@ public:
 private:
     CrashGuard m_guard;
     SCREEN* m_screen;
+    bool m_colors = false;
 };
 }  // namespace ctl::browse

@@ -54,8 +54,12 @@ const char* Code(Colour colour)
             return "\033[1m";
         case Colour::Dim:
             return "\033[2m";
+        case Colour::Red:
+            return "\033[31m";
         case Colour::Green:
             return "\033[32m";
+        case Colour::Yellow:
+            return "\033[33m";
         case Colour::Cyan:
             return "\033[36m";
     }
@@ -82,11 +86,12 @@ void ReserveStandardOutput()
     stdout = stderr;
 }
 
-Output::Output(bool json)
+Output::Output(bool json, ColourUse colours)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
       m_dumb(m_terminal && IsDumb()),
-      m_colour(m_terminal && !m_dumb && !json && WantsColour()),
+      m_colour(!json &&
+               (colours == ColourUse::Auto ? m_terminal && !m_dumb && WantsColour() : colours == ColourUse::Always)),
       m_utf8(m_terminal && HasUtf8Locale())
 {
     Measure();

@@ -33,8 +33,17 @@ enum class Colour
 {
     Bold,
     Dim,
+    Red,
     Green,
+    Yellow,
     Cyan,
+};
+
+enum class ColourUse
+{
+    Auto,  ///< on a terminal other than TERM=dumb, unless NO_COLOR is set
+    Always,
+    Never,
 };
 
 /// Returns the original standard output stream.
@@ -44,11 +53,12 @@ FILE* AnswerStream();
 /// prints a line to `stdout` for each log record.
 void ReserveStandardOutput();
 
-/// Standard output. Uses colors and limits line widths only on a terminal.
+/// Standard output. Limits line widths only on a terminal.
 class Output
 {
 public:
-    explicit Output(bool json);
+    /// @param colours  for text; JSON has none
+    explicit Output(bool json, ColourUse colours = ColourUse::Auto);
 
     bool json() const { return m_json; }
     bool terminal() const { return m_terminal; }
@@ -68,7 +78,7 @@ public:
     /// Updates the terminal size.
     void Measure();
 
-    /// Returns the text in a color, or unchanged if colors are disabled (no terminal, NO_COLOR, TERM=dumb, JSON).
+    /// Returns the text in a color, or unchanged if colors are not used.
     std::string Paint(Colour colour, const std::string& text) const;
 
     /// Writes and flushes one line: @p json or @p text, depending on the output format. Skips empty text.

@@ -59,7 +59,7 @@ Answer Browse(Context& context)
     const LogCapture messages;
     const SuspendSignal suspend;
     ipodkit::Session& kit = context.session.Kit();
-    browse::Screen screen;
+    browse::Screen screen(context.out.colour());
     browse::Browser(kit, screen, suspend).Run();
     return {};
 }

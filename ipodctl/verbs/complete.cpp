@@ -76,6 +76,7 @@ Place Behind(Place place, const std::string& word)
         return place;
     }
     const CLI::App* const command = FindCommand(*place.app, word);
+    if (command != nullptr && word == "help") return place;
     return command != nullptr ? Place{command} : Place{place.app, place.arguments + 1};
 }
 

@@ -23,8 +23,37 @@ struct StatusOptions
     Art art = Art::OnTerminal;
     double listen = 0;
     bool watch = false;
+    bool keys = false;
     std::string format;  ///< template for one line; empty for the full screen
 };
+
+CLI::Option* AddKeys(CLI::App& app, const std::shared_ptr<StatusOptions>& options)
+{
+    return app.add_flag("--keys", options->keys, "Print one KEY=VALUE per line: the values of --json, for scripts");
+}
+
+// Formats the members of an answer as "track.title=Blue", one per line. Unknown values are empty.
+std::string KeysText(const Json& json, const std::string& prefix = "")
+{
+    std::string text;
+    for (const auto& [name, value] : json.items())
+    {
+        const bool nested = value.is_structured() && !value.empty();
+        text += nested ? KeysText(value, prefix + name + ".")
+                       : prefix + name + "=" + (value.is_structured() ? "" : Shown(value)) + "\n";
+    }
+    return text;
+}
+
+Answer AnswerWith(const Output& out, const Json& json, const StatusOptions& options,
+                  const std::function<std::string()>& text)
+{
+    if (out.json()) return {json, ""};
+    if (!options.keys) return {json, text()};
+    std::string lines = KeysText(json);
+    lines.pop_back();
+    return {json, lines};
+}
 
 void AddArt(CLI::App& app, const std::shared_ptr<StatusOptions>& options)
 {
@@ -72,11 +101,12 @@ Answer ShowLine(Context& context, const StatusOptions& options)
 Answer ShowStatus(Context& context, const StatusOptions& options)
 {
     if (!options.format.empty()) return ShowLine(context, options);
+    if (context.out.json() && options.keys) throw Failure(kUsage, "--json cannot be used with --keys");
     const auto show = [&](const Status& status) -> Answer
     {
         Json json{{"verb", "status"}};
         json.update(StatusJson(status));
-        return {json, context.out.json() ? "" : StatusText(status, context.out, options.art)};
+        return AnswerWith(context.out, json, options, [&] { return StatusText(status, context.out, options.art); });
     };
     Listen(context.session, options.listen);
     if (options.watch)
@@ -99,9 +129,12 @@ Run BuildStatus(CLI::App& app)
     listen->check(Seconds());
     auto* const watch = app.add_flag("--watch", options->watch, "Keep printing every change until Ctrl-C");
     watch->excludes(listen);
+    auto* const keys = AddKeys(app, options);
+    keys->excludes(watch);
     app.add_option("--format", options->format, "Print one line by a template, as 'ipodctl events' does")
         ->check(NonEmpty())
-        ->excludes(watch);
+        ->excludes(watch)
+        ->excludes(keys);
     return [options](Context& context) { return ShowStatus(context, *options); };
 }
 
@@ -118,12 +151,15 @@ Run BuildInfo(CLI::App& app)
 {
     const auto options = Argument<StatusOptions>();
     AddArt(app, options);
+    AddKeys(app, options);
     return [options](Context& context) -> Answer
     {
+        if (context.out.json() && options->keys) throw Failure(kUsage, "--json cannot be used with --keys");
         const Status status = ReadStatus(context.session, 0);
         RequireTrackReported(*status.state);
         if (!HasTrack(status) || status.state->trackIndex.value_or(-1) < 0) RefuseNothingLoaded();
-        return {InfoJson(status), InfoText(status, context.out, options->art)};
+        return AnswerWith(context.out, InfoJson(status), *options,
+                          [&] { return InfoText(status, context.out, options->art); });
     };
 }
 

@@ -50,13 +50,13 @@ bool IsBackward(const std::string& argument)
     return argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9';
 }
 
-// Returns the first word that is neither an option nor the value of --deadline, the only option before the verb that
-// has a value.
+// Returns the first word that is neither an option nor the value of an option that may precede the verb.
 std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
 {
     const auto isWord = [](const std::string& argument) { return argument.empty() || argument[0] != '-'; };
     auto found = std::find_if(arguments.begin(), arguments.end(), isWord);
-    while (found != arguments.end() && found != arguments.begin() && *std::prev(found) == "--deadline")
+    const auto isValue = [&] { return *std::prev(found) == "--deadline" || *std::prev(found) == "--color"; };
+    while (found != arguments.end() && found != arguments.begin() && isValue())
         found = std::find_if(std::next(found), arguments.end(), isWord);
     return found;
 }
@@ -166,7 +166,14 @@ Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app)
 {
     std::vector<std::string> arguments(argv + std::min(1, argc), argv + argc);
-    const auto verb = FindVerb(arguments);
+    auto verb = FindVerb(arguments);
+    const bool alone = std::find(arguments.begin(), arguments.end(), "--help") == arguments.end();
+    if (verb != arguments.end() && *verb == "help" && alone)
+    {
+        arguments.erase(verb);
+        arguments.emplace_back("--help");
+        verb = FindVerb(arguments);
+    }
     const std::vector<std::string> names = NamesOf(CommandsOf(app));
     if (verb != arguments.end() && std::find(names.begin(), names.end(), *verb) == names.end())
         throw UnknownWord("command", *verb, names, "try 'ipodctl --help'");
@@ -191,7 +198,8 @@ const std::vector<Subject>& Subjects()
         {"Device commands", {DeviceVerbs, EapVerbs}},
         {"Event commands", {EventVerbs}},
         {"Diagnostic commands", {DoctorVerbs, SharedMemoryVerbs, BenchVerbs, LayoutVerbs}},
-        {"Simulator commands", {SimVerbs}}};
+        {"Simulator commands", {SimVerbs}},
+        {"Other commands", {HelpVerbs}}};
     return subjects;
 }
 
@@ -212,7 +220,16 @@ void AddOptions(CLI::App& app, Options& options)
     app.add_option("--deadline", options.settings.deadline,
                    "Time that the service may take for an answer (default: 10)")
         ->check(Seconds(86400));
-    app.set_version_flag("--version", "ipodctl " IPODCTL_VERSION, "Print the version and exit");
+    app.add_option_function<std::string>(
+           "--color",
+           [&options](const std::string& when) {
+               options.colours = when == "always"  ? ColourUse::Always
+                                 : when == "never" ? ColourUse::Never
+                                                   : ColourUse::Auto;
+           },
+           "Color the text; auto: on a terminal, unless NO_COLOR is set (default: auto)")
+        ->check(OneOf({"auto", "always", "never"}));
+    app.set_version_flag("-V,--version", "ipodctl " IPODCTL_VERSION, "Print the version and exit");
     app.footer(Footer());
 }
 }  // namespace
@@ -236,10 +253,22 @@ const std::vector<HelpRow>& EnvironmentVariables()
 {
     static const std::vector<HelpRow> variables{
         {"DBUS_SESSION_BUS_ADDRESS", "The session bus"},
-        {"NO_COLOR", "Print no colors if set"},
+        {"NO_COLOR", "Print no colors if set, except with --color always"},
         {"QBX_LOG", "Log from this level on: LEVEL (to standard error) or LEVEL:FILE, such as DEBUG:/tmp/log"},
         {"QBX_SOURCE_REFUSE", "Code with which the stand-in for audio sources refuses"}};
     return variables;
+}
+
+// ToParse() turns "help VERB" into "VERB --help".
+std::vector<Verb> HelpVerbs()
+{
+    const auto build = [](CLI::App& app) -> Run
+    {
+        app.add_option("command", *Argument<std::vector<std::string>>(),
+                       "Command, with the one inside it if there is one");
+        return [](Context&) { return Answer{}; };
+    };
+    return {{"help", "Print the help of a command", "ipodctl help seek\nipodctl help sim battery", build}};
 }
 
 Run BuildProgram(CLI::App& app, Options& options)

@@ -68,9 +68,9 @@ std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app);
 /// @name One table per subject
 /// @{
 std::vector<Verb> StatusVerbs();        ///< status, info, art
-std::vector<Verb> TransportVerbs();     ///< play, pause, stop, next, previous, seek
+std::vector<Verb> TransportVerbs();     ///< play, pause, toggle, stop, next, previous, seek, ff, rw
 std::vector<Verb> ModeVerbs();          ///< shuffle, repeat
-std::vector<Verb> ListVerbs();          ///< ls
+std::vector<Verb> ListVerbs();          ///< ls, search, update-list
 std::vector<Verb> BrowseVerbs();        ///< cd
 std::vector<Verb> BrowserVerbs();       ///< browse
 std::vector<Verb> QueueVerbs();         ///< queue
@@ -82,6 +82,7 @@ std::vector<Verb> SharedMemoryVerbs();  ///< shm
 std::vector<Verb> BenchVerbs();         ///< bench
 std::vector<Verb> DoctorVerbs();        ///< doctor
 std::vector<Verb> LayoutVerbs();        ///< fingerprint
+std::vector<Verb> HelpVerbs();          ///< help
 Verb SimCallsVerb();                    ///< calls, below sim
 /// @}
 
@@ -89,6 +90,7 @@ Verb SimCallsVerb();                    ///< calls, below sim
 struct Options
 {
     bool json = false;
+    ColourUse colours = ColourUse::Auto;
     Settings settings;
 };
 

@@ -40,6 +40,13 @@ TEST(CommandLine, TellsANegativeTimeFromAnOption)
     EXPECT_EQ(Parse({"seek", "--back", "-5"}), (Words{"--back=-5", "seek"}));
 }
 
+TEST(CommandLine, PrintsTheHelpOfTheCommandBehindHelp)
+{
+    EXPECT_EQ(Parse({"help", "ls"}), (Words{"--help", "ls"}));
+    EXPECT_EQ(Parse({"--color", "never", "help"}), (Words{"--help", "never", "--color"}));
+    EXPECT_THROW(Parse({"help", "dance"}), Failure);
+}
+
 TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
 {
     EXPECT_THROW(Parse({"--json", "dance"}), Failure);

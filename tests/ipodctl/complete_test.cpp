@@ -79,6 +79,13 @@ TEST_F(Completion, OffersCommandsWithTheirSummaries)
     EXPECT_EQ(After({"--deadline", "e"}), "");
 }
 
+TEST_F(Completion, OffersCommandsBehindHelp)
+{
+    m_app.add_subcommand("help", "Help");
+    EXPECT_EQ(After({"help", "q"}), "play\tPlay\nqueue\tJump\nevents\tFollow\nhelp\tHelp\n");
+    EXPECT_EQ(After({"help", "queue", ""}), After({"queue", ""}));
+}
+
 TEST_F(Completion, OffersOptionsOfTheCommandAndThoseOfAll)
 {
     EXPECT_EQ(

@@ -153,8 +153,7 @@ TEST(Draw, RefusesAnImageOfMoreThanSixteenMillionPixels)
 TEST(Draw, GivesNothingForADamagedImage)
 {
     const std::string png = WhitePng(30, 30);
-    for (std::size_t size = 0; size < png.size(); ++size)
-        EXPECT_TRUE(Drawn(png.substr(0, size)).lines.empty()) << size;
+    for (std::size_t size = 0; size < png.size(); ++size) EXPECT_TRUE(Drawn(png.substr(0, size)).lines.empty()) << size;
     EXPECT_TRUE(Drawn(Png()).lines.empty());
     EXPECT_TRUE(Drawn(Jpeg()).lines.empty());
     EXPECT_TRUE(Drawn("GIF89a").lines.empty());
