@@ -8,10 +8,9 @@
 #include <sstream>
 
 #include "output/text.h"
-#include "verbs/command_line.h"
 #include "verbs/complete.h"
-#include "verbs/program.h"
 #include "verbs/usage.h"
+#include "verbs/verbs.h"
 
 namespace ctl
 {
@@ -33,7 +32,7 @@ int Report(const Options& options, const Failure& failure)
 
 int RunVerb(const Run& run, const Options& options)
 {
-    Output out(options.json);
+    Output out(options.json, options.colours);
     Session session(options.settings);
     Context context{session, out};
     const Answer answer = run(context);

@@ -5,7 +5,7 @@
 #include <map>
 #include <regex>
 
-#include "verbs/program.h"
+#include "verbs/verbs.h"
 
 namespace ctl
 {

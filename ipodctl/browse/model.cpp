@@ -4,6 +4,20 @@
 
 namespace ctl::browse
 {
+ListCursor Moved(ListCursor cursor, int to, int count, int height)
+{
+    const int rows = std::max(1, height);
+    const int at = std::clamp(to, 0, std::max(0, count - 1));
+    const int highest = std::max(0, count - rows);
+    return {at, std::clamp(std::clamp(cursor.top, at - rows + 1, at), 0, highest)};
+}
+
+ListCursor Jumped(ListCursor cursor, int to, int count, int height)
+{
+    const bool shown = to >= cursor.top && to < cursor.top + height;
+    return Moved({to, shown ? cursor.top : to - height / 2}, to, count, height);
+}
+
 namespace
 {
 constexpr std::chrono::seconds kJumpTimeout{2};
@@ -20,6 +34,83 @@ void DropLastCharacter(std::string& text)
     if (!text.empty()) text.pop_back();
 }
 }  // namespace
+
+void LevelNames::Reset(int count)
+{
+    m_count = std::max(0, count);
+    m_pages.assign(static_cast<std::size_t>((m_count + kPageSize - 1) / kPageSize), nullptr);
+    MarkStale();
+}
+
+// Fewer than the page has entries if the list became shorter between two requests.
+int LevelNames::LoadedIn(std::size_t page) const
+{
+    return m_loaded[page] ? static_cast<int>(m_pages[page]->names.size()) : 0;
+}
+
+int LevelNames::Loaded() const
+{
+    int loaded = 0;
+    for (std::size_t page = 0; page < m_pages.size(); ++page) loaded += LoadedIn(page);
+    return std::min(loaded, m_count);
+}
+
+bool LevelNames::IsLoaded(int index) const
+{
+    return At(index) != nullptr && m_loaded[static_cast<std::size_t>(index / kPageSize)];
+}
+
+const std::string* LevelNames::At(int index) const
+{
+    if (index < 0 || index >= m_count) return nullptr;
+    const ipodkit::PagePtr& page = m_pages[static_cast<std::size_t>(index / kPageSize)];
+    return page != nullptr && page->Holds(index) ? &page->At(index) : nullptr;
+}
+
+bool LevelNames::Put(ipodkit::PagePtr page)
+{
+    const auto number = static_cast<std::size_t>(page->first / kPageSize);
+    if (page->first < 0 || number >= m_pages.size()) return false;
+    const bool changed = m_pages[number] == nullptr || m_pages[number]->names != page->names;
+    m_pages[number] = std::move(page);
+    m_loaded[number] = true;
+    return changed;
+}
+
+int LevelNames::NextMissing(int first, int rows) const
+{
+    const int end = std::min(first + rows, m_count);
+    for (int index = std::max(0, first); index < end; ++index)
+        if (!IsLoaded(index)) return index;
+    for (int page = 0; page < static_cast<int>(m_pages.size()); ++page)
+    {
+        const int loaded = LoadedIn(static_cast<std::size_t>(page));
+        const int missing = page * kPageSize + loaded;
+        if (loaded < kPageSize && missing < m_count) return missing;
+    }
+    return -1;
+}
+
+int LevelNames::Find(const std::string& name, int likely) const
+{
+    const auto isThere = [&](int index)
+    {
+        const std::string* const there = At(index);
+        return there != nullptr && *there == name;
+    };
+    if (isThere(likely)) return likely;
+    for (int index = 0; index < m_count; ++index)
+        if (isThere(index)) return index;
+    return -1;
+}
+
+std::vector<std::string> LevelNames::All() const
+{
+    std::vector<std::string> names(static_cast<std::size_t>(m_count));
+    for (int index = 0; index < m_count; ++index)
+        if (const std::string* const name = At(index)) names[static_cast<std::size_t>(index)] = *name;
+    return names;
+}
 
 void Model::SetHeight(int rows)
 {
@@ -225,11 +316,11 @@ void Model::SetCount(int count)
     if (m_search) Find();
 }
 
-void Model::Put(const ipodkit::Page& page)
+void Model::Put(const ipodkit::PagePtr& page)
 {
     Level& level = Top();
-    level.folders = page.folders;
-    if (!level.names.Put(page.first, page.names)) return;
+    level.folders = page->folders;
+    if (!level.names.Put(page)) return;
     level.index.reset();
     if (m_search) Find();
 }

@@ -8,17 +8,93 @@
 #include <ipodnames/jump_index.h>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "browse/key.h"
-#include "browse/level_names.h"
-#include "browse/list_cursor.h"
-
 namespace ctl::browse
 {
+/// The selected row and the scroll position of a list.
+struct ListCursor
+{
+    int at = 0;   ///< the selected row
+    int top = 0;  ///< the first visible row
+};
+
+/// Selects row @p to, clamped to the list of @p count rows, and scrolls just enough to show it among @p height rows.
+ListCursor Moved(ListCursor cursor, int to, int count, int height);
+
+/// Like Moved(), but centers the row if it was not visible, to show its surroundings.
+ListCursor Jumped(ListCursor cursor, int to, int count, int height);
+
+/// Keys, independent of the terminal.
+enum class Key
+{
+    Text,  ///< a character
+    Up,
+    Down,
+    PageUp,
+    PageDown,
+    Home,
+    End,
+    Left,
+    Right,
+    Enter,
+    Backspace,
+    Escape,
+    Refresh,  ///< Ctrl-L
+};
+
+struct KeyPress
+{
+    Key key;
+    std::string text;  ///< Key::Text only: the character, UTF-8
+};
+
 using Time = std::chrono::steady_clock::time_point;
+
+/// The names of a level while they are loaded, page by page and in any order. Shares the pages with the pager.
+class LevelNames
+{
+public:
+    static constexpr int kPageSize = 250;
+
+    /// Starts over with @p count unknown entries.
+    void Reset(int count);
+
+    /// Marks all pages for loading again. At() keeps returning the old names until then.
+    void MarkStale() { m_loaded.assign(m_pages.size(), false); }
+
+    int Count() const { return m_count; }
+    int Loaded() const;  ///< number of entries that are loaded
+    bool IsLoaded(int index) const;
+    bool Complete() const { return NextMissing(0, 0) < 0; }
+
+    /// Returns the name, which may be stale; null if it is unknown or @p index is out of range.
+    const std::string* At(int index) const;
+
+    /// Stores a page of kPageSize entries; ignores one outside the level.
+    /// @return whether any name changed
+    bool Put(ipodkit::PagePtr page);
+
+    /// Returns an entry of the page to load next: the first missing one of @p rows entries starting at @p first, or
+    /// else the first missing one of the level; -1 if the level is complete.
+    int NextMissing(int first, int rows) const;
+
+    /// Returns the index of @p name, trying @p likely first; -1 if no entry has this name.
+    int Find(const std::string& name, int likely) const;
+
+    /// Returns copies of all names, empty where they are unknown.
+    std::vector<std::string> All() const;
+
+private:
+    int LoadedIn(std::size_t page) const;
+
+    int m_count = 0;
+    std::vector<ipodkit::PagePtr> m_pages;  // null if unknown
+    std::vector<bool> m_loaded;             // false for pages that are unknown or stale
+};
 
 /// A level of the database that has been entered.
 struct Level
@@ -102,7 +178,7 @@ public:
 
     void SetCount(int count);
     void SetUnreadable() { Top().unreadable = true; }
-    void Put(const ipodkit::Page& page);
+    void Put(const ipodkit::PagePtr& page);
     void SetIndex(ipodnames::JumpIndex index);
     /// @}
 

@@ -6,10 +6,13 @@
 #include <langinfo.h>
 #include <sys/ioctl.h>
 #include <term.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <clocale>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -22,6 +25,63 @@
 
 namespace ctl::browse
 {
+namespace
+{
+constexpr std::array kCrashSignals{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGSYS};
+
+// Prepared in advance: a signal handler may call only async-signal-safe functions.
+std::array<struct sigaction, kCrashSignals.size()> previousActions;
+termios modes;
+bool haveModes = false;
+std::array<char, 256> resetSequence;
+std::size_t resetLength = 0;
+
+// Lets the handler run after a stack overflow.
+std::array<char, 65536> alternateStack;
+stack_t previousStack;
+
+void RestoreHandlers()
+{
+    for (std::size_t i = 0; i < kCrashSignals.size(); ++i) sigaction(kCrashSignals[i], &previousActions[i], nullptr);
+}
+
+void OnCrashSignal(int signal)
+{
+    RestoreHandlers();
+    [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, resetSequence.data(), resetLength);
+    if (haveModes) tcsetattr(STDIN_FILENO, TCSANOW, &modes);
+    raise(signal);
+}
+}  // namespace
+
+CrashGuard::CrashGuard()
+{
+    haveModes = tcgetattr(STDIN_FILENO, &modes) == 0;
+    resetLength = 0;
+    stack_t stack{};
+    stack.ss_sp = alternateStack.data();
+    stack.ss_size = alternateStack.size();
+    sigaltstack(&stack, &previousStack);
+    struct sigaction action
+    {
+    };
+    action.sa_handler = OnCrashSignal;
+    action.sa_flags = SA_NODEFER | SA_ONSTACK;
+    for (std::size_t i = 0; i < kCrashSignals.size(); ++i) sigaction(kCrashSignals[i], &action, &previousActions[i]);
+}
+
+CrashGuard::~CrashGuard()
+{
+    RestoreHandlers();
+    sigaltstack(&previousStack, nullptr);
+}
+
+void CrashGuard::SetResetSequence(std::string_view text)
+{
+    resetLength = std::min(text.size(), resetSequence.size());
+    std::copy_n(text.begin(), resetLength, resetSequence.begin());
+}
+
 namespace
 {
 constexpr int kEscapeDelay = 25;
@@ -77,20 +137,16 @@ SCREEN* OpenScreen()
                   "set TERM, for example to 'xterm'");
 }
 
-bool UseColor()
+// Returns false if the terminal has no colors.
+bool DefineColors()
 {
-    const char* const noColor = std::getenv("NO_COLOR");
-    return (noColor == nullptr || *noColor == '\0') && has_colors();
-}
-
-void DefineColors()
-{
-    if (!UseColor() || start_color() == ERR) return;
+    if (!has_colors() || start_color() == ERR) return false;
     use_default_colors();
     init_pair(kTitlePair, COLOR_WHITE, COLOR_BLUE);
     init_pair(kStrongPair, COLOR_CYAN, -1);
     init_pair(kPlayingPair, COLOR_GREEN, -1);
     init_pair(kWarningPair, COLOR_YELLOW, -1);
+    return true;
 }
 
 void Prepare()
@@ -101,7 +157,6 @@ void Prepare()
     nodelay(stdscr, TRUE);
     set_escdelay(kEscapeDelay);
     curs_set(0);
-    DefineColors();
 }
 
 struct StyleAttributes
@@ -116,10 +171,9 @@ constexpr StyleAttributes kStyles[] = {{Style::Plain, A_NORMAL, 0},           {S
                                        {Style::Strong, A_BOLD, kStrongPair},  {Style::Playing, A_NORMAL, kPlayingPair},
                                        {Style::Warning, A_BOLD, kWarningPair}};
 
-void SetStyle(Style style)
+void SetStyle(Style style, bool colors)
 {
     const StyleAttributes& attributes = kStyles[static_cast<std::size_t>(style)];
-    const bool colors = UseColor();
     const attr_t instead = style == Style::Title ? A_REVERSE : A_NORMAL;
     attr_set(attributes.attributes | (colors ? A_NORMAL : instead), colors ? attributes.pair : static_cast<short>(0),
              nullptr);
@@ -175,10 +229,11 @@ void RequireTerminal()
     throw Failure(kUsage, "browse requires a terminal on standard input and output", "use 'ipodctl ls' instead");
 }
 
-Screen::Screen() : m_screen(OpenScreen())
+Screen::Screen(bool colors) : m_screen(OpenScreen())
 {
     CrashGuard::SetResetSequence(Capability("sgr0") + Capability("rmkx") + Capability("cnorm") + Capability("rmcup"));
     Prepare();
+    m_colors = colors && DefineColors();
     Resize();
 }
 
@@ -220,7 +275,7 @@ void Screen::Paint(const Frame& frame)
     for (std::size_t row = 0; row < frame.size(); ++row)
         for (const Span& span : frame[row])
         {
-            SetStyle(span.style);
+            SetStyle(span.style, m_colors);
             mvaddwstr(static_cast<int>(row), span.column, Wide(span.text).c_str());
         }
     refresh();

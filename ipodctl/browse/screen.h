@@ -3,15 +3,29 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 
-#include "browse/crash_guard.h"
 #include "browse/frame.h"
-#include "browse/key.h"
 
 typedef struct screen SCREEN;  // NOLINT(readability-identifier-naming): the library's own name
 
 namespace ctl::browse
 {
+/// While an instance exists, a crash signal (SIGSEGV, SIGABRT, …) restores the terminal modes saved at construction and
+/// is then raised again with its previous action. Works on stack overflow of the constructing thread, too. At most one
+/// instance may exist at a time.
+class CrashGuard
+{
+public:
+    CrashGuard();
+    ~CrashGuard();
+    CrashGuard(const CrashGuard&) = delete;
+    CrashGuard& operator=(const CrashGuard&) = delete;
+
+    /// Sets the bytes that reset the terminal, at most 256. They depend on its type, which is known only later.
+    static void SetResetSequence(std::string_view text);
+};
+
 /// @throws Failure  kUsage: standard input or output is not a terminal
 void RequireTerminal();
 
@@ -19,8 +33,9 @@ void RequireTerminal();
 class Screen
 {
 public:
+    /// @param colors    whether to use colors, if the terminal has any
     /// @throws Failure  kUsage: the terminal type is unknown or cannot move the cursor
-    Screen();
+    explicit Screen(bool colors);
 
     /// Restores the terminal.
     ~Screen();
@@ -48,5 +63,6 @@ public:
 private:
     CrashGuard m_guard;
     SCREEN* m_screen;
+    bool m_colors = false;
 };
 }  // namespace ctl::browse

@@ -1,26 +1,70 @@
 #include "browse/walker.h"
 
+#include <gio/gio.h>
 #include <glib.h>
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 
 #include "output/failure.h"
 
 namespace ctl::browse
 {
+struct IndexBuilder::Job
+{
+    IndexBuilder& builder;
+    std::vector<std::string> names;
+    ipodnames::JumpIndexOptions options;
+    Completion completion;
+    std::optional<ipodnames::JumpIndex> index;
+
+    static void Run(GTask* task, gpointer, gpointer data, GCancellable*)
+    {
+        auto& job = *static_cast<Job*>(data);
+        job.index.emplace(job.names, job.options);
+        g_task_return_boolean(task, TRUE);
+    }
+
+    static void Done(GObject*, GAsyncResult* task, gpointer)
+    {
+        const auto& job = *static_cast<Job*>(g_task_get_task_data(G_TASK(task)));
+        --job.builder.m_running;
+        job.completion(*job.index);
+    }
+
+    static void Delete(gpointer data) { delete static_cast<Job*>(data); }
+};
+
+IndexBuilder::~IndexBuilder()
+{
+    while (m_running > 0) g_main_context_iteration(nullptr, TRUE);
+}
+
+void IndexBuilder::Build(std::vector<std::string> names, std::vector<std::string> readings, Completion completion)
+{
+    ++m_running;
+    GTask* const task = g_task_new(nullptr, nullptr, Job::Done, nullptr);
+    auto job = std::make_unique<Job>(Job{*this, std::move(names), {}, std::move(completion), std::nullopt});
+    job->options.readings = std::move(readings);
+    g_task_set_task_data(task, job.release(), Job::Delete);
+    g_task_run_in_thread(task, Job::Run);
+    g_object_unref(task);
+}
+
 namespace
 {
-constexpr int kPageSize = 250;
 constexpr int kMaxReentries = 3;
 
-// Minimal caches: the model keeps the names.
-constexpr ipodkit::PagerOptions kNames{kPageSize, 1, 0};
+// Minimal caches: the model shares the pages.
+constexpr ipodkit::PagerOptions kNames{LevelNames::kPageSize, 1, 0};
 constexpr ipodkit::PagerOptions kOneEntry{1, 1, 0};
 
-bool AreAscii(const std::vector<std::string>& names)
+bool AreAscii(const LevelNames& names)
 {
-    return std::all_of(names.begin(), names.end(),
-                       [](const std::string& name) { return g_str_is_ascii(name.c_str()); });
+    int index = 0;
+    while (index < names.Count() && g_str_is_ascii(names.At(index)->c_str()) != FALSE) ++index;
+    return index == names.Count();
 }
 }  // namespace
 
@@ -195,7 +239,7 @@ void Walker::PageArrived(const ipodkit::Result<ipodkit::PagePtr>& page)
 {
     if (!page && page.error().kind != ipodkit::ErrorKind::BadReply) return Unreadable(page.error());
     if (!page || !Belongs(**page)) return Reenter("another program changed the level");
-    m_model.Put(**page);
+    m_model.Put(*page);
     m_moving = !m_path.empty();
     m_changed();
     ReadNext();
@@ -213,8 +257,7 @@ bool Walker::DescendPath()
     const LevelNames& names = m_model.Current().names;
     const Stage stage = m_path.front();
     const std::string* const there = names.At(stage.place);
-    const bool known = names.Complete() ||
-                       (names.NextMissing(stage.place, 1) != stage.place && there != nullptr && *there == stage.title);
+    const bool known = names.Complete() || (names.IsLoaded(stage.place) && there != nullptr && *there == stage.title);
     if (!known) return false;
     const int place = names.Find(stage.title, stage.place);
     if (place >= 0)
@@ -307,7 +350,7 @@ void Walker::ReadReadings()
     m_changed();
     if (!m_reading) return;
     const LevelNames& names = m_model.Current().names;
-    const bool needed = m_readings.empty() ? !AreAscii(names.All()) : ReadingCount() < names.Count();
+    const bool needed = m_readings.empty() ? !AreAscii(names) : ReadingCount() < names.Count();
     if (!needed) return BuildIndex();
     m_pinyin.At(ReadingCount())
         .Start(Awaited<ipodkit::PagePtr>([this](const ipodkit::Result<ipodkit::PagePtr>& page)

@@ -4,17 +4,42 @@
 
 #include <IQBXIpodPlayerListener.h>
 #include <ipodkit/pager.h>
+#include <ipodnames/jump_index.h>
 
 #include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "browse/index_builder.h"
 #include "browse/model.h"
 
 namespace ctl::browse
 {
+/// Builds jump indexes on a worker thread. Use it only on the thread that runs the default main context.
+class IndexBuilder
+{
+public:
+    using Completion = std::function<void(const ipodnames::JumpIndex&)>;
+
+    IndexBuilder() = default;
+
+    /// Blocks until all builds have finished and their completions have run.
+    ~IndexBuilder();
+    IndexBuilder(const IndexBuilder&) = delete;
+    IndexBuilder& operator=(const IndexBuilder&) = delete;
+
+    /// Starts a build and returns at once.
+    /// @param readings    readings of the first names; the index derives the others
+    /// @param completion  called in the default main context
+    void Build(std::vector<std::string> names, std::vector<std::string> readings, Completion completion);
+
+private:
+    struct Job;
+    int m_running = 0;
+};
+
 /// Returns whether @p error is a lost service, which the status line shows already.
 bool IsOfNoService(const ipodkit::Error& error);
 

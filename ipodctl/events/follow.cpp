@@ -30,10 +30,20 @@ public:
         if (!wanted) return;
         if (!m_out.json() && m_out.terminal() && !m_out.dumb() && IsProgress(event)) return ShowBar(event);
         const Answer answer = ToAnswer(event);
-        m_out.Line(answer.json, Cut(answer.text, m_out.width()));
+        m_out.Line(answer.json, Painted(Cut(answer.text, m_out.width()), event.name));
     }
 
 private:
+    // Dims the time and colors the name, unless the line is cut before them.
+    std::string Painted(const std::string& line, const std::string& name) const
+    {
+        const std::size_t at = line.find("  " + name);
+        if (at == std::string::npos) return line;
+        const std::size_t begin = at + 2;
+        return m_out.Paint(Colour::Dim, line.substr(0, at)) + "  " + m_out.Paint(Colour::Cyan, name) +
+               line.substr(begin + name.size());
+    }
+
     // Cuts the line to the terminal width: a wrapped line would leave remnants above.
     void ShowBar(const Event& event)
     {

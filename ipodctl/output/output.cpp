@@ -8,7 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <memory>
 
+#include "output/failure.h"
 #include "output/text.h"
 
 namespace ctl
@@ -51,8 +54,12 @@ const char* Code(Colour colour)
             return "\033[1m";
         case Colour::Dim:
             return "\033[2m";
+        case Colour::Red:
+            return "\033[31m";
         case Colour::Green:
             return "\033[32m";
+        case Colour::Yellow:
+            return "\033[33m";
         case Colour::Cyan:
             return "\033[36m";
     }
@@ -79,11 +86,12 @@ void ReserveStandardOutput()
     stdout = stderr;
 }
 
-Output::Output(bool json)
+Output::Output(bool json, ColourUse colours)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
       m_dumb(m_terminal && IsDumb()),
-      m_colour(m_terminal && !m_dumb && !json && WantsColour()),
+      m_colour(!json &&
+               (colours == ColourUse::Auto ? m_terminal && !m_dumb && WantsColour() : colours == ColourUse::Always)),
       m_utf8(m_terminal && HasUtf8Locale())
 {
     Measure();
@@ -184,5 +192,65 @@ void ReportService(Output& out, bool line, const char* state, const std::string&
     if (line) return out.Line({{"time", now.full}, {"event", "service"}, {"state", state}, {"text", what}}, "");
     out.Finish();
     std::fprintf(stderr, "ipodctl: %s  %s\n", now.clock.c_str(), Printable(what).c_str());
+}
+
+namespace
+{
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+[[noreturn]] void Refuse(const char* what, const std::string& path, ExitCode code = kUsage)
+{
+    throw Failure(code, std::string("cannot ") + what + " '" + Printable(path) + "': " + std::strerror(errno));
+}
+
+[[noreturn]] void RefuseLength(const std::string& path, std::size_t most)
+{
+    throw Failure(kUsage, "cannot use '" + Printable(path) + "': it is longer than " + std::to_string(most) + " bytes");
+}
+
+int LeaveOpen(std::FILE*)
+{
+    return 0;
+}
+
+File Open(const std::string& path)
+{
+    return path == "-" ? File(stdin, LeaveOpen) : File(std::fopen(path.c_str(), "rbe"), std::fclose);
+}
+}  // namespace
+
+std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most)
+{
+    const File file = Open(path);
+    if (!file) Refuse("read", path);
+    std::vector<unsigned char> bytes;
+    unsigned char block[4096];
+    while (const std::size_t got = std::fread(block, 1, sizeof(block), file.get()))
+    {
+        bytes.insert(bytes.end(), block, block + got);
+        if (bytes.size() > most) RefuseLength(path, most);
+    }
+    if (std::ferror(file.get()) != 0) Refuse("read", path);
+    return bytes;
+}
+
+void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes)
+{
+    std::FILE* const file = std::fopen(path.c_str(), "wbe");
+    if (file == nullptr) Refuse("write", path);
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    if (std::fclose(file) != 0 || !written) Refuse("write", path, kNoOutput);
+}
+
+std::string FileIn(const std::string& path, const char* name, const char* extension)
+{
+    const std::filesystem::path given(path);
+    std::error_code ignored;
+    const bool folder = !given.has_filename() || std::filesystem::is_directory(given, ignored);
+    if (folder) return (given / name).string() + extension;
+    // Use an existing special file such as /dev/null under its exact name.
+    const auto there = std::filesystem::status(given, ignored);
+    const bool special = std::filesystem::exists(there) && !std::filesystem::is_regular_file(there);
+    return given.has_extension() || special ? path : path + extension;
 }
 }  // namespace ctl

@@ -5,8 +5,10 @@
 #include <nlohmann/json.hpp>
 
 #include <climits>
+#include <cstddef>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "output/failure.h"
 
@@ -31,8 +33,17 @@ enum class Colour
 {
     Bold,
     Dim,
+    Red,
     Green,
+    Yellow,
     Cyan,
+};
+
+enum class ColourUse
+{
+    Auto,  ///< on a terminal other than TERM=dumb, unless NO_COLOR is set
+    Always,
+    Never,
 };
 
 /// Returns the original standard output stream.
@@ -42,11 +53,12 @@ FILE* AnswerStream();
 /// prints a line to `stdout` for each log record.
 void ReserveStandardOutput();
 
-/// Standard output. Uses colors and limits line widths only on a terminal.
+/// Standard output. Limits line widths only on a terminal.
 class Output
 {
 public:
-    explicit Output(bool json);
+    /// @param colours  for text; JSON has none
+    explicit Output(bool json, ColourUse colours = ColourUse::Auto);
 
     bool json() const { return m_json; }
     bool terminal() const { return m_terminal; }
@@ -66,7 +78,7 @@ public:
     /// Updates the terminal size.
     void Measure();
 
-    /// Returns the text in a color, or unchanged if colors are disabled (no terminal, NO_COLOR, TERM=dumb, JSON).
+    /// Returns the text in a color, or unchanged if colors are not used.
     std::string Paint(Colour colour, const std::string& text) const;
 
     /// Writes and flushes one line: @p json or @p text, depending on the output format. Skips empty text.
@@ -123,4 +135,20 @@ constexpr char kServiceLeft[] = "the iPod service left the bus; waiting for its 
 ///
 /// @param line  whether to write a JSON line to standard output instead of text to standard error
 void ReportService(Output& out, bool line, const char* state, const std::string& what);
+
+/// Default size limit in bytes: far above the capacity of the shared memory, and bounds endless files.
+constexpr std::size_t kMostBytes = std::size_t{16} << 20;
+
+/// Returns the contents of a file, or of standard input for "-".
+/// @throws Failure  kUsage if it cannot be read or exceeds @p most bytes
+std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most = kMostBytes);
+
+/// Creates or truncates a file and writes @p bytes to it.
+/// @throws Failure  kUsage if it cannot be opened, kNoOutput if it cannot be written
+void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes);
+
+/// Returns the path of the file to write.
+/// If @p path is an existing folder or ends with a slash, this is the file @p name plus @p extension inside it.
+/// Special files and paths with an extension are returned unchanged; @p extension is appended to all others.
+std::string FileIn(const std::string& path, const char* name, const char* extension);
 }  // namespace ctl

@@ -204,29 +204,41 @@ void Fit(std::vector<int>& widths, int width)
     }
 }
 
-std::string RowText(const Row& row, const std::vector<int>& widths)
+Row Cells(const Row& row, const std::vector<int>& widths)
+{
+    Row cells;
+    for (std::size_t i = 0; i < row.size(); ++i) cells.push_back(Pad(Cut(row[i], widths[i]), widths[i]));
+    while (!cells.empty() && cells.back().find_last_not_of(' ') == std::string::npos) cells.pop_back();
+    if (!cells.empty()) cells.back().erase(cells.back().find_last_not_of(' ') + 1);
+    return cells;
+}
+
+std::string RowText(const Row& cells)
 {
     std::string line;
-    for (std::size_t i = 0; i < row.size(); ++i)
-        line += Pad(Cut(row[i], widths[i]), widths[i]) + std::string(kGap, ' ');
-    line.erase(line.find_last_not_of(' ') + 1);
+    for (const std::string& cell : cells) line += (line.empty() ? "" : std::string(kGap, ' ')) + cell;
     return line;
 }
 }  // namespace
 
-std::string Table(const std::vector<Row>& rows, int width)
+std::string Table(const std::vector<Row>& rows, int width, const PaintRow& paint)
 {
     std::vector<int> widths = Widths(rows);
     Fit(widths, width);
     std::string text;
-    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, widths);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+    {
+        Row cells = Cells(rows[i], widths);
+        if (paint) paint(i, cells);
+        text += (i == 0 ? "" : "\n") + RowText(cells);
+    }
     return text;
 }
 
 std::string Unaligned(const std::vector<Row>& rows)
 {
     std::string text;
-    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(row, Widths({row}));
+    for (const Row& row : rows) text += (text.empty() ? "" : "\n") + RowText(Cells(row, Widths({row})));
     return text;
 }
 
@@ -309,5 +321,67 @@ std::string Hexdump(std::string_view bytes)
         text += (at == 0 ? "" : "\n") + std::string(place) + " " + Digits(part) + "  |" + Characters(part) + "|";
     }
     return text;
+}
+
+std::string Fitting(const Lines& parts, int width)
+{
+    constexpr int kGap = 3;
+    std::string line;
+    int used = 0;
+    for (const std::string& part : parts)
+    {
+        const int gap = line.empty() ? 0 : kGap;
+        if (part.empty()) continue;
+        if (!line.empty() && used + gap + Width(part) > width) break;
+        line += std::string(static_cast<std::size_t>(gap), ' ') + part;
+        used += gap + Width(part);
+    }
+    return line;
+}
+
+std::string Joined(const Lines& lines)
+{
+    std::string text;
+    for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+    return text;
+}
+
+Lines Split(const std::string& text)
+{
+    std::istringstream in(text);
+    Lines lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+namespace
+{
+// Returns the Levenshtein distance between two words.
+std::size_t Distance(const std::string& from, const std::string& to)
+{
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i)
+    {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j)
+        {
+            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+}  // namespace
+
+std::string MostSimilar(const std::string& word, const std::vector<std::string>& words)
+{
+    const auto distance = [folded = Folded(word)](const std::string& other) { return Distance(folded, Folded(other)); };
+    const auto found =
+        std::min_element(words.begin(), words.end(),
+                         [&](const std::string& one, const std::string& two) { return distance(one) < distance(two); });
+    const std::size_t most = std::max<std::size_t>(2, word.size() / 3);
+    return found == words.end() || distance(*found) > most || distance(*found) >= word.size() ? "" : *found;
 }
 }  // namespace ctl

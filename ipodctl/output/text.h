@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,6 +45,10 @@ std::string Bar(int position, int length, int width);
 /// Formats a count with its noun: "1 entry", "2 entries".
 std::string Count(int number, const char* one, const char* many);
 
+/// Returns the word most similar to @p word, ignoring case; empty if the closest one needs more than
+/// max(2, length / 3) edits, or would replace the whole word.
+std::string MostSimilar(const std::string& word, const std::vector<std::string>& words);
+
 /// Parses a non-negative number of 1 to 9 decimal digits; returns nothing for other text.
 std::optional<int> ParseIndex(std::string_view text);
 
@@ -57,9 +62,13 @@ struct SeekTarget
 /// Parses "90", "1:30", "1:02:03", "+10", or "-1:30"; returns nothing for other text.
 std::optional<SeekTarget> ParseSeek(std::string_view text);
 
+using PaintRow = std::function<void(std::size_t row, std::vector<std::string>& cells)>;
+
 /// Formats one line per row, with two blanks between columns and no trailing blanks. The cells must be printable. If a
 /// line exceeds @p width columns, the widest columns are truncated, down to 8 columns each.
-std::string Table(const std::vector<std::vector<std::string>>& rows, int width);
+///
+/// @param paint  may color the cells of a row, given its index; they are padded and cut already
+std::string Table(const std::vector<std::vector<std::string>>& rows, int width, const PaintRow& paint = {});
 
 /// Formats the same cells without alignment, for pipes: one long name would pad every line.
 std::string Unaligned(const std::vector<std::vector<std::string>>& rows);
@@ -74,4 +83,12 @@ std::string Hex(std::string_view bytes);
 /// Formats sixteen bytes per line: offset, hexadecimal digits, and characters, with "." for anything but printable
 /// ASCII. Returns an empty string for no bytes; no trailing newline.
 std::string Hexdump(std::string_view bytes);
+
+using Lines = std::vector<std::string>;
+
+/// Joins as many of @p parts as fit into @p width columns, separated by three blanks; drops parts from the end.
+std::string Fitting(const Lines& parts, int width);
+
+std::string Joined(const Lines& lines);
+Lines Split(const std::string& text);
 }  // namespace ctl

@@ -1,5 +1,16 @@
 #include "picture/picture.h"
 
+#ifdef IPODCTL_DRAWS
+#include <chafa.h>
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#endif
+
+#include <images/image.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <string_view>
 
 namespace ctl
@@ -53,10 +64,9 @@ bool HasJpegEnd(std::string_view image)
 }
 }  // namespace
 
-const char* Extension(ipodkit::PictureType type)
+const char* Extension(const std::vector<unsigned char>& image)
 {
-    static constexpr const char* extensions[] = {".bin", ".jpg", ".png", ".gif", ".bmp", ".webp"};
-    return extensions[static_cast<int>(type)];
+    return images::Extension(images::Examine(image.data(), image.size()).type);
 }
 
 bool IsWhole(ipodkit::PictureType type, const std::vector<unsigned char>& image)
@@ -70,4 +80,145 @@ bool IsSize(std::uint32_t width, std::uint32_t height)
     constexpr std::uint32_t kMost = 65535;
     return width > 0 && height > 0 && width <= kMost && height <= kMost;
 }
+
+Lines Beside(const Drawing& drawing, const Lines& lines)
+{
+    if (drawing.lines.empty()) return lines;
+    constexpr std::size_t kGap = 2;
+    const std::string empty(static_cast<std::size_t>(drawing.width), ' ');
+    Lines both;
+    for (std::size_t i = 0; i < std::max(drawing.lines.size(), lines.size()); ++i)
+    {
+        const std::string& left = i < drawing.lines.size() ? drawing.lines[i] : empty;
+        both.push_back(i < lines.size() ? left + std::string(kGap, ' ') + lines[i] : left);
+    }
+    return both;
+}
+
+Palette PaletteOfTerminal()
+{
+    const char* const colours = std::getenv("COLORTERM");
+    const bool all =
+        colours != nullptr && (std::strcmp(colours, "truecolor") == 0 || std::strcmp(colours, "24bit") == 0);
+    return all ? Palette::TrueColour : Palette::Few;
+}
+
+#ifdef IPODCTL_DRAWS
+namespace
+{
+constexpr std::int64_t kMostPixels = 16'000'000;
+constexpr int kLargeEnough = 512;
+// A character cell is about twice as high as it is wide.
+constexpr float kShapeOfCharacter = 0.5F;
+
+ChafaCanvasMode ModeFor(Palette palette)
+{
+    switch (palette)
+    {
+        case Palette::None:
+            return CHAFA_CANVAS_MODE_FGBG;
+        case Palette::Few:
+            return CHAFA_CANVAS_MODE_INDEXED_240;
+        case Palette::TrueColour:
+            break;
+    }
+    return CHAFA_CANVAS_MODE_TRUECOLOR;
+}
+
+template <class T>
+struct Unref
+{
+    void operator()(T* object) const { g_object_unref(object); }
+};
+using Loader = std::unique_ptr<GdkPixbufLoader, Unref<GdkPixbufLoader>>;
+using Pixels = std::unique_ptr<GdkPixbuf, Unref<GdkPixbuf>>;
+
+// Scales large images down while they are decoded, and makes the loader refuse too large ones before it allocates them.
+void LimitSize(GdkPixbufLoader* loader, int width, int height, gpointer)
+{
+    if (std::int64_t{width} * height > kMostPixels) return gdk_pixbuf_loader_set_size(loader, 0, 0);
+    const int scale = std::max(1, std::min(width, height) / kLargeEnough);
+    gdk_pixbuf_loader_set_size(loader, std::max(1, width / scale), std::max(1, height / scale));
+}
+
+// Returns null if the image cannot be decoded. Without the check, the loader leaves missing rows as they are.
+Pixels Decode(const ipodkit::Picture& picture)
+{
+    const bool known = picture.type == ipodkit::PictureType::Png || picture.type == ipodkit::PictureType::Jpeg;
+    const bool whole = known && IsWhole(picture.type, picture.bytes);
+    const Loader loader(whole ? gdk_pixbuf_loader_new_with_mime_type(MediaType(picture.type), nullptr) : nullptr);
+    if (loader == nullptr) return nullptr;
+    g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(LimitSize), nullptr);
+    const bool written =
+        gdk_pixbuf_loader_write(loader.get(), picture.bytes.data(), picture.bytes.size(), nullptr) != 0;
+    const bool complete = gdk_pixbuf_loader_close(loader.get(), nullptr) != 0;
+    GdkPixbuf* const pixels = written && complete ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
+    return Pixels(pixels == nullptr ? nullptr : GDK_PIXBUF(g_object_ref(pixels)));
+}
+
+using Canvas = std::unique_ptr<ChafaCanvas, void (*)(ChafaCanvas*)>;
+
+Canvas MakeCanvas(int columns, int rows, Palette palette, bool ascii)
+{
+    ChafaSymbolMap* const symbols = chafa_symbol_map_new();
+    const auto blocks =
+        static_cast<ChafaSymbolTags>(CHAFA_SYMBOL_TAG_BLOCK | CHAFA_SYMBOL_TAG_BORDER | CHAFA_SYMBOL_TAG_SPACE);
+    chafa_symbol_map_add_by_tags(symbols, ascii ? CHAFA_SYMBOL_TAG_ASCII : blocks);
+    ChafaCanvasConfig* const config = chafa_canvas_config_new();
+    chafa_canvas_config_set_geometry(config, columns, rows);
+    chafa_canvas_config_set_canvas_mode(config, ModeFor(palette));
+    chafa_canvas_config_set_pixel_mode(config, CHAFA_PIXEL_MODE_SYMBOLS);
+    chafa_canvas_config_set_symbol_map(config, symbols);
+    Canvas canvas(chafa_canvas_new(config), chafa_canvas_unref);
+    chafa_canvas_config_unref(config);
+    chafa_symbol_map_unref(symbols);
+    return canvas;
+}
+
+void Fill(ChafaCanvas* canvas, const GdkPixbuf* pixels)
+{
+    const bool alpha = gdk_pixbuf_get_has_alpha(pixels) != 0;
+    chafa_canvas_draw_all_pixels(canvas, alpha ? CHAFA_PIXEL_RGBA8_UNASSOCIATED : CHAFA_PIXEL_RGB8,
+                                 gdk_pixbuf_read_pixels(pixels), gdk_pixbuf_get_width(pixels),
+                                 gdk_pixbuf_get_height(pixels), gdk_pixbuf_get_rowstride(pixels));
+}
+
+Lines Printed(ChafaCanvas* canvas)
+{
+    GString* const printed = chafa_canvas_print(canvas, nullptr);
+    Lines lines = Split(printed->str);
+    g_string_free(printed, TRUE);
+    return lines;
+}
+}  // namespace
+
+bool CanDraw()
+{
+    return true;
+}
+
+Drawing Draw(const ipodkit::Picture& picture, int columns, int rows, Palette palette, bool ascii)
+{
+    const Pixels pixels = columns < 1 || rows < 1 ? nullptr : Decode(picture);
+    if (pixels == nullptr) return {};
+    gint width = columns;
+    gint height = rows;
+    chafa_calc_canvas_geometry(gdk_pixbuf_get_width(pixels.get()), gdk_pixbuf_get_height(pixels.get()), &width, &height,
+                               kShapeOfCharacter, TRUE, FALSE);
+    if (width < 1 || height < 1) return {};
+    const Canvas canvas = MakeCanvas(width, height, palette, ascii);
+    Fill(canvas.get(), pixels.get());
+    return {width, Printed(canvas.get())};
+}
+#else
+bool CanDraw()
+{
+    return false;
+}
+
+Drawing Draw(const ipodkit::Picture&, int, int, Palette, bool)
+{
+    return {};
+}
+#endif
 }  // namespace ctl

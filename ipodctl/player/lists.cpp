@@ -54,8 +54,28 @@ void List::EnterChild(int index, const char* refusal)
     m_session.ValueOf(m_session.Await(m_pager.EnterChild(index)), refusal);
 }
 
+std::vector<std::string> List::AllNames(const char* refusal)
+{
+    return m_session.ValueOf(m_session.Await(m_pager.Range(0, ipodkit::Pager::End)), refusal);
+}
+
+Json EntriesJson(int first, const std::vector<std::string>& names)
+{
+    Json entries = Json::array();
+    for (const std::string& name : names) entries.push_back({{"index", first++}, {"name", name}});
+    return entries;
+}
+
+std::string NamesText(const std::vector<std::string>& names)
+{
+    Lines lines;
+    for (const std::string& name : names) lines.push_back(Printable(name));
+    return Joined(lines);
+}
+
 namespace
 {
+constexpr char kNoUpdateList[] = "the service has no update list; is a device attached?";
 constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
 
 // Sources differ in the spaces between syllables, so comparisons ignore them.
@@ -125,6 +145,13 @@ std::optional<Entry> OnlyMatch(const Page& page, const std::string& name, Matche
 }
 }  // namespace
 
+std::vector<std::string> NamesIn(const Page& page)
+{
+    std::vector<std::string> names;
+    for (const Entry& entry : page.entries) names.push_back(entry.name);
+    return names;
+}
+
 Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
 {
     session.HoldLevel(ipodkit::Browsing::Reading);
@@ -161,9 +188,22 @@ std::optional<int> TakeIndex(std::string& text)
     return index;
 }
 
-void RefuseUnknown(const std::string& name)
+Page ReadUpdateList(Session& session)
 {
-    throw Failure(kUsage, "no '" + Printable(name) + "' in the current level", "list it with 'ipodctl ls --all'");
+    Page page;
+    for (std::string& name : List(session, ipodkit::ListKind::Update).AllNames(kNoUpdateList))
+        page.entries.push_back({page.amount++, std::move(name), {}});
+    std::vector<std::string> pinyin = List(session, ipodkit::ListKind::UpdatePinyin).AllNames(kNoUpdateList);
+    AddPinyin(page.entries, std::move(pinyin), false);
+    return page;
+}
+
+void RefuseUnknown(const Page& level, const std::string& name)
+{
+    std::string similar = Printable(MostSimilar(name, NamesIn(level)));
+    if (ParseIndex(similar)) similar.insert(0, "./");
+    throw Failure(kUsage, "no '" + Printable(name) + "' in the current level",
+                  similar.empty() ? "list it with 'ipodctl ls --all'" : "did you mean '" + similar + "'?");
 }
 
 Entry FindEntry(Session& session, const std::string& text)
@@ -174,7 +214,7 @@ Entry FindEntry(Session& session, const std::string& text)
     if (!index)
     {
         const std::optional<Entry> found = FindName(page, name);
-        if (!found) RefuseUnknown(name);
+        if (!found) RefuseUnknown(page, name);
         return *found;
     }
     CheckIndex(*index, page.amount, "the current level");

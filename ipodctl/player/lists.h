@@ -25,6 +25,9 @@ public:
     /// @param refusal  error message if the service does not have the page
     std::vector<std::string> Names(int first, int end, const char* refusal);
 
+    /// Returns all names, also of a list without a reported size.
+    std::vector<std::string> AllNames(const char* refusal);
+
     /// Returns the page that holds an entry.
     ipodkit::PagePtr PageWith(int index, const char* refusal);
 
@@ -41,6 +44,12 @@ private:
     ipodkit::Pager m_pager;
 };
 
+/// Returns names as an array of objects with "index", from @p first on, and "name".
+Json EntriesJson(int first, const std::vector<std::string>& names);
+
+/// Returns one printable name per line.
+std::string NamesText(const std::vector<std::string>& names);
+
 struct Entry
 {
     int index;
@@ -56,6 +65,8 @@ struct Page
     bool root = false;
     std::vector<Entry> entries;
 };
+
+std::vector<std::string> NamesIn(const Page& page);
 
 enum class Pinyin
 {
@@ -79,8 +90,11 @@ Entry FindEntry(Session& session, const std::string& text);
 /// @return the index; nothing for a name
 std::optional<int> TakeIndex(std::string& text);
 
-/// @throws Failure  always: no entry of the current level has that name
-[[noreturn]] void RefuseUnknown(const std::string& name);
+/// Reads the list of changes that the device is making, with pinyin where it differs.
+Page ReadUpdateList(Session& session);
+
+/// @throws Failure  always: no entry of the level has that name. The hint suggests a similar one.
+[[noreturn]] void RefuseUnknown(const Page& level, const std::string& name);
 
 /// Checks that an index is between 0 and @p amount - 1.
 /// @param what      name of the list, for the error message

@@ -203,11 +203,7 @@ Json CallsJson(const ipodkit::PlayerState& state)
 
 Json NearJson(const Status& status)
 {
-    if (!status.nearRefusal.empty()) return {};
-    Json near = Json::array();
-    for (std::size_t i = 0; i < status.near.size(); ++i)
-        near.push_back({{"index", status.firstNear + static_cast<int>(i)}, {"name", status.near[i]}});
-    return near;
+    return status.nearRefusal.empty() ? EntriesJson(status.firstNear, status.near) : Json();
 }
 }  // namespace
 

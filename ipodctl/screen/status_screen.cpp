@@ -5,8 +5,7 @@
 
 #include "output/output.h"
 #include "output/text.h"
-#include "picture/columns.h"
-#include "picture/drawing.h"
+#include "picture/picture.h"
 #include "player/player.h"
 #include "session/loop.h"
 

@@ -1,16 +1,33 @@
 // Measures the latency of ipodkit requests, each of which is one command of the service.
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 
 #include "output/text.h"
 #include "player/lists.h"
-#include "verbs/latency.h"
 #include "verbs/verbs.h"
 
 namespace ctl
 {
 namespace
 {
+// All members are in microseconds.
+struct Latency
+{
+    double least;
+    double median;
+    double p99;  // 99th percentile
+    double most;
+};
+
+// Returns the nearest-rank percentile.
+double AtShare(const std::vector<double>& sorted, double share)
+{
+    const auto rank = static_cast<std::size_t>(std::ceil(share * static_cast<double>(sorted.size())));
+    return sorted[std::clamp<std::size_t>(rank, 1, sorted.size()) - 1];
+}
+
 struct Command
 {
     const char* name;
@@ -67,7 +84,8 @@ Latency Measure(Session& session, const Command& command, int count)
         command.call(session);
         time = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin).count();
     }
-    return Summarise(times);
+    std::sort(times.begin(), times.end());
+    return {times.front(), AtShare(times, 0.5), AtShare(times, 0.99), times.back()};
 }
 
 std::string Number(double microseconds)

@@ -11,7 +11,7 @@ namespace ctl
 namespace
 {
 using Ask = std::function<Json(std::vector<std::string>)>;
-using Words = std::vector<std::string>;
+using CommandWords = std::vector<std::string>;
 
 // Position of the word being completed: its command, the number of preceding arguments, and the option that still needs
 // a value, if any.
@@ -27,7 +27,7 @@ struct Place
 struct Source
 {
     const char* value;
-    Words command;
+    CommandWords command;
 };
 
 const std::vector<Source>& Sources()
@@ -76,6 +76,7 @@ Place Behind(Place place, const std::string& word)
         return place;
     }
     const CLI::App* const command = FindCommand(*place.app, word);
+    if (command != nullptr && word == "help") return place;
     return command != nullptr ? Place{command} : Place{place.app, place.arguments + 1};
 }
 
@@ -100,7 +101,7 @@ std::string AsName(const std::string& name)
 }
 
 // Extracts candidates from the only array in an answer, which holds words or objects with index and name.
-std::vector<Candidate> Listed(const Json& answer, bool byIndex)
+std::vector<Candidate> CandidatesIn(const Json& answer, bool byIndex)
 {
     std::vector<Candidate> candidates;
     for (const auto& [member, list] : answer.items())
@@ -114,11 +115,11 @@ std::vector<Candidate> Listed(const Json& answer, bool byIndex)
     return candidates;
 }
 
-std::vector<Candidate> AskFor(const Words& command, const std::string& value, const Ask& ask)
+std::vector<Candidate> AskFor(const CommandWords& command, const std::string& value, const Ask& ask)
 {
     try
     {
-        return Listed(ask(command), value == "INDEX");
+        return CandidatesIn(ask(command), value == "INDEX");
     }
     catch (const std::exception&)
     {

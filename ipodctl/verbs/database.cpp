@@ -47,7 +47,7 @@ std::size_t EnterLongestName(Session& session, const std::string& path)
         Enter(session, *found);
         return end;
     }
-    RefuseUnknown(path.substr(0, path.find('/')));
+    RefuseUnknown(level, path.substr(0, path.find('/')));
 }
 
 // Follows one component of a path. Returns the number of bytes consumed.
@@ -163,13 +163,6 @@ std::string PageText(const Page& page, const Output& out)
     return out.terminal() ? Table(rows, out.width()) : Unaligned(rows);
 }
 
-std::string NamesText(const Page& page)
-{
-    std::string text;
-    for (const Entry& entry : page.entries) text += (text.empty() ? "" : "\n") + Printable(entry.name);
-    return text;
-}
-
 // Printed on terminals only: piped output has exactly one line per entry.
 std::string Summary(const Page& page, const Output& out)
 {
@@ -200,16 +193,16 @@ struct Letter
     int count;
 };
 
+ipodnames::JumpIndex IndexOf(const Page& page)
+{
+    ipodnames::JumpIndexOptions options;
+    for (const Entry& entry : page.entries) options.readings.push_back(entry.pinyin);
+    return ipodnames::JumpIndex(NamesIn(page), options);
+}
+
 std::vector<Letter> Letters(const Page& page)
 {
-    std::vector<std::string> names;
-    ipodnames::JumpIndexOptions options;
-    for (const Entry& entry : page.entries)
-    {
-        names.push_back(entry.name);
-        options.readings.push_back(entry.pinyin);
-    }
-    const ipodnames::JumpIndex index(names, options);
+    const ipodnames::JumpIndex index = IndexOf(page);
     std::vector<Letter> letters;
     for (std::size_t i = 0; i < index.Sections().size(); ++i)
     {
@@ -243,7 +236,7 @@ Answer ShowList(Context& context, const Listing& listing)
 {
     const Page page = ReadListing(context.session, listing);
     if (listing.index) return ShowLetters(context, page);
-    if (listing.names) return {PageJson(page), NamesText(page)};
+    if (listing.names) return {PageJson(page), NamesText(NamesIn(page))};
     return {PageJson(page), PageText(page, context.out) + Summary(page, context.out)};
 }
 
@@ -269,6 +262,41 @@ Run BuildLs(CLI::App& app)
         ->excludes(names);
     return [listing](Context& context) { return ShowList(context, *listing); };
 }
+// Prints the entries that match, as ls does, in the order of the level.
+Answer Search(Context& context, const std::string& text)
+{
+    Page page = ReadLevel(context.session, 0, INT_MAX);
+    std::vector<int> found = IndexOf(page).Search(text, page.entries.size());
+    if (found.empty()) throw Failure(kNothingDone, "no entry of the current level matches '" + Printable(text) + "'");
+    std::sort(found.begin(), found.end());
+    std::vector<Entry> matches;
+    for (const int index : found) matches.push_back(std::move(page.entries[static_cast<std::size_t>(index)]));
+    page.entries = std::move(matches);
+    Json json = PageJson(page);
+    json["verb"] = "search";
+    return {json, PageText(page, context.out)};
+}
+
+Run BuildSearch(CLI::App& app)
+{
+    const auto text = Argument<std::string>();
+    app.add_option("text", *text, "Part of a name, of its pinyin, or initials")->required()->check(NonEmpty());
+    return [text](Context& context) { return Search(context, *text); };
+}
+
+Run BuildUpdateList(CLI::App& app)
+{
+    const auto names = Argument<bool>();
+    app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts");
+    return [names](Context& context) -> Answer
+    {
+        const Page page = ReadUpdateList(context.session);
+        Json entries = Json::array();
+        for (const Entry& entry : page.entries) entries.push_back(EntryJson(entry));
+        const Json json{{"verb", "update-list"}, {"count", page.amount}, {"entries", entries}};
+        return {json, *names ? NamesText(NamesIn(page)) : PageText(page, context.out)};
+    };
+}
 }  // namespace
 
 std::vector<Verb> ListVerbs()
@@ -276,6 +304,9 @@ std::vector<Verb> ListVerbs()
     return {{"ls", "List the current level: index, name, pinyin",
              "ipodctl ls\nipodctl ls --from 100 --count 20\nipodctl ls --index\nipodctl ls --all --names | fzf\n"
              "ipodctl ls --all --json | jq -r '.entries[].name'",
-             BuildLs}};
+             BuildLs},
+            {"search", "List the entries of the current level that match a text", "ipodctl search zmx", BuildSearch},
+            {"update-list", "List what a synchronization of the device has changed", "ipodctl update-list",
+             BuildUpdateList}};
 }
 }  // namespace ctl

@@ -18,16 +18,12 @@ std::vector<std::string> ReadDevices(Session& session)
 Answer ShowDevices(Context& context, bool namesOnly)
 {
     const std::vector<std::string> names = ReadDevices(context.session);
-    Json devices = Json::array();
+    const Json json{{"verb", "devices"}, {"devices", EntriesJson(0, names)}};
+    if (namesOnly) return {json, NamesText(names)};
     std::vector<std::vector<std::string>> rows;
-    for (std::size_t i = 0; i < names.size(); ++i)
-    {
-        devices.push_back({{"index", i}, {"name", names[i]}});
-        const std::string name = Printable(names[i]);
-        rows.push_back(namesOnly ? std::vector<std::string>{name} : std::vector<std::string>{std::to_string(i), name});
-    }
+    for (std::size_t i = 0; i < names.size(); ++i) rows.push_back({std::to_string(i), Printable(names[i])});
     const std::string none = context.out.terminal() ? "no device is attached" : "";
-    return {{{"verb", "devices"}, {"devices", devices}}, rows.empty() ? none : Table(rows, context.out.width())};
+    return {json, rows.empty() ? none : Table(rows, context.out.width())};
 }
 
 // Returns the device with this index or name; "./22" is the name "22".
@@ -39,7 +35,11 @@ int FindDevice(const std::vector<std::string>& names, std::string text)
     const auto same = [folded = Folded(text)](const std::string& name) { return Folded(name) == folded; };
     const auto found = std::find_if(names.begin(), names.end(), same);
     if (found == names.end())
-        throw Failure(kUsage, "no device '" + Printable(text) + "'", "list the devices with 'ipodctl devices'");
+    {
+        const std::string similar = Printable(MostSimilar(text, names));
+        throw Failure(kUsage, "no device '" + Printable(text) + "'",
+                      similar.empty() ? "list the devices with 'ipodctl devices'" : "did you mean '" + similar + "'?");
+    }
     if (std::any_of(std::next(found), names.end(), same))
         throw Failure(kUsage, "'" + Printable(text) + "' is the name of several devices", "give the index");
     return static_cast<int>(found - names.begin());

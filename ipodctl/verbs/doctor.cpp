@@ -11,7 +11,7 @@
 
 #include "output/text.h"
 #include "segments/segments.h"
-#include "session/bus.h"
+#include "session/session.h"
 #include "verbs/verbs.h"
 
 namespace ctl
@@ -197,7 +197,18 @@ Json ToJson(const std::vector<Finding>& findings)
     return {{"verb", "doctor"}, {"verdict", StateName(Worst(findings))}, {"checks", checks}, {"build", Fingerprint()}};
 }
 
-std::string ToText(const std::vector<Finding>& findings)
+// Colors the states, which are the second column.
+void PaintState(const Output& out, std::vector<std::string>& cells)
+{
+    if (cells.size() < 2) return;
+    const Colour colour = cells[1].rfind("ok", 0) == 0        ? Colour::Green
+                          : cells[1].rfind("warning", 0) == 0 ? Colour::Yellow
+                          : cells[1].rfind("error", 0) == 0   ? Colour::Red
+                                                              : Colour::Dim;
+    cells[1] = out.Paint(colour, cells[1]);
+}
+
+std::string ToText(const std::vector<Finding>& findings, const Output& out)
 {
     std::vector<std::vector<std::string>> rows;
     for (const Finding& finding : findings)
@@ -206,7 +217,7 @@ std::string ToText(const std::vector<Finding>& findings)
         if (!finding.advice.empty()) rows.push_back({"", "hint", Printable(finding.advice)});
     }
     rows.push_back({"build", "", Fingerprint()});
-    return Table(rows, INT_MAX);
+    return Table(rows, INT_MAX, [&out](std::size_t, std::vector<std::string>& cells) { PaintState(out, cells); });
 }
 
 Run BuildDoctor(CLI::App&)
@@ -214,7 +225,7 @@ Run BuildDoctor(CLI::App&)
     return [](Context& context) -> Answer
     {
         const std::vector<Finding> findings = Examine(context.session);
-        return {ToJson(findings), ToText(findings), Worst(findings)};
+        return {ToJson(findings), ToText(findings, context.out), Worst(findings)};
     };
 }
 }  // namespace

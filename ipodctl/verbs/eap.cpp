@@ -4,11 +4,9 @@
 
 #include "accessory/bridge.h"
 #include "events/follow.h"
-#include "output/file.h"
+#include "output/output.h"
 #include "output/text.h"
 #include "session/loop.h"
-#include "verbs/command_line.h"
-#include "verbs/limits.h"
 #include "verbs/verbs.h"
 
 namespace ctl

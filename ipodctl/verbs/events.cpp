@@ -1,7 +1,6 @@
 // Follows the events of the service.
 #include <algorithm>
 
-#include "verbs/limits.h"
 #include "verbs/verbs.h"
 
 namespace ctl

@@ -2,6 +2,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <climits>
 #include <iterator>
 
 #include "output/text.h"
@@ -14,6 +15,7 @@ namespace ctl
 namespace
 {
 constexpr std::chrono::seconds kReportedWithin(2);
+constexpr char kNotPaused[] = "the service did not pause; ipodctl status shows what it does";
 
 void Resume(Session& session)
 {
@@ -62,8 +64,7 @@ Run BuildSimple(const char* verb, const char* refusal)
 
 Run BuildPause(CLI::App&)
 {
-    return BuildSimple<&ipodkit::Commands::Pause>("pause",
-                                                  "the service did not pause; ipodctl status shows what it does");
+    return BuildSimple<&ipodkit::Commands::Pause>("pause", kNotPaused);
 }
 
 Run BuildStop(CLI::App&)
@@ -82,6 +83,49 @@ Run BuildPrevious(CLI::App&)
     return BuildSimple<&ipodkit::Commands::Previous>(
         "previous",
         "the service did not return to the previous track; ipodctl queue shows whether this is the first entry");
+}
+
+Run BuildToggle(CLI::App&)
+{
+    return [](Context& context)
+    {
+        const auto status = context.session.Ready().State()->status.value_or(ipodkit::PlayStatus::Stopped);
+        const bool silent = status == ipodkit::PlayStatus::Stopped || status == ipodkit::PlayStatus::Paused;
+        if (silent)
+            Resume(context.session);
+        else
+            AskOfTrack(context.session, context.session.Commands().Pause(), kNotPaused);
+        return AnswerWithPlaying(context, "toggle");
+    };
+}
+
+Answer AnswerWithPosition(Context& context, const char* verb)
+{
+    Answer answer = AnswerWithPlaying(context, verb);
+    if (context.out.json()) return answer;
+    const ipodkit::PlayPosition at = context.session.Ask(context.session.Commands().Position());
+    answer.text += " at " + Clock(at.position) + " / " + Clock(at.duration);
+    return answer;
+}
+
+// Winds for a while. Winding that was interrupted is stopped, too.
+template <ipodkit::Request<void> (ipodkit::Commands::*wind)() const>
+Run BuildWind(CLI::App& app)
+{
+    const auto seconds = Argument<double>(1);
+    app.add_option("seconds", *seconds, "Time to wind for, during which the position moves faster")
+        ->capture_default_str()
+        ->check(Seconds(3600));
+    return [seconds, verb = app.get_name()](Context& context)
+    {
+        const ipodkit::Commands commands = context.session.Commands();
+        Loop loop;
+        AskOfTrack(context.session, (commands.*wind)(), "the service does not wind");
+        const Ending ending = loop.Run(*seconds);
+        context.session.Ask(commands.StopWinding(), "the service did not stop winding");
+        if (ending == Ending::Interrupted) throw Interrupted{};
+        return AnswerWithPosition(context, verb.c_str());
+    };
 }
 
 // Clamps relative targets to the track; rejects an absolute target past its end.
@@ -103,10 +147,7 @@ Answer Seek(Session& session, const SeekTarget& target)
     const int second = SecondFor(target, RequireTrack(*kit.State()));
     session.Ask(kit.Commands().Seek(std::chrono::seconds(second)));
     session.Await(kit.Changed(ipodkit::Field::Position).Within(kReportedWithin));
-    Answer answer = ToAnswer(PlayingIn(*kit.State()), "seek");
-    answer.text +=
-        " at " + Clock(answer.json["position_ms"].get<int>()) + " / " + Clock(answer.json["length_ms"].get<int>());
-    return answer;
+    return WithPosition(ToAnswer(PlayingIn(*kit.State()), "seek"));
 }
 
 constexpr char kTimes[] = "give SECONDS, MM:SS, +N or -N";
@@ -135,11 +176,14 @@ std::vector<Verb> TransportVerbs()
     return {{"play", "Resume playback, or play a song of the current level",
              "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue in Green\"", BuildPlay},
             {"pause", "Pause playback", "ipodctl pause", BuildPause},
+            {"toggle", "Pause playback, or resume it", "ipodctl toggle", BuildToggle},
             {"stop", "Stop playback", "ipodctl stop", BuildStop},
             {"next", "Skip to the next track (exit code 1 at the end)", "ipodctl next", BuildNext},
             {"previous", "Skip to the previous track (exit code 1 at the start)", "ipodctl previous", BuildPrevious},
             {"seek", "Move within the playing track",
-             "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek}};
+             "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek},
+            {"ff", "Fast-forward for a time", "ipodctl ff\nipodctl ff 2.5", BuildWind<&ipodkit::Commands::FastForward>},
+            {"rw", "Rewind for a time", "ipodctl rw\nipodctl rw 2.5", BuildWind<&ipodkit::Commands::FastBackward>}};
 }
 
 namespace
@@ -203,48 +247,61 @@ std::vector<Verb> ModeVerbs()
 
 namespace
 {
+struct QueueRange
+{
+    std::optional<int> index;
+    int from = 0;
+    int count = INT_MAX;
+    bool names = false;
+};
+
 struct Queue
 {
     int playing;
+    int amount;
+    int first;
     std::vector<std::string> names;
 };
 
-Queue ReadQueue(Session& session)
+Queue ReadQueue(Session& session, const QueueRange& range)
 {
     List list(session, ipodkit::ListKind::Playing);
     const int playing = session.Ask(session.Commands().PlayingIndex());
-    return {playing, list.Names(0, list.Count(), "the service has no page of the playing list")};
+    const int amount = list.Count();
+    if (range.from > 0) CheckIndex(range.from, amount, "the playing list");
+    const int end = range.from + std::min(range.count, std::max(0, amount - range.from));
+    return {playing, amount, range.from, list.Names(range.from, end, "the service has no page of the playing list")};
 }
 
 Json QueueJson(const Queue& queue)
 {
-    Json entries = Json::array();
-    for (std::size_t i = 0; i < queue.names.size(); ++i) entries.push_back({{"index", i}, {"name", queue.names[i]}});
-    return {{"verb", "queue"}, {"playing", queue.playing}, {"count", queue.names.size()}, {"entries", entries}};
+    return {{"verb", "queue"},
+            {"playing", queue.playing},
+            {"count", queue.amount},
+            {"entries", EntriesJson(queue.first, queue.names)}};
 }
 
-std::string NamesText(const Queue& queue)
+std::string QueueText(const Queue& queue, const Output& out)
 {
-    std::string text;
-    for (const std::string& name : queue.names) text += (text.empty() ? "" : "\n") + Printable(name);
-    return text;
-}
-
-std::string QueueText(const Queue& queue, int width)
-{
-    const int digits = Width(std::to_string(queue.names.size()));
+    const int digits = Width(std::to_string(queue.amount));
+    const int playing = queue.playing - queue.first;
     std::vector<std::vector<std::string>> rows;
-    for (std::size_t i = 0; i < queue.names.size(); ++i)
-        rows.push_back({(static_cast<int>(i) == queue.playing ? "> " : "  ") + PadLeft(std::to_string(i), digits),
-                        Printable(queue.names[i])});
-    return Table(rows, width);
+    for (int i = 0; i < static_cast<int>(queue.names.size()); ++i)
+        rows.push_back({(i == playing ? "> " : "  ") + PadLeft(std::to_string(queue.first + i), digits),
+                        Printable(queue.names[static_cast<std::size_t>(i)])});
+    return Table(rows, out.width(),
+                 [&](std::size_t row, std::vector<std::string>& cells)
+                 {
+                     for (std::string& cell : cells)
+                         if (static_cast<int>(row) == playing) cell = out.Paint(Colour::Bold, cell);
+                 });
 }
 
-Answer Show(Context& context, bool namesOnly)
+Answer Show(Context& context, const QueueRange& range)
 {
-    const Queue queue = ReadQueue(context.session);
-    if (namesOnly) return {QueueJson(queue), NamesText(queue)};
-    const std::string text = QueueText(queue, context.out.width());
+    const Queue queue = ReadQueue(context.session, range);
+    if (range.names) return {QueueJson(queue), NamesText(queue.names)};
+    const std::string text = QueueText(queue, context.out);
     return {QueueJson(queue), text.empty() && context.out.terminal() ? "the playing list is empty" : text};
 }
 
@@ -259,18 +316,28 @@ Answer Jump(Context& context, int index)
 
 Run BuildQueue(CLI::App& app)
 {
-    const auto index = Argument<std::optional<int>>();
-    const auto names = Argument<bool>();
-    auto* const entry = app.add_option("index", *index, "Entry to jump to; without it, print the list");
+    const auto range = Argument<QueueRange>();
+    auto* const entry = app.add_option("index", range->index, "Entry to jump to; without it, print the list");
     entry->check(WholeNumber(0));
-    app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entry);
-    return [index, names](Context& context) { return *index ? Jump(context, **index) : Show(context, *names); };
+    auto* const from = app.add_option("--from", range->from, "Index of the first entry to print");
+    from->type_name("INDEX")->check(WholeNumber(0))->excludes(entry);
+    auto* const count = app.add_option("--count", range->count, "Number of entries to print");
+    count->check(WholeNumber(1))->excludes(entry);
+    app.add_flag("--all", "Print the whole list, which is the default")
+        ->excludes(entry)
+        ->excludes(from)
+        ->excludes(count);
+    app.add_flag("--names", range->names, "Print one name per line and nothing else, for scripts")->excludes(entry);
+    return [range](Context& context)
+    { return range->index ? Jump(context, *range->index) : Show(context, *range); };
 }
 }  // namespace
 
 std::vector<Verb> QueueVerbs()
 {
     return {{"queue", "Print the playing list, or jump to one of its entries",
-             "ipodctl queue\nipodctl queue 4\nipodctl queue --json | jq .playing", BuildQueue}};
+             "ipodctl queue\nipodctl queue 4\nipodctl queue --from 100 --count 20\n"
+             "ipodctl queue --json | jq .playing",
+             BuildQueue}};
 }
 }  // namespace ctl

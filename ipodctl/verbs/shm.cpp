@@ -43,19 +43,24 @@ Json ToJson(const SegmentPlan& plan, const SegmentObject& object, const SegmentC
             {"objects", contents.objects}, {"problem", contents.problem},   {"vectors", vectors}};
 }
 
-std::string ToText(const SegmentPlan& plan, const SegmentObject& object, const SegmentContents& contents, int width)
+std::string ToText(const SegmentPlan& plan, const SegmentObject& object, const SegmentContents& contents,
+                   const Output& out)
 {
-    std::string text = plan.name;
+    std::string text = out.Paint(Colour::Bold, plan.name);
     if (object.exists)
         text += ": " + std::to_string(object.size) + " bytes, " + std::to_string(contents.free) + " free, mode " +
                 ModeText(object.mode) + ", owner " + std::to_string(object.owner);
-    if (!contents.problem.empty()) return text + ": " + Printable(contents.problem);
+    if (!contents.problem.empty()) return text + ": " + out.Paint(Colour::Red, Printable(contents.problem));
     std::vector<std::vector<std::string>> rows;
     for (const VectorContents& vector : contents.vectors)
         rows.push_back({"  " + vector.name, PadLeft(std::to_string(vector.elements), 7),
                         (vector.isNames ? "names, room for " : "bytes, room for ") + std::to_string(vector.capacity),
                         vector.problem});
-    return text + "\n" + Table(rows, width);
+    const auto paint = [&out](std::size_t, std::vector<std::string>& cells)
+    {
+        if (cells.size() > 3) cells[3] = out.Paint(Colour::Red, cells[3]);
+    };
+    return text + "\n" + Table(rows, out.width(), paint);
 }
 
 ExitCode Judged(const SegmentObject& object, const SegmentContents& contents)
@@ -75,7 +80,7 @@ Answer ShowSegments(const Output& out)
         const SegmentObject object = Inspect(plan.name);
         const SegmentContents contents = ReadIfThere(plan, object);
         answer.json["segments"].push_back(ToJson(plan, object, contents));
-        answer.text += (answer.text.empty() ? "" : "\n") + ToText(plan, object, contents, out.width());
+        answer.text += (answer.text.empty() ? "" : "\n") + ToText(plan, object, contents, out);
         answer.code = std::max(answer.code, Judged(object, contents));
     }
     return answer;

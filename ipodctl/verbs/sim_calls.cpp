@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "output/text.h"
-#include "session/bus.h"
-#include "verbs/sim.h"
+#include "session/session.h"
 #include "verbs/usage.h"
+#include "verbs/verbs.h"
 
 namespace ctl
 {

@@ -1,7 +1,6 @@
 #include "verbs/usage.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "output/text.h"
 
@@ -39,36 +38,6 @@ Options OptionsOf(const CLI::App& app)
     for (const CLI::App* at = &Chosen(app); at != nullptr; at = at->get_parent())
         for (const CLI::Option* option : at->get_options()) options.push_back(option);
     return options;
-}
-
-// Returns the Levenshtein distance between two words.
-std::size_t Distance(const std::string& from, const std::string& to)
-{
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i)
-    {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < to.size(); ++j)
-        {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.back();
-}
-
-// Returns an empty string if the closest word needs more than max(2, length / 3) edits, or would replace the whole
-// word.
-std::string MostSimilar(const std::string& word, const std::vector<std::string>& words)
-{
-    const auto distance = [folded = Folded(word)](const std::string& other) { return Distance(folded, Folded(other)); };
-    const auto found =
-        std::min_element(words.begin(), words.end(),
-                         [&](const std::string& one, const std::string& two) { return distance(one) < distance(two); });
-    const std::size_t most = std::max<std::size_t>(2, word.size() / 3);
-    return found == words.end() || distance(*found) > most || distance(*found) >= word.size() ? "" : *found;
 }
 
 std::string Exclusion(const CLI::App& app)
@@ -135,6 +104,17 @@ Failure UnknownWord(const char* what, const std::string& word, const std::vector
             similar.empty() ? otherwise : "did you mean '" + similar + "'?"};
 }
 
+namespace
+{
+std::string SimilarOption(const CLI::App& app, const std::string& word)
+{
+    std::vector<std::string> names;
+    for (const CLI::Option* option : OptionsOf(app))
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    return MostSimilar(word.substr(0, word.find('=')), names);
+}
+}  // namespace
+
 Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::vector<std::string> unknown = app.remaining(true);
@@ -144,6 +124,7 @@ Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error)
     if (isWord && !commands.empty()) return UnknownWord("command", unknown.front(), commands, help);
     const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
     if (missing && unknown.empty() && !commands.empty()) return {kUsage, "missing command", help};
-    return {kUsage, ParseErrorMessage(app, error), help};
+    const std::string similar = unknown.empty() || isWord ? "" : SimilarOption(app, unknown.front());
+    return {kUsage, ParseErrorMessage(app, error), similar.empty() ? help : "did you mean '" + similar + "'?"};
 }
 }  // namespace ctl

@@ -129,6 +129,22 @@ TEST(BrowseFrame, MarksTheSelectedRow)
     EXPECT_EQ(ctl::Width(frame[2].front().text), 39);
 }
 
+TEST(BrowseFrame, MarksTheSongThatPlays)
+{
+    Model model = PlayingModel();
+    Fill(model, {"Ada", "秋林序", "秋林序"});
+    EXPECT_EQ(Screen(model, 8, 40)[2].substr(0, 4), "▶ ");
+    EXPECT_EQ(Screen(model, 8, 40)[3].substr(0, 4), "▶ ");
+    auto state = std::make_shared<ipodkit::PlayerState>(*model.state);
+    state->trackIndex = 2;
+    model.state = state;
+    EXPECT_EQ(Screen(model, 8, 40)[2].substr(0, 2), "  ");
+    EXPECT_EQ(Screen(model, 8, 40)[3].substr(0, 4), "▶ ");
+    EXPECT_EQ(Draw(model, 8, 40, kNow)[3].front().style, Style::Playing);
+    Fill(model, {"Ada", "秋林序", "秋林序"}, true);
+    EXPECT_EQ(Screen(model, 8, 40)[3].substr(0, 2), "  ");
+}
+
 TEST(BrowseFrame, AdvancesThePositionBetweenEvents)
 {
     Model model = PlayingModel();
@@ -163,7 +179,7 @@ TEST(BrowseFrame, ShowsHowManyNamesAreLoaded)
 {
     Model model = PlayingModel();
     model.SetCount(1000);
-    model.Put({0, std::vector<std::string>(250, "x"), false, true});
+    PutPage(model, 0, std::vector<std::string>(250, "x"));
     const auto lines = Screen(model, 8, 60);
     EXPECT_NE(lines[0].find("1/1000  25 %"), std::string::npos);
     Type(model, "x");

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "browse/level_names.h"
-#include "browse/list_cursor.h"
+#include "browse/model.h"
 
 using ctl::browse::Jumped;
 using ctl::browse::LevelNames;
@@ -10,6 +9,16 @@ using ctl::browse::Moved;
 
 namespace
 {
+ipodkit::PagePtr PageFrom(int first, std::vector<std::string> names)
+{
+    return std::make_shared<const ipodkit::Page>(ipodkit::Page{first, std::move(names)});
+}
+
+ipodkit::PagePtr WholePage(int first)
+{
+    return PageFrom(first, std::vector<std::string>(LevelNames::kPageSize, "x"));
+}
+
 void ExpectCursor(const ListCursor& cursor, int at, int top)
 {
     EXPECT_EQ(cursor.at, at);
@@ -63,37 +72,61 @@ TEST(LevelNames, AreUnknownAtFirst)
 TEST(LevelNames, LoadsVisibleNamesFirst)
 {
     LevelNames names;
-    names.Reset(100);
-    EXPECT_EQ(names.NextMissing(50, 10), 50);
-    names.Put(50, std::vector<std::string>(10, "x"));
-    EXPECT_EQ(names.NextMissing(50, 10), 0);
-    EXPECT_EQ(names.NextMissing(55, 10), 60);
-    names.Put(0, std::vector<std::string>(50, "x"));
-    EXPECT_EQ(names.NextMissing(0, 10), 60);
-    names.Put(60, std::vector<std::string>(40, "x"));
+    names.Reset(1000);
+    EXPECT_EQ(names.NextMissing(505, 10), 505);
+    names.Put(WholePage(500));
+    EXPECT_EQ(names.NextMissing(505, 10), 0);
+    EXPECT_EQ(names.NextMissing(745, 10), 750);
+    names.Put(WholePage(0));
+    EXPECT_EQ(names.NextMissing(0, 10), 250);
+    names.Put(WholePage(250));
+    names.Put(WholePage(750));
     EXPECT_EQ(names.NextMissing(0, 10), -1);
     EXPECT_TRUE(names.Complete());
 }
 
-TEST(LevelNames, IgnoreEntriesOutsideTheLevel)
+TEST(LevelNames, SharesTheNamesOfAPage)
 {
     LevelNames names;
     names.Reset(2);
-    EXPECT_TRUE(names.Put(1, {"b", "c"}));
-    EXPECT_EQ(*names.At(1), "b");
-    EXPECT_EQ(names.Loaded(), 1);
+    const ipodkit::PagePtr page = PageFrom(0, {"a", "b"});
+    names.Put(page);
+    EXPECT_EQ(names.At(1), &page->At(1));
+}
+
+TEST(LevelNames, IgnoresEntriesOutsideTheLevel)
+{
+    LevelNames names;
+    names.Reset(2);
+    EXPECT_TRUE(names.Put(PageFrom(0, {"a", "b", "c"})));
+    EXPECT_EQ(names.At(2), nullptr);
+    EXPECT_EQ(names.Loaded(), 2);
+    EXPECT_FALSE(names.Put(PageFrom(250, {"d"})));
+    EXPECT_TRUE(names.Complete());
+}
+
+TEST(LevelNames, MissesTheEndOfAPageThatIsTooShort)
+{
+    LevelNames names;
+    names.Reset(300);
+    names.Put(WholePage(0));
+    names.Put(PageFrom(250, {"a", "b"}));
+    EXPECT_FALSE(names.Complete());
+    EXPECT_EQ(names.NextMissing(0, 10), 252);
+    EXPECT_EQ(names.NextMissing(250, 10), 252);
 }
 
 TEST(LevelNames, ShowStaleNamesUntilTheyAreLoaded)
 {
     LevelNames names;
     names.Reset(2);
-    names.Put(0, {"a", "b"});
+    names.Put(PageFrom(0, {"a", "b"}));
     names.MarkStale();
     EXPECT_EQ(*names.At(1), "b");
+    EXPECT_EQ(names.Loaded(), 0);
     EXPECT_EQ(names.NextMissing(0, 2), 0);
-    EXPECT_FALSE(names.Put(0, {"a"}));
-    EXPECT_TRUE(names.Put(1, {"B"}));
+    EXPECT_FALSE(names.Put(PageFrom(0, {"a", "b"})));
+    EXPECT_TRUE(names.Put(PageFrom(0, {"a", "B"})));
     EXPECT_TRUE(names.Complete());
 }
 
@@ -101,7 +134,7 @@ TEST(LevelNames, FindANameAtTheLikelyIndexFirst)
 {
     LevelNames names;
     names.Reset(3);
-    names.Put(0, {"same", "same", "other"});
+    names.Put(PageFrom(0, {"same", "same", "other"}));
     EXPECT_EQ(names.Find("same", 1), 1);
     EXPECT_EQ(names.Find("other", 0), 2);
     EXPECT_EQ(names.Find("gone", 0), -1);

@@ -110,7 +110,7 @@ TEST(BrowseModel, JumpsAsSoonAsTheIndexIsBuilt)
     Model model;
     model.SetHeight(3);
     model.SetCount(static_cast<int>(kArtists.size()));
-    model.Put({0, kArtists, true, true});
+    PutPage(model, 0, kArtists, true);
     Type(model, "zmx");
     EXPECT_EQ(model.Selected(), 0);
     model.SetIndex(ipodnames::JumpIndex(kArtists));
@@ -212,9 +212,9 @@ TEST(BrowseModel, RestoresTheCursorOfALevel)
 TEST(BrowseModel, DropsTheIndexWhenNamesChange)
 {
     Model model = ModelOf(kArtists);
-    model.Put({0, {"Ada"}, false, true});
+    PutPage(model, 0, kArtists);
     EXPECT_TRUE(model.Current().index);
-    model.Put({0, {"Bjarka"}, false, true});
+    PutPage(model, 0, {"Bjarka"});
     EXPECT_FALSE(model.Current().index);
 }
 

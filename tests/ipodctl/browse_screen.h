@@ -21,11 +21,17 @@ inline const std::string kContinuation = []
 
 constexpr Time kNow{std::chrono::seconds(1000)};
 
+/// Stores a page that the service would have sent.
+inline void PutPage(Model& model, int first, const std::vector<std::string>& names, bool folders = false)
+{
+    model.Put(std::make_shared<const ipodkit::Page>(ipodkit::Page{first, names, folders, model.AtRoot()}));
+}
+
 /// Loads all names of the current level and indexes them.
 inline void Fill(Model& model, const std::vector<std::string>& names, bool folders = false)
 {
     model.SetCount(static_cast<int>(names.size()));
-    model.Put({0, names, folders, model.AtRoot()});
+    PutPage(model, 0, names, folders);
     model.SetIndex(ipodnames::JumpIndex(names));
 }
 

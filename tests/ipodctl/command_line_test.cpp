@@ -1,4 +1,4 @@
-#include "verbs/command_line.h"
+#include "verbs/verbs.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +38,13 @@ TEST(CommandLine, DistinguishesANegativeTimeFromAnOption)
     EXPECT_EQ(Parse({"ls", "-10"}), (Words{"-10", "ls"}));
     EXPECT_EQ(Parse({"seek", "--", "-5"}), (Words{"-5", "--", "seek"}));
     EXPECT_EQ(Parse({"seek", "--back", "-5"}), (Words{"--back=-5", "seek"}));
+}
+
+TEST(CommandLine, PrintsTheHelpOfTheCommandBehindHelp)
+{
+    EXPECT_EQ(Parse({"help", "ls"}), (Words{"--help", "ls"}));
+    EXPECT_EQ(Parse({"--color", "never", "help"}), (Words{"--help", "never", "--color"}));
+    EXPECT_THROW(Parse({"help", "dance"}), Failure);
 }
 
 TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)

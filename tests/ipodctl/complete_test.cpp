@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "verbs/command_line.h"
+#include "verbs/verbs.h"
 
 using namespace ctl;
 
@@ -77,6 +77,13 @@ TEST_F(Completion, OffersCommandsWithTheirSummaries)
     EXPECT_EQ(After({"e"}), commands);
     EXPECT_EQ(After({"--deadline", "3", "e"}), commands);
     EXPECT_EQ(After({"--deadline", "e"}), "");
+}
+
+TEST_F(Completion, OffersCommandsBehindHelp)
+{
+    m_app.add_subcommand("help", "Help");
+    EXPECT_EQ(After({"help", "q"}), "play\tPlay\nqueue\tJump\nevents\tFollow\nhelp\tHelp\n");
+    EXPECT_EQ(After({"help", "queue", ""}), After({"queue", ""}));
 }
 
 TEST_F(Completion, OffersOptionsOfTheCommandAndThoseOfAll)

@@ -1,4 +1,4 @@
-#include "browse/crash_guard.h"
+#include "browse/screen.h"
 
 #include <gtest/gtest.h>
 #include <pty.h>

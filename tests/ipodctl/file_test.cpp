@@ -1,4 +1,4 @@
-#include "output/file.h"
+#include "output/output.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

@@ -88,7 +88,7 @@ class WithoutAService(OnABus):
         self.assertIn("no session bus", self.refused("status", code=NO_BUS))
 
     def test_every_verb_reports_a_missing_service_and_leaves_no_segments(self):
-        for words in (["status"], ["info"], ["play"], ["play", "3"], ["pause"], ["stop"], ["next"], ["previous"],
+        for words in (["status"], ["info"], ["play"], ["play", "3"], ["pause"], ["toggle"], ["ff"], ["rw"], ["search", "x"], ["update-list"], ["stop"], ["next"], ["previous"],
                       ["seek", "-10"], ["shuffle"], ["repeat", "all"], ["ls"], ["cd", "/"], ["queue"], ["devices"],
                       ["carplay"], ["carlife"], ["button", "1"], ["hub", "0"], ["art"], ["events"],
                       ["eap", "init", "a", "b"], ["eap", "launch", "a"], ["eap", "write", "1"], ["eap", "listen"],
@@ -101,7 +101,10 @@ class WithoutAService(OnABus):
         for words in (["dance"], [], ["seek"], ["seek", "1:99"], ["seek", "5", "6"], ["shuffle", "sometimes"],
                       ["repeat", "two"], ["ls", "--count", "0"], ["ls", "--all", "--from", "1"], ["ls", "--index", "--names"], ["--deadline", "0", "status"],
                       ["bench", "--count", "0"], ["status", "--watch", "--listen", "1"],
-                      ["events", "--exec", "a", "--format", "b"], ["queue", "-1"],
+                      ["events", "--exec", "a", "--format", "b"], ["queue", "-1"], ["queue", "--from", "x"],
+                      ["queue", "--all", "--from", "1"], ["queue", "1", "--count", "2"], ["ff", "0"], ["rw", "x"],
+                      ["search"], ["search", ""], ["--color", "sometimes", "status"], ["status", "--keys", "--watch"],
+                      ["status", "--keys", "--format", "a"], ["help", "dance"], ["help", "sim", "dance"],
                       ["queue", "x"], ["cd"], ["cd", ""], ["eap"], ["eap", "write", "70000"], ["hub", "256"],
                       ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"],
                       ["eap", "launch", b"\xff"], ["--deadline", "nan", "status"], ["events", "--timeout", "nan"],
@@ -114,6 +117,9 @@ class WithoutAService(OnABus):
                 (["--foo"], "unknown option '--foo'", "try 'ipodctl --help'"),
                 (["dance"], "unknown command 'dance'", "try 'ipodctl --help'"),
                 (["staus"], "unknown command 'staus'", "did you mean 'status'?"),
+                (["help", "sek"], "unknown command 'sek'", "did you mean 'seek'?"),
+                (["ls", "--cuont=3"], "unknown option '--cuont=3'", "did you mean '--count'?"),
+                (["status", "--jsno"], "unknown option '--jsno'", "did you mean '--json'?"),
                 (["eap", "foo"], "unknown command 'foo'", "try 'ipodctl eap --help'"),
                 (["sim", "cal"], "unknown command 'cal'", "did you mean 'call'?"),
                 (["sim", "call", "--foo"], "unknown option '--foo'", "try 'ipodctl sim call --help'"),
@@ -184,9 +190,13 @@ class WithoutAService(OnABus):
     def test_help_and_version_need_nothing(self):
         self.assertIn("Exit codes:", self.text("--help"))
         self.assertRegex(self.text("--version"), r"^ipodctl \d+\.\d+\.\d+\n$")
+        self.assertEqual(self.text("-V"), self.text("--version"))
+        self.assertEqual(self.text("help"), self.text("--help"))
+        for words in (["seek"], ["sim", "battery"], ["help"]):
+            self.assertEqual(self.text("help", *words), self.text(*words, "--help"))
         for verb in ("status", "info", "play", "pause", "stop", "next", "previous", "seek", "shuffle", "repeat", "ls",
                      "cd", "queue", "devices", "carplay", "carlife", "button", "hub", "art", "events", "eap", "shm",
-                     "bench", "doctor"):
+                     "bench", "doctor", "toggle", "ff", "rw", "search", "update-list", "help"):
             with self.subTest(verb):
                 self.assertIn("Examples:\n  ipodctl ", self.text(verb, "--help"))
 
@@ -242,7 +252,9 @@ class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
         self.assertEqual(self.json("play", "Night/Day")["track"]["title"], "Night/Day")
         self.assertIn("out of range", self.refused("play", "22", code=USAGE))
         self.assertEqual(self.failure("play", "./23", code=USAGE),
-                         ("no '23' in the current level", "list it with 'ipodctl ls --all'"))
+                         ("no '23' in the current level", "did you mean './22'?"))
+        self.assertEqual(self.failure("play", "Nigth/Day", code=USAGE)[1], "did you mean 'Night/Day'?")
+        self.assertEqual(self.failure("play", "Nobody", code=USAGE)[1], "list it with 'ipodctl ls --all'")
 
     def test_a_long_name_pads_no_other_line_in_a_pipe(self):
         self.run_ctl("cd", "/Songs")
@@ -257,6 +269,7 @@ class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
         self.assertEqual(self.json("devices", "./7")["entered"], {"index": 2, "name": "7"})
         self.assertEqual(self.failure("devices", "Third", code=USAGE),
                          ("no device 'Third'", "list the devices with 'ipodctl devices'"))
+        self.assertEqual(self.failure("devices", "Secnod", code=USAGE)[1], "did you mean 'Second'?")
 
 
 class WithTheSimulator(OnABusWithTheSimulator):
@@ -301,7 +314,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertTrue(self.text("status").startswith("stopped "))
         status = self.json("status")
         self.assertEqual((status["state"], status["index"], status["track"]), ("stopped", -1, None))
-        for words in (["info"], ["next"], ["previous"], ["pause"], ["seek", "5"], ["art"]):
+        for words in (["info"], ["next"], ["previous"], ["pause"], ["seek", "5"], ["art"], ["ff"]):
             with self.subTest(words):
                 self.assertEqual(self.refused(*words, code=NOTHING_DONE),
                                  "nothing is loaded")
@@ -475,6 +488,84 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.run_ctl("sim", "calls", "--clear")
         self.run_ctl(*words)
         return collections.Counter(call["method"] for call in self.json("sim", "calls")["calls"])
+
+    def test_toggle_pauses_and_resumes(self):
+        self.play_first_song()
+        self.assertEqual(self.json("toggle")["state"], "paused")
+        self.assertEqual(self.json("toggle")["state"], "playing")
+
+    def test_winding_moves_faster_than_time_and_ends(self):
+        self.play_first_song()
+        begin = self.json("seek", "60")["position_ms"]
+        forward = self.json("ff", "0.5")
+        self.assertEqual(forward["state"], "playing")
+        self.assertGreater(forward["position_ms"], begin + 2000)
+        self.assertLess(self.json("rw", "0.5")["position_ms"], forward["position_ms"] - 1000)
+        self.assertRegex(self.text("ff", "0.1"), r"^playing: .+ at \d+:\d\d / \d+:\d\d\n$")
+
+    def test_an_interrupted_wind_is_stopped(self):
+        self.play_first_song()
+        process = self.start("ff", "100")
+        while not self.json("sim", "calls", "FastForward")["calls"]:
+            time.sleep(0.05)
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, 130)
+        self.assertEqual(self.json("status")["state"], "playing")
+
+    def test_a_search_finds_names_by_their_initials(self):
+        self.run_ctl("cd", "/Artists")
+        level = self.json("ls", "--all")
+        found = self.json("search", "zmx")
+        self.assertEqual(found["entries"], [entry for entry in level["entries"] if entry["name"] == "周明轩"])
+        self.assertEqual(found["count"], level["count"])
+        self.assertIn("周明轩", self.text("search", "zhou ming"))
+        self.assertEqual(self.refused("search", "qqq", code=NOTHING_DONE),
+                         "no entry of the current level matches 'qqq'")
+
+    def test_the_update_list_is_printed(self):
+        self.run_ctl("cd", "/Artists")
+        entries = self.json("ls", "--all")["entries"]
+        self.assertEqual(self.json("update-list")["entries"], entries)
+        self.assertEqual(self.text("update-list", "--names").splitlines(), [entry["name"] for entry in entries])
+
+    def test_a_part_of_the_queue_is_printed(self):
+        self.play_first_song()
+        whole = self.json("queue")
+        self.assertEqual(self.json("queue", "--all"), whole)
+        self.assertEqual(self.json("queue", "--from", "1", "--count", "2"),
+                         {**whole, "entries": whole["entries"][1:3]})
+        last = whole["count"] - 1
+        self.assertEqual(self.json("queue", "--from", str(last), "--count", "9")["entries"], whole["entries"][last:])
+        self.assertEqual(self.refused("queue", "--from", str(last + 1), code=USAGE),
+                         f"index {last + 1} is out of range: the playing list has 0 to {last}")
+
+    def test_the_values_of_json_are_printed_as_keys(self):
+        self.play_first_song()
+        self.run_ctl("pause")
+        for verb in ("status", "info"):
+            with self.subTest(verb):
+                answer = self.json(verb)
+                keys = dict(line.split("=", 1) for line in self.text(verb, "--keys").splitlines())
+                self.assertEqual(keys["verb"], verb)
+                self.assertEqual(keys["track.title"], answer["track"]["title"])
+                self.assertEqual(keys["position_ms"], str(answer["position_ms"]))
+                self.assertEqual(self.run_ctl(verb, "--keys", "--json", code=USAGE).count(b"--keys"), 1)
+        self.assertEqual(keys["index"], "0")
+        keys = dict(line.split("=", 1) for line in self.text("status", "--keys").splitlines())
+        self.assertEqual((keys["app"], keys["calls"]), ("", ""))
+        self.assertEqual(keys["queue.1.name"], self.json("queue")["entries"][1]["name"])
+
+    def test_colors_are_as_they_are_asked_for(self):
+        self.play_first_song()
+        self.bus.environment["NO_COLOR"] = "1"
+        for words, painted in ((["queue"], "\033[1m> "), (["shm"], "\033[1m"), (["doctor"], "\033[32mok"),
+                               (["events", "--count", "1"], "\033[36mprogress\033[0m")):
+            with self.subTest(words):
+                self.assertIn(painted, self.text("--color", "always", *words))
+                for plain in ([], ["--color", "auto"], ["--color", "never"]):
+                    self.assertNotIn("\033", self.text(*plain, *words))
+        self.assertNotIn("\033", self.text("--color", "always", "--json", "queue"))
 
     def test_a_seek_is_one_call_beside_those_that_read_the_state(self):
         self.play_first_song()
@@ -1063,7 +1154,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(bench["calls"], 20)
         self.assertGreaterEqual(len(bench["commands"]), 16)
         for command in bench["commands"]:
-            self.assertLessEqual(command["p50_us"], command["p99_us"])
+            times = [command[name] for name in ("least_us", "p50_us", "p99_us", "most_us")]
+            self.assertEqual(times, sorted(times))
         self.assertEqual(self.json("status"), before)
         self.assertIn("changes nothing", self.text("bench", "--count", "2"))
 

@@ -1,9 +1,8 @@
-// Tests how numbers and bytes are displayed: bars, dumps, lines beside drawings, latencies.
+// Tests how numbers and bytes are displayed: bars, dumps, lines beside drawings.
 #include <gtest/gtest.h>
 
 #include "output/text.h"
-#include "picture/columns.h"
-#include "verbs/latency.h"
+#include "picture/picture.h"
 
 namespace ctl
 {
@@ -44,18 +43,6 @@ TEST(Hexdump, ShowsPlaceBytesAndCharacters)
 TEST(Hex, WritesTwoDigitsForEachByte)
 {
     EXPECT_EQ(Hex(std::string_view("\x00\x0a\xff", 3)), "000aff");
-}
-
-TEST(Summarise, UsesTheNearestRank)
-{
-    std::vector<double> times;
-    for (int i = 200; i >= 1; --i) times.push_back(i);
-    const Latency latency = Summarise(times);
-    EXPECT_EQ(latency.least, 1);
-    EXPECT_EQ(latency.median, 100);
-    EXPECT_EQ(latency.p99, 198);
-    EXPECT_EQ(latency.most, 200);
-    EXPECT_EQ(Summarise({7}).p99, 7);
 }
 
 TEST(Fitting, DropsFieldsFromTheEndUntilTheLineFits)

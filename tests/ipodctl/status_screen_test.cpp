@@ -9,8 +9,7 @@
 #include <cstdlib>
 
 #include "output/text.h"
-#include "picture/columns.h"
-#include "picture/drawing.h"
+#include "picture/picture.h"
 
 namespace ctl
 {
@@ -159,14 +158,5 @@ TEST(StatusScreen, ReportsUnknownFields)
               Lines{"unknown   shuffle unknown   repeat unknown   queue unknown   devices unknown"});
 }
 
-// A truncated PNG header.
-const std::vector<unsigned char> kPng{0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a,
-                                      0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52};
-
-TEST(Draw, ReturnsNothingForAnInvalidImage)
-{
-    for (const auto& bytes : {std::vector<unsigned char>(), kPng, {0xFF, 0xD8, 0xFF, 0xE0, 0, 0}})
-        EXPECT_TRUE(Draw(ipodkit::Examine(bytes), 20, 10, Palette::None, false).lines.empty());
-}
 }  // namespace
 }  // namespace ctl
