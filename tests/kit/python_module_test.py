@@ -269,7 +269,7 @@ class WithSimulator(unittest.TestCase):
         request = self.session.commands.device_count()
         request.wait()
 
-        with self.assertRaisesRegex(RuntimeError, "sent already"):
+        with self.assertRaisesRegex(RuntimeError, "already sent"):
             request.wait()
 
     def test_other_threads_run_while_one_waits(self):

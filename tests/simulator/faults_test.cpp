@@ -67,9 +67,9 @@ TEST(FaultText, RejectsMembersThatTheKindDoesNotFit)
 {
     EXPECT_EQ(ErrorFor("unterminated@Play"),
               "unterminated: expected one of GetPlayingListItems, GetCurDbListItems, GetCurDbListItemsPinyin, "
-              "GetUpdateListItems, GetUpdateListItemsPinyin, GetDeviceList, not Play");
+              "GetUpdateListItems, GetUpdateListItemsPinyin, GetDeviceList, got 'Play'");
     EXPECT_EQ(ErrorFor("bad-message@Play"),
-              "bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, not Play");
+              "bad-message: expected one of OnIpodPhoneCallChange, OnIpodBatteryChange, got 'Play'");
     EXPECT_NE(ErrorFor("short-record@Play").find("GetCurrentMediaInfo"), std::string::npos);
     EXPECT_NE(ErrorFor("delay@OnPlayStatusChanged").find("expected one of"), std::string::npos);
     EXPECT_EQ(ErrorFor("out-of-range@OnPlayStatusChanged"), "none");
