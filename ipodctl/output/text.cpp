@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
+#include <sstream>
+#include <utility>
 
 namespace ctl
 {
@@ -339,10 +341,10 @@ std::string Fitting(const Lines& parts, int width)
     return line;
 }
 
-std::string Joined(const Lines& lines)
+std::string Joined(const Lines& rows)
 {
     std::string text;
-    for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+    for (const std::string& row : rows) text += (text.empty() ? "" : "\n") + row;
     return text;
 }
 

@@ -89,6 +89,6 @@ using Lines = std::vector<std::string>;
 /// Joins as many of @p parts as fit into @p width columns, separated by three blanks; drops parts from the end.
 std::string Fitting(const Lines& parts, int width);
 
-std::string Joined(const Lines& lines);
+std::string Joined(const Lines& rows);
 Lines Split(const std::string& text);
 }  // namespace ctl
