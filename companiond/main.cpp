@@ -78,20 +78,42 @@ gboolean Quit(gpointer loop)
     return G_SOURCE_CONTINUE;
 }
 
-// Runs until SIGTERM or SIGINT, or until the bus ends.
-ExitCode RunLoop(GDBusConnection* connection)
+// Handles SIGTERM and SIGINT from its construction on: a program may send one as soon as the names are there.
+class Loop
 {
-    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-    const guint terminated = g_unix_signal_add(SIGTERM, Quit, loop);
-    const guint interrupted = g_unix_signal_add(SIGINT, Quit, loop);
-    const gulong closed = g_signal_connect_swapped(connection, "closed", G_CALLBACK(g_main_loop_quit), loop);
-    if (g_dbus_connection_is_closed(connection) == FALSE) g_main_loop_run(loop);
-    g_signal_handler_disconnect(connection, closed);
-    g_source_remove(terminated);
-    g_source_remove(interrupted);
-    g_main_loop_unref(loop);
-    return g_dbus_connection_is_closed(connection) == FALSE ? kDone : kNoBus;
-}
+public:
+    explicit Loop(GDBusConnection* connection)
+        : m_connection(connection),
+          m_loop(g_main_loop_new(nullptr, FALSE)),
+          m_terminated(g_unix_signal_add(SIGTERM, Quit, m_loop)),
+          m_interrupted(g_unix_signal_add(SIGINT, Quit, m_loop)),
+          m_closed(g_signal_connect_swapped(connection, "closed", G_CALLBACK(g_main_loop_quit), m_loop))
+    {
+    }
+    ~Loop()
+    {
+        g_signal_handler_disconnect(m_connection, m_closed);
+        g_source_remove(m_terminated);
+        g_source_remove(m_interrupted);
+        g_main_loop_unref(m_loop);
+    }
+    Loop(const Loop&) = delete;
+    Loop& operator=(const Loop&) = delete;
+
+    // Runs until one of these signals arrives, or the bus ends.
+    ExitCode Run()
+    {
+        if (g_dbus_connection_is_closed(m_connection) == FALSE) g_main_loop_run(m_loop);
+        return g_dbus_connection_is_closed(m_connection) == FALSE ? kDone : kNoBus;
+    }
+
+private:
+    GDBusConnection* const m_connection;
+    GMainLoop* const m_loop;
+    const guint m_terminated;
+    const guint m_interrupted;
+    const gulong m_closed;
+};
 
 // Without a settle time, a session that asks gets every event that the service sent before.
 ipodkit::SessionOptions Options()
@@ -105,6 +127,7 @@ ExitCode Serve()
 {
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     const ConnectionPtr connection = ConnectToBus();
+    Loop loop(connection.get());
     Counters counters;
     const auto session = ipodkit::Session::Open(Options());
     if (!session) throw Failure(kUsage, session.error().Text());
@@ -120,7 +143,7 @@ ExitCode Serve()
         player.Follow(next);
     };
     const ipodkit::Subscription following = (*session)->OnState("companion daemon", follow);
-    const ExitCode code = RunLoop(connection.get());
+    const ExitCode code = loop.Run();
     if (code == kNoBus) throw Failure(kNoBus, "the session bus closed the connection");
     return code;
 }

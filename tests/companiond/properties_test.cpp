@@ -210,6 +210,24 @@ TEST_F(PlayerTest, ReportsJumpsButNotProgress)
     EXPECT_EQ(signals, std::vector<std::string>{"(30000000,)"});
 }
 
+// A bus disconnects programs that send invalid UTF-8.
+TEST_F(PlayerTest, HostileStatesDoNotEndTheConnection)
+{
+    StateObject object(connection, counters);
+    PlayerState state = Playing(TrackOf("\xFF\x01 Song"));
+    state.deviceName = std::string("\xC3\0\x1b", 3);
+    state.calls["\xFE"].name = "\xED\xA0\x80";
+    state.error = Error{ErrorKind::Refused, "\xFF"};
+
+    fake.SetState(state);
+    object.Follow(std::make_shared<const PlayerState>(state));
+
+    EXPECT_TRUE(RunLoopUntil([&] { return Told("\uFFFD\uFFFD Song"); }));
+    EXPECT_TRUE(g_dbus_connection_flush_sync(connection, nullptr, nullptr));
+    RunLoopFor(50ms);
+    EXPECT_FALSE(g_dbus_connection_is_closed(connection));
+}
+
 TEST(StateInterfaceTest, HasAPropertyForEachFieldOfTheState)
 {
     GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(StateInterfaceXml().c_str(), nullptr);

@@ -144,7 +144,6 @@ void Session::Impl::OwnerIs(const std::string& owner)
     if (!owner.empty() && !m_closed) Appeared(owner);
 }
 
-// Other programs may have made the service known long ago.
 void Session::Impl::Appeared(const std::string& service)
 {
     ++m_generation;
