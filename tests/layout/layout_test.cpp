@@ -143,10 +143,9 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
 }
 
 // Runs in a child process, because a process attaches only once. Returns 0 and the message if the attempt throws.
-[[noreturn]] void AttachForeignImages(const std::string& listWordSize, const std::string& bufferWordSize)
+[[noreturn]] void Attach()
 {
     alarm(kPatienceSeconds);
-    PutImages(listWordSize, bufferWordSize);
     try
     {
         QBX_GetIpodPlayer();
@@ -157,6 +156,24 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
         _exit(0);
     }
     _exit(1);
+}
+
+[[noreturn]] void AttachForeignImages(const std::string& listWordSize, const std::string& bufferWordSize)
+{
+    PutImages(listWordSize, bufferWordSize);
+    Attach();
+}
+
+// A list segment whose index this build cannot read, with the name of a vector beyond its first pages.
+[[noreturn]] void AttachWithADistantName()
+{
+    constexpr std::ptrdiff_t distance = 0x10000;
+    PutImage("buffer", kThisWordSize, kBufferSegmentName);
+    bip::shared_memory_object::remove(kListSegmentName);
+    auto segment = MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 0);
+    auto* const space = segment.construct<char>("of another index")[2 * distance]('\0');
+    std::strcpy(space + distance, kListVectors[0]);
+    Attach();
 }
 
 // The library locks the index to search it. The C library links a locked robust mutex into a per-thread list, and
@@ -191,6 +208,12 @@ TEST(ForeignIndexDeathTest, ThrowsAndNamesTheBufferSegmentIfOnlyThatIsForeign)
 {
     EXPECT_EXIT(AttachForeignImages(kThisWordSize, kOtherIndex), testing::ExitedWithCode(0),
                 "refused: segment BufferVectorSharedMemory: its layout is not the one of this build");
+}
+
+TEST(ForeignIndexDeathTest, FindsAVectorFarFromTheStartOfTheSegment)
+{
+    EXPECT_EXIT(AttachWithADistantName(), testing::ExitedWithCode(0),
+                "refused: segment ListVectorSharedMemory: its layout is not the one of this build");
 }
 
 TEST(ForeignIndexDeathTest, LeavesTheSegmentUnchanged)
