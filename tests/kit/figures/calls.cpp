@@ -93,7 +93,7 @@ TEST_F(CallFigures, AsynchronousCommand)
     Samples againMany;
     Samples kitMany;
     InRandomOrder(
-        Rounds(40), [&] { kitMany.push_back(TimeKitInFlight(commands)); },
+        Rounds(20), [&] { kitMany.push_back(TimeKitInFlight(commands)); },
         [&] { bareMany.push_back(TimeBareInFlight(proxy)); }, [&] { againMany.push_back(TimeBareInFlight(proxy)); });
     Print("calls_control", Quantile(againMany, 0.5) / Quantile(bareMany, 0.5));
     Print("calls_ratio", Quantile(kitMany, 0.5) / Quantile(bareMany, 0.5));
