@@ -144,10 +144,9 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
 }
 
 // Runs in a child process, because a process attaches only once. Returns 0 and the message if the attempt throws.
-[[noreturn]] void AttachForeignImages(const std::string& listWordSize, const std::string& bufferWordSize)
+[[noreturn]] void Attach()
 {
     alarm(kPatienceSeconds);
-    PutImages(listWordSize, bufferWordSize);
     try
     {
         QBX_GetIpodPlayer();
@@ -158,6 +157,24 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
         _exit(0);
     }
     _exit(1);
+}
+
+[[noreturn]] void AttachForeignImages(const std::string& listWordSize, const std::string& bufferWordSize)
+{
+    PutImages(listWordSize, bufferWordSize);
+    Attach();
+}
+
+// A list segment whose index this build cannot read, with the name of a vector beyond its first pages.
+[[noreturn]] void AttachWithADistantName()
+{
+    constexpr std::ptrdiff_t distance = 0x10000;
+    PutImage("buffer", kThisWordSize, kBufferSegmentName);
+    bip::shared_memory_object::remove(kListSegmentName);
+    auto segment = MakeAsAService<QBXStringPageVector>(kListSegmentName, kListSegmentSize, kListVectors, 0);
+    auto* const space = segment.construct<char>("of another index")[2 * distance]('\0');
+    std::strcpy(space + distance, kListVectors[0]);
+    Attach();
 }
 
 // Word sizes of both segments, and the segment that is refused.
@@ -187,6 +204,12 @@ INSTANTIATE_TEST_SUITE_P(All, ForeignImagesDeathTest,
                                          std::array{kThisWordSize, kOtherWordSize, std::string(kBufferSegmentName)},
                                          std::array{kOtherIndex, kOtherIndex, std::string(kListSegmentName)},
                                          std::array{kThisWordSize, kOtherIndex, std::string(kBufferSegmentName)}));
+
+TEST(ForeignLayoutDeathTest, FindsAVectorFarFromTheStartOfTheSegment)
+{
+    EXPECT_EXIT(AttachWithADistantName(), testing::ExitedWithCode(0),
+                "refused: segment ListVectorSharedMemory: its layout differs from that of this build");
+}
 
 TEST(ForeignLayoutDeathTest, LeavesTheSegmentUnchanged)
 {

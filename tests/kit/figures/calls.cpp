@@ -1,5 +1,5 @@
 // Compares asynchronous commands of the companion with bare calls of the generated binding: one call at a time, and
-// 1,000 at a time, in random order. Intended to run on one CPU.
+// 100 at a time, in random order. Intended to run on one CPU.
 #include <ipod_dbus.h>
 
 #include "kit/figures/figures.h"
@@ -41,7 +41,8 @@ double TimeKit(const Commands& commands)
     return Microseconds(Clock::now() - start);
 }
 
-constexpr int kInFlight = 1000;
+// The bus of the tests allows a connection 128 pending answers.
+constexpr int kInFlight = 100;
 
 void FinishOne(GObject* source, GAsyncResult* result, gpointer left)
 {
@@ -93,7 +94,7 @@ TEST_F(CallFigures, AsynchronousCommand)
     Samples againMany;
     Samples kitMany;
     InRandomOrder(
-        Rounds(40), [&] { kitMany.push_back(TimeKitInFlight(commands)); },
+        Rounds(20), [&] { kitMany.push_back(TimeKitInFlight(commands)); },
         [&] { bareMany.push_back(TimeBareInFlight(proxy)); }, [&] { againMany.push_back(TimeBareInFlight(proxy)); });
     Print("calls_control", Quantile(againMany, 0.5) / Quantile(bareMany, 0.5));
     Print("calls_ratio", Quantile(kitMany, 0.5) / Quantile(bareMany, 0.5));
