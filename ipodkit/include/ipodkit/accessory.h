@@ -54,8 +54,7 @@ public:
     /// Sends bytes, after those of the writes started before. Completes when the service has accepted the last byte.
     /// Each chunk has the session's deadline; Within() limits the whole.
     ///
-    /// ErrorKind::Busy when HasRoomFor() was false at the start: nothing was queued; or when another process kept the
-    /// write buffer for itself, see sharing.h. ErrorKind::Cancelled when the
+    /// ErrorKind::Busy when HasRoomFor() was false at the start: nothing was queued. ErrorKind::Cancelled when the
     /// session is closed. After any other error all queued writes complete with that error; later writes are sent, and
     /// the stream has a gap. A write that is withdrawn before its first chunk leaves no gap; one that is withdrawn
     /// later counts as such an error.

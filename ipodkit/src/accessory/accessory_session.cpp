@@ -71,27 +71,7 @@ void AccessorySession::Impl::SendNext()
     if (m_sending || m_jobs.empty()) return;
     m_sending = true;
     m_session->WriteLane()->Wait([self = shared_from_this()](const Lane::Release& release)
-                                 { self->LockBuffer(release); });
-}
-
-// Other applications fill the same buffer.
-void AccessorySession::Impl::LockBuffer(const Lane::Release& release)
-{
-    m_session->SharedLeases()->Take(Place::AccessoryWrite, Hold::Exclusive,
-                                    [self = shared_from_this(), release](const Result<HeldLockPtr>& lock)
-                                    {
-                                        if (!lock)
-                                        {
-                                            release();
-                                            return self->FailLater(lock.error());
-                                        }
-                                        self->SendChunk(
-                                            [release, held = *lock]
-                                            {
-                                                held->End();
-                                                release();
-                                            });
-                                    });
+                                 { self->SendChunk(release); });
 }
 
 void AccessorySession::Impl::SendChunk(const Lane::Release& release)

@@ -53,7 +53,6 @@ private:
     void Take(const std::shared_ptr<const Bytes>& bytes, const PendingPtr<void>& request);
     void SendNext();
     struct Growth;
-    void LockBuffer(const Lane::Release& release);
     void SendChunk(const Lane::Release& release);
     void DropWithdrawn();
     void WriteAside(Bytes chunk, const Lane::Release& release);

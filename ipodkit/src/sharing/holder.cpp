@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <string_view>
 
 namespace ipodkit
 {
@@ -23,8 +22,7 @@ constexpr const char* kNames[kPlaces] = {"VecPlayingListShareMemory",
                                          "VecUpdateListPinyinShareMemory",
                                          "VecDeviceListShareMemory",
                                          "level",
-                                         "browse",
-                                         "VecEapWriteBufferShareMemory"};
+                                         "browse"};
 
 struct Found
 {
@@ -46,7 +44,7 @@ bool IsFile(const fs::path& path, const struct stat& file)
 }
 
 // "lock:	1: OFDLCK ADVISORY  WRITE -1 00:1b:5 1073741824 1073741824"; the process of such locks is always -1.
-void AddLock(const std::string& line, const char* segment, pid_t process, std::vector<Found>& found)
+void AddLock(const std::string& line, pid_t process, std::vector<Found>& found)
 {
     std::istringstream words(line);
     std::string ignored;
@@ -56,12 +54,12 @@ void AddLock(const std::string& line, const char* segment, pid_t process, std::v
     for (int i = 0; type == "OFDLCK" && i < kPlaces; ++i)
     {
         const auto place = static_cast<Place>(i);
-        if (first == LockOf(place) && std::string_view(SegmentOf(place)) == segment) found.push_back({place, process});
+        if (first == LockOf(place)) found.push_back({place, process});
     }
 }
 
 // Neighboring locks of one open file appear as one range, but a file holds no two of those that lie side by side.
-void AddLocksOf(const fs::path& process, const char* segment, const struct stat& file, std::vector<Found>& found)
+void AddLocksOf(const fs::path& process, const struct stat& file, std::vector<Found>& found)
 {
     std::error_code error;
     for (const fs::directory_entry& each : fs::directory_iterator(process / "fd", error))
@@ -69,20 +67,20 @@ void AddLocksOf(const fs::path& process, const char* segment, const struct stat&
         if (!IsFile(each.path(), file)) continue;
         std::ifstream info(process / "fdinfo" / each.path().filename());
         for (std::string line; std::getline(info, line);)
-            if (line.rfind("lock:", 0) == 0) AddLock(line, segment, std::stoi(process.filename()), found);
+            if (line.rfind("lock:", 0) == 0) AddLock(line, std::stoi(process.filename()), found);
     }
 }
 
-std::vector<Found> AllOn(const char* segment)
+std::vector<Found> AllLocks()
 {
     std::vector<Found> found;
     struct stat file
     {
     };
-    if (stat((std::string("/dev/shm/") + segment).c_str(), &file) != 0) return found;
+    if (stat((std::string("/dev/shm/") + kLockedSegment).c_str(), &file) != 0) return found;
     std::error_code error;
     for (const fs::directory_entry& each : fs::directory_iterator("/proc", error))
-        if (IsNumber(each.path().filename())) AddLocksOf(each.path(), segment, file, found);
+        if (IsNumber(each.path().filename())) AddLocksOf(each.path(), file, found);
     return found;
 }
 
@@ -97,7 +95,7 @@ std::string ProgramOf(pid_t process)
 
 std::string HolderOf(Place place)
 {
-    for (const Found& each : AllOn(SegmentOf(place)))
+    for (const Found& each : AllLocks())
         if (each.place == place)
             return "process " + std::to_string(each.process) + " (" + ProgramOf(each.process) + ")";
     return "another process";
@@ -106,9 +104,8 @@ std::string HolderOf(Place place)
 std::vector<LockHolder> LockHolders()
 {
     std::vector<LockHolder> holders;
-    for (const char* segment : {kListSegmentName, kBufferSegmentName})
-        for (const Found& each : AllOn(segment))
-            holders.push_back({kNames[static_cast<int>(each.place)], each.process, ProgramOf(each.process)});
+    for (const Found& each : AllLocks())
+        holders.push_back({kNames[static_cast<int>(each.place)], each.process, ProgramOf(each.process)});
     return holders;
 }
 }  // namespace ipodkit

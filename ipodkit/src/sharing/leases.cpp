@@ -15,6 +15,7 @@ using std::chrono::milliseconds;
 // One who waited for that long is about to give up or was stopped: the others do not wait for it.
 constexpr off_t kOldest = 2500;
 constexpr milliseconds kLongestPoll(10);
+constexpr guint kKeptMilliseconds = 20;
 
 off_t Now()
 {
@@ -29,8 +30,6 @@ const char* UseOf(Place place)
             return " browses the database";
         case Place::Level:
             return " reads or changes the level of the database";
-        case Place::AccessoryWrite:
-            return " sends accessory bytes";
         default:
             return " reads the list";
     }
@@ -94,13 +93,13 @@ HeldLockPtr Leases::HeldBy(Waiter& waiter) const
 bool Leases::Try(Waiter& waiter)
 {
     if (m_ignored) return true;
-    if (waiter.file == nullptr) waiter.file = m_idle->Take(SegmentOf(waiter.place));
+    if (waiter.file == nullptr) waiter.file = m_idle->Take(kLockedSegment);
     while (waiter.file != nullptr)
     {
         const bool locked = LockWhenFirst(waiter);
         if (waiter.file->HasName()) return locked;
         waiter.ticket = -1;
-        waiter.file = LockFile::Open(SegmentOf(waiter.place));
+        waiter.file = LockFile::Open(kLockedSegment);
     }
     return true;
 }
@@ -166,9 +165,28 @@ void Leases::TakeForReading(Done<void> done)
          [weak = weak_from_this(), done = std::move(done)](const Result<HeldLockPtr>& lock)
          {
              const auto self = weak.lock();
-             if (self != nullptr && lock) self->m_reading = *lock;
+             if (self != nullptr && lock && (*lock)->Counts()) self->KeepReading(*lock);
              done(lock);
          });
+}
+
+// A list is usually read page after page. The reads that begin later lock anew, so that those who wait for a change
+// have their turn.
+void Leases::KeepReading(const HeldLockPtr& lock)
+{
+    m_reading = m_kept = lock;
+    m_keeping = After(m_context.get(), kKeptMilliseconds,
+                      [weak = weak_from_this()]
+                      {
+                          if (const auto self = weak.lock()) self->ForgetReading();
+                      });
+}
+
+void Leases::ForgetReading()
+{
+    m_reading.reset();
+    m_kept.reset();
+    m_keeping.reset();
 }
 
 void Leases::TakeForChange(Done<void> done)
@@ -178,6 +196,7 @@ void Leases::TakeForChange(Done<void> done)
         {
             const auto self = weak.lock();
             if (!lease || self == nullptr) return done(lease);
+            self->ForgetReading();
             self->Take(Place::Level, Hold::Exclusive,
                        [done, lease = *lease](const Result<HeldLockPtr>& level)
                        {

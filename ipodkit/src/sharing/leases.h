@@ -65,6 +65,7 @@ public:
     {
         m_waiting.clear();
         m_wanted.clear();
+        ForgetReading();
     }
 
     /// Calls @p done once, inside the call if the place is free. ErrorKind::Busy when it did not become free in time.
@@ -90,13 +91,17 @@ private:
     void PollLater(const WaiterPtr& waiter);
     void GiveUp(const WaiterPtr& waiter);
     HeldLockPtr HeldBy(Waiter& waiter) const;
+    void KeepReading(const HeldLockPtr& lock);
+    void ForgetReading();
     void BrowseTaken(const Result<HeldLockPtr>& lock);
 
     const ContextPtr m_context;
     const std::chrono::milliseconds m_patience;
     const std::shared_ptr<IdleLockFiles> m_idle = std::make_shared<IdleLockFiles>();
     std::set<WaiterPtr> m_waiting;
-    std::weak_ptr<HeldLock> m_reading;
+    std::weak_ptr<HeldLock> m_reading;  // what reads share
+    HeldLockPtr m_kept;                 // the same, for the next read
+    SourcePtr m_keeping;
     std::weak_ptr<ChangeLease> m_changing;
     std::vector<Done<ChangeLease>> m_wanted;  // while Browse is being taken
     std::minstd_rand m_random;

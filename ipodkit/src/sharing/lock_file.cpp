@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -44,11 +45,6 @@ std::shared_ptr<LockFile> LockFile::Open(const char* segment)
     return fd < 0 ? nullptr : std::shared_ptr<LockFile>(new LockFile(segment, fd));
 }
 
-LockFile::LockFile(const char* segment, int fd) : m_segment(segment), m_fd(fd), m_status()
-{
-    fstat(m_fd, &m_status);
-}
-
 LockFile::~LockFile()
 {
     close(m_fd);
@@ -59,8 +55,7 @@ bool LockFile::HasName() const
     struct stat now
     {
     };
-    return stat(("/dev/shm/" + m_segment).c_str(), &now) == 0 && now.st_ino == m_status.st_ino &&
-           now.st_dev == m_status.st_dev;
+    return fstat(m_fd, &now) == 0 && now.st_nlink > 0;
 }
 
 bool LockFile::Lock(Hold how, off_t byte) const

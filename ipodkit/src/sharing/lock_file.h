@@ -2,7 +2,6 @@
 /// Advisory locks on the file of a segment. Its bytes are neither read nor written.
 #pragma once
 
-#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <memory>
@@ -32,8 +31,8 @@ public:
 
     const std::string& Segment() const { return m_segment; }
 
-    /// Returns whether it still is the file that others open under the segment's name. A lock on a removed file does
-    /// not count.
+    /// Returns whether it still has a name, under which others open it. A lock on a removed or replaced file does not
+    /// count.
     bool HasName() const;
 
     /// Returns whether the byte is locked now. True also where the kernel has no such locks: readers then go unguarded.
@@ -48,11 +47,10 @@ public:
     void Unlock() const { Unlock(0, 0); }
 
 private:
-    LockFile(const char* segment, int fd);
+    LockFile(const char* segment, int fd) : m_segment(segment), m_fd(fd) {}
 
     const std::string m_segment;
     const int m_fd;
-    struct stat m_status;
 };
 
 using LockFilePtr = std::shared_ptr<LockFile>;

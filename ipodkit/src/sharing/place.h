@@ -20,10 +20,9 @@ enum class Place
     DeviceList,
     Level,   ///< of the database: shared by those who read it, exclusive for a change
     Browse,  ///< exclusive for the application that holds the browse lease
-    AccessoryWrite,
 };
 
-inline constexpr int kPlaces = 9;
+inline constexpr int kPlaces = 8;
 
 /// One byte for the lock of a place, and one per millisecond for those who wait for it. No segment is that large, so
 /// no lock covers data; the largest offset fits into 31 bits.
@@ -42,12 +41,9 @@ constexpr off_t FirstTicketOf(Place place)
     return kFirstLock + kTickets * (1 + static_cast<off_t>(place));
 }
 
-constexpr const char* SegmentOf(Place place)
-{
-    return place == Place::AccessoryWrite ? kBufferSegmentName : kListSegmentName;
-}
+/// All locks are on the file of the lists. A service may lock all of the other file, to be the only one.
+inline constexpr const char* kLockedSegment = kListSegmentName;
 
 static_assert(kFirstLock + kTickets * (kPlaces + 1) <= INT32_MAX, "offsets have 31 bits on the head unit");
-static_assert(kFirstLock > static_cast<off_t>(kListSegmentSize) && kFirstLock > static_cast<off_t>(kBufferSegmentSize),
-              "locks lie behind the data");
+static_assert(kFirstLock > static_cast<off_t>(kListSegmentSize), "locks lie behind the data");
 }  // namespace ipodkit
