@@ -15,6 +15,10 @@ class Figures:
         self.attachment = {}  # "first", "second" -> time to get the player
         self.growth = {}  # operation -> {"times", "allocations", "kilobytes"}
         self.instructions = {}  # operation -> instructions of one operation
+        self.clients = {}  # "bare", "kit" -> {"proportional", "private"} memory in kilobytes
+        self.peers = {}  # work -> peer -> nanoseconds
+        self.lines = {}  # peer -> lines of code
+        self.curves = {}  # what -> {"points": [[size, nanoseconds]], "exponent", "last"}
 
     def cost(self, contest, variant):
         return self.contests[contest][variant]["p50"]
@@ -108,6 +112,16 @@ GOALS = [
     *growth_rows(),
 ]
 
+# Programs from start to exit, and a session until it is ready. `run-bench --startup`
+STARTUP_GOALS = [
+    Row(16, "program that links the core / that links GIO", calls("linked", "core", "gio"), "<=", 1.2),
+    Row(16, "program that links the kit / that links GIO", calls("linked", "kit", "gio"), "<=", 1.3),
+    Row(17, "ipodctl status / busctl call", calls("status", "ipodctl", "busctl"), "<=", 1.5),
+    Row(18, "memory of a kit session / of a bare client",
+        lambda f: f.clients["kit"]["proportional"] / f.clients["bare"]["proportional"], "<=", 1.5),
+    Row(19, "session ready / the same requests", calls("session ready", "kit"), "<=", 1.3),
+]
+
 # In-process operations: the same limits, for instructions instead of time.
 INSTRUCTION_GOALS = [
     Row(3, "iterator / extracting 1,040 bytes", counted("extract-iterator", "extract-library"), ">=", 50),
@@ -123,5 +137,18 @@ INSTRUCTION_GOALS = [
         counted("fill-empty-library-100", "fill-raw-100"), "<=", 3.5),
 ]
 
+# Start-up and the kit, in instructions of the whole process.
+INSTRUCTION_GOALS += [
+    Row(16, "program that links the core / that links GIO", counted("link-core", "link-gio"), "<=", 1.38),
+    Row(16, "program that links the kit / that links GIO", counted("link-kit", "link-gio"), "<=", 1.5),
+    Row(20, "kit: event to state callback / raw delivery", counted("event-kit", "event-bare"), "<=", 1.1),
+    Row(20, "kit: request / asynchronous call", counted("request-kit", "request-bare"), "<=", 1.05),
+]
+
 # The same counts for an ARM build, for the operations of goal 14.
 ARM_GOALS = [row._replace(goal=14, text=f"ARM: {row.text}") for row in INSTRUCTION_GOALS if row.goal in (3, 4, 8, 10)]
+
+
+def growth_goals(figures):
+    return [Row(21, f"exponent of {what}", lambda f, what=what: f.curves[what]["exponent"], "<=", 1.1)
+            for what in figures.curves]

@@ -83,3 +83,31 @@ def draw(contests):
     for i, (title, unit, lines) in enumerate(panels):
         parts.extend(panel(title, unit, lines, i * WIDTH))
     return "\n".join([*parts, *legend(), "</svg>"]) + "\n"
+
+
+GROWTH_COLOURS = ("#1769aa", "#c4421a", "#2e7d32", "#7b1fa2", "#b8860b", "#00838f", "#7a7a7a", "#ad1457")
+
+
+def draw_growth(curves):
+    """Draws all curves in one panel, each relative to its smallest size: a linear cost rises like the grey line."""
+    lines = {what: [(size / each["points"][0][0], cost / each["points"][0][1]) for size, cost in each["points"]]
+             for what, each in curves.items()}
+    largest = max(max(point) for line in lines.values() for point in line)
+    x, y = Scale((1, largest), LEFT, 2 * WIDTH - RIGHT), Scale((1, largest), 2 * HEIGHT - BOTTOM, TOP)
+    parts = [
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {2 * WIDTH} {2 * HEIGHT}"',
+        'font-family="sans-serif" font-size="12">',
+        "<style>polyline{fill:none;stroke-width:2}</style>",
+        f'<rect width="{2 * WIDTH}" height="{2 * HEIGHT}" fill="white"/>',
+        text(WIDTH, 24, "Cost against size, relative to the smallest", extra='font-size="15" font-weight="bold"'),
+        f'<path d="M{x(1):.1f} {y(1):.1f}L{x(largest):.1f} {y(largest):.1f}" stroke="#bbb" stroke-dasharray="4"/>',
+    ]
+    for tick in x.ticks():
+        parts.append(text(x(tick), 2 * HEIGHT - BOTTOM + 16, f"{tick:,} ×"))
+        parts.append(text(LEFT - 6, y(tick) + 4, f"{tick:,} ×", "end"))
+    for i, ((what, line), colour) in enumerate(zip(lines.items(), GROWTH_COLOURS)):
+        path = " ".join(f"{x(size):.1f},{y(max(cost, 1)):.1f}" for size, cost in line)
+        parts.append(f'<polyline points="{path}" stroke="{colour}"/>')
+        parts.append(f'<rect x="{LEFT + 16}" y="{TOP + 10 + 18 * i}" width="14" height="4" fill="{colour}"/>')
+        parts.append(text(LEFT + 36, TOP + 16 + 18 * i, f"{what}: {curves[what]['exponent']:.2f}", "start"))
+    return "\n".join([*parts, "</svg>"]) + "\n"

@@ -31,9 +31,10 @@ struct Service
     GVariant* artworkHead = nullptr;
 };
 
-GVariant* Record(std::size_t size)
+// Zeros: the image that the head announces is there.
+GVariant* ArtworkHead()
 {
-    const std::vector<unsigned char> bytes = SampleBytes(size);
+    const std::vector<unsigned char> bytes(16);
     GVariant* const inner = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.data(), bytes.size(), 1);
     return g_variant_ref_sink(g_variant_new_variant(inner));
 }
@@ -140,6 +141,34 @@ gboolean OnSeek(ComZarnLinuxIpod* object, GDBusMethodInvocation* call, gint bare
     return TRUE;
 }
 
+gboolean OnGetPlayingListItemsAmount(ComZarnLinuxIpod* object, GDBusMethodInvocation* call, Service* service)
+{
+    com_zarn_linux_ipod_complete_get_playing_list_items_amount(object, call, static_cast<gint>(service->names.size()));
+    return TRUE;
+}
+
+// A request without arguments; the answer as text.
+gboolean OnStateRequest(ComZarnLinuxIpod*, GDBusMethodInvocation* call, gpointer answer)
+{
+    g_dbus_method_invocation_return_value(call, g_variant_new_parsed(static_cast<const char*>(answer)));
+    return TRUE;
+}
+
+// The remaining requests of a session that starts.
+void ConnectStateRequests(Service& service)
+{
+    static char answers[][2][48] = {{"handle-get-playing-track-idx", "(1,)"},
+                                    {"handle-get-play-position", "(1000, 60000)"},
+                                    {"handle-get-shuffle-mode", "(2,)"},
+                                    {"handle-get-repeat-mode", "(1,)"},
+                                    {"handle-get-device-amount", "(1,)"},
+                                    {"handle-get-ipod-app-bundle-name", "('com.example.app',)"},
+                                    {"handle-get-carplay-device-detect-status", "(byte 0, 'SERIAL')"},
+                                    {"handle-get-carlife-device-detect-status", "(1,)"}};
+    for (auto& [signal, answer] : answers)
+        g_signal_connect(service.skeleton, signal, G_CALLBACK(OnStateRequest), answer);
+}
+
 void ConnectThinCommands(Service& service)
 {
     const auto on = [&service](const char* signal, GCallback callback)
@@ -158,6 +187,7 @@ void ConnectBulkCommands(Service& service)
     { g_signal_connect(service.skeleton, signal, callback, &service); };
     on("handle-get-current-media-info", G_CALLBACK(OnGetCurrentMediaInfo));
     on("handle-get-playing-list-items", G_CALLBACK(OnGetPlayingListItems));
+    on("handle-get-playing-list-items-amount", G_CALLBACK(OnGetPlayingListItemsAmount));
     on("handle-get-playing-track-album-artwork", G_CALLBACK(OnGetArtwork));
     on("handle-eap-write", G_CALLBACK(OnEapWrite));
     on("handle-seek", G_CALLBACK(OnSeek));
@@ -194,9 +224,19 @@ GVariant* Prepare(Service& service, GVariant* arguments)
     return nullptr;
 }
 
+GVariant* Emit(const Service& service, GVariant* arguments)
+{
+    gint32 times = 0;
+    g_variant_get(arguments, "(i)", &times);
+    for (gint32 i = 0; i < times; ++i)
+        com_zarn_linux_ipod_emit_on_play_status_changed(service.skeleton, static_cast<guchar>(2 + i % 2));
+    return nullptr;
+}
+
 GVariant* Answer(Service& service, const std::string& method, GVariant* arguments)
 {
     if (method == "Prepare") return Prepare(service, arguments);
+    if (method == "Emit") return Emit(service, arguments);
     if (method == "Names") return NamesReply(service);
     if (method == "Bytes") return BytesReply(service);
     return nullptr;
@@ -237,9 +277,10 @@ int main()
     service.artwork = Find<QBXByteVector>(service.buffers, "VecArtworkBufferShareMemory");
     service.written = Find<QBXByteVector>(service.buffers, "VecEapWriteBufferShareMemory");
     service.trackRecord = TrackRecord();
-    service.artworkHead = Record(16);
+    service.artworkHead = ArtworkHead();
     ConnectThinCommands(service);
     ConnectBulkCommands(service);
+    ConnectStateRequests(service);
     g_bus_own_name(G_BUS_TYPE_SESSION, kBusName, G_BUS_NAME_OWNER_FLAGS_NONE, OnBus, OnName, nullptr, &service,
                    nullptr);
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
