@@ -99,13 +99,9 @@ Run BuildToggle(CLI::App&)
     };
 }
 
-Answer AnswerWithPosition(Context& context, const char* verb)
+std::string PositionText(const ipodkit::PlayPosition& at)
 {
-    Answer answer = AnswerWithPlaying(context, verb);
-    if (context.out.json()) return answer;
-    const ipodkit::PlayPosition at = context.session.Ask(context.session.Commands().Position());
-    answer.text += " at " + Clock(at.position) + " / " + Clock(at.duration);
-    return answer;
+    return " at " + Clock(at.position) + " / " + Clock(at.duration);
 }
 
 // Winds for a while. Winding that was interrupted is stopped, too.
@@ -124,7 +120,9 @@ Run BuildWind(CLI::App& app)
         const Ending ending = loop.Run(*seconds);
         context.session.Ask(commands.StopWinding(), "the service did not stop winding");
         if (ending == Ending::Interrupted) throw Interrupted{};
-        return AnswerWithPosition(context, verb.c_str());
+        Answer answer = AnswerWithPlaying(context, verb.c_str());
+        if (!context.out.json()) answer.text += PositionText(context.session.Ask(commands.Position()));
+        return answer;
     };
 }
 
@@ -147,7 +145,10 @@ Answer Seek(Session& session, const SeekTarget& target)
     const int second = SecondFor(target, RequireTrack(*kit.State()));
     session.Ask(kit.Commands().Seek(std::chrono::seconds(second)));
     session.Await(kit.Changed(ipodkit::Field::Position).Within(kReportedWithin));
-    return WithPosition(ToAnswer(PlayingIn(*kit.State()), "seek"));
+    const Playing playing = PlayingIn(*kit.State());
+    Answer answer = ToAnswer(playing, "seek");
+    answer.text += PositionText(playing.at);
+    return answer;
 }
 
 constexpr char kTimes[] = "give SECONDS, MM:SS, +N or -N";
