@@ -19,7 +19,14 @@ constexpr int kIndexed = 200'000;  // names; longer lists have neither letters n
 BrowseModel::BrowseModel() : PagedModel(ipodkit::ListKind::Database)
 {
     ipodkit::Session* const kit = Session::Instance().Kit();
-    if (kit != nullptr) m_reader.emplace(*kit, ipodkit::ListKind::Database, kAllNames);
+    if (kit == nullptr) return;
+    m_reader.emplace(*kit, ipodkit::ListKind::Database, kAllNames);
+    // Another service starts at the top level.
+    connect(&Session::Instance(), &Session::connectionChanged, this,
+            [this]
+            {
+                if (Session::Instance().State()->phase == ipodkit::Phase::Lost) Moved({}, 0);
+            });
 }
 
 std::optional<int> BrowseModel::EntryOf(int row) const
@@ -43,7 +50,7 @@ int BrowseModel::Rows() const
 void BrowseModel::open(int row)
 {
     const std::optional<int> entry = EntryOf(row);
-    if (!entry || m_moving || Names() == nullptr) return;
+    if (!entry || m_moving || !m_foldersKnown || Names() == nullptr) return;
     if (m_folders)
         Enter(*entry);
     else
@@ -92,6 +99,7 @@ void BrowseModel::back()
 void BrowseModel::Moved(const QStringList& path, int row)
 {
     m_path = path;
+    if (path.isEmpty()) m_places.clear();
     m_index = nullptr;
     if (Searching())
     {
@@ -117,7 +125,6 @@ void BrowseModel::Outdated()
         {
             if (self == nullptr || self->m_moving) return;
             if (!root.value_or(true) || self->m_path.isEmpty()) return self->Recount();
-            self->m_places.clear();
             self->Moved({}, 0);
         });
 }
@@ -125,6 +132,7 @@ void BrowseModel::Outdated()
 void BrowseModel::Counting()
 {
     ++m_lists;
+    m_foldersKnown = false;
     m_reading.Cancel();
     m_index = nullptr;
     m_sections.clear();
@@ -133,11 +141,13 @@ void BrowseModel::Counting()
 
 void BrowseModel::CountRead()
 {
+    Want(0);
     if (Entries() > 0 && Entries() <= kIndexed) ReadAllNames();
 }
 
 void BrowseModel::PageRead(const ipodkit::Page& page)
 {
+    m_foldersKnown = true;
     if (m_folders == page.folders) return;
     m_folders = page.folders;
     Q_EMIT foldersChanged();

@@ -85,6 +85,7 @@ private:
     QString m_query;
     unsigned m_lists = 0;  // counts lists, to recognize results of an earlier one
     bool m_folders = true;
+    bool m_foldersKnown = false;  // of this list, and not of the one before
     bool m_moving = false;
 };
 }  // namespace ipodqml

@@ -49,6 +49,9 @@ protected:
     /// Reads the number of entries again, and the pages that are shown.
     void Recount();
 
+    /// Reads the page of an entry soon, and those that follow it in either direction.
+    void Want(int entry) const;
+
     /// Removes all rows until the list is counted.
     void Clear();
 
@@ -67,7 +70,6 @@ protected:
 private:
     void CountArrived(const ipodkit::Result<int>& count);
     void SetEntries(int entries);
-    void Want(int entry) const;
     void WantPage(int page) const;
     void ReadWanted();
     void Read(int page);

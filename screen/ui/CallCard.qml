@@ -1,7 +1,7 @@
 import QtQuick
 import Ipod
 
-// A phone call: a card while it rings, which can be hidden, and a line below the page afterwards.
+// A phone call: a card while it rings, which can be hidden, and a line afterwards.
 Item {
     id: calls
 
@@ -11,6 +11,7 @@ Item {
     property string hidden // identifies the call that was hidden
     readonly property string key: call.uuid + call.remote
     readonly property bool open: phone.count > 0 && ringing && hidden !== key + call.status
+    readonly property string line: phone.count > 0 && !open ? description + " · " + party : "" // for a banner
     readonly property string description: ({
             "ringing": call.direction === "outgoing" ? qsTr("Calling") : qsTr("Incoming call"),
             "sending": qsTr("Calling"),
@@ -99,14 +100,5 @@ Item {
                 }
             }
         }
-    }
-
-    Banner {
-        objectName: "callBanner"
-        visible: phone.count > 0 && !calls.open
-        anchors.horizontalCenter: parent.horizontalCenter
-        y: Theme.gap
-        icon: "phone"
-        text: calls.description + " · " + calls.party
     }
 }

@@ -45,7 +45,7 @@ Item {
         Label {
             anchors.centerIn: parent
             text: strip.touched >= 0 ? strip.sections[strip.touched].label : ""
-            color: Theme.onAccent
+            color: Theme.accentText
             font.pixelSize: Theme.display
             font.weight: Font.DemiBold
         }

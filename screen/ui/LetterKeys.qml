@@ -15,14 +15,16 @@ Rectangle {
         anchors.horizontalCenter: parent.horizontalCenter
         y: Theme.gap
         columns: 9
+        spacing: 2
         Repeater {
             model: 27
             TouchButton {
                 required property int index
                 readonly property string letter: index < 26 ? String.fromCharCode(65 + index) : ""
-                width: Math.floor(keys.width / 9)
+                width: Math.floor((keys.width - 8 * grid.spacing) / 9)
                 height: Theme.compact ? 76 : 80
                 radius: Theme.radius
+                resting: Theme.raised
                 objectName: "key" + letter
                 text: letter
                 icon: letter === "" ? "erase" : ""

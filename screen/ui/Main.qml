@@ -9,7 +9,8 @@ FocusScope {
     property bool night: true
     property bool animated: true
     property var knob: [Qt.Key_Left, Qt.Key_Right, Qt.Key_Return] // left, right, press
-    property string closedBanner
+    property string closedOffer
+    readonly property QtObject theme: Theme // for tests
     readonly property bool ready: Session.phase === "ready"
     readonly property bool present: ready && !(Player.deviceCount === 0 || Player.device === "not-detected" && Player.deviceCount < 1)
     readonly property var pages: ({
@@ -128,27 +129,32 @@ FocusScope {
         anchors.top: parent.top
         anchors.bottom: parent.bottom
 
-        NowPlaying {
-            id: nowPlaying
-            anchors.fill: parent
-            visible: root.present && root.page === "nowplaying"
-        }
-        BrowsePage {
-            id: browse
-            anchors.fill: parent
-            visible: root.present && root.page === "browse"
-            onPlayed: root.show("nowplaying")
-        }
-        QueuePage {
-            id: queue
-            anchors.fill: parent
-            visible: root.present && root.page === "queue"
-        }
-        DevicePage {
-            id: devices
-            anchors.fill: parent
-            visible: root.present && root.page === "devices"
-            onEntered: root.show("browse")
+        Item {
+            id: place
+            width: parent.width
+            height: banner.visible ? banner.y : parent.height
+            NowPlaying {
+                id: nowPlaying
+                anchors.fill: parent
+                visible: root.present && root.page === "nowplaying"
+            }
+            BrowsePage {
+                id: browse
+                anchors.fill: parent
+                visible: root.present && root.page === "browse"
+                onPlayed: root.show("nowplaying")
+            }
+            QueuePage {
+                id: queue
+                anchors.fill: parent
+                visible: root.present && root.page === "queue"
+            }
+            DevicePage {
+                id: devices
+                anchors.fill: parent
+                visible: root.present && root.page === "devices"
+                onEntered: root.show("browse")
+            }
         }
         Notice {
             objectName: "problem"
@@ -166,15 +172,16 @@ FocusScope {
             y: (Theme.touch + Theme.gap - height) / 2
         }
         Banner {
-            objectName: "offer"
-            visible: root.present && root.offer !== "" && root.offer !== root.closedBanner
+            id: banner
+            objectName: "banner"
+            visible: text !== ""
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.bottom: parent.bottom
             anchors.bottomMargin: Theme.gap
-            icon: "car"
-            text: root.offer
-            closable: true
-            onClosed: root.closedBanner = root.offer
+            icon: calls.line !== "" ? "phone" : "car"
+            text: calls.line !== "" ? calls.line : root.present && root.offer !== root.closedOffer ? root.offer : ""
+            closable: calls.line === ""
+            onClosed: root.closedOffer = root.offer
         }
         Toast {
             id: toast
@@ -219,6 +226,7 @@ FocusScope {
         }
     }
     CallCard {
+        id: calls
         anchors.fill: parent
     }
 }

@@ -13,7 +13,7 @@ Item {
         id: artwork
         x: Theme.margin
         y: Theme.compact ? Theme.margin : (parent.height - height) / 2
-        width: Theme.compact ? 236 : Math.min(parent.height - 2 * Theme.margin - 60, parent.width * 0.46)
+        width: Theme.compact ? Math.min(236, parent.height - 220) : Math.min(parent.height - 2 * Theme.margin - 60, parent.width * 0.46)
         height: width
         address: Player.artwork
     }

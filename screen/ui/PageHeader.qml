@@ -15,6 +15,7 @@ Item {
         id: backButton
         objectName: "back"
         visible: header.canGoBack
+        x: (Theme.icon - width) / 2
         anchors.verticalCenter: parent.verticalCenter
         icon: "back"
         label: qsTr("Back")

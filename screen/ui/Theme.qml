@@ -16,7 +16,7 @@ QtObject {
     readonly property color text: night ? "#f3f4f6" : "#16191e"
     readonly property color quiet: night ? "#aeb7c4" : "#4f5865"
     readonly property color accent: night ? "#f2b36d" : "#97450c"
-    readonly property color onAccent: night ? "#1d1206" : "#ffffff"
+    readonly property color accentText: night ? "#1d1206" : "#ffffff"
     readonly property color veil: night ? "#d9090b0f" : "#d9e9e6df"
 
     readonly property int touch: compact ? 76 : 88

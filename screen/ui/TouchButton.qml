@@ -11,7 +11,7 @@ Rectangle {
     property bool checked: false
     property color resting: "transparent"
     property int iconSize: Theme.icon
-    readonly property color ink: filled ? Theme.onAccent : checked ? Theme.accent : Theme.text
+    readonly property color ink: filled ? Theme.accentText : checked ? Theme.accent : Theme.text
     signal clicked
 
     function activate() {

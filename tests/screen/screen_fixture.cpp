@@ -1,5 +1,7 @@
 #include "screen_fixture.h"
 
+#include <ipodqml/session.h>
+
 #include <QTest>
 
 namespace screentest
@@ -44,6 +46,16 @@ void ScreenTest::TearDown()
 void ScreenTest::StartService(const ipodsim::Options& options)
 {
     m_service = std::make_unique<ipodsim::Simulator>(options);
+}
+
+ipodkit::FakeSession& ScreenTest::Fake()
+{
+    if (m_fake == nullptr)
+    {
+        m_fake = std::make_unique<ipodkit::FakeSession>();
+        ipodqml::Session::Use(m_fake->Get());
+    }
+    return *m_fake;
 }
 
 screen::Options ScreenTest::Still(const QString& page, QSize size)
@@ -110,16 +122,25 @@ QString ScreenTest::TextOf(const QString& name)
     return text;
 }
 
+void ScreenTest::ForEachItem(const std::function<void(QQuickItem&)>& use)
+{
+    AnyVisible(*m_window->rootObject(),
+               [&use](QQuickItem& item)
+               {
+                   use(item);
+                   return false;
+               });
+}
+
 QString ScreenTest::VisibleTexts()
 {
     QStringList texts;
-    const auto collect = [&texts](QQuickItem& item)
-    {
-        const QString text = item.property("text").toString();
-        if (!text.isEmpty()) texts.append(text);
-        return false;
-    };
-    AnyVisible(*m_window->rootObject(), collect);
+    ForEachItem(
+        [&texts](const QQuickItem& item)
+        {
+            const QString text = item.property("text").toString();
+            if (!text.isEmpty()) texts.append(text);
+        });
     return texts.join('\n');
 }
 
@@ -133,10 +154,12 @@ QQuickItem* ScreenTest::ItemWithText(const QString& text)
     return found;
 }
 
+// Positioners move their items with the next frame.
 void ScreenTest::TapItem(const QQuickItem& item)
 {
-    const QPointF center = item.mapToScene(QPointF(item.width() / 2, item.height() / 2));
-    QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, center.toPoint());
+    const auto center = [&item] { return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint(); };
+    Until([&] { return QRect({}, m_window->size()).contains(center()); });
+    QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, center());
 }
 
 void ScreenTest::Tap(const QString& name)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <ipodkit/testing.h>
 #include <ipodsim.h>
 
 #include <QQuickItem>
@@ -32,6 +33,9 @@ protected:
     void StopService() { m_service.reset(); }
     ipodsim::Simulator& Service() { return *m_service; }
 
+    /// A session without a service, for what the simulator cannot do. Call it before Show().
+    ipodkit::FakeSession& Fake();
+
     /// Shows the screen, and waits for the window.
     void Show(const screen::Options& options);
     void Show() { Show(Still()); }
@@ -48,6 +52,9 @@ protected:
     QQuickItem* Item(const QString& name);
     bool IsShown(const QString& name);
     QString TextOf(const QString& name);
+
+    /// Calls @p use with each visible item.
+    void ForEachItem(const std::function<void(QQuickItem&)>& use);
 
     /// Returns the texts of all visible items, one per line.
     QString VisibleTexts();
@@ -66,6 +73,7 @@ private:
     void TapItem(const QQuickItem& item);
 
     std::unique_ptr<ipodsim::Simulator> m_service;
+    std::unique_ptr<ipodkit::FakeSession> m_fake;
     std::unique_ptr<QQuickView> m_window;
 };
 }  // namespace screentest
