@@ -108,6 +108,7 @@ void BrowseModel::Moved(const QStringList& path, int row)
     }
     m_found.clear();
     Clear();
+    Q_EMIT pathChanged();
     // Moving the view waits until the rows exist.
     connect(
         this, &PagedModel::countChanged, this, [this, row] { Q_EMIT levelChanged(row); }, Qt::SingleShotConnection);
@@ -141,7 +142,10 @@ void BrowseModel::Counting()
 
 void BrowseModel::CountRead()
 {
-    Want(0);
+    if (const ipodkit::PagePtr first = Names()->Cached(0))
+        PageRead(*first);
+    else
+        Want(0);
     if (Entries() > 0 && Entries() <= kIndexed) ReadAllNames();
 }
 

@@ -21,7 +21,7 @@ class BrowseModel : public PagedModel
     QML_ELEMENT
 
     /// Names of the levels that were entered, below the top level.
-    Q_PROPERTY(QStringList path READ Path NOTIFY levelChanged)
+    Q_PROPERTY(QStringList path READ Path NOTIFY pathChanged)
     /// Whether the entries can be entered; otherwise they are played.
     Q_PROPERTY(bool folders READ Folders NOTIFY foldersChanged)
     /// The letters of the level in alphabetical order, each with `label` and the `row` of its first name; empty until
@@ -45,6 +45,7 @@ public:
     void SetQuery(const QString& query);
 
 Q_SIGNALS:
+    void pathChanged();
     void levelChanged(int row);  ///< another level is listed; @p row is the row to show first
     void foldersChanged();
     void indexed();

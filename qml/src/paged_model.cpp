@@ -114,15 +114,18 @@ void PagedModel::PageArrived(int page, const ipodkit::Result<ipodkit::PagePtr>& 
 {
     m_underWay.erase(page);
     ReadWanted();
-    if (!arrived)
-    {
-        // A list that changed is counted again; a slow service gets another request.
-        if (arrived.error().kind == ipodkit::ErrorKind::TimedOut) WantPage(page);
-        return;
-    }
+    if (!arrived) return Retry(page, arrived.error().kind);
     PageRead(**arrived);
     const int last = std::min(page * kPage + kPage, m_entries) - 1;
     if (Rows() == m_entries && last >= page * kPage) Q_EMIT dataChanged(index(page * kPage), index(last));
+}
+
+// The service was slow, or the list changed after the request: a want for the page of the new list may have been
+// dropped because this one was under way.
+void PagedModel::Retry(int page, ipodkit::ErrorKind why)
+{
+    const bool again = why == ipodkit::ErrorKind::TimedOut || why == ipodkit::ErrorKind::Cancelled;
+    if (again && m_pager && Session::Instance().State()->phase == ipodkit::Phase::Ready) WantPage(page);
 }
 
 void PagedModel::Recount()

@@ -75,6 +75,8 @@ private:
     void Read(int page);
     void PageArrived(int page, const ipodkit::Result<ipodkit::PagePtr>& arrived);
 
+    void Retry(int page, ipodkit::ErrorKind why);
+
     std::optional<ipodkit::Pager> m_pager;
     ipodkit::Subscription m_outdated;
     QTimer m_recount;

@@ -29,21 +29,29 @@ FocusScope {
 
     function show(name) {
         page = name;
-        if (pages[name].visible)
-            pages[name].first.forceActiveFocus();
+        Qt.callLater(focusPage); // once it is visible
+    }
+    function focusPage() {
+        if (pages[page].visible)
+            pages[page].first.forceActiveFocus();
+    }
+    // The item that has the focus, or the list whose row has it.
+    function focused() {
+        let item = Window.activeFocusItem;
+        while (item && typeof item.activate !== "function")
+            item = item.parent;
+        return item;
     }
     function turn(steps) {
-        const item = Window.activeFocusItem;
+        const item = focused();
         if (item && typeof item.turn === "function" && item.turn(steps))
             return;
-        const next = item ? item.nextItemInFocusChain(steps > 0) : null;
+        const next = (item ?? root).nextItemInFocusChain(steps > 0);
         if (next)
             next.forceActiveFocus(steps > 0 ? Qt.TabFocusReason : Qt.BacktabFocusReason);
     }
     function press() {
-        const item = Window.activeFocusItem;
-        if (item && typeof item.activate === "function")
-            item.activate();
+        focused()?.activate();
     }
     function goBack() {
         if (page !== "browse" || !browse.goBack())

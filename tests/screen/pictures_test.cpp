@@ -72,7 +72,7 @@ TEST_F(Pictures, TheQueueWithAFocusedRow)
     Show();
     PauseInTheMiddle("Blue Lantern");
     Tap("page-queue");
-    ASSERT_TRUE(Until([this] { return Shows("Été à vélo"); }));
+    ASSERT_TRUE(Until([this] { return Shows("Été à vélo") && Item("queue")->hasActiveFocus(); }));
     Press(Qt::Key_Right);
     EXPECT_LOOKS_LIKE(PICTURES "/queue.png");
 }
