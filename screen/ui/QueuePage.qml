@@ -6,18 +6,21 @@ Item {
     id: page
 
     readonly property Item first: list
+    readonly property int playing: Player.trackIndex
 
     function showPlaying() {
-        if (Player.trackIndex >= 0 && Player.trackIndex < queue.count)
-            list.show(Player.trackIndex);
+        if (playing >= 0 && playing < queue.count)
+            list.show(playing);
     }
 
     onVisibleChanged: if (visible)
         showPlaying()
+    onPlayingChanged: if (!list.activeFocus)
+        showPlaying()
 
     QueueModel {
         id: queue
-        onCountChanged: page.showPlaying()
+        onCountChanged: Qt.callLater(page.showPlaying) // once the view has the rows
     }
     PageHeader {
         id: header
@@ -37,7 +40,7 @@ Item {
         anchors.rightMargin: Theme.margin
         model: queue
         rowIcon: "note"
-        marked: Player.trackIndex
+        marked: page.playing
         Accessible.name: header.title
         onOpened: row => queue.play(row)
     }

@@ -73,6 +73,7 @@ TEST_F(Pictures, TheQueueWithAFocusedRow)
     PauseInTheMiddle("Blue Lantern");
     Tap("page-queue");
     ASSERT_TRUE(Until([this] { return Shows("Été à vélo") && Item("queue")->hasActiveFocus(); }));
+    ASSERT_TRUE(Until([this] { return Item("queue")->property("currentIndex").toInt() == 0; }));
     Press(Qt::Key_Right);
     EXPECT_LOOKS_LIKE(PICTURES "/queue.png");
 }
