@@ -164,6 +164,15 @@ TEST_F(Hardship, ADeviceThatDisappearsWhileItsListIsFlungLeavesAMessage)
     EXPECT_TRUE(Until([this] { return Shows("No device"); }));
 }
 
+TEST_F(Hardship, ABusThatDiesLeavesAMessage)
+{
+    Show();
+    ASSERT_TRUE(Until([this] { return Shows("It has not started yet."); }));
+    StopBus();
+    EXPECT_TRUE(Until([this] { return VisibleTexts().contains("DBUS_SESSION_BUS_ADDRESS"); }))
+        << VisibleTexts().toStdString();
+}
+
 TEST_F(Everybody, EachControlHasANameAndIsLargeEnough)
 {
     StartService();

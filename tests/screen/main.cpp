@@ -26,7 +26,8 @@ int main(int argc, char** argv)
     if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();
     const test::PrivateSharedMemory privateSharedMemory;
     const QByteArray display = qgetenv("DISPLAY");
-    const test::PrivateBus bus;
+    test::PrivateBus bus;
+    screentest::StopBus = [&bus] { bus.Stop(); };
     // GLib's bus for tests removes it.
     qputenv("DISPLAY", display);
     QBX_LogInit("ERROR");

@@ -21,6 +21,8 @@ bool AnyVisible(QQuickItem& item, const std::function<bool(QQuickItem&)>& use)
 }
 }  // namespace
 
+std::function<void()> StopBus;
+
 QStringList& Warnings()
 {
     static QStringList warnings;

@@ -19,6 +19,9 @@ namespace screentest
 /// Warnings of Qt and QML so far. The fixture fails a test that has any.
 QStringList& Warnings();
 
+/// Stops the bus of the test process; it does not return.
+extern std::function<void()> StopBus;
+
 /// Runs the loop until the condition holds; returns whether it did within some seconds.
 bool Until(const std::function<bool()>& condition);
 
