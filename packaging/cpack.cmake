@@ -171,9 +171,9 @@ Session, state and commands of the companion library ipodkit, for programs that
 run the main loop of GLib through python3-gi.")
 
 # Only in builds with -DIPOD_BUILD_SCREEN=ON.
-set(CPACK_DEBIAN_QML_PACKAGE_NAME qml6-module-ipod)
-set(CPACK_DEBIAN_QML_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_QML_PACKAGE_SHLIBDEPS ON)
+if(TARGET ipodqml)
+  library_package(qml qml6-module-ipod ipodqml "qml6-module-ipod (>= ${PROJECT_VERSION})")
+endif()
 set(CPACK_DEBIAN_QML_DESCRIPTION "QML module of the iPod client library
 State, lists, and artwork of an attached device for applications in QML, on top
 of the companion library ipodkit.")

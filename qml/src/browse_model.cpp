@@ -172,7 +172,8 @@ void BrowseModel::ReadAllNames()
 
 void BrowseModel::BuildIndex(std::vector<std::string> names)
 {
-    const auto build = [self = QPointer<BrowseModel>(this), list = m_lists, names = std::move(names)]() mutable
+    auto build = [self = QPointer<BrowseModel>(this), session = &Session::Instance(), list = m_lists,
+                  names = std::move(names)]() mutable
     {
         const ipodnames::JumpIndex index(names);
         const auto built = std::make_shared<const Index>(Index{std::move(names), index});
@@ -180,9 +181,9 @@ void BrowseModel::BuildIndex(std::vector<std::string> names)
         {
             if (self != nullptr && list == self->m_lists) self->SetIndex(built);
         };
-        QMetaObject::invokeMethod(&Session::Instance(), set, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(session, set, Qt::QueuedConnection);
     };
-    QThreadPool::globalInstance()->start(build);
+    QThreadPool::globalInstance()->start(std::move(build));
 }
 
 void BrowseModel::SetIndex(std::shared_ptr<const Index> index)
