@@ -18,7 +18,7 @@ namespace
 constexpr std::size_t kKept = 4;
 constexpr int kLargest = 1024;         // pixels of the longer side
 constexpr int kDecoderMebibytes = 64;  // enough for 4096 x 4096 pixels
-constexpr double kTint = 0.78;         // share of the color in a backdrop
+constexpr double kTint = 0.88;         // share of the color: texts stay legible on black and white artwork
 
 QMutex g_mutex;
 std::deque<ipodkit::PicturePtr> g_kept;

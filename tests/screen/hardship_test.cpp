@@ -1,7 +1,10 @@
 // Input that no honest device sends, long lists, and what makes a screen usable for everybody.
 #include <QAccessible>
+#include <QBuffer>
 #include <QColor>
 #include <QElapsedTimer>
+#include <QQmlEngine>
+#include <QQuickImageProvider>
 #include <QSignalSpy>
 #include <QTest>
 #include <cmath>
@@ -78,6 +81,22 @@ double Contrast(const QColor& one, const QColor& other)
     const double a = Luminance(one);
     const double b = Luminance(other);
     return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+// Returns the color behind texts for artwork of one color.
+QColor Backdrop(ipodkit::FakeSession& fake, QQmlEngine& engine, const QColor& artwork, const QColor& background)
+{
+    QImage image(8, 8, QImage::Format_RGB32);
+    image.fill(artwork);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    image.save(&buffer, "PNG");
+    ipodkit::PlayerState state = Playing({"Title"});
+    state.artwork = PictureOf(bytes.toStdString());
+    fake.SetState(state);
+    auto* const provider = static_cast<QQuickImageProvider*>(engine.imageProvider("ipod"));
+    const QString hash = QString("%1").arg((*state.artwork)->hash, 16, 16, QLatin1Char('0'));
+    QSize size;
+    return provider->requestImage(hash + "/backdrop/" + background.name().mid(1), &size, {20, 20}).pixelColor(10, 10);
 }
 }  // namespace
 
@@ -211,6 +230,12 @@ TEST_F(Everybody, TextsHaveEnoughContrast)
             for (const char* text : {"text", "quiet", "accent"})
                 EXPECT_GE(Contrast(color(text), color(surface)), 4.5)
                     << text << " on " << surface << ", night: " << night;
+        for (const char* artwork : {"black", "white"})
+            for (const char* text : {"text", "quiet"})
+            {
+                const QColor behind = Backdrop(Fake(), *Window().engine(), artwork, color("background"));
+                EXPECT_GE(Contrast(color(text), behind), 4.5) << text << " on " << artwork << ", night: " << night;
+            }
         EXPECT_GE(Contrast(color("accentText"), color("accent")), 4.5);
     }
 }
