@@ -61,6 +61,11 @@ if(TARGET ipodkit_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
   set(CPACK_COMPONENT_PYTHON_DEPENDS kit names)
 endif()
+if(TARGET ipodqml)
+  list(APPEND CPACK_COMPONENTS_ALL qml screen)
+  set(CPACK_COMPONENT_QML_DEPENDS kit names)
+  set(CPACK_COMPONENT_SCREEN_DEPENDS qml)
+endif()
 # Architecture-independent, so built only once.
 if(NOT CMAKE_CROSSCOMPILING)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
@@ -68,7 +73,7 @@ endif()
 
 # Directories of libraries that belong to no package: our own, and those found outside the system directories.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware"
-  "${CMAKE_BINARY_DIR}/ipodkit" "${CMAKE_BINARY_DIR}/names")
+  "${CMAKE_BINARY_DIR}/ipodkit" "${CMAKE_BINARY_DIR}/names" "${CMAKE_BINARY_DIR}/qml")
 foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")
   if(library)
     get_filename_component(directory "${library}" DIRECTORY)
@@ -177,6 +182,23 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-gi)
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Python module of the iPod client library
 Session, state and commands of the companion library ipodkit, for programs that
 run the main loop of GLib through python3-gi.")
+
+# Only in builds with -DIPOD_BUILD_SCREEN=ON.
+if(TARGET ipodqml)
+  library_package(qml qml6-module-ipod ipodqml "qml6-module-ipod (>= ${PROJECT_VERSION})")
+endif()
+set(CPACK_DEBIAN_QML_DESCRIPTION "QML module of the iPod client library
+State, lists, and artwork of an attached device for applications in QML, on top
+of the companion library ipodkit.")
+
+set(CPACK_DEBIAN_SCREEN_PACKAGE_NAME ipod-screen)
+set(CPACK_DEBIAN_SCREEN_PACKAGE_SECTION sound)
+set(CPACK_DEBIAN_SCREEN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_SCREEN_PACKAGE_DEPENDS "qml6-module-qtquick, qml6-module-qtquick-window, qml6-module-qtqml-workerscript")
+set(CPACK_DEBIAN_SCREEN_PACKAGE_RECOMMENDS "fonts-noto-core, fonts-noto-cjk | fonts-wqy-microhei")
+set(CPACK_DEBIAN_SCREEN_DESCRIPTION "media screen for the head unit of a vehicle
+Shows what an attached device plays, its music, queue, and phone calls, for
+touch, keys, and a rotary knob, by day and at night.")
 
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libipod-doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION "doc\nMulti-Arch: foreign")

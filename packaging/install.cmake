@@ -5,7 +5,7 @@ set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 # Builds everything that is installed, but nothing that only tests need.
 add_custom_target(packaged)
 foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples
-    ipod-companiond ipod-companiond-interface)
+    ipod-companiond ipod-companiond-interface ipodqml ipodqmlplugin ipod-screen)
   if(TARGET ${part})
     add_dependencies(packaged ${part})
   endif()
@@ -72,6 +72,10 @@ install(FILES ${examples} DESTINATION "${documentation}/examples" COMPONENT docu
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/build/docs/" DESTINATION "${documentation}/html" COMPONENT documentation
   OPTIONAL FILES_MATCHING PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.png" PATTERN "*.svg")
 
+if(TARGET ipodqml)
+  install_notices(qml qml6-module-ipod)
+  install_notices(screen ipod-screen)
+endif()
 if(TARGET ipodkit_python)
   install_notices(python python3-ipodkit)
 endif()

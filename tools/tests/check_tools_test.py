@@ -194,8 +194,8 @@ class CheckContract(Case):
                 ("Break", "xml", pause, '<method name="Break"/>' + pause),
                 ("only in the document: ('signal', 'OnPlayStatusChanged'", "xml", '<signal name="OnPlayStatusChanged">',
                  '<signal name="OnChanged">'),
-                ("order", "document", "| `Pause` | — | `result`: b |\n| `Stop` | — | `result`: b |",
-                 "| `Stop` | — | `result`: b |\n| `Pause` | — | `result`: b |"),
+                ("order", "document", "| `Pause` | | `result`: b |\n| `Stop` | | `result`: b |",
+                 "| `Stop` | | `result`: b |\n| `Pause` | | `result`: b |"),
                 ("State", "xml", pause, '<property name="State" type="i" access="read"/>' + pause),
                 ("object path", "xml", 'node name="/com/zarn/linux/ipod"', 'node name="/com/zarn"'),
                 ("remote_id", "proto", "remote_id = 1;", "remote_id = 13;")):

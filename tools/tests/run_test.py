@@ -81,8 +81,8 @@ class Run(unittest.TestCase):
                 self.assertEqual(self.run_verb(word), (1, "", f"run: unknown verb '{word}'\nhint: {hint}\n"))
 
     def test_the_list_of_verbs_is_complete(self):
-        listed = re.findall(r"^  ([a-z]+)\b", self.run_verb("help")[1], re.MULTILINE)
-        self.assertEqual(sorted(listed), sorted(re.findall(r"^verb_(\w+)\(\)", (TREE / "run").read_text(), re.MULTILINE)))
+        listed = re.findall(r"^  ([a-z-]+)\b", self.run_verb("help")[1], re.MULTILINE)
+        self.assertEqual(sorted(listed), sorted(re.findall(r"^verb_([\w-]+)\(\)", (TREE / "run").read_text(), re.MULTILINE)))
 
     # Packages
 

@@ -1,0 +1,44 @@
+/// @file
+/// The playing list and the list of devices for QML.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+
+#include "paged_model.h"
+
+namespace ipodqml
+{
+/// What plays, and what comes next. Player.trackIndex is the row that plays.
+class QueueModel : public PagedModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    QueueModel();
+    Q_INVOKABLE void play(int row);
+};
+
+/// The attached devices.
+class DeviceModel : public PagedModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+
+    /// The row that was entered last; -1 before the first enter().
+    Q_PROPERTY(int entered READ Entered NOTIFY enteredChanged)
+
+public:
+    DeviceModel();
+
+    /// Selects the device that is browsed and played.
+    Q_INVOKABLE void enter(int row);
+    int Entered() const { return m_entered; }
+
+Q_SIGNALS:
+    void enteredChanged();
+
+private:
+    int m_entered = -1;
+};
+}  // namespace ipodqml

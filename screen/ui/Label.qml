@@ -1,0 +1,13 @@
+import QtQuick
+
+// Texts come from the device: markup is shown as it is.
+Text {
+    textFormat: Text.PlainText
+    color: Theme.text
+    elide: Text.ElideRight
+    font.family: "Noto Sans"
+    font.pixelSize: Theme.body
+    verticalAlignment: Text.AlignVCenter
+    maximumLineCount: 1
+    Accessible.ignored: true
+}

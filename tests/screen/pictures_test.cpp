@@ -1,0 +1,111 @@
+// Each page as it looks, with the built-in library and nothing that moves.
+#include "pictures.h"
+#include "screen_fixture.h"
+
+namespace screentest
+{
+namespace
+{
+using Pictures = ScreenTest;
+
+// Returns once nothing changes any more: artwork and lists arrive on their own.
+QImage Settled(QQuickView& window)
+{
+    QImage before;
+    QImage now = window.grabWindow();
+    int same = 0;
+    const auto settled = [&]
+    {
+        before = std::exchange(now, window.grabWindow());
+        same = before == now ? same + 1 : 0;
+        return same > 20;
+    };
+    EXPECT_TRUE(Until(settled));
+    return now;
+}
+
+#define EXPECT_LOOKS_LIKE(file) EXPECT_EQ(DifferenceFrom(file, Settled(Window())), "")
+}  // namespace
+
+TEST_F(Pictures, NowPlayingAtNight)
+{
+    StartService();
+    Show();
+    PauseInTheMiddle("Blue Lantern");
+    EXPECT_LOOKS_LIKE(DOCS "/screen-now-playing.png");
+}
+
+TEST_F(Pictures, NowPlayingOnASmallScreenByDay)
+{
+    StartService();
+    Show(Still("nowplaying", {800, 480}));
+    PauseInTheMiddle("城市灯火");
+    Tap("theme");
+    EXPECT_LOOKS_LIKE(PICTURES "/now-playing-small-day.png");
+}
+
+TEST_F(Pictures, BrowsingByDay)
+{
+    StartService();
+    Show(Still("browse"));
+    TapText("Songs");
+    ASSERT_TRUE(Until([this] { return IsShown("letters"); }));
+    Tap("theme");
+    EXPECT_LOOKS_LIKE(DOCS "/screen-browse.png");
+}
+
+TEST_F(Pictures, SearchingOnASmallScreen)
+{
+    StartService();
+    Show(Still("browse", {800, 480}));
+    TapText("Artists");
+    ASSERT_TRUE(Until([this] { return Shows("Élodie Rouvière"); }));
+    Tap("search");
+    Tap("keyZ");
+    ASSERT_TRUE(Until([this] { return Shows("曾雨桐") && !Shows("Élodie Rouvière"); }));
+    EXPECT_LOOKS_LIKE(PICTURES "/search-small.png");
+}
+
+TEST_F(Pictures, TheQueueWithAFocusedRow)
+{
+    StartService();
+    Show();
+    PauseInTheMiddle("Blue Lantern");
+    Tap("page-queue");
+    ASSERT_TRUE(Until([this] { return Shows("Été à vélo") && Item("queue")->hasActiveFocus(); }));
+    ASSERT_TRUE(Until([this] { return Item("queue")->property("currentIndex").toInt() == 0; }));
+    Press(Qt::Key_Right);
+    EXPECT_LOOKS_LIKE(PICTURES "/queue.png");
+}
+
+TEST_F(Pictures, AnIncomingCall)
+{
+    StartService();
+    Show();
+    PauseInTheMiddle("Blue Lantern");
+    Service().Do("call", {{"status", "ringing"},
+                          {"direction", "incoming"},
+                          {"display-name", "李雷"},
+                          {"remote-id", "+86 10 5555 0123"},
+                          {"label", "mobile"}});
+    ASSERT_TRUE(Until([this] { return IsShown("call"); }));
+    EXPECT_LOOKS_LIKE(PICTURES "/call.png");
+}
+
+TEST_F(Pictures, CarPlayAndNothingPlaying)
+{
+    StartService();
+    Show(Still("nowplaying", {800, 480}));
+    ASSERT_TRUE(Until([this] { return !IsShown("problem"); }));
+    Service().Do("carplay", "detected");
+    ASSERT_TRUE(Until([this] { return IsShown("banner"); }));
+    EXPECT_LOOKS_LIKE(PICTURES "/offer-small.png");
+}
+
+TEST_F(Pictures, WithoutAService)
+{
+    Show();
+    ASSERT_TRUE(Until([this] { return Shows("Waiting for the iPod service"); }));
+    EXPECT_LOOKS_LIKE(PICTURES "/no-service.png");
+}
+}  // namespace screentest
