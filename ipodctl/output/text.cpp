@@ -327,12 +327,12 @@ std::string Hexdump(std::string_view bytes)
 
 std::string Fitting(const Lines& parts, int width)
 {
-    constexpr int kGap = 3;
+    constexpr int kFieldGap = 3;
     std::string line;
     int used = 0;
     for (const std::string& part : parts)
     {
-        const int gap = line.empty() ? 0 : kGap;
+        const int gap = line.empty() ? 0 : kFieldGap;
         if (part.empty()) continue;
         if (!line.empty() && used + gap + Width(part) > width) break;
         line += std::string(static_cast<std::size_t>(gap), ' ') + part;

@@ -287,6 +287,7 @@ std::string QueueText(const Queue& queue, const Output& out)
     const int digits = Width(std::to_string(queue.amount));
     const int playing = queue.playing - queue.first;
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(queue.names.size());
     for (int i = 0; i < static_cast<int>(queue.names.size()); ++i)
         rows.push_back({(i == playing ? "> " : "  ") + PadLeft(std::to_string(queue.first + i), digits),
                         Printable(queue.names[static_cast<std::size_t>(i)])});
@@ -329,8 +330,7 @@ Run BuildQueue(CLI::App& app)
         ->excludes(from)
         ->excludes(count);
     app.add_flag("--names", range->names, "Print one name per line and nothing else, for scripts")->excludes(entry);
-    return [range](Context& context)
-    { return range->index ? Jump(context, *range->index) : Show(context, *range); };
+    return [range](Context& context) { return range->index ? Jump(context, *range->index) : Show(context, *range); };
 }
 }  // namespace
 

@@ -186,7 +186,8 @@ void CheckWhole(const ipodkit::Picture& picture)
 
 Answer WriteOut(Output& out, const std::vector<unsigned char>& image)
 {
-    if (out.terminal()) throw Failure(kUsage, "cannot write an image to a terminal", "redirect the output, or give a file");
+    if (out.terminal())
+        throw Failure(kUsage, "cannot write an image to a terminal", "redirect the output, or give a file");
     out.Raw(image.data(), image.size());
     return {};
 }
