@@ -82,9 +82,8 @@ LockFilePtr IdleLockFiles::Take(const char* segment)
                                         [segment](const LockFilePtr& file) { return file->Segment() == segment; });
         if (found != m_idle.end())
         {
-            std::swap(*found, m_idle.back());
-            LockFilePtr file = std::move(m_idle.back());
-            m_idle.pop_back();
+            LockFilePtr file = *found;
+            m_idle.erase(found);
             return file;
         }
     }
