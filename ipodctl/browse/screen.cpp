@@ -269,7 +269,7 @@ std::optional<KeyPress> Screen::Read()
     return std::nullopt;
 }
 
-void Screen::Paint(const Frame& frame)
+void Screen::Paint(const Frame& frame) const
 {
     erase();
     for (std::size_t row = 0; row < frame.size(); ++row)

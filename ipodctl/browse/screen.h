@@ -52,7 +52,7 @@ public:
     std::optional<KeyPress> Read();
 
     /// Shows @p frame, sending only what changed.
-    void Paint(const Frame& frame);
+    void Paint(const Frame& frame) const;
 
     /// Restores the terminal until the next Paint().
     void Release();
