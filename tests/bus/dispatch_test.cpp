@@ -256,19 +256,6 @@ TEST_F(DispatchTest, AListenerThatThrowsLeavesTheLockFree)
     EXPECT_TRUE(OtherThreadGetsTheLock(player, waiting));
 }
 
-TEST_F(DispatchTest, AnExceptionReachesTheCallerOfTheMainLoopAndLeavesTheLockFree)
-{
-    ThrowingListener listener;
-    IQBXIpodPlayer& player = Connected();
-    player.AddListener(&listener);
-    service.Emit("OnPlayStatusChanged", "(1,)");
-
-    EXPECT_THROW(RunLoopFor(std::chrono::milliseconds(500)), std::runtime_error);
-
-    std::future<void> waiting;
-    EXPECT_TRUE(OtherThreadGetsTheLock(player, waiting));
-}
-
 TEST_F(DispatchTest, AListenerMayUseCommands)
 {
     class Asking : public IQBXIpodPlayerListener
