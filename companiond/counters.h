@@ -1,5 +1,5 @@
 /// @file
-/// Counts the daemon's requests to the service.
+/// Counts the daemon's requests to the service, and measures their latency.
 #pragma once
 
 #include <gio/gio.h>
@@ -15,12 +15,13 @@
 
 namespace companion
 {
+/// Context thread only.
 class Counters
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Sends a request, and answers the invocation with its outcome. The counters outlive the request.
+    /// Sends a request, and answers the invocation with its result. The counters must outlive the request.
     void Send(ipodkit::Request<void> request, GDBusMethodInvocation* invocation);
 
     void CountRestarts(std::uint32_t generation) { m_restarts = generation == 0 ? 0 : generation - 1; }
