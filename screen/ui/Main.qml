@@ -1,7 +1,7 @@
 import QtQuick
 import Ipod
 
-// The screen: a rail of pages, the page, and above it what must not be missed.
+// The screen: a rail of buttons for the pages, the current page, and banners above it.
 FocusScope {
     id: root
 
