@@ -1,5 +1,5 @@
 /// @file
-/// Who holds a lock.
+/// Finds the holder of a lock.
 #pragma once
 
 #include <ipodkit/sharing.h>
