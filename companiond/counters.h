@@ -49,10 +49,10 @@ struct ipodkit::Rows<companion::Counters>
     static constexpr const char* type = "Counters";
     static constexpr const char* name = "counters";
     static constexpr std::tuple all{
-        Row{"requests", &companion::Counters::Requests, "", "Requests of media controls that have ended"},
-        Row{"failures", &companion::Counters::Failures, "", "Those that failed, by kind of the error"},
-        Row{"restarts", &companion::Counters::Restarts, "", "How often the service appeared again"},
-        Row{"latency_p50", &companion::Counters::LatencyP50, "us", "Median time of the last 1,024 requests"},
-        Row{"latency_p99", &companion::Counters::LatencyP99, "us", "99th percentile of these times"},
+        Row{"requests", &companion::Counters::Requests, "", "Completed requests of media controls"},
+        Row{"failures", &companion::Counters::Failures, "", "Failed requests, by kind of error"},
+        Row{"restarts", &companion::Counters::Restarts, "", "How often the service has restarted"},
+        Row{"latency_p50", &companion::Counters::LatencyP50, "us", "Median latency of the last 1,024 requests"},
+        Row{"latency_p99", &companion::Counters::LatencyP99, "us", "99th percentile of the same latencies"},
     };
 };
