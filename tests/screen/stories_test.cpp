@@ -1,4 +1,4 @@
-// What people do with the screen, from tap to service.
+// User stories, from tap to service.
 #include <QSignalSpy>
 #include <QTest>
 
