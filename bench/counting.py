@@ -81,7 +81,7 @@ class Counter:
 
 
 def measure_instructions(build):
-    """Counts the operations in one process; for this machine, also start-up, and the companion across the bus."""
+    """Counts the operations in one process; for this machine, also start-up, and ipodkit across the bus."""
     counter = Counter(build)
     instructions = counter.of_operations("bench_instructions")
     if counter.emulator:

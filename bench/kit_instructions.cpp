@@ -1,4 +1,4 @@
-// Repeats an event or a request of the companion, and its counterpart with GDBus alone, for counting instructions. The
+// Repeats an event or a request of ipodkit, and its counterpart with GDBus alone, for counting instructions. The
 // difference between two runs of different length is the cost of the operation.
 #include <ipodkit/session.h>
 

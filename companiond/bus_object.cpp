@@ -21,7 +21,7 @@ Value Owned(GVariant* value)
     return {g_variant_ref_sink(value), g_variant_unref};
 }
 
-// Without a function that sets properties, GDBus passes on the call, so that it can be answered later.
+// Without a set_property function, GDBus passes the Set() call to OnCall(), which can answer it later.
 BusObject::BusObject(GDBusConnection* connection, const char* path, GDBusInterfaceInfo* interface)
     : m_connection(G_DBUS_CONNECTION(g_object_ref(connection))), m_path(path), m_interface(interface)
 {

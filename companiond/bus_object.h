@@ -15,32 +15,34 @@ using Value = std::shared_ptr<GVariant>;
 /// Takes ownership of a floating reference.
 Value Owned(GVariant* value);
 
-/// Properties by name. One that is absent is unknown or not supported.
+/// Properties by name. An absent one is unknown or not supported.
 using Values = std::map<std::string, Value>;
 
 inline constexpr char kNotSupported[] = "org.freedesktop.DBus.Error.NotSupported";
 inline constexpr char kInvalidArgs[] = "org.freedesktop.DBus.Error.InvalidArgs";
 
-/// Exports an interface: answers reads from the values published last, and passes on calls. Context thread only.
+/// Exports an interface: answers reads with the values published last, and forwards calls. Context thread only.
 class BusObject
 {
 public:
-    /// @p interface stays valid as long as the object. Does nothing on the bus if the path has that interface already.
+    /// @param interface  must outlive the object; exported only if the path has no interface of that name yet
     BusObject(GDBusConnection* connection, const char* path, GDBusInterfaceInfo* interface);
     virtual ~BusObject();
     BusObject(const BusObject&) = delete;
     BusObject& operator=(const BusObject&) = delete;
 
 protected:
-    /// Replaces all values. Emits one PropertiesChanged if any differ, apart from those that the interface excepts.
+    /// Replaces all values. Emits one PropertiesChanged with those that differ, except for properties that the
+    /// interface annotates as emitting none.
     void Publish(Values values);
 
+    /// Emits a signal of the interface. Consumes floating arguments.
     void Emit(const char* signal, GVariant* arguments);
 
-    /// Returns a property that is computed on each read; floating, or null.
+    /// Returns the value of a property that is computed on each read, as a floating reference; null for others.
     virtual GVariant* Compute(const std::string&) const { return nullptr; }
 
-    /// Returns why a property has no value: an error for the reader.
+    /// Returns the error message for reading a property without a value.
     virtual std::string WhyAbsent(const std::string& property) const { return property + " is not supported"; }
 
     /// Answers a call; takes ownership of the invocation.

@@ -1,5 +1,5 @@
 /// @file
-/// Counts the daemon's requests to the service.
+/// Counts the daemon's requests to the service, and measures their latency.
 #pragma once
 
 #include <gio/gio.h>
@@ -15,12 +15,13 @@
 
 namespace companion
 {
+/// Context thread only.
 class Counters
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Sends a request, and answers the invocation with its outcome. The counters outlive the request.
+    /// Sends a request, and answers the invocation with its result. The counters must outlive the request.
     void Send(ipodkit::Request<void> request, GDBusMethodInvocation* invocation);
 
     void CountRestarts(std::uint32_t generation) { m_restarts = generation == 0 ? 0 : generation - 1; }
@@ -48,10 +49,10 @@ struct ipodkit::Rows<companion::Counters>
     static constexpr const char* type = "Counters";
     static constexpr const char* name = "counters";
     static constexpr std::tuple all{
-        Row{"requests", &companion::Counters::Requests, "", "Requests of media controls that have ended"},
-        Row{"failures", &companion::Counters::Failures, "", "Those that failed, by kind of the error"},
-        Row{"restarts", &companion::Counters::Restarts, "", "How often the service appeared again"},
-        Row{"latency_p50", &companion::Counters::LatencyP50, "us", "Median time of the last 1,024 requests"},
-        Row{"latency_p99", &companion::Counters::LatencyP99, "us", "99th percentile of these times"},
+        Row{"requests", &companion::Counters::Requests, "", "Completed requests of media controls"},
+        Row{"failures", &companion::Counters::Failures, "", "Failed requests, by kind of error"},
+        Row{"restarts", &companion::Counters::Restarts, "", "How often the service has restarted"},
+        Row{"latency_p50", &companion::Counters::LatencyP50, "us", "Median latency of the last 1,024 requests"},
+        Row{"latency_p99", &companion::Counters::LatencyP99, "us", "99th percentile of the same latencies"},
     };
 };

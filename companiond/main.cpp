@@ -78,7 +78,7 @@ gboolean Quit(gpointer loop)
     return G_SOURCE_CONTINUE;
 }
 
-// Handles SIGTERM and SIGINT from its construction on: a program may send one as soon as the names are there.
+// Handles SIGTERM and SIGINT from its construction on: another program may send one as soon as the names are owned.
 class Loop
 {
 public:
@@ -100,7 +100,7 @@ public:
     Loop(const Loop&) = delete;
     Loop& operator=(const Loop&) = delete;
 
-    // Runs until one of these signals arrives, or the bus ends.
+    // Runs until one of these signals arrives, or the bus closes the connection.
     ExitCode Run()
     {
         if (g_dbus_connection_is_closed(m_connection) == FALSE) g_main_loop_run(m_loop);
@@ -115,7 +115,7 @@ private:
     const gulong m_closed;
 };
 
-// Without a settle time, a session that asks gets every event that the service sent before.
+// Without a settle time, a session that reads the state gets every event that the service sent before.
 ipodkit::SessionOptions Options()
 {
     ipodkit::SessionOptions options;

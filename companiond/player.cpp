@@ -18,8 +18,8 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kSettle(20);
 constexpr milliseconds kArtworkWithin(300);
-// Services report the position about every half second. Around the start and the end of a pause, steady playback
-// deviates by as much from what the last report predicts.
+// Services report the position about every half second. Around the start and end of a pause, normal playback deviates
+// from the prediction by up to that much.
 constexpr milliseconds kJump(700);
 
 void AnswerNothing(GDBusMethodInvocation* invocation)
@@ -54,7 +54,7 @@ Player::~Player()
     if (m_timer != 0) g_source_remove(m_timer);
 }
 
-// The changes of a track are announced before the next track begins, however fast they follow.
+// However fast tracks follow each other, each is announced before the next one.
 void Player::Follow(const ipodkit::StatePtr& state)
 {
     TrackKey key = KeyOf(*state);
@@ -162,7 +162,7 @@ void Player::Set(const std::string& property, GVariant* value, GDBusMethodInvoca
     (this->*setter->second)(value, invocation);
 }
 
-// Methods that are not possible now have no effect.
+// Methods that are not possible now have no effect, as MPRIS requires.
 void Player::SendIf(bool possible, ipodkit::Request<void> request, GDBusMethodInvocation* invocation)
 {
     if (!possible) return AnswerNothing(invocation);
@@ -206,7 +206,7 @@ void Player::Stop(GVariant*, GDBusMethodInvocation* invocation)
     m_counters.Send(Commands().Stop(), invocation);
 }
 
-// The service seeks to full seconds. At the end of the track, the next one would begin.
+// The service seeks to full seconds. Seeking to the end would start the next track.
 void Player::SeekTo(microseconds position, GDBusMethodInvocation* invocation)
 {
     using std::chrono::seconds;
@@ -226,7 +226,7 @@ void Player::Seek(GVariant* arguments, GDBusMethodInvocation* invocation)
     SeekTo(target, invocation);
 }
 
-// The client may mean the previous track.
+// Ignores a position in the previous track, which has just ended.
 void Player::SetPosition(GVariant* arguments, GDBusMethodInvocation* invocation)
 {
     const gchar* track = nullptr;
@@ -249,7 +249,7 @@ void Player::SetLoop(GVariant* value, GDBusMethodInvocation* invocation)
     m_counters.Send(Commands().SetRepeat(*repeat), invocation);
 }
 
-// Shuffled albums are shuffled, too.
+// Shuffled albums count as shuffled.
 void Player::SetShuffle(GVariant* value, GDBusMethodInvocation* invocation)
 {
     using ipodkit::Shuffle;

@@ -15,14 +15,14 @@
 
 namespace companion
 {
-/// A change is announced together with those that follow at once. A new track waits for its artwork, but not long.
+/// Announces changes that follow each other within 20 ms together. A new track waits for its artwork for up to 300 ms.
 class Player : public BusObject
 {
 public:
     Player(GDBusConnection* connection, ipodkit::Session& session, Counters& counters);
     ~Player() override;
 
-    /// Follows the state. Takes each state: the settle time of the session is 0.
+    /// Must be called with every state of the session, whose settle time must be 0.
     void Follow(const ipodkit::StatePtr& state);
 
 private:
@@ -61,15 +61,15 @@ private:
     ipodkit::Session& m_session;
     Counters& m_counters;
     const ipodkit::PictureFiles m_files;
-    ipodkit::StatePtr m_state;  // the latest
-    TrackKey m_key;
+    ipodkit::StatePtr m_state;         // the latest
+    TrackKey m_key;                    // of the current track
     std::uint64_t m_track = 0;         // counts tracks
     bool m_trackIsNew = false;         // not announced yet
     bool m_seeking = false;            // the next position is a jump, however small
     Clock::time_point m_trackSince;    // when it began
-    Clock::time_point m_changedSince;  // the first change that is not announced
+    Clock::time_point m_changedSince;  // time of the first unannounced change
     guint m_timer = 0;
-    ipodkit::PicturePtr m_picture;  // that of m_artUrl
+    ipodkit::PicturePtr m_picture;  // the image of m_artUrl
     std::string m_artUrl;
 };
 }  // namespace companion

@@ -21,7 +21,7 @@ bool IsReady(const PlayerState& state)
     return state.phase == ipodkit::Phase::Ready;
 }
 
-// The order of a shuffled or repeated list is the service's.
+// A repeated list has no ends, and only the service knows those of a shuffled one.
 bool HasNoEnds(const PlayerState& state)
 {
     return state.repeat.value_or(Repeat::Off) != Repeat::Off ||
@@ -143,23 +143,23 @@ std::optional<Repeat> RepeatOf(std::string_view loopStatus)
     return static_cast<Repeat>(found - kLoopStatus.begin());
 }
 
-// The device's audio is passed on as it is, hence the volume.
+// The volume is constant: the device's audio is passed on unchanged.
 Values PlayerProperties(const PlayerState& state, const std::string& trackId, const std::string& artUrl)
 {
     const Value one = Owned(g_variant_new_double(1));
-    const auto truth = [](bool value) { return Owned(g_variant_new_boolean(value ? TRUE : FALSE)); };
+    const auto boolean = [](bool value) { return Owned(g_variant_new_boolean(value ? TRUE : FALSE)); };
     Values values{{"PlaybackStatus", Owned(g_variant_new_string(PlaybackStatus(state)))},
                   {"Metadata", MetadataOf(state, trackId, artUrl)},
                   {"Rate", one},
                   {"MinimumRate", one},
                   {"MaximumRate", one},
                   {"Volume", one},
-                  {"CanGoNext", truth(CanGoNext(state))},
-                  {"CanGoPrevious", truth(CanGoPrevious(state))},
-                  {"CanPlay", truth(CanPlay(state))},
-                  {"CanPause", truth(CanPause(state))},
-                  {"CanSeek", truth(CanSeek(state))},
-                  {"CanControl", truth(true)}};
+                  {"CanGoNext", boolean(CanGoNext(state))},
+                  {"CanGoPrevious", boolean(CanGoPrevious(state))},
+                  {"CanPlay", boolean(CanPlay(state))},
+                  {"CanPause", boolean(CanPause(state))},
+                  {"CanSeek", boolean(CanSeek(state))},
+                  {"CanControl", boolean(true)}};
     AddModes(values, state);
     return values;
 }

@@ -12,10 +12,11 @@
 
 namespace companion
 {
-/// Identifies a track among those that follow each other. Empty titles, index -1: none plays.
+/// Distinguishes a track from the previous and the next one: index, title, artist, album, and track number. Index -1
+/// means that no track plays.
 using TrackKey = std::tuple<int, std::string, std::string, std::string, int>;
 
-/// Returns the playing track; null if there is none, or if the service is away.
+/// Returns the playing track, which @p state owns; null if there is none, or no service.
 const ipodkit::Track* PlayingTrack(const ipodkit::PlayerState& state);
 
 TrackKey KeyOf(const ipodkit::PlayerState& state);
@@ -23,7 +24,7 @@ TrackKey KeyOf(const ipodkit::PlayerState& state);
 /// Returns the length of the playing track; 0 if unknown.
 std::chrono::milliseconds LengthOf(const ipodkit::PlayerState& state);
 
-/// @name What the methods may do now: the properties of these names.
+/// @name The properties of the same names
 /// @{
 bool CanGoNext(const ipodkit::PlayerState& state);
 bool CanGoPrevious(const ipodkit::PlayerState& state);
@@ -32,13 +33,14 @@ bool CanPause(const ipodkit::PlayerState& state);
 bool CanSeek(const ipodkit::PlayerState& state);
 /// @}
 
-/// "Playing", also while winding, "Paused", or "Stopped".
+/// Returns "Playing" (also while winding), "Paused", or "Stopped".
 const char* PlaybackStatus(const ipodkit::PlayerState& state);
 
-/// Returns the mode of a LoopStatus; nothing for other texts.
+/// Returns the repeat mode of a LoopStatus; nothing if the text is not valid.
 std::optional<ipodkit::Repeat> RepeatOf(std::string_view loopStatus);
 
+/// Returns the properties, except for Position.
 /// @param trackId  object path
-/// @param artUrl   empty: none
+/// @param artUrl   empty if there is no artwork
 Values PlayerProperties(const ipodkit::PlayerState& state, const std::string& trackId, const std::string& artUrl);
 }  // namespace companion

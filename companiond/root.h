@@ -1,5 +1,5 @@
 /// @file
-/// org.mpris.MediaPlayer2: a player without a window.
+/// org.mpris.MediaPlayer2 of a player without a window.
 #pragma once
 
 #include "bus_object.h"

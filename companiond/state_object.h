@@ -1,5 +1,5 @@
 /// @file
-/// com.zarn.linux.ipod.State: the fields of the state as properties, derived from their rows.
+/// com.zarn.linux.ipod.State: a property for each field of the state, generated from its row.
 #pragma once
 
 #include <ipodkit/player_state.h>
@@ -22,6 +22,7 @@ class StateObject : public BusObject
 public:
     StateObject(GDBusConnection* connection, const Counters& counters);
 
+    /// Publishes the state.
     void Follow(const ipodkit::StatePtr& state);
 
 private:

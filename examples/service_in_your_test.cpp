@@ -1,5 +1,5 @@
 // A service for your own test: it lives in the test's process, plays along, fails on demand, and records what it was
-// asked. Run it on a bus of its own: dbus-run-session -- ./service_in_your_test
+// asked. Run it on a private bus: dbus-run-session -- ./service_in_your_test
 #include <IQBXIpodPlayer.h>
 #include <QBXLog.h>
 #include <ipodsim.h>
@@ -35,7 +35,7 @@ int main()
     }
     catch (const std::exception& error)
     {
-        // Such as that there is no bus.
+        // For example, there is no bus.
         std::fprintf(stderr, "%s\n", error.what());
         return 1;
     }

@@ -77,7 +77,7 @@ namespace
 {
 void AddEvent(Json& schema, const std::string& event, Json object)
 {
-    object["description"] = "An event, on a line of its own";
+    object["description"] = "An event, on a separate line";
     object["properties"]["time"] = {{"$ref", "#/$defs/time"}};
     object["properties"]["event"] = {{"const", event}};
     object["required"].push_back("time");

@@ -71,7 +71,7 @@ if(NOT CMAKE_CROSSCOMPILING)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
 endif()
 
-# Directories of libraries that belong to no package: our own, and those found outside the system directories.
+# Directories of libraries that belong to no package: those of the build, and those found outside the system directories.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/libipod" "${CMAKE_BINARY_DIR}/middleware"
   "${CMAKE_BINARY_DIR}/ipodkit" "${CMAKE_BINARY_DIR}/names" "${CMAKE_BINARY_DIR}/qml")
 foreach(library IN ITEMS "${QBX_MIDDLEWARE_LIBRARY}" "${ZLOG_LIBRARY}")

@@ -8,7 +8,7 @@ namespace screen
 {
 namespace
 {
-// Paths in a square of 24 units. A path is filled if its name is in kFilled, and always drawn with a line of 2 units.
+// Paths in a square of 24 units, drawn with a line of 2 units.
 const QHash<QString, QString>& Paths()
 {
     static const QHash<QString, QString> paths{

@@ -13,7 +13,7 @@
 namespace
 {
 constexpr int kUsageError = 2;
-constexpr int kPictureDelay = 2000;  // milliseconds: artwork and lists have arrived
+constexpr int kPictureDelay = 2000;  // in milliseconds; by then artwork and lists have arrived
 
 struct Arguments
 {
@@ -57,13 +57,13 @@ QString OneOf(const QStringList& values, const QString& option, const QString& v
 Arguments Parse(const QCoreApplication& app)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription("Show what an attached device plays, and control it");
+    parser.setApplicationDescription("Show and control playback of an attached device");
     parser.addHelpOption();
     parser.addOptions({{"size", "Size of the window", "WIDTHxHEIGHT", "1280x720"},
                        {"theme", "day or night", "THEME", "night"},
                        {"page", "Show this page first: nowplaying, browse, queue, or devices", "PAGE", "nowplaying"},
                        {"knob", "Keys of the rotary knob: left, right, press", "KEYS", "Left,Right,Return"},
-                       {"screenshot", "Write a picture once the page is complete, and exit", "FILE"}});
+                       {"screenshot", "Write a screenshot to FILE after two seconds, and exit", "FILE"}});
     parser.process(app);
     Arguments arguments;
     arguments.options.size = ToSize(parser.value("size"));

@@ -15,7 +15,7 @@ struct Options
     QString page = "nowplaying";  ///< "nowplaying", "browse", "queue", or "devices"
     bool night = true;
     std::array<int, 3> knob{Qt::Key_Left, Qt::Key_Right, Qt::Key_Return};  ///< keys of the knob: left, right, press
-    bool animated = true;  ///< false: every change is shown at once, for pictures
+    bool animated = true;  ///< false: changes appear at once, for screenshots
 };
 
 /// Loads the screen into @p view, which is not shown yet.

@@ -1,4 +1,4 @@
-// Growth of the companion: index and search of names, browsing a list, accessory sessions, and bursts of events.
+// Growth of ipodkit: index and search of names, browsing a list, accessory sessions, and bursts of events.
 #include <IQBXIpodPlayer.h>
 #include <QBXLog.h>
 #include <ipodkit/accessory.h>

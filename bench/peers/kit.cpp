@@ -1,4 +1,4 @@
-// This library's companion.
+// ipodkit.
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/pager.h>

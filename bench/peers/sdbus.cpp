@@ -1,4 +1,4 @@
-// sdbus-c++, with its event loop on a thread of its own.
+// sdbus-c++, with its event loop on a separate thread.
 #include <sdbus-c++/sdbus-c++.h>
 
 #include <condition_variable>

@@ -34,7 +34,7 @@ def lines_of_code(peer):
 
 
 class RunningPeer:
-    """A peer with a bus and a service of its own, so that it hears no events of others."""
+    """A peer with a private bus and service, so that it receives no events of other peers."""
 
     def __init__(self, programs, peer, stack):
         stack.enter_context(bus_and_service(programs))
@@ -73,7 +73,7 @@ def installed_peers(programs):
 
 
 def measure_works(programs, names, quick, figures):
-    """Several starts of each peer: two processes of one program differ by where their memory lies."""
+    """Several starts of each peer: two processes of one program differ in their memory layout."""
     starts, rounds = (2, 5) if quick else (10, 20)
     costs = {}
     for start in range(starts):

@@ -10,7 +10,7 @@ namespace bench
 {
 namespace
 {
-// Those that the companion sends when the service appears.
+// Those that ipodkit sends when the service appears.
 constexpr const char* kRequests[] = {"GetCurrentMediaInfo",
                                      "GetPlayingTrackIdx",
                                      "GetPlayStatus",

@@ -1,6 +1,6 @@
 /// @file
 /// A session written with GDBus alone: it subscribes to the service's signals and reads the state with the requests
-/// that the companion sends, without waiting in between.
+/// that ipodkit sends, without waiting in between.
 #pragma once
 
 #include <gio/gio.h>

@@ -1,4 +1,4 @@
-// The same client with the companion, from start to Phase::Ready: "client_kit [stay]".
+// The same client with ipodkit, from start to Phase::Ready: "client_kit [stay]".
 #include <QBXLog.h>
 #include <ipodkit/session.h>
 

@@ -1,4 +1,4 @@
-// Links the companion and the C++ library, and does nothing: the difference from link_gio is the cost of loading it.
+// Links ipodkit and the C++ library, and does nothing: the difference from link_gio is the cost of loading it.
 #include <ipodkit/session.h>
 
 #include <exception>

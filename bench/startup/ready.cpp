@@ -1,4 +1,4 @@
-// Opens a session again and again in one process: the companion's, and the same requests with GDBus alone.
+// Opens sessions repeatedly in one process: with ipodkit, and with GDBus alone, which sends the same requests.
 #include <QBXLog.h>
 #include <ipodkit/session.h>
 

@@ -58,9 +58,9 @@ void LaunchApp(Session& session, const std::string& bundle)
 {
     if (g_utf8_validate(bundle.data(), static_cast<gssize>(bundle.size()), nullptr) == FALSE)
         throw Failure(kUsage, "bundle identifier: expected UTF-8 text, got '" + Printable(bundle) + "'");
-    const std::string refusal = "the service did not launch '" + Printable(bundle) +
-                                "'; announce its protocols first: ipodctl eap init PROTOCOLS BUNDLE";
-    session.Ask(session.Commands().LaunchApp(bundle), refusal.c_str());
+    session.Ask(session.Commands().LaunchApp(bundle),
+                {"the service did not launch '" + Printable(bundle) + "'",
+                 "announce its protocols first with 'ipodctl eap init PROTOCOLS BUNDLE'"});
 }
 
 ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit::AccessoryPort& port,

@@ -176,7 +176,7 @@ void Browser::ShowMessage(const std::string& message)
 }
 
 // Success needs no message: the state shows it.
-Browser::Done Browser::ReportFailure(const char* refusal)
+Browser::Done Browser::ReportFailure(const Refusal& refusal)
 {
     BeginWaiting();
     return [weak = std::weak_ptr<Browser*>(m_self), refusal](const ipodkit::Result<void>& done)

@@ -49,7 +49,7 @@ private:
     void TogglePause();
     void Play(int entry);
     bool AcquireAudioSource();
-    Done ReportFailure(const char* refusal);
+    Done ReportFailure(const Refusal& refusal);
     void BeginWaiting();
     void EndWaiting();
     void ConnectionChanged(const ipodkit::Connection& connection);

@@ -71,10 +71,10 @@ const char* Hint(ErrorKind kind)
 }
 }  // namespace
 
-Failure ToFailure(const ipodkit::Error& error, const char* refusal)
+Failure ToFailure(const ipodkit::Error& error, const Refusal& refusal)
 {
     const bool refused = error.kind == ErrorKind::Refused;
-    if (refused && error.name.empty() && refusal != nullptr) return {kNothingDone, refusal};
+    if (refused && error.name.empty() && !refusal.message.empty()) return {kNothingDone, refusal.message, refusal.hint};
     const std::string name = refused && !error.name.empty() ? "GDBus.Error:" + error.name + ": " : "";
     return {CodeFor(error.kind), Summary(error.kind) + name + error.reason, Hint(error.kind)};
 }

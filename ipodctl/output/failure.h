@@ -41,13 +41,24 @@ private:
     std::string m_hint;
 };
 
+inline constexpr char kCheckDevices[] = "check with 'ipodctl devices' that a device is attached";
 inline constexpr char kHintForLost[] = "check whether the service is running, then try again";
+
+/// The message and the optional hint if the service answers "false". An empty message stands for the error's own.
+struct Refusal
+{
+    Refusal() = default;
+    Refusal(const char* what, std::string remedy = {}) : message(what), hint(std::move(remedy)) {}
+    Refusal(std::string what, std::string remedy = {}) : message(std::move(what)), hint(std::move(remedy)) {}
+
+    std::string message;
+    std::string hint;
+};
 
 /// Converts an ipodkit error to a Failure.
 ///
-/// @param refusal  the message if the service answered "false"; null for the error's own. Ignored for D-Bus error
-/// replies, which have their own name and text.
-Failure ToFailure(const ipodkit::Error& error, const char* refusal = nullptr);
+/// @param refusal  ignored for D-Bus error replies, which have their own name and text
+Failure ToFailure(const ipodkit::Error& error, const Refusal& refusal = {});
 
 /// Ends the run at the user's request, without a message.
 struct Interrupted

@@ -33,28 +33,28 @@ int List::Count()
     return m_session.ValueOf(m_session.Await(m_pager.Count()));
 }
 
-ipodkit::PagePtr List::PageWith(int index, const char* refusal)
+ipodkit::PagePtr List::PageWith(int index, const Refusal& refusal)
 {
     return m_session.ValueOf(m_session.Await(m_pager.At(index)), refusal);
 }
 
-std::vector<std::string> List::Names(int first, int end, const char* refusal)
+std::vector<std::string> List::Names(int first, int end, const Refusal& refusal)
 {
     if (first >= end) return {};
     return m_session.ValueOf(m_session.Await(m_pager.Range(first, end - 1)), refusal);
 }
 
-void List::Enter(ipodkit::Request<void> (ipodkit::Pager::*where)(), const char* refusal)
+void List::Enter(ipodkit::Request<void> (ipodkit::Pager::*where)(), const Refusal& refusal)
 {
     m_session.ValueOf(m_session.Await((m_pager.*where)()), refusal);
 }
 
-void List::EnterChild(int index, const char* refusal)
+void List::EnterChild(int index, const Refusal& refusal)
 {
     m_session.ValueOf(m_session.Await(m_pager.EnterChild(index)), refusal);
 }
 
-std::vector<std::string> List::AllNames(const char* refusal)
+std::vector<std::string> List::AllNames(const Refusal& refusal)
 {
     return m_session.ValueOf(m_session.Await(m_pager.Range(0, ipodkit::Pager::End)), refusal);
 }
@@ -75,8 +75,15 @@ std::string NamesText(const std::vector<std::string>& names)
 
 namespace
 {
-constexpr char kNoUpdateList[] = "the service has no update list; is a device attached?";
-constexpr char kNoPage[] = "the service has no page of this level; is a device attached?";
+Refusal NoUpdateList()
+{
+    return {"the service has no update list", kCheckDevices};
+}
+
+Refusal NoPage()
+{
+    return {"the service has no page of this level", kCheckDevices};
+}
 
 // Sources differ in the spaces between syllables, so comparisons ignore them.
 std::string FoldedPinyin(const std::string& text)
@@ -91,7 +98,7 @@ std::vector<std::string> ReadPinyin(Session& session, int from, int end, int pag
 {
     try
     {
-        return List(session, ipodkit::ListKind::DatabasePinyin, pageSize).Names(from, end, kNoPage);
+        return List(session, ipodkit::ListKind::DatabasePinyin, pageSize).Names(from, end, NoPage());
     }
     catch (const Failure& failure)
     {
@@ -119,7 +126,7 @@ void AddPinyin(std::vector<Entry>& entries, std::vector<std::string> pinyin, boo
 
 void ReadEntries(List& names, int from, int end, Page& page)
 {
-    for (std::string& name : names.Names(from, end, kNoPage))
+    for (std::string& name : names.Names(from, end, NoPage()))
         page.entries.push_back({from + static_cast<int>(page.entries.size()), std::move(name), {}});
 }
 
@@ -162,7 +169,7 @@ Page ReadLevel(Session& session, int from, int count, Pinyin pinyin)
     if (page.amount == 0) page.root = session.Ask(session.Commands().AtRoot());
     const int end = from + std::clamp(page.amount - from, 0, std::max(0, count));
     if (end <= from) return page;
-    const ipodkit::PagePtr first = names.PageWith(from, kNoPage);
+    const ipodkit::PagePtr first = names.PageWith(from, NoPage());
     page.folder = first->folders;
     page.root = first->root;
     ReadEntries(names, from, end, page);
@@ -191,9 +198,9 @@ std::optional<int> TakeIndex(std::string& text)
 Page ReadUpdateList(Session& session)
 {
     Page page;
-    for (std::string& name : List(session, ipodkit::ListKind::Update).AllNames(kNoUpdateList))
+    for (std::string& name : List(session, ipodkit::ListKind::Update).AllNames(NoUpdateList()))
         page.entries.push_back({page.amount++, std::move(name), {}});
-    std::vector<std::string> pinyin = List(session, ipodkit::ListKind::UpdatePinyin).AllNames(kNoUpdateList);
+    std::vector<std::string> pinyin = List(session, ipodkit::ListKind::UpdatePinyin).AllNames(NoUpdateList());
     AddPinyin(page.entries, std::move(pinyin), false);
     return page;
 }

@@ -22,20 +22,20 @@ public:
     int Count();
 
     /// Returns the names from @p first up to but not including @p end. The range must exist.
-    /// @param refusal  error message if the service does not have the page
-    std::vector<std::string> Names(int first, int end, const char* refusal);
+    /// @param refusal  the error if the service does not have the page
+    std::vector<std::string> Names(int first, int end, const Refusal& refusal);
 
     /// Returns all names, also of a list without a reported size.
-    std::vector<std::string> AllNames(const char* refusal);
+    std::vector<std::string> AllNames(const Refusal& refusal);
 
     /// Returns the page that holds an entry.
-    ipodkit::PagePtr PageWith(int index, const char* refusal);
+    ipodkit::PagePtr PageWith(int index, const Refusal& refusal);
 
     /// Changes the level of the database.
     /// @param where    Pager::EnterRoot or Pager::EnterParent
-    /// @param refusal  error message if the service has no such level
-    void Enter(ipodkit::Request<void> (ipodkit::Pager::*where)(), const char* refusal);
-    void EnterChild(int index, const char* refusal);
+    /// @param refusal  the error if the service has no such level
+    void Enter(ipodkit::Request<void> (ipodkit::Pager::*where)(), const Refusal& refusal);
+    void EnterChild(int index, const Refusal& refusal);
 
     static constexpr int kPageSize = 500;
 
@@ -54,7 +54,7 @@ struct Entry
 {
     int index;
     std::string name;
-    std::string pinyin;  ///< from the service, or our own reading; empty if not requested
+    std::string pinyin;  ///< from the service, or derived by ipodnames; empty if not requested
 };
 
 /// A range of entries of a level.

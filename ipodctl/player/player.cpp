@@ -97,7 +97,7 @@ Answer ToAnswer(const Playing& playing, const char* verb)
     return {json, PlayingLine(playing)};
 }
 
-void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* refusal)
+void AskOfTrack(Session& session, ipodkit::Request<void> request, const Refusal& refusal)
 {
     ipodkit::Result<void> done = std::move(request).Wait();
     const bool refused = !done && done.error().kind == ipodkit::ErrorKind::Refused && done.error().name.empty();

@@ -56,9 +56,9 @@ Answer ToAnswer(const Playing& playing, const char* verb);
 
 /// Sends a request that acts on the loaded track.
 ///
-/// @param refusal  error message if the service answers "false" although a track is loaded
+/// @param refusal  the error if the service answers "false" although a track is loaded
 /// @throws Failure  kNothingDone, if the service rejects the request
-void AskOfTrack(Session& session, ipodkit::Request<void> request, const char* refusal);
+void AskOfTrack(Session& session, ipodkit::Request<void> request, const Refusal& refusal);
 
 /// @throws Failure  always, kNothingDone
 [[noreturn]] void RefuseNothingLoaded();

@@ -58,10 +58,10 @@ public:
 
     /// Sends a request, blocks until it completes, and returns its value.
     ///
-    /// @param refusal  the message if the service answers "false"; null for the error's own message
+    /// @param refusal  the message if the service answers "false"; by default the error's own
     /// @throws Failure  if the request fails
     template <class T>
-    T Ask(ipodkit::Request<T> request, const char* refusal = nullptr)
+    T Ask(ipodkit::Request<T> request, const Refusal& refusal = {})
     {
         return ValueOf(std::move(request).Wait(), refusal);
     }
@@ -89,7 +89,7 @@ public:
     /// Returns the value of a result.
     /// @throws Failure  if the result is an error
     template <class T>
-    T ValueOf(ipodkit::Result<T> result, const char* refusal = nullptr)
+    T ValueOf(ipodkit::Result<T> result, const Refusal& refusal = {})
     {
         if (!result) throw ToFailure(AsLost(result.error()), refusal);
         if constexpr (!std::is_void_v<T>) return std::move(*result);

@@ -69,9 +69,8 @@ constexpr char kSummary[] = "Browse the music database (missing in this build)";
 
 Answer Browse(Context&)
 {
-    throw Failure(kUsage,
-                  "this ipodctl was built without the browser, which needs ncurses; "
-                  "ipodctl ls and ipodctl cd walk through the database too");
+    throw Failure(kUsage, "this ipodctl was built without the browser, which requires ncurses",
+                  "use 'ipodctl ls' and 'ipodctl cd' instead");
 }
 #endif
 

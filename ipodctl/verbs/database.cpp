@@ -20,14 +20,14 @@ List Level(Session& session)
 
 void Enter(Session& session, const Entry& entry)
 {
-    const std::string refusal = "'" + Printable(entry.name) + "' cannot be entered; if it is a song: ipodctl play " +
-                                std::to_string(entry.index);
-    Level(session).EnterChild(entry.index, refusal.c_str());
+    Level(session).EnterChild(entry.index,
+                              {"'" + Printable(entry.name) + "' cannot be entered",
+                               "if it is a song, play it with 'ipodctl play " + std::to_string(entry.index) + "'"});
 }
 
 void EnterRoot(Session& session)
 {
-    Level(session).Enter(&ipodkit::Pager::EnterRoot, "the service did not enter the root; is a device attached?");
+    Level(session).Enter(&ipodkit::Pager::EnterRoot, {"the service did not enter the root", kCheckDevices});
 }
 
 void EnterParent(Session& session)

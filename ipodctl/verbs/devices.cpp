@@ -50,7 +50,8 @@ Answer EnterDevice(Session& session, const std::string& device)
     session.HoldLevel(ipodkit::Browsing::Changing);
     const std::vector<std::string> names = ReadDevices(session);
     const int index = FindDevice(names, device);
-    session.Ask(session.Commands().EnterDevice(index), "the service did not enter the device; see ipodctl devices");
+    session.Ask(session.Commands().EnterDevice(index),
+                {"the service did not enter the device", "list the devices with 'ipodctl devices'"});
     const std::string& name = names[static_cast<std::size_t>(index)];
     return {{{"verb", "devices"}, {"entered", {{"index", index}, {"name", name}}}}, "entered " + Printable(name)};
 }
@@ -99,8 +100,8 @@ struct Button
 void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 {
     const std::chrono::milliseconds held(pressed == 0 ? button.heldFor : 0);
-    const std::string refusal = "the device rejected button " + std::to_string(button.number);
-    session.Ask(session.Commands().PressButton({button.number, pressed, held}), refusal.c_str());
+    session.Ask(session.Commands().PressButton({button.number, pressed, held}),
+                "the device rejected button " + std::to_string(button.number));
 }
 
 Run BuildButton(CLI::App& app)

@@ -119,7 +119,7 @@ Finding ExamineService(Session& session, GDBusConnection* bus)
     const std::string owner = std::string(kServiceName) + " is owned by " + name;
     ExitCode code = kDone;
     const std::string why = WhyNoAnswer(session, code);
-    if (!why.empty()) return {"service", code, owner + ", but " + why, "restart it when it does not recover"};
+    if (!why.empty()) return {"service", code, owner + ", but " + why, "restart it if it does not recover"};
     if (IsActivatable(bus))
         return {"service", kNothingDone, owner + ", and the bus may start it",
                 "start it before the applications: they hang if the bus starts it and it fails"};

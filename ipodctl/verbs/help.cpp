@@ -39,7 +39,7 @@ std::string Wrapped(const std::string& text, int width, int indent)
     return wrapped;
 }
 
-// Puts a name that is too long for its column on a line of its own.
+// Puts a name that is too long for its column on a separate line.
 std::string HelpText(const HelpRow& row, int width)
 {
     const int column = std::min(kDescriptions, width / 3);

@@ -15,13 +15,14 @@ namespace ctl
 namespace
 {
 constexpr std::chrono::seconds kReportedWithin(2);
-constexpr char kNotPaused[] = "the service did not pause; ipodctl status shows what it does";
+constexpr char kNotPaused[] = "the service did not pause";
+constexpr char kCheckStatus[] = "check the player with 'ipodctl status'";
 
 void Resume(Session& session)
 {
     TakeAudioSource(session);
     AskOfTrack(session, session.Commands().StartPlayback(ipodkit::PlayOption::Start),
-               "the service did not start playback; ipodctl status shows what it does");
+               {"the service did not start playback", kCheckStatus});
 }
 
 void PlayEntry(Session& session, const std::string& wanted)
@@ -53,7 +54,7 @@ Run BuildPlay(CLI::App& app)
 
 // Builds a verb that sends one command. @p refusal is the message if the service answers false.
 template <ipodkit::Request<void> (ipodkit::Commands::*command)() const>
-Run BuildSimple(const char* verb, const char* refusal)
+Run BuildSimple(const char* verb, const Refusal& refusal)
 {
     return [verb, refusal](Context& context)
     {
@@ -64,25 +65,25 @@ Run BuildSimple(const char* verb, const char* refusal)
 
 Run BuildPause(CLI::App&)
 {
-    return BuildSimple<&ipodkit::Commands::Pause>("pause", kNotPaused);
+    return BuildSimple<&ipodkit::Commands::Pause>("pause", {kNotPaused, kCheckStatus});
 }
 
 Run BuildStop(CLI::App&)
 {
-    return BuildSimple<&ipodkit::Commands::Stop>("stop", "the service did not stop; ipodctl status shows what it does");
+    return BuildSimple<&ipodkit::Commands::Stop>("stop", {"the service did not stop", kCheckStatus});
 }
 
 Run BuildNext(CLI::App&)
 {
-    return BuildSimple<&ipodkit::Commands::Next>(
-        "next", "the service did not skip to the next track; ipodctl queue shows whether this is the last entry");
+    return BuildSimple<&ipodkit::Commands::Next>("next", {"the service did not skip to the next track",
+                                                          "check with 'ipodctl queue' whether this is the last entry"});
 }
 
 Run BuildPrevious(CLI::App&)
 {
-    return BuildSimple<&ipodkit::Commands::Previous>(
-        "previous",
-        "the service did not return to the previous track; ipodctl queue shows whether this is the first entry");
+    return BuildSimple<&ipodkit::Commands::Previous>("previous",
+                                                     {"the service did not return to the previous track",
+                                                      "check with 'ipodctl queue' whether this is the first entry"});
 }
 
 Run BuildToggle(CLI::App&)
@@ -94,7 +95,7 @@ Run BuildToggle(CLI::App&)
         if (silent)
             Resume(context.session);
         else
-            AskOfTrack(context.session, context.session.Commands().Pause(), kNotPaused);
+            AskOfTrack(context.session, context.session.Commands().Pause(), {kNotPaused, kCheckStatus});
         return AnswerWithPlaying(context, "toggle");
     };
 }

@@ -18,7 +18,7 @@ namespace
 constexpr std::size_t kKept = 4;
 constexpr int kLargest = 1024;         // pixels of the longer side
 constexpr int kDecoderMebibytes = 64;  // enough for 4096 x 4096 pixels
-constexpr double kTint = 0.88;         // share of the color: texts stay legible on black and white artwork
+constexpr double kTint = 0.88;         // weight of the tint; text stays legible on black and on white artwork
 
 QMutex g_mutex;
 std::deque<ipodkit::PicturePtr> g_kept;
@@ -53,7 +53,7 @@ QImage Decode(const ipodkit::Picture& picture, const QSize& wanted)
     return reader.read();
 }
 
-// Two coarse scalings blur better and faster than a filter.
+// Scaling twice blurs better and faster than a filter.
 QImage Backdrop(const QImage& image, const QColor& tint, const QSize& size)
 {
     const auto smooth = Qt::SmoothTransformation;
@@ -64,7 +64,8 @@ QImage Backdrop(const QImage& image, const QColor& tint, const QSize& size)
     painter.fillRect(blurred.rect(), tint);
     return blurred;
 }
-// Clips in the scene graph would cost more, and look worse without a GPU.
+
+// Clipping in the scene graph would cost more and look worse without a GPU.
 QImage Rounded(const QImage& image, int radius)
 {
     QImage rounded(image.size(), QImage::Format_ARGB32_Premultiplied);
@@ -77,7 +78,7 @@ QImage Rounded(const QImage& image, int radius)
     return rounded;
 }
 
-// Artwork smaller than its place fills it, too.
+// Scales artwork that is smaller than its area up to it.
 QImage Enlarged(const QImage& image, const QSize& most)
 {
     if (!most.isValid() || image.width() >= most.width() || image.height() >= most.height()) return image;

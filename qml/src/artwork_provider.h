@@ -1,5 +1,5 @@
 /// @file
-/// The image provider `image://ipod/…`: artwork by its hash, decoded on a thread of its own.
+/// The image provider `image://ipod/…`: artwork by its hash, decoded on a separate thread.
 #pragma once
 
 #include <ipodkit/picture.h>
@@ -10,15 +10,15 @@ class QQmlEngine;
 
 namespace ipodqml
 {
-/// Keeps the last images available to the providers of all engines.
+/// Makes an image available to the providers of all engines, until four newer ones replace it. Any thread.
 void KeepForProviders(const ipodkit::PicturePtr& picture);
 
 /// Adds the provider to an engine that has none.
 void AddArtworkProvider(QQmlEngine& engine);
 
-/// Answers `HASH` with the image, `HASH/rounded/RADIUS` with its corners rounded, and `HASH/backdrop/COLOR` with a
-/// blurred one that is mixed with COLOR so far that text on it stays legible. An image that is damaged, too large to
-/// decode, or not available any more is transparent.
+/// Provides `HASH`, the image; `HASH/rounded/RADIUS`, with rounded corners; and `HASH/backdrop/COLOR`, blurred and
+/// mixed with COLOR until text on it is legible. An image that is damaged, too large to decode, or no longer available
+/// is transparent.
 class ArtworkProvider : public QQuickImageProvider
 {
 public:

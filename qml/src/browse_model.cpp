@@ -13,7 +13,7 @@ namespace
 {
 constexpr ipodkit::PagerOptions kAllNames{250, 1, 0};
 constexpr std::size_t kMatches = 1000;
-constexpr int kIndexed = 200'000;  // names; longer lists have neither letters nor search
+constexpr int kIndexed = 200'000;  // names; longer lists have neither sections nor search
 }  // namespace
 
 BrowseModel::BrowseModel() : PagedModel(ipodkit::ListKind::Database)
@@ -21,7 +21,7 @@ BrowseModel::BrowseModel() : PagedModel(ipodkit::ListKind::Database)
     ipodkit::Session* const kit = Session::Instance().Kit();
     if (kit == nullptr) return;
     m_reader.emplace(*kit, ipodkit::ListKind::Database, kAllNames);
-    // Another service starts at the top level.
+    // A new service starts at the top level.
     connect(&Session::Instance(), &Session::connectionChanged, this,
             [this]
             {
@@ -109,14 +109,14 @@ void BrowseModel::Moved(const QStringList& path, int row)
     m_found.clear();
     Clear();
     Q_EMIT pathChanged();
-    // Moving the view waits until the rows exist.
+    // The view can scroll only when the rows exist.
     connect(
         this, &PagedModel::countChanged, this, [this, row] { Q_EMIT levelChanged(row); }, Qt::SingleShotConnection);
     Recount();
 }
 
-// By this model's own change of level, or because the device or the service changed. Then the level is the top one
-// again, unless another application entered one, whose name is unknown.
+// The level of this model changed, or the device or the service did. In the latter case the level is the top one,
+// unless another application has entered a level, whose name is unknown.
 void BrowseModel::Outdated()
 {
     if (m_moving) return;

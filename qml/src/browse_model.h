@@ -27,15 +27,17 @@ class BrowseModel : public PagedModel
     /// The letters of the level in alphabetical order, each with `label` and the `row` of its first name; empty until
     /// all names are read.
     Q_PROPERTY(QVariantList sections READ Sections NOTIFY indexed)
-    /// While it is not empty, the rows are the matching entries: names, initials, or pinyin, up to 1000.
+    /// Search text. While it is not empty, the rows are up to 1,000 entries that match by name, initials, or pinyin.
     Q_PROPERTY(QString query READ Query WRITE SetQuery NOTIFY queryChanged)
 
 public:
     BrowseModel();
     ~BrowseModel() override { Close(); }
 
-    /// Enters the entry of the row, or plays it when entries are no folders.
+    /// Enters the entry of the row if entries are folders, and plays it otherwise.
     Q_INVOKABLE void open(int row);
+
+    /// Returns to the parent level.
     Q_INVOKABLE void back();
 
     QStringList Path() const { return m_path; }
@@ -46,7 +48,7 @@ public:
 
 Q_SIGNALS:
     void pathChanged();
-    void levelChanged(int row);  ///< another level is listed; @p row is the row to show first
+    void levelChanged(int row);  ///< another level is listed; the view should scroll to @p row
     void foldersChanged();
     void indexed();
     void queryChanged();
@@ -84,9 +86,9 @@ private:
     QStringList m_path;
     QVariantList m_sections;
     QString m_query;
-    unsigned m_lists = 0;  // counts lists, to recognize results of an earlier one
+    unsigned m_lists = 0;  // counts lists, so that results for an earlier one are ignored
     bool m_folders = true;
-    bool m_foldersKnown = false;  // of this list, and not of the one before
+    bool m_foldersKnown = false;  // whether m_folders is that of the current list
     bool m_moving = false;
 };
 }  // namespace ipodqml

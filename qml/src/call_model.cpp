@@ -10,7 +10,7 @@ namespace ipodqml
 {
 namespace
 {
-// The row's position among the rows is its role.
+// The role of a row is its position among the rows of PhoneCall.
 template <class Use>
 void ForEachRole(const Use& use)
 {
@@ -64,7 +64,7 @@ QVariantMap CallModel::Current() const
     return m_calls.empty() ? Unknown<ipodkit::PhoneCall>().toMap() : ToVariant(m_calls.front().call).toMap();
 }
 
-// Both are sorted by key.
+// Merges the calls into the model: both are sorted by key.
 void CallModel::Show(const std::map<std::string, ipodkit::PhoneCall>& calls)
 {
     int row = 0;

@@ -16,8 +16,10 @@ class CallModel : public QAbstractListModel
     Q_OBJECT
     QML_ELEMENT
 
+    /// Number of calls.
     Q_PROPERTY(int count READ rowCount NOTIFY changed)
-    /// The call that matters most, as an object of the roles: a ringing one before others; empty texts without a call.
+    /// The most important call, as an object with the roles as members: a ringing one, or else the first. Without calls
+    /// its texts are empty.
     Q_PROPERTY(QVariantMap current READ Current NOTIFY changed)
 
 public:

@@ -8,7 +8,7 @@
 
 namespace ipodqml
 {
-/// What plays, and what comes next. Player.trackIndex is the row that plays.
+/// The playing list. Player.trackIndex is the playing row.
 class QueueModel : public PagedModel
 {
     Q_OBJECT
@@ -16,6 +16,8 @@ class QueueModel : public PagedModel
 
 public:
     QueueModel();
+
+    /// Requests the audio source, and plays the entry.
     Q_INVOKABLE void play(int row);
 };
 

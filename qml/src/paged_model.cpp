@@ -14,7 +14,7 @@ namespace
 constexpr int kPage = 50;
 constexpr int kAhead = 25;            // entries before the end of a page at which the next one is read
 constexpr std::size_t kCached = 100;  // pages
-constexpr std::size_t kWanted = 20;   // pages; a list that is flung leaves older ones behind
+constexpr std::size_t kWanted = 20;   // pages; fast scrolling drops older ones
 constexpr std::size_t kUnderWay = 2;  // pages
 constexpr int kRetryMilliseconds = 500;
 }  // namespace
@@ -120,8 +120,8 @@ void PagedModel::PageArrived(int page, const ipodkit::Result<ipodkit::PagePtr>& 
     if (Rows() == m_entries && last >= page * kPage) Q_EMIT dataChanged(index(page * kPage), index(last));
 }
 
-// The service was slow, or the list changed after the request: a want for the page of the new list may have been
-// dropped because this one was under way.
+// The service was slow, or the list changed after the request. In that case WantPage() may have ignored the page of the
+// new list because this request was pending.
 void PagedModel::Retry(int page, ipodkit::ErrorKind why)
 {
     const bool again = why == ipodkit::ErrorKind::TimedOut || why == ipodkit::ErrorKind::Cancelled;
@@ -153,7 +153,7 @@ void PagedModel::CountArrived(const ipodkit::Result<int>& count)
     Q_EMIT countChanged();
 }
 
-// Rows stay where they are, so that a list keeps its position; their names are read again.
+// Keeps existing rows, so that the view does not scroll; their names are read again.
 void PagedModel::SetEntries(int entries)
 {
     const int before = Rows();

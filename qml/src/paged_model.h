@@ -43,7 +43,7 @@ Q_SIGNALS:
     void countChanged();
 
 protected:
-    /// Completes the requests under way. For destructors: their completions use members.
+    /// Cancels pending requests. Derived destructors must call it, because completions use their members.
     void Close();
 
     /// Reads the number of entries again, and the pages that are shown.
@@ -55,7 +55,7 @@ protected:
     /// Removes all rows until the list is counted.
     void Clear();
 
-    /// Whether rows are entries of the device's list, in its order; a search lists others.
+    /// Returns the entry of a row. They differ if a search shows only some entries.
     virtual std::optional<int> EntryOf(int row) const { return row; }
     virtual const std::string* NameOf(int entry) const;
     virtual void Counting() {}
@@ -74,7 +74,6 @@ private:
     void ReadWanted();
     void Read(int page);
     void PageArrived(int page, const ipodkit::Result<ipodkit::PagePtr>& arrived);
-
     void Retry(int page, ipodkit::ErrorKind why);
 
     std::optional<ipodkit::Pager> m_pager;

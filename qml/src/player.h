@@ -14,16 +14,16 @@ class QQmlEngine;
 
 namespace ipodqml
 {
-/// The state of the player: a property per row of ipodkit::PlayerState, and the commands of playback.
+/// The state of the player, with a property for each row of ipodkit::PlayerState, and the playback commands.
 class Player : public RowMap
 {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
 
-    /// Position in the track in milliseconds, which advances during playback; 0 while unknown.
+    /// Position in the track in milliseconds; it advances during playback, and is 0 while unknown.
     Q_PROPERTY(double elapsed READ Elapsed NOTIFY elapsedChanged)
-    /// Why properties are unknown, by name; known ones are missing.
+    /// Reasons why properties are unknown, by property name; known properties have no entry.
     Q_PROPERTY(QVariantMap why READ Why NOTIFY whyChanged)
 
 public:
@@ -53,7 +53,7 @@ private:
     QTimer m_tick;
 };
 
-/// The battery of the device: a property per row of ipodkit::Battery.
+/// The battery of the device, with a property for each row of ipodkit::Battery.
 class BatteryInfo : public RowMap
 {
     Q_OBJECT

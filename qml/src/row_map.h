@@ -8,7 +8,7 @@
 
 namespace ipodqml
 {
-/// Its properties are read-only for QML: what QML assigns has no effect.
+/// Its properties are read-only for QML: assignments have no effect.
 class RowMap : public QQmlPropertyMap
 {
 protected:

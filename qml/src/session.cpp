@@ -35,7 +35,7 @@ void SurviveTheBus()
     g_bus_get(G_BUS_TYPE_SESSION, nullptr, keep, nullptr);
 }
 
-bool IsOfNoService(const ipodkit::Error& error)
+bool MeansNoService(const ipodkit::Error& error)
 {
     using ipodkit::ErrorKind;
     return error.kind == ErrorKind::NoBus || error.kind == ErrorKind::NoService ||
@@ -119,7 +119,7 @@ void Session::refresh()
     if (m_kit != nullptr) m_kit->Refresh();
 }
 
-// As in any application of the head unit, playback requires the audio source.
+// On a head unit, an application must own the audio source before it starts playback.
 bool Session::AcquireAudio()
 {
     if (m_kit == nullptr) return false;
@@ -145,7 +145,7 @@ void Session::Send(const QString& what, ipodkit::Request<void> request)
 
 void Session::Report(const QString& what, const ipodkit::Error& error)
 {
-    if (IsOfNoService(error)) return;
+    if (MeansNoService(error)) return;
     Q_EMIT failed(what, Text(error.reason), QString::fromUtf8(ipodkit::Remedy(error.kind)));
 }
 

@@ -31,7 +31,7 @@ inline QString Text(const std::string& text)
 /// "trackIndex" for "track_index".
 QString PropertyName(const char* rowName);
 
-/// The address of an image for QML; empty when there is none.
+/// Returns the URL of an image for QML; empty for null.
 QString ArtworkAddress(const ipodkit::PicturePtr& picture);
 
 template <class T>
@@ -46,7 +46,7 @@ struct IsOptional<std::optional<T>> : std::true_type
 template <class T>
 QVariant ToVariant(const T& value);
 
-/// Returns what stands for an unknown value of the type.
+/// Returns the placeholder for an unknown value of the type.
 template <class T>
 QVariant Unknown()
 {
@@ -131,7 +131,7 @@ QVariant ToVariant(const T& value)
         return Of(value);
 }
 
-/// Returns the value that has a name; nothing when no value has it.
+/// Returns the enumerator with that name; nothing if there is none.
 template <class E>
 std::optional<E> FromName(const QString& name)
 {

@@ -1,6 +1,6 @@
 import QtQuick
 
-// The artwork of the playing track, or a note where there is none, or none that can be decoded.
+// The artwork of the playing track; a musical note if it has none, or it cannot be decoded.
 Rectangle {
     id: frame
 

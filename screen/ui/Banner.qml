@@ -1,6 +1,6 @@
 import QtQuick
 
-// A line above the page, which can be closed.
+// A dismissible line above the page.
 Rectangle {
     id: banner
 

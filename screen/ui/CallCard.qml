@@ -1,7 +1,7 @@
 import QtQuick
 import Ipod
 
-// A phone call: a card while it rings, which can be hidden, and a line afterwards.
+// A phone call: a card while it rings, which can be hidden, then a line for the banner.
 Item {
     id: calls
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Ipod
 
-// The screen: a rail of pages, the page, and above it what must not be missed.
+// The screen: a rail of buttons for the pages, the current page, and banners above it.
 FocusScope {
     id: root
 
@@ -22,8 +22,8 @@ FocusScope {
     readonly property string offer: Player.carplay.status === "detected" ? qsTr("CarPlay is available") : Player.wireless.available ? qsTr("Wireless CarPlay is available") : Player.carlife === "detected" ? qsTr("CarLife is available") : ""
     readonly property var problem: ({
             "absent": [qsTr("Waiting for the iPod service"), Session.error.kind === "" ? qsTr("It has not started yet.") : Session.error.reason + (Session.error.remedy === "" ? "" : ": " + Session.error.remedy)],
-            "connecting": [qsTr("Connecting"), qsTr("The iPod service is being read.")],
-            "lost": [qsTr("The iPod service stopped"), qsTr("Music returns as soon as it is back.")],
+            "connecting": [qsTr("Connecting"), qsTr("Reading the state of the device.")],
+            "lost": [qsTr("The iPod service stopped"), qsTr("The music returns when it restarts.")],
             "ready": [qsTr("No device"), qsTr("Attach an iPod or iPhone.")]
         })[Session.phase] ?? ["", ""]
 
@@ -112,7 +112,7 @@ FocusScope {
     Connections {
         target: Session
         function onFailed(request, reason, remedy) {
-            toast.show(qsTr("The device did not do this (%1)").arg(request) + (remedy === "" ? "" : ": " + remedy));
+            toast.show(qsTr("The request failed (%1)").arg(request) + (remedy === "" ? "" : ": " + remedy));
         }
     }
 

@@ -65,7 +65,7 @@ ListView {
             color: row.marked ? Theme.accent : Theme.quiet
             size: Theme.icon - 6
         }
-        // Stands for a name until it arrives.
+        // Placeholder until the name arrives.
         Rectangle {
             visible: !row.loaded
             anchors.verticalCenter: parent.verticalCenter
@@ -106,7 +106,7 @@ ListView {
         }
     }
 
-    // Where the list is scrolled to.
+    // Scroll indicator.
     Rectangle {
         anchors.right: parent.right
         y: list.visibleArea.yPosition * list.height

@@ -1,7 +1,7 @@
 import QtQuick
 import Ipod
 
-// What plays: artwork and titles, position, and the controls of playback.
+// The playing track: artwork, titles, position, and playback controls.
 Item {
     id: page
 

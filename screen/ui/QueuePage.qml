@@ -1,7 +1,7 @@
 import QtQuick
 import Ipod
 
-// What plays, and what comes next.
+// The playing list.
 Item {
     id: page
 

@@ -1,7 +1,7 @@
 pragma Singleton
 import QtQuick
 
-// Colors, sizes, and times: the only place that has them.
+// All colors, sizes, and times.
 QtObject {
     property bool night: true
     property bool compact: false // windows below 600 pixels of height

@@ -6,7 +6,7 @@ Rectangle {
 
     property string icon
     property string text
-    property string label: text // for those who cannot see it
+    property string label: text // for screen readers
     property bool filled: false
     property bool checked: false
     property color resting: "transparent"

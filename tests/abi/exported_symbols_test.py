@@ -12,7 +12,7 @@ BOOST = tuple(int(number) for number in sys.argv[4].split("."))
 # The first version whose exceptions are visible to the linker, and the first one without a boost_system library.
 BOOST_SHOWS_EXCEPTIONS, BOOST_HAS_NO_SYSTEM = (1, 62), (1, 89)
 
-# Foreign functions instantiated with our messages exist nowhere else.
+# Third-party templates instantiated with this library's messages exist nowhere else.
 OURS_BY_ARGUMENT = re.compile(r"_ZN6google8protobuf5Arena18CreateMaybeMessageIN4ipod")
 
 # Without these, whether a program can catch the library's exceptions by type would depend on the program.

@@ -1,4 +1,5 @@
-// An application that starts late: prints the first call that it knows, how long after Ready, and what is remembered.
+// An application that starts late: prints the first call, the time from Ready until it is known, and the remembered
+// fields.
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/session.h>

@@ -15,7 +15,7 @@ QUICK = {"ASAN_OPTIONS": "fast_unwind_on_malloc=1"}
 
 @dataclasses.dataclass
 class Row:
-    """One fault. Every set of arguments is a case, and a process, of its own."""
+    """One fault. Every set of arguments is a separate case in a separate process."""
     area: str
     fault: str
     expected: str

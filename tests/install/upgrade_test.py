@@ -106,7 +106,7 @@ def version_here(package):
 
 
 class Root:
-    """A file system with a dpkg database that lists our dependencies as installed."""
+    """A file system with a dpkg database that lists the packages' dependencies as installed."""
 
     def __init__(self, path, architecture, needed):
         self.path = path
@@ -134,7 +134,7 @@ class Root:
                    timeout=120)
 
     def files(self):
-        """Returns our installed files."""
+        """Returns the installed files of the packages."""
         return {"/" + str(path.relative_to(self.path)) for path in self.path.rglob("*")
                 if (path.is_symlink() or path.is_file())
                 and path.relative_to(self.path).parts[0] not in ("var", "programs")}

@@ -52,6 +52,13 @@ TEST(ToFailure, ReportsARefusalInTheWordsOfTheVerb)
     EXPECT_STRNE(ToFailure({ErrorKind::TimedOut, "x"}, "it did not pause").what(), "it did not pause");
 }
 
+TEST(ToFailure, SuggestsARemedyOfARefusalInTheHint)
+{
+    const Failure failure = ToFailure({ErrorKind::Refused, "x"}, {"it did not pause", "check the player"});
+    EXPECT_STREQ(failure.what(), "it did not pause");
+    EXPECT_EQ(failure.hint(), "check the player");
+}
+
 TEST(ToFailure, ReportsAnErrorOfTheServiceByItsName)
 {
     const Failure failure = ToFailure({ErrorKind::Refused, "not now", "com.example.Busy"}, "it did not pause");

@@ -1,5 +1,5 @@
 // Compares random sequences of events, restarts, errors, invalid input, and delays with a model that is independent of
-// the companion: a table of texts. IPODKIT_SEQUENCES and IPODKIT_SEED set the number of sequences and the first seed.
+// ipodkit: a table of texts. IPODKIT_SEQUENCES and IPODKIT_SEED set the number of sequences and the first seed.
 #include <cstdio>
 #include <cstdlib>
 #include <random>

@@ -17,10 +17,10 @@ constexpr std::size_t Size(std::size_t onTheUnit, std::size_t onADesk)
 static_assert(sizeof(PlayListSongNameStr) == 256 && offsetof(PlayListSongNameStr, name) == 0, "an entry is its name");
 static_assert(sizeof(QBXStringPageVector) == Size(16, 32), "allocator, entries, size, capacity: one word each");
 static_assert(sizeof(QBXByteVector) == Size(16, 32), "allocator, entries, size, capacity: one word each");
-static_assert(sizeof(QBXSegmentManager) == Size(108, 200), "it lies at the beginning of a segment");
+static_assert(sizeof(QBXSegmentManager) == Size(108, 200), "it is at the beginning of a segment");
 static_assert(sizeof(QBXSharedSegment) == Size(24, 40), "applications may reach the two segments");
 
-static_assert(sizeof(iPodPlayerButtonControl) == 12, "passed by value and sent as it lies in memory");
+static_assert(sizeof(iPodPlayerButtonControl) == 12, "passed by value and sent as it is in memory");
 static_assert(offsetof(iPodPlayerButtonControl, word2) == 4 && offsetof(iPodPlayerButtonControl, word3) == 8,
               "no padding between the words");
 static_assert(sizeof(iPodBattery_t) == 12, "two optional members");

@@ -1,4 +1,4 @@
-// Input that no honest device sends, long lists, and what makes a screen usable for everybody.
+// Hostile input, long lists, and accessibility.
 #include <QAccessible>
 #include <QBuffer>
 #include <QColor>

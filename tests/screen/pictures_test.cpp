@@ -1,4 +1,4 @@
-// Each page as it looks, with the built-in library and nothing that moves.
+// Compares each page with a reference image, with the built-in library and without animations.
 #include "pictures.h"
 #include "screen_fixture.h"
 
@@ -8,7 +8,7 @@ namespace
 {
 using Pictures = ScreenTest;
 
-// Returns once nothing changes any more: artwork and lists arrive on their own.
+// Waits until the picture no longer changes, because artwork and lists arrive asynchronously.
 QImage Settled(QQuickView& window)
 {
     QImage before;

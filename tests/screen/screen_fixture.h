@@ -16,10 +16,10 @@
 
 namespace screentest
 {
-/// Warnings of Qt and QML so far. The fixture fails a test that has any.
+/// Warnings of Qt and QML so far. The fixture fails a test that causes any.
 QStringList& Warnings();
 
-/// Stops the bus of the test process; it does not return.
+/// Stops the bus of the test process for good.
 extern std::function<void()> StopBus;
 
 /// Runs the loop until the condition holds; returns whether it did within some seconds.
@@ -48,10 +48,10 @@ protected:
     /// Plays the song of that title, and waits until the screen shows it.
     void PlaySong(const QString& title);
 
-    /// Plays that song, pauses it in the middle, and drains the battery a bit: a picture for pages to show.
+    /// Plays that song, pauses it in the middle, and lowers the battery level, so that pages have contents to show.
     void PauseInTheMiddle(const QString& title);
 
-    /// Returns the item of that name; fails the test when there is none.
+    /// Returns the item of that name; fails the test if there is none.
     QQuickItem* Item(const QString& name);
     bool IsShown(const QString& name);
     QString TextOf(const QString& name);
@@ -63,7 +63,7 @@ protected:
     QString VisibleTexts();
     bool Shows(const QString& text) { return VisibleTexts().split('\n').contains(text); }
 
-    /// @name What a user does
+    /// @name User input
     /// @{
     void Tap(const QString& name);
     void TapText(const QString& text);

@@ -1,4 +1,4 @@
-// What people do with the screen, from tap to service.
+// User stories, from tap to service.
 #include <QSignalSpy>
 #include <QTest>
 
@@ -162,7 +162,7 @@ TEST_F(Stories, ARequestThatFailsIsReported)
     PlaySong("Blue Lantern");
     Service().Do("fault", "error@Next/1");
     Tap("next");
-    EXPECT_TRUE(Until([this] { return VisibleTexts().contains("The device did not do this (next)"); }));
+    EXPECT_TRUE(Until([this] { return VisibleTexts().contains("The request failed (next)"); }));
     Tap("next");
     EXPECT_TRUE(Until([this] { return TextOf("title") != "Blue Lantern"; }));
 }

@@ -3,7 +3,7 @@
 # A failed call leaks its error (docs/oddities.md); docs/reliability.md gives the measured bytes.
 KEPT_BY_A_FAILED_CALL = 200
 LARGEST_HEAP_SLOPE = 64  # KiB per minute allocated beyond that
-# KiB of resident memory per minute beyond that: leaked errors lie between freed event queues, so not all of that memory
+# KiB of resident memory per minute beyond that: leaked errors are between freed event queues, so not all of that memory
 # returns to the system.
 LARGEST_RESIDENT_SLOPE = 2048
 BLOCK = 5  # samples, of which the smallest counts: a short queue of events is not growth

@@ -1,5 +1,5 @@
 /// @file
-/// The fake service of the tests. It has no behavior of its own, so no simulator logic can hide a defect of the client.
+/// The fake service of the tests. Tests define all of its behavior, so no simulator logic can hide a defect of the client.
 #pragma once
 
 #include <ipodsim_script.h>

@@ -40,7 +40,7 @@ private:
 /// Writes into a vector, as a broken service may, that it holds and has room for so many elements.
 void ForgeSize(void* vector, std::size_t count);
 
-/// A byte vector that an application has in a segment of its own.
+/// A byte vector in a private segment of an application.
 class OwnBuffer
 {
 public:

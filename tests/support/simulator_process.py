@@ -13,7 +13,7 @@ from private_session import LIMIT, Bus, enter_private_namespace, line_within
 
 
 def begin(*options):
-    """Goes on in a shared memory and on a bus of its own. Returns the options of the command line, --simulator and
+    """Continues in private shared memory and on a private bus. Returns the options of the command line, --simulator and
     --interpreter among them, and leaves the rest of it in sys.argv."""
     parser = argparse.ArgumentParser()
     for name in ("--simulator", *options):

@@ -126,7 +126,7 @@ std::vector<char> Garbage()
 
 using Image = std::vector<char>;
 
-// An object that is no segment, made of the image of a valid one.
+// An object that is not a valid segment, made from the image of a valid one.
 struct Object
 {
     const char* name;

@@ -101,7 +101,7 @@ class Run(unittest.TestCase):
     def ordinary_user(self):
         return NOBODY if os.geteuid() == 0 else None
 
-    # Debian packages of our own
+    # Debian packages of this project
 
     def packaged(self):
         return re.findall(r"-E chdir build/(\w+) cpack", "\n".join(self.called("cmake")))

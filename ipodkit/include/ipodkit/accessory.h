@@ -33,11 +33,11 @@ struct AccessoryOptions
     std::size_t highWater = 1 << 18;  ///< bytes that may wait in a session; 0 allows one write at a time
 };
 
-/// How many bytes the write buffer takes at once now; 0 while it is not attached. More would use up the segment, from
-/// which the buffer never returns anything: pictures and received bytes would find no room any more. A new segment
-/// takes a third of its size. Any thread.
+/// Returns how many bytes the write buffer accepts at once now; 0 while it is not attached. The buffer never shrinks: a
+/// larger one would use up the segment and leave no room for artwork and received bytes. In a new segment, the limit is
+/// a third of its size. Any thread.
 ///
-/// Sessions refuse larger chunks by themselves; the core's EapWrite() knows no limit.
+/// Sessions reject larger chunks; the core's EapWrite() has no limit.
 std::size_t RoomForAccessoryBytes();
 
 /// One session, until the device closes it, or the service, the port, or the Session ends. A closed session stays
@@ -47,9 +47,9 @@ class AccessorySession
 public:
     using DataCallback = std::function<void(const Result<Bytes>&)>;
 
-    std::uint16_t Number() const;
-    unsigned char Protocol() const;  ///< index of its protocol among those announced
-    bool IsOpen() const;
+    std::uint16_t Number() const;    ///< reported by the service; unique among the open sessions
+    unsigned char Protocol() const;  ///< index of its protocol among those announced, from 0
+    bool IsOpen() const;             ///< false once it is closed, for good
 
     /// Sends bytes, after those of the writes started before. Completes when the service has accepted the last byte.
     /// Each chunk has the session's deadline; Within() limits the whole.
@@ -62,13 +62,13 @@ public:
     /// Any thread may make and start it.
     Request<void> Write(Bytes bytes);
 
-    /// Returns whether Write() would queue so many bytes now. An empty queue accepts any amount.
+    /// Returns whether Write() would queue that many bytes now. An empty queue accepts any number.
     bool HasRoomFor(std::size_t bytes) const;
 
     /// Returns the number of bytes that are queued and that the service has not accepted yet.
     std::size_t Waiting() const;
 
-    /// Reports received bytes, or ErrorKind::Ambiguous.
+    /// Reports received bytes, in the order of their arrival, or ErrorKind::Ambiguous.
     Subscription OnData(std::string name, DataCallback callback);
 
     /// Calls back each time the queue becomes empty, also after an error, while the session is open.
@@ -92,16 +92,20 @@ class AccessoryPort
 public:
     explicit AccessoryPort(Session& session, const AccessoryOptions& options = {});
 
-    /// Closes its sessions, as far as the application sees them.
+    /// Closes its AccessorySession objects: their writes complete with ErrorKind::Cancelled. The device's sessions stay
+    /// open.
     ~AccessoryPort();
     AccessoryPort(const AccessoryPort&) = delete;
     AccessoryPort& operator=(const AccessoryPort&) = delete;
 
-    std::vector<AccessorySessionPtr> Sessions() const;  ///< those that are open
+    /// Returns the open sessions.
+    std::vector<AccessorySessionPtr> Sessions() const;
 
     /// As AccessorySession::Write(), to a session by its number, also to one that was opened before this process
     /// listened. ErrorKind::Refused when the service has no such session.
     Request<void> WriteTo(std::uint16_t session, Bytes bytes);
+
+    /// Reports each session that the device opens from now on. Sessions() has those that are open already.
     Subscription OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback);
 
 private:

@@ -99,7 +99,7 @@ struct Rows<ShuffleChanged>
     };
 };
 
-/// Another track plays. Its artwork follows in an ArtworkChanged of its own.
+/// Another track plays. Its artwork follows in a separate ArtworkChanged.
 struct TrackChanged
 {
     int index = -1;  ///< in the playing list, from 0; -1 when nothing plays

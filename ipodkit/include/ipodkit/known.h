@@ -18,10 +18,10 @@ namespace ipodkit
 enum class Unknown : int
 {
     NotReported,   ///< no event has reported it yet
-    Refused,       ///< the service answered the request with an error, or with something that is not valid
-    TimedOut,      ///< the service has not answered within the deadline; the answer is still awaited
+    Refused,       ///< the service answered the request with an error or an invalid value
+    TimedOut,      ///< the service did not answer within the deadline; the answer is still awaited
     NoDevice,      ///< no device is attached
-    NotSupported,  ///< the service does not know the request
+    NotSupported,  ///< the service does not support the request
 };
 template <>
 struct EnumNames<Unknown>
@@ -30,8 +30,8 @@ struct EnumNames<Unknown>
     static constexpr const char* names[] = {"not reported yet", "refused", "timed out", "no device", "not supported"};
 };
 
-/// A value, or why it is unknown. Used like std::optional: value() of an unknown one throws std::bad_optional_access,
-/// `*` and `->` are undefined.
+/// A value, or the reason why it is unknown. Used like std::optional: for an unknown value, value() throws
+/// std::bad_optional_access, and `*` and `->` are undefined.
 template <class T>
 class Known
 {

@@ -117,10 +117,10 @@ bool operator==(const Position& one, const Position& other);
 
 /// The state of the player and the device. Numbers without a name are passed on.
 ///
-/// Read from the service when it appears, when a device comes or goes, and when this session enters one: track, index,
-/// status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, foreground app. Only
-/// events report the rest, which is unknown until the first. If the companion daemon runs, it reports what the
-/// service's earlier events did: such fields are known and in @c remembered.
+/// Track, index, status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, and
+/// foreground app are read from the service when it appears, when a device is attached or removed, and when this
+/// session enters one. Only events report the rest, which is unknown until the first. If the companion daemon runs,
+/// fields that earlier events reported are known, and listed in @c remembered.
 struct PlayerState
 {
     std::uint64_t version = 0;  ///< incremented with each published state
@@ -131,26 +131,26 @@ struct PlayerState
     Fields missing;                ///< not answered within the deadline, but still awaited; Phase::Ready only
     Fields remembered;             ///< known only from the companion daemon; calls and accessory sessions: some of them
 
-    Known<Track> track;
-    Known<int> trackIndex;  ///< -1 when nothing plays
-    Known<PlayStatus> status;
-    Known<Position> position;
-    Known<Shuffle> shuffle;
-    Known<Repeat> repeat;
+    Known<Track> track;         ///< the playing or paused track
+    Known<int> trackIndex;      ///< its index in the playing list, from 0; -1 when nothing plays
+    Known<PlayStatus> status;   ///< playing, paused, stopped, or winding
+    Known<Position> position;   ///< in the track
+    Known<Shuffle> shuffle;     ///< shuffle mode
+    Known<Repeat> repeat;       ///< repeat mode
     Known<int> queueSize;       ///< entries of the playing list
     Known<PicturePtr> artwork;  ///< of the playing track; null when it has none
 
-    Known<DeviceStatus> device;     ///< of the last event
-    Known<int> deviceCount;         ///< attached devices
-    Known<std::string> deviceName;  ///< of the entered device, as its owner named it
-    Known<bool> sourceValid;        ///< whether the device's audio can be used
-    Known<CarPlayDevice> carPlay;
-    Known<DeviceStatus> carLife;
-    Known<WirelessCarPlay> wireless;
-    Known<PairingInfo> pairing;        ///< out-of-band pairing information
-    Known<LocationStatus> location;    ///< whether the device requests location information
-    Known<std::string> foregroundApp;  ///< bundle identifier; empty if none is in front
-    Known<Battery> battery;
+    Known<DeviceStatus> device;              ///< whether a device was detected, according to the last event
+    Known<int> deviceCount;                  ///< attached devices
+    Known<std::string> deviceName;           ///< of the entered device, as its owner named it
+    Known<bool> sourceValid;                 ///< whether the device's audio can be used
+    Known<CarPlayDevice> carPlay;            ///< the CarPlay device
+    Known<DeviceStatus> carLife;             ///< whether a CarLife device was detected
+    Known<WirelessCarPlay> wireless;         ///< the wireless CarPlay device
+    Known<PairingInfo> pairing;              ///< out-of-band pairing information
+    Known<LocationStatus> location;          ///< whether the device requests location information
+    Known<std::string> foregroundApp;        ///< bundle identifier; empty if no app is in the foreground
+    Known<Battery> battery;                  ///< charge and charging status
     std::map<std::string, PhoneCall> calls;  ///< ongoing calls by UUID; those without one share the key ""
     std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open ones: index of the protocol by number
 

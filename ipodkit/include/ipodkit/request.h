@@ -12,9 +12,9 @@
 /// session's context, exactly once, never inside Start(). What they throw is logged, level WARN, and goes no further.
 ///
 /// **Blocking.** The Wait() of a command needs no context: it iterates none, and may be called on any thread, also on
-/// the session's (which it blocks). All other requests (of pagers, accessory sessions, and audio sources, and
-/// Session::Changed()) need the context to run: on its thread Wait() returns ErrorKind::WouldDeadlock, on others it
-/// blocks.
+/// the session's (which it blocks). All other requests (of pagers, accessory sessions, audio sources, and leases, and
+/// Session::Changed() and Refreshed()) need the context to run: on its thread Wait() returns ErrorKind::WouldDeadlock,
+/// on others it blocks.
 ///
 /// **Time.** A request completes no later than its deadline: that of Within(), or else the session's. Requests of many
 /// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have no common one unless Within() sets it.

@@ -66,7 +66,7 @@ class Session
 {
 public:
     /// Opens a session in Phase::Absent, without blocking; it connects while the context runs. ErrorKind::BadArgument
-    /// when the process has a session already, or an option is out of range.
+    /// if the process has a session already, or an option is out of range.
     static Result<std::unique_ptr<Session>> Open(const SessionOptions& options = {});
 
     /// Completes the requests that are under way with ErrorKind::Cancelled; a Wait() on another thread continues.
@@ -83,16 +83,17 @@ public:
     /// Within() sets one.
     Request<StatePtr> Changed(Fields fields = Fields::All());
 
-    /// Reads those of @p fields that can be read from the service again; each is published when its answer arrives. For
-    /// fields that were refused, or that may have changed without an event. Does nothing unless the service is there.
+    /// Reads those of @p fields that have a request from the service again, and publishes each when its answer arrives:
+    /// for fields that were refused, or that may have changed without an event. Does nothing without a service. Any
+    /// thread.
     void Refresh(Fields fields = Fields::All());
 
-    /// Refresh() that completes when each of @p fields is read, or late, with the published state: State() has it. A
-    /// field that the service refused, or has not answered within the session's deadline, is unknown in it, and Why()
-    /// is the reason. While the session is Connecting, it waits for the whole state.
+    /// Does the same as Refresh(), and completes with the published state once each of @p fields has been read or timed
+    /// out. A field that the service refused, or did not answer within the session's deadline, is unknown in that
+    /// state; Why() returns the reason. While the session is Connecting, the request waits for the whole state.
     ///
-    /// ErrorKind::NoService, or Connection::error, when there is nothing to read from yet; ServiceLost when the service
-    /// exits meanwhile. It has no deadline of its own unless Within() sets one.
+    /// Fails with Connection::error, or else ErrorKind::NoService, if no service is connected yet, and with
+    /// ErrorKind::ServiceLost if the service exits meanwhile. It has no deadline unless Within() sets one.
     Request<StatePtr> Refreshed(Fields fields = Fields::All());
 
     /// @name Subscriptions. The log refers to a callback by its name. "First" means: soon, in the context.

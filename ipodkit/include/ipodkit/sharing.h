@@ -8,9 +8,9 @@
 /// the session's deadline if that is less; then the request completes with ErrorKind::Busy, and the reason names the
 /// process that holds the lock.
 ///
-/// **Levels.** All applications share one level of the database. An application that browses holds a BrowseLease:
-/// without it, another one may change the level between two requests. Commands are not guarded:
-/// use the pager's EnterRoot(), EnterParent() and EnterChild(), or hold the lease.
+/// **Levels.** All applications share one level of the database. While an application browses, it should hold a
+/// BrowseLease: without it, another one may change the level between two requests. Commands are not guarded: use the
+/// pager's EnterRoot(), EnterParent(), and EnterChild(), or hold the lease.
 ///
 /// Locks are advisory. Applications that use the core alone neither hold nor respect them.
 #pragma once
@@ -33,16 +33,16 @@ enum class Browsing
     Changing,  ///< no other application changes the level; others may read it between two changes
 };
 
-/// The right to browse the database, until the last copy is destroyed. Copies, also those of the session's other
-/// leases of the same kind, share it. It may outlive the session, may be destroyed on any thread, and is lost with the
-/// process. When a service replaced the segment, the pagers obtain it again with their next request, or complete it
-/// with ErrorKind::Busy.
+/// The right to browse the database, until the last copy is destroyed. Copies share it, and so do the session's other
+/// leases of the same kind. It may outlive the session, may be destroyed on any thread, and ends with the process. If a
+/// service replaces the segment, the next request of a pager obtains the lease again, or completes with
+/// ErrorKind::Busy.
 class BrowseLease
 {
 public:
-    /// Obtains the lease. ErrorKind::Busy when another process holds it; see above for the time to wait. A process that
-    /// holds a lease for Changing holds one for Reading as well. The reverse is not true: Reading makes
-    /// every change wait, also the holder's own.
+    /// Obtains the lease. Fails with ErrorKind::Busy if another process holds it and does not release it within the
+    /// time described above. A process that holds a lease for Changing holds one for Reading as well. The reverse is
+    /// not true: Reading delays every change, including the holder's own.
     static Request<BrowseLease> Acquire(Session& session, Browsing how = Browsing::Changing);
 
     /// For the kit's own classes only.
@@ -55,13 +55,13 @@ private:
 /// A process that holds a lock.
 struct LockHolder
 {
-    std::string what;     ///< name of the vector in the bus contract, or "level", or "browse"
-    pid_t process;        ///< its number
-    std::string program;  ///< its name, as the system shows it; empty when it has ended
+    std::string what;     ///< name of the vector in the bus contract, "level", or "browse"
+    pid_t process;        ///< its process ID
+    std::string program;  ///< its name in /proc; empty if it has ended
 };
 
-/// Returns who holds the locks now, as far as this user may see. Reads /proc: blocks for milliseconds. Any thread; no
-/// session is needed.
+/// Returns the holders of the locks; processes of other users are omitted. Reads /proc, which blocks for milliseconds.
+/// Any thread; requires no session.
 std::vector<LockHolder> LockHolders();
 }  // namespace ipodkit
 

@@ -11,9 +11,8 @@
 ///     EXPECT_EQ(fake.Calls(), std::vector<std::string>{"Next()"});
 ///
 /// Everything that an application does with a Session works: state, events, requests, and pagers. Refresh() reads
-/// nothing: the state is what the test sets. Each operation of the
-/// fake runs the session's context until nothing is ready, so callbacks have run when it returns. One thread only; any
-/// number of fakes at a time.
+/// nothing: the state is what the test sets. Each operation of the fake runs the session's context until nothing is
+/// ready, so callbacks have run when it returns. One thread only; any number of fakes at a time.
 #pragma once
 
 #include <ipodkit/list_kind.h>

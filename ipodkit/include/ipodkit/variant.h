@@ -1,7 +1,7 @@
 /// @file
-/// Values as D-Bus variants, derived from their rows, and back. A value with rows is a dictionary a{sv} whose keys are
-/// those of JSON. Enumerations are their names, durations int64 in their own unit, times int64 in seconds since
-/// 1970-01-01 UTC, bytes "ay", images a dictionary without the bytes. Absent members are omitted.
+/// Converts values to D-Bus variants and back, as their rows define. A value with rows is a dictionary a{sv} with the
+/// keys of JSON. Enumerations are their names, durations int64 in the unit of their type, times int64 in seconds since
+/// 1970-01-01 UTC, bytes "ay", and images a dictionary without the bytes. Absent members are omitted.
 ///
 ///     ToVariant(Battery{80, ChargingStatus::Charged});  // {'percent': <80>, 'status': <'charged'>}
 #pragma once
@@ -23,8 +23,8 @@
 
 namespace ipodkit
 {
-/// Returns text that a bus accepts and a terminal prints: each invalid byte, NUL, and control character is replaced by
-/// U+FFFD. A bus disconnects programs that send invalid UTF-8.
+/// Returns the text with each invalid byte, NUL, and control character replaced by U+FFFD. A bus disconnects programs
+/// that send invalid UTF-8.
 inline std::string BusText(std::string_view text)
 {
     std::string clean;
@@ -39,7 +39,7 @@ inline std::string BusText(std::string_view text)
     return clean;
 }
 
-/// Returns the D-Bus property of a row: "TrackIndex" for "track_index".
+/// Returns the name of a row's D-Bus property: "TrackIndex" for "track_index".
 inline std::string PropertyName(const char* row)
 {
     std::string name;
@@ -52,19 +52,19 @@ inline std::string PropertyName(const char* row)
     return name;
 }
 
-/// The conversions of one type: its D-Bus type string, To() with a floating reference, and From() a variant of that
-/// type, which returns nothing when the value is not valid.
+/// The conversions of one type. Type() is its D-Bus type string. To() returns a floating reference. From() requires a
+/// variant of that type, and returns nothing if the value is not valid.
 template <class T, class = void>
 struct VariantOf;
 
-/// Returns a floating reference.
+/// Returns the value as a variant with a floating reference.
 template <class T>
 GVariant* ToVariant(const T& value)
 {
     return VariantOf<T>::To(value);
 }
 
-/// Returns nothing when the variant has another type, or its value is not valid.
+/// Returns the value of a variant, which is only borrowed; nothing if it has another type or its value is not valid.
 template <class T>
 std::optional<T> FromVariant(GVariant* variant)
 {
@@ -270,7 +270,7 @@ struct VariantOf<T, std::enable_if_t<kHasRows<T>>>
     }
 };
 
-/// Null is an empty dictionary. Cannot be read back: the rows of an image omit its bytes.
+/// Null is an empty dictionary. From() always returns nothing: the rows of an image omit its bytes.
 template <class T>
 struct VariantOf<std::shared_ptr<const T>>
 {

@@ -146,7 +146,7 @@ AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
     m_impl->Watch();
 }
 
-// One of its own callbacks may destroy it: the running callback stays until it has returned.
+// One of its callbacks may destroy the port: the running callback is kept alive until it returns.
 AccessoryPort::~AccessoryPort()
 {
     m_listening.Reset();

@@ -176,7 +176,7 @@ AudioSource::AudioSource(Session& session, int number)
 {
 }
 
-// One of its own callbacks may destroy it: the running callback stays until it has returned.
+// One of its callbacks may destroy the source: the running callback is kept alive until it returns.
 AudioSource::~AudioSource()
 {
     m_listening.Reset();

@@ -47,7 +47,7 @@ public:
     /// Completes a call that was sent, unless it has completed. Its answer is dropped.
     void Withdraw(const PendingCall& call);
 
-    /// Blocks. Iterates a context of its own only.
+    /// Blocks. Iterates only a private context.
     Result<Body> SendAndWait(const Call& call);
 
     /// Sends all calls to @p responder instead of the bus.

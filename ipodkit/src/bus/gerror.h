@@ -14,7 +14,7 @@ namespace ipodkit
 Error ToError(const GError& error);
 
 /// The error that a reply is; nothing when it is another message. What the bus sends on behalf of a service that died
-/// or is not there has a kind of its own; an error that the service itself sends is ErrorKind::Refused, whatever its
+/// or is not there has a separate kind; an error that the service itself sends is ErrorKind::Refused, whatever its
 /// name.
 std::optional<Error> ErrorIn(GDBusMessage& reply);
 }  // namespace ipodkit

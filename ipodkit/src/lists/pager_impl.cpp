@@ -150,7 +150,7 @@ void Pager::Impl::Locks::Release()
     if (vector != nullptr) vector->End();
 }
 
-// The level before the vector, as everybody does: so no two wait for each other.
+// The level first, then the vector: with one order everywhere, no two applications wait for each other.
 void Pager::Impl::LockPage(const std::function<void(const Result<LocksPtr>&)>& locked)
 {
     const auto& leases = m_session->SharedLeases();

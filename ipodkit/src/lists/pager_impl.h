@@ -59,7 +59,7 @@ private:
         void Arrived(const Result<T>& result) const;
     };
 
-    /// What other applications wait for while a page is read.
+    /// The locks that are held while a page is read.
     struct Locks
     {
         std::shared_ptr<void> level;

@@ -15,13 +15,13 @@ struct Pager::Impl::Walk
     int last;
     bool toTheEnd;
     Names names{};
-    std::shared_ptr<void> level{};  // keeps it for as long as pages are read
+    std::shared_ptr<void> level{};  // its lock, held while pages are read
 
     void Add(const Page& page);
     void Finish(Result<Names> result);
 };
 
-// A completion may change the level.
+// The lock is released first, because a completion may change the level.
 void Pager::Impl::Walk::Finish(Result<Names> result)
 {
     level.reset();

@@ -15,7 +15,7 @@ public:
     /// Images larger than @p limit bytes are omitted.
     explicit PictureShelf(std::size_t limit) : m_limit(limit) {}
 
-    /// Null when there are no bytes, or too many.
+    /// Returns null if there are no bytes, or too many.
     PicturePtr Put(std::vector<unsigned char> bytes);
 
 private:

@@ -37,7 +37,7 @@ inline constexpr ListChange kListChanges[] = {
     {"EnterDeviceChildList", true, true, true},
 };
 
-/// One lane for each list that has a state of its own in the service; names and pinyin of a level share it.
+/// One lane for each list with separate state in the service; names and pinyin of a level share one.
 class Lanes
 {
 public:

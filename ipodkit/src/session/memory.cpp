@@ -11,7 +11,7 @@ namespace ipodkit
 {
 namespace
 {
-constexpr char kStateName[] = "com.zarn.linux.ipod.State";  // of the daemon, and its interface
+constexpr char kStateName[] = "com.zarn.linux.ipod.State";  // bus name of the daemon, and name of its interface
 constexpr char kStatePath[] = "/com/zarn/linux/ipod/State";
 constexpr int kPatienceMilliseconds = 1000;
 
@@ -96,7 +96,7 @@ void Memory::OnAnswer(GObject* connection, GAsyncResult* result, gpointer data)
     self->Stop();
 }
 
-// Applied again, events that the answer includes change nothing.
+// Applying an event that the answer already includes changes nothing.
 void Memory::Recall(GVariant* properties)
 {
     if (Property<std::string>(properties, "Service") != m_service) return;

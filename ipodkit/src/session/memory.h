@@ -1,5 +1,5 @@
 /// @file
-/// Values that only events report, from the companion daemon.
+/// Reads values that only events report from the companion daemon.
 #pragma once
 
 #include <ipodkit/event.h>
@@ -14,21 +14,22 @@
 
 namespace ipodkit
 {
-/// Asks the companion daemon for the values that events reported before this session appeared. Never starts the
-/// daemon. Without it, or if it follows another service, there is no answer. Context thread only.
+/// Requests the values that events reported before this session started from the companion daemon. Never starts the
+/// daemon. If it is not running or follows another service, the callback is not called. Context thread only.
 class Memory : public std::enable_shared_from_this<Memory>
 {
 public:
-    /// @p recalled is called at most once for each Ask(), with a state of which PlayerState::remembered is to be used.
+    /// @param recalled  called at most once per Ask(), with a state whose fields in PlayerState::remembered are valid
     Memory(GMainContext* context, std::function<void(const PlayerState&)> recalled);
 
-    /// The connection to use. It stays valid until the next one.
+    /// Sets the connection to use, and keeps a reference to it.
     void Connected(GDBusConnection* connection);
 
-    /// @p service  unique name of the service that the session follows
+    /// Sends the request. Ignores the answer to an earlier one.
+    /// @param service  unique name of the service that the session follows
     void Ask(const std::string& service);
 
-    /// Events that arrive before the answer are applied to it: they may be newer.
+    /// Records an event. Events that arrive before the answer are applied to it, as they may be newer.
     void Follow(const Event& event);
 
     /// Ignores the answer.
@@ -41,7 +42,7 @@ private:
     const ContextPtr m_context;
     const std::function<void(const PlayerState&)> m_recalled;
     ConnectionPtr m_connection;
-    std::unique_ptr<GCancellable, ObjectUnref> m_asking;  // null: no answer is awaited
+    std::unique_ptr<GCancellable, ObjectUnref> m_asking;  // null if no answer is awaited
     std::string m_service;
     std::vector<Event> m_events;  // since Ask()
 };

@@ -13,9 +13,9 @@ namespace ipodkit
 namespace
 {
 constexpr guint kAttachAgainMilliseconds = 1000;
-constexpr auto kLongestPatience = std::chrono::seconds(2);  // with applications that use what is shared
+constexpr auto kLongestPatience = std::chrono::seconds(2);  // with applications that hold a lock
 
-// Short of the deadline, so that a request ends with the name of the holder.
+// Shorter than the deadline, so that the request completes with an error that names the holder.
 std::chrono::milliseconds PatienceOf(const SessionOptions& options)
 {
     return std::min<std::chrono::milliseconds>(kLongestPatience, options.deadline * 3 / 4);

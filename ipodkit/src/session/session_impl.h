@@ -40,7 +40,7 @@ public:
     const SessionOptions& Options() const { return m_options; }
     /// @}
 
-    /// Reads the fields again, and settles the request when they are read, or cannot be.
+    /// Reads the fields again, and settles the request when they have been read, or cannot be read.
     void Refresh(Fields fields, const PendingPtr<StatePtr>& request);
 
     Lanes& ListLanes() { return m_lanes; }
@@ -51,7 +51,7 @@ public:
     /// Called when the session ends, before its requests complete: for objects that may outlive it.
     Registry<std::function<void()>>& Endings() { return m_endings; }
 
-    /// The entries in the service's shared vector; nothing when that cannot be read.
+    /// Returns the entries in the service's shared vector; nothing if it cannot be read.
     std::optional<std::vector<std::string>> ListNames(ListKind kind) const { return m_names(kind); }
 
 private:
@@ -59,7 +59,7 @@ private:
 
     struct PendingRefresh
     {
-        Fields open;  // not read since it began
+        Fields open;  // not read since the refresh began
         std::weak_ptr<Pending<StatePtr>> request;
     };
 

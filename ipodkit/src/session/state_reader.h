@@ -45,7 +45,7 @@ public:
     /// Ignores pending answers, and sends no request until the next Start().
     void Stop();
 
-    /// Whether it reads the state: since Start(), until Stop().
+    /// Returns whether Start() was called, and Stop() was not called since.
     bool Started() const { return m_started; }
 
     Progress Progressed() const { return {m_open.Without(m_missing), m_answered, m_missing}; }
@@ -76,14 +76,14 @@ private:
     PictureShelf& m_pictures;
     const std::function<void()> m_progressed;
     std::map<Field, SourcePtr> m_timers;         // of open questions
-    std::shared_ptr<const PlayerState> m_asked;  // the draft when the last questions were put
+    std::shared_ptr<const PlayerState> m_asked;  // the draft when the last questions were sent
     std::map<Field, unsigned> m_last;            // question about each field
     unsigned m_round = 0;
     Fields m_open;     // not answered yet
     Fields m_missing;  // of these, those that timed out
     bool m_started = false;
-    bool m_answered = false;         // something was
+    bool m_answered = false;         // at least one question was
     bool m_devicesChanged = false;   // while questions were open
-    bool m_artworkOutdated = false;  // while it was asked for
+    bool m_artworkOutdated = false;  // while a request for it was open
 };
 }  // namespace ipodkit

@@ -35,6 +35,15 @@ bool IsNumber(const std::string& text)
     return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 
+// A process may end at any time: iteration stops at an error, where a range-based loop would throw.
+template <class Use>
+void ForEachPathIn(const fs::path& folder, const Use& use)
+{
+    std::error_code error;
+    for (fs::directory_iterator each(folder, error), end; !error && each != end; each.increment(error))
+        use(each->path());
+}
+
 bool IsFile(const fs::path& path, const struct stat& file)
 {
     struct stat status
@@ -43,7 +52,7 @@ bool IsFile(const fs::path& path, const struct stat& file)
     return stat(path.c_str(), &status) == 0 && status.st_ino == file.st_ino && status.st_dev == file.st_dev;
 }
 
-// "lock:	1: OFDLCK ADVISORY  WRITE -1 00:1b:5 1073741824 1073741824"; the process of such locks is always -1.
+// "lock:	1: OFDLCK ADVISORY  WRITE -1 00:1b:5 1073741824 1073741824". The process ID of such locks is always -1.
 void AddLock(const std::string& line, pid_t process, std::vector<Found>& found)
 {
     std::istringstream words(line);
@@ -58,17 +67,17 @@ void AddLock(const std::string& line, pid_t process, std::vector<Found>& found)
     }
 }
 
-// Neighboring locks of one open file appear as one range, but a file holds no two of those that lie side by side.
+// The kernel lists adjacent locks of one open file as one range, but no file holds two adjacent ones.
 void AddLocksOf(const fs::path& process, const struct stat& file, std::vector<Found>& found)
 {
-    std::error_code error;
-    for (const fs::directory_entry& each : fs::directory_iterator(process / "fd", error))
-    {
-        if (!IsFile(each.path(), file)) continue;
-        std::ifstream info(process / "fdinfo" / each.path().filename());
-        for (std::string line; std::getline(info, line);)
-            if (line.rfind("lock:", 0) == 0) AddLock(line, std::stoi(process.filename()), found);
-    }
+    ForEachPathIn(process / "fd",
+                  [&](const fs::path& open)
+                  {
+                      if (!IsFile(open, file)) return;
+                      std::ifstream info(process / "fdinfo" / open.filename());
+                      for (std::string line; std::getline(info, line);)
+                          if (line.rfind("lock:", 0) == 0) AddLock(line, std::stoi(process.filename()), found);
+                  });
 }
 
 std::vector<Found> AllLocks()
@@ -78,9 +87,11 @@ std::vector<Found> AllLocks()
     {
     };
     if (stat((std::string("/dev/shm/") + kLockedSegment).c_str(), &file) != 0) return found;
-    std::error_code error;
-    for (const fs::directory_entry& each : fs::directory_iterator("/proc", error))
-        if (IsNumber(each.path().filename())) AddLocksOf(each.path(), file, found);
+    ForEachPathIn("/proc",
+                  [&](const fs::path& process)
+                  {
+                      if (IsNumber(process.filename())) AddLocksOf(process, file, found);
+                  });
     return found;
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// Who holds a lock.
+/// Finds the holder of a lock.
 #pragma once
 
 #include <ipodkit/sharing.h>
@@ -10,7 +10,7 @@
 
 namespace ipodkit
 {
-/// Returns "process 123 (ipodctl)", or "another process" when that cannot be found, as for those of other users. Reads
-/// /proc, which takes milliseconds. Any thread.
+/// Returns "process 123 (ipodctl)", or "another process" if the holder cannot be found, for example because it belongs
+/// to another user. Reads /proc, which takes milliseconds. Any thread.
 std::string HolderOf(Place place);
 }  // namespace ipodkit

@@ -12,7 +12,8 @@ namespace
 {
 using std::chrono::milliseconds;
 
-// One who waited for that long is about to give up or was stopped: the others do not wait for it.
+// In milliseconds. An application that has waited for so long is about to give up or was stopped: older tickets are
+// ignored.
 constexpr off_t kOldest = 2500;
 constexpr milliseconds kLongestPoll(10);
 constexpr guint kKeptMilliseconds = 20;
@@ -51,12 +52,12 @@ struct Leases::Waiter
     Done<HeldLock> done;
     LockFilePtr file{};
     gint64 since = g_get_monotonic_time();
-    off_t ticket = -1;  // since it waits
+    off_t ticket = -1;  // -1 until it has to wait
     SourcePtr timer{};
 
     milliseconds Waited() const { return milliseconds((g_get_monotonic_time() - since) / 1000); }
 
-    // Another one may have begun to wait in the same millisecond.
+    // Another application may have begun to wait in the same millisecond.
     void Queue()
     {
         for (ticket = Now(); !file->Lock(Hold::Exclusive, FirstTicketOf(place) + ticket);)
@@ -89,7 +90,7 @@ HeldLockPtr Leases::HeldBy(Waiter& waiter) const
     return std::make_shared<HeldLock>(std::move(waiter.file), m_idle);
 }
 
-// True, too, when there is nothing to lock. The file may have been replaced at any time before it was locked.
+// Returns true if there is nothing to lock, too. The file may have been replaced at any time before it was locked.
 bool Leases::Try(Waiter& waiter)
 {
     if (m_ignored) return true;
@@ -113,7 +114,7 @@ bool Leases::LockWhenFirst(Waiter& waiter) const
     return locked;
 }
 
-// The longer it has waited, the less often it tries. At random, so that no two keep step.
+// Retries less often the longer it has waited, with random delays so that no two processes stay in step.
 void Leases::PollLater(const WaiterPtr& waiter)
 {
     const auto most = std::clamp(waiter->Waited() / 8, milliseconds(2), kLongestPoll).count();
@@ -138,7 +139,7 @@ void Leases::Poll(const WaiterPtr& waiter)
     GiveUp(waiter);
 }
 
-// All of /proc is read to find the holder, hence on another thread.
+// Finding the holder reads all of /proc, hence on another thread.
 void Leases::GiveUp(const WaiterPtr& waiter)
 {
     waiter->file.reset();
@@ -155,7 +156,7 @@ void Leases::GiveUp(const WaiterPtr& waiter)
              { Post(context.get(), [found, holder = HolderOf(place)] { found(holder); }); });
 }
 
-// One lock is enough for all reads at a time. Who may change the level reads it in any case.
+// Concurrent reads share one lock. The holder of the change lease may read without it.
 void Leases::TakeForReading(Done<void> done)
 {
     if (!m_changing.expired()) return TakeForChanges([done = std::move(done)](const auto& lease) { done(lease); });
@@ -170,8 +171,8 @@ void Leases::TakeForReading(Done<void> done)
          });
 }
 
-// A list is usually read page after page. The reads that begin later lock anew, so that those who wait for a change
-// have their turn.
+// A list is usually read page after page, so the lock is kept for a moment. Later reads lock again, so that
+// applications that wait to change the level get their turn.
 void Leases::KeepReading(const HeldLockPtr& lock)
 {
     m_reading = m_kept = lock;
@@ -207,7 +208,7 @@ void Leases::TakeForChange(Done<void> done)
         });
 }
 
-// All that ask meanwhile get the same one: to the kernel, two locks of one process are strangers.
+// Concurrent requests share one lease: to the kernel, two locks of one process conflict.
 void Leases::TakeForChanges(Done<ChangeLease> done)
 {
     const auto lease = m_changing.lock();

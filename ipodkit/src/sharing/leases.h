@@ -17,11 +17,11 @@
 
 namespace ipodkit
 {
-/// A lock, until the object is destroyed or End() is called. Any thread.
+/// Holds a lock until the object is destroyed or End() is called. Any thread.
 class HeldLock
 {
 public:
-    /// @param file  null when there is nothing to lock
+    /// @param file  null if there is nothing to lock
     HeldLock(LockFilePtr file, std::shared_ptr<IdleLockFiles> idle) : m_file(std::move(file)), m_idle(std::move(idle))
     {
     }
@@ -31,7 +31,7 @@ public:
 
     void End();
 
-    /// Returns whether others would meet it: the segment was not replaced.
+    /// Returns whether the lock is effective: the segment has not been replaced since.
     bool Counts() const { return m_file != nullptr && m_file->HasName(); }
 
 private:
@@ -41,26 +41,26 @@ private:
 
 using HeldLockPtr = std::shared_ptr<HeldLock>;
 
-/// The right to change the level; the lock is obtained again when the segment was replaced.
+/// The right to change the level. If the segment is replaced, the lock is obtained again.
 struct ChangeLease
 {
     HeldLockPtr lock;  ///< never null
 };
 
-/// Context thread only, except for the destruction of what it gives out.
+/// Context thread only, except that locks and leases may be destroyed on any thread.
 class Leases : public std::enable_shared_from_this<Leases>
 {
 public:
     template <class T>
     using Done = std::function<void(const Result<std::shared_ptr<T>>&)>;
 
-    /// @param patience  how long to wait for others before ErrorKind::Busy
+    /// @param patience  how long to wait for other processes before ErrorKind::Busy
     Leases(GMainContext* context, std::chrono::milliseconds patience);
 
-    /// Locks nothing from now on: for a session without a service.
+    /// Locks nothing from now on, for a session without a service.
     void Ignore() { m_ignored = true; }
 
-    /// Forgets those who wait.
+    /// Drops all waiting requests; their callbacks are never called.
     void Close()
     {
         m_waiting.clear();
@@ -68,17 +68,17 @@ public:
         ForgetReading();
     }
 
-    /// Calls @p done once, inside the call if the place is free. ErrorKind::Busy when it did not become free in time.
-    /// Those who wait are served in the order in which they came, whatever their process.
+    /// Calls @p done once: inside the call if the place is free, with ErrorKind::Busy if it did not become free in
+    /// time. Requests of all processes are served in the order in which they began to wait.
     void Take(Place place, Hold how, Done<HeldLock> done);
 
-    /// For a read of the database's level.
+    /// Locks the level for a read.
     void TakeForReading(Done<void> done);
 
-    /// For a change of the level.
+    /// Locks the level for one change, including the change lease.
     void TakeForChange(Done<void> done);
 
-    /// The lease that the process holds until it is dropped.
+    /// Obtains the change lease of the process, which all its holders share.
     void TakeForChanges(Done<ChangeLease> done);
 
 private:
@@ -99,11 +99,11 @@ private:
     const std::chrono::milliseconds m_patience;
     const std::shared_ptr<IdleLockFiles> m_idle = std::make_shared<IdleLockFiles>();
     std::set<WaiterPtr> m_waiting;
-    std::weak_ptr<HeldLock> m_reading;  // what reads share
-    HeldLockPtr m_kept;                 // the same, for the next read
+    std::weak_ptr<HeldLock> m_reading;  // shared by all reads
+    HeldLockPtr m_kept;                 // keeps m_reading alive for the next read
     SourcePtr m_keeping;
     std::weak_ptr<ChangeLease> m_changing;
-    std::vector<Done<ChangeLease>> m_wanted;  // while Browse is being taken
+    std::vector<Done<ChangeLease>> m_wanted;  // while the lock of Place::Browse is awaited
     std::minstd_rand m_random;
     bool m_ignored = false;
 };

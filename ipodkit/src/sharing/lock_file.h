@@ -17,12 +17,12 @@ enum class Hold
     Exclusive,
 };
 
-/// An open file description of a segment: its locks conflict with those of every other one, also in this process. The
-/// kernel drops them when the process ends. Any thread; nothing blocks.
+/// An open file description of a segment. Its locks conflict with those of every other description, even in the same
+/// process. The kernel drops them when the process ends. Any thread; nothing blocks.
 class LockFile
 {
 public:
-    /// Null when the segment does not exist or cannot be opened.
+    /// Returns null if the segment does not exist or cannot be opened.
     static std::shared_ptr<LockFile> Open(const char* segment);
 
     ~LockFile();
@@ -31,14 +31,15 @@ public:
 
     const std::string& Segment() const { return m_segment; }
 
-    /// Returns whether it still has a name, under which others open it. A lock on a removed or replaced file does not
-    /// count.
+    /// Returns whether the file still has a name. If it was removed or replaced, other applications do not see its
+    /// locks.
     bool HasName() const;
 
-    /// Returns whether the byte is locked now. True also where the kernel has no such locks: readers then go unguarded.
+    /// Locks a byte. Returns false if another description holds a conflicting lock. Returns true if the kernel does not
+    /// support such locks: reads are then unguarded.
     bool Lock(Hold how, off_t byte) const;
 
-    /// Returns whether another open file description holds a lock in the range.
+    /// Returns whether another description holds a lock in the range.
     bool AnyIn(off_t first, off_t count) const;
 
     void Unlock(off_t first, off_t count) const;
@@ -55,14 +56,14 @@ private:
 
 using LockFilePtr = std::shared_ptr<LockFile>;
 
-/// Open files without locks, so that a page does not open one. Any thread.
+/// A pool of open files without locks, so that reading a page does not open a file. Any thread.
 class IdleLockFiles
 {
 public:
-    /// Returns one that is idle, or a new one; null as LockFile::Open().
+    /// Returns an idle file, or opens one; null if LockFile::Open() fails.
     LockFilePtr Take(const char* segment);
 
-    /// Keeps the file, which has no locks.
+    /// Returns a file to the pool. It must hold no locks.
     void Keep(LockFilePtr file);
 
 private:

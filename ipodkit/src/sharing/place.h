@@ -1,5 +1,5 @@
 /// @file
-/// Where the locks lie that applications share.
+/// The resources that applications share, and the offsets of their locks.
 #pragma once
 
 #include <QBXIpodShareMemory.h>
@@ -9,7 +9,7 @@
 
 namespace ipodkit
 {
-/// What one application at a time may use. The numbers are offsets, so they never change: docs/sharing.md.
+/// A shared resource. The values are offsets in the file, so they never change: see docs/sharing.md.
 enum class Place
 {
     PlayingList,
@@ -24,8 +24,8 @@ enum class Place
 
 inline constexpr int kPlaces = 8;
 
-/// One byte for the lock of a place, and one per millisecond for those who wait for it. No segment is that large, so
-/// no lock covers data; the largest offset fits into 31 bits.
+/// Each place has one byte for its lock, and one byte per millisecond for the tickets of waiting applications. No
+/// segment is that large, so no lock covers data. The largest offset fits into 31 bits.
 inline constexpr off_t kFirstLock = 0x40000000;
 inline constexpr off_t kTickets = 0x1000000;
 
@@ -34,16 +34,16 @@ constexpr off_t LockOf(Place place)
     return kFirstLock + static_cast<off_t>(place);
 }
 
-/// A ticket is the time at which an application began to wait. The clock wraps around after 4.6 hours; the order of
-/// those who wait at that moment is arbitrary.
+/// A ticket is the time at which an application began to wait. The clock wraps around every 4.6 hours; applications
+/// that wait at that moment are served in arbitrary order.
 constexpr off_t FirstTicketOf(Place place)
 {
     return kFirstLock + kTickets * (1 + static_cast<off_t>(place));
 }
 
-/// All locks are on the file of the lists. A service may lock all of the other file, to be the only one.
+/// The file that holds all locks. A service may lock the whole file of the buffers to ensure that it is the only one.
 inline constexpr const char* kLockedSegment = kListSegmentName;
 
 static_assert(kFirstLock + kTickets * (kPlaces + 1) <= INT32_MAX, "offsets have 31 bits on the head unit");
-static_assert(kFirstLock > static_cast<off_t>(kListSegmentSize), "locks lie behind the data");
+static_assert(kFirstLock > static_cast<off_t>(kListSegmentSize), "locks are beyond the data");
 }  // namespace ipodkit

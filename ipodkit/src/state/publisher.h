@@ -29,7 +29,7 @@ public:
     /// Publishes the draft now instead of after the settle time. Ignored unless the phase is Ready.
     void Flush();
 
-    /// Publishes a step of the connection at once: with the draft when it is Ready, else with the last known state.
+    /// Publishes a step of the connection at once: with the draft if it is Ready, else with the last known state.
     void Publish(const Connection& connection);
 
     /// Publishes a state as it is, whatever the draft says.

@@ -99,7 +99,8 @@ void StateDraft::Apply(const Event& event)
     if (!m_state.remembered.Empty()) m_state.remembered = StillRemembered(event);
 }
 
-// An event reports the fields that it changes in an empty state. It reports one call or accessory session of several.
+// The fields that an event reports are those that it changes in an empty state. Calls and accessory sessions are
+// excluded: an event reports only one of several.
 Fields StateDraft::StillRemembered(const Event& event) const
 {
     StateDraft empty;

@@ -1,8 +1,9 @@
 /// @file
 /// The connection of the QML module `Ipod` to the service.
 ///
-/// The module opens the process's ipodkit::Session when QML first uses one of its types. It lives in GLib's default
-/// main context, so Qt must run with GLib's event dispatcher; without, `error` reports it and nothing else works.
+/// The module opens the process's ipodkit::Session when QML first uses one of its types. The session runs in GLib's
+/// default main context, so Qt must use GLib's event dispatcher. Otherwise `error` has the reason, and all lists and
+/// properties stay empty.
 #pragma once
 
 #include <ipodkit/audio_source.h>
@@ -22,7 +23,7 @@ class QQmlEngine;
 
 namespace ipodqml
 {
-/// Returns whether Qt's loop on this thread iterates GLib's main context. Requires an application object.
+/// Returns whether Qt's event loop on this thread iterates GLib's main context. Requires an application object.
 bool RunsInGLibLoop();
 
 /// The QML singleton `Session`. One exists per process; it belongs to the application object.
@@ -46,18 +47,20 @@ public:
     /// Returns the singleton, and creates it at the first call. GUI thread only.
     static Session& Instance();
 
-    /// Makes the module use @p session, which must outlive all QML engines, in place of one of its own. Call it before
-    /// the first use of the module, for example with that of an ipodkit::FakeSession.
+    /// Makes the module use @p session, which must outlive all QML engines, instead of opening one. Call it
+    /// before the first use of the module, for example with the session of an ipodkit::FakeSession.
     static void Use(ipodkit::Session& session);
 
-    /// Returns the session of the kit; null when none could be opened.
+    /// Returns the ipodkit session, which this object owns unless Use() was called; null if none could be opened.
     ipodkit::Session* Kit() const { return m_kit; }
+
+    /// Returns the state published last; never null.
     const ipodkit::StatePtr& State() const { return m_state; }
 
     /// Reads the state from the service again.
     Q_INVOKABLE void refresh();
 
-    /// Requests the audio source and reports failure.
+    /// Requests the audio source. Returns whether the request was accepted; otherwise failed() reports the reason.
     bool AcquireAudio();
 
     /// Requests the audio source, and starts or resumes playback.
@@ -65,6 +68,8 @@ public:
 
     /// Sends a request without result. If it fails, failed() reports it under the name @p what.
     void Send(const QString& what, ipodkit::Request<void> request);
+
+    /// Emits failed(), unless the error is that there is no service.
     void Report(const QString& what, const ipodkit::Error& error);
 
     QString PhaseName() const;
@@ -75,7 +80,7 @@ Q_SIGNALS:
     void connectionChanged();
     void stateChanged(const ipodkit::StatePtr& state, ipodkit::Fields changed);
 
-    /// A request failed. Requests that fail because there is no service are not reported: `phase` does that.
+    /// A request failed. Requests that fail because there is no service are not reported; see `phase`.
     void failed(const QString& request, const QString& reason, const QString& remedy);
 
 private:

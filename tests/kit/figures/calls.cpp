@@ -1,4 +1,4 @@
-// Compares asynchronous commands of the companion with bare calls of the generated binding: one call at a time, and
+// Compares asynchronous commands of ipodkit with bare calls of the generated binding: one call at a time, and
 // 100 at a time, in random order. Intended to run on one CPU.
 #include <ipod_dbus.h>
 

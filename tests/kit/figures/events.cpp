@@ -30,7 +30,7 @@ double ProcessorMicroseconds()
 constexpr char kFromService = 's';
 constexpr char kBare = 'b';
 
-// Emits on command, in a process of its own, so that its work is not counted.
+// Emits on command, in a separate process, so that its work is not counted.
 [[noreturn]] void RunSender(int commands)
 {
     FakeService service;
