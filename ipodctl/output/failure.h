@@ -48,6 +48,7 @@ inline constexpr char kHintForLost[] = "check whether the service is running, th
 struct Refusal
 {
     Refusal() = default;
+    Refusal(std::nullptr_t) = delete;
     Refusal(const char* what, std::string remedy = {}) : message(what), hint(std::move(remedy)) {}
     Refusal(std::string what, std::string remedy = {}) : message(std::move(what)), hint(std::move(remedy)) {}
 

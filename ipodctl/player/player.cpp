@@ -252,7 +252,7 @@ void ReadNear(Session& session, int end, Status& status)
     try
     {
         const int size = SizeOfOnePage(status.firstNear, end);
-        status.near = List(session, ipodkit::ListKind::Playing, size).Names(status.firstNear, end, nullptr);
+        status.near = List(session, ipodkit::ListKind::Playing, size).Names(status.firstNear, end, {});
     }
     catch (const Failure& failure)
     {
