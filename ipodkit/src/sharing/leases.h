@@ -75,6 +75,9 @@ public:
     /// For a read of the database's level.
     void TakeForReading(Done<void> done);
 
+    /// For reads that belong together: those that begin until the lock is dropped share it.
+    void TakeForReads(Done<void> done);
+
     /// For a change of the level.
     void TakeForChange(Done<void> done);
 
@@ -99,8 +102,9 @@ private:
     const std::chrono::milliseconds m_patience;
     const std::shared_ptr<IdleLockFiles> m_idle = std::make_shared<IdleLockFiles>();
     std::set<WaiterPtr> m_waiting;
-    std::weak_ptr<HeldLock> m_reading;  // what reads share
-    HeldLockPtr m_kept;                 // the same, for the next read
+    std::weak_ptr<HeldLock> m_reading;   // what reads share
+    std::weak_ptr<HeldLock> m_together;  // what they share for longer
+    HeldLockPtr m_kept;                  // that of m_reading, for the next read
     SourcePtr m_keeping;
     std::weak_ptr<ChangeLease> m_changing;
     std::vector<Done<ChangeLease>> m_wanted;  // while Browse is being taken
