@@ -386,10 +386,11 @@ class Services(OnABus):
         self.assertIsNone(self.client.owner(STATE))
 
     def test_a_signal_ends_it_and_returns_the_names(self):
-        daemon = self.daemon()
-        daemon.send_signal(signal.SIGTERM)
-        self.assertEqual(daemon.wait(LIMIT), DONE)
-        self.assertIsNone(self.client.owner(MPRIS))
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            daemon = self.daemon()
+            daemon.send_signal(number)
+            self.assertEqual(daemon.wait(LIMIT), DONE, number)
+            self.assertIsNone(self.client.owner(MPRIS))
 
 
 class Starts(OnABus):
