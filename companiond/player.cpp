@@ -156,7 +156,11 @@ void Player::Call(const std::string& method, GVariant* arguments, GDBusMethodInv
 void Player::Set(const std::string& property, GVariant* value, GDBusMethodInvocation* invocation)
 {
     static const std::map<std::string, Method> setters{
-        {"LoopStatus", &Player::SetLoop}, {"Shuffle", &Player::SetShuffle}, {"Rate", &Player::SetRate}};
+        {"LoopStatus", &Player::SetLoop},
+        {"Shuffle", &Player::SetShuffle},
+        {"Rate", &Player::SetRate},
+        {"Volume", &Player::SetVolume},
+    };
     const auto setter = setters.find(property);
     if (setter == setters.end()) return BusObject::Set(property, value, invocation);
     (this->*setter->second)(value, invocation);
@@ -265,5 +269,11 @@ void Player::SetRate(GVariant* value, GDBusMethodInvocation* invocation)
     if (rate == 0) return Pause(nullptr, invocation);
     if (rate == 1) return AnswerNothing(invocation);
     Refuse(invocation, kNotSupported, "the device plays at its normal rate only");
+}
+
+void Player::SetVolume(GVariant* value, GDBusMethodInvocation* invocation)
+{
+    if (g_variant_get_double(value) == 1) return AnswerNothing(invocation);
+    Refuse(invocation, kNotSupported, "the volume of the device's audio is always 1");
 }
 }  // namespace companion

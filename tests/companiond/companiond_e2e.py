@@ -313,6 +313,7 @@ class Playback(OnABus):
         self.client.do("fault", '{"fault": "error@Pause/1"}')
         self.assert_error("com.zarn.linux.ipod.Error.Refused", self.client.player, "Pause")
         state = self.client.state()
+        self.client.set("Volume", GLib.Variant("d", 1.0))
         self.assertEqual((state["Requests"], state["Failures"], state["Restarts"]), (2, {"Refused": 1}, 0))
         self.assertGreater(state["LatencyP50"], 0)
         self.assertGreaterEqual(state["LatencyP99"], state["LatencyP50"])
