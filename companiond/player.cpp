@@ -258,9 +258,7 @@ void Player::SetShuffle(GVariant* value, GDBusMethodInvocation* invocation)
 {
     using ipodkit::Shuffle;
     const bool wanted = g_variant_get_boolean(value) != FALSE;
-    const Shuffle now = m_state->shuffle.value_or(Shuffle::Off);
-    const bool differs = !m_state->shuffle || wanted != (now != Shuffle::Off);
-    SendIf(differs, Commands().SetShuffle(wanted ? Shuffle::Songs : Shuffle::Off), invocation);
+    SendIf(IsShuffled(*m_state) != wanted, Commands().SetShuffle(wanted ? Shuffle::Songs : Shuffle::Off), invocation);
 }
 
 void Player::SetRate(GVariant* value, GDBusMethodInvocation* invocation)

@@ -35,6 +35,9 @@ bool CanSeek(const ipodkit::PlayerState& state);
 /// "Playing", also while winding, "Paused", or "Stopped".
 const char* PlaybackStatus(const ipodkit::PlayerState& state);
 
+/// Returns whether songs or albums are shuffled; nothing if unknown, or for a mode without a name.
+std::optional<bool> IsShuffled(const ipodkit::PlayerState& state);
+
 /// Returns the mode of a LoopStatus; nothing for other texts.
 std::optional<ipodkit::Repeat> RepeatOf(std::string_view loopStatus);
 
