@@ -69,6 +69,8 @@ void Player::Follow(const ipodkit::StatePtr& state)
 void Player::BeginTrack(TrackKey key)
 {
     if (m_trackIsNew) Show();
+    m_picture.reset();  // another program may have removed its file
+    m_artUrl.clear();
     m_key = std::move(key);
     ++m_track;
     m_seeking = false;

@@ -6,6 +6,7 @@ IPOD_TRACK_CHANGES sets the number of track changes (default: 50).
 import argparse
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -238,6 +239,14 @@ class Playback(OnABus):
         self.run_player("stop")
         self.assertTrue(self.client.until(lambda: self.client.get("PlaybackStatus") == "Stopped"))
 
+    def test_a_removed_file_of_the_artwork_is_written_again_with_the_next_track(self):
+        self.playing()
+        shutil.rmtree(os.path.join(self.folder.name, "ipodkit"))
+        self.client.player("Next")
+        self.assertTrue(self.client.until(lambda: any("Metadata" in each for each in self.client.changes())))
+        url = self.client.get("Metadata")["mpris:artUrl"]
+        self.assertTrue(os.path.exists(url[len("file://"):]), url)
+
     def test_playerctl_follows_the_tracks(self):
         self.playing()
         follower = self.start("playerctl", "--player=ipod", "metadata", "--follow", "--format", "{{title}}|{{mpris:artUrl}}",
@@ -304,6 +313,7 @@ class Playback(OnABus):
         self.assert_error("NotSupported", self.client.get, "DesktopEntry", ROOT)
         self.assert_error("InvalidArgs", self.client.set, "LoopStatus", GLib.Variant("s", "Sometimes"))
         self.client.set("Rate", GLib.Variant("d", 1.0))
+        self.client.set("Volume", GLib.Variant("d", 1.0))
         self.assertEqual(self.client.get("PlaybackStatus"), "Playing")
         self.client.player("Previous")
         self.assertFalse(self.client.get("CanGoPrevious"))
@@ -313,7 +323,6 @@ class Playback(OnABus):
         self.client.do("fault", '{"fault": "error@Pause/1"}')
         self.assert_error("com.zarn.linux.ipod.Error.Refused", self.client.player, "Pause")
         state = self.client.state()
-        self.client.set("Volume", GLib.Variant("d", 1.0))
         self.assertEqual((state["Requests"], state["Failures"], state["Restarts"]), (2, {"Refused": 1}, 0))
         self.assertGreater(state["LatencyP50"], 0)
         self.assertGreaterEqual(state["LatencyP99"], state["LatencyP50"])
