@@ -78,7 +78,8 @@ gboolean Quit(gpointer loop)
     return G_SOURCE_CONTINUE;
 }
 
-// Handles SIGTERM and SIGINT from its construction on: another program may send one as soon as the names are owned.
+// Handles SIGTERM, SIGINT, and SIGHUP from its construction on: another program may send one as soon as the names are
+// owned.
 class Loop
 {
 public:
@@ -87,6 +88,7 @@ public:
           m_loop(g_main_loop_new(nullptr, FALSE)),
           m_terminated(g_unix_signal_add(SIGTERM, Quit, m_loop)),
           m_interrupted(g_unix_signal_add(SIGINT, Quit, m_loop)),
+          m_hungUp(g_unix_signal_add(SIGHUP, Quit, m_loop)),
           m_closed(g_signal_connect_swapped(connection, "closed", G_CALLBACK(g_main_loop_quit), m_loop))
     {
     }
@@ -95,6 +97,7 @@ public:
         g_signal_handler_disconnect(m_connection, m_closed);
         g_source_remove(m_terminated);
         g_source_remove(m_interrupted);
+        g_source_remove(m_hungUp);
         g_main_loop_unref(m_loop);
     }
     Loop(const Loop&) = delete;
@@ -112,6 +115,7 @@ private:
     GMainLoop* const m_loop;
     const guint m_terminated;
     const guint m_interrupted;
+    const guint m_hungUp;
     const gulong m_closed;
 };
 

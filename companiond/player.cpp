@@ -69,6 +69,8 @@ void Player::Follow(const ipodkit::StatePtr& state)
 void Player::BeginTrack(TrackKey key)
 {
     if (m_trackIsNew) Show();
+    m_picture.reset();  // another program may have removed its file
+    m_artUrl.clear();
     m_key = std::move(key);
     ++m_track;
     m_seeking = false;
@@ -156,7 +158,11 @@ void Player::Call(const std::string& method, GVariant* arguments, GDBusMethodInv
 void Player::Set(const std::string& property, GVariant* value, GDBusMethodInvocation* invocation)
 {
     static const std::map<std::string, Method> setters{
-        {"LoopStatus", &Player::SetLoop}, {"Shuffle", &Player::SetShuffle}, {"Rate", &Player::SetRate}};
+        {"LoopStatus", &Player::SetLoop},
+        {"Shuffle", &Player::SetShuffle},
+        {"Rate", &Player::SetRate},
+        {"Volume", &Player::SetVolume},
+    };
     const auto setter = setters.find(property);
     if (setter == setters.end()) return BusObject::Set(property, value, invocation);
     (this->*setter->second)(value, invocation);
@@ -254,9 +260,7 @@ void Player::SetShuffle(GVariant* value, GDBusMethodInvocation* invocation)
 {
     using ipodkit::Shuffle;
     const bool wanted = g_variant_get_boolean(value) != FALSE;
-    const Shuffle now = m_state->shuffle.value_or(Shuffle::Off);
-    const bool differs = !m_state->shuffle || wanted != (now != Shuffle::Off);
-    SendIf(differs, Commands().SetShuffle(wanted ? Shuffle::Songs : Shuffle::Off), invocation);
+    SendIf(IsShuffled(*m_state) != wanted, Commands().SetShuffle(wanted ? Shuffle::Songs : Shuffle::Off), invocation);
 }
 
 void Player::SetRate(GVariant* value, GDBusMethodInvocation* invocation)
@@ -265,5 +269,11 @@ void Player::SetRate(GVariant* value, GDBusMethodInvocation* invocation)
     if (rate == 0) return Pause(nullptr, invocation);
     if (rate == 1) return AnswerNothing(invocation);
     Refuse(invocation, kNotSupported, "the device plays at its normal rate only");
+}
+
+void Player::SetVolume(GVariant* value, GDBusMethodInvocation* invocation)
+{
+    if (g_variant_get_double(value) == 1) return AnswerNothing(invocation);
+    Refuse(invocation, kNotSupported, "the volume of the device's audio is always 1");
 }
 }  // namespace companion

@@ -46,6 +46,7 @@ private:
     void SetLoop(GVariant* value, GDBusMethodInvocation* invocation);
     void SetShuffle(GVariant* value, GDBusMethodInvocation* invocation);
     void SetRate(GVariant* value, GDBusMethodInvocation* invocation);
+    void SetVolume(GVariant* value, GDBusMethodInvocation* invocation);
 
     void SendIf(bool possible, ipodkit::Request<void> request, GDBusMethodInvocation* invocation);
     void SeekTo(std::chrono::microseconds position, GDBusMethodInvocation* invocation);

@@ -74,8 +74,8 @@ void AddModes(Values& values, const PlayerState& state)
     if (!IsReady(state)) return;
     const auto repeat = static_cast<std::size_t>(state.repeat.value_or(static_cast<Repeat>(-1)));
     if (repeat < kLoopStatus.size()) values["LoopStatus"] = Owned(g_variant_new_string(kLoopStatus[repeat]));
-    if (state.shuffle)
-        values["Shuffle"] = Owned(g_variant_new_boolean(state.shuffle != ipodkit::Shuffle::Off ? TRUE : FALSE));
+    if (const auto shuffled = IsShuffled(state))
+        values["Shuffle"] = Owned(g_variant_new_boolean(*shuffled ? TRUE : FALSE));
 }
 }  // namespace
 
@@ -134,6 +134,13 @@ const char* PlaybackStatus(const PlayerState& state)
     const bool advances =
         status == PlayStatus::Playing || status == PlayStatus::FastForward || status == PlayStatus::FastBackward;
     return advances ? "Playing" : "Stopped";
+}
+
+std::optional<bool> IsShuffled(const PlayerState& state)
+{
+    using ipodkit::Shuffle;
+    if (!state.shuffle || *state.shuffle < Shuffle::Off || *state.shuffle > Shuffle::Albums) return std::nullopt;
+    return *state.shuffle != Shuffle::Off;
 }
 
 std::optional<Repeat> RepeatOf(std::string_view loopStatus)

@@ -36,6 +36,9 @@ bool CanSeek(const ipodkit::PlayerState& state);
 /// Returns "Playing" (also while winding), "Paused", or "Stopped".
 const char* PlaybackStatus(const ipodkit::PlayerState& state);
 
+/// Returns whether songs or albums are shuffled; nothing if unknown, or for a mode without a name.
+std::optional<bool> IsShuffled(const ipodkit::PlayerState& state);
+
 /// Returns the repeat mode of a LoopStatus; nothing if the text is not valid.
 std::optional<ipodkit::Repeat> RepeatOf(std::string_view loopStatus);
 

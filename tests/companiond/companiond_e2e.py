@@ -6,6 +6,7 @@ IPOD_TRACK_CHANGES sets the number of track changes (default: 50).
 import argparse
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -238,6 +239,14 @@ class Playback(OnABus):
         self.run_player("stop")
         self.assertTrue(self.client.until(lambda: self.client.get("PlaybackStatus") == "Stopped"))
 
+    def test_a_removed_file_of_the_artwork_is_written_again_with_the_next_track(self):
+        self.playing()
+        shutil.rmtree(os.path.join(self.folder.name, "ipodkit"))
+        self.client.player("Next")
+        self.assertTrue(self.client.until(lambda: any("Metadata" in each for each in self.client.changes())))
+        url = self.client.get("Metadata")["mpris:artUrl"]
+        self.assertTrue(os.path.exists(url[len("file://"):]), url)
+
     def test_playerctl_follows_the_tracks(self):
         self.playing()
         follower = self.start("playerctl", "--player=ipod", "metadata", "--follow", "--format", "{{title}}|{{mpris:artUrl}}",
@@ -304,6 +313,7 @@ class Playback(OnABus):
         self.assert_error("NotSupported", self.client.get, "DesktopEntry", ROOT)
         self.assert_error("InvalidArgs", self.client.set, "LoopStatus", GLib.Variant("s", "Sometimes"))
         self.client.set("Rate", GLib.Variant("d", 1.0))
+        self.client.set("Volume", GLib.Variant("d", 1.0))
         self.assertEqual(self.client.get("PlaybackStatus"), "Playing")
         self.client.player("Previous")
         self.assertFalse(self.client.get("CanGoPrevious"))
@@ -386,10 +396,11 @@ class Services(OnABus):
         self.assertIsNone(self.client.owner(STATE))
 
     def test_a_signal_ends_it_and_returns_the_names(self):
-        daemon = self.daemon()
-        daemon.send_signal(signal.SIGTERM)
-        self.assertEqual(daemon.wait(LIMIT), DONE)
-        self.assertIsNone(self.client.owner(MPRIS))
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            daemon = self.daemon()
+            daemon.send_signal(number)
+            self.assertEqual(daemon.wait(LIMIT), DONE, number)
+            self.assertIsNone(self.client.owner(MPRIS))
 
 
 class Starts(OnABus):

@@ -96,6 +96,7 @@ TEST(PlayerPropertiesTest, ModesWithoutANameAreAbsent)
 {
     PlayerState state = Playing(TrackOf("Song"));
     state.repeat = static_cast<Repeat>(99);
+    state.shuffle = static_cast<Shuffle>(99);
 
     const Values values = PlayerProperties(state, "/t", "");
 

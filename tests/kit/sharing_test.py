@@ -151,6 +151,22 @@ class Sharing(unittest.TestCase):
         reader.kill()
         self.holder("page")
 
+    def assert_change_waits_for(self, reader):
+        self.assertTrue(within(LIMIT, lambda: not can_lock(DATABASE_LIST)))
+        self.ctl("cd", "/Songs")
+        output, _ = reader.communicate(timeout=LIMIT)
+        self.assertEqual(reader.returncode, 0, output)
+        return output
+
+    def test_a_change_waits_for_reads_that_belong_together(self):
+        self.serve()
+        self.ctl("sim", "fault", "delay=300@GetCurDbListItems")
+        self.assertRegex(self.assert_change_waits_for(self.lister("pages", 1, 0)), "wrong 0 busy 0 failed 0")
+        process = subprocess.Popen([OPTIONS.ipodctl, "ls", "--names", "--count", "150"], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, text=True, env=self.bus.environment)
+        self.addCleanup(self.end, process)
+        self.assertEqual(len(self.assert_change_waits_for(process).splitlines()), 150)
+
     def test_a_lock_is_free_soon_after_its_holder_was_killed(self):
         self.serve()
         slowest = 0

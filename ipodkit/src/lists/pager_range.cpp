@@ -53,7 +53,7 @@ Request<Pager::Impl::Names> Pager::Impl::Range(int first, int last)
 void Pager::Impl::LockWalk(const WalkPtr& walk)
 {
     if (!HasLevel()) return BeginWalk(walk);
-    m_session->SharedLeases()->TakeForReading(
+    m_session->SharedLeases()->TakeForReads(
         [weak = weak_from_this(), walk](const Result<std::shared_ptr<void>>& level)
         {
             const auto self = weak.lock();

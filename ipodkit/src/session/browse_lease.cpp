@@ -12,7 +12,7 @@ Request<BrowseLease> BrowseLease::Acquire(Session& session, Browsing how)
     {
         const auto settle = [request](const auto& held)
         { request->Settle(held.map([](const std::shared_ptr<void>& lock) { return BrowseLease(lock); })); };
-        how == Browsing::Changing ? leases->TakeForChanges(settle) : leases->TakeForReading(settle);
+        how == Browsing::Changing ? leases->TakeForChanges(settle) : leases->TakeForReads(settle);
     };
     return MakeLoopRequest<BrowseLease>(inside->Bus()->Requests(), "browse lease",
                                         {inside->Options().deadline, std::nullopt}, begin);

@@ -160,8 +160,8 @@ void Leases::GiveUp(const WaiterPtr& waiter)
 void Leases::TakeForReading(Done<void> done)
 {
     if (!m_changing.expired()) return TakeForChanges([done = std::move(done)](const auto& lease) { done(lease); });
-    const HeldLockPtr held = m_reading.lock();
-    if (held != nullptr && held->Counts()) return done(held);
+    for (const HeldLockPtr& held : {m_together.lock(), m_reading.lock()})
+        if (held != nullptr && held->Counts()) return done(held);
     Take(Place::Level, Hold::Shared,
          [weak = weak_from_this(), done = std::move(done)](const Result<HeldLockPtr>& lock)
          {
@@ -169,6 +169,19 @@ void Leases::TakeForReading(Done<void> done)
              if (self != nullptr && lock && (*lock)->Counts()) self->KeepReading(*lock);
              done(lock);
          });
+}
+
+// A new lock for the later reads would wait behind a change that waits for the earlier ones.
+void Leases::TakeForReads(Done<void> done)
+{
+    TakeForReading(
+        [weak = weak_from_this(), done = std::move(done)](const Result<std::shared_ptr<void>>& lock)
+        {
+            const auto self = weak.lock();
+            const bool first = self != nullptr && lock && self->m_together.expired();
+            if (first) self->m_together = self->m_reading;
+            done(lock);
+        });
 }
 
 // A list is usually read page after page, so the lock is kept for a moment. Later reads lock again, so that

@@ -75,6 +75,9 @@ public:
     /// Locks the level for a read.
     void TakeForReading(Done<void> done);
 
+    /// Locks the level for reads that belong together: those that begin until the lock is dropped share it.
+    void TakeForReads(Done<void> done);
+
     /// Locks the level for one change, including the change lease.
     void TakeForChange(Done<void> done);
 
@@ -99,8 +102,9 @@ private:
     const std::chrono::milliseconds m_patience;
     const std::shared_ptr<IdleLockFiles> m_idle = std::make_shared<IdleLockFiles>();
     std::set<WaiterPtr> m_waiting;
-    std::weak_ptr<HeldLock> m_reading;  // shared by all reads
-    HeldLockPtr m_kept;                 // keeps m_reading alive for the next read
+    std::weak_ptr<HeldLock> m_reading;   // shared by all reads
+    std::weak_ptr<HeldLock> m_together;  // shared by reads that belong together
+    HeldLockPtr m_kept;                  // keeps m_reading alive for the next read
     SourcePtr m_keeping;
     std::weak_ptr<ChangeLease> m_changing;
     std::vector<Done<ChangeLease>> m_wanted;  // while the lock of Place::Browse is awaited
