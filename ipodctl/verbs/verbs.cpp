@@ -86,7 +86,8 @@ CLI::Validator WholeNumber(int least)
     {
         const std::optional<int> number = ParseIndex(text);
         if (number && *number >= least) return std::string();
-        return "expected an integer of at least " + std::to_string(least) + ", got '" + Printable(text) + "'";
+        return "expected an integer between " + std::to_string(least) + " and " + std::to_string(kLargestIndex) +
+               ", got '" + Printable(text) + "'";
     };
     return {check, "N"};
 }
