@@ -239,7 +239,7 @@ const std::vector<HelpRow>& ExitCodes()
 {
     static const std::vector<HelpRow> codes{
         {"0", "done"},
-        {"1", "the service refused, or there was nothing to do (such as next at the end)"},
+        {"1", "the service refused, the lists are in use, or there was nothing to do"},
         {"2", "usage: unknown command, index out of range, name not found, file not usable"},
         {"3", "no session bus"},
         {"4", "no iPod service on the bus"},
