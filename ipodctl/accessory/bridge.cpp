@@ -24,8 +24,15 @@ namespace
 {
 constexpr std::size_t kLongestText = 255;
 
-void CheckLength(const std::string& text, const char* what)
+void CheckUtf8(const std::string& text, const char* what)
 {
+    if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
+        throw Failure(kUsage, std::string(what) + ": expected UTF-8 text, got '" + Printable(text) + "'");
+}
+
+void CheckText(const std::string& text, const char* what)
+{
+    CheckUtf8(text, what);
     if (text.size() > kLongestText)
         throw Failure(kUsage, std::string(what) + " is longer than " + std::to_string(kLongestText) + " bytes");
 }
@@ -49,15 +56,14 @@ SenderLock::~SenderLock()
 
 void Announce(Session& session, const ipodkit::AccessoryInfo& info)
 {
-    CheckLength(info.protocols, "the list of protocols");
-    CheckLength(info.bundleId, "the bundle identifier");
+    CheckText(info.protocols, "the list of protocols");
+    CheckText(info.bundleId, "the bundle identifier");
     session.Ask(session.Commands().AnnounceAccessory(info));
 }
 
 void LaunchApp(Session& session, const std::string& bundle)
 {
-    if (g_utf8_validate(bundle.data(), static_cast<gssize>(bundle.size()), nullptr) == FALSE)
-        throw Failure(kUsage, "bundle identifier: expected UTF-8 text, got '" + Printable(bundle) + "'");
+    CheckUtf8(bundle, "the bundle identifier");
     session.Ask(session.Commands().LaunchApp(bundle),
                 {"the service did not launch '" + Printable(bundle) + "'",
                  "announce its protocols first with 'ipodctl eap init PROTOCOLS BUNDLE'"});

@@ -43,6 +43,8 @@ const char* Summary(ErrorKind kind)
             return "the iPod service sent an invalid answer: ";
         case ErrorKind::Cancelled:
             return "another program changed it in the meantime: ";
+        case ErrorKind::Busy:
+            return "the lists are in use: ";
         case ErrorKind::NoSharedMemory:
             return "cannot use the shared memory: ";
         default:

@@ -16,7 +16,6 @@ namespace
 {
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
-constexpr int kMaxDigits = 9;
 
 // The first character of possibly invalid UTF-8; bytes is at least 1.
 struct Character
@@ -41,7 +40,7 @@ int WidthOf(gunichar code)
 
 bool IsDigits(std::string_view text)
 {
-    return !text.empty() && text.size() <= kMaxDigits &&
+    return !text.empty() && text.size() <= kMostDigits &&
            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 

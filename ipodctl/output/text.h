@@ -49,6 +49,9 @@ std::string Count(int number, const char* one, const char* many);
 /// max(2, length / 3) edits, or would replace the whole word.
 std::string MostSimilar(const std::string& word, const std::vector<std::string>& words);
 
+constexpr int kMostDigits = 9;
+constexpr int kLargestIndex = 999999999;
+
 /// Parses a non-negative number of 1 to 9 decimal digits; returns nothing for other text.
 std::optional<int> ParseIndex(std::string_view text);
 

@@ -41,8 +41,10 @@ void Write(Session& session, unsigned short number, Bytes data)
 Run BuildInit(CLI::App& app)
 {
     const auto info = Argument<ipodkit::AccessoryInfo>();
-    app.add_option("protocols", info->protocols, "Accessory protocols, separated by commas")->required();
-    app.add_option("bundle", info->bundleId, "Bundle identifier of the companion app")->required();
+    app.add_option("protocols", info->protocols, "Accessory protocols, separated by commas")
+        ->required()
+        ->check(NonEmpty());
+    app.add_option("bundle", info->bundleId, "Bundle identifier of the companion app")->required()->check(NonEmpty());
     return [info](Context& context) -> Answer
     {
         Announce(context.session, *info);
@@ -54,7 +56,7 @@ Run BuildInit(CLI::App& app)
 Run BuildLaunch(CLI::App& app)
 {
     const auto bundle = Argument<std::string>();
-    app.add_option("bundle", *bundle, "Bundle identifier of the app to start")->required();
+    app.add_option("bundle", *bundle, "Bundle identifier of the app to start")->required()->check(NonEmpty());
     return [bundle](Context& context) -> Answer
     {
         LaunchApp(context.session, *bundle);

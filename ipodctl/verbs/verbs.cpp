@@ -86,7 +86,8 @@ CLI::Validator WholeNumber(int least)
     {
         const std::optional<int> number = ParseIndex(text);
         if (number && *number >= least) return std::string();
-        return "expected an integer of at least " + std::to_string(least) + ", got '" + Printable(text) + "'";
+        return "expected an integer between " + std::to_string(least) + " and " + std::to_string(kLargestIndex) +
+               ", got '" + Printable(text) + "'";
     };
     return {check, "N"};
 }
@@ -238,7 +239,7 @@ const std::vector<HelpRow>& ExitCodes()
 {
     static const std::vector<HelpRow> codes{
         {"0", "done"},
-        {"1", "the service refused, or there was nothing to do (such as next at the end)"},
+        {"1", "the service refused, the lists are in use, or there was nothing to do"},
         {"2", "usage: unknown command, index out of range, name not found, file not usable"},
         {"3", "no session bus"},
         {"4", "no iPod service on the bus"},

@@ -28,7 +28,7 @@ struct Verb
     const char* group = "Commands";  ///< title of its section in the help
 };
 
-/// Accepts integers of at least @p least.
+/// Accepts integers from @p least to kLargestIndex.
 CLI::Validator WholeNumber(int least);
 
 /// Accepts integers between @p least and @p most.

@@ -263,7 +263,7 @@ class WithTheSimulator(InATerminal):
                                  capture_output=True, text=True)
         self.assertEqual(refused.returncode, NOTHING_DONE)
         holder = f"process {terminal.process.pid} (ipodctl)"
-        self.assertIn(f"{holder} browses the database", refused.stderr)
+        self.assertIn(f"the lists are in use: {holder} browses the database\n", refused.stderr)
         locks = [check["text"] for check in self.ctl("doctor")["checks"] if check["check"] == "lock"]
         self.assertEqual(locks, [f"browse is held by {holder}"])
         terminal.type(CTRL_C)

@@ -90,8 +90,9 @@ TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
 TEST(WholeNumber, ReportsTheAcceptedRange)
 {
     EXPECT_EQ(WholeNumber(1)("5"), "");
-    EXPECT_EQ(WholeNumber(1)("0"), "expected an integer of at least 1, got '0'");
-    EXPECT_EQ(WholeNumber(0)("-1"), "expected an integer of at least 0, got '-1'");
+    EXPECT_EQ(WholeNumber(1)("0"), "expected an integer between 1 and 999999999, got '0'");
+    EXPECT_EQ(WholeNumber(0)("-1"), "expected an integer between 0 and 999999999, got '-1'");
+    EXPECT_EQ(WholeNumber(0)("4294967296"), "expected an integer between 0 and 999999999, got '4294967296'");
 }
 
 TEST(NumberUpTo, KnowsTheWholeRange)

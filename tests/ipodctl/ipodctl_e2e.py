@@ -107,7 +107,7 @@ class WithoutAService(OnABus):
                       ["status", "--keys", "--format", "a"], ["help", "dance"], ["help", "sim", "dance"],
                       ["queue", "x"], ["cd"], ["cd", ""], ["eap"], ["eap", "write", "70000"], ["hub", "256"],
                       ["events", "--count", "x"], ["status", "--wrong"], ["eap", "init", "x" * 256, "b"],
-                      ["eap", "launch", b"\xff"], ["--deadline", "nan", "status"], ["events", "--timeout", "nan"],
+                      ["eap", "launch", b"\xff"], ["eap", "init", b"\xff", "b"], ["--deadline", "nan", "status"], ["events", "--timeout", "nan"],
                       ["status", "--listen", "inf"], ["sim", "call"], ["sim", "battery"], ["events", "--format", ""], ["events", "--exec", ""]):
             with self.subTest(words):
                 self.refused(*words, code=USAGE)
@@ -141,6 +141,10 @@ class WithoutAService(OnABus):
                 (["events", "--timeout", "0"], "--timeout: expected a number of seconds between 0.001 and 4000000, got '0'",
                  "try 'ipodctl events --help'"),
                 (["eap", "bridge", "--socket", ""], "--socket: must not be empty", "try 'ipodctl eap bridge --help'"),
+                (["eap", "init", "", "b"], "protocols: must not be empty", "try 'ipodctl eap init --help'"),
+                (["eap", "init", "a", ""], "bundle: must not be empty", "try 'ipodctl eap init --help'"),
+                (["eap", "launch", ""], "bundle: must not be empty", "try 'ipodctl eap launch --help'"),
+                (["eap", "init", b"\xff", "b"], "the list of protocols: expected UTF-8 text, got '\ufffd'", ""),
                 (["seek"], "missing argument: time", "give SECONDS, MM:SS, +N or -N"),
                 (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
                 (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
@@ -956,7 +960,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.json("eap", "echo", "你好")["received"], "你好")
 
     def test_a_session_is_announced_launched_and_written_to(self):
-        self.assertIn("announce", self.refused("eap", "launch", "com.example.app", code=NOTHING_DONE))
+        self.assertIn("announce", self.failure("eap", "launch", "com.example.app", code=NOTHING_DONE)[1])
         self.json("eap", "init", "com.example.echo", "com.example.app")
         listener = self.follow("eap", "listen", "--count", "2", "--timeout", str(LIMIT))
         self.json("eap", "launch", "com.example.app")
