@@ -27,6 +27,12 @@ std::unique_ptr<AnyRequest> Write(AccessorySession& session, const py::bytes& by
     return Wrapped(session.Write(Bytes(data.begin(), data.end())));
 }
 
+std::unique_ptr<AnyRequest> WriteTo(AccessoryPort& port, std::uint16_t session, const py::bytes& bytes)
+{
+    const std::string_view data = bytes;
+    return Wrapped(port.WriteTo(session, Bytes(data.begin(), data.end())));
+}
+
 void BindAccessorySession(py::module_& module)
 {
     py::class_<AccessorySession, AccessorySessionPtr>(module, "AccessorySession", kPeerDoc)
@@ -60,6 +66,9 @@ void BindAccessory(py::module_& module)
              "chunk: bytes per call of the service. high_water: a session accepts no more bytes while this many are "
              "waiting.")
         .def("sessions", &AccessoryPort::Sessions, "The open sessions.")
+        .def("write_to", WriteTo, KeepsPart(), py::arg("session"), py::arg("data"),
+             "Like AccessorySession.write(), to a session by its number, also one that was opened before the port. "
+             "Raises Refused if the service has no such session.")
         .def("on_opened", Subscribing(&AccessoryPort::OnOpened), py::arg("name"), py::arg("callback"),
              "Calls callback(accessory_session) for each AccessorySession that the device opens.");
 }

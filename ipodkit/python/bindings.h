@@ -15,6 +15,8 @@ void BindRequest(pybind11::module_& module);
 void BindCommands(pybind11::module_& module);
 /// Binds a GLib main context that another event loop can run.
 void BindContext(pybind11::module_& module);
+/// Binds what Session.browse() needs, and the holders of locks.
+void BindSharing(pybind11::module_& module);
 void BindSession(pybind11::module_& module);
 /// Binds Pager and its pages.
 void BindPager(pybind11::module_& module);

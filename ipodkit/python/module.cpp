@@ -30,6 +30,7 @@ PYBIND11_MODULE(_native, module)
     BindRequest(module);
     BindCommands(module);
     BindContext(module);
+    BindSharing(module);
     BindSession(module);
     BindPager(module);
     BindJumpIndex(module);

@@ -1,6 +1,7 @@
 #include "bindings.h"
 
 #include <ipodkit/session.h>
+#include <ipodkit/sharing.h>
 
 #include <type_traits>
 
@@ -144,6 +145,13 @@ void BindSession(py::module_& module)
             { return Wrapped(handle.Get().Refreshed(ToFields(fields))); },
             py::arg("fields") = py::none(),
             "A request like refresh(), whose value is the state in which each field is read, or unknown for a reason. "
-            "Raises NoService, or ServiceLost.");
+            "Raises NoService, or ServiceLost.")
+        .def(
+            "browse",
+            [](const SessionHandle& handle, Browsing how) { return Wrapped(BrowseLease::Acquire(handle.Get(), how)); },
+            py::arg("how") = Browsing::Changing,
+            "A request for the right to browse the database, a BrowseLease: `async with await session.browse():`. "
+            "Raises Busy, with the holder in its reason, when another process does not release it within two seconds, "
+            "or three quarters of the session's deadline if that is less.");
 }
 }  // namespace ipodkit::python

@@ -252,6 +252,82 @@ class Lists(WithSimulator):
         self.assertIn(f"0\t{name}\t({ipodkit.reading(name)})", output.decode())
 
 
+# Holds the lease until its input ends, or it is killed.
+HOLDER = """
+import asyncio, sys, ipodkit
+ipodkit.log("ERROR:/dev/null")
+async def main():
+    async with ipodkit.Session() as session:
+        await session.ready()
+        async with await session.browse():
+            print("held", flush=True)
+            await asyncio.to_thread(sys.stdin.read)
+asyncio.run(main())
+"""
+
+
+class Sharing(WithSimulator):
+    async def holder(self):
+        holder = await asyncio.create_subprocess_exec(
+            OPTIONS.interpreter, "-c", HOLDER, stdin=asyncio.subprocess.PIPE, stdout=asyncio.subprocess.PIPE)
+        self.addAsyncCleanup(self.end, holder)
+        self.assertEqual(await asyncio.wait_for(holder.stdout.readline(), LIMIT), b"held\n")
+        return holder
+
+    @staticmethod
+    async def end(holder):
+        if holder.returncode is None:
+            holder.kill()
+        await holder.communicate()
+
+    def browsing(self):
+        return [holder.process for holder in ipodkit.lock_holders() if holder.what == "browse"]
+
+    async def test_the_lease_of_another_process_makes_this_one_busy(self):
+        session = await self.ready_session(deadline=0.4)
+        holder = await self.holder()
+        found = [each for each in ipodkit.lock_holders() if each.what == "browse"][0]
+        with self.assertRaises(ipodkit.Busy) as raised:
+            await session.browse().within(LIMIT)
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.BUSY)
+        self.assertEqual(raised.exception.reason,
+                         f"process {found.process} ({found.program}) browses the database")
+        holder.stdin.close()
+        await asyncio.wait_for(holder.wait(), LIMIT)
+        self.assertEqual(self.browsing(), [])
+
+    async def test_a_lease_is_held_inside_its_block(self):
+        session = await self.ready_session()
+        pager = ipodkit.Pager(session, ipodkit.ListKind.DATABASE)
+        async with await session.browse():
+            self.assertEqual(self.browsing(), [os.getpid()])
+            await pager.enter_child(0)
+            self.assertFalse((await pager.at(0)).root)
+        self.assertEqual(self.browsing(), [])
+        with await session.browse(ipodkit.Browsing.CHANGING) as lease:
+            self.assertEqual(self.browsing(), [os.getpid()])
+            lease.release()
+            self.assertEqual(self.browsing(), [])
+
+    async def test_an_error_in_the_block_ends_the_lease(self):
+        session = await self.ready_session()
+        with self.assertRaises(ZeroDivisionError):
+            async with await session.browse():
+                raise ZeroDivisionError
+        self.assertEqual(self.browsing(), [])
+
+    async def test_a_lease_for_reading_keeps_the_level(self):
+        session = await self.ready_session(deadline=0.4)
+        pager = ipodkit.Pager(session, ipodkit.ListKind.DATABASE)
+        async with await session.browse(ipodkit.Browsing.READING):
+            self.assertTrue((await pager.at(0)).root)
+            with self.assertRaises(ipodkit.Busy):
+                await pager.enter_child(0).within(LIMIT)
+        await pager.enter_child(0).within(LIMIT)
+        with self.assertRaises(TypeError):
+            session.browse("reading")
+
+
 class Sources(WithSimulator):
     async def test_a_source_is_requested_played_suspended_and_released(self):
         session = await self.ready_session()
@@ -351,6 +427,16 @@ class Accessories(WithSimulator):
         await asyncio.sleep(0.05)
         self.session.close()
         self.assertEqual(await asyncio.wait_for(received, LIMIT / 6), [])
+
+    async def test_bytes_are_sent_to_a_session_by_its_number(self):
+        accessory = await self.opened()
+        late = ipodkit.AccessoryPort(self.session)
+        await late.write_to(accessory.number, b"\1")
+        with self.assertRaises(ipodkit.Refused):
+            await late.write_to(accessory.number + 1, b"\1")
+        for wrong in ((65536, b"\1"), (-1, b"\1"), (accessory.number, "text")):
+            with self.assertRaises(TypeError):
+                late.write_to(*wrong)
 
     async def test_only_bytes_can_be_written(self):
         accessory = await self.opened()

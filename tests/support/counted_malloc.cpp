@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstddef>
 
 // glibc's own functions, under the names that remain when a program replaces the usual ones.
 extern "C" void* __libc_malloc(std::size_t);
@@ -14,10 +13,17 @@ extern "C" void __libc_free(void*);
 namespace
 {
 std::atomic<long> live{0};
+std::atomic<long> large{0};
 thread_local long made = 0;
 
-void* Counted(void* memory)
+void NoteSize(std::size_t size)
 {
+    if (size >= test::kLargeAllocation) large.fetch_add(1, std::memory_order_relaxed);
+}
+
+void* Counted(void* memory, std::size_t size)
+{
+    NoteSize(size);
     if (memory != nullptr) live.fetch_add(1, std::memory_order_relaxed);
     ++made;
     return memory;
@@ -35,28 +41,34 @@ long AllocationsOfThisThread()
 {
     return made;
 }
+
+long LargeAllocations()
+{
+    return large.load();
+}
 }  // namespace test
 
 extern "C" void* malloc(std::size_t size)
 {
-    return Counted(__libc_malloc(size));
+    return Counted(__libc_malloc(size), size);
 }
 
 extern "C" void* calloc(std::size_t count, std::size_t size)
 {
-    return Counted(__libc_calloc(count, size));
+    return Counted(__libc_calloc(count, size), count * size);
 }
 
 extern "C" void* realloc(void* memory, std::size_t size)
 {
     if (memory == nullptr) return malloc(size);
     if (size == 0) live.fetch_sub(1, std::memory_order_relaxed);
+    NoteSize(size);
     return __libc_realloc(memory, size);
 }
 
 extern "C" void* memalign(std::size_t alignment, std::size_t size)
 {
-    return Counted(__libc_memalign(alignment, size));
+    return Counted(__libc_memalign(alignment, size), size);
 }
 
 extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size)

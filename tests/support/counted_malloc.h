@@ -2,6 +2,8 @@
 /// Counts the allocations of the whole process, including libraries.
 #pragma once
 
+#include <cstddef>
+
 namespace test
 {
 /// The number of live allocations.
@@ -9,4 +11,8 @@ long LiveAllocations();
 
 /// All allocations that the calling thread has made so far.
 long AllocationsOfThisThread();
+
+/// All allocations of at least kLargeAllocation bytes that any thread has made so far, by growing a smaller one too.
+long LargeAllocations();
+inline constexpr std::size_t kLargeAllocation = 0x40000;
 }  // namespace test

@@ -32,6 +32,11 @@ struct EnumNames<Unknown>
 
 /// A value, or the reason why it is unknown. Used like std::optional: for an unknown value, value() throws
 /// std::bad_optional_access, and `*` and `->` are undefined.
+///
+///     if (state->track) Show(state->track->title);
+///     else Explain(state->track.Why());
+///
+/// A condition checks whether the value is known, also for Known<bool>: compare with true, or use value_or(false).
 template <class T>
 class Known
 {
@@ -52,13 +57,13 @@ public:
     const T& value() const { return m_value.value(); }
     T value_or(T otherwise) const { return m_value.value_or(std::move(otherwise)); }
 
-    /// Returns why the value is unknown. Unspecified when it is known.
+    /// Returns why the value is unknown. Unspecified when it is known; PlayerState::Why() returns nothing then.
     Unknown Why() const { return m_why; }
 
     /// Returns the error that the service answered with; null when the value is known, or no such answer arrived.
     const Error* Cause() const { return m_cause.get(); }
 
-    /// Compares values and reasons, not causes.
+    /// Compares values and reasons, not causes. An unknown value differs from every plain one.
     bool operator==(const Known& other) const
     {
         return m_value == other.m_value && (m_value.has_value() || m_why == other.m_why);

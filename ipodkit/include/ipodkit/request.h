@@ -8,6 +8,10 @@
 ///     commands.EnterRoot().AndThen([=] { return commands.DatabaseCount(); }).Start(…);
 ///     Result<PagePtr> page = co_await pager.At(1234);                            // see coroutine.h
 ///
+/// **Use.** A request is sent once, and each of its functions consumes it. Chain the calls as above; a request in a
+/// variable must be moved, and not be used afterwards: `std::move(request).Start(…)`. What a completion refers to must
+/// exist until it has run, at the latest when the session ends.
+///
 /// **Threads.** Any thread may make and send requests. Completions, and functions given to AndThen(), run in the
 /// session's context, exactly once, never inside Start(). What they throw is logged, level WARN, and goes no further.
 ///
@@ -17,7 +21,8 @@
 /// on others it blocks.
 ///
 /// **Time.** A request completes no later than its deadline: that of Within(), or else the session's. Requests of many
-/// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have no common one unless Within() sets it.
+/// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have no common one, Session::Changed() and Refreshed()
+/// none at all, unless Within() sets it.
 ///
 /// **End.** When the session ends, requests under way by Start() or Future() complete with ErrorKind::Cancelled before
 /// its destructor returns. A Wait() of a command on another thread continues to its answer or its deadline. Requests

@@ -314,3 +314,16 @@ async def _received(accessory):
 
 _native.AccessorySession.__aiter__ = _received
 del _received
+
+
+async def _entered(lease):
+    return lease
+
+
+async def _released(lease, *_):
+    lease.release()
+
+
+_native.BrowseLease.__aenter__ = _entered
+_native.BrowseLease.__aexit__ = _released
+del _entered, _released
