@@ -168,7 +168,9 @@ int Main(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
-        return app.exit(error) == 0 ? kDone : kUsage;
+        if (error.get_exit_code() == 0) return static_cast<ExitCode>(app.exit(error));
+        std::fprintf(stderr, "ipod-companiond: %s\nhint: try 'ipod-companiond --help'\n", error.what());
+        return kUsage;
     }
     catch (const Failure& failure)
     {

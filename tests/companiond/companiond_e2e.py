@@ -431,7 +431,9 @@ class Starts(OnABus):
     def test_the_command_line(self):
         self.assertRegex(self.run_daemon("--version")[1], r"^ipod-companiond \d+\.\d+\.\d+\n$")
         self.assertIn("--print-interface", self.run_daemon("--help")[1])
-        self.assertEqual(self.run_daemon("--dance")[0], USAGE)
+        code, _, error = self.run_daemon("--dance")
+        self.assertEqual(code, USAGE)
+        self.assertRegex(error, r"^ipod-companiond: .*--dance\nhint: try 'ipod-companiond --help'\n$")
 
     def test_the_printed_interface_is_the_exported_one(self):
         self.daemon()
