@@ -117,7 +117,7 @@ Run BuildWind(CLI::App& app)
     {
         const ipodkit::Commands commands = context.session.Commands();
         Loop loop;
-        AskOfTrack(context.session, (commands.*wind)(), "the service does not wind");
+        AskOfTrack(context.session, (commands.*wind)(), "the service did not wind");
         const Ending ending = loop.Run(*seconds);
         context.session.Ask(commands.StopWinding(), "the service did not stop winding");
         if (ending == Ending::Interrupted) throw Interrupted{};
