@@ -43,7 +43,7 @@ void BindSharing(py::module_& module)
         .value("CHANGING", Browsing::Changing);
     BindLease(module);
     py::class_<LockHolder>(module, "LockHolder", "A process that holds a lock.")
-        .def_readonly("what", &LockHolder::what, "Name of the locked vector, or \"level\", or \"browse\".")
+        .def_readonly("what", &LockHolder::what, R"(Name of the locked vector, or "level", or "browse".)")
         .def_readonly("process", &LockHolder::process, "Number of the process.")
         .def_property_readonly(
             "program", [](const LockHolder& holder) { return ToObject(holder.program); },

@@ -1,5 +1,6 @@
 /// @file
-/// The fake service of the tests. Tests define all of its behavior, so no simulator logic can hide a defect of the client.
+/// The fake service of the tests. Tests define all of its behavior, so no simulator logic can hide a defect of the
+/// client.
 #pragma once
 
 #include <ipodsim_script.h>
