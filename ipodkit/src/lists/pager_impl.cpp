@@ -30,16 +30,16 @@ std::optional<Error> OutOfRange(const PagerOptions& options)
 }  // namespace
 
 template <class T>
-bool Pager::Impl::Fetch<T>::Wanted() const
+bool PageFetch<T>::Wanted() const
 {
     return ahead ||
            std::any_of(waiters.begin(), waiters.end(), [](const auto& waiter) { return waiter.request->Open(); });
 }
 
 template <class T>
-void Pager::Impl::Fetch<T>::Arrived(const Result<T>& result) const
+void PageFetch<T>::Arrived(const Result<T>& result) const
 {
-    for (const Waiter<T>& waiter : waiters)
+    for (const PageWaiter<T>& waiter : waiters)
         if (waiter.request->Open()) waiter.arrived(result);
 }
 
@@ -193,11 +193,11 @@ Request<int> Pager::Impl::Count()
     return Reading<int>("pager count", {m_session->Options().deadline, std::nullopt}, begin);
 }
 
-void Pager::Impl::CountWanted(Waiter<int> waiter)
+void Pager::Impl::CountWanted(PageWaiter<int> waiter)
 {
     if (m_count) return waiter.arrived(*m_count);
     const bool fresh = !m_counting || !m_counting->Wanted();
-    if (fresh) m_counting = Fetch<int>{};
+    if (fresh) m_counting = PageFetch<int>();
     m_counting->waiters.push_back(std::move(waiter));
     if (!fresh) return;
     InTurn<int>(
@@ -222,7 +222,7 @@ Request<PagePtr> Pager::Impl::At(int index)
 }
 
 // The size comes first: it determines how long a page must be.
-void Pager::Impl::EntryWanted(int index, Waiter<PagePtr> waiter)
+void Pager::Impl::EntryWanted(int index, PageWaiter<PagePtr> waiter)
 {
     if (index < 0) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
     if (!HasCount()) return EntryWantedWithoutCount(index, waiter);
@@ -233,9 +233,9 @@ void Pager::Impl::EntryWanted(int index, Waiter<PagePtr> waiter)
 
 // In a list without a reported size, a page that is not full marks the end. The first page is requested first:
 // beyond the end some services refuse, and some fill in the whole list whatever is requested.
-void Pager::Impl::EntryWantedWithoutCount(int index, const Waiter<PagePtr>& waiter)
+void Pager::Impl::EntryWantedWithoutCount(int index, const PageWaiter<PagePtr>& waiter)
 {
-    const Waiter<PagePtr> checked{
+    const PageWaiter<PagePtr> checked{
         waiter.request, [index, arrived = waiter.arrived](const Result<PagePtr>& page)
         { arrived(page && !(*page)->Holds(index) ? tl::unexpected<Error>(NoSuchEntry(index)) : page); }};
     if (NumberOf(index) == 0) return PageWanted(index, checked);
@@ -246,7 +246,7 @@ void Pager::Impl::EntryWantedWithoutCount(int index, const Waiter<PagePtr>& wait
                    }});
 }
 
-void Pager::Impl::PageWanted(int index, Waiter<PagePtr> waiter)
+void Pager::Impl::PageWanted(int index, PageWaiter<PagePtr> waiter)
 {
     if (m_count && index >= *m_count) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
     const int number = NumberOf(index);

@@ -14,6 +14,25 @@
 
 namespace ipodkit
 {
+/// A request, and its continuation with the result that it waits for.
+template <class T>
+struct PageWaiter
+{
+    OpenRequestPtr request;
+    std::function<void(const Result<T>&)> arrived;
+};
+
+/// A page or the count that is being fetched, and those who wait for it.
+template <class T>
+struct PageFetch
+{
+    bool ahead = false;  // wanted though no request waits for it
+    std::vector<PageWaiter<T>> waiters;
+
+    bool Wanted() const;
+    void Arrived(const Result<T>& result) const;
+};
+
 /// Context thread only, except for the functions that make requests.
 class Pager::Impl : public std::enable_shared_from_this<Pager::Impl>
 {
@@ -41,24 +60,6 @@ public:
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:
-    /// A request, and its continuation with the result that it waits for.
-    template <class T>
-    struct Waiter
-    {
-        OpenRequestPtr request;
-        std::function<void(const Result<T>&)> arrived;
-    };
-
-    template <class T>
-    struct Fetch
-    {
-        bool ahead = false;  // wanted though no request waits for it
-        std::vector<Waiter<T>> waiters;
-
-        bool Wanted() const;
-        void Arrived(const Result<T>& result) const;
-    };
-
     /// The locks that are held while a page is read.
     struct Locks
     {
@@ -86,11 +87,11 @@ private:
     Request<int> AskForCount() const;
     void Forget(const Error& error);
     void End(const Error& error);
-    void CountWanted(Waiter<int> waiter);
+    void CountWanted(PageWaiter<int> waiter);
     void CountArrived(const Result<int>& count);
-    void EntryWanted(int index, Waiter<PagePtr> waiter);
-    void EntryWantedWithoutCount(int index, const Waiter<PagePtr>& waiter);
-    void PageWanted(int index, Waiter<PagePtr> waiter);
+    void EntryWanted(int index, PageWaiter<PagePtr> waiter);
+    void EntryWantedWithoutCount(int index, const PageWaiter<PagePtr>& waiter);
+    void PageWanted(int index, PageWaiter<PagePtr> waiter);
     void FetchPage(int number, const OpenRequest* request);
     void LockPage(const std::function<void(const Result<LocksPtr>&)>& locked);
     void PageArrived(int number, const Result<PageHead>& head, const LocksPtr& locks);
@@ -121,8 +122,8 @@ private:
     Subscription m_ending;
     std::uint64_t m_round = 0;  // grows whenever all is forgotten
     std::optional<int> m_count;
-    std::optional<Fetch<int>> m_counting;
-    std::map<int, Fetch<PagePtr>> m_pages;  // that are being fetched
+    std::optional<PageFetch<int>> m_counting;
+    std::map<int, PageFetch<PagePtr>> m_pages;  // that are being fetched
     int m_lastNumber = 0;
 };
 
