@@ -44,6 +44,6 @@ std::optional<ipodkit::Repeat> RepeatOf(std::string_view loopStatus);
 
 /// Returns the properties, except for Position.
 /// @param trackId  object path
-/// @param artUrl   empty if there is no artwork
+/// @param artUrl   empty without artwork
 Values PlayerProperties(const ipodkit::PlayerState& state, const std::string& trackId, const std::string& artUrl);
 }  // namespace companion

@@ -4,7 +4,7 @@
 
 namespace companion
 {
-// DesktopEntry has no value: there is no desktop file.
+// DesktopEntry has no value, because the daemon installs no desktop file.
 Root::Root(GDBusConnection* connection)
     : BusObject(connection, kMprisPath, const_cast<GDBusInterfaceInfo*>(&org_mpris_media_player2_interface))
 {

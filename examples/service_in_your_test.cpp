@@ -35,7 +35,7 @@ int main()
     }
     catch (const std::exception& error)
     {
-        // For example, there is no bus.
+        // For example, no bus is running.
         std::fprintf(stderr, "%s\n", error.what());
         return 1;
     }

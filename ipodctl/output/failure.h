@@ -44,7 +44,8 @@ private:
 inline constexpr char kCheckDevices[] = "check with 'ipodctl devices' that a device is attached";
 inline constexpr char kHintForLost[] = "check whether the service is running, then try again";
 
-/// The message and the optional hint if the service answers "false". An empty message stands for the error's own.
+/// The message and the optional hint if the service answers "false". If the message is empty, the text of the error is
+/// used.
 struct Refusal
 {
     Refusal() = default;

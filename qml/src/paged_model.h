@@ -18,7 +18,7 @@ class PagedModel : public QAbstractListModel
 
     /// Number of rows.
     Q_PROPERTY(int count READ Count NOTIFY countChanged)
-    /// Whether the number of entries has been read; false while there is no service.
+    /// Whether the number of entries has been read; false while the service is absent.
     Q_PROPERTY(bool counted READ Counted NOTIFY countChanged)
 
 public:

@@ -72,8 +72,8 @@ public:
     int events = 0;
 };
 
-// What the third of five listeners changes at the first of two events, and how many events each gets. Those it adds are
-// not registered before.
+// The change that the third of five listeners makes during the first of two events, and the events per listener. Added
+// ones are not registered before.
 struct Change
 {
     const char* name;

@@ -37,7 +37,7 @@ class Session : public QObject
     Q_PROPERTY(QString phase READ PhaseName NOTIFY connectionChanged)
     /// How often the service has appeared.
     Q_PROPERTY(int generation READ Generation NOTIFY connectionChanged)
-    /// Why the session is not ready: kind, reason, and remedy; empty texts if there is no error.
+    /// Why the session is not ready: kind, reason, and remedy; empty texts without an error.
     Q_PROPERTY(QVariantMap error READ ErrorMap NOTIFY connectionChanged)
 
 public:
@@ -69,7 +69,7 @@ public:
     /// Sends a request without result. If it fails, failed() reports it under the name @p what.
     void Send(const QString& what, ipodkit::Request<void> request);
 
-    /// Emits failed(), unless the error is that there is no service.
+    /// Emits failed(), unless the service is absent.
     void Report(const QString& what, const ipodkit::Error& error);
 
     QString PhaseName() const;
@@ -80,7 +80,7 @@ Q_SIGNALS:
     void connectionChanged();
     void stateChanged(const ipodkit::StatePtr& state, ipodkit::Fields changed);
 
-    /// A request failed. Requests that fail because there is no service are not reported; see `phase`.
+    /// A request failed. Failures due to an absent service are not reported; see `phase`.
     void failed(const QString& request, const QString& reason, const QString& remedy);
 
 private:
