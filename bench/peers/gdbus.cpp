@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "peer.h"
+#include "protocol.h"
 
 namespace
 {
@@ -25,8 +26,8 @@ public:
     GdbusPeer()
     {
         GError* error = nullptr;
-        m_proxy = com_zarn_linux_ipod_proxy_new_for_bus_sync(G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_NONE, kName, kPath,
-                                                             nullptr, &error);
+        m_proxy = com_zarn_linux_ipod_proxy_new_for_bus_sync(G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_NONE,
+                                                             bench::kBusName, bench::kObjectPath, nullptr, &error);
         Check(error);
         g_signal_connect(m_proxy, "on-play-status-changed", G_CALLBACK(OnEvent), this);
     }
@@ -85,9 +86,9 @@ private:
     GVariant* Fetch(const char* method)
     {
         GError* error = nullptr;
-        GVariant* const reply = g_dbus_connection_call_sync(g_dbus_proxy_get_connection(G_DBUS_PROXY(m_proxy)), kName,
-                                                            kBulkPath, kBulkInterface, method, nullptr, nullptr,
-                                                            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+        GVariant* const reply = g_dbus_connection_call_sync(
+            g_dbus_proxy_get_connection(G_DBUS_PROXY(m_proxy)), bench::kBusName, bench::kBenchPath,
+            bench::kBenchInterface, method, nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
         Check(error);
         return reply;
     }

@@ -10,11 +10,6 @@
 
 namespace peers
 {
-constexpr char kName[] = "com.zarn.linux.ipod";
-constexpr char kPath[] = "/com/zarn/linux/ipod";
-constexpr char kBulkPath[] = "/bench";
-constexpr char kBulkInterface[] = "com.zarn.linux.ipod.bench";
-
 /// The service answers Seek() first, waits until the peer sleeps, and then emits OnPlayStatusChanged.
 class Peer
 {

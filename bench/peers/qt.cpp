@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "peer.h"
+#include "protocol.h"
 
 using namespace peers;
 
@@ -17,11 +18,15 @@ class QtPeer : public QObject, public Peer
     Q_OBJECT
 
 public:
-    QtPeer() { m_bus.connect(kName, kPath, kName, "OnPlayStatusChanged", this, SLOT(OnEvent(uchar))); }
+    QtPeer()
+    {
+        m_bus.connect(bench::kBusName, bench::kObjectPath, bench::kBusName, "OnPlayStatusChanged", this,
+                      SLOT(OnEvent(uchar)));
+    }
 
-    bool Pause() override { return Call(kPath, kName, "Pause").toBool(); }
+    bool Pause() override { return Call(bench::kObjectPath, bench::kBusName, "Pause").toBool(); }
 
-    void RequestEvent() override { Call(kPath, kName, "Seek", {0}); }
+    void RequestEvent() override { Call(bench::kObjectPath, bench::kBusName, "Seek", {0}); }
 
     void AwaitEvent() override
     {
@@ -31,12 +36,12 @@ public:
 
     std::size_t Names() override
     {
-        return static_cast<std::size_t>(Call(kBulkPath, kBulkInterface, "Names").toStringList().size());
+        return static_cast<std::size_t>(Call(bench::kBenchPath, bench::kBenchInterface, "Names").toStringList().size());
     }
 
     std::size_t Image() override
     {
-        const QVariant image = Call(kBulkPath, kBulkInterface, "Bytes").value<QDBusVariant>().variant();
+        const QVariant image = Call(bench::kBenchPath, bench::kBenchInterface, "Bytes").value<QDBusVariant>().variant();
         return static_cast<std::size_t>(image.toByteArray().size());
     }
 
@@ -46,7 +51,7 @@ private slots:
 private:
     QVariant Call(const char* path, const char* interface, const char* method, const QVariantList& arguments = {})
     {
-        QDBusMessage call = QDBusMessage::createMethodCall(kName, path, interface, method);
+        QDBusMessage call = QDBusMessage::createMethodCall(bench::kBusName, path, interface, method);
         call.setArguments(arguments);
         const QDBusMessage reply = m_bus.call(call);
         if (reply.type() != QDBusMessage::ReplyMessage)

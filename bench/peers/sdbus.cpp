@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "peer.h"
+#include "protocol.h"
 
 namespace
 {
@@ -18,7 +19,9 @@ class SdbusPeer : public Peer
 public:
     SdbusPeer()
     {
-        m_player->uponSignal("OnPlayStatusChanged").onInterface(kName).call([this](std::uint8_t) { Arrived(); });
+        m_player->uponSignal("OnPlayStatusChanged")
+            .onInterface(bench::kBusName)
+            .call([this](std::uint8_t) { Arrived(); });
         m_player->finishRegistration();
         m_bus->enterEventLoopAsync();
     }
@@ -27,11 +30,14 @@ public:
     bool Pause() override
     {
         bool paused = false;
-        m_player->callMethod("Pause").onInterface(kName).storeResultsTo(paused);
+        m_player->callMethod("Pause").onInterface(bench::kBusName).storeResultsTo(paused);
         return paused;
     }
 
-    void RequestEvent() override { m_player->callMethod("Seek").onInterface(kName).withArguments(std::int32_t{0}); }
+    void RequestEvent() override
+    {
+        m_player->callMethod("Seek").onInterface(bench::kBusName).withArguments(std::int32_t{0});
+    }
 
     void AwaitEvent() override
     {
@@ -43,14 +49,14 @@ public:
     std::size_t Names() override
     {
         std::vector<std::string> names;
-        m_bulk->callMethod("Names").onInterface(kBulkInterface).storeResultsTo(names);
+        m_bulk->callMethod("Names").onInterface(bench::kBenchInterface).storeResultsTo(names);
         return names.size();
     }
 
     std::size_t Image() override
     {
         sdbus::Variant image;
-        m_bulk->callMethod("Bytes").onInterface(kBulkInterface).storeResultsTo(image);
+        m_bulk->callMethod("Bytes").onInterface(bench::kBenchInterface).storeResultsTo(image);
         return image.get<std::vector<std::uint8_t>>().size();
     }
 
@@ -65,8 +71,8 @@ private:
     }
 
     const std::unique_ptr<sdbus::IConnection> m_bus = sdbus::createSessionBusConnection();
-    const std::unique_ptr<sdbus::IProxy> m_player = sdbus::createProxy(*m_bus, kName, kPath);
-    const std::unique_ptr<sdbus::IProxy> m_bulk = sdbus::createProxy(*m_bus, kName, kBulkPath);
+    const std::unique_ptr<sdbus::IProxy> m_player = sdbus::createProxy(*m_bus, bench::kBusName, bench::kObjectPath);
+    const std::unique_ptr<sdbus::IProxy> m_bulk = sdbus::createProxy(*m_bus, bench::kBusName, bench::kBenchPath);
     std::mutex m_mutex;
     std::condition_variable m_arrived;
     int m_events = 0;
