@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ipodkit/player_state.h>
+#include <ipodkit/variant.h>
 
 #include <string>
 
@@ -11,8 +12,8 @@
 
 namespace companion
 {
-inline constexpr char kStateName[] = "com.zarn.linux.ipod.State";
-inline constexpr char kStatePath[] = "/com/zarn/linux/ipod/State";
+using ipodkit::kStateName;
+using ipodkit::kStatePath;
 
 /// Returns the description of the interface in D-Bus XML.
 std::string StateInterfaceXml();

@@ -38,18 +38,6 @@ struct VectorName
     const char* segment;
 };
 
-/// Returns the ten vectors of the contract.
-inline std::vector<VectorName> ContractNames()
-{
-    const char* const lists = "ListVectorSharedMemory";
-    const char* const buffers = "BufferVectorSharedMemory";
-    return {{"VecPlayingListShareMemory", lists},      {"VecDBListShareMemory", lists},
-            {"VecDBListPinyinShareMemory", lists},     {"VecUpdateListShareMemory", lists},
-            {"VecUpdateListPinyinShareMemory", lists}, {"VecDeviceListShareMemory", lists},
-            {"VecArtworkBufferShareMemory", buffers},  {"VecArtworkChangeBufferShareMemory", buffers},
-            {"VecEapWriteBufferShareMemory", buffers}, {"VecEapReadBufferShareMemory", buffers}};
-}
-
 /// Offsets in bytes, kNowhere if not found, and the size of a block.
 struct Places
 {
@@ -184,20 +172,19 @@ void AddPlaces(Facts& facts, const Places& places)
 
 /// Describes a pair of vector types and the segment type that holds them.
 ///
-/// @param names       vectors that the library and the service look up
+/// @param names       vectors that the library and the service look up: a range of VectorName or of a similar type
 /// @param listSize    size of a new list segment, in bytes
 /// @param bufferSize  size of a new buffer segment, in bytes
 /// @throws boost::interprocess::interprocess_exception  if the temporary segment cannot be created
-template <class Segment, class Names, class Bytewise>
-Facts Describe(const std::vector<VectorName>& names = ContractNames(), std::size_t listSize = 0x500000,
-               std::size_t bufferSize = 0x100000)
+template <class Segment, class Names, class Bytewise, class VectorNames>
+Facts Describe(const VectorNames& names, std::size_t listSize, std::size_t bufferSize)
 {
     Facts facts;
     AddSizes<Names, Bytewise>(facts);
     AddPlaces<Segment>(facts, Measure<Segment, Names>());
     facts.push_back({"segment of the lists", Bytes(listSize)});
     facts.push_back({"segment of the buffers", Bytes(bufferSize)});
-    for (const VectorName& vector : names) facts.push_back({vector.name, std::string("in ") + vector.segment});
+    for (const auto& vector : names) facts.push_back({vector.name, std::string("in ") + vector.segment});
     return facts;
 }
 

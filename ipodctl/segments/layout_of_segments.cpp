@@ -6,6 +6,7 @@
 //
 // For a stricter check, substitute the service's own types and names.
 #include <QBXIpodShareMemory.h>
+#include <ipodkit/vector_names.h>
 
 #include <cstdio>
 
@@ -13,5 +14,7 @@
 
 int main()
 {
-    std::puts(layout::Text(layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>()).c_str());
+    std::puts(layout::Text(layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>(
+                               ipodkit::kVectorNames, kListSegmentSize, kBufferSegmentSize))
+                  .c_str());
 }

@@ -2,6 +2,7 @@
 #include <QBXIpodShareMemory.h>
 #include <gio/gio.h>
 #include <ipod_dbus.h>
+#include <ipodkit/segments.h>
 #include <ipodkit/sharing.h>
 #include <unistd.h>
 
@@ -10,7 +11,6 @@
 #include <cstdio>
 
 #include "output/text.h"
-#include "segments/segments.h"
 #include "session/session.h"
 #include "verbs/verbs.h"
 
@@ -20,6 +20,16 @@ namespace
 {
 constexpr std::size_t kScarce = 8;  // warn below 1/8 free: a growing vector needs more memory than it gains
 
+struct SegmentPlan
+{
+    const char* what;
+    const char* name;
+    std::size_t size;
+};
+
+constexpr SegmentPlan kSegmentPlans[] = {{"lists", kListSegmentName, kListSegmentSize},
+                                         {"buffers", kBufferSegmentName, kBufferSegmentSize}};
+
 struct Finding
 {
     const char* what;
@@ -28,7 +38,7 @@ struct Finding
     std::string advice;
 };
 
-std::string Described(const SegmentObject& object)
+std::string Described(const ipodkit::SegmentObject& object)
 {
     char mode[8];
     std::snprintf(mode, sizeof(mode), "%04o", static_cast<unsigned>(object.mode));
@@ -40,26 +50,33 @@ std::string Removal(const SegmentPlan& plan)
     return std::string("stop service and applications, remove /dev/shm/") + plan.name;
 }
 
+std::string WhatIsWrongWith(const ipodkit::SegmentContents& contents)
+{
+    for (const ipodkit::VectorContents& vector : contents.vectors)
+        if (!vector.problem.empty())
+            return vector.exists ? vector.name + ": " + vector.problem : "it has no vector " + vector.name;
+    return contents.problem;
+}
+
 Finding ExamineSegment(const SegmentPlan& plan)
 {
-    const SegmentObject object = Inspect(plan.name);
+    const ipodkit::SegmentObject object = ipodkit::InspectSegment(plan.name);
     const std::string remove = Removal(plan);
     if (!object.exists) return {plan.what, kNothingDone, "missing", "start the service, which creates it"};
     if (!object.isMemory) return {plan.what, kNoSegments, "it exists and is not shared memory", remove};
     const std::string description = Described(object);
     if (object.owner != geteuid())
         return {plan.what, kNoSegments, description, "run service and applications under one user"};
-    const std::string wrong = Probe(plan.name, plan.lists, plan.buffers);
+    const ipodkit::SegmentContents contents = ipodkit::ReadSegment(plan.name);
+    const std::string wrong = WhatIsWrongWith(contents);
     if (!wrong.empty()) return {plan.what, kNoSegments, description + "; " + wrong, remove};
-    const SegmentContents contents = ReadContents(plan);
-    if (contents.problem.empty() && contents.free < object.size / kScarce)
+    if (contents.free < object.size / kScarce)
         return {plan.what, kNothingDone, description + ", only " + std::to_string(contents.free) + " bytes free",
                 "data that does not fit is rejected, and vectors never shrink: send less at once, or " + remove};
     if (object.mode != 0644 || object.size != plan.size)
         return {plan.what, kNothingDone, description,
                 "mode 0644 and " + std::to_string(plan.size) + " bytes are expected"};
-    return {plan.what, kDone,
-            description + ", " + std::to_string(plan.lists.size() + plan.buffers.size()) + " vectors, lock free", ""};
+    return {plan.what, kDone, description + ", " + std::to_string(contents.vectors.size()) + " vectors, lock free", ""};
 }
 
 bool IsActivatable(GDBusConnection* bus)
@@ -101,8 +118,8 @@ pid_t ProcessOfService(GDBusConnection* bus)
 // Detects a valid segment that is not the one mapped by the service.
 void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service)
 {
-    const SegmentUse use = UseBy(service, plan.name, Inspect(plan.name).inode);
-    if (finding.code > kNothingDone || use != SegmentUse::Other) return;
+    const ipodkit::SegmentUse use = ipodkit::UseOfSegment(plan.name, service);
+    if (finding.code > kNothingDone || use != ipodkit::SegmentUse::Other) return;
     finding = {plan.what, kNoSegments,
                "the service (process " + std::to_string(service) + ") uses an object that was removed or replaced",
                Removal(plan) + ", start them again"};
@@ -139,7 +156,7 @@ void AddLocks(std::vector<Finding>& all)
 std::vector<Finding> Examine(Session& session)
 {
     std::vector<Finding> segments;
-    for (const SegmentPlan& plan : SegmentPlans()) segments.push_back(ExamineSegment(plan));
+    for (const SegmentPlan& plan : kSegmentPlans) segments.push_back(ExamineSegment(plan));
     std::vector<Finding> all;
     try
     {
@@ -147,7 +164,7 @@ std::vector<Finding> Examine(Session& session)
         all.push_back({"bus", kDone, "connected to the session bus", ""});
         all.push_back(ExamineService(session, bus));
         const pid_t service = ProcessOfService(bus);
-        for (std::size_t i = 0; i < segments.size(); ++i) CompareWithService(segments[i], SegmentPlans()[i], service);
+        for (std::size_t i = 0; i < segments.size(); ++i) CompareWithService(segments[i], kSegmentPlans[i], service);
     }
     catch (const Failure& failure)
     {

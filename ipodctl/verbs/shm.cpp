@@ -1,18 +1,23 @@
 // Prints the contents and the layout of the shared memory.
-#include <QBXIpodShareMemory.h>
+#include <ipodkit/segments.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 
 #include "output/text.h"
 #include "segments/layout.h"
-#include "segments/segments.h"
 #include "verbs/verbs.h"
 
 namespace ctl
 {
 namespace
 {
+using ipodkit::SegmentContents;
+using ipodkit::SegmentObject;
+using ipodkit::VectorContents;
+
 std::string ModeText(mode_t mode)
 {
     char text[8];
@@ -20,33 +25,35 @@ std::string ModeText(mode_t mode)
     return text;
 }
 
-// Checks the object's type first, to open nothing but shared memory.
-SegmentContents ReadIfThere(const SegmentPlan& plan, const SegmentObject& object)
+const char* KindIn(const std::string& segment)
 {
-    SegmentContents contents;
-    if (!object.exists) contents.problem = "it does not exist; start the service, which creates it";
-    if (object.exists && !object.isMemory) contents.problem = "it exists and is not shared memory";
-    return contents.problem.empty() ? ReadContents(plan) : contents;
+    return segment == kListSegmentName ? "names" : "bytes";
 }
 
-Json ToJson(const SegmentPlan& plan, const SegmentObject& object, const SegmentContents& contents)
+Json ToJson(const std::string& segment, const SegmentObject& object, const SegmentContents& contents)
 {
     Json vectors = Json::array();
     for (const VectorContents& vector : contents.vectors)
         vectors.push_back({{"name", vector.name},
-                           {"kind", vector.isNames ? "names" : "bytes"},
+                           {"kind", KindIn(segment)},
                            {"elements", vector.elements},
                            {"capacity", vector.capacity},
                            {"problem", vector.problem}});
-    return {{"name", plan.name},           {"there", object.exists},        {"bytes", object.size},
-            {"free", contents.free},       {"mode", ModeText(object.mode)}, {"owner", object.owner},
-            {"objects", contents.objects}, {"problem", contents.problem},   {"vectors", vectors}};
+    return {{"name", segment},
+            {"there", object.exists},
+            {"bytes", object.size},
+            {"free", contents.free},
+            {"mode", ModeText(object.mode)},
+            {"owner", object.owner},
+            {"objects", contents.objects},
+            {"problem", contents.problem},
+            {"vectors", vectors}};
 }
 
-std::string ToText(const SegmentPlan& plan, const SegmentObject& object, const SegmentContents& contents,
+std::string ToText(const std::string& segment, const SegmentObject& object, const SegmentContents& contents,
                    const Output& out)
 {
-    std::string text = out.Paint(Colour::Bold, plan.name);
+    std::string text = out.Paint(Colour::Bold, segment);
     if (object.exists)
         text += ": " + std::to_string(object.size) + " bytes, " + std::to_string(contents.free) + " free, mode " +
                 ModeText(object.mode) + ", owner " + std::to_string(object.owner);
@@ -54,8 +61,7 @@ std::string ToText(const SegmentPlan& plan, const SegmentObject& object, const S
     std::vector<std::vector<std::string>> rows;
     for (const VectorContents& vector : contents.vectors)
         rows.push_back({"  " + vector.name, PadLeft(std::to_string(vector.elements), 7),
-                        (vector.isNames ? "names, room for " : "bytes, room for ") + std::to_string(vector.capacity),
-                        vector.problem});
+                        KindIn(segment) + (", room for " + std::to_string(vector.capacity)), vector.problem});
     const auto paint = [&out](std::size_t, std::vector<std::string>& cells)
     {
         if (cells.size() > 3) cells[3] = out.Paint(Colour::Red, cells[3]);
@@ -75,12 +81,12 @@ ExitCode Judged(const SegmentObject& object, const SegmentContents& contents)
 Answer ShowSegments(const Output& out)
 {
     Answer answer{{{"verb", "shm"}, {"segments", Json::array()}}, "", kDone};
-    for (const SegmentPlan& plan : SegmentPlans())
+    for (const char* segment : {kListSegmentName, kBufferSegmentName})
     {
-        const SegmentObject object = Inspect(plan.name);
-        const SegmentContents contents = ReadIfThere(plan, object);
-        answer.json["segments"].push_back(ToJson(plan, object, contents));
-        answer.text += (answer.text.empty() ? "" : "\n") + ToText(plan, object, contents, out);
+        const SegmentObject object = ipodkit::InspectSegment(segment);
+        const SegmentContents contents = ipodkit::ReadSegment(segment);
+        answer.json["segments"].push_back(ToJson(segment, object, contents));
+        answer.text += (answer.text.empty() ? "" : "\n") + ToText(segment, object, contents, out);
         answer.code = std::max(answer.code, Judged(object, contents));
     }
     return answer;
@@ -89,11 +95,7 @@ Answer ShowSegments(const Output& out)
 std::vector<std::string> VectorNames()
 {
     std::vector<std::string> names;
-    for (const SegmentPlan& plan : SegmentPlans())
-    {
-        names.insert(names.end(), plan.lists.begin(), plan.lists.end());
-        names.insert(names.end(), plan.buffers.begin(), plan.buffers.end());
-    }
+    for (const ipodkit::VectorName& vector : ipodkit::kVectorNames) names.emplace_back(vector.name);
     return names;
 }
 
@@ -106,24 +108,30 @@ std::string NumberedLines(const std::vector<std::string>& names, int width)
     return Table(rows, width);
 }
 
+template <class Content>
+Content OrFailure(ipodkit::Result<Content> content)
+{
+    if (!content) throw Failure(kNoSegments, content.error().reason);
+    return *std::move(content);
+}
+
 Answer DumpVector(const std::string& name, const Output& out)
 {
-    const auto holds = [&](const std::vector<const char*>& names)
-    { return std::any_of(names.begin(), names.end(), [&](const char* each) { return name == each; }); };
-    const auto& plans = SegmentPlans();
-    const auto plan = std::find_if(plans.begin(), plans.end(),
-                                   [&](const SegmentPlan& each) { return holds(each.lists) || holds(each.buffers); });
-    if (!Inspect(plan->name).isMemory)
-        throw Failure(kNoSegments, std::string("segment ") + plan->name + " does not exist", "start the service");
-    const std::string bytes = ReadVector(*plan, name);
+    const auto* const vector = std::find_if(std::begin(ipodkit::kVectorNames), std::end(ipodkit::kVectorNames),
+                                            [&](const ipodkit::VectorName& each) { return each.name == name; });
+    if (!ipodkit::InspectSegment(vector->segment).isMemory)
+        throw Failure(kNoSegments, std::string("segment ") + vector->segment + " does not exist", "start the service");
     Json json{{"verb", "shm"}, {"vector", name}};
-    if (holds(plan->buffers))
+    if (std::strcmp(vector->segment, kBufferSegmentName) == 0)
     {
-        json["hex"] = Hex(bytes);
-        return {json, Hexdump(bytes)};
+        const std::vector<unsigned char> bytes = OrFailure(ipodkit::ReadBytes(name));
+        const std::string_view content(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        json["hex"] = Hex(content);
+        return {json, Hexdump(content)};
     }
-    json["names"] = NamesIn(bytes);
-    return {json, NumberedLines(NamesIn(bytes), out.width())};
+    const std::vector<std::string> names = OrFailure(ipodkit::ReadNames(name));
+    json["names"] = names;
+    return {json, NumberedLines(names, out.width())};
 }
 
 Run BuildShm(CLI::App& app)
@@ -151,7 +159,7 @@ layout::Facts Describe()
     try
     {
         return layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>(
-            layout::ContractNames(), kListSegmentSize, kBufferSegmentSize);
+            ipodkit::kVectorNames, kListSegmentSize, kBufferSegmentSize);
     }
     catch (const boost::interprocess::interprocess_exception& error)
     {

@@ -22,13 +22,13 @@ std::string Footer(const char* examples)
     return text;
 }
 
-struct Choice
+struct VerbChoice
 {
     const CLI::App* app;
     Run run;
 };
 
-Choice Add(CLI::App& app, const Verb& verb)
+VerbChoice Add(CLI::App& app, const Verb& verb)
 {
     CLI::App* const added = app.add_subcommand(verb.name, verb.summary);
     added->group(verb.group);
@@ -153,13 +153,13 @@ void AddLimits(CLI::App& app, Limits& limits, const std::string& goal)
 Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 {
     app.require_subcommand(1);
-    std::vector<Choice> choices;
+    std::vector<VerbChoice> choices;
     choices.reserve(verbs.size());
     for (const Verb& verb : verbs) choices.push_back(Add(app, verb));
     return [choices](Context& context)
     {
         const auto chosen =
-            std::find_if(choices.begin(), choices.end(), [](const Choice& choice) { return choice.app->parsed(); });
+            std::find_if(choices.begin(), choices.end(), [](const VerbChoice& choice) { return choice.app->parsed(); });
         return chosen->run(context);
     };
 }

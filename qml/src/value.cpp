@@ -1,17 +1,14 @@
 #include "value.h"
 
+#include <ipodkit/variant.h>
+
 namespace ipodqml
 {
 QString PropertyName(const char* rowName)
 {
-    QString name;
-    bool upper = false;
-    for (const QChar letter : QString::fromLatin1(rowName))
-    {
-        if (letter != '_') name += upper ? letter.toUpper() : letter;
-        upper = letter == '_';
-    }
-    return name;
+    std::string name = ipodkit::PropertyName(rowName);
+    name.front() = *rowName;
+    return QString::fromStdString(name);
 }
 
 QString ArtworkAddress(const ipodkit::PicturePtr& picture)

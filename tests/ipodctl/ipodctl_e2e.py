@@ -1489,6 +1489,16 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         os.truncate("/dev/shm/ListVectorSharedMemory", 100)
         self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "damaged")
 
+    def test_a_vector_whose_elements_are_outside_the_segment_is_a_problem(self):
+        facts = {fact["name"]: fact["value"] for fact in self.json("fingerprint")["facts"]}
+        name = int(re.search(r"at (\d+)", facts["name of a vector"]).group(1))
+        capacity = int(re.search(r"capacity at (\d+)", facts["inside a vector"]).group(1))
+        with open("/dev/shm/ListVectorSharedMemory", "r+b") as segment:
+            vector = segment.read().index(b"VecDBListShareMemory\0") - name
+            segment.seek(vector + capacity)
+            segment.write(b"\0\0\0\x7f")
+        self.assert_problem(self.examine(NO_SEGMENTS)["lists"], "VecDBListShareMemory: its elements are outside")
+
     def test_an_empty_object_is_a_problem_and_does_not_hang_the_doctor(self):
         os.remove("/dev/shm/BufferVectorSharedMemory")
         open("/dev/shm/BufferVectorSharedMemory", "wb").close()

@@ -1,4 +1,4 @@
-// Tests child processes: commands run for events, and work that may crash.
+// Tests the commands that are run for events.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -9,7 +9,6 @@
 #include <thread>
 
 #include "events/command_queue.h"
-#include "segments/child_process.h"
 
 namespace ctl
 {
@@ -67,34 +66,6 @@ TEST_F(CommandsOf, FailuresAreReported)
 {
     Run("exit 3", {{Json::object(), ""}, {Json::object(), ""}});
     EXPECT_EQ(complaints, (std::vector<std::string>(2, "the command ended with exit code 3")));
-}
-
-TEST(RunInChild, PassesOnTheResult)
-{
-    const std::string much(1 << 21, 'x');
-    const ChildOutcome outcome = RunInChild([&] { return much; });
-    EXPECT_EQ(outcome.end, ChildOutcome::End::Well);
-    EXPECT_EQ(outcome.text, much);
-}
-
-TEST(RunInChild, SurvivesACrash)
-{
-    EXPECT_EQ(RunInChild([]() -> std::string { std::abort(); }).end, ChildOutcome::End::Crashed);
-}
-
-// A runtime that catches the crash exits this way.
-TEST(RunInChild, TreatsABadStatusAsACrash)
-{
-    EXPECT_EQ(RunInChild([]() -> std::string { _exit(1); }).end, ChildOutcome::End::Crashed);
-}
-
-TEST(RunInChild, EndsAHang)
-{
-    const auto hang = []() -> std::string
-    {
-        for (;;) pause();
-    };
-    EXPECT_EQ(RunInChild(hang).end, ChildOutcome::End::Hung);
 }
 }  // namespace
 }  // namespace ctl

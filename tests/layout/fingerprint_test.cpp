@@ -2,9 +2,11 @@
 // incompatible builds, and its fingerprint is the one in docs/porting.md.
 #include <QBXIpodShareMemory.h>
 #include <gtest/gtest.h>
+#include <ipodkit/vector_names.h>
 
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "ipodctl/segments/layout.h"
@@ -17,7 +19,8 @@ const std::string kWordSize = k32Bit ? "armhf" : "x86_64";
 
 layout::Facts ThisBuild()
 {
-    return layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>();
+    return layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>(ipodkit::kVectorNames,
+                                                                                  kListSegmentSize, kBufferSegmentSize);
 }
 
 layout::Places ThisBuildsPlaces()
@@ -59,8 +62,8 @@ TEST(LayoutFingerprint, FindsEveryOffset)
 TEST(LayoutFingerprint, ListsTheVectorsAndSegmentsOfTheContract)
 {
     const std::string text = layout::Text(ThisBuild());
-    EXPECT_EQ(layout::ContractNames().size(), 10u);
-    for (const layout::VectorName& vector : layout::ContractNames())
+    EXPECT_EQ(std::size(ipodkit::kVectorNames), 10u);
+    for (const ipodkit::VectorName& vector : ipodkit::kVectorNames)
     {
         EXPECT_NE(text.find(std::string(vector.name) + ": in " + vector.segment), std::string::npos) << vector.name;
         EXPECT_TRUE(vector.segment == std::string(kListSegmentName) ||
@@ -98,15 +101,17 @@ TEST(LayoutFingerprint, FindsTheMembersOfAVectorOfTheService)
 
 TEST(LayoutFingerprint, DiffersForOtherEntries)
 {
-    const layout::Facts other = layout::Describe<QBXSharedSegment, ShorterNames, QBXByteVector>();
+    const layout::Facts other = layout::Describe<QBXSharedSegment, ShorterNames, QBXByteVector>(
+        ipodkit::kVectorNames, kListSegmentSize, kBufferSegmentSize);
     EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
 }
 
 TEST(LayoutFingerprint, DiffersForAnotherName)
 {
-    std::vector<layout::VectorName> names = layout::ContractNames();
+    std::vector<ipodkit::VectorName> names(std::begin(ipodkit::kVectorNames), std::end(ipodkit::kVectorNames));
     names.back().name = "VecEapReadBufferSharedMemory";
-    const layout::Facts other = layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>(names);
+    const layout::Facts other = layout::Describe<QBXSharedSegment, QBXStringPageVector, QBXByteVector>(
+        names, kListSegmentSize, kBufferSegmentSize);
     EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
 }
 
@@ -117,7 +122,8 @@ TEST(LayoutFingerprint, DiffersForAnotherLock)
     using Manager = Segment::segment_manager;
     using Names =
         boost::container::vector<PlayListSongNameStr, boost::interprocess::allocator<PlayListSongNameStr, Manager>>;
-    const layout::Facts other = layout::Describe<Segment, Names, QBXByteVector>();
+    const layout::Facts other =
+        layout::Describe<Segment, Names, QBXByteVector>(ipodkit::kVectorNames, kListSegmentSize, kBufferSegmentSize);
     EXPECT_NE(layout::Fingerprint(other), layout::Fingerprint(ThisBuild()));
 }
 

@@ -23,6 +23,11 @@
 
 namespace ipodkit
 {
+/// Bus name of the companion daemon, which is also the name of its interface for the state, and the path of the object.
+/// Its properties are the fields of PlayerState, under the names that PropertyName() returns.
+inline constexpr char kStateName[] = "com.zarn.linux.ipod.State";
+inline constexpr char kStatePath[] = "/com/zarn/linux/ipod/State";
+
 /// Returns the text with each invalid byte, NUL, and control character replaced by U+FFFD. A bus disconnects programs
 /// that send invalid UTF-8.
 inline std::string BusText(std::string_view text)

@@ -1,15 +1,16 @@
 #include "memory/segment_probe.h"
 
-#include <QBXIpodShareMemory.h>
 #include <fcntl.h>
+#include <ipodkit/segments.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <thread>
+
+#include "memory/elements.h"
 
 namespace ipodkit
 {
@@ -21,14 +22,9 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
 constexpr std::uint32_t kInitialised = 2;
 
-std::string FileOf(const char* segment)
+std::string Removal(const std::string& segment)
 {
-    return std::string("/dev/shm/") + segment;
-}
-
-std::string Removal(const char* segment)
-{
-    return "stop the service and all its applications, remove " + FileOf(segment) + " and start the service again";
+    return "stop the service and all its applications, remove /dev/shm/" + segment + " and start the service again";
 }
 
 Error Failure(const char* segment, const std::string& wrong, const std::string& remedy)
@@ -38,15 +34,12 @@ Error Failure(const char* segment, const std::string& wrong, const std::string& 
 
 Error CannotOpen(const char* segment, int reason)
 {
-    struct stat status
-    {
-    };
-    if (reason != EACCES || stat(FileOf(segment).c_str(), &status) != 0)
-        return Failure(segment, std::strerror(reason), Removal(segment));
-    return Failure(segment,
-                   "it belongs to user " + std::to_string(status.st_uid) + " and this process is user " +
-                       std::to_string(geteuid()),
-                   "run the service and its applications as one user, or " + Removal(segment));
+    const SegmentObject object = InspectSegment(segment);
+    if (reason != EACCES || !object.exists) return Failure(segment, std::strerror(reason), Removal(segment));
+    return Failure(
+        segment,
+        "it belongs to user " + std::to_string(object.owner) + " and this process is user " + std::to_string(geteuid()),
+        "run the service and its applications as one user, or " + Removal(segment));
 }
 
 class File
@@ -56,15 +49,6 @@ public:
     ~File() { close(m_fd); }
     File(const File&) = delete;
     File& operator=(const File&) = delete;
-
-    struct stat Status() const
-    {
-        struct stat status
-        {
-        };
-        fstat(m_fd, &status);
-        return status;
-    }
 
     // Its first word says how far its creator is.
     bool Ready() const
@@ -88,11 +72,10 @@ bool BecomesReady(const File& file)
 }
 
 // Taking the lock inside it is what a dead process would prevent.
-std::optional<Error> Map(const char* segment, const File& file)
+std::optional<Error> Map(const char* segment)
 {
     QBXSharedSegment mapped(bip::open_only, segment);
-    const std::size_t size = mapped.get_size();
-    if (size < sizeof(QBXSharedSegment::segment_manager) || size > static_cast<std::size_t>(file.Status().st_size))
+    if (!FitsItsFile(mapped, segment))
         return Failure(segment, "it was made for another word size or is damaged", Removal(segment));
     mapped.find<QBXByteVector>("");
     return std::nullopt;
@@ -103,12 +86,12 @@ std::optional<Error> Probe(const char* segment)
     const int fd = shm_open(segment, O_RDWR | O_NONBLOCK, 0);
     if (fd < 0) return errno == ENOENT ? std::nullopt : std::make_optional(CannotOpen(segment, errno));
     const File file(fd);
-    if (!S_ISREG(file.Status().st_mode))
+    if (!InspectSegment(segment).isMemory)
         return Failure(segment, "it exists and is not shared memory", Removal(segment));
     if (!BecomesReady(file)) return Failure(segment, "its creator never finished it", Removal(segment));
     try
     {
-        return Map(segment, file);
+        return Map(segment);
     }
     catch (const std::exception& thrown)
     {
@@ -128,10 +111,5 @@ Error SegmentFailure(const char* segment, const std::exception& thrown)
     const auto* const known = dynamic_cast<const bip::interprocess_exception*>(&thrown);
     const bool locked = known != nullptr && known->get_error_code() == bip::timeout_when_locking_error;
     return Failure(segment, locked ? "it is locked by a process that died" : thrown.what(), Removal(segment));
-}
-
-Error AttachFailure(const std::string& what)
-{
-    return {ErrorKind::NoSharedMemory, what + "; fix this and restart the application: the core attaches once only"};
 }
 }  // namespace ipodkit

@@ -18,7 +18,4 @@ std::optional<Error> ProbeSegments();
 
 /// Converts an exception of Boost about @p segment to a problem and its remedy.
 Error SegmentFailure(const char* segment, const std::exception& thrown);
-
-/// The same for what an attempt of the core threw.
-Error AttachFailure(const std::string& what);
 }  // namespace ipodkit

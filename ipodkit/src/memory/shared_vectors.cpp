@@ -1,47 +1,18 @@
 #include "memory/shared_vectors.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "memory/elements.h"
 #include "memory/segment_probe.h"
 
 namespace ipodkit
 {
 namespace
 {
-template <class Element>
-struct Snapshot
-{
-    const Element* begin;
-    std::size_t count;
-};
-
-template <class Element>
-bool LiesIn(const QBXSharedSegment& segment, const Snapshot<Element>& elements)
-{
-    const char* const begin = static_cast<const char*>(segment.get_address());
-    const char* const end = begin + segment.get_size();
-    const char* const first = reinterpret_cast<const char*>(elements.begin);
-    return first >= begin && first < end &&
-           elements.count <= static_cast<std::size_t>(end - first) / sizeof(*elements.begin);
-}
-
-// Pointer and size are fetched once, so that what was checked is what is read. An empty vector has no memory.
-template <class Vector>
-std::optional<Snapshot<typename Vector::value_type>> Take(const QBXSharedSegment& segment, const Vector* vector)
-{
-    if (vector == nullptr) return std::nullopt;
-    const auto* const volatile begin = vector->data();
-    const volatile std::size_t count = vector->size();
-    const Snapshot<typename Vector::value_type> elements{begin, count};
-    if (elements.count == 0) return elements;
-    return LiesIn(segment, elements) ? std::make_optional(elements) : std::nullopt;
-}
-
 bool HasSoundRoom(const QBXByteVector& vector)
 {
     return vector.capacity() == 0 ||
-           LiesIn(segment_buffer_vector, Snapshot<unsigned char>{vector.data(), vector.capacity()});
+           LieIn(segment_buffer_vector, Elements<unsigned char>{vector.data(), vector.capacity()});
 }
 
 // Grows as if the bytes were appended one by one, as the core does: the service shares the segment, and how much of it
@@ -66,21 +37,15 @@ tl::unexpected<Error> NoSharedMemory(const std::string& reason)
 
 std::optional<std::vector<std::string>> NamesIn(const QBXStringPageVector* vector)
 {
-    const auto records = Take(segment_list_vector, vector);
-    if (!records) return std::nullopt;
-    std::vector<std::string> names;
-    names.reserve(records->count);
-    for (std::size_t i = 0; i < records->count; ++i)
-    {
-        const char* const name = records->begin[i].name;
-        names.emplace_back(name, strnlen(name, sizeof(PlayListSongNameStr)));
-    }
-    return names;
+    if (vector == nullptr) return std::nullopt;
+    const auto records = ElementsOf(segment_list_vector, *vector);
+    return records ? std::make_optional(CopyNames(*records)) : std::nullopt;
 }
 
 std::optional<std::vector<unsigned char>> BytesIn(const QBXByteVector* vector)
 {
-    const auto bytes = Take(segment_buffer_vector, vector);
+    if (vector == nullptr) return std::nullopt;
+    const auto bytes = ElementsOf(segment_buffer_vector, *vector);
     if (!bytes) return std::nullopt;
     return std::vector<unsigned char>(bytes->begin, bytes->begin + bytes->count);
 }

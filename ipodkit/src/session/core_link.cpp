@@ -1,7 +1,5 @@
 #include "session/core_link.h"
 
-#include "memory/segment_probe.h"
-
 namespace ipodkit
 {
 CoreLink& CoreLink::Instance()
@@ -33,7 +31,9 @@ std::optional<Error> CoreLink::Attach()
     }
     catch (const std::exception& thrown)
     {
-        m_failure = AttachFailure(thrown.what());
+        m_failure =
+            Error{ErrorKind::NoSharedMemory,
+                  std::string(thrown.what()) + "; fix this and restart the application: the core attaches once only"};
     }
     return m_failure;
 }

@@ -11,8 +11,6 @@ namespace ipodkit
 {
 namespace
 {
-constexpr char kStateName[] = "com.zarn.linux.ipod.State";  // bus name of the daemon, and name of its interface
-constexpr char kStatePath[] = "/com/zarn/linux/ipod/State";
 constexpr int kPatienceMilliseconds = 1000;
 
 template <class T>

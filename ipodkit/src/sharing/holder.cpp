@@ -1,5 +1,6 @@
 #include "sharing/holder.h"
 
+#include <ipodkit/vector_names.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -14,15 +15,13 @@ namespace
 {
 namespace fs = std::filesystem;
 
-// In the order of Place.
-constexpr const char* kNames[kPlaces] = {"VecPlayingListShareMemory",
-                                         "VecDBListShareMemory",
-                                         "VecDBListPinyinShareMemory",
-                                         "VecUpdateListShareMemory",
-                                         "VecUpdateListPinyinShareMemory",
-                                         "VecDeviceListShareMemory",
-                                         "level",
-                                         "browse"};
+// The places of lists are in the order of the vectors.
+const char* NameOf(Place place)
+{
+    if (place == Place::Level) return "level";
+    if (place == Place::Browse) return "browse";
+    return kVectorNames[static_cast<int>(place)].name;
+}
 
 struct Found
 {
@@ -115,8 +114,7 @@ std::string HolderOf(Place place)
 std::vector<LockHolder> LockHolders()
 {
     std::vector<LockHolder> holders;
-    for (const Found& each : AllLocks())
-        holders.push_back({kNames[static_cast<int>(each.place)], each.process, ProgramOf(each.process)});
+    for (const Found& each : AllLocks()) holders.push_back({NameOf(each.place), each.process, ProgramOf(each.process)});
     return holders;
 }
 }  // namespace ipodkit

@@ -1,4 +1,4 @@
-#include "segments/child_process.h"
+#include "memory/child_process.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -7,7 +7,7 @@
 
 #include <cstddef>
 
-namespace ctl
+namespace ipodkit
 {
 namespace
 {
@@ -64,4 +64,4 @@ ChildOutcome RunInChild(const std::function<std::string()>& work)
     close(ends[0]);
     return child < 0 ? ChildOutcome{End::NotStarted, ""} : OutcomeOf(child, std::move(text), hung);
 }
-}  // namespace ctl
+}  // namespace ipodkit

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace ctl
+namespace ipodkit
 {
 struct ChildOutcome
 {
@@ -23,4 +23,4 @@ struct ChildOutcome
 /// Runs @p work in a forked child process and blocks until the child ends. A hung child is killed. Call before the
 /// process starts other threads.
 ChildOutcome RunInChild(const std::function<std::string()>& work);
-}  // namespace ctl
+}  // namespace ipodkit
