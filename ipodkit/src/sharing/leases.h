@@ -57,8 +57,8 @@ public:
     /// @param patience  how long to wait for other processes before ErrorKind::Busy
     Leases(GMainContext* context, std::chrono::milliseconds patience);
 
-    /// Locks nothing from now on, for a session without a service.
-    void Ignore() { m_ignored = true; }
+    /// Locks nothing from now on: for a session without a service, and for the cost of the locks.
+    void Ignore(bool ignored = true) { m_ignored = ignored; }
 
     /// Drops all waiting requests; their callbacks are never called.
     void Close()
