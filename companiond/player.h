@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "bus_object.h"
@@ -27,6 +28,16 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
+
+    /// The last seek, until it has been announced.
+    enum class Seeking
+    {
+        None,
+        Requested,
+        Reported,  ///< the position followed before the answer
+        Done,      ///< the next position is a jump, however small
+    };
+
     using Method = void (Player::*)(GVariant* arguments, GDBusMethodInvocation* invocation);
 
     GVariant* Compute(const std::string& property) const override;
@@ -52,6 +63,8 @@ private:
     void SeekTo(std::chrono::microseconds position, GDBusMethodInvocation* invocation);
     void BeginTrack(TrackKey key);
     void ReportJump(const ipodkit::PlayerState& next);
+    void SeekAnswered(bool accepted);
+    void EmitSeeked(std::chrono::microseconds position);
     void Schedule();
     void Show();
     std::string TrackId() const;
@@ -62,13 +75,14 @@ private:
     ipodkit::Session& m_session;
     Counters& m_counters;
     const ipodkit::PictureFiles m_files;
-    ipodkit::StatePtr m_state;         // the latest
-    TrackKey m_key;                    // of the current track
-    std::uint64_t m_track = 0;         // counts tracks
-    bool m_trackIsNew = false;         // not announced yet
-    bool m_seeking = false;            // the next position is a jump, however small
-    Clock::time_point m_trackSince;    // when it began
-    Clock::time_point m_changedSince;  // time of the first unannounced change
+    ipodkit::StatePtr m_state;  // the latest
+    TrackKey m_key;             // of the current track
+    std::uint64_t m_track = 0;  // counts tracks
+    bool m_trackIsNew = false;  // not announced yet
+    Seeking m_seeking = Seeking::None;
+    const std::shared_ptr<Player*> m_alive = std::make_shared<Player*>(this);  // for answers that come later
+    Clock::time_point m_trackSince;                                            // when it began
+    Clock::time_point m_changedSince;                                          // time of the first unannounced change
     guint m_timer = 0;
     ipodkit::PicturePtr m_picture;  // the image of m_artUrl
     std::string m_artUrl;
