@@ -28,11 +28,16 @@ constexpr char kMprisName[] = "org.mpris.MediaPlayer2.ipod";
 class Failure : public std::runtime_error
 {
 public:
-    Failure(ExitCode code, const std::string& what) : std::runtime_error(what), m_code(code) {}
+    Failure(ExitCode code, const std::string& what, const char* hint = "")
+        : std::runtime_error(what), m_code(code), m_hint(hint)
+    {
+    }
     ExitCode Code() const { return m_code; }
+    const char* Hint() const { return m_hint; }
 
 private:
     ExitCode m_code;
+    const char* m_hint;  // empty without a remedy
 };
 
 struct ObjectUnref
@@ -69,7 +74,8 @@ void AcquireName(GDBusConnection* connection, const char* name)
     guint result = 0;
     g_variant_get(Owned(reply).get(), "(u)", &result);
     if (result != kOwner)
-        throw Failure(kAlreadyRunning, std::string("another program owns ") + name + " on this bus: already running?");
+        throw Failure(kAlreadyRunning, std::string("cannot acquire ") + name + ": another program owns it on this bus",
+                      "stop the running daemon: systemctl --user stop ipod-companiond");
 }
 
 gboolean Quit(gpointer loop)
@@ -175,6 +181,7 @@ int Main(int argc, char** argv)
     catch (const Failure& failure)
     {
         std::fprintf(stderr, "ipod-companiond: %s\n", failure.what());
+        if (*failure.Hint() != '\0') std::fprintf(stderr, "hint: %s\n", failure.Hint());
         return failure.Code();
     }
 }
