@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 
 #include "player.h"
@@ -125,6 +126,23 @@ private:
     const gulong m_closed;
 };
 
+// Removes the artwork of a daemon that was killed, and at the end its own. Only for the owner of the names.
+class ArtworkCleanup
+{
+public:
+    ArtworkCleanup() { Remove(); }
+    ~ArtworkCleanup() { Remove(); }
+    ArtworkCleanup(const ArtworkCleanup&) = delete;
+    ArtworkCleanup& operator=(const ArtworkCleanup&) = delete;
+
+private:
+    static void Remove()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(ArtworkDirectory(), ignored);
+    }
+};
+
 // Without a settle time, a session that reads the state gets every event that the service sent before.
 ipodkit::SessionOptions Options()
 {
@@ -146,6 +164,7 @@ ExitCode Serve()
     StateObject state(connection.get(), counters);
     AcquireName(connection.get(), kStateName);
     AcquireName(connection.get(), kMprisName);
+    const ArtworkCleanup cleanup;
     const auto follow = [&](const ipodkit::StatePtr& next, ipodkit::Fields)
     {
         counters.CountRestarts(next->generation);

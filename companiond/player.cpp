@@ -39,6 +39,11 @@ bool AwaitsArtwork(const PlayerState& state)
 }
 }  // namespace
 
+std::string ArtworkDirectory()
+{
+    return std::string(g_get_user_runtime_dir()) + "/ipod-companiond";
+}
+
 Player::Player(GDBusConnection* connection, ipodkit::Session& session, Counters& counters)
     : BusObject(connection, kMprisPath, const_cast<GDBusInterfaceInfo*>(&org_mpris_media_player2_player_interface)),
       m_session(session),

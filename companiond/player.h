@@ -16,6 +16,9 @@
 
 namespace companion
 {
+/// Returns the directory of the artwork files, which belongs to the daemon.
+std::string ArtworkDirectory();
+
 /// Announces changes that follow each other within 20 ms together. A new track waits for its artwork for up to 300 ms.
 class Player : public BusObject
 {
@@ -74,7 +77,7 @@ private:
 
     ipodkit::Session& m_session;
     Counters& m_counters;
-    const ipodkit::PictureFiles m_files;
+    const ipodkit::PictureFiles m_files{ArtworkDirectory()};
     ipodkit::StatePtr m_state;  // the latest
     TrackKey m_key;             // of the current track
     std::uint64_t m_track = 0;  // counts tracks
