@@ -20,12 +20,15 @@ void Answer(GDBusMethodInvocation* invocation, const ipodkit::Result<void>& resu
 }
 }  // namespace
 
-void Counters::Send(ipodkit::Request<void> request, GDBusMethodInvocation* invocation)
+void Counters::Send(ipodkit::Request<void> request, GDBusMethodInvocation* invocation,
+                    std::function<void(bool)> answered)
 {
-    const auto ended = [this, invocation, since = Clock::now()](const ipodkit::Result<void>& result)
+    const auto ended =
+        [this, invocation, answered = std::move(answered), since = Clock::now()](const ipodkit::Result<void>& result)
     {
         Count(Clock::now() - since, result);
         Answer(invocation, result);
+        if (answered) answered(result.has_value());
     };
     std::move(request).Start(ended);
 }

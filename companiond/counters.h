@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <tuple>
@@ -22,7 +23,9 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Sends a request, and answers the invocation with its result. The counters must outlive the request.
-    void Send(ipodkit::Request<void> request, GDBusMethodInvocation* invocation);
+    /// @param answered  called afterwards, unless null, with whether the request succeeded
+    void Send(ipodkit::Request<void> request, GDBusMethodInvocation* invocation,
+              std::function<void(bool)> answered = nullptr);
 
     void CountRestarts(std::uint32_t generation) { m_restarts = generation == 0 ? 0 : generation - 1; }
 

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 
 #include "player.h"
@@ -28,11 +29,16 @@ constexpr char kMprisName[] = "org.mpris.MediaPlayer2.ipod";
 class Failure : public std::runtime_error
 {
 public:
-    Failure(ExitCode code, const std::string& what) : std::runtime_error(what), m_code(code) {}
+    Failure(ExitCode code, const std::string& what, const char* hint = "")
+        : std::runtime_error(what), m_code(code), m_hint(hint)
+    {
+    }
     ExitCode Code() const { return m_code; }
+    const char* Hint() const { return m_hint; }
 
 private:
     ExitCode m_code;
+    const char* m_hint;  // empty without a remedy
 };
 
 struct ObjectUnref
@@ -69,7 +75,8 @@ void AcquireName(GDBusConnection* connection, const char* name)
     guint result = 0;
     g_variant_get(Owned(reply).get(), "(u)", &result);
     if (result != kOwner)
-        throw Failure(kAlreadyRunning, std::string("another program owns ") + name + " on this bus: already running?");
+        throw Failure(kAlreadyRunning, std::string("cannot acquire ") + name + ": another program owns it on this bus",
+                      "stop the running daemon: systemctl --user stop ipod-companiond");
 }
 
 gboolean Quit(gpointer loop)
@@ -119,6 +126,23 @@ private:
     const gulong m_closed;
 };
 
+// Removes the artwork of a daemon that was killed, and at the end its own. Only for the owner of the names.
+class ArtworkCleanup
+{
+public:
+    ArtworkCleanup() { Remove(); }
+    ~ArtworkCleanup() { Remove(); }
+    ArtworkCleanup(const ArtworkCleanup&) = delete;
+    ArtworkCleanup& operator=(const ArtworkCleanup&) = delete;
+
+private:
+    static void Remove()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(ArtworkDirectory(), ignored);
+    }
+};
+
 // Without a settle time, a session that reads the state gets every event that the service sent before.
 ipodkit::SessionOptions Options()
 {
@@ -140,6 +164,7 @@ ExitCode Serve()
     StateObject state(connection.get(), counters);
     AcquireName(connection.get(), kStateName);
     AcquireName(connection.get(), kMprisName);
+    const ArtworkCleanup cleanup;
     const auto follow = [&](const ipodkit::StatePtr& next, ipodkit::Fields)
     {
         counters.CountRestarts(next->generation);
@@ -175,6 +200,7 @@ int Main(int argc, char** argv)
     catch (const Failure& failure)
     {
         std::fprintf(stderr, "ipod-companiond: %s\n", failure.what());
+        if (*failure.Hint() != '\0') std::fprintf(stderr, "hint: %s\n", failure.Hint());
         return failure.Code();
     }
 }

@@ -39,6 +39,11 @@ bool AwaitsArtwork(const PlayerState& state)
 }
 }  // namespace
 
+std::string ArtworkDirectory()
+{
+    return std::string(g_get_user_runtime_dir()) + "/ipod-companiond";
+}
+
 Player::Player(GDBusConnection* connection, ipodkit::Session& session, Counters& counters)
     : BusObject(connection, kMprisPath, const_cast<GDBusInterfaceInfo*>(&org_mpris_media_player2_player_interface)),
       m_session(session),
@@ -73,7 +78,7 @@ void Player::BeginTrack(TrackKey key)
     m_artUrl.clear();
     m_key = std::move(key);
     ++m_track;
-    m_seeking = false;
+    m_seeking = Seeking::None;
     m_trackIsNew = true;
     m_trackSince = Clock::now();
 }
@@ -83,8 +88,22 @@ void Player::ReportJump(const PlayerState& next)
     if (PlayingTrack(next) == nullptr || !m_state->position || !next.position) return;
     if (next.position == m_state->position) return;
     const milliseconds deviation = next.position->position - m_state->position->At(next.position->at);
-    if (std::chrono::abs(deviation) < kJump && !std::exchange(m_seeking, false)) return;
-    Emit("Seeked", g_variant_new("(x)", static_cast<gint64>(microseconds(next.position->position).count())));
+    if (std::chrono::abs(deviation) >= kJump || m_seeking == Seeking::Done) return EmitSeeked(next.position->position);
+    if (m_seeking == Seeking::Requested) m_seeking = Seeking::Reported;
+}
+
+// The service may report the new position before or after it answers, and the next regular one if it refuses.
+void Player::SeekAnswered(bool accepted)
+{
+    if (accepted && m_seeking == Seeking::Reported) return EmitSeeked(Position());
+    const bool awaitsPosition = accepted && m_seeking == Seeking::Requested;
+    m_seeking = awaitsPosition ? Seeking::Done : Seeking::None;
+}
+
+void Player::EmitSeeked(microseconds position)
+{
+    m_seeking = Seeking::None;
+    Emit("Seeked", g_variant_new("(x)", static_cast<gint64>(position.count())));
 }
 
 void Player::Schedule()
@@ -218,8 +237,13 @@ void Player::SeekTo(microseconds position, GDBusMethodInvocation* invocation)
     using std::chrono::seconds;
     const seconds last = std::chrono::ceil<seconds>(LengthOf(*m_state)) - seconds(1);
     const seconds target = std::max(std::min(std::chrono::round<seconds>(position), last), seconds(0));
-    m_seeking = CanSeek(*m_state);
-    SendIf(m_seeking, Commands().Seek(target), invocation);
+    if (!CanSeek(*m_state)) return AnswerNothing(invocation);
+    m_seeking = Seeking::Requested;
+    m_counters.Send(Commands().Seek(target), invocation,
+                    [player = std::weak_ptr(m_alive)](bool accepted)
+                    {
+                        if (const auto alive = player.lock()) (*alive)->SeekAnswered(accepted);
+                    });
 }
 
 void Player::Seek(GVariant* arguments, GDBusMethodInvocation* invocation)

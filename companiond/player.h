@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "bus_object.h"
@@ -15,6 +16,9 @@
 
 namespace companion
 {
+/// Returns the directory of the artwork files, which belongs to the daemon.
+std::string ArtworkDirectory();
+
 /// Announces changes that follow each other within 20 ms together. A new track waits for its artwork for up to 300 ms.
 class Player : public BusObject
 {
@@ -27,6 +31,16 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
+
+    /// The last seek, until it has been announced.
+    enum class Seeking
+    {
+        None,
+        Requested,
+        Reported,  ///< the position followed before the answer
+        Done,      ///< the next position is a jump, however small
+    };
+
     using Method = void (Player::*)(GVariant* arguments, GDBusMethodInvocation* invocation);
 
     GVariant* Compute(const std::string& property) const override;
@@ -52,6 +66,8 @@ private:
     void SeekTo(std::chrono::microseconds position, GDBusMethodInvocation* invocation);
     void BeginTrack(TrackKey key);
     void ReportJump(const ipodkit::PlayerState& next);
+    void SeekAnswered(bool accepted);
+    void EmitSeeked(std::chrono::microseconds position);
     void Schedule();
     void Show();
     std::string TrackId() const;
@@ -61,14 +77,15 @@ private:
 
     ipodkit::Session& m_session;
     Counters& m_counters;
-    const ipodkit::PictureFiles m_files;
-    ipodkit::StatePtr m_state;         // the latest
-    TrackKey m_key;                    // of the current track
-    std::uint64_t m_track = 0;         // counts tracks
-    bool m_trackIsNew = false;         // not announced yet
-    bool m_seeking = false;            // the next position is a jump, however small
-    Clock::time_point m_trackSince;    // when it began
-    Clock::time_point m_changedSince;  // time of the first unannounced change
+    const ipodkit::PictureFiles m_files{ArtworkDirectory()};
+    ipodkit::StatePtr m_state;  // the latest
+    TrackKey m_key;             // of the current track
+    std::uint64_t m_track = 0;  // counts tracks
+    bool m_trackIsNew = false;  // not announced yet
+    Seeking m_seeking = Seeking::None;
+    const std::shared_ptr<Player*> m_alive = std::make_shared<Player*>(this);  // for answers that come later
+    Clock::time_point m_trackSince;                                            // when it began
+    Clock::time_point m_changedSince;                                          // time of the first unannounced change
     guint m_timer = 0;
     ipodkit::PicturePtr m_picture;  // the image of m_artUrl
     std::string m_artUrl;

@@ -157,6 +157,7 @@ class OnABus(unittest.TestCase):
         self.addCleanup(clear_shared_memory)
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
+        self.artwork = os.path.join(self.folder.name, "ipod-companiond")
         self.bus = Bus(XDG_RUNTIME_DIR=self.folder.name)
         self.addCleanup(self.bus.stop)
         self.client = Client(self.bus.environment["DBUS_SESSION_BUS_ADDRESS"])
@@ -241,11 +242,26 @@ class Playback(OnABus):
 
     def test_a_removed_file_of_the_artwork_is_written_again_with_the_next_track(self):
         self.playing()
-        shutil.rmtree(os.path.join(self.folder.name, "ipodkit"))
+        shutil.rmtree(self.artwork)
         self.client.player("Next")
         self.assertTrue(self.client.until(lambda: any("Metadata" in each for each in self.client.changes())))
         url = self.client.get("Metadata")["mpris:artUrl"]
         self.assertTrue(os.path.exists(url[len("file://"):]), url)
+
+    def test_artwork_is_removed_at_its_start_and_end(self):
+        os.mkdir(self.artwork)
+        old = os.path.join(self.artwork, "1-0123456789abcdef.png")
+        with open(old, "wb"):
+            pass
+        _, daemon = self.playing()
+        self.assertEqual(len(os.listdir(self.artwork)), 1)
+        self.assertFalse(os.path.exists(old))
+        subprocess.run([OPTIONS.companiond], env=self.bus.environment, stderr=subprocess.DEVNULL, timeout=LIMIT,
+                       check=False)
+        self.assertTrue(os.path.exists(self.client.get("Metadata")["mpris:artUrl"][len("file://"):]))
+        daemon.terminate()
+        self.assertEqual(daemon.wait(LIMIT), DONE)
+        self.assertFalse(os.path.exists(self.artwork))
 
     def test_playerctl_follows_the_tracks(self):
         self.playing()
@@ -413,7 +429,7 @@ class Starts(OnABus):
         self.daemon()
         code, _, error = self.run_daemon()
         self.assertEqual(code, ALREADY_RUNNING)
-        self.assertRegex(error, r"^ipod-companiond: another program owns com\.zarn\.linux\.ipod\.State .*\n$")
+        self.assertRegex(error, r"^ipod-companiond: cannot acquire com\.zarn\.linux\.ipod\.State: .*\nhint: .*\n$")
 
     def test_without_a_bus_it_fails(self):
         code, _, error = self.run_daemon(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")

@@ -211,6 +211,62 @@ TEST_F(PlayerTest, ReportsJumpsButNotProgress)
     EXPECT_EQ(signals, std::vector<std::string>{"(30000000,)"});
 }
 
+/// A track at 10 of 60 seconds, and a seek by one second that is no jump by its size.
+class SeekTest : public PlayerTest
+{
+protected:
+    SeekTest()
+    {
+        state.position = Position{10s, 60s, at, true};
+        fake.SetState(state);
+        EXPECT_TRUE(RunLoopUntil([&] { return Told("Song"); }));
+        signals.clear();
+    }
+
+    void Seek()
+    {
+        g_dbus_connection_call(connection, g_dbus_connection_get_unique_name(connection), "/org/mpris/MediaPlayer2",
+                               "org.mpris.MediaPlayer2.Player", "Seek", g_variant_new("(x)", gint64{1'000'000}),
+                               nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr, nullptr);
+        EXPECT_TRUE(RunLoopUntil([&] { return !fake.Calls().empty(); }));
+    }
+
+    void Report(std::chrono::milliseconds position)
+    {
+        state.position = Position{position, 60s, at + 500ms, true};
+        fake.SetState(state);
+        RunLoopFor(50ms);
+    }
+
+    std::chrono::steady_clock::time_point at = std::chrono::steady_clock::now();
+    PlayerState state = Playing(TrackOf("Song"));
+};
+
+TEST_F(SeekTest, ReportsASmallJump)
+{
+    Seek();
+    Report(11s);
+    EXPECT_EQ(signals, std::vector<std::string>{"(11000000,)"});
+}
+
+TEST_F(SeekTest, ReportsNothingIfItIsRefused)
+{
+    fake.Fail("Seek", Error{ErrorKind::Refused, "no"});
+    Seek();
+    Report(10600ms);
+    EXPECT_TRUE(signals.empty());
+}
+
+TEST_F(SeekTest, ReportsNothingBeforeItIsAnswered)
+{
+    fake.Hold("Seek");
+    Seek();
+    Report(10600ms);
+    EXPECT_TRUE(signals.empty());
+    fake.AnswerHeld("Seek");
+    EXPECT_TRUE(RunLoopUntil([&] { return !signals.empty(); }));
+}
+
 // A bus disconnects programs that send invalid UTF-8.
 TEST_F(PlayerTest, HostileStatesDoNotEndTheConnection)
 {

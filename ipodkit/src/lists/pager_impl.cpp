@@ -151,21 +151,23 @@ void Pager::Impl::Locks::Release()
 }
 
 // The level first, then the vector: with one order everywhere, no two applications wait for each other.
-void Pager::Impl::LockPage(const std::function<void(const Result<LocksPtr>&)>& locked)
+void Pager::Impl::LockPage(Locked locked)
 {
     const auto& leases = m_session->SharedLeases();
-    const auto lockVector = [leases, place = PlaceOf(m_kind), locked](const Result<std::shared_ptr<void>>& level)
+    if (leases->Ignored()) return locked(LocksPtr());
+    auto lockVector = [leases, place = PlaceOf(m_kind),
+                       locked = std::move(locked)](const Result<std::shared_ptr<void>>& level) mutable
     {
         if (!level) return locked(tl::unexpected<Error>(level.error()));
         leases->Take(place, Hold::Exclusive,
-                     [level = *level, locked](const Result<HeldLockPtr>& vector) {
+                     [level = *level, locked = std::move(locked)](const Result<HeldLockPtr>& vector) {
                          locked(vector.map(
                              [&](const HeldLockPtr& held) {
                                  return std::make_shared<Locks>(Locks{level, held});
                              }));
                      });
     };
-    HasLevel() ? leases->TakeForReading(lockVector) : lockVector(std::shared_ptr<void>());
+    HasLevel() ? leases->TakeForReading(std::move(lockVector)) : lockVector(std::shared_ptr<void>());
 }
 
 // A call is not withdrawn with the request: until its answer, the service may still fill the shared list.
@@ -287,7 +289,7 @@ void Pager::Impl::FetchPage(int number, const OpenRequest* request)
     };
     InTurn<PageHead>(
         AskForPage(m_session->Bus(), CallDeadline(request), m_kind, static_cast<int>(FirstOf(number)), LastOf(number)),
-        [](Impl& self, const auto& locked) { self.LockPage(locked); }, wanted,
+        [](Impl& self, Locked locked) { self.LockPage(std::move(locked)); }, wanted,
         [this, number](const Result<PageHead>& head, const LocksPtr& locks) { PageArrived(number, head, locks); });
 }
 

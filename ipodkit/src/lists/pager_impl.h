@@ -69,7 +69,8 @@ private:
         void Release();
     };
     using LocksPtr = std::shared_ptr<Locks>;
-    using Locking = std::function<void(Pager::Impl&, const std::function<void(const Result<LocksPtr>&)>& locked)>;
+    using Locked = std::function<void(const Result<LocksPtr>&)>;  // called once
+    using Locking = std::function<void(Pager::Impl&, Locked)>;
     template <class T>
     using Arrived = std::function<void(const Result<T>&, const LocksPtr&)>;
 
@@ -93,7 +94,7 @@ private:
     void EntryWantedWithoutCount(int index, const PageWaiter<PagePtr>& waiter);
     void PageWanted(int index, PageWaiter<PagePtr> waiter);
     void FetchPage(int number, const OpenRequest* request);
-    void LockPage(const std::function<void(const Result<LocksPtr>&)>& locked);
+    void LockPage(Locked locked);
     void PageArrived(int number, const Result<PageHead>& head, const LocksPtr& locks);
     Result<PagePtr> MakePage(int number, const PageHead& head) const;
     void Prefetch(int number);

@@ -79,8 +79,10 @@ Leases::Leases(GMainContext* context, milliseconds patience)
 
 void Leases::Take(Place place, Hold how, Done<HeldLock> done)
 {
-    const auto waiter = std::make_shared<Waiter>(Waiter{place, how, std::move(done)});
-    if (Try(*waiter)) return waiter->done(HeldBy(*waiter));
+    if (m_ignored) return done(std::make_shared<HeldLock>(nullptr, m_idle));
+    Waiter request{place, how, std::move(done)};
+    if (Try(request)) return request.done(HeldBy(request));
+    const auto waiter = std::make_shared<Waiter>(std::move(request));
     m_waiting.insert(waiter);
     PollLater(waiter);
 }
@@ -93,25 +95,31 @@ HeldLockPtr Leases::HeldBy(Waiter& waiter) const
 // Returns true if there is nothing to lock, too. The file may have been replaced at any time before it was locked.
 bool Leases::Try(Waiter& waiter)
 {
-    if (m_ignored) return true;
-    if (waiter.file == nullptr) waiter.file = m_idle->Take(kLockedSegment);
+    if (waiter.file == nullptr) waiter.file = m_idle->Take();
     while (waiter.file != nullptr)
     {
         const bool locked = LockWhenFirst(waiter);
         if (waiter.file->HasName()) return locked;
         waiter.ticket = -1;
-        waiter.file = LockFile::Open(kLockedSegment);
+        waiter.file = LockFile::Open();
     }
     return true;
 }
 
-bool Leases::LockWhenFirst(Waiter& waiter) const
+bool Leases::LockWhenFirst(Waiter& waiter)
 {
     const LockFile& file = *waiter.file;
-    const bool locked = waiter.IsFirst() && file.Lock(waiter.how, LockOf(waiter.place));
+    const bool locked = IsFirst(waiter) && file.Lock(waiter.how, LockOf(waiter.place));
     if (locked && waiter.ticket >= 0) file.Unlock(FirstTicketOf(waiter.place), kTickets);
     if (!locked && waiter.ticket < 0) waiter.Queue();
     return locked;
+}
+
+bool Leases::IsFirst(const Waiter& waiter)
+{
+    if (waiter.ticket >= 0) return waiter.IsFirst();
+    CheckedLately& nobodyWaits = m_nobodyWaits[static_cast<std::size_t>(waiter.place)];
+    return nobodyWaits.Holds([&] { return waiter.IsFirst(); });
 }
 
 // Retries less often the longer it has waited, with random delays so that no two processes stay in step.

@@ -4,6 +4,7 @@
 
 #include <ipodkit/error.h>
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -57,8 +58,9 @@ public:
     /// @param patience  how long to wait for other processes before ErrorKind::Busy
     Leases(GMainContext* context, std::chrono::milliseconds patience);
 
-    /// Locks nothing from now on, for a session without a service.
-    void Ignore() { m_ignored = true; }
+    /// Locks nothing from now on: for a session without a service, and to measure the cost of the locks.
+    void Ignore(bool ignored = true) { m_ignored = ignored; }
+    bool Ignored() const { return m_ignored; }
 
     /// Drops all waiting requests; their callbacks are never called.
     void Close()
@@ -89,7 +91,8 @@ private:
     using WaiterPtr = std::shared_ptr<Waiter>;
 
     bool Try(Waiter& waiter);
-    bool LockWhenFirst(Waiter& waiter) const;
+    bool LockWhenFirst(Waiter& waiter);
+    bool IsFirst(const Waiter& waiter);
     void Poll(const WaiterPtr& waiter);
     void PollLater(const WaiterPtr& waiter);
     void GiveUp(const WaiterPtr& waiter);
@@ -101,6 +104,7 @@ private:
     const ContextPtr m_context;
     const std::chrono::milliseconds m_patience;
     const std::shared_ptr<IdleLockFiles> m_idle = std::make_shared<IdleLockFiles>();
+    std::array<CheckedLately, kPlaces> m_nobodyWaits;  // in front of a new request
     std::set<WaiterPtr> m_waiting;
     std::weak_ptr<HeldLock> m_reading;   // shared by all reads
     std::weak_ptr<HeldLock> m_together;  // shared by reads that belong together

@@ -5,9 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
+
+#include "sharing/place.h"
 
 namespace ipodkit
 {
@@ -39,10 +40,10 @@ bool HeldByAnother(int reason)
 }
 }  // namespace
 
-std::shared_ptr<LockFile> LockFile::Open(const char* segment)
+std::shared_ptr<LockFile> LockFile::Open()
 {
-    const int fd = shm_open(segment, O_RDWR | O_NONBLOCK, 0);
-    return fd < 0 ? nullptr : std::shared_ptr<LockFile>(new LockFile(segment, fd));
+    const int fd = shm_open(kLockedSegment, O_RDWR | O_NONBLOCK, 0);
+    return fd < 0 ? nullptr : std::shared_ptr<LockFile>(new LockFile(fd));
 }
 
 LockFile::~LockFile()
@@ -50,12 +51,16 @@ LockFile::~LockFile()
     close(m_fd);
 }
 
-bool LockFile::HasName() const
+bool LockFile::HasName()
 {
-    struct stat now
+    const auto check = [this]
     {
+        struct stat now
+        {
+        };
+        return fstat(m_fd, &now) == 0 && now.st_nlink > 0;
     };
-    return fstat(m_fd, &now) == 0 && now.st_nlink > 0;
+    return m_named.Holds(check);
 }
 
 bool LockFile::Lock(Hold how, off_t byte) const
@@ -74,20 +79,18 @@ void LockFile::Unlock(off_t first, off_t count) const
     SetLock(m_fd, LockRange(F_UNLCK, first, count));
 }
 
-LockFilePtr IdleLockFiles::Take(const char* segment)
+LockFilePtr IdleLockFiles::Take()
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        const auto found = std::find_if(m_idle.begin(), m_idle.end(),
-                                        [segment](const LockFilePtr& file) { return file->Segment() == segment; });
-        if (found != m_idle.end())
+        if (!m_idle.empty())
         {
-            LockFilePtr file = *found;
-            m_idle.erase(found);
+            LockFilePtr file = std::move(m_idle.back());
+            m_idle.pop_back();
             return file;
         }
     }
-    return LockFile::Open(segment);
+    return LockFile::Open();
 }
 
 void IdleLockFiles::Keep(LockFilePtr file)

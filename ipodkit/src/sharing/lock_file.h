@@ -1,12 +1,12 @@
 /// @file
-/// Advisory locks on the file of a segment. Its bytes are neither read nor written.
+/// Advisory locks on the file of the locked segment. Its bytes are neither read nor written.
 #pragma once
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <vector>
 
 namespace ipodkit
@@ -17,23 +17,40 @@ enum class Hold
     Exclusive,
 };
 
-/// An open file description of a segment. Its locks conflict with those of every other description, even in the same
-/// process. The kernel drops them when the process ends. Any thread; nothing blocks.
+/// Remembers for 5 ms that a condition held. Checking one is a system call, and pages follow each other within 0.1 ms.
+class CheckedLately
+{
+public:
+    template <class Check>
+    bool Holds(const Check& check)
+    {
+        using std::chrono::milliseconds;
+        const auto now = std::chrono::steady_clock::now();
+        if (m_until > now) return true;
+        const bool holds = check();
+        if (holds) m_until = now + milliseconds(5);
+        return holds;
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_until;
+};
+
+/// An open file description of the locked segment. Its locks conflict with those of every other description, even in
+/// the same process. The kernel drops them when the process ends. Any thread, one at a time; nothing blocks.
 class LockFile
 {
 public:
     /// Returns null if the segment does not exist or cannot be opened.
-    static std::shared_ptr<LockFile> Open(const char* segment);
+    static std::shared_ptr<LockFile> Open();
 
     ~LockFile();
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;
 
-    const std::string& Segment() const { return m_segment; }
-
-    /// Returns whether the file still has a name. If it was removed or replaced, other applications do not see its
-    /// locks.
-    bool HasName() const;
+    /// Returns whether the file had a name within the last 5 ms. If it was removed or replaced, other applications do
+    /// not see its locks.
+    bool HasName();
 
     /// Locks a byte. Returns false if another description holds a conflicting lock. Returns true if the kernel does not
     /// support such locks: reads are then unguarded.
@@ -48,10 +65,10 @@ public:
     void Unlock() const { Unlock(0, 0); }
 
 private:
-    LockFile(const char* segment, int fd) : m_segment(segment), m_fd(fd) {}
+    explicit LockFile(int fd) : m_fd(fd) {}
 
-    const std::string m_segment;
     const int m_fd;
+    CheckedLately m_named;
 };
 
 using LockFilePtr = std::shared_ptr<LockFile>;
@@ -61,7 +78,7 @@ class IdleLockFiles
 {
 public:
     /// Returns an idle file, or opens one; null if LockFile::Open() fails.
-    LockFilePtr Take(const char* segment);
+    LockFilePtr Take();
 
     /// Returns a file to the pool. It must hold no locks.
     void Keep(LockFilePtr file);

@@ -1,8 +1,9 @@
-// The time of one page, from request to completion, with what it locks.
+// The time of one page, from request to completion, with and without its locks, in random order.
 #include <ipodkit/pager.h>
 
 #include "kit/figures/figures.h"
 #include "kit/kit_test.h"
+#include "session/session_impl.h"
 
 namespace test
 {
@@ -44,9 +45,21 @@ TEST_F(PageFigures, DatabasePage)
     single.prefetch = 0;
     single.cachedPages = 1;
     Pager pager(Ready(), ListKind::Database, single);
+    int page = 0;
+    const auto read = [&](bool locked)
+    {
+        session->Inside()->SharedLeases()->Ignore(!locked);
+        return TimePage(pager, ++page % 2000 * kPage);
+    };
+    Samples bare;
+    Samples again;
     Samples pages;
-    for (int i = 0; i < Rounds(4000); ++i) pages.push_back(TimePage(pager, i % 2000 * kPage));
+    InRandomOrder(
+        Rounds(4000), [&] { pages.push_back(read(true)); }, [&] { bare.push_back(read(false)); },
+        [&] { again.push_back(read(false)); });
     Print("page_median", Quantile(pages, 0.5));
+    Print("page_control", Quantile(again, 0.5) / Quantile(bare, 0.5));
+    Print("page_ratio", Quantile(pages, 0.5) / Quantile(bare, 0.5));
 }
 }  // namespace
 }  // namespace test
