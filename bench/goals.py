@@ -45,6 +45,11 @@ def further_listener(f, cost, library, walk):
     return (cost(library % 100) - cost(library % 10)) / (cost(walk % 100) - cost(walk % 10))
 
 
+def hundred_more(f, operation):
+    """Returns the instructions for each of 100 further listeners."""
+    return (f.instructions[f"{operation}-101"] - f.instructions[f"{operation}-1"]) / 100
+
+
 def allocations_left(operation):
     return lambda f: f.growth[operation]["allocations"] / f.growth[operation]["times"]
 
@@ -135,6 +140,10 @@ INSTRUCTION_GOALS = [
     Row(10, "EapWrite fill of 100 KB / memcpy", counted("fill-library-100", "fill-raw-100"), "<=", 1.10),
     Row(10, "EapWrite fill of 100 KB from an empty vector / memcpy",
         counted("fill-empty-library-100", "fill-raw-100"), "<=", 3.5),
+    Row(11, "instructions of an event with 1 listener, beyond GDBus",
+        lambda f: f.instructions["status-event-1"], "<=", 600),
+    Row(11, "instructions of a further listener, beyond its call",
+        lambda f: hundred_more(f, "status-event") - hundred_more(f, "status-calls"), "<=", 40),
 ]
 
 # Start-up and the kit, in instructions of the whole process.

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 #include "fixture.h"
 #include "internal/records.h"
@@ -67,6 +68,25 @@ Operation ArtworkEvent()
             audience = std::make_shared<Audience>(1)] { qbx::CallBack_OnIpodArtworkChange(proxy, head, &Client()); };
 }
 
+// What GLib calls for a received event: all that the library adds to GDBus.
+Operation StatusEvent(std::size_t listeners)
+{
+    using Callback = qbx::CallbackFor<decltype(ComZarnLinuxIpodIface::on_play_status_changed)>;
+    return [proxy = Proxy(), audience = std::make_shared<Audience>(listeners)]
+    { Callback::Forward<&QBXIpod_MediaPlayer_Client::OnPlayStatusChanged>(proxy, 1, &Client()); };
+}
+
+// The same listeners, each called once without the library.
+Operation StatusCalls(std::size_t listeners)
+{
+    std::vector<std::unique_ptr<IQBXIpodPlayerListener>> audience(listeners);
+    for (auto& listener : audience) listener = std::make_unique<CountingListener>();
+    return [audience = std::make_shared<decltype(audience)>(std::move(audience))]
+    {
+        for (const auto& listener : *audience) listener->OnPlayStatusChanged(static_cast<iPodPlayerPlayStatus>(1));
+    };
+}
+
 Operation FillLibrary(std::size_t size)
 {
     return [buffer = WriteBuffer(size), data = SampleBytes(size)] { qbx::Replace(buffer, qbx::bufferMapping, data); };
@@ -103,6 +123,10 @@ const std::map<std::string, std::function<Operation()>> kOperations = {
     {"artwork-library", ArtworkLibrary},
     {"artwork-raw", ArtworkRaw},
     {"artwork-event", ArtworkEvent},
+    {"status-event-1", [] { return StatusEvent(1); }},
+    {"status-event-101", [] { return StatusEvent(101); }},
+    {"status-calls-1", [] { return StatusCalls(1); }},
+    {"status-calls-101", [] { return StatusCalls(101); }},
     {"fill-library-10", [] { return FillLibrary(10000); }},
     {"fill-raw-10", [] { return FillRaw(10000); }},
     {"fill-library-100", [] { return FillLibrary(100000); }},

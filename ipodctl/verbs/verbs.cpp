@@ -204,6 +204,11 @@ const std::vector<Subject>& Subjects()
     return subjects;
 }
 
+Run WithoutArguments(CLI::App&)
+{
+    return {};
+}
+
 // The manual page has the full descriptions.
 std::string Footer()
 {
@@ -272,7 +277,13 @@ std::vector<Verb> HelpVerbs()
     return {{"help", "Print the help of a command", "ipodctl help seek\nipodctl help sim battery", build}};
 }
 
-Run BuildProgram(CLI::App& app, Options& options)
+std::string VerbIn(std::vector<std::string> arguments)
+{
+    const auto verb = FindVerb(arguments);
+    return verb == arguments.end() || *verb == "help" ? "" : *verb;
+}
+
+Run BuildProgram(CLI::App& app, Options& options, const std::string& only)
 {
     app.name("ipodctl");
     app.description("Controls the Apple device attached to the head unit, through the iPod service.");
@@ -283,6 +294,7 @@ Run BuildProgram(CLI::App& app, Options& options)
             for (Verb verb : verbs())
             {
                 verb.group = subject.title;
+                if (!only.empty() && only != verb.name) verb.build = WithoutArguments;
                 all.push_back(verb);
             }
     return AddVerbs(app, all);

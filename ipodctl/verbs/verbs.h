@@ -97,8 +97,12 @@ struct Options
 const std::vector<HelpRow>& ExitCodes();
 const std::vector<HelpRow>& EnvironmentVariables();
 
+/// Returns the verb that @p arguments run, or "" if they run none or ask for help.
+std::string VerbIn(std::vector<std::string> arguments);
+
 /// Adds the options and commands of ipodctl to an empty parser.
 /// @param options  filled during parsing; must outlive @p app
+/// @param only     the only command with arguments, for a quick start; all commands have them if it is empty
 /// @return  a function that runs the parsed command
-Run BuildProgram(CLI::App& app, Options& options);
+Run BuildProgram(CLI::App& app, Options& options, const std::string& only = "");
 }  // namespace ctl

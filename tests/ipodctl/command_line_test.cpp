@@ -54,6 +54,30 @@ TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
     EXPECT_EQ(Parse({}), Words{});
 }
 
+TEST(CommandLine, FindsTheVerbThatRuns)
+{
+    EXPECT_EQ(VerbIn({"--json", "--deadline", "5", "status", "--help"}), "status");
+    EXPECT_EQ(VerbIn({"help", "seek"}), "");
+    EXPECT_EQ(VerbIn({"--help"}), "");
+}
+
+TEST(CommandLine, BuildsTheArgumentsOfTheVerbThatRunsOnly)
+{
+    CLI::App app;
+    Options options;
+    BuildProgram(app, options, "seek");
+    EXPECT_TRUE(CommandsOf(*app.get_subcommand("sim")).empty());
+    EXPECT_GT(app.get_subcommand("seek")->get_options().size(), app.get_subcommand("sim")->get_options().size());
+}
+
+TEST(CommandLine, BuildsTheArgumentsOfAllVerbsForTheirDocuments)
+{
+    CLI::App app;
+    Options options;
+    BuildProgram(app, options);
+    EXPECT_FALSE(CommandsOf(*app.get_subcommand("sim")).empty());
+}
+
 TEST(OneOf, ListsTheAcceptedWords)
 {
     EXPECT_EQ(OneOf({"off", "on"})("on"), "");
