@@ -363,6 +363,7 @@ TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
 {
     const Image unfinished = WithState(SoundImage(), kBeingMade);
     Put({});
+    const auto start = Clock::now();
     std::thread creator(
         [&]
         {
@@ -373,7 +374,6 @@ TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
             EXPECT_EQ(ssize_t{sizeof(kReady)}, pwrite(fd, &kReady, sizeof(kReady), 0));
             close(fd);
         });
-    const auto start = Clock::now();
 
     QBXSharedSegment segment = Attach();
 
