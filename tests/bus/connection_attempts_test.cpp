@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bus/replaced_release.h"
+#include "support/glib_messages.h"
 #include "support/log_capture.h"
 
 namespace
@@ -109,6 +110,17 @@ TEST(Connection, IsMadeToTheServiceOnTheSessionBus)
     QBX_GetIpodPlayer()->InitInstance();
 
     EXPECT_EQ(request, std::to_string(G_BUS_TYPE_SESSION) + " 0 com.zarn.linux.ipod /com/zarn/linux/ipod");
+}
+
+TEST(Connection, IsLostIfAnAttemptAfterASuccessFails)
+{
+    outcomes = "fs";
+    EXPECT_FALSE(QBX_GetIpodPlayer()->InitInstance());
+    const test::GLibMessages messages;
+
+    QBX_GetIpodPlayer()->Seek(0);
+
+    EXPECT_THAT(messages.Lines(), testing::ElementsAre(testing::HasSubstr("G_IS_DBUS_PROXY (proxy)")));
 }
 
 TEST(Connection, NamesTheSignalsAsSpelledAndInTheirOrder)
