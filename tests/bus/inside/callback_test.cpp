@@ -37,6 +37,25 @@ protected:
     GVariant* variant = nullptr;
 };
 
+class HookedClient : public QBXIpod_MediaPlayer_Client
+{
+public:
+    void ExitListener() override { ++exits; }
+
+    int exits = 0;
+};
+
+TEST(ListenerHooks, OfTheClientAreThoseOfEveryService)
+{
+    HookedClient client;
+    IQBXIpodPlayerListener listener;
+    client.AddListener(&listener);
+
+    client.RemoveListener(&listener);
+
+    EXPECT_EQ(client.exits, 1);
+}
+
 TEST_F(CallbackTest, AFlagOfTwoIsTrue)
 {
     EXPECT_EQ(qbx::CallBack_OnWirelessCarPlayUpdate(qbx::serviceProxy, 2, "address", client), TRUE);

@@ -1,5 +1,7 @@
 // Commands and events before any client was built in the process. Applications cannot reach this state, because they
 // need a client to call. This program links the library's objects and clears the flag.
+#include <sys/stat.h>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "bus/bus_test.h"
 #include "bus/command_table.h"
@@ -65,6 +67,15 @@ TEST_P(CommandNotReadyTest, ReturnsItsValueWithoutACall)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CommandNotReadyTest, testing::ValuesIn(Commands()), NameOf);
+
+TEST(NotReady, EndsWithTheFirstClientEvenIfItCannotAttachTheSegments)
+{
+    ASSERT_EQ(mkfifo((std::string("/dev/shm/") + kListSegmentName).c_str(), 0600), 0);
+
+    EXPECT_THROW(QBXIpod_MediaPlayer_Client(), boost::interprocess::interprocess_exception);
+
+    EXPECT_EQ(qbx::clientCreated, 1);
+}
 
 TEST_F(NotReadyTest, PlayReturnsZeroWithoutALogLine)
 {
