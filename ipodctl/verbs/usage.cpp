@@ -8,8 +8,6 @@ namespace ctl
 {
 namespace
 {
-using Options = std::vector<const CLI::Option*>;
-
 // Returns the program name and the verbs that were parsed.
 std::string CommandOf(const CLI::App& app)
 {
@@ -32,9 +30,9 @@ std::vector<std::string> CommandNames(const CLI::App& app)
 }
 
 // Returns the options of the selected command and of its parents.
-Options OptionsOf(const CLI::App& app)
+std::vector<const CLI::Option*> OptionsOf(const CLI::App& app)
 {
-    Options options;
+    std::vector<const CLI::Option*> options;
     for (const CLI::App* at = &Chosen(app); at != nullptr; at = at->get_parent())
         for (const CLI::Option* option : at->get_options()) options.push_back(option);
     return options;
