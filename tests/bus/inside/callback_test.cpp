@@ -15,7 +15,7 @@ protected:
     void SetUp() override
     {
         client = &Connected();
-        client->AddListener(&listener);
+        client->AddListener(&app);
     }
 
     // Parses a variant, owned by the test.
@@ -31,8 +31,6 @@ protected:
         ServiceTest::TearDown();
     }
 
-    Journal journal;
-    RecordingListener listener{journal, "app"};
     IQBXIpodPlayer* client = nullptr;
     GVariant* variant = nullptr;
 };
@@ -66,7 +64,7 @@ TEST_F(CallbackTest, AFlagOfTwoIsTrue)
 
 TEST_F(CallbackTest, ADispatchedEventReturnsTrueWithoutListeners)
 {
-    client->RemoveListener(&listener);
+    client->RemoveListener(&app);
 
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), TRUE);
     EXPECT_EQ(qbx::CallBack_OnIpodReceiveEapData(qbx::serviceProxy, 1, client), TRUE);
@@ -99,7 +97,7 @@ TEST_F(CallbackTest, TheProxyOfADestroyedClientDeliversNothing)
     ClearLog();
 
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), FALSE);
-    QBX_GetIpodPlayer()->AddListener(&listener);
+    QBX_GetIpodPlayer()->AddListener(&app);
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "b", QBX_GetIpodPlayer()), FALSE);
 
     EXPECT_THAT(journal, IsEmpty());

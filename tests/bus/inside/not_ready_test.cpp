@@ -119,9 +119,7 @@ TEST_F(NotReadyTest, EapWriteLeavesTheWriteBufferUnchanged)
 
 TEST_F(NotReadyTest, EventsThatLogFirstWriteTheirLineAndReachNoListener)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    NotReady().AddListener(&listener);
+    NotReady().AddListener(&app);
 
     DeliverEventsThatLogFirst();
 
@@ -151,9 +149,7 @@ TEST_F(NotReadyTest, EventsThatLogFirstWriteTheirLineAndReachNoListener)
 
 TEST_F(NotReadyTest, EventsThatCheckFirstWriteNothingAndReachNoListener)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    NotReady().AddListener(&listener);
+    NotReady().AddListener(&app);
 
     Deliver("OnPlayStatusChanged", "(1,)");
     Deliver("OnPlayProgressChange", "(1, 2)");
