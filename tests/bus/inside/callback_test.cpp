@@ -93,10 +93,13 @@ TEST_F(CallbackTest, AProxyWithoutASubscribedClientDelivers)
 
 TEST_F(CallbackTest, TheProxyOfADestroyedClientDeliversNothing)
 {
+    GVariant* const message = Variant("<[byte 8, 1]>");
     QBX_DestroyIpodPlayer();
     ClearLog();
 
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), FALSE);
+    EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, message, client), FALSE);
+    EXPECT_EQ(qbx::CallBack_OnIpodBatteryChange(qbx::serviceProxy, message, client), FALSE);
     QBX_GetIpodPlayer()->AddListener(&app);
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "b", QBX_GetIpodPlayer()), FALSE);
 
