@@ -51,7 +51,7 @@ int ShowHelp(const CLI::App& app, const CLI::ParseError& error)
 int Execute(int argc, char** argv, Options& options)
 {
     CLI::App app;
-    app.formatter(std::make_shared<HelpFormatter>(std::min(Output(false).width(), kWidthOfHelp)));
+    app.formatter(std::make_shared<cli::HelpFormatter>(std::min(Output(false).width(), kWidthOfHelp)));
     const Run run = BuildProgram(app, options, VerbIn({argv + std::min(1, argc), argv + argc}));
     try
     {

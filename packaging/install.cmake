@@ -5,7 +5,7 @@ set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 # Builds everything that is installed, but nothing that only tests need.
 add_custom_target(packaged)
 foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples
-    ipod-companiond ipod-companiond-interface ipodqml ipodqmlplugin ipod-screen)
+    simulator-manuals ipod-companiond ipod-companiond-interface ipodqml ipodqmlplugin ipod-screen)
   if(TARGET ${part})
     add_dependencies(packaged ${part})
   endif()
@@ -98,7 +98,6 @@ if(TARGET ipodctl)
     COMPONENT tools)
 endif()
 if(TARGET ipod-simulator)
-  install_manual(ipod-simulator.1 tools)
   set(completions "${PACKAGING}/completions")
   install(FILES "${completions}/ipod-simulator.bash" RENAME ipod-simulator
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" COMPONENT tools)
@@ -106,7 +105,6 @@ if(TARGET ipod-simulator)
     COMPONENT tools)
   install(FILES "${completions}/ipod-simulator.fish" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d"
     COMPONENT tools)
-  install_manual(ipod-make-samples.1 tools)
   # Only examples: a machine with a real service must not start the simulator instead.
   install(FILES
     "${PACKAGING}/service/com.zarn.linux.ipod.service"

@@ -2,7 +2,6 @@
 #include <glib-unix.h>
 #include <ipodsim.h>
 
-#include <CLI/CLI.hpp>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -20,15 +19,6 @@
 
 namespace
 {
-struct Arguments
-{
-    ipodsim::Options options;
-    bool noCache = false;
-    bool verbose = false;
-    std::string scenarioFile;
-    std::vector<std::string> faults;
-};
-
 // Set from outside the main loop.
 struct StopFlags
 {
@@ -106,8 +96,8 @@ bool WaitUntilIndexed(const ipodsim::Simulator& simulator, const StopFlags& stop
     return !stop.end;
 }
 
-void Run(ipodsim::Simulator& simulator, const Arguments& arguments, const std::string& scenario, const StopFlags& stop,
-         ipodsim::ProgressBar& bar)
+void Run(ipodsim::Simulator& simulator, const ipodsim::Arguments& arguments, const std::string& scenario,
+         const StopFlags& stop, ipodsim::ProgressBar& bar)
 {
     for (const std::string& fault : arguments.faults) simulator.Do("fault", fault);
     if (!WaitUntilIndexed(simulator, stop)) return;
@@ -118,7 +108,7 @@ void Run(ipodsim::Simulator& simulator, const Arguments& arguments, const std::s
 }
 
 // Runs until the user stops it or the bus disconnects, which is a failure.
-void Serve(Arguments arguments)
+void Serve(ipodsim::Arguments arguments)
 {
     StopFlags stop;
     g_unix_signal_add(SIGINT, End, &stop);
@@ -136,52 +126,13 @@ void Serve(Arguments arguments)
     if (stop.busLost) throw std::runtime_error("lost the connection to the session bus");
 }
 
-void AddOptions(CLI::App& app, Arguments& arguments)
-{
-    ipodsim::Options& options = arguments.options;
-    app.set_version_flag("--version", "ipod-simulator " IPOD_VERSION);
-    app.add_option("folder", options.musicFolder,
-                   "Music folder; each subfolder is a device. Without it, one device with a small built-in library")
-        ->check(ipodsim::CheckNotEmpty);
-    app.add_flag("--one-device", options.oneDevice, "Put everything below the folder on one device");
-    app.add_option("--name", options.deviceName, "Name of the device with the files directly in the folder")
-        ->check(ipodsim::CheckDeviceName)
-        ->capture_default_str();
-    app.add_flag("--no-cache", arguments.noCache, "Scan every file and store no index");
-    app.add_option("--speed", options.speed, "Speed of the clock, between 0.001 and 10000")
-        ->check(ipodsim::CheckSpeed)
-        ->capture_default_str();
-    app.add_option("--seed", options.seed, "Seed for shuffling")->check(ipodsim::CheckSeed)->capture_default_str();
-    app.add_option("--scenario", arguments.scenarioFile, "Run the timed actions in a JSON file")
-        ->check(ipodsim::CheckNotEmpty);
-    app.add_option("--fault", arguments.faults, "Inject a fault: KIND[=PARAMETER][@MEMBER][/COUNT]; may be repeated")
-        ->check(ipodsim::CheckFault)
-        ->allow_extra_args(false);
-    app.add_flag_callback(
-        "--print-schema",
-        []
-        {
-            std::fputs(ipodsim::ScenarioSchema().c_str(), stdout);
-            throw CLI::Success();
-        },
-        "Print the JSON schema of scenarios and exit");
-    app.add_flag("--verbose", arguments.verbose, "Log each request and its reply");
-    app.footer(
-        "Examples:\n"
-        "  ipod-simulator ~/Devices\n"
-        "  ipod-simulator --one-device ~/Music\n"
-        "  ipod-simulator --speed 10 --scenario drive.json\n"
-        "  ipod-simulator --fault delay=500@GetPlayStatus/3 --fault no-reply@Next\n"
-        "\n"
-        "To trigger events in a running simulator, use ipodctl sim.");
-}
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Simulated iPod service on the session bus", "ipod-simulator");
-    Arguments arguments;
-    AddOptions(app, arguments);
+    CLI::App app;
+    ipodsim::Arguments arguments;
+    ipodsim::AddOptions(app, arguments);
     try
     {
         app.parse(argc, argv);

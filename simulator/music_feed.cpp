@@ -9,16 +9,16 @@
 
 namespace ipodsim
 {
-MusicFeed::MusicFeed(Service& service, GMainContext* context, Settings settings)
-    : m_service(service), m_context(context), m_settings(std::move(settings))
+MusicFeed::MusicFeed(Service& service, GMainContext* context, const Options& options, std::function<void()> indexed)
+    : m_service(service), m_context(context), m_options(options), m_indexed(std::move(indexed))
 {
-    m_settings.folder = CheckedFolder(m_settings.folder);
-    for (const DeviceFolder& device : DeviceFoldersOf(m_settings.folder, m_settings.ownName, m_settings.oneDevice))
+    m_options.musicFolder = CheckedFolder(m_options.musicFolder);
+    for (const DeviceFolder& device : DeviceFoldersOf(m_options.musicFolder, m_options.deviceName, m_options.oneDevice))
     {
         m_service.devices.Attach(device.name, {}, device.path);
         m_folders.push_back(device.path);
     }
-    m_watch = std::make_unique<FolderWatch>(m_settings.folder, m_context, m_settings.warn, [this] { Wake(); });
+    m_watch = std::make_unique<FolderWatch>(m_options.musicFolder, m_context, m_options.warn, [this] { Wake(); });
     m_thread = std::thread([this] { Read(); });
 }
 
@@ -44,8 +44,8 @@ void MusicFeed::Wake()
 
 void MusicFeed::Read()
 {
-    IndexCache cache(m_settings.cacheFolder.empty() ? "" : CacheFileFor(m_settings.cacheFolder, m_settings.folder),
-                     m_settings.warn);
+    IndexCache cache(m_options.cacheFolder.empty() ? "" : CacheFileFor(m_options.cacheFolder, m_options.musicFolder),
+                     m_options.warn);
     while (WaitForWork()) ReadChanges(cache);
     cache.Save(IndexCache::Unused::Keep);
 }
@@ -60,15 +60,15 @@ bool MusicFeed::WaitForWork()
 
 void MusicFeed::ReadChanges(IndexCache& cache)
 {
-    const auto devices = DeviceFoldersOf(m_settings.folder, m_settings.ownName, m_settings.oneDevice);
+    const auto devices = DeviceFoldersOf(m_options.musicFolder, m_options.deviceName, m_options.oneDevice);
     Post([this, devices] { RemoveAllBut(devices); });
-    FewWarnings warnings(m_settings.warn);
+    FewWarnings warnings(m_options.warn);
     const Warn warn = [&warnings](const std::string& line) { warnings.Add(line); };
     ReadDevices(FindChanges(devices, warn), cache, warn);
     if (m_stop) return;
     warnings.Summarize();
     cache.Save(IndexCache::Unused::Forget);
-    if (m_settings.indexed) Post(m_settings.indexed);
+    if (m_indexed) Post(m_indexed);
 }
 
 std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFolder>& devices, const Warn& warn)
@@ -78,7 +78,7 @@ std::vector<MusicFeed::Work> MusicFeed::FindChanges(const std::vector<DeviceFold
     for (const DeviceFolder& device : devices)
     {
         // Watch before reading, so that no change is missed in between.
-        FolderScan scan = ScanFolder(device.path, device.depth, m_settings.folder, warn,
+        FolderScan scan = ScanFolder(device.path, device.depth, m_options.musicFolder, warn,
                                      [this](const std::string& folder)
                                      {
                                          m_watch->Add(folder);
@@ -102,7 +102,7 @@ void MusicFeed::ReadDevices(const std::vector<Work>& changes, IndexCache& cache,
     {
         const auto progress = [&](std::size_t ofThis, std::size_t)
         {
-            if (m_settings.progress) m_settings.progress(done + ofThis, all);
+            if (m_options.progress) m_options.progress(done + ofThis, all);
         };
         const auto library = std::make_shared<Library>(Index(work.scan, cache, {warn, progress, &m_stop}));
         if (m_stop) return;

@@ -2,6 +2,8 @@
 /// Keeps the devices of a service in sync with the subfolders of a music folder.
 #pragma once
 
+#include <ipodsim.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
@@ -24,20 +26,11 @@ namespace ipodsim
 class MusicFeed
 {
 public:
-    struct Settings
-    {
-        std::string folder;
-        std::string ownName;      ///< name of the device with the files directly in the folder
-        bool oneDevice = false;   ///< put everything on that device
-        std::string cacheFolder;  ///< empty for no cache
-        Warn warn;
-        std::function<void(std::size_t, std::size_t)> progress;  ///< called on any thread; may be empty
-        std::function<void()> indexed;                           ///< called after each scan that read something
-    };
-
     /// Attaches the existing devices without their contents and starts reading.
     /// @throws std::runtime_error  the folder is missing, not a folder, or cannot be read
-    MusicFeed(Service& service, GMainContext* context, Settings settings);
+    ///
+    /// @param indexed  called after each scan that read something
+    MusicFeed(Service& service, GMainContext* context, const Options& options, std::function<void()> indexed);
     ~MusicFeed();
     MusicFeed(const MusicFeed&) = delete;
     MusicFeed& operator=(const MusicFeed&) = delete;
@@ -64,7 +57,8 @@ private:
 
     Service& m_service;
     GMainContext* m_context;
-    Settings m_settings;
+    Options m_options;
+    std::function<void()> m_indexed;
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
     std::vector<std::string> m_folders;  // folders of the devices that the feed attached
 

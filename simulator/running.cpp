@@ -28,19 +28,6 @@ Service::Settings Running::SettingsOf(const Options& options)
     return settings;
 }
 
-MusicFeed::Settings Running::FeedOf(const Options& options)
-{
-    MusicFeed::Settings settings;
-    settings.folder = options.musicFolder;
-    settings.ownName = options.deviceName;
-    settings.oneDevice = options.oneDevice;
-    settings.cacheFolder = options.cacheFolder;
-    settings.warn = options.warn;
-    settings.progress = options.progress;
-    settings.indexed = [this] { m_indexed = true; };
-    return settings;
-}
-
 Running::Running(const Options& options, GMainContext* context)
     : m_options(options), m_bus(std::make_unique<Bus>()), m_service(m_skeleton.get(), context, SettingsOf(options))
 {
@@ -50,7 +37,7 @@ Running::Running(const Options& options, GMainContext* context)
     if (options.musicFolder.empty())
         m_service.devices.Attach(options.deviceName, BuiltinLibrary());
     else
-        m_feed = std::make_unique<MusicFeed>(m_service, context, FeedOf(options));
+        m_feed = std::make_unique<MusicFeed>(m_service, context, options, [this] { m_indexed = true; });
     m_indexed = m_feed == nullptr;
     try
     {

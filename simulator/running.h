@@ -34,7 +34,6 @@ public:
 
 private:
     Service::Settings SettingsOf(const Options& options);
-    MusicFeed::Settings FeedOf(const Options& options);
     void OnScenarioEnd(const std::string& title);
     void Appear();
     void Disappear();

@@ -13,6 +13,7 @@
 #include "browse/model.h"
 #include "browse/screen.h"
 #include "browse/walker.h"
+#include "output/failure.h"
 #include "session/loop.h"
 
 namespace ctl::browse

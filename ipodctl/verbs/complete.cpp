@@ -1,10 +1,11 @@
 #include "verbs/complete.h"
 
+#include <cli/help.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "output/text.h"
-#include "verbs/help.h"
 
 namespace ctl
 {
@@ -61,7 +62,7 @@ const CLI::Option* FindOption(const CLI::App* app, const std::string& name)
 
 const CLI::App* FindCommand(const CLI::App& app, const std::string& name)
 {
-    for (const CLI::App* command : CommandsOf(app))
+    for (const CLI::App* command : cli::CommandsOf(app))
         if (command->get_name() == name) return command;
     return nullptr;
 }
@@ -137,10 +138,10 @@ std::vector<Candidate> ByShell(const std::string& path, const std::string& value
 std::vector<Candidate> ValuesOf(const CLI::App& app, const CLI::Option& option, const Ask& ask)
 {
     std::vector<Candidate> candidates;
-    for (const std::string& word : WordsOf(option)) candidates.push_back({word, ""});
+    for (const std::string& word : cli::WordsOf(option)) candidates.push_back({word, ""});
     if (!candidates.empty()) return candidates;
-    const std::string path = PathOf(app);
-    const std::string value = ValueOf(option);
+    const std::string path = cli::PathOf(app);
+    const std::string value = cli::ValueOf(option);
     if (value == "FIELD") return AskFor({"sim", "actions", app.get_name()}, value, ask);
     for (const Source& source : Sources())
         if (source.value == path + " " + value) candidates = AskFor(source.command, value, ask);
@@ -162,7 +163,7 @@ std::vector<Candidate> OptionCandidates(const CLI::App& app)
 std::vector<Candidate> WordsAt(const Place& place, const Ask& ask)
 {
     std::vector<Candidate> candidates;
-    for (const CLI::App* command : CommandsOf(*place.app))
+    for (const CLI::App* command : cli::CommandsOf(*place.app))
         candidates.push_back({command->get_name(), command->get_description()});
     const CLI::Option* const argument = ArgumentAt(place);
     return argument == nullptr ? candidates : ValuesOf(*place.app, *argument, ask);

@@ -7,7 +7,6 @@
 #include "output/output.h"
 #include "output/text.h"
 #include "session/session.h"
-#include "verbs/help.h"
 #include "verbs/usage.h"
 #include "verbs/verbs.h"
 
@@ -242,9 +241,9 @@ std::string DescriptionOf(const Json& field)
 
 std::string Footer(const SimAction& action)
 {
-    std::vector<HelpRow> rows;
+    std::vector<cli::HelpRow> rows;
     for (const auto& [name, field] : action.fields.items()) rows.push_back({name, DescriptionOf(field)});
-    const std::string fields = HelpSection("Fields, as FIELD=VALUE; of the first the value alone", rows, kWidth);
+    const std::string fields = cli::HelpSection("Fields, as FIELD=VALUE; of the first the value alone", rows, kWidth);
     return "Emits: " + action.follows + "\n" + fields + "\nExamples:\n  ipodctl sim " + action.example;
 }
 

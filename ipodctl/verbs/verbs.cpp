@@ -7,7 +7,6 @@
 #include <sstream>
 
 #include "output/text.h"
-#include "verbs/help.h"
 #include "verbs/usage.h"
 
 namespace ctl
@@ -22,13 +21,13 @@ std::string Footer(const char* examples)
     return text;
 }
 
-struct VerbChoice
+struct AddedVerb
 {
     const CLI::App* app;
     Run run;
 };
 
-VerbChoice Add(CLI::App& app, const Verb& verb)
+AddedVerb Add(CLI::App& app, const Verb& verb)
 {
     CLI::App* const added = app.add_subcommand(verb.name, verb.summary);
     added->group(verb.group);
@@ -153,13 +152,13 @@ void AddLimits(CLI::App& app, Limits& limits, const std::string& goal)
 Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 {
     app.require_subcommand(1);
-    std::vector<VerbChoice> choices;
+    std::vector<AddedVerb> choices;
     choices.reserve(verbs.size());
     for (const Verb& verb : verbs) choices.push_back(Add(app, verb));
     return [choices](Context& context)
     {
         const auto chosen =
-            std::find_if(choices.begin(), choices.end(), [](const VerbChoice& choice) { return choice.app->parsed(); });
+            std::find_if(choices.begin(), choices.end(), [](const AddedVerb& choice) { return choice.app->parsed(); });
         return chosen->run(context);
     };
 }
@@ -175,7 +174,7 @@ std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app)
         arguments.emplace_back("--help");
         verb = FindVerb(arguments);
     }
-    const std::vector<std::string> names = NamesOf(CommandsOf(app));
+    const std::vector<std::string> names = NamesOf(cli::CommandsOf(app));
     if (verb != arguments.end() && std::find(names.begin(), names.end(), *verb) == names.end())
         throw UnknownWord("command", *verb, names, "try 'ipodctl --help'");
     if (verb != arguments.end() && *verb == "seek") SpellOutBackward(arguments);
@@ -213,8 +212,8 @@ Run WithoutArguments(CLI::App&)
 std::string Footer()
 {
     std::string text = "Exit codes:\n";
-    for (const HelpRow& row : ExitCodes()) text += "  " + row.name + "  " + row.description + "\n";
-    text += HelpSection("Environment", EnvironmentVariables(), 80);
+    for (const cli::HelpRow& row : ExitCodes()) text += "  " + row.name + "  " + row.description + "\n";
+    text += cli::HelpSection("Environment", EnvironmentVariables(), 80);
     return text + "\nRun 'ipodctl COMMAND --help' for the arguments and examples of a command.";
 }
 
@@ -240,9 +239,9 @@ void AddOptions(CLI::App& app, Options& options)
 }
 }  // namespace
 
-const std::vector<HelpRow>& ExitCodes()
+const std::vector<cli::HelpRow>& ExitCodes()
 {
-    static const std::vector<HelpRow> codes{
+    static const std::vector<cli::HelpRow> codes{
         {"0", "done"},
         {"1", "the service refused, the lists are in use, or there was nothing to do"},
         {"2", "usage: unknown command, index out of range, name not found, file not usable"},
@@ -255,9 +254,9 @@ const std::vector<HelpRow>& ExitCodes()
     return codes;
 }
 
-const std::vector<HelpRow>& EnvironmentVariables()
+const std::vector<cli::HelpRow>& EnvironmentVariables()
 {
-    static const std::vector<HelpRow> variables{
+    static const std::vector<cli::HelpRow> variables{
         {"DBUS_SESSION_BUS_ADDRESS", "The session bus"},
         {"NO_COLOR", "Print no colors if set, except with --color always"},
         {"QBX_LOG", "Log from this level on: LEVEL (to standard error) or LEVEL:FILE, such as DEBUG:/tmp/log"},

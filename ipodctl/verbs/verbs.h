@@ -2,6 +2,7 @@
 /// The verbs of the command line: their definition, the validators of their arguments, and the table of each subject.
 #pragma once
 
+#include <cli/help.h>
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -12,7 +13,6 @@
 
 #include "events/follow.h"
 #include "session/session.h"
-#include "verbs/help.h"
 
 namespace ctl
 {
@@ -94,8 +94,8 @@ struct Options
     Settings settings;
 };
 
-const std::vector<HelpRow>& ExitCodes();
-const std::vector<HelpRow>& EnvironmentVariables();
+const std::vector<cli::HelpRow>& ExitCodes();
+const std::vector<cli::HelpRow>& EnvironmentVariables();
 
 /// Returns the verb that @p arguments run, or "" if they run none or ask for help.
 std::string VerbIn(std::vector<std::string> arguments);

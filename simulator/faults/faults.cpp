@@ -26,7 +26,9 @@ struct KindRow
 {
     const char* name;
     FaultKind kind;
-    Parameter parameter;
+    const char* meaning;
+    Parameter parameter = Parameter::None;
+    const char* placeholder = nullptr;                               // of the parameter
     std::uint32_t most = std::numeric_limits<std::uint32_t>::max();  // largest number
 };
 
@@ -34,19 +36,25 @@ struct KindRow
 constexpr std::uint32_t kLongestRecord = 1U << 20U;
 
 constexpr KindRow kKinds[] = {
-    {"delay", FaultKind::Delay, Parameter::Number},
-    {"no-reply", FaultKind::NoReply, Parameter::None},
-    {"error", FaultKind::Error, Parameter::ErrorName},
-    {"wrong-type", FaultKind::WrongType, Parameter::None},
-    {"short-record", FaultKind::ShortRecord, Parameter::Number, kLongestRecord},
-    {"long-record", FaultKind::LongRecord, Parameter::Number, kLongestRecord},
-    {"half-filled", FaultKind::HalfFilled, Parameter::None},
-    {"unterminated", FaultKind::Unterminated, Parameter::None},
-    {"bad-message", FaultKind::BadMessage, Parameter::None},
-    {"out-of-range", FaultKind::OutOfRange, Parameter::Number},
-    {"crash", FaultKind::Crash, Parameter::None},
-    {"crash-locked", FaultKind::CrashLocked, Parameter::Segment},
-    {"restart-storm", FaultKind::RestartStorm, Parameter::Number},
+    {"delay", FaultKind::Delay, "Delay the reply, by default for 1000 ms", Parameter::Number, "MILLISECONDS"},
+    {"no-reply", FaultKind::NoReply, "Drop the reply or the signal"},
+    {"error", FaultKind::Error, "Reply with an error of that name", Parameter::ErrorName, "NAME"},
+    {"wrong-type", FaultKind::WrongType, "Send a type other than the interface's"},
+    {"short-record", FaultKind::ShortRecord, "Send a record with fewer bytes than required, by default 10",
+     Parameter::Number, "BYTES", kLongestRecord},
+    {"long-record", FaultKind::LongRecord, "Send a record with more bytes than required, by default 5000 more",
+     Parameter::Number, "BYTES", kLongestRecord},
+    {"half-filled", FaultKind::HalfFilled, "Fill a vector in shared memory only halfway"},
+    {"unterminated", FaultKind::Unterminated, "Write names to shared memory without a terminator"},
+    {"bad-message", FaultKind::BadMessage, "Send a phone call or battery message that cannot be parsed"},
+    {"out-of-range", FaultKind::OutOfRange, "Send undefined enumeration values, by default 99", Parameter::Number,
+     "NUMBER"},
+    {"crash", FaultKind::Crash, "Crash after executing the request, before replying"},
+    {"crash-locked", FaultKind::CrashLocked,
+     "Crash while holding the lock of the segment lists or buffers, by default of both", Parameter::Segment, "SEGMENT"},
+    {"restart-storm", FaultKind::RestartStorm,
+     "Leave the bus and return, by default five times; starts at once if no method is named. Another storm replaces it",
+     Parameter::Number, "TIMES"},
 };
 
 const KindRow& RowOf(const std::string& name)
@@ -118,12 +126,6 @@ std::uint32_t Fault::Number(std::uint32_t whenEmpty) const
     return ToNumber(parameter).value_or(whenEmpty);
 }
 
-const char* NameOf(FaultKind kind)
-{
-    return std::find_if(std::begin(kKinds), std::end(kKinds), [&](const KindRow& row) { return row.kind == kind; })
-        ->name;
-}
-
 std::vector<std::string> FaultKinds()
 {
     std::vector<std::string> names;
@@ -131,12 +133,13 @@ std::vector<std::string> FaultKinds()
     return names;
 }
 
-Fault MakeFault(const std::string& member, const std::string& kind, const std::string& parameter, unsigned count)
+std::vector<std::pair<std::string, std::string>> FaultHelp()
 {
-    const KindRow& row = RowOf(kind);
-    CheckParameter(row, parameter);
-    CheckMember(row, member);
-    return {member, row.kind, parameter, count};
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (const KindRow& row : kKinds)
+        rows.emplace_back(row.placeholder == nullptr ? row.name : std::string(row.name) + "=" + row.placeholder,
+                          row.meaning);
+    return rows;
 }
 
 Fault ParseFault(const std::string& text)
@@ -148,7 +151,10 @@ Fault ParseFault(const std::string& text)
     const std::string parameter = TakeTail(kind, '=');
     const auto number = counted ? ToNumber(count) : 0;
     if (!number) throw std::runtime_error("expected KIND[=PARAMETER][@MEMBER][/COUNT], got '" + text + "'");
-    return MakeFault(member, kind, parameter, *number);
+    const KindRow& row = RowOf(kind);
+    CheckParameter(row, parameter);
+    CheckMember(row, member);
+    return {member, row.kind, parameter, *number};
 }
 
 void Faults::Add(Fault fault)

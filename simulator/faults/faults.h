@@ -6,25 +6,27 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ipodsim
 {
+/// `ipod-simulator --help` describes them; see FaultHelp().
 enum class FaultKind
 {
-    Delay,         ///< delays the reply; parameter: milliseconds
-    NoReply,       ///< drops the reply or the signal
-    Error,         ///< replies with an error; parameter: its name
-    WrongType,     ///< sends a type other than the interface's
-    ShortRecord,   ///< truncates a record; parameter: its length in bytes
-    LongRecord,    ///< extends a record; parameter: its length in bytes
-    HalfFilled,    ///< fills a vector only halfway
-    Unterminated,  ///< sends names without a terminator
-    BadMessage,    ///< sends a protobuf message that cannot be parsed
-    OutOfRange,    ///< sends undefined enumeration values; parameter: the number
-    Crash,         ///< crashes before replying
-    CrashLocked,   ///< crashes holding the segment locks; parameter: `lists` or `buffers` for only one
-    RestartStorm,  ///< leaves the bus and returns; parameter: how often
+    Delay,
+    NoReply,
+    Error,
+    WrongType,
+    ShortRecord,
+    LongRecord,
+    HalfFilled,
+    Unterminated,
+    BadMessage,
+    OutOfRange,
+    Crash,
+    CrashLocked,
+    RestartStorm,
 };
 
 /// Number of restarts in a storm without a parameter.
@@ -41,18 +43,15 @@ struct Fault
     std::uint32_t Number(std::uint32_t whenEmpty) const;
 };
 
-/// For example "delay", "crash-locked".
-const char* NameOf(FaultKind kind);
-
 /// The names of all kinds.
 std::vector<std::string> FaultKinds();
 
-/// @throws std::runtime_error  the kind or member does not exist, the kind does not fit the member, or the parameter is
-///                             invalid; the message gives the expectation
-Fault MakeFault(const std::string& member, const std::string& kind, const std::string& parameter, unsigned count);
+/// Each kind with its parameter, such as "delay=MILLISECONDS", and its effect.
+std::vector<std::pair<std::string, std::string>> FaultHelp();
 
 /// Parses the command-line form KIND[=PARAMETER][@MEMBER][/COUNT], for example "delay=500@GetPlayStatus/3".
-/// @throws std::runtime_error  as MakeFault()
+/// @throws std::runtime_error  the kind or member does not exist, the kind does not fit the member, or the parameter or
+///                             the count is invalid; the message gives the expectation
 Fault ParseFault(const std::string& text);
 
 /// The armed faults. Thread-safe.

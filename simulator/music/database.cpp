@@ -11,42 +11,34 @@ namespace ipodsim
 {
 namespace
 {
-const std::string& KeyOf(const Track& track, Grouping grouping)
+// What a grouping reads from a track.
+struct Key
 {
+    std::string Track::*name;
+    std::string Readings::*reading;
+    ipodnames::Subject subject;
+};
+
+Key KeyOf(Grouping grouping)
+{
+    using ipodnames::Subject;
     switch (grouping)
     {
         case Grouping::Artist:
-            return track.artist;
+            return {&Track::artist, &Readings::artist, Subject::Person};
         case Grouping::Album:
-            return track.album;
+            return {&Track::album, &Readings::album, Subject::Title};
         case Grouping::Genre:
-            return track.genre;
+            return {&Track::genre, &Readings::genre, Subject::Title};
         default:
-            return track.title;
+            return {&Track::title, &Readings::title, Subject::Title};
     }
 }
 
-const std::string& ReadAhead(const Track& track, Grouping grouping)
+std::string ReadingOf(const Track& track, const Key& key)
 {
-    switch (grouping)
-    {
-        case Grouping::Artist:
-            return track.readings.artist;
-        case Grouping::Album:
-            return track.readings.album;
-        case Grouping::Genre:
-            return track.readings.genre;
-        default:
-            return track.readings.title;
-    }
-}
-
-std::string ReadingOf(const Track& track, Grouping grouping)
-{
-    const std::string& ahead = ReadAhead(track, grouping);
-    if (!ahead.empty()) return ahead;
-    return Pinyin(KeyOf(track, grouping),
-                  grouping == Grouping::Artist ? ipodnames::Subject::Person : ipodnames::Subject::Title);
+    const std::string& ahead = track.readings.*key.reading;
+    return ahead.empty() ? Pinyin(track.*key.name, key.subject) : ahead;
 }
 
 // Chinese names are sorted by their pinyin among Latin names, where users look for them.
@@ -59,13 +51,14 @@ void SortByReading(std::vector<Entry>& entries)
 
 std::vector<Entry> Group(const TrackList& tracks, Grouping grouping, const std::vector<Grouping>& below)
 {
+    const Key key = KeyOf(grouping);
     std::map<std::string, TrackList> groups;
-    for (const TrackPtr& track : tracks) groups[KeyOf(*track, grouping)].push_back(track);
+    for (const TrackPtr& track : tracks) groups[(*track).*key.name].push_back(track);
     std::vector<Entry> entries;
     entries.reserve(groups.size());
     for (auto& [name, members] : groups)
     {
-        std::string reading = ReadingOf(*members.front(), grouping);
+        std::string reading = ReadingOf(*members.front(), key);
         entries.push_back({name, std::move(reading), std::move(members), below});
     }
     return entries;
@@ -76,7 +69,7 @@ std::vector<Entry> SongsOf(const TrackList& tracks)
     std::vector<Entry> entries;
     entries.reserve(tracks.size());
     for (const TrackPtr& track : tracks)
-        entries.push_back({track->title, ReadingOf(*track, Grouping::Song), {track}, {}});
+        entries.push_back({track->title, ReadingOf(*track, KeyOf(Grouping::Song)), {track}, {}});
     return entries;
 }
 

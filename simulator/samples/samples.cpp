@@ -7,9 +7,13 @@
 #include <taglib/id3v2tag.h>
 #include <taglib/mpegfile.h>
 #include <taglib/tag.h>
+#include <taglib/tbytevectorstream.h>
 #include <taglib/vorbisfile.h>
 
+#include <array>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <system_error>
@@ -33,6 +37,15 @@ struct Format
 constexpr Format kFlac{".flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16};
 constexpr Format kVorbis{".ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS};
 constexpr Format kMp3{".mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III};
+
+struct Names
+{
+    std::string title;
+    std::string artist;
+    std::string album;
+    std::string genre;
+    unsigned track;
+};
 
 struct Sample
 {
@@ -112,19 +125,19 @@ void AddPicture(TagLib::File* file, const Picture& cover)
     if (auto* vorbis = dynamic_cast<TagLib::Ogg::Vorbis::File*>(file)) vorbis->tag()->addPicture(FlacPicture(cover));
 }
 
-void WriteTags(const fs::path& file, const SampleAlbum& album, std::size_t index, const Picture& cover)
+// @param cover  null for none
+bool WriteTags(TagLib::FileRef& file, const Names& names, const Picture* cover)
 {
-    const auto text = [](const char* utf8) { return TagLib::String(utf8, TagLib::String::UTF8); };
-    TagLib::FileRef reference(file.c_str());
-    if (reference.isNull()) throw std::runtime_error("cannot read back " + file.string());
-    TagLib::Tag& tag = *reference.tag();
-    tag.setTitle(text(album.samples[index].title));
-    tag.setArtist(text(album.artist));
-    tag.setAlbum(text(album.title));
-    tag.setGenre(text(album.genre));
-    tag.setTrack(static_cast<unsigned>(index) + 1);
-    AddPicture(reference.file(), cover);
-    if (!reference.save()) throw std::runtime_error("cannot write the tags of " + file.string());
+    const auto text = [](const std::string& utf8) { return TagLib::String(utf8, TagLib::String::UTF8); };
+    if (file.isNull()) return false;
+    TagLib::Tag& tag = *file.tag();
+    tag.setTitle(text(names.title));
+    tag.setArtist(text(names.artist));
+    tag.setAlbum(text(names.album));
+    tag.setGenre(text(names.genre));
+    tag.setTrack(names.track);
+    if (cover != nullptr) AddPicture(file.file(), *cover);
+    return file.save();
 }
 
 void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number)
@@ -136,8 +149,55 @@ void MakeAlbum(const fs::path& folder, const SampleAlbum& album, unsigned number
         const Sample& sample = album.samples[i];
         const std::string name = std::to_string(i + 1) + " " + sample.title + album.format.extension;
         WriteAudio(folder / name, album.format, Melody(number * 100 + static_cast<unsigned>(i), sample.seconds));
-        WriteTags(folder / name, album, i, cover);
+        TagLib::FileRef file((folder / name).c_str());
+        if (!WriteTags(file, {sample.title, album.artist, album.title, album.genre, static_cast<unsigned>(i) + 1},
+                       &cover))
+            throw std::runtime_error("cannot write the tags of " + (folder / name).string());
     }
+}
+
+constexpr int kSongsPerAlbum = 20;
+constexpr int kAlbumsPerArtist = 5;
+constexpr int kCoverEvery = 10;
+
+std::string Word(unsigned number)
+{
+    static constexpr std::array<const char*, 16> kWords = {"River", "Lantern", "夜曲",   "Harbour", "Stone", "雨后",
+                                                           "Amber", "Field",   "春江",   "Signal",  "Quiet", "长夜",
+                                                           "North", "Velvet",  "Winter", "Copper"};
+    return kWords[number % kWords.size()];
+}
+
+Names NamesOf(int index)
+{
+    static constexpr std::array<const char*, 6> kGenres = {"Pop", "Folk", "Jazz", "Rock", "Classical", "Electronic"};
+    const auto number = static_cast<unsigned>(index);
+    const unsigned album = number / kSongsPerAlbum;
+    const unsigned artist = album / kAlbumsPerArtist;
+    return {Word(number * 7 + album) + " " + Word(number * 3 + 5) + " " + std::to_string(number),
+            Word(artist * 5 + 1) + " " + std::to_string(artist), Word(album * 3 + 2) + " " + std::to_string(album),
+            kGenres[artist % kGenres.size()], number % kSongsPerAlbum + 1};
+}
+
+// Encodes one second of music and returns the bytes of the file.
+TagLib::ByteVector Encoded(const fs::path& folder, const Format& format)
+{
+    const fs::path file = folder / ".piece";
+    WriteAudio(file, format, Melody(1, 1));
+    std::ifstream in(file, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    fs::remove(file);
+    return {bytes.data(), static_cast<unsigned>(bytes.size())};
+}
+
+// Tags are written in memory: every file holds the same piece.
+void WriteTagged(const fs::path& file, const TagLib::ByteVector& piece, const Names& names, const Picture* cover)
+{
+    TagLib::ByteVectorStream stream(piece);
+    TagLib::FileRef reference(&stream, false);
+    std::ofstream out(file, std::ios::binary);
+    if (WriteTags(reference, names, cover)) out.write(stream.data()->data(), stream.length());
+    if (!out.flush() || stream.length() == 0) throw std::runtime_error("cannot write " + file.string());
 }
 }  // namespace
 
@@ -159,5 +219,26 @@ int MakeSamples(const std::string& folder)
         count += album.samples.size();
     }
     return static_cast<int>(count);
+}
+
+int MakeManySamples(const std::string& folder, int count)
+{
+    MakeFolder(folder);
+    const fs::path root = fs::path(folder) / "Large iPod";
+    MakeFolder(root);
+    const TagLib::ByteVector mp3 = Encoded(root, kMp3);
+    const TagLib::ByteVector flac = Encoded(root, kFlac);
+    const Picture cover = DrawCover(1);
+    for (int i = 0; i < count; ++i)
+    {
+        const Names names = NamesOf(i);
+        const fs::path album = root / names.artist / names.album;
+        if (i % kSongsPerAlbum == 0) MakeFolder(album);
+        const bool isFlac = i % 4 == 3;
+        const bool covered = !isFlac && i / kSongsPerAlbum % kCoverEvery == 0;
+        const std::string name = std::to_string(names.track) + " " + names.title + (isFlac ? kFlac : kMp3).extension;
+        WriteTagged(album / name, isFlac ? flac : mp3, names, covered ? &cover : nullptr);
+    }
+    return count;
 }
 }  // namespace ipodsim

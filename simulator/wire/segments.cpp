@@ -238,23 +238,22 @@ Segments::Segments()
     eapRead = Find<QBXByteVector>(m_buffers, "VecEapReadBufferShareMemory");
 }
 
-Segments::Descriptor::~Descriptor()
+Segments::~Segments()
 {
-    if (m_number >= 0) close(m_number);
+    if (m_claim >= 0) close(m_claim);
 }
 
 // An open-file-description lock: it lasts until the process ends, even if other code in the process opens and closes
 // the segment.
 bool Segments::Claim()
 {
-    m_claim = Descriptor(shm_open(kBufferSegmentName, O_RDWR | O_CLOEXEC, 0));
+    m_claim = shm_open(kBufferSegmentName, O_RDWR | O_CLOEXEC, 0);
     struct flock whole
     {
     };
     whole.l_type = F_WRLCK;
     whole.l_whence = SEEK_SET;
-    return m_claim.Number() < 0 || fcntl(m_claim.Number(), F_OFD_SETLK, &whole) == 0 ||
-           (errno != EAGAIN && errno != EACCES);
+    return m_claim < 0 || fcntl(m_claim, F_OFD_SETLK, &whole) == 0 || (errno != EAGAIN && errno != EACCES);
 }
 
 void Segments::WithLock(Lock lock, std::function<void()> work)

@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "music/track.h"
@@ -20,6 +19,9 @@ class Segments
 public:
     /// @throws std::runtime_error  a segment cannot be used, with the reason
     Segments();
+    ~Segments();
+    Segments(const Segments&) = delete;
+    Segments& operator=(const Segments&) = delete;
 
     QBXStringPageVector* playingList = nullptr;
     QBXStringPageVector* dbList = nullptr;
@@ -32,7 +34,8 @@ public:
     QBXByteVector* eapWrite = nullptr;
     QBXByteVector* eapRead = nullptr;
 
-    /// Claims the segments for this service during its lifetime. False if another service has claimed them.
+    /// Claims the segments for this service during its lifetime; to be called once. False if another service has
+    /// claimed them.
     bool Claim();
 
     enum class Lock
@@ -52,26 +55,9 @@ public:
     Bytes TakeEapWrite() const;
 
 private:
-    class Descriptor
-    {
-    public:
-        explicit Descriptor(int number = -1) : m_number(number) {}
-        ~Descriptor();
-        Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-        Descriptor& operator=(Descriptor&& other) noexcept
-        {
-            std::swap(m_number, other.m_number);
-            return *this;
-        }
-        int Number() const { return m_number; }
-
-    private:
-        int m_number;
-    };
-
     QBXSharedSegment m_lists;
     QBXSharedSegment m_buffers;
-    Descriptor m_claim;
+    int m_claim = -1;
 };
 
 /// Replaces the contents of a vector; names are truncated to 255 bytes. Returns false and leaves the vector empty if

@@ -18,11 +18,14 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-/// Checks at the end that every log record has the required file name and lengths.
+/// Has a listener to add to the player. Checks at the end that every log record has the required file name and lengths.
 class ClientTest : public testing::Test
 {
 protected:
     void TearDown() override;
+
+    Journal journal;
+    RecordingListener app{journal, "app"};
 };
 
 /// A bus with a service on it.

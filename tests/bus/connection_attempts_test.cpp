@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bus/replaced_release.h"
+#include "support/glib_messages.h"
 #include "support/log_capture.h"
 
 namespace
@@ -17,6 +18,7 @@ std::string outcomes;
 std::size_t attempts = 0;
 bool errorWasPassedTwice = false;
 std::string request;               // the arguments of the last attempt
+bool ownerWasLogged = false;       // before the first signal was connected
 std::vector<std::string> signals;  // as they were connected, with a mark behind those that were not connected plainly
 
 ComZarnLinuxIpod* FailedProxy(GError** error)
@@ -46,6 +48,7 @@ ComZarnLinuxIpod* com_zarn_linux_ipod_proxy_new_for_bus_sync(GBusType bus, GDBus
 
 gulong g_signal_connect_data(gpointer, const gchar* signal, GCallback, gpointer, GClosureNotify, GConnectFlags flags)
 {
+    if (signals.empty()) ownerWasLogged = test::LogLines().back().find("Owner Name: :1.7") != std::string::npos;
     signals.push_back(signal + std::string(flags == 0 ? "" : "!"));
     return signals.size();
 }
@@ -111,6 +114,17 @@ TEST(Connection, IsMadeToTheServiceOnTheSessionBus)
     EXPECT_EQ(request, std::to_string(G_BUS_TYPE_SESSION) + " 0 com.zarn.linux.ipod /com/zarn/linux/ipod");
 }
 
+TEST(Connection, IsLostIfAnAttemptAfterASuccessFails)
+{
+    outcomes = "fs";
+    EXPECT_FALSE(QBX_GetIpodPlayer()->InitInstance());
+    const test::GLibMessages messages;
+
+    QBX_GetIpodPlayer()->Seek(0);
+
+    EXPECT_THAT(messages.Lines(), testing::ElementsAre(testing::HasSubstr("G_IS_DBUS_PROXY (proxy)")));
+}
+
 TEST(Connection, NamesTheSignalsAsSpelledAndInTheirOrder)
 {
     outcomes = "s";
@@ -128,12 +142,13 @@ TEST(Connection, NamesTheSignalsAsSpelledAndInTheirOrder)
                     "on_play_status_changed", "on-wireless-car-play-update", "on-oobpairing-info"));
 }
 
-TEST(Connection, ReleasesTheNameOfTheOwner)
+TEST(Connection, LogsTheNameOfTheOwnerBeforeItSubscribesAndReleasesIt)
 {
     outcomes = "s";
 
     EXPECT_TRUE(QBX_GetIpodPlayer()->InitInstance());
 
+    EXPECT_TRUE(ownerWasLogged);
     EXPECT_EQ(test::unreleased, nullptr);
 }
 }  // namespace

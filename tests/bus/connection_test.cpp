@@ -35,9 +35,7 @@ TEST_F(ConnectionTest, LogsTheOwnerOnceAndSucceeds)
 
 TEST_F(ConnectionTest, DeliversSignalsOfBothSpellings)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
 
     Deliver("OnIpodArtworkChange", "(<[byte 1, 0, 0, 0]>,)");
     Deliver("OnIpodBatteryChange", "(<[byte 8, 1, 16, 50]>,)");
@@ -47,10 +45,8 @@ TEST_F(ConnectionTest, DeliversSignalsOfBothSpellings)
 
 TEST_F(ConnectionTest, DispatchesEachSignalTwiceAfterTwoInits)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
     IQBXIpodPlayer& player = Connected();
-    player.AddListener(&listener);
+    player.AddListener(&app);
 
     EXPECT_TRUE(player.InitInstance());
     Deliver("OnPlayStatusChanged", "(2,)");
@@ -60,9 +56,7 @@ TEST_F(ConnectionTest, DispatchesEachSignalTwiceAfterTwoInits)
 
 TEST_F(ConnectionTest, IgnoresSignalsThatTheContractDoesNotHave)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
 
     DeliverBody("OnSomethingElse", g_variant_new("(i)", 1));
 
@@ -72,9 +66,7 @@ TEST_F(ConnectionTest, IgnoresSignalsThatTheContractDoesNotHave)
 
 TEST_F(ConnectionTest, IgnoresSignalsOfAProcessThatDoesNotOwnTheName)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
     FakeService second;
 
     second.Emit("OnPlayStatusChanged", "(1,)");
@@ -108,9 +100,7 @@ TEST_F(ConnectionWithoutServiceTest, WarnsAndFailsWithoutAnOwner)
 
 TEST_F(ConnectionWithoutServiceTest, DeliversNothingEvenIfTheServiceStartsLater)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Unconnected().AddListener(&listener);
+    Unconnected().AddListener(&app);
     FakeService service;
 
     service.Emit("OnPlayStatusChanged", "(2,)");
@@ -130,16 +120,14 @@ TEST_F(ConnectionWithoutServiceTest, CommandsReachAServiceStartedLater)
 
 TEST_F(ConnectionWithoutServiceTest, SucceedsLaterOnceTheServiceHasStarted)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
     IQBXIpodPlayer& player = Unconnected();
-    player.AddListener(&listener);
+    player.AddListener(&app);
     FakeService service;
 
     EXPECT_TRUE(player.InitInstance());
     service.Emit("OnPlayStatusChanged", "(2,)");
 
-    EXPECT_TRUE(RunLoopUntil([&journal] { return !journal.empty(); }));
+    EXPECT_TRUE(RunLoopUntil([this] { return !journal.empty(); }));
     EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(2)"));
 }
 

@@ -133,7 +133,6 @@ public:
 TEST_F(DispatchTest, EachListenerGetsItsOwnCopies)
 {
     SharedVectors().SetBytes("VecArtworkChangeBufferShareMemory", {1, 2});
-    Journal journal;
     GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
     IQBXIpodPlayer& player = Connected();
     for (auto& listener : listeners) player.AddListener(&listener);
@@ -158,7 +157,6 @@ TEST_F(DispatchTest, EachListenerGetsItsOwnCopies)
 TEST_F(DispatchTest, AllListenersShareTheBytesOfAnAccessorySession)
 {
     SharedVectors().SetBytes("VecEapReadBufferShareMemory", {1, 2});
-    Journal journal;
     GreedyListener listeners[] = {{journal, "a"}, {journal, "b"}};
     IQBXIpodPlayer& player = Connected();
     for (auto& listener : listeners) player.AddListener(&listener);
@@ -207,12 +205,10 @@ TEST_F(DispatchTest, StopsWhenAListenerClearsTheSetDirectly)
 
 TEST_F(DispatchTest, ARemovedListenerGetsNoMoreEvents)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
     IQBXIpodPlayer& player = Connected();
-    player.AddListener(&listener);
+    player.AddListener(&app);
 
-    player.RemoveListener(&listener);
+    player.RemoveListener(&app);
     Deliver("OnPlayStatusChanged", "(1,)");
 
     EXPECT_THAT(journal, IsEmpty());
@@ -275,10 +271,8 @@ TEST_F(DispatchTest, AListenerMayUseCommands)
 
 TEST_F(DispatchTest, TheClientsOwnProgressListenerDoesNothing)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
     IQBXIpodPlayer& player = Connected();
-    player.AddListener(&listener);
+    player.AddListener(&app);
 
     player.OnPlayProgressChange(1, 2);
 
@@ -288,9 +282,7 @@ TEST_F(DispatchTest, TheClientsOwnProgressListenerDoesNothing)
 
 TEST_F(DispatchTest, EventsArriveInSignalOrder)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
 
     for (int i = 0; i < 5; ++i) service.Emit("OnIpodPlayingListAmountChange", "(" + std::to_string(i) + ",)");
     Deliver("OnPlayStatusChanged", "(1,)");
@@ -311,9 +303,7 @@ TEST_F(DispatchTest, EmptyArgumentsArriveAndAreLogged)
     } rows[] = {{"OnOOBPairingInfo", "('', [])", "(\"\", [])", "OnOOBPairingInfo() - , 0"},
                 {"OnOOBPairingInfo", "('', [(byte 7,)])", "(\"\", [07])", "OnOOBPairingInfo() - , 1"},
                 {"OnWirelessCarPlayUpdate", "(false, '')", "(false, \"\")", "OnWirelessCarPlayUpdate() - 0, "}};
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
     for (const auto& row : rows)
     {
         Deliver(row.signal, row.body);

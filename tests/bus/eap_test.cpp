@@ -215,9 +215,7 @@ TEST_F(EapTest, WriteIntoABufferThatReachesBeyondItsSegmentThrowsWithoutACall)
 TEST_F(EapTest, PayloadsAreInTheVectorsThatTheApplicationPointsAt)
 {
     IQBXIpodPlayer& player = Writing();
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    player.AddListener(&listener);
+    player.AddListener(&app);
     OwnBuffer own({7, 8});
     g_VecEapReadBufferShareMemory = own.get();
     g_VecEapWriteBufferShareMemory = own.get();
@@ -242,7 +240,6 @@ TEST_F(EapTest, AFailedWriteReturnsZero)
 TEST_F(EapTest, ReceiveDeliversAnEmptyPayloadToEveryListener)
 {
     vectors.SetBytes(kRead, {});
-    Journal journal;
     RecordingListener listeners[] = {{journal, "a"}, {journal, "b"}};
     IQBXIpodPlayer& player = Connected();
     for (auto& listener : listeners) player.AddListener(&listener);
@@ -255,9 +252,7 @@ TEST_F(EapTest, ReceiveDeliversAnEmptyPayloadToEveryListener)
 TEST_F(EapTest, ReceiveDeliversNoPayloadWhenTheBufferReachesBeyondItsSegment)
 {
     vectors.SetBytes(kRead, {1});
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
     ForgeSize(&vectors.Buffer(kRead), kBufferSegmentSize);
 
     Deliver("OnIpodReceiveEapData", "(1,)");
@@ -267,9 +262,7 @@ TEST_F(EapTest, ReceiveDeliversNoPayloadWhenTheBufferReachesBeyondItsSegment)
 
 TEST_F(EapTest, ReceiveCarriesOnlyTheLowByteOfTheSession)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
 
     DeliverBody("OnIpodReceiveEapData", g_variant_new("(q)", 300));
     Deliver("OnIpodStartEapSession", "(0, 300)");

@@ -146,7 +146,6 @@ protected:
 TEST_P(EventTest, ReachesThreeListenersInAscendingOrderOfTheirAddresses)
 {
     const Event& event = GetParam();
-    Journal journal;
     RecordingListener listeners[] = {{journal, "low"}, {journal, "middle"}, {journal, "high"}};
     IQBXIpodPlayer& player = Connected();
     for (const int i : {1, 2, 0}) player.AddListener(&listeners[i]);
@@ -171,11 +170,9 @@ TEST_P(EventTest, WritesItsLogLinesWithoutListeners)
 TEST_P(EventTest, IsDeliveredOnceToAListenerThatWasAddedTwice)
 {
     const Event& event = GetParam();
-    Journal journal;
-    RecordingListener listener(journal, "app");
     IQBXIpodPlayer& player = Connected();
-    player.AddListener(&listener);
-    player.AddListener(&listener);
+    player.AddListener(&app);
+    player.AddListener(&app);
 
     Deliver(event.signal, event.body);
 
@@ -185,9 +182,7 @@ TEST_P(EventTest, IsDeliveredOnceToAListenerThatWasAddedTwice)
 TEST_P(EventTest, IsDroppedIfTheBodyHasAnotherType)
 {
     const Event& event = GetParam();
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
 
     DeliverBody(event.signal, g_variant_new("(ds)", 1.5, "what is this"));
 
@@ -198,9 +193,7 @@ TEST_P(EventTest, IsDroppedIfTheBodyHasAnotherType)
 TEST_P(EventTest, ForADestroyedPlayerIsDropped)
 {
     const Event& event = GetParam();
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
     QBX_DestroyIpodPlayer();
     ClearLog();
 
@@ -233,9 +226,7 @@ TEST_P(ByteTest, ArrivesUnchangedInEverySignalThatHasOne)
                 {"OnIpodStartEapSession", "9", ", 9"},
                 {"OnIpodReceiveEapData", "", ", []"},
                 {"OnCarlifeDeviceDetectStatusChange", "", ""}};
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
     for (const auto& row : rows)
     {
         Deliver(row.signal, "(" + byte + "," + row.sentAfter + ")");

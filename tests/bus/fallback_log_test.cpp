@@ -81,9 +81,7 @@ TEST_F(FallbackLogTest, ReplacesAFailureLineAndNamesTheCommand)
 
 TEST_F(FallbackLogTest, ReplacesTheDebugLineAndTheHandlersLine)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
     SwitchLoggingOff();
 
     const auto lines = Printed(

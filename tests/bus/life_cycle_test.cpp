@@ -73,9 +73,7 @@ TEST_F(LifeCycleTest, ANewObjectAfterDestructionDoesNotLogConnectStartAgain)
 
 TEST_F(LifeCycleTest, DestructionDoesNotNotifyListeners)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    QBX_GetIpodPlayer()->AddListener(&listener);
+    QBX_GetIpodPlayer()->AddListener(&app);
 
     QBX_DestroyIpodPlayer();
 
@@ -84,10 +82,8 @@ TEST_F(LifeCycleTest, DestructionDoesNotNotifyListeners)
 
 TEST_F(LifeCycleWithServiceTest, ExitInstanceSucceedsLogsAndChangesNothing)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
     IQBXIpodPlayer& player = Connected();
-    player.AddListener(&listener);
+    player.AddListener(&app);
     service.Answer("Next", "(true,)");
 
     const bool exited = player.ExitInstance();
@@ -111,11 +107,9 @@ TEST_F(LifeCycleWithServiceTest, ANewObjectUsesTheProxyOfTheOldOne)
 
 TEST_F(LifeCycleWithServiceTest, ARebuiltAndInitializedObjectGetsEachEventOnce)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
     Connected();
     QBX_DestroyIpodPlayer();
-    Connected().AddListener(&listener);
+    Connected().AddListener(&app);
 
     Deliver("OnPlayStatusChanged", "(1,)");
 

@@ -195,6 +195,17 @@ TEST_F(DatabaseListTest, ReadsTheVectorThatTheApplicationSets)
     boost::interprocess::shared_memory_object::remove("SegmentOfTheApplication");
 }
 
+TEST_F(DatabaseListTest, CountsTheRootForEveryNumberButZero)
+{
+    IQBXIpodPlayer& player = Connected();
+    service.Answer("GetCurDbListItemsAmount", "(9,)");
+
+    for (const int fromTop : {0, 1, -1}) player.GetCurDBListItemsAmount(fromTop);
+
+    EXPECT_THAT(service.Calls(), ElementsAre("GetCurDbListItemsAmount(false,)", "GetCurDbListItemsAmount(true,)",
+                                             "GetCurDbListItemsAmount(true,)"));
+}
+
 TEST_F(DatabaseListTest, PassesIndicesUnchanged)
 {
     IQBXIpodPlayer& player = Connected();

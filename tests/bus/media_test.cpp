@@ -40,11 +40,10 @@ protected:
     // The arguments of the event.
     std::string FromSignal(const std::string& variant)
     {
-        Journal journal;
-        RecordingListener listener(journal, "app");
-        QBX_GetIpodPlayer()->AddListener(&listener);
+        journal.clear();
+        QBX_GetIpodPlayer()->AddListener(&app);
         Deliver(m_record.signal, "(" + m_record.before + variant + m_record.after + ")");
-        QBX_GetIpodPlayer()->RemoveListener(&listener);
+        QBX_GetIpodPlayer()->RemoveListener(&app);
         const std::string event = Join(journal, " ");
         const std::string begin = std::string("app.") + m_record.signal + "(" + m_record.before;
         EXPECT_EQ(event.substr(0, begin.size()), begin);

@@ -25,10 +25,13 @@ extern "C" int linkat(int fromFolder, const char* from, int toFolder, const char
 
 namespace
 {
-TEST(NewSegment, HoldsItsVectorsWhenItGetsItsName)
+TEST(NewSegment, IsReadyAndHoldsItsVectorsWhenItGetsItsName)
 {
+    constexpr char kReady = 2;
+
     QBX_GetIpodPlayer();
 
+    for (const auto& [name, contents] : held) EXPECT_EQ(contents.front(), kReady) << name;
     for (const char* const name :
          {"VecPlayingListShareMemory", "VecDBListShareMemory", "VecDBListPinyinShareMemory", "VecUpdateListShareMemory",
           "VecUpdateListPinyinShareMemory", "VecDeviceListShareMemory"})

@@ -33,7 +33,7 @@ iPodPhoneCall CompleteCall()
 class PhoneBatteryTest : public ServiceTest
 {
 protected:
-    void SetUp() override { Connected().AddListener(&listener); }
+    void SetUp() override { Connected().AddListener(&app); }
 
     void Send(const iPodPhoneCall& call) { SendPhoneCall(call.SerializeAsString()); }
     void Send(const iPodBattery& battery) { SendBattery(battery.SerializeAsString()); }
@@ -55,9 +55,6 @@ protected:
         const std::size_t begin = line.find(label + ":");
         return line.substr(begin, line.find(',', begin) - begin);
     }
-
-    Journal journal;
-    RecordingListener listener{journal, "app"};
 };
 
 // A phone call with one field.

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "verbs/help.h"
 #include "verbs/usage.h"
 
 using namespace ctl;
@@ -97,7 +96,7 @@ TEST(UnknownWord, SuggestsTheMostSimilarWord)
 TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
 {
     CLI::App app("Does what it does, at such length that the line has to be broken.", "test");
-    app.formatter(std::make_shared<HelpFormatter>(40));
+    app.formatter(std::make_shared<cli::HelpFormatter>(40));
     int number = 3;
     app.add_option("--from", number, "First index")->check(WholeNumber(0))->capture_default_str();
     app.add_option("time", number, "When")->required();

@@ -204,6 +204,8 @@ class Program(OnABus):
 
     def test_samples_need_a_folder_that_can_be_created(self):
         file = self.write("file", "")
+        self.assertEqual(subprocess.run([OPTIONS.samples], capture_output=True, text=True, timeout=LIMIT).stderr,
+                         "ipod-make-samples: missing argument: folder\nhint: try 'ipod-make-samples --help'\n")
         for folder, code, expected in (("", 2, "folder: expected a non-empty name\nhint: try 'ipod-make-samples --help'"),
                                        ("/proc/x", 1, "cannot create /proc/x: No such file or directory"),
                                        (file, 1, f"cannot create {file}: Not a directory")):
@@ -228,6 +230,9 @@ class Program(OnABus):
                                 (["--name", b"\xff"], "--name: expected UTF-8 text, got '\N{REPLACEMENT CHARACTER}'"),
                                 ([""], "folder: expected a non-empty name"),
                                 (["--scenario", ""], "--scenario: expected a non-empty name"),
+                                (["--seed"], "--seed: missing value"),
+                                (["--sede", "3", "--one-device"],
+                                 "unknown option '--sede'\nhint: did you mean '--seed'?"),
                                 (["--fault", "delay=-1"],
                                  "--fault: delay: expected an integer between 0 and 4294967295, got '-1'"),
                                 (["--fault", "long-record=200000000@GetCurrentMediaInfo"],
@@ -240,7 +245,8 @@ class Program(OnABus):
                 process = self.launch(*words)
                 out, err = process.communicate(timeout=LIMIT)
                 self.assertEqual((process.returncode, out), (2, ""))
-                self.assertEqual(err, f"ipod-simulator: {expected}\nhint: try 'ipod-simulator --help'\n")
+                hint = "" if "hint:" in expected else "\nhint: try 'ipod-simulator --help'"
+                self.assertEqual(err, f"ipod-simulator: {expected}{hint}\n")
 
     def test_limits_the_size_of_a_scenario(self):
         self.assertEqual(self.refusal("--scenario", "/dev/zero"),

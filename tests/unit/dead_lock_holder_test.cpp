@@ -69,12 +69,12 @@ protected:
 };
 }  // namespace
 
-TEST_F(LockOfADeadProcess, MakesTheLookupOfAVectorThrow)
+TEST_F(LockOfADeadProcess, MakesTheLookupOfVectorsThrow)
 {
     auto die = [] { _exit(0); };
     InAChild([&] { m_segment.atomic_func(die); });
 
-    ExpectExceptionInTime([this] { qbx::UnderSegmentLock([this] { m_segment.find_or_construct<int>("number")(0); }); });
+    ExpectExceptionInTime([this] { qbx::CheckNames(m_segment, m_name.c_str(), {"number"}); });
 }
 
 TEST_F(LockOfADeadProcess, EndsTheGrowthOfTheWriteBufferInAnException)

@@ -246,6 +246,7 @@ TEST(Replace, RejectsAVectorWithMemoryOutsideTheMapping)
     const qbx::Mapping tooShort{side.mapping().begin, reinterpret_cast<const char*>(side.vector().data()) + 10};
 
     EXPECT_THROW(qbx::Replace(&side.vector(), other.mapping(), {1}), bip::interprocess_exception);
+    EXPECT_TRUE(side.vector().empty());
     EXPECT_THROW(qbx::Replace(&side.vector(), tooShort, {1}), bip::interprocess_exception);
     EXPECT_THROW(qbx::Replace(&side.vector(), {}, {1}), bip::interprocess_exception);
 }

@@ -99,6 +99,23 @@ protected:
         return status.st_mode & 07777;
     }
 
+    // Whether CheckNames() rejects a segment that contains this text, but not under the name of the vector.
+    bool RefusesAsALayout(const std::string& text)
+    {
+        static constexpr char kVector[] = "vector\0before";
+        QBXSharedSegment segment = Attach();
+        std::copy(text.begin(), text.end(), segment.construct<char>("other")[64]('.'));
+        try
+        {
+            qbx::CheckNames(segment, m_name.c_str(), {kVector});
+            return false;
+        }
+        catch (const bip::interprocess_exception&)
+        {
+            return true;
+        }
+    }
+
     test::ObjectName m_name;
     milliseconds m_took{};
 };
@@ -346,6 +363,7 @@ TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
 {
     const Image unfinished = WithState(SoundImage(), kBeingMade);
     Put({});
+    const auto start = Clock::now();
     std::thread creator(
         [&]
         {
@@ -356,7 +374,6 @@ TEST_F(AttachSegment, WaitsForACreatorThatIsStillWorking)
             EXPECT_EQ(ssize_t{sizeof(kReady)}, pwrite(fd, &kReady, sizeof(kReady), 0));
             close(fd);
         });
-    const auto start = Clock::now();
 
     QBXSharedSegment segment = Attach();
 
@@ -512,6 +529,16 @@ TEST_F(AttachSegment, FindsOneOnAFullDevice)
     test::WriteFile("/dev/shm/rest", std::vector<char>(8192));
 
     EXPECT_EQ("attached", Refusal());
+}
+
+TEST_F(AttachSegment, RejectsTheNameOfAVectorThatItsIndexDoesNotHaveWhateverFollows)
+{
+    EXPECT_TRUE(RefusesAsALayout(std::string("vector\0after", 12)));
+}
+
+TEST_F(AttachSegment, AcceptsATextThatOnlyBeginsLikeTheNameOfAVector)
+{
+    EXPECT_FALSE(RefusesAsALayout("vectors"));
 }
 
 TEST_F(PublishNewSegment, SucceedsFromTheSmallestSizeOn)

@@ -15,7 +15,7 @@ protected:
     void SetUp() override
     {
         client = &Connected();
-        client->AddListener(&listener);
+        client->AddListener(&app);
     }
 
     // Parses a variant, owned by the test.
@@ -31,11 +31,28 @@ protected:
         ServiceTest::TearDown();
     }
 
-    Journal journal;
-    RecordingListener listener{journal, "app"};
     IQBXIpodPlayer* client = nullptr;
     GVariant* variant = nullptr;
 };
+
+class HookedClient : public QBXIpod_MediaPlayer_Client
+{
+public:
+    void ExitListener() override { ++exits; }
+
+    int exits = 0;
+};
+
+TEST(ListenerHooks, OfTheClientAreThoseOfEveryService)
+{
+    HookedClient client;
+    IQBXIpodPlayerListener listener;
+    client.AddListener(&listener);
+
+    client.RemoveListener(&listener);
+
+    EXPECT_EQ(client.exits, 1);
+}
 
 TEST_F(CallbackTest, AFlagOfTwoIsTrue)
 {
@@ -47,7 +64,7 @@ TEST_F(CallbackTest, AFlagOfTwoIsTrue)
 
 TEST_F(CallbackTest, ADispatchedEventReturnsTrueWithoutListeners)
 {
-    client->RemoveListener(&listener);
+    client->RemoveListener(&app);
 
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), TRUE);
     EXPECT_EQ(qbx::CallBack_OnIpodReceiveEapData(qbx::serviceProxy, 1, client), TRUE);
@@ -76,11 +93,14 @@ TEST_F(CallbackTest, AProxyWithoutASubscribedClientDelivers)
 
 TEST_F(CallbackTest, TheProxyOfADestroyedClientDeliversNothing)
 {
+    GVariant* const message = Variant("<[byte 8, 1]>");
     QBX_DestroyIpodPlayer();
     ClearLog();
 
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "a", client), FALSE);
-    QBX_GetIpodPlayer()->AddListener(&listener);
+    EXPECT_EQ(qbx::CallBack_OnIpodPhoneCallChange(qbx::serviceProxy, message, client), FALSE);
+    EXPECT_EQ(qbx::CallBack_OnIpodBatteryChange(qbx::serviceProxy, message, client), FALSE);
+    QBX_GetIpodPlayer()->AddListener(&app);
     EXPECT_EQ(qbx::CallBack_OnIpodAPPBundleNameChange(qbx::serviceProxy, "b", QBX_GetIpodPlayer()), FALSE);
 
     EXPECT_THAT(journal, IsEmpty());

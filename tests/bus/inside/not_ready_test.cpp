@@ -1,5 +1,7 @@
 // Commands and events before any client was built in the process. Applications cannot reach this state, because they
 // need a client to call. This program links the library's objects and clears the flag.
+#include <sys/stat.h>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "bus/bus_test.h"
 #include "bus/command_table.h"
@@ -66,6 +68,15 @@ TEST_P(CommandNotReadyTest, ReturnsItsValueWithoutACall)
 
 INSTANTIATE_TEST_SUITE_P(All, CommandNotReadyTest, testing::ValuesIn(Commands()), NameOf);
 
+TEST(NotReady, EndsWithTheFirstClientEvenIfItCannotAttachTheSegments)
+{
+    ASSERT_EQ(mkfifo((std::string("/dev/shm/") + kListSegmentName).c_str(), 0600), 0);
+
+    EXPECT_THROW(QBXIpod_MediaPlayer_Client(), boost::interprocess::interprocess_exception);
+
+    EXPECT_EQ(qbx::clientCreated, 1);
+}
+
 TEST_F(NotReadyTest, PlayReturnsZeroWithoutALogLine)
 {
     QBXIpod_MediaPlayer_Client& client = NotReady();
@@ -108,9 +119,7 @@ TEST_F(NotReadyTest, EapWriteLeavesTheWriteBufferUnchanged)
 
 TEST_F(NotReadyTest, EventsThatLogFirstWriteTheirLineAndReachNoListener)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    NotReady().AddListener(&listener);
+    NotReady().AddListener(&app);
 
     DeliverEventsThatLogFirst();
 
@@ -140,9 +149,7 @@ TEST_F(NotReadyTest, EventsThatLogFirstWriteTheirLineAndReachNoListener)
 
 TEST_F(NotReadyTest, EventsThatCheckFirstWriteNothingAndReachNoListener)
 {
-    Journal journal;
-    RecordingListener listener(journal, "app");
-    NotReady().AddListener(&listener);
+    NotReady().AddListener(&app);
 
     Deliver("OnPlayStatusChanged", "(1,)");
     Deliver("OnPlayProgressChange", "(1, 2)");

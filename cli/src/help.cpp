@@ -1,4 +1,4 @@
-#include "verbs/help.h"
+#include "cli/help.h"
 
 #include <glib.h>
 
@@ -6,9 +6,7 @@
 #include <set>
 #include <sstream>
 
-#include "output/text.h"
-
-namespace ctl
+namespace cli
 {
 namespace
 {
@@ -16,6 +14,12 @@ constexpr int kNarrowest = 40;
 constexpr int kWidest = 100;
 constexpr int kMargin = 2;
 constexpr int kDescriptions = 26;
+
+// The texts are the program's own: each character has one column.
+int Width(const std::string& text)
+{
+    return static_cast<int>(g_utf8_strlen(text.c_str(), -1));
+}
 
 std::string Blanks(int count)
 {
@@ -45,7 +49,8 @@ std::string HelpText(const HelpRow& row, int width)
     const int column = std::min(kDescriptions, width / 3);
     const std::string name = Blanks(kMargin) + row.name;
     const bool beside = Width(name) + kMargin <= column;
-    return (beside ? Pad(name, column) : name + "\n" + Blanks(column)) + Wrapped(row.description, width, column) + "\n";
+    return (beside ? name + Blanks(column - Width(name)) : name + "\n" + Blanks(column)) +
+           Wrapped(row.description, width, column) + "\n";
 }
 
 // Matches the type names that CLI11 assigns itself.
@@ -163,4 +168,4 @@ std::string HelpFormatter::make_help(const CLI::App* app, std::string, CLI::AppF
     }
     return text + "\n" + app->get_footer() + "\n";
 }
-}  // namespace ctl
+}  // namespace cli

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace ctl
+namespace cli
 {
 /// Converts ASCII letters to upper case.
 std::string Upper(const std::string& text);
@@ -60,4 +60,4 @@ public:
 private:
     int m_width;
 };
-}  // namespace ctl
+}  // namespace cli
