@@ -340,10 +340,10 @@ std::string Fitting(const Lines& parts, int width)
     return line;
 }
 
-std::string Joined(const Lines& rows)
+std::string Joined(const std::vector<std::string>& parts, const char* separator)
 {
     std::string text;
-    for (const std::string& row : rows) text += (text.empty() ? "" : "\n") + row;
+    for (std::size_t i = 0; i < parts.size(); ++i) text += (i == 0 ? "" : separator) + parts[i];
     return text;
 }
 
@@ -384,5 +384,11 @@ std::string MostSimilar(const std::string& word, const std::vector<std::string>&
                          [&](const std::string& one, const std::string& two) { return distance(one) < distance(two); });
     const std::size_t most = std::max<std::size_t>(2, word.size() / 3);
     return found == words.end() || distance(*found) > most || distance(*found) >= word.size() ? "" : *found;
+}
+
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& words, const std::string& otherwise)
+{
+    const std::string similar = Printable(MostSimilar(word, words));
+    return similar.empty() ? otherwise : "did you mean '" + similar + "'?";
 }
 }  // namespace ctl
