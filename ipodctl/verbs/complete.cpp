@@ -59,13 +59,6 @@ const CLI::Option* FindOption(const CLI::App* app, const std::string& name)
     return nullptr;
 }
 
-const CLI::App* FindCommand(const CLI::App& app, const std::string& name)
-{
-    for (const CLI::App* command : CommandsOf(app))
-        if (command->get_name() == name) return command;
-    return nullptr;
-}
-
 Place Behind(Place place, const std::string& word)
 {
     if (std::exchange(place.option, nullptr) != nullptr) return place;

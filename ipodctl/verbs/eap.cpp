@@ -75,7 +75,7 @@ Run BuildWrite(CLI::App& app)
     const auto writing = Argument<Writing>();
     app.add_option("session", writing->session, "Number of the session, as in the event eap-start")
         ->required()
-        ->check(NumberUpTo(kLastSession));
+        ->transform(NumberUpTo(kLastSession));
     app.add_option("file", writing->file, "File to send, - for standard input");
     return [writing](Context& context) -> Answer
     {

@@ -129,7 +129,7 @@ Answer DumpVector(const std::string& name, const Output& out)
 Run BuildShm(CLI::App& app)
 {
     const auto vector = Argument<std::string>();
-    app.add_option("--dump", *vector, "Show the names or bytes in a vector: " + Listed(VectorNames()))
+    app.add_option("--dump", *vector, "Show the names or bytes in a vector: " + Joined(VectorNames(), ", "))
         ->type_name("VECTOR")
         ->check(OneOf(VectorNames()));
     return [vector](Context& context)

@@ -281,7 +281,7 @@ const SimAction& ActionOf(const std::string& name)
         if (action.name == name) return action;
         names.push_back(action.name);
     }
-    throw UnknownWord("action", name, names, "ipodctl sim actions lists all actions");
+    throw UnknownWord("action", name, names, "try 'ipodctl sim actions'");
 }
 
 // Without an argument, lists the actions and their summaries. With one, lists its completions for shells.

@@ -28,10 +28,11 @@ struct Verb
     const char* group = "Commands";  ///< title of its section in the help
 };
 
-/// Accepts integers from @p least to kLargestIndex.
+/// Accepts decimal integers from @p least to kLargestIndex. For transform(), like NumberUpTo().
 CLI::Validator WholeNumber(int least);
 
-/// Accepts integers between @p least and @p most.
+/// Accepts decimal integers between @p least and @p most. For transform(): removes leading zeros, because the parser
+/// would read "010" as an octal number.
 CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
 
 /// Accepts any non-empty text.
@@ -39,9 +40,6 @@ CLI::Validator NonEmpty();
 
 /// Accepts one of @p words.
 CLI::Validator OneOf(const std::vector<std::string>& words);
-
-/// Joins words for help texts and messages: "a, b, c".
-std::string Listed(const std::vector<std::string>& words);
 
 /// Accepts a number of seconds between 0.001 and @p most.
 CLI::Validator Seconds(double most = 4000000);

@@ -120,6 +120,13 @@ class WithoutAService(OnABus):
                 (["help", "sek"], "unknown command 'sek'", "did you mean 'seek'?"),
                 (["ls", "--cuont=3"], "unknown option '--cuont=3'", "did you mean '--count'?"),
                 (["status", "--jsno"], "unknown option '--jsno'", "did you mean '--json'?"),
+                (["help", "seek", "x"], "unexpected argument 'x'", "try 'ipodctl --help'"),
+                (["help", "sim", "battery", "x"], "unexpected argument 'x'", "try 'ipodctl --help'"),
+                (["--colour", "auto", "status"], "unknown option '--colour'", "did you mean '--color'?"),
+                (["--deadline", "x", "status"],
+                 "--deadline: expected a number of seconds between 0.001 and 86400, got 'x'", "try 'ipodctl --help'"),
+                (["sim", "actions", "batery"], "unknown action 'batery'", "did you mean 'battery'?"),
+                (["sim", "actions", "dance"], "unknown action 'dance'", "try 'ipodctl sim actions'"),
                 (["eap", "foo"], "unknown command 'foo'", "try 'ipodctl eap --help'"),
                 (["sim", "cal"], "unknown command 'cal'", "did you mean 'call'?"),
                 (["sim", "call", "--foo"], "unknown option '--foo'", "try 'ipodctl sim call --help'"),
@@ -145,10 +152,10 @@ class WithoutAService(OnABus):
                 (["eap", "init", "a", ""], "bundle: must not be empty", "try 'ipodctl eap init --help'"),
                 (["eap", "launch", ""], "bundle: must not be empty", "try 'ipodctl eap launch --help'"),
                 (["eap", "init", b"\xff", "b"], "the list of protocols: expected UTF-8 text, got '\ufffd'", ""),
-                (["seek"], "missing argument: time", "give SECONDS, MM:SS, +N or -N"),
-                (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
-                (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
-                (["seek", "-1:99"], "'-1:99' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek"], "missing argument: time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
+                (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
+                (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
+                (["seek", "-1:99"], "'-1:99' is not a valid time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
                 (["sim", "battery", "charging-status=charging", "charging-status=charged"],
                  "charging-status: can be given only once", "try 'ipodctl sim battery --help'")):
             with self.subTest(words):
@@ -679,7 +686,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.refused("cd", "/Artists/Nobody", code=USAGE)
         self.assertEqual(self.json("cd", "."), self.json("cd", "./"))
         self.assertEqual(self.failure("cd", "/Artists/../..", code=NOTHING_DONE),
-                         ("the current level is already the root", "the current level is '/Artists/../' now"))
+                         ("the current level is already the root", "the current level is '/' now"))
+        self.run_ctl("cd", "Artists")
+        self.assertEqual(self.refused("cd", "../..", code=NOTHING_DONE), "the current level is already the root")
+        self.assertEqual(self.failure("cd", "/Artists/Nobody", code=USAGE)[1], "the current level is '/Artists/' now")
 
     def test_a_level_that_cannot_be_entered_is_reported(self):
         self.assertIn("already the root", self.refused("cd", "..", code=NOTHING_DONE))
