@@ -24,7 +24,7 @@ std::string ModeText(mode_t mode)
 SegmentContents ReadIfThere(const SegmentPlan& plan, const SegmentObject& object)
 {
     SegmentContents contents;
-    if (!object.exists) contents.problem = "it does not exist; start the service, which creates it";
+    if (!object.exists) contents.problem = "it does not exist";
     if (object.exists && !object.isMemory) contents.problem = "it exists and is not shared memory";
     return contents.problem.empty() ? ReadContents(plan) : contents;
 }
@@ -75,6 +75,7 @@ ExitCode Judged(const SegmentObject& object, const SegmentContents& contents)
 Answer ShowSegments(const Output& out)
 {
     Answer answer{{{"verb", "shm"}, {"segments", Json::array()}}, "", kDone};
+    const char* hint = "";
     for (const SegmentPlan& plan : SegmentPlans())
     {
         const SegmentObject object = Inspect(plan.name);
@@ -82,7 +83,9 @@ Answer ShowSegments(const Output& out)
         answer.json["segments"].push_back(ToJson(plan, object, contents));
         answer.text += (answer.text.empty() ? "" : "\n") + ToText(plan, object, contents, out);
         answer.code = std::max(answer.code, Judged(object, contents));
+        if (!object.exists) hint = "\nhint: start the service, which creates the shared memory";
     }
+    answer.text += hint;
     return answer;
 }
 

@@ -302,6 +302,20 @@ Run BuildActions(CLI::App& app)
     };
 }
 
+// Prefixes errors in the scenario, which have a line or a step, with the file.
+void PlayScenario(Context& context, const std::string& file, const std::string& scenario)
+{
+    try
+    {
+        DoOnSimulator(context, scenario);
+    }
+    catch (const Failure& failure)
+    {
+        if (failure.code() != kUsage) throw;
+        throw Failure(kUsage, Printable(file) + ": " + failure.what());
+    }
+}
+
 Run BuildScenario(CLI::App& app)
 {
     const auto file = Argument<std::string>();
@@ -313,7 +327,7 @@ Run BuildScenario(CLI::App& app)
         if (text.find('\0') != std::string::npos ||
             g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
             throw Failure(kUsage, Printable(*file) + " is not valid UTF-8");
-        DoOnSimulator(context, text);
+        PlayScenario(context, *file, text);
         return {{{"verb", "sim scenario"}}, ""};
     };
 }

@@ -969,6 +969,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
         self.assertEqual(self.json("eap", "echo", "你好")["received"], "你好")
 
+    def test_an_echo_reports_a_service_that_dies(self):
+        self.tell("fault", "crash@EapWrite")
+        self.assertIn("the iPod service disappeared", self.text_of_failure("eap", "echo", "hello", code=SERVICE_LOST))
+
+    def text_of_failure(self, *words, code):
+        process = self.start(*words)
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (code, b""), err)
+        return err.decode()
+
     def test_a_session_is_announced_launched_and_written_to(self):
         self.assertIn("announce", self.failure("eap", "launch", "com.example.app", code=NOTHING_DONE)[1])
         self.json("eap", "init", "com.example.echo", "com.example.app")
@@ -1112,6 +1122,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     # Scenarios
 
+    def test_an_error_in_a_scenario_is_reported_with_its_file_and_line(self):
+        scenario = os.path.join(self.folder.name, "wrong.json")
+        with open(scenario, "w", encoding="utf-8") as file:
+            file.write('{\n"steps": [}')
+        self.assertIn(f"{scenario}: line 2, column ", self.refused("sim", "scenario", scenario, code=USAGE))
+
     def test_a_scenario_may_have_eight_mebibytes(self):
         scenario = os.path.join(self.folder.name, "long.json")
         with open(scenario, "w", encoding="utf-8") as file:
@@ -1156,7 +1172,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("--json", "shm")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual((process.returncode, err), (NOTHING_DONE, b""))
-        self.assertEqual([segment["there"] for segment in json.loads(out)["segments"]], [False, False])
+        missing = json.loads(out)["segments"]
+        self.assertEqual([(segment["there"], segment["problem"]) for segment in missing],
+                         [(False, "it does not exist")] * 2)
+        self.assertIn("\nhint: start the service", self.start("shm").communicate(timeout=LIMIT)[0].decode())
         self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS)
         self.assertEqual(segments(), [])
 
@@ -1258,6 +1277,11 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 status = json.loads(out)
                 self.assertEqual(check(status, SCHEMA), [])
                 self.assertIsNone(status[field])
+
+    def test_a_mute_service_is_reported_without_a_list_of_its_fields(self):
+        self.tell("fault", "no-reply")
+        self.assertEqual(self.refused("--deadline", "0.2", "status", code=SERVICE_LOST),
+                         "the iPod service did not answer in time: no request was answered")
 
     def test_a_silent_service_is_reported(self):
         self.play_first_song()
@@ -1432,7 +1456,9 @@ class Doctor:
 class DoctorWithoutAService(Doctor, OnABus):
     def test_no_bus_is_a_problem(self):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
-        self.assertEqual(self.examine(NO_BUS)["bus"]["state"], "error")
+        bus = self.examine(NO_BUS)["bus"]
+        self.assertEqual((bus["state"], bus["advice"]),
+                         ("error", "set DBUS_SESSION_BUS_ADDRESS to the service's bus"))
 
     def test_no_service_is_a_problem_and_nothing_is_created(self):
         findings = self.examine(NO_SERVICE)
