@@ -69,7 +69,8 @@ void AcquireName(GDBusConnection* connection, const char* name)
     guint result = 0;
     g_variant_get(Owned(reply).get(), "(u)", &result);
     if (result != kOwner)
-        throw Failure(kAlreadyRunning, std::string("another program owns ") + name + " on this bus: already running?");
+        throw Failure(kAlreadyRunning, std::string("another program owns ") + name +
+                                           " on this bus\nhint: stop the ipod-companiond that is running");
 }
 
 gboolean Quit(gpointer loop)

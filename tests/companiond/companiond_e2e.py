@@ -413,7 +413,7 @@ class Starts(OnABus):
         self.daemon()
         code, _, error = self.run_daemon()
         self.assertEqual(code, ALREADY_RUNNING)
-        self.assertRegex(error, r"^ipod-companiond: another program owns com\.zarn\.linux\.ipod\.State .*\n$")
+        self.assertRegex(error, r"^ipod-companiond: another program owns com\.zarn\.linux\.ipod\.State .*\nhint: stop .*\n$")
 
     def test_without_a_bus_it_fails(self):
         code, _, error = self.run_daemon(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
