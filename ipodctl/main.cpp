@@ -52,7 +52,7 @@ int Execute(int argc, char** argv, Options& options)
 {
     CLI::App app;
     app.formatter(std::make_shared<cli::HelpFormatter>(std::min(Output(false).width(), kWidthOfHelp)));
-    const Run run = BuildProgram(app, options, VerbIn({argv + std::min(1, argc), argv + argc}));
+    const Run run = BuildProgram(app, options, {argv + std::min(1, argc), argv + argc});
     try
     {
         app.parse(ToParse(argc, argv, app));
@@ -72,7 +72,7 @@ Json Ask(std::vector<std::string> words)
     CLI::App app;
     Options options;
     options.settings.deadline = kPatience;
-    const Run run = BuildProgram(app, options, words.front());
+    const Run run = BuildProgram(app, options, words);
     std::reverse(words.begin(), words.end());
     app.parse(words);
     Output out(true);

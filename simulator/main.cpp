@@ -74,7 +74,7 @@ std::string CacheFolder()
 
 void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, StopFlags& stop, bool verbose)
 {
-    options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + ipodsim::Printable(line)); };
+    options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + ipodsim::PrintableWithHint(line)); };
     options.progress = [&bar](std::size_t done, std::size_t all) { bar.Show(done, all); };
     options.scenarioEnded = [](const std::string& title) { Print("scenario ended: " + ipodsim::Printable(title)); };
     options.busLost = [&stop]
@@ -145,7 +145,7 @@ int main(int argc, char** argv)
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "ipod-simulator: %s\n", ipodsim::Printable(error.what()).c_str());
+        std::fprintf(stderr, "ipod-simulator: %s\n", ipodsim::PrintableWithHint(error.what()).c_str());
         return 1;
     }
 }

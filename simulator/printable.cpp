@@ -30,4 +30,11 @@ std::string Printable(const std::string& text)
     }
     return printable;
 }
+
+std::string PrintableWithHint(const std::string& message)
+{
+    const std::size_t hint = message.find("\nhint: ");
+    if (hint == std::string::npos) return Printable(message);
+    return Printable(message.substr(0, hint)) + "\n" + Printable(message.substr(hint + 1));
+}
 }  // namespace ipodsim

@@ -51,7 +51,7 @@ Running::Running(const Options& options, GMainContext* context)
     if (!m_service.segments.Claim())
         m_options.warn(
             "another simulator on another bus uses the same shared memory, and they overwrite each other's pages and "
-            "artwork; stop one or give it a private /dev/shm");
+            "artwork\nhint: stop one or give it a private /dev/shm");
 }
 
 Running::~Running()

@@ -91,6 +91,13 @@ std::vector<const CLI::App*> CommandsOf(const CLI::App& app, const std::string& 
     return app.get_subcommands([&group](const CLI::App* command) { return command->get_group() == group; });
 }
 
+const CLI::App* FindCommand(const CLI::App& app, const std::string& name)
+{
+    for (const CLI::App* command : CommandsOf(app))
+        if (command->get_name() == name) return command;
+    return nullptr;
+}
+
 std::vector<std::string> GroupsOf(const CLI::App& app)
 {
     std::vector<std::string> groups;

@@ -203,7 +203,7 @@ private:
     }
     void Fail(const ipodkit::Error& error)
     {
-        m_loop.Guard([&] { throw ToFailure(error); });
+        m_loop.Guard([&] { throw m_context.session.FailureFor(error); });
     }
     bool IsOver(Ending ending);
 

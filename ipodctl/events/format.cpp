@@ -16,7 +16,8 @@ namespace ctl
 namespace
 {
 constexpr int kDeepest = 50;
-constexpr char kAnExpression[] = "a field, a function, a number or a quoted text";
+constexpr char kDescribed[] = "ipodctl(1) describes fields and functions under TEMPLATES";
+constexpr char kAnExpression[] = "a field, a function, a number, or a quoted text";
 
 using Value = Format::Value;
 using Arguments = std::vector<Json>;
@@ -90,12 +91,13 @@ const FormatFunction* FindFormatFunction(const std::string& name)
     return found == std::end(kFunctions) ? nullptr : found;
 }
 
-std::string FormatFunctionNames()
+std::vector<std::string> FormatFunctionNames()
 {
-    std::string names;
-    for (const FormatFunction& function : kFunctions) names += std::string(names.empty() ? "" : ", ") + function.name;
+    std::vector<std::string> names;
+    for (const FormatFunction& function : kFunctions) names.emplace_back(function.name);
     return names;
 }
+
 constexpr std::string_view kBlanks = " \t\n";
 
 bool IsLetter(char c)
@@ -130,11 +132,12 @@ std::string Unescaped(std::string_view text)
     return plain;
 }
 
-// Returns the start of the unexpected text, quoted for an error message.
+// Returns the first word of the unexpected text, quoted for an error message.
 std::string Start(std::string_view text)
 {
     constexpr int kShown = 12;
-    return text.empty() ? "the end" : "'" + Cut(Printable(text), kShown) + "'";
+    const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+    return text.empty() ? "the end" : "'" + Cut(Printable(word), kShown) + "'";
 }
 /// Tokenizes a template and reports syntax errors with their column.
 class Scanner
@@ -159,9 +162,11 @@ public:
 
     std::size_t Place() const { return m_at; }
 
-    /// @throws Failure  kUsage: "format, column 7: expected …, found …"
+    /// @throws Failure  kUsage: "--format: column 7: expected …, got …"
+    /// @param hint  the remedy; by default where templates are described
     [[noreturn]] void Expected(const std::string& what) const { ExpectedAt(m_at, what); }
-    [[noreturn]] void ExpectedAt(std::size_t place, const std::string& what) const;
+    [[noreturn]] void ExpectedAt(std::size_t place, const std::string& what,
+                                 const std::string& hint = kDescribed) const;
 
 private:
     void SkipBlanks();
@@ -227,13 +232,15 @@ bool Scanner::TakeQuoted(std::string& text)
     return true;
 }
 
-void Scanner::ExpectedAt(std::size_t place, const std::string& what) const
+void Scanner::ExpectedAt(std::size_t place, const std::string& what, const std::string& hint) const
 {
     const std::size_t at = std::min(m_text.find_first_not_of(kBlanks, place), m_text.size());
     const std::string before = Printable(std::string_view(m_text).substr(0, at));
     const auto column = g_utf8_strlen(before.c_str(), -1) + 1;
-    throw Failure(kUsage, "format, column " + std::to_string(column) + ": expected " + what + ", found " +
-                              Start(std::string_view(m_text).substr(at)));
+    throw Failure(kUsage,
+                  "--format: column " + std::to_string(column) + ": expected " + what + ", got " +
+                      Start(std::string_view(m_text).substr(at)),
+                  hint);
 }
 
 /// A recursive-descent parser with one function per grammar rule.
@@ -316,8 +323,7 @@ Value Parser::Named(std::size_t place, const std::string& name)
 {
     if (m_scan.TakeAfterBlanks("(")) return Called(place, name);
     if (std::find(m_fields.begin(), m_fields.end(), name) == m_fields.end())
-        m_scan.ExpectedAt(place,
-                          "a field such as title, artist, state or event; ipodctl(1) lists them under TEMPLATES");
+        m_scan.ExpectedAt(place, "a field such as title, artist, or state", DidYouMean(name, m_fields, kDescribed));
     return [name](const Json& values) { return values.contains(name) ? values[name] : Json(); };
 }
 
@@ -341,7 +347,9 @@ Value Parser::Called(std::size_t place, const std::string& name)
 const FormatFunction& Parser::Function(std::size_t place, const std::string& name) const
 {
     const FormatFunction* const function = FindFormatFunction(name);
-    if (function == nullptr) m_scan.ExpectedAt(place, "a function (" + FormatFunctionNames() + ")");
+    const std::vector<std::string> names = FormatFunctionNames();
+    if (function == nullptr)
+        m_scan.ExpectedAt(place, "a function (" + Joined(names, ", ") + ")", DidYouMean(name, names, kDescribed));
     return *function;
 }
 

@@ -1,6 +1,7 @@
 #include "output/text.h"
 
 #include <glib.h>
+#include <ipodnames/nearest.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -340,10 +341,10 @@ std::string Fitting(const Lines& parts, int width)
     return line;
 }
 
-std::string Joined(const Lines& rows)
+std::string Joined(const std::vector<std::string>& parts, const char* separator)
 {
     std::string text;
-    for (const std::string& row : rows) text += (text.empty() ? "" : "\n") + row;
+    for (std::size_t i = 0; i < parts.size(); ++i) text += (i == 0 ? "" : separator) + parts[i];
     return text;
 }
 
@@ -355,34 +356,9 @@ Lines Split(const std::string& text)
     return lines;
 }
 
-namespace
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& words, const std::string& otherwise)
 {
-// Returns the Levenshtein distance between two words.
-std::size_t Distance(const std::string& from, const std::string& to)
-{
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i)
-    {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < to.size(); ++j)
-        {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.back();
-}
-}  // namespace
-
-std::string MostSimilar(const std::string& word, const std::vector<std::string>& words)
-{
-    const auto distance = [folded = Folded(word)](const std::string& other) { return Distance(folded, Folded(other)); };
-    const auto found =
-        std::min_element(words.begin(), words.end(),
-                         [&](const std::string& one, const std::string& two) { return distance(one) < distance(two); });
-    const std::size_t most = std::max<std::size_t>(2, word.size() / 3);
-    return found == words.end() || distance(*found) > most || distance(*found) >= word.size() ? "" : *found;
+    const std::string similar = Printable(ipodnames::Nearest(word, words));
+    return similar.empty() ? otherwise : "did you mean '" + similar + "'?";
 }
 }  // namespace ctl

@@ -45,9 +45,8 @@ std::string Bar(int position, int length, int width);
 /// Formats a count with its noun: "1 entry", "2 entries".
 std::string Count(int number, const char* one, const char* many);
 
-/// Returns the word most similar to @p word, ignoring case; empty if the closest one needs more than
-/// max(2, length / 3) edits, or would replace the whole word.
-std::string MostSimilar(const std::string& word, const std::vector<std::string>& words);
+/// Returns "did you mean 'WORD'?" with the most similar of @p words, or @p otherwise if none is similar.
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& words, const std::string& otherwise);
 
 constexpr int kMostDigits = 9;
 constexpr int kLargestIndex = 999999999;
@@ -92,6 +91,7 @@ using Lines = std::vector<std::string>;
 /// Joins as many of @p parts as fit into @p width columns, separated by three blanks; drops parts from the end.
 std::string Fitting(const Lines& parts, int width);
 
-std::string Joined(const Lines& rows);
+/// Joins the parts with @p separator between them.
+std::string Joined(const std::vector<std::string>& parts, const char* separator = "\n");
 Lines Split(const std::string& text);
 }  // namespace ctl

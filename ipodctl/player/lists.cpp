@@ -1,6 +1,7 @@
 #include "player/lists.h"
 
 #include <glib.h>
+#include <ipodnames/nearest.h>
 #include <ipodnames/reading.h>
 
 #include <algorithm>
@@ -207,7 +208,7 @@ Page ReadUpdateList(Session& session)
 
 void RefuseUnknown(const Page& level, const std::string& name)
 {
-    std::string similar = Printable(MostSimilar(name, NamesIn(level)));
+    std::string similar = Printable(ipodnames::Nearest(name, NamesIn(level)));
     if (ParseIndex(similar)) similar.insert(0, "./");
     throw Failure(kUsage, "no '" + Printable(name) + "' in the current level",
                   similar.empty() ? "list it with 'ipodctl ls --all'" : "did you mean '" + similar + "'?");

@@ -201,6 +201,15 @@ Json CallsJson(const ipodkit::PlayerState& state)
     return calls;
 }
 
+// Only events report these; ipod-companiond remembers them.
+Json RememberedJson(const ipodkit::PlayerState& state)
+{
+    Json names = Json::array();
+    for (const ipodkit::Field field : {ipodkit::Field::Battery, ipodkit::Field::Calls})
+        if (state.remembered.Has(field)) names.push_back(Name(field));
+    return names;
+}
+
 Json NearJson(const Status& status)
 {
     return status.nearRefusal.empty() ? EntriesJson(status.firstNear, status.near) : Json();
@@ -232,6 +241,7 @@ Json StatusJson(const Status& status)
     json["picture"] = artwork == nullptr ? Json() : ToJson(*artwork);
     json["battery"] = ToJson(state.battery.value_or({}));
     json["calls"] = CallsJson(state);
+    json["remembered"] = RememberedJson(state);
     json["queue"] = NearJson(status);
     return json;
 }

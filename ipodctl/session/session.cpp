@@ -172,13 +172,14 @@ void Session::AwaitReady()
         throw Failure(kServiceLost, "the iPod service did not answer in time", "check whether it hangs");
 }
 
-// When the service exits, ipodkit cancels pending list requests as if the list had changed. Report the actual cause.
-ipodkit::Error Session::AsLost(const ipodkit::Error& error) const
+// When the service exits, ipodkit cancels pending requests as if another program had changed their subject.
+Failure Session::FailureFor(const ipodkit::Error& error, const Refusal& refusal) const
 {
     const bool lost = m_kit != nullptr && m_kit->Connection().phase == ipodkit::Phase::Lost;
-    if (!lost) return error;
+    if (!lost) return ToFailure(error, refusal);
     const bool cancelled = error.kind == ipodkit::ErrorKind::Cancelled;
-    return {ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus before it answered" : error.reason};
+    return ToFailure({ipodkit::ErrorKind::ServiceLost, cancelled ? "it left the bus before it answered" : error.reason},
+                     refusal);
 }
 
 // The bus daemon may be able to activate the service.

@@ -91,9 +91,12 @@ public:
     template <class T>
     T ValueOf(ipodkit::Result<T> result, const Refusal& refusal = {})
     {
-        if (!result) throw ToFailure(AsLost(result.error()), refusal);
+        if (!result) throw FailureFor(result.error(), refusal);
         if constexpr (!std::is_void_v<T>) return std::move(*result);
     }
+
+    /// Converts an error of a request. If the service has exited, that is the reason.
+    Failure FailureFor(const ipodkit::Error& error, const Refusal& refusal = {}) const;
 
     /// Returns the requests, usable before the session is ready.
     /// @throws Failure  if the bus or the service is missing
@@ -129,7 +132,6 @@ private:
     bool IsServiceThere();
     void StartService();
     void AwaitReady();
-    ipodkit::Error AsLost(const ipodkit::Error& error) const;
 
     Settings m_settings;
     GDBusConnection* m_bus = nullptr;

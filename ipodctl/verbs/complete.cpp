@@ -60,13 +60,6 @@ const CLI::Option* FindOption(const CLI::App* app, const std::string& name)
     return nullptr;
 }
 
-const CLI::App* FindCommand(const CLI::App& app, const std::string& name)
-{
-    for (const CLI::App* command : cli::CommandsOf(app))
-        if (command->get_name() == name) return command;
-    return nullptr;
-}
-
 Place Behind(Place place, const std::string& word)
 {
     if (std::exchange(place.option, nullptr) != nullptr) return place;
@@ -76,7 +69,7 @@ Place Behind(Place place, const std::string& word)
         if (option != nullptr && HasValue(*option)) place.option = option;
         return place;
     }
-    const CLI::App* const command = FindCommand(*place.app, word);
+    const CLI::App* const command = cli::FindCommand(*place.app, word);
     if (command != nullptr && word == "help") return place;
     return command != nullptr ? Place{command} : Place{place.app, place.arguments + 1};
 }

@@ -59,11 +59,13 @@ std::size_t EnterPart(Session& session, const std::string& path)
     return special ? part.size() : EnterLongestName(session, path);
 }
 
-// Reports the level reached so far: a path that fails halfway has already changed it.
-[[noreturn]] void RefuseRest(const Failure& failure, const std::string& entered)
+// Reports the level reached so far: a path that fails halfway has already changed it. Only the root has no parent.
+[[noreturn]] void RefuseRest(const Failure& failure, const std::string& entered, const std::string& rest)
 {
     if (entered.empty()) throw failure;
-    throw Failure(failure.code(), failure.what(), "the current level is '" + Printable(entered) + "' now");
+    const bool atRoot = failure.code() == kNothingDone && rest.substr(0, rest.find('/')) == "..";
+    throw Failure(failure.code(), failure.what(),
+                  "the current level is '" + (atRoot ? "/" : Printable(entered)) + "' now");
 }
 
 // Path components are always names, even if they look like numbers.
@@ -78,7 +80,7 @@ void EnterPath(Session& session, const std::string& path)
         }
         catch (const Failure& failure)
         {
-            RefuseRest(failure, path.substr(0, begin));
+            RefuseRest(failure, path.substr(0, begin), path.substr(begin));
         }
     }
 }
@@ -243,10 +245,11 @@ Answer ShowList(Context& context, const Listing& listing)
 Run BuildLs(CLI::App& app)
 {
     const auto listing = Argument<Listing>();
-    auto* const from =
-        app.add_option("--from", listing->from, "Index of the first entry")->type_name("INDEX")->check(WholeNumber(0));
+    auto* const from = app.add_option("--from", listing->from, "Index of the first entry")
+                           ->type_name("INDEX")
+                           ->transform(WholeNumber(0));
     auto* const count =
-        app.add_option("--count", listing->count, "Number of entries (default: 50)")->check(WholeNumber(1));
+        app.add_option("--count", listing->count, "Number of entries (default: 50)")->transform(WholeNumber(1));
     app.add_flag("--all", listing->all, "List the whole level")->excludes(from)->excludes(count);
     auto* const pinyin = app.add_flag_callback(
         "--pinyin", [listing] { listing->pinyin = Pinyin::Always; }, "Print pinyin even where it equals the name");

@@ -35,11 +35,8 @@ int FindDevice(const std::vector<std::string>& names, std::string text)
     const auto same = [folded = Folded(text)](const std::string& name) { return Folded(name) == folded; };
     const auto found = std::find_if(names.begin(), names.end(), same);
     if (found == names.end())
-    {
-        const std::string similar = Printable(MostSimilar(text, names));
         throw Failure(kUsage, "no device '" + Printable(text) + "'",
-                      similar.empty() ? "list the devices with 'ipodctl devices'" : "did you mean '" + similar + "'?");
-    }
+                      DidYouMean(text, names, "list the devices with 'ipodctl devices'"));
     if (std::any_of(std::next(found), names.end(), same))
         throw Failure(kUsage, "'" + Printable(text) + "' is the name of several devices", "give the index");
     return static_cast<int>(found - names.begin());
@@ -107,10 +104,10 @@ void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 Run BuildButton(CLI::App& app)
 {
     const auto button = Argument<Button>();
-    app.add_option("number", button->number, "Number of the button")->required()->check(NumberUpTo(UINT32_MAX));
+    app.add_option("number", button->number, "Number of the button")->required()->transform(NumberUpTo(UINT32_MAX));
     app.add_option("--held", button->heldFor, "Time that the button is held, as reported to the device")
         ->type_name("MILLISECONDS")
-        ->check(NumberUpTo(UINT32_MAX));
+        ->transform(NumberUpTo(UINT32_MAX));
     return [button](Context& context) -> Answer
     {
         SetButton(context.session, *button, 1);
@@ -123,7 +120,7 @@ Run BuildButton(CLI::App& app)
 Run BuildHub(CLI::App& app)
 {
     const auto mode = Argument<int>();
-    app.add_option("mode", *mode, "Test mode, 0 to 255; 0 ends it")->required()->check(NumberUpTo(255));
+    app.add_option("mode", *mode, "Test mode, 0 to 255; 0 ends it")->required()->transform(NumberUpTo(255));
     return [mode](Context& context) -> Answer
     {
         context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));

@@ -168,7 +168,7 @@ std::vector<Finding> Examine(Session& session)
     }
     catch (const Failure& failure)
     {
-        all.push_back({"bus", failure.code(), failure.what(), ""});
+        all.push_back({"bus", failure.code(), failure.what(), failure.hint()});
     }
     all.insert(all.end(), segments.begin(), segments.end());
     AddLocks(all);

@@ -75,7 +75,7 @@ Run BuildWrite(CLI::App& app)
     const auto writing = Argument<Writing>();
     app.add_option("session", writing->session, "Number of the session, as in the event eap-start")
         ->required()
-        ->check(NumberUpTo(kLastSession));
+        ->transform(NumberUpTo(kLastSession));
     app.add_option("file", writing->file, "File to send, - for standard input");
     return [writing](Context& context) -> Answer
     {
@@ -123,7 +123,7 @@ struct EchoRequest
 };
 
 // Sends the text and returns the reply, which has at least as many bytes.
-Bytes Exchange(Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
+Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
 {
     Bytes received;
     const auto receive = [&](const ipodkit::Result<Bytes>& data)
@@ -132,10 +132,7 @@ Bytes Exchange(Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& r
         if (!data || received.size() >= request.text.size()) loop.Finish();
     };
     const ipodkit::Subscription receiving = peer.OnData("ipodctl", receive);
-    const auto sent = [&loop](const ipodkit::Result<void>& result)
-    {
-        if (!result) loop.Guard([&] { throw ToFailure(result.error()); });
-    };
+    const auto sent = [&](const ipodkit::Result<void>& result) { loop.Guard([&] { session.ValueOf(result); }); };
     peer.Write(Bytes(request.text.begin(), request.text.end())).Start(sent);
     const Ending ending = loop.Run(request.accessory.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
@@ -151,7 +148,7 @@ Answer Echo(Context& context, const EchoRequest& request)
     Loop loop;
     ipodkit::AccessoryPort port(session.Ready());
     const ipodkit::AccessorySessionPtr peer = OpenAccessory(session, loop, port, request.accessory);
-    const Bytes received = Exchange(loop, *peer, request);
+    const Bytes received = Exchange(session, loop, *peer, request);
     const std::string echo(received.begin(), received.end());
     if (echo != request.text) throw Failure(kNothingDone, "the echo differs from the text sent: " + echo);
     return {{{"verb", "eap echo"}, {"session", peer->Number()}, {"sent", request.text}, {"received", echo}},

@@ -38,7 +38,7 @@ void AddPresentation(CLI::App& app, Following& following)
 Run BuildEvents(CLI::App& app)
 {
     const auto choice = Argument<Choice>();
-    app.add_option("event", choice->names, "Only these events; without them, all: " + Listed(EventNames()))
+    app.add_option("event", choice->names, "Only these events; without them, all: " + Joined(EventNames(), ", "))
         ->check(OneOf(EventNames()));
     AddLimits(app, choice->following.limits, "--count or --until");
     app.add_option("--until", choice->following.limits.until, "End after the first event of this name")

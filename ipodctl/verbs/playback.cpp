@@ -152,7 +152,7 @@ Answer Seek(Session& session, const SeekTarget& target)
     return answer;
 }
 
-constexpr char kTimes[] = "give SECONDS, MM:SS, +N or -N";
+constexpr char kTimes[] = "give SECONDS, MM:SS, H:MM:SS, +N, or -N";
 
 Run BuildSeek(CLI::App& app)
 {
@@ -223,7 +223,7 @@ template <class E>
 Run Build(CLI::App& app, const Mode<E>& mode)
 {
     const auto word = Argument<std::string>();
-    app.add_option("mode", *word, "New mode (" + Listed(Words<E>()) + "); without it, print the mode")
+    app.add_option("mode", *word, "New mode (" + Joined(Words<E>(), ", ") + "); without it, print the mode")
         ->check(OneOf(Words<E>()));
     return [mode, word](Context& context) { return Apply(mode, *word, context.session); };
 }
@@ -321,11 +321,11 @@ Run BuildQueue(CLI::App& app)
 {
     const auto range = Argument<QueueRange>();
     auto* const entry = app.add_option("index", range->index, "Entry to jump to; without it, print the list");
-    entry->check(WholeNumber(0));
+    entry->transform(WholeNumber(0));
     auto* const from = app.add_option("--from", range->from, "Index of the first entry to print");
-    from->type_name("INDEX")->check(WholeNumber(0))->excludes(entry);
+    from->type_name("INDEX")->transform(WholeNumber(0))->excludes(entry);
     auto* const count = app.add_option("--count", range->count, "Number of entries to print");
-    count->check(WholeNumber(1))->excludes(entry);
+    count->transform(WholeNumber(1))->excludes(entry);
     app.add_flag("--all", "Print the whole list, which is the default")
         ->excludes(entry)
         ->excludes(from)

@@ -81,6 +81,7 @@ ExitCode Judged(const SegmentObject& object, const SegmentContents& contents)
 Answer ShowSegments(const Output& out)
 {
     Answer answer{{{"verb", "shm"}, {"segments", Json::array()}}, "", kDone};
+    const char* hint = "";
     for (const char* segment : {kListSegmentName, kBufferSegmentName})
     {
         const SegmentObject object = ipodkit::InspectSegment(segment);
@@ -88,7 +89,9 @@ Answer ShowSegments(const Output& out)
         answer.json["segments"].push_back(ToJson(segment, object, contents));
         answer.text += (answer.text.empty() ? "" : "\n") + ToText(segment, object, contents, out);
         answer.code = std::max(answer.code, Judged(object, contents));
+        if (!object.exists) hint = "\nhint: start the service, which creates the shared memory";
     }
+    answer.text += hint;
     return answer;
 }
 
@@ -137,7 +140,7 @@ Answer DumpVector(const std::string& name, const Output& out)
 Run BuildShm(CLI::App& app)
 {
     const auto vector = Argument<std::string>();
-    app.add_option("--dump", *vector, "Show the names or bytes in a vector: " + Listed(VectorNames()))
+    app.add_option("--dump", *vector, "Show the names or bytes in a vector: " + Joined(VectorNames(), ", "))
         ->type_name("VECTOR")
         ->check(OneOf(VectorNames()));
     return [vector](Context& context)

@@ -280,7 +280,7 @@ const SimAction& ActionOf(const std::string& name)
         if (action.name == name) return action;
         names.push_back(action.name);
     }
-    throw UnknownWord("action", name, names, "ipodctl sim actions lists all actions");
+    throw UnknownWord("action", name, names, "try 'ipodctl sim actions'");
 }
 
 // Without an argument, lists the actions and their summaries. With one, lists its completions for shells.
@@ -301,6 +301,20 @@ Run BuildActions(CLI::App& app)
     };
 }
 
+// Prefixes errors in the scenario, which have a line or a step, with the file.
+void PlayScenario(Context& context, const std::string& file, const std::string& scenario)
+{
+    try
+    {
+        DoOnSimulator(context, scenario);
+    }
+    catch (const Failure& failure)
+    {
+        if (failure.code() != kUsage) throw;
+        throw Failure(kUsage, Printable(file) + ": " + failure.what());
+    }
+}
+
 Run BuildScenario(CLI::App& app)
 {
     const auto file = Argument<std::string>();
@@ -312,7 +326,7 @@ Run BuildScenario(CLI::App& app)
         if (text.find('\0') != std::string::npos ||
             g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
             throw Failure(kUsage, Printable(*file) + " is not valid UTF-8");
-        DoOnSimulator(context, text);
+        PlayScenario(context, *file, text);
         return {{{"verb", "sim scenario"}}, ""};
     };
 }

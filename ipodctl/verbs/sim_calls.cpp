@@ -108,7 +108,7 @@ void CheckMethod(const std::string& method)
 {
     const std::vector<std::string> methods = Methods();
     if (method.empty() || std::find(methods.begin(), methods.end(), method) != methods.end()) return;
-    throw UnknownWord("method", method, methods, "ipodctl sim calls lists all calls");
+    throw UnknownWord("method", method, methods, "try 'ipodctl sim calls'");
 }
 
 Answer ShowCalls(Context& context, const std::string& method)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "output/text.h"
+#include "verbs/help.h"
 
 namespace ctl
 {
@@ -24,8 +25,7 @@ const CLI::App& Chosen(const CLI::App& app)
 std::vector<std::string> CommandNames(const CLI::App& app)
 {
     std::vector<std::string> names;
-    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
-        names.push_back(command->get_name());
+    for (const CLI::App* command : CommandsOf(app)) names.push_back(command->get_name());
     return names;
 }
 
@@ -97,19 +97,33 @@ bool AsksForHelp(const CLI::App& app, const CLI::ParseError& error)
 Failure UnknownWord(const char* what, const std::string& word, const std::vector<std::string>& words,
                     const std::string& otherwise)
 {
-    const std::string similar = MostSimilar(word, words);
-    return {kUsage, std::string("unknown ") + what + " '" + Printable(word) + "'",
-            similar.empty() ? otherwise : "did you mean '" + similar + "'?"};
+    return {kUsage, std::string("unknown ") + what + " '" + Printable(word) + "'", DidYouMean(word, words, otherwise)};
+}
+
+const CLI::App& CommandIn(const CLI::App& app, const std::string& name)
+{
+    const CLI::App* const command = cli::FindCommand(app, name);
+    const std::vector<std::string> names = CommandNames(app);
+    if (names.empty()) throw Failure(kUsage, Unexpected(name), "try 'ipodctl --help'");
+    if (command == nullptr) throw UnknownWord("command", name, names, "try '" + PathOf(app) + " --help'");
+    return *command;
 }
 
 namespace
 {
-std::string SimilarOption(const CLI::App& app, const std::string& word)
+std::vector<std::string> OptionNames(const CLI::App& app)
 {
     std::vector<std::string> names;
     for (const CLI::Option* option : OptionsOf(app))
         for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-    return MostSimilar(word.substr(0, word.find('=')), names);
+    return names;
+}
+
+// The help of a command does not describe the options of the program.
+std::string HelpFor(const CLI::App& app, const std::string& message)
+{
+    const bool isGlobal = app.get_option_no_throw(message.substr(0, message.find(':'))) != nullptr;
+    return "try '" + (isGlobal ? app.get_name() : CommandOf(app)) + " --help'";
 }
 }  // namespace
 
@@ -122,7 +136,9 @@ Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error)
     if (isWord && !commands.empty()) return UnknownWord("command", unknown.front(), commands, help);
     const bool missing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
     if (missing && unknown.empty() && !commands.empty()) return {kUsage, "missing command", help};
-    const std::string similar = unknown.empty() || isWord ? "" : SimilarOption(app, unknown.front());
-    return {kUsage, ParseErrorMessage(app, error), similar.empty() ? help : "did you mean '" + similar + "'?"};
+    const std::string message = ParseErrorMessage(app, error);
+    if (unknown.empty() || isWord) return {kUsage, message, HelpFor(app, message)};
+    const std::string& option = unknown.front();
+    return {kUsage, message, DidYouMean(option.substr(0, option.find('=')), OptionNames(app), help)};
 }
 }  // namespace ctl

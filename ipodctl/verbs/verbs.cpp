@@ -36,28 +36,25 @@ AddedVerb Add(CLI::App& app, const Verb& verb)
     return {added, verb.build(*added)};
 }
 
-std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands)
-{
-    std::vector<std::string> names(commands.size());
-    std::transform(commands.begin(), commands.end(), names.begin(),
-                   [](const CLI::App* command) { return command->get_name(); });
-    return names;
-}
-
 bool IsBackward(const std::string& argument)
 {
     return argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9';
 }
 
-// Returns the first word that is neither an option nor the value of an option that may precede the verb.
-std::vector<std::string>::iterator FindVerb(std::vector<std::string>& arguments)
+// Returns the first word that is neither an option nor the value of one. Empty behind an unknown option, which may have
+// a value: the parser reports it.
+std::string FindVerb(const std::vector<std::string>& arguments, const CLI::App& app)
 {
-    const auto isWord = [](const std::string& argument) { return argument.empty() || argument[0] != '-'; };
-    auto found = std::find_if(arguments.begin(), arguments.end(), isWord);
-    const auto isValue = [&] { return *std::prev(found) == "--deadline" || *std::prev(found) == "--color"; };
-    while (found != arguments.end() && found != arguments.begin() && isValue())
-        found = std::find_if(std::next(found), arguments.end(), isWord);
-    return found;
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+    {
+        const std::string& argument = arguments[i];
+        if (argument.empty() || argument[0] != '-') return argument;
+        const std::size_t equals = argument.find('=');
+        const CLI::Option* const option = app.get_option_no_throw(argument.substr(0, equals));
+        if (option == nullptr) return {};
+        if (equals == std::string::npos && option->get_expected_max() > 0) ++i;
+    }
+    return {};
 }
 
 // CLI11 parses "-10" as an option, even after an option that expects a value.
@@ -79,28 +76,37 @@ void SpellOutBackward(std::vector<std::string>& arguments)
 }
 }  // namespace
 
+namespace
+{
+// Parses decimal digits that fill the whole text.
+template <class Number>
+std::optional<Number> Parsed(const std::string& text)
+{
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const auto [read, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && read == end ? std::optional<Number>(number) : std::nullopt;
+}
+
+std::string NotBetween(const char* what, const std::string& least, const std::string& most, const std::string& text)
+{
+    return std::string("expected ") + what + " between " + least + " and " + most + ", got '" + Printable(text) + "'";
+}
+}  // namespace
+
 CLI::Validator WholeNumber(int least)
 {
-    const auto check = [least](const std::string& text)
-    {
-        const std::optional<int> number = ParseIndex(text);
-        if (number && *number >= least) return std::string();
-        return "expected an integer between " + std::to_string(least) + " and " + std::to_string(kLargestIndex) +
-               ", got '" + Printable(text) + "'";
-    };
-    return {check, "N"};
+    return NumberUpTo(kLargestIndex, static_cast<std::uint64_t>(least));
 }
 
 CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
 {
-    const auto check = [most, least](const std::string& text)
+    const auto check = [most, least](std::string& text)
     {
-        std::uint64_t number = 0;
-        const char* const end = text.data() + text.size();
-        const auto [read, error] = std::from_chars(text.data(), end, number);
-        if (error == std::errc() && read == end && number >= least && number <= most) return std::string();
-        return "expected an integer between " + std::to_string(least) + " and " + std::to_string(most) + ", got '" +
-               Printable(text) + "'";
+        const std::optional<std::uint64_t> number = Parsed<std::uint64_t>(text);
+        const bool fits = number && *number >= least && *number <= most;
+        if (fits) text = std::to_string(*number);
+        return fits ? "" : NotBetween("an integer", std::to_string(least), std::to_string(most), text);
     };
     return {check, "N"};
 }
@@ -115,16 +121,9 @@ CLI::Validator OneOf(const std::vector<std::string>& words)
     const auto check = [words](const std::string& text)
     {
         const bool known = std::find(words.begin(), words.end(), text) != words.end();
-        return known ? std::string() : "expected one of " + Listed(words) + ", got '" + Printable(text) + "'";
+        return known ? std::string() : "expected one of " + Joined(words, ", ") + ", got '" + Printable(text) + "'";
     };
     return {check, CLI::detail::join(words, "|")};
-}
-
-std::string Listed(const std::vector<std::string>& words)
-{
-    std::string listed;
-    for (const std::string& word : words) listed += (listed.empty() ? "" : ", ") + word;
-    return listed;
 }
 
 CLI::Validator Seconds(double most)
@@ -132,19 +131,17 @@ CLI::Validator Seconds(double most)
     constexpr double kLeast = 0.001;
     const auto check = [most](const std::string& text)
     {
-        char* end = nullptr;
-        const double number = g_ascii_strtod(text.c_str(), &end);
+        const std::optional<double> number = Parsed<double>(text);
         // The range check rejects NaN, which compares false with everything.
-        if (!text.empty() && *end == '\0' && number >= kLeast && number <= most) return std::string();
-        return "expected a number of seconds between 0.001 and " + std::to_string(static_cast<long>(most)) + ", got '" +
-               Printable(text) + "'";
+        if (number && *number >= kLeast && *number <= most) return std::string();
+        return NotBetween("a number of seconds", "0.001", std::to_string(static_cast<long>(most)), text);
     };
     return {check, "SECONDS"};
 }
 
 void AddLimits(CLI::App& app, Limits& limits, const std::string& goal)
 {
-    app.add_option("--count", limits.count, "End after this many events")->check(WholeNumber(1));
+    app.add_option("--count", limits.count, "End after this many events")->transform(WholeNumber(1));
     app.add_option("--timeout", limits.seconds, "End after this long, with exit code 1 if " + goal + " was not reached")
         ->check(Seconds());
 }
@@ -166,18 +163,9 @@ Run AddVerbs(CLI::App& app, const std::vector<Verb>& verbs)
 std::vector<std::string> ToParse(int argc, char** argv, const CLI::App& app)
 {
     std::vector<std::string> arguments(argv + std::min(1, argc), argv + argc);
-    auto verb = FindVerb(arguments);
-    const bool alone = std::find(arguments.begin(), arguments.end(), "--help") == arguments.end();
-    if (verb != arguments.end() && *verb == "help" && alone)
-    {
-        arguments.erase(verb);
-        arguments.emplace_back("--help");
-        verb = FindVerb(arguments);
-    }
-    const std::vector<std::string> names = NamesOf(cli::CommandsOf(app));
-    if (verb != arguments.end() && std::find(names.begin(), names.end(), *verb) == names.end())
-        throw UnknownWord("command", *verb, names, "try 'ipodctl --help'");
-    if (verb != arguments.end() && *verb == "seek") SpellOutBackward(arguments);
+    const std::string verb = FindVerb(arguments, app);
+    if (!verb.empty()) CommandIn(app, verb);
+    if (verb == "seek") SpellOutBackward(arguments);
     std::reverse(arguments.begin(), arguments.end());
     return arguments;
 }
@@ -264,36 +252,37 @@ const std::vector<cli::HelpRow>& EnvironmentVariables()
     return variables;
 }
 
-// ToParse() turns "help VERB" into "VERB --help".
 std::vector<Verb> HelpVerbs()
 {
     const auto build = [](CLI::App& app) -> Run
     {
-        app.add_option("command", *Argument<std::vector<std::string>>(),
-                       "Command, with the one inside it if there is one");
-        return [](Context&) { return Answer{}; };
+        const auto words = Argument<std::vector<std::string>>();
+        app.add_option("command", *words, "Command, with the one inside it if there is one");
+        return [words, root = app.get_parent()](Context& context) -> Answer
+        {
+            const CLI::App* command = root;
+            for (const std::string& word : *words) command = &CommandIn(*command, word);
+            context.out.Text(command->get_formatter()->make_help(command, "", CLI::AppFormatMode::Normal));
+            return {};
+        };
     };
     return {{"help", "Print the help of a command", "ipodctl help seek\nipodctl help sim battery", build}};
 }
 
-std::string VerbIn(std::vector<std::string> arguments)
-{
-    const auto verb = FindVerb(arguments);
-    return verb == arguments.end() || *verb == "help" ? "" : *verb;
-}
-
-Run BuildProgram(CLI::App& app, Options& options, const std::string& only)
+Run BuildProgram(CLI::App& app, Options& options, const std::vector<std::string>& arguments)
 {
     app.name("ipodctl");
     app.description("Controls the Apple device attached to the head unit, through the iPod service.");
     AddOptions(app, options);
+    const std::string chosen = FindVerb(arguments, app);
+    const bool needsAll = chosen.empty() || chosen == "help";
     std::vector<Verb> all;
     for (const Subject& subject : Subjects())
         for (const auto verbs : subject.verbs)
             for (Verb verb : verbs())
             {
                 verb.group = subject.title;
-                if (!only.empty() && only != verb.name) verb.build = WithoutArguments;
+                if (!needsAll && chosen != verb.name) verb.build = WithoutArguments;
                 all.push_back(verb);
             }
     return AddVerbs(app, all);

@@ -28,10 +28,11 @@ struct Verb
     const char* group = "Commands";  ///< title of its section in the help
 };
 
-/// Accepts integers from @p least to kLargestIndex.
+/// Accepts decimal integers from @p least to kLargestIndex. For transform(), like NumberUpTo().
 CLI::Validator WholeNumber(int least);
 
-/// Accepts integers between @p least and @p most.
+/// Accepts decimal integers between @p least and @p most. For transform(): removes leading zeros, because the parser
+/// would read "010" as an octal number.
 CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
 
 /// Accepts any non-empty text.
@@ -39,9 +40,6 @@ CLI::Validator NonEmpty();
 
 /// Accepts one of @p words.
 CLI::Validator OneOf(const std::vector<std::string>& words);
-
-/// Joins words for help texts and messages: "a, b, c".
-std::string Listed(const std::vector<std::string>& words);
 
 /// Accepts a number of seconds between 0.001 and @p most.
 CLI::Validator Seconds(double most = 4000000);
@@ -97,12 +95,10 @@ struct Options
 const std::vector<cli::HelpRow>& ExitCodes();
 const std::vector<cli::HelpRow>& EnvironmentVariables();
 
-/// Returns the verb that @p arguments run, or "" if they run none or ask for help.
-std::string VerbIn(std::vector<std::string> arguments);
-
 /// Adds the options and commands of ipodctl to an empty parser.
 /// @param options  filled during parsing; must outlive @p app
-/// @param only     the only command with arguments, for a quick start; all commands have them if it is empty
+/// @param arguments  what will be parsed: for a quick start, only the command that they choose has arguments; all
+///                   commands have them if it is "help" or none is chosen
 /// @return  a function that runs the parsed command
-Run BuildProgram(CLI::App& app, Options& options, const std::string& only = "");
+Run BuildProgram(CLI::App& app, Options& options, const std::vector<std::string>& arguments = {});
 }  // namespace ctl

@@ -7,10 +7,6 @@
 
 namespace ipodsim
 {
-/// Returns the name with the smallest case-insensitive edit distance; empty if every distance exceeds both two
-/// characters and a third of the length of @p name.
-std::string Nearest(const std::string& name, const std::vector<std::string>& names);
-
 /// Returns " (did you mean 'NAME'?)" to append to a list of expected names; empty if no name is close.
 std::string NearestHint(const std::string& name, const std::vector<std::string>& names);
 

@@ -87,7 +87,8 @@ bool IsOfTheMachine(int error)
 
 [[noreturn]] void ThrowNoRoom(std::uint64_t bytes)
 {
-    throw OfTheMachine("no space for its " + std::to_string(bytes) + " bytes; free space in /dev/shm and start again");
+    throw OfTheMachine("no space for its " + std::to_string(bytes) +
+                       " bytes\nhint: free space in /dev/shm and start again");
 }
 
 // Writing to a page that cannot be allocated raises SIGBUS, and Boost writes when it creates.
@@ -122,8 +123,8 @@ void ReservePages(const char* name)
 [[noreturn]] void Fail(const char* name, const std::string& wrong)
 {
     throw std::runtime_error(std::string("shared memory ") + name + ": " + wrong +
-                             "; stop all applications that use the service, remove /dev/shm/" + name +
-                             " and start again");
+                             "\nhint: stop all applications that use the service, remove /dev/shm/" + name +
+                             ", and start again");
 }
 
 // Boost's own messages say almost nothing about malformed segments.

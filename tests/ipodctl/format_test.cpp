@@ -20,7 +20,7 @@ std::string Rendered(const std::string& text, const Json& values = Values())
     return Format::Parse(text, kFields).Render(values);
 }
 
-std::string ErrorOf(const std::string& text)
+Failure FailureOf(const std::string& text)
 {
     try
     {
@@ -29,9 +29,14 @@ std::string ErrorOf(const std::string& text)
     catch (const Failure& failure)
     {
         EXPECT_EQ(failure.code(), kUsage);
-        return failure.what();
+        return failure;
     }
-    return "none";
+    return {kDone, "none"};
+}
+
+std::string ErrorOf(const std::string& text)
+{
+    return FailureOf(text).what();
 }
 
 TEST(Format, PutsFieldsIntoText)
@@ -76,16 +81,24 @@ TEST(Format, DoesNotLetValuesReachTheTerminalRaw)
 
 TEST(Format, ReportsTheColumnAndTheExpectation)
 {
-    EXPECT_EQ(ErrorOf("{{ title"), "format, column 9: expected }}, found the end");
+    EXPECT_EQ(ErrorOf("{{ title"), "--format: column 9: expected }}, got the end");
     EXPECT_EQ(ErrorOf("周明轩 {{ }}"),
-              "format, column 8: expected a field, a function, a number or a quoted text, "
-              "found '}}'");
-    EXPECT_NE(ErrorOf("{{ titel }}").find("column 4: expected a field"), std::string::npos);
+              "--format: column 8: expected a field, a function, a number, or a quoted text, "
+              "got '}}'");
+    EXPECT_EQ(ErrorOf("{{ titel }}"),
+              "--format: column 4: expected a field such as title, artist, or state, got 'titel'");
     EXPECT_NE(ErrorOf("{{ shout(title) }}").find("column 4: expected a function (cut, default"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ title | cut }}").find("column 12: expected cut with 2 arguments"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ duration() }}").find("column 4: expected duration with 1 argument"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ 'open }}").find("column 4: expected a text that ends with '"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ 99999999999 }}").find("column 4: expected a number of at most 9 digits"), std::string::npos);
+}
+
+TEST(Format, SuggestsTheMostSimilarName)
+{
+    EXPECT_EQ(FailureOf("{{ titel }}").hint(), "did you mean 'title'?");
+    EXPECT_EQ(FailureOf("{{ title | upr }}").hint(), "did you mean 'upper'?");
+    EXPECT_EQ(FailureOf("{{ xxxxxxxx }}").hint(), "ipodctl(1) describes fields and functions under TEMPLATES");
 }
 
 TEST(Format, LeavesPercentSignsInBracesAlone)

@@ -120,6 +120,13 @@ class WithoutAService(OnABus):
                 (["help", "sek"], "unknown command 'sek'", "did you mean 'seek'?"),
                 (["ls", "--cuont=3"], "unknown option '--cuont=3'", "did you mean '--count'?"),
                 (["status", "--jsno"], "unknown option '--jsno'", "did you mean '--json'?"),
+                (["help", "seek", "x"], "unexpected argument 'x'", "try 'ipodctl --help'"),
+                (["help", "sim", "battery", "x"], "unexpected argument 'x'", "try 'ipodctl --help'"),
+                (["--colour", "auto", "status"], "unknown option '--colour'", "did you mean '--color'?"),
+                (["--deadline", "x", "status"],
+                 "--deadline: expected a number of seconds between 0.001 and 86400, got 'x'", "try 'ipodctl --help'"),
+                (["sim", "actions", "batery"], "unknown action 'batery'", "did you mean 'battery'?"),
+                (["sim", "actions", "dance"], "unknown action 'dance'", "try 'ipodctl sim actions'"),
                 (["eap", "foo"], "unknown command 'foo'", "try 'ipodctl eap --help'"),
                 (["sim", "cal"], "unknown command 'cal'", "did you mean 'call'?"),
                 (["sim", "call", "--foo"], "unknown option '--foo'", "try 'ipodctl sim call --help'"),
@@ -145,10 +152,10 @@ class WithoutAService(OnABus):
                 (["eap", "init", "a", ""], "bundle: must not be empty", "try 'ipodctl eap init --help'"),
                 (["eap", "launch", ""], "bundle: must not be empty", "try 'ipodctl eap launch --help'"),
                 (["eap", "init", b"\xff", "b"], "the list of protocols: expected UTF-8 text, got '\ufffd'", ""),
-                (["seek"], "missing argument: time", "give SECONDS, MM:SS, +N or -N"),
-                (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
-                (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
-                (["seek", "-1:99"], "'-1:99' is not a valid time", "give SECONDS, MM:SS, +N or -N"),
+                (["seek"], "missing argument: time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
+                (["seek", "--back", "-5"], "'-5' is not a valid time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
+                (["seek", "--back=-3"], "'-3' is not a valid time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
+                (["seek", "-1:99"], "'-1:99' is not a valid time", "give SECONDS, MM:SS, H:MM:SS, +N, or -N"),
                 (["sim", "battery", "charging-status=charging", "charging-status=charged"],
                  "charging-status: can be given only once", "try 'ipodctl sim battery --help'")):
             with self.subTest(words):
@@ -679,7 +686,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.refused("cd", "/Artists/Nobody", code=USAGE)
         self.assertEqual(self.json("cd", "."), self.json("cd", "./"))
         self.assertEqual(self.failure("cd", "/Artists/../..", code=NOTHING_DONE),
-                         ("the current level is already the root", "the current level is '/Artists/../' now"))
+                         ("the current level is already the root", "the current level is '/' now"))
+        self.run_ctl("cd", "Artists")
+        self.assertEqual(self.refused("cd", "../..", code=NOTHING_DONE), "the current level is already the root")
+        self.assertEqual(self.failure("cd", "/Artists/Nobody", code=USAGE)[1], "the current level is '/Artists/' now")
 
     def test_a_level_that_cannot_be_entered_is_reported(self):
         self.assertIn("already the root", self.refused("cd", "..", code=NOTHING_DONE))
@@ -959,6 +969,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
         self.assertEqual(self.json("eap", "echo", "你好")["received"], "你好")
 
+    def test_an_echo_reports_a_service_that_dies(self):
+        self.tell("fault", "crash@EapWrite")
+        self.assertIn("the iPod service disappeared", self.text_of_failure("eap", "echo", "hello", code=SERVICE_LOST))
+
+    def text_of_failure(self, *words, code):
+        process = self.start(*words)
+        out, err = process.communicate(timeout=LIMIT)
+        self.assertEqual((process.returncode, out), (code, b""), err)
+        return err.decode()
+
     def test_a_session_is_announced_launched_and_written_to(self):
         self.assertIn("announce", self.failure("eap", "launch", "com.example.app", code=NOTHING_DONE)[1])
         self.json("eap", "init", "com.example.echo", "com.example.app")
@@ -1102,6 +1122,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     # Scenarios
 
+    def test_an_error_in_a_scenario_is_reported_with_its_file_and_line(self):
+        scenario = os.path.join(self.folder.name, "wrong.json")
+        with open(scenario, "w", encoding="utf-8") as file:
+            file.write('{\n"steps": [}')
+        self.assertIn(f"{scenario}: line 2, column ", self.refused("sim", "scenario", scenario, code=USAGE))
+
     def test_a_scenario_may_have_eight_mebibytes(self):
         scenario = os.path.join(self.folder.name, "long.json")
         with open(scenario, "w", encoding="utf-8") as file:
@@ -1146,7 +1172,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.start("--json", "shm")
         out, err = process.communicate(timeout=LIMIT)
         self.assertEqual((process.returncode, err), (NOTHING_DONE, b""))
-        self.assertEqual([segment["there"] for segment in json.loads(out)["segments"]], [False, False])
+        missing = json.loads(out)["segments"]
+        self.assertEqual([(segment["there"], segment["problem"]) for segment in missing],
+                         [(False, "it does not exist")] * 2)
+        self.assertIn("\nhint: start the service", self.start("shm").communicate(timeout=LIMIT)[0].decode())
         self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS)
         self.assertEqual(segments(), [])
 
@@ -1248,6 +1277,11 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 status = json.loads(out)
                 self.assertEqual(check(status, SCHEMA), [])
                 self.assertIsNone(status[field])
+
+    def test_a_mute_service_is_reported_without_a_list_of_its_fields(self):
+        self.tell("fault", "no-reply")
+        self.assertEqual(self.refused("--deadline", "0.2", "status", code=SERVICE_LOST),
+                         "the iPod service did not answer in time: no request was answered")
 
     def test_a_silent_service_is_reported(self):
         self.play_first_song()
@@ -1422,7 +1456,9 @@ class Doctor:
 class DoctorWithoutAService(Doctor, OnABus):
     def test_no_bus_is_a_problem(self):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
-        self.assertEqual(self.examine(NO_BUS)["bus"]["state"], "error")
+        bus = self.examine(NO_BUS)["bus"]
+        self.assertEqual((bus["state"], bus["advice"]),
+                         ("error", "set DBUS_SESSION_BUS_ADDRESS to the service's bus"))
 
     def test_no_service_is_a_problem_and_nothing_is_created(self):
         findings = self.examine(NO_SERVICE)

@@ -158,5 +158,17 @@ TEST(StatusScreen, ReportsUnknownFields)
               Lines{"unknown   shuffle unknown   repeat unknown   queue unknown   devices unknown"});
 }
 
+TEST(StatusJson, NamesTheMembersThatTheDaemonRemembered)
+{
+    ipodkit::PlayerState state;
+    state.battery = ipodkit::Battery{};
+    state.remembered = ipodkit::Field::Battery | ipodkit::Field::Location;
+    Status status;
+    status.state = std::make_shared<ipodkit::PlayerState>(state);
+    EXPECT_EQ(StatusJson(status)["remembered"], Json({"battery"}));
+    state.remembered = ipodkit::Field::Calls;
+    status.state = std::make_shared<ipodkit::PlayerState>(state);
+    EXPECT_EQ(StatusJson(status)["remembered"], Json({"calls"}));
+}
 }  // namespace
 }  // namespace ctl

@@ -19,6 +19,9 @@ std::vector<const CLI::App*> CommandsOf(const CLI::App& app);
 /// Returns the subcommands of @p app that belong to @p group.
 std::vector<const CLI::App*> CommandsOf(const CLI::App& app, const std::string& group);
 
+/// Returns the subcommand of @p app with this name; null if there is none.
+const CLI::App* FindCommand(const CLI::App& app, const std::string& name);
+
 /// Returns the groups of the subcommands, ordered by first use.
 std::vector<std::string> GroupsOf(const CLI::App& app);
 

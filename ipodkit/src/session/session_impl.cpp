@@ -232,7 +232,8 @@ void Session::Impl::ApplyProgress()
     const bool usable = m_phase == Phase::Ready || progress.answered;
     if (!progress.open.Empty()) return;
     std::optional<Error> error;
-    if (!progress.missing.Empty()) error = Error{ErrorKind::TimedOut, "no answer yet: " + Names(progress.missing)};
+    const std::string unanswered = usable ? "no answer yet: " + Names(progress.missing) : "no request was answered";
+    if (!progress.missing.Empty()) error = Error{ErrorKind::TimedOut, unanswered};
     const ipodkit::Connection now = CurrentConnection();
     const Phase phase = usable ? Phase::Ready : Phase::Connecting;
     if (now.phase == phase && now.error == error) return;
