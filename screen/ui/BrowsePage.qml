@@ -32,6 +32,7 @@ Item {
 
     BrowseModel {
         id: music
+        onQueryChanged: list.show(0)
         onLevelChanged: row => {
             page.searching = false;
             list.show(row);

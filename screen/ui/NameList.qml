@@ -53,6 +53,9 @@ ListView {
         color: area.pressed ? Theme.raised : current ? Theme.surface : "transparent"
         border.width: current ? 3 : 0
         border.color: Theme.accent
+        // Unused items are kept for other rows. They are not drawn, but screen readers would find them.
+        ListView.onPooled: visible = false
+        ListView.onReused: visible = true
         Accessible.role: Accessible.ListItem
         Accessible.name: name
         Accessible.onPressAction: list.opened(index)

@@ -32,6 +32,18 @@ TEST_F(Stories, AChineseArtistIsFoundByInitials)
     EXPECT_FALSE(IsShown("keys"));
 }
 
+// Otherwise, a change of level by another application is suspected, and the list is read again.
+TEST_F(Stories, EnteringALevelIsNotMistakenForAChangeByOthers)
+{
+    StartService();
+    Show(Still("browse"));
+    TapText("Songs");
+    ASSERT_TRUE(Until([this] { return IsShown("letters"); }));
+    Tap("back");
+    ASSERT_TRUE(Until([this] { return Shows("Artists"); }));
+    EXPECT_TRUE(Service().Calls("IsIPodInDbRoot").empty());
+}
+
 TEST_F(Stories, TypingSearchesWithEachLetter)
 {
     StartService();
