@@ -6,7 +6,8 @@ ListView {
 
     property string rowIcon
     property string trailingIcon
-    property int marked: -1 // the row that plays, or is selected
+    property int marked: -1 // the row that plays, or is selected; if unknown, rows named markedName
+    property string markedName
     property string markedIcon: "playing"
     signal opened(int row)
 
@@ -45,7 +46,7 @@ ListView {
         required property string name
         required property bool loaded
         readonly property bool current: ListView.isCurrentItem && list.activeFocus && Theme.showFocus
-        readonly property bool marked: index === list.marked
+        readonly property bool marked: list.marked >= 0 ? index === list.marked : name !== "" && name === list.markedName
 
         width: list.width
         height: Theme.touch

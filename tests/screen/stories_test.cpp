@@ -122,6 +122,26 @@ TEST_F(Stories, ADeviceIsSwapped)
     EXPECT_TRUE(Until([this] { return !IsShown("problem"); }));
 }
 
+TEST_F(Stories, TheEnteredDeviceIsMarked)
+{
+    StartService();
+    Show(Still("devices"));
+    Service().Do("attach", "Second");
+    const auto marked = [this](const QString& name)
+    {
+        bool is = false;
+        ForEachItem([&](const QQuickItem& item)
+                    { is = is || (item.property("name") == name && item.property("marked").toBool()); });
+        return is;
+    };
+    ASSERT_TRUE(Until([&] { return Shows("Second") && marked("Desk iPod") && !marked("Second"); }));
+    TapText("Second");
+    Tap("page-devices");
+    ASSERT_TRUE(Until([&] { return marked("Second") && !marked("Desk iPod"); }));
+    Service().Do("detach", "Desk iPod");
+    EXPECT_TRUE(Until([&] { return marked("Second") && !Shows("Desk iPod"); }));
+}
+
 TEST_F(Stories, ACallIsShownAboveTheMusicUntilItIsHidden)
 {
     StartService();
@@ -174,7 +194,7 @@ TEST_F(Stories, ARequestThatFailsIsReported)
     PlaySong("Blue Lantern");
     Service().Do("fault", "error@Next/1");
     Tap("next");
-    EXPECT_TRUE(Until([this] { return VisibleTexts().contains("The request failed (next)"); }));
+    EXPECT_TRUE(Until([this] { return TextOf("banner").contains("The request failed (next)"); }));
     Tap("next");
     EXPECT_TRUE(Until([this] { return TextOf("title") != "Blue Lantern"; }));
 }
