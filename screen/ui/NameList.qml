@@ -23,7 +23,7 @@ ListView {
         return true;
     }
     function show(row) {
-        currentIndex = Math.min(row, count - 1);
+        currentIndex = Math.max(0, Math.min(row, count - 1));
         positionViewAtIndex(row, ListView.Beginning);
     }
 

@@ -61,6 +61,18 @@ TEST_F(Stories, TypingSearchesWithEachLetter)
     EXPECT_TRUE(Until([this] { return Shows("Blue Lantern"); }));
 }
 
+TEST_F(Stories, TheKnobOpensTheOnlyMatch)
+{
+    StartService();
+    Show(Still("browse", {800, 480}));
+    TapText("Artists");
+    ASSERT_TRUE(Until([this] { return Shows("Élodie Rouvière"); }));
+    Type("zyt");
+    ASSERT_TRUE(Until([this] { return Shows("曾雨桐") && !Shows("Élodie Rouvière"); }));
+    for (const int key : {Qt::Key_Right, Qt::Key_Left, Qt::Key_Return}) Press(key);
+    EXPECT_TRUE(Until([this] { return Shows("江南小雨"); }));
+}
+
 TEST_F(Stories, ALetterJumpsToItsNames)
 {
     StartService();
