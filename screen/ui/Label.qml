@@ -11,4 +11,6 @@ Text {
     verticalAlignment: Text.AlignVCenter
     maximumLineCount: 1
     Accessible.ignored: true
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
 }
