@@ -75,6 +75,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/build/docs/" DESTINATION "${documentati
 if(TARGET ipodqml)
   install_notices(qml qml6-module-ipod)
   install_notices(screen ipod-screen)
+  install_manual(ipod-screen.1 screen)
 endif()
 if(TARGET ipodkit_python)
   install_notices(python python3-ipodkit)

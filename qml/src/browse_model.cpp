@@ -200,19 +200,16 @@ void BrowseModel::SetIndex(std::shared_ptr<const Index> index)
 void BrowseModel::SetQuery(const QString& query)
 {
     if (query == m_query) return;
-    beginResetModel();
     m_query = query;
-    m_found.clear();
-    endResetModel();
-    Q_EMIT queryChanged();
     Search();
+    Q_EMIT queryChanged();
 }
 
 void BrowseModel::Search()
 {
-    beginResetModel();
+    m_found.clear();
     if (m_index != nullptr && Searching()) m_found = m_index->index.Search(m_query.toStdString(), kMatches);
-    endResetModel();
+    UpdateRows();
     Q_EMIT countChanged();
 }
 }  // namespace ipodqml

@@ -25,8 +25,16 @@ DeviceModel::DeviceModel() : PagedModel(ipodkit::ListKind::Devices)
     connect(&Session::Instance(), &Session::stateChanged, this,
             [this](const ipodkit::StatePtr&, ipodkit::Fields changed)
             {
-                if (changed.Has(ipodkit::Field::DeviceCount)) Recount();
+                if (!changed.Has(ipodkit::Field::DeviceCount)) return;
+                SetEntered(-1);  // the rows are those of other devices
+                Recount();
             });
+}
+
+void DeviceModel::SetEntered(int row)
+{
+    m_entered = row;
+    Q_EMIT enteredChanged();
 }
 
 void DeviceModel::enter(int row)
@@ -34,7 +42,6 @@ void DeviceModel::enter(int row)
     Session& session = Session::Instance();
     if (row < 0 || row >= Entries()) return;
     session.Send(QStringLiteral("device"), session.Kit()->Commands().EnterDevice(row));
-    m_entered = row;
-    Q_EMIT enteredChanged();
+    SetEntered(row);
 }
 }  // namespace ipodqml

@@ -27,7 +27,7 @@ class DeviceModel : public PagedModel
     Q_OBJECT
     QML_ELEMENT
 
-    /// The row that was entered last; -1 before the first enter().
+    /// The row that was entered last; -1 before the first enter(), and since a device was attached or removed.
     Q_PROPERTY(int entered READ Entered NOTIFY enteredChanged)
 
 public:
@@ -41,6 +41,8 @@ Q_SIGNALS:
     void enteredChanged();
 
 private:
+    void SetEntered(int row);
+
     int m_entered = -1;
 };
 }  // namespace ipodqml

@@ -46,7 +46,7 @@ void PagedModel::Close()
 
 int PagedModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : Rows();
+    return parent.isValid() ? 0 : m_rows;
 }
 
 QHash<int, QByteArray> PagedModel::roleNames() const
@@ -117,7 +117,7 @@ void PagedModel::PageArrived(int page, const ipodkit::Result<ipodkit::PagePtr>& 
     if (!arrived) return Retry(page, arrived.error().kind);
     PageRead(**arrived);
     const int last = std::min(page * kPage + kPage, m_entries) - 1;
-    if (Rows() == m_entries && last >= page * kPage) Q_EMIT dataChanged(index(page * kPage), index(last));
+    if (m_rows == m_entries && last >= page * kPage) Q_EMIT dataChanged(index(page * kPage), index(last));
 }
 
 // The service was slow, or the list changed after the request. In that case WantPage() may have ignored the page of the
@@ -148,31 +148,32 @@ void PagedModel::CountArrived(const ipodkit::Result<int>& count)
         !count && (count.error().kind == ErrorKind::Cancelled || count.error().kind == ErrorKind::TimedOut);
     if (again) return m_recount.start(kRetryMilliseconds);
     m_counted = true;
-    SetEntries(count.value_or(0));
+    m_entries = count.value_or(0);
+    UpdateRows();
     CountRead();
     Q_EMIT countChanged();
 }
 
-// Keeps existing rows, so that the view does not scroll; their names are read again.
-void PagedModel::SetEntries(int entries)
+// A reset would make the view discard its items and scroll to the top.
+void PagedModel::UpdateRows()
 {
-    const int before = Rows();
-    const bool listed = before == m_entries;
-    if (listed && entries > before) beginInsertRows({}, before, entries - 1);
-    if (listed && entries < before) beginRemoveRows({}, entries, before - 1);
-    m_entries = entries;
-    if (listed && entries > before) endInsertRows();
-    if (listed && entries < before) endRemoveRows();
-    if (listed && std::min(before, entries) > 0) Q_EMIT dataChanged(index(0), index(std::min(before, entries) - 1));
+    const int before = m_rows;
+    const int rows = Rows();
+    const int kept = std::min(before, rows);
+    if (rows > before) beginInsertRows({}, before, rows - 1);
+    if (rows < before) beginRemoveRows({}, rows, before - 1);
+    m_rows = rows;
+    if (rows > before) endInsertRows();
+    if (rows < before) endRemoveRows();
+    if (kept > 0) Q_EMIT dataChanged(index(0), index(kept - 1));
 }
 
 void PagedModel::Clear()
 {
-    beginResetModel();
-    m_entries = 0;
     m_counted = false;
     m_wanted.clear();
-    endResetModel();
+    m_entries = 0;
+    UpdateRows();
     Q_EMIT countChanged();
 }
 }  // namespace ipodqml

@@ -55,6 +55,9 @@ protected:
     /// Removes all rows until the list is counted.
     void Clear();
 
+    /// Inserts or removes rows at the end until there are Rows(), and reports the others as changed.
+    void UpdateRows();
+
     /// Returns the entry of a row. They differ if a search shows only some entries.
     virtual std::optional<int> EntryOf(int row) const { return row; }
     virtual const std::string* NameOf(int entry) const;
@@ -62,14 +65,13 @@ protected:
     virtual void CountRead() {}
     virtual void PageRead(const ipodkit::Page&) {}
     virtual void Outdated() { Recount(); }
-    virtual int Rows() const { return m_entries; }
+    virtual int Rows() const { return m_entries; }  ///< calculates how many rows there should be
 
     ipodkit::Pager* Names() { return m_pager ? &*m_pager : nullptr; }
     int Entries() const { return m_entries; }
 
 private:
     void CountArrived(const ipodkit::Result<int>& count);
-    void SetEntries(int entries);
     void WantPage(int page) const;
     void ReadWanted();
     void Read(int page);
@@ -83,6 +85,7 @@ private:
     mutable std::deque<int> m_wanted;  // pages, the newest first
     std::set<int> m_underWay;
     int m_entries = 0;
+    int m_rows = 0;
     unsigned m_counts = 0;
     bool m_counted = false;
 };

@@ -32,6 +32,7 @@ Item {
 
     BrowseModel {
         id: music
+        onQueryChanged: list.show(0)
         onLevelChanged: row => {
             page.searching = false;
             list.show(row);
@@ -45,7 +46,7 @@ Item {
         anchors.right: parent.right
         anchors.rightMargin: Theme.gap
         canGoBack: page.searching || music.path.length > 0
-        title: page.searching ? music.query.toUpperCase() + "│" : music.path.length > 0 ? music.path[music.path.length - 1] : qsTr("Music")
+        title: page.searching ? (music.query === "" ? qsTr("Search") : music.query.toUpperCase() + "│") : music.path.length > 0 ? music.path[music.path.length - 1] : qsTr("Music")
         onBack: page.goBack()
         TouchButton {
             objectName: "search"

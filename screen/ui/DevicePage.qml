@@ -29,7 +29,8 @@ Item {
         }
         rowIcon: "device"
         markedIcon: "device"
-        marked: devices.entered >= 0 ? devices.entered : count === 1 ? 0 : -1
+        marked: devices.entered
+        markedName: Player.deviceName
         Accessible.name: header.title
         onOpened: row => {
             devices.enter(row);

@@ -10,6 +10,7 @@ FocusScope {
     property bool animated: true
     property var knob: [Qt.Key_Left, Qt.Key_Right, Qt.Key_Return] // left, right, press
     property string closedOffer
+    property string failure // of the last request, for some seconds
     readonly property QtObject theme: Theme // for tests
     readonly property bool ready: Session.phase === "ready"
     readonly property bool present: ready && !(Player.deviceCount === 0 || Player.device === "not-detected" && Player.deviceCount < 1)
@@ -112,7 +113,8 @@ FocusScope {
     Connections {
         target: Session
         function onFailed(request, reason, remedy) {
-            toast.show(qsTr("The request failed (%1)").arg(request) + (remedy === "" ? "" : ": " + remedy));
+            root.failure = qsTr("The request failed (%1)").arg(request) + (remedy === "" ? "" : ": " + remedy);
+            forgetFailure.restart();
         }
     }
 
@@ -186,17 +188,16 @@ FocusScope {
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.bottom: parent.bottom
             anchors.bottomMargin: Theme.gap
-            icon: calls.line !== "" ? "phone" : "car"
-            text: calls.line !== "" ? calls.line : root.present && root.offer !== root.closedOffer ? root.offer : ""
-            closable: calls.line === ""
+            icon: root.failure !== "" ? "alert" : calls.line !== "" ? "phone" : "car"
+            text: root.failure !== "" ? root.failure : calls.line !== "" ? calls.line : root.present && root.offer !== root.closedOffer ? root.offer : ""
+            closable: root.failure === "" && calls.line === ""
             onClosed: root.closedOffer = root.offer
         }
-        Toast {
-            id: toast
-            anchors.horizontalCenter: parent.horizontalCenter
-            anchors.bottom: parent.bottom
-            anchors.bottomMargin: Theme.gap
-        }
+    }
+    Timer {
+        id: forgetFailure
+        interval: 5000
+        onTriggered: root.failure = ""
     }
 
     Rectangle {

@@ -6,7 +6,8 @@ ListView {
 
     property string rowIcon
     property string trailingIcon
-    property int marked: -1 // the row that plays, or is selected
+    property int marked: -1 // the row that plays, or is selected; if unknown, rows named markedName
+    property string markedName
     property string markedIcon: "playing"
     signal opened(int row)
 
@@ -22,7 +23,7 @@ ListView {
         return true;
     }
     function show(row) {
-        currentIndex = Math.min(row, count - 1);
+        currentIndex = Math.max(0, Math.min(row, count - 1));
         positionViewAtIndex(row, ListView.Beginning);
     }
 
@@ -45,7 +46,7 @@ ListView {
         required property string name
         required property bool loaded
         readonly property bool current: ListView.isCurrentItem && list.activeFocus && Theme.showFocus
-        readonly property bool marked: index === list.marked
+        readonly property bool marked: list.marked >= 0 ? index === list.marked : name !== "" && name === list.markedName
 
         width: list.width
         height: Theme.touch
@@ -53,6 +54,9 @@ ListView {
         color: area.pressed ? Theme.raised : current ? Theme.surface : "transparent"
         border.width: current ? 3 : 0
         border.color: Theme.accent
+        // Unused items are kept for other rows. They are not drawn, but screen readers would find them.
+        ListView.onPooled: visible = false
+        ListView.onReused: visible = true
         Accessible.role: Accessible.ListItem
         Accessible.name: name
         Accessible.onPressAction: list.opened(index)

@@ -71,7 +71,7 @@ Item {
     Row {
         id: controls
         anchors.horizontalCenter: seekBar.horizontalCenter
-        y: Theme.compact ? parent.height - height - Theme.gap : artwork.y + artwork.height - height
+        y: Theme.compact ? parent.height - height - 2 * Theme.gap : artwork.y + artwork.height - height
         spacing: Theme.compact ? 44 : Math.max(0, (seekBar.width - 4 * Theme.touch - play.width) / 4)
         TouchButton {
             objectName: "shuffle"

@@ -56,10 +56,21 @@ Rectangle {
             visible: button.text !== ""
             text: button.text
             color: button.ink
-            font.pixelSize: button.icon === "" ? Theme.body : Theme.label - 3
+            font.pixelSize: button.icon === "" ? Theme.body : Theme.label - 1
         }
     }
 
+    // Color alone would not be enough.
+    Rectangle {
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.gap
+        visible: button.checked && button.text === ""
+        width: 6
+        height: 6
+        radius: 3
+        color: button.ink
+    }
     MouseArea {
         id: area
         anchors.fill: parent

@@ -3,11 +3,14 @@
 #include <QBuffer>
 #include <QColor>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <cmath>
+#include <ctime>
 
 #include "screen_fixture.h"
 
@@ -67,6 +70,42 @@ private:
     QElapsedTimer m_frame;
     qint64 m_longest = 0;
     int m_frames = 0;
+};
+
+// Records the longest turn of the event loop, in real time and in time of the processor.
+class Heartbeat
+{
+public:
+    Heartbeat()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, [this] { Beat(); });
+        m_timer.setTimerType(Qt::PreciseTimer);
+        m_timer.start(1ms);
+        m_real.start();
+    }
+    qint64 Longest() const { return m_longest; }                 // in milliseconds
+    double LongestOfProcessor() const { return m_longestBusy; }  // likewise
+
+private:
+    static double Busy()
+    {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    }
+    void Beat()
+    {
+        const double busy = Busy();
+        m_longest = std::max(m_longest, m_real.restart());
+        m_longestBusy = std::max(m_longestBusy, busy - m_busy);
+        m_busy = busy;
+    }
+
+    QTimer m_timer;
+    QElapsedTimer m_real;
+    double m_busy = Busy();
+    qint64 m_longest = 0;
+    double m_longestBusy = 0;
 };
 
 double Luminance(const QColor& color)
@@ -190,6 +229,44 @@ TEST_F(Hardship, ABusThatDiesLeavesAMessage)
     StopBus();
     EXPECT_TRUE(Until([this] { return VisibleTexts().contains("DBUS_SESSION_BUS_ADDRESS"); }))
         << VisibleTexts().toStdString();
+}
+
+TEST_F(Hardship, AHungServiceDoesNotBlockTheLoop)
+{
+    StartService();
+    Show(Still("browse"));
+    TapText("Artists");
+    ASSERT_TRUE(Until([this] { return Shows("Nadia Brandt"); }));
+    auto* const music = Item("names")->property("model").value<QObject*>();
+    QQuickItem* const queue = Window().rootObject()->findChild<QQuickItem*>("queue");
+    auto* const player = Window().engine()->singletonInstance<QObject*>(qmlTypeId("Ipod", 1, 0, "Player"));
+    ASSERT_NE(player, nullptr);
+    Window().hide();  // a frame without a GPU would take longer
+    Service().Do("fault", "no-reply");
+    const Heartbeat heartbeat;
+    for (const char* command : {"play", "next", "previous", "toggle", "pause"})
+        QMetaObject::invokeMethod(player, command);
+    QMetaObject::invokeMethod(player, "seek", Q_ARG(double, 5000));
+    QMetaObject::invokeMethod(music, "open", Q_ARG(int, 2));
+    QMetaObject::invokeMethod(queue->property("model").value<QObject*>(), "play", Q_ARG(int, 0));
+    Service().Do("battery", {{"level", 4}});
+    QEventLoop loop;  // QTest::qWait() sleeps between its turns
+    QTimer::singleShot(1500, &loop, &QEventLoop::quit);
+    loop.exec();
+    std::printf("longest turn: %lld ms, %.1f ms of them busy\n", static_cast<long long>(heartbeat.Longest()),
+                heartbeat.LongestOfProcessor());
+    EXPECT_LT(heartbeat.Longest(), 200);  // a blocking call would last for seconds
+    EXPECT_LE(heartbeat.LongestOfProcessor(), 5);
+}
+
+TEST_F(Hardship, AServiceThatNeverAnswersLeavesAMessage)
+{
+    StartService();
+    Service().Do("fault", "no-reply");
+    Show();
+    EXPECT_TRUE(Until([this] { return Shows("Connecting"); }));
+    Service().Do("clear-faults");
+    EXPECT_TRUE(Until([this] { return !IsShown("problem"); }));
 }
 
 TEST_F(Everybody, EachControlHasANameAndIsLargeEnough)

@@ -102,6 +102,41 @@ TEST_F(Pictures, CarPlayAndNothingPlaying)
     EXPECT_LOOKS_LIKE(PICTURES "/offer-small.png");
 }
 
+TEST_F(Pictures, TwoDevicesOnASmallScreenByDay)
+{
+    StartService();
+    screen::Options options = Still("devices", {800, 480});
+    options.night = false;
+    Show(options);
+    Service().Do("attach", "Second");
+    ASSERT_TRUE(Until([this] { return Shows("Second"); }));
+    EXPECT_LOOKS_LIKE(PICTURES "/devices-small-day.png");
+}
+
+TEST_F(Pictures, LongAndRightToLeftNames)
+{
+    ipodkit::PlayerState state = ipodkit::FakeSession::ReadyState();
+    state.deviceCount = 1;
+    state.deviceName = "A device whose owner gave it a very long name";
+    state.battery = ipodkit::Battery{9, {}};
+    state.track = ipodkit::Track{"A Title That Wraps Onto a Second Line, and Even Then Is Cut Off at Its End", "فيروز",
+                                 "שירים מן הים, האלבום המלא, הקלטה חיה מן האולם הגדול"};
+    Fake().SetState(state);
+    Show(Still("nowplaying", {800, 480}));
+    EXPECT_LOOKS_LIKE(PICTURES "/names-small.png");
+}
+
+TEST_F(Pictures, AnEmptyLibrary)
+{
+    ipodkit::PlayerState state = ipodkit::FakeSession::ReadyState();
+    state.deviceCount = 1;
+    Fake().SetState(state);
+    Fake().SetList(ipodkit::ListKind::Database, {});
+    Show(Still("browse"));
+    ASSERT_TRUE(Until([this] { return IsShown("empty"); }));
+    EXPECT_LOOKS_LIKE(PICTURES "/empty.png");
+}
+
 TEST_F(Pictures, WithoutAService)
 {
     Show();

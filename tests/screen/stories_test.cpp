@@ -32,6 +32,18 @@ TEST_F(Stories, AChineseArtistIsFoundByInitials)
     EXPECT_FALSE(IsShown("keys"));
 }
 
+// Otherwise, a change of level by another application is suspected, and the list is read again.
+TEST_F(Stories, EnteringALevelIsNotMistakenForAChangeByOthers)
+{
+    StartService();
+    Show(Still("browse"));
+    TapText("Songs");
+    ASSERT_TRUE(Until([this] { return IsShown("letters"); }));
+    Tap("back");
+    ASSERT_TRUE(Until([this] { return Shows("Artists"); }));
+    EXPECT_TRUE(Service().Calls("IsIPodInDbRoot").empty());
+}
+
 TEST_F(Stories, TypingSearchesWithEachLetter)
 {
     StartService();
@@ -47,6 +59,18 @@ TEST_F(Stories, TypingSearchesWithEachLetter)
     EXPECT_TRUE(Until([this] { return Shows("Ligne 6"); }));
     Press(Qt::Key_Escape);
     EXPECT_TRUE(Until([this] { return Shows("Blue Lantern"); }));
+}
+
+TEST_F(Stories, TheKnobOpensTheOnlyMatch)
+{
+    StartService();
+    Show(Still("browse", {800, 480}));
+    TapText("Artists");
+    ASSERT_TRUE(Until([this] { return Shows("Élodie Rouvière"); }));
+    Type("zyt");
+    ASSERT_TRUE(Until([this] { return Shows("曾雨桐") && !Shows("Élodie Rouvière"); }));
+    for (const int key : {Qt::Key_Right, Qt::Key_Left, Qt::Key_Return}) Press(key);
+    EXPECT_TRUE(Until([this] { return Shows("江南小雨"); }));
 }
 
 TEST_F(Stories, ALetterJumpsToItsNames)
@@ -110,6 +134,26 @@ TEST_F(Stories, ADeviceIsSwapped)
     EXPECT_TRUE(Until([this] { return !IsShown("problem"); }));
 }
 
+TEST_F(Stories, TheEnteredDeviceIsMarked)
+{
+    StartService();
+    Show(Still("devices"));
+    Service().Do("attach", "Second");
+    const auto marked = [this](const QString& name)
+    {
+        bool is = false;
+        ForEachItem([&](const QQuickItem& item)
+                    { is = is || (item.property("name") == name && item.property("marked").toBool()); });
+        return is;
+    };
+    ASSERT_TRUE(Until([&] { return Shows("Second") && marked("Desk iPod") && !marked("Second"); }));
+    TapText("Second");
+    Tap("page-devices");
+    ASSERT_TRUE(Until([&] { return marked("Second") && !marked("Desk iPod"); }));
+    Service().Do("detach", "Desk iPod");
+    EXPECT_TRUE(Until([&] { return marked("Second") && !Shows("Desk iPod"); }));
+}
+
 TEST_F(Stories, ACallIsShownAboveTheMusicUntilItIsHidden)
 {
     StartService();
@@ -162,7 +206,7 @@ TEST_F(Stories, ARequestThatFailsIsReported)
     PlaySong("Blue Lantern");
     Service().Do("fault", "error@Next/1");
     Tap("next");
-    EXPECT_TRUE(Until([this] { return VisibleTexts().contains("The request failed (next)"); }));
+    EXPECT_TRUE(Until([this] { return TextOf("banner").contains("The request failed (next)"); }));
     Tap("next");
     EXPECT_TRUE(Until([this] { return TextOf("title") != "Blue Lantern"; }));
 }

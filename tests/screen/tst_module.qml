@@ -20,6 +20,10 @@ TestCase {
         signalName: "modelReset"
     }
     SignalSpy {
+        id: removals
+        signalName: "rowsRemoved"
+    }
+    SignalSpy {
         id: changes
         signalName: "dataChanged"
     }
@@ -90,11 +94,24 @@ TestCase {
         const name = Qt.UserRole;
         tryVerify(() => music.data(music.index(500, 0), name) === "Song 500");
         verify(changes.count > 0);
-        compare(resets.count, 0);
         tryVerify(() => music.sections.length > 0);
+        compare(resets.count, 0);
+    }
+    function test_a_search_changes_the_rows_once_per_letter() {
+        fake.fill(1000);
+        const music = createTemporaryObject(database, test);
+        tryVerify(() => music.sections.length > 0);
+        resets.target = music;
+        removals.target = music;
+        const rows = [];
+        music.countChanged.connect(() => rows.push(music.count));
+        music.query = "song 9";
         music.query = "song 99";
-        tryVerify(() => music.count === 11);
+        compare(music.data(music.index(0, 0), Qt.UserRole), "Song 99");
         music.query = "";
-        compare(music.count, 1000);
+        compare(rows, [111, 11, 1000]);
+        compare(removals.count, 2);
+        compare(resets.count, 0);
+        compare(music.data(music.index(0, 0), Qt.UserRole), "Song 0");
     }
 }

@@ -61,7 +61,7 @@ const char* WhyUnreadable(ChildOutcome::End end)
 
 const char* WhyAbsent(const SegmentObject& object)
 {
-    if (!object.exists) return "it does not exist; start the service, which creates it";
+    if (!object.exists) return "it does not exist";
     return object.isMemory ? nullptr : "it exists and is not shared memory";
 }
 
