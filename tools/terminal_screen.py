@@ -1,4 +1,4 @@
-"""Emulates a terminal's screen: the part of xterm that today's programs use."""
+"""Emulates a terminal's screen: the subset of xterm that current programs use."""
 import codecs
 import dataclasses
 import re
@@ -60,7 +60,7 @@ class TerminalScreen:
 
     @property
     def alternate(self):
-        """Whether a program uses the alternate screen."""
+        """Returns whether a program uses the alternate screen."""
         return self._main is not None
 
     def lines(self):
