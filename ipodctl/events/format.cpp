@@ -16,7 +16,7 @@ namespace ctl
 namespace
 {
 constexpr int kDeepest = 50;
-constexpr char kAnExpression[] = "a field, a function, a number or a quoted text";
+constexpr char kAnExpression[] = "a field, a function, a number, or quoted text";
 
 using Value = Format::Value;
 using Arguments = std::vector<Json>;
@@ -134,7 +134,7 @@ std::string Unescaped(std::string_view text)
 std::string Start(std::string_view text)
 {
     constexpr int kShown = 12;
-    return text.empty() ? "the end" : "'" + Cut(Printable(text), kShown) + "'";
+    return text.empty() ? "the end of the template" : "'" + Cut(Printable(text), kShown) + "'";
 }
 /// Tokenizes a template and reports syntax errors with their column.
 class Scanner
@@ -159,7 +159,7 @@ public:
 
     std::size_t Place() const { return m_at; }
 
-    /// @throws Failure  kUsage: "format, column 7: expected …, found …"
+    /// @throws Failure  kUsage: "format, column 7: expected …, got …"
     [[noreturn]] void Expected(const std::string& what) const { ExpectedAt(m_at, what); }
     [[noreturn]] void ExpectedAt(std::size_t place, const std::string& what) const;
 
@@ -221,7 +221,7 @@ bool Scanner::TakeQuoted(std::string& text)
     const char quote = AtEnd() ? '\0' : m_text[m_at];
     if (quote != '"' && quote != '\'') return false;
     const std::size_t end = m_text.find(quote, m_at + 1);
-    if (end == std::string::npos) Expected(std::string("a text that ends with ") + quote);
+    if (end == std::string::npos) Expected(std::string("a closing ") + quote);
     text = Unescaped(std::string_view(m_text).substr(m_at + 1, end - m_at - 1));
     m_at = end + 1;
     return true;
@@ -232,7 +232,7 @@ void Scanner::ExpectedAt(std::size_t place, const std::string& what) const
     const std::size_t at = std::min(m_text.find_first_not_of(kBlanks, place), m_text.size());
     const std::string before = Printable(std::string_view(m_text).substr(0, at));
     const auto column = g_utf8_strlen(before.c_str(), -1) + 1;
-    throw Failure(kUsage, "format, column " + std::to_string(column) + ": expected " + what + ", found " +
+    throw Failure(kUsage, "format, column " + std::to_string(column) + ": expected " + what + ", got " +
                               Start(std::string_view(m_text).substr(at)));
 }
 
@@ -317,13 +317,13 @@ Value Parser::Named(std::size_t place, const std::string& name)
     if (m_scan.TakeAfterBlanks("(")) return Called(place, name);
     if (std::find(m_fields.begin(), m_fields.end(), name) == m_fields.end())
         m_scan.ExpectedAt(place,
-                          "a field such as title, artist, state or event; ipodctl(1) lists them under TEMPLATES");
+                          "a field such as title, artist, state, or event; ipodctl(1) lists them under TEMPLATES");
     return [name](const Json& values) { return values.contains(name) ? values[name] : Json(); };
 }
 
 Value Parser::Called(std::size_t place, const std::string& name)
 {
-    if (++m_depth > kDeepest) m_scan.Expected("fewer levels");
+    if (++m_depth > kDeepest) m_scan.Expected("fewer nested functions");
     const FormatFunction& function = Function(place, name);
     std::vector<Value> arguments;
     if (!m_scan.TakeAfterBlanks(")"))

@@ -185,7 +185,7 @@ template <class Vector>
 Json Described(QBXSharedSegment& segment, const char* name)
 {
     const Vector* const vector = segment.find<Vector>(name).first;
-    Json json{{"name", name}, {"elements", 0}, {"capacity", 0}, {"problem", vector == nullptr ? "not there" : ""}};
+    Json json{{"name", name}, {"elements", 0}, {"capacity", 0}, {"problem", vector == nullptr ? "missing" : ""}};
     if (vector == nullptr) return json;
     json["elements"] = vector->size();
     json["capacity"] = vector->capacity();

@@ -124,7 +124,9 @@ Answer Bench(Context& context, const Request& request)
 Run BuildBench(CLI::App& app)
 {
     const auto request = Argument<Request>();
-    app.add_option("--count", request->count, "Calls of each command")->capture_default_str()->check(WholeNumber(1));
+    app.add_option("--count", request->count, "Number of calls per command")
+        ->capture_default_str()
+        ->check(WholeNumber(1));
     app.add_flag("--pages", request->pages,
                  "Also measure commands that fill the shared vectors, which other applications may be reading");
     return [request](Context& context) { return Bench(context, *request); };

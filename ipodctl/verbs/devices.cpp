@@ -41,7 +41,7 @@ int FindDevice(const std::vector<std::string>& names, std::string text)
                       similar.empty() ? "list the devices with 'ipodctl devices'" : "did you mean '" + similar + "'?");
     }
     if (std::any_of(std::next(found), names.end(), same))
-        throw Failure(kUsage, "'" + Printable(text) + "' is the name of several devices", "give the index");
+        throw Failure(kUsage, "'" + Printable(text) + "' matches several devices", "give the index");
     return static_cast<int>(found - names.begin());
 }
 

@@ -40,14 +40,14 @@ TEST(CommandLine, DistinguishesANegativeTimeFromAnOption)
     EXPECT_EQ(Parse({"seek", "--back", "-5"}), (Words{"--back=-5", "seek"}));
 }
 
-TEST(CommandLine, PrintsTheHelpOfTheCommandBehindHelp)
+TEST(CommandLine, PrintsTheHelpOfTheCommandAfterHelp)
 {
     EXPECT_EQ(Parse({"help", "ls"}), (Words{"--help", "ls"}));
     EXPECT_EQ(Parse({"--color", "never", "help"}), (Words{"--help", "never", "--color"}));
     EXPECT_THROW(Parse({"help", "dance"}), Failure);
 }
 
-TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
+TEST(CommandLine, RejectsAnUnknownCommand)
 {
     EXPECT_THROW(Parse({"--json", "dance"}), Failure);
     EXPECT_THROW(Parse({""}), Failure);
@@ -70,7 +70,7 @@ TEST(UnknownWord, SuggestsTheMostSimilarWord)
         EXPECT_EQ(UnknownWord("command", different, words, "try it").hint(), "try it");
 }
 
-TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
+TEST(Help, IsWrappedAndNamesValuesInPlainWords)
 {
     CLI::App app("Does what it does, at such length that the line has to be broken.", "test");
     app.formatter(std::make_shared<HelpFormatter>(40));
@@ -95,7 +95,7 @@ TEST(WholeNumber, ReportsTheAcceptedRange)
     EXPECT_EQ(WholeNumber(0)("4294967296"), "expected an integer between 0 and 999999999, got '4294967296'");
 }
 
-TEST(NumberUpTo, KnowsTheWholeRange)
+TEST(NumberUpTo, AcceptsTheWholeRange)
 {
     EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967295"), "");
     EXPECT_EQ(NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
@@ -106,7 +106,7 @@ TEST(NumberUpTo, KnowsTheWholeRange)
         EXPECT_NE(NumberUpTo(UINT64_MAX)(wrong), "");
 }
 
-TEST(Seconds, AreFiniteAndAboveNothing)
+TEST(Seconds, AreFiniteAndPositive)
 {
     for (const char* right : {"0.001", "1", "2.5", "1e3", "60"}) EXPECT_EQ(Seconds(1000)(right), "");
     for (const char* wrong : {"", "0", "-1", "nan", "inf", "1x", "1001", "0.0001"})
