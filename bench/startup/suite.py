@@ -42,7 +42,7 @@ def memory_of(pid):
 
 
 def measure_clients(programs, figures):
-    """Runs one client at a time beside the service: memory that two clients share would count half for each."""
+    """Runs one client at a time alongside the service: memory that two clients share would count half for each."""
     say("memory of a client")
     found = {"bare": [], "kit": []}
     for _ in range(5):
