@@ -269,7 +269,7 @@ class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
     def check(self, name, *link):
-        """The verdict on an unoptimised program or library that is hardened as far as LINK says."""
+        """The verdict on an unoptimized program or library that is hardened as far as LINK says."""
         built = self.root / name
         built.parent.mkdir(parents=True, exist_ok=True)
         subprocess.run([COMPILER, "-fPIC", "-nostdlib", "-Wl,-z,relro,-z,now", *link, "-o", str(built),
