@@ -149,7 +149,7 @@ void FillRaw(State& state)
     }
 }
 
-// The vector grows from empty; freeing its memory does not count.
+// The vector grows from empty; freeing its memory is not measured.
 void FillEmptyLibrary(State& state)
 {
     const std::vector<unsigned char> data = SampleBytes(BytesOf(state));

@@ -98,7 +98,7 @@ Operation FillRaw(std::size_t size)
     { std::memcpy(buffer->data(), data.data(), data.size()); };
 }
 
-// Uses a new vector each time and frees none: freeing does not count.
+// Uses a new vector each time and frees none, so that freeing is not measured.
 Operation FillEmptyLibrary()
 {
     static QBXSharedSegment segment(boost::interprocess::open_or_create, "BenchSegment", kRoomForManyVectors);

@@ -5,7 +5,7 @@ import math
 WIDTH, HEIGHT = 360, 300
 LEFT, RIGHT, TOP, BOTTOM = 62, 16, 44, 48
 MICROSECONDS = (50, 10000)
-COLOURS = {"library": "#1769aa", "bus": "#c4421a", "bare": "#7a7a7a"}
+COLORS = {"library": "#1769aa", "bus": "#c4421a", "bare": "#7a7a7a"}
 LABELS = {"library": "through shared memory", "bus": "everything over the bus", "bare": "the bare call"}
 
 
@@ -55,16 +55,16 @@ def panel(title, unit, lines, offset):
     yield from axes(x, y, unit)
     for variant, line in lines.items():
         path = " ".join(f"{x(size):.1f},{y(cost):.1f}" for size, cost in line)
-        yield f'<polyline points="{path}" stroke="{COLOURS[variant]}"/>'
+        yield f'<polyline points="{path}" stroke="{COLORS[variant]}"/>'
         for size, cost in line:
-            yield f'<circle cx="{x(size):.1f}" cy="{y(cost):.1f}" r="3" fill="{COLOURS[variant]}"/>'
+            yield f'<circle cx="{x(size):.1f}" cy="{y(cost):.1f}" r="3" fill="{COLORS[variant]}"/>'
     yield "</g>"
 
 
 def legend():
     for i, (variant, label) in enumerate(LABELS.items()):
         x = LEFT + i * 240
-        yield f'<rect x="{x}" y="{HEIGHT + 4}" width="14" height="4" fill="{COLOURS[variant]}"/>'
+        yield f'<rect x="{x}" y="{HEIGHT + 4}" width="14" height="4" fill="{COLORS[variant]}"/>'
         yield text(x + 20, HEIGHT + 10, label, "start")
 
 
@@ -85,11 +85,11 @@ def draw(contests):
     return "\n".join([*parts, *legend(), "</svg>"]) + "\n"
 
 
-GROWTH_COLOURS = ("#1769aa", "#c4421a", "#2e7d32", "#7b1fa2", "#b8860b", "#00838f", "#7a7a7a", "#ad1457")
+GROWTH_COLORS = ("#1769aa", "#c4421a", "#2e7d32", "#7b1fa2", "#b8860b", "#00838f", "#7a7a7a", "#ad1457")
 
 
 def draw_growth(curves):
-    """Draws all curves in one panel, each relative to its smallest size: a linear cost rises like the grey line."""
+    """Draws all curves in one panel, each relative to its smallest size: a linear cost rises like the gray line."""
     lines = {what: [(size / each["points"][0][0], cost / each["points"][0][1]) for size, cost in each["points"]]
              for what, each in curves.items()}
     largest = max(max(point) for line in lines.values() for point in line)
@@ -105,9 +105,9 @@ def draw_growth(curves):
     for tick in x.ticks():
         parts.append(text(x(tick), 2 * HEIGHT - BOTTOM + 16, f"{tick:,} ×"))
         parts.append(text(LEFT - 6, y(tick) + 4, f"{tick:,} ×", "end"))
-    for i, ((what, line), colour) in enumerate(zip(lines.items(), GROWTH_COLOURS)):
+    for i, ((what, line), color) in enumerate(zip(lines.items(), GROWTH_COLORS)):
         path = " ".join(f"{x(size):.1f},{y(max(cost, 1)):.1f}" for size, cost in line)
-        parts.append(f'<polyline points="{path}" stroke="{colour}"/>')
-        parts.append(f'<rect x="{LEFT + 16}" y="{TOP + 10 + 18 * i}" width="14" height="4" fill="{colour}"/>')
+        parts.append(f'<polyline points="{path}" stroke="{color}"/>')
+        parts.append(f'<rect x="{LEFT + 16}" y="{TOP + 10 + 18 * i}" width="14" height="4" fill="{color}"/>')
         parts.append(text(LEFT + 36, TOP + 16 + 18 * i, f"{what}: {curves[what]['exponent']:.2f}", "start"))
     return "\n".join([*parts, "</svg>"]) + "\n"

@@ -15,7 +15,7 @@ constexpr char kBenchInterface[] = "com.zarn.linux.ipod.bench";
 
 /// Prepare sets the size of page and image, fills the shared vectors once, and sets whether each request refills them.
 /// Names and Bytes send the same page and image over the bus; Take receives bytes over the bus.
-/// Emit emits OnPlayStatusChanged so often, without pauses; the status alternates.
+/// Emit emits OnPlayStatusChanged that many times, without pauses; the status alternates.
 constexpr char kBenchXml[] = R"(<node><interface name="com.zarn.linux.ipod.bench">
     <method name="Prepare">
       <arg name="names" type="i" direction="in"/>

@@ -1,6 +1,6 @@
 // Announces a protocol and sends back whatever the companion app on the device sends.
 //
-// The simulator echoes, too: bytes that return once more are dropped, because they would otherwise circulate forever.
+// The simulator echoes, too, so bytes that come back are dropped: they would otherwise circulate forever.
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/accessory.h>
@@ -76,7 +76,7 @@ int main()
                 .Start([](Result<void>) {});
     };
     const auto announced = (*session)->OnConnection("announce", announce);
-    // A running service is found sooner.
+    // A running service is found before this fires.
     const auto reportWaiting = [](gpointer opened) -> gboolean
     {
         if (static_cast<const Session*>(opened)->Connection().phase != Phase::Ready)

@@ -1,4 +1,4 @@
-// Writes the picture of each track that plays to a file and prints its address: artwork_to_file [DIRECTORY]
+// Writes the artwork of each track that plays to a file and prints its URI: artwork_to_file [DIRECTORY]
 #include <QBXLog.h>
 #include <glib.h>
 #include <ipodkit/picture_files.h>
@@ -26,7 +26,7 @@ int main(int argc, char** argv)
         std::fflush(stdout);
     };
     const auto written = (*session)->OnState("artwork", write, ipodkit::Field::Artwork);
-    // A running service is found sooner.
+    // A running service is found before this fires.
     const auto reportWaiting = [](gpointer opened) -> gboolean
     {
         if (static_cast<const ipodkit::Session*>(opened)->Connection().phase != ipodkit::Phase::Ready)

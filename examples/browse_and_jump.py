@@ -18,5 +18,5 @@ async def main(query: str) -> None:
 
 if len(sys.argv) != 2:
     sys.exit("usage: browse_and_jump.py QUERY")
-ipodkit.log("WARN")  # otherwise each record of the library is a line of warning
+ipodkit.log("WARN")  # without a log the library prints a warning for each record
 asyncio.run(main(sys.argv[1]))

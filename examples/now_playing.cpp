@@ -1,4 +1,4 @@
-// Shows what plays, for as long as it runs. now_playing_coroutine.cpp is the same with co_await, and
+// Shows what is playing, for as long as it runs. now_playing_coroutine.cpp is the same with co_await, and
 // now_playing_core.cpp with the core alone.
 #include <QBXLog.h>
 #include <glib.h>

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Shows what plays, for as long as it runs. Compare with now_playing.cpp."""
+"""Shows what is playing, for as long as it runs. Compare with now_playing.cpp."""
 import ipodkit
 from gi.repository import GLib  # type: ignore[import]
 
@@ -10,7 +10,7 @@ def show(state: ipodkit.PlayerState, changed: frozenset[ipodkit.Field]) -> None:
     print(f"[{state.phase.name}] {sign} {artist} - {title}", flush=True)
 
 
-ipodkit.log("WARN")  # otherwise each record of the library is a line of warning
+ipodkit.log("WARN")  # without a log the library prints a warning for each record
 session = ipodkit.Session()
 fields = {ipodkit.Field.TRACK, ipodkit.Field.STATUS, ipodkit.Field.CONNECTION}
 shown = session.on_state("now playing", show, fields)

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Shows what plays, for as long as it runs, in asyncio. Compare with now_playing.py."""
+"""Shows what is playing, for as long as it runs, in asyncio. Compare with now_playing.py."""
 import asyncio
 
 import ipodkit
@@ -14,7 +14,7 @@ async def main() -> None:
             print(f"[{state.phase.name}] {sign} {artist} - {title}", flush=True)
 
 
-ipodkit.log("WARN")  # otherwise each record of the library is a line of warning
+ipodkit.log("WARN")  # without a log the library prints a warning for each record
 try:
     asyncio.run(main())
 except KeyboardInterrupt:

@@ -1,5 +1,5 @@
-// The same as now_playing.cpp with the core's own interface: it must be started after the service, does not notice
-// that the service exited, and blocks when the service hangs.
+// The same as now_playing.cpp, but with the core alone: it must be started after the service, does not notice when the
+// service exits, and blocks while the service hangs.
 #include <IQBXIpodPlayer.h>
 #include <QBXLog.h>
 #include <glib.h>

@@ -1,4 +1,4 @@
-// Plays an entry of the playing list, and prints what helps if that fails: remedies INDEX
+// Plays an entry of the playing list, and prints the remedy if that fails: remedies INDEX
 #include <QBXLog.h>
 #include <ipodkit/session.h>
 

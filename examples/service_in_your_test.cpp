@@ -1,5 +1,5 @@
-// A service for your own test: it lives in the test's process, plays along, fails on demand, and records what it was
-// asked. Run it on a private bus: dbus-run-session -- ./service_in_your_test
+// A service for your own test: it runs in the test's process, plays music, fails on demand, and records the calls it
+// receives. Run it on a private bus: dbus-run-session -- ./service_in_your_test
 #include <IQBXIpodPlayer.h>
 #include <QBXLog.h>
 #include <ipodsim.h>
@@ -25,7 +25,7 @@ bool Passes()
 
 int main()
 {
-    // Otherwise each record of the library is a line of warning. QBX_LOG in the environment says it too.
+    // Without a log the library prints a warning in place of each record. QBX_LOG in the environment sets one up, too.
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     try
     {

@@ -65,8 +65,8 @@
 #include <string>
 #include <vector>
 
-/// The player. AddListener(), RemoveListener() and the rest of the registry come from IQBXListener.h, and
-/// from IQBXService.h:
+/// The player. AddListener(), RemoveListener(), and the rest of the registry come from IQBXListener.h. From
+/// IQBXService.h come:
 ///
 ///   * InitInstance() connects to the service. Returns true when the service is on the bus: events are then
 ///     delivered. Returns false when there is no session bus or nobody owns the service's name; it may be called again
@@ -98,8 +98,7 @@ public:
     /// Writes the position in the track and its length, in milliseconds. Not ready, failure: both unchanged.
     virtual void GetPlayPosition(int& pos, int& duration) = 0;
 
-    /// Returns 0 while the device winds forward, 1 while it winds backward, and 2 otherwise. Not ready: 2. Failure:
-    /// unset.
+    /// Returns 0 during fast-forward, 1 during rewind, and 2 otherwise. Not ready: 2. Failure: unset.
     virtual int GetFfwFbwStatus() = 0;
 
     /// Returns the play state, an #iPodPlayerPlayStatus. Not ready: 255. Failure: unset.
@@ -206,17 +205,17 @@ public:
     /// the image of the last successful request. Two threads must not request artwork at the same time.
     virtual QBXTrackArtwork GetPlayingTrackAlbumArtwork() = 0;
 
-    /// Winds forward until StopFfwFbw(); true if winding started. Not ready: false. Failure: false.
+    /// Fast-forwards until StopFfwFbw(); true if the device started. Not ready: false. Failure: false.
     virtual bool FastForward() = 0;
 
-    /// Winds backward until StopFfwFbw(); true if winding started. Not ready: false. Failure: false.
+    /// Rewinds until StopFfwFbw(); true if the device started. Not ready: false. Failure: false.
     virtual bool FastBackward() = 0;
 
-    /// Stops winding; true when the device stopped. Not ready: false. Failure: false.
+    /// Stops fast-forward or rewind; true when the device stopped. Not ready: false. Failure: false.
     virtual bool StopFfwFbw() = 0;
 
-    /// Puts the head unit's USB hub into an electrical test mode; 0 ends it. For production and service only. Failure:
-    /// in the log only.
+    /// Puts the head unit's USB hub into an electrical test mode; 0 ends it. For production and maintenance only.
+    /// Failure: in the log only.
     virtual void SetHUBTestMode(unsigned char mode) = 0;
 
     /// Writes the detection status into the lowest byte of @p status; the caller sets the others to 0 first.
@@ -249,8 +248,8 @@ public:
     /// Returns the CarLife detection status, a #QBXAppleDeviceDetectStatus. Not ready: 1. Failure: unset.
     virtual int GetCarlifeDeviceDetectStatus() = 0;
 
-    /// Announces the head unit's accessory protocols; each text is cut to its first 255 bytes.
-    /// Failure: in the log only.
+    /// Announces the head unit's accessory protocols; each text is truncated to its first 255 bytes. Failure: in the
+    /// log only.
     virtual void EapInit(EAPInfo info) = 0;
 
     /// Notifies the service of the state of the CarPlay session (non-zero is true). Returns without waiting for the

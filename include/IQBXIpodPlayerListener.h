@@ -2,9 +2,9 @@
 /// The events of the iPod service. Override what you need, register the object with the player's
 /// AddListener(), and remove it before you destroy it.
 ///
-/// **Changes only.** The library emits no event of its own: when InitInstance() has returned true, read the initial
-/// state with the player's commands. When the service restarts, the subscription stays, the library repeats nothing,
-/// and no event reports the restart; what the service announces then is its own decision.
+/// **Changes only.** The library itself emits no events: when InitInstance() has returned true, read the initial state
+/// with the player's commands. When the service restarts, the subscription remains, the library repeats nothing, and no
+/// event reports the restart; the service decides what to announce then.
 ///
 /// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the thread default when
 /// InitInstance() was called. Without a running main loop no event arrives.

@@ -89,7 +89,7 @@ struct QBXiPodTrackInfo
 
 /// Artwork of a track (`GetPlayingTrackAlbumArtwork`, `OnIpodArtworkChange`).
 ///
-/// The four words are the service's and are carried unchanged; the comments describe what known services store
+/// The service defines the four words, which are passed on unchanged; the comments describe what known services store
 /// there. The library itself sets them only when no player was ever built: 1, 0, 0, 0.
 struct QBXTrackArtwork
 {
@@ -182,9 +182,9 @@ struct EAPInfo
     std::string text2;  ///< bundle identifier of the companion app
 };
 
-/// A button of the accessory remote control (`SetButtonStatus`): 12 bytes, sent in memory order.
-/// The words are the service's; the comments describe what known services expect. The contract assigns no button
-/// numbers: use those of the service.
+/// A button of the accessory remote control (`SetButtonStatus`): 12 bytes, sent in memory order. The service defines
+/// the words; the comments describe what known services expect. The contract assigns no button numbers: use those of
+/// the service.
 struct iPodPlayerButtonControl
 {
     std::uint32_t word1;  ///< button number

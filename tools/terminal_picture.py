@@ -12,7 +12,7 @@ PALETTE = ["#20262f", "#f07178", "#a5d76e", "#ffcb6b", "#3d6fd8", "#c792ea", "#6
 LAST_FRAME = 2.5  # seconds before the animation restarts
 
 
-def colour(value, otherwise):
+def color(value, otherwise):
     if value is None:
         return otherwise
     if isinstance(value, tuple):
@@ -30,8 +30,8 @@ def number(value):
     return f"{value:.2f}".rstrip("0").rstrip(".")
 
 
-def colours_of(look):
-    ink, paper = colour(look.foreground, INK), colour(look.background, PAPER)
+def colors_of(look):
+    ink, paper = color(look.foreground, INK), color(look.background, PAPER)
     return (paper, ink) if look.reverse else (ink, paper)
 
 
@@ -51,7 +51,7 @@ def runs(line):
 
 
 def draw_text(column, texts, look, wide):
-    ink = colours_of(look)[0]
+    ink = colors_of(look)[0]
     style = (f' fill="{ink}"' if ink != INK else "") + (' opacity=".62"' if look.dim else "")
     kinds = " ".join(["b"] * look.bold + ["w"] * wide)
     style += f' class="{kinds}"' if kinds else ""
@@ -77,7 +77,7 @@ def draw_narrow(column, texts):
 def draw_line(line):
     parts = []
     for column, texts, look, wide in runs(line):
-        paper = colours_of(look)[1]
+        paper = colors_of(look)[1]
         if paper != PAPER:
             width = len(texts) * (2 if wide else 1) * CELL_WIDTH
             parts.append(f'<rect x="{number(column * CELL_WIDTH)}" width="{number(width + 0.3)}" '

@@ -1,4 +1,4 @@
-"""Emulates a terminal's screen: the part of xterm that today's programs use."""
+"""Emulates a terminal's screen: the subset of xterm that current programs use."""
 import codecs
 import dataclasses
 import re
@@ -60,7 +60,7 @@ class TerminalScreen:
 
     @property
     def alternate(self):
-        """Whether a program uses the alternate screen."""
+        """Returns whether a program uses the alternate screen."""
         return self._main is not None
 
     def lines(self):
@@ -248,21 +248,21 @@ class TerminalScreen:
             elif code in ends:
                 self.look = dataclasses.replace(self.look, **dict.fromkeys(ends[code], False))
             else:
-                self._select_colour(code, queue)
+                self._select_color(code, queue)
 
-    def _select_colour(self, code, queue):
+    def _select_color(self, code, queue):
         part = "foreground" if code in (*range(30, 40), *range(90, 98)) else "background"
         base = code - (10 if part == "background" else 0)
         if base == 38:
             kind = queue.pop(0) if queue else 0
-            colour = tuple(queue[:3]) if kind == 2 else (queue[0] if queue else None)
+            color = tuple(queue[:3]) if kind == 2 else (queue[0] if queue else None)
             del queue[:3 if kind == 2 else 1]
         elif 30 <= base <= 37:
-            colour = base - 30
+            color = base - 30
         elif 90 <= base <= 97:
-            colour = base - 82
+            color = base - 82
         elif base == 39:
-            colour = None
+            color = None
         else:
             return
-        self.look = dataclasses.replace(self.look, **{part: colour})
+        self.look = dataclasses.replace(self.look, **{part: color})

@@ -1,5 +1,5 @@
 // Growth of what the library copies and of its listeners, in one process. The segments are larger than those the
-// library creates, so that sizes beyond them show.
+// library creates, to allow for larger sizes.
 #include <QBXIpodShareMemory.h>
 
 #include <cstdio>

@@ -10,7 +10,7 @@
 
 namespace bench
 {
-/// Measures the processor time of @p work at each size. @p prepare runs before each measurement and does not count. At
+/// Measures the processor time of @p work at each size. @p prepare runs before each measurement and is not measured. At
 /// small sizes the work is repeated, so that the clock's own cost does not matter; the time is that of one.
 inline void RunGrowth(const std::string& what, int rounds, const std::vector<int>& sizes,
                       const std::function<void(int)>& prepare, const std::function<void(int)>& work)

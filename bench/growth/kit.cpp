@@ -72,7 +72,7 @@ void RunBrowsing(int rounds)
 }
 
 // Each of the open sessions receives one packet. A fake session publishes a state with each event, as with a settle
-// time of 0: what grows is the state's copy of the open sessions.
+// time of 0: its copy of the open sessions is what grows.
 void RunAccessories(int rounds)
 {
     ipodkit::FakeSession fake;

@@ -1,4 +1,4 @@
-"""Growth: cost against size, with the exponent of a line fitted in logarithms of both."""
+"""Growth: cost against size, with the exponent of a line fitted to the logarithms of both."""
 
 import math
 

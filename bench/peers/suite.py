@@ -1,4 +1,4 @@
-"""Alternatives side by side: the same work, written with each library that an application could use instead."""
+"""Alternatives side by side: the same tasks, written with each library that an application could use instead."""
 
 import os
 import random
@@ -14,7 +14,7 @@ from startup.suite import compare_programs, install
 SOURCES = Path(__file__).resolve().parent
 TOLERANCE = 0.02
 BASELINE, CONTROL = "gdbus", "control"
-# A work, and how often a peer repeats it in one turn.
+# Each task, and how often a peer repeats it in one turn.
 WORKS = {"command": 20, "event": 10, "names": 5, "image": 3}
 TITLES = {"gdbus": "GDBus, generated proxy", "sdbus": "sdbus-c++", "qt": "Qt D-Bus", "python": "dbus-fast for Python",
           "core": "this library: core", "kit": "this library: kit", CONTROL: "GDBus again (control)"}

@@ -1,5 +1,5 @@
 /// @file
-/// What the clients of the start-up suite have in common: report when they are ready, then live until told to end.
+/// Shared by the clients of the start-up suite, which report that they are ready and then run until told to exit.
 #pragma once
 
 #include <gio/gio.h>

@@ -1,4 +1,4 @@
-// The smallest media player that "playerctl status" can ask.
+// The smallest media player that "playerctl status" can query.
 #include <gio/gio.h>
 
 #include <cstdio>

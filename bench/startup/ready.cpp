@@ -28,7 +28,7 @@ double TimeToReady(const std::function<void()>& open, const std::function<bool()
     return cost.count();
 }
 
-// What closing left to do belongs to neither variant: neither here nor, after its answer, in the bus.
+// Lets this process and the bus finish the work that closing a session causes, so that it counts for neither variant.
 void Settle()
 {
     while (g_main_context_iteration(nullptr, FALSE)) continue;

@@ -42,7 +42,7 @@ def memory_of(pid):
 
 
 def measure_clients(programs, figures):
-    """One client at a time, beside the service: what they share with each other would be counted half."""
+    """Runs one client at a time alongside the service: memory that two clients share would count half for each."""
     say("memory of a client")
     found = {"bare": [], "kit": []}
     for _ in range(5):

@@ -45,8 +45,8 @@ SenderLock::SenderLock(Session& session)
 {
     if (m_file < 0 || flock(m_file, LOCK_EX | LOCK_NB) == 0) return;
     close(m_file);
-    throw Failure(kNoSegments, "cannot send: another ipodctl uses the accessory buffers",
-                  "wait until its 'eap bridge', 'eap echo' or 'eap write' has ended");
+    throw Failure(kNoSegments, "cannot send: another ipodctl is using the accessory buffers",
+                  "wait until its 'eap bridge', 'eap echo', or 'eap write' ends");
 }
 
 SenderLock::~SenderLock()

@@ -29,7 +29,7 @@ struct HelpEntry
 
 constexpr HelpEntry kHelp[] = {
     {"Up Down PgUp PgDn Home End", "move"},
-    {"Enter, Right", "open a folder, or play from this song on"},
+    {"Enter, Right", "open a folder, or play from this song"},
     {"Left, Backspace, Esc", "go back"},
     {"a-z 0-9", "jump to a name (also by pinyin or initials: zmx)"},
     {"/", "show matching names only; Enter opens, Esc cancels"},

@@ -59,8 +59,8 @@ void BecomeGroup(gpointer)
 
 std::string Ended(int status)
 {
-    return WIFSIGNALED(status) ? "the command ended by signal " + std::to_string(WTERMSIG(status))
-                               : "the command ended with exit code " + std::to_string(WEXITSTATUS(status));
+    return WIFSIGNALED(status) ? "the command was killed by signal " + std::to_string(WTERMSIG(status))
+                               : "the command failed with exit code " + std::to_string(WEXITSTATUS(status));
 }
 }  // namespace
 
@@ -97,7 +97,7 @@ void CommandQueue::StartNext()
     {
         const Job job = std::move(m_waiting.front());
         m_waiting.pop_front();
-        if (!Start(job)) m_complain("the command cannot be started: " + m_command);
+        if (!Start(job)) m_complain("cannot start the command: " + m_command);
     }
     if (IsIdle()) m_idle();
 }

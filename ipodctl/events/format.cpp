@@ -17,7 +17,7 @@ namespace
 {
 constexpr int kDeepest = 50;
 constexpr char kDescribed[] = "ipodctl(1) describes fields and functions under TEMPLATES";
-constexpr char kAnExpression[] = "a field, a function, a number, or a quoted text";
+constexpr char kAnExpression[] = "a field, a function, a number, or quoted text";
 
 using Value = Format::Value;
 using Arguments = std::vector<Json>;
@@ -137,7 +137,7 @@ std::string Start(std::string_view text)
 {
     constexpr int kShown = 12;
     const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
-    return text.empty() ? "the end" : "'" + Cut(Printable(word), kShown) + "'";
+    return text.empty() ? "the end of the template" : "'" + Cut(Printable(word), kShown) + "'";
 }
 /// Tokenizes a template and reports syntax errors with their column.
 class Scanner
@@ -226,7 +226,7 @@ bool Scanner::TakeQuoted(std::string& text)
     const char quote = AtEnd() ? '\0' : m_text[m_at];
     if (quote != '"' && quote != '\'') return false;
     const std::size_t end = m_text.find(quote, m_at + 1);
-    if (end == std::string::npos) Expected(std::string("a text that ends with ") + quote);
+    if (end == std::string::npos) Expected(std::string("a closing ") + quote);
     text = Unescaped(std::string_view(m_text).substr(m_at + 1, end - m_at - 1));
     m_at = end + 1;
     return true;
@@ -329,7 +329,7 @@ Value Parser::Named(std::size_t place, const std::string& name)
 
 Value Parser::Called(std::size_t place, const std::string& name)
 {
-    if (++m_depth > kDeepest) m_scan.Expected("fewer levels");
+    if (++m_depth > kDeepest) m_scan.Expected("fewer nested functions");
     const FormatFunction& function = Function(place, name);
     std::vector<Value> arguments;
     if (!m_scan.TakeAfterBlanks(")"))

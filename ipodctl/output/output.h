@@ -57,7 +57,7 @@ void ReserveStandardOutput();
 class Output
 {
 public:
-    /// @param colours  for text; JSON has none
+    /// @param colours  whether to color text; JSON is never colored
     explicit Output(bool json, ColourUse colours = ColourUse::Auto);
 
     bool json() const { return m_json; }

@@ -133,7 +133,7 @@ struct Unref
 using Loader = std::unique_ptr<GdkPixbufLoader, Unref<GdkPixbufLoader>>;
 using Pixels = std::unique_ptr<GdkPixbuf, Unref<GdkPixbuf>>;
 
-// Scales large images down while they are decoded, and makes the loader refuse too large ones before it allocates them.
+// Scales large images down during decoding, and makes the loader reject excessive sizes before it allocates memory.
 void LimitSize(GdkPixbufLoader* loader, int width, int height, gpointer)
 {
     if (std::int64_t{width} * height > kMostPixels) return gdk_pixbuf_loader_set_size(loader, 0, 0);

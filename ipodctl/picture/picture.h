@@ -27,7 +27,7 @@ struct Drawing
     Lines lines;    ///< each ends with a color reset
 };
 
-/// Returns whether this build can draw, which takes chafa and gdk-pixbuf.
+/// Returns whether this build can draw, which requires chafa and gdk-pixbuf.
 bool CanDraw();
 
 /// Draws a PNG or JPEG image into at most @p columns by @p rows characters and keeps its aspect ratio. Returns no lines

@@ -136,10 +136,10 @@ void ReadEntries(List& names, int from, int end, Page& page)
     std::string indices;
     for (std::size_t i = 0; i < std::min<std::size_t>(found.size(), 3); ++i)
         indices += (i == 0 ? "" : ", ") + std::to_string(found[i]->index);
-    throw Failure(kUsage,
-                  "'" + Printable(name) + "' is the name of several entries (" + indices +
-                      (found.size() > 3 ? ", ..." : "") + ")",
-                  "give the index");
+    throw Failure(
+        kUsage,
+        "'" + Printable(name) + "' matches several entries (" + indices + (found.size() > 3 ? ", ..." : "") + ")",
+        "give the index");
 }
 
 template <class Matches>

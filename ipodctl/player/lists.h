@@ -44,7 +44,7 @@ private:
     ipodkit::Pager m_pager;
 };
 
-/// Returns names as an array of objects with "index", from @p first on, and "name".
+/// Returns names as an array of objects with "index", counted from @p first, and "name".
 Json EntriesJson(int first, const std::vector<std::string>& names);
 
 /// Returns one printable name per line.

@@ -124,7 +124,7 @@ Answer Bench(Context& context, const Request& request)
 Run BuildBench(CLI::App& app)
 {
     const auto request = Argument<Request>();
-    app.add_option("--count", request->count, "Calls of each command")
+    app.add_option("--count", request->count, "Number of calls per command")
         ->capture_default_str()
         ->transform(WholeNumber(1));
     app.add_flag("--pages", request->pages,

@@ -259,7 +259,7 @@ Run BuildLs(CLI::App& app)
         ->excludes(pinyin);
     auto* const names =
         app.add_flag("--names", listing->names, "Print one name per line and nothing else, for scripts");
-    app.add_flag("--index", listing->index, "Print where each letter begins, Chinese names by pinyin")
+    app.add_flag("--index", listing->index, "Print the index of each letter's first name (Chinese names by pinyin)")
         ->excludes(from)
         ->excludes(count)
         ->excludes(names);

@@ -38,7 +38,7 @@ int FindDevice(const std::vector<std::string>& names, std::string text)
         throw Failure(kUsage, "no device '" + Printable(text) + "'",
                       DidYouMean(text, names, "list the devices with 'ipodctl devices'"));
     if (std::any_of(std::next(found), names.end(), same))
-        throw Failure(kUsage, "'" + Printable(text) + "' is the name of several devices", "give the index");
+        throw Failure(kUsage, "'" + Printable(text) + "' matches several devices", "give the index");
     return static_cast<int>(found - names.begin());
 }
 

@@ -47,7 +47,7 @@ std::string Described(const ipodkit::SegmentObject& object)
 
 std::string Removal(const SegmentPlan& plan)
 {
-    return std::string("stop service and applications, remove /dev/shm/") + plan.name;
+    return std::string("stop the service and all applications, then remove /dev/shm/") + plan.name;
 }
 
 std::string WhatIsWrongWith(const ipodkit::SegmentContents& contents)
@@ -66,7 +66,7 @@ Finding ExamineSegment(const SegmentPlan& plan)
     if (!object.isMemory) return {plan.what, kNoSegments, "it exists and is not shared memory", remove};
     const std::string description = Described(object);
     if (object.owner != geteuid())
-        return {plan.what, kNoSegments, description, "run service and applications under one user"};
+        return {plan.what, kNoSegments, description, "run the service and its applications as one user"};
     const ipodkit::SegmentContents contents = ipodkit::ReadSegment(plan.name);
     const std::string wrong = WhatIsWrongWith(contents);
     if (!wrong.empty()) return {plan.what, kNoSegments, description + "; " + wrong, remove};
@@ -74,8 +74,7 @@ Finding ExamineSegment(const SegmentPlan& plan)
         return {plan.what, kNothingDone, description + ", only " + std::to_string(contents.free) + " bytes free",
                 "data that does not fit is rejected, and vectors never shrink: send less at once, or " + remove};
     if (object.mode != 0644 || object.size != plan.size)
-        return {plan.what, kNothingDone, description,
-                "mode 0644 and " + std::to_string(plan.size) + " bytes are expected"};
+        return {plan.what, kNothingDone, description, "expected mode 0644 and " + std::to_string(plan.size) + " bytes"};
     return {plan.what, kDone, description + ", " + std::to_string(contents.vectors.size()) + " vectors, lock free", ""};
 }
 
@@ -122,7 +121,7 @@ void CompareWithService(Finding& finding, const SegmentPlan& plan, pid_t service
     if (finding.code > kNothingDone || use != ipodkit::SegmentUse::Other) return;
     finding = {plan.what, kNoSegments,
                "the service (process " + std::to_string(service) + ") uses an object that was removed or replaced",
-               Removal(plan) + ", start them again"};
+               Removal(plan) + ", and start them again"};
 }
 
 Finding ExamineService(Session& session, GDBusConnection* bus)

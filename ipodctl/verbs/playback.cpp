@@ -110,14 +110,12 @@ template <ipodkit::Request<void> (ipodkit::Commands::*wind)() const>
 Run BuildWind(CLI::App& app)
 {
     const auto seconds = Argument<double>(1);
-    app.add_option("seconds", *seconds, "Time to wind for, during which the position moves faster")
-        ->capture_default_str()
-        ->check(Seconds(3600));
+    app.add_option("seconds", *seconds, "How long to wind")->capture_default_str()->check(Seconds(3600));
     return [seconds, verb = app.get_name()](Context& context)
     {
         const ipodkit::Commands commands = context.session.Commands();
         Loop loop;
-        AskOfTrack(context.session, (commands.*wind)(), "the service did not wind");
+        AskOfTrack(context.session, (commands.*wind)(), "the service did not start winding");
         const Ending ending = loop.Run(*seconds);
         context.session.Ask(commands.StopWinding(), "the service did not stop winding");
         if (ending == Ending::Interrupted) throw Interrupted{};
@@ -176,7 +174,7 @@ Run BuildSeek(CLI::App& app)
 std::vector<Verb> TransportVerbs()
 {
     return {{"play", "Resume playback, or play a song of the current level",
-             "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue in Green\"", BuildPlay},
+             "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue Lantern\"", BuildPlay},
             {"pause", "Pause playback", "ipodctl pause", BuildPause},
             {"toggle", "Pause playback, or resume it", "ipodctl toggle", BuildToggle},
             {"stop", "Stop playback", "ipodctl stop", BuildStop},
@@ -215,7 +213,7 @@ Answer Apply(const Mode<E>& mode, const std::string& word, Session& session)
     if (!word.empty()) session.Ask((commands.*mode.set)(static_cast<E>(number)));
     const std::string now = ToString(session.Ask((commands.*mode.read)()));
     if (!word.empty() && now != word)
-        throw Failure(kNothingDone, std::string("the service keeps ") + mode.verb + " " + now);
+        throw Failure(kNothingDone, std::string("the service did not change the ") + mode.verb + " mode; it is " + now);
     return {{{"verb", mode.verb}, {"mode", now}}, std::string(mode.verb) + " " + now};
 }
 

@@ -243,7 +243,8 @@ std::string Footer(const SimAction& action)
 {
     std::vector<cli::HelpRow> rows;
     for (const auto& [name, field] : action.fields.items()) rows.push_back({name, DescriptionOf(field)});
-    const std::string fields = cli::HelpSection("Fields, as FIELD=VALUE; of the first the value alone", rows, kWidth);
+    const std::string fields =
+        cli::HelpSection("Fields, as FIELD=VALUE; for the first, VALUE alone is enough", rows, kWidth);
     return "Emits: " + action.follows + "\n" + fields + "\nExamples:\n  ipodctl sim " + action.example;
 }
 
@@ -268,7 +269,7 @@ SimChoice AddAction(CLI::App& app, const SimAction& action)
     added->footer(Footer(action));
     if (!action.fields.empty())
         added->add_option("field", given->words,
-                          "Value of a field, as FIELD=VALUE; of the first field the value alone");
+                          "Field to set, as FIELD=VALUE; for the first field, VALUE alone is enough");
     return {added, &action, given};
 }
 
@@ -287,7 +288,7 @@ const SimAction& ActionOf(const std::string& name)
 Run BuildActions(CLI::App& app)
 {
     const auto name = Argument<std::string>();
-    app.add_option("action", *name, "List what can be typed behind this action");
+    app.add_option("action", *name, "List the words that can follow this action");
     return [name](Context& context) -> Answer
     {
         Json listed = Json::array();
@@ -338,7 +339,7 @@ Run BuildSim(CLI::App& app)
     const Run others =
         AddVerbs(app, {{"scenario", "Play a scenario file", "ipodctl sim scenario drive.json", BuildScenario},
                        SimCallsVerb(),
-                       {"actions", "List the actions, or what can be typed behind one",
+                       {"actions", "List the actions, or the words that can follow one",
                         "ipodctl sim actions\nipodctl sim actions battery", BuildActions}});
     return [choices, others](Context& context)
     {

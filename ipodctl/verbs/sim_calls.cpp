@@ -136,8 +136,8 @@ Answer ShowCalls(Context& context, const std::string& method)
 Run BuildCalls(CLI::App& app)
 {
     const auto query = Argument<CallQuery>();
-    app.add_option("method", query->method, "Only calls of this method");
-    app.add_flag("--clear", query->clear, "Forget all calls instead");
+    app.add_option("method", query->method, "List only calls to this method");
+    app.add_flag("--clear", query->clear, "Clear the list of calls instead");
     return [query](Context& context) -> Answer
     {
         if (!query->clear) return ShowCalls(context, query->method);

@@ -51,7 +51,7 @@ std::string Unconverted(const CLI::App& app)
 {
     for (const CLI::Option* option : OptionsOf(app))
         if (option->get_expected_max() == 0 && option->count() > 0 && option->results().front() != "true")
-            return option->get_name() + ": accepts no value";
+            return option->get_name() + ": does not accept a value";
     return "invalid argument";
 }
 
@@ -74,7 +74,7 @@ std::string MissingArgument(const CLI::App& app)
 std::string Unexpected(const std::string& word)
 {
     const bool option = word.size() > 1 && word.front() == '-';
-    return (option ? "unknown option '" : "unexpected argument '") + Printable(word) + "'";
+    return std::string(option ? "unknown option" : "unexpected argument") + " '" + Printable(word) + "'";
 }
 
 std::string ParseErrorMessage(const CLI::App& app, const CLI::ParseError& error)

@@ -247,7 +247,8 @@ const std::vector<cli::HelpRow>& EnvironmentVariables()
     static const std::vector<cli::HelpRow> variables{
         {"DBUS_SESSION_BUS_ADDRESS", "The session bus"},
         {"NO_COLOR", "Print no colors if set, except with --color always"},
-        {"QBX_LOG", "Log from this level on: LEVEL (to standard error) or LEVEL:FILE, such as DEBUG:/tmp/log"},
+        {"QBX_LOG",
+         "Log records of this level and above: LEVEL (to standard error) or LEVEL:FILE, such as DEBUG:/tmp/log"},
         {"QBX_SOURCE_REFUSE", "Code with which the stand-in for audio sources refuses"}};
     return variables;
 }

@@ -78,7 +78,7 @@ void Unloaded(const Arguments& arguments)
     Say("alive");
 }
 
-// Its child process hangs instead.
+// The child process hangs instead.
 void DoctorBesideAHeldLock(const Arguments& arguments)
 {
     const test::PrivateBus bus;

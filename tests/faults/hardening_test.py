@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Looks for the hardening of docs/security.md in what was built.
+"""Checks that the built files have the hardening described in docs/security.md.
 
-Usage: hardening_test.py OPTIMISED FILE...    OPTIMISED is 1 when the build optimises, else 0
+Usage: hardening_test.py OPTIMIZED FILE...    OPTIMIZED is 1 when the build optimizes, else 0
 """
 
 import os
@@ -14,8 +14,8 @@ def readelf(option, file):
     return subprocess.run(["readelf", "-W", option, file], check=True, capture_output=True, text=True).stdout
 
 
-def missing(file, optimised):
-    """What a program or library lacks."""
+def missing(file, optimized):
+    """Returns the hardening that a program or library lacks."""
     header, segments, dynamic, symbols = (readelf(option, file) for option in ("-h", "-l", "-d", "--dyn-syms"))
     name = os.path.basename(file)
     library = ".so" in name
@@ -26,7 +26,7 @@ def missing(file, optimised):
         "stack not executable": re.search(r"GNU_STACK.*\bRW\s", segments),
         "stack protector": "__stack_chk_fail" in symbols,
     }
-    if optimised:
+    if optimized:
         found["checked copies"] = re.search(r"__\w+_chk@", symbols)
     if name.startswith("libipod."):
         found["never unloaded"] = re.search(r"FLAGS_1.*\bNODELETE\b", dynamic)
@@ -35,11 +35,11 @@ def missing(file, optimised):
 
 
 def main():
-    optimised = sys.argv[1] == "1"
+    optimized = sys.argv[1] == "1"
     files = sys.argv[2:]
     bad = 0
     for file in files:
-        lacking = missing(file, optimised)
+        lacking = missing(file, optimized)
         bad += bool(lacking)
         if lacking:
             print(f"{file}: lacks {', '.join(lacking)}")

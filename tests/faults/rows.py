@@ -1,4 +1,4 @@
-"""The fault matrix: what is done to the library, and the outcome that the contract demands."""
+"""The fault matrix: each fault, and the outcome that the contract requires."""
 
 import dataclasses
 import signal
@@ -21,11 +21,11 @@ class Row:
     expected: str
     case: str
     arguments: list = dataclasses.field(default_factory=lambda: [[]])
-    exit: int = 0  # a negative number is a signal, as subprocess has it
-    says: tuple = (ALIVE,)  # lines that standard output must have
-    log: dict = dataclasses.field(default_factory=dict)  # text: how many log lines hold it
+    exit: int = 0  # a negative number is a signal, as in subprocess
+    says: tuple = (ALIVE,)  # lines that standard output must contain
+    log: dict = dataclasses.field(default_factory=dict)  # text -> number of log lines that contain it
     limit: int = 20  # seconds
-    alone: bool = False  # measures milliseconds: no other case beside it
+    alone: bool = False  # measures milliseconds, so no other case runs beside it
     environment: dict = dataclasses.field(default_factory=dict)
 
 
@@ -83,7 +83,7 @@ SEGMENTS = [
 ]
 
 SERVICE = [
-    Row("service", "killed in mid-call, 200 times",
+    Row("service", "killed during a call, 200 times",
         "every call fails and is logged, 99 % within 5 ms", "killed-in-mid-call", [["200"]],
         log={"disconnected from message bus without replying": 200}, limit=60,
         alone=True),
@@ -99,7 +99,7 @@ SERVICE = [
     Row("service", "calls and events without a pause, on one thread",
         "3,000 calls and 20,000 events per second of processor time, or two thirds of GDBus alone",
         "held-rates", [["5"]], limit=60, alone=True),
-    Row("service", "bus killed while the main loop runs", "**GDBus ends the process** by SIGTERM",
+    Row("service", "bus killed while the main loop runs", "**GDBus terminates the process** with SIGTERM",
         "bus-killed-while-the-loop-runs", exit=-signal.SIGTERM, says=()),
     Row("service", "bus killed, no main loop", "failure value at once", "bus-killed-without-a-loop",
         says=("survived",), log={FAILED_CALL: 1}),

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of run-faults: a matrix is worth what its judge notices."""
+"""Tests run-faults: it must detect every deviation."""
 
 import dataclasses
 import importlib.machinery
@@ -32,7 +32,7 @@ class Judging(unittest.TestCase):
     def test_a_death_is_noticed(self):
         self.assert_noticed(ROW, -signal.SIGSEGV, *GOOD[1:])
 
-    def test_a_death_that_did_not_come_is_noticed(self):
+    def test_a_missing_death_is_noticed(self):
         self.assert_noticed(dataclasses.replace(ROW, exit=-signal.SIGBUS), *GOOD)
 
     def test_a_case_that_hangs_is_noticed(self):
@@ -52,7 +52,7 @@ class Judging(unittest.TestCase):
 
 
 def code_in(document):
-    """The lines of its code blocks."""
+    """Returns the lines of its code blocks."""
     text = (run_faults.ROOT / document).read_text(encoding="utf-8")
     return [line.strip() for line in text.splitlines() if line.startswith("    ") and line.endswith(";")]
 

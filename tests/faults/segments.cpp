@@ -147,7 +147,7 @@ void FilledLater(const Arguments&)
     Desk desk;
     std::vector<unsigned char> payload(kBufferSegmentSize / 2);
     desk.player.EapWrite(1, payload);
-    Expect(false, "writing pages that cannot be allocated ends the process");
+    Expect(false, "writing pages that cannot be allocated terminates the process");
 }
 
 std::string PlayingList(Desk& desk)
@@ -195,7 +195,7 @@ void CutWhileMapped(const Arguments&)
     ExpectText("page", PlayingList(desk), "[\"one\"]");
     Expect(truncate(kListPath, 0) == 0, "the object is cut");
     PlayingList(desk);
-    Expect(false, "reading the cut segment ends the process");
+    Expect(false, "reading the truncated segment terminates the process");
 }
 
 void RecreatedSegment(const Arguments&)

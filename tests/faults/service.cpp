@@ -171,7 +171,7 @@ void BusKilledWhileTheLoopRuns(const Arguments&)
     Desk desk;
     KillTheBus();
     test::RunLoopFor(std::chrono::seconds(2));
-    Expect(false, "the end of the bus ends the process");
+    Expect(false, "the end of the bus terminates the process");
 }
 
 // Without a running loop the process survives; calls fail at once.

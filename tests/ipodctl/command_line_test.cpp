@@ -43,7 +43,7 @@ TEST(CommandLine, DistinguishesANegativeTimeFromAnOption)
     EXPECT_EQ(Parse({"seek", "--back", "-5"}), (Words{"--back=-5", "seek"}));
 }
 
-TEST(CommandLine, RefusesAVerbThatItDoesNotKnow)
+TEST(CommandLine, RejectsAnUnknownCommand)
 {
     EXPECT_THROW(Parse({"--json", "dance"}), Failure);
     EXPECT_THROW(Parse({"--color", "never", "dance", "seek"}), Failure);
@@ -81,7 +81,7 @@ TEST(UnknownWord, SuggestsTheMostSimilarWord)
         EXPECT_EQ(UnknownWord("command", different, words, "try it").hint(), "try it");
 }
 
-TEST(Help, IsWrappedAndNamesValuesInWordsOfPeople)
+TEST(Help, IsWrappedAndNamesValuesInPlainWords)
 {
     CLI::App app("Does what it does, at such length that the line has to be broken.", "test");
     app.formatter(std::make_shared<cli::HelpFormatter>(40));
@@ -116,7 +116,7 @@ TEST(WholeNumber, IsDecimalDespiteLeadingZeros)
     EXPECT_EQ(number, 10);
 }
 
-TEST(NumberUpTo, KnowsTheWholeRange)
+TEST(NumberUpTo, AcceptsTheWholeRange)
 {
     EXPECT_EQ(NumberUpTo(UINT32_MAX)("4294967295"), "");
     EXPECT_EQ(NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
@@ -127,7 +127,7 @@ TEST(NumberUpTo, KnowsTheWholeRange)
         EXPECT_NE(NumberUpTo(UINT64_MAX)(wrong), "");
 }
 
-TEST(Seconds, AreFiniteAndAboveNothing)
+TEST(Seconds, AreFiniteAndPositive)
 {
     for (const char* right : {"0.001", "1", "2.5", "1e3", "60"}) EXPECT_EQ(Seconds(1000)(right), "");
     for (const char* wrong : {"", "0", "-1", "nan", "inf", "1x", "0x10", " 1", "1001", "0.0001"})

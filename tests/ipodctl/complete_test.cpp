@@ -79,7 +79,7 @@ TEST_F(Completion, OffersCommandsWithTheirSummaries)
     EXPECT_EQ(After({"--deadline", "e"}), "");
 }
 
-TEST_F(Completion, OffersCommandsBehindHelp)
+TEST_F(Completion, OffersCommandsAfterHelp)
 {
     m_app.add_subcommand("help", "Help");
     EXPECT_EQ(After({"help", "q"}), "play\tPlay\nqueue\tJump\nevents\tFollow\nhelp\tHelp\n");
@@ -104,7 +104,7 @@ TEST_F(Completion, OffersTheWordsThatAreAccepted)
     EXPECT_EQ(After({"events", "--exec", ""}), "\tcommands\n");
 }
 
-TEST_F(Completion, OffersNamesThatAreNoIndices)
+TEST_F(Completion, OffersNamesThatAreNotIndices)
 {
     EXPECT_EQ(After({"play", "B"}), "./22\nBlue\uFFFDLantern\n");
     EXPECT_EQ(m_asked, (Words{"ls", "--all", "--no-pinyin"}));

@@ -39,14 +39,14 @@ ExitCode CodeOf(const Action& action)
 }
 }  // namespace
 
-TEST_F(Files, GetAnExtensionWhereTheyHaveNone)
+TEST_F(Files, GetAnExtensionIfTheyHaveNone)
 {
     EXPECT_EQ(FileIn("cover", "artwork", ".png"), "cover.png");
     EXPECT_EQ(FileIn("cover.jpg", "artwork", ".png"), "cover.jpg");
     EXPECT_EQ(FileIn("/tmp/a.b/cover", "artwork", ".png"), "/tmp/a.b/cover.png");
 }
 
-TEST_F(Files, AreWrittenUnderTheirNameWhereADeviceHasIt)
+TEST_F(Files, KeepTheNameOfADevice)
 {
     EXPECT_EQ(FileIn("/dev/null", "artwork", ".png"), "/dev/null");
     WriteFile(m_folder + "/cover", {1});
@@ -76,7 +76,7 @@ TEST_F(Files, AreReadUpToALength)
     EXPECT_THROW(ReadFile(m_folder + "/a", 9999), Failure);
 }
 
-TEST_F(Files, ThatCannotBeUsedReportTheReason)
+TEST_F(Files, AreReportedWithTheReasonIfUnusable)
 {
     EXPECT_THROW(ReadFile(m_folder + "/none"), Failure);
     EXPECT_THROW(ReadFile(m_folder), Failure);

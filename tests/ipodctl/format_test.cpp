@@ -67,13 +67,13 @@ TEST(Format, ChainsFunctions)
     EXPECT_EQ(Rendered("{{ json(title) }}"), "\"Blue in Green\"");
 }
 
-TEST(Format, KnowsThreeEscapes)
+TEST(Format, SupportsThreeEscapes)
 {
     EXPECT_EQ(Rendered("a\\tb\\nc\\\\d\\e"), "a\tb\nc\\d\\e");
     EXPECT_EQ(Rendered("{{ 'a\\nb' }}"), "a\uFFFDb");
 }
 
-TEST(Format, DoesNotLetValuesReachTheTerminalRaw)
+TEST(Format, MakesValuesSafeForTheTerminal)
 {
     EXPECT_EQ(Rendered("{{ title }}", {{"title", "a\033[2Jb\u202e"}}), "a\uFFFD[2Jb\uFFFD");
     EXPECT_EQ(Rendered("{{ title | upper }}", {{"title", "\xFFz"}}), "\uFFFDZ");
@@ -81,16 +81,16 @@ TEST(Format, DoesNotLetValuesReachTheTerminalRaw)
 
 TEST(Format, ReportsTheColumnAndTheExpectation)
 {
-    EXPECT_EQ(ErrorOf("{{ title"), "--format: column 9: expected }}, got the end");
+    EXPECT_EQ(ErrorOf("{{ title"), "--format: column 9: expected }}, got the end of the template");
     EXPECT_EQ(ErrorOf("周明轩 {{ }}"),
-              "--format: column 8: expected a field, a function, a number, or a quoted text, "
+              "--format: column 8: expected a field, a function, a number, or quoted text, "
               "got '}}'");
     EXPECT_EQ(ErrorOf("{{ titel }}"),
               "--format: column 4: expected a field such as title, artist, or state, got 'titel'");
     EXPECT_NE(ErrorOf("{{ shout(title) }}").find("column 4: expected a function (cut, default"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ title | cut }}").find("column 12: expected cut with 2 arguments"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ duration() }}").find("column 4: expected duration with 1 argument"), std::string::npos);
-    EXPECT_NE(ErrorOf("{{ 'open }}").find("column 4: expected a text that ends with '"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ 'open }}").find("column 4: expected a closing '"), std::string::npos);
     EXPECT_NE(ErrorOf("{{ 99999999999 }}").find("column 4: expected a number of at most 9 digits"), std::string::npos);
 }
 
@@ -106,11 +106,11 @@ TEST(Format, LeavesPercentSignsInBracesAlone)
     EXPECT_EQ(Rendered("{% if title %}"), "{% if title %}");
 }
 
-TEST(Format, RefusesToNestWithoutEnd)
+TEST(Format, LimitsTheNestingDepth)
 {
     std::string calls;
     for (int i = 0; i < 100000; ++i) calls += "upper(";
-    EXPECT_NE(ErrorOf("{{ " + calls + " }}").find("fewer levels"), std::string::npos);
+    EXPECT_NE(ErrorOf("{{ " + calls + " }}").find("fewer nested functions"), std::string::npos);
     EXPECT_EQ(Rendered("{{ upper(lower(title)) }}"), "BLUE IN GREEN");
 }
 }  // namespace

@@ -138,7 +138,7 @@ class WithoutAService(OnABus):
                 (["ls", "--count"], "--count: missing value", "try 'ipodctl ls --help'"),
                 (["ls", "--count", "1", "--count", "2"], "--count: can be given only once", "try 'ipodctl ls --help'"),
                 (["ls", "--all", "--from", "1"], "--from cannot be used with --all", "try 'ipodctl ls --help'"),
-                (["ls", "--all=maybe"], "--all: accepts no value", "try 'ipodctl ls --help'"),
+                (["ls", "--all=maybe"], "--all: does not accept a value", "try 'ipodctl ls --help'"),
                 (["shuffle", "x"], "mode: expected one of off, songs, albums, got 'x'", "try 'ipodctl shuffle --help'"),
                 (["hub", "x"], "mode: expected an integer between 0 and 255, got 'x'", "try 'ipodctl hub --help'"),
                 (["button", "-1"], "number: expected an integer between 0 and 4294967295, got '-1'",
@@ -248,7 +248,7 @@ class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
         self.music = ("--no-cache", folder.name)
         super().setUp()
 
-    def test_a_path_leads_through_the_longest_names_that_there_are(self):
+    def test_a_path_enters_the_longest_matching_names(self):
         for path, count in (("/Albums/AM/FM", 4), ("/Albums/AM", 1), ("/albums/am/fm/", 4), ("/Albums/AM/../AM/FM", 4)):
             with self.subTest(path):
                 self.assertEqual(self.json("cd", path)["count"], count)
@@ -408,7 +408,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
             self.assertEqual(check(json.loads(line), SCHEMA), [])
         self.assertIn("lost", [json.loads(line).get("state") for line in lines])
 
-    def test_watching_ends_well_also_while_the_service_is_asked(self):
+    def test_watching_ends_cleanly_even_during_a_request(self):
         self.play_first_song()
         began = time.monotonic()
         self.json("status")
@@ -446,7 +446,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertTrue(shown.endswith("\033[?25h\033[?1049l"), shown)
         self.assertGreaterEqual(shown.count("playing"), 2)
 
-    def test_the_picture_is_drawn_where_it_is_wanted(self):
+    def test_artwork_is_drawn_on_request(self):
         self.play_first_song()
         plain = self.text("status").splitlines()
         drawn = self.text("status", "--art").splitlines()
@@ -567,7 +567,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual((keys["app"], keys["calls"]), ("", ""))
         self.assertEqual(keys["queue.1.name"], self.json("queue")["entries"][1]["name"])
 
-    def test_colors_are_as_they_are_asked_for(self):
+    def test_colors_follow_the_option(self):
         self.play_first_song()
         self.bus.environment["NO_COLOR"] = "1"
         for words, painted in ((["queue"], "\033[1m> "), (["shm"], "\033[1m"), (["doctor"], "\033[32mok"),
@@ -613,7 +613,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_refused_audio_source_is_reported_and_nothing_plays(self):
         self.run_ctl("cd", "/Songs")
         self.bus.environment["QBX_SOURCE_REFUSE"] = "9"
-        self.assertIn("audio-source manager answered 9", self.refused("play", "0", code=NOTHING_DONE))
+        self.assertIn("audio-source manager refused with code 9", self.refused("play", "0", code=NOTHING_DONE))
         self.assertEqual(self.json("status")["state"], "stopped")
 
     # Modes
@@ -754,7 +754,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     # Artwork
 
-    def test_the_picture_is_written_under_a_name_with_its_extension(self):
+    def test_artwork_is_written_under_a_name_with_its_extension(self):
         self.play_first_song()
         answer = self.json("art", "cover")
         self.assertEqual((answer["file"], answer["type"]), ("cover.png", "image/png"))
@@ -803,7 +803,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     # Events
 
-    def test_events_come_one_per_line_until_there_are_enough(self):
+    def test_events_are_printed_one_per_line_until_the_count_is_reached(self):
         def cause():
             self.tell("call", "ringing", "display-name=Li Lei", "remote-id=123")
             self.tell("battery", "80", "charging-status=charging")
@@ -900,7 +900,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_an_interrupt_ends_the_command_and_all_that_it_started_and_begins_no_other(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(number):
-                # The command prints once the shell already waits for it: a shell that is interrupted just before that
+                # The command prints only when the shell is already waiting for it: a shell that is interrupted earlier
                 # still starts the command.
                 slow = "import os, time; print(os.environ['IPOD_PERCENT'], flush=True); time.sleep(300)"
                 process = self.follow("events", "battery", "--exec", f'"{sys.executable}" -c "{slow}"; echo survived')
@@ -924,7 +924,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(process.communicate(timeout=LIMIT)[0], b"")
         self.assertEqual(process.returncode, DONE)
 
-    def test_a_command_that_is_slower_than_its_events_does_not_go_on_when_the_time_is_up(self):
+    def test_no_further_command_starts_when_the_time_is_up(self):
         began = time.monotonic()
         self.tell("battery", "5")
         once = time.monotonic() - began
@@ -1012,8 +1012,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         for words in (["eap", "bridge"], ["eap", "echo", "hello"], ["eap", "write", "1"]):
             with self.subTest(words):
                 self.assertEqual(self.failure(*words, code=NO_SEGMENTS),
-                                 ("cannot send: another ipodctl uses the accessory buffers",
-                                  "wait until its 'eap bridge', 'eap echo' or 'eap write' has ended"))
+                                 ("cannot send: another ipodctl is using the accessory buffers",
+                                  "wait until its 'eap bridge', 'eap echo', or 'eap write' ends"))
         self.assertEqual(first.communicate(b"still here", timeout=LIMIT)[0], b"still here")
         self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
 
@@ -1095,7 +1095,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("shared memory has no room", self.refused("eap", "write", "77", data=b"x", code=NOTHING_DONE))
         self.assertIn("cannot read", self.refused("eap", "write", "1", "/nonexistent", code=USAGE))
 
-    def test_more_than_the_shared_memory_holds_is_rejected_beforehand(self):
+    def test_more_than_the_shared_memory_holds_is_rejected_in_advance(self):
         self.tell("eap-open")
         free = self.free_bytes()
         for size in (3000000, 2000000, 614400):
@@ -1207,7 +1207,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.stop_simulator()
         self.start_simulator()
 
-    def test_events_go_on_when_the_service_restarts(self):
+    def test_events_continue_when_the_service_restarts(self):
         process = self.follow("events", "--no-progress", "--count", "4")
         self.tell("battery", "1")
         for level in ("2", "3", "4"):
@@ -1386,7 +1386,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 self.assertEqual(b"QBX_LOG='/missing/zlog.conf': " in err, config == "/missing/zlog.conf")
                 self.assertEqual(os.listdir(self.folder.name), [])
 
-    def test_a_terminal_gets_colour_unless_it_is_not_wanted(self):
+    def test_a_terminal_gets_color_unless_it_is_disabled(self):
         self.play_first_song()
         self.assertIn("\033[", self.on_terminal("status"))
         self.assertNotIn("\033", self.on_terminal("status", "--json"))
@@ -1512,14 +1512,14 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
         os.truncate(path, os.path.getsize(path) + 4096)
         lists = self.examine(NOTHING_DONE)["lists"]
         self.assertEqual(lists["state"], "warning")
-        self.assertIn("bytes are expected", lists["advice"])
+        self.assertIn("expected mode 0644", lists["advice"])
 
     def test_another_owner_is_a_problem(self):
         try:
             os.chown("/dev/shm/ListVectorSharedMemory", 65534, 65534)
         except OSError:
             self.skipTest("only root can change the owner of a file, and only to a user of this namespace")
-        self.assertIn("under one user", self.examine(NO_SEGMENTS)["lists"]["advice"])
+        self.assertIn("as one user", self.examine(NO_SEGMENTS)["lists"]["advice"])
 
     def test_a_cut_segment_is_a_problem_and_does_not_end_the_doctor(self):
         os.truncate("/dev/shm/ListVectorSharedMemory", 100)

@@ -30,7 +30,7 @@ TEST(Output, HasNoColorWithoutATerminal)
     testing::internal::GetCapturedStdout();
 }
 
-TEST(Output, IsAllThatStandardOutputGets)
+TEST(Output, SendsOnlyAnswersToStandardOutput)
 {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();

@@ -99,7 +99,7 @@ TEST(Extension, FollowsTheTypeOfTheImage)
     EXPECT_STREQ(ctl::Extension(Bytes(std::string("II*\0\x08\0\0\0", 8))), ".tiff");
 }
 
-TEST(IsWhole, WantsTheLastChunkOfAPng)
+TEST(IsWhole, RequiresTheLastChunkOfAPng)
 {
     const std::string png = Png();
     EXPECT_TRUE(IsWhole(Bytes(png)));
@@ -108,7 +108,7 @@ TEST(IsWhole, WantsTheLastChunkOfAPng)
     EXPECT_FALSE(IsWhole(Bytes("\x89PNG\r\n\x1A\nrubbish rubbish rubbish IEND")));
 }
 
-TEST(IsWhole, WantsTheEndOfAJpegAndNotThatOfAPictureInside)
+TEST(IsWhole, RequiresTheEndOfAJpegNotThatOfItsThumbnail)
 {
     const std::string jpeg = Jpeg();
     EXPECT_TRUE(IsWhole(Bytes(jpeg)));
@@ -116,7 +116,7 @@ TEST(IsWhole, WantsTheEndOfAJpegAndNotThatOfAPictureInside)
     for (std::size_t size = 3; size < jpeg.size(); ++size) EXPECT_FALSE(IsWhole(Bytes(jpeg.substr(0, size)))) << size;
 }
 
-TEST(IsWhole, BelievesOtherKinds)
+TEST(IsWhole, AcceptsOtherTypes)
 {
     EXPECT_TRUE(IsWhole(Bytes("GIF89a")));
     EXPECT_TRUE(IsWhole({}));
@@ -135,7 +135,7 @@ TEST(Extension, IsBinForEverythingElse)
         EXPECT_STREQ(ctl::Extension(Bytes(text)), ".bin") << text;
 }
 
-TEST(Draw, KeepsTheShapeOfAnImage)
+TEST(Draw, KeepsTheAspectRatioOfAnImage)
 {
     if (!ctl::CanDraw()) GTEST_SKIP();
     EXPECT_EQ(Drawn(WhitePng(30, 30)).width, 20);
@@ -150,7 +150,7 @@ TEST(Draw, RefusesAnImageOfMoreThanSixteenMillionPixels)
     EXPECT_EQ(Drawn(WhitePng(16001, 1000)).width, 0);
 }
 
-TEST(Draw, GivesNothingForADamagedImage)
+TEST(Draw, ReturnsNothingForADamagedImage)
 {
     const std::string png = WhitePng(30, 30);
     for (std::size_t size = 0; size < png.size(); ++size) EXPECT_TRUE(Drawn(png.substr(0, size)).lines.empty()) << size;

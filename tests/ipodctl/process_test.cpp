@@ -65,7 +65,7 @@ TEST_F(CommandsOf, EventsMayIgnoreAnInputLongerThanAPipe)
 TEST_F(CommandsOf, FailuresAreReported)
 {
     Run("exit 3", {{Json::object(), ""}, {Json::object(), ""}});
-    EXPECT_EQ(complaints, (std::vector<std::string>(2, "the command ended with exit code 3")));
+    EXPECT_EQ(complaints, (std::vector<std::string>(2, "the command failed with exit code 3")));
 }
 }  // namespace
 }  // namespace ctl

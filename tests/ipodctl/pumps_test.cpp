@@ -84,7 +84,7 @@ TEST(OutputPump, WritesAllBytesInTheirOrder)
     EXPECT_EQ(pipe.Received(), std::string(bytes.begin(), bytes.end()));
 }
 
-TEST(OutputPump, NeedsNoLongerForAByteWhenMoreAreWaiting)
+TEST(OutputPump, TakesNoLongerPerByteWhenMoreAreWaiting)
 {
     DrainedPipe pipe;
     OutputPump pump([](int) { FAIL(); });

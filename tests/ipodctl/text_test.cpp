@@ -86,7 +86,7 @@ TEST(Bar, StaysWithinItsWidthForAnyInput)
     EXPECT_EQ(Bar(1, 2, 0), "[>]");
 }
 
-TEST(Count, KnowsOneFromMany)
+TEST(Count, DistinguishesSingularAndPlural)
 {
     EXPECT_EQ(Count(1, "entry", "entries"), "1 entry");
     EXPECT_EQ(Count(0, "entry", "entries"), "0 entries");

@@ -269,7 +269,7 @@ class Hardening(Case):
     SOURCE = "void __stack_chk_fail(void) {}\nvoid start(void) {}\n"
 
     def check(self, name, *link):
-        """The verdict on an unoptimised program or library that is hardened as far as LINK says."""
+        """The verdict on an unoptimized program or library that is hardened as far as LINK says."""
         built = self.root / name
         built.parent.mkdir(parents=True, exist_ok=True)
         subprocess.run([COMPILER, "-fPIC", "-nostdlib", "-Wl,-z,relro,-z,now", *link, "-o", str(built),
@@ -334,12 +334,12 @@ class CompareTestLists(Case):
                 ("leaves nothing out any more: a", ["a"], ["a"], "a  once it could not\n")):
             self.expect(expected, *arguments)
 
-    def test_tells_what_is_left_out_and_why(self):
+    def test_reports_exclusions_with_their_reasons(self):
         _, output = self.check(["a", "b1", "b2"], ["a"], "# comment\nb.  no such thing there\n")
         self.assertIn("left out: b. (2): no such thing there", output)
         self.assertIn("tests: 3 native, 1 here, 2 left out with a reason, 0 differences", output)
 
-    def test_compares_nothing_with_a_build_that_is_not_there(self):
+    def test_rejects_a_missing_build(self):
         self.assertEqual(2, self.check(["a"], [])[0])
         self.assertEqual(2, self.check(["a"], ["a_NOT_BUILT"])[0])
 

@@ -51,7 +51,7 @@ struct VectorContents
     bool exists = false;
     std::size_t elements = 0;
     std::size_t capacity = 0;  ///< in elements
-    std::string problem{};     ///< "not there", or what is damaged; empty if the vector is readable
+    std::string problem{};     ///< "missing", or what is damaged; empty if the vector is readable
 };
 
 /// The contents of a segment.
