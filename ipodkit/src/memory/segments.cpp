@@ -113,7 +113,7 @@ template <class Vector>
 std::string Described(QBXSharedSegment& segment, const char* name)
 {
     const Vector* const vector = segment.find<Vector>(name).first;
-    if (vector == nullptr) return "0 0 0 not there\n";
+    if (vector == nullptr) return "0 0 0 missing\n";
     const Elements<typename Vector::value_type> room{vector->data(), vector->capacity()};
     const bool sound = vector->size() <= room.count && (room.count == 0 || LieIn(segment, room));
     return "1 " + std::to_string(vector->size()) + ' ' + std::to_string(room.count) + ' ' + (sound ? "" : kOutside) +
