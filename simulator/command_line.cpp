@@ -2,6 +2,7 @@
 
 #include <cli/help.h>
 #include <glib.h>
+#include <ipodnames/nearest.h>
 
 #include <algorithm>
 #include <charconv>
@@ -124,7 +125,7 @@ std::string SimilarOption(const CLI::App& app)
     for (const CLI::Option* option : app.get_options())
         for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
     const std::string word = Unexpected(app);
-    return word.rfind("--", 0) == 0 ? Nearest(word.substr(0, word.find('=')), names) : "";
+    return word.rfind("--", 0) == 0 ? ipodnames::Nearest(word.substr(0, word.find('=')), names) : "";
 }
 
 // CLI11 gives the name of the option only in its message, before a colon or a blank.

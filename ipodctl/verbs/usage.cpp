@@ -1,9 +1,10 @@
 #include "verbs/usage.h"
 
+#include <cli/help.h>
+
 #include <algorithm>
 
 #include "output/text.h"
-#include "verbs/help.h"
 
 namespace ctl
 {
@@ -25,7 +26,7 @@ const CLI::App& Chosen(const CLI::App& app)
 std::vector<std::string> CommandNames(const CLI::App& app)
 {
     std::vector<std::string> names;
-    for (const CLI::App* command : CommandsOf(app)) names.push_back(command->get_name());
+    for (const CLI::App* command : cli::CommandsOf(app)) names.push_back(command->get_name());
     return names;
 }
 
@@ -105,7 +106,7 @@ const CLI::App& CommandIn(const CLI::App& app, const std::string& name)
     const CLI::App* const command = cli::FindCommand(app, name);
     const std::vector<std::string> names = CommandNames(app);
     if (names.empty()) throw Failure(kUsage, Unexpected(name), "try 'ipodctl --help'");
-    if (command == nullptr) throw UnknownWord("command", name, names, "try '" + PathOf(app) + " --help'");
+    if (command == nullptr) throw UnknownWord("command", name, names, "try '" + cli::PathOf(app) + " --help'");
     return *command;
 }
 
