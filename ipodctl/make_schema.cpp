@@ -45,17 +45,6 @@ Json SchemaOf()
 }
 
 template <class T>
-struct Present
-{
-    using Type = T;
-};
-template <class T>
-struct Present<std::optional<T>>
-{
-    using Type = T;
-};
-
-template <class T>
 void AddSchema(Json& object)
 {
     ipodkit::ForEachRow<T>(
@@ -66,7 +55,11 @@ void AddSchema(Json& object)
             {
                 if (*row.name == '\0') return AddSchema<Field>(object);
             }
-            Json schema = SchemaOf<typename Present<Field>::Type>();
+            Json schema;
+            if constexpr (kIsOptional<Field>)
+                schema = SchemaOf<typename Field::value_type>();
+            else
+                schema = SchemaOf<Field>();
             schema["description"] = row.meaning;
             object["properties"][JsonName(row)] = std::move(schema);
             if constexpr (!kIsOptional<Field>) object["required"].push_back(JsonName(row));

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <fstream>
 
 #include "output/text.h"
 #include "session/session.h"
@@ -142,13 +143,21 @@ Finding ExamineService(Session& session, GDBusConnection* bus)
     return {"service", kDone, owner, ""};
 }
 
-// Others may read a shared list for a moment; a lock that stays is that of a browser, or of a stopped process.
-void AddLocks(std::vector<Finding>& all)
+bool IsStopped(pid_t process)
 {
-    for (const ipodkit::LockHolder& holder : ipodkit::LockHolders())
-        all.push_back(
-            {"lock", kDone,
-             holder.what + " is held by process " + std::to_string(holder.process) + " (" + holder.program + ")", ""});
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("State:\tT", 0) == 0 || line.rfind("State:\tt", 0) == 0) return true;
+    return false;
+}
+
+// Others may read a shared list for a moment; a lock that stays is that of a browser, or of a stopped process.
+Finding ExamineLock(const ipodkit::LockHolder& holder)
+{
+    const std::string process = std::to_string(holder.process);
+    const std::string held = holder.what + " is held by process " + process + " (" + holder.program + ")";
+    if (!IsStopped(holder.process)) return {"lock", kDone, held, ""};
+    return {"lock", kNothingDone, held + ", which is stopped", "continue it (kill -CONT " + process + ") or end it"};
 }
 
 // Probes the segments before connecting to the bus: the probe forks, and GDBus starts threads.
@@ -170,7 +179,7 @@ std::vector<Finding> Examine(Session& session)
         all.push_back({"bus", failure.code(), failure.what(), failure.hint()});
     }
     all.insert(all.end(), segments.begin(), segments.end());
-    AddLocks(all);
+    for (const ipodkit::LockHolder& holder : ipodkit::LockHolders()) all.push_back(ExamineLock(holder));
     return all;
 }
 

@@ -4,6 +4,7 @@
 IPOD_TRACK_CHANGES sets the number of track changes (default: 50).
 """
 import argparse
+import inspect
 import os
 import re
 import shutil
@@ -13,74 +14,30 @@ import sys
 import tempfile
 import time
 import unittest
-import xml.etree.ElementTree as ElementTree
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
+import mpris_rules  # noqa: E402
 from gi.repository import Gio, GLib  # noqa: E402
+from mpris_rules import PLAYER, PROPERTIES, ROOT, described  # noqa: E402
 from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
                              line_within)
 
 CHANGES = int(os.environ.get("IPOD_TRACK_CHANGES", "50"))
 DONE, USAGE, NO_BUS, ALREADY_RUNNING = 0, 2, 3, 4
 SERVICE = "com.zarn.linux.ipod"
-MPRIS, MPRIS_PATH = "org.mpris.MediaPlayer2.ipod", "/org/mpris/MediaPlayer2"
-PLAYER, ROOT = "org.mpris.MediaPlayer2.Player", "org.mpris.MediaPlayer2"
+MPRIS, MPRIS_PATH = "org.mpris.MediaPlayer2.ipod", mpris_rules.PATH
 STATE, STATE_PATH = "com.zarn.linux.ipod.State", "/com/zarn/linux/ipod/State"
-PROPERTIES = "org.freedesktop.DBus.Properties"
-UNSIGNALLED = '<annotation name="org.freedesktop.DBus.Property.EmitsChangedSignal" value="false"/>'
 
-# The published interfaces, version 2.2.
-PUBLISHED = f"""<node>
-<interface name="org.mpris.MediaPlayer2">
-  <method name="Raise"/><method name="Quit"/>
-  <property name="CanQuit" type="b" access="read"/>
-  <property name="Fullscreen" type="b" access="readwrite"/>
-  <property name="CanSetFullscreen" type="b" access="read"/>
-  <property name="CanRaise" type="b" access="read"/>
-  <property name="HasTrackList" type="b" access="read"/>
-  <property name="Identity" type="s" access="read"/>
-  <property name="DesktopEntry" type="s" access="read"/>
-  <property name="SupportedUriSchemes" type="as" access="read"/>
-  <property name="SupportedMimeTypes" type="as" access="read"/>
-</interface>
-<interface name="org.mpris.MediaPlayer2.Player">
-  <method name="Next"/><method name="Previous"/><method name="Pause"/><method name="PlayPause"/><method name="Stop"/>
-  <method name="Play"/>
-  <method name="Seek"><arg direction="in" name="Offset" type="x"/></method>
-  <method name="SetPosition"><arg direction="in" name="TrackId" type="o"/><arg direction="in" name="Position" type="x"/></method>
-  <method name="OpenUri"><arg direction="in" name="Uri" type="s"/></method>
-  <signal name="Seeked"><arg name="Position" type="x"/></signal>
-  <property name="PlaybackStatus" type="s" access="read"/>
-  <property name="LoopStatus" type="s" access="readwrite"/>
-  <property name="Rate" type="d" access="readwrite"/>
-  <property name="Shuffle" type="b" access="readwrite"/>
-  <property name="Metadata" type="a{{sv}}" access="read"/>
-  <property name="Volume" type="d" access="readwrite"/>
-  <property name="Position" type="x" access="read">{UNSIGNALLED}</property>
-  <property name="MinimumRate" type="d" access="read"/>
-  <property name="MaximumRate" type="d" access="read"/>
-  <property name="CanGoNext" type="b" access="read"/>
-  <property name="CanGoPrevious" type="b" access="read"/>
-  <property name="CanPlay" type="b" access="read"/>
-  <property name="CanPause" type="b" access="read"/>
-  <property name="CanSeek" type="b" access="read"/>
-  <property name="CanControl" type="b" access="read">{UNSIGNALLED}</property>
-</interface>
-</node>"""
-
-
-def described(xml, interface):
-    """Returns the members of an interface with their arguments, and whether properties are signalled."""
-    node = next(each for each in ElementTree.fromstring(xml) if each.get("name") == interface)
-    members = []
-    for member in node:
-        if member.tag == "annotation":
-            continue
-        arguments = [(each.get("name"), each.get("type")) for each in member if each.tag == "arg"]
-        silent = any(each.get("value") == "false" for each in member if each.tag == "annotation")
-        members.append((member.tag, member.get("name"), member.get("type"), member.get("access"), arguments, silent))
-    return sorted(members, key=str)
+# Commands, and the properties that they set.
+PLAYERCTL = [
+    ("loop Track", "LoopStatus", "Track"),
+    ("loop Playlist", "LoopStatus", "Playlist"),
+    ("loop None", "LoopStatus", "None"),
+    ("shuffle On", "Shuffle", True),
+    ("pause", "PlaybackStatus", "Paused"),
+    ("play-pause", "PlaybackStatus", "Playing"),
+]
 
 
 class Client:
@@ -162,6 +119,18 @@ class OnABus(unittest.TestCase):
         self.addCleanup(self.bus.stop)
         self.client = Client(self.bus.environment["DBUS_SESSION_BUS_ADDRESS"])
 
+    def eventually(self, condition):
+        self.assertTrue(self.client.until(condition), inspect.getsource(condition).strip())
+
+    def settled(self):
+        """Waits until all changes are announced, and forgets them."""
+        self.client.wait(0.1)
+        self.client.signals.clear()
+
+    def announced(self):
+        """Waits for a new track."""
+        self.eventually(lambda: any("Metadata" in each for each in self.client.changes()))
+
     def start(self, *words, **options):
         process = subprocess.Popen(words, env=self.bus.environment, text=True, **options)
         self.addCleanup(process.wait)
@@ -172,25 +141,24 @@ class OnABus(unittest.TestCase):
         process = self.start(OPTIONS.simulator, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.addCleanup(process.stdout.close)
         self.assertTrue(line_within(process.stdout, LIMIT))
-        self.assertTrue(self.client.until(lambda: self.client.owner(SERVICE)))
+        self.eventually(lambda: self.client.owner(SERVICE))
         return process
 
     def daemon(self):
         process = self.start(OPTIONS.companiond)
-        self.assertTrue(self.client.until(lambda: self.client.owner(MPRIS)))
+        self.eventually(lambda: self.client.owner(MPRIS))
         return process
 
     def ready(self):
-        self.assertTrue(self.client.until(lambda: self.client.state()["Phase"] == "Ready"))
+        self.eventually(lambda: self.client.state()["Phase"] == "Ready")
 
     def playing(self):
         """Starts everything, plays the first track, and waits until it is announced."""
         service, daemon = self.simulator(), self.daemon()
         self.ready()
         self.client.player("Play")
-        self.assertTrue(self.client.until(lambda: any("Metadata" in each for each in self.client.changes())))
-        self.client.wait(0.1)
-        self.client.signals.clear()
+        self.announced()
+        self.settled()
         return service, daemon
 
     def run_player(self, *words):
@@ -205,12 +173,31 @@ class OnABus(unittest.TestCase):
 
 
 class Playback(OnABus):
-    def test_the_interfaces_are_the_published_ones(self):
+    def assert_rules(self):
+        self.assertEqual(mpris_rules.Player(self.client.bus, MPRIS).violations(), [])
+
+    def test_the_rules_of_media_players_are_obeyed(self):
         self.daemon()
-        xml = self.client.call(MPRIS, MPRIS_PATH, "org.freedesktop.DBus.Introspectable", "Introspect")[0]
-        for interface in (ROOT, PLAYER):
-            self.assertEqual(described(xml, interface), described(PUBLISHED, interface))
-        self.assertEqual(len([each for each in ElementTree.fromstring(xml) if "mpris" in each.get("name")]), 2)
+        self.assert_rules()
+        self.simulator()
+        self.ready()
+        self.assert_rules()
+        for method in ("Play", "Next", "Pause", "Play", "Stop"):
+            self.client.player(method)
+            self.client.wait(0.3)
+            with self.subTest(method):
+                self.assert_rules()
+        changes = [arguments for name, arguments in self.client.signals if name == "PropertiesChanged"]
+        self.assertGreater(len(changes), 4)
+        self.assertEqual(mpris_rules.change_violations(changes), [])
+
+    def test_the_rules_hold_at_the_last_track(self):
+        self.playing()
+        while self.client.get("CanGoNext"):
+            before = self.client.get("Metadata")
+            self.client.player("Next")
+            self.eventually(lambda before=before: self.client.get("Metadata") != before)
+        self.assert_rules()
 
     def test_playerctl_shows_and_controls_playback(self):
         self.playing()
@@ -223,28 +210,23 @@ class Playback(OnABus):
         self.assertTrue(url.startswith("file:///"), url)
         with open(url[len("file://"):], "rb") as picture:
             self.assertEqual(picture.read(4), b"\x89PNG")
-        for mode in ("Track", "Playlist", "None"):
-            self.run_player("loop", mode)
-            self.assertTrue(self.client.until(lambda mode=mode: self.client.get("LoopStatus") == mode))
-            self.assertEqual(self.run_player("loop"), mode)
-        self.run_player("shuffle", "On")
-        self.assertTrue(self.client.until(lambda: self.client.get("Shuffle")))
-        self.assertEqual(self.run_player("shuffle"), "On")
+        for words, name, value in PLAYERCTL:
+            self.run_player(*words.split())
+            with self.subTest(words):
+                self.eventually(lambda name=name, value=value: self.client.get(name) == value)
+        for word, value in (("loop", "None"), ("shuffle", "On"), ("status", "Playing")):
+            self.assertEqual(self.run_player(word), value)
         self.run_player("position", "60")
-        self.assertTrue(self.client.until(lambda: self.client.get("Position") >= 60e6))
+        self.eventually(lambda: self.client.get("Position") >= 60e6)
         self.assertRegex(self.run_player("position"), r"^6[01]\.")
-        self.run_player("pause")
-        self.assertTrue(self.client.until(lambda: self.client.get("PlaybackStatus") == "Paused"))
-        self.run_player("play-pause")
-        self.assertTrue(self.client.until(lambda: self.client.get("PlaybackStatus") == "Playing"))
         self.run_player("stop")
-        self.assertTrue(self.client.until(lambda: self.client.get("PlaybackStatus") == "Stopped"))
+        self.eventually(lambda: self.client.get("PlaybackStatus") == "Stopped")
 
     def test_a_removed_file_of_the_artwork_is_written_again_with_the_next_track(self):
         self.playing()
         shutil.rmtree(self.artwork)
         self.client.player("Next")
-        self.assertTrue(self.client.until(lambda: any("Metadata" in each for each in self.client.changes())))
+        self.announced()
         url = self.client.get("Metadata")["mpris:artUrl"]
         self.assertTrue(os.path.exists(url[len("file://"):]), url)
 
@@ -275,12 +257,11 @@ class Playback(OnABus):
     def test_each_track_change_is_one_signal_with_the_artwork(self):
         self.playing()
         self.client.set("LoopStatus", GLib.Variant("s", "Playlist"))
-        self.assertTrue(self.client.until(lambda: self.client.changes()))
-        self.client.wait(0.1)
-        self.client.signals.clear()
+        self.eventually(lambda: self.client.changes())
+        self.settled()
         for number in range(1, CHANGES + 1):
             self.client.player("Next")
-            self.assertTrue(self.client.until(lambda number=number: len(self.client.changes()) >= number), number)
+            self.eventually(lambda number=number: len(self.client.changes()) >= number)
         self.client.wait(0.4)
         changes = self.client.changes()
         self.assertEqual(len(changes), CHANGES)
@@ -298,7 +279,7 @@ class Playback(OnABus):
     def test_the_position_is_accurate_and_jumps_are_reported(self):
         self.playing()
         before = self.client.progress
-        self.assertTrue(self.client.until(lambda: self.client.progress != before))
+        self.eventually(lambda: self.client.progress != before)
         for _ in range(12):
             self.client.wait(0.11)
             position, at = self.client.progress
@@ -308,17 +289,17 @@ class Playback(OnABus):
 
         track = self.client.get("Metadata")["mpris:trackid"]
         self.client.player("SetPosition", GLib.Variant("(ox)", (track, 90_000_000)))
-        self.assertTrue(self.client.until(lambda: ("Seeked", (90_000_000,)) in self.client.signals))
+        self.eventually(lambda: ("Seeked", (90_000_000,)) in self.client.signals)
         self.client.player("SetPosition", GLib.Variant("(ox)", ("/com/zarn/linux/ipod/track/0", 5_000_000)))
         self.client.player("SetPosition", GLib.Variant("(ox)", (track, 5_000_000_000)))
         self.client.player("SetPosition", GLib.Variant("(ox)", (track, -1)))
         self.assertAlmostEqual(self.client.get("Position") / 1e6, 90, delta=2)
         self.client.player("SetPosition", GLib.Variant("(ox)", (track, 275_900_000)))
-        self.assertTrue(self.client.until(lambda: ("Seeked", (275_000_000,)) in self.client.signals))
+        self.eventually(lambda: ("Seeked", (275_000_000,)) in self.client.signals)
         self.client.player("Seek", GLib.Variant("(x)", (-300_000_000,)))
-        self.assertTrue(self.client.until(lambda: ("Seeked", (0,)) in self.client.signals))
+        self.eventually(lambda: ("Seeked", (0,)) in self.client.signals)
         self.client.player("Seek", GLib.Variant("(x)", (2**63 - 1,)))
-        self.assertTrue(self.client.until(lambda: self.client.get("Metadata")["xesam:title"] == "Slack Tide"))
+        self.eventually(lambda: self.client.get("Metadata")["xesam:title"] == "Slack Tide")
 
     def test_what_is_not_supported_is_an_error(self):
         self.playing()
@@ -360,12 +341,12 @@ class Services(OnABus):
     def test_a_service_that_dies_in_mid_call_takes_the_call_along(self):
         service, _ = self.playing()
         self.client.do("call", '{"status": "active", "display-name": "Li\\u0007Lei"}')
-        self.assertTrue(self.client.until(lambda: self.client.state()["Calls"]))
+        self.eventually(lambda: self.client.state()["Calls"])
         call = next(iter(self.client.state()["Calls"].values()))
         self.assertEqual((call["name"], call["status"]), ("Li\ufffdLei", "active"))
         service.kill()
         service.wait()
-        self.assertTrue(self.client.until(lambda: self.client.get("PlaybackStatus") == "Stopped"))
+        self.eventually(lambda: self.client.get("PlaybackStatus") == "Stopped")
         self.assertEqual(self.client.get("Metadata"), {})
         self.assertEqual(self.client.state()["Calls"], {})
         self.assertEqual(self.client.state()["Phase"], "Lost")
@@ -439,7 +420,7 @@ class Starts(OnABus):
     def test_it_ends_with_the_bus(self):
         daemon = self.start(OPTIONS.companiond, stderr=subprocess.PIPE)
         self.addCleanup(daemon.stderr.close)
-        self.assertTrue(self.client.until(lambda: self.client.owner(MPRIS)))
+        self.eventually(lambda: self.client.owner(MPRIS))
         self.bus.stop()
         self.assertEqual(daemon.wait(LIMIT), NO_BUS)
         self.assertIn("the session bus closed the connection", daemon.stderr.read())

@@ -138,6 +138,9 @@ class Sharing(unittest.TestCase):
         holder = self.holder()
         self.stop(holder)
         self.assert_busy(self.lister("hold"), holder, "browses the database")
+        doctor = subprocess.run([OPTIONS.ipodctl, "doctor"], capture_output=True, text=True, timeout=LIMIT, check=False,
+                                env=self.bus.environment).stdout
+        self.assertIn(f"browse is held by process {holder.pid} (lister), which is stopped", doctor)
         holder.kill()
         self.holder()
 
