@@ -26,8 +26,8 @@ struct KindRow
 {
     const char* name;
     FaultKind kind;
+    Parameter parameter;
     const char* meaning;
-    Parameter parameter = Parameter::None;
     const char* placeholder = nullptr;                               // of the parameter
     std::uint32_t most = std::numeric_limits<std::uint32_t>::max();  // largest number
 };
@@ -36,25 +36,26 @@ struct KindRow
 constexpr std::uint32_t kLongestRecord = 1U << 20U;
 
 constexpr KindRow kKinds[] = {
-    {"delay", FaultKind::Delay, "Delay the reply, by default for 1000 ms", Parameter::Number, "MILLISECONDS"},
-    {"no-reply", FaultKind::NoReply, "Drop the reply or the signal"},
-    {"error", FaultKind::Error, "Reply with an error of that name", Parameter::ErrorName, "NAME"},
-    {"wrong-type", FaultKind::WrongType, "Send a type other than the interface's"},
-    {"short-record", FaultKind::ShortRecord, "Send a record with fewer bytes than required, by default 10",
-     Parameter::Number, "BYTES", kLongestRecord},
-    {"long-record", FaultKind::LongRecord, "Send a record with more bytes than required, by default 5000 more",
-     Parameter::Number, "BYTES", kLongestRecord},
-    {"half-filled", FaultKind::HalfFilled, "Fill a vector in shared memory only halfway"},
-    {"unterminated", FaultKind::Unterminated, "Write names to shared memory without a terminator"},
-    {"bad-message", FaultKind::BadMessage, "Send a phone call or battery message that cannot be parsed"},
-    {"out-of-range", FaultKind::OutOfRange, "Send undefined enumeration values, by default 99", Parameter::Number,
+    {"delay", FaultKind::Delay, Parameter::Number, "Delay the reply, by default for 1000 ms", "MILLISECONDS"},
+    {"no-reply", FaultKind::NoReply, Parameter::None, "Drop the reply or the signal"},
+    {"error", FaultKind::Error, Parameter::ErrorName, "Reply with an error of that name", "NAME"},
+    {"wrong-type", FaultKind::WrongType, Parameter::None, "Send a type other than the interface's"},
+    {"short-record", FaultKind::ShortRecord, Parameter::Number,
+     "Send a record with fewer bytes than required, by default 10", "BYTES", kLongestRecord},
+    {"long-record", FaultKind::LongRecord, Parameter::Number,
+     "Send a record with more bytes than required, by default 5000 more", "BYTES", kLongestRecord},
+    {"half-filled", FaultKind::HalfFilled, Parameter::None, "Fill a vector in shared memory only halfway"},
+    {"unterminated", FaultKind::Unterminated, Parameter::None, "Write names to shared memory without a terminator"},
+    {"bad-message", FaultKind::BadMessage, Parameter::None,
+     "Send a phone call or battery message that cannot be parsed"},
+    {"out-of-range", FaultKind::OutOfRange, Parameter::Number, "Send undefined enumeration values, by default 99",
      "NUMBER"},
-    {"crash", FaultKind::Crash, "Crash after executing the request, before replying"},
-    {"crash-locked", FaultKind::CrashLocked,
-     "Crash while holding the lock of the segment lists or buffers, by default of both", Parameter::Segment, "SEGMENT"},
-    {"restart-storm", FaultKind::RestartStorm,
+    {"crash", FaultKind::Crash, Parameter::None, "Crash after executing the request, before replying"},
+    {"crash-locked", FaultKind::CrashLocked, Parameter::Segment,
+     "Crash while holding the lock of the segment lists or buffers, by default of both", "SEGMENT"},
+    {"restart-storm", FaultKind::RestartStorm, Parameter::Number,
      "Leave the bus and return, by default five times; starts at once if no method is named. Another storm replaces it",
-     Parameter::Number, "TIMES"},
+     "TIMES"},
 };
 
 const KindRow& RowOf(const std::string& name)

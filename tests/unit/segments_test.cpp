@@ -307,6 +307,11 @@ TEST_F(AttachSegment, AttachesOneCreatedConcurrently)
     EXPECT_EQ(2 * kSegmentSize, test::ReadFile(m_name.path()).size());
 }
 
+TEST_F(AttachSegment, GivesUpOneThatAFasterCreatorNeverFinishes)
+{
+    EXPECT_THROW(Attach(kSegmentSize, [this](QBXSegmentManager&) { Put({}); }), bip::interprocess_exception);
+}
+
 TEST_F(AttachSegment, SharesOneInACreationRace)
 {
     for (int round = 0; round < 200; ++round)
