@@ -69,7 +69,7 @@ void AcquireName(GDBusConnection* connection, const char* name)
     guint result = 0;
     g_variant_get(Owned(reply).get(), "(u)", &result);
     if (result != kOwner)
-        throw Failure(kAlreadyRunning, std::string("another program owns ") + name + " on this bus: already running?");
+        throw Failure(kAlreadyRunning, std::string("another program already owns ") + name + " on this bus");
 }
 
 gboolean Quit(gpointer loop)
@@ -154,8 +154,10 @@ ExitCode Serve()
 
 int Main(int argc, char** argv)
 {
-    CLI::App app("Offers the attached Apple device to media controls, and its state to programs, on the session bus.",
-                 "ipod-companiond");
+    CLI::App app(
+        "Makes the attached Apple device available to media controls, and its state to all programs, on the session "
+        "bus.",
+        "ipod-companiond");
     bool print = false;
     app.set_version_flag("--version", "ipod-companiond " COMPANIOND_VERSION, "Print the version and exit");
     app.add_flag("--print-interface", print, "Print the description of com.zarn.linux.ipod.State and exit");
