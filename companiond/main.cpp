@@ -179,8 +179,10 @@ ExitCode Serve()
 
 int Main(int argc, char** argv)
 {
-    CLI::App app("Offers the attached Apple device to media controls, and its state to programs, on the session bus.",
-                 "ipod-companiond");
+    CLI::App app(
+        "Makes the attached Apple device available to media controls, and its state to all programs, on the session "
+        "bus.",
+        "ipod-companiond");
     bool print = false;
     app.set_version_flag("--version", "ipod-companiond " COMPANIOND_VERSION, "Print the version and exit");
     app.add_flag("--print-interface", print, "Print the description of com.zarn.linux.ipod.State and exit");

@@ -26,8 +26,8 @@ constexpr std::size_t kRoom = 65536;
     }
 }
 
-// Returns the number of names inside the mapping, over all reads; a read outside ends the process, or is counted in @p
-// outside.
+// Returns the number of names inside the mapping, over all reads; a read outside terminates the process, or is counted
+// in @p outside.
 long Read(const char* memory, long reads, long& outside)
 {
     const qbx::Mapping mapping{memory, memory + kRoom};

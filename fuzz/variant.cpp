@@ -29,7 +29,7 @@ GVariant* FromInput(const std::uint8_t* data, std::size_t size)
     return value;
 }
 
-// What a receiver must find in it.
+// What a receiver must decode from it.
 std::vector<unsigned char> Expected(const std::uint8_t* data, std::size_t size)
 {
     if (size == 0 || std::strcmp(kTypes[data[0] % std::size(kTypes)], "ay") != 0) return {};
@@ -46,7 +46,7 @@ void CheckExtractors(GVariant* value, const std::vector<unsigned char>& expected
     memory[expected.size()] = 0xee;
     gvariant_data_extract(memory, value);
     Require(std::equal(expected.begin(), expected.end(), memory), "the bytes in memory");
-    Require(memory[expected.size()] == 0xee, "the byte behind the last");
+    Require(memory[expected.size()] == 0xee, "the byte after the last");
 }
 
 std::uint32_t WordAt(const std::vector<unsigned char>& record, std::size_t offset)

@@ -50,7 +50,7 @@
 /// vectors are large. The service decides how it reports a page or an image that does not fit; the library returns what
 /// the service answers and what the vector holds. An accessory payload that does not fit makes EapWrite() throw.
 ///
-/// **End of the bus.** GLib ends a process whose session bus disappears; an application that wants to survive
+/// **End of the bus.** GLib terminates a process whose session bus disappears; an application that wants to survive
 /// that calls `g_dbus_connection_set_exit_on_close()` with FALSE on the connection of `g_bus_get_sync()`.
 ///
 /// **Compatibility.** The order of the virtual operations is part of the published interface: append, never
@@ -219,16 +219,15 @@ public:
     virtual void SetHUBTestMode(unsigned char mode) = 0;
 
     /// Writes the detection status into the lowest byte of @p status; the caller sets the others to 0 first.
-    /// @p serialNumber is **not** returned and stays as it was: it arrives with the event
+    /// @p serialNumber is **not** returned and stays unchanged: it arrives with the event
     /// OnCarplayDeviceDetectStatusChange(). Not ready, failure: both unchanged.
     virtual void GetCarplayDeviceDetectStatus(QBXAppleDeviceDetectStatus& status, std::string& serialNumber) = 0;
 
-    /// Requests the device's name, which is **not** returned: @p name stays as it was. Failure: in the log
-    /// only.
+    /// Requests the device's name, which is **not** returned: @p name stays unchanged. Failure: in the log only.
     virtual void GetIpodName(std::string& name) = 0;
 
-    /// Requests the foreground app, which is **not** returned: @p bundleName stays as it was. It arrives
-    /// with the event OnIpodAPPBundleNameChange(). Failure: in the log only.
+    /// Requests the foreground app, which is **not** returned: @p bundleName stays unchanged. It arrives with the event
+    /// OnIpodAPPBundleNameChange(). Failure: in the log only.
     virtual void GetIpodAPPBundleName(std::string& bundleName) = 0;
 
     /// Requests that the device start the app @p AppBundleID (a bundle identifier); 1 if the service sent the request.

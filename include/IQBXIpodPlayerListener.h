@@ -9,10 +9,10 @@
 /// **Threads.** Every event is delivered on the thread that runs the GLib main context that was the thread default when
 /// InitInstance() was called. Without a running main loop no event arrives.
 ///
-/// **Inside a callback** the listener lock is held and no other event can be delivered: return soon, and pass
-/// long work to another thread. Commands may be called and block as usual. Listeners, the running one included, may
-/// be added and removed: one added behind the running one (at a higher address) also receives this event, one added
-/// before it only the next; one that is removed receives nothing more. Do not throw.
+/// **Inside a callback** the listener lock is held and no other event can be delivered: return soon, and pass long work
+/// to another thread. Commands may be called and block as usual. Listeners, the running one included, may be added and
+/// removed: one added after the running one (at a higher address) also receives this event, one added before it only
+/// the next; one that is removed receives nothing more. Do not throw.
 ///
 /// **Arguments.** Arguments passed by value are copies that belong to the listener. Arguments passed by reference are
 /// valid until the callback returns, and are the same object for all listeners.

@@ -120,7 +120,7 @@ if(TARGET ipodkit)
   library_package(kit libipodkit2 ipodkit "libipodkit2 (>= ${PROJECT_VERSION})")
   set(CPACK_DEBIAN_KIT_PACKAGE_BREAKS "${undivided}")
   set(CPACK_DEBIAN_KIT_PACKAGE_REPLACES "${undivided}")
-  set(CPACK_DEBIAN_KIT_DESCRIPTION "companion of the iPod client library
+  set(CPACK_DEBIAN_KIT_DESCRIPTION "asynchronous interface on top of the iPod client library
 Asynchronous commands with results, the state of the player as one value, and
 pages of names on top of libipod, for C++ programs.")
 endif()
@@ -140,10 +140,10 @@ if(IPOD_MIDDLEWARE STREQUAL "host")
   set(CPACK_DEBIAN_STANDIN_PACKAGE_REPLACES "${undivided}")
   set(CPACK_DEBIAN_STANDIN_DESCRIPTION "stand-in for the middleware of a head unit, for development only
 Locks, logging, and an audio-source manager that grants every request, so that
-programs that use libipod run on a desk.
+programs that use libipod run without a head unit.
 .
-Do not install it on a head unit: it takes the place of the head unit's own
-libqbxmiddleware, and no audio source is arbitrated any more.")
+Do not install it on a head unit: it replaces the head unit's own
+libqbxmiddleware, and audio sources are no longer arbitrated.")
 endif()
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipod-dev)
@@ -154,14 +154,14 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libpng-dev, libtag1-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libipod-doc)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "client library of the iPod service (development files)
 Headers, pkg-config and CMake files, and the description of the bus interface
-for programs that use libipod and for services that it talks to.")
+for programs that use libipod and for implementations of the service.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ipod-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "command line client and simulator of the iPod service
 ipodctl controls an attached Apple device through libipod from a shell.
-ipod-simulator takes the place of the iPod service on a desk without a head
+ipod-simulator replaces the iPod service on a machine without a head
 unit and plays a folder of audio files.")
 
 set(CPACK_DEBIAN_COMPANIOND_PACKAGE_NAME ipod-companiond)
@@ -169,8 +169,8 @@ set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SUGGESTS playerctl)
 set(CPACK_DEBIAN_COMPANIOND_DESCRIPTION "media controls and state of the attached Apple device
-A user service that offers the device to media keys, desktop widgets, and
-playerctl by MPRIS, publishes its state on the session bus, and remembers calls
+A user service that lets media keys, desktop widgets, and playerctl control
+the device by MPRIS, publishes its state on the session bus, and remembers calls
 and other events for applications that start late.")
 
 # Built for one version of the interpreter, which is part of its file name.
@@ -180,7 +180,7 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${IPOD_PYTHON_DEPENDS}")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-gi)
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Python module of the iPod client library
-Session, state and commands of the companion library ipodkit, for programs that
+Session, state, and commands of the library ipodkit, for programs that
 run the main loop of GLib through python3-gi.")
 
 # Only in builds with -DIPOD_BUILD_SCREEN=ON.
@@ -189,7 +189,7 @@ if(TARGET ipodqml)
 endif()
 set(CPACK_DEBIAN_QML_DESCRIPTION "QML module of the iPod client library
 State, lists, and artwork of an attached device for applications in QML, on top
-of the companion library ipodkit.")
+of the library ipodkit.")
 
 set(CPACK_DEBIAN_SCREEN_PACKAGE_NAME ipod-screen)
 set(CPACK_DEBIAN_SCREEN_PACKAGE_SECTION sound)

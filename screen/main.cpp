@@ -60,7 +60,7 @@ Arguments Parse(const QCoreApplication& app)
     parser.setApplicationDescription("Show and control playback of an attached device");
     parser.addHelpOption();
     parser.addOptions({{"size", "Size of the window", "WIDTHxHEIGHT", "1280x720"},
-                       {"theme", "day or night", "THEME", "night"},
+                       {"theme", "Color theme: day or night", "THEME", "night"},
                        {"page", "Show this page first: nowplaying, browse, queue, or devices", "PAGE", "nowplaying"},
                        {"knob", "Keys of the rotary knob: left, right, press", "KEYS", "Left,Right,Return"},
                        {"screenshot", "Write a screenshot to FILE after two seconds, and exit", "FILE"}});

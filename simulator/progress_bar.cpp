@@ -27,7 +27,7 @@ std::string Figures(std::size_t done, std::size_t all)
     return std::to_string(done) + " of " + std::to_string(all) + " files";
 }
 
-// As much as fits the terminal, without its last column, which would wrap.
+// Fills the terminal except its last column, which would wrap.
 std::string Bar(std::size_t done, std::size_t all)
 {
     const std::string figures = " " + Figures(done, all);

@@ -24,7 +24,7 @@ class Bytes
 public:
     Bytes(const unsigned char* begin, std::size_t count) : m_begin(begin), m_count(count) {}
 
-    /// Whether at least that many bytes are available.
+    /// Returns whether at least that many bytes are available.
     bool Has(std::size_t count) const { return count <= m_count; }
 
     std::uint32_t At(std::size_t offset) const { return offset < m_count ? m_begin[offset] : 0; }

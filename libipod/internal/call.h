@@ -1,5 +1,5 @@
 /// @file
-/// Synchronous calls of the service: the call, its one failure line, and the holder of its reply.
+/// Synchronous calls to the service: the call, its one failure line, and the holder of its reply.
 #pragma once
 
 #include "internal/log.h"

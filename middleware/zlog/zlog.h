@@ -1,7 +1,7 @@
 /// @file
 /// Stand-in for the log sink on systems without zlog: the part of its interface that log sites use. If a later
 /// directory of the search path contains a zlog.h, that one is used. Copies of this file may follow each other in the
-/// path: only the last declares, hence no guard around the whole.
+/// path: only the last one declares anything, so there is no include guard.
 #if defined(__GNUC__)
 // #include_next causes a warning outside of system headers.
 #pragma GCC system_header

@@ -48,7 +48,8 @@ Filing::Filing(const std::string& locale, const std::vector<std::string>& articl
     const icu::Locale place = icu::Locale::createCanonical(locale.c_str());
     icu::AlphabeticIndex index(place, status);
     m_index.reset(index.addLabels(icu::Locale::getEnglish(), status).buildImmutableIndex(status));
-    if (U_FAILURE(status)) throw std::runtime_error("ICU cannot sort names: " + std::string(u_errorName(status)));
+    if (U_FAILURE(status))
+        throw std::runtime_error("cannot sort names: ICU reports " + std::string(u_errorName(status)));
     m_collator.reset(index.getCollator().clone());
     m_scripts = ScriptsOf(place);
     const bool byPinyin = Utf8(m_index->getBucket(m_index->getBucketIndex(u"周", status))->getLabel()) == "Z";

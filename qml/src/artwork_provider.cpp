@@ -78,7 +78,7 @@ QImage Rounded(const QImage& image, int radius)
     return rounded;
 }
 
-// Scales artwork that is smaller than its area up to it.
+// Enlarges artwork that is smaller than its area.
 QImage Enlarged(const QImage& image, const QSize& most)
 {
     if (!most.isValid() || image.width() >= most.width() || image.height() >= most.height()) return image;

@@ -115,8 +115,8 @@ void BrowseModel::Moved(const QStringList& path, int row)
     Recount();
 }
 
-// The level of this model changed, or the device or the service did. In the latter case the level is the top one,
-// unless another application has entered a level, whose name is unknown.
+// The level of this model changed, or the device or the service did. In the latter case the current level is the top
+// one, unless another application has entered a level; its name is then unknown.
 void BrowseModel::Outdated()
 {
     if (m_moving) return;

@@ -22,7 +22,7 @@ ipodkit::Session*& Given()
     return given;
 }
 
-// GLib would exit the process when the bus disappears. The kit reports it and waits for another bus.
+// By default, GLib terminates the process when the bus disappears. The kit reports it and waits for another bus.
 void SurviveTheBus()
 {
     const auto keep = [](GObject*, GAsyncResult* result, gpointer)

@@ -1,6 +1,6 @@
 import QtQuick
 
-// Texts come from the device: markup is shown as it is.
+// Texts come from the device, so markup is shown as plain text.
 Text {
     textFormat: Text.PlainText
     color: Theme.text

@@ -41,7 +41,7 @@ Field Required(Field field)
 
 Field Session()
 {
-    return Number("session", 1, kMostSession, "Session number; the session opened last by default");
+    return Number("session", 1, kMostSession, "Session number (default: the session opened last)");
 }
 
 std::vector<const char*> CallStates()
@@ -102,10 +102,10 @@ std::vector<Action> PhoneActions()
          Fields(Number("level", 0, kMostNumber, "Percent; values above 100 are passed on"),
                 Word("charging-status", {"disabled", "charging", "charged", "discharging"}, "Charging state")),
          StepValue::Required, effects::Battery},
-        {"carplay", "Detect or lose a CarPlay device", "OnCarplayDeviceDetectStatusChange; the getter answers alike",
+        {"carplay", "Detect or lose a CarPlay device", "OnCarplayDeviceDetectStatusChange; the getter returns the same",
          "carplay detected serial=F17XK0PASS", Fields(Detection(), Text("serial", "Serial number of the device")),
          StepValue::Required, effects::Carplay},
-        {"carlife", "Detect or lose a CarLife device", "OnCarlifeDeviceDetectStatusChange; the getter answers alike",
+        {"carlife", "Detect or lose a CarLife device", "OnCarlifeDeviceDetectStatusChange; the getter returns the same",
          "carlife not-detected", Fields(Detection()), StepValue::Required, effects::Carlife},
     };
 }
@@ -128,14 +128,14 @@ std::vector<Action> WirelessActions()
 std::vector<Action> UnitActions()
 {
     return {
-        {"location", "Ask for location information, or stop asking", "OnIpodLocationStatusChange", "location on",
-         Fields(Required(Plain("requested", FieldType::Switch, "Whether the device wants location information"))),
+        {"location", "Request location information, or stop requesting it", "OnIpodLocationStatusChange", "location on",
+         Fields(Required(Plain("requested", FieldType::Switch, "Whether the device requests location information"))),
          StepValue::Required, effects::Location},
         {"source", "Make the audio source of the device valid or invalid", "OnIpodSourceValidStatusChange",
          "source off", Fields(Required(Plain("valid", FieldType::Switch, "Whether the audio source can be used"))),
          StepValue::Required, effects::Source},
-        {"app", "Bring another app to the foreground", "OnIpodAppBundleNameChange; the getter answers alike",
-         "app com.example.maps", Fields(Required(Text("bundle", "Bundle identifier of the app, or nothing"))),
+        {"app", "Bring another app to the foreground", "OnIpodAppBundleNameChange; the getter returns the same",
+         "app com.example.maps", Fields(Required(Text("bundle", "Bundle identifier of the app; empty for none"))),
          StepValue::Required, effects::App},
     };
 }
@@ -147,7 +147,7 @@ std::vector<Action> DeviceActions()
          Fields(NameOfDevice()), StepValue::Required, effects::Attach},
         {"detach", "Detach a device", "OnIpodDeviceStatusChange; playback ends if the device is browsed",
          "detach Second", Fields(NameOfDevice()), StepValue::Required, effects::Detach},
-        {"button", "Press a button on the device", "the signals of playback", "button next",
+        {"button", "Press a button on the device", "the playback signals", "button next",
          Fields(Required(Word("button", {"play", "pause", "stop", "next", "previous"}, "The button"))),
          StepValue::Required, effects::Button},
     };
@@ -157,7 +157,7 @@ std::vector<Action> EapActions()
 {
     return {
         {"eap-open", "Open an accessory session and return its number", "OnIpodStartEapSession", "eap-open protocol=1",
-         Fields(Number("protocol", 0, 255, "Index of the accessory protocol, 0 unless given")), StepValue::Optional,
+         Fields(Number("protocol", 0, 255, "Index of the accessory protocol (default: 0)")), StepValue::Optional,
          effects::EapOpen},
         {"eap-close", "Close an accessory session", "OnIpodStopEapSession", "eap-close 1", Fields(Session()),
          StepValue::Optional, effects::EapClose},

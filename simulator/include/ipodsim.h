@@ -141,7 +141,7 @@ public:
     /// @name Call log
     /// @{
 
-    /// Returns the last 10,000 calls of a method, or of all methods, oldest first; fewer if they exceed 32 MiB.
+    /// Returns the last 10,000 calls to a method, or to all methods, oldest first; fewer if they exceed 32 MiB.
     /// @throws std::runtime_error  the interface has no such method; the message names the nearest one
     std::vector<Call> Calls(const std::string& method = {}) const;
     void ClearCalls();

@@ -15,20 +15,20 @@ namespace
 constexpr int kSide = 300;
 constexpr double kPi = 3.14159265358979323846;
 
-struct Colour
+struct Color
 {
     double red = 0;
     double green = 0;
     double blue = 0;
 };
 
-Colour Mix(const Colour& a, const Colour& b, double share)
+Color Mix(const Color& a, const Color& b, double share)
 {
     return {a.red + (b.red - a.red) * share, a.green + (b.green - a.green) * share, a.blue + (b.blue - a.blue) * share};
 }
 
 // Hue in turns; saturation and lightness between 0 and 1.
-Colour FromHue(double hue, double saturation, double lightness)
+Color FromHue(double hue, double saturation, double lightness)
 {
     const double chroma = saturation * std::min(lightness, 1 - lightness);
     const auto channel = [&](double offset)
@@ -42,35 +42,35 @@ Colour FromHue(double hue, double saturation, double lightness)
 class Canvas
 {
 public:
-    /// Sets each pixel to what @p colourAt returns for its position and present color.
-    template <class ColourAt>
-    void Paint(ColourAt colourAt)
+    /// Sets each pixel to what @p colorAt returns for its position and present color.
+    template <class ColorAt>
+    void Paint(ColorAt colorAt)
     {
         for (int y = 0; y < kSide; ++y)
-            for (int x = 0; x < kSide; ++x) PaintPixel(x, y, colourAt);
+            for (int x = 0; x < kSide; ++x) PaintPixel(x, y, colorAt);
     }
 
-    void Circle(double centreX, double centreY, double radius, const Colour& colour, double opacity)
+    void Circle(double centerX, double centerY, double radius, const Color& color, double opacity)
     {
-        const auto colourAt = [&](int x, int y, const Colour& under)
+        const auto colorAt = [&](int x, int y, const Color& under)
         {
-            const double edge = radius - std::hypot(x - centreX, y - centreY);
-            return Mix(under, colour, opacity * std::clamp(edge, 0.0, 1.0));
+            const double edge = radius - std::hypot(x - centerX, y - centerY);
+            return Mix(under, color, opacity * std::clamp(edge, 0.0, 1.0));
         };
         // Only the bounding square, because there are many small shapes.
-        for (int y = Within(centreY - radius); y < Within(centreY + radius + 1); ++y)
-            for (int x = Within(centreX - radius); x < Within(centreX + radius + 1); ++x) PaintPixel(x, y, colourAt);
+        for (int y = Within(centerY - radius); y < Within(centerY + radius + 1); ++y)
+            for (int x = Within(centerX - radius); x < Within(centerX + radius + 1); ++x) PaintPixel(x, y, colorAt);
     }
 
     /// Fills the area below a wave.
-    void Hill(double height, double swing, double waves, double phase, const Colour& colour, double opacity)
+    void Hill(double height, double swing, double waves, double phase, const Color& color, double opacity)
     {
         for (int x = 0; x < kSide; ++x)
         {
             const double line = height + swing * std::sin(phase + waves * 2 * kPi * x / kSide);
-            const auto colourAt = [&](int, int y, const Colour& under)
-            { return Mix(under, colour, opacity * std::clamp(y - line, 0.0, 1.0)); };
-            for (int y = Within(line); y < kSide; ++y) PaintPixel(x, y, colourAt);
+            const auto colorAt = [&](int, int y, const Color& under)
+            { return Mix(under, color, opacity * std::clamp(y - line, 0.0, 1.0)); };
+            for (int y = Within(line); y < kSide; ++y) PaintPixel(x, y, colorAt);
         }
     }
 
@@ -93,33 +93,33 @@ public:
 private:
     static int Within(double place) { return static_cast<int>(std::clamp(place, 0.0, static_cast<double>(kSide))); }
 
-    template <class ColourAt>
-    void PaintPixel(int x, int y, ColourAt colourAt)
+    template <class ColorAt>
+    void PaintPixel(int x, int y, ColorAt colorAt)
     {
         const int index = y * kSide + x;
-        Colour& pixel = m_pixels[static_cast<std::size_t>(index)];
-        pixel = colourAt(x, y, pixel);
+        Color& pixel = m_pixels[static_cast<std::size_t>(index)];
+        pixel = colorAt(x, y, pixel);
     }
 
     std::vector<unsigned char> Rows() const
     {
         std::vector<unsigned char> rows;
         rows.reserve(m_pixels.size() * 3);
-        for (const Colour& pixel : m_pixels)
+        for (const Color& pixel : m_pixels)
             for (const double value : {pixel.red, pixel.green, pixel.blue})
                 rows.push_back(static_cast<unsigned char>(std::lround(std::clamp(value, 0.0, 1.0) * 255)));
         return rows;
     }
 
-    std::vector<Colour> m_pixels = std::vector<Colour>(std::size_t{kSide} * kSide);
+    std::vector<Color> m_pixels = std::vector<Color>(std::size_t{kSide} * kSide);
 };
 
 struct Palette
 {
-    Colour top;
-    Colour bottom;
-    Colour light;
-    Colour dark;
+    Color top;
+    Color bottom;
+    Color light;
+    Color dark;
 };
 
 // Steps of the golden ratio keep the hues of adjacent numbers apart.
@@ -173,7 +173,7 @@ Picture DrawCover(unsigned number)
     constexpr Motif kMotifs[] = {DrawSunAndHills, DrawRings, DrawMoonAndWaves, DrawPetals};
     const Palette palette = PaletteOf(number);
     Canvas canvas;
-    canvas.Paint([&](int x, int y, const Colour&)
+    canvas.Paint([&](int x, int y, const Color&)
                  { return Mix(palette.top, palette.bottom, (0.25 * x + y) / (1.25 * kSide)); });
     kMotifs[number % 4](canvas, palette, number * 0.9);
     return MakePicture(canvas.Png());

@@ -46,7 +46,7 @@ public:
         unsigned seed = 0;
         Log warn;
         Log logRequest;                                      ///< empty to log no requests
-        std::function<void(Segments&, const Fault&)> crash;  ///< ends the process; empty if that is not allowed
+        std::function<void(Segments&, const Fault&)> crash;  ///< kills the process; empty if that is not allowed
         std::function<void(unsigned)> restart;               ///< leaves the bus and returns that many times; 0 stops it
     };
 

@@ -39,7 +39,7 @@ public:
     void AppBundleName(const std::string& bundleName);
     void StartEapSession(int protocol, std::uint16_t session);
     void StopEapSession(std::uint16_t session);
-    /// Returns false and emits nothing if the data does not fit beside the artwork.
+    /// Returns false and emits nothing if the data does not fit in addition to the artwork.
     bool ReceiveEapData(std::uint16_t session, const Bytes& data);
     void Carlife(int status);
     void WirelessCarPlay(bool available, const std::string& deviceAddress);

@@ -54,22 +54,22 @@ class TheLibrary(unittest.TestCase):
     def test_is_never_unloaded(self):
         self.assertIn("NODELETE", self.dynamic)
 
-    def test_needs_the_boost_libraries_that_the_units_image_is_checked_for(self):
+    def test_needs_the_boost_libraries_that_the_head_unit_is_checked_for(self):
         if BOOST < BOOST_HAS_NO_SYSTEM:
             self.assertRegex(self.dynamic, r"NEEDED.*libboost_system\.so")
         self.assertRegex(self.dynamic, r"NEEDED.*libboost_filesystem\.so")
 
-    def test_gives_every_symbol_its_version(self):
+    def test_every_symbol_has_its_version(self):
         self.assertGreater(len(self.exported), 250)
         self.assertEqual([s for s in self.exported if not s.endswith("@@IPOD_1")], [])
 
-    def test_shows_nothing_of_the_libraries_that_it_is_made_with(self):
+    def test_exports_no_symbols_of_its_dependencies(self):
         foreign = [n for n in self.names if owner(n) in ("boost", "google", "std", "__gnu_cxx", "QBXMutex", "QBXSource")]
         leaked = [n for n in foreign if not OURS_BY_ARGUMENT.match(n) and not re.match(r"_ZT[IS]N5boost", n)]
         leaked += [n for n in self.names if "log_category" in n or n.startswith("zlog")]
         self.assertEqual(leaked, [])
 
-    def test_shows_of_boost_only_the_types_of_its_exceptions(self):
+    def test_exports_only_exception_types_of_boost(self):
         shown = {n for n in self.names if owner(n) == "boost"}
         wanted = {f"_ZT{kind}N5boost12interprocess{len(e)}{e}E" for kind in "IS" for e in EXCEPTIONS}
         if BOOST >= BOOST_SHOWS_EXCEPTIONS:

@@ -1,6 +1,6 @@
 #include "slot_tables.h"
 
-// Each name is written once; the pointer to member determines the interface whose table is meant.
+// Each name is written once; the pointer to member selects the interface's table.
 #define ROW(Interface, operation, Result, ...) \
     MakeRow<Interface>(#operation, static_cast<Result (Interface::*)(__VA_ARGS__)>(&Interface::operation))
 

@@ -90,7 +90,7 @@ class Client:
                   "Do", GLib.Variant("(s)", (text,)))
 
     def until(self, condition, seconds=LIMIT):
-        """Delivers signals until the condition holds; returns whether it does."""
+        """Delivers signals until the condition holds or time runs out; returns whether it holds."""
         end = time.monotonic() + seconds
         while not condition():
             if time.monotonic() > end:
@@ -301,7 +301,7 @@ class Playback(OnABus):
         self.client.player("Seek", GLib.Variant("(x)", (2**63 - 1,)))
         self.eventually(lambda: self.client.get("Metadata")["xesam:title"] == "Slack Tide")
 
-    def test_what_is_not_supported_is_an_error(self):
+    def test_unsupported_operations_are_errors(self):
         self.playing()
         self.assert_error("NotSupported", self.client.player, "OpenUri", GLib.Variant("(s)", ("file:///a.mp3",)))
         self.assert_error("NotSupported", self.client.set, "Volume", GLib.Variant("d", 0.5))
@@ -338,7 +338,7 @@ class Services(OnABus):
         self.assert_error("NoService", self.client.player, "Stop")
         self.assert_error("NotSupported", self.client.get, "Battery", STATE)
 
-    def test_a_service_that_dies_in_mid_call_takes_the_call_along(self):
+    def test_calls_end_with_a_service_that_dies(self):
         service, _ = self.playing()
         self.client.do("call", '{"status": "active", "display-name": "Li\\u0007Lei"}')
         self.eventually(lambda: self.client.state()["Calls"])

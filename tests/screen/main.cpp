@@ -11,7 +11,7 @@
 
 namespace
 {
-// Damaged images are reported, too, as they should be.
+// Damaged images cause warnings, too, as they should.
 void Collect(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     if (type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(text));

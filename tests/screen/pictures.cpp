@@ -10,7 +10,7 @@ namespace screentest
 {
 namespace
 {
-constexpr int kVisible = 32;  // difference of a channel
+constexpr int kVisible = 32;  // largest tolerated difference of a channel
 constexpr int kOneIn = 200;   // pixels
 
 bool Differs(QRgb one, QRgb other)

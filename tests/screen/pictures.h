@@ -1,5 +1,5 @@
 /// @file
-/// Comparison of pictures with those that are committed.
+/// Compares screenshots with the committed reference images.
 #pragma once
 
 #include <QImage>
