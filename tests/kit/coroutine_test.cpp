@@ -10,6 +10,7 @@
 
 #include "kit/kit_test.h"
 
+#ifdef COUNTS_ALLOCATIONS
 namespace
 {
 std::atomic<std::size_t> allocations{0};
@@ -33,6 +34,7 @@ __attribute__((noinline)) void operator delete(void* memory, std::size_t) noexce
 {
     std::free(memory);
 }
+#endif
 
 namespace test
 {
@@ -279,6 +281,7 @@ TEST_F(CoroutineTest, ATaskMayEndItsOwner)
     EXPECT_EQ(Calls("Next()"), 0);
 }
 
+#ifdef COUNTS_ALLOCATIONS
 // One at a time, like those of a task.
 void StartInTurn(Pager& pager, int times, int& left)
 {
@@ -308,6 +311,7 @@ TEST_F(CoroutineTest, AnAwaitAllocatesAtMostOnceMoreThanStart)
     EXPECT_LE(awaited, started + kTimes);
     EXPECT_EQ(failures, 0);
 }
+#endif
 
 // A million awaits of cached pages, so that the service need not answer as often.
 TEST_F(CoroutineTest, AMillionAwaitsLeakNothing)
