@@ -178,11 +178,16 @@ std::string Written(GDateTime* time, const char* format)
 
 Moment Moment::Now()
 {
-    GDateTime* const now = g_date_time_new_now_local();
+    return At(g_get_real_time());
+}
+
+Moment Moment::At(std::int64_t microseconds)
+{
+    GDateTime* const time = g_date_time_new_from_unix_local(microseconds / G_USEC_PER_SEC);
     char fraction[8];
-    g_snprintf(fraction, sizeof(fraction), ".%03d", g_date_time_get_microsecond(now) / 1000);
-    Moment moment{Written(now, "%FT%T") + fraction + Written(now, "%:z"), Written(now, "%T") + fraction};
-    g_date_time_unref(now);
+    g_snprintf(fraction, sizeof(fraction), ".%03d", static_cast<int>(microseconds % G_USEC_PER_SEC / 1000));
+    Moment moment{Written(time, "%FT%T") + fraction + Written(time, "%:z"), Written(time, "%T") + fraction};
+    g_date_time_unref(time);
     return moment;
 }
 

@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -126,6 +127,7 @@ struct Moment
     std::string clock;  ///< "10:12:42.123"
 
     static Moment Now();
+    static Moment At(std::int64_t microseconds);  ///< since 1970
 };
 
 constexpr char kServiceIsThere[] = "connected to the iPod service; following its events";

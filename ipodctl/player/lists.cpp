@@ -133,13 +133,12 @@ void ReadEntries(List& names, int from, int end, Page& page)
 
 [[noreturn]] void RefuseAmbiguous(const std::string& name, const std::vector<const Entry*>& found)
 {
-    std::string indices;
-    for (std::size_t i = 0; i < std::min<std::size_t>(found.size(), 3); ++i)
-        indices += (i == 0 ? "" : ", ") + std::to_string(found[i]->index);
-    throw Failure(
-        kUsage,
-        "'" + Printable(name) + "' matches several entries (" + indices + (found.size() > 3 ? ", ..." : "") + ")",
-        "give the index");
+    constexpr std::size_t kNamed = 3;
+    Lines indices;
+    for (std::size_t i = 0; i < std::min(found.size(), kNamed); ++i) indices.push_back(std::to_string(found[i]->index));
+    if (found.size() > kNamed) indices.emplace_back("...");
+    throw Failure(kUsage, "'" + Printable(name) + "' matches several entries (" + Joined(indices, ", ") + ")",
+                  "give the index");
 }
 
 template <class Matches>

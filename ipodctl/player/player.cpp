@@ -180,10 +180,10 @@ std::string NotReported(const PlayerState& state)
     if (first == std::end(kAll) || !HasDevice(state)) return {};
     if (std::none_of(std::begin(kAll), std::prev(std::end(kAll), kOfNoWeight), isReported))
         throw ToFailure(WhyNot(state, first->field));
-    std::string names;
+    Lines names;
     for (const Expected& each : kAll)
-        if (!isReported(each)) names += (names.empty() ? "" : ", ") + std::string(each.what);
-    return "the service did not report " + names + ": " + ToFailure(WhyNot(state, first->field)).what();
+        if (!isReported(each)) names.emplace_back(each.what);
+    return "the service did not report " + Joined(names, ", ") + ": " + ToFailure(WhyNot(state, first->field)).what();
 }
 
 void RequireTrackReported(const PlayerState& state)

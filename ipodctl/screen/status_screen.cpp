@@ -234,7 +234,8 @@ public:
     explicit Watcher(Context& context) : m_session(context.session.Ready())
     {
         m_states = m_session.OnState(
-            "ipodctl", [this](const ipodkit::StatePtr&, ipodkit::Fields) { m_loop.Finish(); }, ShownFields());
+            "ipodctl", [this](const ipodkit::StatePtr&, ipodkit::Fields) { m_loop.Finish(); },
+            ipodkit::Fields::All().Without(ipodkit::Field::Position));  // the screen extrapolates it
         m_connections = m_session.OnConnection("ipodctl", [this](const ipodkit::Connection& connection)
                                                { m_loop.Guard([&] { ConnectionChanged(connection); }); });
         m_loop.EndWithOutput();
@@ -256,16 +257,6 @@ public:
     bool HasService() const { return m_session.Connection().phase == ipodkit::Phase::Ready; }
 
 private:
-    // Returns all fields except the position, which the screen extrapolates.
-    static ipodkit::Fields ShownFields()
-    {
-        ipodkit::Fields fields;
-        for (std::uint32_t bit = 0; bit < 22; ++bit)
-            if (static_cast<ipodkit::Field>(1U << bit) != ipodkit::Field::Position)
-                fields = fields | static_cast<ipodkit::Field>(1U << bit);
-        return fields;
-    }
-
     void ConnectionChanged(const ipodkit::Connection& connection)
     {
         if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus) throw ToFailure(*connection.error);

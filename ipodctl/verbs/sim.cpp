@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "output/fields_json.h"
 #include "output/output.h"
 #include "output/text.h"
 #include "session/session.h"
@@ -67,15 +68,8 @@ Json Switch(const std::string& text)
 // Returns digits unchanged and expands "@FILE" to the contents of the file.
 Json HexDigits(const std::string& text)
 {
-    if (text.empty() || text.front() != '@') return text;
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string digits;
-    for (const unsigned char byte : ReadFile(text.substr(1)))
-    {
-        digits += kDigits[byte >> 4U];
-        digits += kDigits[byte & 15U];
-    }
-    return digits;
+    const bool isFile = !text.empty() && text.front() == '@';
+    return isFile ? ctl::ToJson(ReadFile(text.substr(1))) : Json(text);
 }
 
 Json ToFieldValue(const Json& field, const std::string& text);
@@ -232,7 +226,7 @@ Answer DoAction(Context& context, const SimAction& action, const std::vector<std
 std::string DescriptionOf(const Json& field)
 {
     std::string values;
-    for (const std::string value : field.value("enum", Json::array())) values += (values.empty() ? ": " : ", ") + value;
+    if (field.contains("enum")) values = ": " + Joined(field["enum"], ", ");
     if (field.value("type", "") == "boolean") values = ": on, off";
     if (field.contains("contentEncoding")) values = ": pairs of hexadecimal digits, or @FILE, @- for standard input";
     if (field.value("type", "") == "array") values = ": STATUS:SECONDS,...";
@@ -248,29 +242,23 @@ std::string Footer(const SimAction& action)
     return "Emits: " + action.follows + "\n" + fields + "\nExamples:\n  ipodctl sim " + action.example;
 }
 
-struct Given
-{
-    std::vector<std::string> words;
-};
-
 struct SimChoice
 {
     const CLI::App* app;
     const SimAction* action;
-    std::shared_ptr<Given> given;
+    std::shared_ptr<std::vector<std::string>> words;
 };
 
 SimChoice AddAction(CLI::App& app, const SimAction& action)
 {
-    const auto given = Argument<Given>();
+    const auto words = Argument<std::vector<std::string>>();
     CLI::App* const added = app.add_subcommand(action.name, action.summary);
     added->group("Actions");
     added->fallthrough();
     added->footer(Footer(action));
     if (!action.fields.empty())
-        added->add_option("field", given->words,
-                          "Field to set, as FIELD=VALUE; for the first field, VALUE alone is enough");
-    return {added, &action, given};
+        added->add_option("field", *words, "Field to set, as FIELD=VALUE; for the first field, VALUE alone is enough");
+    return {added, &action, words};
 }
 
 const SimAction& ActionOf(const std::string& name)
@@ -345,7 +333,7 @@ Run BuildSim(CLI::App& app)
     {
         const auto chosen =
             std::find_if(choices.begin(), choices.end(), [](const SimChoice& choice) { return choice.app->parsed(); });
-        return chosen == choices.end() ? others(context) : DoAction(context, *chosen->action, chosen->given->words);
+        return chosen == choices.end() ? others(context) : DoAction(context, *chosen->action, *chosen->words);
     };
 }
 }  // namespace

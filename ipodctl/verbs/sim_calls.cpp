@@ -52,19 +52,6 @@ std::string Shortened(std::string text)
     return Printable(text);
 }
 
-// Formats a UNIX time as local time: "12:34:56.789".
-std::string TimeOfDay(std::uint64_t microseconds)
-{
-    GDateTime* const time = g_date_time_new_from_unix_local(static_cast<gint64>(microseconds / 1000000));
-    char* const text = g_date_time_format(time, "%H:%M:%S");
-    char milliseconds[8];
-    g_snprintf(milliseconds, sizeof(milliseconds), ".%03u", static_cast<unsigned>(microseconds / 1000 % 1000));
-    std::string clock = std::string(text) + milliseconds;
-    g_free(text);
-    g_date_time_unref(time);
-    return clock;
-}
-
 struct Call
 {
     std::uint64_t time = 0;
@@ -127,8 +114,8 @@ Answer ShowCalls(Context& context, const std::string& method)
                          {"method", call.method},
                          {"arguments", call.arguments},
                          {"answer", call.answer}});
-        rows.push_back(
-            {TimeOfDay(call.time), call.sender, call.method, Shortened(call.arguments), Shortened(call.answer)});
+        rows.push_back({Moment::At(static_cast<std::int64_t>(call.time)).clock, call.sender, call.method,
+                        Shortened(call.arguments), Shortened(call.answer)});
     }
     return {{{"verb", "sim calls"}, {"calls", calls}}, Table(rows, context.out.width())};
 }

@@ -1118,7 +1118,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.failure("sim", "calls", "Nexxt", code=USAGE),
                          ("unknown method 'Nexxt'", "did you mean 'Next'?"))
         self.assertEqual(self.failure("sim", "calls", "Nope!", code=USAGE),
-                         ("unknown method 'Nope!'", "ipodctl sim calls lists all calls"))
+                         ("unknown method 'Nope!'", "try 'ipodctl sim calls'"))
 
     # Scenarios
 
@@ -1471,6 +1471,11 @@ class DoctorWithTheSimulator(Doctor, OnABusWithTheSimulator):
     def test_all_is_well(self):
         self.assertEqual({finding["state"] for finding in self.examine(DONE).values()}, {"ok"})
         self.assertRegex(self.text("doctor"), r"(?m)^bus      ok  connected to the session bus$(?s:.*)^build        contract ")
+
+    def test_the_guide_shows_the_present_contract(self):
+        guide = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "docs", "ipodctl.md")
+        with open(guide, encoding="utf-8") as file:
+            self.assertIn(re.search("contract [0-9a-f]{12}", self.text("doctor"))[0], file.read())
 
     def test_a_service_that_hangs_is_a_problem(self):
         self.hang()
