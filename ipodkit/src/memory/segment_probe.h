@@ -1,5 +1,5 @@
 /// @file
-/// Whether the core will be able to attach the shared memory.
+/// Checks whether the core will be able to attach the shared memory.
 #pragma once
 
 #include <ipodkit/error.h>
@@ -19,6 +19,6 @@ std::optional<Error> ProbeSegments();
 /// Converts an exception of Boost about @p segment to a problem and its remedy.
 Error SegmentFailure(const char* segment, const std::exception& thrown);
 
-/// The same for what an attempt of the core threw.
+/// Converts the text of an exception that the core threw while attaching.
 Error AttachFailure(const std::string& what);
 }  // namespace ipodkit

@@ -26,7 +26,7 @@ bool LiesIn(const QBXSharedSegment& segment, const Snapshot<Element>& elements)
            elements.count <= static_cast<std::size_t>(end - first) / sizeof(*elements.begin);
 }
 
-// Pointer and size are fetched once, so that what was checked is what is read. An empty vector has no memory.
+// Pointer and size are loaded once, so that the checked values are those used. An empty vector has no memory.
 template <class Vector>
 std::optional<Snapshot<typename Vector::value_type>> Take(const QBXSharedSegment& segment, const Vector* vector)
 {
@@ -44,8 +44,8 @@ bool HasSoundRoom(const QBXByteVector& vector)
            LiesIn(segment_buffer_vector, Snapshot<unsigned char>{vector.data(), vector.capacity()});
 }
 
-// Grows as if the bytes were appended one by one, as the core does: the service shares the segment, and how much of it
-// is free must not depend on who fills the buffer.
+// Grows as if the bytes were appended one by one, like the core: the service shares the segment, and its free space
+// must not depend on who fills the buffer.
 void Append(QBXByteVector& vector, const unsigned char* bytes, std::size_t count)
 {
     for (std::size_t done = 0;; ++done)
@@ -85,7 +85,8 @@ std::optional<std::vector<unsigned char>> BytesIn(const QBXByteVector* vector)
     return std::vector<unsigned char>(bytes->begin, bytes->begin + bytes->count);
 }
 
-// A vector that grows has its old storage beside the new, which may be twice as long; and it never gives any back.
+// A growing vector needs its old and its new storage at once, the new one up to twice as large, and never releases
+// memory.
 std::size_t RoomToWrite(const QBXByteVector* vector)
 {
     constexpr std::size_t kOldAndNew = 3;

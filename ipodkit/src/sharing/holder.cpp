@@ -14,7 +14,7 @@ namespace
 {
 namespace fs = std::filesystem;
 
-// In the order of Place.
+// Names, in the order of Place.
 constexpr const char* kNames[kPlaces] = {"VecPlayingListShareMemory",
                                          "VecDBListShareMemory",
                                          "VecDBListPinyinShareMemory",
