@@ -1,4 +1,4 @@
-// The time of one page, from request to completion, with what it locks.
+// The time of one page, from request to completion, including its locks.
 #include <ipodkit/pager.h>
 
 #include "kit/figures/figures.h"
