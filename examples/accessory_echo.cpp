@@ -1,4 +1,4 @@
-// Announces a protocol and sends back whatever the companion app on the device sends.
+// Announces a protocol and echoes everything that the companion app on the device sends.
 //
 // The simulator echoes, too, so bytes that come back are dropped: they would otherwise circulate forever.
 #include <QBXLog.h>

@@ -10,7 +10,7 @@ namespace bench
 {
 namespace
 {
-// Those that ipodkit sends when the service appears.
+// The requests that ipodkit sends when the service appears.
 constexpr const char* kRequests[] = {"GetCurrentMediaInfo",
                                      "GetPlayingTrackIdx",
                                      "GetPlayStatus",

@@ -173,7 +173,7 @@ std::string Summary(const Page& page, const Output& out)
     std::string text = page.root ? "root, " : "";
     text += Count(page.amount, page.folder ? "folder" : "song", page.folder ? "folders" : "songs");
     if (shown < page.amount)
-        text += ", " + std::to_string(shown) + " shown; --from N, --count N or --all for the others";
+        text += ", " + std::to_string(shown) + " shown; --from N, --count N, or --all for the others";
     return (shown > 0 ? "\n" : "") + out.Paint(Colour::Dim, Cut(text, out.width()));
 }
 

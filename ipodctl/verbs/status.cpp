@@ -125,7 +125,7 @@ Run BuildStatus(CLI::App& app)
     const auto options = Argument<StatusOptions>();
     AddArt(app, options);
     auto* const listen = app.add_option("--listen", options->listen,
-                                        "Wait this long for events first: only events report battery and calls");
+                                        "Wait this long for events first, because only they report battery and calls");
     listen->check(Seconds());
     auto* const watch = app.add_flag("--watch", options->watch, "Keep printing every change until Ctrl-C");
     watch->excludes(listen);

@@ -210,8 +210,7 @@ void AddOptions(CLI::App& app, Options& options)
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.add_flag("--json", options.json, "Print JSON, one object per line (ipodctl.schema.json)");
     app.add_flag("--verbose", options.settings.verbose, "Print every request and the library's log on standard error");
-    app.add_option("--deadline", options.settings.deadline,
-                   "Time that the service may take for an answer (default: 10)")
+    app.add_option("--deadline", options.settings.deadline, "Time to wait for an answer of the service (default: 10)")
         ->check(Seconds(86400));
     app.add_option_function<std::string>(
            "--color",
@@ -249,7 +248,7 @@ const std::vector<cli::HelpRow>& EnvironmentVariables()
         {"NO_COLOR", "Print no colors if set, except with --color always"},
         {"QBX_LOG",
          "Log records of this level and above: LEVEL (to standard error) or LEVEL:FILE, such as DEBUG:/tmp/log"},
-        {"QBX_SOURCE_REFUSE", "Code with which the stand-in for audio sources refuses"}};
+        {"QBX_SOURCE_REFUSE", "Code with which the stand-in audio-source manager refuses requests"}};
     return variables;
 }
 

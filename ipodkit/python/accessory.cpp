@@ -63,7 +63,7 @@ void BindAccessory(py::module_& module)
     py::class_<AccessoryPort, Owned<AccessoryPort>>(module, "AccessoryPort", kPortDoc)
         .def(py::init(&OpenPort), py::arg("session"), py::kw_only(), py::arg("chunk") = usual.chunk,
              py::arg("high_water") = usual.highWater,
-             "chunk: bytes per call of the service. high_water: a session accepts no more bytes while this many are "
+             "chunk: bytes per call to the service. high_water: a session accepts no more bytes while this many are "
              "waiting.")
         .def("sessions", &AccessoryPort::Sessions, "The open sessions.")
         .def("write_to", WriteTo, KeepsPart(), py::arg("session"), py::arg("data"),

@@ -12,7 +12,7 @@ constexpr char kRequestDoc[] = "A request that has not been sent yet. start(), f
 AnyRequest& Within(AnyRequest& request, const py::object& deadline)
 {
     const std::chrono::milliseconds duration = ToMilliseconds(deadline);
-    if (duration.count() < 0) throw py::value_error("expected a deadline of 0 or more");
+    if (duration.count() < 0) throw py::value_error("expected a non-negative deadline");
     request.Within(duration);
     return request;
 }

@@ -74,7 +74,7 @@ public:
     explicit RequestOf(Request<T> request) : m_request(std::move(request)) {}
     ~RequestOf() override
     {
-        if (m_request) WarnOfDropped("a request was dropped without being sent; call start(), future() or wait()");
+        if (m_request) WarnOfDropped("a request was dropped without being sent; call start(), future(), or wait()");
     }
 
     void Within(std::chrono::milliseconds deadline) override { m_request = Take().Within(deadline); }

@@ -61,7 +61,7 @@ void BindAudioSource(py::module_& module)
              "Report that the manager deactivated the source. for_a_while: it will reactivate the source by itself.")
         .def("play", Requesting(&AudioSource::Play), KeepsPart(), py::arg("option") = PlayOption::Start,
              "Starts playback. Raises Refused unless the source is active when the request starts.")
-        .def("release", &AudioSource::Release, Unlock(), "Gives the source back to the manager.")
+        .def("release", &AudioSource::Release, Unlock(), "Releases the source to the manager.")
         .def("trace", &AudioSource::Trace, "The last transitions, at most 64, oldest first.")
         .def("on_transition", Subscribing(&AudioSource::OnTransition), py::arg("name"), py::arg("callback"),
              "Calls callback(transition) for each AudioTransition.");

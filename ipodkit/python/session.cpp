@@ -62,7 +62,7 @@ OwnedSubscriptionPtr OnState(const SessionHandle& handle, const std::string& nam
                   wanted));
 }
 
-// The rows are what can be printed: the image is not.
+// The rows contain only printable fields, which the image is not.
 template <class E>
 py::object BindEvent(py::module_& module)
 {

@@ -90,7 +90,7 @@ public:
     /// For what On() cannot express, such as work after the reply.
     void React(const std::string& method, Reaction reaction);
 
-    /// Sends the reply to one call; for reactions.
+    /// Sends the reply to one call, from within a Reaction.
     static void Respond(GDBusMethodInvocation* invocation, const Reply& reply);
 
     /// Returns all calls so far, for example "Seek(12,)": the method and its arguments in GVariant text format.

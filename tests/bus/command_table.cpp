@@ -209,7 +209,7 @@ std::vector<Command> Accessories()
     };
 }
 
-// As the generator of the binding converts names: "IsIPodInDbRoot" to "is_ipod_in_db_root".
+// Converts names like the generator of the binding: "IsIPodInDbRoot" to "is_ipod_in_db_root".
 std::string SnakeCase(const std::string& name)
 {
     std::string snake;

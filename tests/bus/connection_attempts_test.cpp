@@ -1,5 +1,5 @@
-// The attempts of InitInstance() to create the proxy, and what it connects. This program takes the place of the
-// functions for that, so that attempts fail and succeed as a test says.
+// The attempts of InitInstance() to create the proxy, and the signals it connects. This program replaces the functions
+// involved, so that attempts fail and succeed as the test decides.
 #include <IQBXIpodPlayer.h>
 #include <gmock/gmock.h>
 #include <ipod_dbus.h>
@@ -13,13 +13,13 @@
 
 namespace
 {
-// One letter an attempt: s succeeds, f fails. Those beyond the last one fail.
+// One letter per attempt: s succeeds, f fails. Further attempts fail.
 std::string outcomes;
 std::size_t attempts = 0;
 bool errorWasPassedTwice = false;
 std::string request;               // the arguments of the last attempt
 bool ownerWasLogged = false;       // before the first signal was connected
-std::vector<std::string> signals;  // as they were connected, with a mark behind those that were not connected plainly
+std::vector<std::string> signals;  // in the order of connection, marked if connected with flags
 
 ComZarnLinuxIpod* FailedProxy(GError** error)
 {

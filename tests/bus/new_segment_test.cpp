@@ -1,4 +1,4 @@
-// What a new segment holds when it gets its name. This program takes the place of the C library's linkat().
+// A new segment is complete when it gets its name. This program replaces the C library's linkat().
 #include <IQBXIpodPlayer.h>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
@@ -11,7 +11,7 @@
 
 namespace
 {
-// What each object held, by its path.
+// The contents of each object when it was named, by path.
 std::map<std::string, std::string> held;
 }  // namespace
 

@@ -1,4 +1,4 @@
-// What the queries of records and lists release. This program takes the place of the generated calls.
+// The queries of records and lists release their replies and errors. This program replaces the generated calls.
 #include <IQBXIpodPlayer.h>
 #include <gtest/gtest.h>
 #include <ipod_dbus.h>
@@ -10,7 +10,7 @@ namespace
 bool fails = false;
 int repliesReleased = 0;
 
-// A "v" around an "ay" of two bytes, which shows when its last reference goes.
+// A "v" around an "ay" of two bytes that reports when its last reference is dropped.
 GVariant* Reply()
 {
     alignas(8) static const char serialized[] = "\x01\x02\0ay";

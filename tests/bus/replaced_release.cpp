@@ -4,7 +4,7 @@
 
 namespace
 {
-// What GLib itself does.
+// Does what GLib itself does.
 template <class Pointer>
 void Forward(const char* function, Pointer memory)
 {

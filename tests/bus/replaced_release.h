@@ -1,5 +1,5 @@
 /// @file
-/// Takes the place of GLib's functions that release memory, so that a test sees what the library gives back.
+/// Replaces GLib's functions that release memory, so that a test detects what the library releases.
 #pragma once
 
 #include <glib.h>
@@ -8,9 +8,9 @@
 
 namespace test
 {
-/// Errors that were released so far.
+/// Number of errors released so far.
 extern std::atomic<int> errorsReleased;
 
-/// A block that a test wants to see released; null once it was.
+/// A block whose release a test expects; null once it was released.
 extern std::atomic<gpointer> unreleased;
 }  // namespace test

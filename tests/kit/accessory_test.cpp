@@ -64,7 +64,7 @@ protected:
     std::map<int, Bytes> written;
     std::size_t largest = 0;
     std::atomic<bool> accepting{true};
-    FakeService service;  // last member, because its thread uses the others
+    FakeService service;  // must be the last member, because its thread uses the others
 };
 
 TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)

@@ -35,7 +35,7 @@ protected:
         Ready();
     }
 
-    // The size, width and height as the service reports them; the byte in front says whether there is none.
+    // Size, width, and height as the service reports them; the first byte is nonzero if there is no image.
     void AnswerArtwork(unsigned char none, const std::vector<unsigned char>& image)
     {
         shared.SetBytes("VecArtworkBufferShareMemory", image);

@@ -6,7 +6,7 @@ namespace test
 {
 namespace
 {
-// Half of the segment: its vectors grow beside what they had.
+// Half of the segment, because a growing vector needs its old storage as well.
 const std::vector<unsigned char> kImage(kBufferSegmentSize / 2, 0xAB);
 static_assert(kBufferSegmentSize / 2 >= kLargeAllocation);
 

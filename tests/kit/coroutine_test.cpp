@@ -16,7 +16,8 @@ namespace
 std::atomic<std::size_t> allocations{0};
 }
 
-// Replace those of every library in the process. Inlined, their calls of malloc() and free() would look mismatched.
+// These replace the operators of the whole process. If they were inlined, their calls of malloc() and free() would look
+// mismatched.
 __attribute__((noinline)) void* operator new(std::size_t size)
 {
     ++allocations;
@@ -282,7 +283,7 @@ TEST_F(CoroutineTest, ATaskMayEndItsOwner)
 }
 
 #ifdef COUNTS_ALLOCATIONS
-// One at a time, like those of a task.
+// Awaited one at a time, like those of a task.
 void StartInTurn(Pager& pager, int times, int& left)
 {
     left = times;

@@ -132,7 +132,7 @@ TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
     EXPECT_EQ((**read)->repeat, Repeat::All);
 }
 
-TEST_F(KnownTest, ARefreshHasTheTermsOfEveryRequest)
+TEST_F(KnownTest, ARefreshSupportsDeadlinesAndCancellation)
 {
     Ready();
     service.Hold("GetRepeatMode");

@@ -103,7 +103,7 @@ protected:
 
     SharedVectors shared;
     std::atomic<int> missing{0};
-    FakeService service;  // last member, because its thread uses the others
+    FakeService service;  // must be the last member, because its thread uses the others
 };
 
 TEST_F(PagerTest, APageRequestedAfterABlockingLevelChangeIsOfTheNewLevel)
@@ -803,8 +803,8 @@ struct UpdateList
 {
     const char* name;
     int size;
-    bool heedsTheRange;  // otherwise it always returns the whole list
-    bool filled;         // what it answers when there is no entry in the range
+    bool heedsTheRange;  // if false, it always returns the whole list
+    bool filled;         // its answer if the range has no entry
 };
 
 class UpdateListTest : public PagerTest, public testing::WithParamInterface<UpdateList>

@@ -456,7 +456,7 @@ class Pictures(WithSimulator):
         with self.assertRaises(TypeError):
             session.commands.artwork("large")
 
-    async def test_without_artwork_there_is_no_picture(self):
+    async def test_without_artwork_the_picture_is_none(self):
         session = await self.ready_session()
         artwork = await session.commands.artwork()
         self.assertEqual((artwork.available, artwork.picture, artwork.type), (False, None, "none"))

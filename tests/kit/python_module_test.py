@@ -106,10 +106,10 @@ class WithoutService(unittest.TestCase):
             with self.subTest(wrong), self.assertRaisesRegex(ValueError, "expected a number of seconds"):
                 self.session.commands.seek(wrong)
 
-    def test_a_deadline_does_not_lie_in_the_past(self):
+    def test_a_negative_deadline_is_rejected(self):
         for wrong in (-1, datetime.timedelta(seconds=-1), -0.001):
             with self.subTest(wrong), self.assertWarns(ResourceWarning), \
-                    self.assertRaisesRegex(ValueError, "expected a deadline of 0 or more"):
+                    self.assertRaisesRegex(ValueError, "expected a non-negative deadline"):
                 self.session.commands.next().within(wrong)
 
     def test_there_is_one_session_at_a_time(self):
@@ -311,7 +311,7 @@ class WithSimulator(unittest.TestCase):
 
         self.assertLess(time.monotonic() - begin, LIMIT / 2)
 
-    def test_a_signal_does_not_throw_the_switch_of_other_requests(self):
+    def test_a_signal_does_not_cancel_other_requests(self):
         self.simulator.hang()
         stop = ipodkit.Cancellation()
 
@@ -357,7 +357,7 @@ class WithSimulator(unittest.TestCase):
         sys.unraisablehook = lambda what: reported.append((type(what.exc_value), what.object))
         return reported
 
-    def test_a_future_that_was_given_up_makes_no_noise_when_the_answer_comes(self):
+    def test_the_answer_to_an_abandoned_future_causes_no_warning(self):
         reported = self.reported_as_unraisable()
         self.simulator.hang()
         future = self.session.commands.ipod_name().within(LIMIT).future()
@@ -369,7 +369,7 @@ class WithSimulator(unittest.TestCase):
         self.assertTrue(future.cancelled())
         self.assertEqual(reported, [])
 
-    def test_a_future_that_asyncio_gives_up_makes_no_noise(self):
+    def test_a_future_that_asyncio_abandons_causes_no_warning(self):
         reported = self.reported_as_unraisable()
         self.simulator.hang()
 
@@ -383,7 +383,7 @@ class WithSimulator(unittest.TestCase):
 
         self.assertEqual(reported, [])
 
-    def test_the_switch_of_a_future_that_was_given_up_is_not_thrown(self):
+    def test_an_abandoned_future_does_not_trigger_its_cancellation(self):
         stop = ipodkit.Cancellation()
         future = self.session.commands.ipod_name().cancelled_by(stop).future()
 
@@ -391,7 +391,7 @@ class WithSimulator(unittest.TestCase):
 
         self.assertFalse(stop.cancelled)
 
-    def test_a_future_that_was_given_up_withdraws_its_request(self):
+    def test_an_abandoned_future_withdraws_its_request(self):
         self.simulator.hang()
         future = self.session.commands.ipod_name().within(LIMIT).future()
         held_by_its_request = weakref.ref(future)

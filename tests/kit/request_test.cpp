@@ -136,7 +136,7 @@ TEST_F(RequestTest, CancellationReachesThePendingPart)
     }
 }
 
-TEST_F(RequestTest, APartHeedsItsOwnSwitchAndThatOfTheWhole)
+TEST_F(RequestTest, APartObeysItsOwnCancellationAndThatOfTheWhole)
 {
     service.Hold("EnterDbRoot");
     for (const bool own : {true, false})
@@ -233,7 +233,7 @@ TEST_F(RequestTest, ADeadlineMayBeArbitrarilyLong)
     EXPECT_TRUE(Completed(RootCount().Within(std::chrono::milliseconds::max())));
 }
 
-TEST_F(RequestTest, ThoseOfAPagerHaveDeadlines)
+TEST_F(RequestTest, PagerRequestsHaveDeadlines)
 {
     service.Hold("GetCurDbListItemsAmount");
     Pager pager(*session, ListKind::Database);
@@ -248,7 +248,7 @@ TEST_F(RequestTest, ThoseOfAPagerHaveDeadlines)
     EXPECT_EQ(Completed(pager.Count()).value(), 7);
 }
 
-TEST_F(RequestTest, ThoseOfAPagerHaveTheDeadlineOfTheSession)
+TEST_F(RequestTest, PagerRequestsHaveTheDeadlineOfTheSession)
 {
     session.reset();
     options.deadline = 100ms;
@@ -260,7 +260,7 @@ TEST_F(RequestTest, ThoseOfAPagerHaveTheDeadlineOfTheSession)
     EXPECT_EQ(KindOf(Completed(pager.At(1))), ErrorKind::TimedOut);
 }
 
-TEST_F(RequestTest, ThoseOfAPagerCanBeCancelled)
+TEST_F(RequestTest, PagerRequestsCanBeCancelled)
 {
     service.Hold("GetCurDbListItemsAmount");
     Pager pager(*session, ListKind::Database);
@@ -310,7 +310,7 @@ TEST_F(RequestTest, AFutureDoesNotWaitOnTheThreadOfTheContext)
     EXPECT_FALSE(future.valid());
 }
 
-TEST_F(RequestTest, EveryKindOfErrorHasARemedyWhereThereIsOne)
+TEST_F(RequestTest, OnlyRefusalsAndCancellationsLackARemedy)
 {
     std::vector<std::string> without;
     for (int kind = 0; kind <= static_cast<int>(ErrorKind::WouldDeadlock); ++kind)
@@ -318,7 +318,7 @@ TEST_F(RequestTest, EveryKindOfErrorHasARemedyWhereThereIsOne)
     EXPECT_THAT(without, ElementsAre("Refused", "Cancelled"));
 }
 
-// Lets go of the completion, as a context does that is destroyed with its sources.
+// Drops the completion, like a context that is destroyed with its sources.
 class Forgetting final : public ipodkit::detail::Operation<int>
 {
 public:
@@ -327,7 +327,7 @@ public:
     void Withdraw() override {}
 };
 
-TEST_F(RequestTest, AFutureThatNothingCanFulfilAnyMoreReturnsAnError)
+TEST_F(RequestTest, AFutureThatCanNoLongerBeFulfilledReturnsAnError)
 {
     const auto forgetting = std::make_shared<Forgetting>(Ask().Next().Inside()->home, ipodkit::detail::Terms());
     Future<int> future = Request<int>(forgetting).Future();
@@ -336,7 +336,7 @@ TEST_F(RequestTest, AFutureThatNothingCanFulfilAnyMoreReturnsAnError)
     EXPECT_FALSE(future.valid());
 }
 
-TEST_F(RequestTest, AFutureOfASessionThatEndedWaitsForNothing)
+TEST_F(RequestTest, AFutureOfAnEndedSessionDoesNotWait)
 {
     const Commands commands = Ask();
     session.reset();
@@ -352,7 +352,7 @@ TEST_F(RequestTest, AFutureOfASessionThatEndedWaitsForNothing)
         .join();
 }
 
-TEST_F(RequestTest, OfAPagerDoNotWaitOnTheThreadOfTheContext)
+TEST_F(RequestTest, PagerRequestsDoNotWaitOnTheThreadOfTheContext)
 {
     Pager pager(*session, ListKind::Database);
 
@@ -362,7 +362,7 @@ TEST_F(RequestTest, OfAPagerDoNotWaitOnTheThreadOfTheContext)
     EXPECT_EQ(Calls("GetCurDbListItemsAmount(false,)") + Calls("EnterDbRoot()"), 0);
 }
 
-TEST_F(RequestTest, OfAPagerMayBeMadeAndAwaitedOnOtherThreads)
+TEST_F(RequestTest, PagerRequestsMayBeMadeAndAwaitedOnOtherThreads)
 {
     Pager pager(*session, ListKind::Database);
 
@@ -370,7 +370,7 @@ TEST_F(RequestTest, OfAPagerMayBeMadeAndAwaitedOnOtherThreads)
     EXPECT_EQ(OnAnotherThread([&] { return pager.Count().Future().get(); }).value(), 7);
 }
 
-TEST_F(RequestTest, OfAPagerThatWereStartedElsewhereEndWithTheSession)
+TEST_F(RequestTest, PagerRequestsStartedOnOtherThreadsEndWithTheSession)
 {
     Pager pager(*session, ListKind::Database);
     std::optional<Result<int>> result;
@@ -382,7 +382,7 @@ TEST_F(RequestTest, OfAPagerThatWereStartedElsewhereEndWithTheSession)
     EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
 }
 
-TEST_F(RequestTest, OfAPagerThatEndedAreCancelled)
+TEST_F(RequestTest, PagerRequestsAreCancelledOnceThePagerEnded)
 {
     auto pager = std::make_unique<Pager>(*session, ListKind::Database);
     Request<int> count = pager->Count();
@@ -394,7 +394,7 @@ TEST_F(RequestTest, OfAPagerThatEndedAreCancelled)
     EXPECT_EQ(result.error().reason, "the pager ended");
 }
 
-TEST_F(RequestTest, AnAccessoryWriteHasADeadlineAndASwitch)
+TEST_F(RequestTest, AnAccessoryWriteHasADeadlineAndACancellation)
 {
     service.Hold("EapWrite");
     AccessoryPort port(*session);
@@ -439,7 +439,7 @@ TEST_F(RequestTest, AWriteThatIsWithdrawnHalfwayEndsTheOthersToo)
     EXPECT_EQ(peer->Waiting(), 0U);
 }
 
-TEST_F(RequestTest, EitherOfTwoSwitchesThrowsTheirCommonOne)
+TEST_F(RequestTest, EitherOfTwoCancellationsTriggersTheirCombination)
 {
     for (const bool first : {true, false})
     {

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Several applications read the lists of one service at the same time: their locks, and what goes wrong without them.
-
-IPODKIT_LISTINGS is how many listings eight processes make together, IPODKIT_KILLS how often a holder is killed.
+"""Tests several applications that read the lists of one service at the same time: with locks, and what goes wrong
+without them. IPODKIT_LISTINGS is the number of listings that eight processes make together, IPODKIT_KILLS the number of
+holders to kill.
 """
 import argparse
 import fcntl
@@ -26,10 +26,10 @@ PROCESSES = 8
 LISTINGS = int(os.environ.get("IPODKIT_LISTINGS", 160))
 KILLS = int(os.environ.get("IPODKIT_KILLS", 5))
 LONGEST = 2000  # milliseconds
-# Seconds. Beside other tests a process may have to wait for a processor.
+# Seconds. While other tests run, a process may have to wait for a processor.
 SOON = 0.05 if "IPODKIT_KILLS" in os.environ else 1
 SEGMENT = "/dev/shm/ListVectorSharedMemory"
-DATABASE_LIST = 0x40000000 + 1  # as docs/sharing.md has them
+DATABASE_LIST = 0x40000000 + 1  # as documented in docs/sharing.md
 BROWSE = 0x40000000 + 7
 ALBUMS, SONGS = 8, 40
 
@@ -41,7 +41,7 @@ def write_music(folder):
 
 
 def can_lock(byte):
-    """Whether nobody holds the byte of the segment."""
+    """Returns whether nobody holds a lock on that byte of the segment."""
     with open(SEGMENT, "r+b") as file:
         try:
             fcntl.fcntl(file, fcntl.F_OFD_SETLK, struct.pack("hhqqi4x", fcntl.F_WRLCK, os.SEEK_SET, byte, 1, 0))
@@ -95,7 +95,7 @@ class Sharing(unittest.TestCase):
         return process
 
     def listed(self, what, listings):
-        """The sums of what eight processes report."""
+        """Returns the sums of the figures that eight processes report."""
         processes = [self.lister(what, listings // PROCESSES, number) for number in range(PROCESSES)]
         sums = dict.fromkeys(("listings", "wrong", "busy", "failed", "longest"), 0)
         for process in processes:

@@ -55,7 +55,7 @@ TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
     std::vector<std::string> order;
     const auto later = [](gpointer steps)
     {
-        static_cast<std::vector<std::string>*>(steps)->emplace_back("next turn of the loop");
+        static_cast<std::vector<std::string>*>(steps)->emplace_back("next iteration");
         return G_SOURCE_REMOVE;
     };
     const Subscription events = session->OnEvent("event",
@@ -72,7 +72,7 @@ TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
     service.Emit("OnIpodPlayingListAmountChange", "(77,)");
 
     ASSERT_TRUE(RunLoopUntil([&] { return order.size() == 3; }));
-    EXPECT_EQ(order, (std::vector<std::string>{"event", "state", "next turn of the loop"}));
+    EXPECT_EQ(order, (std::vector<std::string>{"event", "state", "next iteration"}));
     EXPECT_EQ(State()->queueSize, 77);
 }
 

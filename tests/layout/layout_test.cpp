@@ -143,7 +143,8 @@ void ExpectTheOtherBuffersUntouched(BuffersAsOthersSeeThem& buffers)
     EXPECT_EQ(ExpectedBytes(513, 4), buffers["VecEapReadBufferShareMemory"]);
 }
 
-// Runs in a child process, because a process attaches only once. Returns 0 and the message if the attempt throws.
+// Runs in a child process, because a process attaches only once. Exits with 0 and prints the message if the attempt
+// throws.
 [[noreturn]] void Attach()
 {
     alarm(kPatienceSeconds);

@@ -1,7 +1,7 @@
 """Draws a run over time as SVG: calls, events, transferred bytes, resident memory, and the faults below."""
 
 WIDTH, ROW, LEFT, RIGHT, TOP, GAP = 760, 96, 78, 20, 40, 26
-COLOURS = {"kill": "#c4421a", "stop": "#1769aa", "errors": "#b8860b", "nonsense": "#7b3fa0", "flood": "#2e7d32",
+COLORS = {"kill": "#c4421a", "stop": "#1769aa", "errors": "#b8860b", "nonsense": "#7b3fa0", "flood": "#2e7d32",
            "scribble": "#555555", "silence": "#000000"}
 
 
@@ -39,10 +39,10 @@ def panel(index, title, lines, x):
 def faults(log, x, top):
     for fault in log:
         place = x(fault["second"])
-        yield f'<path d="M{place:.1f} {top}v14" stroke="{COLOURS[fault["kind"]]}" stroke-width="1.5"/>'
-    for i, (kind, colour) in enumerate(COLOURS.items()):
+        yield f'<path d="M{place:.1f} {top}v14" stroke="{COLORS[fault["kind"]]}" stroke-width="1.5"/>'
+    for i, (kind, color) in enumerate(COLORS.items()):
         left = LEFT + 92 * i
-        yield f'<rect x="{left}" y="{top + 44}" width="12" height="4" fill="{colour}"/>'
+        yield f'<rect x="{left}" y="{top + 44}" width="12" height="4" fill="{color}"/>'
         yield f'<text x="{left + 17}" y="{top + 50}">{kind}</text>'
 
 

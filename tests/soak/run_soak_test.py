@@ -69,7 +69,7 @@ class Picture(unittest.TestCase):
     def test_it_is_well_formed_and_shows_every_fault(self):
         samples = [{"second": second, "calls": 10 * second, "events": second, "moved": second, "rss": [1, 2]}
                    for second in range(1, 5)]
-        log = [{"second": 1, "kind": kind} for kind in picture.COLOURS]
+        log = [{"second": 1, "kind": kind} for kind in picture.COLORS]
         drawn = picture.draw({"figures": GOOD, "date": "today", "samples": samples, "fault_log": log})
         xml.etree.ElementTree.fromstring(drawn)
         self.assertEqual(drawn.count('stroke-width="1.5"'), len(log))

@@ -37,7 +37,7 @@ private:
     QBXSharedSegment m_buffers;
 };
 
-/// Writes into a vector, as a broken service may, that it holds and has room for so many elements.
+/// Corrupts the header of a vector, as a broken service may: sets size and capacity to that many elements.
 void ForgeSize(void* vector, std::size_t count);
 
 /// A byte vector in a private segment of an application.

@@ -7,7 +7,7 @@
 namespace test
 {
 /// Sends one more signal on the service's connection, which only the test receives, and runs the default main context
-/// until it arrives. It travels over the client's session connection, hence after all others. Returns false if it did
-/// not arrive.
+/// until it arrives. It travels over the client's session connection, so it arrives after all others. Returns false if
+/// it did not arrive.
 bool PassBarrier(FakeService& service);
 }  // namespace test

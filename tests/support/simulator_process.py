@@ -13,8 +13,8 @@ from private_session import LIMIT, Bus, enter_private_namespace, line_within
 
 
 def begin(*options):
-    """Continues in private shared memory and on a private bus. Returns the options of the command line, --simulator and
-    --interpreter among them, and leaves the rest of it in sys.argv."""
+    """Continues with private shared memory and a private bus. Returns the command-line options, including --simulator
+    and --interpreter, and leaves other arguments in sys.argv."""
     parser = argparse.ArgumentParser()
     for name in ("--simulator", *options):
         parser.add_argument(name, required=True)

@@ -1,5 +1,5 @@
-// Attaching a segment, whatever object has its name. Each attempt ends within a bounded time, attached or with an
-// exception.
+// Attaching a segment, with any kind of object under its name. Each attempt ends within a bounded time, attached or
+// with an exception.
 #include "internal/segments.h"
 
 #include <fcntl.h>
@@ -565,7 +565,7 @@ TEST_F(PublishNewSegment, FailsWhenTheNameExists)
     EXPECT_EQ(3u, test::ReadFile(m_name.path()).size());
 }
 
-TEST_F(PublishNewSegment, FailsWhenTheFurnitureDoesNotFit)
+TEST_F(PublishNewSegment, FailsWhenItsContentsDoNotFit)
 {
     EXPECT_FALSE(
         Publish(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); }));

@@ -27,9 +27,10 @@ namespace ipodkit
 {
 using Bytes = std::vector<unsigned char>;
 
+/// Limits of the writes of one AccessoryPort.
 struct AccessoryOptions
 {
-    std::size_t chunk = 1 << 14;      ///< bytes per call of the service, 0 counts as 1; see RoomForAccessoryBytes()
+    std::size_t chunk = 1 << 14;      ///< bytes per call to the service; 0 counts as 1; see RoomForAccessoryBytes()
     std::size_t highWater = 1 << 18;  ///< bytes that may wait in a session; 0 allows one write at a time
 };
 
@@ -40,8 +41,8 @@ struct AccessoryOptions
 /// Sessions reject larger chunks; the core's EapWrite() has no limit.
 std::size_t RoomForAccessoryBytes();
 
-/// One session, until the device closes it, or the service, the port, or the Session ends. A closed session stays
-/// closed.
+/// One session, open until the device closes it, or the service, the port, or the Session ends. A closed session never
+/// reopens.
 class AccessorySession
 {
 public:
@@ -90,6 +91,7 @@ using AccessorySessionPtr = std::shared_ptr<AccessorySession>;
 class AccessoryPort
 {
 public:
+    /// Starts with the sessions that are already open.
     explicit AccessoryPort(Session& session, const AccessoryOptions& options = {});
 
     /// Closes its AccessorySession objects: their writes complete with ErrorKind::Cancelled. The device's sessions stay
@@ -101,11 +103,11 @@ public:
     /// Returns the open sessions.
     std::vector<AccessorySessionPtr> Sessions() const;
 
-    /// As AccessorySession::Write(), to a session by its number, also to one that was opened before this process
-    /// listened. ErrorKind::Refused when the service has no such session.
+    /// Like AccessorySession::Write(), but addresses the session by number, even one that was opened before this
+    /// process listened. ErrorKind::Refused when the service has no such session.
     Request<void> WriteTo(std::uint16_t session, Bytes bytes);
 
-    /// Reports each session that the device opens from now on. Sessions() has those that are open already.
+    /// Reports each session that the device opens from now on. Sessions() returns those that are already open.
     Subscription OnOpened(std::string name, std::function<void(const AccessorySessionPtr&)> callback);
 
 private:

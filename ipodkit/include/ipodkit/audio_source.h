@@ -1,5 +1,5 @@
 /// @file
-/// The right to be heard: one of the head unit's two iPod audio sources, from the request to the release.
+/// One of the head unit's two iPod audio sources, from request to release: the right to be heard.
 ///
 ///     AudioSource source(session, 0);
 ///     source.Request();                    // asks the audio-source manager
@@ -24,9 +24,10 @@
 
 namespace ipodkit
 {
+/// The steps of an audio source.
 enum class AudioState
 {
-    Released,   ///< not requested, refused, or given back
+    Released,   ///< not requested, refused, or released
     Granted,    ///< requested and granted, not active
     Active,     ///< may be heard
     Playing,    ///< playback was started
@@ -36,6 +37,7 @@ enum class AudioState
 /// "Playing" for AudioState::Playing.
 const char* Name(AudioState state);
 
+/// One change of an AudioSource's state.
 struct AudioTransition
 {
     AudioState from;
@@ -43,6 +45,7 @@ struct AudioTransition
     std::string why;  ///< for logs: "granted", "the service was lost"
 };
 
+/// One of the two audio sources, with the state of its request and of its playback.
 class AudioSource
 {
 public:
@@ -54,6 +57,7 @@ public:
     AudioSource(const AudioSource&) = delete;
     AudioSource& operator=(const AudioSource&) = delete;
 
+    /// Returns the present state.
     AudioState State() const;
 
     /// Requests the source from the manager; does nothing unless it is Released. ErrorKind::Refused when the manager
@@ -61,17 +65,18 @@ public:
     Result<void> Request();
 
     /// @name Notifications by the manager
-    /// Both send a confirmation to the manager through the core's player, which names source 10 in either case. Before
-    /// the session was first Ready they do nothing. @p confirmation is the value that came with the notification; it is
-    /// returned unchanged.
+    /// Both send a confirmation to the manager through the core's player, which names source 10 in either case. They do
+    /// nothing before the session was first Ready. @p confirmation is the value that came with the notification; it is
+    /// returned to the manager unchanged.
     /// @{
 
-    /// Call it when the manager activated the source, requested or not. Resumes suspended playback; if that fails, the
-    /// reason is logged, level WARN, and the state stays Active.
+    /// Call this when the manager has activated the source, requested or not. Resumes suspended playback; if that
+    /// fails, the reason is logged, level WARN, and the state stays Active.
     void Activated(int confirmation);
 
-    /// Call it when the manager deactivated the source. With @p forAWhile the manager activates it again by itself: the
-    /// state becomes Suspended if something played, else Granted. Without, it becomes Released.
+    /// Call this when the manager has deactivated the source. If @p forAWhile is true, the manager will activate it
+    /// again by itself: the state becomes Suspended if something was playing, else Granted. Otherwise it becomes
+    /// Released.
     void Deactivated(int confirmation, bool forAWhile);
     /// @}
 
@@ -79,13 +84,13 @@ public:
     /// thread may make and start it; the context must run.
     ipodkit::Request<void> Play(PlayOption option = PlayOption::Start);
 
-    /// Gives the source back to the manager. Does nothing when it is Released.
+    /// Releases the source to the manager. Does nothing when it is already Released.
     void Release();
 
     /// Returns the last transitions, at most 64, oldest first.
     std::vector<AudioTransition> Trace() const;
 
-    /// Calls back after each transition, with State() already changed. The log uses @p name.
+    /// Calls back after each transition, with State() already changed. The log identifies the callback by @p name.
     Subscription OnTransition(std::string name, std::function<void(const AudioTransition&)> callback);
 
 private:

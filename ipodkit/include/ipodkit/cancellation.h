@@ -16,7 +16,7 @@ namespace ipodkit
 ///
 ///     Cancellation stop;
 ///     commands.Next().CancelledBy(stop).Start(…);
-///     stop.Cancel();   // completes with ErrorKind::Cancelled; the service may act on it nevertheless
+///     stop.Cancel();   // completes with ErrorKind::Cancelled; the service may still act on it
 class Cancellation
 {
 public:

@@ -1,10 +1,9 @@
 /// @file
-/// The commands of the service, with real results. Each returns a Request: nothing is sent before Start(), Future()
-/// or Wait(). Where the service answers "false", the result is ErrorKind::Refused. Where one says what it takes,
-/// everything else is ErrorKind::BadArgument, and nothing is sent.
+/// The commands of the service, with real results. Each returns a Request: nothing is sent before Start(), Future() or
+/// Wait(). Where the service answers "false", the result is ErrorKind::Refused. Where a command documents a range,
+/// other values are ErrorKind::BadArgument, and nothing is sent.
 ///
-/// Pages of lists are the Pager's, accessory bytes go through an AccessorySession, and the request for an audio source
-/// is AudioSource's.
+/// For pages of lists use Pager, for accessory bytes AccessorySession, and to request an audio source AudioSource.
 #pragma once
 
 #include <ipodkit/event.h>
@@ -19,9 +18,10 @@
 
 namespace ipodkit
 {
+/// The position in the playing track.
 struct PlayPosition
 {
-    std::chrono::milliseconds position{};
+    std::chrono::milliseconds position{};  ///< from the start of the track
     std::chrono::milliseconds duration{};  ///< of the track
 };
 template <>
@@ -35,7 +35,7 @@ struct Rows<PlayPosition>
     };
 };
 
-/// What starts playback on the audio source that was granted last.
+/// How StartPlayback() starts playback on the audio source that was granted last.
 enum class PlayOption : int
 {
     Start = 3,
@@ -43,6 +43,7 @@ enum class PlayOption : int
     Restart = 5,  ///< from the start of the track
 };
 
+/// Whether the device fast-forwards or rewinds.
 enum class Winding : int
 {
     Forward,
@@ -59,7 +60,7 @@ struct EnumNames<Winding>
 /// A button of the accessory remote control. The service defines the numbers of the buttons.
 struct ButtonPress
 {
-    std::uint32_t button = 0;
+    std::uint32_t button = 0;          ///< number of the button
     std::uint32_t state = 0;           ///< 1 pressed, 0 released
     std::chrono::milliseconds held{};  ///< how long it has been pressed; 0 to 2^32 - 1
 };
@@ -83,22 +84,22 @@ public:
 
     /// @name Playback
     /// @{
-    Request<void> StartPlayback(PlayOption option) const;
-    Request<void> Pause() const;
-    Request<void> Stop() const;
-    Request<void> Next() const;
-    Request<void> Previous() const;
-    Request<void> Seek(std::chrono::seconds position) const;  ///< from the start of the track; -2^31 to 2^31 - 1
-    Request<void> FastForward() const;
-    Request<void> FastBackward() const;
-    Request<void> StopWinding() const;
-    Request<void> SetShuffle(ipodkit::Shuffle mode) const;  ///< 0 to 255, with a name or without
-    Request<void> SetRepeat(ipodkit::Repeat mode) const;    ///< 0 to 255, with a name or without
-    Request<void> PressButton(const ButtonPress& press) const;
-    Request<void> SetTransmission(bool on) const;  ///< whether the head unit receives the device's audio
+    Request<void> StartPlayback(PlayOption option) const;       ///< AudioSource::Play() checks the source first
+    Request<void> Pause() const;                                ///< pauses playback
+    Request<void> Stop() const;                                 ///< stops playback
+    Request<void> Next() const;                                 ///< skips to the next track
+    Request<void> Previous() const;                             ///< skips to the previous track
+    Request<void> Seek(std::chrono::seconds position) const;    ///< from the start of the track; -2^31 to 2^31 - 1 s
+    Request<void> FastForward() const;                          ///< until StopWinding()
+    Request<void> FastBackward() const;                         ///< until StopWinding()
+    Request<void> StopWinding() const;                          ///< ends fast-forward or rewind
+    Request<void> SetShuffle(ipodkit::Shuffle mode) const;      ///< 0 to 255, whether or not the enumeration names it
+    Request<void> SetRepeat(ipodkit::Repeat mode) const;        ///< 0 to 255, whether or not the enumeration names it
+    Request<void> PressButton(const ButtonPress& press) const;  ///< sends one press or release
+    Request<void> SetTransmission(bool on) const;  ///< reports whether the head unit receives the device's audio
     /// @}
 
-    /// @name What plays
+    /// @name Playback state, as the service reports it now
     /// @{
     Request<Track> CurrentTrack() const;
     Request<ipodkit::PlayStatus> PlayStatus() const;
@@ -109,37 +110,37 @@ public:
     Request<int> PlayingIndex() const;  ///< -1 when nothing plays
     Request<int> PlayingCount() const;  ///< entries of the playing list
 
-    /// The artwork of the playing track, of any size, with what the service reports about it; `available` is false when
-    /// there is none. PlayerState::artwork has it already unless it exceeds SessionOptions::artworkLimit.
-    /// ErrorKind::NoSharedMemory before the session was ready once, and when the shared memory is damaged. The service
-    /// has one place for artwork: two of these requests at the same time may mix their images.
+    /// The artwork of the playing track, of any size, and its dimensions as the service reports them; `available` is
+    /// false when there is none. PlayerState::artwork already has it unless it exceeds SessionOptions::artworkLimit.
+    /// ErrorKind::NoSharedMemory before the session was first Ready, and when the shared memory is damaged. The service
+    /// has one place for artwork: concurrent requests may receive each other's image.
     Request<ArtworkChanged> Artwork() const;
     /// @}
 
-    /// @name Music database. Every pager of the session whose list changes starts afresh when the service has followed
-    /// the command, before its completion. Pager::EnterChild() and its siblings do so at once.
+    /// @name Music database. When the service has executed a command, every pager of the session whose list it changes
+    /// drops its pages, before the command completes. Pager::EnterChild() and its siblings drop them at once.
     /// @{
     Request<int> DatabaseCount(bool fromTop = false) const;  ///< entries of the current level, or of the top level
-    Request<void> EnterRoot() const;
-    Request<void> EnterParent() const;
-    Request<void> EnterChild(int index) const;  ///< from 0; ErrorKind::Refused for a song
-    Request<bool> AtRoot() const;
-    Request<void> PlayDatabaseEntry(int index) const;  ///< from 0; the level becomes the playing list
-    Request<void> PlayPlayingEntry(int index) const;   ///< from 0
+    Request<void> EnterRoot() const;                         ///< goes to the root
+    Request<void> EnterParent() const;                       ///< goes one level up; ErrorKind::Refused at the root
+    Request<void> EnterChild(int index) const;               ///< from 0; ErrorKind::Refused for a song
+    Request<bool> AtRoot() const;                            ///< whether the current level is the root
+    Request<void> PlayDatabaseEntry(int index) const;        ///< from 0; the level becomes the playing list
+    Request<void> PlayPlayingEntry(int index) const;         ///< from 0
     /// @}
 
     /// @name Devices
     /// @{
-    Request<int> DeviceCount() const;
-    Request<void> EnterDevice(int index) const;  ///< all pagers start afresh, and the state is read again
+    Request<int> DeviceCount() const;            ///< attached devices
+    Request<void> EnterDevice(int index) const;  ///< from 0; all pagers drop their pages, and the state is read again
     Request<std::string> IpodName() const;       ///< the name that its owner gave the device
-    Request<std::string> ForegroundApp() const;  ///< bundle identifier, or empty
-    Request<void> LaunchApp(const std::string& bundleId) const;  ///< UTF-8 without NUL, at most 1 MiB
-    Request<CarPlayDevice> CarPlayStatus() const;
-    Request<DeviceStatus> CarLifeStatus() const;
-    Request<void> NotifyCarPlay(bool connected, bool wireless) const;  ///< state of the CarPlay session
+    Request<std::string> ForegroundApp() const;  ///< bundle identifier; empty if no app is in the foreground
+    Request<void> LaunchApp(const std::string& bundleId) const;        ///< UTF-8 without NUL, at most 1 MiB
+    Request<CarPlayDevice> CarPlayStatus() const;                      ///< the detected CarPlay device
+    Request<DeviceStatus> CarLifeStatus() const;                       ///< whether a CarLife device is detected
+    Request<void> NotifyCarPlay(bool connected, bool wireless) const;  ///< reports the state of the CarPlay session
     Request<void> AnnounceAccessory(const AccessoryInfo& info) const;  ///< UTF-8 without NUL, at most 255 bytes each
-    Request<void> SetHubTestMode(unsigned char mode) const;            ///< for production and service only
+    Request<void> SetHubTestMode(unsigned char mode) const;  ///< 0 ends it; for production and maintenance only
     /// @}
 
 private:

@@ -15,8 +15,8 @@
 /// context.
 ///
 /// **Ownership.** A task belongs to the Tasks that started it, or to the task that awaits it. Destroying the owner
-/// destroys the frame at its suspension point, and withdraws the request that it awaits: the request is not sent any
-/// more, or its answer is ignored.
+/// destroys the frame at its suspension point, and withdraws the request that it awaits: a request that has not been
+/// sent is dropped, and the answer to one that has is ignored.
 ///
 /// **Exceptions** of a task reach the task that awaits it; those of the outermost task are logged, level WARN.
 ///
@@ -75,7 +75,7 @@ public:
         if (m_orphaned) m_frame.destroy();
     }
 
-    /// For the owner's end. A task that is running ends when it suspends.
+    /// Called when the owner ends. A running task ends when it suspends.
     void End()
     {
         Unlink();
@@ -189,7 +189,7 @@ public:
     void Take() const { RethrowThrown(); }
 };
 
-/// Waits for a request. Its end withdraws the request.
+/// Waits for a request. Destroying it withdraws the request.
 template <class T>
 class RequestAwaiter
 {

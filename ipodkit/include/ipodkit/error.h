@@ -1,6 +1,6 @@
 /// @file
 /// Results and errors. Failures of the service, the bus, or the system are returned as a Result. An index that was
-/// never valid is an error of the program, and thrown. All of it may be used on any thread.
+/// never valid is a programming error, and throws. All of it may be used on any thread.
 #pragma once
 
 #include <string>
@@ -10,6 +10,7 @@
 
 namespace ipodkit
 {
+/// Why a request failed.
 enum class ErrorKind
 {
     NoBus,           ///< no session bus is available, or its connection was closed

@@ -3,8 +3,8 @@
 ///
 ///     auto events = session->OnEvent("log", [](const Event& event) { puts(SignalName(event)); });
 ///
-/// An event has exactly the values that the service sent: numbers without a name are passed on, texts are not checked.
-/// The PlayerState combines the events into one value.
+/// An event has exactly the values that the service sent: numbers without a name are passed on unchanged, and texts are
+/// not checked. The PlayerState combines the events into one value.
 #pragma once
 
 #include <ipodkit/fields.h>
@@ -40,6 +40,7 @@ struct Rows<DeviceChanged>
     };
 };
 
+/// Playback started, paused, stopped, or began to wind.
 struct PlayStatusChanged
 {
     PlayStatus status{};
@@ -71,6 +72,7 @@ struct Rows<ProgressChanged>
     };
 };
 
+/// The repeat mode changed.
 struct RepeatChanged
 {
     Repeat mode{};
@@ -85,6 +87,7 @@ struct Rows<RepeatChanged>
     };
 };
 
+/// The shuffle mode changed.
 struct ShuffleChanged
 {
     Shuffle mode{};
@@ -99,7 +102,7 @@ struct Rows<ShuffleChanged>
     };
 };
 
-/// Another track plays. Its artwork follows in a separate ArtworkChanged.
+/// The playing track changed. Its artwork follows in a separate ArtworkChanged.
 struct TrackChanged
 {
     int index = -1;  ///< in the playing list, from 0; -1 when nothing plays
@@ -116,6 +119,7 @@ struct Rows<TrackChanged>
     };
 };
 
+/// The size of the playing list changed.
 struct QueueSizeChanged
 {
     int size = 0;  ///< entries of the playing list
@@ -130,6 +134,7 @@ struct Rows<QueueSizeChanged>
     };
 };
 
+/// The device's audio became valid or invalid.
 struct SourceValidChanged
 {
     bool valid = false;  ///< whether the device's audio can be used
@@ -171,6 +176,7 @@ struct Rows<ArtworkChanged>
     };
 };
 
+/// A CarPlay device was detected or lost.
 struct CarPlayChanged
 {
     DeviceStatus status{};
@@ -187,7 +193,7 @@ struct Rows<CarPlayChanged>
     };
 };
 
-/// A phone call began, changed or ended. Members that the service did not send are absent.
+/// A phone call began, changed, or ended. Members that the service did not send are absent.
 struct CallChanged
 {
     PhoneCall call;
@@ -200,7 +206,7 @@ struct Rows<CallChanged>
     static constexpr std::tuple all{Row{"", &CallChanged::call, "", ""}};
 };
 
-/// Members that the service did not send are absent.
+/// The device's battery changed. Members that the service did not send are absent.
 struct BatteryChanged
 {
     Battery battery;
@@ -213,6 +219,7 @@ struct Rows<BatteryChanged>
     static constexpr std::tuple all{Row{"", &BatteryChanged::battery, "", ""}};
 };
 
+/// The device started or stopped requesting location information.
 struct LocationChanged
 {
     LocationStatus status{};
@@ -227,6 +234,7 @@ struct Rows<LocationChanged>
     };
 };
 
+/// Another app came to the foreground of the device.
 struct ForegroundAppChanged
 {
     std::string bundleId;  ///< empty when there is none
@@ -258,6 +266,7 @@ struct Rows<AccessoryOpened>
     };
 };
 
+/// The accessory session was closed.
 struct AccessoryClosed
 {
     std::uint16_t session = 0;
@@ -292,6 +301,7 @@ struct Rows<AccessoryData>
     };
 };
 
+/// A CarLife device was detected or lost.
 struct CarLifeChanged
 {
     DeviceStatus status{};
@@ -306,10 +316,11 @@ struct Rows<CarLifeChanged>
     };
 };
 
+/// Wireless CarPlay became available or unavailable.
 struct WirelessCarPlayChanged
 {
     bool available = false;
-    std::string deviceAddress;
+    std::string deviceAddress;  ///< Bluetooth address of the device
 };
 template <>
 struct Rows<WirelessCarPlayChanged>
@@ -322,7 +333,7 @@ struct Rows<WirelessCarPlayChanged>
     };
 };
 
-/// Out-of-band pairing information.
+/// Out-of-band pairing information arrived.
 struct PairingReceived
 {
     std::string bluetoothAddress;

@@ -3,7 +3,7 @@
 ///
 ///     ForEachRow<TrackChanged>([&](const auto& row) { show(row.name, std::invoke(row.get, event), row.meaning); });
 ///
-/// A struct has one row per field, declared right after it. JSON, its schema, Python attributes and reference tables
+/// A struct has one row per field, declared right after it. JSON, its schema, Python attributes, and reference tables
 /// are derived from the rows, so adding a field means adding its row.
 #pragma once
 
@@ -22,16 +22,16 @@ namespace ipodkit
 template <class Get>
 struct Row
 {
-    const char* name;     ///< in lower case, with underscores; empty for a struct whose fields count as one's own
-    Get get;              ///< for std::invoke
-    const char* unit;     ///< "ms", "s", "px", "bytes", "%", "hex" for raw bytes; empty for texts and counts
+    const char* name;  ///< in lower case, with underscores; empty for a struct whose fields are merged into this one's
+    Get get;           ///< for std::invoke
+    const char* unit;  ///< "ms", "s", "px", "bytes", "%", "hex" for raw bytes; empty for texts and counts
     const char* meaning;  ///< one sentence without a full stop
 };
 template <class Get>
 Row(const char*, Get, const char*, const char*) -> Row<Get>;
 
-/// Specialized for each struct that has rows: its name as a `type` and in data, the tuple `all`, and `complete` where
-/// the rows are the whole value.
+/// Specialized for each struct that has rows: `type`, its name as a type; `name`, its name in data; the tuple `all`;
+/// and `complete` if the rows cover the whole value.
 template <class T>
 struct Rows;
 
@@ -50,7 +50,7 @@ constexpr void ForEachRow(const Use& use)
 template <class T, class Row>
 using FieldType = std::decay_t<std::invoke_result_t<decltype(Row::get), const T&>>;
 
-/// The field's name in JSON: it includes the unit where a number would be ambiguous.
+/// The field's name in JSON: durations end in "_ms", raw bytes are called "hex".
 template <class Row>
 std::string JsonName(const Row& row)
 {
@@ -88,7 +88,7 @@ namespace detail
 std::string NameOrNumber(const char* const* names, std::size_t count, int value);
 }
 
-/// "fast-forward" for PlayStatus::FastForward; "unknown:7" for a value of the service that has no name here.
+/// "fast-forward" for PlayStatus::FastForward; "unknown:7" for a number that the enumeration does not name.
 template <class E, class = std::enable_if_t<kHasNames<E>>>
 std::string ToString(E value)
 {

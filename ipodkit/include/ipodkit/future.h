@@ -19,18 +19,18 @@ namespace detail
 class __attribute__((visibility("hidden"))) Home;
 using HomePtr = std::shared_ptr<Home>;
 
-/// Whether the calling thread runs the context, or ran it last while no thread does now.
+/// Returns whether the calling thread runs the context, or ran it last if no thread runs it now.
 bool RunsHere(const Home& home);
 
-/// Whether the session has ended: a result that has not arrived will not arrive.
+/// Returns whether the session has ended: a result that has not arrived by then never will.
 bool HasEnded(const Home& home);
 
 Error WouldDeadlock();
 Error SessionEnded();
 }  // namespace detail
 
-/// Returned by Request::Future(). Like std::future, except that it never throws for want of a result, and does not wait
-/// on the thread where the result would arrive. Any thread may use it, one at a time.
+/// Returned by Request::Future(). Like std::future, except that it does not throw when no result can arrive, and does
+/// not wait on the thread where the result would arrive. Any thread may use it, one at a time.
 template <class T>
 class [[nodiscard]] Future
 {
@@ -53,7 +53,7 @@ public:
     }
 
     /// Blocks until the result is available, and returns it; the future is no longer valid then. Returns
-    /// ErrorKind::Cancelled when the session has ended and no result can arrive any more.
+    /// ErrorKind::Cancelled when the session has ended and the result can no longer arrive.
     ///
     /// On the thread that runs the session's context it returns ErrorKind::WouldDeadlock instead of blocking, and the
     /// future stays valid.

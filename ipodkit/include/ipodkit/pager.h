@@ -10,7 +10,7 @@
 /// checked against the request. The pager drops its pages when its list is replaced or reordered, its level or device
 /// changes, or the service restarts; requests under way then complete with ErrorKind::Cancelled. It detects this by
 /// events, and by the commands of the same session: EnterRoot(), EnterParent(), EnterChild(), EnterDevice(),
-/// PlayDatabaseEntry(), PlayPlayingEntry() and SetShuffle(). No event reports that another application changed the
+/// PlayDatabaseEntry(), PlayPlayingEntry(), and SetShuffle(). No event reports that another application changed the
 /// level, or started another list of the same size: hold a BrowseLease, or call Refresh() where that matters.
 ///
 /// **Other applications** read the same lists. Requests wait for those that use the kit, and complete with
@@ -19,8 +19,8 @@
 /// **End of the session.** A pager that outlives its session has no pages, and its requests complete with
 /// ErrorKind::Cancelled. They complete before the session's destructor returns, those made afterwards in its context.
 ///
-/// **Threads.** Requests may be made and started on any thread while the pager lives; all else belongs to the context's
-/// thread. Completions may destroy the pager.
+/// **Threads.** Requests may be made and started on any thread while the pager lives; use everything else on the
+/// context's thread only. Completions may destroy the pager.
 #pragma once
 
 #include <ipodkit/list_kind.h>
@@ -45,10 +45,10 @@ struct Page
     bool folders = false;            ///< Database only: the entries can be entered
     bool root = false;               ///< Database only: this is the top level
 
-    /// Returns whether the page has the entry of that index in the list.
+    /// Returns whether the page contains the list's entry @p index.
     bool Holds(int index) const { return index >= first && index - first < static_cast<int>(names.size()); }
 
-    /// Returns the name of the entry of that index in the list.
+    /// Returns the name of the list's entry @p index.
     /// @throws std::out_of_range  when the page does not have the entry
     const std::string& At(int index) const
     {
@@ -58,7 +58,7 @@ struct Page
 
 using PagePtr = std::shared_ptr<const Page>;
 
-/// When an option is out of range, every request of the pager completes with ErrorKind::BadArgument.
+/// Limits of a pager. When an option is out of range, every request of the pager completes with ErrorKind::BadArgument.
 struct PagerOptions
 {
     int pageSize = 50;              ///< entries; at least 1
@@ -66,6 +66,7 @@ struct PagerOptions
     int prefetch = 1;               ///< pages to fetch ahead, in the direction of the last two requests; at least 0
 };
 
+/// Reads one list of the service in pages, and caches them.
 class Pager
 {
 public:
@@ -75,8 +76,8 @@ public:
     /// Reads nothing yet. The pager may outlive the session.
     Pager(Session& session, ListKind kind, const PagerOptions& options = {});
 
-    /// Completes its open requests with ErrorKind::Cancelled before it returns; their completions must not use the
-    /// pager any more. A change of level that was sent is not undone.
+    /// Completes its open requests with ErrorKind::Cancelled before it returns; their completions must no longer use
+    /// the pager. A change of level that was sent is not undone.
     ~Pager();
     Pager(const Pager&) = delete;
     Pager& operator=(const Pager&) = delete;
@@ -96,7 +97,7 @@ public:
     /// when @p last is less than @p first, or an entry does not exist.
     Request<std::vector<std::string>> Range(int first, int last);
 
-    /// Returns the page that has the entry, from the cache; null when it is not cached. Context thread only.
+    /// Returns the page that has the entry from the cache; null if it is not cached. Context thread only.
     PagePtr Cached(int index) const;
 
     /// @name Change of level, for the database lists; ErrorKind::BadArgument for others. When the request starts, every
@@ -113,7 +114,7 @@ public:
     void Refresh();
 
     /// Calls back when all pages are outdated: the level, the list, the device, or the service changed. Not called when
-    /// the session ends. The log uses @p name.
+    /// the session ends. The log identifies the callback by @p name.
     Subscription OnOutdated(std::string name, std::function<void()> callback);
 
 private:

@@ -1,5 +1,5 @@
 /// @file
-/// Images as files, for interfaces that expect an address.
+/// Images as files, for interfaces that expect a URI.
 #pragma once
 
 #include <ipodkit/error.h>
@@ -22,8 +22,8 @@ public:
     ///                   the directory stay
     explicit PictureFiles(std::string directory = {}, std::size_t keep = 32);
 
-    /// Writes the image unless its file exists, and returns the address, "file:///…". Equal images have the same
-    /// address. The file is complete when it appears; it stays until `keep` other images were returned after it.
+    /// Writes the image unless its file exists, and returns its URI, "file:///…". Equal images have the same URI. The
+    /// file is complete when it appears; it stays until `keep` other images have been returned after it.
     /// ErrorKind::NoStorage when it cannot be written.
     Result<std::string> Uri(const Picture& picture) const;
 

@@ -55,7 +55,7 @@ enum class Field : std::uint32_t
     ForegroundApp = 1U << 18,
     Battery = 1U << 19,
     Calls = 1U << 20,
-    AccessorySessions = 1U << 21,  ///< the last one: Fields::All() depends on it
+    AccessorySessions = 1U << 21,  ///< must be last: Fields::All() depends on it
 };
 
 /// "track index" for Field::TrackIndex.
@@ -90,7 +90,7 @@ constexpr Fields operator|(Field one, Field other)
 /// "track, position": the fields that a set holds, separated by commas.
 std::string Names(Fields fields);
 
-/// The position of playback at a moment, and the position now if playback continued.
+/// The playback position at one moment, from which later positions are extrapolated.
 struct Position
 {
     std::chrono::milliseconds position{};
@@ -115,12 +115,12 @@ struct Rows<Position>
 };
 bool operator==(const Position& one, const Position& other);
 
-/// The state of the player and the device. Numbers without a name are passed on.
+/// The state of the player and the device. Numbers without a name are passed on unchanged.
 ///
 /// Track, index, status, position, modes, queue size, artwork, number and name of devices, CarPlay, CarLife, and
 /// foreground app are read from the service when it appears, when a device is attached or removed, and when this
-/// session enters one. Only events report the rest, which is unknown until the first. If the companion daemon runs,
-/// fields that earlier events reported are known, and listed in @c remembered.
+/// session enters one. Only events report the rest, which is unknown until its first event. If the companion daemon
+/// runs, fields that earlier events reported are known, and listed in @c remembered.
 struct PlayerState
 {
     std::uint64_t version = 0;  ///< incremented with each published state
@@ -129,7 +129,7 @@ struct PlayerState
     std::string service;           ///< unique bus name of the service that the values come from; empty before the first
     std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
     Fields missing;                ///< not answered within the deadline, but still awaited; Phase::Ready only
-    Fields remembered;             ///< known only from the companion daemon; calls and accessory sessions: some of them
+    Fields remembered;  ///< known only from the companion daemon; for calls and accessory sessions: at least one is
 
     Known<Track> track;         ///< the playing or paused track
     Known<int> trackIndex;      ///< its index in the playing list, from 0; -1 when nothing plays

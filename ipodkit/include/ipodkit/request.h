@@ -9,11 +9,12 @@
 ///     Result<PagePtr> page = co_await pager.At(1234);                            // see coroutine.h
 ///
 /// **Use.** A request is sent once, and each of its functions consumes it. Chain the calls as above; a request in a
-/// variable must be moved, and not be used afterwards: `std::move(request).Start(…)`. What a completion refers to must
-/// exist until it has run, at the latest when the session ends.
+/// variable must be moved, and not be used afterwards: `std::move(request).Start(…)`. Everything that a completion
+/// refers to must outlive it; it runs no later than the end of the session.
 ///
 /// **Threads.** Any thread may make and send requests. Completions, and functions given to AndThen(), run in the
-/// session's context, exactly once, never inside Start(). What they throw is logged, level WARN, and goes no further.
+/// session's context, exactly once, never inside Start(). Exceptions they throw are logged at level WARN and are not
+/// propagated.
 ///
 /// **Blocking.** The Wait() of a command needs no context: it iterates none, and may be called on any thread, also on
 /// the session's (which it blocks). All other requests (of pagers, accessory sessions, audio sources, and leases, and
@@ -25,7 +26,7 @@
 /// none at all, unless Within() sets it.
 ///
 /// **End.** When the session ends, requests under way by Start() or Future() complete with ErrorKind::Cancelled before
-/// its destructor returns. A Wait() of a command on another thread continues to its answer or its deadline. Requests
+/// its destructor returns. A Wait() of a command on another thread continues until its answer or its deadline. Requests
 /// made afterwards complete with ErrorKind::Cancelled, too: a Start() in the context, while it runs.
 #pragma once
 
@@ -53,21 +54,22 @@ namespace detail
 {
 class __attribute__((visibility("hidden"))) Bus;
 
-/// What Within() and CancelledBy() set.
+/// Deadline and cancellation of a request, as set by Within() and CancelledBy().
 struct Terms
 {
     std::optional<std::chrono::milliseconds> deadline{};
     std::optional<Cancellation> cancellation{};
 };
 
-/// The terms of a request of several steps, once it has begun.
+/// Deadline and cancellation of a request of several steps that has begun.
 class SharedTerms
 {
 public:
     SharedTerms() = default;
     explicit SharedTerms(Terms terms);
 
-    /// Makes a step that begins now end with the whole; why it cannot begin any more otherwise.
+    /// Limits a step that begins now to what is left for the whole request. Returns an error if the whole has ended or
+    /// its deadline has passed.
     std::optional<Error> ApplyTo(Terms& step) const;
 
 private:
@@ -81,7 +83,7 @@ Error Threw();
 /// Writes the exception that ended a task of coroutine.h to the log.
 void LogThrownByTask(const std::exception_ptr& thrown);
 
-/// How a request is carried out. It is used once, by Start() or Wait().
+/// Executes one request, once: by Start() or Wait().
 template <class T>
 class Operation
 {
@@ -95,8 +97,8 @@ public:
 
     virtual void Start(Completion completion) = 0;
 
-    /// Completes what was started with ErrorKind::Cancelled before it returns, unless it has completed. Context thread
-    /// only.
+    /// Completes a started operation with ErrorKind::Cancelled before it returns, unless it has completed. Context
+    /// thread only.
     virtual void Withdraw() = 0;
 
     virtual Result<T> Wait()
@@ -129,7 +131,7 @@ struct Following<F, void> : std::invoke_result<F>
 {
 };
 
-/// Two operations, the second of which is made from the result of the first.
+/// Two operations; the second is made from the result of the first.
 template <class T, class U, class F>
 class Chain final : public Operation<U>, public std::enable_shared_from_this<Chain<T, U, F>>
 {
@@ -238,8 +240,8 @@ public:
         return std::move(*this);
     }
 
-    /// Makes one request of two: @p next is called with the value of this one, if it has one, and returns the second,
-    /// whose result is that of the whole. An error ends the whole at once.
+    /// Chains two requests: @p next is called with the value of this one, if it has one, and returns the second, whose
+    /// result is that of the whole. An error ends the whole at once.
     ///
     /// Each part keeps its own deadline. Within() and CancelledBy(), applied to the whole, hold for all parts together:
     /// they reach the one that is under way.

@@ -10,14 +10,14 @@
 /// blocks there. Create and destroy it on the thread that runs the context, or before any thread does. All other
 /// operations may be called on any thread, and do not block.
 ///
-/// **Callbacks** may call everything, end subscriptions, and destroy the session. What they throw is logged, level
-/// WARN, with the callback's name; the session and the other callbacks go on.
+/// **Callbacks** may call everything, end subscriptions, and destroy the session. Exceptions they throw are logged at
+/// level WARN with the callback's name; the session and the other callbacks continue.
 ///
 /// **Process.** One session exists at a time, because the lists in shared memory belong to the process. The session
 /// obtains the core's player, which attaches the shared memory, but does not call its InitInstance(): it receives the
-/// service's events itself. An application that uses the core beside the session calls InitInstance() on its own.
+/// service's events itself. An application that uses the core alongside the session calls InitInstance() itself.
 ///
-/// **End of the bus.** GLib exits a process whose session bus disappears, unless
+/// **End of the bus.** GLib terminates a process whose session bus disappears, unless
 /// `g_dbus_connection_set_exit_on_close()` disables that. In a process that survives, requests fail with
 /// ErrorKind::NoBus until a bus is available at the same address; the session checks once a second.
 #pragma once
@@ -70,7 +70,7 @@ public:
     static Result<std::unique_ptr<Session>> Open(const SessionOptions& options = {});
 
     /// Completes the requests that are under way with ErrorKind::Cancelled; a Wait() on another thread continues.
-    /// Subscriptions may outlive the session; their callbacks do not run any more. A callback may destroy the session.
+    /// Subscriptions may outlive the session; their callbacks no longer run. A callback may destroy the session.
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -83,9 +83,9 @@ public:
     /// Within() sets one.
     Request<StatePtr> Changed(Fields fields = Fields::All());
 
-    /// Reads those of @p fields that have a request from the service again, and publishes each when its answer arrives:
-    /// for fields that were refused, or that may have changed without an event. Does nothing without a service. Any
-    /// thread.
+    /// Reads @p fields from the service again, and publishes each when its answer arrives; fields that only events
+    /// report are ignored. Use it for fields that were refused, or that may have changed without an event. Does nothing
+    /// without a service. Any thread.
     void Refresh(Fields fields = Fields::All());
 
     /// Does the same as Refresh(), and completes with the published state once each of @p fields has been read or timed

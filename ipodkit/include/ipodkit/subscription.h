@@ -15,11 +15,11 @@ class __attribute__((visibility("hidden"))) Slot;
 
 /// Registers a callback until it is destroyed, reset, or assigned to. Move-only. It may outlive the session.
 ///
-/// Any thread may end it, also the callback itself. Ending it blocks while the callback runs on another thread;
+/// Any thread may end it, and so may the callback itself. Ending it blocks while the callback runs on another thread;
 /// afterwards the callback does not run again, and is destroyed. So do not end it while holding a lock that the
 /// callback needs. A callback that ends itself is destroyed when it returns.
 ///
-/// Exceptions from callbacks are logged, level WARN, with the callback's name; other callbacks still run.
+/// Exceptions from callbacks are logged at level WARN with the callback's name; other callbacks still run.
 class [[nodiscard]] Subscription
 {
 public:
@@ -29,7 +29,7 @@ public:
     Subscription& operator=(Subscription&& other) noexcept;
     ~Subscription();
 
-    /// Ends the registration. Does nothing when it has ended.
+    /// Ends the registration. Does nothing if it has already ended.
     void Reset();
 
 private:

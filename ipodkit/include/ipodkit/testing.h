@@ -38,7 +38,7 @@ public:
     /// Returns the session to pass to the application; it ends with the fake.
     Session& Get();
 
-    /// Returns a state in Phase::Ready in which all else is unknown.
+    /// Returns a state in Phase::Ready in which everything else is unknown.
     static PlayerState ReadyState();
 
     /// Publishes a state, with the next version.
@@ -64,7 +64,7 @@ public:
     /// Returns the calls so far, in order: method and arguments in GVariant text, "Seek(12,)".
     std::vector<std::string> Calls() const;
 
-    /// Advances the time: the position follows while something plays, and commands that are held time out.
+    /// Advances the time: the position follows while something plays, and held requests time out.
     void Advance(std::chrono::milliseconds time);
 
     /// Runs what is ready in the session's context.

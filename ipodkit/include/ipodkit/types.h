@@ -1,8 +1,8 @@
 /// @file
 /// Values of the device: tracks, calls, battery, and the enumerations of their fields.
 ///
-/// Texts have exactly the bytes that the service sent: UTF-8 by agreement, not checked. Every number that the service
-/// sends is a valid value of an enumeration, even without a name here.
+/// Texts contain exactly the bytes that the service sent: UTF-8 by convention, not checked. Every number that the
+/// service sends is a valid value of an enumeration, even without a name here.
 #pragma once
 
 #include <ipodkit/fields.h>

@@ -1,7 +1,7 @@
 /// @file
 /// Converts values to D-Bus variants and back, as their rows define. A value with rows is a dictionary a{sv} with the
-/// keys of JSON. Enumerations are their names, durations int64 in the unit of their type, times int64 in seconds since
-/// 1970-01-01 UTC, bytes "ay", and images a dictionary without the bytes. Absent members are omitted.
+/// keys of JSON. Enumerations become their names, durations int64 in the unit of their type, times int64 in seconds
+/// since 1970-01-01 UTC, bytes "ay", and images a dictionary without the bytes. Absent members are omitted.
 ///
 ///     ToVariant(Battery{80, ChargingStatus::Charged});  // {'percent': <80>, 'status': <'charged'>}
 #pragma once

@@ -15,8 +15,9 @@ With callbacks, in a program that runs GLib's default main context through pytho
     session.commands.next().start(lambda value, error: print(error or "done"))
     GLib.MainLoop().run()
 
-A session that is made while asyncio runs lives in that loop; nothing else has to run GLib. What callbacks raise goes to
-sys.unraisablehook, a KeyboardInterrupt to the program that runs the loop. A subscription lasts as long as its object.
+A session that is created while asyncio runs belongs to that loop; nothing else has to run GLib. Exceptions of callbacks
+go to sys.unraisablehook, a KeyboardInterrupt to the program that runs the loop. A subscription lasts as long as its
+object.
 """
 import asyncio as _asyncio
 
@@ -70,7 +71,7 @@ class _Pump:
 
 
 class _Latest:
-    """The latest state, with all that changed since it was taken."""
+    """The latest state, with all fields that changed since the previous one was consumed."""
 
     def __init__(self):
         self._state = None
@@ -177,7 +178,7 @@ class Session(_native.Session):
     def states(self, *fields):
         """Iterates over the states that differ in one of the fields (in any, without fields), the present one first.
 
-        Yields (state, changed). Whoever is slow gets the latest state, with all that changed meanwhile.
+        Yields (state, changed). A slow consumer gets the latest state, with all fields that changed meanwhile.
         """
         wanted = set(fields) or None
         return _Stream(self, _Latest(), lambda put: self.on_state("states", put, wanted))
@@ -199,7 +200,7 @@ class Session(_native.Session):
 
 
 class _Arrivals:
-    """The subscriptions to what all accessory sessions of a port receive."""
+    """The subscriptions to the bytes that all accessory sessions of a port receive."""
 
     def __init__(self, port, put):
         self._put = put
@@ -244,7 +245,7 @@ class AccessoryPort(_native.AccessoryPort):
 
 
 def _await(request):
-    """Sends the request; its value, or its Error. Cancelling the task withdraws it."""
+    """Sends the request, and returns its value or raises its Error. Cancelling the task withdraws the request."""
     loop = _asyncio.get_running_loop()
     future = loop.create_future()
 

@@ -11,7 +11,7 @@ std::size_t RoomForAccessoryBytes()
     return RoomToWrite(g_VecEapWriteBufferShareMemory);
 }
 
-/// Follows the sessions of the state, which decides which ones are open.
+/// Mirrors the sessions of the state, which knows which ones are open.
 class AccessoryPort::Impl : public std::enable_shared_from_this<AccessoryPort::Impl>
 {
 public:

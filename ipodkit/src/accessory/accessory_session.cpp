@@ -24,7 +24,7 @@ Error TooManyWaiting(std::size_t waiting)
 const Error kWithdrawnHalfSent{ErrorKind::Cancelled, "a write was cancelled after part of it had been sent"};
 }  // namespace
 
-// Moved to another thread and back. The objects that belong to this thread are never destroyed there.
+// Moves to another thread and back. The objects that belong to this thread are never destroyed there.
 struct AccessorySession::Impl::Growth
 {
     std::shared_ptr<Impl> self;
@@ -95,7 +95,7 @@ void AccessorySession::Impl::SendChunk(const Lane::Release& release)
         WriteAside({begin, begin + size}, release);
 }
 
-// Those of which nothing was sent.
+// Writes of which nothing has been sent.
 void AccessorySession::Impl::DropWithdrawn()
 {
     while (!m_jobs.empty() && !m_jobs.front().request->Open())

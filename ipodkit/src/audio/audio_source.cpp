@@ -79,7 +79,7 @@ Result<void> AudioSource::Impl::Request()
     if (m_state != AudioState::Released) return {};
     const int code = player->Play(m_number == 0 ? IPOD_PLAY_REQUEST_SOURCE_0 : IPOD_PLAY_REQUEST_SOURCE_1, 0);
     if (code != 1 && code != 2)
-        return Fail(ErrorKind::Refused, "the audio-source manager answered " + std::to_string(code));
+        return Fail(ErrorKind::Refused, "the audio-source manager refused with code " + std::to_string(code));
     Go(AudioState::Granted, "granted");
     return {};
 }
@@ -156,7 +156,7 @@ void AudioSource::Impl::ServiceLost()
     if (m_state == AudioState::Suspended) Go(AudioState::Granted, "the service was lost");
 }
 
-// As the core does in an application that receives events from it.
+// The core does the same in an application that receives its events.
 void AudioSource::Impl::Follow(const Event& event)
 {
     const auto* const change = std::get_if<SourceValidChanged>(&event);

@@ -33,7 +33,7 @@ std::string TextOf(const Call& call)
     return call.method + arguments;
 }
 
-// A reply must have the type of the contract. One of "false" means that the service refused.
+// A reply must have the contract's type. "false" means that the service refused.
 Result<Body> Judged(const Call& call, Result<Body> result)
 {
     if (!result) return result;
@@ -55,13 +55,13 @@ void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::stead
     LogDebug(TextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
 }
 
-// Whether the request is a command, which returns success or nothing.
+// Returns whether the request is a command, which returns success or nothing.
 bool IsCommand(const Call& call)
 {
     return call.isOrder || std::strcmp(call.replyType, "()") == 0;
 }
 
-// Without a valid answer in time, the service may have executed the command nevertheless.
+// Without a valid answer in time, the service may still have executed the command.
 bool MayBeFollowed(const Call& call, const Result<Body>& result)
 {
     if (!IsCommand(call)) return false;
@@ -70,7 +70,7 @@ bool MayBeFollowed(const Call& call, const Result<Body>& result)
     return kind == ErrorKind::TimedOut || kind == ErrorKind::Cancelled || kind == ErrorKind::BadReply;
 }
 
-// The call as a message: GDBus's call by name would hide whether the service or the bus sent an error.
+// Builds a message, because GDBus's call functions would hide whether the service or the bus sent an error.
 MessagePtr MessageOf(const Call& call)
 {
     MessagePtr message(g_dbus_message_new_method_call(kBusName, kObjectPath, kBusName, call.method));
@@ -127,8 +127,8 @@ Bus::Serial Bus::Remember(PendingPtr pending)
     return m_lastSerial;
 }
 
-// Keeps the request when there is no connection yet. One that another thread has just made may have been sent when the
-// connection came, before its own turn in the context.
+// Keeps the request if there is no connection yet. A request that another thread has just made may already have been
+// sent when the connection was established, before its own turn in the context.
 void Bus::Transmit(Serial serial)
 {
     std::unique_lock<std::mutex> lock(m_mutex);

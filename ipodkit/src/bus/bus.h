@@ -1,5 +1,5 @@
 /// @file
-/// The session's connection to the bus, and the calls under way on it.
+/// The session's connection to the bus, and its pending calls.
 #pragma once
 
 #include <cstdint>
@@ -20,16 +20,16 @@ inline constexpr char kObjectPath[] = "/com/zarn/linux/ipod";
 namespace detail
 {
 /// Calls go to the service's well-known name over the connection itself. A proxy would send them to the unique name
-/// that it saw last, hence to a dead service until its context runs; and it has no deadline per call.
+/// that it saw last, and so to a dead service until its context runs; it also lacks deadlines per call.
 ///
-/// Send() and SendAndWait() may be called on any thread, OnFollowed() before they are; the rest on the thread of the
-/// context.
+/// Send() and SendAndWait() may be called on any thread. Call OnFollowed() before them, and everything else on the
+/// context's thread.
 class Bus : public std::enable_shared_from_this<Bus>
 {
 public:
     using Serial = std::uint64_t;
 
-    /// Answers calls in place of a service. Nothing when the answer comes later, by Complete().
+    /// Answers calls in place of a service. Returns nothing if the answer follows later, by Complete().
     using Responder = std::function<std::optional<Result<Body>>(const Call&, Serial)>;
 
     Bus(GMainContext* context, const Guard& guard);
@@ -41,19 +41,19 @@ public:
     /// Reports the commands of SendAndWait() at once. Otherwise they are reported when the context runs next.
     void ReportFollowed();
 
-    /// Sends now, or when there is a connection. The completion runs in the context, once, never before the return.
+    /// Sends now, or when there is a connection. The completion runs once, in the context, never before this returns.
     void Send(std::shared_ptr<PendingCall> call);
 
-    /// Completes a call that was sent, unless it has completed. Its answer is dropped.
+    /// Completes a call that was sent, unless it has completed, and drops its answer.
     void Withdraw(const PendingCall& call);
 
-    /// Blocks. Iterates only a private context.
+    /// Sends and blocks until the answer. Iterates only a private context.
     Result<Body> SendAndWait(const Call& call);
 
     /// Sends all calls to @p responder instead of the bus.
     void AnswerBy(Responder responder) { m_responder = std::move(responder); }
 
-    /// The answer to a call; ignored when it has completed.
+    /// Completes a call with its answer; ignored if it has already completed.
     void Complete(Serial serial, Result<Body> result);
 
     /// Sends the requests that wait for the connection.
@@ -67,7 +67,7 @@ public:
 
     const HomePtr& Home() const { return m_home; }
 
-    /// For requests that end with the session and belong to nothing else.
+    /// Returns the group of requests that belong to no other object and end with the session.
     const std::shared_ptr<RequestGroup>& Requests() const { return m_requests; }
 
 private:

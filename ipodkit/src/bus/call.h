@@ -1,5 +1,5 @@
 /// @file
-/// One call of the service.
+/// One call to the service.
 #pragma once
 
 #include <chrono>
@@ -28,7 +28,7 @@ struct Call
     Terms terms{};
 };
 
-/// A call under way, and the receiver of its answer.
+/// A pending call, and the receiver of its answer.
 class PendingCall
 {
 public:

@@ -1,5 +1,5 @@
 /// @file
-/// A request that is one call of the service.
+/// A request that consists of one call to the service.
 #pragma once
 
 #include "bus/bus.h"
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    // The bus holds what is under way; that holds the bus no longer.
+    // The bus owns pending calls, so a pending call no longer owns the bus.
     std::shared_ptr<Bus> SetOut()
     {
         call.terms = std::move(this->terms);

@@ -28,7 +28,7 @@ ErrorKind KindOfBusError(int code)
     }
 }
 
-// Errors of GDBus in this process.
+// Errors that GDBus reports within this process.
 ErrorKind KindOfLocalError(int code)
 {
     switch (code)

@@ -10,11 +10,11 @@
 
 namespace ipodkit
 {
-/// The reason is the bus's own message, without the name of the error.
+/// Converts an error. The reason is the bus's own message, without the name of the error.
 Error ToError(const GError& error);
 
-/// The error that a reply is; nothing when it is another message. What the bus sends on behalf of a service that died
-/// or is not there has a separate kind; an error that the service itself sends is ErrorKind::Refused, whatever its
-/// name.
+/// Returns the error that a reply contains; nothing if it is another message. Errors that the bus sends on behalf of a
+/// dead or missing service have separate kinds; an error that the service itself sends is ErrorKind::Refused, whatever
+/// its name.
 std::optional<Error> ErrorIn(GDBusMessage& reply);
 }  // namespace ipodkit

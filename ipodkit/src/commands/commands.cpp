@@ -15,7 +15,7 @@ namespace
 constexpr std::size_t kLongestText = 1 << 20;
 constexpr std::size_t kSlotLength = 255;
 
-/// As SetButtonStatus sends it, in memory order.
+/// The record of SetButtonStatus, in memory order.
 struct ButtonRecord
 {
     std::uint32_t words[3];
@@ -84,7 +84,7 @@ Decoded<ArtworkChanged> HeadAndImage(GVariant* body)
     return artwork;
 }
 
-// Why a number cannot be sent as a @p Wire; nothing when it can.
+// Returns why a number cannot be sent as a @p Wire; nothing if it can.
 template <class Wire, class Number>
 std::optional<Error> Unfit(Number number)
 {
@@ -95,10 +95,10 @@ std::optional<Error> Unfit(Number number)
 }
 }  // namespace
 
-// Makers with what every command has in common. Macros, because they name private members of Commands: functions that
-// do would have to be declared in the public header, and Maker with them.
+// Makers with what all commands share. They are macros because they name private members of Commands: functions would
+// have to be declared in the public header, together with Maker.
 //
-// The members are spelled as in the bus contract: searching for one finds its one use.
+// Methods are spelled as in the bus contract, so that a search finds their only use.
 #define ORDER                                   \
     Maker<void>                                 \
     {                                           \

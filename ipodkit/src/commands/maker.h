@@ -1,19 +1,19 @@
 /// @file
-/// Requests from a member of the bus contract, its arguments and its reply.
+/// Builds requests from a method of the bus contract, its arguments, and its reply.
 #pragma once
 
 #include "bus/call_operation.h"
 
 namespace ipodkit
 {
-/// Decodes a reply that says no more than that the request was served.
+/// Decodes a reply without a value.
 inline Result<void> Nothing(GVariant*)
 {
     return {};
 }
 
-/// What the reply looks like and what to make of it; then the method. @p arguments may be floating or null. To an
-/// order, the reply "(b)" says whether it was followed: false is ErrorKind::Refused, and true is decoded.
+/// Type and decoder of the reply, then the method. @p arguments may be floating or null. The reply "(b)" to a command
+/// reports whether it was executed: false is ErrorKind::Refused, and true is decoded.
 template <class T>
 struct Maker
 {

@@ -53,8 +53,8 @@ Result<Record> ToRecord(GVariant* body)
                     std::to_string(bytes.size()));
 }
 
-// As the core reads the records of events: a text without a NUL in its slot runs on into the next one, up to the end of
-// the record.
+// Like the core when it reads the records of events: a text without a NUL in its slot continues into the next one, up
+// to the end of the record.
 std::string TextIn(const TrackRecord& record, std::size_t slot)
 {
     const char* const begin = record.text[slot];

@@ -13,18 +13,17 @@ namespace ipodkit
 {
 using PictureHead = std::array<std::uint32_t, 4>;
 
-/// Bodies "(v)" that hold a byte array. ErrorKind::BadReply when the array has another size than the record.
+/// Decode bodies "(v)" that hold a byte array. ErrorKind::BadReply if the array differs in size from the record.
 Result<Track> ToTrack(GVariant* body);
 Result<PictureHead> ToPictureHead(GVariant* body);
 
-/// The same from the variant of an event, as the core reads it: what is too short is filled with zeros, what is too
-/// long is cut.
+/// Decode the variant of an event like the core does: short records are padded with zeros, long ones truncated.
 Track TrackIn(GVariant* boxed);
 PictureHead PictureHeadIn(GVariant* boxed);
 
-/// Why a text cannot be sent; nothing when it can.
+/// Returns why a text cannot be sent; nothing if it can.
 std::optional<Error> Obstacle(const std::string& text, std::size_t longest);
 
-/// The argument of EapInit, "v", floating. The texts must be sendable.
+/// Returns the argument of EapInit, a floating "v". The texts must be valid.
 GVariant* ToEapInit(const AccessoryInfo& info);
 }  // namespace ipodkit

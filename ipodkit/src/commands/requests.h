@@ -1,5 +1,5 @@
 /// @file
-/// Requests whose data goes through shared memory. The answer says only that the data is there.
+/// Requests whose data is transferred through shared memory. The answer only announces it.
 #pragma once
 
 #include <ipodkit/list_kind.h>
@@ -9,10 +9,10 @@
 
 namespace ipodkit
 {
-/// The picture of the playing track goes into VecArtworkBufferShareMemory.
+/// Makes the service store the artwork of the playing track in VecArtworkBufferShareMemory.
 Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline);
 
-/// Sends the content of VecEapWriteBufferShareMemory.
+/// Makes the service send the contents of VecEapWriteBufferShareMemory.
 Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
                          std::uint16_t session);
 
@@ -23,14 +23,14 @@ struct PageHead
     bool root = false;
 };
 
-/// The entries from @p first to @p last go into the vector of the list. ErrorKind::Refused when the service says that
-/// it did not fill it.
+/// Makes the service store the entries from @p first to @p last in the list's vector. ErrorKind::Refused if the service
+/// reports that it did not.
 Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline, ListKind kind,
                              int first, int last);
 
-/// The lock of the list's vector.
+/// Returns the lock of the list's vector.
 Place PlaceOf(ListKind kind);
 
-/// The entries that the service has put there; nothing when the vector cannot be read.
+/// Returns the entries in the list's vector; nothing if it cannot be read.
 std::optional<std::vector<std::string>> NamesOf(ListKind kind);
 }  // namespace ipodkit

@@ -17,7 +17,7 @@ class PageCache
 public:
     explicit PageCache(std::size_t limit) : m_limit(std::max<std::size_t>(limit, 1)) {}
 
-    /// Null when it is not cached. Otherwise it becomes the most recently used.
+    /// Returns the page, which becomes the most recently used; null if it is not cached.
     PagePtr Find(int number)
     {
         const auto found = m_index.find(number);

@@ -9,7 +9,7 @@ namespace
 {
 constexpr char kNoSize[] = "the service does not report the size of this list";
 
-// The requests that wait for a call reach their deadlines before the call reaches its own.
+// Requests that wait for a call reach their deadlines before the call reaches its own.
 constexpr std::chrono::milliseconds kSlack(100);
 
 tl::unexpected<Error> WrongSize(std::size_t got, std::size_t wanted)
@@ -101,7 +101,7 @@ Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> cal
     return Subscription(m_lane->Watchers().Add(std::move(name), std::move(callback)));
 }
 
-// Callbacks may make requests meanwhile, and end the pager.
+// Callbacks may make requests meanwhile, and destroy the pager.
 void Pager::Impl::Forget(const Error& error)
 {
     const auto self = shared_from_this();
@@ -113,8 +113,8 @@ void Pager::Impl::Forget(const Error& error)
     m_reads->FailBegun(error);
 }
 
-// Drops an answer that belongs to forgotten state or to a list that has been replaced: the
-// requests that waited for it have completed.
+// Drops an answer that belongs to discarded state or to a list that has been replaced: the requests that waited for it
+// have completed.
 template <class T>
 void Pager::Impl::InTurn(Request<T> request, Locking lock, std::function<bool()> wanted, Arrived<T> arrived)
 {
@@ -150,7 +150,7 @@ void Pager::Impl::Locks::Release()
     if (vector != nullptr) vector->End();
 }
 
-// The level first, then the vector: with one order everywhere, no two applications wait for each other.
+// Locks the level first, then the vector: one order everywhere prevents deadlocks between applications.
 void Pager::Impl::LockPage(Locked locked)
 {
     const auto& leases = m_session->SharedLeases();
@@ -233,8 +233,8 @@ void Pager::Impl::EntryWanted(int index, PageWaiter<PagePtr> waiter)
                  { count ? PageWanted(index, waiter) : waiter.arrived(tl::unexpected<Error>(count.error())); }});
 }
 
-// In a list without a reported size, a page that is not full marks the end. The first page is requested first:
-// beyond the end some services refuse, and some fill in the whole list whatever is requested.
+// In a list without a reported size, a page that is not full marks the end. The first page is requested first: beyond
+// the end some services refuse, and some return the whole list regardless of the range.
 void Pager::Impl::EntryWantedWithoutCount(int index, const PageWaiter<PagePtr>& waiter)
 {
     const PageWaiter<PagePtr> checked{
@@ -263,7 +263,7 @@ void Pager::Impl::PageWanted(int index, PageWaiter<PagePtr> waiter)
     if (fresh) FetchPage(number, request.get());
 }
 
-// Beyond the end when the size is not known.
+// The index may be beyond the end of a list of unknown size.
 int Pager::Impl::LastOf(int number) const
 {
     if (m_kind == ListKind::Devices) return m_count.value_or(0) - 1;
@@ -319,7 +319,7 @@ Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
         Page{static_cast<int>(FirstOf(number)), std::move(*names), head.folders, head.root});
 }
 
-// In the direction of the last two requests. A later request may join.
+// Prefetches in the direction of the last two requests. A later request may join.
 void Pager::Impl::Prefetch(int number)
 {
     const int step = number < m_lastNumber ? -1 : 1;
@@ -345,9 +345,9 @@ Request<void> Pager::Impl::Enter(std::function<Request<void>(const Commands&)> c
         });
 }
 
-// Outdates at once, so that nothing of the old level is shown. A callback of that may end the pager, which withdraws
-// what was not sent yet. The lists become outdated again when the service has followed the command, because the other
-// pagers may have read in between; also when this one has ended.
+// Outdates the lists at once, so that nothing of the old level is shown. A callback may then destroy the pager, which
+// withdraws the command if it has not been sent yet. The lists become outdated again when the service has executed the
+// command, even if this pager is gone, because other pagers may have read in between.
 void Pager::Impl::Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command)
 {
     CatchUp();

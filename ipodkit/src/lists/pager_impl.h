@@ -14,7 +14,7 @@
 
 namespace ipodkit
 {
-/// A request, and its continuation with the result that it waits for.
+/// A request, and the function that continues it with the result that it waits for.
 template <class T>
 struct PageWaiter
 {
@@ -22,7 +22,7 @@ struct PageWaiter
     std::function<void(const Result<T>&)> arrived;
 };
 
-/// A page or the count that is being fetched, and those who wait for it.
+/// A page or a count that is being fetched, and the requests that wait for it.
 template <class T>
 struct PageFetch
 {
@@ -44,7 +44,7 @@ public:
     void Watch();
     void End();
 
-    /// Outdates the list if a blocking command that was made meanwhile has changed it.
+    /// Outdates the list if a blocking command has changed it meanwhile.
     void CatchUp() { m_session->Bus()->ReportFollowed(); }
 
     /// @name Any thread

@@ -75,7 +75,7 @@ void Pager::Impl::BeginWalk(const WalkPtr& walk)
                  }});
 }
 
-// Page by page, without a call inside a call for those that are in the cache.
+// Reads page by page; iterates over cached pages instead of recursing.
 void Pager::Impl::WalkOn(const WalkPtr& walk)
 {
     for (PagePtr page = Cached(walk->next); page != nullptr && walk->next <= walk->last; page = Cached(walk->next))

@@ -1,5 +1,5 @@
 /// @file
-/// Handlers of cancellations.
+/// Connects handlers to cancellations.
 #pragma once
 
 #include <gio/gio.h>
@@ -7,8 +7,8 @@
 
 namespace ipodkit
 {
-/// Calls @p thrown on the thread that cancels, at once if that has happened; never after the link was destroyed, which
-/// blocks during a call on another thread. The link must not be destroyed inside the call.
+/// Calls @p thrown on the thread that cancels, at once if the cancellation has already been triggered; never after the
+/// link was destroyed. Destroying the link blocks during a call on another thread, and must not happen inside the call.
 class CancellationLink
 {
 public:

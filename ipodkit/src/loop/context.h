@@ -1,5 +1,5 @@
 /// @file
-/// Work for the thread that runs a main context.
+/// Posts tasks to the thread that runs a main context.
 #pragma once
 
 #include <functional>
@@ -9,8 +9,8 @@
 
 namespace ipodkit
 {
-/// Makes @p context the thread-default one for as long as it lives, so that GIO delivers there. The calling thread
-/// runs the context.
+/// Makes @p context the thread-default one during its lifetime, so that GIO delivers there. The calling thread runs the
+/// context.
 class DefaultContext
 {
 public:
@@ -50,7 +50,7 @@ private:
 /// Runs @p work in @p context, later, even if the caller runs the context.
 void Post(GMainContext* context, std::function<void()> work);
 
-/// Runs @p work in @p context after so many milliseconds, unless the source is destroyed before.
+/// Runs @p work in @p context after that many milliseconds, unless the source is destroyed before.
 SourcePtr After(GMainContext* context, guint milliseconds, std::function<void()> work);
 
 /// Runs @p work on a thread of GLib's pool.

@@ -1,5 +1,5 @@
 /// @file
-/// Protection against the application's callbacks, which are called from C and share one thread.
+/// Isolates the kit from the application's callbacks, which are called from C and share one thread.
 #pragma once
 
 #include <chrono>

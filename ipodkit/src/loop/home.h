@@ -1,5 +1,5 @@
 /// @file
-/// The session's context: the thread that runs it, and work for it.
+/// The session's context: which thread runs it, and tasks for it.
 #pragma once
 
 #include <ipodkit/future.h>
@@ -17,24 +17,24 @@ namespace ipodkit::detail
 class Home
 {
 public:
-    /// Until the context runs, it counts as that of the calling thread.
+    /// Until the context runs, it counts as the calling thread's.
     Home(GMainContext* context, const Guard& guard) : m_context(g_main_context_ref(context)), m_guard(guard) {}
 
     GMainContext* Context() const { return m_context.get(); }
     const Guard& CallbackGuard() const { return m_guard; }
 
-    /// Remembers that the calling thread runs the context.
+    /// Records that the calling thread runs the context.
     void RunsOnThisThread() { m_thread.store(std::this_thread::get_id(), std::memory_order_relaxed); }
 
-    /// The session has ended; it completes everything that was started before.
+    /// Records that the session has ended, which completes everything that was started before.
     void End() { m_ended.store(true); }
     bool Ended() const { return m_ended.load(); }
 
-    /// Runs @p work now where the context runs, else later there.
+    /// Runs @p work now if the calling thread runs the context, otherwise later in the context.
     void Run(const std::function<void()>& work) const;
 
-    /// Holds the context for as long as it lives, where that may be done: on the thread that runs it, or that ran it
-    /// last while no thread does.
+    /// Acquires the context during its lifetime, if the calling thread may: if it runs the context, or ran it last and
+    /// no thread runs it now.
     class Turn
     {
     public:

@@ -14,7 +14,7 @@ void Lane::Outdate(const Guard& guard)
     m_watchers.ForEach(guard, [](const std::function<void()>& watcher) { watcher(); });
 }
 
-// A loop, also for work that releases the queue at once: recursion would exhaust the stack.
+// Iterates, because work may release the queue at once, and recursion would exhaust the stack.
 void Lane::Next()
 {
     if (m_running) return;

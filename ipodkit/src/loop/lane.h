@@ -1,5 +1,5 @@
 /// @file
-/// A serial queue for state that the service has only once, such as a list: one request uses it at a time.
+/// A serial queue for a resource of the service that one request at a time may use, such as a list.
 #pragma once
 
 #include <cstdint>

@@ -23,7 +23,7 @@ public:
     {
     }
 
-    /// Any thread. False when it completes with an error without having begun.
+    /// Any thread. Returns false if it completes with an error without having begun.
     bool Begin()
     {
         std::optional<Error> error = m_group->Add(m_serial, this->shared_from_this());
@@ -37,7 +37,8 @@ public:
         return !error;
     }
 
-    /// Completes it, unless it has completed. Context thread only, like the rest; later when called inside @p begin.
+    /// Completes the request, unless it has completed. Context thread only, like the rest. Deferred if called inside @p
+    /// begin.
     void Settle(Result<T> result)
     {
         if (m_beginning)
@@ -55,10 +56,10 @@ public:
         m_begun = true;
     }
 
-    /// Keeps an object until it completes.
+    /// Keeps an object alive until the request completes.
     void Hold(std::shared_ptr<void> held) { m_held = std::move(held); }
 
-    /// Completes it now, also inside @p begin.
+    /// Completes the request now, even inside @p begin.
     void Withdraw()
     {
         if (m_group->Take(m_serial)) Fail(detail::kWithdrawn);
@@ -70,7 +71,7 @@ public:
     const detail::Terms& Terms() const override { return m_terms; }
 
 private:
-    // Does not hold the request: its destructor would wait for the cancellation that calls this.
+    // Does not own the request: its destructor would wait for the cancellation that calls this.
     struct Withdrawal
     {
         detail::HomePtr home;

@@ -67,7 +67,7 @@ void RequestGroup::Keep(Serial serial, std::shared_ptr<CancellationLink> link)
     if (found != m_open.end()) found->second.link.swap(link);
 }
 
-// Its destructor may need the lock: the caller destroys it.
+// The caller destroys the request, because its destructor may need the lock.
 RequestGroup::Entry RequestGroup::Extract(Serial serial)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -93,7 +93,7 @@ void RequestGroup::Fail(Serial serial, const Error& error)
     if (const OpenRequestPtr request = Extract(serial).request) request->Fail(error);
 }
 
-// One after the other: a completion may end the group, which completes the others.
+// One at a time: a completion may end the group, which completes the others.
 void RequestGroup::FailThoseThatAreDue()
 {
     const auto self = shared_from_this();
@@ -101,7 +101,7 @@ void RequestGroup::FailThoseThatAreDue()
     while (const OpenRequestPtr late = TakeDue(now)) late->Fail(detail::TimedOut(*late->Terms().deadline));
 }
 
-// Null when there is none any more; then the timer waits for the next one.
+// Returns null if none is left; the timer then waits for the next one.
 OpenRequestPtr RequestGroup::TakeDue(gint64 now)
 {
     Serial first = 0;

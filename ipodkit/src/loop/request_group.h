@@ -1,5 +1,5 @@
 /// @file
-/// Requests that the session's context works on, from Start() to their completion.
+/// The started requests that have not completed yet.
 #pragma once
 
 #include <cstdint>
@@ -22,13 +22,13 @@ public:
     OpenRequest(const OpenRequest&) = delete;
     OpenRequest& operator=(const OpenRequest&) = delete;
 
-    /// Runs the completion with an error. For the group, which has just released it.
+    /// Runs the completion with an error. Called only by the group, which has just released the request.
     virtual void Fail(const Error& error) = 0;
 
-    /// Whether it has not completed yet.
+    /// Returns whether it has not completed yet.
     virtual bool Open() const = 0;
 
-    /// Whether it has begun to work, so that a change of what it works on concerns it.
+    /// Returns whether it has begun, so that changes of the list or session affect it.
     virtual bool Begun() const = 0;
 
     virtual const detail::Terms& Terms() const = 0;
@@ -36,7 +36,7 @@ public:
 
 using OpenRequestPtr = std::shared_ptr<OpenRequest>;
 
-/// Requests that end together: those of one pager or one accessory session. Holds each until it completes, and
+/// Requests that end together, such as those of one pager or accessory session. Owns each until it completes, and
 /// completes those whose deadline passes. Any thread, unless noted.
 class RequestGroup : public std::enable_shared_from_this<RequestGroup>
 {
@@ -47,20 +47,20 @@ public:
 
     Serial Reserve();
 
-    /// Keeps the request. Returns an error when it must complete at once.
+    /// Adds the request. Returns an error if it must complete at once.
     std::optional<Error> Add(Serial serial, const OpenRequestPtr& request);
 
     /// Keeps the link until the request completes.
     void Keep(Serial serial, std::shared_ptr<CancellationLink> link);
 
-    /// Releases the request. False when it was released before: each completes once.
+    /// Releases the request. Returns false if it was released before: each completes once.
     bool Take(Serial serial);
     bool Has(Serial serial) const;
 
-    /// Completes those that have begun, in the order of their Start(). Context thread only.
+    /// Completes the requests that have begun, in the order of their Start(). Context thread only.
     void FailBegun(const Error& error);
 
-    /// Completes all, and those that come later get the error too. Context thread only.
+    /// Completes all requests, also those added later, with the error. Context thread only.
     void Close(const Error& error);
 
     const detail::HomePtr& Home() const { return m_home; }

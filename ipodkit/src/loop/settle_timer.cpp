@@ -36,7 +36,7 @@ void SettleTimer::Stop()
     Set(std::chrono::microseconds(0));
 }
 
-// Zero disarms, and clears an expiry that nobody has seen yet, so that the descriptor need not be read.
+// Zero disarms the timer and clears an unhandled expiration, so that the descriptor need not be read.
 void SettleTimer::Set(std::chrono::microseconds delay) const
 {
     if (m_fd < 0) return SetReadyTime(delay);
@@ -48,7 +48,7 @@ void SettleTimer::Set(std::chrono::microseconds delay) const
     timerfd_settime(m_fd, 0, &when, nullptr);
 }
 
-// For a process that has no descriptor left: the source has nothing to poll then, and depends on GLib's clock.
+// Used if the process has run out of descriptors: the source then polls nothing and depends on GLib's clock.
 void SettleTimer::SetReadyTime(std::chrono::microseconds delay) const
 {
     g_source_set_ready_time(m_source.get(), delay.count() == 0 ? -1 : g_get_monotonic_time() + delay.count());

@@ -1,6 +1,6 @@
 /// @file
-/// A timer with a resolution of a microsecond; GLib's are rounded up to the millisecond. While the process has no
-/// descriptor left, it is only as exact as those.
+/// A timer with microsecond resolution; GLib rounds up to milliseconds, and so does this timer if the process has run
+/// out of descriptors.
 #pragma once
 
 #include <chrono>
@@ -20,7 +20,7 @@ public:
     SettleTimer(const SettleTimer&) = delete;
     SettleTimer& operator=(const SettleTimer&) = delete;
 
-    /// Lets it expire so long from now, unless it is running already.
+    /// Starts the timer, unless it is already running.
     void Start(std::chrono::microseconds delay);
     void Stop();
 

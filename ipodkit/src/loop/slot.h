@@ -1,5 +1,5 @@
 /// @file
-/// Registered callbacks and their removal.
+/// Registration and removal of callbacks.
 #pragma once
 
 #include <ipodkit/subscription.h>
@@ -22,8 +22,8 @@ namespace detail
 /// One registration. Its lock is held while its callback runs, and is recursive, so that a callback can end its own
 /// registration and another thread waits for the callback to return.
 ///
-/// The target is destroyed when the registration ends, or, when its own callback ends it, as soon as that has
-/// returned. The lock is free by then: destructors of what a callback holds may need other locks.
+/// The target is destroyed when the registration ends, or as soon as its own callback, having ended it, returns. The
+/// lock is free by then, because destructors of captured objects may need other locks.
 class Slot
 {
 public:
@@ -68,7 +68,7 @@ public:
     {
         Entry(std::string name, Target target) : Slot(std::move(name), std::make_shared<Target>(std::move(target))) {}
 
-        /// Calls it with the target, unless the registration has ended.
+        /// Calls @p call with the target, unless the registration has ended.
         template <class Call>
         void Run(const Guard& guard, const Call& call)
         {
@@ -92,7 +92,7 @@ public:
         for (const EntryPtr& entry : Snapshot()) entry->End();
     }
 
-    /// Calls each, in the order of registration, except those that were added or ended meanwhile.
+    /// Calls all targets in the order of registration, except those that were added or ended meanwhile.
     template <class Call>
     void ForEach(const Guard& guard, const Call& call)
     {

@@ -14,7 +14,7 @@ void Slot::End()
     ended = TakeEnded();
 }
 
-// Nothing while it is registered or runs.
+// Empty while the callback is registered or runs.
 std::shared_ptr<void> Slot::TakeEnded()
 {
     return m_live || m_running > 0 ? nullptr : std::move(m_target);

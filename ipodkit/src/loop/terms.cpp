@@ -48,7 +48,7 @@ SharedTerms::SharedTerms(Terms terms) : m_terms(std::move(terms))
     if (m_terms.deadline) m_end = std::chrono::steady_clock::now() + Clamped(*m_terms.deadline);
 }
 
-// A step rejects an invalid deadline of the whole.
+// The step itself rejects an invalid deadline.
 std::optional<Error> SharedTerms::ApplyTo(Terms& step) const
 {
     if (m_terms.cancellation)

@@ -9,10 +9,10 @@ namespace ipodkit::detail
 /// About 24 days: the longest that GLib can wait.
 inline constexpr std::chrono::milliseconds kLongestDeadline(INT32_MAX - 1);
 
-/// Returns why a request with these terms cannot be sent; nothing when it can.
+/// Returns why a request with these terms cannot be sent; nothing if it can.
 std::optional<Error> Unacceptable(const Terms& terms);
 
-/// The nearest deadline that GLib can wait for.
+/// Returns the deadline, limited to the longest that GLib can wait for.
 std::chrono::milliseconds Clamped(std::chrono::milliseconds deadline);
 
 /// The error of a request that the caller withdrew.
@@ -21,6 +21,6 @@ inline const Error kWithdrawn{ErrorKind::Cancelled, "the request was cancelled"}
 /// The error of a request that the end of the session withdrew.
 inline const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
 
-/// The error of a request that was not answered for so long.
+/// The error of a request that was not answered within that time.
 Error TimedOut(std::chrono::milliseconds deadline);
 }  // namespace ipodkit::detail

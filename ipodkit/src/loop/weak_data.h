@@ -1,5 +1,5 @@
 /// @file
-/// Objects as user data of GLib's callbacks, which may come after the object's end.
+/// Weak references as user data of GLib callbacks, which may run after the object was destroyed.
 #pragma once
 
 #include <glib-object.h>
@@ -8,14 +8,14 @@
 
 namespace ipodkit
 {
-/// For a callback that comes once, and for one whose data GLib deletes with DeleteWeak().
+/// For a callback that runs once, or one whose data GLib deletes with DeleteWeak().
 template <class T>
 std::weak_ptr<T>* Weakly(const std::shared_ptr<T>& object)
 {
     return new std::weak_ptr<T>(object);
 }
 
-/// In a callback that comes once: null when the object has ended.
+/// For use in a callback that runs once. Returns null if the object was destroyed.
 template <class T>
 std::shared_ptr<T> TakeWeak(gpointer data)
 {
@@ -23,7 +23,7 @@ std::shared_ptr<T> TakeWeak(gpointer data)
     return weak->lock();
 }
 
-/// In a callback that comes again: null when the object has ended.
+/// For use in a callback that runs repeatedly. Returns null if the object was destroyed.
 template <class T>
 std::shared_ptr<T> LockWeak(gpointer data)
 {

@@ -20,7 +20,7 @@ namespace bip = boost::interprocess;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kCreatorTimeLimit = std::chrono::seconds(5);
-constexpr std::uint32_t kInitialised = 2;
+constexpr std::uint32_t kInitialized = 2;
 
 std::string Removal(const std::string& segment)
 {
@@ -50,11 +50,11 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    // Its first word says how far its creator is.
+    // The first word of a segment counts the steps of its creation.
     bool Ready() const
     {
         std::uint32_t state = 0;
-        return pread(m_fd, &state, sizeof(state), 0) == ssize_t{sizeof(state)} && state == kInitialised;
+        return pread(m_fd, &state, sizeof(state), 0) == ssize_t{sizeof(state)} && state == kInitialized;
     }
 
 private:
@@ -71,7 +71,7 @@ bool BecomesReady(const File& file)
     return true;
 }
 
-// Taking the lock inside it is what a dead process would prevent.
+// Acquires the lock inside the segment, which fails if a dead process holds it.
 std::optional<Error> Map(const char* segment)
 {
     QBXSharedSegment mapped(bip::open_only, segment);

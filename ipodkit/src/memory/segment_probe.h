@@ -1,5 +1,5 @@
 /// @file
-/// Whether the core will be able to attach the shared memory.
+/// Checks whether the core will be able to attach the shared memory.
 #pragma once
 
 #include <ipodkit/error.h>

@@ -15,8 +15,8 @@ bool HasSoundRoom(const QBXByteVector& vector)
            LieIn(segment_buffer_vector, Elements<unsigned char>{vector.data(), vector.capacity()});
 }
 
-// Grows as if the bytes were appended one by one, as the core does: the service shares the segment, and how much of it
-// is free must not depend on who fills the buffer.
+// Grows as if the bytes were appended one by one, like the core: the service shares the segment, and its free space
+// must not depend on who fills the buffer.
 void Append(QBXByteVector& vector, const unsigned char* bytes, std::size_t count)
 {
     for (std::size_t done = 0;; ++done)
@@ -50,7 +50,8 @@ std::optional<std::vector<unsigned char>> BytesIn(const QBXByteVector* vector)
     return std::vector<unsigned char>(bytes->begin, bytes->begin + bytes->count);
 }
 
-// A vector that grows has its old storage beside the new, which may be twice as long; and it never gives any back.
+// A growing vector needs its old and its new storage at once, the new one up to twice as large, and never releases
+// memory.
 std::size_t RoomToWrite(const QBXByteVector* vector)
 {
     constexpr std::size_t kOldAndNew = 3;

@@ -7,7 +7,7 @@
 
 namespace ipodkit
 {
-// The header of images::Type is not installed: the kit's header repeats its list.
+// The header of images::Type is not installed, so the kit's header repeats its list.
 constexpr PictureType ToPictureType(images::Type type)
 {
     return static_cast<PictureType>(type);

@@ -17,7 +17,7 @@ namespace
 {
 namespace fs = std::filesystem;
 
-// Size and hash: two different images hardly share both.
+// Size and hash together identify an image.
 std::string NameOf(const Picture& picture)
 {
     gchar* const name = g_strdup_printf("%zu-%016" G_GINT64_MODIFIER "x%s", picture.bytes.size(), picture.hash,
@@ -75,7 +75,7 @@ PictureFiles::PictureFiles(std::string directory, std::size_t keep)
 {
 }
 
-// GLib writes a file beside it and renames that.
+// GLib writes a temporary file in the same directory and renames it.
 Result<std::string> PictureFiles::Uri(const Picture& picture) const
 {
     const std::string path = fs::path(m_directory) / NameOf(picture);
@@ -93,8 +93,8 @@ Result<std::string> PictureFiles::Uri(const Picture& picture) const
     return address;
 }
 
-// The time of a file is when it was last returned: later than those of all others, even if the clock was set back.
-// Files that cannot be read now are removed another time.
+// A file's time is that of its last use: later than those of all others, even if the clock was set back. Files that
+// cannot be read now are removed another time.
 void PictureFiles::KeepInUse(const std::string& path) const
 {
     using Time = fs::file_time_type;

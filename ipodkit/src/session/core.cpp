@@ -74,7 +74,7 @@ struct Operation
     }
     void operator()(const PairingReceived& e) const { listener.OnOOBPairingInfo(e.bluetoothAddress, e.bytes); }
 
-    // The listener may change the bytes: it gets its own.
+    // The listener gets a copy, because it may change the bytes.
     void operator()(const AccessoryData& e) const
     {
         std::vector<unsigned char> bytes = e.bytes;

@@ -19,8 +19,8 @@ void CoreLink::Release()
     m_claimed = false;
 }
 
-// After the core failed it must not be called again: the lock of its player stays held, and a player that it returned
-// would be unusable.
+// After a failure the core must not be called again: the lock of its player stays held, and a player that it returns is
+// unusable.
 std::optional<Error> CoreLink::Attach()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

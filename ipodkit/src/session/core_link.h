@@ -1,5 +1,5 @@
 /// @file
-/// The core's one player, as far as sessions need it: it attaches the segments.
+/// The core's player, which sessions need only to attach the segments.
 #pragma once
 
 #include <IQBXIpodPlayer.h>
@@ -11,20 +11,20 @@
 
 namespace ipodkit
 {
-/// The core's player, which stays from one session to the next. Any thread.
+/// The core's player, which outlives a session and serves the next one. Any thread.
 class CoreLink
 {
 public:
     static CoreLink& Instance();
 
-    /// Makes the caller the one session of the process; an error when there is one.
+    /// Makes the caller the only session of the process. Returns an error if there is one already.
     std::optional<Error> Claim();
     void Release();
 
-    /// Null until Attach() has succeeded.
+    /// Returns the player; null until Attach() has succeeded.
     IQBXIpodPlayer* Player() const { return m_player; }
 
-    /// Obtains the player, which attaches the segments. The caller has probed them: it does not block then.
+    /// Obtains the player, which attaches the segments. Does not block if the caller has probed them.
     std::optional<Error> Attach();
 
 private:

@@ -22,8 +22,8 @@ struct ListChange
     bool devices;
 };
 
-/// Everything that the contract reports. Another application that starts a list of the same size, or changes the level,
-/// causes no event.
+/// All changes that the contract reports. If another application starts a list of the same size, or changes the level,
+/// there is no event.
 inline constexpr ListChange kListChanges[] = {
     {"OnIpodPlayingListAmountChange", true, false, false},
     {"OnIpodShuffleModeChange", true, false, false},
@@ -37,7 +37,7 @@ inline constexpr ListChange kListChanges[] = {
     {"EnterDeviceChildList", true, true, true},
 };
 
-/// One lane for each list with separate state in the service; names and pinyin of a level share one.
+/// One serial queue for each list with separate state in the service; names and pinyin of a level share one.
 class Lanes
 {
 public:
@@ -48,13 +48,13 @@ public:
 
     const std::shared_ptr<Lane>& Of(ListKind kind) const { return m_lanes.at(Index(kind)); }
 
-    /// The service restarted, or the device changed.
+    /// Outdates all lists: the service restarted, or the device changed.
     void OutdateAll()
     {
         for (const auto& lane : m_lanes) lane->Outdate(m_guard);
     }
 
-    /// The service emitted an event, or executed a command, or may have executed it.
+    /// Outdates the lists that a member changes: an event, or a command that the service may have executed.
     void OutdateBy(std::string_view member)
     {
         for (const ListChange& change : kListChanges)
@@ -67,7 +67,7 @@ public:
         }
     }
 
-    /// No callback of a watcher runs any more.
+    /// Ends all watchers: their callbacks run no more.
     void End()
     {
         for (const auto& lane : m_lanes) lane->Watchers().End();

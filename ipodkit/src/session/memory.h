@@ -1,5 +1,5 @@
 /// @file
-/// Reads values that only events report from the companion daemon.
+/// Reads from the companion daemon the values that only events report.
 #pragma once
 
 #include <ipodkit/event.h>
@@ -14,7 +14,7 @@
 
 namespace ipodkit
 {
-/// Requests the values that events reported before this session started from the companion daemon. Never starts the
+/// Requests from the companion daemon the values that events reported before this session started. Never starts the
 /// daemon. If it is not running or follows another service, the callback is not called. Context thread only.
 class Memory : public std::enable_shared_from_this<Memory>
 {

@@ -111,7 +111,7 @@ void OwnerWatch::CallDaemon(const char* method, GVariant* arguments, const char*
                            Weakly(shared_from_this()));
 }
 
-// An error means that there is no owner.
+// An error reply means that there is no owner.
 void OwnerWatch::OnOwner(GObject* connection, GAsyncResult* result, gpointer data)
 {
     const VariantPtr reply(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));

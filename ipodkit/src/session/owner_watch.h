@@ -14,15 +14,15 @@
 
 namespace ipodkit
 {
-/// Finds the bus, again when it was restarted, follows the owner of the service's name, and passes on the signals of
-/// the present owner. All of it arrives in the order in which the bus delivered it. Context thread only.
+/// Connects to the bus, and again after the bus restarts; follows the owner of the service's name, and passes on the
+/// signals of the present owner. Reports everything in the order in which the bus delivered it. Context thread only.
 class OwnerWatch : public std::enable_shared_from_this<OwnerWatch>
 {
 public:
     struct Listener
     {
         std::function<void(GDBusConnection*)> connected;
-        std::function<void(const Error&)> disconnected;              ///< also when there was no bus yet
+        std::function<void(const Error&)> disconnected;              ///< also if there was no bus in the first place
         std::function<void(const std::string& owner)> ownerChanged;  ///< a unique name; empty for none
         std::function<void(const Error&)> notStarted;                ///< the bus could not start the service
         std::function<void(const char* signal, GVariant* body)> signalled;
@@ -32,7 +32,7 @@ public:
 
     void Start();
 
-    /// The listener is not called any more.
+    /// Stops calling the listener.
     void Stop();
 
 private:

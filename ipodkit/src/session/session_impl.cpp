@@ -15,7 +15,7 @@ namespace
 constexpr guint kAttachAgainMilliseconds = 1000;
 constexpr auto kLongestPatience = std::chrono::seconds(2);  // with applications that hold a lock
 
-// Shorter than the deadline, so that the request completes with an error that names the holder.
+// Shorter than the deadline, so that the request fails with an error that names the holder.
 std::chrono::milliseconds PatienceOf(const SessionOptions& options)
 {
     return std::min<std::chrono::milliseconds>(kLongestPatience, options.deadline * 3 / 4);
@@ -43,7 +43,7 @@ Session::Impl::Impl(const SessionOptions& options)
 {
 }
 
-// A callback of the application may end the session. It lives until the event that led to the callback is handled.
+// An application's callback may destroy the session, which is kept alive until the event is handled.
 template <class Method>
 auto Session::Impl::Bound(Method method)
 {
@@ -137,7 +137,7 @@ void Session::Impl::NotStarted(const Error& error)
     Step(m_phase, error);
 }
 
-// A service that was replaced by another one is lost, too.
+// A service that another one replaces is lost, too.
 void Session::Impl::OwnerIs(const std::string& owner)
 {
     if (m_phase == Phase::Connecting || m_phase == Phase::Ready) Vanished();
@@ -166,8 +166,8 @@ void Session::Impl::Vanished()
         if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(lost));
 }
 
-// Probing waits for processes that create the segments and for locks of dead ones, hence on another thread. Attaching
-// stays on this one: when the process ends, the core's static objects would go while another thread attaches them.
+// Probing runs on another thread, because it waits for processes that create the segments and for locks of dead ones.
+// Attaching runs on this one: on another, the process might exit and destroy the core's static objects meanwhile.
 void Session::Impl::Attach()
 {
     if (CoreLink::Instance().Player() != nullptr) return Attached(std::nullopt);
@@ -210,7 +210,7 @@ void Session::Impl::Follow(const Event& event)
     m_publisher->Touch();
 }
 
-// No event reports that another device is browsed now.
+// No event reports that another device was entered.
 void Session::Impl::Followed(const char* method)
 {
     m_lanes.OutdateBy(method);
@@ -225,7 +225,7 @@ void Session::Impl::Progressed()
     SettleRefreshes();
 }
 
-// A service that has not answered at all is not usable yet; one that left some requests open is.
+// A service that has not answered any request is not usable yet; one that has answered some is.
 void Session::Impl::ApplyProgress()
 {
     const StateReader::Progress progress = m_reader->Progressed();
@@ -258,7 +258,7 @@ void Session::Impl::SettleRefreshes()
         if (const auto request = each.request.lock()) request->Settle(m_publisher->Published());
 }
 
-// A track event without artwork does not mean that there is none. A state that has just become Ready includes it.
+// A track event without artwork does not mean that the track has none. A state that has just become Ready includes it.
 void Session::Impl::Published(Fields changed)
 {
     const bool fresh = changed.Has(Field::Track) && !changed.Has(Field::Connection);

@@ -40,7 +40,7 @@ public:
     const SessionOptions& Options() const { return m_options; }
     /// @}
 
-    /// Reads the fields again, and settles the request when they have been read, or cannot be read.
+    /// Reads the fields again, and completes the request when each has been read or cannot be read.
     void Refresh(Fields fields, const PendingPtr<StatePtr>& request);
 
     Lanes& ListLanes() { return m_lanes; }
@@ -48,14 +48,14 @@ public:
     const std::shared_ptr<Leases>& SharedLeases() const { return m_leases; }
     const StateDraft& Draft() const { return m_draft; }
 
-    /// Called when the session ends, before its requests complete: for objects that may outlive it.
+    /// Callbacks for the end of the session, before its requests complete: for objects that may outlive it.
     Registry<std::function<void()>>& Endings() { return m_endings; }
 
     /// Returns the entries in the service's shared vector; nothing if it cannot be read.
     std::optional<std::vector<std::string>> ListNames(ListKind kind) const { return m_names(kind); }
 
 private:
-    friend class ipodkit::FakeSession;  // is a session without a bus
+    friend class ipodkit::FakeSession;  // builds sessions without a bus
 
     struct PendingRefresh
     {

@@ -14,6 +14,6 @@ namespace ipodkit
 /// Decodes a signal of the service. Images and accessory bytes are copied out of the segments, which hold them until
 /// the service writes the next ones; without the segments they are empty.
 ///
-/// Nothing for a signal, or a body of a signal, that the contract does not define.
+/// Returns nothing if the contract does not define the signal, or if its body has another type.
 std::optional<Event> Decode(const char* signal, GVariant* body, PictureShelf& pictures);
 }  // namespace ipodkit

@@ -17,7 +17,7 @@ namespace
 constexpr int kMostAttempts = 5;
 constexpr auto kFirstWait = std::chrono::seconds(1);
 
-// Longer than any service runs. The reader's own timers decide which answers are late.
+// Longer than any service runs: the reader's own timers detect late answers.
 constexpr auto kForEver = std::chrono::hours(24 * 24);
 
 guint Milliseconds(std::chrono::milliseconds time)
@@ -25,7 +25,7 @@ guint Milliseconds(std::chrono::milliseconds time)
     return static_cast<guint>(std::clamp<std::int64_t>(time.count(), 1, G_MAXINT));
 }
 
-// Other errors come from the bus; a change of the owner follows.
+// Other errors come from the bus, and are followed by a change of owner.
 bool IsAnswer(const Error& error)
 {
     return error.kind == ErrorKind::Refused || error.kind == ErrorKind::BadReply;
@@ -80,8 +80,8 @@ void StateReader::Ask(Field field, const Question<T>& question, const Take& take
     send();
 }
 
-// Answers come in order: a later one to the same question is the more recent value. One to an earlier question counts,
-// but the field is read only when the last one is answered: it may have changed between the two.
+// Answers arrive in order, so the later of two answers about one field is the more recent value. An answer to an
+// earlier request counts, but the field is read only when the last request is answered: it may have changed in between.
 template <class T, class Take>
 void StateReader::Send(Field field, unsigned serial, const Question<T>& question, const Take& take)
 {
@@ -98,7 +98,7 @@ void StateReader::Send(Field field, unsigned serial, const Question<T>& question
         });
 }
 
-// The last value may be that of another device. A value that an event brought meanwhile stays known.
+// The last value may belong to another device. A value that an event reported meanwhile stays known.
 void StateReader::Forget(Field field, const PlayerState& asked, Unknown why, const Error* cause)
 {
     if (!Differences(asked, m_draft.State()).Has(field)) m_draft.Forget(field, why, cause);
@@ -168,8 +168,8 @@ void StateReader::Refresh(Fields fields)
     if (m_started) ReadAll(fields);
 }
 
-// No event reports which device came or went, its name, and which of the others plays now. While answers are
-// under way, it waits for them. Without a device nothing more is requested.
+// No event reports which device was attached or detached, its name, or which of the others plays now. Waits for pending
+// answers first. Without a device, requests nothing more.
 void StateReader::ReadDevices()
 {
     m_devicesChanged = !Settled();
@@ -198,7 +198,7 @@ void StateReader::ReadArtwork()
         [this, before = m_draft.State().Artwork()](const PictureHead& head) { TakeArtwork(head, before); });
 }
 
-// Artwork that an event brought meanwhile stays: it is that of the playing track.
+// Artwork that an event delivered meanwhile stays, because it belongs to the playing track.
 void StateReader::TakeArtwork(const PictureHead& head, const PicturePtr& before)
 {
     const PicturePtr known = m_draft.State().Artwork();

@@ -1,5 +1,5 @@
 /// @file
-/// The requests whose answers make up the state.
+/// Reads the state from the service.
 #pragma once
 
 #include <chrono>
@@ -13,30 +13,30 @@
 
 namespace ipodkit
 {
-/// Reads the fields that have a request into the draft. A field that the service refuses is unknown. So is one without
-/// an answer within the deadline, until the answer arrives: the request stays open, and is sent again now and then in
-/// case the service lost it. Context thread only.
+/// Reads the fields that have a request into the draft. A field that the service refuses is unknown. A field that is
+/// not answered within the deadline is unknown until its answer arrives: the request stays pending, and is repeated at
+/// growing intervals in case the service lost it. Context thread only.
 class StateReader : public std::enable_shared_from_this<StateReader>
 {
 public:
     struct Progress
     {
-        Fields open;     ///< neither answered nor late
+        Fields open;     ///< neither answered nor timed out
         bool answered;   ///< at least one of them was answered
-        Fields missing;  ///< late
+        Fields missing;  ///< timed out
     };
 
-    /// @p progressed is called after each answer, when the draft has it.
+    /// @p progressed is called after each answer, when the draft contains it.
     StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline,
                 StateDraft& draft, PictureShelf& pictures, std::function<void()> progressed);
 
     /// Requests everything. Answers to earlier requests are ignored.
     void Start();
 
-    /// Requests those fields again that have a request.
+    /// Requests the given fields again, except those that only events report.
     void Refresh(Fields fields);
 
-    /// Requests everything again that depends on the device, one pass at a time, however fast devices come and go.
+    /// Requests everything that depends on the device again, one pass at a time, however fast devices come and go.
     void ReadDevices();
 
     /// Requests the artwork of the playing track, one request at a time, however fast the tracks change.
@@ -75,15 +75,15 @@ private:
     StateDraft& m_draft;
     PictureShelf& m_pictures;
     const std::function<void()> m_progressed;
-    std::map<Field, SourcePtr> m_timers;         // of open questions
-    std::shared_ptr<const PlayerState> m_asked;  // the draft when the last questions were sent
-    std::map<Field, unsigned> m_last;            // question about each field
+    std::map<Field, SourcePtr> m_timers;         // of pending requests
+    std::shared_ptr<const PlayerState> m_asked;  // the draft when the last requests were sent
+    std::map<Field, unsigned> m_last;            // number of the last request for each field
     unsigned m_round = 0;
     Fields m_open;     // not answered yet
     Fields m_missing;  // of these, those that timed out
     bool m_started = false;
-    bool m_answered = false;         // at least one question was
-    bool m_devicesChanged = false;   // while questions were open
-    bool m_artworkOutdated = false;  // while a request for it was open
+    bool m_answered = false;         // at least one request was answered
+    bool m_devicesChanged = false;   // while requests were pending
+    bool m_artworkOutdated = false;  // while a request for it was pending
 };
 }  // namespace ipodkit

@@ -147,7 +147,7 @@ void Leases::Poll(const WaiterPtr& waiter)
     GiveUp(waiter);
 }
 
-// Finding the holder reads all of /proc, hence on another thread.
+// Finds the holder on another thread, because that reads all of /proc.
 void Leases::GiveUp(const WaiterPtr& waiter)
 {
     waiter->file.reset();

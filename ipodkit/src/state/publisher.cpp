@@ -50,7 +50,7 @@ void Publisher::Flush()
     PublishNext(m_draft.State());
 }
 
-// Calls and accessory sessions live in the service: they end with it.
+// Calls and accessory sessions end with the service.
 void Publisher::Publish(const Connection& connection)
 {
     m_timer.Stop();
@@ -77,7 +77,7 @@ void Publisher::End()
     m_targets.End();
 }
 
-// A subscriber may end the session, and with it all that holds the publisher.
+// A subscriber may destroy the session, and with it all owners of the publisher.
 void Publisher::PublishNext(PlayerState state)
 {
     const auto self = shared_from_this();
@@ -98,7 +98,7 @@ void Publisher::PublishNext(PlayerState state)
     m_targets.ForEach(m_guard, [&](Target& target) { Deliver(target, next, changed); });
 }
 
-// Whoever is new gets everything, once; whatever changed meanwhile is part of it.
+// A new subscriber gets the whole state once, which includes what has changed meanwhile.
 void Publisher::Deliver(Target& target, const StatePtr& state, Fields changed)
 {
     if (!target.greeted)

@@ -1,5 +1,5 @@
 /// @file
-/// Publishes the draft as the values that applications get.
+/// Publishes the draft to applications, as immutable states.
 #pragma once
 
 #include <ipodkit/session.h>
@@ -16,14 +16,15 @@ namespace ipodkit
 class Publisher : public std::enable_shared_from_this<Publisher>
 {
 public:
-    /// @p published is called with what each published value changed, before the subscribers are.
+    /// @param published  called with the fields that each published state changed, before the subscribers are
     Publisher(GMainContext* context, const Guard& guard, std::chrono::microseconds settle, const StateDraft& draft,
               std::function<void(Fields)> published);
 
     StatePtr Published() const;
     Subscription Subscribe(std::string name, Session::StateCallback callback, Fields fields);
 
-    /// Something may have changed: publishes the draft after the settle time. Ignored unless the phase is Ready.
+    /// Call this when the draft may have changed: publishes it after the settle time. Ignored unless the phase is
+    /// Ready.
     void Touch();
 
     /// Publishes the draft now instead of after the settle time. Ignored unless the phase is Ready.
@@ -32,7 +33,7 @@ public:
     /// Publishes a step of the connection at once: with the draft if it is Ready, else with the last known state.
     void Publish(const Connection& connection);
 
-    /// Publishes a state as it is, whatever the draft says.
+    /// Publishes a state unchanged, regardless of the draft.
     void Replace(PlayerState state);
 
     /// Publishes nothing more, and ends the subscriptions.
@@ -57,7 +58,7 @@ private:
     SettleTimer m_timer;
     Registry<Target> m_targets;
     Connection m_connection;
-    mutable std::mutex m_mutex;  // guards what is published
+    mutable std::mutex m_mutex;  // guards m_published
     StatePtr m_published = std::make_shared<const PlayerState>();
 };
 }  // namespace ipodkit

@@ -58,7 +58,7 @@ void StateDraft::Reset(const std::string& service)
     m_state.service = service;
 }
 
-// Another device has nothing in common with the last one.
+// Nothing that was known about the previous device applies to the next one.
 void StateDraft::ForgetDevice()
 {
     ForEachKnown(m_state, kOfDevice, [](auto& field) { field = Unknown::NoDevice; });
@@ -81,7 +81,7 @@ void StateDraft::Forget(Field field, Unknown why, const Error* cause)
     ForEachKnown(m_state, field, [&](auto& each) { each = {why, shared}; });
 }
 
-// The number of devices may be answered after the requests that failed for want of one.
+// The answer with the number of devices may follow the requests that failed because there is none.
 void StateDraft::SetDeviceCount(int count)
 {
     m_state.deviceCount = count;
@@ -140,7 +140,7 @@ void StateDraft::On(const ProgressChanged& event)
     m_state.position = Position{NotNegative(event.position), NotNegative(event.duration), Clock::now(), Playing()};
 }
 
-// The artwork of the last track goes with it; the event that announces the new one comes after this one.
+// Drops the artwork with its track; the event that announces the new artwork follows this one.
 void StateDraft::On(const TrackChanged& event)
 {
     m_state.trackIndex = event.index;

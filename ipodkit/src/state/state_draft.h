@@ -1,5 +1,5 @@
 /// @file
-/// The state as events and answers make it, before it is published.
+/// The state, built from events and answers, before it is published.
 #pragma once
 
 #include <ipodkit/commands.h>
@@ -24,19 +24,19 @@ public:
     /// Replaces the whole state.
     void Replace(const PlayerState& state) { m_state = state; }
 
-    /// Forgets what was known of the device.
+    /// Discards everything known about the device.
     void ForgetDevice();
 
-    /// Forgets what ends with the service.
+    /// Discards everything that ends with the service.
     void ForgetService();
 
-    /// Makes a field unknown, and remembers why.
+    /// Makes a field unknown, for the given reason.
     void Forget(Field field, Unknown why, const Error* cause = nullptr);
 
-    /// Follows an event.
+    /// Applies an event.
     void Apply(const Event& event);
 
-    /// Adopts the fields of @p earlier that are remembered.
+    /// Adopts the fields in @c remembered of @p earlier.
     void Remember(const PlayerState& earlier);
 
     /// @name Answers of the service

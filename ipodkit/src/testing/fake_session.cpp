@@ -19,7 +19,7 @@ struct List
 {
     ListKind kind;
     const char* page;
-    const char* count;  // null for those whose number the service does not report
+    const char* count;  // null for lists whose size the service does not report
     const char* filled;
 };
 
@@ -94,7 +94,7 @@ public:
             Error{ErrorKind::Refused, std::string("the test has no answer to ") + call.method});
     }
 
-    // Lists of devices have no range.
+    // Requests for the list of devices have no range.
     Result<Body> Fill(const std::vector<std::string>& names, const Call& call, const char* filled)
     {
         const int size = static_cast<int>(names.size());
