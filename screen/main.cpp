@@ -59,6 +59,7 @@ Arguments Parse(const QCoreApplication& app)
     QCommandLineParser parser;
     parser.setApplicationDescription("Show and control playback of an attached device");
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addOptions({{"size", "Size of the window", "WIDTHxHEIGHT", "1280x720"},
                        {"theme", "day or night", "THEME", "night"},
                        {"page", "Show this page first: nowplaying, browse, queue, or devices", "PAGE", "nowplaying"},
@@ -92,6 +93,7 @@ int main(int argc, char** argv)
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName("ipod-screen");
+    QGuiApplication::setApplicationVersion(SCREEN_VERSION);
     try
     {
         return Run(app);
