@@ -83,7 +83,8 @@ int Run(QGuiApplication& app)
     screen::Load(view, arguments.options);
     view.show();
     if (!arguments.screenshot.isEmpty())
-        QTimer::singleShot(kPictureDelay, [&] { app.exit(view.grabWindow().save(arguments.screenshot) ? 0 : 1); });
+        QTimer::singleShot(kPictureDelay,
+                           [&] { QGuiApplication::exit(view.grabWindow().save(arguments.screenshot) ? 0 : 1); });
     return QGuiApplication::exec();
 }
 }  // namespace
