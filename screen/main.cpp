@@ -59,6 +59,7 @@ Arguments Parse(const QCoreApplication& app)
     QCommandLineParser parser;
     parser.setApplicationDescription("Show and control playback of an attached device");
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addOptions({{"size", "Size of the window", "WIDTHxHEIGHT", "1280x720"},
                        {"theme", "Color theme: day or night", "THEME", "night"},
                        {"page", "Show this page first: nowplaying, browse, queue, or devices", "PAGE", "nowplaying"},
@@ -82,7 +83,8 @@ int Run(QGuiApplication& app)
     screen::Load(view, arguments.options);
     view.show();
     if (!arguments.screenshot.isEmpty())
-        QTimer::singleShot(kPictureDelay, [&] { app.exit(view.grabWindow().save(arguments.screenshot) ? 0 : 1); });
+        QTimer::singleShot(kPictureDelay,
+                           [&] { QGuiApplication::exit(view.grabWindow().save(arguments.screenshot) ? 0 : 1); });
     return QGuiApplication::exec();
 }
 }  // namespace
@@ -92,6 +94,7 @@ int main(int argc, char** argv)
     if (liblog_category == nullptr) QBX_LogInit("WARN");
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName("ipod-screen");
+    QGuiApplication::setApplicationVersion(SCREEN_VERSION);
     try
     {
         return Run(app);

@@ -112,7 +112,7 @@ QImage ArtworkProvider::requestImage(const QString& id, QSize* size, const QSize
     const QStringList parts = id.split('/');
     const ipodkit::PicturePtr picture = Kept(parts.first());
     const QImage image = picture == nullptr ? QImage() : Decode(*picture, requested);
-    const QImage styled = image.isNull() ? Transparent() : Styled(image, parts, requested);
+    QImage styled = image.isNull() ? Transparent() : Styled(image, parts, requested);
     *size = styled.size();
     return styled;
 }

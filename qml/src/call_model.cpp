@@ -67,18 +67,19 @@ QVariantMap CallModel::Current() const
 // Merges the calls into the model: both are sorted by key.
 void CallModel::Show(const std::map<std::string, ipodkit::PhoneCall>& calls)
 {
+    const auto rows = [this] { return static_cast<int>(m_calls.size()); };
     int row = 0;
-    for (auto call = calls.begin(); call != calls.end() || row < rowCount();)
+    for (auto call = calls.begin(); call != calls.end() || row < rows();)
     {
         const auto place = m_calls.begin() + row;
-        if (call == calls.end() || (row < rowCount() && place->key < call->first))
+        if (call == calls.end() || (row < rows() && place->key < call->first))
         {
             beginRemoveRows({}, row, row);
             m_calls.erase(place);
             endRemoveRows();
             continue;
         }
-        if (row == rowCount() || call->first < place->key)
+        if (row == rows() || call->first < place->key)
         {
             beginInsertRows({}, row, row);
             m_calls.insert(place, {call->first, call->second});

@@ -7,6 +7,7 @@ Item {
 
     readonly property Item first: list
     readonly property int playing: Player.trackIndex
+    readonly property int rows: queue.count // unlike the signal of the model, changes only with the number
 
     function showPlaying() {
         if (playing >= 0 && playing < queue.count)
@@ -15,12 +16,12 @@ Item {
 
     onVisibleChanged: if (visible)
         showPlaying()
+    onRowsChanged: Qt.callLater(showPlaying) // once the view has the rows
     onPlayingChanged: if (!list.activeFocus)
         showPlaying()
 
     QueueModel {
         id: queue
-        onCountChanged: Qt.callLater(page.showPlaying) // once the view has the rows
     }
     PageHeader {
         id: header
