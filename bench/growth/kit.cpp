@@ -71,8 +71,7 @@ void RunBrowsing(int rounds)
         [&](int size) { Walk(fake, pager, size); });
 }
 
-// Each of the open sessions receives one packet. A fake session publishes a state with each event, as with a settle
-// time of 0: its copy of the open sessions is what grows.
+// Each of the open sessions receives one packet.
 void RunAccessories(int rounds)
 {
     ipodkit::FakeSession fake;

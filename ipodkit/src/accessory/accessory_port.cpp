@@ -71,8 +71,9 @@ const AccessoryPort::Impl::Entry& AccessoryPort::Impl::Add(std::uint16_t number,
 
 void AccessoryPort::Impl::Follow(const Event& event)
 {
+    // Received bytes end no session.
+    if (const auto* const data = std::get_if<AccessoryData>(&event)) return Received(*data);
     if (const auto* const opened = std::get_if<AccessoryOpened>(&event)) Opened(*opened);
-    if (const auto* const data = std::get_if<AccessoryData>(&event)) Received(*data);
     CloseThoseThatEnded();
 }
 
