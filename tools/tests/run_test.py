@@ -96,7 +96,8 @@ class Run(unittest.TestCase):
     def test_a_user_with_sudo_is_informed_and_installs_them(self):
         status, _, errors = self.run_verb("setup", user=self.ordinary_user(), MISSING="ninja-build", SUDO="yes")
         self.assertEqual((status, errors), (0, "==> installing 1 Debian packages: ninja-build\n"))
-        self.assertEqual(self.called("apt-get")[-1], "install -q -y --no-install-recommends ninja-build")
+        self.assertEqual(self.called("apt-get")[-1], "install -q -y --no-install-recommends "
+                                                     "-o Dpkg::Options::=--force-unsafe-io ninja-build")
 
     def ordinary_user(self):
         return NOBODY if os.geteuid() == 0 else None
