@@ -41,7 +41,7 @@ Result<Body> Judged(const Call& call, Result<Body> result)
         return tl::unexpected<Error>(
             Error{ErrorKind::BadReply, std::string(call.method) + ": expected a reply of type " + call.replyType +
                                            ", got " + g_variant_get_type_string(result->get())});
-    if (!call.isOrder) return result;
+    if (!call.isCommand) return result;
     gboolean followed = FALSE;
     g_variant_get(result->get(), "(b)", &followed);
     if (followed != FALSE) return result;
@@ -58,7 +58,7 @@ void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::stead
 // Returns whether the request is a command, which returns success or nothing.
 bool IsCommand(const Call& call)
 {
-    return call.isOrder || std::strcmp(call.replyType, "()") == 0;
+    return call.isCommand || std::strcmp(call.replyType, "()") == 0;
 }
 
 // Without a valid answer in time, the service may still have executed the command.
@@ -110,7 +110,7 @@ void Bus::OnFollowed(std::function<void(const char*)> followed)
 void Bus::Send(std::shared_ptr<PendingCall> call)
 {
     const bool here = g_main_context_is_owner(Context()) != FALSE;
-    const bool sendable = !call->call.obstacle;
+    const bool sendable = !call->call.error;
     const Serial serial = Remember(std::move(call));
     if (here && sendable)
         Transmit(serial);
@@ -121,7 +121,7 @@ void Bus::Send(std::shared_ptr<PendingCall> call)
 Bus::Serial Bus::Remember(PendingPtr pending)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_closed) pending->call.obstacle = kSessionEnded;
+    if (m_closed) pending->call.error = kSessionEnded;
     pending->serial = ++m_lastSerial;
     m_pending.emplace_hint(m_pending.end(), m_lastSerial, std::move(pending));
     return m_lastSerial;
@@ -135,10 +135,10 @@ void Bus::Transmit(Serial serial)
     const auto found = m_pending.find(serial);
     if (found == m_pending.end() || found->second->sent) return;
     const PendingPtr pending = found->second;
-    const std::optional<Error> obstacle = pending->call.obstacle ? pending->call.obstacle : m_obstacle;
-    pending->sent = !obstacle && (m_connection != nullptr || m_responder);
+    const std::optional<Error> error = pending->call.error ? pending->call.error : m_error;
+    pending->sent = !error && (m_connection != nullptr || m_responder);
     lock.unlock();
-    if (obstacle) return CompleteLater(serial, tl::unexpected<Error>(*obstacle));
+    if (error) return CompleteLater(serial, tl::unexpected<Error>(*error));
     if (!pending->sent) return;
     if (!m_responder) return TransmitOn(m_connection.get(), pending->call, serial);
     if (auto answer = m_responder(pending->call, serial)) CompleteLater(serial, std::move(*answer));
@@ -207,7 +207,7 @@ void Bus::Connected(GDBusConnection* connection)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_connection.reset(G_DBUS_CONNECTION(g_object_ref(connection)));
-        m_obstacle.reset();
+        m_error.reset();
         for (const auto& [serial, pending] : m_pending)
             if (!pending->sent) waiting.push_back(serial);
     }
@@ -219,7 +219,7 @@ void Bus::Unconnected(const Error& error)
     std::vector<Serial> waiting;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_obstacle = error;
+        m_error = error;
         for (const auto& [serial, pending] : m_pending)
             if (!pending->sent) waiting.push_back(serial);
     }
@@ -286,7 +286,7 @@ Result<Body> Bus::AnswerOf(const Call& call)
 
 Result<Body> Bus::SendAndWait(const Call& call)
 {
-    if (call.obstacle) return tl::unexpected<Error>(*call.obstacle);
+    if (call.error) return tl::unexpected<Error>(*call.error);
     const auto since = std::chrono::steady_clock::now();
     Result<Body> judged = Judged(call, AnswerOf(call));
     LogOutcome(call, judged, since);

@@ -100,7 +100,7 @@ private:
     ConnectionPtr m_connection;
     Responder m_responder;
     std::map<Serial, PendingPtr> m_pending;
-    std::optional<Error> m_obstacle;  // why nothing can be sent
+    std::optional<Error> m_error;  // why nothing can be sent
     bool m_closed = false;
     Serial m_lastSerial = 0;
 };

@@ -23,8 +23,8 @@ struct Call
     const char* method;
     const char* replyType;
     Body arguments;
-    std::optional<Error> obstacle;  // why it cannot be sent
-    bool isOrder = false;           // the reply "(b)" says whether it was followed
+    std::optional<Error> error;  // why it cannot be sent
+    bool isCommand = false;      // the reply "(b)" says whether the service did it
     Terms terms{};
 };
 

@@ -51,7 +51,7 @@ private:
     std::shared_ptr<Bus> SetOut()
     {
         call.terms = std::move(this->terms);
-        if (!call.obstacle) call.obstacle = Unacceptable(call.terms);
+        if (!call.error) call.error = Unacceptable(call.terms);
         since = std::chrono::steady_clock::now();
         m_sentOn = m_bus;
         return std::move(m_bus);

@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "commands/maker.h"
+#include "commands/proxy.h"
 #include "commands/records.h"
 #include "memory/shared_vectors.h"
 
@@ -86,7 +86,7 @@ Decoded<ArtworkChanged> HeadAndImage(GVariant* body)
 
 // Returns why a number cannot be sent as a @p Wire; nothing if it can.
 template <class Wire, class Number>
-std::optional<Error> Unfit(Number number)
+std::optional<Error> CheckRange(Number number)
 {
     using Limits = std::numeric_limits<Wire>;
     if (number >= Limits::min() && number <= Limits::max()) return std::nullopt;
@@ -95,231 +95,214 @@ std::optional<Error> Unfit(Number number)
 }
 }  // namespace
 
-// Makers with what all commands share. They are macros because they name private members of Commands: functions would
-// have to be declared in the public header, together with Maker.
-//
-// Methods are spelled as in the bus contract, so that a search finds their only use.
-#define ORDER                                   \
-    Maker<void>                                 \
-    {                                           \
-        m_bus, m_deadline, "(b)", Nothing, true \
-    }
-#define TELL                             \
-    Maker<void>                          \
-    {                                    \
-        m_bus, m_deadline, "()", Nothing \
-    }
-#define ASK(T, type, decode)            \
-    Maker<T>                            \
-    {                                   \
-        m_bus, m_deadline, type, decode \
-    }
-
+// The members are spelled as in the bus contract: searching for one finds its one use.
 Request<void> Commands::StartPlayback(PlayOption option) const
 {
     const int number = static_cast<int>(option);
-    std::optional<Error> obstacle;
+    std::optional<Error> error;
     if (option < PlayOption::Start || option > PlayOption::Restart)
-        obstacle = Error{ErrorKind::BadArgument, "play option " + std::to_string(number) + " does not start playback"};
-    return ORDER("Play", g_variant_new("(y)", static_cast<guchar>(number)), obstacle);
+        error = Error{ErrorKind::BadArgument, "play option " + std::to_string(number) + " does not start playback"};
+    return Proxy{m_bus, m_deadline}.Command("Play", g_variant_new("(y)", static_cast<guchar>(number)), error);
 }
 
 Request<void> Commands::Pause() const
 {
-    return ORDER("Pause");
+    return Proxy{m_bus, m_deadline}.Command("Pause");
 }
 
 Request<void> Commands::Stop() const
 {
-    return ORDER("Stop");
+    return Proxy{m_bus, m_deadline}.Command("Stop");
 }
 
 Request<void> Commands::Next() const
 {
-    return ORDER("Next");
+    return Proxy{m_bus, m_deadline}.Command("Next");
 }
 
 Request<void> Commands::Previous() const
 {
-    return ORDER("Previous");
+    return Proxy{m_bus, m_deadline}.Command("Previous");
 }
 
 Request<void> Commands::Seek(std::chrono::seconds position) const
 {
     const auto seconds = position.count();
-    return TELL("Seek", g_variant_new("(i)", static_cast<gint32>(seconds)), Unfit<gint32>(seconds));
+    return Proxy{m_bus, m_deadline}.Notify("Seek", g_variant_new("(i)", static_cast<gint32>(seconds)),
+                                           CheckRange<gint32>(seconds));
 }
 
 Request<void> Commands::FastForward() const
 {
-    return ORDER("FastForward");
+    return Proxy{m_bus, m_deadline}.Command("FastForward");
 }
 
 Request<void> Commands::FastBackward() const
 {
-    return ORDER("FastBackward");
+    return Proxy{m_bus, m_deadline}.Command("FastBackward");
 }
 
 Request<void> Commands::StopWinding() const
 {
-    return ORDER("StopFfwFbw");
+    return Proxy{m_bus, m_deadline}.Command("StopFfwFbw");
 }
 
 Request<void> Commands::SetShuffle(ipodkit::Shuffle mode) const
 {
-    return TELL("SetShuffleMode", g_variant_new("(y)", static_cast<guchar>(mode)),
-                Unfit<guchar>(static_cast<int>(mode)));
+    return Proxy{m_bus, m_deadline}.Notify("SetShuffleMode", g_variant_new("(y)", static_cast<guchar>(mode)),
+                                           CheckRange<guchar>(static_cast<int>(mode)));
 }
 
 Request<void> Commands::SetRepeat(ipodkit::Repeat mode) const
 {
-    return TELL("SetRepeatMode", g_variant_new("(y)", static_cast<guchar>(mode)),
-                Unfit<guchar>(static_cast<int>(mode)));
+    return Proxy{m_bus, m_deadline}.Notify("SetRepeatMode", g_variant_new("(y)", static_cast<guchar>(mode)),
+                                           CheckRange<guchar>(static_cast<int>(mode)));
 }
 
 Request<void> Commands::PressButton(const ButtonPress& press) const
 {
     const auto held = press.held.count();
     ButtonRecord record{{press.button, press.state, static_cast<std::uint32_t>(held)}};
-    return ORDER("SetButtonStatus", g_variant_new("(@v)", gvariant_data_build(&record, sizeof(record))),
-                 Unfit<std::uint32_t>(held));
+    return Proxy{m_bus, m_deadline}.Command("SetButtonStatus",
+                                            g_variant_new("(@v)", gvariant_data_build(&record, sizeof(record))),
+                                            CheckRange<std::uint32_t>(held));
 }
 
 Request<void> Commands::SetTransmission(bool on) const
 {
-    return TELL("SetTransmissionState", g_variant_new("(y)", on ? 1 : 0));
+    return Proxy{m_bus, m_deadline}.Notify("SetTransmissionState", g_variant_new("(y)", on ? 1 : 0));
 }
 
 Request<Track> Commands::CurrentTrack() const
 {
-    return ASK(Track, "(v)", ToTrack)("GetCurrentMediaInfo");
+    return Proxy{m_bus, m_deadline}.Query("GetCurrentMediaInfo", "(v)", ToTrack);
 }
 
 Request<ipodkit::PlayStatus> Commands::PlayStatus() const
 {
-    return ASK(ipodkit::PlayStatus, "(i)", Int<ipodkit::PlayStatus>)("GetPlayStatus");
+    return Proxy{m_bus, m_deadline}.Query("GetPlayStatus", "(i)", Int<ipodkit::PlayStatus>);
 }
 
 Request<PlayPosition> Commands::Position() const
 {
-    return ASK(PlayPosition, "(ii)", TwoInts)("GetPlayPosition");
+    return Proxy{m_bus, m_deadline}.Query("GetPlayPosition", "(ii)", TwoInts);
 }
 
 Request<Winding> Commands::WindingStatus() const
 {
-    return ASK(Winding, "(i)", Int<Winding>)("GetFfwFbwStatus");
+    return Proxy{m_bus, m_deadline}.Query("GetFfwFbwStatus", "(i)", Int<Winding>);
 }
 
 Request<ipodkit::Shuffle> Commands::Shuffle() const
 {
-    return ASK(ipodkit::Shuffle, "(i)", Int<ipodkit::Shuffle>)("GetShuffleMode");
+    return Proxy{m_bus, m_deadline}.Query("GetShuffleMode", "(i)", Int<ipodkit::Shuffle>);
 }
 
 Request<ipodkit::Repeat> Commands::Repeat() const
 {
-    return ASK(ipodkit::Repeat, "(i)", Int<ipodkit::Repeat>)("GetRepeatMode");
+    return Proxy{m_bus, m_deadline}.Query("GetRepeatMode", "(i)", Int<ipodkit::Repeat>);
 }
 
 Request<int> Commands::PlayingIndex() const
 {
-    return ASK(int, "(i)", Int<int>)("GetPlayingTrackIdx");
+    return Proxy{m_bus, m_deadline}.Query("GetPlayingTrackIdx", "(i)", Int<int>);
 }
 
 Request<int> Commands::PlayingCount() const
 {
-    return ASK(int, "(i)", Count)("GetPlayingListItemsAmount");
+    return Proxy{m_bus, m_deadline}.Query("GetPlayingListItemsAmount", "(i)", Count);
 }
 
 Request<ArtworkChanged> Commands::Artwork() const
 {
-    return ASK(ArtworkChanged, "(v)", HeadAndImage)("GetPlayingTrackAlbumArtwork");
+    return Proxy{m_bus, m_deadline}.Query("GetPlayingTrackAlbumArtwork", "(v)", HeadAndImage);
 }
 
 Request<int> Commands::DatabaseCount(bool fromTop) const
 {
-    return ASK(int, "(i)", Count)("GetCurDbListItemsAmount", g_variant_new("(b)", fromTop));
+    return Proxy{m_bus, m_deadline}.Query("GetCurDbListItemsAmount", "(i)", Count, g_variant_new("(b)", fromTop));
 }
 
 Request<void> Commands::EnterRoot() const
 {
-    return ORDER("EnterDbRoot");
+    return Proxy{m_bus, m_deadline}.Command("EnterDbRoot");
 }
 
 Request<void> Commands::EnterParent() const
 {
-    return ORDER("EnterDbParentList");
+    return Proxy{m_bus, m_deadline}.Command("EnterDbParentList");
 }
 
 Request<void> Commands::EnterChild(int index) const
 {
-    return ORDER("EnterDbChildList", g_variant_new("(i)", index));
+    return Proxy{m_bus, m_deadline}.Command("EnterDbChildList", g_variant_new("(i)", index));
 }
 
 Request<bool> Commands::AtRoot() const
 {
-    return ASK(bool, "(b)", Flag)("IsIPodInDbRoot");
+    return Proxy{m_bus, m_deadline}.Query("IsIPodInDbRoot", "(b)", Flag);
 }
 
 Request<void> Commands::PlayDatabaseEntry(int index) const
 {
-    return TELL("PlayDbList", g_variant_new("(i)", index));
+    return Proxy{m_bus, m_deadline}.Notify("PlayDbList", g_variant_new("(i)", index));
 }
 
 Request<void> Commands::PlayPlayingEntry(int index) const
 {
-    return TELL("PlayPlayingList", g_variant_new("(i)", index));
+    return Proxy{m_bus, m_deadline}.Notify("PlayPlayingList", g_variant_new("(i)", index));
 }
 
 Request<int> Commands::DeviceCount() const
 {
-    return ASK(int, "(i)", Count)("GetDeviceAmount");
+    return Proxy{m_bus, m_deadline}.Query("GetDeviceAmount", "(i)", Count);
 }
 
 Request<void> Commands::EnterDevice(int index) const
 {
-    return ORDER("EnterDeviceChildList", g_variant_new("(i)", index));
+    return Proxy{m_bus, m_deadline}.Command("EnterDeviceChildList", g_variant_new("(i)", index));
 }
 
 Request<std::string> Commands::IpodName() const
 {
-    return ASK(std::string, "(s)", Text)("GetIpodName");
+    return Proxy{m_bus, m_deadline}.Query("GetIpodName", "(s)", Text);
 }
 
 Request<std::string> Commands::ForegroundApp() const
 {
-    return ASK(std::string, "(s)", Text)("GetIpodAppBundleName");
+    return Proxy{m_bus, m_deadline}.Query("GetIpodAppBundleName", "(s)", Text);
 }
 
 Request<void> Commands::LaunchApp(const std::string& bundleId) const
 {
-    const std::optional<Error> obstacle = Obstacle(bundleId, kLongestText);
-    return ORDER("EapLaunchApp", g_variant_new("(s)", obstacle ? "" : bundleId.c_str()), obstacle);
+    const std::optional<Error> error = CheckText(bundleId, kLongestText);
+    return Proxy{m_bus, m_deadline}.Command("EapLaunchApp", g_variant_new("(s)", error ? "" : bundleId.c_str()), error);
 }
 
 Request<CarPlayDevice> Commands::CarPlayStatus() const
 {
-    return ASK(CarPlayDevice, "(ys)", StatusAndSerial)("GetCarplayDeviceDetectStatus");
+    return Proxy{m_bus, m_deadline}.Query("GetCarplayDeviceDetectStatus", "(ys)", StatusAndSerial);
 }
 
 Request<DeviceStatus> Commands::CarLifeStatus() const
 {
-    return ASK(DeviceStatus, "(i)", Int<DeviceStatus>)("GetCarlifeDeviceDetectStatus");
+    return Proxy{m_bus, m_deadline}.Query("GetCarlifeDeviceDetectStatus", "(i)", Int<DeviceStatus>);
 }
 
 Request<void> Commands::NotifyCarPlay(bool connected, bool wireless) const
 {
-    return TELL("CarplayConnectStatusNotify", g_variant_new("(bb)", connected, wireless));
+    return Proxy{m_bus, m_deadline}.Notify("CarplayConnectStatusNotify", g_variant_new("(bb)", connected, wireless));
 }
 
 Request<void> Commands::AnnounceAccessory(const AccessoryInfo& info) const
 {
-    std::optional<Error> obstacle = Obstacle(info.protocols, kSlotLength);
-    if (!obstacle) obstacle = Obstacle(info.bundleId, kSlotLength);
-    return TELL("EapInit", g_variant_new("(@v)", ToEapInit(info)), obstacle);
+    std::optional<Error> error = CheckText(info.protocols, kSlotLength);
+    if (!error) error = CheckText(info.bundleId, kSlotLength);
+    return Proxy{m_bus, m_deadline}.Notify("EapInit", g_variant_new("(@v)", ToEapInit(info)), error);
 }
 
 Request<void> Commands::SetHubTestMode(unsigned char mode) const
 {
-    return TELL("SetHubTestMode", g_variant_new("(y)", mode));
+    return Proxy{m_bus, m_deadline}.Notify("SetHubTestMode", g_variant_new("(y)", mode));
 }
 }  // namespace ipodkit

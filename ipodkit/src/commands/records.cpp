@@ -95,7 +95,7 @@ PictureHead PictureHeadIn(GVariant* boxed)
     return FilledFrom<PictureHead>(BytesOf(boxed));
 }
 
-std::optional<Error> Obstacle(const std::string& text, std::size_t longest)
+std::optional<Error> CheckText(const std::string& text, std::size_t longest)
 {
     if (text.size() > longest)
         return Error{ErrorKind::BadArgument, "expected a text of at most " + std::to_string(longest) + " bytes, got " +

@@ -22,7 +22,7 @@ Track TrackIn(GVariant* boxed);
 PictureHead PictureHeadIn(GVariant* boxed);
 
 /// Returns why a text cannot be sent; nothing if it can.
-std::optional<Error> Obstacle(const std::string& text, std::size_t longest);
+std::optional<Error> CheckText(const std::string& text, std::size_t longest);
 
 /// Returns the argument of EapInit, a floating "v". The texts must be valid.
 GVariant* ToEapInit(const AccessoryInfo& info);

@@ -1,6 +1,6 @@
 #include "commands/requests.h"
 
-#include "commands/maker.h"
+#include "commands/proxy.h"
 #include "memory/shared_vectors.h"
 
 namespace ipodkit
@@ -49,22 +49,22 @@ const List kLists[] = {
 
 Request<PictureHead> AskForArtwork(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline)
 {
-    return Maker<PictureHead>{bus, deadline, "(v)", ToPictureHead}("GetPlayingTrackAlbumArtwork");
+    return Proxy{bus, deadline}.Query("GetPlayingTrackAlbumArtwork", "(v)", ToPictureHead);
 }
 
 Request<void> AskToWrite(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline,
                          std::uint16_t session)
 {
-    return Maker<void>{bus, deadline, "(b)", Nothing, true}("EapWrite", g_variant_new("(q)", session));
+    return Proxy{bus, deadline}.Command("EapWrite", g_variant_new("(q)", session));
 }
 
 Request<PageHead> AskForPage(const std::shared_ptr<detail::Bus>& bus, std::chrono::milliseconds deadline, ListKind kind,
                              int first, int last)
 {
     const List& list = kLists[static_cast<int>(kind)];
-    const Maker<PageHead> ask{bus, deadline, list.isDatabase ? "(bbb)" : "(b)",
-                              list.isDatabase ? DatabaseHead : PlainHead};
-    return ask(list.method, list.hasRange ? g_variant_new("(ii)", first, last) : nullptr);
+    return Proxy{bus, deadline}.Query(list.method, list.isDatabase ? "(bbb)" : "(b)",
+                                      list.isDatabase ? DatabaseHead : PlainHead,
+                                      list.hasRange ? g_variant_new("(ii)", first, last) : nullptr);
 }
 
 Place PlaceOf(ListKind kind)

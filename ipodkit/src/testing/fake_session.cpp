@@ -89,7 +89,7 @@ public:
                 return Parsed("(" + std::to_string(names->second.size()) + ",)");
         }
         if (std::strcmp(call.replyType, "()") == 0) return Parsed("()");
-        if (call.isOrder) return Parsed("(true,)");
+        if (call.isCommand) return Parsed("(true,)");
         return tl::unexpected<Error>(
             Error{ErrorKind::Refused, std::string("the test has no answer to ") + call.method});
     }
