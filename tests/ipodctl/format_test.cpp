@@ -12,7 +12,7 @@ const std::vector<std::string> kFields = {"title", "artist", "length", "state", 
 
 Json Values()
 {
-    return {{"title", "Blue in Green"}, {"artist", ""}, {"length", 337000}, {"state", "playing"}, {"loud", true}};
+    return {{"title", "Blue Lanterns"}, {"artist", ""}, {"length", 337000}, {"state", "playing"}, {"loud", true}};
 }
 
 std::string Rendered(const std::string& text, const Json& values = Values())
@@ -41,7 +41,7 @@ std::string ErrorOf(const std::string& text)
 
 TEST(Format, PutsFieldsIntoText)
 {
-    EXPECT_EQ(Rendered("{{ title }} {{duration(length)}}"), "Blue in Green 5:37");
+    EXPECT_EQ(Rendered("{{ title }} {{duration(length)}}"), "Blue Lanterns 5:37");
     EXPECT_EQ(Rendered("plain {text} 100 %"), "plain {text} 100 %");
     EXPECT_EQ(Rendered(""), "");
 }
@@ -50,8 +50,8 @@ TEST(Format, AcceptsADefaultInBothSpellings)
 {
     EXPECT_EQ(Rendered("{{ artist | default: \"?\" }}"), "?");
     EXPECT_EQ(Rendered("{{ default(artist, '?') }}"), "?");
-    EXPECT_EQ(Rendered("{{ count | default: title }}"), "Blue in Green");
-    EXPECT_EQ(Rendered("{{ title | default: \"?\" }}"), "Blue in Green");
+    EXPECT_EQ(Rendered("{{ count | default: title }}"), "Blue Lanterns");
+    EXPECT_EQ(Rendered("{{ title | default: \"?\" }}"), "Blue Lanterns");
 }
 
 TEST(Format, PrintsNothingForUnknownFields)
@@ -63,8 +63,8 @@ TEST(Format, PrintsNothingForUnknownFields)
 TEST(Format, ChainsFunctions)
 {
     EXPECT_EQ(Rendered("{{ title | upper | cut: 6 }}|"), "BLUE …|");
-    EXPECT_EQ(Rendered("{{ pad(lower(title), 15) }}|"), "blue in green  |");
-    EXPECT_EQ(Rendered("{{ json(title) }}"), "\"Blue in Green\"");
+    EXPECT_EQ(Rendered("{{ pad(lower(title), 15) }}|"), "blue lanterns  |");
+    EXPECT_EQ(Rendered("{{ json(title) }}"), "\"Blue Lanterns\"");
 }
 
 TEST(Format, SupportsThreeEscapes)
@@ -111,7 +111,7 @@ TEST(Format, LimitsTheNestingDepth)
     std::string calls;
     for (int i = 0; i < 100000; ++i) calls += "upper(";
     EXPECT_NE(ErrorOf("{{ " + calls + " }}").find("fewer nested functions"), std::string::npos);
-    EXPECT_EQ(Rendered("{{ upper(lower(title)) }}"), "BLUE IN GREEN");
+    EXPECT_EQ(Rendered("{{ upper(lower(title)) }}"), "BLUE LANTERNS");
 }
 }  // namespace
 }  // namespace ctl

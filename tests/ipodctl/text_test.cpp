@@ -41,7 +41,7 @@ TEST(Width, CountsColumnsAndNotBytes)
 TEST(Cut, KeepsTheTextThatFits)
 {
     EXPECT_EQ(Cut("abc", 3), "abc");
-    EXPECT_EQ(Cut("周杰", 4), "周杰");
+    EXPECT_EQ(Cut("周明", 4), "周明");
 }
 
 TEST(Cut, NeverExceedsTheWidthNorHalvesAWideCharacter)

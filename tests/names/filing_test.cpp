@@ -50,22 +50,22 @@ struct Alphabet
 // Taken from the alphabets: how native readers file these names.
 const Alphabet kAlphabets[] = {
     {"zh",
-     {{"单依纯", "S"},
-      {"曾轶可", "Z"},
+     {{"单晓岚", "S"},
+      {"曾雨桐", "Z"},
       {"重庆", "C"},
       {"地铁", "D"},
       {"乐队", "Y"},
       {"長大", "Z"},
       {"女儿", "N"},
-      {"Beatles", "B"},
-      {"Ärzte", "A"},
+      {"Birches", "B"},
+      {"Ähren", "A"},
       {"Кино", "K"},
       {"さくら", "S"},
       {"1989", "#"},
       {"🎵", "#"}}},
-    {"en", {{"Beatles", "B"}, {"Øystein", "O"}, {"Ñandú", "N"}, {"周杰伦", "Z"}, {"Ωδή", "O"}, {"99 Luft", "#"}}},
+    {"en", {{"Birches", "B"}, {"Øystein", "O"}, {"Ñandú", "N"}, {"周明轩", "Z"}, {"Ωδή", "O"}, {"99 Lamps", "#"}}},
     {"fr", {{"Édith", "E"}, {"Çavalier", "C"}, {"Œuvre", "O"}}},
-    {"de", {{"Ärzte", "A"}, {"Öl", "O"}, {"Über", "U"}}},
+    {"de", {{"Ähren", "A"}, {"Öl", "O"}, {"Über", "U"}}},
     {"es", {{"Ñandú", "Ñ"}, {"Nube", "N"}, {"Ángel", "A"}, {"Chile", "C"}, {"Llama", "L"}}},
     {"sv", {{"Åsa", "Å"}, {"Ärlig", "Ä"}, {"Öl", "Ö"}, {"Asta", "A"}, {"Ulla", "U"}}},
     {"pl",
@@ -80,9 +80,9 @@ const Alphabet kAlphabets[] = {
       {"Щука", "Щ"},
       {"Эхо", "Э"},
       {"яма", "Я"},
-      {"Beatles", "B"},
-      {"周杰伦", "Z"}}},
-    {"el", {{"Άλφα", "Α"}, {"Έλλη", "Ε"}, {"ψυχή", "Ψ"}, {"Ωδή", "Ω"}, {"Beatles", "B"}}},
+      {"Birches", "B"},
+      {"周明轩", "Z"}}},
+    {"el", {{"Άλφα", "Α"}, {"Έλλη", "Ε"}, {"ψυχή", "Ψ"}, {"Ωδή", "Ω"}, {"Birches", "B"}}},
     {"ja",
      {{"さくら", "さ"},
       {"ガム", "か"},
@@ -90,13 +90,13 @@ const Alphabet kAlphabets[] = {
       {"パパ", "は"},
       {"わか", "わ"},
       {"東京", "#"},
-      {"Beatles", "B"}}},
-    {"ko", {{"김", "ㄱ"}, {"까치", "ㄱ"}, {"방탄", "ㅂ"}, {"아이유", "ㅇ"}, {"하늘", "ㅎ"}, {"Beatles", "B"}}},
-    {"ar", {{"أم كلثوم", "ا"}, {"فيروز", "ف"}, {"نانسي", "ن"}, {"Beatles", "B"}}},
-    {"he", {{"אבא", "א"}, {"שלום", "ש"}, {"תמר", "ת"}, {"Beatles", "B"}}},
-    {"zh_TW", {{"三毛", "3劃"}, {"周杰倫", "8劃"}, {"Beatles", "B"}}},
-    {"zh_CN.UTF-8", {{"单依纯", "S"}}},
-    {"no-such-locale", {{"Beatles", "B"}, {"单依纯", "S"}}},
+      {"Birches", "B"}}},
+    {"ko", {{"김", "ㄱ"}, {"까치", "ㄱ"}, {"방울", "ㅂ"}, {"아침", "ㅇ"}, {"하늘", "ㅎ"}, {"Birches", "B"}}},
+    {"ar", {{"أمل", "ا"}, {"فجر", "ف"}, {"نور", "ن"}, {"Birches", "B"}}},
+    {"he", {{"אביב", "א"}, {"שלום", "ש"}, {"תמר", "ת"}, {"Birches", "B"}}},
+    {"zh_TW", {{"三月", "3劃"}, {"周明軒", "8劃"}, {"Birches", "B"}}},
+    {"zh_CN.UTF-8", {{"单晓岚", "S"}}},
+    {"no-such-locale", {{"Birches", "B"}, {"单晓岚", "S"}}},
 };
 
 // Names of every script in random order; some are repeated.
@@ -125,7 +125,7 @@ TEST(Sections, AreLettersOfTheAlphabetOfTheLocale)
 TEST(Sections, FollowTheOrderOfTheLetters)
 {
     std::vector<std::string> labels;
-    const JumpIndex index({"Ölund", "!!!", "周杰伦", "Åsa", "Zoe", "1989", "Ärlig", "Anna"}, For("sv"));
+    const JumpIndex index({"Ölund", "!!!", "周明轩", "Åsa", "Zoe", "1989", "Ärlig", "Anna"}, For("sv"));
     for (const auto& section : index.Sections()) labels.push_back(section.label + std::to_string(section.position));
 
     EXPECT_THAT(labels, ElementsAre("A0", "Z1", "Å3", "Ä4", "Ö5", "#6"));
@@ -172,10 +172,10 @@ TEST(Sections, AndOrderDoNotDependOnOtherNames)
 // A surname is read differently from the same character elsewhere; ü follows u.
 TEST(Order, OfChineseNamesFollowsTheReadingThatDeterminesTheirSection)
 {
-    const Names names = {"单依纯", "上官", "Sam", "三毛", "《沙滩》", "乱", "路", "绿", "曾轶可", "赵雷", "Zoe", "Åsa"};
+    const Names names = {"单晓岚", "上官", "Sam", "三月", "《沙滩》", "乱", "路", "绿", "曾雨桐", "赵雷", "Zoe", "Åsa"};
     for (const char* locale : {"zh", "en"})
-        EXPECT_THAT(Sorted(names, For(locale)), ElementsAre("Åsa", "路", "绿", "乱", "Sam", "三毛", "《沙滩》",
-                                                            "单依纯", "上官", "Zoe", "曾轶可", "赵雷"))
+        EXPECT_THAT(Sorted(names, For(locale)), ElementsAre("Åsa", "路", "绿", "乱", "Sam", "三月", "《沙滩》",
+                                                            "单晓岚", "上官", "Zoe", "曾雨桐", "赵雷"))
             << locale;
 }
 
@@ -187,16 +187,16 @@ TEST(Order, IgnoresLeadingPunctuation)
 
 TEST(Order, IgnoresArticlesOnlyOnRequest)
 {
-    const Names names = {"The Beatles", "the Who", "Theo", "A Camp", "Abba", "The", "Die Ärzte"};
+    const Names names = {"The Birches", "the Wren", "Theo", "A Cove", "Abbey", "The", "Die Ähren"};
     JumpIndexOptions options;
     EXPECT_THAT(Sorted(names, options),
-                ElementsAre("A Camp", "Abba", "Die Ärzte", "The", "The Beatles", "the Who", "Theo"));
+                ElementsAre("A Cove", "Abbey", "Die Ähren", "The", "The Birches", "the Wren", "Theo"));
 
     options.articles = {"the", "A", "die"};
 
     EXPECT_THAT(Sorted(names, options),
-                ElementsAre("Abba", "Die Ärzte", "The Beatles", "A Camp", "The", "Theo", "the Who"));
-    EXPECT_EQ(Labels(names, options).at("The Beatles"), "B");
+                ElementsAre("Abbey", "Die Ähren", "The Birches", "A Cove", "The", "Theo", "the Wren"));
+    EXPECT_EQ(Labels(names, options).at("The Birches"), "B");
     EXPECT_THAT(JumpIndex(names, options).Search("the b"), ElementsAre(0));
 }
 }  // namespace test

@@ -82,7 +82,7 @@ TEST(Readings, OfPersonsUseTheSurnameReading)
 
 TEST(Readings, OfPersonsMayHaveSeveralScriptsAndNames)
 {
-    ExpectReadings({{"Bach 与 曾雨桐", "bach yu zeng yu tong"},
+    ExpectReadings({{"Brook 与 曾雨桐", "brook yu zeng yu tong"},
                     {"曾雨桐/单晓", "zeng yu tong shan xiao"},
                     {"Élodie Rouvière", "elodie rouviere"}},
                    Subject::Person);

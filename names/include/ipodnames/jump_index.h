@@ -46,14 +46,14 @@ public:
     explicit JumpIndex(const std::vector<std::string>& names, const JumpIndexOptions& options = {});
 
     /// Returns the indices of the names by section, and within a section in the order of the locale. Names filed by
-    /// their reading follow the others there: Sam, 三毛 (san mao), 单依纯 (shan yi chun).
+    /// their reading follow the others there: Sam, 三月 (san yue), 单晓岚 (shan xiao lan).
     const std::vector<int>& Order() const;
 
     /// Returns the non-empty sections of ICU's AlphabeticIndex for the locale and for Latin letters, in the order of
     /// Order(); "#" comes last.
     ///
     /// A name is filed by its first letter or digit. Names in scripts that the locale does not use, and Chinese names
-    /// where the locale sorts them by pinyin, are filed by their reading: 单依纯 is in S, as a surname is read shan.
+    /// where the locale sorts them by pinyin, are filed by their reading: 单晓岚 is in S, as a surname is read shan.
     const std::vector<JumpSection>& Sections() const;
 
     /// Returns the indices of matching names: first those that match from their first syllable or word, then the
