@@ -283,7 +283,9 @@ Answer Search(Context& context, const std::string& text)
 Run BuildSearch(CLI::App& app)
 {
     const auto text = Argument<std::string>();
-    app.add_option("text", *text, "Part of a name, of its pinyin, or initials")->required()->check(NonEmpty());
+    app.add_option("text", *text, "The beginning of a word in the name or its pinyin, or initials")
+        ->required()
+        ->check(NonEmpty());
     return [text](Context& context) { return Search(context, *text); };
 }
 
