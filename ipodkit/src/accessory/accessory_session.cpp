@@ -29,7 +29,7 @@ struct AccessorySession::Impl::Growth
 {
     std::shared_ptr<Impl> self;
     Bytes chunk;
-    Lane::Release release;
+    SerialQueue::Release release;
 };
 
 Request<void> AccessorySession::Impl::Write(Bytes bytes)
@@ -70,11 +70,11 @@ void AccessorySession::Impl::SendNext()
 {
     if (m_sending || m_jobs.empty()) return;
     m_sending = true;
-    m_session->WriteLane()->Wait([self = shared_from_this()](const Lane::Release& release)
-                                 { self->SendChunk(release); });
+    m_session->WriteQueue()->Wait([self = shared_from_this()](const SerialQueue::Release& release)
+                                  { self->SendChunk(release); });
 }
 
-void AccessorySession::Impl::SendChunk(const Lane::Release& release)
+void AccessorySession::Impl::SendChunk(const SerialQueue::Release& release)
 {
     DropWithdrawn();
     if (m_jobs.empty())
@@ -106,7 +106,7 @@ void AccessorySession::Impl::DropWithdrawn()
 }
 
 // If the buffer has to grow, another process may hold the lock of the segment.
-void AccessorySession::Impl::WriteAside(Bytes chunk, const Lane::Release& release)
+void AccessorySession::Impl::WriteAside(Bytes chunk, const SerialQueue::Release& release)
 {
     const std::shared_ptr<GMainContext> context(g_main_context_ref(m_session->Context()), g_main_context_unref);
     auto growth = std::make_shared<Growth>(Growth{shared_from_this(), std::move(chunk), release});
@@ -121,7 +121,8 @@ void AccessorySession::Impl::WriteAside(Bytes chunk, const Lane::Release& releas
 }
 
 // The session may have been closed meanwhile.
-void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& result, const Lane::Release& release)
+void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& result,
+                                          const SerialQueue::Release& release)
 {
     if (!result || m_jobs.empty())
     {

@@ -53,10 +53,10 @@ private:
     void Take(const std::shared_ptr<const Bytes>& bytes, const PendingPtr<void>& request);
     void SendNext();
     struct Growth;
-    void SendChunk(const Lane::Release& release);
+    void SendChunk(const SerialQueue::Release& release);
     void DropWithdrawn();
-    void WriteAside(Bytes chunk, const Lane::Release& release);
-    void ChunkWritten(std::size_t size, const Result<void>& result, const Lane::Release& release);
+    void WriteAside(Bytes chunk, const SerialQueue::Release& release);
+    void ChunkWritten(std::size_t size, const Result<void>& result, const SerialQueue::Release& release);
     void ChunkAnswered(std::size_t size, const Result<void>& result);
     void FailLater(const Error& error);
     void FailAll(const Error& error);

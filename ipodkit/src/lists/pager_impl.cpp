@@ -53,7 +53,7 @@ Pager::Impl::Impl(std::shared_ptr<Session::Impl> session, ListKind kind, const P
       m_kind(kind),
       m_options(options),
       m_unusable(OutOfRange(options)),
-      m_lane(m_session->ListLanes().Of(kind)),
+      m_queue(m_session->Queues().Of(kind)),
       m_reads(RequestGroup::Make(m_session->Bus()->Home())),
       m_changes(RequestGroup::Make(m_session->Bus()->Home())),
       m_cache(options.cachedPages)
@@ -98,7 +98,7 @@ void Pager::Impl::End(const Error& error)
 
 Subscription Pager::Impl::OnOutdated(std::string name, std::function<void()> callback)
 {
-    return Subscription(m_lane->Watchers().Add(std::move(name), std::move(callback)));
+    return Subscription(m_queue->Watchers().Add(std::move(name), std::move(callback)));
 }
 
 // Callbacks may make requests meanwhile, and destroy the pager.
@@ -119,12 +119,12 @@ template <class T>
 void Pager::Impl::InTurn(Request<T> request, Locking lock, std::function<bool()> wanted, Arrived<T> arrived)
 {
     const auto held = std::make_shared<Request<T>>(std::move(request));
-    const auto current = [weak = weak_from_this(), epoch = m_lane->Epoch(), round = m_round]
+    const auto current = [weak = weak_from_this(), epoch = m_queue->Epoch(), round = m_round]
     {
         const auto self = weak.lock();
-        return self != nullptr && self->m_lane->Epoch() == epoch && self->m_round == round ? self : nullptr;
+        return self != nullptr && self->m_queue->Epoch() == epoch && self->m_round == round ? self : nullptr;
     };
-    const auto send = [=](const Result<LocksPtr>& locks, const Lane::Release& release)
+    const auto send = [=](const Result<LocksPtr>& locks, const SerialQueue::Release& release)
     {
         if (current() == nullptr || !wanted()) return release();
         const auto done = [=](const Result<T>& result)
@@ -135,8 +135,8 @@ void Pager::Impl::InTurn(Request<T> request, Locking lock, std::function<bool()>
         if (!locks) return done(tl::unexpected<Error>(locks.error()));
         std::move(*held).Start(done);
     };
-    m_lane->Wait(
-        [=](const Lane::Release& release)
+    m_queue->Wait(
+        [=](const SerialQueue::Release& release)
         {
             const auto self = current();
             if (self == nullptr || !wanted()) return release();
@@ -356,13 +356,13 @@ void Pager::Impl::Change(const PendingPtr<void>& request, const std::function<Re
     const auto self = shared_from_this();
     const auto call =
         std::make_shared<Request<void>>(command(m_session->MakeCommands()).Within(CallDeadline(request.get())));
-    m_lane->Outdate(m_session->CallbackGuard());
-    m_lane->Wait([request, call, leases = m_session->SharedLeases()](const Lane::Release& release)
-                 { request->Open() ? SendChange(request, call, leases, release) : release(); });
+    m_queue->Outdate(m_session->CallbackGuard());
+    m_queue->Wait([request, call, leases = m_session->SharedLeases()](const SerialQueue::Release& release)
+                  { request->Open() ? SendChange(request, call, leases, release) : release(); });
 }
 
 void Pager::Impl::SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
-                             const std::shared_ptr<Leases>& leases, const Lane::Release& release)
+                             const std::shared_ptr<Leases>& leases, const SerialQueue::Release& release)
 {
     leases->TakeForChange(
         [request, call, release](const Result<std::shared_ptr<void>>& right)

@@ -9,7 +9,7 @@
 #include "commands/requests.h"
 #include "lists/page_cache.h"
 #include "loop/loop_operation.h"
-#include "session/lanes.h"
+#include "session/list_queues.h"
 #include "session/session_impl.h"
 
 namespace ipodkit
@@ -104,7 +104,7 @@ private:
     void Walked(const WalkPtr& walk, const Result<PagePtr>& page);
     void Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command);
     static void SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
-                           const std::shared_ptr<Leases>& leases, const Lane::Release& release);
+                           const std::shared_ptr<Leases>& leases, const SerialQueue::Release& release);
 
     template <class T>
     Request<T> Reading(const char* name, detail::Terms terms, std::function<void(Impl&, const PendingPtr<T>&)> begin);
@@ -115,7 +115,7 @@ private:
     const ListKind m_kind;
     PagerOptions m_options;
     const std::optional<Error> m_unusable;  // why the options are
-    const std::shared_ptr<Lane> m_lane;
+    const std::shared_ptr<SerialQueue> m_queue;
     const std::shared_ptr<RequestGroup> m_reads;
     const std::shared_ptr<RequestGroup> m_changes;  // of level
     PageCache m_cache;

@@ -32,7 +32,7 @@ Session::Impl::Impl(const SessionOptions& options)
       m_context(ContextOf(options)),
       m_guard(options.callbackBudget),
       m_bus(std::make_shared<detail::Bus>(m_context.get(), m_guard)),
-      m_lanes(m_guard),
+      m_queues(m_guard),
       m_leases(std::make_shared<Leases>(m_context.get(), PatienceOf(options))),
       m_pictures(options.artworkLimit),
       m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
@@ -72,7 +72,7 @@ void Session::Impl::Close()
     m_retry.reset();
     m_publisher->End();
     m_eventCallbacks.End();
-    m_lanes.End();
+    m_queues.End();
     m_leases->Close();
     m_endings.ForEach(m_guard, [](const std::function<void()>& ended) { ended(); });
     if (m_watch != nullptr) CoreLink::Instance().Release();
@@ -160,7 +160,7 @@ void Session::Impl::Vanished()
     m_retry.reset();
     m_draft.ForgetService();
     Step(Phase::Lost);
-    m_lanes.OutdateAll();
+    m_queues.OutdateAll();
     const Error lost{ErrorKind::ServiceLost, "the service exited before it answered"};
     for (const PendingRefresh& each : std::exchange(m_refreshes, {}))
         if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(lost));
@@ -204,7 +204,7 @@ void Session::Impl::Follow(const Event& event)
 {
     m_draft.Apply(event);
     m_memory->Follow(event);
-    m_lanes.OutdateBy(SignalName(event));
+    m_queues.OutdateBy(SignalName(event));
     if (std::holds_alternative<DeviceChanged>(event)) m_reader->ReadDevices();
     m_eventCallbacks.ForEach(m_guard, [&event](const EventCallback& callback) { callback(event); });
     m_publisher->Touch();
@@ -213,7 +213,7 @@ void Session::Impl::Follow(const Event& event)
 // No event reports that another device was entered.
 void Session::Impl::Followed(const char* method)
 {
-    m_lanes.OutdateBy(method);
+    m_queues.OutdateBy(method);
     if (std::strcmp(method, "EnterDeviceChildList") == 0) m_reader->ReadDevices();
 }
 

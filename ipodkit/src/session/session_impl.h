@@ -8,7 +8,7 @@
 #include "commands/requests.h"
 #include "loop/loop_operation.h"
 #include "session/core_link.h"
-#include "session/lanes.h"
+#include "session/list_queues.h"
 #include "session/memory.h"
 #include "session/owner_watch.h"
 #include "session/state_reader.h"
@@ -43,8 +43,8 @@ public:
     /// Reads the fields again, and completes the request when each has been read or cannot be read.
     void Refresh(Fields fields, const PendingPtr<StatePtr>& request);
 
-    Lanes& ListLanes() { return m_lanes; }
-    const std::shared_ptr<Lane>& WriteLane() const { return m_writeLane; }
+    ListQueues& Queues() { return m_queues; }
+    const std::shared_ptr<SerialQueue>& WriteQueue() const { return m_writeQueue; }
     const std::shared_ptr<Leases>& SharedLeases() const { return m_leases; }
     const StateDraft& Draft() const { return m_draft; }
 
@@ -87,10 +87,10 @@ private:
     const ContextPtr m_context;
     const Guard m_guard;
     const std::shared_ptr<detail::Bus> m_bus;
-    Lanes m_lanes;
-    const std::shared_ptr<Lane> m_writeLane = std::make_shared<Lane>();
+    ListQueues m_queues;
+    const std::shared_ptr<SerialQueue> m_writeQueue = std::make_shared<SerialQueue>();
     const std::shared_ptr<Leases> m_leases;
-    PictureShelf m_pictures;
+    PictureCache m_pictures;
     StateDraft m_draft;
     const std::shared_ptr<Publisher> m_publisher;
     const std::shared_ptr<StateReader> m_reader;

@@ -55,7 +55,7 @@ using MaybeEvent = std::optional<Event>;
 template <class E, class... Members>
 struct Plain
 {
-    static MaybeEvent Decode(const Arguments& arguments, PictureShelf&)
+    static MaybeEvent Decode(const Arguments& arguments, PictureCache&)
     {
         return Make(arguments, std::index_sequence_for<Members...>());
     }
@@ -68,12 +68,12 @@ private:
     }
 };
 
-MaybeEvent ToTrackChange(const Arguments& arguments, PictureShelf&)
+MaybeEvent ToTrackChange(const Arguments& arguments, PictureCache&)
 {
     return TrackChanged{arguments.As<int>(0), TrackIn(arguments.At(1).get())};
 }
 
-MaybeEvent ToArtwork(const Arguments& arguments, PictureShelf& pictures)
+MaybeEvent ToArtwork(const Arguments& arguments, PictureCache& pictures)
 {
     const PictureHead head = PictureHeadIn(arguments.At(0).get());
     const bool available = head[0] == 0;
@@ -98,7 +98,7 @@ void Copy(std::optional<T>& member, bool sent, const Sent& value)
     if (sent) member = static_cast<T>(value);
 }
 
-MaybeEvent ToCall(const Arguments& arguments, PictureShelf&)
+MaybeEvent ToCall(const Arguments& arguments, PictureCache&)
 {
     ipod::iPodPhoneCall sent;
     if (!Parse(arguments, sent)) return std::nullopt;
@@ -119,7 +119,7 @@ MaybeEvent ToCall(const Arguments& arguments, PictureShelf&)
     return CallChanged{std::move(call)};
 }
 
-MaybeEvent ToBattery(const Arguments& arguments, PictureShelf&)
+MaybeEvent ToBattery(const Arguments& arguments, PictureCache&)
 {
     ipod::iPodBattery sent;
     if (!Parse(arguments, sent)) return std::nullopt;
@@ -129,13 +129,13 @@ MaybeEvent ToBattery(const Arguments& arguments, PictureShelf&)
     return BatteryChanged{battery};
 }
 
-MaybeEvent ToAccessoryData(const Arguments& arguments, PictureShelf&)
+MaybeEvent ToAccessoryData(const Arguments& arguments, PictureCache&)
 {
     return AccessoryData{arguments.As<unsigned char>(0), BytesIn(g_VecEapReadBufferShareMemory).value_or(Bytes{})};
 }
 
 // The bytes are sent as structures of one byte each, which have the same layout as the bytes.
-MaybeEvent ToPairing(const Arguments& arguments, PictureShelf&)
+MaybeEvent ToPairing(const Arguments& arguments, PictureCache&)
 {
     const VariantPtr bytes = arguments.At(1);
     gsize count = 0;
@@ -147,7 +147,7 @@ struct SignalRow
 {
     const char* name;
     const char* type;
-    MaybeEvent (*decode)(const Arguments&, PictureShelf&);
+    MaybeEvent (*decode)(const Arguments&, PictureCache&);
 };
 
 using std::chrono::milliseconds;
@@ -178,7 +178,7 @@ const SignalRow kSignals[] = {
 static_assert(std::size(kSignals) == std::variant_size_v<Event>, "each event has its signal");
 }  // namespace
 
-std::optional<Event> Decode(const char* signal, GVariant* body, PictureShelf& pictures)
+std::optional<Event> Decode(const char* signal, GVariant* body, PictureCache& pictures)
 {
     const auto* const row =
         std::find_if(std::begin(kSignals), std::end(kSignals),

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "loop/glib_ptr.h"
-#include "pictures/picture_shelf.h"
+#include "pictures/picture_cache.h"
 
 namespace ipodkit
 {
@@ -15,5 +15,5 @@ namespace ipodkit
 /// the service writes the next ones; without the segments they are empty.
 ///
 /// Returns nothing if the contract does not define the signal, or if its body has another type.
-std::optional<Event> Decode(const char* signal, GVariant* body, PictureShelf& pictures);
+std::optional<Event> Decode(const char* signal, GVariant* body, PictureCache& pictures);
 }  // namespace ipodkit

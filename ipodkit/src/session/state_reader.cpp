@@ -33,7 +33,7 @@ bool IsAnswer(const Error& error)
 }  // namespace
 
 StateReader::StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline,
-                         StateDraft& draft, PictureShelf& pictures, std::function<void()> progressed)
+                         StateDraft& draft, PictureCache& pictures, std::function<void()> progressed)
     : m_context(g_main_context_ref(context)),
       m_bus(std::move(bus)),
       m_deadline(deadline),

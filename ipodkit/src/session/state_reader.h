@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "commands/records.h"
-#include "pictures/picture_shelf.h"
+#include "pictures/picture_cache.h"
 #include "state/state_draft.h"
 
 namespace ipodkit
@@ -28,7 +28,7 @@ public:
 
     /// @p progressed is called after each answer, when the draft contains it.
     StateReader(GMainContext* context, std::shared_ptr<detail::Bus> bus, std::chrono::milliseconds deadline,
-                StateDraft& draft, PictureShelf& pictures, std::function<void()> progressed);
+                StateDraft& draft, PictureCache& pictures, std::function<void()> progressed);
 
     /// Requests everything. Answers to earlier requests are ignored.
     void Start();
@@ -73,7 +73,7 @@ private:
     const std::shared_ptr<detail::Bus> m_bus;
     const std::chrono::milliseconds m_deadline;
     StateDraft& m_draft;
-    PictureShelf& m_pictures;
+    PictureCache& m_pictures;
     const std::function<void()> m_progressed;
     std::map<Field, SourcePtr> m_timers;         // of pending requests
     std::shared_ptr<const PlayerState> m_asked;  // the draft when the last requests were sent

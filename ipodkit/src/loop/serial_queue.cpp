@@ -1,21 +1,21 @@
-#include "loop/lane.h"
+#include "loop/serial_queue.h"
 
 namespace ipodkit
 {
-void Lane::Wait(Turn turn)
+void SerialQueue::Wait(Turn turn)
 {
     m_waiting.push_back(std::move(turn));
     Next();
 }
 
-void Lane::Outdate(const Guard& guard)
+void SerialQueue::Outdate(const Guard& guard)
 {
     ++m_epoch;
     m_watchers.ForEach(guard, [](const std::function<void()>& watcher) { watcher(); });
 }
 
 // Iterates, because work may release the queue at once, and recursion would exhaust the stack.
-void Lane::Next()
+void SerialQueue::Next()
 {
     if (m_running) return;
     const auto self = shared_from_this();
@@ -24,7 +24,7 @@ void Lane::Next()
     m_running = false;
 }
 
-void Lane::RunFirst()
+void SerialQueue::RunFirst()
 {
     m_taken = true;
     const Turn turn = std::move(m_waiting.front());

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string_view>
 
-#include "loop/lane.h"
+#include "loop/serial_queue.h"
 
 namespace ipodkit
 {
@@ -38,20 +38,20 @@ inline constexpr ListChange kListChanges[] = {
 };
 
 /// One serial queue for each list with separate state in the service; names and pinyin of a level share one.
-class Lanes
+class ListQueues
 {
 public:
-    explicit Lanes(const Guard& guard) : m_guard(guard)
+    explicit ListQueues(const Guard& guard) : m_guard(guard)
     {
-        for (auto& lane : m_lanes) lane = std::make_shared<Lane>();
+        for (auto& queue : m_queues) queue = std::make_shared<SerialQueue>();
     }
 
-    const std::shared_ptr<Lane>& Of(ListKind kind) const { return m_lanes.at(Index(kind)); }
+    const std::shared_ptr<SerialQueue>& Of(ListKind kind) const { return m_queues.at(Index(kind)); }
 
     /// Outdates all lists: the service restarted, or the device changed.
     void OutdateAll()
     {
-        for (const auto& lane : m_lanes) lane->Outdate(m_guard);
+        for (const auto& queue : m_queues) queue->Outdate(m_guard);
     }
 
     /// Outdates the lists that a member changes: an event, or a command that the service may have executed.
@@ -70,7 +70,7 @@ public:
     /// Ends all watchers: their callbacks run no more.
     void End()
     {
-        for (const auto& lane : m_lanes) lane->Watchers().End();
+        for (const auto& queue : m_queues) queue->Watchers().End();
     }
 
 private:
@@ -81,6 +81,6 @@ private:
     }
 
     const Guard m_guard;
-    std::array<std::shared_ptr<Lane>, 4> m_lanes;
+    std::array<std::shared_ptr<SerialQueue>, 4> m_queues;
 };
 }  // namespace ipodkit

@@ -9,11 +9,11 @@
 namespace ipodkit
 {
 /// Context thread only.
-class PictureShelf
+class PictureCache
 {
 public:
     /// Images larger than @p limit bytes are omitted.
-    explicit PictureShelf(std::size_t limit) : m_limit(limit) {}
+    explicit PictureCache(std::size_t limit) : m_limit(limit) {}
 
     /// Returns null if there are no bytes, or too many.
     PicturePtr Put(std::vector<unsigned char> bytes);

@@ -12,7 +12,7 @@
 namespace ipodkit
 {
 /// Context thread only.
-class Lane : public std::enable_shared_from_this<Lane>
+class SerialQueue : public std::enable_shared_from_this<SerialQueue>
 {
 public:
     /// Ends the turn; must be called once.

@@ -1,8 +1,8 @@
-#include "pictures/picture_shelf.h"
+#include "pictures/picture_cache.h"
 
 namespace ipodkit
 {
-PicturePtr PictureShelf::Put(std::vector<unsigned char> bytes)
+PicturePtr PictureCache::Put(std::vector<unsigned char> bytes)
 {
     if (bytes.empty() || bytes.size() > m_limit) return nullptr;
     Picture picture = Examine(std::move(bytes));
@@ -15,7 +15,7 @@ PicturePtr PictureShelf::Put(std::vector<unsigned char> bytes)
     return fresh;
 }
 
-void PictureShelf::ForgetUnused()
+void PictureCache::ForgetUnused()
 {
     for (auto entry = m_pictures.begin(); entry != m_pictures.end();)
         entry = entry->second.expired() ? m_pictures.erase(entry) : std::next(entry);
