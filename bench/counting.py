@@ -65,13 +65,17 @@ class Counter:
         instructions = {}
         program = self.programs / name
         for operation in known_operations(program, self.emulator):
-            if name == "bench_instructions":
-                remove_segments()
             say(f"counting instructions{' on ARM' if self.emulator else ''}: {operation}")
             few, many = times_of(program, operation)
-            runs = [self.count(program, operation, str(times)) for times in (many, few)]
+            runs = [self.of_run(program, operation, times) for times in (many, few)]
             instructions[operation] = (runs[0] - runs[1]) / (many - few)
         return instructions
+
+    def of_run(self, program, operation, times):
+        """Counts a run that creates the segments, as every run does: creating them would not cancel out otherwise."""
+        if program.name == "bench_instructions":
+            remove_segments()
+        return self.count(program, operation, str(times))
 
     def of_linking(self):
         """Counts from exec to exit, with dynamic linking, of programs that link a library and do nothing."""
