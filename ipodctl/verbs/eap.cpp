@@ -122,18 +122,24 @@ struct EchoRequest
     AccessoryRequest accessory;
 };
 
-// Sends the text and returns the reply, which has at least as many bytes.
+// Sends the text and returns the reply, which has at least as many bytes. The reply may arrive before the service
+// answers the write.
 Bytes Exchange(Session& session, Loop& loop, ipodkit::AccessorySession& peer, const EchoRequest& request)
 {
     Bytes received;
-    const auto receive = [&](const ipodkit::Result<Bytes>& data)
+    bool answered = false;
+    const auto record = [&](const Bytes& bytes, bool isAnswer)
     {
-        if (data) received.insert(received.end(), data->begin(), data->end());
-        if (!data || received.size() >= request.text.size()) loop.Finish();
+        received.insert(received.end(), bytes.begin(), bytes.end());
+        answered = answered || isAnswer;
+        if (answered && received.size() >= request.text.size()) loop.Finish();
     };
+    const auto receive = [&](const ipodkit::Result<Bytes>& data)
+    { loop.Guard([&] { record(session.ValueOf(data), false); }); };
+    const auto answer = [&](const ipodkit::Result<void>& result)
+    { loop.Guard([&] { session.ValueOf(result), record({}, true); }); };
     const ipodkit::Subscription receiving = peer.OnData("ipodctl", receive);
-    const auto sent = [&](const ipodkit::Result<void>& result) { loop.Guard([&] { session.ValueOf(result); }); };
-    peer.Write(Bytes(request.text.begin(), request.text.end())).Start(sent);
+    peer.Write(Bytes(request.text.begin(), request.text.end())).Start(answer);
     const Ending ending = loop.Run(request.accessory.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
     if (ending == Ending::TimedOut)
