@@ -273,6 +273,7 @@ Answer Search(Context& context, const std::string& text)
     if (found.empty()) throw Failure(kNothingDone, "no entry of the current level matches '" + Printable(text) + "'");
     std::sort(found.begin(), found.end());
     std::vector<Entry> matches;
+    matches.reserve(found.size());
     for (const int index : found) matches.push_back(std::move(page.entries[static_cast<std::size_t>(index)]));
     page.entries = std::move(matches);
     Json json = PageJson(page);

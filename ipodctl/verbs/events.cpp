@@ -1,6 +1,7 @@
 // Follows the events of the service.
 #include <algorithm>
 
+#include "output/text.h"
 #include "verbs/verbs.h"
 
 namespace ctl
