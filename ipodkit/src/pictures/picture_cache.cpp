@@ -7,7 +7,7 @@ PicturePtr PictureCache::Put(std::vector<unsigned char> bytes)
     if (bytes.empty() || bytes.size() > m_limit) return nullptr;
     Picture picture = Examine(std::move(bytes));
     const auto known = m_pictures.find(picture.hash);
-    const PicturePtr inUse = known == m_pictures.end() ? nullptr : known->second.lock();
+    PicturePtr inUse = known == m_pictures.end() ? nullptr : known->second.lock();
     if (inUse != nullptr && inUse->bytes == picture.bytes) return inUse;
     ForgetUnused();
     auto fresh = std::make_shared<const Picture>(std::move(picture));

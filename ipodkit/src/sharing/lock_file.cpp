@@ -43,7 +43,7 @@ bool HeldByAnother(int reason)
 std::shared_ptr<LockFile> LockFile::Open()
 {
     const int fd = shm_open(kLockedSegment, O_RDWR | O_NONBLOCK, 0);
-    return fd < 0 ? nullptr : std::shared_ptr<LockFile>(new LockFile(fd));
+    return fd < 0 ? nullptr : std::make_shared<LockFile>(fd);
 }
 
 LockFile::~LockFile()

@@ -44,6 +44,8 @@ public:
     /// Returns null if the segment does not exist or cannot be opened.
     static std::shared_ptr<LockFile> Open();
 
+    /// Takes ownership of a descriptor of the segment.
+    explicit LockFile(int fd) : m_fd(fd) {}
     ~LockFile();
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;
@@ -65,8 +67,6 @@ public:
     void Unlock() const { Unlock(0, 0); }
 
 private:
-    explicit LockFile(int fd) : m_fd(fd) {}
-
     const int m_fd;
     CheckedLately m_named;
 };
