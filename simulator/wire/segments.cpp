@@ -273,7 +273,7 @@ Bytes Segments::TakeEapWrite() const
     return {begin, begin + count};
 }
 
-bool Segments::FillArtwork(QBXByteVector& vector, const Bytes& bytes)
+bool Segments::FillArtwork(QBXByteVector& vector, const Bytes& bytes) const
 {
     const auto fill = [&]
     {

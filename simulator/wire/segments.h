@@ -48,7 +48,7 @@ public:
 
     /// Replaces the contents of one of the two artwork vectors. If both images do not fit, empties the other vector. A
     /// cover fits twice if it is smaller than about half the segment. Fails like Fill().
-    bool FillArtwork(QBXByteVector& vector, const Bytes& bytes);
+    bool FillArtwork(QBXByteVector& vector, const Bytes& bytes) const;
 
     /// Returns the bytes that a client wrote for an accessory session.
     /// @throws std::runtime_error  the vector's header points outside the segment
