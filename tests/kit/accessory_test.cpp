@@ -154,14 +154,12 @@ TEST_F(AccessoryTest, AWriteByNumberEndsWithItsPort)
 {
     service.Hold("EapWrite");
     auto port = std::make_unique<AccessoryPort>(*session);
-    std::optional<Result<void>> result;
-    port->WriteTo(77, {1}).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(port->WriteTo(77, {1}));
     RunLoopFor(5ms);
 
     port.reset();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
 }
 
 TEST_F(AccessoryTest, ReceivedBytesReachTheMatchingSession)
@@ -306,13 +304,11 @@ TEST_F(AccessoryTest, ChunksThatDoNotFitIntoTheSegmentAreAnError)
     huge.chunk = 4 << 20;
     AccessoryPort port(*session, huge);
     const AccessorySessionPtr peer = OpenSession(port, 1);
-    std::optional<Result<void>> result;
 
-    peer->Write(Bytes(2 << 20)).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(peer->Write(Bytes(2 << 20)));
 
-    EXPECT_FALSE(result) << "completed inside Start()";
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
+    EXPECT_FALSE(result.Done()) << "completed inside Start()";
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::NoSharedMemory);
 }
 
 TEST_F(AccessoryTest, AChunkThatWouldExhaustTheSegmentIsRejectedInAdvance)
@@ -323,13 +319,11 @@ TEST_F(AccessoryTest, AChunkThatWouldExhaustTheSegmentIsRejectedInAdvance)
     const AccessorySessionPtr peer = OpenSession(port, 1);
     const std::size_t free = shared.Buffers().get_free_memory();
     const std::size_t room = RoomForAccessoryBytes();
-    std::optional<Result<void>> result;
 
-    peer->Write(Bytes(large.chunk)).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(peer->Write(Bytes(large.chunk)));
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
-    EXPECT_EQ(result->error().reason,
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::NoSharedMemory);
+    EXPECT_EQ(result.Get().error().reason,
               "the write buffer has no room for 614400 bytes at once; at most " + std::to_string(room) + " fit");
     EXPECT_EQ(shared.Buffers().get_free_memory(), free);
     EXPECT_THAT(written, IsEmpty());
@@ -406,15 +400,13 @@ TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
     DieWhileAllocatingIn(shared.Buffers());
-    std::optional<Result<void>> result;
     const Ticker ticker;
 
-    peer->Write(Bytes(5000)).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(peer->Write(Bytes(5000)));
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::NoSharedMemory);
     EXPECT_LE(ticker.Longest(), 1s);
-    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
-    EXPECT_THAT(result->error().reason, HasSubstr("locked by a process that died"));
+    EXPECT_THAT(result.Get().error().reason, HasSubstr("locked by a process that died"));
 }
 
 TEST_F(AccessoryTest, TheSessionMayBeDestroyedWhileTheBufferGrows)
@@ -446,13 +438,12 @@ TEST_F(AccessoryTest, SessionsEndWithTheService)
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
     service.Hold("EapWrite");
-    std::optional<Result<void>> result;
-    peer->Write({1}).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(peer->Write({1}));
 
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value() && !peer->IsOpen(); }));
-    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+    ASSERT_TRUE(RunLoopUntil([&] { return result.Done() && !peer->IsOpen(); }));
+    EXPECT_THAT(KindOf(result.Get()), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
 TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)

@@ -106,10 +106,7 @@ TEST_F(AnyStepTest, APagerMayBeDestroyed)
     }
 
     Pager pager(*session, ListKind::Playing);
-    std::optional<Result<PagePtr>> page;
-    pager.At(1).Start([&page](Result<PagePtr> got) { page = std::move(got); });
-    ASSERT_TRUE(RunLoopUntil([&] { return page.has_value(); }));
-    EXPECT_EQ(page->value()->At(1), "b");
+    EXPECT_EQ(Completed(pager.At(1)).value()->At(1), "b");
 }
 
 TEST_F(AnyStepTest, AnAccessoryPortMayBeDestroyedDuringAWrite)

@@ -20,11 +20,7 @@ protected:
 
     Result<void> Play(AudioSource& source, PlayOption option = PlayOption::Start)
     {
-        std::optional<Result<void>> result;
-        source.Play(option).Start([&result](const Result<void>& done) { result = done; });
-        EXPECT_FALSE(result);
-        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-        return *result;
+        return Completed(source.Play(option));
     }
 
     void Activate(AudioSource& source)

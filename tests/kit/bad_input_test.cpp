@@ -19,14 +19,6 @@ protected:
 
     StatePtr State() const { return session->State(); }
 
-    Result<PagePtr> Get(Pager& pager, int index)
-    {
-        std::optional<Result<PagePtr>> result;
-        pager.At(index).Start([&result](Result<PagePtr> page) { result = std::move(page); });
-        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-        return *result;
-    }
-
     void Emit(const std::string& signal, const std::string& body)
     {
         service.Emit(signal, body);
@@ -45,12 +37,12 @@ TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
     Ready();
     Pager pager(*session, ListKind::Playing);
 
-    const Result<PagePtr> page = Get(pager, 0);
+    const Result<PagePtr> page = Completed(pager.At(0));
 
     EXPECT_EQ(KindOf(page), ErrorKind::BadReply);
     EXPECT_THAT(page.error().reason, HasSubstr("expected a page of 50 entries, got 10"));
     service.Answer("GetPlayingListItemsAmount", "(10,)");
-    EXPECT_EQ(Get(pager, 9).value()->names.size(), 10U);
+    EXPECT_EQ(Completed(pager.At(9)).value()->names.size(), 10U);
 }
 
 TEST_F(BadInputTest, TooFewEntriesAreABadReply)
@@ -61,9 +53,9 @@ TEST_F(BadInputTest, TooFewEntriesAreABadReply)
     Ready();
     Pager pager(*session, ListKind::Playing);
 
-    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
-    EXPECT_EQ(KindOf(Get(pager, 9)), ErrorKind::BadReply);
-    EXPECT_EQ(KindOf(Get(pager, 10)), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Completed(pager.At(0))), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Completed(pager.At(9))), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Completed(pager.At(10))), ErrorKind::BadArgument);
 }
 
 TEST_F(BadInputTest, ANegativeAmountIsABadReply)
@@ -72,7 +64,7 @@ TEST_F(BadInputTest, ANegativeAmountIsABadReply)
     Ready();
     Pager pager(*session, ListKind::Playing);
 
-    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Completed(pager.At(0))), ErrorKind::BadReply);
     EXPECT_FALSE(State()->queueSize);
     Emit("OnIpodPlayingListAmountChange", "(-5,)");
     EXPECT_FALSE(State()->queueSize);
@@ -96,8 +88,8 @@ TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
     Pager playing(*session, ListKind::Playing);
     Pager update(*session, ListKind::Update);
 
-    const PagePtr last = Get(playing, INT_MAX - 1).value();
-    const PagePtr beyond = Get(update, INT_MAX).value();
+    const PagePtr last = Completed(playing.At(INT_MAX - 1)).value();
+    const PagePtr beyond = Completed(update.At(INT_MAX)).value();
 
     EXPECT_EQ(last->first, 2147483600);
     EXPECT_EQ(last->At(INT_MAX - 1), "x");
@@ -144,8 +136,7 @@ TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
     service.Hold("GetPlayingListItems");
     Ready();
     Pager pager(*session, ListKind::Playing);
-    std::optional<Result<PagePtr>> result;
-    pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
+    const Pending result(pager.At(0));
     const auto asked = [&]
     {
         const std::vector<std::string> calls = service.Calls();
@@ -160,9 +151,9 @@ TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
     shared.SetList("VecPlayingListShareMemory", {"a", "b", "c"});
     Ready(2);
 
-    ASSERT_TRUE(result);
-    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
-    EXPECT_EQ(Get(pager, 2).value()->At(2), "c");
+    ASSERT_TRUE(result.Done());
+    EXPECT_THAT(KindOf(result.Get()), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+    EXPECT_EQ(Completed(pager.At(2)).value()->At(2), "c");
 }
 
 TEST_F(BadInputTest, AnInvalidImageHasNoTypeAndNoSize)

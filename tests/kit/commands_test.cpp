@@ -210,14 +210,12 @@ TEST_F(CommandsTest, ACancelledRequestCompletesAtOnce)
 {
     service.Hold("Next");
     const Cancellation stop;
-    std::optional<Result<void>> result;
-    Ask().Next().CancelledBy(stop).Start([&result](Result<void> done) { result = std::move(done); });
+    const Pending result(Ask().Next().CancelledBy(stop));
     ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
 
     stop.Cancel();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(result.Get(500ms)), ErrorKind::Cancelled);
 }
 
 TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
@@ -276,14 +274,12 @@ TEST_F(CommandsTest, AnAlreadyCancelledRequestIsNotSent)
 TEST_F(CommandsTest, AServiceThatDiesBeforeReplyingIsLost)
 {
     service.Hold("Next");
-    std::optional<Result<void>> result;
-    Ask().Next().Start([&result](Result<void> done) { result = std::move(done); });
+    const Pending result(Ask().Next());
     ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
 
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::ServiceLost);
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::ServiceLost);
 }
 
 TEST_F(CommandsTest, ABlockedCallerIsNotified)
@@ -402,15 +398,14 @@ TEST_F(CommandsTest, FourThreadsMaySendRequestsConcurrently)
 TEST_F(CommandsTest, TheEndOfTheSessionCompletesPendingRequests)
 {
     service.Hold("Next");
-    std::optional<Result<void>> result;
     const Commands commands = Ask();
-    commands.Next().Start([&result](Result<void> done) { result = std::move(done); });
+    const Pending result(commands.Next());
     ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
 
     session.reset();
 
-    ASSERT_TRUE(result);
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    ASSERT_TRUE(result.Done());
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
     EXPECT_EQ(KindOf(Completed(commands.Next())), ErrorKind::Cancelled);
     EXPECT_EQ(KindOf(commands.Next().Wait()), ErrorKind::Cancelled);
 }

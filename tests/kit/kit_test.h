@@ -50,15 +50,36 @@ protected:
     std::unique_ptr<Session> session;
 };
 
+/// A started request.
+template <class T>
+class Pending
+{
+public:
+    explicit Pending(Request<T> request)
+    {
+        std::move(request).Start([result = m_result](Result<T> done) { *result = std::move(done); });
+    }
+
+    bool Done() const { return m_result->has_value(); }
+
+    /// Runs the loop until the request completes.
+    Result<T> Get(std::chrono::milliseconds limit = 20s) const
+    {
+        EXPECT_TRUE(RunLoopUntil([this] { return Done(); }, limit));
+        return m_result->value_or(tl::unexpected<Error>(Error{ErrorKind::TimedOut, "the request never completed"}));
+    }
+
+private:
+    std::shared_ptr<std::optional<Result<T>>> m_result = std::make_shared<std::optional<Result<T>>>();
+};
+
 /// Starts a request and runs the loop until it completes.
 template <class T>
 Result<T> Completed(Request<T> request)
 {
-    std::optional<Result<T>> result;
-    std::move(request).Start([&result](Result<T> done) { result = std::move(done); });
-    EXPECT_FALSE(result) << "completed inside Start()";
-    EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    return result.value_or(tl::unexpected<Error>(Error{ErrorKind::TimedOut, "the request never completed"}));
+    const Pending<T> pending(std::move(request));
+    EXPECT_FALSE(pending.Done()) << "completed inside Start()";
+    return pending.Get();
 }
 
 template <class T>

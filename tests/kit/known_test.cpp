@@ -120,16 +120,14 @@ TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
     };
     service.React("GetRepeatMode", answerFirst);
     session->Refresh(Field::Repeat);
-    std::optional<Result<StatePtr>> read;
 
-    session->Refreshed(Field::Repeat).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+    const Pending read(session->Refreshed(Field::Repeat));
 
     ASSERT_TRUE(RunLoopUntil([&] { return second != nullptr && State()->repeat == Repeat::One; }));
-    EXPECT_FALSE(read);
+    EXPECT_FALSE(read.Done());
     g_dbus_method_invocation_return_value(second, g_variant_new("(i)", 2));
 
-    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
-    EXPECT_EQ((**read)->repeat, Repeat::All);
+    EXPECT_EQ(read.Get().value()->repeat, Repeat::All);
 }
 
 TEST_F(KnownTest, ARefreshSupportsDeadlinesAndCancellation)
@@ -150,12 +148,10 @@ TEST_F(KnownTest, ARefreshNeedsAServiceUntilItsEnd)
 
     Ready();
     service.Hold("GetRepeatMode");
-    std::optional<Result<StatePtr>> read;
-    session->Refreshed(Field::Repeat).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+    const Pending read(session->Refreshed(Field::Repeat));
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
-    EXPECT_EQ(KindOf(*read), ErrorKind::ServiceLost);
+    EXPECT_EQ(KindOf(read.Get()), ErrorKind::ServiceLost);
 }
 
 TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)

@@ -52,14 +52,7 @@ protected:
                       });
     }
 
-    Result<PagePtr> Get(Pager& pager, int index)
-    {
-        std::optional<Result<PagePtr>> result;
-        pager.At(index).Start([&result](Result<PagePtr> page) { result = std::move(page); });
-        EXPECT_FALSE(result);
-        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-        return *result;
-    }
+    Result<PagePtr> Get(Pager& pager, int index) { return Completed(pager.At(index)); }
 
     // A completion that records its result.
     template <class T>
@@ -276,16 +269,13 @@ TEST_F(PagerTest, ALevelChangeCancelsAndStartsOver)
     (void)Get(names, 0);
     int outdated = 0;
     const Subscription watching = pinyin.OnOutdated("watching", [&outdated] { ++outdated; });
-    std::optional<Result<PagePtr>> late;
-    names.At(500).Start([&late](Result<PagePtr> page) { late = std::move(page); });
-    std::optional<Result<void>> entered;
-    names.EnterChild(3).Start([&entered](Result<void> result) { entered = std::move(result); });
+    const Pending late(names.At(500));
+    const Pending entered(names.EnterChild(3));
 
-    ASSERT_TRUE(late);
-    EXPECT_EQ(KindOf(*late), ErrorKind::Cancelled);
+    ASSERT_TRUE(late.Done());
+    EXPECT_EQ(KindOf(late.Get()), ErrorKind::Cancelled);
     EXPECT_EQ(names.Cached(0), nullptr);
-    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
-    EXPECT_TRUE(*entered);
+    EXPECT_TRUE(entered.Get());
     EXPECT_EQ(outdated, 2);
     EXPECT_TRUE(Get(names, 0));
 }
@@ -307,38 +297,32 @@ TEST_F(PagerTest, AChangeOfLevelCancelsThousandsOfPages)
     int cancelled = 0;
     for (int i = 1; i < kPages; ++i)
         pager.At(i).Start([&cancelled](const Result<PagePtr>& page) { cancelled += page ? 0 : 1; });
-    std::optional<Result<void>> entered;
 
-    pager.EnterRoot().Start([&entered](Result<void> result) { entered = std::move(result); });
+    const Pending entered(pager.EnterRoot());
 
     EXPECT_EQ(cancelled, kPages - 1);
-    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
-    EXPECT_TRUE(*entered);
+    EXPECT_TRUE(entered.Get());
 }
 
 TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
 {
     Pager pager(*session, ListKind::Playing);
-    std::optional<Result<void>> entered;
 
-    pager.EnterRoot().Start([&entered](Result<void> result) { entered = std::move(result); });
+    const Pending entered(pager.EnterRoot());
 
-    EXPECT_TRUE(RunLoopUntil([&] { return entered.has_value(); }));
-    EXPECT_EQ(KindOf(*entered), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(entered.Get()), ErrorKind::BadArgument);
 }
 
 TEST_F(PagerTest, ARestartDuringAPageCancelsIt)
 {
     service.Hold("GetPlayingListItems");
     Pager pager(*session, ListKind::Playing, NoPrefetch());
-    std::optional<Result<PagePtr>> result;
-    pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
+    const Pending result(pager.At(0));
     ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(0, 49)") == 1; }));
 
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+    EXPECT_THAT(KindOf(result.Get()), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
 TEST_F(PagerTest, AChangedPlayingListInvalidatesItsPages)
@@ -371,16 +355,14 @@ TEST_F(PagerTest, APageOvertakenByAListChangeIsCancelled)
                       service.Flush();
                       answered.set_value();
                   });
-    std::optional<Result<PagePtr>> result;
-    pager.At(50).Start([&result](Result<PagePtr> page) { result = std::move(page); });
+    const Pending result(pager.At(50));
     ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetPlayingListItems(50, 99)") == 1; }));
 
     go.set_value();
     answered.get_future().wait();
     std::this_thread::sleep_for(20ms);
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
     EXPECT_EQ(pager.Cached(50), nullptr);
 }
 
@@ -566,14 +548,13 @@ TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
 
 TEST_F(PagerTest, ItsEndCancelsPendingRequests)
 {
-    std::optional<Result<PagePtr>> result;
-    {
-        Pager pager(*session, ListKind::Playing);
-        pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
-    }
+    auto pager = std::make_unique<Pager>(*session, ListKind::Playing);
+    const Pending result(pager->At(0));
 
-    ASSERT_TRUE(result);
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    pager.reset();
+
+    ASSERT_TRUE(result.Done());
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
     RunLoopFor(20ms);
 }
 
@@ -901,14 +882,12 @@ TEST_F(PagerTest, ARangeIsCancelledWhenItsListChanges)
     service.Answer("EnterDbRoot", "(true,)");
     service.Hold("GetCurDbListItems");
     Pager pager(*session, ListKind::Database, NoPrefetch());
-    std::optional<Result<std::vector<std::string>>> result;
-    pager.Range(0, Pager::End).Start([&result](auto names) { result = std::move(names); });
+    const Pending result(pager.Range(0, Pager::End));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
 
     session->Commands().EnterRoot().Start([](Result<void>) {});
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
 }
 
 TEST_F(PagerTest, ARangeFromTheCacheDoesNotOverflowTheStack)

@@ -123,15 +123,13 @@ TEST_F(RequestTest, CancellationReachesThePendingPart)
     {
         service.Hold(member);
         const Cancellation stop;
-        std::optional<Result<int>> result;
-        RootCount().CancelledBy(stop).Start([&result](Result<int> count) { result = std::move(count); });
+        const Pending result(RootCount().CancelledBy(stop));
         RunLoopFor(50ms);
-        EXPECT_FALSE(result);
+        EXPECT_FALSE(result.Done());
 
         stop.Cancel();
 
-        ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
-        EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+        EXPECT_EQ(KindOf(result.Get(500ms)), ErrorKind::Cancelled);
         service.Answer(member, "(true,)");
     }
 }
@@ -143,19 +141,16 @@ TEST_F(RequestTest, APartObeysItsOwnCancellationAndThatOfTheWhole)
     {
         const Cancellation part;
         const Cancellation whole;
-        std::optional<Result<int>> result;
-        Ask()
-            .EnterRoot()
-            .CancelledBy(part)
-            .AndThen([ask = Ask()] { return ask.DatabaseCount(); })
-            .CancelledBy(whole)
-            .Start([&result](Result<int> count) { result = std::move(count); });
+        const Pending result(Ask()
+                                 .EnterRoot()
+                                 .CancelledBy(part)
+                                 .AndThen([ask = Ask()] { return ask.DatabaseCount(); })
+                                 .CancelledBy(whole));
         RunLoopFor(20ms);
 
         (own ? part : whole).Cancel();
 
-        ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
-        EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+        EXPECT_EQ(KindOf(result.Get(500ms)), ErrorKind::Cancelled);
     }
 }
 
@@ -171,14 +166,13 @@ TEST_F(RequestTest, AnExceptionBetweenThePartsIsLoggedAndCompletesTheChain)
 TEST_F(RequestTest, AChainEndsWithTheSession)
 {
     service.Hold("GetCurDbListItemsAmount");
-    std::optional<Result<int>> result;
-    RootCount().Start([&result](Result<int> count) { result = std::move(count); });
+    const Pending result(RootCount());
     ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetCurDbListItemsAmount(false,)") == 1; }));
 
     session.reset();
 
-    ASSERT_TRUE(result);
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    ASSERT_TRUE(result.Done());
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
 }
 
 TEST_F(RequestTest, AChainOfCommandsBlocksWhereTheContextRunsAndElsewhere)
@@ -402,13 +396,11 @@ TEST_F(RequestTest, AnAccessoryWriteHasADeadlineAndACancellation)
     Settle(service);
     const AccessorySessionPtr peer = port.Sessions().at(0);
     const Cancellation stop;
-    std::optional<Result<void>> second;
 
     EXPECT_EQ(KindOf(Completed(peer->Write({1}).Within(50ms))), ErrorKind::TimedOut);
-    peer->Write({2}).CancelledBy(stop).Start([&second](Result<void> done) { second = std::move(done); });
+    const Pending second(peer->Write({2}).CancelledBy(stop));
     stop.Cancel();
-    ASSERT_TRUE(RunLoopUntil([&] { return second.has_value(); }));
-    EXPECT_EQ(KindOf(*second), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(second.Get()), ErrorKind::Cancelled);
     service.Answer("EapWrite", "(true,)");
     service.AnswerHeld("(true,)");
 
