@@ -13,12 +13,11 @@ namespace test
 {
 namespace
 {
-class AccessoryTest : public KitTest
+class AccessoryTest : public ReadyTest
 {
 protected:
     AccessoryTest()
     {
-        AnswerState(service);
         service.React("EapWrite",
                       [this](GDBusMethodInvocation* call)
                       {
@@ -32,8 +31,10 @@ protected:
                           }
                           g_dbus_method_invocation_return_value(call, g_variant_new("(b)", accepting.load()));
                       });
-        Ready();
     }
+
+    // Its thread uses the members.
+    ~AccessoryTest() override { service.Vanish(); }
 
     AccessorySessionPtr OpenSession(AccessoryPort& port, int number)
     {
@@ -59,12 +60,10 @@ protected:
             { received.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
     }
 
-    SharedVectors shared;
     std::mutex mutex;
     std::map<int, Bytes> written;
     std::size_t largest = 0;
     std::atomic<bool> accepting{true};
-    FakeService service;  // must be the last member, because its thread uses the others
 };
 
 TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
@@ -73,8 +72,7 @@ TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
     const AccessorySessionPtr peer = OpenSession(port, 300);
     service.Answer("GetDeviceAmount", "(0,)");
 
-    service.Emit("OnIpodDeviceStatusChange", "(1, false)");
-    Settle(service);
+    Emit("OnIpodDeviceStatusChange", "(1, false)");
 
     EXPECT_THAT(session->State()->accessorySessions, IsEmpty());
     EXPECT_THAT(port.Sessions(), IsEmpty());
@@ -83,8 +81,7 @@ TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
 
 TEST_F(AccessoryTest, APortCreatedWithoutAServiceHasNoSessions)
 {
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
     std::optional<std::size_t> listed;
     const Subscription watching = session->OnConnection("lost",
                                                         [&](const Connection& connection)
@@ -466,8 +463,7 @@ TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)
 
 TEST_F(AccessoryTest, APortCreatedLaterKnowsTheOpenSessions)
 {
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
 
     const AccessoryPort port(*session);
 
@@ -480,8 +476,7 @@ TEST_F(AccessoryTest, ACallbackMayDestroyThePort)
     auto port = std::make_unique<AccessoryPort>(*session);
     const Subscription watching = port->OnOpened("end", [&](const AccessorySessionPtr&) { port.reset(); });
 
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
 
     EXPECT_EQ(port, nullptr);
 }

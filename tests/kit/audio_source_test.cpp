@@ -7,14 +7,12 @@ namespace test
 {
 namespace
 {
-class AudioSourceTest : public KitTest
+class AudioSourceTest : public ReadyTest
 {
 protected:
     AudioSourceTest()
     {
-        AnswerState(service);
         service.Answer("Play", "(true,)");
-        Ready();
         Sources().requestResult = 1;
     }
 
@@ -35,8 +33,6 @@ protected:
         for (const AudioTransition& each : source.Trace()) steps.push_back(Name(each.to));
         return steps;
     }
-
-    FakeService service;
 };
 
 TEST_F(AudioSourceTest, GoesFromRequestToRelease)

@@ -12,22 +12,8 @@ namespace test
 {
 namespace
 {
-class BadInputTest : public KitTest
-{
-protected:
-    BadInputTest() { AnswerState(service); }
-
-    StatePtr State() const { return session->State(); }
-
-    void Emit(const std::string& signal, const std::string& body)
-    {
-        service.Emit(signal, body);
-        Settle(service);
-    }
-
-    FakeService service;
-    SharedVectors shared;
-};
+using BadInputTest = ServedTest;
+using ReadyBadInputTest = ReadyTest;
 
 TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
 {
@@ -99,9 +85,8 @@ TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
     EXPECT_THAT(service.Calls(), testing::Contains("GetUpdateListItems(2147483600, 2147483647)"));
 }
 
-TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
+TEST_F(ReadyBadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
 {
-    Ready();
     AccessoryPort port(*session);
     const std::uint64_t version = State()->version;
 
@@ -116,9 +101,8 @@ TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
     EXPECT_EQ(session->Connection().phase, Phase::Ready);
 }
 
-TEST_F(BadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
+TEST_F(ReadyBadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
 {
-    Ready();
     AccessoryPort port(*session);
     Emit("OnIpodStartEapSession", "(3, 300)");
     const AccessorySessionPtr first = port.Sessions().at(0);
@@ -145,8 +129,7 @@ TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
     ASSERT_TRUE(RunLoopUntil(asked));
 
     service.Vanish();
-    FakeService next;
-    AnswerState(next);
+    AnsweringService next;
     next.Answer("GetPlayingListItems", "(true,)");
     shared.SetList("VecPlayingListShareMemory", {"a", "b", "c"});
     Ready(2);
@@ -156,9 +139,8 @@ TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
     EXPECT_EQ(Completed(pager.At(2)).value()->At(2), "c");
 }
 
-TEST_F(BadInputTest, AnInvalidImageHasNoTypeAndNoSize)
+TEST_F(ReadyBadInputTest, AnInvalidImageHasNoTypeAndNoSize)
 {
-    Ready();
     shared.SetBytes("VecArtworkChangeBufferShareMemory", {'n', 'o', 'n', 's', 'e', 'n', 's', 'e'});
 
     Emit("OnIpodArtworkChange", PictureBody());
@@ -224,9 +206,8 @@ constexpr int kChanges = 10000;
 #endif
 
 // The loop keeps ticking while they arrive.
-TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
+TEST_F(ReadyBadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
 {
-    Ready();
     int published = 0;
     const Subscription watching = session->OnState("count", [&](const StatePtr&, Fields) { ++published; });
     const Ticker ticker;

@@ -26,24 +26,15 @@ protected:
 
 using CommandsWithoutServiceTest = KitTest;
 
-class ArtworkCommandTest : public KitTest
+class ArtworkCommandTest : public ReadyTest
 {
 protected:
-    ArtworkCommandTest()
-    {
-        AnswerState(service);
-        Ready();
-    }
-
     // Size, width, and height as the service reports them; the first byte is nonzero if there is no image.
     void AnswerArtwork(unsigned char none, const std::vector<unsigned char>& image)
     {
         shared.SetBytes("VecArtworkBufferShareMemory", image);
         service.Answer("GetPlayingTrackAlbumArtwork", Record({none, 0, 0, 0, 7, 0, 0, 0, 44, 1, 0, 0, 200, 0, 0, 0}));
     }
-
-    SharedVectors shared;
-    FakeService service;
 };
 
 class CommandsWithoutBusTest : public testing::Test

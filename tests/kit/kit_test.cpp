@@ -85,4 +85,16 @@ void KitTest::Settle(FakeService& service)
     EXPECT_TRUE(PassBarrier(service));
     RunLoopFor(options.settle + 10ms);
 }
+
+void ServedTest::Emit(const std::string& signal, const std::string& body)
+{
+    service.Emit(signal, body);
+    Settle(service);
+}
+
+std::ptrdiff_t ServedTest::Calls(const std::string& call) const
+{
+    const std::vector<std::string> calls = service.Calls();
+    return std::count(calls.begin(), calls.end(), call);
+}
 }  // namespace test

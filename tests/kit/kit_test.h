@@ -29,8 +29,14 @@ std::string TrackBody(const std::string& title, int milliseconds = 0);
 std::string TrackEvent(int index, const std::string& title, int milliseconds = 0);
 std::string PictureBody(unsigned char noPicture = 0);
 
-/// A service that answers every getter of the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
+/// Lets the service answer every getter of the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
 void AnswerState(FakeService& service);
+
+class AnsweringService : public FakeService
+{
+public:
+    explicit AnsweringService(Takeover takeover = Takeover::No) : FakeService(takeover) { AnswerState(*this); }
+};
 
 /// A bus, and a session on the default context.
 class KitTest : public testing::Test
@@ -48,6 +54,30 @@ protected:
     PrivateBus bus;
     SessionOptions options;
     std::unique_ptr<Session> session;
+};
+
+/// As KitTest, with a service that answers every getter of the state.
+class ServedTest : public KitTest
+{
+protected:
+    StatePtr State() const { return session->State(); }
+    Commands Ask() const { return session->Commands(); }
+
+    /// Sends a signal and settles.
+    void Emit(const std::string& signal, const std::string& body);
+
+    /// Returns how often the service received this call, such as "Next()".
+    std::ptrdiff_t Calls(const std::string& call) const;
+
+    SharedVectors shared;
+    AnsweringService service;  // must be the last member, because its thread uses the others
+};
+
+/// As ServedTest, with a session that is ready.
+class ReadyTest : public ServedTest
+{
+protected:
+    ReadyTest() { Ready(); }
 };
 
 /// A started request.

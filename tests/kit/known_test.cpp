@@ -9,21 +9,11 @@ namespace test
 {
 namespace
 {
-class KnownTest : public KitTest
+using KnownTest = ServedTest;
+using ReadyKnownTest = ReadyTest;
+
+TEST_F(ReadyKnownTest, FieldsReportedOnlyByEventsStartUnreported)
 {
-protected:
-    KnownTest() { AnswerState(service); }
-
-    StatePtr State() const { return session->State(); }
-
-    FakeService service;
-    SharedVectors shared;
-};
-
-TEST_F(KnownTest, FieldsReportedOnlyByEventsStartUnreported)
-{
-    Ready();
-
     EXPECT_EQ(State()->Why(Field::Battery), Unknown::NotReported);
     EXPECT_EQ(State()->location.Why(), Unknown::NotReported);
     EXPECT_EQ(State()->Why(Field::Track), std::nullopt);
@@ -57,13 +47,12 @@ TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
     EXPECT_EQ(State()->shuffle.Cause(), nullptr);
 }
 
-TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
+TEST_F(ReadyKnownTest, OnlyTheWantedFieldsAreReadAgain)
 {
-    Ready();
     const std::size_t before = service.Calls().size();
 
     session->Refresh(Field::Shuffle | Field::Battery);
-    Completed(session->Commands().Repeat());
+    Completed(Ask().Repeat());
 
     const auto calls = service.Calls();
     EXPECT_THAT(std::vector(calls.begin() + static_cast<std::ptrdiff_t>(before), calls.end()),
@@ -83,9 +72,8 @@ TEST_F(KnownTest, ARefreshCompletesWithThePublishedState)
     EXPECT_EQ(State(), *read);
 }
 
-TEST_F(KnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
+TEST_F(ReadyKnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
 {
-    Ready();
     const std::size_t before = service.Calls().size();
 
     EXPECT_EQ(Completed(session->Refreshed(Field::Battery)).value(), State());
@@ -108,9 +96,8 @@ TEST_F(KnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
 }
 
 // The answer to the first request was on its way when the second one was made.
-TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
+TEST_F(ReadyKnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
 {
-    Ready();
     std::atomic<GDBusMethodInvocation*> second{nullptr};
     std::atomic<int> calls{0};
     const auto answerFirst = [&](GDBusMethodInvocation* call)
@@ -130,9 +117,8 @@ TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
     EXPECT_EQ(read.Get().value()->repeat, Repeat::All);
 }
 
-TEST_F(KnownTest, ARefreshSupportsDeadlinesAndCancellation)
+TEST_F(ReadyKnownTest, ARefreshSupportsDeadlinesAndCancellation)
 {
-    Ready();
     service.Hold("GetRepeatMode");
     const Cancellation stop;
     stop.Cancel();
@@ -199,9 +185,8 @@ TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->repeat == Repeat::All; }));
 }
 
-TEST_F(KnownTest, WithoutADeviceItsFieldsAreUnknown)
+TEST_F(ReadyKnownTest, WithoutADeviceItsFieldsAreUnknown)
 {
-    Ready();
     service.Answer("GetDeviceAmount", "(0,)");
 
     service.Emit("OnIpodDeviceStatusChange", "(1, false)");

@@ -16,17 +16,18 @@ namespace
 using testing::Each;
 
 // A service whose database level and playing list contain a number of entries "PREFIX 0", "PREFIX 1", ….
-class PagerTest : public KitTest
+class PagerTest : public ReadyTest
 {
 protected:
     PagerTest()
     {
-        AnswerState(service);
         ServeList("DB", "GetCurDbListItems", "VecDBListShareMemory", "(true, false, true)");
         ServeList("PL", "GetPlayingListItems", "VecPlayingListShareMemory", "(true,)");
         SetSize(1000);
-        Ready();
     }
+
+    // Its thread uses the members.
+    ~PagerTest() override { service.Vanish(); }
 
     void SetSize(int size)
     {
@@ -74,12 +75,6 @@ protected:
         return RunLoopUntil([&] { return Calls(call) == times; });
     }
 
-    std::ptrdiff_t Calls(const std::string& call) const
-    {
-        const std::vector<std::string> calls = service.Calls();
-        return std::count(calls.begin(), calls.end(), call);
-    }
-
     // Answers the held page request with entries that are not in the list.
     void AnswerHeldPage(const std::string& name)
     {
@@ -94,9 +89,7 @@ protected:
         return options;
     }
 
-    SharedVectors shared;
     std::atomic<int> missing{0};
-    FakeService service;  // must be the last member, because its thread uses the others
 };
 
 TEST_F(PagerTest, APageRequestedAfterABlockingLevelChangeIsOfTheNewLevel)
@@ -105,7 +98,7 @@ TEST_F(PagerTest, APageRequestedAfterABlockingLevelChangeIsOfTheNewLevel)
     Pager pager(*session, ListKind::Database);
     ASSERT_TRUE(Get(pager, 0));
 
-    ASSERT_TRUE(session->Commands().EnterChild(1).Wait());
+    ASSERT_TRUE(Ask().EnterChild(1).Wait());
 
     EXPECT_EQ(pager.Cached(0), nullptr);
     EXPECT_TRUE(Get(pager, 0));
@@ -117,7 +110,7 @@ TEST_F(PagerTest, ABlockingLevelChangeDoesNotCancelLaterRequests)
     Pager pager(*session, ListKind::Database);
     ASSERT_TRUE(Get(pager, 0));
 
-    ASSERT_TRUE(session->Commands().EnterChild(1).Wait());
+    ASSERT_TRUE(Ask().EnterChild(1).Wait());
     EXPECT_TRUE(Get(pager, 0));
 
     std::optional<Result<PagePtr>> page;
@@ -125,7 +118,7 @@ TEST_F(PagerTest, ABlockingLevelChangeDoesNotCancelLaterRequests)
     std::thread other(
         [&]
         {
-            EXPECT_TRUE(session->Commands().EnterChild(1).Wait());
+            EXPECT_TRUE(Ask().EnterChild(1).Wait());
             page = pager.At(0).Wait();
             done = true;
         });
@@ -412,7 +405,7 @@ protected:
             service.Hold(change.member);
         else
             service.Answer(change.member, change.body);
-        (void)Completed(change.command(session->Commands()).Within(200ms));
+        (void)Completed(change.command(Ask()).Within(200ms));
     }
 };
 
@@ -472,7 +465,7 @@ TEST_F(PagerTest, AChangedPlayingListOfTheSameSizeIsReadAgain)
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     EXPECT_EQ(Get(pager, 0).value()->At(0), "PL 0");
 
-    EXPECT_TRUE(Completed(session->Commands().PlayDatabaseEntry(3)));
+    EXPECT_TRUE(Completed(Ask().PlayDatabaseEntry(3)));
 
     EXPECT_EQ(Get(pager, 0).value()->At(0), "Other 0");
 }
@@ -490,16 +483,15 @@ TEST_F(PagerTest, ADifferentDeviceInvalidatesEveryList)
     const auto outdated = [&] { return playing.Cached(0) == nullptr && database.Cached(0) == nullptr; };
 
     fill();
-    service.Emit("OnIpodDeviceStatusChange", "(0, true)");
-    Settle(service);
+    Emit("OnIpodDeviceStatusChange", "(0, true)");
     EXPECT_TRUE(outdated());
 
     fill();
-    EXPECT_TRUE(Completed(session->Commands().EnterDevice(1)));
+    EXPECT_TRUE(Completed(Ask().EnterDevice(1)));
     EXPECT_TRUE(outdated());
 
     fill();
-    EXPECT_TRUE(session->Commands().EnterDevice(0).Wait());
+    EXPECT_TRUE(Ask().EnterDevice(0).Wait());
     EXPECT_TRUE(RunLoopUntil(outdated));
 }
 
@@ -509,7 +501,7 @@ TEST_F(PagerTest, ADeviceThatIsNotEnteredInvalidatesNothing)
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
 
-    EXPECT_EQ(KindOf(Completed(session->Commands().EnterDevice(1))), ErrorKind::Refused);
+    EXPECT_EQ(KindOf(Completed(Ask().EnterDevice(1))), ErrorKind::Refused);
 
     EXPECT_NE(pager.Cached(0), nullptr);
 }
@@ -885,7 +877,7 @@ TEST_F(PagerTest, ARangeIsCancelledWhenItsListChanges)
     const Pending result(pager.Range(0, Pager::End));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
 
-    session->Commands().EnterRoot().Start([](Result<void>) {});
+    Ask().EnterRoot().Start([](Result<void>) {});
 
     EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
 }

@@ -12,23 +12,13 @@ namespace test
 {
 namespace
 {
-class RequestTest : public KitTest
+class RequestTest : public ReadyTest
 {
 protected:
     RequestTest()
     {
-        AnswerState(service);
         service.Answer("EnterDbRoot", "(true,)");
         service.Answer("GetCurDbListItemsAmount", "(7,)");
-        Ready();
-    }
-
-    Commands Ask() const { return session->Commands(); }
-
-    std::ptrdiff_t Calls(const std::string& call) const
-    {
-        const std::vector<std::string> calls = service.Calls();
-        return std::count(calls.begin(), calls.end(), call);
     }
 
     // Enters the root and then reads the size of the level.
@@ -53,8 +43,6 @@ protected:
         thread.join();
         return *std::move(result);
     }
-
-    FakeService service;
 };
 
 TEST_F(RequestTest, TheResultOfAChainIsThatOfItsLastPart)
@@ -392,8 +380,7 @@ TEST_F(RequestTest, AnAccessoryWriteHasADeadlineAndACancellation)
 {
     service.Hold("EapWrite");
     AccessoryPort port(*session);
-    service.Emit("OnIpodStartEapSession", "(3, 1)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 1)");
     const AccessorySessionPtr peer = port.Sessions().at(0);
     const Cancellation stop;
 
@@ -415,8 +402,7 @@ TEST_F(RequestTest, AWriteThatIsWithdrawnHalfwayEndsTheOthersToo)
     AccessoryOptions small;
     small.chunk = 1;
     AccessoryPort port(*session, small);
-    service.Emit("OnIpodStartEapSession", "(3, 1)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 1)");
     const AccessorySessionPtr peer = port.Sessions().at(0);
     std::vector<ErrorKind> kinds;
     const auto record = [&kinds](const Result<void>& result) { kinds.push_back(KindOf(result)); };

@@ -6,30 +6,14 @@ namespace test
 {
 namespace
 {
-class StateTest : public KitTest
-{
-protected:
-    StateTest() { AnswerState(service); }
-
-    StatePtr State() const { return session->State(); }
-
-    void Emit(const std::string& signal, const std::string& body)
-    {
-        service.Emit(signal, body);
-        Settle(service);
-    }
-
-    FakeService service;
-    SharedVectors shared;
-};
+using StateTest = ServedTest;
+using ReadyStateTest = ReadyTest;
 
 const std::vector<unsigned char> kPng = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13,
                                          'I',  'H', 'D', 'R', 0,    0,    1,    44,   0, 0, 0, 200};
 
-TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
+TEST_F(ReadyStateTest, IsReadFromTheServiceWhenItAppears)
 {
-    Ready();
-
     EXPECT_EQ(State()->track->title, "Song");
     EXPECT_EQ(State()->trackIndex, 1);
     EXPECT_EQ(State()->status, PlayStatus::Playing);
@@ -76,10 +60,8 @@ TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
     EXPECT_EQ(State()->queueSize, 77);
 }
 
-TEST_F(StateTest, FollowsEveryEvent)
+TEST_F(ReadyStateTest, FollowsEveryEvent)
 {
-    Ready();
-
     // The state is read again after this event; CarLife is the last of the fields below, so older replies have arrived
     // before the next events.
     service.Answer("GetCarlifeDeviceDetectStatus", "(0,)");
@@ -114,9 +96,8 @@ TEST_F(StateTest, FollowsEveryEvent)
     EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 3}}));
 }
 
-TEST_F(StateTest, ABurstIsOneChange)
+TEST_F(ReadyStateTest, ABurstIsOneChange)
 {
-    Ready();
     shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
     std::vector<Fields> changes;
     const Subscription watching =
@@ -125,8 +106,7 @@ TEST_F(StateTest, ABurstIsOneChange)
 
     service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Next", 90000));
     service.Emit("OnIpodArtworkChange", PictureBody());
-    service.Emit("OnPlayProgressChange", "(0, 90000)");
-    Settle(service);
+    Emit("OnPlayProgressChange", "(0, 90000)");
 
     EXPECT_THAT(changes,
                 ElementsAre(Fields::All(), Field::Track | Field::TrackIndex | Field::Position | Field::Artwork));
@@ -134,14 +114,13 @@ TEST_F(StateTest, ABurstIsOneChange)
     EXPECT_EQ(State()->Artwork()->height, 200U);
 }
 
-TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
+TEST_F(ReadyStateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
 {
-    Ready();
     for (const std::size_t length : {255, 256, 300, 1024})
     {
         const std::string title(length, 'a');
         service.Answer("GetCurrentMediaInfo", TrackBody(title, 0x7A7A7A7A));
-        const Track replied = Completed(session->Commands().CurrentTrack()).value();
+        const Track replied = Completed(Ask().CurrentTrack()).value();
 
         Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
 
@@ -152,9 +131,8 @@ TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
     }
 }
 
-TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
+TEST_F(ReadyStateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
 {
-    Ready();
     const StatePtr before = State();
 
     Emit("OnIpodShuffleModeChange", "(0,)");
@@ -165,9 +143,8 @@ TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
     EXPECT_EQ(before->shuffle, Shuffle::Albums);
 }
 
-TEST_F(StateTest, APauseKeepsThePosition)
+TEST_F(ReadyStateTest, APauseKeepsThePosition)
 {
-    Ready();
     const Position playing = *State()->position;
     RunLoopFor(30ms);
 
@@ -179,21 +156,18 @@ TEST_F(StateTest, APauseKeepsThePosition)
     EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
 }
 
-TEST_F(StateTest, AValueRevertedWithinABurstIsNotAChange)
+TEST_F(ReadyStateTest, AValueRevertedWithinABurstIsNotAChange)
 {
-    Ready();
     const std::uint64_t version = State()->version;
 
     service.Emit("OnIpodRepeatModeChange", "(0,)");
-    service.Emit("OnIpodRepeatModeChange", "(1,)");
-    Settle(service);
+    Emit("OnIpodRepeatModeChange", "(1,)");
 
     EXPECT_EQ(State()->version, version);
 }
 
-TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
+TEST_F(ReadyStateTest, LateJoinersGetEverythingAtOnce)
 {
-    Ready();
     StatePtr got;
     Fields fields;
     const Subscription late = session->OnState("late",
@@ -210,9 +184,8 @@ TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
     EXPECT_EQ(fields, Fields::All());
 }
 
-TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
+TEST_F(ReadyStateTest, SubscribersAreNotifiedOnlyOfTheirFields)
 {
-    Ready();
     int calls = 0;
     const Subscription modes = session->OnState(
         "modes", [&](const StatePtr&, Fields) { ++calls; }, Field::Shuffle | Field::Repeat);
@@ -224,9 +197,8 @@ TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
     EXPECT_EQ(calls, 2);
 }
 
-TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
+TEST_F(ReadyStateTest, AnEndedSubscriptionIsNotNotified)
 {
-    Ready();
     int calls = 0;
     Subscription watching = session->OnState("watching", [&](const StatePtr&, Fields) { ++calls; });
     RunLoopFor(5ms);
@@ -237,9 +209,8 @@ TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
+TEST_F(ReadyStateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
 {
-    Ready();
     const auto held = std::make_shared<int>();
     Subscription watching = session->OnState("held", [held](const StatePtr&, Fields) {});
     RunLoopFor(5ms);
@@ -249,9 +220,8 @@ TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
+TEST_F(ReadyStateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
 {
-    Ready();
     const auto held = std::make_shared<int>();
     long inside = 0;
     Subscription watching;
@@ -268,9 +238,8 @@ TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
+TEST_F(ReadyStateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
 {
-    Ready();
     std::shared_ptr<Subscription> holder(new Subscription);
     const std::weak_ptr<Subscription> watched = holder;
     *holder = session->OnState("held", [held = holder](const StatePtr&, Fields) {});
@@ -281,9 +250,8 @@ TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
+TEST_F(ReadyStateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
 {
-    Ready();
     const auto held = std::make_shared<int>();
     std::atomic<bool> running{false};
     std::atomic<bool> returned{false};
@@ -309,9 +277,8 @@ TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
     EXPECT_EQ(after, 1);
 }
 
-TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
+TEST_F(ReadyStateTest, AStateCallbackMayDestroyTheSession)
 {
-    Ready();
     int calls = 0;
     bool greeted = false;
     const Subscription ending = session->OnState("end",
@@ -330,9 +297,8 @@ TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
+TEST_F(ReadyStateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
 {
-    Ready();
     Emit("OnIpodDeviceStatusChange", "(1, false)");
 
     service.Answer("GetDeviceAmount", "(2,)");
@@ -343,20 +309,18 @@ TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
     EXPECT_EQ(State()->deviceCount, 2);
 }
 
-TEST_F(StateTest, ADeviceEnteredByTheApplicationIsQueried)
+TEST_F(ReadyStateTest, ADeviceEnteredByTheApplicationIsQueried)
 {
-    Ready();
     service.Answer("EnterDeviceChildList", "(true,)");
     service.Answer("GetIpodName", "('Other',)");
 
-    EXPECT_TRUE(Completed(session->Commands().EnterDevice(1)));
+    EXPECT_TRUE(Completed(Ask().EnterDevice(1)));
 
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
 }
 
-TEST_F(StateTest, WithoutADeviceItsStateIsUnknown)
+TEST_F(ReadyStateTest, WithoutADeviceItsStateIsUnknown)
 {
-    Ready();
     service.Answer("GetDeviceAmount", "(0,)");
     service.Answer("GetIpodName", "('',)");
 
@@ -383,9 +347,8 @@ TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
     EXPECT_EQ(State()->device, DeviceStatus::NotDetected);
 }
 
-TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
+TEST_F(ReadyStateTest, AThousandDeviceChangesNeedFewPasses)
 {
-    Ready();
     const auto asked = [&]
     {
         const std::vector<std::string> calls = service.Calls();
@@ -401,9 +364,8 @@ TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
     EXPECT_LT(asked(), before + 500);
 }
 
-TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
+TEST_F(ReadyStateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
 {
-    Ready();
     Emit("OnIpodStartEapSession", "(3, 300)");
     Emit("OnIpodLocationStatusChange", "(1,)");
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
@@ -416,18 +378,15 @@ TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
     EXPECT_THAT(State()->calls, IsEmpty());
     EXPECT_THAT(State()->accessorySessions, IsEmpty());
 
-    FakeService next;
-    AnswerState(next);
+    AnsweringService next;
     next.Answer("GetPlayingListItemsAmount", "(77,)");
     Ready(2);
     EXPECT_EQ(State()->queueSize, 77);
     EXPECT_FALSE(State()->location);
 }
 
-TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
+TEST_F(ReadyStateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
 {
-    Ready();
-
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'b', 0x18, 2}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
@@ -440,10 +399,8 @@ TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
     EXPECT_EQ(State()->calls.size(), 1U);
 }
 
-TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
+TEST_F(ReadyStateTest, CallsWithoutAnIdentifierAreOneCall)
 {
-    Ready();
-
     Emit("OnIpodPhoneCallChange", Record({0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
     ASSERT_EQ(State()->calls.size(), 1U);
@@ -468,10 +425,8 @@ TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Next" && State()->missing.Empty(); }));
 }
 
-TEST_F(StateTest, BatteryEventsComplementEachOther)
+TEST_F(ReadyStateTest, BatteryEventsComplementEachOther)
 {
-    Ready();
-
     Emit("OnIpodBatteryChange", Record({8, 1}));
     Emit("OnIpodBatteryChange", Record({16, 50}));
 
@@ -494,9 +449,8 @@ TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
     EXPECT_EQ(State()->Artwork(), queried);
 }
 
-TEST_F(StateTest, RequestsArtworkForATrackWithoutIt)
+TEST_F(ReadyStateTest, RequestsArtworkForATrackWithoutIt)
 {
-    Ready();
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
 
