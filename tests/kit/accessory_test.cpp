@@ -18,19 +18,17 @@ class AccessoryTest : public ReadyTest
 protected:
     AccessoryTest()
     {
-        service.React("EapWrite",
-                      [this](GDBusMethodInvocation* call)
-                      {
-                          guint16 number = 0;
-                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(q)", &number);
-                          const Bytes bytes = shared.Bytes("VecEapWriteBufferShareMemory");
-                          {
-                              const std::lock_guard<std::mutex> lock(mutex);
-                              written[number].insert(written[number].end(), bytes.begin(), bytes.end());
-                              largest = std::max(largest, bytes.size());
-                          }
-                          g_dbus_method_invocation_return_value(call, g_variant_new("(b)", accepting.load()));
-                      });
+        service.On("EapWrite",
+                   [this](GVariant* arguments)
+                   {
+                       guint16 number = 0;
+                       g_variant_get(arguments, "(q)", &number);
+                       const Bytes bytes = shared.Bytes("VecEapWriteBufferShareMemory");
+                       const std::lock_guard<std::mutex> lock(mutex);
+                       written[number].insert(written[number].end(), bytes.begin(), bytes.end());
+                       largest = std::max(largest, bytes.size());
+                       return Reply::With(accepting ? "(true,)" : "(false,)");
+                   });
     }
 
     // Its thread uses the members.

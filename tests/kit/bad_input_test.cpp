@@ -60,15 +60,13 @@ TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
 {
     service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(INT_MAX) + ",)");
     service.Answer("GetPlayingListItems", "(true,)");
-    service.React("GetUpdateListItems",
-                  [this](GDBusMethodInvocation* call)
-                  {
-                      int first = 0;
-                      int last = 0;
-                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
-                      shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(last - first + 1U, "y"));
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
-                  });
+    service.On("GetUpdateListItems",
+               [this](GVariant* arguments)
+               {
+                   const auto [first, last] = RangeOf(arguments);
+                   shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(last - first + 1U, "y"));
+                   return Reply::With("(true,)");
+               });
     shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(47, "x"));
     Ready();
     Pager playing(*session, ListKind::Playing);

@@ -91,8 +91,7 @@ TEST_F(CommandsTest, AnErrorOfALiveServiceIsARefusalRegardlessOfItsName)
     for (const char* last : {"NoReply", "ServiceUnknown", "NameHasNoOwner", "Timeout", "TimedOut", "Disconnected"})
     {
         const std::string name = std::string("org.freedesktop.DBus.Error.") + last;
-        service.React("Pause", [name](GDBusMethodInvocation* call)
-                      { g_dbus_method_invocation_return_dbus_error(call, name.c_str(), "the device is asleep"); });
+        service.On("Pause", [name](GVariant*) { return Reply::Error(name, "the device is asleep"); });
 
         for (const Result<void>& result : {Completed(Ask().Pause()), Ask().Pause().Wait()})
         {
@@ -228,17 +227,15 @@ TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
 TEST_F(CommandsTest, AccessoryTextsAreStoredInRecordSlots)
 {
     std::promise<std::string> sent;
-    service.React("EapInit",
-                  [&sent](GDBusMethodInvocation* call)
-                  {
-                      GVariant* boxed = nullptr;
-                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(v)", &boxed);
-                      gsize size = 0;
-                      const gconstpointer bytes = g_variant_get_fixed_array(boxed, &size, 1);
-                      sent.set_value({static_cast<const char*>(bytes), size});
-                      g_variant_unref(boxed);
-                      g_dbus_method_invocation_return_value(call, nullptr);
-                  });
+    service.On("EapInit",
+               [&sent](GVariant* arguments)
+               {
+                   GVariant* boxed = nullptr;
+                   g_variant_get(arguments, "(v)", &boxed);
+                   sent.set_value({static_cast<const char*>(g_variant_get_data(boxed)), g_variant_get_size(boxed)});
+                   g_variant_unref(boxed);
+                   return Reply::With("()");
+               });
     const std::string longest(255, 'x');
 
     EXPECT_TRUE(Completed(Ask().AnnounceAccessory({longest, "app"})));
@@ -403,12 +400,7 @@ TEST_F(CommandsTest, TheEndOfTheSessionCompletesPendingRequests)
 
 TEST_F(CommandsTest, ABlockedCallerStillGetsItsReplyWhenTheSessionEnds)
 {
-    service.React("Next",
-                  [](GDBusMethodInvocation* call)
-                  {
-                      std::this_thread::sleep_for(50ms);
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
-                  });
+    service.On("Next", [](GVariant*) { return Reply::With("(true,)").After(50); });
     std::optional<Result<void>> result;
     std::thread waiting([commands = Ask(), &result] { result = commands.Next().Wait(); });
     while (!Sent("Next()")) std::this_thread::yield();

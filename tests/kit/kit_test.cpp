@@ -59,6 +59,13 @@ void AnswerState(FakeService& service)
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody(1));
 }
 
+std::pair<int, int> RangeOf(GVariant* arguments)
+{
+    std::pair<int, int> range;
+    g_variant_get(arguments, "(ii)", &range.first, &range.second);
+    return range;
+}
+
 Session& KitTest::Open(const SessionOptions& given)
 {
     options = given;

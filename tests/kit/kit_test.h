@@ -38,6 +38,9 @@ public:
     explicit AnsweringService(Takeover takeover = Takeover::No) : FakeService(takeover) { AnswerState(*this); }
 };
 
+/// The first and the last index of a list request.
+std::pair<int, int> RangeOf(GVariant* arguments);
+
 /// A bus, and a session on the default context.
 class KitTest : public testing::Test
 {

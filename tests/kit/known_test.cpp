@@ -161,11 +161,8 @@ TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
 
 TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)
 {
-    service.React("GetIpodAppBundleName",
-                  [](GDBusMethodInvocation* call) {
-                      g_dbus_method_invocation_return_dbus_error(call, "org.freedesktop.DBus.Error.UnknownMethod",
-                                                                 "no such method");
-                  });
+    service.On("GetIpodAppBundleName",
+               [](GVariant*) { return Reply::Error("org.freedesktop.DBus.Error.UnknownMethod", "no such method"); });
 
     Ready();
 

@@ -37,20 +37,15 @@ protected:
 
     void ServeList(const std::string& prefix, const char* method, const char* vector, const char* reply)
     {
-        service.React(method,
-                      [=](GDBusMethodInvocation* call)
-                      {
-                          int first = 0;
-                          int last = 0;
-                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
-                          std::vector<std::string> names;
-                          for (int i = first; i <= last - missing; ++i)
-                              names.push_back(prefix + " " + std::to_string(i));
-                          shared.SetList(vector, names);
-                          GVariant* const body = g_variant_parse(nullptr, reply, nullptr, nullptr, nullptr);
-                          g_dbus_method_invocation_return_value(call, body);
-                          g_variant_unref(body);
-                      });
+        service.On(method,
+                   [=](GVariant* arguments)
+                   {
+                       const auto [first, last] = RangeOf(arguments);
+                       std::vector<std::string> names;
+                       for (int i = first; i <= last - missing; ++i) names.push_back(prefix + " " + std::to_string(i));
+                       shared.SetList(vector, names);
+                       return Reply::With(reply);
+                   });
     }
 
     Result<PagePtr> Get(Pager& pager, int index) { return Completed(pager.At(index)); }
@@ -456,12 +451,12 @@ INSTANTIATE_TEST_SUITE_P(
 // Its size is unchanged.
 TEST_F(PagerTest, AChangedPlayingListOfTheSameSizeIsReadAgain)
 {
-    service.React("PlayDbList",
-                  [this](GDBusMethodInvocation* call)
-                  {
-                      ServeList("Other", "GetPlayingListItems", "VecPlayingListShareMemory", "(true,)");
-                      g_dbus_method_invocation_return_value(call, nullptr);
-                  });
+    service.On("PlayDbList",
+               [this](GVariant*)
+               {
+                   ServeList("Other", "GetPlayingListItems", "VecPlayingListShareMemory", "(true,)");
+                   return Reply::With("()");
+               });
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     EXPECT_EQ(Get(pager, 0).value()->At(0), "PL 0");
 
@@ -785,19 +780,16 @@ class UpdateListTest : public PagerTest, public testing::WithParamInterface<Upda
 protected:
     void Serve(const UpdateList& list)
     {
-        service.React("GetUpdateListItems",
-                      [this, list](GDBusMethodInvocation* call)
-                      {
-                          int first = 0;
-                          int last = 0;
-                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
-                          if (!list.heedsTheRange) first = 0;
-                          std::vector<std::string> names;
-                          for (int i = first; i <= last && i < list.size; ++i) names.push_back(std::to_string(i));
-                          shared.SetList("VecUpdateListShareMemory", names);
-                          const gboolean answer = list.filled || !names.empty();
-                          g_dbus_method_invocation_return_value(call, g_variant_new("(b)", answer));
-                      });
+        service.On("GetUpdateListItems",
+                   [this, list](GVariant* arguments)
+                   {
+                       const auto [first, last] = RangeOf(arguments);
+                       std::vector<std::string> names;
+                       for (int i = list.heedsTheRange ? first : 0; i <= last && i < list.size; ++i)
+                           names.push_back(std::to_string(i));
+                       shared.SetList("VecUpdateListShareMemory", names);
+                       return Reply::With(list.filled || !names.empty() ? "(true,)" : "(false,)");
+                   });
     }
 };
 
@@ -915,14 +907,12 @@ TEST_F(PagerTest, OutOfRangeOptionsAreABadArgument)
 
 TEST_F(PagerTest, ARangeOfFullPagesEndsWhereTheServiceRefuses)
 {
-    service.React("GetUpdateListItems",
-                  [this](GDBusMethodInvocation* call)
-                  {
-                      int first = 0;
-                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, nullptr);
-                      shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(50, "x"));
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", first < 100));
-                  });
+    service.On("GetUpdateListItems",
+               [this](GVariant* arguments)
+               {
+                   shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(50, "x"));
+                   return Reply::With(RangeOf(arguments).first < 100 ? "(true,)" : "(false,)");
+               });
     Pager pager(*session, ListKind::Update);
 
     EXPECT_EQ(Completed(pager.Range(0, Pager::End)).value().size(), 100U);

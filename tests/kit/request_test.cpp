@@ -77,12 +77,7 @@ TEST_F(RequestTest, EachPartOfAChainKeepsItsDeadline)
 
 TEST_F(RequestTest, TheDeadlineOfAChainCoversAllParts)
 {
-    service.React("EnterDbRoot",
-                  [](GDBusMethodInvocation* call)
-                  {
-                      std::this_thread::sleep_for(60ms);
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
-                  });
+    service.On("EnterDbRoot", [](GVariant*) { return Reply::With("(true,)").After(60); });
     service.Hold("GetCurDbListItemsAmount");
     const auto start = std::chrono::steady_clock::now();
 

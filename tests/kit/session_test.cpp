@@ -258,12 +258,12 @@ TEST_F(SessionTest, IsReadyWithoutLateFieldsAndListsThem)
 TEST_F(SessionTest, EventValuesStayKnownIfTheServiceRefusesToRepeatThem)
 {
     AnsweringService service;
-    service.React("GetShuffleMode",
-                  [&service](GDBusMethodInvocation* call)
-                  {
-                      service.Emit("OnIpodShuffleModeChange", "(1,)");
-                      g_dbus_method_invocation_return_dbus_error(call, "com.example.Broken", "no");
-                  });
+    service.On("GetShuffleMode",
+               [&service](GVariant*)
+               {
+                   service.Emit("OnIpodShuffleModeChange", "(1,)");
+                   return Reply::Error("com.example.Broken", "no");
+               });
 
     Ready();
 
