@@ -27,6 +27,7 @@ TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
 
     EXPECT_EQ(KindOf(page), ErrorKind::BadReply);
     EXPECT_THAT(page.error().reason, HasSubstr("expected a page of 50 entries, got 10"));
+    EXPECT_EQ(pager.Cached(0), nullptr);
     service.Answer("GetPlayingListItemsAmount", "(10,)");
     EXPECT_EQ(Completed(pager.At(9)).value()->names.size(), 10U);
 }

@@ -33,6 +33,7 @@ TEST_F(KnownTest, ARefusedFieldHasTheErrorOfTheService)
     EXPECT_EQ(State()->shuffle.Cause()->kind, ErrorKind::Refused);
     EXPECT_THAT(State()->shuffle.Cause()->reason, HasSubstr("busy"));
     EXPECT_EQ(State()->track.Cause(), nullptr);
+    EXPECT_EQ(State()->queueSize, 3);
 }
 
 TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
@@ -191,6 +192,7 @@ TEST_F(ReadyKnownTest, WithoutADeviceItsFieldsAreUnknown)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
     for (const Field field : {Field::Track, Field::TrackIndex, Field::Position, Field::DeviceName, Field::Battery})
         EXPECT_EQ(State()->Why(field), Unknown::NoDevice) << Name(field);
+    EXPECT_EQ(State()->shuffle, Shuffle::Albums);
 }
 
 TEST_F(KnownTest, ARefusalWithoutADeviceReportsThat)

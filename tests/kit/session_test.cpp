@@ -309,16 +309,6 @@ TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
     EXPECT_THAT(differences, IsEmpty());
 }
 
-TEST_F(SessionTest, IsReadyEvenIfTheServiceRefusesAField)
-{
-    AnsweringService service;
-    service.Fail("GetIpodName", "no");
-    Ready();
-
-    EXPECT_FALSE(session->State()->deviceName);
-    EXPECT_EQ(session->State()->queueSize, 3);
-}
-
 // Waiting for the lock times out after ten seconds.
 TEST_F(SessionTest, ASegmentLockedByADeadProcessIsAnErrorWithARemedy)
 {

@@ -319,19 +319,6 @@ TEST_F(ReadyStateTest, ADeviceEnteredByTheApplicationIsQueried)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
 }
 
-TEST_F(ReadyStateTest, WithoutADeviceItsStateIsUnknown)
-{
-    service.Answer("GetDeviceAmount", "(0,)");
-    service.Answer("GetIpodName", "('',)");
-
-    Emit("OnIpodDeviceStatusChange", "(1, false)");
-
-    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
-    EXPECT_FALSE(State()->deviceName);
-    EXPECT_FALSE(State()->track);
-    EXPECT_EQ(State()->shuffle, Shuffle::Albums);
-}
-
 TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
