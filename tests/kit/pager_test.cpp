@@ -47,19 +47,10 @@ protected:
 
     Result<PagePtr> Get(Pager& pager, int index) { return Completed(pager.At(index)); }
 
-    // A completion that records its result.
-    template <class T>
-    static std::function<void(Result<T>)> Into(std::vector<Result<T>>& results)
+    // A completion that records an error.
+    static auto Into(std::vector<ErrorKind>& kinds)
     {
-        return [&results](Result<T> result) { results.push_back(std::move(result)); };
-    }
-
-    template <class T>
-    static std::vector<ErrorKind> KindsOf(const std::vector<Result<T>>& results)
-    {
-        std::vector<ErrorKind> kinds;
-        for (const Result<T>& result : results) kinds.push_back(KindOf(result));
-        return kinds;
+        return [&kinds](const auto& result) { kinds.push_back(KindOf(result)); };
     }
 
     bool RunUntilCalled(const std::string& call, std::ptrdiff_t times = 1)
@@ -440,32 +431,23 @@ TEST_F(PagerTest, ADeviceEnteredByABlockedCallerInvalidatesEveryList)
 TEST_F(PagerTest, TheEndOfTheSessionCancelsEverythingThenAndLater)
 {
     service.Answer("EnterDbRoot", "(true,)");
-    std::vector<Result<PagePtr>> pages;
-    std::vector<Result<int>> counts;
-    std::vector<Result<void>> entered;
+    std::vector<ErrorKind> ended;
     Pager pager(*session, ListKind::Database, NoPrefetch());
     (void)Get(pager, 0);
     int outdated = 0;
     const Subscription watching = pager.OnOutdated("watching", [&outdated] { ++outdated; });
-    pager.At(10).Start(Into(pages));
-    pager.At(50).Start(Into(pages));
-    pager.At(100).Start(Into(pages));
-    pager.Count().Start(Into(counts));
+    for (const int index : {10, 50, 100}) pager.At(index).Start(Into(ended));
+    pager.Count().Start(Into(ended));
 
     session.reset();
 
-    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled, ErrorKind::Cancelled));
-    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(ended, std::vector(4, ErrorKind::Cancelled));
     EXPECT_EQ(pager.Cached(0), nullptr);
     pager.Refresh();
-    pager.At(10).Start(Into(pages));
-    pager.Count().Start(Into(counts));
-    pager.EnterRoot().Start(Into(entered));
-    EXPECT_TRUE(RunLoopUntil([&] { return pages.size() == 4 && counts.size() == 2 && entered.size() == 1; }));
-    EXPECT_EQ(KindOf(pages.back()), ErrorKind::Cancelled);
-    EXPECT_EQ(pages.back().error().reason, "the session ended");
-    EXPECT_EQ(KindOf(counts.back()), ErrorKind::Cancelled);
-    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(Completed(pager.At(10)).error().reason, "the session ended");
+    EXPECT_EQ(KindOf(Completed(pager.Count())), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(Completed(pager.EnterRoot())), ErrorKind::Cancelled);
+    EXPECT_EQ(ended.size(), 4U);
     EXPECT_EQ(outdated, 0);
 }
 
@@ -483,73 +465,68 @@ TEST_F(PagerTest, ItsEndCancelsPendingRequests)
 
 TEST_F(PagerTest, ItsEndCancelsAPendingLevelChange)
 {
-    std::vector<Result<void>> entered;
+    std::vector<ErrorKind> ended;
     service.Hold("EnterDbChildList");
     Pager other(*session, ListKind::Database);
     int outdated = 0;
     const Subscription watching = other.OnOutdated("watching", [&outdated] { ++outdated; });
     {
         Pager pager(*session, ListKind::Database);
-        pager.EnterChild(3).Start(Into(entered));
+        pager.EnterChild(3).Start(Into(ended));
         ASSERT_TRUE(RunUntilCalled("EnterDbChildList(3,)"));
     }
-    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_THAT(ended, ElementsAre(ErrorKind::Cancelled));
     EXPECT_EQ(outdated, 1);
 
     service.AnswerHeld("(true,)");
 
     EXPECT_TRUE(RunLoopUntil([&] { return outdated == 2; }));
     RunLoopFor(20ms);
-    EXPECT_EQ(entered.size(), 1U);
+    EXPECT_EQ(ended.size(), 1U);
 }
 
 TEST_F(PagerTest, ItsEndWithdrawsAQueuedLevelChange)
 {
-    std::vector<Result<PagePtr>> pages;
-    std::vector<Result<void>> entered;
+    std::vector<ErrorKind> ended;
     service.Hold("GetCurDbListItems");
     Pager other(*session, ListKind::Database, NoPrefetch());
-    other.At(0).Start(Into(pages));
+    const Pending page(other.At(0));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)"));
     {
         Pager pager(*session, ListKind::Database);
-        pager.EnterChild(3).Start(Into(entered));
+        pager.EnterChild(3).Start(Into(ended));
         RunLoopFor(20ms);
     }
-    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_THAT(ended, ElementsAre(ErrorKind::Cancelled));
 
     AnswerHeldPage("x");
-    other.At(0).Start(Into(pages));
+    const Pending again(other.At(0));
 
     EXPECT_TRUE(RunUntilCalled("GetCurDbListItems(0, 49)", 2));
     EXPECT_EQ(Calls("EnterDbChildList(3,)"), 0);
-    EXPECT_EQ(entered.size(), 1U);
+    EXPECT_EQ(ended.size(), 1U);
 }
 
 TEST_F(PagerTest, ItsEndCancelsCachedResults)
 {
-    std::vector<Result<PagePtr>> pages;
-    std::vector<Result<int>> counts;
-    std::vector<Result<void>> entered;
+    std::vector<ErrorKind> ended;
     {
         Pager pager(*session, ListKind::Playing, NoPrefetch());
         (void)Get(pager, 0);
-        pager.At(10).Start(Into(pages));
-        pager.At(-1).Start(Into(pages));
-        pager.Count().Start(Into(counts));
-        pager.EnterRoot().Start(Into(entered));
+        pager.At(10).Start(Into(ended));
+        pager.At(-1).Start(Into(ended));
+        pager.Count().Start(Into(ended));
+        pager.EnterRoot().Start(Into(ended));
     }
 
-    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
-    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
-    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(ended, std::vector(4, ErrorKind::Cancelled));
     RunLoopFor(20ms);
-    EXPECT_EQ(pages.size() + counts.size() + entered.size(), 4U);
+    EXPECT_EQ(ended.size(), 4U);
 }
 
 TEST_F(PagerTest, ItsEndInACompletionCancelsTheOthers)
 {
-    std::vector<Result<PagePtr>> pages;
+    std::vector<ErrorKind> ended;
     auto pager = std::make_unique<Pager>(*session, ListKind::Playing, NoPrefetch());
     (void)Get(*pager, 0);
     pager->At(50).Start(
@@ -557,116 +534,110 @@ TEST_F(PagerTest, ItsEndInACompletionCancelsTheOthers)
         {
             EXPECT_TRUE(page);
             pager.reset();
-            EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+            EXPECT_THAT(ended, ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
         });
-    pager->At(60).Start(Into(pages));
-    pager->At(100).Start(Into(pages));
+    pager->At(60).Start(Into(ended));
+    pager->At(100).Start(Into(ended));
 
     EXPECT_TRUE(RunLoopUntil([&] { return pager == nullptr; }));
 
     RunLoopFor(20ms);
-    EXPECT_EQ(pages.size(), 2U);
+    EXPECT_EQ(ended.size(), 2U);
 }
 
 TEST_F(PagerTest, MayEndInACompletionThatAChangeOfLevelCancels)
 {
-    std::vector<Result<void>> entered;
+    std::vector<ErrorKind> ended;
     service.Answer("EnterDbRoot", "(true,)");
     auto pager = std::make_unique<Pager>(*session, ListKind::Database);
     pager->At(0).Start([&pager](const Result<PagePtr>&) { pager.reset(); });
 
-    pager->EnterRoot().Start(Into(entered));
+    pager->EnterRoot().Start(Into(ended));
 
     EXPECT_EQ(pager, nullptr);
-    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_THAT(ended, ElementsAre(ErrorKind::Cancelled));
     RunLoopFor(20ms);
     EXPECT_EQ(Calls("EnterDbRoot()"), 0);
-    EXPECT_EQ(entered.size(), 1U);
+    EXPECT_EQ(ended.size(), 1U);
 }
 
 TEST_F(PagerTest, MayEndInACompletionThatRefreshCancels)
 {
-    std::vector<Result<PagePtr>> pages;
+    std::vector<ErrorKind> ended;
     auto pager = std::make_unique<Pager>(*session, ListKind::Database, NoPrefetch());
     (void)Get(*pager, 0);
     pager->At(50).Start(
         [&](const Result<PagePtr>&)
         {
             pager.reset();
-            EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
+            EXPECT_THAT(ended, ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
         });
-    pager->At(60).Start(Into(pages));
-    pager->At(100).Start(Into(pages));
+    pager->At(60).Start(Into(ended));
+    pager->At(100).Start(Into(ended));
 
     pager->Refresh();
 
     EXPECT_EQ(pager, nullptr);
-    EXPECT_EQ(pages.size(), 2U);
+    EXPECT_EQ(ended.size(), 2U);
 }
 
 TEST_F(PagerTest, AChangeOfLevelCancelsAPageFromTheCache)
 {
-    std::vector<Result<PagePtr>> pages;
-    std::vector<Result<void>> entered;
+    std::vector<ErrorKind> ended;
     service.Answer("EnterDbChildList", "(true,)");
     Pager pager(*session, ListKind::Database, NoPrefetch());
     (void)Get(pager, 0);
-    pager.At(10).Start(Into(pages));
+    pager.At(10).Start(Into(ended));
 
-    pager.EnterChild(3).Start(Into(entered));
+    const Pending entered(pager.EnterChild(3));
 
-    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled));
-    EXPECT_TRUE(RunLoopUntil([&] { return !entered.empty(); }));
-    EXPECT_EQ(pages.size(), 1U);
+    EXPECT_THAT(ended, ElementsAre(ErrorKind::Cancelled));
+    EXPECT_TRUE(entered.Get());
+    EXPECT_EQ(ended.size(), 1U);
 }
 
 TEST_F(PagerTest, ASizeOvertakenByRefreshIsNotCached)
 {
-    std::vector<Result<int>> before;
-    std::vector<Result<int>> after;
+    std::vector<ErrorKind> before;
     service.Hold("GetCurDbListItemsAmount");
     Pager pager(*session, ListKind::Database);
     pager.Count().Start(Into(before));
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)"));
 
     pager.Refresh();
-    EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
-    pager.Count().Start(Into(after));
+    EXPECT_THAT(before, ElementsAre(ErrorKind::Cancelled));
+    const Pending after(pager.Count());
     service.AnswerHeld("(1000,)");
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItemsAmount(false,)", 2));
     service.AnswerHeld("(10,)");
 
-    EXPECT_TRUE(RunLoopUntil([&] { return !after.empty(); }));
-    EXPECT_EQ(after.at(0).value(), 10);
+    EXPECT_EQ(after.Get().value(), 10);
     EXPECT_EQ(before.size(), 1U);
 }
 
 TEST_F(PagerTest, APageOvertakenByRefreshIsNotCached)
 {
-    std::vector<Result<PagePtr>> before;
-    std::vector<Result<PagePtr>> after;
+    std::vector<ErrorKind> before;
     Pager pager(*session, ListKind::Update, NoPrefetch());
     service.Hold("GetUpdateListItems");
     pager.At(0).Start(Into(before));
     ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)"));
 
     pager.Refresh();
-    EXPECT_THAT(KindsOf(before), ElementsAre(ErrorKind::Cancelled));
-    pager.At(0).Start(Into(after));
+    EXPECT_THAT(before, ElementsAre(ErrorKind::Cancelled));
+    const Pending after(pager.At(0));
     shared.SetList("VecUpdateListShareMemory", {"old"});
     service.AnswerHeld("(true,)");
     ASSERT_TRUE(RunUntilCalled("GetUpdateListItems(0, 49)", 2));
     shared.SetList("VecUpdateListShareMemory", {"new"});
     service.AnswerHeld("(true,)");
 
-    EXPECT_TRUE(RunLoopUntil([&] { return !after.empty(); }));
-    EXPECT_EQ(after.at(0).value()->At(0), "new");
+    EXPECT_EQ(after.Get().value()->At(0), "new");
     EXPECT_EQ(before.size(), 1U);
 }
 
 TEST_F(PagerTest, APrefetchedPageOvertakenByRefreshIsNotCached)
 {
-    std::vector<Result<int>> counts;
     Pager pager(*session, ListKind::Database);
     pager.At(0).Start(
         [&](const Result<PagePtr>& page)
@@ -677,30 +648,28 @@ TEST_F(PagerTest, APrefetchedPageOvertakenByRefreshIsNotCached)
     ASSERT_TRUE(RunUntilCalled("GetCurDbListItems(50, 99)"));
 
     pager.Refresh();
-    pager.Count().Start(Into(counts));
+    const Pending count(pager.Count());
     AnswerHeldPage("old");
 
-    EXPECT_TRUE(RunLoopUntil([&] { return !counts.empty(); }));
+    EXPECT_TRUE(count.Get());
     EXPECT_EQ(pager.Cached(50), nullptr);
 }
 
 TEST_F(PagerTest, RefreshCancelsEarlierRequests)
 {
-    std::vector<Result<PagePtr>> pages;
-    std::vector<Result<int>> counts;
+    std::vector<ErrorKind> ended;
     Pager pager(*session, ListKind::Playing, NoPrefetch());
     (void)Get(pager, 0);
-    pager.At(10).Start(Into(pages));
-    pager.At(50).Start(Into(pages));
-    pager.Count().Start(Into(counts));
+    pager.At(10).Start(Into(ended));
+    pager.At(50).Start(Into(ended));
+    pager.Count().Start(Into(ended));
 
     pager.Refresh();
 
-    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled, ErrorKind::Cancelled));
-    EXPECT_THAT(KindsOf(counts), ElementsAre(ErrorKind::Cancelled));
+    EXPECT_EQ(ended, std::vector(3, ErrorKind::Cancelled));
     EXPECT_EQ(pager.Cached(0), nullptr);
     RunLoopFor(20ms);
-    EXPECT_EQ(pages.size() + counts.size(), 3U);
+    EXPECT_EQ(ended.size(), 3U);
 }
 
 struct UpdateList
