@@ -12,10 +12,10 @@ namespace test
 {
 namespace
 {
-using BadInputTest = ServedTest;
-using ReadyBadInputTest = ReadyTest;
+using BadInputTest = ReadyTest;
+using UnopenedBadInputTest = ServedTest;
 
-TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
+TEST_F(UnopenedBadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
 {
     service.Answer("GetPlayingListItemsAmount", "(100,)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -32,7 +32,7 @@ TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
     EXPECT_EQ(Completed(pager.At(9)).value()->names.size(), 10U);
 }
 
-TEST_F(BadInputTest, TooFewEntriesAreABadReply)
+TEST_F(UnopenedBadInputTest, TooFewEntriesAreABadReply)
 {
     service.Answer("GetPlayingListItemsAmount", "(10,)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -45,7 +45,7 @@ TEST_F(BadInputTest, TooFewEntriesAreABadReply)
     EXPECT_EQ(KindOf(Completed(pager.At(10))), ErrorKind::BadArgument);
 }
 
-TEST_F(BadInputTest, ANegativeAmountIsABadReply)
+TEST_F(UnopenedBadInputTest, ANegativeAmountIsABadReply)
 {
     service.Answer("GetPlayingListItemsAmount", "(-1,)");
     Ready();
@@ -57,7 +57,7 @@ TEST_F(BadInputTest, ANegativeAmountIsABadReply)
     EXPECT_FALSE(State()->queueSize);
 }
 
-TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
+TEST_F(UnopenedBadInputTest, TheLargestAmountIsRequestedWithinItsRange)
 {
     service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(INT_MAX) + ",)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -84,7 +84,7 @@ TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
     EXPECT_THAT(service.Calls(), testing::Contains("GetUpdateListItems(2147483600, 2147483647)"));
 }
 
-TEST_F(ReadyBadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
+TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
 {
     AccessoryPort port(*session);
     const std::uint64_t version = State()->version;
@@ -100,7 +100,7 @@ TEST_F(ReadyBadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
     EXPECT_EQ(session->Connection().phase, Phase::Ready);
 }
 
-TEST_F(ReadyBadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
+TEST_F(BadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
 {
     AccessoryPort port(*session);
     Emit("OnIpodStartEapSession", "(3, 300)");
@@ -114,7 +114,7 @@ TEST_F(ReadyBadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
     EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 4}}));
 }
 
-TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
+TEST_F(UnopenedBadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
 {
     service.Hold("GetPlayingListItems");
     Ready();
@@ -138,7 +138,7 @@ TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
     EXPECT_EQ(Completed(pager.At(2)).value()->At(2), "c");
 }
 
-TEST_F(ReadyBadInputTest, AnInvalidImageHasNoTypeAndNoSize)
+TEST_F(BadInputTest, AnInvalidImageHasNoTypeAndNoSize)
 {
     shared.SetBytes("VecArtworkChangeBufferShareMemory", {'n', 'o', 'n', 's', 'e', 'n', 's', 'e'});
 
@@ -150,7 +150,7 @@ TEST_F(ReadyBadInputTest, AnInvalidImageHasNoTypeAndNoSize)
     EXPECT_EQ(State()->Artwork()->bytes.size(), 8U);
 }
 
-TEST_F(BadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
+TEST_F(UnopenedBadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", {});
@@ -162,7 +162,7 @@ TEST_F(BadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
     EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
-TEST_F(BadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
+TEST_F(UnopenedBadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", Record({0, 0}));
     shared.SetBytes("VecArtworkBufferShareMemory", {'G', 'I', 'F', '8', '9', 'a'});
@@ -172,7 +172,7 @@ TEST_F(BadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
     EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
-TEST_F(BadInputTest, RepliesOfOtherTypesLeaveTheirFieldsUnknown)
+TEST_F(UnopenedBadInputTest, RepliesOfOtherTypesLeaveTheirFieldsUnknown)
 {
     for (const char* method : {"GetCurrentMediaInfo", "GetPlayingTrackIdx", "GetPlayPosition", "GetShuffleMode",
                                "GetRepeatMode", "GetIpodName", "GetCarplayDeviceDetectStatus"})
@@ -205,7 +205,7 @@ constexpr int kChanges = 10000;
 #endif
 
 // The loop keeps ticking while they arrive.
-TEST_F(ReadyBadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
+TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
 {
     int published = 0;
     const Subscription watching = session->OnState("count", [&](const StatePtr&, Fields) { ++published; });

@@ -9,10 +9,10 @@ namespace test
 {
 namespace
 {
-using KnownTest = ServedTest;
-using ReadyKnownTest = ReadyTest;
+using KnownTest = ReadyTest;
+using UnopenedKnownTest = ServedTest;
 
-TEST_F(ReadyKnownTest, FieldsReportedOnlyByEventsStartUnreported)
+TEST_F(KnownTest, FieldsReportedOnlyByEventsStartUnreported)
 {
     EXPECT_EQ(State()->Why(Field::Battery), Unknown::NotReported);
     EXPECT_EQ(State()->location.Why(), Unknown::NotReported);
@@ -22,7 +22,7 @@ TEST_F(ReadyKnownTest, FieldsReportedOnlyByEventsStartUnreported)
     EXPECT_THROW(State()->battery.value(), std::bad_optional_access);
 }
 
-TEST_F(KnownTest, ARefusedFieldHasTheErrorOfTheService)
+TEST_F(UnopenedKnownTest, ARefusedFieldHasTheErrorOfTheService)
 {
     service.Fail("GetShuffleMode", "busy");
 
@@ -36,7 +36,7 @@ TEST_F(KnownTest, ARefusedFieldHasTheErrorOfTheService)
     EXPECT_EQ(State()->queueSize, 3);
 }
 
-TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
+TEST_F(UnopenedKnownTest, ARefusedFieldIsReadAgainOnRequest)
 {
     service.Fail("GetShuffleMode", "busy");
     Ready();
@@ -48,7 +48,7 @@ TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
     EXPECT_EQ(State()->shuffle.Cause(), nullptr);
 }
 
-TEST_F(ReadyKnownTest, OnlyTheWantedFieldsAreReadAgain)
+TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
 {
     const std::size_t before = service.Calls().size();
 
@@ -60,7 +60,7 @@ TEST_F(ReadyKnownTest, OnlyTheWantedFieldsAreReadAgain)
                 ElementsAre("GetShuffleMode()", "GetRepeatMode()"));
 }
 
-TEST_F(KnownTest, ARefreshCompletesWithThePublishedState)
+TEST_F(UnopenedKnownTest, ARefreshCompletesWithThePublishedState)
 {
     options.settle = 10s;
     Ready();
@@ -73,7 +73,7 @@ TEST_F(KnownTest, ARefreshCompletesWithThePublishedState)
     EXPECT_EQ(State(), *read);
 }
 
-TEST_F(ReadyKnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
+TEST_F(KnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
 {
     const std::size_t before = service.Calls().size();
 
@@ -82,7 +82,7 @@ TEST_F(ReadyKnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
     EXPECT_EQ(service.Calls().size(), before);
 }
 
-TEST_F(KnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
+TEST_F(UnopenedKnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
 {
     options.deadline = 100ms;
     Ready();
@@ -97,7 +97,7 @@ TEST_F(KnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
 }
 
 // The answer to the first request was on its way when the second one was made.
-TEST_F(ReadyKnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
+TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
 {
     std::atomic<GDBusMethodInvocation*> second{nullptr};
     std::atomic<int> calls{0};
@@ -118,7 +118,7 @@ TEST_F(ReadyKnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
     EXPECT_EQ(read.Get().value()->repeat, Repeat::All);
 }
 
-TEST_F(ReadyKnownTest, ARefreshSupportsDeadlinesAndCancellation)
+TEST_F(KnownTest, ARefreshSupportsDeadlinesAndCancellation)
 {
     service.Hold("GetRepeatMode");
     const Cancellation stop;
@@ -129,7 +129,7 @@ TEST_F(ReadyKnownTest, ARefreshSupportsDeadlinesAndCancellation)
     EXPECT_EQ(KindOf(Completed(session->Refreshed(Field::Repeat).CancelledBy(stop))), ErrorKind::Cancelled);
 }
 
-TEST_F(KnownTest, ARefreshNeedsAServiceUntilItsEnd)
+TEST_F(UnopenedKnownTest, ARefreshNeedsAServiceUntilItsEnd)
 {
     EXPECT_EQ(KindOf(Completed(Open(options).Refreshed())), ErrorKind::NoService);
 
@@ -141,7 +141,7 @@ TEST_F(KnownTest, ARefreshNeedsAServiceUntilItsEnd)
     EXPECT_EQ(KindOf(read.Get()), ErrorKind::ServiceLost);
 }
 
-TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
+TEST_F(UnopenedKnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
 {
     std::optional<Result<StatePtr>> read;
     std::atomic<bool> begun{false};
@@ -160,7 +160,7 @@ TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
     EXPECT_EQ((**read)->phase, Phase::Ready);
 }
 
-TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)
+TEST_F(UnopenedKnownTest, AnUnknownMethodMeansAnUnsupportedField)
 {
     service.On("GetIpodAppBundleName",
                [](GVariant*) { return Reply::Error("org.freedesktop.DBus.Error.UnknownMethod", "no such method"); });
@@ -170,7 +170,7 @@ TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)
     EXPECT_EQ(State()->Why(Field::ForegroundApp), Unknown::NotSupported);
 }
 
-TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
+TEST_F(UnopenedKnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
 {
     options.deadline = 100ms;
     service.Hold("GetRepeatMode");
@@ -183,7 +183,7 @@ TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->repeat == Repeat::All; }));
 }
 
-TEST_F(ReadyKnownTest, WithoutADeviceItsFieldsAreUnknown)
+TEST_F(KnownTest, WithoutADeviceItsFieldsAreUnknown)
 {
     service.Answer("GetDeviceAmount", "(0,)");
 
@@ -195,7 +195,7 @@ TEST_F(ReadyKnownTest, WithoutADeviceItsFieldsAreUnknown)
     EXPECT_EQ(State()->shuffle, Shuffle::Albums);
 }
 
-TEST_F(KnownTest, ARefusalWithoutADeviceReportsThat)
+TEST_F(UnopenedKnownTest, ARefusalWithoutADeviceReportsThat)
 {
     service.Answer("GetDeviceAmount", "(0,)");
     service.Fail("GetCurrentMediaInfo", "no device");
@@ -218,7 +218,7 @@ TEST(Known, ComparesWithValuesAndReasons)
 }
 
 // The core's record contains everything that the service sent.
-TEST_F(KnownTest, TheRawRecordsOfTheCoreStayReachable)
+TEST_F(UnopenedKnownTest, TheRawRecordsOfTheCoreStayReachable)
 {
     std::vector<unsigned char> record(1040);
     record[0] = 'T';

@@ -6,13 +6,13 @@ namespace test
 {
 namespace
 {
-using StateTest = ServedTest;
-using ReadyStateTest = ReadyTest;
+using StateTest = ReadyTest;
+using UnopenedStateTest = ServedTest;
 
 const std::vector<unsigned char> kPng = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13,
                                          'I',  'H', 'D', 'R', 0,    0,    1,    44,   0, 0, 0, 200};
 
-TEST_F(ReadyStateTest, IsReadFromTheServiceWhenItAppears)
+TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
 {
     EXPECT_EQ(State()->track->title, "Song");
     EXPECT_EQ(State()->trackIndex, 1);
@@ -32,7 +32,7 @@ TEST_F(ReadyStateTest, IsReadFromTheServiceWhenItAppears)
     EXPECT_FALSE(State()->location);
 }
 
-TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
+TEST_F(UnopenedStateTest, IsPublishedWithEachEventWithoutASettleTime)
 {
     options.settle = 0ms;
     Ready();
@@ -60,7 +60,7 @@ TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
     EXPECT_EQ(State()->queueSize, 77);
 }
 
-TEST_F(ReadyStateTest, FollowsEveryEvent)
+TEST_F(StateTest, FollowsEveryEvent)
 {
     // The state is read again after this event; CarLife is the last of the fields below, so older replies have arrived
     // before the next events.
@@ -96,7 +96,7 @@ TEST_F(ReadyStateTest, FollowsEveryEvent)
     EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 3}}));
 }
 
-TEST_F(ReadyStateTest, ABurstIsOneChange)
+TEST_F(StateTest, ABurstIsOneChange)
 {
     shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
     std::vector<Fields> changes;
@@ -114,7 +114,7 @@ TEST_F(ReadyStateTest, ABurstIsOneChange)
     EXPECT_EQ(State()->Artwork()->height, 200U);
 }
 
-TEST_F(ReadyStateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
+TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
 {
     for (const std::size_t length : {255, 256, 300, 1024})
     {
@@ -131,7 +131,7 @@ TEST_F(ReadyStateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
     }
 }
 
-TEST_F(ReadyStateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
+TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
 {
     const StatePtr before = State();
 
@@ -143,7 +143,7 @@ TEST_F(ReadyStateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
     EXPECT_EQ(before->shuffle, Shuffle::Albums);
 }
 
-TEST_F(ReadyStateTest, APauseKeepsThePosition)
+TEST_F(StateTest, APauseKeepsThePosition)
 {
     const Position playing = *State()->position;
     RunLoopFor(30ms);
@@ -156,7 +156,7 @@ TEST_F(ReadyStateTest, APauseKeepsThePosition)
     EXPECT_EQ(paused.At(paused.at + 9s), paused.position);
 }
 
-TEST_F(ReadyStateTest, AValueRevertedWithinABurstIsNotAChange)
+TEST_F(StateTest, AValueRevertedWithinABurstIsNotAChange)
 {
     const std::uint64_t version = State()->version;
 
@@ -166,7 +166,7 @@ TEST_F(ReadyStateTest, AValueRevertedWithinABurstIsNotAChange)
     EXPECT_EQ(State()->version, version);
 }
 
-TEST_F(ReadyStateTest, LateJoinersGetEverythingAtOnce)
+TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
 {
     StatePtr got;
     Fields fields;
@@ -184,7 +184,7 @@ TEST_F(ReadyStateTest, LateJoinersGetEverythingAtOnce)
     EXPECT_EQ(fields, Fields::All());
 }
 
-TEST_F(ReadyStateTest, SubscribersAreNotifiedOnlyOfTheirFields)
+TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
 {
     int calls = 0;
     const Subscription modes = session->OnState(
@@ -197,7 +197,7 @@ TEST_F(ReadyStateTest, SubscribersAreNotifiedOnlyOfTheirFields)
     EXPECT_EQ(calls, 2);
 }
 
-TEST_F(ReadyStateTest, AnEndedSubscriptionIsNotNotified)
+TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
 {
     int calls = 0;
     Subscription watching = session->OnState("watching", [&](const StatePtr&, Fields) { ++calls; });
@@ -209,7 +209,7 @@ TEST_F(ReadyStateTest, AnEndedSubscriptionIsNotNotified)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(ReadyStateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
+TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
 {
     const auto held = std::make_shared<int>();
     Subscription watching = session->OnState("held", [held](const StatePtr&, Fields) {});
@@ -220,7 +220,7 @@ TEST_F(ReadyStateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(ReadyStateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
+TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
 {
     const auto held = std::make_shared<int>();
     long inside = 0;
@@ -238,7 +238,7 @@ TEST_F(ReadyStateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(ReadyStateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
+TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
 {
     std::shared_ptr<Subscription> holder(new Subscription);
     const std::weak_ptr<Subscription> watched = holder;
@@ -250,7 +250,7 @@ TEST_F(ReadyStateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(ReadyStateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
+TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
 {
     const auto held = std::make_shared<int>();
     std::atomic<bool> running{false};
@@ -277,7 +277,7 @@ TEST_F(ReadyStateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
     EXPECT_EQ(after, 1);
 }
 
-TEST_F(ReadyStateTest, AStateCallbackMayDestroyTheSession)
+TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
 {
     int calls = 0;
     bool greeted = false;
@@ -297,7 +297,7 @@ TEST_F(ReadyStateTest, AStateCallbackMayDestroyTheSession)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(ReadyStateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
+TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
 {
     Emit("OnIpodDeviceStatusChange", "(1, false)");
 
@@ -309,7 +309,7 @@ TEST_F(ReadyStateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
     EXPECT_EQ(State()->deviceCount, 2);
 }
 
-TEST_F(ReadyStateTest, ADeviceEnteredByTheApplicationIsQueried)
+TEST_F(StateTest, ADeviceEnteredByTheApplicationIsQueried)
 {
     service.Answer("EnterDeviceChildList", "(true,)");
     service.Answer("GetIpodName", "('Other',)");
@@ -319,7 +319,7 @@ TEST_F(ReadyStateTest, ADeviceEnteredByTheApplicationIsQueried)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
 }
 
-TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
+TEST_F(UnopenedStateTest, PlaybackOfTheRemainingDeviceStaysKnown)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -334,7 +334,7 @@ TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
     EXPECT_EQ(State()->device, DeviceStatus::NotDetected);
 }
 
-TEST_F(ReadyStateTest, AThousandDeviceChangesNeedFewPasses)
+TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
 {
     const auto asked = [&]
     {
@@ -351,7 +351,7 @@ TEST_F(ReadyStateTest, AThousandDeviceChangesNeedFewPasses)
     EXPECT_LT(asked(), before + 500);
 }
 
-TEST_F(ReadyStateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
+TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
 {
     Emit("OnIpodStartEapSession", "(3, 300)");
     Emit("OnIpodLocationStatusChange", "(1,)");
@@ -372,7 +372,7 @@ TEST_F(ReadyStateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
     EXPECT_FALSE(State()->location);
 }
 
-TEST_F(ReadyStateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
+TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
 {
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'b', 0x18, 2}));
@@ -386,7 +386,7 @@ TEST_F(ReadyStateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
     EXPECT_EQ(State()->calls.size(), 1U);
 }
 
-TEST_F(ReadyStateTest, CallsWithoutAnIdentifierAreOneCall)
+TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
 {
     Emit("OnIpodPhoneCallChange", Record({0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
@@ -398,7 +398,7 @@ TEST_F(ReadyStateTest, CallsWithoutAnIdentifierAreOneCall)
     EXPECT_THAT(State()->calls, IsEmpty());
 }
 
-TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
+TEST_F(UnopenedStateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
 {
     options.deadline = 100ms;
     Ready();
@@ -412,7 +412,7 @@ TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Next" && State()->missing.Empty(); }));
 }
 
-TEST_F(ReadyStateTest, BatteryEventsComplementEachOther)
+TEST_F(StateTest, BatteryEventsComplementEachOther)
 {
     Emit("OnIpodBatteryChange", Record({8, 1}));
     Emit("OnIpodBatteryChange", Record({16, 50}));
@@ -421,7 +421,7 @@ TEST_F(ReadyStateTest, BatteryEventsComplementEachOther)
     EXPECT_EQ(State()->battery->percent, 50);
 }
 
-TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
+TEST_F(UnopenedStateTest, ArtworkOfEventAndGetterIsShared)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -436,7 +436,7 @@ TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
     EXPECT_EQ(State()->Artwork(), queried);
 }
 
-TEST_F(ReadyStateTest, RequestsArtworkForATrackWithoutIt)
+TEST_F(StateTest, RequestsArtworkForATrackWithoutIt)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -446,7 +446,7 @@ TEST_F(ReadyStateTest, RequestsArtworkForATrackWithoutIt)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->Artwork() != nullptr; }));
 }
 
-TEST_F(StateTest, ArtworkBeyondTheLimitIsDropped)
+TEST_F(UnopenedStateTest, ArtworkBeyondTheLimitIsDropped)
 {
     options.artworkLimit = 10;
     Ready();
