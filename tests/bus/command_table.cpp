@@ -179,10 +179,12 @@ std::vector<Command> Pages()
     };
 }
 
-// GetCurrentMediaInfo() is missing: it calls the service even without a client.
-std::vector<Command> ArtworkDetectionAndTexts()
+std::vector<Command> MediaDetectionAndTexts()
 {
     return {
+        {"GetCurrentMediaInfo", Call(&Player::GetCurrentMediaInfo), "()",
+         VariantOf(TrackRecord({"a", "b", "c", "d"}, {1, 2, 3, 4})), R"("a", "b", "c", "d", 1, 2, 3, 4)", kUnset,
+         R"("", "", "", "", 0, 0, 0, 0)"},
         {"GetPlayingTrackAlbumArtwork", Call(&Player::GetPlayingTrackAlbumArtwork), "()",
          "(<[byte 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0]>,)", "1, 2, 3, 4, []", "1, 0, 0, 0, []",
          "0, 0, 0, 0, []"},
@@ -240,7 +242,7 @@ const std::vector<Command>& Commands()
     static const std::vector<Command> commands = []
     {
         std::vector<Command> all;
-        for (const auto& group : {Playback(), Browsing(), Pages(), ArtworkDetectionAndTexts(), Accessories()})
+        for (const auto& group : {Playback(), Browsing(), Pages(), MediaDetectionAndTexts(), Accessories()})
             all.insert(all.end(), group.begin(), group.end());
         return all;
     }();

@@ -11,7 +11,8 @@
 
 namespace test
 {
-/// Replaces a failure value: the result of a failed call is meaningless.
+/// Replaces a failure value: the result of a failed call is meaningless. Replaces a value without a client: the command
+/// calls the service even then.
 constexpr const char* kUnset = nullptr;
 
 /// A line at level 40 with the command as its function.
@@ -28,7 +29,7 @@ struct Command
     std::string sent;                                  ///< arguments as the service receives them
     std::string reply;                                 ///< the service's reply
     const char* success;                               ///< result of a successful call
-    const char* notReady;                              ///< result without a client
+    const char* notReady;                              ///< result without a client, or kUnset
     const char* failure;                               ///< result of a failed call, or kUnset
     std::string member = name;                         ///< the method in the bus contract
     std::vector<CommandLine> first = {};               ///< written with or without a client

@@ -147,9 +147,9 @@ TEST_F(DispatchTest, EachListenerGetsItsOwnCopies)
 
     Journal expected;
     for (const char* const received :
-         {"OnIpodPlayingTrackChange(0, \"1\", \"2\", \"3\", \"4\", 5, 6, 7, 8)",
-          "OnIpodArtworkChange(1, 2, 3, 4, [01 02])", "OnIpodAPPBundleNameChange(\"maps\")",
-          "OnCarplayDeviceDetectStatusChange(0, \"serial\")", "OnOOBPairingInfo(\"address\", [])"})
+         {R"(OnIpodPlayingTrackChange(0, "1", "2", "3", "4", 5, 6, 7, 8))", "OnIpodArtworkChange(1, 2, 3, 4, [01 02])",
+          "OnIpodAPPBundleNameChange(\"maps\")", "OnCarplayDeviceDetectStatusChange(0, \"serial\")",
+          "OnOOBPairingInfo(\"address\", [])"})
         for (const char* const name : {"a.", "b."}) expected.push_back(std::string(name) + received);
     EXPECT_EQ(journal, expected);
 }

@@ -104,12 +104,12 @@ TEST_F(EapTest, WriteStoresThePayloadBeforeTheCall)
 {
     Bytes seen;
     IQBXIpodPlayer& player = Connected();
-    service.React("EapWrite",
-                  [&](GDBusMethodInvocation* invocation)
-                  {
-                      seen = vectors.Bytes(kWrite);
-                      g_dbus_method_invocation_return_value(invocation, g_variant_new("(b)", TRUE));
-                  });
+    service.On("EapWrite",
+               [&](GVariant*)
+               {
+                   seen = vectors.Bytes(kWrite);
+                   return Reply::With("(true,)");
+               });
     Bytes payload = {0, 1, 2, 0xff};
 
     EXPECT_EQ(player.EapWrite(65535, payload), 1);

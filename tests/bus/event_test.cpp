@@ -56,7 +56,7 @@ const std::vector<Event> kEvents = {
      {"40 OnIpodShuffleModeChange: OnIpodRandomModeChange() - %d"}},
     {"OnIpodPlayingTrackChange",
      "(7, " + BytesInVariant(kTrack) + ")",
-     "OnIpodPlayingTrackChange(7, \"Title\", \"Artist\", \"Album\", \"Genre\", 240000, 2, -3, 2147483647)",
+     R"(OnIpodPlayingTrackChange(7, "Title", "Artist", "Album", "Genre", 240000, 2, -3, 2147483647))",
      {"40 OnIpodPlayingTrackChange: OnIpodPlayingTrackChange() - 7, Title"},
      {"40 OnIpodPlayingTrackChange: OnIpodPlayingTrackChange() - %d, %s"}},
     {"OnIpodPlayingListAmountChange", "(1000,)", "OnIpodPlayingListAmountChange(1000)", {}, {}},

@@ -78,9 +78,6 @@ protected:
     }
 };
 
-using TrackWithoutServiceTest = NoServiceTest;
-using TrackWithoutProxyTest = ClientTest;
-
 class ArtworkTest : public RecordTest
 {
 protected:
@@ -97,14 +94,6 @@ protected:
 TEST_F(TrackTest, IsReadFromARecordOfExactly1040Bytes)
 {
     ExpectBoth(BytesInVariant(kCurrentTrack), kTrackText);
-}
-
-TEST_F(TrackTest, IsReadWithOneCallAndNoLogLine)
-{
-    EXPECT_EQ(FromReply(BytesInVariant(kCurrentTrack)), kTrackText);
-
-    EXPECT_THAT(service.Calls(), ElementsAre("GetCurrentMediaInfo()"));
-    EXPECT_THAT(LogLines(), IsEmpty());
 }
 
 TEST_F(TrackTest, KeepsTextsOf255Characters)
@@ -150,48 +139,6 @@ TEST_F(TrackTest, ExcessBytesOfALongRecordAreIgnored)
 TEST_F(TrackTest, AVariantOfAnotherTypeIsAnEmptyTrack)
 {
     ExpectOtherTypesAreRead(kNothing);
-}
-
-TEST_F(TrackTest, AFailedCallIsLoggedAndReturnsAnEmptyTrack)
-{
-    IQBXIpodPlayer& player = *QBX_GetIpodPlayer();
-    service.Fail("GetCurrentMediaInfo", "no track");
-
-    EXPECT_EQ(Text(player.GetCurrentMediaInfo()), kNothing);
-
-    EXPECT_THAT(LogLines(),
-                ElementsAre("100 GetCurrentMediaInfo: com_zarn_linux_ipod_call_get_current_media_info_sync: "
-                            "Failed to call dbus method. Reason: GDBus.Error:com.example.Broken: no track."));
-    EXPECT_THAT(LogFormats(),
-                ElementsAre("100 GetCurrentMediaInfo: com_zarn_linux_ipod_call_get_current_media_info_sync: "
-                            "Failed to call dbus method. Reason: %s."));
-}
-
-TEST_F(TrackTest, AReplyOfTheWrongTypeIsAFailedCall)
-{
-    IQBXIpodPlayer& player = *QBX_GetIpodPlayer();
-    service.AnswerInvalid("GetCurrentMediaInfo", "(17,)");
-
-    EXPECT_EQ(Text(player.GetCurrentMediaInfo()), kNothing);
-
-    EXPECT_EQ(LogLines().size(), 1U);
-}
-
-TEST_F(TrackWithoutServiceTest, IsEmptyAndTheReasonIsLogged)
-{
-    EXPECT_EQ(Text(Unconnected().GetCurrentMediaInfo()), kNothing);
-
-    EXPECT_THAT(LogLines(), ElementsAre(testing::HasSubstr("org.freedesktop.DBus.Error.ServiceUnknown")));
-}
-
-TEST_F(TrackWithoutProxyTest, IsEmptyAndNothingIsLogged)
-{
-    IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
-    ClearLog();
-
-    EXPECT_EQ(Text(player->GetCurrentMediaInfo()), kNothing);
-
-    EXPECT_THAT(LogLines(), IsEmpty());
 }
 
 TEST_F(ArtworkTest, CombinesWordsFromTheRecordAndTheImageInSharedMemory)

@@ -11,7 +11,6 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
@@ -20,8 +19,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 import mpris_rules  # noqa: E402
 from gi.repository import Gio, GLib  # noqa: E402
 from mpris_rules import PLAYER, PROPERTIES, ROOT, described  # noqa: E402
-from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
-                             line_within)
+from private_session import LIMIT, OnAPrivateBus, enter_private_namespace, line_within  # noqa: E402
 
 CHANGES = int(os.environ.get("IPOD_TRACK_CHANGES", "50"))
 DONE, USAGE, NO_BUS, ALREADY_RUNNING = 0, 2, 3, 4
@@ -108,15 +106,11 @@ class Client:
                 and arguments[0] == PLAYER]
 
 
-class OnABus(unittest.TestCase):
+class OnABus(OnAPrivateBus):
     def setUp(self):
-        end_in_time(self)
-        self.addCleanup(clear_shared_memory)
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.artwork = os.path.join(self.folder.name, "ipod-companiond")
-        self.bus = Bus(XDG_RUNTIME_DIR=self.folder.name)
-        self.addCleanup(self.bus.stop)
+        super().setUp()
+        self.artwork = os.path.join(self.folder, "ipod-companiond")
+        self.bus.environment["XDG_RUNTIME_DIR"] = self.folder
         self.client = Client(self.bus.environment["DBUS_SESSION_BUS_ADDRESS"])
 
     def eventually(self, condition):
@@ -132,15 +126,10 @@ class OnABus(unittest.TestCase):
         self.eventually(lambda: any("Metadata" in each for each in self.client.changes()))
 
     def start(self, *words, **options):
-        process = subprocess.Popen(words, env=self.bus.environment, text=True, **options)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
-        return process
+        return self.launch(*words, text=True, **options)
 
     def simulator(self):
-        process = self.start(OPTIONS.simulator, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.addCleanup(process.stdout.close)
-        self.assertTrue(line_within(process.stdout, LIMIT))
+        process = self.launch_simulator(OPTIONS.simulator, stderr=subprocess.DEVNULL)
         self.eventually(lambda: self.client.owner(SERVICE))
         return process
 
@@ -162,9 +151,8 @@ class OnABus(unittest.TestCase):
         return service, daemon
 
     def run_player(self, *words):
-        done = subprocess.run(["playerctl", "--player=ipod", *words], env=self.bus.environment, text=True,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=LIMIT, check=False)
-        return done.stdout.strip()
+        done = self.complete("playerctl", "--player=ipod", *words)
+        return (done.stdout + done.stderr).strip()
 
     def assert_error(self, name, function, *arguments):
         with self.assertRaises(GLib.Error) as raised:
@@ -238,8 +226,7 @@ class Playback(OnABus):
         _, daemon = self.playing()
         self.assertEqual(len(os.listdir(self.artwork)), 1)
         self.assertFalse(os.path.exists(old))
-        subprocess.run([OPTIONS.companiond], env=self.bus.environment, stderr=subprocess.DEVNULL, timeout=LIMIT,
-                       check=False)
+        self.complete(OPTIONS.companiond)
         self.assertTrue(os.path.exists(self.client.get("Metadata")["mpris:artUrl"][len("file://"):]))
         daemon.terminate()
         self.assertEqual(daemon.wait(LIMIT), DONE)
@@ -249,7 +236,6 @@ class Playback(OnABus):
         self.playing()
         follower = self.start("playerctl", "--player=ipod", "metadata", "--follow", "--format", "{{title}}|{{mpris:artUrl}}",
                               stdout=subprocess.PIPE)
-        self.addCleanup(follower.stdout.close)
         self.assertRegex(line_within(follower.stdout, LIMIT), r"^Low Water\|file:///")
         self.client.player("Next")
         self.assertRegex(line_within(follower.stdout, LIMIT), r"^Slack Tide\|file:///")
@@ -357,9 +343,7 @@ class Services(OnABus):
 
     def events(self):
         """Starts a session of another process, and waits until it is ready."""
-        process = self.start(OPTIONS.ipodctl, "events", stdout=subprocess.PIPE)
-        self.addCleanup(process.stdout.close)
-        return process
+        return self.start(OPTIONS.ipodctl, "events", stdout=subprocess.PIPE)
 
     def test_a_daemon_that_is_killed_does_not_affect_applications(self):
         _, daemon = self.playing()
@@ -379,17 +363,16 @@ class Services(OnABus):
         _, daemon = self.playing()
         self.client.do("call", '{"status": "active", "display-name": "Li Lei"}')
         for _ in range(5):
-            done = subprocess.run([OPTIONS.late_joiner], env=self.bus.environment, text=True, stdout=subprocess.PIPE,
-                                  timeout=LIMIT, check=True)
+            done = self.complete(OPTIONS.late_joiner)
+            done.check_returncode()
             match = re.match(r"Li Lei (\d+) us remembered: (.*)\n$", done.stdout)
             self.assertTrue(match, done.stdout)
             self.assertLessEqual(int(match.group(1)), 50_000)
             self.assertIn("calls", match.group(2).split(", "))
         daemon.kill()
         daemon.wait()
-        done = subprocess.run([OPTIONS.late_joiner], env=self.bus.environment, text=True, stdout=subprocess.PIPE,
-                              timeout=LIMIT, check=True)
-        self.assertEqual(done.stdout, "no call\n")
+        done = self.complete(OPTIONS.late_joiner)
+        self.assertEqual((done.returncode, done.stdout), (0, "no call\n"))
         self.assertIsNone(self.client.owner(STATE))
 
     def test_a_signal_ends_it_and_returns_the_names(self):
@@ -401,9 +384,8 @@ class Services(OnABus):
 
 
 class Starts(OnABus):
-    def run_daemon(self, *words, **environment):
-        done = subprocess.run([OPTIONS.companiond, *words], env={**self.bus.environment, **environment}, text=True,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=LIMIT, check=False)
+    def run_daemon(self, *words):
+        done = self.complete(OPTIONS.companiond, *words)
         return done.returncode, done.stdout, done.stderr
 
     def test_a_second_one_on_the_bus_fails(self):
@@ -413,13 +395,13 @@ class Starts(OnABus):
         self.assertRegex(error, r"^ipod-companiond: cannot acquire com\.zarn\.linux\.ipod\.State: .*\nhint: .*\n$")
 
     def test_without_a_bus_it_fails(self):
-        code, _, error = self.run_daemon(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
+        self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
+        code, _, error = self.run_daemon()
         self.assertEqual(code, NO_BUS)
         self.assertRegex(error, r"^ipod-companiond: cannot use the session bus: .*\n$")
 
     def test_it_ends_with_the_bus(self):
         daemon = self.start(OPTIONS.companiond, stderr=subprocess.PIPE)
-        self.addCleanup(daemon.stderr.close)
         self.eventually(lambda: self.client.owner(MPRIS))
         self.bus.stop()
         self.assertEqual(daemon.wait(LIMIT), NO_BUS)

@@ -7,7 +7,6 @@ import resource
 import signal
 import subprocess
 import sys
-import tempfile
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -15,8 +14,7 @@ sys.path[:0] = [os.path.join(HERE, "..", "support"), os.path.join(HERE, "..", ".
 
 from ipodctl_e2e import DONE, NO_BUS, NOTHING_DONE, NO_SERVICE, SERVICE_LOST, USAGE  # noqa: E402
 from music_folder import write_collection  # noqa: E402
-from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
-                             line_within)
+from private_session import LIMIT, OnAPrivateBus, enter_private_namespace  # noqa: E402
 from terminal_session import TerminalSession  # noqa: E402
 
 ENTER, ESCAPE, CTRL_C, CTRL_L, CTRL_Z = "\r", "\033", "\003", "\014", "\032"
@@ -31,16 +29,10 @@ def selected(screen):
     return ""
 
 
-class InATerminal(unittest.TestCase):
+class InATerminal(OnAPrivateBus):
     def setUp(self):
-        end_in_time(self)
-        self.addCleanup(clear_shared_memory)
-        self.bus = Bus(TZ="UTC")
-        self.addCleanup(self.bus.stop)
-        self.bus.environment["TERM"] = "xterm-256color"
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.music = folder.name
+        super().setUp()
+        self.bus.environment.update(TZ="UTC", TERM="xterm-256color")
 
     def start(self, rows=24, columns=80, **environment):
         terminal = TerminalSession([OPTIONS.ipodctl, "browse"], rows, columns,
@@ -65,8 +57,8 @@ class InATerminal(unittest.TestCase):
         self.assertTrue(terminal.screen.cursor_shown)
 
     def ctl(self, *words):
-        answer = subprocess.run([OPTIONS.ipodctl, "--json", *words], env=self.bus.environment, check=True,
-                                capture_output=True, timeout=LIMIT)
+        answer = self.complete(OPTIONS.ipodctl, "--json", *words)
+        answer.check_returncode()
         return json.loads(answer.stdout)
 
 
@@ -83,38 +75,27 @@ class WithoutAService(InATerminal):
 
     def test_a_missing_terminal_is_reported(self):
         for words in (["browse"], ["--json", "browse"]):
-            process = subprocess.run([OPTIONS.ipodctl, *words], env=self.bus.environment, stdin=subprocess.DEVNULL,
-                                     capture_output=True, timeout=LIMIT)
+            process = self.complete(OPTIONS.ipodctl, *words, stdin=subprocess.DEVNULL)
             self.assertEqual(process.returncode, USAGE)
-            self.assertIn(b"ipodctl ls", process.stderr)
+            self.assertIn("ipodctl ls", process.stderr)
 
 
 class WithTheSimulator(InATerminal):
     def setUp(self):
         super().setUp()
-        write_collection(self.music)
+        write_collection(self.folder)
         self.start_simulator()
 
     def start_simulator(self):
-        self.simulator = subprocess.Popen([OPTIONS.simulator, "--one-device", "--no-cache", self.music],
-                                          env=self.bus.environment, stdout=subprocess.PIPE, text=True)
-        self.addCleanup(self.stop_simulator, self.simulator)
-        self.assertIn("ready", line_within(self.simulator.stdout, LIMIT))
-
-    def stop_simulator(self, simulator):
-        simulator.kill()
-        simulator.wait()
-        simulator.stdout.close()
+        self.simulator = self.launch_simulator(OPTIONS.simulator, "--one-device", "--no-cache", self.folder)
 
     def happen(self, *words):
-        subprocess.run([OPTIONS.ipodctl, "sim", *words], env=self.bus.environment, check=True, timeout=LIMIT,
-                       stdout=subprocess.DEVNULL)
+        self.complete(OPTIONS.ipodctl, "sim", *words).check_returncode()
 
     def call(self, method, *arguments):
         """Calls the service as an application that uses the core alone: it takes no lease."""
-        command = ["gdbus", "call", "--session", "--dest", "com.zarn.linux.ipod", "--object-path",
-                   "/com/zarn/linux/ipod", "--method", f"com.zarn.linux.ipod.{method}", *arguments]
-        subprocess.run(command, env=self.bus.environment, check=True, timeout=LIMIT, stdout=subprocess.DEVNULL)
+        self.complete("gdbus", "call", "--session", "--dest", "com.zarn.linux.ipod", "--object-path",
+                      "/com/zarn/linux/ipod", "--method", f"com.zarn.linux.ipod.{method}", *arguments).check_returncode()
 
     def in_artists(self, **options):
         terminal = self.start(**options)
@@ -259,8 +240,7 @@ class WithTheSimulator(InATerminal):
     def test_one_program_browses_at_a_time_and_others_read(self):
         terminal = self.in_artists()
         self.assertEqual(self.ctl("ls")["count"], 11)
-        refused = subprocess.run([OPTIONS.ipodctl, "cd", "/Albums"], env=self.bus.environment, timeout=LIMIT,
-                                 capture_output=True, text=True)
+        refused = self.complete(OPTIONS.ipodctl, "cd", "/Albums")
         self.assertEqual(refused.returncode, NOTHING_DONE)
         holder = f"process {terminal.process.pid} (ipodctl)"
         self.assertIn(f"the lists are in use: {holder} browses the database\n", refused.stderr)

@@ -13,27 +13,26 @@ namespace test
 {
 namespace
 {
-class AccessoryTest : public KitTest
+class AccessoryTest : public ReadyTest
 {
 protected:
     AccessoryTest()
     {
-        AnswerState(service);
-        service.React("EapWrite",
-                      [this](GDBusMethodInvocation* call)
-                      {
-                          guint16 number = 0;
-                          g_variant_get(g_dbus_method_invocation_get_parameters(call), "(q)", &number);
-                          const Bytes bytes = shared.Bytes("VecEapWriteBufferShareMemory");
-                          {
-                              const std::lock_guard<std::mutex> lock(mutex);
-                              written[number].insert(written[number].end(), bytes.begin(), bytes.end());
-                              largest = std::max(largest, bytes.size());
-                          }
-                          g_dbus_method_invocation_return_value(call, g_variant_new("(b)", accepting.load()));
-                      });
-        Ready();
+        service.On("EapWrite",
+                   [this](GVariant* arguments)
+                   {
+                       guint16 number = 0;
+                       g_variant_get(arguments, "(q)", &number);
+                       const Bytes bytes = shared.Bytes("VecEapWriteBufferShareMemory");
+                       const std::lock_guard<std::mutex> lock(mutex);
+                       written[number].insert(written[number].end(), bytes.begin(), bytes.end());
+                       largest = std::max(largest, bytes.size());
+                       return Reply::With(accepting ? "(true,)" : "(false,)");
+                   });
     }
+
+    // Its thread uses the members.
+    ~AccessoryTest() override { service.Vanish(); }
 
     AccessorySessionPtr OpenSession(AccessoryPort& port, int number)
     {
@@ -59,12 +58,10 @@ protected:
             { received.push_back(data ? std::string(data->begin(), data->end()) : Name(data.error().kind)); });
     }
 
-    SharedVectors shared;
     std::mutex mutex;
     std::map<int, Bytes> written;
     std::size_t largest = 0;
     std::atomic<bool> accepting{true};
-    FakeService service;  // must be the last member, because its thread uses the others
 };
 
 TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
@@ -73,8 +70,7 @@ TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
     const AccessorySessionPtr peer = OpenSession(port, 300);
     service.Answer("GetDeviceAmount", "(0,)");
 
-    service.Emit("OnIpodDeviceStatusChange", "(1, false)");
-    Settle(service);
+    Emit("OnIpodDeviceStatusChange", "(1, false)");
 
     EXPECT_THAT(session->State()->accessorySessions, IsEmpty());
     EXPECT_THAT(port.Sessions(), IsEmpty());
@@ -83,8 +79,7 @@ TEST_F(AccessoryTest, SessionsCloseWithTheirDevice)
 
 TEST_F(AccessoryTest, APortCreatedWithoutAServiceHasNoSessions)
 {
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
     std::optional<std::size_t> listed;
     const Subscription watching = session->OnConnection("lost",
                                                         [&](const Connection& connection)
@@ -154,14 +149,12 @@ TEST_F(AccessoryTest, AWriteByNumberEndsWithItsPort)
 {
     service.Hold("EapWrite");
     auto port = std::make_unique<AccessoryPort>(*session);
-    std::optional<Result<void>> result;
-    port->WriteTo(77, {1}).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(port->WriteTo(77, {1}));
     RunLoopFor(5ms);
 
     port.reset();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
 }
 
 TEST_F(AccessoryTest, ReceivedBytesReachTheMatchingSession)
@@ -300,39 +293,25 @@ TEST_F(AccessoryTest, AClosedSessionDoesNotReportDraining)
     EXPECT_FALSE(drained);
 }
 
-TEST_F(AccessoryTest, ChunksThatDoNotFitIntoTheSegmentAreAnError)
-{
-    AccessoryOptions huge;
-    huge.chunk = 4 << 20;
-    AccessoryPort port(*session, huge);
-    const AccessorySessionPtr peer = OpenSession(port, 1);
-    std::optional<Result<void>> result;
-
-    peer->Write(Bytes(2 << 20)).Start([&result](const Result<void>& done) { result = done; });
-
-    EXPECT_FALSE(result) << "completed inside Start()";
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
-}
-
 TEST_F(AccessoryTest, AChunkThatWouldExhaustTheSegmentIsRejectedInAdvance)
 {
-    AccessoryOptions large;
-    large.chunk = 600 * 1024;
-    AccessoryPort port(*session, large);
-    const AccessorySessionPtr peer = OpenSession(port, 1);
-    const std::size_t free = shared.Buffers().get_free_memory();
-    const std::size_t room = RoomForAccessoryBytes();
-    std::optional<Result<void>> result;
+    for (const std::size_t size : {std::size_t{600} << 10, std::size_t{2} << 20})
+    {
+        AccessoryOptions large;
+        large.chunk = size;
+        AccessoryPort port(*session, large);
+        const AccessorySessionPtr peer = OpenSession(port, 1);
+        const std::size_t free = shared.Buffers().get_free_memory();
+        const std::size_t room = RoomForAccessoryBytes();
 
-    peer->Write(Bytes(large.chunk)).Start([&result](const Result<void>& done) { result = done; });
+        const Error error = Completed(peer->Write(Bytes(size))).error();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
-    EXPECT_EQ(result->error().reason,
-              "the write buffer has no room for 614400 bytes at once; at most " + std::to_string(room) + " fit");
-    EXPECT_EQ(shared.Buffers().get_free_memory(), free);
-    EXPECT_THAT(written, IsEmpty());
+        EXPECT_EQ(error.kind, ErrorKind::NoSharedMemory);
+        EXPECT_EQ(error.reason, "the write buffer has no room for " + std::to_string(size) +
+                                    " bytes at once; at most " + std::to_string(room) + " fit");
+        EXPECT_EQ(shared.Buffers().get_free_memory(), free);
+        EXPECT_THAT(written, IsEmpty());
+    }
 }
 
 TEST_F(AccessoryTest, TheLargestChunkLeavesSpaceForAReplyAndTheNextChunk)
@@ -406,15 +385,13 @@ TEST_F(AccessoryTest, ALockOfADeadProcessFailsTheWriteAndDoesNotBlockTheLoop)
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
     DieWhileAllocatingIn(shared.Buffers());
-    std::optional<Result<void>> result;
     const Ticker ticker;
 
-    peer->Write(Bytes(5000)).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(peer->Write(Bytes(5000)));
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::NoSharedMemory);
     EXPECT_LE(ticker.Longest(), 1s);
-    EXPECT_EQ(KindOf(*result), ErrorKind::NoSharedMemory);
-    EXPECT_THAT(result->error().reason, HasSubstr("locked by a process that died"));
+    EXPECT_THAT(result.Get().error().reason, HasSubstr("locked by a process that died"));
 }
 
 TEST_F(AccessoryTest, TheSessionMayBeDestroyedWhileTheBufferGrows)
@@ -446,13 +423,12 @@ TEST_F(AccessoryTest, SessionsEndWithTheService)
     AccessoryPort port(*session);
     const AccessorySessionPtr peer = OpenSession(port, 1);
     service.Hold("EapWrite");
-    std::optional<Result<void>> result;
-    peer->Write({1}).Start([&result](const Result<void>& done) { result = done; });
+    const Pending result(peer->Write({1}));
 
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value() && !peer->IsOpen(); }));
-    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+    ASSERT_TRUE(RunLoopUntil([&] { return result.Done() && !peer->IsOpen(); }));
+    EXPECT_THAT(KindOf(result.Get()), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
 }
 
 TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)
@@ -475,8 +451,7 @@ TEST_F(AccessoryTest, AccessorySessionsEndWithTheirSession)
 
 TEST_F(AccessoryTest, APortCreatedLaterKnowsTheOpenSessions)
 {
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
 
     const AccessoryPort port(*session);
 
@@ -489,8 +464,7 @@ TEST_F(AccessoryTest, ACallbackMayDestroyThePort)
     auto port = std::make_unique<AccessoryPort>(*session);
     const Subscription watching = port->OnOpened("end", [&](const AccessorySessionPtr&) { port.reset(); });
 
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
 
     EXPECT_EQ(port, nullptr);
 }

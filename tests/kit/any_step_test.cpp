@@ -13,12 +13,11 @@ namespace
 {
 constexpr int kSteps = 60;
 
-class AnyStepTest : public KitTest
+class AnyStepTest : public ServedTest
 {
 protected:
     AnyStepTest()
     {
-        AnswerState(service);
         service.Answer("Next", "(true,)");
         service.Answer("GetPlayingListItems", "(true,)");
         service.Answer("EapWrite", "(true,)");
@@ -35,9 +34,6 @@ protected:
             g_source_remove(wake);
         }
     }
-
-    SharedVectors shared;
-    FakeService service;
 };
 
 TEST_F(AnyStepTest, ASessionMayBeDestroyed)
@@ -50,7 +46,7 @@ TEST_F(AnyStepTest, ASessionMayBeDestroyed)
     }
 
     Ready(1);
-    EXPECT_EQ(session->State()->track->title, "Song");
+    EXPECT_EQ(State()->track->title, "Song");
     EXPECT_EQ(CountLogLines("40 InitShareMemory: InitShareMemory()"), 1U);
 }
 
@@ -60,7 +56,7 @@ TEST_F(AnyStepTest, ASessionMayBeDestroyedWithPendingRequests)
     for (int step = 0; step < kSteps; ++step)
     {
         Open();
-        session->Commands().Next().Start([&completed](const Result<void>&) { ++completed; });
+        Ask().Next().Start([&completed](const Result<void>&) { ++completed; });
         Turn(step);
         session.reset();
         EXPECT_EQ(completed, step + 1);
@@ -76,8 +72,7 @@ TEST_F(AnyStepTest, ARequestMayBeCancelled)
         Turn(step / 2);
         const Cancellation stop;
         std::vector<Result<void>> results;
-        session->Commands().Next().CancelledBy(stop).Start([&](Result<void> done)
-                                                           { results.push_back(std::move(done)); });
+        Ask().Next().CancelledBy(stop).Start([&](Result<void> done) { results.push_back(std::move(done)); });
         Turn(step % 4);
         stop.Cancel();
         ASSERT_TRUE(RunLoopUntil([&] { return !results.empty(); }));
@@ -106,17 +101,13 @@ TEST_F(AnyStepTest, APagerMayBeDestroyed)
     }
 
     Pager pager(*session, ListKind::Playing);
-    std::optional<Result<PagePtr>> page;
-    pager.At(1).Start([&page](Result<PagePtr> got) { page = std::move(got); });
-    ASSERT_TRUE(RunLoopUntil([&] { return page.has_value(); }));
-    EXPECT_EQ(page->value()->At(1), "b");
+    EXPECT_EQ(Completed(pager.At(1)).value()->At(1), "b");
 }
 
 TEST_F(AnyStepTest, AnAccessoryPortMayBeDestroyedDuringAWrite)
 {
     Ready();
-    service.Emit("OnIpodStartEapSession", "(3, 300)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 300)");
     for (int step = 0; step < kSteps; ++step)
     {
         int completed = 0;
@@ -147,10 +138,9 @@ TEST_F(AnyStepTest, TheServiceMayVanish)
         ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().phase == Phase::Lost; }));
     }
 
-    FakeService last;
-    AnswerState(last);
+    AnsweringService last;
     Ready(generation + 1);
-    EXPECT_EQ(session->State()->track->title, "Song");
+    EXPECT_EQ(State()->track->title, "Song");
 }
 
 TEST_F(AnyStepTest, FourThreadsMaySubscribeAndUnsubscribeDuringEvents)
@@ -170,7 +160,7 @@ TEST_F(AnyStepTest, FourThreadsMaySubscribeAndUnsubscribeDuringEvents)
                         session->OnConnection("thread", [&calls](const Connection&) { ++calls; });
                     if (n % 3 == 0) std::this_thread::sleep_for(1ms);
                     states.Reset();
-                    (void)session->State()->version;
+                    (void)State()->version;
                 }
                 --working;
             });
@@ -184,7 +174,7 @@ TEST_F(AnyStepTest, FourThreadsMaySubscribeAndUnsubscribeDuringEvents)
     EXPECT_TRUE(RunLoopUntil(emit, 20s));
 
     for (std::thread& thread : threads) thread.join();
-    EXPECT_TRUE(RunLoopUntil([&] { return session->State()->queueSize == sent; }));
+    EXPECT_TRUE(RunLoopUntil([&] { return State()->queueSize == sent; }));
     EXPECT_GT(calls, 0);
 }
 }  // namespace

@@ -7,24 +7,18 @@ namespace test
 {
 namespace
 {
-class AudioSourceTest : public KitTest
+class AudioSourceTest : public ReadyTest
 {
 protected:
     AudioSourceTest()
     {
-        AnswerState(service);
         service.Answer("Play", "(true,)");
-        Ready();
         Sources().requestResult = 1;
     }
 
     Result<void> Play(AudioSource& source, PlayOption option = PlayOption::Start)
     {
-        std::optional<Result<void>> result;
-        source.Play(option).Start([&result](const Result<void>& done) { result = done; });
-        EXPECT_FALSE(result);
-        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-        return *result;
+        return Completed(source.Play(option));
     }
 
     void Activate(AudioSource& source)
@@ -39,8 +33,6 @@ protected:
         for (const AudioTransition& each : source.Trace()) steps.push_back(Name(each.to));
         return steps;
     }
-
-    FakeService service;
 };
 
 TEST_F(AudioSourceTest, GoesFromRequestToRelease)

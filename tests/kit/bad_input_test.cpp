@@ -12,32 +12,10 @@ namespace test
 {
 namespace
 {
-class BadInputTest : public KitTest
-{
-protected:
-    BadInputTest() { AnswerState(service); }
+using BadInputTest = ReadyTest;
+using UnopenedBadInputTest = ServedTest;
 
-    StatePtr State() const { return session->State(); }
-
-    Result<PagePtr> Get(Pager& pager, int index)
-    {
-        std::optional<Result<PagePtr>> result;
-        pager.At(index).Start([&result](Result<PagePtr> page) { result = std::move(page); });
-        EXPECT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-        return *result;
-    }
-
-    void Emit(const std::string& signal, const std::string& body)
-    {
-        service.Emit(signal, body);
-        Settle(service);
-    }
-
-    FakeService service;
-    SharedVectors shared;
-};
-
-TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
+TEST_F(UnopenedBadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
 {
     service.Answer("GetPlayingListItemsAmount", "(100,)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -45,15 +23,16 @@ TEST_F(BadInputTest, TooManyEntriesAreABadReplyAndTheSizeIsReadAgain)
     Ready();
     Pager pager(*session, ListKind::Playing);
 
-    const Result<PagePtr> page = Get(pager, 0);
+    const Result<PagePtr> page = Completed(pager.At(0));
 
     EXPECT_EQ(KindOf(page), ErrorKind::BadReply);
     EXPECT_THAT(page.error().reason, HasSubstr("expected a page of 50 entries, got 10"));
+    EXPECT_EQ(pager.Cached(0), nullptr);
     service.Answer("GetPlayingListItemsAmount", "(10,)");
-    EXPECT_EQ(Get(pager, 9).value()->names.size(), 10U);
+    EXPECT_EQ(Completed(pager.At(9)).value()->names.size(), 10U);
 }
 
-TEST_F(BadInputTest, TooFewEntriesAreABadReply)
+TEST_F(UnopenedBadInputTest, TooFewEntriesAreABadReply)
 {
     service.Answer("GetPlayingListItemsAmount", "(10,)");
     service.Answer("GetPlayingListItems", "(true,)");
@@ -61,43 +40,41 @@ TEST_F(BadInputTest, TooFewEntriesAreABadReply)
     Ready();
     Pager pager(*session, ListKind::Playing);
 
-    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
-    EXPECT_EQ(KindOf(Get(pager, 9)), ErrorKind::BadReply);
-    EXPECT_EQ(KindOf(Get(pager, 10)), ErrorKind::BadArgument);
+    EXPECT_EQ(KindOf(Completed(pager.At(0))), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Completed(pager.At(9))), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Completed(pager.At(10))), ErrorKind::BadArgument);
 }
 
-TEST_F(BadInputTest, ANegativeAmountIsABadReply)
+TEST_F(UnopenedBadInputTest, ANegativeAmountIsABadReply)
 {
     service.Answer("GetPlayingListItemsAmount", "(-1,)");
     Ready();
     Pager pager(*session, ListKind::Playing);
 
-    EXPECT_EQ(KindOf(Get(pager, 0)), ErrorKind::BadReply);
+    EXPECT_EQ(KindOf(Completed(pager.At(0))), ErrorKind::BadReply);
     EXPECT_FALSE(State()->queueSize);
     Emit("OnIpodPlayingListAmountChange", "(-5,)");
     EXPECT_FALSE(State()->queueSize);
 }
 
-TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
+TEST_F(UnopenedBadInputTest, TheLargestAmountIsRequestedWithinItsRange)
 {
     service.Answer("GetPlayingListItemsAmount", "(" + std::to_string(INT_MAX) + ",)");
     service.Answer("GetPlayingListItems", "(true,)");
-    service.React("GetUpdateListItems",
-                  [this](GDBusMethodInvocation* call)
-                  {
-                      int first = 0;
-                      int last = 0;
-                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(ii)", &first, &last);
-                      shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(last - first + 1U, "y"));
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
-                  });
+    service.On("GetUpdateListItems",
+               [this](GVariant* arguments)
+               {
+                   const auto [first, last] = RangeOf(arguments);
+                   shared.SetList("VecUpdateListShareMemory", std::vector<std::string>(last - first + 1U, "y"));
+                   return Reply::With("(true,)");
+               });
     shared.SetList("VecPlayingListShareMemory", std::vector<std::string>(47, "x"));
     Ready();
     Pager playing(*session, ListKind::Playing);
     Pager update(*session, ListKind::Update);
 
-    const PagePtr last = Get(playing, INT_MAX - 1).value();
-    const PagePtr beyond = Get(update, INT_MAX).value();
+    const PagePtr last = Completed(playing.At(INT_MAX - 1)).value();
+    const PagePtr beyond = Completed(update.At(INT_MAX)).value();
 
     EXPECT_EQ(last->first, 2147483600);
     EXPECT_EQ(last->At(INT_MAX - 1), "x");
@@ -109,7 +86,6 @@ TEST_F(BadInputTest, TheLargestAmountIsRequestedWithinItsRange)
 
 TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
 {
-    Ready();
     AccessoryPort port(*session);
     const std::uint64_t version = State()->version;
 
@@ -126,7 +102,6 @@ TEST_F(BadInputTest, EventsForUnknownCallsAndSessionsChangeNothing)
 
 TEST_F(BadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
 {
-    Ready();
     AccessoryPort port(*session);
     Emit("OnIpodStartEapSession", "(3, 300)");
     const AccessorySessionPtr first = port.Sessions().at(0);
@@ -139,13 +114,12 @@ TEST_F(BadInputTest, ASessionOpenedTwiceCountsAsClosedInBetween)
     EXPECT_EQ(State()->accessorySessions, (std::map<std::uint16_t, unsigned char>{{300, 4}}));
 }
 
-TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
+TEST_F(UnopenedBadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
 {
     service.Hold("GetPlayingListItems");
     Ready();
     Pager pager(*session, ListKind::Playing);
-    std::optional<Result<PagePtr>> result;
-    pager.At(0).Start([&result](Result<PagePtr> page) { result = std::move(page); });
+    const Pending result(pager.At(0));
     const auto asked = [&]
     {
         const std::vector<std::string> calls = service.Calls();
@@ -154,20 +128,18 @@ TEST_F(BadInputTest, ARestartDuringAPageCancelsItAndTheNextOneIsCorrect)
     ASSERT_TRUE(RunLoopUntil(asked));
 
     service.Vanish();
-    FakeService next;
-    AnswerState(next);
+    AnsweringService next;
     next.Answer("GetPlayingListItems", "(true,)");
     shared.SetList("VecPlayingListShareMemory", {"a", "b", "c"});
     Ready(2);
 
-    ASSERT_TRUE(result);
-    EXPECT_THAT(KindOf(*result), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
-    EXPECT_EQ(Get(pager, 2).value()->At(2), "c");
+    ASSERT_TRUE(result.Done());
+    EXPECT_THAT(KindOf(result.Get()), testing::AnyOf(ErrorKind::Cancelled, ErrorKind::ServiceLost));
+    EXPECT_EQ(Completed(pager.At(2)).value()->At(2), "c");
 }
 
 TEST_F(BadInputTest, AnInvalidImageHasNoTypeAndNoSize)
 {
-    Ready();
     shared.SetBytes("VecArtworkChangeBufferShareMemory", {'n', 'o', 'n', 's', 'e', 'n', 's', 'e'});
 
     Emit("OnIpodArtworkChange", PictureBody());
@@ -178,7 +150,7 @@ TEST_F(BadInputTest, AnInvalidImageHasNoTypeAndNoSize)
     EXPECT_EQ(State()->Artwork()->bytes.size(), 8U);
 }
 
-TEST_F(BadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
+TEST_F(UnopenedBadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", {});
@@ -190,7 +162,7 @@ TEST_F(BadInputTest, AnnouncedArtworkWithoutBytesIsAbsent)
     EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
-TEST_F(BadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
+TEST_F(UnopenedBadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", Record({0, 0}));
     shared.SetBytes("VecArtworkBufferShareMemory", {'G', 'I', 'F', '8', '9', 'a'});
@@ -200,7 +172,7 @@ TEST_F(BadInputTest, AnArtworkHeadOfAnotherSizeMeansNoArtwork)
     EXPECT_EQ(State()->Artwork(), nullptr);
 }
 
-TEST_F(BadInputTest, RepliesOfOtherTypesLeaveTheirFieldsUnknown)
+TEST_F(UnopenedBadInputTest, RepliesOfOtherTypesLeaveTheirFieldsUnknown)
 {
     for (const char* method : {"GetCurrentMediaInfo", "GetPlayingTrackIdx", "GetPlayPosition", "GetShuffleMode",
                                "GetRepeatMode", "GetIpodName", "GetCarplayDeviceDetectStatus"})
@@ -235,7 +207,6 @@ constexpr int kChanges = 10000;
 // The loop keeps ticking while they arrive.
 TEST_F(BadInputTest, TenThousandTrackChangesInASecondKeepTheLoopAlive)
 {
-    Ready();
     int published = 0;
     const Subscription watching = session->OnState("count", [&](const StatePtr&, Fields) { ++published; });
     const Ticker ticker;

@@ -26,24 +26,15 @@ protected:
 
 using CommandsWithoutServiceTest = KitTest;
 
-class ArtworkCommandTest : public KitTest
+class ArtworkCommandTest : public ReadyTest
 {
 protected:
-    ArtworkCommandTest()
-    {
-        AnswerState(service);
-        Ready();
-    }
-
     // Size, width, and height as the service reports them; the first byte is nonzero if there is no image.
     void AnswerArtwork(unsigned char none, const std::vector<unsigned char>& image)
     {
         shared.SetBytes("VecArtworkBufferShareMemory", image);
         service.Answer("GetPlayingTrackAlbumArtwork", Record({none, 0, 0, 0, 7, 0, 0, 0, 44, 1, 0, 0, 200, 0, 0, 0}));
     }
-
-    SharedVectors shared;
-    FakeService service;
 };
 
 class CommandsWithoutBusTest : public testing::Test
@@ -100,8 +91,7 @@ TEST_F(CommandsTest, AnErrorOfALiveServiceIsARefusalRegardlessOfItsName)
     for (const char* last : {"NoReply", "ServiceUnknown", "NameHasNoOwner", "Timeout", "TimedOut", "Disconnected"})
     {
         const std::string name = std::string("org.freedesktop.DBus.Error.") + last;
-        service.React("Pause", [name](GDBusMethodInvocation* call)
-                      { g_dbus_method_invocation_return_dbus_error(call, name.c_str(), "the device is asleep"); });
+        service.On("Pause", [name](GVariant*) { return Reply::Error(name, "the device is asleep"); });
 
         for (const Result<void>& result : {Completed(Ask().Pause()), Ask().Pause().Wait()})
         {
@@ -210,14 +200,12 @@ TEST_F(CommandsTest, ACancelledRequestCompletesAtOnce)
 {
     service.Hold("Next");
     const Cancellation stop;
-    std::optional<Result<void>> result;
-    Ask().Next().CancelledBy(stop).Start([&result](Result<void> done) { result = std::move(done); });
+    const Pending result(Ask().Next().CancelledBy(stop));
     ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
 
     stop.Cancel();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(result.Get(500ms)), ErrorKind::Cancelled);
 }
 
 TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
@@ -239,17 +227,15 @@ TEST_F(CommandsTest, ABlockedCallerIsCancelledByAnotherThread)
 TEST_F(CommandsTest, AccessoryTextsAreStoredInRecordSlots)
 {
     std::promise<std::string> sent;
-    service.React("EapInit",
-                  [&sent](GDBusMethodInvocation* call)
-                  {
-                      GVariant* boxed = nullptr;
-                      g_variant_get(g_dbus_method_invocation_get_parameters(call), "(v)", &boxed);
-                      gsize size = 0;
-                      const gconstpointer bytes = g_variant_get_fixed_array(boxed, &size, 1);
-                      sent.set_value({static_cast<const char*>(bytes), size});
-                      g_variant_unref(boxed);
-                      g_dbus_method_invocation_return_value(call, nullptr);
-                  });
+    service.On("EapInit",
+               [&sent](GVariant* arguments)
+               {
+                   GVariant* boxed = nullptr;
+                   g_variant_get(arguments, "(v)", &boxed);
+                   sent.set_value({static_cast<const char*>(g_variant_get_data(boxed)), g_variant_get_size(boxed)});
+                   g_variant_unref(boxed);
+                   return Reply::With("()");
+               });
     const std::string longest(255, 'x');
 
     EXPECT_TRUE(Completed(Ask().AnnounceAccessory({longest, "app"})));
@@ -276,14 +262,12 @@ TEST_F(CommandsTest, AnAlreadyCancelledRequestIsNotSent)
 TEST_F(CommandsTest, AServiceThatDiesBeforeReplyingIsLost)
 {
     service.Hold("Next");
-    std::optional<Result<void>> result;
-    Ask().Next().Start([&result](Result<void> done) { result = std::move(done); });
+    const Pending result(Ask().Next());
     ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
 
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }));
-    EXPECT_EQ(KindOf(*result), ErrorKind::ServiceLost);
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::ServiceLost);
 }
 
 TEST_F(CommandsTest, ABlockedCallerIsNotified)
@@ -402,27 +386,21 @@ TEST_F(CommandsTest, FourThreadsMaySendRequestsConcurrently)
 TEST_F(CommandsTest, TheEndOfTheSessionCompletesPendingRequests)
 {
     service.Hold("Next");
-    std::optional<Result<void>> result;
     const Commands commands = Ask();
-    commands.Next().Start([&result](Result<void> done) { result = std::move(done); });
+    const Pending result(commands.Next());
     ASSERT_TRUE(RunLoopUntil([&] { return Sent("Next()"); }));
 
     session.reset();
 
-    ASSERT_TRUE(result);
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    ASSERT_TRUE(result.Done());
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
     EXPECT_EQ(KindOf(Completed(commands.Next())), ErrorKind::Cancelled);
     EXPECT_EQ(KindOf(commands.Next().Wait()), ErrorKind::Cancelled);
 }
 
 TEST_F(CommandsTest, ABlockedCallerStillGetsItsReplyWhenTheSessionEnds)
 {
-    service.React("Next",
-                  [](GDBusMethodInvocation* call)
-                  {
-                      std::this_thread::sleep_for(50ms);
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
-                  });
+    service.On("Next", [](GVariant*) { return Reply::With("(true,)").After(50); });
     std::optional<Result<void>> result;
     std::thread waiting([commands = Ask(), &result] { result = commands.Next().Wait(); });
     while (!Sent("Next()")) std::this_thread::yield();

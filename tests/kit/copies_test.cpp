@@ -10,18 +10,7 @@ namespace
 const std::vector<unsigned char> kImage(kBufferSegmentSize / 2, 0xAB);
 static_assert(kBufferSegmentSize / 2 >= kLargeAllocation);
 
-class CopiesTest : public KitTest
-{
-protected:
-    CopiesTest()
-    {
-        AnswerState(service);
-        Ready();
-    }
-
-    SharedVectors shared;
-    FakeService service;
-};
+using CopiesTest = ReadyTest;
 
 TEST_F(CopiesTest, AnEventsArtworkIsCopiedOnce)
 {
@@ -34,8 +23,7 @@ TEST_F(CopiesTest, AnEventsArtworkIsCopiedOnce)
         session->OnState("state", [&](const StatePtr& state, Fields) { ofState = state->Artwork(); });
     const long before = LargeAllocations();
 
-    service.Emit("OnIpodArtworkChange", PictureBody());
-    Settle(service);
+    Emit("OnIpodArtworkChange", PictureBody());
 
     EXPECT_EQ(LargeAllocations() - before, 1);
     ASSERT_NE(ofState, nullptr);
@@ -61,7 +49,7 @@ TEST_F(CopiesTest, ArtworkOfACommandIsCopiedOnce)
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     const long before = LargeAllocations();
 
-    const Result<ArtworkChanged> artwork = Completed(session->Commands().Artwork());
+    const Result<ArtworkChanged> artwork = Completed(Ask().Artwork());
 
     EXPECT_EQ(LargeAllocations() - before, 1);
     EXPECT_EQ(artwork.value().picture->bytes, kImage);

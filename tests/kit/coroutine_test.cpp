@@ -41,33 +41,22 @@ namespace test
 {
 namespace
 {
-class CoroutineTest : public KitTest
+class CoroutineTest : public ReadyTest
 {
 protected:
     CoroutineTest()
     {
-        AnswerState(service);
         service.Answer("Next", "(true,)");
         service.Answer("EnterDbRoot", "(true,)");
         service.Answer("GetCurDbListItemsAmount", "(7,)");
         service.Answer("GetDeviceAmount", "(2,)");
-        Ready();
     }
-
-    Commands Ask() const { return session->Commands(); }
 
     bool Ended()
     {
         return RunLoopUntil([this] { return tasks->Empty(); });
     }
 
-    std::ptrdiff_t Calls(const std::string& call) const
-    {
-        const std::vector<std::string> calls = service.Calls();
-        return std::count(calls.begin(), calls.end(), call);
-    }
-
-    FakeService service;
     std::unique_ptr<Tasks> tasks = std::make_unique<Tasks>();
 };
 

@@ -9,7 +9,7 @@ import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
-from private_session import LIMIT, Bus, enter_private_namespace, line_within, within  # noqa: E402
+from private_session import LIMIT, Bus, OnAPrivateBus, enter_private_namespace, within  # noqa: E402
 
 
 class Followed:
@@ -19,7 +19,7 @@ class Followed:
         self.test, self.name = test, name
         self.output = tempfile.NamedTemporaryFile(suffix=name)
         test.addCleanup(self.output.close)
-        test.start(os.path.join(OPTIONS.examples, name), *arguments, stdout=self.output, stderr=self.output)
+        test.launch(os.path.join(OPTIONS.examples, name), *arguments, stdout=self.output, stderr=self.output)
 
     def printed(self):
         with open(self.output.name, encoding="utf-8") as output:
@@ -30,19 +30,10 @@ class Followed:
         self.test.assertTrue(found, f"{self.name}: no '{text}' in:\n{self.printed()}")
 
 
-class Examples(unittest.TestCase):
+class Examples(OnAPrivateBus):
     def setUp(self):
-        self.bus = Bus()
-        self.addCleanup(self.bus.stop)
-        simulator = self.start(OPTIONS.simulator, stdout=subprocess.PIPE)
-        self.addCleanup(simulator.stdout.close)
-        line_within(simulator.stdout, LIMIT)
-
-    def start(self, program, *arguments, **streams):
-        process = subprocess.Popen([program, *arguments], env=self.bus.environment, **streams)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
-        return process
+        super().setUp()
+        self.launch_simulator(OPTIONS.simulator)
 
     def run_example(self, name, *arguments, bus=None):
         """Runs an example until it exits; returns its output and exit code."""
@@ -101,10 +92,9 @@ class Examples(unittest.TestCase):
         self.assertTrue(output.strip().isdigit() and status == 0, output)
 
     def test_artwork_to_file(self):
-        with tempfile.TemporaryDirectory() as directory:
-            example = self.follow("artwork_to_file", directory)
-            self.ipodctl("sim", "button", "play")
-            example.expect(f"file://{directory}/")
+        example = self.follow("artwork_to_file", self.folder)
+        self.ipodctl("sim", "button", "play")
+        example.expect(f"file://{self.folder}/")
 
     def test_accessory_echo(self):
         example = self.follow("accessory_echo")

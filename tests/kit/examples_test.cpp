@@ -54,10 +54,8 @@ private:
 class ExamplesTest : public testing::Test
 {
 protected:
-    ExamplesTest() { AnswerState(service); }
-
     PrivateBus bus;
-    FakeService service;
+    AnsweringService service;
     SharedVectors shared;
 };
 

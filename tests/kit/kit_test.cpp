@@ -59,6 +59,13 @@ void AnswerState(FakeService& service)
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody(1));
 }
 
+std::pair<int, int> RangeOf(GVariant* arguments)
+{
+    std::pair<int, int> range;
+    g_variant_get(arguments, "(ii)", &range.first, &range.second);
+    return range;
+}
+
 Session& KitTest::Open(const SessionOptions& given)
 {
     options = given;
@@ -84,5 +91,17 @@ void KitTest::Settle(FakeService& service)
 {
     EXPECT_TRUE(PassBarrier(service));
     RunLoopFor(options.settle + 10ms);
+}
+
+void ServedTest::Emit(const std::string& signal, const std::string& body)
+{
+    service.Emit(signal, body);
+    Settle(service);
+}
+
+std::ptrdiff_t ServedTest::Calls(const std::string& call) const
+{
+    const std::vector<std::string> calls = service.Calls();
+    return std::count(calls.begin(), calls.end(), call);
 }
 }  // namespace test

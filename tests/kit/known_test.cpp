@@ -9,21 +9,11 @@ namespace test
 {
 namespace
 {
-class KnownTest : public KitTest
-{
-protected:
-    KnownTest() { AnswerState(service); }
-
-    StatePtr State() const { return session->State(); }
-
-    FakeService service;
-    SharedVectors shared;
-};
+using KnownTest = ReadyTest;
+using UnopenedKnownTest = ServedTest;
 
 TEST_F(KnownTest, FieldsReportedOnlyByEventsStartUnreported)
 {
-    Ready();
-
     EXPECT_EQ(State()->Why(Field::Battery), Unknown::NotReported);
     EXPECT_EQ(State()->location.Why(), Unknown::NotReported);
     EXPECT_EQ(State()->Why(Field::Track), std::nullopt);
@@ -32,7 +22,7 @@ TEST_F(KnownTest, FieldsReportedOnlyByEventsStartUnreported)
     EXPECT_THROW(State()->battery.value(), std::bad_optional_access);
 }
 
-TEST_F(KnownTest, ARefusedFieldHasTheErrorOfTheService)
+TEST_F(UnopenedKnownTest, ARefusedFieldHasTheErrorOfTheService)
 {
     service.Fail("GetShuffleMode", "busy");
 
@@ -43,9 +33,10 @@ TEST_F(KnownTest, ARefusedFieldHasTheErrorOfTheService)
     EXPECT_EQ(State()->shuffle.Cause()->kind, ErrorKind::Refused);
     EXPECT_THAT(State()->shuffle.Cause()->reason, HasSubstr("busy"));
     EXPECT_EQ(State()->track.Cause(), nullptr);
+    EXPECT_EQ(State()->queueSize, 3);
 }
 
-TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
+TEST_F(UnopenedKnownTest, ARefusedFieldIsReadAgainOnRequest)
 {
     service.Fail("GetShuffleMode", "busy");
     Ready();
@@ -59,18 +50,17 @@ TEST_F(KnownTest, ARefusedFieldIsReadAgainOnRequest)
 
 TEST_F(KnownTest, OnlyTheWantedFieldsAreReadAgain)
 {
-    Ready();
     const std::size_t before = service.Calls().size();
 
     session->Refresh(Field::Shuffle | Field::Battery);
-    Completed(session->Commands().Repeat());
+    Completed(Ask().Repeat());
 
     const auto calls = service.Calls();
     EXPECT_THAT(std::vector(calls.begin() + static_cast<std::ptrdiff_t>(before), calls.end()),
                 ElementsAre("GetShuffleMode()", "GetRepeatMode()"));
 }
 
-TEST_F(KnownTest, ARefreshCompletesWithThePublishedState)
+TEST_F(UnopenedKnownTest, ARefreshCompletesWithThePublishedState)
 {
     options.settle = 10s;
     Ready();
@@ -85,7 +75,6 @@ TEST_F(KnownTest, ARefreshCompletesWithThePublishedState)
 
 TEST_F(KnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
 {
-    Ready();
     const std::size_t before = service.Calls().size();
 
     EXPECT_EQ(Completed(session->Refreshed(Field::Battery)).value(), State());
@@ -93,7 +82,7 @@ TEST_F(KnownTest, ARefreshOfFieldsThatOnlyEventsReportCompletesAtOnce)
     EXPECT_EQ(service.Calls().size(), before);
 }
 
-TEST_F(KnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
+TEST_F(UnopenedKnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
 {
     options.deadline = 100ms;
     Ready();
@@ -110,7 +99,6 @@ TEST_F(KnownTest, ARefreshCompletesWithTheReasonWhenAFieldIsRefusedOrLate)
 // The answer to the first request was on its way when the second one was made.
 TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
 {
-    Ready();
     std::atomic<GDBusMethodInvocation*> second{nullptr};
     std::atomic<int> calls{0};
     const auto answerFirst = [&](GDBusMethodInvocation* call)
@@ -120,21 +108,18 @@ TEST_F(KnownTest, ARefreshWaitsForTheAnswerToItsOwnRequest)
     };
     service.React("GetRepeatMode", answerFirst);
     session->Refresh(Field::Repeat);
-    std::optional<Result<StatePtr>> read;
 
-    session->Refreshed(Field::Repeat).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+    const Pending read(session->Refreshed(Field::Repeat));
 
     ASSERT_TRUE(RunLoopUntil([&] { return second != nullptr && State()->repeat == Repeat::One; }));
-    EXPECT_FALSE(read);
+    EXPECT_FALSE(read.Done());
     g_dbus_method_invocation_return_value(second, g_variant_new("(i)", 2));
 
-    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
-    EXPECT_EQ((**read)->repeat, Repeat::All);
+    EXPECT_EQ(read.Get().value()->repeat, Repeat::All);
 }
 
 TEST_F(KnownTest, ARefreshSupportsDeadlinesAndCancellation)
 {
-    Ready();
     service.Hold("GetRepeatMode");
     const Cancellation stop;
     stop.Cancel();
@@ -144,21 +129,19 @@ TEST_F(KnownTest, ARefreshSupportsDeadlinesAndCancellation)
     EXPECT_EQ(KindOf(Completed(session->Refreshed(Field::Repeat).CancelledBy(stop))), ErrorKind::Cancelled);
 }
 
-TEST_F(KnownTest, ARefreshNeedsAServiceUntilItsEnd)
+TEST_F(UnopenedKnownTest, ARefreshNeedsAServiceUntilItsEnd)
 {
     EXPECT_EQ(KindOf(Completed(Open(options).Refreshed())), ErrorKind::NoService);
 
     Ready();
     service.Hold("GetRepeatMode");
-    std::optional<Result<StatePtr>> read;
-    session->Refreshed(Field::Repeat).Start([&read](Result<StatePtr> state) { read = std::move(state); });
+    const Pending read(session->Refreshed(Field::Repeat));
     service.Vanish();
 
-    ASSERT_TRUE(RunLoopUntil([&] { return read.has_value(); }));
-    EXPECT_EQ(KindOf(*read), ErrorKind::ServiceLost);
+    EXPECT_EQ(KindOf(read.Get()), ErrorKind::ServiceLost);
 }
 
-TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
+TEST_F(UnopenedKnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
 {
     std::optional<Result<StatePtr>> read;
     std::atomic<bool> begun{false};
@@ -177,20 +160,17 @@ TEST_F(KnownTest, ARefreshBeforeReadyWaitsForTheWholeState)
     EXPECT_EQ((**read)->phase, Phase::Ready);
 }
 
-TEST_F(KnownTest, AnUnknownMethodMeansAnUnsupportedField)
+TEST_F(UnopenedKnownTest, AnUnknownMethodMeansAnUnsupportedField)
 {
-    service.React("GetIpodAppBundleName",
-                  [](GDBusMethodInvocation* call) {
-                      g_dbus_method_invocation_return_dbus_error(call, "org.freedesktop.DBus.Error.UnknownMethod",
-                                                                 "no such method");
-                  });
+    service.On("GetIpodAppBundleName",
+               [](GVariant*) { return Reply::Error("org.freedesktop.DBus.Error.UnknownMethod", "no such method"); });
 
     Ready();
 
     EXPECT_EQ(State()->Why(Field::ForegroundApp), Unknown::NotSupported);
 }
 
-TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
+TEST_F(UnopenedKnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
 {
     options.deadline = 100ms;
     service.Hold("GetRepeatMode");
@@ -205,7 +185,6 @@ TEST_F(KnownTest, ALateFieldIsTimedOutUntilItsReplyArrives)
 
 TEST_F(KnownTest, WithoutADeviceItsFieldsAreUnknown)
 {
-    Ready();
     service.Answer("GetDeviceAmount", "(0,)");
 
     service.Emit("OnIpodDeviceStatusChange", "(1, false)");
@@ -213,9 +192,10 @@ TEST_F(KnownTest, WithoutADeviceItsFieldsAreUnknown)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
     for (const Field field : {Field::Track, Field::TrackIndex, Field::Position, Field::DeviceName, Field::Battery})
         EXPECT_EQ(State()->Why(field), Unknown::NoDevice) << Name(field);
+    EXPECT_EQ(State()->shuffle, Shuffle::Albums);
 }
 
-TEST_F(KnownTest, ARefusalWithoutADeviceReportsThat)
+TEST_F(UnopenedKnownTest, ARefusalWithoutADeviceReportsThat)
 {
     service.Answer("GetDeviceAmount", "(0,)");
     service.Fail("GetCurrentMediaInfo", "no device");
@@ -238,7 +218,7 @@ TEST(Known, ComparesWithValuesAndReasons)
 }
 
 // The core's record contains everything that the service sent.
-TEST_F(KnownTest, TheRawRecordsOfTheCoreStayReachable)
+TEST_F(UnopenedKnownTest, TheRawRecordsOfTheCoreStayReachable)
 {
     std::vector<unsigned char> record(1040);
     record[0] = 'T';

@@ -85,20 +85,14 @@ private:
     std::atomic<bool> m_mayBeStarted{false};
 };
 
-class MemoryTest : public KitTest
+class MemoryTest : public ServedTest
 {
 protected:
-    MemoryTest() { AnswerState(service); }
-
-    const PlayerState& State() const { return *session->State(); }
-
     std::string Of(const ipodsim::ScriptedService& one, const std::string& fields) const
     {
         return "@a{sv} {'Service': <'" + one.UniqueName() + "'>" + fields + "}";
     }
 
-    FakeService service;
-    SharedVectors shared;
     FakeDaemon daemon;
 };
 
@@ -111,15 +105,15 @@ TEST_F(MemoryTest, BringsWhatEventsReportedBeforeTheSession)
     daemon.Answer(Of(service, kCallAndBattery));
 
     Ready();
-    ASSERT_TRUE(RunLoopUntil([&] { return !State().remembered.Empty(); }));
+    ASSERT_TRUE(RunLoopUntil([&] { return !State()->remembered.Empty(); }));
 
-    EXPECT_EQ(State().calls.at("a").status, CallStatus::Active);
-    EXPECT_EQ(State().calls.at("a").name, "Li Lei");
-    EXPECT_EQ(State().calls.at("a").id, "a");
-    EXPECT_EQ(State().battery->percent, 80);
-    EXPECT_EQ(static_cast<int>(*State().battery->charging), 9);
-    EXPECT_EQ(State().remembered, Field::Calls | Field::Battery);
-    EXPECT_EQ(State().service, service.UniqueName());
+    EXPECT_EQ(State()->calls.at("a").status, CallStatus::Active);
+    EXPECT_EQ(State()->calls.at("a").name, "Li Lei");
+    EXPECT_EQ(State()->calls.at("a").id, "a");
+    EXPECT_EQ(State()->battery->percent, 80);
+    EXPECT_EQ(static_cast<int>(*State()->battery->charging), 9);
+    EXPECT_EQ(State()->remembered, Field::Calls | Field::Battery);
+    EXPECT_EQ(State()->service, service.UniqueName());
     EXPECT_FALSE(daemon.MayBeStarted());
 }
 
@@ -131,8 +125,8 @@ TEST_F(MemoryTest, OfAnotherServiceIsIgnored)
     ASSERT_TRUE(RunLoopUntil([&] { return daemon.Asked() == 1; }));
     Settle(service);
 
-    EXPECT_FALSE(State().location);
-    EXPECT_EQ(State().remembered, Fields());
+    EXPECT_FALSE(State()->location);
+    EXPECT_EQ(State()->remembered, Fields());
 }
 
 TEST_F(MemoryTest, WithUnexpectedTypesIsSkipped)
@@ -142,10 +136,10 @@ TEST_F(MemoryTest, WithUnexpectedTypesIsSkipped)
                      "<@a{sv} {'available': <'no'>, 'address': <'00:11'>}>, 'Future': <1>, 'Location': <'odd'>"));
 
     Ready();
-    ASSERT_TRUE(RunLoopUntil([&] { return !State().remembered.Empty(); }));
+    ASSERT_TRUE(RunLoopUntil([&] { return !State()->remembered.Empty(); }));
 
-    EXPECT_EQ(State().remembered, Fields(Field::Wireless));
-    EXPECT_EQ(State().wireless->deviceAddress, "00:11");
+    EXPECT_EQ(State()->remembered, Fields(Field::Wireless));
+    EXPECT_EQ(State()->wireless->deviceAddress, "00:11");
 }
 
 TEST_F(MemoryTest, YieldsToEventsThatArriveBeforeIt)
@@ -153,50 +147,46 @@ TEST_F(MemoryTest, YieldsToEventsThatArriveBeforeIt)
     Ready();
     ASSERT_TRUE(RunLoopUntil([&] { return daemon.Asked() == 1; }));
     service.Emit("OnIpodBatteryChange", Record({16, 50}));
-    service.Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
-    Settle(service);
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
 
     daemon.Answer(Of(service, std::string(kCallAndBattery) + ", 'Location': <'requested'>"));
-    ASSERT_TRUE(RunLoopUntil([&] { return State().location.has_value(); }));
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->location.has_value(); }));
 
-    EXPECT_EQ(State().battery->percent, 50);
-    EXPECT_THAT(State().calls, IsEmpty());
-    EXPECT_EQ(State().remembered, Fields(Field::Location));
+    EXPECT_EQ(State()->battery->percent, 50);
+    EXPECT_THAT(State()->calls, IsEmpty());
+    EXPECT_EQ(State()->remembered, Fields(Field::Location));
 }
 
 TEST_F(MemoryTest, EndsFieldByFieldWithTheEventsThatFollow)
 {
     daemon.Answer(Of(service, kCallAndBattery));
     Ready();
-    ASSERT_TRUE(RunLoopUntil([&] { return !State().remembered.Empty(); }));
+    ASSERT_TRUE(RunLoopUntil([&] { return !State()->remembered.Empty(); }));
 
-    service.Emit("OnIpodBatteryChange", Record({16, 80}));
-    Settle(service);
-    EXPECT_EQ(State().remembered, Fields(Field::Calls));
+    Emit("OnIpodBatteryChange", Record({16, 80}));
+    EXPECT_EQ(State()->remembered, Fields(Field::Calls));
 
-    service.Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
-    Settle(service);
-    EXPECT_EQ(State().remembered, Fields());
+    Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 0}));
+    EXPECT_EQ(State()->remembered, Fields());
 }
 
 TEST_F(MemoryTest, IsDroppedWithTheNextService)
 {
     daemon.Answer(Of(service, kCallAndBattery));
     Ready();
-    ASSERT_TRUE(RunLoopUntil([&] { return !State().remembered.Empty(); }));
+    ASSERT_TRUE(RunLoopUntil([&] { return !State()->remembered.Empty(); }));
 
     service.Vanish();
-    ASSERT_TRUE(RunLoopUntil([&] { return State().phase == Phase::Lost; }));
-    EXPECT_THAT(State().calls, IsEmpty());
-    FakeService next;
-    AnswerState(next);
+    ASSERT_TRUE(RunLoopUntil([&] { return State()->phase == Phase::Lost; }));
+    EXPECT_THAT(State()->calls, IsEmpty());
+    AnsweringService next;
     Ready(2);
     ASSERT_TRUE(RunLoopUntil([&] { return daemon.Asked() == 2; }));
     Settle(next);
 
-    EXPECT_FALSE(State().battery);
-    EXPECT_EQ(State().remembered, Fields());
-    EXPECT_EQ(State().service, next.UniqueName());
+    EXPECT_FALSE(State()->battery);
+    EXPECT_EQ(State()->remembered, Fields());
+    EXPECT_EQ(State()->service, next.UniqueName());
 }
 
 TEST(VariantTest, ValuesReturnFromTheirVariants)

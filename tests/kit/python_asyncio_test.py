@@ -49,11 +49,8 @@ class Asyncio(WithSimulator):
     async def test_a_late_answer_is_a_timeout_error(self):
         session = await self.ready_session()
         self.simulator.hang()
-        try:
-            with self.assertRaises(TimeoutError) as raised:
-                await session.commands.ipod_name().within(0.05)
-        finally:
-            self.simulator.go_on()
+        with self.assertRaises(TimeoutError) as raised:
+            await session.commands.ipod_name().within(0.05)
         self.assertIsInstance(raised.exception, ipodkit.TimedOut)
         self.assertIsInstance(raised.exception, ipodkit.Error)
         self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.TIMED_OUT)
@@ -61,25 +58,20 @@ class Asyncio(WithSimulator):
     async def test_the_loop_continues_while_the_service_hangs(self):
         session = await self.ready_session()
         self.simulator.hang()
-        try:
-            answer = asyncio.ensure_future(session.commands.ipod_name().within(0.3))
-            begin = time.monotonic()
-            await asyncio.sleep(0.05)
-            self.assertLess(time.monotonic() - begin, 0.25)
-            self.assertFalse(answer.done())
-            with self.assertRaises(ipodkit.TimedOut):
-                await answer
-        finally:
-            self.simulator.go_on()
+        answer = asyncio.ensure_future(session.commands.ipod_name().within(0.3))
+        begin = time.monotonic()
+        await asyncio.sleep(0.05)
+        self.assertLess(time.monotonic() - begin, 0.25)
+        self.assertFalse(answer.done())
+        with self.assertRaises(ipodkit.TimedOut):
+            await answer
 
     async def test_a_cancelled_task_withdraws_its_request(self):
         session = await self.ready_session()
         self.simulator.hang()
-        try:
-            with self.assertRaises(asyncio.TimeoutError):
-                await asyncio.wait_for(session.commands.ipod_name(), 0.05)
-        finally:
-            self.simulator.go_on()
+        with self.assertRaises(asyncio.TimeoutError):
+            await asyncio.wait_for(session.commands.ipod_name(), 0.05)
+        self.simulator.go_on()
         self.assertEqual(await session.commands.ipod_name(), "Desk iPod")
 
     async def test_a_refresh_returns_the_state_that_was_read(self):
@@ -133,14 +125,11 @@ class Asyncio(WithSimulator):
         following = asyncio.ensure_future(follow())
         await asyncio.sleep(0.05)
         self.simulator.hang()
-        try:
-            answer = asyncio.ensure_future(session.commands.ipod_name())
-            await asyncio.sleep(0)
-            session.close()
-            with self.assertRaises(ipodkit.Cancelled):
-                await asyncio.wait_for(answer, LIMIT)
-        finally:
-            self.simulator.go_on()
+        answer = asyncio.ensure_future(session.commands.ipod_name())
+        await asyncio.sleep(0)
+        session.close()
+        with self.assertRaises(ipodkit.Cancelled):
+            await asyncio.wait_for(answer, LIMIT)
         self.assertEqual(len(await asyncio.wait_for(following, LIMIT)), 1)
 
     async def test_a_restarted_service_is_followed(self):

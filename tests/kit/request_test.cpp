@@ -12,23 +12,13 @@ namespace test
 {
 namespace
 {
-class RequestTest : public KitTest
+class RequestTest : public ReadyTest
 {
 protected:
     RequestTest()
     {
-        AnswerState(service);
         service.Answer("EnterDbRoot", "(true,)");
         service.Answer("GetCurDbListItemsAmount", "(7,)");
-        Ready();
-    }
-
-    Commands Ask() const { return session->Commands(); }
-
-    std::ptrdiff_t Calls(const std::string& call) const
-    {
-        const std::vector<std::string> calls = service.Calls();
-        return std::count(calls.begin(), calls.end(), call);
     }
 
     // Enters the root and then reads the size of the level.
@@ -53,8 +43,6 @@ protected:
         thread.join();
         return *std::move(result);
     }
-
-    FakeService service;
 };
 
 TEST_F(RequestTest, TheResultOfAChainIsThatOfItsLastPart)
@@ -89,12 +77,7 @@ TEST_F(RequestTest, EachPartOfAChainKeepsItsDeadline)
 
 TEST_F(RequestTest, TheDeadlineOfAChainCoversAllParts)
 {
-    service.React("EnterDbRoot",
-                  [](GDBusMethodInvocation* call)
-                  {
-                      std::this_thread::sleep_for(60ms);
-                      g_dbus_method_invocation_return_value(call, g_variant_new("(b)", TRUE));
-                  });
+    service.On("EnterDbRoot", [](GVariant*) { return Reply::With("(true,)").After(60); });
     service.Hold("GetCurDbListItemsAmount");
     const auto start = std::chrono::steady_clock::now();
 
@@ -123,15 +106,13 @@ TEST_F(RequestTest, CancellationReachesThePendingPart)
     {
         service.Hold(member);
         const Cancellation stop;
-        std::optional<Result<int>> result;
-        RootCount().CancelledBy(stop).Start([&result](Result<int> count) { result = std::move(count); });
+        const Pending result(RootCount().CancelledBy(stop));
         RunLoopFor(50ms);
-        EXPECT_FALSE(result);
+        EXPECT_FALSE(result.Done());
 
         stop.Cancel();
 
-        ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
-        EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+        EXPECT_EQ(KindOf(result.Get(500ms)), ErrorKind::Cancelled);
         service.Answer(member, "(true,)");
     }
 }
@@ -143,19 +124,16 @@ TEST_F(RequestTest, APartObeysItsOwnCancellationAndThatOfTheWhole)
     {
         const Cancellation part;
         const Cancellation whole;
-        std::optional<Result<int>> result;
-        Ask()
-            .EnterRoot()
-            .CancelledBy(part)
-            .AndThen([ask = Ask()] { return ask.DatabaseCount(); })
-            .CancelledBy(whole)
-            .Start([&result](Result<int> count) { result = std::move(count); });
+        const Pending result(Ask()
+                                 .EnterRoot()
+                                 .CancelledBy(part)
+                                 .AndThen([ask = Ask()] { return ask.DatabaseCount(); })
+                                 .CancelledBy(whole));
         RunLoopFor(20ms);
 
         (own ? part : whole).Cancel();
 
-        ASSERT_TRUE(RunLoopUntil([&] { return result.has_value(); }, 500ms));
-        EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+        EXPECT_EQ(KindOf(result.Get(500ms)), ErrorKind::Cancelled);
     }
 }
 
@@ -171,14 +149,13 @@ TEST_F(RequestTest, AnExceptionBetweenThePartsIsLoggedAndCompletesTheChain)
 TEST_F(RequestTest, AChainEndsWithTheSession)
 {
     service.Hold("GetCurDbListItemsAmount");
-    std::optional<Result<int>> result;
-    RootCount().Start([&result](Result<int> count) { result = std::move(count); });
+    const Pending result(RootCount());
     ASSERT_TRUE(RunLoopUntil([&] { return Calls("GetCurDbListItemsAmount(false,)") == 1; }));
 
     session.reset();
 
-    ASSERT_TRUE(result);
-    EXPECT_EQ(KindOf(*result), ErrorKind::Cancelled);
+    ASSERT_TRUE(result.Done());
+    EXPECT_EQ(KindOf(result.Get()), ErrorKind::Cancelled);
 }
 
 TEST_F(RequestTest, AChainOfCommandsBlocksWhereTheContextRunsAndElsewhere)
@@ -398,17 +375,14 @@ TEST_F(RequestTest, AnAccessoryWriteHasADeadlineAndACancellation)
 {
     service.Hold("EapWrite");
     AccessoryPort port(*session);
-    service.Emit("OnIpodStartEapSession", "(3, 1)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 1)");
     const AccessorySessionPtr peer = port.Sessions().at(0);
     const Cancellation stop;
-    std::optional<Result<void>> second;
 
     EXPECT_EQ(KindOf(Completed(peer->Write({1}).Within(50ms))), ErrorKind::TimedOut);
-    peer->Write({2}).CancelledBy(stop).Start([&second](Result<void> done) { second = std::move(done); });
+    const Pending second(peer->Write({2}).CancelledBy(stop));
     stop.Cancel();
-    ASSERT_TRUE(RunLoopUntil([&] { return second.has_value(); }));
-    EXPECT_EQ(KindOf(*second), ErrorKind::Cancelled);
+    EXPECT_EQ(KindOf(second.Get()), ErrorKind::Cancelled);
     service.Answer("EapWrite", "(true,)");
     service.AnswerHeld("(true,)");
 
@@ -423,8 +397,7 @@ TEST_F(RequestTest, AWriteThatIsWithdrawnHalfwayEndsTheOthersToo)
     AccessoryOptions small;
     small.chunk = 1;
     AccessoryPort port(*session, small);
-    service.Emit("OnIpodStartEapSession", "(3, 1)");
-    Settle(service);
+    Emit("OnIpodStartEapSession", "(3, 1)");
     const AccessorySessionPtr peer = port.Sessions().at(0);
     std::vector<ErrorKind> kinds;
     const auto record = [&kinds](const Result<void>& result) { kinds.push_back(KindOf(result)); };

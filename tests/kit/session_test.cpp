@@ -53,10 +53,11 @@ private:
     Subscription m_watching;
 };
 
+using ReadySessionTest = ReadyTest;
+
 TEST_F(SessionTest, GoesFromAbsentToReady)
 {
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
     RecordPhases();
 
@@ -71,8 +72,7 @@ TEST_F(SessionTest, WaitsForAServiceStartedLater)
     RecordPhases();
     RunLoopFor(50ms);
 
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Ready();
 
     EXPECT_EQ(Phases().back(), "Ready 1");
@@ -80,16 +80,14 @@ TEST_F(SessionTest, WaitsForAServiceStartedLater)
 
 TEST_F(SessionTest, IsLostWithTheServiceAndReadyWithTheNext)
 {
-    auto service = std::make_unique<FakeService>();
-    AnswerState(*service);
+    auto service = std::make_unique<AnsweringService>();
     Ready();
     RecordPhases();
     RunLoopFor(1ms);
 
     service.reset();
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().phase == Phase::Lost; }));
-    FakeService next;
-    AnswerState(next);
+    AnsweringService next;
     Ready(2);
 
     EXPECT_THAT(Phases(), ElementsAre("Ready 1", "Lost 1", "Connecting 2", "Ready 2"));
@@ -99,8 +97,7 @@ TEST_F(SessionTest, ObtainsThePlayerOnceAndLeavesItsConnectionToTheApplication)
 {
     for (std::uint32_t generation = 1; generation <= 3; ++generation)
     {
-        FakeService service;
-        AnswerState(service);
+        AnsweringService service;
         Ready(generation);
     }
 
@@ -147,8 +144,7 @@ TEST_F(SessionTest, OptionsThatAreOutOfRangeAreABadArgument)
 
 TEST_F(SessionTest, CallbacksThatThrowStopNothing)
 {
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Session& opened = Open();
     int calls = 0;
     const auto broken = [&calls](const auto&...)
@@ -173,11 +169,8 @@ TEST_F(SessionTest, CallbacksThatThrowStopNothing)
     EXPECT_EQ(CountLogLines("80 LogWarning: callback 'an event' threw: broken"), 1U);
 }
 
-TEST_F(SessionTest, ASecondOneMayFollow)
+TEST_F(ReadySessionTest, ASecondOneMayFollow)
 {
-    FakeService service;
-    AnswerState(service);
-    Ready();
     session.reset();
 
     Ready();
@@ -186,11 +179,8 @@ TEST_F(SessionTest, ASecondOneMayFollow)
     EXPECT_TRUE(RunLoopUntil([&] { return session->State()->status == PlayStatus::Paused; }));
 }
 
-TEST_F(SessionTest, ALaterOneMayLiveInAContextOfTheApplication)
+TEST_F(ReadySessionTest, ALaterOneMayLiveInAContextOfTheApplication)
 {
-    FakeService service;
-    AnswerState(service);
-    Ready();
     session.reset();
     GMainContext* const own = g_main_context_new();
     SessionOptions elsewhere;
@@ -246,8 +236,7 @@ TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
 // As if a service is stopped after its first reply.
 TEST_F(SessionTest, IsReadyWithoutLateFieldsAndListsThem)
 {
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     service.Hold("GetCurrentMediaInfo");
     service.Hold("GetIpodName");
     options.deadline = 500ms;
@@ -268,14 +257,13 @@ TEST_F(SessionTest, IsReadyWithoutLateFieldsAndListsThem)
 
 TEST_F(SessionTest, EventValuesStayKnownIfTheServiceRefusesToRepeatThem)
 {
-    FakeService service;
-    AnswerState(service);
-    service.React("GetShuffleMode",
-                  [&service](GDBusMethodInvocation* call)
-                  {
-                      service.Emit("OnIpodShuffleModeChange", "(1,)");
-                      g_dbus_method_invocation_return_dbus_error(call, "com.example.Broken", "no");
-                  });
+    AnsweringService service;
+    service.On("GetShuffleMode",
+               [&service](GVariant*)
+               {
+                   service.Emit("OnIpodShuffleModeChange", "(1,)");
+                   return Reply::Error("com.example.Broken", "no");
+               });
 
     Ready();
 
@@ -312,25 +300,13 @@ TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
         "states", [&](const StatePtr& state, Fields) { compare(state->phase, state->error.has_value()); });
     for (std::uint32_t generation = 1; generation <= 3; ++generation)
     {
-        FakeService service;
-        AnswerState(service);
+        AnsweringService service;
         Ready(generation);
     }
     bus.Stop();
 
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
     EXPECT_THAT(differences, IsEmpty());
-}
-
-TEST_F(SessionTest, IsReadyEvenIfTheServiceRefusesAField)
-{
-    FakeService service;
-    AnswerState(service);
-    service.Fail("GetIpodName", "no");
-    Ready();
-
-    EXPECT_FALSE(session->State()->deviceName);
-    EXPECT_EQ(session->State()->queueSize, 3);
 }
 
 // Waiting for the lock times out after ten seconds.
@@ -344,8 +320,7 @@ TEST_F(SessionTest, ASegmentLockedByADeadProcessIsAnErrorWithARemedy)
         segment.atomic_func(die);
     }
     ASSERT_EQ(waitpid(child, nullptr, 0), child);
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
 
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }, 20s));
@@ -363,8 +338,7 @@ TEST_F(SessionTest, ASegmentOfAnotherUserIsAnErrorThatNamesBoth)
     constexpr uid_t kNobody = 65534;
     Open();
     RunLoopFor(50ms);
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     const QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
     if (geteuid() != 0 || seteuid(kNobody) != 0) GTEST_SKIP() << "only root can switch users";
 
@@ -384,8 +358,7 @@ TEST_F(SessionTest, ASegmentOfAnotherSizeIsAnErrorWithARemedy)
         const QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
     }
     ASSERT_EQ(truncate((std::string("/dev/shm/") + kBufferSegmentName).c_str(), 32768), 0);
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
 
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
@@ -400,8 +373,7 @@ TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
     ASSERT_GE(file, 0);
     ASSERT_EQ(ftruncate(file, 4096), 0);
     close(file);
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
     const Ticker ticker;
 
@@ -420,8 +392,7 @@ TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
 {
     QBXSharedSegment(boost::interprocess::open_or_create, kListSegmentName, 65536);
     ASSERT_EQ(truncate((std::string("/dev/shm/") + kListSegmentName).c_str(), 65536 + 4096), 0);
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
 
     Ready();
@@ -433,8 +404,7 @@ TEST_F(SessionTest, AFullSegmentRequiresARestart)
     QBXSharedSegment segment(boost::interprocess::open_or_create, kBufferSegmentName, 65536);
     for (std::size_t size = 65536; size > 0; size /= 2)
         while (segment.allocate(size, std::nothrow) != nullptr) continue;
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
 
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
@@ -486,13 +456,11 @@ TEST_F(SessionTest, NeitherLosesNorDuplicatesEventsOfAReplacementService)
                                                        const auto* const change = std::get_if<QueueSizeChanged>(&event);
                                                        if (change != nullptr) seen.push_back(change->size);
                                                    });
-    auto service = std::make_unique<FakeService>();
-    AnswerState(*service);
+    auto service = std::make_unique<AnsweringService>();
     Ready(1);
     for (std::uint32_t generation = 2; generation <= 100; ++generation)
     {
-        auto next = std::make_unique<FakeService>(FakeService::Takeover::Yes);
-        AnswerState(*next);
+        auto next = std::make_unique<AnsweringService>(FakeService::Takeover::Yes);
         for (int i = 0; i < 3; ++i)
         {
             sent.push_back(static_cast<int>(generation) * 3 + i);
@@ -505,11 +473,8 @@ TEST_F(SessionTest, NeitherLosesNorDuplicatesEventsOfAReplacementService)
     EXPECT_EQ(seen, sent);
 }
 
-TEST_F(SessionTest, ASignalFromAnotherSenderIsIgnored)
+TEST_F(ReadySessionTest, ASignalFromAnotherSenderIsIgnored)
 {
-    FakeService service;
-    AnswerState(service);
-    Ready();
     int seen = 0;
     const Subscription watching = session->OnEvent("count", [&seen](const ipodkit::Event&) { ++seen; });
     GDBusConnection* const other = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
@@ -525,8 +490,7 @@ TEST_F(SessionTest, ASignalFromAnotherSenderIsIgnored)
 
 TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
 {
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Open();
     int late = 0;
     const auto count = [&] { late += session == nullptr ? 1 : 0; };
@@ -545,8 +509,7 @@ TEST_F(SessionTest, CallbacksMayDestroyTheSessionAndNoneRunsAfterThat)
 
 TEST_F(SessionTest, PublishesWithoutATimerDescriptor)
 {
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     rlimit usual{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
     const rlimit none{0, usual.rlim_max};
@@ -564,8 +527,7 @@ TEST_F(SessionTest, PublishesWithoutATimerDescriptor)
 
 TEST_F(SessionTest, TheEndOfTheBusIsReported)
 {
-    auto service = std::make_unique<FakeService>();
-    AnswerState(*service);
+    auto service = std::make_unique<AnsweringService>();
     Ready();
     service.reset();
 
@@ -578,16 +540,14 @@ TEST_F(SessionTest, TheEndOfTheBusIsReported)
 
 TEST_F(SessionTest, AReturningBusIsFoundAgain)
 {
-    auto service = std::make_unique<FakeService>();
-    AnswerState(*service);
+    auto service = std::make_unique<AnsweringService>();
     Ready();
     service.reset();
     bus.Stop();
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
 
     const PrivateBus next;
-    FakeService again;
-    AnswerState(again);
+    AnsweringService again;
 
     Ready(2);
     EXPECT_FALSE(session->Connection().error);
@@ -606,8 +566,7 @@ TEST_F(SessionTest, AServiceThatTheBusCannotStartIsAnErrorWithItsReason)
     EXPECT_EQ(session->Connection().phase, Phase::Absent);
     EXPECT_EQ(session->Connection().error->kind, ErrorKind::NoService);
     EXPECT_THAT(session->Connection().error->reason, HasSubstr("com.zarn.linux.ipod"));
-    FakeService service;
-    AnswerState(service);
+    AnsweringService service;
     Ready();
 }
 
@@ -640,12 +599,8 @@ const std::pair<const char*, const char*> kSignals[] = {
     {"OnOOBPairingInfo", "('address', [(0x05,), (0x06,)])"},
 };
 
-TEST_F(SessionTest, EverySignalIsAnEventAsInTheCore)
+TEST_F(ReadySessionTest, EverySignalIsAnEventAsInTheCore)
 {
-    FakeService service;
-    AnswerState(service);
-    SharedVectors shared;
-    Ready();
     shared.SetBytes("VecArtworkChangeBufferShareMemory", {'G', 'I', 'F'});
     shared.SetBytes("VecEapReadBufferShareMemory", {1, 2, 3});
     Journal core;
@@ -678,26 +633,22 @@ TEST_F(SessionTest, EverySignalIsAnEventAsInTheCore)
     QBX_GetIpodPlayer()->RemoveListener(&coreListener);
 }
 
-TEST_F(SessionTest, ListenersGetEveryEventOutsideTheListenerLock)
+TEST_F(ReadySessionTest, ListenersGetEveryEventOutsideTheListenerLock)
 {
-    FakeService service;
-    AnswerState(service);
-    Ready();
     Journal journal;
     RecordingListener listener(journal, "app");
     const Subscription listening = Listen(*session, "app", listener);
 
     service.Emit("OnPlayStatusChanged", "(2,)");
     service.Emit("OnIpodPlayingTrackChange", TrackEvent(7, "Other"));
-    service.Emit("OnOOBPairingInfo", "('addr', [(0x01,), (0x02,)])");
-    Settle(service);
+    Emit("OnOOBPairingInfo", "('addr', [(0x01,), (0x02,)])");
 
     EXPECT_THAT(journal, ElementsAre("app.OnPlayStatusChanged(2)",
                                      R"(app.OnIpodPlayingTrackChange(7, "Other", "", "", "", 0, 0, 0, 0))",
                                      R"(app.OnOOBPairingInfo("addr", [01 02]))"));
 }
 
-TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
+TEST_F(ReadySessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
 {
     struct Waiting : IQBXIpodPlayerListener
     {
@@ -715,9 +666,6 @@ TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
         bool called = false;
         bool outside = false;
     };
-    FakeService service;
-    AnswerState(service);
-    Ready();
     Waiting waiting;
     const Subscription listening = Listen(*session, "waiting", waiting);
 
@@ -727,7 +675,7 @@ TEST_F(SessionTest, AListenerMayWaitForAThreadThatWantsTheListenerLock)
     EXPECT_TRUE(waiting.outside);
 }
 
-TEST_F(SessionTest, ListenersMayRemoveThemselvesAndAddOthersInACallback)
+TEST_F(ReadySessionTest, ListenersMayRemoveThemselvesAndAddOthersInACallback)
 {
     struct Once : IQBXIpodPlayerListener
     {
@@ -739,9 +687,6 @@ TEST_F(SessionTest, ListenersMayRemoveThemselvesAndAddOthersInACallback)
         int calls = 0;
         std::function<void()> then = [] {};
     };
-    FakeService service;
-    AnswerState(service);
-    Ready();
     Once first;
     Once second;
     Subscription other;
@@ -753,18 +698,14 @@ TEST_F(SessionTest, ListenersMayRemoveThemselvesAndAddOthersInACallback)
     };
 
     service.Emit("OnPlayStatusChanged", "(2,)");
-    service.Emit("OnPlayStatusChanged", "(1,)");
-    Settle(service);
+    Emit("OnPlayStatusChanged", "(1,)");
 
     EXPECT_EQ(first.calls, 1);
     EXPECT_EQ(second.calls, 1);
 }
 
-TEST_F(SessionTest, ASlowCallbackIsNamedInTheLog)
+TEST_F(ReadySessionTest, ASlowCallbackIsNamedInTheLog)
 {
-    FakeService service;
-    AnswerState(service);
-    Ready();
     const Subscription slow = session->OnState("slow screen", [](const StatePtr&, Fields) { g_usleep(8000); });
 
     RunLoopFor(20ms);

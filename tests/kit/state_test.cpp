@@ -6,30 +6,14 @@ namespace test
 {
 namespace
 {
-class StateTest : public KitTest
-{
-protected:
-    StateTest() { AnswerState(service); }
-
-    StatePtr State() const { return session->State(); }
-
-    void Emit(const std::string& signal, const std::string& body)
-    {
-        service.Emit(signal, body);
-        Settle(service);
-    }
-
-    FakeService service;
-    SharedVectors shared;
-};
+using StateTest = ReadyTest;
+using UnopenedStateTest = ServedTest;
 
 const std::vector<unsigned char> kPng = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13,
                                          'I',  'H', 'D', 'R', 0,    0,    1,    44,   0, 0, 0, 200};
 
 TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
 {
-    Ready();
-
     EXPECT_EQ(State()->track->title, "Song");
     EXPECT_EQ(State()->trackIndex, 1);
     EXPECT_EQ(State()->status, PlayStatus::Playing);
@@ -48,7 +32,7 @@ TEST_F(StateTest, IsReadFromTheServiceWhenItAppears)
     EXPECT_FALSE(State()->location);
 }
 
-TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
+TEST_F(UnopenedStateTest, IsPublishedWithEachEventWithoutASettleTime)
 {
     options.settle = 0ms;
     Ready();
@@ -78,8 +62,6 @@ TEST_F(StateTest, IsPublishedWithEachEventWithoutASettleTime)
 
 TEST_F(StateTest, FollowsEveryEvent)
 {
-    Ready();
-
     // The state is read again after this event; CarLife is the last of the fields below, so older replies have arrived
     // before the next events.
     service.Answer("GetCarlifeDeviceDetectStatus", "(0,)");
@@ -116,7 +98,6 @@ TEST_F(StateTest, FollowsEveryEvent)
 
 TEST_F(StateTest, ABurstIsOneChange)
 {
-    Ready();
     shared.SetBytes("VecArtworkChangeBufferShareMemory", kPng);
     std::vector<Fields> changes;
     const Subscription watching =
@@ -125,8 +106,7 @@ TEST_F(StateTest, ABurstIsOneChange)
 
     service.Emit("OnIpodPlayingTrackChange", TrackEvent(2, "Next", 90000));
     service.Emit("OnIpodArtworkChange", PictureBody());
-    service.Emit("OnPlayProgressChange", "(0, 90000)");
-    Settle(service);
+    Emit("OnPlayProgressChange", "(0, 90000)");
 
     EXPECT_THAT(changes,
                 ElementsAre(Fields::All(), Field::Track | Field::TrackIndex | Field::Position | Field::Artwork));
@@ -136,12 +116,11 @@ TEST_F(StateTest, ABurstIsOneChange)
 
 TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
 {
-    Ready();
     for (const std::size_t length : {255, 256, 300, 1024})
     {
         const std::string title(length, 'a');
         service.Answer("GetCurrentMediaInfo", TrackBody(title, 0x7A7A7A7A));
-        const Track replied = Completed(session->Commands().CurrentTrack()).value();
+        const Track replied = Completed(Ask().CurrentTrack()).value();
 
         Emit("OnIpodPlayingTrackChange", TrackEvent(2, title, 0x7A7A7A7A));
 
@@ -154,7 +133,6 @@ TEST_F(StateTest, ATextThatFillsItsSlotIsTheSameByReplyAndByEvent)
 
 TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
 {
-    Ready();
     const StatePtr before = State();
 
     Emit("OnIpodShuffleModeChange", "(0,)");
@@ -167,7 +145,6 @@ TEST_F(StateTest, EachPublishedStateIsImmutableAndHasTheNextVersion)
 
 TEST_F(StateTest, APauseKeepsThePosition)
 {
-    Ready();
     const Position playing = *State()->position;
     RunLoopFor(30ms);
 
@@ -181,19 +158,16 @@ TEST_F(StateTest, APauseKeepsThePosition)
 
 TEST_F(StateTest, AValueRevertedWithinABurstIsNotAChange)
 {
-    Ready();
     const std::uint64_t version = State()->version;
 
     service.Emit("OnIpodRepeatModeChange", "(0,)");
-    service.Emit("OnIpodRepeatModeChange", "(1,)");
-    Settle(service);
+    Emit("OnIpodRepeatModeChange", "(1,)");
 
     EXPECT_EQ(State()->version, version);
 }
 
 TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
 {
-    Ready();
     StatePtr got;
     Fields fields;
     const Subscription late = session->OnState("late",
@@ -212,7 +186,6 @@ TEST_F(StateTest, LateJoinersGetEverythingAtOnce)
 
 TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
 {
-    Ready();
     int calls = 0;
     const Subscription modes = session->OnState(
         "modes", [&](const StatePtr&, Fields) { ++calls; }, Field::Shuffle | Field::Repeat);
@@ -226,7 +199,6 @@ TEST_F(StateTest, SubscribersAreNotifiedOnlyOfTheirFields)
 
 TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
 {
-    Ready();
     int calls = 0;
     Subscription watching = session->OnState("watching", [&](const StatePtr&, Fields) { ++calls; });
     RunLoopFor(5ms);
@@ -239,7 +211,6 @@ TEST_F(StateTest, AnEndedSubscriptionIsNotNotified)
 
 TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
 {
-    Ready();
     const auto held = std::make_shared<int>();
     Subscription watching = session->OnState("held", [held](const StatePtr&, Fields) {});
     RunLoopFor(5ms);
@@ -251,7 +222,6 @@ TEST_F(StateTest, AnEndedSubscriptionReleasesItsCallbackAtOnce)
 
 TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
 {
-    Ready();
     const auto held = std::make_shared<int>();
     long inside = 0;
     Subscription watching;
@@ -270,7 +240,6 @@ TEST_F(StateTest, ACallbackThatEndsItselfKeepsItsCapturesUntilItReturns)
 
 TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
 {
-    Ready();
     std::shared_ptr<Subscription> holder(new Subscription);
     const std::weak_ptr<Subscription> watched = holder;
     *holder = session->OnState("held", [held = holder](const StatePtr&, Fields) {});
@@ -283,7 +252,6 @@ TEST_F(StateTest, ASubscriptionThatItsOwnCallbackHoldsMayBeEnded)
 
 TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
 {
-    Ready();
     const auto held = std::make_shared<int>();
     std::atomic<bool> running{false};
     std::atomic<bool> returned{false};
@@ -311,7 +279,6 @@ TEST_F(StateTest, ACallbackEndedByAnotherThreadIsReleasedWhenItReturns)
 
 TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
 {
-    Ready();
     int calls = 0;
     bool greeted = false;
     const Subscription ending = session->OnState("end",
@@ -332,7 +299,6 @@ TEST_F(StateTest, AStateCallbackMayDestroyTheSession)
 
 TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
 {
-    Ready();
     Emit("OnIpodDeviceStatusChange", "(1, false)");
 
     service.Answer("GetDeviceAmount", "(2,)");
@@ -345,30 +311,15 @@ TEST_F(StateTest, ANewDeviceIsQueriedForFieldsWithoutEvents)
 
 TEST_F(StateTest, ADeviceEnteredByTheApplicationIsQueried)
 {
-    Ready();
     service.Answer("EnterDeviceChildList", "(true,)");
     service.Answer("GetIpodName", "('Other',)");
 
-    EXPECT_TRUE(Completed(session->Commands().EnterDevice(1)));
+    EXPECT_TRUE(Completed(Ask().EnterDevice(1)));
 
     EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceName == "Other"; }));
 }
 
-TEST_F(StateTest, WithoutADeviceItsStateIsUnknown)
-{
-    Ready();
-    service.Answer("GetDeviceAmount", "(0,)");
-    service.Answer("GetIpodName", "('',)");
-
-    Emit("OnIpodDeviceStatusChange", "(1, false)");
-
-    EXPECT_TRUE(RunLoopUntil([&] { return State()->deviceCount == 0; }));
-    EXPECT_FALSE(State()->deviceName);
-    EXPECT_FALSE(State()->track);
-    EXPECT_EQ(State()->shuffle, Shuffle::Albums);
-}
-
-TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
+TEST_F(UnopenedStateTest, PlaybackOfTheRemainingDeviceStaysKnown)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -385,7 +336,6 @@ TEST_F(StateTest, PlaybackOfTheRemainingDeviceStaysKnown)
 
 TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
 {
-    Ready();
     const auto asked = [&]
     {
         const std::vector<std::string> calls = service.Calls();
@@ -403,7 +353,6 @@ TEST_F(StateTest, AThousandDeviceChangesNeedFewPasses)
 
 TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
 {
-    Ready();
     Emit("OnIpodStartEapSession", "(3, 300)");
     Emit("OnIpodLocationStatusChange", "(1,)");
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
@@ -416,8 +365,7 @@ TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
     EXPECT_THAT(State()->calls, IsEmpty());
     EXPECT_THAT(State()->accessorySessions, IsEmpty());
 
-    FakeService next;
-    AnswerState(next);
+    AnsweringService next;
     next.Answer("GetPlayingListItemsAmount", "(77,)");
     Ready(2);
     EXPECT_EQ(State()->queueSize, 77);
@@ -426,8 +374,6 @@ TEST_F(StateTest, KeepsStateWithoutTheServiceExceptCallsAndSessions)
 
 TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
 {
-    Ready();
-
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'b', 0x18, 2}));
     Emit("OnIpodPhoneCallChange", Record({0x2A, 1, 'a', 0x18, 4}));
@@ -442,8 +388,6 @@ TEST_F(StateTest, CallsAreKeyedByTheirIdentifierAndEndWithDisconnection)
 
 TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
 {
-    Ready();
-
     Emit("OnIpodPhoneCallChange", Record({0x18, 2, 0x12, 1, 'X'}));
     Emit("OnIpodPhoneCallChange", Record({0x18, 4}));
     ASSERT_EQ(State()->calls.size(), 1U);
@@ -454,7 +398,7 @@ TEST_F(StateTest, CallsWithoutAnIdentifierAreOneCall)
     EXPECT_THAT(State()->calls, IsEmpty());
 }
 
-TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
+TEST_F(UnopenedStateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
 {
     options.deadline = 100ms;
     Ready();
@@ -470,8 +414,6 @@ TEST_F(StateTest, ThePreviousDeviceNameIsClearedIfTheNextIsLate)
 
 TEST_F(StateTest, BatteryEventsComplementEachOther)
 {
-    Ready();
-
     Emit("OnIpodBatteryChange", Record({8, 1}));
     Emit("OnIpodBatteryChange", Record({16, 50}));
 
@@ -479,7 +421,7 @@ TEST_F(StateTest, BatteryEventsComplementEachOther)
     EXPECT_EQ(State()->battery->percent, 50);
 }
 
-TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
+TEST_F(UnopenedStateTest, ArtworkOfEventAndGetterIsShared)
 {
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
@@ -496,7 +438,6 @@ TEST_F(StateTest, ArtworkOfEventAndGetterIsShared)
 
 TEST_F(StateTest, RequestsArtworkForATrackWithoutIt)
 {
-    Ready();
     service.Answer("GetPlayingTrackAlbumArtwork", PictureBody());
     shared.SetBytes("VecArtworkBufferShareMemory", kPng);
 
@@ -505,7 +446,7 @@ TEST_F(StateTest, RequestsArtworkForATrackWithoutIt)
     EXPECT_TRUE(RunLoopUntil([&] { return State()->Artwork() != nullptr; }));
 }
 
-TEST_F(StateTest, ArtworkBeyondTheLimitIsDropped)
+TEST_F(UnopenedStateTest, ArtworkBeyondTheLimitIsDropped)
 {
     options.artworkLimit = 10;
     Ready();

@@ -18,10 +18,9 @@ import unittest
 TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
 sys.path[:0] = [os.path.join(TESTS, "ipodctl"), os.path.join(TESTS, "support")]
 
-from private_session import (LIMIT, Bus, clear_shared_memory, end_in_time, enter_private_namespace,  # noqa: E402
+from private_session import (LIMIT, Bus, OnAPrivateBus, clear_shared_memory, enter_private_namespace,  # noqa: E402
                              line_within, needs_private_mount, within)
 from schema_check import check  # noqa: E402
-
 
 
 @functools.cache
@@ -32,62 +31,48 @@ def samples():
     return folder
 
 
-class OnABus(unittest.TestCase):
+class OnABus(OnAPrivateBus):
     def setUp(self):
-        end_in_time(self)
-        self.folder = tempfile.mkdtemp()
-        self.addCleanup(shutil.rmtree, self.folder)
-        bus = Bus(XDG_CACHE_HOME=f"{self.folder}/cache", LC_ALL="C.UTF-8")
-        self.addCleanup(bus.stop)
-        self.environment = bus.environment
+        super().setUp()
+        self.bus.environment.update(XDG_CACHE_HOME=f"{self.folder}/cache", LC_ALL="C.UTF-8")
 
-    def stop(self, process):
-        process.kill()
-        process.wait()
-        for stream in (process.stdout, process.stderr):
-            if stream:
-                stream.close()
-
-    def launch(self, *words, **options):
+    def begin(self, *words):
         """Starts a simulator without waiting until it is ready."""
-        options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
-        process = subprocess.Popen([OPTIONS.simulator, *words], env=self.environment, text=True, **options)
-        self.addCleanup(self.stop, process)
-        return process
+        return self.launch(OPTIONS.simulator, *words, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
-    def start(self, *words, **options):
-        process = self.launch(*words, **options)
-        self.assertIn("ready: ", line_within(process.stdout, LIMIT))
-        return process
+    def start(self, *words, stderr=subprocess.PIPE, **options):
+        return self.launch_simulator(OPTIONS.simulator, *words, stderr=stderr, **options)
+
+    def end(self, process):
+        """Ends a simulator, and returns what it wrote to standard error."""
+        process.terminate()
+        return process.communicate(timeout=LIMIT)[1]
 
     def refusal(self, *words):
-        process = self.launch(*words)
-        out, err = process.communicate(timeout=LIMIT)
-        self.assertNotEqual(process.returncode, 0)
-        self.assertEqual(out, "")
-        self.assertRegex(err, r"^[^\n]+\n(hint: [^\n]+\n)?$")
-        return err
+        done = self.complete(OPTIONS.simulator, *words)
+        self.assertNotEqual(done.returncode, 0)
+        self.assertEqual(done.stdout, "")
+        self.assertRegex(done.stderr, r"^[^\n]+\n(hint: [^\n]+\n)?$")
+        return done.stderr
 
-    def gdbus(self, path, method, *arguments):
-        name = "com.zarn.linux.ipod" + (".Simulator" if path.endswith("simulator") else "")
-        return subprocess.run(["gdbus", "call", "--session", "--timeout", "10", "--dest", name, "--object-path", path,
-                               "--method", f"{name}.{method}", *arguments],
-                              env=self.environment, capture_output=True, text=True, timeout=LIMIT)
+    def gdbus(self, name, path, method, *arguments):
+        return self.complete("gdbus", "call", "--session", "--timeout", "10", "--dest", name, "--object-path", path,
+                             "--method", method, *arguments)
 
     def ask(self, method, *arguments):
-        return self.gdbus("/com/zarn/linux/ipod", method, *arguments).stdout.strip()
+        name = "com.zarn.linux.ipod"
+        return self.gdbus(name, "/com/zarn/linux/ipod", f"{name}.{method}", *arguments).stdout.strip()
 
     def control(self, method, *arguments):
-        return self.gdbus("/com/zarn/linux/ipod/simulator", method, *arguments)
+        name = "com.zarn.linux.ipod.Simulator"
+        return self.gdbus(name, "/com/zarn/linux/ipod/simulator", f"{name}.{method}", *arguments)
+
+    def owner(self):
+        """Returns the unique name of the service, or an empty text."""
+        return self.gdbus("org.freedesktop.DBus", "/", "org.freedesktop.DBus.GetNameOwner", "com.zarn.linux.ipod").stdout
 
     def do(self, event, value=None):
         return self.control("Do", json.dumps({"event": event} | ({} if value is None else {"value": value})))
-
-    def has_owner(self):
-        call = subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
-                               "--method", "org.freedesktop.DBus.NameHasOwner", "com.zarn.linux.ipod"],
-                              env=self.environment, capture_output=True, text=True, timeout=LIMIT)
-        return "true" in call.stdout
 
     def sample_music(self):
         """Creates a folder for the test."""
@@ -105,10 +90,10 @@ class Program(OnABus):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(number):
                 process = self.start()
-                self.assertTrue(self.has_owner())
+                self.assertTrue(self.owner())
                 process.send_signal(number)
                 self.assertEqual(process.wait(timeout=LIMIT), 0)
-                self.assertFalse(self.has_owner())
+                self.assertFalse(self.owner())
         self.start()
         self.assertEqual(self.ask("GetPlayStatus"), "(0,)", "the remaining segments are reused")
 
@@ -117,11 +102,11 @@ class Program(OnABus):
         subprocess.run([OPTIONS.samples, "--count", "3000", many], check=True, stdout=subprocess.DEVNULL)
         for after in (0.0, 0.01, 0.05, 0.1, 0.2):
             with self.subTest(after):
-                process = self.launch("--no-cache", many)
+                process = self.begin("--no-cache", many)
                 time.sleep(after)
                 process.send_signal(signal.SIGTERM)
                 self.assertIn(process.wait(timeout=LIMIT), (0, -signal.SIGTERM))
-                self.assertFalse(self.has_owner())
+                self.assertFalse(self.owner())
 
     def huge_files(self, count):
         """Creates a folder with huge files that contain no audio."""
@@ -135,15 +120,13 @@ class Program(OnABus):
         return folder
 
     def test_does_not_read_huge_files_completely(self):
-        process = self.launch("--no-cache", self.huge_files(1))
+        process = self.begin("--no-cache", self.huge_files(1))
         self.assertIn("ready: 0 songs", line_within(process.stdout, LIMIT))
-        process.send_signal(signal.SIGTERM)
-        _, err = process.communicate(timeout=LIMIT)
-        self.assertIn("list.m3u: larger than 16 MiB\n", err)
+        self.assertIn("list.m3u: larger than 16 MiB\n", self.end(process))
 
     def test_exits_while_reading_a_large_file(self):
-        process = self.launch("--no-cache", self.huge_files(200))
-        self.assertTrue(within(LIMIT, self.has_owner))
+        process = self.begin("--no-cache", self.huge_files(200))
+        self.assertTrue(within(LIMIT, self.owner))
         time.sleep(0.3)
         begin = time.monotonic()
         process.send_signal(signal.SIGTERM)
@@ -152,18 +135,14 @@ class Program(OnABus):
 
     def test_warns_of_a_simulator_on_another_bus(self):
         first = self.start()
-        bus = Bus()
-        self.addCleanup(bus.stop)
-        own, self.environment = self.environment, bus.environment
+        own, self.bus = self.bus, Bus()
+        self.addCleanup(self.bus.stop)
         second = self.start()
-        self.environment = own
+        self.bus = own
         for process, warned in ((second, True), (first, False)):
-            process.send_signal(signal.SIGTERM)
-            _, err = process.communicate(timeout=LIMIT)
+            err = self.end(process)
             self.assertEqual("warning: another simulator on another bus uses the same shared memory" in err, warned, err)
-        third = self.start()
-        third.send_signal(signal.SIGTERM)
-        self.assertEqual(third.communicate(timeout=LIMIT)[1], "", "the first one's claim is released")
+        self.assertEqual(self.end(self.start()), "", "the first one's claim is released")
 
     def test_a_second_one_reports_the_owner_of_the_name(self):
         first = self.start()
@@ -189,7 +168,7 @@ class Program(OnABus):
         self.assertIn("music folder /nonexistent: No such file or directory", self.refusal("/nonexistent"))
         self.assertIn("/nonexistent: No such file or directory", self.refusal("--scenario", "/nonexistent"))
         self.assertIn(f"{self.folder}: Is a directory", self.refusal("--scenario", self.folder))
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
+        self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.assertIn("no session bus", self.refusal())
 
     def test_usage_errors_are_one_line_and_exit_with_2(self):
@@ -197,22 +176,20 @@ class Program(OnABus):
             name = os.path.basename(program)
             for words in (["a", "--wrong"], ["a", "--speed" if name == "ipod-simulator" else "--count", "x"], ["a", "b"]):
                 with self.subTest([name, *words]):
-                    done = subprocess.run([program, *words], env=self.environment, capture_output=True, text=True,
-                                          timeout=LIMIT)
+                    done = self.complete(program, *words)
                     self.assertEqual((done.returncode, done.stdout), (2, ""))
                     self.assertRegex(done.stderr, rf"^{name}: .*{words[-1]}.*\nhint: try '{name} --help'\n$")
 
     def test_samples_need_a_folder_that_can_be_created(self):
         file = self.write("file", "")
-        self.assertEqual(subprocess.run([OPTIONS.samples], capture_output=True, text=True, timeout=LIMIT).stderr,
+        self.assertEqual(self.complete(OPTIONS.samples).stderr,
                          "ipod-make-samples: missing argument: folder\nhint: try 'ipod-make-samples --help'\n")
         for folder, code, expected in (("", 2, "folder: expected a non-empty name\nhint: try 'ipod-make-samples --help'"),
                                        ("/proc/x", 1, "cannot create /proc/x: No such file or directory"),
                                        (file, 1, f"cannot create {file}: Not a directory")):
             for more in ([], ["--count", "3"]):
                 with self.subTest([folder, *more]):
-                    done = subprocess.run([OPTIONS.samples, folder, *more], cwd=self.folder, capture_output=True,
-                                          text=True, timeout=LIMIT)
+                    done = self.complete(OPTIONS.samples, folder, *more, cwd=self.folder)
                     self.assertEqual((done.returncode, done.stdout), (code, ""))
                     self.assertEqual(done.stderr, f"ipod-make-samples: {expected}\n")
         self.assertEqual(os.listdir(self.folder), ["file"])
@@ -242,11 +219,10 @@ class Program(OnABus):
                                  'half-filled, unterminated, bad-message, out-of-range, crash, crash-locked, '
                                  "restart-storm, got 'dely' (did you mean 'delay'?)")):
             with self.subTest(words):
-                process = self.launch(*words)
-                out, err = process.communicate(timeout=LIMIT)
-                self.assertEqual((process.returncode, out), (2, ""))
+                done = self.complete(OPTIONS.simulator, *words)
                 hint = "" if "hint:" in expected else "\nhint: try 'ipod-simulator --help'"
-                self.assertEqual(err, f"ipod-simulator: {expected}{hint}\n")
+                self.assertEqual((done.returncode, done.stdout, done.stderr),
+                                 (2, "", f"ipod-simulator: {expected}{hint}\n"))
 
     def test_limits_the_size_of_a_scenario(self):
         self.assertEqual(self.refusal("--scenario", "/dev/zero"),
@@ -268,9 +244,7 @@ class Program(OnABus):
             with self.subTest(name):
                 process = self.start("--speed", "40", "--scenario", os.path.join(OPTIONS.scenarios, name))
                 self.assertIn("scenario ended: ", line_within(process.stdout, LIMIT))
-                process.send_signal(signal.SIGTERM)
-                _, err = process.communicate(timeout=LIMIT)
-                self.assertEqual(err, "")
+                self.assertEqual(self.end(process), "")
 
     def test_draws_and_removes_a_bar_on_a_terminal(self):
         many = os.path.join(self.folder, "many")
@@ -289,9 +263,7 @@ class Program(OnABus):
     def test_stores_the_index_and_detects_damage(self):
         music = self.sample_music()
         for expected in ("", "is damaged or from another version", ""):
-            process = self.start(music)
-            process.send_signal(signal.SIGTERM)
-            _, err = process.communicate(timeout=LIMIT)
+            err = self.end(self.start(music))
             err = re.sub(r"(?m)^reading tags: .*\n", "", err)  # printed only if the scan takes seconds
             self.assertIn(expected, err) if expected else self.assertEqual(err, "")
             kept = os.listdir(f"{self.folder}/cache/ipod-simulator")
@@ -299,10 +271,9 @@ class Program(OnABus):
             if not expected:
                 os.truncate(f"{self.folder}/cache/ipod-simulator/{kept[0]}", 50)
 
-
     def test_ignores_a_relative_cache_folder(self):
         music = self.sample_music()
-        self.environment.update(XDG_CACHE_HOME="relative", HOME=f"{self.folder}/home")
+        self.bus.environment.update(XDG_CACHE_HOME="relative", HOME=f"{self.folder}/home")
         process = self.start(music, cwd=self.folder)
         process.send_signal(signal.SIGTERM)
         self.assertEqual(process.wait(timeout=LIMIT), 0)
@@ -314,14 +285,14 @@ class InATest(OnABus):
     def run_example(self):
         if not OPTIONS.example:
             self.skipTest("the examples are not built")
-        done = subprocess.run([OPTIONS.example], env=self.environment, capture_output=True, text=True, timeout=LIMIT)
+        done = self.complete(OPTIONS.example)
         return done.returncode, done.stdout, done.stderr
 
     def test_the_example_succeeds(self):
         self.assertEqual(self.run_example(), (0, "as it should be\n", ""))
 
     def test_the_example_reports_a_missing_bus(self):
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
+        self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         code, out, err = self.run_example()
         self.assertEqual((code, out), (1, ""))
         self.assertRegex(err, r"^no session bus.*\n$")
@@ -333,7 +304,7 @@ class Faults(OnABus):
         self.assertIn("true", self.ask("Play", "3"))
         self.assertEqual(self.ask("Next"), "")
         self.assertEqual(process.wait(timeout=LIMIT), -signal.SIGKILL)
-        self.assertFalse(self.has_owner())
+        self.assertFalse(self.owner())
         self.start()
         self.assertEqual(self.ask("GetPlayStatus"), "(0,)")
 
@@ -353,7 +324,6 @@ class Faults(OnABus):
     def test_unusable_segments_are_reported_with_a_remedy(self):
         for contents in (b"\2\0\0\0", b"\2\0\0\0" + b"x" * 0x4ffffc, b"\2\0\0\0" + bytes(0x4ffffc)):
             with self.subTest(len(contents)):
-                self.addCleanup(clear_shared_memory)
                 with open("/dev/shm/ListVectorSharedMemory", "wb") as segment:
                     segment.write(contents)
                 self.assertRegex(self.refusal(), "^ipod-simulator: shared memory ListVectorSharedMemory: .*\nhint: stop all "
@@ -375,8 +345,6 @@ class Faults(OnABus):
                                  r"its \d+ bytes\nhint: free space in /dev/shm and start again\n$")
 
     def test_missing_pages_of_segments_are_allocated(self):
-        clear_shared_memory()
-        self.addCleanup(clear_shared_memory)
         self.start()
         for segment in ("ListVectorSharedMemory", "BufferVectorSharedMemory"):
             status = os.stat(f"/dev/shm/{segment}")
@@ -384,17 +352,13 @@ class Faults(OnABus):
 
     @needs_private_mount
     def test_a_read_only_file_system_is_reported_without_useless_advice(self):
-        clear_shared_memory()
         self.addCleanup(self.remount_shared_memory, "rw")
         self.remount_shared_memory("ro")
         self.assertEqual(self.refusal(),
                          "ipod-simulator: shared memory ListVectorSharedMemory: Read-only file system\n")
 
     def test_a_segment_in_a_larger_object_is_used(self):
-        self.addCleanup(clear_shared_memory)
-        process = self.start()
-        process.terminate()
-        process.wait(timeout=LIMIT)
+        self.end(self.start())
         path = "/dev/shm/ListVectorSharedMemory"
         os.truncate(path, os.path.getsize(path) + 4096)
         self.start()
@@ -408,11 +372,6 @@ class Faults(OnABus):
             self.assertIn(b"x" * 256, segment.read())
         self.do("fault", "half-filled@GetDeviceList/1")
         self.assertEqual(self.ask("GetDeviceList"), "(true,)")
-
-    def owner(self):
-        return subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
-                               "--method", "org.freedesktop.DBus.GetNameOwner", "com.zarn.linux.ipod"],
-                              env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
 
     def until_done(self, *action):
         self.assertTrue(within(LIMIT, lambda: self.do(*action).returncode == 0), action)
@@ -448,17 +407,15 @@ class Faults(OnABus):
 class Control(OnABus):
     def test_describes_itself(self):
         self.start()
-        described = subprocess.run(["gdbus", "introspect", "--session", "--dest", "com.zarn.linux.ipod.Simulator",
-                                    "--object-path", "/com/zarn/linux/ipod/simulator"],
-                                   env=self.environment, capture_output=True, text=True, timeout=LIMIT).stdout
+        described = self.complete("gdbus", "introspect", "--session", "--dest", "com.zarn.linux.ipod.Simulator",
+                                  "--object-path", "/com/zarn/linux/ipod/simulator").stdout
         for member in ("Do", "Calls", "ClearCalls", "Called", "ScenarioEnded"):
             self.assertIn(member, described)
 
 
 class FromTheCommandLine(OnABus):
     def ctl(self, *words, code=0):
-        done = subprocess.run([OPTIONS.ipodctl, *words], env=self.environment, capture_output=True, text=True,
-                              timeout=LIMIT)
+        done = self.complete(OPTIONS.ipodctl, *words)
         self.assertEqual(done.returncode, code, (words, done.stdout, done.stderr))
         return done.stdout if code == 0 else done.stderr
 

@@ -8,4 +8,5 @@
 namespace test
 {
 using FakeService = ipodsim::ScriptedService;
+using ipodsim::Reply;
 }  // namespace test

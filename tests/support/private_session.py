@@ -1,9 +1,11 @@
 """The environment for tests of whole programs: a private /dev/shm and session bus, and bounded waiting."""
 import os
 import select
+import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 
@@ -70,3 +72,41 @@ class Bus:
         self.daemon.kill()
         self.daemon.wait()
         self.daemon.stdout.close()
+
+
+def stop(process):
+    """Kills a process, if it still runs, and closes its streams."""
+    process.kill()
+    process.wait()
+    for stream in (process.stdin, process.stdout, process.stderr):
+        if stream:
+            stream.close()
+
+
+class OnAPrivateBus(unittest.TestCase):
+    """Programs on a private bus. Their processes, segments, and files are removed after each test."""
+
+    def setUp(self):
+        end_in_time(self)
+        self.addCleanup(clear_shared_memory)
+        self.folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.bus = Bus()
+        self.addCleanup(self.bus.stop)
+
+    def launch(self, *words, **options):
+        """Starts a program."""
+        process = subprocess.Popen(words, env=self.bus.environment, **options)
+        self.addCleanup(stop, process)
+        return process
+
+    def launch_simulator(self, *words, **options):
+        """Starts a simulator, and waits until it is ready."""
+        process = self.launch(*words, stdout=subprocess.PIPE, text=True, **options)
+        self.assertIn("ready: ", line_within(process.stdout, LIMIT))
+        return process
+
+    def complete(self, *words, **options):
+        """Runs a program until it exits."""
+        return subprocess.run(words, env=self.bus.environment, capture_output=True, text=True, timeout=LIMIT,
+                              check=False, **options)

@@ -2,6 +2,8 @@
 // need a client to call. This program links the library's objects and clears the flag.
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "QBXIpod_MediaPlayer_Client.h"
 #include "bus/bus_test.h"
 #include "bus/command_table.h"
@@ -51,6 +53,14 @@ protected:
     }
 };
 
+std::vector<Command> CommandsThatNeedAClient()
+{
+    std::vector<Command> commands = Commands();
+    const auto end = std::remove_if(commands.begin(), commands.end(),
+                                    [](const Command& command) { return command.notReady == kUnset; });
+    return {commands.begin(), end};
+}
+
 class CommandNotReadyTest : public NotReadyTest, public testing::WithParamInterface<Command>
 {
 };
@@ -66,7 +76,7 @@ TEST_P(CommandNotReadyTest, ReturnsItsValueWithoutACall)
     EXPECT_THAT(LogLines(), ElementsAreArray(ExpectedLinesNotReady(command)));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, CommandNotReadyTest, testing::ValuesIn(Commands()), NameOf);
+INSTANTIATE_TEST_SUITE_P(All, CommandNotReadyTest, testing::ValuesIn(CommandsThatNeedAClient()), NameOf);
 
 TEST(NotReady, EndsWithTheFirstClientEvenIfItCannotAttachTheSegments)
 {
