@@ -1322,6 +1322,23 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual((process.returncode, out), (SERVICE_LOST, b""))
         self.assertIn(b"disappeared", err)
 
+    def test_a_service_that_dies_before_it_is_watched_is_reported(self):
+        # The full pipe stops ipodctl at the log record of its first question: whether there is a service.
+        errors, full = os.pipe()
+        with os.fdopen(errors, "rb") as errors:
+            os.write(full, bytes(fcntl.fcntl(full, fcntl.F_GETPIPE_SZ)))
+            process = subprocess.Popen([OPTIONS.ipodctl, "--verbose", "status"], env=self.bus.environment,
+                                       stdout=subprocess.DEVNULL, stderr=full)
+            os.close(full)
+            time.sleep(0.5)
+            self.simulator.kill()
+            self.simulator.wait()
+            began = time.monotonic()
+            printed = errors.read().lstrip(b"\0").decode()
+        self.assertIn("\nipodctl: no iPod service on the bus: nobody owns com.zarn.linux.ipod\n", printed)
+        self.assertEqual(process.wait(LIMIT), NO_SERVICE)
+        self.assertLess(time.monotonic() - began, 10)
+
     def test_a_service_that_dies_during_a_list_is_reported_once(self):
         self.run_ctl("cd", "/Songs")
         self.tell("fault", "crash@GetCurDbListItems")
