@@ -1176,8 +1176,17 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual([(segment["there"], segment["problem"]) for segment in missing],
                          [(False, "it does not exist")] * 2)
         self.assertIn("\nhint: start the service", self.start("shm").communicate(timeout=LIMIT)[0].decode())
-        self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS)
+        self.assertEqual(self.failure("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS),
+                         ("segment ListVectorSharedMemory does not exist", "start the service"))
         self.assertEqual(segments(), [])
+
+    def test_a_segment_that_is_not_memory_is_not_reported_as_missing(self):
+        clear_shared_memory()
+        path = "/dev/shm/ListVectorSharedMemory"
+        os.mkfifo(path)
+        self.addCleanup(os.remove, path)
+        self.assertEqual(self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS),
+                         "segment ListVectorSharedMemory: it exists and is not shared memory")
 
     # Latencies
 
