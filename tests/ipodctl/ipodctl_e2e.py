@@ -690,6 +690,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.run_ctl("cd", "Artists")
         self.assertEqual(self.refused("cd", "../..", code=NOTHING_DONE), "the current level is already the root")
         self.assertEqual(self.failure("cd", "/Artists/Nobody", code=USAGE)[1], "the current level is '/Artists/' now")
+        self.assertEqual(self.failure("cd", "./Nobody", code=USAGE)[1], "list it with 'ipodctl ls --all'")
 
     def test_a_level_that_cannot_be_entered_is_reported(self):
         self.assertIn("already the root", self.refused("cd", "..", code=NOTHING_DONE))
