@@ -4,6 +4,7 @@
 #include <ipodkit/session.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <stdexcept>
@@ -19,6 +20,7 @@ namespace
 enum ExitCode
 {
     kDone = 0,
+    kNoOutput = 1,
     kUsage = 2,
     kNoBus = 3,
     kAlreadyRunning = 4,
@@ -177,6 +179,13 @@ ExitCode Serve()
     return code;
 }
 
+ExitCode FinishOutput()
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return kDone;
+    std::fprintf(stderr, "ipod-companiond: cannot write to standard output: %s\n", g_strerror(errno));
+    return kNoOutput;
+}
+
 int Main(int argc, char** argv)
 {
     CLI::App app(
@@ -186,16 +195,22 @@ int Main(int argc, char** argv)
     bool print = false;
     app.set_version_flag("--version", "ipod-companiond " COMPANIOND_VERSION, "Print the version and exit");
     app.add_flag("--print-interface", print, "Print the description of com.zarn.linux.ipod.State and exit");
-    app.footer("Exit status: 0 ended by a signal, 2 usage error, 3 no session bus, 4 already running.");
+    app.footer(
+        "Exit status: 0 ended by a signal, 1 output not written, 2 usage error, 3 no session bus, 4 already running.");
     try
     {
         app.parse(argc, argv);
         if (!print) return Serve();
-        return std::fputs(StateInterfaceXml().c_str(), stdout) < 0 ? 1 : kDone;
+        std::fputs(StateInterfaceXml().c_str(), stdout);
+        return FinishOutput();
     }
     catch (const CLI::ParseError& error)
     {
-        if (error.get_exit_code() == 0) return static_cast<ExitCode>(app.exit(error));
+        if (error.get_exit_code() == 0)
+        {
+            app.exit(error);
+            return FinishOutput();
+        }
         std::fprintf(stderr, "ipod-companiond: %s\nhint: try 'ipod-companiond --help'\n", error.what());
         return kUsage;
     }

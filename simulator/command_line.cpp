@@ -5,6 +5,7 @@
 #include <ipodnames/nearest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <limits>
@@ -139,6 +140,14 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error)
     const bool mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
     return mismatch ? message.substr(0, message.find(':')) + ": missing value" : message;
 }
+
+int PrintRequested(const CLI::App& app, const CLI::ParseError& error)
+{
+    app.exit(error);
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return 0;
+    std::fprintf(stderr, "%s: cannot write to standard output: %s\n", app.get_name().c_str(), g_strerror(errno));
+    return 1;
+}
 }  // namespace
 
 std::vector<cli::HelpRow> FaultRows()
@@ -197,7 +206,7 @@ void AddOptions(CLI::App& app, SampleArguments& arguments)
 int ReportParsing(const CLI::App& app, const CLI::ParseError& error)
 {
     constexpr int kUsage = 2;
-    if (error.get_exit_code() == 0) return app.exit(error);
+    if (error.get_exit_code() == 0) return PrintRequested(app, error);
     const std::string similar = SimilarOption(app);
     const std::string hint =
         similar.empty() ? "try '" + app.get_name() + " --help'" : "did you mean '" + similar + "'?";

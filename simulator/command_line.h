@@ -34,6 +34,6 @@ void AddOptions(CLI::App& app, SampleArguments& arguments);
 std::vector<cli::HelpRow> FaultRows();
 
 /// Reports an invalid command line with a hint and returns the exit code. CLI11 treats help and version as "errors"
-/// with code 0.
+/// with code 0; the exit code is 1 if standard output cannot be written.
 int ReportParsing(const CLI::App& app, const CLI::ParseError& error);
 }  // namespace ipodsim

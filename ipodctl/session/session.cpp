@@ -84,6 +84,10 @@ namespace
 // lock held by a dead process.
 constexpr double kPatience = 12;
 
+// Seconds without a sign of the service after which Session checks again that it is there: it may have exited before
+// ipodkit began to watch it.
+constexpr double kAbsence = 1;
+
 // Sets up logging, which head unit applications do themselves. The library has already applied QBX_LOG before main().
 void SetLoggingUp(bool verbose)
 {
@@ -166,7 +170,9 @@ void Session::AwaitReady()
             });
     };
     const ipodkit::Subscription watch = Kit().OnConnection("ipodctl", judge);
-    const Ending ending = loop.Run(m_settings.deadline + kPatience);
+    Ending ending = loop.Run(kAbsence);
+    if (ending == Ending::TimedOut && Kit().Connection().phase == ipodkit::Phase::Absent) StartService();
+    if (ending == Ending::TimedOut) ending = loop.Run(m_settings.deadline + kPatience - kAbsence);
     if (ending == Ending::Interrupted) throw Interrupted{};
     if (ending == Ending::TimedOut)
         throw Failure(kServiceLost, "the iPod service did not answer in time", "check whether it hangs");

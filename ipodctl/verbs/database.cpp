@@ -72,7 +72,8 @@ std::size_t EnterPart(Session& session, const std::string& path)
 void EnterPath(Session& session, const std::string& path)
 {
     if (path.front() == '/') EnterRoot(session);
-    for (std::size_t begin = 0; begin < path.size();)
+    const std::size_t start = path.rfind("./", 0) == 0 ? 2 : 0;
+    for (std::size_t begin = start; begin < path.size();)
     {
         try
         {
@@ -80,7 +81,7 @@ void EnterPath(Session& session, const std::string& path)
         }
         catch (const Failure& failure)
         {
-            RefuseRest(failure, path.substr(0, begin), path.substr(begin));
+            RefuseRest(failure, path.substr(start, begin - start), path.substr(begin));
         }
     }
 }

@@ -122,7 +122,7 @@ Answer DumpVector(const std::string& name, const Output& out)
 {
     const auto* const vector = std::find_if(std::begin(ipodkit::kVectorNames), std::end(ipodkit::kVectorNames),
                                             [&](const ipodkit::VectorName& each) { return each.name == name; });
-    if (!ipodkit::InspectSegment(vector->segment).isMemory)
+    if (!ipodkit::InspectSegment(vector->segment).exists)
         throw Failure(kNoSegments, std::string("segment ") + vector->segment + " does not exist", "start the service");
     Json json{{"verb", "shm"}, {"vector", name}};
     if (std::strcmp(vector->segment, kBufferSegmentName) == 0)

@@ -111,12 +111,18 @@ void CheckMember(const KindRow& row, const std::string& member)
     if (!Fits(row.kind, member, true)) Refuse(row, "one of " + FittingMembers(row.kind) + ", got '" + member + "'");
 }
 
-// Removes and returns the part after the last separator; empty if there is none.
-std::string TakeTail(std::string& text, char separator)
+[[noreturn]] void RefuseForm(const std::string& fault)
+{
+    throw std::runtime_error("expected KIND[=PARAMETER][@MEMBER][/COUNT], got '" + fault + "'");
+}
+
+// Removes and returns the part after the last separator; empty if there is no separator.
+std::string TakeTail(std::string& text, char separator, const std::string& whole)
 {
     const std::size_t at = text.rfind(separator);
     if (at == std::string::npos) return {};
     std::string tail = text.substr(at + 1);
+    if (tail.empty()) RefuseForm(whole);
     text.resize(at);
     return tail;
 }
@@ -146,12 +152,11 @@ std::vector<std::pair<std::string, std::string>> FaultHelp()
 Fault ParseFault(const std::string& text)
 {
     std::string kind = text;
-    const bool counted = text.find('/') != std::string::npos;
-    const std::string count = TakeTail(kind, '/');
-    const std::string member = TakeTail(kind, '@');
-    const std::string parameter = TakeTail(kind, '=');
-    const auto number = counted ? ToNumber(count) : 0;
-    if (!number) throw std::runtime_error("expected KIND[=PARAMETER][@MEMBER][/COUNT], got '" + text + "'");
+    const std::string count = TakeTail(kind, '/', text);
+    const std::string member = TakeTail(kind, '@', text);
+    const std::string parameter = TakeTail(kind, '=', text);
+    const auto number = count.empty() ? 0 : ToNumber(count);
+    if (!number || (*number == 0 && !count.empty())) RefuseForm(text);
     const KindRow& row = RowOf(kind);
     CheckParameter(row, parameter);
     CheckMember(row, member);

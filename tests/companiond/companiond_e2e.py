@@ -22,7 +22,7 @@ from mpris_rules import PLAYER, PROPERTIES, ROOT, described  # noqa: E402
 from private_session import LIMIT, OnAPrivateBus, enter_private_namespace, line_within  # noqa: E402
 
 CHANGES = int(os.environ.get("IPOD_TRACK_CHANGES", "50"))
-DONE, USAGE, NO_BUS, ALREADY_RUNNING = 0, 2, 3, 4
+DONE, NO_OUTPUT, USAGE, NO_BUS, ALREADY_RUNNING = range(5)
 SERVICE = "com.zarn.linux.ipod"
 MPRIS, MPRIS_PATH = "org.mpris.MediaPlayer2.ipod", mpris_rules.PATH
 STATE, STATE_PATH = "com.zarn.linux.ipod.State", "/com/zarn/linux/ipod/State"
@@ -413,6 +413,15 @@ class Starts(OnABus):
         code, _, error = self.run_daemon("--dance")
         self.assertEqual(code, USAGE)
         self.assertRegex(error, r"^ipod-companiond: .*--dance\nhint: try 'ipod-companiond --help'\n$")
+
+    def test_a_full_output_is_reported(self):
+        for word in ("--help", "--print-interface"):
+            with open("/dev/full", "w", encoding="utf-8") as full:
+                daemon = self.start(OPTIONS.companiond, word, stdout=full, stderr=subprocess.PIPE)
+            self.addCleanup(daemon.stderr.close)
+            self.assertEqual(daemon.wait(LIMIT), NO_OUTPUT)
+            self.assertEqual(daemon.stderr.read(),
+                             "ipod-companiond: cannot write to standard output: No space left on device\n")
 
     def test_the_printed_interface_is_the_exported_one(self):
         self.daemon()

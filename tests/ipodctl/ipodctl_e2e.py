@@ -670,6 +670,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.run_ctl("cd", "Artists")
         self.assertEqual(self.refused("cd", "../..", code=NOTHING_DONE), "the current level is already the root")
         self.assertEqual(self.failure("cd", "/Artists/Nobody", code=USAGE)[1], "the current level is '/Artists/' now")
+        self.assertEqual(self.failure("cd", "./Nobody", code=USAGE)[1], "list it with 'ipodctl ls --all'")
 
     def test_a_level_that_cannot_be_entered_is_reported(self):
         self.assertIn("already the root", self.refused("cd", "..", code=NOTHING_DONE))
@@ -1126,8 +1127,17 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual([(segment["there"], segment["problem"]) for segment in missing],
                          [(False, "it does not exist")] * 2)
         self.assertIn("\nhint: start the service", self.end(self.start("shm"), code=NOTHING_DONE)[0].decode())
-        self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS)
+        self.assertEqual(self.failure("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS),
+                         ("segment ListVectorSharedMemory does not exist", "start the service"))
         self.assertEqual(segments(), [])
+
+    def test_a_segment_that_is_not_memory_is_not_reported_as_missing(self):
+        clear_shared_memory()
+        path = "/dev/shm/ListVectorSharedMemory"
+        os.mkfifo(path)
+        self.addCleanup(os.remove, path)
+        self.assertEqual(self.refused("shm", "--dump", "VecDBListShareMemory", code=NO_SEGMENTS),
+                         "segment ListVectorSharedMemory: it exists and is not shared memory")
 
     # Latencies
 
@@ -1258,6 +1268,23 @@ class WithTheSimulator(OnABusWithTheSimulator):
         out, err = self.end(process, code=SERVICE_LOST)
         self.assertEqual(out, b"")
         self.assertIn("disappeared", err)
+
+    def test_a_service_that_dies_before_it_is_watched_is_reported(self):
+        # The full pipe stops ipodctl at the log record of its first question: whether there is a service.
+        errors, full = os.pipe()
+        with os.fdopen(errors, "rb") as errors:
+            os.write(full, bytes(fcntl.fcntl(full, fcntl.F_GETPIPE_SZ)))
+            process = subprocess.Popen([OPTIONS.ipodctl, "--verbose", "status"], env=self.bus.environment,
+                                       stdout=subprocess.DEVNULL, stderr=full)
+            os.close(full)
+            time.sleep(0.5)
+            self.simulator.kill()
+            self.simulator.wait()
+            began = time.monotonic()
+            printed = errors.read().lstrip(b"\0").decode()
+        self.assertIn("\nipodctl: no iPod service on the bus: nobody owns com.zarn.linux.ipod\n", printed)
+        self.assertEqual(process.wait(LIMIT), NO_SERVICE)
+        self.assertLess(time.monotonic() - began, 10)
 
     def test_a_service_that_dies_during_a_list_is_reported_once(self):
         self.run_ctl("cd", "/Songs")

@@ -57,6 +57,9 @@ TEST(FaultText, ReportsTheExpectation)
     EXPECT_NE(ErrorFor("dely").find("(did you mean 'delay'?)"), std::string::npos);
     EXPECT_NE(ErrorFor("delay/x").find("expected KIND"), std::string::npos);
     EXPECT_NE(ErrorFor("delay/").find("expected KIND"), std::string::npos);
+    for (const char* incomplete : {"delay/0", "delay=", "delay=@Play", "delay@", "delay@/1", "=", "@"})
+        EXPECT_EQ(ErrorFor(incomplete),
+                  std::string("expected KIND[=PARAMETER][@MEMBER][/COUNT], got '") + incomplete + "'");
     EXPECT_NE(ErrorFor("no-reply=5").find("expected no parameter"), std::string::npos);
     EXPECT_NE(ErrorFor("error=busy").find("expected an error name"), std::string::npos);
     EXPECT_NE(ErrorFor("crash-locked=all").find("expected lists or buffers"), std::string::npos);

@@ -171,6 +171,14 @@ class Program(OnABus):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.assertIn("no session bus", self.refusal())
 
+    def test_a_full_output_is_reported(self):
+        for program, word in ((OPTIONS.simulator, "--print-schema"), (OPTIONS.simulator, "--version"),
+                              (OPTIONS.samples, "--help")):
+            with self.subTest([program, word]), open("/dev/full", "w", encoding="utf-8") as full:
+                done = subprocess.run([program, word], stdout=full, stderr=subprocess.PIPE, text=True, timeout=LIMIT)
+                self.assertEqual((done.returncode, done.stderr), (1, f"{os.path.basename(program)}: cannot write to "
+                                                                  "standard output: No space left on device\n"))
+
     def test_usage_errors_are_one_line_and_exit_with_2(self):
         for program in (OPTIONS.simulator, OPTIONS.samples):
             name = os.path.basename(program)
