@@ -10,6 +10,7 @@ namespace
 using namespace ipodkit;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 /// Code as an application would write it.
 class NowPlaying
@@ -126,6 +127,26 @@ TEST_F(FakeSessionTest, HeldRequestsTimeOutAsTimePasses)
     EXPECT_EQ(view.problem, "");
     fake.Advance(1ms);
     EXPECT_THAT(view.problem, testing::StartsWith("TimedOut: "));
+}
+
+TEST_F(FakeSessionTest, RequestsThatNeedTheLoopTimeOutAsTimePasses)
+{
+    fake.SetState(FakeSession::ReadyState());
+    fake.SetList(ListKind::Database, {"a"});
+    fake.Hold("GetCurDbListItems");
+    Pager pager(fake.Get(), ListKind::Database);
+    std::vector<std::string> late;
+    const auto note = [&late](const char* name)
+    { return [&late, name](const auto& result) { late.push_back(name + (": " + result.error().Text())); }; };
+
+    pager.At(0).Within(2s).Start(note("page"));
+    fake.Get().Changed().Within(3s).Start(note("change"));
+    fake.Advance(1s);
+    EXPECT_THAT(late, IsEmpty());
+    fake.Advance(1s);
+    EXPECT_THAT(late, ElementsAre("page: TimedOut: no answer within 2000 ms"));
+    fake.Advance(1s);
+    EXPECT_EQ(late.back(), "change: TimedOut: no answer within 3000 ms");
 }
 
 TEST_F(FakeSessionTest, HeldRequestsAreAnsweredLater)

@@ -228,6 +228,7 @@ void FakeSession::Advance(std::chrono::milliseconds time)
             m_impl->inside->m_bus->Complete(serial,
                                             tl::unexpected<Error>(detail::TimedOut(*waiting.call.terms.deadline)));
     }
+    m_impl->inside->m_bus->Home()->Advance(time);
     Run();
 }
 
