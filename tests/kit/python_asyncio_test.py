@@ -8,6 +8,7 @@ import tempfile
 import time
 import unittest
 import urllib.parse
+import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
@@ -123,6 +124,24 @@ class Asyncio(WithSimulator):
         seen = [await asyncio.wait_for(anext(events), LIMIT) for _ in range(10)]
         self.assertEqual([each.percent for each in seen], list(range(10)))
         events.end()
+
+    async def test_an_iteration_that_is_left_ends_its_subscription(self):
+        session = await self.ready_session()
+        streams = []
+
+        async def first(stream):
+            streams.append(weakref.ref(stream))
+            async for _ in stream:
+                return
+
+        self.simulator.battery(1)
+        await asyncio.wait_for(first(session.states()), LIMIT)
+        await asyncio.gather(asyncio.wait_for(first(session.events()), LIMIT), self.change_battery())
+        self.assertEqual([stream() for stream in streams], [None, None])
+
+    async def change_battery(self):
+        await asyncio.sleep(0)
+        self.simulator.battery(2)
 
     async def test_closing_the_session_ends_iterations_and_requests(self):
         session = await self.ready_session()

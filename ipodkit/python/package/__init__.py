@@ -20,6 +20,7 @@ go to sys.unraisablehook, a KeyboardInterrupt to the program that runs the loop.
 object.
 """
 import asyncio as _asyncio
+import weakref as _weakref
 
 from . import _native
 from ._native import *  # noqa: F401,F403
@@ -117,12 +118,15 @@ class _Queue:
 
 
 class _Stream:
-    """An asynchronous iterator over what a subscription delivers, until the session is closed."""
+    """An asynchronous iterator over what a subscription delivers, until the session is closed.
+
+    Nothing but its iteration refers to it, so the subscription ends with an iteration that is left.
+    """
 
     def __init__(self, session, store, subscribe):
         self._session = session
         self._store = store
-        self._subscription = subscribe(store.put)
+        self._unsubscribe = _weakref.finalize(self, subscribe(store.put).end)
         session._streams.add(self)
 
     def __aiter__(self):
@@ -138,7 +142,7 @@ class _Stream:
     def end(self):
         """Ends the subscription, and the iteration."""
         self._session._streams.discard(self)
-        self._subscription.end()
+        self._unsubscribe()
         self._store.end()
 
 
@@ -146,7 +150,7 @@ class Session(_native.Session):
     __doc__ = _native.Session.__doc__
 
     def __init__(self, **options):
-        self._streams = set()
+        self._streams = _weakref.WeakSet()
         self._pump = None
         try:
             _asyncio.get_running_loop()
