@@ -21,6 +21,13 @@ std::chrono::milliseconds PatienceOf(const SessionOptions& options)
     return std::min<std::chrono::milliseconds>(kLongestPatience, options.deadline * 3 / 4);
 }
 
+SessionOptions Limited(SessionOptions options)
+{
+    for (auto* const time : {&options.settle, &options.deadline, &options.callbackBudget})
+        *time = std::min(*time, detail::kLongestDeadline);
+    return options;
+}
+
 GMainContext* ContextOf(const SessionOptions& options)
 {
     return g_main_context_ref(options.context != nullptr ? options.context : g_main_context_default());
@@ -28,16 +35,16 @@ GMainContext* ContextOf(const SessionOptions& options)
 }  // namespace
 
 Session::Impl::Impl(const SessionOptions& options)
-    : m_options(options),
+    : m_options(Limited(options)),
       m_context(ContextOf(options)),
-      m_guard(options.callbackBudget),
+      m_guard(m_options.callbackBudget),
       m_bus(std::make_shared<detail::Bus>(m_context.get(), m_guard)),
       m_queues(m_guard),
-      m_leases(std::make_shared<Leases>(m_context.get(), PatienceOf(options))),
+      m_leases(std::make_shared<Leases>(m_context.get(), PatienceOf(m_options))),
       m_pictures(options.artworkLimit),
-      m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
+      m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, m_options.settle, m_draft,
                                               [this](Fields changed) { Published(changed); })),
-      m_reader(std::make_shared<StateReader>(m_context.get(), m_bus, options.deadline, m_draft, m_pictures,
+      m_reader(std::make_shared<StateReader>(m_context.get(), m_bus, m_options.deadline, m_draft, m_pictures,
                                              [this] { Progressed(); })),
       m_memory(std::make_shared<Memory>(m_context.get(), [this](const PlayerState& earlier) { Remember(earlier); }))
 {
