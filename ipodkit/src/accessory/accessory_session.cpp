@@ -129,13 +129,12 @@ void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& 
         release();
         return FailLater(result ? detail::kSessionEnded : result.error());
     }
-    AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
-        .Start(
-            [self = shared_from_this(), size, release](const Result<void>& answer)
-            {
-                release();
-                self->ChunkAnswered(size, answer);
-            });
+    m_session->StartWithService(AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number),
+                                [self = shared_from_this(), size, release](const Result<void>& answer)
+                                {
+                                    release();
+                                    self->ChunkAnswered(size, answer);
+                                });
 }
 
 // The caller of Write() may be the first to detect it.

@@ -126,14 +126,15 @@ void Pager::Impl::InTurn(Request<T> request, Locking lock, std::function<bool()>
     };
     const auto send = [=](const Result<LocksPtr>& locks, const SerialQueue::Release& release)
     {
-        if (current() == nullptr || !wanted()) return release();
+        const auto self = current();
+        if (self == nullptr || !wanted()) return release();
         const auto done = [=](const Result<T>& result)
         {
-            if (const auto self = current()) arrived(result, locks.value_or(nullptr));
+            if (const auto alive = current()) arrived(result, locks.value_or(nullptr));
             release();
         };
         if (!locks) return done(tl::unexpected<Error>(locks.error()));
-        std::move(*held).Start(done);
+        self->m_session->StartWithService(std::move(*held), done);
     };
     m_queue->Wait(
         [=](const SerialQueue::Release& release)
@@ -357,15 +358,15 @@ void Pager::Impl::Change(const PendingPtr<void>& request, const std::function<Re
     const auto call =
         std::make_shared<Request<void>>(command(m_session->MakeCommands()).Within(CallDeadline(request.get())));
     m_queue->Outdate(m_session->CallbackGuard());
-    m_queue->Wait([request, call, leases = m_session->SharedLeases()](const SerialQueue::Release& release)
-                  { request->Open() ? SendChange(request, call, leases, release) : release(); });
+    m_queue->Wait([request, call, session = m_session](const SerialQueue::Release& release)
+                  { request->Open() ? SendChange(request, call, session, release) : release(); });
 }
 
 void Pager::Impl::SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
-                             const std::shared_ptr<Leases>& leases, const SerialQueue::Release& release)
+                             const std::shared_ptr<Session::Impl>& session, const SerialQueue::Release& release)
 {
-    leases->TakeForChange(
-        [request, call, release](const Result<std::shared_ptr<void>>& right)
+    session->SharedLeases()->TakeForChange(
+        [request, call, session, release](const Result<std::shared_ptr<void>>& right)
         {
             const auto held = std::make_shared<std::shared_ptr<void>>(right.value_or(nullptr));
             const auto done = [request, release, held](const Result<void>& result)
@@ -375,7 +376,7 @@ void Pager::Impl::SendChange(const PendingPtr<void>& request, const std::shared_
                 request->Settle(result);
             };
             if (!right) return done(tl::unexpected<Error>(right.error()));
-            request->Open() ? std::move(*call).Start(done) : release();
+            request->Open() ? session->StartWithService(std::move(*call), done) : release();
         });
 }
 }  // namespace ipodkit

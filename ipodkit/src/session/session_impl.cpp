@@ -168,9 +168,9 @@ void Session::Impl::Vanished()
     m_draft.ForgetService();
     Step(Phase::Lost);
     m_queues.OutdateAll();
-    const Error lost{ErrorKind::ServiceLost, "the service exited before it answered"};
+    std::exchange(m_serviceEnd, {}).Cancel();
     for (const PendingRefresh& each : std::exchange(m_refreshes, {}))
-        if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(lost));
+        if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(detail::kServiceLost));
 }
 
 // Probing runs on another thread, because it waits for processes that create the segments and for locks of dead ones.
