@@ -73,6 +73,17 @@ class Asyncio(WithSimulator):
         finally:
             self.simulator.go_on()
 
+    async def test_a_future_is_not_awaited_on_the_thread_of_its_loop(self):
+        session = await self.ready_session()
+        future = session.commands.ipod_name().future()
+        for wait in (future.result, future.exception):
+            with self.assertRaises(ipodkit.WouldDeadlock) as raised:
+                wait()
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.WOULD_DEADLOCK)
+        self.assertEqual(await asyncio.wrap_future(future), "Desk iPod")
+        self.assertEqual(future.result(), "Desk iPod")
+        self.assertEqual(await asyncio.to_thread(session.commands.ipod_name().future().result), "Desk iPod")
+
     async def test_a_cancelled_task_withdraws_its_request(self):
         session = await self.ready_session()
         self.simulator.hang()
@@ -534,6 +545,15 @@ class WithoutService(unittest.IsolatedAsyncioTestCase):
             with self.assertRaises(ConnectionError) as raised:
                 await session.commands.next()
         self.assertIsInstance(raised.exception, ipodkit.NoService)
+        self.assertEqual(raised.exception.remedy, "start the iPod service")
+
+    async def test_an_error_without_a_remedy(self):
+        async with ipodkit.Session() as session:
+            with self.assertRaises(ipodkit.Cancelled) as raised:
+                stop = ipodkit.Cancellation()
+                stop.cancel()
+                await session.commands.next().cancelled_by(stop)
+        self.assertIsNone(raised.exception.remedy)
 
 
 class Errors(unittest.TestCase):

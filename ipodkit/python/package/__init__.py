@@ -20,6 +20,7 @@ go to sys.unraisablehook, a KeyboardInterrupt to the program that runs the loop.
 object.
 """
 import asyncio as _asyncio
+import concurrent.futures as _futures
 import weakref as _weakref
 
 from . import _native
@@ -246,6 +247,30 @@ class AccessoryPort(_native.AccessoryPort):
                 yield accessory, data
         finally:
             chunks.end()
+
+
+class _Future(_futures.Future):
+    def __init__(self, check_thread):
+        super().__init__()
+        self._check_thread = check_thread
+
+    def result(self, timeout=None):
+        self._check(timeout)
+        return super().result(timeout)
+
+    def exception(self, timeout=None):
+        self._check(timeout)
+        return super().exception(timeout)
+
+    def _check(self, timeout):
+        try:
+            if not self.done():
+                self._check_thread()
+        except WouldDeadlock:  # noqa: F405
+            # The thread of the loop may have just started.
+            grace = 0.2 if timeout is None else min(timeout, 0.2)
+            if not _futures.wait([self], grace).done:
+                self._check_thread()
 
 
 def _await(request):
