@@ -38,14 +38,14 @@ Result<Body> Judged(const Call& call, Result<Body> result)
 {
     if (!result) return result;
     if (!g_variant_is_of_type(result->get(), G_VARIANT_TYPE(call.replyType)))
-        return tl::unexpected<Error>(
-            Error{ErrorKind::BadReply, std::string(call.method) + ": expected a reply of type " + call.replyType +
-                                           ", got " + g_variant_get_type_string(result->get())});
+        return tl::unexpected(Error{ErrorKind::BadReply, std::string(call.method) + ": expected a reply of type " +
+                                                             call.replyType + ", got " +
+                                                             g_variant_get_type_string(result->get())});
     if (!call.isCommand) return result;
     gboolean followed = FALSE;
     g_variant_get(result->get(), "(b)", &followed);
     if (followed != FALSE) return result;
-    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
+    return tl::unexpected(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
 }
 
 // One record for each request, so that a log shows what an application requested.
@@ -91,8 +91,8 @@ Result<Body> ToResult(GDBusMessage* reply, GError* error)
 {
     const MessagePtr answer(reply);
     const ErrorPtr failure(error);
-    if (failure != nullptr) return tl::unexpected<Error>(ToError(*failure));
-    if (const std::optional<Error> refusal = ErrorIn(*answer)) return tl::unexpected<Error>(*refusal);
+    if (failure != nullptr) return tl::unexpected(ToError(*failure));
+    if (const std::optional<Error> refusal = ErrorIn(*answer)) return tl::unexpected(*refusal);
     return BodyOf(*answer);
 }
 }  // namespace
@@ -138,7 +138,7 @@ void Bus::Transmit(Serial serial)
     const std::optional<Error> error = pending->call.error ? pending->call.error : m_error;
     pending->sent = !error && (m_connection != nullptr || m_responder);
     lock.unlock();
-    if (error) return CompleteLater(serial, tl::unexpected<Error>(*error));
+    if (error) return CompleteLater(serial, tl::unexpected(*error));
     if (!pending->sent) return;
     if (!m_responder) return TransmitOn(m_connection.get(), pending->call, serial);
     if (auto answer = m_responder(pending->call, serial)) CompleteLater(serial, std::move(*answer));
@@ -170,7 +170,7 @@ void Bus::OnReply(GObject* connection, GAsyncResult* result, gpointer data)
 
 void Bus::Withdraw(const PendingCall& call)
 {
-    Complete(call.serial, tl::unexpected<Error>(kWithdrawn));
+    Complete(call.serial, tl::unexpected(kWithdrawn));
 }
 
 Bus::PendingPtr Bus::Take(Serial serial)
@@ -223,7 +223,7 @@ void Bus::Unconnected(const Error& error)
         for (const auto& [serial, pending] : m_pending)
             if (!pending->sent) waiting.push_back(serial);
     }
-    for (const Serial serial : waiting) Complete(serial, tl::unexpected<Error>(error));
+    for (const Serial serial : waiting) Complete(serial, tl::unexpected(error));
 }
 
 void Bus::Close()
@@ -235,7 +235,7 @@ void Bus::Close()
     }
     for (const auto& [serial, pending] : TakeAll())
         CallbackGuard().Run(pending->call.method,
-                            [&pending = *pending] { pending.Complete(tl::unexpected<Error>(kSessionEnded)); });
+                            [&pending = *pending] { pending.Complete(tl::unexpected(kSessionEnded)); });
     m_requests->Close(kSessionEnded);
 }
 
@@ -243,14 +243,14 @@ Result<ConnectionPtr> Bus::ConnectionForWaiting()
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_closed) return tl::unexpected<Error>(kSessionEnded);
+        if (m_closed) return tl::unexpected(kSessionEnded);
         if (m_connection != nullptr) return ConnectionPtr(G_DBUS_CONNECTION(g_object_ref(m_connection.get())));
     }
     GError* error = nullptr;
     ConnectionPtr connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
     if (connection != nullptr) return connection;
     const ErrorPtr owned(error);
-    return tl::unexpected<Error>(Error{ErrorKind::NoBus, owned->message});
+    return tl::unexpected(Error{ErrorKind::NoBus, owned->message});
 }
 
 void Bus::ReportLater(const char* method)
@@ -274,9 +274,9 @@ void Bus::ReportFollowed()
 
 Result<Body> Bus::AnswerOf(const Call& call)
 {
-    if (m_responder) return m_responder(call, 0).value_or(tl::unexpected<Error>(TimedOut(*call.terms.deadline)));
+    if (m_responder) return m_responder(call, 0).value_or(tl::unexpected(TimedOut(*call.terms.deadline)));
     const Result<ConnectionPtr> connection = ConnectionForWaiting();
-    if (!connection) return tl::unexpected<Error>(connection.error());
+    if (!connection) return tl::unexpected(connection.error());
     GError* error = nullptr;
     GDBusMessage* const reply = g_dbus_connection_send_message_with_reply_sync(
         connection->get(), MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, Milliseconds(call), nullptr,
@@ -286,7 +286,7 @@ Result<Body> Bus::AnswerOf(const Call& call)
 
 Result<Body> Bus::SendAndWait(const Call& call)
 {
-    if (call.error) return tl::unexpected<Error>(*call.error);
+    if (call.error) return tl::unexpected(*call.error);
     const auto since = std::chrono::steady_clock::now();
     Result<Body> judged = Judged(call, AnswerOf(call));
     LogOutcome(call, judged, since);

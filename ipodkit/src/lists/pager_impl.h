@@ -139,8 +139,7 @@ Request<T> Pager::Impl::Reading(const char* name, detail::Terms terms,
                                   if (self == nullptr) return;
                                   self->CatchUp();
                                   if (!request->Open()) return;
-                                  if (self->m_unusable)
-                                      return request->Settle(tl::unexpected<Error>(*self->m_unusable));
+                                  if (self->m_unusable) return request->Settle(tl::unexpected(*self->m_unusable));
                                   begin(*self, request);
                               });
 }

@@ -112,7 +112,7 @@ void Session::Impl::Refresh(Fields fields, const PendingPtr<StatePtr>& request)
     if (m_phase != Phase::Ready && !m_reader->Started())
     {
         const Error unconnected{ErrorKind::NoService, "the session is not connected to the service"};
-        return request->Settle(tl::unexpected<Error>(CurrentConnection().error.value_or(unconnected)));
+        return request->Settle(tl::unexpected(CurrentConnection().error.value_or(unconnected)));
     }
     m_reader->Refresh(fields);
     m_refreshes.push_back({fields, request});
@@ -170,7 +170,7 @@ void Session::Impl::Vanished()
     m_queues.OutdateAll();
     std::exchange(m_serviceEnd, {}).Cancel();
     for (const PendingRefresh& each : std::exchange(m_refreshes, {}))
-        if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(detail::kServiceLost));
+        if (const auto request = each.request.lock()) request->Settle(tl::unexpected(detail::kServiceLost));
 }
 
 // Probing runs on another thread, because it waits for processes that create the segments and for locks of dead ones.

@@ -90,8 +90,7 @@ public:
         }
         if (std::strcmp(call.replyType, "()") == 0) return Parsed("()");
         if (call.isCommand) return Parsed("(true,)");
-        return tl::unexpected<Error>(
-            Error{ErrorKind::Refused, std::string("the test has no answer to ") + call.method});
+        return tl::unexpected(Error{ErrorKind::Refused, std::string("the test has no answer to ") + call.method});
     }
 
     // Requests for the list of devices have no range.
@@ -173,7 +172,7 @@ void FakeSession::Answer(const std::string& method, const std::string& body)
 
 void FakeSession::Fail(const std::string& method, const Error& error)
 {
-    m_impl->answers[method] = tl::unexpected<Error>(error);
+    m_impl->answers[method] = tl::unexpected(error);
 }
 
 void FakeSession::Hold(const std::string& method)
@@ -225,8 +224,7 @@ void FakeSession::Advance(std::chrono::milliseconds time)
         const auto [serial, waiting] = *each;
         each = waiting.due > m_impl->now ? std::next(each) : m_impl->waiting.erase(each);
         if (waiting.due <= m_impl->now)
-            m_impl->inside->m_bus->Complete(serial,
-                                            tl::unexpected<Error>(detail::TimedOut(*waiting.call.terms.deadline)));
+            m_impl->inside->m_bus->Complete(serial, tl::unexpected(detail::TimedOut(*waiting.call.terms.deadline)));
     }
     m_impl->inside->m_bus->Home()->Advance(time);
     Run();
