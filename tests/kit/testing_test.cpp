@@ -162,6 +162,26 @@ TEST_F(FakeSessionTest, HeldRequestsAreAnsweredLater)
     EXPECT_EQ(**count, 2);
 }
 
+TEST_F(FakeSessionTest, ACompletionMayAnswerAnotherHeldRequest)
+{
+    fake.Hold("Next");
+    fake.Hold("Previous");
+    std::vector<std::string> done;
+    const Commands commands = fake.Get().Commands();
+    commands.Next().Start(
+        [&](const Result<void>&)
+        {
+            done.emplace_back("Next");
+            fake.AnswerHeld("Previous");
+        });
+    commands.Previous().Start([&](const Result<void>&) { done.emplace_back("Previous"); });
+    fake.Run();
+
+    fake.AnswerHeld("Next");
+
+    EXPECT_THAT(done, ElementsAre("Next", "Previous"));
+}
+
 TEST_F(FakeSessionTest, ThePositionAdvancesWithTime)
 {
     const NowPlaying view(fake.Get());

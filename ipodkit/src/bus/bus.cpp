@@ -22,15 +22,12 @@ GCancellable* NativeOf(const Call& call)
 }
 
 // "EnterDbChildList(3)".
-std::string TextOf(const Call& call)
+std::string ShortTextOf(const Call& call)
 {
-    if (call.arguments == nullptr) return std::string(call.method) + "()";
-    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
-    std::string arguments(printed);
-    g_free(printed);
-    const std::size_t comma = arguments.size() - 2;
-    if (arguments[comma] == ',') arguments.erase(comma, 1);
-    return call.method + arguments;
+    std::string text = TextOf(call);
+    const std::size_t comma = text.size() - 2;
+    if (text[comma] == ',') text.erase(comma, 1);
+    return text;
 }
 
 // A reply must have the contract's type. "false" means that the service refused.
@@ -45,14 +42,14 @@ Result<Body> Judged(const Call& call, Result<Body> result)
     gboolean followed = FALSE;
     g_variant_get(result->get(), "(b)", &followed);
     if (followed != FALSE) return result;
-    return tl::unexpected(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
+    return tl::unexpected(Error{ErrorKind::Refused, "the service answered " + ShortTextOf(call) + " with false"});
 }
 
 // One record for each request, so that a log shows what an application requested.
 void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::steady_clock::time_point since)
 {
     const std::string taken = DurationText(std::chrono::steady_clock::now() - since);
-    LogDebug(TextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
+    LogDebug(ShortTextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
 }
 
 // Returns whether the request is a command, which returns success or nothing.
@@ -96,6 +93,15 @@ Result<Body> ToResult(GDBusMessage* reply, GError* error)
     return BodyOf(*answer);
 }
 }  // namespace
+
+std::string TextOf(const Call& call)
+{
+    if (call.arguments == nullptr) return std::string(call.method) + "()";
+    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
+    const std::string arguments(printed);
+    g_free(printed);
+    return call.method + arguments;
+}
 
 Bus::Bus(GMainContext* context, const Guard& guard)
     : m_home(std::make_shared<detail::Home>(context, guard)), m_requests(RequestGroup::Make(m_home))
