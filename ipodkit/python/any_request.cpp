@@ -56,7 +56,12 @@ void WithdrawWhenGivenUp(AnyRequest& request, const py::object& future)
 
 py::object Future(AnyRequest& request)
 {
-    py::object future = py::module_::import("concurrent.futures").attr("Future")();
+    const py::cpp_function checkThread(
+        [home = request.Home()]
+        {
+            if (detail::RunsHere(*home)) Raise(detail::WouldDeadlock());
+        });
+    py::object future = py::module_::import("ipodkit").attr("_Future")(checkThread);
     WithdrawWhenGivenUp(request, future);
     const py::cpp_function settle([future](const py::object& value, const py::object& error)
                                   { Settle(future, value, error); });
@@ -98,11 +103,10 @@ void BindRequest(py::module_& module)
         .def("start", Start, py::arg("callback"),
              "Sends the request. The loop calls the callback once, with (value, None) or (None, Error).")
         .def("future", Future,
-             "Sends the request; returns a concurrent.futures.Future. Do not wait for it on the loop's thread. "
-             "Cancelling it cancels the request, unless the request has its own Cancellation.")
+             "Sends the request; returns a concurrent.futures.Future. Waiting for it on the loop's thread raises "
+             "WouldDeadlock. Cancelling it cancels the request, unless the request has its own Cancellation.")
         .def("wait", &AnyRequest::Wait,
              "Sends the request and blocks until the answer: returns the value or raises Error. An exception raised by "
-             "a signal "
-             "handler, such as KeyboardInterrupt, ends the wait at once and cancels the request.");
+             "a signal handler, such as KeyboardInterrupt, ends the wait at once and cancels the request.");
 }
 }  // namespace ipodkit::python

@@ -21,7 +21,7 @@ namespace ipodkit::python
 class AnyRequest
 {
 public:
-    AnyRequest() = default;
+    explicit AnyRequest(detail::HomePtr home) : m_home(std::move(home)) {}
     virtual ~AnyRequest() = default;
     AnyRequest(const AnyRequest&) = delete;
     AnyRequest& operator=(const AnyRequest&) = delete;
@@ -29,6 +29,7 @@ public:
     virtual void Within(std::chrono::milliseconds deadline) = 0;
     virtual void CancelledBy(const Cancellation& cancellation) = 0;
     virtual bool HasSwitch() const = 0;
+    const detail::HomePtr& Home() const { return m_home; }
 
     /// Sends the request. The callback receives (value, None) or (None, ipodkit.Error).
     virtual void Start(const Callback& callback) = 0;
@@ -42,6 +43,9 @@ protected:
     /// @param stop  cancelled when @p other is cancelled, and when a signal handler raises
     static void WaitUntil(const std::function<bool(std::chrono::milliseconds)>& ready, const Cancellation& stop,
                           const std::optional<Cancellation>& other);
+
+private:
+    const detail::HomePtr m_home;
 };
 
 template <class T>
@@ -71,7 +75,7 @@ template <class T>
 class RequestOf final : public AnyRequest
 {
 public:
-    explicit RequestOf(Request<T> request) : m_request(std::move(request)) {}
+    explicit RequestOf(Request<T> request) : RequestOf(std::move(request).Inside()) {}
     ~RequestOf() override
     {
         if (m_request) WarnOfDropped("a request was dropped without being sent; call start(), future(), or wait()");
@@ -103,6 +107,8 @@ public:
     }
 
 private:
+    explicit RequestOf(const detail::OperationPtr<T>& operation) : AnyRequest(operation->home), m_request(operation) {}
+
     Request<T> Take()
     {
         if (!m_request) throw std::runtime_error("this request was already sent");

@@ -11,7 +11,7 @@ namespace
 {
 constexpr char kErrorDoc[] =
     "Why a request failed. `kind` is an ErrorKind, `reason` has details for logs, "
-    "and `name` is the D-Bus name of the error reply, or None.";
+    "`name` is the D-Bus name of the error reply, or None, and `remedy` is what the user can do, or None.";
 
 // Valid as long as the module.
 py::handle errorType;
@@ -49,6 +49,11 @@ py::handle NewType(const std::string& name, const py::tuple& bases, const char* 
     if (!type) throw py::error_already_set();
     return type;
 }
+
+py::object TextOrNone(const std::string& text)
+{
+    return text.empty() ? py::object(py::none()) : py::str(text);
+}
 }  // namespace
 
 void BindErrors(py::module_& module)
@@ -71,7 +76,8 @@ py::object ToException(const Error& error)
     py::object exception = typesByKind.at(error.kind)(error.Text());
     exception.attr("kind") = error.kind;
     exception.attr("reason") = error.reason;
-    exception.attr("name") = error.name.empty() ? py::object(py::none()) : py::str(error.name);
+    exception.attr("name") = TextOrNone(error.name);
+    exception.attr("remedy") = TextOrNone(Remedy(error.kind));
     return exception;
 }
 

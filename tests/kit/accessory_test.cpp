@@ -145,6 +145,23 @@ TEST_F(AccessoryTest, BytesForASessionThatTheServiceLacksAreRefused)
     EXPECT_EQ(KindOf(Completed(port.WriteTo(77, {1}))), ErrorKind::Refused);
 }
 
+TEST_F(AccessoryTest, AWriteDoesNotWaitForOneOfAHungServiceThatWasReplaced)
+{
+    service.Hold("EapWrite");
+    AccessoryPort port(*session);
+    std::optional<Result<void>> hung;
+    port.WriteTo(77, {1}).Start([&hung](const Result<void>& done) { hung = done; });
+    RunLoopFor(5ms);
+    FakeService next(FakeService::Takeover::Yes);
+    AnswerState(next);
+    next.Answer("EapWrite", "(true,)");
+    Ready(2);
+
+    EXPECT_TRUE(Completed(port.WriteTo(77, {2}).Within(1s)));
+    ASSERT_TRUE(hung);
+    EXPECT_EQ(KindOf(*hung), ErrorKind::ServiceLost);
+}
+
 TEST_F(AccessoryTest, AWriteByNumberEndsWithItsPort)
 {
     service.Hold("EapWrite");

@@ -264,6 +264,51 @@ TEST_F(PagerTest, OnlyTheDatabaseHasLevels)
     EXPECT_EQ(KindOf(entered.Get()), ErrorKind::BadArgument);
 }
 
+// A service that hangs holds the bus name no longer, but its process still exists and never answers.
+class ReplacementTest : public PagerTest
+{
+protected:
+    // Expects that a page of the new service arrives while the old one still owes the answer to @p held.
+    void ExpectPageOfReplacement(Pager& pager, const std::string& held)
+    {
+        ASSERT_TRUE(RunUntilCalled(held));
+        FakeService next(FakeService::Takeover::Yes);
+        AnswerState(next);
+        next.Answer("GetCurDbListItemsAmount", "(1,)");
+        next.Answer("GetCurDbListItems", "(true, false, true)");
+        shared.SetList("VecDBListShareMemory", {"new"});
+        Ready(2);
+
+        const Result<PagePtr> page = Completed(pager.At(0).Within(1s));
+        ASSERT_TRUE(page) << page.error().Text();
+        EXPECT_THAT((*page)->names, ElementsAre("new"));
+    }
+};
+
+TEST_F(ReplacementTest, APageDoesNotWaitForOneOfTheHungService)
+{
+    service.Hold("GetCurDbListItems");
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    std::vector<Result<PagePtr>> pages;
+    pager.At(0).Start(Into(pages));
+
+    ExpectPageOfReplacement(pager, "GetCurDbListItems(0, 49)");
+
+    EXPECT_THAT(KindsOf(pages), ElementsAre(ErrorKind::Cancelled));
+}
+
+TEST_F(ReplacementTest, APageDoesNotWaitForALevelChangeOfTheHungService)
+{
+    service.Hold("EnterDbChildList");
+    Pager pager(*session, ListKind::Database, NoPrefetch());
+    std::vector<Result<void>> entered;
+    pager.EnterChild(3).Start(Into(entered));
+
+    ExpectPageOfReplacement(pager, "EnterDbChildList(3,)");
+
+    EXPECT_THAT(KindsOf(entered), ElementsAre(ErrorKind::ServiceLost));
+}
+
 TEST_F(PagerTest, AChangedPlayingListInvalidatesItsPages)
 {
     Pager pager(*session, ListKind::Playing, NoPrefetch());

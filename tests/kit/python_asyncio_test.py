@@ -8,6 +8,7 @@ import tempfile
 import time
 import unittest
 import urllib.parse
+import weakref
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 
@@ -66,6 +67,17 @@ class Asyncio(WithSimulator):
         with self.assertRaises(ipodkit.TimedOut):
             await answer
 
+    async def test_a_future_is_not_awaited_on_the_thread_of_its_loop(self):
+        session = await self.ready_session()
+        future = session.commands.ipod_name().future()
+        for wait in (future.result, future.exception):
+            with self.assertRaises(ipodkit.WouldDeadlock) as raised:
+                wait()
+        self.assertEqual(raised.exception.kind, ipodkit.ErrorKind.WOULD_DEADLOCK)
+        self.assertEqual(await asyncio.wrap_future(future), "Desk iPod")
+        self.assertEqual(future.result(), "Desk iPod")
+        self.assertEqual(await asyncio.to_thread(session.commands.ipod_name().future().result), "Desk iPod")
+
     async def test_a_cancelled_task_withdraws_its_request(self):
         session = await self.ready_session()
         self.simulator.hang()
@@ -115,6 +127,24 @@ class Asyncio(WithSimulator):
         seen = [await asyncio.wait_for(anext(events), LIMIT) for _ in range(10)]
         self.assertEqual([each.percent for each in seen], list(range(10)))
         events.end()
+
+    async def test_an_iteration_that_is_left_ends_its_subscription(self):
+        session = await self.ready_session()
+        streams = []
+
+        async def first(stream):
+            streams.append(weakref.ref(stream))
+            async for _ in stream:
+                return
+
+        self.simulator.battery(1)
+        await asyncio.wait_for(first(session.states()), LIMIT)
+        await asyncio.gather(asyncio.wait_for(first(session.events()), LIMIT), self.change_battery())
+        self.assertEqual([stream() for stream in streams], [None, None])
+
+    async def change_battery(self):
+        await asyncio.sleep(0)
+        self.simulator.battery(2)
 
     async def test_closing_the_session_ends_iterations_and_requests(self):
         session = await self.ready_session()
@@ -504,6 +534,15 @@ class WithoutService(unittest.IsolatedAsyncioTestCase):
             with self.assertRaises(ConnectionError) as raised:
                 await session.commands.next()
         self.assertIsInstance(raised.exception, ipodkit.NoService)
+        self.assertEqual(raised.exception.remedy, "start the iPod service")
+
+    async def test_an_error_without_a_remedy(self):
+        async with ipodkit.Session() as session:
+            with self.assertRaises(ipodkit.Cancelled) as raised:
+                stop = ipodkit.Cancellation()
+                stop.cancel()
+                await session.commands.next().cancelled_by(stop)
+        self.assertIsNone(raised.exception.remedy)
 
 
 class Errors(unittest.TestCase):

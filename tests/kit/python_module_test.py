@@ -246,7 +246,7 @@ class WithSimulator(unittest.TestCase):
             stated |= {node.target.id for node in classes[name].body if isinstance(node, ast.AnnAssign)}
             inherited = dir(Exception) + dir(ConnectionError) if issubclass(module[name], Exception) else ["name", "value"]
             there = {each for each in dir(module[name]) if not each.startswith("_")} - set(inherited)
-            self.assertEqual({each for each in stated if not each.startswith("_")} - {"kind", "reason", "name"},
+            self.assertEqual({each for each in stated if not each.startswith("_")} - {"kind", "reason", "name", "remedy"},
                              there - {"name"}, name)
 
     def test_values_and_refusals_reach_the_completion(self):

@@ -142,6 +142,24 @@ TEST_F(SessionTest, OptionsThatAreOutOfRangeAreABadArgument)
     EXPECT_TRUE(Session::Open(with(&SessionOptions::settle, 0ms)));
 }
 
+TEST_F(SessionTest, OptionsMayBeArbitrarilyLong)
+{
+    const auto ever = std::chrono::milliseconds::max();
+    FakeService service;
+    Open({nullptr, ever, ever, ever});
+    int states = 0;
+    const Subscription watching =
+        session->OnState("watch", [&states](const StatePtr&, Fields changed) { states += changed.Has(Field::Repeat); });
+    Ready();
+    const int before = states;
+
+    service.Emit("OnIpodRepeatModeChange", "(byte 2,)");
+    RunLoopFor(50ms);
+
+    EXPECT_EQ(states, before);
+    EXPECT_EQ(CountLogLines("over its budget"), 0U);
+}
+
 TEST_F(SessionTest, CallbacksThatThrowStopNothing)
 {
     AnsweringService service;

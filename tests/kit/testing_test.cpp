@@ -10,6 +10,7 @@ namespace
 using namespace ipodkit;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 /// Code as an application would write it.
 class NowPlaying
@@ -128,6 +129,26 @@ TEST_F(FakeSessionTest, HeldRequestsTimeOutAsTimePasses)
     EXPECT_THAT(view.problem, testing::StartsWith("TimedOut: "));
 }
 
+TEST_F(FakeSessionTest, RequestsThatNeedTheLoopTimeOutAsTimePasses)
+{
+    fake.SetState(FakeSession::ReadyState());
+    fake.SetList(ListKind::Database, {"a"});
+    fake.Hold("GetCurDbListItems");
+    Pager pager(fake.Get(), ListKind::Database);
+    std::vector<std::string> late;
+    const auto note = [&late](const char* name)
+    { return [&late, name](const auto& result) { late.push_back(name + (": " + result.error().Text())); }; };
+
+    pager.At(0).Within(2s).Start(note("page"));
+    fake.Get().Changed().Within(3s).Start(note("change"));
+    fake.Advance(1s);
+    EXPECT_THAT(late, IsEmpty());
+    fake.Advance(1s);
+    EXPECT_THAT(late, ElementsAre("page: TimedOut: no answer within 2000 ms"));
+    fake.Advance(1s);
+    EXPECT_EQ(late.back(), "change: TimedOut: no answer within 3000 ms");
+}
+
 TEST_F(FakeSessionTest, HeldRequestsAreAnsweredLater)
 {
     fake.Hold("GetDeviceAmount");
@@ -139,6 +160,26 @@ TEST_F(FakeSessionTest, HeldRequestsAreAnsweredLater)
     fake.AnswerHeld("GetDeviceAmount");
     ASSERT_TRUE(count);
     EXPECT_EQ(**count, 2);
+}
+
+TEST_F(FakeSessionTest, ACompletionMayAnswerAnotherHeldRequest)
+{
+    fake.Hold("Next");
+    fake.Hold("Previous");
+    std::vector<std::string> done;
+    const Commands commands = fake.Get().Commands();
+    commands.Next().Start(
+        [&](const Result<void>&)
+        {
+            done.emplace_back("Next");
+            fake.AnswerHeld("Previous");
+        });
+    commands.Previous().Start([&](const Result<void>&) { done.emplace_back("Previous"); });
+    fake.Run();
+
+    fake.AnswerHeld("Next");
+
+    EXPECT_THAT(done, ElementsAre("Next", "Previous"));
 }
 
 TEST_F(FakeSessionTest, ThePositionAdvancesWithTime)

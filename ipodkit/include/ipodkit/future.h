@@ -61,7 +61,7 @@ public:
     {
         const bool arrived = Arrived();
         if (!arrived && detail::HasEnded(*m_home)) return Lost();
-        if (!arrived && DeadlocksHere()) return tl::unexpected<Error>(detail::WouldDeadlock());
+        if (!arrived && DeadlocksHere()) return tl::unexpected(detail::WouldDeadlock());
         try
         {
             return m_result.get();
@@ -78,7 +78,7 @@ private:
     Result<T> Lost()
     {
         m_result = {};
-        return tl::unexpected<Error>(detail::SessionEnded());
+        return tl::unexpected(detail::SessionEnded());
     }
 
     // A context that no thread runs may soon be run: the session is often opened before the loop's thread starts.

@@ -103,7 +103,7 @@ public:
 
     virtual Result<T> Wait()
     {
-        if (RunsHere(*home)) return tl::unexpected<Error>(WouldDeadlock());
+        if (RunsHere(*home)) return tl::unexpected(WouldDeadlock());
         return Started().get();
     }
 
@@ -161,7 +161,7 @@ public:
         if (!RunsHere(*this->home)) return Operation<U>::Wait();
         Begin();
         const Result<OperationPtr<U>> second = Second(m_first->Wait());
-        if (!second) return tl::unexpected<Error>(second.error());
+        if (!second) return tl::unexpected(second.error());
         return (*second)->Wait();
     }
 
@@ -177,23 +177,23 @@ private:
         const Result<OperationPtr<U>> second = Second(std::move(result));
         const auto completion = std::move(m_completion);
         if (second) return (m_second = *second)->Start(completion);
-        completion(tl::unexpected<Error>(second.error()));
+        completion(tl::unexpected(second.error()));
         if (m_thrown) std::rethrow_exception(std::exchange(m_thrown, nullptr));
     }
 
     Result<OperationPtr<U>> Second(Result<T> result)
     {
-        if (!result) return tl::unexpected<Error>(std::move(result.error()));
+        if (!result) return tl::unexpected(std::move(result.error()));
         try
         {
             OperationPtr<U> second = Made(std::move(result)).Inside();
-            if (std::optional<Error> late = m_shared.ApplyTo(second->terms)) return tl::unexpected<Error>(*late);
+            if (std::optional<Error> late = m_shared.ApplyTo(second->terms)) return tl::unexpected(*late);
             return second;
         }
         catch (...)
         {
             m_thrown = std::current_exception();
-            return tl::unexpected<Error>(Threw());
+            return tl::unexpected(Threw());
         }
     }
 

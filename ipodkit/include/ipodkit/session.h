@@ -40,7 +40,7 @@ typedef struct _GMainContext GMainContext;  // NOLINT(bugprone-reserved-identifi
 
 namespace ipodkit
 {
-/// Session::Open() returns ErrorKind::BadArgument when an option is out of range.
+/// Session::Open() returns ErrorKind::BadArgument when an option is out of range. More than 24 days count as 24 days.
 struct SessionOptions
 {
     GMainContext* context = nullptr;              ///< null: the default context

@@ -64,7 +64,7 @@ public:
     /// Returns the calls so far, in order: method and arguments in GVariant text, "Seek(12,)".
     std::vector<std::string> Calls() const;
 
-    /// Advances the time: the position follows while something plays, and held requests time out.
+    /// Advances the time: the position follows while something plays, and requests reach their deadlines.
     void Advance(std::chrono::milliseconds time);
 
     /// Runs what is ready in the session's context.

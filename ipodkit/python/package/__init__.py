@@ -20,6 +20,8 @@ go to sys.unraisablehook, a KeyboardInterrupt to the program that runs the loop.
 object.
 """
 import asyncio as _asyncio
+import concurrent.futures as _futures
+import weakref as _weakref
 
 from . import _native
 from ._native import *  # noqa: F401,F403
@@ -117,12 +119,15 @@ class _Queue:
 
 
 class _Stream:
-    """An asynchronous iterator over what a subscription delivers, until the session is closed."""
+    """An asynchronous iterator over what a subscription delivers, until the session is closed.
+
+    Nothing but its iteration refers to it, so the subscription ends with an iteration that is left.
+    """
 
     def __init__(self, session, store, subscribe):
         self._session = session
         self._store = store
-        self._subscription = subscribe(store.put)
+        self._unsubscribe = _weakref.finalize(self, subscribe(store.put).end)
         session._streams.add(self)
 
     def __aiter__(self):
@@ -138,7 +143,7 @@ class _Stream:
     def end(self):
         """Ends the subscription, and the iteration."""
         self._session._streams.discard(self)
-        self._subscription.end()
+        self._unsubscribe()
         self._store.end()
 
 
@@ -146,7 +151,7 @@ class Session(_native.Session):
     __doc__ = _native.Session.__doc__
 
     def __init__(self, **options):
-        self._streams = set()
+        self._streams = _weakref.WeakSet()
         self._pump = None
         try:
             _asyncio.get_running_loop()
@@ -242,6 +247,30 @@ class AccessoryPort(_native.AccessoryPort):
                 yield accessory, data
         finally:
             chunks.end()
+
+
+class _Future(_futures.Future):
+    def __init__(self, check_thread):
+        super().__init__()
+        self._check_thread = check_thread
+
+    def result(self, timeout=None):
+        self._check(timeout)
+        return super().result(timeout)
+
+    def exception(self, timeout=None):
+        self._check(timeout)
+        return super().exception(timeout)
+
+    def _check(self, timeout):
+        try:
+            if not self.done():
+                self._check_thread()
+        except WouldDeadlock:  # noqa: F405
+            # The thread of the loop may have just started.
+            grace = 0.2 if timeout is None else min(timeout, 0.2)
+            if not _futures.wait([self], grace).done:
+                self._check_thread()
 
 
 def _await(request):

@@ -53,6 +53,7 @@ class Error(Exception):
     kind: ErrorKind
     reason: str
     name: str | None
+    remedy: str | None
 
 class NoBus(Error, ConnectionError): ...
 class NoService(Error, ConnectionError): ...

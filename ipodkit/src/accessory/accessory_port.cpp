@@ -111,7 +111,7 @@ void AccessoryPort::Impl::Received(const AccessoryData& event)
     const Error error{ErrorKind::Ambiguous, "received bytes for a session number that ends in " +
                                                 std::to_string(event.sessionLowByte) + "; " +
                                                 std::to_string(fitting.size()) + " open sessions match"};
-    for (const ImplPtr& each : fitting) each->Receive(tl::unexpected<Error>(error));
+    for (const ImplPtr& each : fitting) each->Receive(tl::unexpected(error));
 }
 
 void AccessoryPort::Impl::CloseAll()

@@ -44,7 +44,7 @@ Request<void> AccessorySession::Impl::Write(Bytes bytes)
 
 void AccessorySession::Impl::Take(const std::shared_ptr<const Bytes>& bytes, const PendingPtr<void>& request)
 {
-    if (!HasRoomFor(bytes->size())) return request->Settle(tl::unexpected<Error>(TooManyWaiting(m_waiting)));
+    if (!HasRoomFor(bytes->size())) return request->Settle(tl::unexpected(TooManyWaiting(m_waiting)));
     m_waiting += bytes->size();
     m_jobs.push_back({bytes, request});
     SendNext();
@@ -88,7 +88,7 @@ void AccessorySession::Impl::SendChunk(const SerialQueue::Release& release)
     const std::size_t room = RoomForAccessoryBytes();
     const unsigned char* const begin = job.bytes->data() + job.sent;
     if (size > room)
-        ChunkWritten(size, tl::unexpected<Error>(DoesNotFit(size, room)), release);
+        ChunkWritten(size, tl::unexpected(DoesNotFit(size, room)), release);
     else if (HasCapacity(g_VecEapWriteBufferShareMemory, size))
         ChunkWritten(size, WriteBytes(g_VecEapWriteBufferShareMemory, begin, size), release);
     else
@@ -129,20 +129,18 @@ void AccessorySession::Impl::ChunkWritten(std::size_t size, const Result<void>& 
         release();
         return FailLater(result ? detail::kSessionEnded : result.error());
     }
-    AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number)
-        .Start(
-            [self = shared_from_this(), size, release](const Result<void>& answer)
-            {
-                release();
-                self->ChunkAnswered(size, answer);
-            });
+    m_session->StartWithService(AskToWrite(m_session->Bus(), m_session->Options().deadline, m_number),
+                                [self = shared_from_this(), size, release](const Result<void>& answer)
+                                {
+                                    release();
+                                    self->ChunkAnswered(size, answer);
+                                });
 }
 
 // The caller of Write() may be the first to detect it.
 void AccessorySession::Impl::FailLater(const Error& error)
 {
-    Post(m_session->Context(),
-         [self = shared_from_this(), error] { self->ChunkAnswered(0, tl::unexpected<Error>(error)); });
+    Post(m_session->Context(), [self = shared_from_this(), error] { self->ChunkAnswered(0, tl::unexpected(error)); });
 }
 
 void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>& result)
@@ -168,7 +166,7 @@ void AccessorySession::Impl::ChunkAnswered(std::size_t size, const Result<void>&
 void AccessorySession::Impl::FailAll(const Error& error)
 {
     m_waiting = 0;
-    for (const Job& job : std::exchange(m_jobs, {})) job.request->Settle(tl::unexpected<Error>(error));
+    for (const Job& job : std::exchange(m_jobs, {})) job.request->Settle(tl::unexpected(error));
     ReportDrained();
 }
 

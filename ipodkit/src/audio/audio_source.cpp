@@ -17,7 +17,7 @@ constexpr int kReleaseReason = 1;
 
 tl::unexpected<Error> Fail(ErrorKind kind, const std::string& reason)
 {
-    return tl::unexpected<Error>(Error{kind, reason});
+    return tl::unexpected(Error{kind, reason});
 }
 }  // namespace
 

@@ -22,15 +22,12 @@ GCancellable* NativeOf(const Call& call)
 }
 
 // "EnterDbChildList(3)".
-std::string TextOf(const Call& call)
+std::string ShortTextOf(const Call& call)
 {
-    if (call.arguments == nullptr) return std::string(call.method) + "()";
-    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
-    std::string arguments(printed);
-    g_free(printed);
-    const std::size_t comma = arguments.size() - 2;
-    if (arguments[comma] == ',') arguments.erase(comma, 1);
-    return call.method + arguments;
+    std::string text = TextOf(call);
+    const std::size_t comma = text.size() - 2;
+    if (text[comma] == ',') text.erase(comma, 1);
+    return text;
 }
 
 // A reply must have the contract's type. "false" means that the service refused.
@@ -38,21 +35,21 @@ Result<Body> Judged(const Call& call, Result<Body> result)
 {
     if (!result) return result;
     if (!g_variant_is_of_type(result->get(), G_VARIANT_TYPE(call.replyType)))
-        return tl::unexpected<Error>(
-            Error{ErrorKind::BadReply, std::string(call.method) + ": expected a reply of type " + call.replyType +
-                                           ", got " + g_variant_get_type_string(result->get())});
+        return tl::unexpected(Error{ErrorKind::BadReply, std::string(call.method) + ": expected a reply of type " +
+                                                             call.replyType + ", got " +
+                                                             g_variant_get_type_string(result->get())});
     if (!call.isCommand) return result;
     gboolean followed = FALSE;
     g_variant_get(result->get(), "(b)", &followed);
     if (followed != FALSE) return result;
-    return tl::unexpected<Error>(Error{ErrorKind::Refused, "the service answered " + TextOf(call) + " with false"});
+    return tl::unexpected(Error{ErrorKind::Refused, "the service answered " + ShortTextOf(call) + " with false"});
 }
 
 // One record for each request, so that a log shows what an application requested.
 void LogOutcome(const Call& call, const Result<Body>& result, std::chrono::steady_clock::time_point since)
 {
     const std::string taken = DurationText(std::chrono::steady_clock::now() - since);
-    LogDebug(TextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
+    LogDebug(ShortTextOf(call) + (result ? " took " + taken : " failed after " + taken + ": " + result.error().reason));
 }
 
 // Returns whether the request is a command, which returns success or nothing.
@@ -91,11 +88,20 @@ Result<Body> ToResult(GDBusMessage* reply, GError* error)
 {
     const MessagePtr answer(reply);
     const ErrorPtr failure(error);
-    if (failure != nullptr) return tl::unexpected<Error>(ToError(*failure));
-    if (const std::optional<Error> refusal = ErrorIn(*answer)) return tl::unexpected<Error>(*refusal);
+    if (failure != nullptr) return tl::unexpected(ToError(*failure));
+    if (const std::optional<Error> refusal = ErrorIn(*answer)) return tl::unexpected(*refusal);
     return BodyOf(*answer);
 }
 }  // namespace
+
+std::string TextOf(const Call& call)
+{
+    if (call.arguments == nullptr) return std::string(call.method) + "()";
+    gchar* const printed = g_variant_print(call.arguments.get(), FALSE);
+    const std::string arguments(printed);
+    g_free(printed);
+    return call.method + arguments;
+}
 
 Bus::Bus(GMainContext* context, const Guard& guard)
     : m_home(std::make_shared<detail::Home>(context, guard)), m_requests(RequestGroup::Make(m_home))
@@ -138,7 +144,7 @@ void Bus::Transmit(Serial serial)
     const std::optional<Error> error = pending->call.error ? pending->call.error : m_error;
     pending->sent = !error && (m_connection != nullptr || m_responder);
     lock.unlock();
-    if (error) return CompleteLater(serial, tl::unexpected<Error>(*error));
+    if (error) return CompleteLater(serial, tl::unexpected(*error));
     if (!pending->sent) return;
     if (!m_responder) return TransmitOn(m_connection.get(), pending->call, serial);
     if (auto answer = m_responder(pending->call, serial)) CompleteLater(serial, std::move(*answer));
@@ -170,7 +176,7 @@ void Bus::OnReply(GObject* connection, GAsyncResult* result, gpointer data)
 
 void Bus::Withdraw(const PendingCall& call)
 {
-    Complete(call.serial, tl::unexpected<Error>(kWithdrawn));
+    Complete(call.serial, tl::unexpected(kWithdrawn));
 }
 
 Bus::PendingPtr Bus::Take(Serial serial)
@@ -223,7 +229,7 @@ void Bus::Unconnected(const Error& error)
         for (const auto& [serial, pending] : m_pending)
             if (!pending->sent) waiting.push_back(serial);
     }
-    for (const Serial serial : waiting) Complete(serial, tl::unexpected<Error>(error));
+    for (const Serial serial : waiting) Complete(serial, tl::unexpected(error));
 }
 
 void Bus::Close()
@@ -235,7 +241,7 @@ void Bus::Close()
     }
     for (const auto& [serial, pending] : TakeAll())
         CallbackGuard().Run(pending->call.method,
-                            [&pending = *pending] { pending.Complete(tl::unexpected<Error>(kSessionEnded)); });
+                            [&pending = *pending] { pending.Complete(tl::unexpected(kSessionEnded)); });
     m_requests->Close(kSessionEnded);
 }
 
@@ -243,14 +249,14 @@ Result<ConnectionPtr> Bus::ConnectionForWaiting()
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_closed) return tl::unexpected<Error>(kSessionEnded);
+        if (m_closed) return tl::unexpected(kSessionEnded);
         if (m_connection != nullptr) return ConnectionPtr(G_DBUS_CONNECTION(g_object_ref(m_connection.get())));
     }
     GError* error = nullptr;
     ConnectionPtr connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
     if (connection != nullptr) return connection;
     const ErrorPtr owned(error);
-    return tl::unexpected<Error>(Error{ErrorKind::NoBus, owned->message});
+    return tl::unexpected(Error{ErrorKind::NoBus, owned->message});
 }
 
 void Bus::ReportLater(const char* method)
@@ -274,9 +280,9 @@ void Bus::ReportFollowed()
 
 Result<Body> Bus::AnswerOf(const Call& call)
 {
-    if (m_responder) return m_responder(call, 0).value_or(tl::unexpected<Error>(TimedOut(*call.terms.deadline)));
+    if (m_responder) return m_responder(call, 0).value_or(tl::unexpected(TimedOut(*call.terms.deadline)));
     const Result<ConnectionPtr> connection = ConnectionForWaiting();
-    if (!connection) return tl::unexpected<Error>(connection.error());
+    if (!connection) return tl::unexpected(connection.error());
     GError* error = nullptr;
     GDBusMessage* const reply = g_dbus_connection_send_message_with_reply_sync(
         connection->get(), MessageOf(call).get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, Milliseconds(call), nullptr,
@@ -286,7 +292,7 @@ Result<Body> Bus::AnswerOf(const Call& call)
 
 Result<Body> Bus::SendAndWait(const Call& call)
 {
-    if (call.error) return tl::unexpected<Error>(*call.error);
+    if (call.error) return tl::unexpected(*call.error);
     const auto since = std::chrono::steady_clock::now();
     Result<Body> judged = Judged(call, AnswerOf(call));
     LogOutcome(call, judged, since);

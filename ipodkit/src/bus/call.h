@@ -28,6 +28,9 @@ struct Call
     Terms terms{};
 };
 
+/// Returns method and arguments in GVariant text: "Seek(12,)".
+std::string TextOf(const Call& call);
+
 /// A pending call, and the receiver of its answer.
 class PendingCall
 {

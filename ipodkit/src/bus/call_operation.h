@@ -59,7 +59,7 @@ private:
 
     Result<T> Decoded(const Result<Body>& answer) const
     {
-        if (!answer) return tl::unexpected<Error>(answer.error());
+        if (!answer) return tl::unexpected(answer.error());
         return m_decode(answer->get());
     }
 

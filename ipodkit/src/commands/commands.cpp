@@ -43,8 +43,7 @@ Decoded<int> Count(GVariant* body)
 {
     Result<int> count = Int<int>(body);
     if (*count >= 0) return count;
-    return tl::unexpected<Error>(
-        Error{ErrorKind::BadReply, "expected a count of at least 0, got " + std::to_string(*count)});
+    return tl::unexpected(Error{ErrorKind::BadReply, "expected a count of at least 0, got " + std::to_string(*count)});
 }
 
 Decoded<std::string> Text(GVariant* body)
@@ -74,12 +73,12 @@ Decoded<CarPlayDevice> StatusAndSerial(GVariant* body)
 Decoded<ArtworkChanged> HeadAndImage(GVariant* body)
 {
     const Result<PictureHead> head = ToPictureHead(body);
-    if (!head) return tl::unexpected<Error>(head.error());
+    if (!head) return tl::unexpected(head.error());
     ArtworkChanged artwork{(*head)[0] == 0, nullptr, (*head)[1], (*head)[2], (*head)[3]};
     if (!artwork.available) return artwork;
     auto image = BytesIn(g_VecArtworkBufferShareMemory);
     if (!image)
-        return tl::unexpected<Error>(Error{ErrorKind::NoSharedMemory, "the artwork buffer is damaged or not attached"});
+        return tl::unexpected(Error{ErrorKind::NoSharedMemory, "the artwork buffer is damaged or not attached"});
     if (!image->empty()) artwork.picture = std::make_shared<const Picture>(Examine(std::move(*image)));
     return artwork;
 }

@@ -25,7 +25,7 @@ struct EapInitRecord
 
 tl::unexpected<Error> BadReply(const std::string& reason)
 {
-    return tl::unexpected<Error>(Error{ErrorKind::BadReply, reason});
+    return tl::unexpected(Error{ErrorKind::BadReply, reason});
 }
 
 std::vector<unsigned char> BytesOf(GVariant* boxed)

@@ -7,7 +7,7 @@ namespace ipodkit
 {
 namespace
 {
-const tl::unexpected<Error> kNotFilled(Error{ErrorKind::Refused, "the service did not fill the page"});
+const tl::unexpected kNotFilled(Error{ErrorKind::Refused, "the service did not fill the page"});
 
 Result<PageHead> PlainHead(GVariant* body)
 {

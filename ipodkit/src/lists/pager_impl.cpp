@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kSlack(100);
 
 tl::unexpected<Error> WrongSize(std::size_t got, std::size_t wanted)
 {
-    return tl::unexpected<Error>(Error{
+    return tl::unexpected(Error{
         ErrorKind::BadReply, "expected a page of " + std::to_string(wanted) + " entries, got " + std::to_string(got) +
                                  "; another application may have read a list at the same time, try again"});
 }
@@ -126,14 +126,15 @@ void Pager::Impl::InTurn(Request<T> request, Locking lock, std::function<bool()>
     };
     const auto send = [=](const Result<LocksPtr>& locks, const SerialQueue::Release& release)
     {
-        if (current() == nullptr || !wanted()) return release();
+        const auto self = current();
+        if (self == nullptr || !wanted()) return release();
         const auto done = [=](const Result<T>& result)
         {
-            if (const auto self = current()) arrived(result, locks.value_or(nullptr));
+            if (const auto alive = current()) arrived(result, locks.value_or(nullptr));
             release();
         };
-        if (!locks) return done(tl::unexpected<Error>(locks.error()));
-        std::move(*held).Start(done);
+        if (!locks) return done(tl::unexpected(locks.error()));
+        self->m_session->StartWithService(std::move(*held), done);
     };
     m_queue->Wait(
         [=](const SerialQueue::Release& release)
@@ -158,7 +159,7 @@ void Pager::Impl::LockPage(Locked locked)
     auto lockVector = [leases, place = PlaceOf(m_kind),
                        locked = std::move(locked)](const Result<std::shared_ptr<void>>& level) mutable
     {
-        if (!level) return locked(tl::unexpected<Error>(level.error()));
+        if (!level) return locked(tl::unexpected(level.error()));
         leases->Take(place, Hold::Exclusive,
                      [level = *level, locked = std::move(locked)](const Result<HeldLockPtr>& vector) {
                          locked(vector.map(
@@ -189,7 +190,7 @@ Request<int> Pager::Impl::Count()
 {
     const auto begin = [](Impl& self, const PendingPtr<int>& request)
     {
-        if (!self.HasCount()) return request->Settle(tl::unexpected<Error>(Error{ErrorKind::BadArgument, kNoSize}));
+        if (!self.HasCount()) return request->Settle(tl::unexpected(Error{ErrorKind::BadArgument, kNoSize}));
         self.CountWanted({request, [request](const Result<int>& count) { request->Settle(count); }});
     };
     return Reading<int>("pager count", {m_session->Options().deadline, std::nullopt}, begin);
@@ -226,11 +227,11 @@ Request<PagePtr> Pager::Impl::At(int index)
 // The size comes first: it determines how long a page must be.
 void Pager::Impl::EntryWanted(int index, PageWaiter<PagePtr> waiter)
 {
-    if (index < 0) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
+    if (index < 0) return waiter.arrived(tl::unexpected(NoSuchEntry(index)));
     if (!HasCount()) return EntryWantedWithoutCount(index, waiter);
     if (m_count) return PageWanted(index, std::move(waiter));
     CountWanted({waiter.request, [this, index, waiter](const Result<int>& count)
-                 { count ? PageWanted(index, waiter) : waiter.arrived(tl::unexpected<Error>(count.error())); }});
+                 { count ? PageWanted(index, waiter) : waiter.arrived(tl::unexpected(count.error())); }});
 }
 
 // In a list without a reported size, a page that is not full marks the end. The first page is requested first: beyond
@@ -239,7 +240,7 @@ void Pager::Impl::EntryWantedWithoutCount(int index, const PageWaiter<PagePtr>& 
 {
     const PageWaiter<PagePtr> checked{
         waiter.request, [index, arrived = waiter.arrived](const Result<PagePtr>& page)
-        { arrived(page && !(*page)->Holds(index) ? tl::unexpected<Error>(NoSuchEntry(index)) : page); }};
+        { arrived(page && !(*page)->Holds(index) ? tl::unexpected(NoSuchEntry(index)) : page); }};
     if (NumberOf(index) == 0) return PageWanted(index, checked);
     PageWanted(0, {waiter.request, [this, index, checked](const Result<PagePtr>& first)
                    {
@@ -250,7 +251,7 @@ void Pager::Impl::EntryWantedWithoutCount(int index, const PageWaiter<PagePtr>& 
 
 void Pager::Impl::PageWanted(int index, PageWaiter<PagePtr> waiter)
 {
-    if (m_count && index >= *m_count) return waiter.arrived(tl::unexpected<Error>(NoSuchEntry(index)));
+    if (m_count && index >= *m_count) return waiter.arrived(tl::unexpected(NoSuchEntry(index)));
     const int number = NumberOf(index);
     if (const PagePtr page = m_cache.Find(number))
     {
@@ -311,7 +312,7 @@ void Pager::Impl::PageArrived(int number, const Result<PageHead>& head, const Lo
 Result<PagePtr> Pager::Impl::MakePage(int number, const PageHead& head) const
 {
     auto names = m_session->ListNames(m_kind);
-    if (!names) return tl::unexpected<Error>(Error{ErrorKind::BadReply, "the shared list is damaged"});
+    if (!names) return tl::unexpected(Error{ErrorKind::BadReply, "the shared list is damaged"});
     const auto wanted = static_cast<std::size_t>(LastOf(number) - FirstOf(number) + 1);
     const bool fits = HasCount() ? names->size() == wanted : names->size() <= wanted;
     if (!fits) return WrongSize(names->size(), wanted);
@@ -351,21 +352,20 @@ Request<void> Pager::Impl::Enter(std::function<Request<void>(const Commands&)> c
 void Pager::Impl::Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command)
 {
     CatchUp();
-    if (!IsDatabase())
-        return request->Settle(tl::unexpected<Error>(Error{ErrorKind::BadArgument, "this list has no levels"}));
+    if (!IsDatabase()) return request->Settle(tl::unexpected(Error{ErrorKind::BadArgument, "this list has no levels"}));
     const auto self = shared_from_this();
     const auto call =
         std::make_shared<Request<void>>(command(m_session->MakeCommands()).Within(CallDeadline(request.get())));
     m_queue->Outdate(m_session->CallbackGuard());
-    m_queue->Wait([request, call, leases = m_session->SharedLeases()](const SerialQueue::Release& release)
-                  { request->Open() ? SendChange(request, call, leases, release) : release(); });
+    m_queue->Wait([request, call, session = m_session](const SerialQueue::Release& release)
+                  { request->Open() ? SendChange(request, call, session, release) : release(); });
 }
 
 void Pager::Impl::SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
-                             const std::shared_ptr<Leases>& leases, const SerialQueue::Release& release)
+                             const std::shared_ptr<Session::Impl>& session, const SerialQueue::Release& release)
 {
-    leases->TakeForChange(
-        [request, call, release](const Result<std::shared_ptr<void>>& right)
+    session->SharedLeases()->TakeForChange(
+        [request, call, session, release](const Result<std::shared_ptr<void>>& right)
         {
             const auto held = std::make_shared<std::shared_ptr<void>>(right.value_or(nullptr));
             const auto done = [request, release, held](const Result<void>& result)
@@ -374,8 +374,8 @@ void Pager::Impl::SendChange(const PendingPtr<void>& request, const std::shared_
                 release();
                 request->Settle(result);
             };
-            if (!right) return done(tl::unexpected<Error>(right.error()));
-            request->Open() ? std::move(*call).Start(done) : release();
+            if (!right) return done(tl::unexpected(right.error()));
+            request->Open() ? session->StartWithService(std::move(*call), done) : release();
         });
 }
 }  // namespace ipodkit

@@ -104,7 +104,7 @@ private:
     void Walked(const WalkPtr& walk, const Result<PagePtr>& page);
     void Change(const PendingPtr<void>& request, const std::function<Request<void>(const Commands&)>& command);
     static void SendChange(const PendingPtr<void>& request, const std::shared_ptr<Request<void>>& call,
-                           const std::shared_ptr<Leases>& leases, const SerialQueue::Release& release);
+                           const std::shared_ptr<Session::Impl>& session, const SerialQueue::Release& release);
 
     template <class T>
     Request<T> Reading(const char* name, detail::Terms terms, std::function<void(Impl&, const PendingPtr<T>&)> begin);
@@ -139,8 +139,7 @@ Request<T> Pager::Impl::Reading(const char* name, detail::Terms terms,
                                   if (self == nullptr) return;
                                   self->CatchUp();
                                   if (!request->Open()) return;
-                                  if (self->m_unusable)
-                                      return request->Settle(tl::unexpected<Error>(*self->m_unusable));
+                                  if (self->m_unusable) return request->Settle(tl::unexpected(*self->m_unusable));
                                   begin(*self, request);
                               });
 }

@@ -40,9 +40,9 @@ Request<Pager::Impl::Names> Pager::Impl::Range(int first, int last)
 {
     const auto begin = [first, last](Impl& self, const PendingPtr<Names>& request)
     {
-        if (first < 0) return request->Settle(tl::unexpected<Error>(NoSuchEntry(first)));
+        if (first < 0) return request->Settle(tl::unexpected(NoSuchEntry(first)));
         if (last < first)
-            return request->Settle(tl::unexpected<Error>(
+            return request->Settle(tl::unexpected(
                 Error{ErrorKind::BadArgument, "range: expected a last index of at least " + std::to_string(first) +
                                                   ", got " + std::to_string(last)}));
         self.LockWalk(std::make_shared<Walk>(Walk{request, first, last, last == Pager::End}));
@@ -58,7 +58,7 @@ void Pager::Impl::LockWalk(const WalkPtr& walk)
         {
             const auto self = weak.lock();
             if (self == nullptr || !walk->request->Open()) return;
-            if (!level) return walk->Finish(tl::unexpected<Error>(level.error()));
+            if (!level) return walk->Finish(tl::unexpected(level.error()));
             walk->level = *level;
             self->BeginWalk(walk);
         });
@@ -69,7 +69,7 @@ void Pager::Impl::BeginWalk(const WalkPtr& walk)
     if (!HasCount()) return WalkOn(walk);
     CountWanted({walk->request, [this, walk](const Result<int>& count)
                  {
-                     if (!count) return walk->Finish(tl::unexpected<Error>(count.error()));
+                     if (!count) return walk->Finish(tl::unexpected(count.error()));
                      if (walk->toTheEnd && walk->next <= *count) walk->last = *count - 1;
                      WalkOn(walk);
                  }});
@@ -96,6 +96,6 @@ void Pager::Impl::Walked(const WalkPtr& walk, const Result<PagePtr>& page)
     const bool ended = error.kind == ErrorKind::BadArgument ||
                        (error.kind == ErrorKind::Refused && error.name.empty() && walk->next > 0);
     if (walk->toTheEnd && !HasCount() && ended) return walk->Finish(std::move(walk->names));
-    walk->Finish(tl::unexpected<Error>(error));
+    walk->Finish(tl::unexpected(error));
 }
 }  // namespace ipodkit

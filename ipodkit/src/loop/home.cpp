@@ -23,6 +23,12 @@ void Home::Run(const std::function<void()>& work) const
     Post(Context(), work);
 }
 
+void Home::Advance(std::chrono::microseconds time)
+{
+    m_ahead += time.count();
+    m_clockWatchers.ForEach(m_guard, [](const auto& watcher) { watcher(); });
+}
+
 bool RunsHere(const Home& home)
 {
     return static_cast<bool>(Home::Turn(home));

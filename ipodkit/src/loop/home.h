@@ -10,6 +10,7 @@
 
 #include "loop/glib_ptr.h"
 #include "loop/guard.h"
+#include "loop/slot.h"
 
 namespace ipodkit::detail
 {
@@ -29,6 +30,14 @@ public:
     /// Records that the session has ended, which completes everything that was started before.
     void End() { m_ended.store(true); }
     bool Ended() const { return m_ended.load(); }
+
+    /// Returns the time in microseconds: GLib's, plus what a test has advanced.
+    gint64 Now() const { return g_get_monotonic_time() + m_ahead; }
+    void WakeAt(GSource* source, gint64 time) const { g_source_set_ready_time(source, time - m_ahead); }
+
+    /// Advances Now(), and calls the watchers of the clock. Context thread only.
+    void Advance(std::chrono::microseconds time);
+    Registry<std::function<void()>>& ClockWatchers() { return m_clockWatchers; }
 
     /// Runs @p work now if the calling thread runs the context, otherwise later in the context.
     void Run(const std::function<void()>& work) const;
@@ -53,5 +62,7 @@ private:
     const Guard m_guard;
     std::atomic<std::thread::id> m_thread{std::this_thread::get_id()};
     std::atomic<bool> m_ended{false};
+    std::atomic<gint64> m_ahead{0};
+    Registry<std::function<void()>> m_clockWatchers;
 };
 }  // namespace ipodkit::detail

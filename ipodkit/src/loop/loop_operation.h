@@ -29,7 +29,7 @@ public:
         std::optional<Error> error = m_group->Add(m_serial, this->shared_from_this());
         if (!error && m_terms.cancellation && m_terms.cancellation->Cancelled()) error = detail::kWithdrawn;
         if (error)
-            SettleLater(tl::unexpected<Error>(*error));
+            SettleLater(tl::unexpected(*error));
         else if (m_terms.cancellation)
             m_group->Keep(m_serial, std::make_shared<CancellationLink>(
                                         *m_terms.cancellation, G_CALLBACK(OnCancelled),
@@ -65,7 +65,7 @@ public:
         if (m_group->Take(m_serial)) Fail(detail::kWithdrawn);
     }
 
-    void Fail(const Error& error) override { Complete(tl::unexpected<Error>(error)); }
+    void Fail(const Error& error) override { Complete(tl::unexpected(error)); }
     bool Open() const override { return m_group->Has(m_serial); }
     bool Begun() const override { return m_begun; }
     const detail::Terms& Terms() const override { return m_terms; }
@@ -84,7 +84,7 @@ private:
         Post(withdrawal.home->Context(),
              [request = withdrawal.request]
              {
-                 if (const auto self = request.lock()) self->Settle(tl::unexpected<Error>(detail::kWithdrawn));
+                 if (const auto self = request.lock()) self->Settle(tl::unexpected(detail::kWithdrawn));
              });
     }
 

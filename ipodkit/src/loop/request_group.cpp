@@ -8,11 +8,6 @@ namespace ipodkit
 {
 namespace
 {
-gint64 DueAt(std::chrono::milliseconds deadline)
-{
-    return g_get_monotonic_time() + std::chrono::microseconds(detail::Clamped(deadline)).count();
-}
-
 gboolean Dispatch(GSource* source, GSourceFunc callback, gpointer data)
 {
     g_source_set_ready_time(source, -1);
@@ -34,6 +29,11 @@ void RequestGroup::Watch()
     m_timer.reset(g_source_new(&timerFunctions, sizeof(GSource)));
     g_source_set_callback(m_timer.get(), OnDue, Weakly(shared_from_this()), DeleteWeak<RequestGroup>);
     g_source_attach(m_timer.get(), m_home->Context());
+    const auto advanced = [weak = weak_from_this()]
+    {
+        if (const auto self = weak.lock()) self->FailThoseThatAreDue();
+    };
+    m_clock = Subscription(m_home->ClockWatchers().Add("deadlines", advanced));
 }
 
 gboolean RequestGroup::OnDue(gpointer data)
@@ -52,11 +52,13 @@ std::optional<Error> RequestGroup::Add(Serial serial, const OpenRequestPtr& requ
 {
     const detail::Terms& terms = request->Terms();
     const std::optional<Error> unacceptable = detail::Unacceptable(terms);
-    const gint64 due = terms.deadline && !unacceptable ? DueAt(*terms.deadline) : 0;
+    gint64 due = 0;
+    if (terms.deadline && !unacceptable)
+        due = m_home->Now() + std::chrono::microseconds(detail::Clamped(*terms.deadline)).count();
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_open.insert_or_assign(serial, Entry{request, due, nullptr});
     if (due != 0) m_due.emplace(due, serial);
-    if (due != 0 && m_due.begin()->second == serial) g_source_set_ready_time(m_timer.get(), due);
+    if (due != 0 && m_due.begin()->second == serial) m_home->WakeAt(m_timer.get(), due);
     return m_closed ? m_closed : unacceptable;
 }
 
@@ -97,7 +99,7 @@ void RequestGroup::Fail(Serial serial, const Error& error)
 void RequestGroup::FailThoseThatAreDue()
 {
     const auto self = shared_from_this();
-    const gint64 now = g_get_monotonic_time();
+    const gint64 now = m_home->Now();
     while (const OpenRequestPtr late = TakeDue(now)) late->Fail(detail::TimedOut(*late->Terms().deadline));
 }
 
@@ -110,7 +112,7 @@ OpenRequestPtr RequestGroup::TakeDue(gint64 now)
         if (m_due.empty()) return nullptr;
         if (m_due.begin()->first > now)
         {
-            g_source_set_ready_time(m_timer.get(), m_due.begin()->first);
+            m_home->WakeAt(m_timer.get(), m_due.begin()->first);
             return nullptr;
         }
         first = m_due.begin()->second;

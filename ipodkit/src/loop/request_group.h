@@ -90,5 +90,6 @@ private:
     std::optional<Error> m_closed;
     Serial m_lastSerial = 0;
     SourcePtr m_timer;
+    Subscription m_clock;
 };
 }  // namespace ipodkit

@@ -21,6 +21,9 @@ inline const Error kWithdrawn{ErrorKind::Cancelled, "the request was cancelled"}
 /// The error of a request that the end of the session withdrew.
 inline const Error kSessionEnded{ErrorKind::Cancelled, "the session ended"};
 
+/// The error of a request whose service ended before its answer.
+inline const Error kServiceLost{ErrorKind::ServiceLost, "the service exited before it answered"};
+
 /// The error of a request that was not answered within that time.
 Error TimedOut(std::chrono::milliseconds deadline);
 }  // namespace ipodkit::detail

@@ -31,7 +31,7 @@ void Append(QBXByteVector& vector, const unsigned char* bytes, std::size_t count
 
 tl::unexpected<Error> NoSharedMemory(const std::string& reason)
 {
-    return tl::unexpected<Error>(Error{ErrorKind::NoSharedMemory, reason});
+    return tl::unexpected(Error{ErrorKind::NoSharedMemory, reason});
 }
 }  // namespace
 
@@ -83,7 +83,7 @@ Result<void> WriteBytes(QBXByteVector* vector, const unsigned char* bytes, std::
     }
     catch (const std::exception& thrown)
     {
-        return tl::unexpected<Error>(SegmentFailure(kBufferSegmentName, thrown));
+        return tl::unexpected(SegmentFailure(kBufferSegmentName, thrown));
     }
 }
 }  // namespace ipodkit

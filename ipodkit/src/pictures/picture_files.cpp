@@ -29,7 +29,7 @@ std::string NameOf(const Picture& picture)
 
 tl::unexpected<Error> NoStorage(const std::string& reason)
 {
-    return tl::unexpected<Error>(Error{ErrorKind::NoStorage, reason});
+    return tl::unexpected(Error{ErrorKind::NoStorage, reason});
 }
 
 Result<std::string> AddressOf(const std::string& path)

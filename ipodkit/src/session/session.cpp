@@ -30,9 +30,9 @@ std::optional<Error> OutOfRange(const SessionOptions& options)
 
 Result<std::unique_ptr<Session>> Session::Open(const SessionOptions& options)
 {
-    if (const std::optional<Error> error = OutOfRange(options)) return tl::unexpected<Error>(*error);
+    if (const std::optional<Error> error = OutOfRange(options)) return tl::unexpected(*error);
     auto impl = std::make_shared<Impl>(options);
-    if (const std::optional<Error> error = CoreLink::Instance().Claim()) return tl::unexpected<Error>(*error);
+    if (const std::optional<Error> error = CoreLink::Instance().Claim()) return tl::unexpected(*error);
     impl->Start();
     return std::unique_ptr<Session>(new Session(std::move(impl)));
 }

@@ -21,6 +21,13 @@ std::chrono::milliseconds PatienceOf(const SessionOptions& options)
     return std::min<std::chrono::milliseconds>(kLongestPatience, options.deadline * 3 / 4);
 }
 
+SessionOptions Limited(SessionOptions options)
+{
+    for (auto* const time : {&options.settle, &options.deadline, &options.callbackBudget})
+        *time = std::min(*time, detail::kLongestDeadline);
+    return options;
+}
+
 GMainContext* ContextOf(const SessionOptions& options)
 {
     return g_main_context_ref(options.context != nullptr ? options.context : g_main_context_default());
@@ -28,16 +35,16 @@ GMainContext* ContextOf(const SessionOptions& options)
 }  // namespace
 
 Session::Impl::Impl(const SessionOptions& options)
-    : m_options(options),
+    : m_options(Limited(options)),
       m_context(ContextOf(options)),
-      m_guard(options.callbackBudget),
+      m_guard(m_options.callbackBudget),
       m_bus(std::make_shared<detail::Bus>(m_context.get(), m_guard)),
       m_queues(m_guard),
-      m_leases(std::make_shared<Leases>(m_context.get(), PatienceOf(options))),
+      m_leases(std::make_shared<Leases>(m_context.get(), PatienceOf(m_options))),
       m_pictures(options.artworkLimit),
-      m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, options.settle, m_draft,
+      m_publisher(std::make_shared<Publisher>(m_context.get(), m_guard, m_options.settle, m_draft,
                                               [this](Fields changed) { Published(changed); })),
-      m_reader(std::make_shared<StateReader>(m_context.get(), m_bus, options.deadline, m_draft, m_pictures,
+      m_reader(std::make_shared<StateReader>(m_context.get(), m_bus, m_options.deadline, m_draft, m_pictures,
                                              [this] { Progressed(); })),
       m_memory(std::make_shared<Memory>(m_context.get(), [this](const PlayerState& earlier) { Remember(earlier); }))
 {
@@ -105,7 +112,7 @@ void Session::Impl::Refresh(Fields fields, const PendingPtr<StatePtr>& request)
     if (m_phase != Phase::Ready && !m_reader->Started())
     {
         const Error unconnected{ErrorKind::NoService, "the session is not connected to the service"};
-        return request->Settle(tl::unexpected<Error>(CurrentConnection().error.value_or(unconnected)));
+        return request->Settle(tl::unexpected(CurrentConnection().error.value_or(unconnected)));
     }
     m_reader->Refresh(fields);
     m_refreshes.push_back({fields, request});
@@ -161,9 +168,9 @@ void Session::Impl::Vanished()
     m_draft.ForgetService();
     Step(Phase::Lost);
     m_queues.OutdateAll();
-    const Error lost{ErrorKind::ServiceLost, "the service exited before it answered"};
+    std::exchange(m_serviceEnd, {}).Cancel();
     for (const PendingRefresh& each : std::exchange(m_refreshes, {}))
-        if (const auto request = each.request.lock()) request->Settle(tl::unexpected<Error>(lost));
+        if (const auto request = each.request.lock()) request->Settle(tl::unexpected(detail::kServiceLost));
 }
 
 // Probing runs on another thread, because it waits for processes that create the segments and for locks of dead ones.

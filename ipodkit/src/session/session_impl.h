@@ -51,6 +51,18 @@ public:
     /// Callbacks for the end of the session, before its requests complete: for objects that may outlive it.
     Registry<std::function<void()>>& Endings() { return m_endings; }
 
+    /// Starts a request that others wait for. It completes with ErrorKind::ServiceLost when its service ends, even if
+    /// that service hangs and its process remains.
+    template <class T, class Done>
+    void StartWithService(Request<T> request, Done done) const
+    {
+        const auto lost = [](const Error& error)
+        { return error.kind == ErrorKind::Cancelled ? detail::kServiceLost : error; };
+        std::move(request)
+            .CancelledBy(m_serviceEnd)
+            .Start([done = std::move(done), lost](const Result<T>& result) { done(result.map_error(lost)); });
+    }
+
     /// Returns the entries in the service's shared vector; nothing if it cannot be read.
     std::optional<std::vector<std::string>> ListNames(ListKind kind) const { return m_names(kind); }
 
@@ -100,6 +112,7 @@ private:
     std::function<std::optional<std::vector<std::string>>(ListKind)> m_names = NamesOf;
     Registry<std::function<void()>> m_endings;
     SourcePtr m_retry;
+    Cancellation m_serviceEnd;
     std::vector<PendingRefresh> m_refreshes;
     Phase m_phase = Phase::Absent;
     std::uint32_t m_generation = 0;

@@ -157,7 +157,7 @@ void Leases::GiveUp(const WaiterPtr& waiter)
         const auto late = waiting.lock();
         if (self == nullptr || late == nullptr) return;
         self->m_waiting.erase(late);
-        late->done(tl::unexpected<Error>(Error{ErrorKind::Busy, holder + UseOf(late->place)}));
+        late->done(tl::unexpected(Error{ErrorKind::Busy, holder + UseOf(late->place)}));
     };
     const std::shared_ptr<GMainContext> context(g_main_context_ref(m_context.get()), g_main_context_unref);
     RunAside([found, context, place = waiter->place]

@@ -40,15 +40,6 @@ Body Parsed(const std::string& text)
     if (value == nullptr) throw std::invalid_argument("'" + text + "' is not valid GVariant text: " + owned->message);
     return {value, g_variant_unref};
 }
-
-std::string TextOf(const Call& call)
-{
-    if (call.arguments == nullptr) return call.method + std::string("()");
-    gchar* const text = g_variant_print(call.arguments.get(), FALSE);
-    const std::string arguments = text;
-    g_free(text);
-    return call.method + arguments;
-}
 }  // namespace
 
 class FakeSession::Impl
@@ -90,8 +81,7 @@ public:
         }
         if (std::strcmp(call.replyType, "()") == 0) return Parsed("()");
         if (call.isCommand) return Parsed("(true,)");
-        return tl::unexpected<Error>(
-            Error{ErrorKind::Refused, std::string("the test has no answer to ") + call.method});
+        return tl::unexpected(Error{ErrorKind::Refused, std::string("the test has no answer to ") + call.method});
     }
 
     // Requests for the list of devices have no range.
@@ -103,6 +93,18 @@ public:
         if (call.arguments != nullptr) g_variant_get(call.arguments.get(), "(ii)", &first, &last);
         page.assign(names.begin() + std::clamp(first, 0, size), names.begin() + std::clamp(last + 1, 0, size));
         return Parsed(filled);
+    }
+
+    // Searches again each time, because a completion may complete others.
+    template <class Wanted, class Answer>
+    void CompleteThose(const Wanted& wanted, const Answer& answer)
+    {
+        const auto next = [&] { return std::find_if(waiting.begin(), waiting.end(), wanted); };
+        for (auto found = next(); found != waiting.end(); found = next())
+        {
+            const auto each = waiting.extract(found);
+            inside->m_bus->Complete(each.key(), answer(each.mapped().call));
+        }
     }
 
     void Run() const
@@ -173,7 +175,7 @@ void FakeSession::Answer(const std::string& method, const std::string& body)
 
 void FakeSession::Fail(const std::string& method, const Error& error)
 {
-    m_impl->answers[method] = tl::unexpected<Error>(error);
+    m_impl->answers[method] = tl::unexpected(error);
 }
 
 void FakeSession::Hold(const std::string& method)
@@ -184,17 +186,8 @@ void FakeSession::Hold(const std::string& method)
 void FakeSession::AnswerHeld(const std::string& method)
 {
     m_impl->held.erase(method);
-    for (auto each = m_impl->waiting.begin(); each != m_impl->waiting.end();)
-    {
-        const auto [serial, waiting] = *each;
-        if (waiting.call.method != method)
-        {
-            ++each;
-            continue;
-        }
-        each = m_impl->waiting.erase(each);
-        m_impl->inside->m_bus->Complete(serial, m_impl->AnswerTo(waiting.call));
-    }
+    m_impl->CompleteThose([&method](const auto& each) { return each.second.call.method == method; },
+                          [this](const Call& call) { return m_impl->AnswerTo(call); });
     Run();
 }
 
@@ -220,14 +213,9 @@ void FakeSession::Advance(std::chrono::milliseconds time)
         state.position = position;
         SetState(state);
     }
-    for (auto each = m_impl->waiting.begin(); each != m_impl->waiting.end();)
-    {
-        const auto [serial, waiting] = *each;
-        each = waiting.due > m_impl->now ? std::next(each) : m_impl->waiting.erase(each);
-        if (waiting.due <= m_impl->now)
-            m_impl->inside->m_bus->Complete(serial,
-                                            tl::unexpected<Error>(detail::TimedOut(*waiting.call.terms.deadline)));
-    }
+    m_impl->CompleteThose([this](const auto& each) { return each.second.due <= m_impl->now; },
+                          [](const Call& call) { return tl::unexpected(detail::TimedOut(*call.terms.deadline)); });
+    m_impl->inside->m_bus->Home()->Advance(time);
     Run();
 }
 
