@@ -22,7 +22,7 @@ protected:
         GVariant* bytes = nullptr;
         g_variant_get(arguments, "(v)", &bytes);
         EXPECT_STREQ(g_variant_get_type_string(bytes), "ay");
-        const std::string record(static_cast<const char*>(g_variant_get_data(bytes)), g_variant_get_size(bytes));
+        std::string record(static_cast<const char*>(g_variant_get_data(bytes)), g_variant_get_size(bytes));
         g_variant_unref(bytes);
         g_variant_unref(arguments);
         return record;

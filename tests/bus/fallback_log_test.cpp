@@ -28,9 +28,9 @@ std::vector<std::string> Printed(Function function)
 
 auto IsFallbackOf(const std::string& function)
 {
-    return testing::MatchesRegex("\\[" + std::to_string(getpid()) +
-                                 "\\]\\[file:libipod/QBXIpod_MediaPlayer_Client\\]\\[func:" + function +
-                                 "\\]\\[line:[0-9]+\\]Warn:Log system not init\\.");
+    return testing::MatchesRegex(R"(\[)" + std::to_string(getpid()) +
+                                 R"(\]\[file:libipod/QBXIpod_MediaPlayer_Client\]\[func:)" + function +
+                                 R"(\]\[line:[0-9]+\]Warn:Log system not init\.)");
 }
 
 TEST_F(FallbackLogTest, ReplacesEveryRecordOfTheLifeCycle)
