@@ -1022,21 +1022,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
         killed.communicate(timeout=LIMIT)
         self.assertTrue(os.path.exists(path))
         process = self.start("eap", "bridge", "--socket", path)
-        self.assertTrue(within(LIMIT, lambda: self.serves(path)))
         self.assertEqual(self.exchange(path, b"second"), b"second")
         self.interrupt(process)
         self.assertFalse(os.path.exists(path))
 
-    def serves(self, path):
-        with socket.socket(socket.AF_UNIX) as client:
-            return client.connect_ex(path) == 0
-
     def exchange(self, path, text):
-        """Sends text to a socket and returns what comes back."""
-        self.assertTrue(within(LIMIT, lambda: os.path.exists(path)))
+        """Sends text to a socket and returns what comes back. The socket refuses clients until its server listens."""
         with socket.socket(socket.AF_UNIX) as client:
             client.settimeout(LIMIT)
-            client.connect(path)
+            self.assertTrue(within(LIMIT, lambda: client.connect_ex(path) == 0))
             threading.Thread(target=client.sendall, args=(text,)).start()
             got = b""
             while len(got) < len(text):
