@@ -10,6 +10,8 @@
 #include <set>
 
 #include <ipodkit/core.h>
+#include <thread>
+
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
 #include "support/recording_listener.h"
@@ -325,6 +327,33 @@ TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
 
     ASSERT_TRUE(RunLoopUntil([&] { return session->Connection().error.has_value(); }));
     EXPECT_THAT(differences, IsEmpty());
+}
+
+// The segments are static objects, which the exit destroys.
+TEST_F(SessionTest, TheExitOfTheProcessWaitsForWorkOnTheSegments)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto exitWhileAttaching = [this]
+    {
+        const AnsweringService service;
+        QBXSharedSegment segment(boost::interprocess::open_or_create, kListSegmentName, 65536);
+        std::promise<void> locked;
+        const auto hold = [&locked]
+        {
+            locked.set_value();
+            g_usleep(500000);
+        };
+        std::thread([&] { segment.atomic_func(hold); }).detach();
+        locked.get_future().wait();
+        Open();
+        RunLoopFor(100ms);
+        std::exit(0);
+    };
+    const auto begin = std::chrono::steady_clock::now();
+
+    EXPECT_EXIT(exitWhileAttaching(), testing::ExitedWithCode(0), "");
+
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 500ms);
 }
 
 // Waiting for the lock times out after ten seconds.

@@ -1,9 +1,29 @@
 #include "loop/context.h"
 
+#include <chrono>
+#include <shared_mutex>
+
 namespace ipodkit
 {
 namespace
 {
+// Longer than the lock of a segment is waited for. A fork may have copied a gate whose readers exist only in the
+// parent.
+constexpr std::chrono::seconds kLongestWork(12);
+
+// Work aside holds it shared. The end of the process locks it for good: static objects that the work uses, such as the
+// segments, are destroyed then.
+std::shared_timed_mutex& Gate()
+{
+    static auto* const gate = new std::shared_timed_mutex;
+    return *gate;
+}
+
+const struct ClosedAtExit
+{
+    ~ClosedAtExit() { (void)Gate().try_lock_for(kLongestWork); }
+} closedAtExit;
+
 bool IsDefaultHere(GMainContext* context)
 {
     GMainContext* const here = g_main_context_get_thread_default();
@@ -57,6 +77,7 @@ void RunAside(std::function<void()> work)
     g_task_run_in_thread(task,
                          [](GTask* self, gpointer, gpointer data, GCancellable*)
                          {
+                             const std::shared_lock<std::shared_timed_mutex> open(Gate());
                              static_cast<PostedTask*>(data)->Do();
                              g_task_return_boolean(self, TRUE);
                          });

@@ -53,6 +53,7 @@ void Post(GMainContext* context, std::function<void()> work);
 /// Runs @p work in @p context after that many milliseconds, unless the source is destroyed before.
 SourcePtr After(GMainContext* context, guint milliseconds, std::function<void()> work);
 
-/// Runs @p work on a thread of GLib's pool.
+/// Runs @p work on a thread of GLib's pool. The exit of the process waits until running work has ended, and skips the
+/// rest.
 void RunAside(std::function<void()> work);
 }  // namespace ipodkit
