@@ -332,7 +332,6 @@ TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)
 // The segments are static objects, which the exit destroys.
 TEST_F(SessionTest, TheExitOfTheProcessWaitsForWorkOnTheSegments)
 {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto exitWhileAttaching = [this]
     {
         const AnsweringService service;
