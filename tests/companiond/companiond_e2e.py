@@ -139,7 +139,8 @@ class OnABus(OnAPrivateBus):
         return process
 
     def ready(self):
-        self.eventually(lambda: self.client.state()["Phase"] == "Ready")
+        """Waits for both objects; the player collects changes for some milliseconds."""
+        self.eventually(lambda: self.client.state()["Phase"] == "Ready" and self.client.get("CanPlay"))
 
     def playing(self):
         """Starts everything, plays the first track, and waits until it is announced."""
