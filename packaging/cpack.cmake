@@ -170,8 +170,8 @@ set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_COMPANIOND_PACKAGE_SUGGESTS playerctl)
 set(CPACK_DEBIAN_COMPANIOND_DESCRIPTION "media controls and state of the attached Apple device
 A user service that lets media keys, desktop widgets, and playerctl control
-the device by MPRIS, publishes its state on the session bus, and remembers calls
-and other events for applications that start late.")
+the device by MPRIS, publishes its state on the session bus, and remembers
+calls and other events for applications that start late.")
 
 # Built for one version of the interpreter, which is part of its file name.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-ipodkit)
