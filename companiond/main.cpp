@@ -1,14 +1,14 @@
 // ipod-companiond: media controls, the state on the bus, and a memory for sessions that start late.
 #include <QBXLog.h>
+#include <cli/usage.h>
 #include <glib-unix.h>
 #include <ipodkit/session.h>
 
-#include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <stdexcept>
 
+#include "command_line.h"
 #include "player.h"
 #include "root.h"
 #include "state_object.h"
@@ -17,30 +17,16 @@ namespace companion
 {
 namespace
 {
-enum ExitCode
-{
-    kDone = 0,
-    kNoOutput = 1,
-    kUsage = 2,
-    kNoBus = 3,
-    kAlreadyRunning = 4,
-};
-
 constexpr char kMprisName[] = "org.mpris.MediaPlayer2.ipod";
 
 class Failure : public std::runtime_error
 {
 public:
-    Failure(ExitCode code, const std::string& what, const char* hint = "")
-        : std::runtime_error(what), m_code(code), m_hint(hint)
-    {
-    }
+    Failure(ExitCode code, const std::string& what) : std::runtime_error(what), m_code(code) {}
     ExitCode Code() const { return m_code; }
-    const char* Hint() const { return m_hint; }
 
 private:
     ExitCode m_code;
-    const char* m_hint;  // empty without a remedy
 };
 
 struct ObjectUnref
@@ -77,8 +63,9 @@ void AcquireName(GDBusConnection* connection, const char* name)
     guint result = 0;
     g_variant_get(Owned(reply).get(), "(u)", &result);
     if (result != kOwner)
-        throw Failure(kAlreadyRunning, std::string("cannot acquire ") + name + ": another program owns it on this bus",
-                      "stop the running daemon: systemctl --user stop ipod-companiond");
+        throw Failure(kAlreadyRunning, std::string("cannot acquire ") + name +
+                                           ": another program owns it on this bus\nhint: stop the running daemon: "
+                                           "systemctl --user stop ipod-companiond");
 }
 
 gboolean Quit(gpointer loop)
@@ -179,45 +166,29 @@ ExitCode Serve()
     return code;
 }
 
-ExitCode FinishOutput()
+int PrintInterface()
 {
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return kDone;
-    std::fprintf(stderr, "ipod-companiond: cannot write to standard output: %s\n", g_strerror(errno));
-    return kNoOutput;
+    std::fputs(StateInterfaceXml().c_str(), stdout);
+    return cli::FlushOutput(kProgram);
 }
 
 int Main(int argc, char** argv)
 {
-    CLI::App app(
-        "Makes the attached Apple device available to media controls, and its state to all programs, on the session "
-        "bus.",
-        "ipod-companiond");
+    CLI::App app;
     bool print = false;
-    app.set_version_flag("--version", "ipod-companiond " COMPANIOND_VERSION, "Print the version and exit");
-    app.add_flag("--print-interface", print, "Print the description of com.zarn.linux.ipod.State and exit");
-    app.footer(
-        "Exit status: 0 ended by a signal, 1 output not written, 2 usage error, 3 no session bus, 4 already running.");
+    AddOptions(app, print);
     try
     {
         app.parse(argc, argv);
-        if (!print) return Serve();
-        std::fputs(StateInterfaceXml().c_str(), stdout);
-        return FinishOutput();
+        return print ? PrintInterface() : Serve();
     }
     catch (const CLI::ParseError& error)
     {
-        if (error.get_exit_code() == 0)
-        {
-            app.exit(error);
-            return FinishOutput();
-        }
-        std::fprintf(stderr, "ipod-companiond: %s\nhint: try 'ipod-companiond --help'\n", error.what());
-        return kUsage;
+        return cli::Report(app, error);
     }
     catch (const Failure& failure)
     {
-        std::fprintf(stderr, "ipod-companiond: %s\n", failure.what());
-        if (*failure.Hint() != '\0') std::fprintf(stderr, "hint: %s\n", failure.Hint());
+        cli::PrintError(kProgram, failure.what());
         return failure.Code();
     }
 }

@@ -1,4 +1,5 @@
 // ipodctl: command-line client of the iPod service.
+#include <cli/usage.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -59,7 +60,7 @@ int Execute(int argc, char** argv, Options& options)
     }
     catch (const CLI::ParseError& error)
     {
-        if (AsksForHelp(app, error)) return ShowHelp(app, error);
+        if (cli::AsksForHelp(app, error)) return ShowHelp(app, error);
         throw UsageFailure(app, error);
     }
     return RunVerb(run, options);

@@ -4,8 +4,8 @@ set(PACKAGING "${CMAKE_CURRENT_LIST_DIR}")
 
 # Builds everything that is installed, but nothing that only tests need.
 add_custom_target(packaged)
-foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipodctl-reference ipod-simulator ipod-make-samples
-    simulator-manuals ipod-companiond ipod-companiond-interface ipodqml ipodqmlplugin ipod-screen)
+foreach(part IN ITEMS ipod ipodkit ipodnames ipodkit_python ipodkit-stub ipodctl ipodctl-schema ipod-simulator ipod-make-samples
+    manuals ipod-companiond ipod-companiond-interface ipodqml ipodqmlplugin ipod-screen)
   if(TARGET ${part})
     add_dependencies(packaged ${part})
   endif()
@@ -83,7 +83,6 @@ endif()
 
 if(TARGET ipod-companiond)
   install_notices(companiond ipod-companiond)
-  install_manual(ipod-companiond.1 companiond)
 endif()
 
 if(TARGET ipodctl OR TARGET ipod-simulator)

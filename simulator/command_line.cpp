@@ -1,8 +1,7 @@
 #include "command_line.h"
 
-#include <cli/help.h>
+#include <cli/usage.h>
 #include <glib.h>
-#include <ipodnames/nearest.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -16,7 +15,6 @@
 #include "faults/faults.h"
 #include "faults/nearest.h"
 #include "playback/clock.h"
-#include "printable.h"
 
 namespace ipodsim
 {
@@ -75,15 +73,6 @@ void PrintSchema()
     throw CLI::Success();
 }
 
-void Prepare(CLI::App& app, const char* name, const char* summary)
-{
-    app.name(name);
-    app.description(summary);
-    app.formatter(std::make_shared<cli::HelpFormatter>(kWidth));
-    app.set_help_flag("-h,--help", "Print this help and exit");
-    app.set_version_flag("--version", std::string(name) + " " IPOD_VERSION, "Print the version and exit");
-}
-
 void AddMusicOptions(CLI::App& app, Arguments& arguments)
 {
     Options& options = arguments.options;
@@ -111,43 +100,6 @@ std::string SimulatorFooter()
            "\n"
            "To trigger events in a running simulator, use ipodctl sim.";
 }
-// The first word that the program does not accept, options first; empty if there is none.
-std::string Unexpected(const CLI::App& app)
-{
-    const std::vector<std::string> words = app.remaining();
-    const auto option = std::find_if(words.begin(), words.end(),
-                                     [](const std::string& word) { return word.size() > 1 && word.front() == '-'; });
-    return option != words.end() ? *option : words.empty() ? "" : words.front();
-}
-
-std::string SimilarOption(const CLI::App& app)
-{
-    std::vector<std::string> names;
-    for (const CLI::Option* option : app.get_options())
-        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-    const std::string word = Unexpected(app);
-    return word.rfind("--", 0) == 0 ? ipodnames::Nearest(word.substr(0, word.find('=')), names) : "";
-}
-
-// CLI11 gives the name of the option only in its message, before a colon or a blank.
-std::string Explained(const CLI::App& app, const CLI::ParseError& error)
-{
-    const std::string message = error.what();
-    const std::string word = Unexpected(app);
-    if (!word.empty()) return (word.front() == '-' ? "unknown option '" : "unexpected argument '") + word + "'";
-    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
-        return "missing argument: " + message.substr(0, message.find(' '));
-    const bool mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
-    return mismatch ? message.substr(0, message.find(':')) + ": missing value" : message;
-}
-
-int PrintRequested(const CLI::App& app, const CLI::ParseError& error)
-{
-    app.exit(error);
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return 0;
-    std::fprintf(stderr, "%s: cannot write to standard output: %s\n", app.get_name().c_str(), g_strerror(errno));
-    return 1;
-}
 }  // namespace
 
 std::vector<cli::HelpRow> FaultRows()
@@ -160,7 +112,7 @@ std::vector<cli::HelpRow> FaultRows()
 void AddOptions(CLI::App& app, Arguments& arguments)
 {
     Options& options = arguments.options;
-    Prepare(app, "ipod-simulator", "Simulates the iPod service on the session bus.");
+    cli::Prepare(app, "ipod-simulator", "Simulates the iPod service on the session bus.");
     AddMusicOptions(app, arguments);
     app.add_option(
            "--speed", options.speed,
@@ -190,8 +142,8 @@ void AddOptions(CLI::App& app, Arguments& arguments)
 
 void AddOptions(CLI::App& app, SampleArguments& arguments)
 {
-    Prepare(app, "ipod-make-samples",
-            "Writes a few short melodies with tags and covers, as FLAC, Ogg Vorbis, and MP3.");
+    cli::Prepare(app, "ipod-make-samples",
+                 "Writes a few short melodies with tags and covers, as FLAC, Ogg Vorbis, and MP3.");
     app.add_option("folder", arguments.folder, "Output folder; created if missing")->required()->check(CheckNotEmpty);
     app.add_option("--count", arguments.count,
                    "Write this many one-second files instead, for benchmarks; at most 1000000")
@@ -201,17 +153,5 @@ void AddOptions(CLI::App& app, SampleArguments& arguments)
         "Examples:\n"
         "  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"
         "  ipod-make-samples --count 50000 /tmp/many");
-}
-
-int ReportParsing(const CLI::App& app, const CLI::ParseError& error)
-{
-    constexpr int kUsage = 2;
-    if (error.get_exit_code() == 0) return PrintRequested(app, error);
-    const std::string similar = SimilarOption(app);
-    const std::string hint =
-        similar.empty() ? "try '" + app.get_name() + " --help'" : "did you mean '" + similar + "'?";
-    std::fprintf(stderr, "%s: %s\nhint: %s\n", app.get_name().c_str(), Printable(Explained(app, error)).c_str(),
-                 hint.c_str());
-    return kUsage;
 }
 }  // namespace ipodsim

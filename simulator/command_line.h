@@ -32,8 +32,4 @@ void AddOptions(CLI::App& app, SampleArguments& arguments);
 
 /// The kinds of faults, for the help and the manual page.
 std::vector<cli::HelpRow> FaultRows();
-
-/// Reports an invalid command line with a hint and returns the exit code. CLI11 treats help and version as "errors"
-/// with code 0; the exit code is 1 if standard output cannot be written.
-int ReportParsing(const CLI::App& app, const CLI::ParseError& error);
 }  // namespace ipodsim

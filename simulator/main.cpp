@@ -1,5 +1,8 @@
 // ipod-simulator: the simulated iPod service on the session bus.
+#include <cli/text.h>
+#include <cli/usage.h>
 #include <glib-unix.h>
+#include <ipodnames/nearest.h>
 #include <ipodsim.h>
 
 #include <atomic>
@@ -14,7 +17,6 @@
 
 #include "actions/scenario.h"
 #include "command_line.h"
-#include "printable.h"
 #include "progress_bar.h"
 
 namespace
@@ -74,15 +76,15 @@ std::string CacheFolder()
 
 void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, StopFlags& stop, bool verbose)
 {
-    options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + ipodsim::PrintableWithHint(line)); };
+    options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + cli::PrintableWithHint(line)); };
     options.progress = [&bar](std::size_t done, std::size_t all) { bar.Show(done, all); };
-    options.scenarioEnded = [](const std::string& title) { Print("scenario ended: " + ipodsim::Printable(title)); };
+    options.scenarioEnded = [](const std::string& title) { Print("scenario ended: " + cli::Printable(title)); };
     options.busLost = [&stop]
     {
         stop.busLost = true;
         End(&stop);
     };
-    if (verbose) options.logRequest = [&bar](const std::string& line) { bar.WriteLine(ipodsim::Printable(line)); };
+    if (verbose) options.logRequest = [&bar](const std::string& line) { bar.WriteLine(cli::Printable(line)); };
 }
 
 // Polls, because scanning ends on another thread.
@@ -141,11 +143,11 @@ int main(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
-        return ipodsim::ReportParsing(app, error);
+        return cli::Report(app, error, ipodnames::Nearest);
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "ipod-simulator: %s\n", ipodsim::PrintableWithHint(error.what()).c_str());
+        cli::PrintError("ipod-simulator", error.what());
         return 1;
     }
 }

@@ -1,8 +1,10 @@
 // ipod-make-samples: a folder of short, tagged audio files with covers.
+#include <cli/usage.h>
+#include <ipodnames/nearest.h>
+
 #include <cstdio>
 
 #include "command_line.h"
-#include "printable.h"
 #include "samples/samples.h"
 
 int main(int argc, char** argv)
@@ -16,15 +18,15 @@ int main(int argc, char** argv)
         const auto& [folder, count] = arguments;
         const int made = count > 0 ? ipodsim::MakeManySamples(folder, count) : ipodsim::MakeSamples(folder);
         std::printf("%d files in %s\n", made, folder.c_str());
-        return 0;
+        return cli::FlushOutput("ipod-make-samples");
     }
     catch (const CLI::ParseError& error)
     {
-        return ipodsim::ReportParsing(app, error);
+        return cli::Report(app, error, ipodnames::Nearest);
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "ipod-make-samples: %s\n", ipodsim::Printable(error.what()).c_str());
+        cli::PrintError("ipod-make-samples", error.what());
         return 1;
     }
 }

@@ -9,7 +9,6 @@
 #include "actions/scenario.h"
 #include "faults/fault_table.h"
 #include "playback/clock.h"
-#include "printable.h"
 #include "running.h"
 
 namespace ipodsim
@@ -25,7 +24,7 @@ void WriteToStandardError(const std::string& line)
 const std::string& Utf8(const char* what, const std::string& text)
 {
     if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
-        throw std::runtime_error(std::string(what) + ": expected UTF-8 text, got '" + Printable(text) + "'");
+        throw std::runtime_error(std::string(what) + ": expected UTF-8 text, got '" + text + "'");
     return text;
 }
 

@@ -1,5 +1,6 @@
 #include "output/text.h"
 
+#include <cli/usage.h>
 #include <glib.h>
 #include <ipodnames/nearest.h>
 
@@ -15,23 +16,7 @@ namespace ctl
 {
 namespace
 {
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
-
-// The first character of possibly invalid UTF-8; bytes is at least 1.
-struct Character
-{
-    gunichar codePoint;
-    std::size_t bytes;
-    bool valid;
-};
-
-Character First(std::string_view text)
-{
-    const gunichar code = g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
-    if (code == static_cast<gunichar>(-1) || code == static_cast<gunichar>(-2) || code == 0) return {0, 1, false};
-    return {code, static_cast<std::size_t>(g_unichar_to_utf8(code, nullptr)), true};
-}
 
 int WidthOf(gunichar code)
 {
@@ -67,26 +52,6 @@ bool HasTooManyParts(std::string_view text)
 }
 }  // namespace
 
-bool IsUnsafe(std::uint32_t codePoint)
-{
-    const bool control = codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
-    const bool separator = codePoint == 0x2028 || codePoint == 0x2029;
-    const bool direction = (codePoint >= 0x202A && codePoint <= 0x202E) || (codePoint >= 0x2066 && codePoint <= 0x2069);
-    return control || separator || direction || codePoint == 0x200E || codePoint == 0x200F || codePoint == 0x061C;
-}
-
-std::string Printable(std::string_view text)
-{
-    std::string shown;
-    while (!text.empty())
-    {
-        const Character next = First(text);
-        shown += next.valid && !IsUnsafe(next.codePoint) ? text.substr(0, next.bytes) : kReplacement;
-        text.remove_prefix(next.bytes);
-    }
-    return shown;
-}
-
 std::string Folded(std::string_view text)
 {
     gchar* const folded = g_utf8_casefold(Printable(text).c_str(), -1);
@@ -100,7 +65,7 @@ int Width(std::string_view text)
     int width = 0;
     while (!text.empty())
     {
-        const Character next = First(text);
+        const cli::Character next = cli::First(text);
         width += WidthOf(next.codePoint);
         text.remove_prefix(next.bytes);
     }
@@ -114,7 +79,7 @@ std::string Cut(std::string_view text, int width)
     int used = 1;
     while (!text.empty())
     {
-        const Character next = First(text);
+        const cli::Character next = cli::First(text);
         used += WidthOf(next.codePoint);
         if (used > width) break;
         kept += text.substr(0, next.bytes);
@@ -358,7 +323,6 @@ Lines Split(const std::string& text)
 
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& words, const std::string& otherwise)
 {
-    const std::string similar = Printable(ipodnames::Nearest(word, words));
-    return similar.empty() ? otherwise : "did you mean '" + similar + "'?";
+    return cli::DidYouMean(word, words, otherwise, ipodnames::Nearest);
 }
 }  // namespace ctl

@@ -2,6 +2,8 @@
 /// Formats text for terminals: columns, tables, progress bars, and hex dumps.
 #pragma once
 
+#include <cli/text.h>
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -12,12 +14,8 @@
 
 namespace ctl
 {
-/// Returns whether a code point can affect a terminal: control characters, line and paragraph separators, and
-/// bidirectional controls.
-bool IsUnsafe(std::uint32_t codePoint);
-
-/// Replaces unsafe characters and invalid UTF-8 with U+FFFD.
-std::string Printable(std::string_view text);
+using cli::IsUnsafe;
+using cli::Printable;
 
 /// Case-folds text for comparison.
 std::string Folded(std::string_view text);

@@ -11,9 +11,6 @@
 
 namespace ctl
 {
-/// Returns whether @p error is a request for help or the version.
-bool AsksForHelp(const CLI::App& app, const CLI::ParseError& error);
-
 /// Returns the usage error, with a hint that names the relevant --help.
 Failure UsageFailure(const CLI::App& app, const CLI::ParseError& error);
 

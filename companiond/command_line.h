@@ -1,0 +1,27 @@
+/// @file
+/// The command line of ipod-companiond.
+#pragma once
+
+#include <cli/help.h>
+
+#include <vector>
+
+namespace companion
+{
+constexpr char kProgram[] = "ipod-companiond";
+
+enum ExitCode
+{
+    kDone = 0,
+    kNoOutput = 1,
+    kUsage = 2,
+    kNoBus = 3,
+    kAlreadyRunning = 4,
+};
+
+/// The exit codes, for the help and the manual page.
+std::vector<cli::HelpRow> ExitCodes();
+
+/// Adds the options to an empty parser. @p printInterface must outlive it.
+void AddOptions(CLI::App& app, bool& printInterface);
+}  // namespace companion
