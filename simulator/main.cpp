@@ -78,7 +78,8 @@ void SetCallbacks(ipodsim::Options& options, ipodsim::ProgressBar& bar, StopFlag
 {
     options.warn = [&bar](const std::string& line) { bar.WriteLine("warning: " + cli::PrintableWithHint(line)); };
     options.progress = [&bar](std::size_t done, std::size_t all) { bar.Show(done, all); };
-    options.scenarioEnded = [](const std::string& title) { Print("scenario ended: " + cli::Printable(title)); };
+    options.scenarioEnded = [](const std::string& title)
+    { Print("scenario ended" + (title.empty() ? "" : ": " + cli::Printable(title))); };
     options.busLost = [&stop]
     {
         stop.busLost = true;

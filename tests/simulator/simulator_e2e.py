@@ -247,6 +247,10 @@ class Program(OnABus):
         self.assertEqual(line_within(process.stdout, LIMIT), "scenario ended: Short\n")
         self.assertEqual(self.ask("GetPlayStatus"), "(1,)")
 
+    def test_runs_a_scenario_without_a_title(self):
+        process = self.start("--scenario", self.write("untitled.json", '{"steps": []}'))
+        self.assertEqual(line_within(process.stdout, LIMIT), "scenario ended\n")
+
     def test_runs_the_shipped_scenarios(self):
         for name in sorted(os.listdir(OPTIONS.scenarios)):
             with self.subTest(name):
