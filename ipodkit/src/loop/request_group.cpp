@@ -28,12 +28,19 @@ void RequestGroup::Watch()
 {
     m_timer.reset(g_source_new(&timerFunctions, sizeof(GSource)));
     g_source_set_callback(m_timer.get(), OnDue, Weakly(shared_from_this()), DeleteWeak<RequestGroup>);
-    g_source_attach(m_timer.get(), m_home->Context());
     const auto advanced = [weak = weak_from_this()]
     {
         if (const auto self = weak.lock()) self->FailThoseThatAreDue();
     };
     m_clock = Subscription(m_home->ClockWatchers().Add("deadlines", advanced));
+}
+
+// The loop visits each attached source in each iteration: groups without requests, such as those of accessory sessions
+// that only receive, must not slow it down.
+void RequestGroup::WakeAt(gint64 due)
+{
+    if (g_source_get_context(m_timer.get()) == nullptr) g_source_attach(m_timer.get(), m_home->Context());
+    m_home->WakeAt(m_timer.get(), due);
 }
 
 gboolean RequestGroup::OnDue(gpointer data)
@@ -58,7 +65,7 @@ std::optional<Error> RequestGroup::Add(Serial serial, const OpenRequestPtr& requ
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_open.insert_or_assign(serial, Entry{request, due, nullptr});
     if (due != 0) m_due.emplace(due, serial);
-    if (due != 0 && m_due.begin()->second == serial) m_home->WakeAt(m_timer.get(), due);
+    if (due != 0 && m_due.begin()->second == serial) WakeAt(due);
     return m_closed ? m_closed : unacceptable;
 }
 
@@ -112,7 +119,7 @@ OpenRequestPtr RequestGroup::TakeDue(gint64 now)
         if (m_due.empty()) return nullptr;
         if (m_due.begin()->first > now)
         {
-            m_home->WakeAt(m_timer.get(), m_due.begin()->first);
+            WakeAt(m_due.begin()->first);
             return nullptr;
         }
         first = m_due.begin()->second;

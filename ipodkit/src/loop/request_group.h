@@ -76,6 +76,7 @@ private:
     explicit RequestGroup(detail::HomePtr home) : m_home(std::move(home)) {}
     static gboolean OnDue(gpointer data);
     void Watch();
+    void WakeAt(gint64 due);
     void FailThoseThatAreDue();
     OpenRequestPtr TakeDue(gint64 now);
     Entry Extract(Serial serial);
