@@ -50,6 +50,15 @@ private:
         AccessorySessionPtr session;
     };
 
+    // Received bytes name their session by its low byte only: sessions with the same one are neighbors.
+    struct LowByteFirst
+    {
+        bool operator()(std::uint16_t a, std::uint16_t b) const
+        {
+            return std::pair(a & 0xFF, a) < std::pair(b & 0xFF, b);
+        }
+    };
+
     const std::map<std::uint16_t, unsigned char>& Open() const { return m_session->Draft().State().accessorySessions; }
     const Entry& Add(std::uint16_t number, unsigned char protocol);
     void Opened(const AccessoryOpened& event);
@@ -58,7 +67,7 @@ private:
 
     const std::shared_ptr<Session::Impl> m_session;
     const AccessoryOptions m_options;
-    std::map<std::uint16_t, Entry> m_entries;
+    std::map<std::uint16_t, Entry, LowByteFirst> m_entries;
     std::map<std::uint16_t, ImplPtr> m_unseen;  // written to without having seen their opening
     Subscription m_ending;
 };
@@ -102,8 +111,9 @@ void AccessoryPort::Impl::Close(std::uint16_t number)
 void AccessoryPort::Impl::Received(const AccessoryData& event)
 {
     std::vector<ImplPtr> fitting;
-    for (const auto& [number, entry] : m_entries)
-        if ((number & 0xFF) == event.sessionLowByte) fitting.push_back(entry.inside);
+    for (auto at = m_entries.lower_bound(event.sessionLowByte);
+         at != m_entries.end() && (at->first & 0xFF) == event.sessionLowByte; ++at)
+        fitting.push_back(at->second.inside);
     if (fitting.size() == 1) return fitting.front()->Receive(event.bytes);
     if (fitting.empty())
         return LogWarning("received bytes for accessory session " + std::to_string(event.sessionLowByte) +
