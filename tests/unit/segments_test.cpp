@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <random>
 #include <thread>
@@ -71,7 +72,9 @@ protected:
 
     void ExpectRefusalAfterTheWait()
     {
+        const std::clock_t before = std::clock();
         EXPECT_EQ("segment " + std::string(m_name.c_str()) + ": its creator never finished it", Refusal());
+        EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC) << "of processor time";
         EXPECT_GE(m_took, kCreatorIsGiven);
         EXPECT_LT(m_took, kRefusedAtTheLatest);
     }
