@@ -210,7 +210,7 @@ TEST_F(AttachSegment, CreatesAnAbsentOneWithItsSizeReadableByAll)
 
     umask(before);
     EXPECT_EQ(kBufferSegmentSize, test::ReadFile(m_name.path()).size());
-    EXPECT_EQ(0644u, Mode());
+    EXPECT_EQ(0644U, Mode());
     EXPECT_LE(segment.get_size(), kBufferSegmentSize);
 }
 
@@ -348,9 +348,9 @@ TEST_F(AttachSegment, CreatesOneThatIsTooSmallForItsContents)
     QBXSharedSegment segment =
         Attach(kSegmentSize, [](QBXSegmentManager& manager) { manager.construct<char>("large")[kSegmentSize]('x'); });
 
-    EXPECT_EQ(0u, segment.get_num_named_objects());
+    EXPECT_EQ(0U, segment.get_num_named_objects());
     EXPECT_EQ(kSegmentSize, test::ReadFile(m_name.path()).size());
-    EXPECT_EQ(0644u, Mode());
+    EXPECT_EQ(0644U, Mode());
 }
 
 // As between the two steps of growing a segment.
@@ -565,7 +565,7 @@ TEST_F(PublishNewSegment, FailsWhenTheNameExists)
 
     EXPECT_FALSE(Publish(kSegmentSize));
 
-    EXPECT_EQ(3u, test::ReadFile(m_name.path()).size());
+    EXPECT_EQ(3U, test::ReadFile(m_name.path()).size());
 }
 
 TEST_F(PublishNewSegment, FailsWhenItsContentsDoNotFit)
