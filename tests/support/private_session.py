@@ -1,4 +1,5 @@
 """The environment for tests of whole programs: a private /dev/shm and session bus, and bounded waiting."""
+import io
 import os
 import select
 import shutil
@@ -37,8 +38,14 @@ def clear_shared_memory():
 
 
 def line_within(stream, seconds):
-    ready, _, _ = select.select([stream], [], [], seconds)
-    return stream.readline() if ready else ""
+    """Returns the next line, or what there is of it. Leaves all that follows in the pipe, where select() sees it."""
+    end, line = time.monotonic() + seconds, b""
+    while not line.endswith(b"\n") and select.select([stream], [], [], max(0, end - time.monotonic()))[0]:
+        byte = os.read(stream.fileno(), 1)
+        if not byte:
+            break
+        line += byte
+    return line.decode() if isinstance(stream, io.TextIOBase) else line
 
 
 def within(seconds, condition):
