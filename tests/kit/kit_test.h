@@ -29,6 +29,21 @@ std::string TrackBody(const std::string& title, int milliseconds = 0);
 std::string TrackEvent(int index, const std::string& title, int milliseconds = 0);
 std::string PictureBody(unsigned char noPicture = 0);
 
+/// The requests that a session makes before it is Ready.
+constexpr const char* kStateMethods[] = {"GetCurrentMediaInfo",
+                                         "GetPlayingTrackIdx",
+                                         "GetPlayStatus",
+                                         "GetPlayPosition",
+                                         "GetShuffleMode",
+                                         "GetRepeatMode",
+                                         "GetPlayingListItemsAmount",
+                                         "GetDeviceAmount",
+                                         "GetIpodName",
+                                         "GetIpodAppBundleName",
+                                         "GetCarplayDeviceDetectStatus",
+                                         "GetCarlifeDeviceDetectStatus",
+                                         "GetPlayingTrackAlbumArtwork"};
+
 /// Lets the service answer every getter of the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
 void AnswerState(FakeService& service);
 

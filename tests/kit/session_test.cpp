@@ -23,21 +23,6 @@ namespace
 // Far below anything that could block (deadlines, locks, segment creation), but above the noise of a busy machine.
 constexpr auto kNotBlocked = 50ms;
 
-// The requests that a session makes before it is Ready.
-constexpr const char* kStateMethods[] = {"GetCurrentMediaInfo",
-                                         "GetPlayingTrackIdx",
-                                         "GetPlayStatus",
-                                         "GetPlayPosition",
-                                         "GetShuffleMode",
-                                         "GetRepeatMode",
-                                         "GetPlayingListItemsAmount",
-                                         "GetDeviceAmount",
-                                         "GetIpodName",
-                                         "GetIpodAppBundleName",
-                                         "GetCarplayDeviceDetectStatus",
-                                         "GetCarlifeDeviceDetectStatus",
-                                         "GetPlayingTrackAlbumArtwork"};
-
 class SessionTest : public KitTest
 {
 protected:

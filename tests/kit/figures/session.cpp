@@ -103,7 +103,7 @@ TEST_F(SessionFigures, LoopWhileConnecting)
 TEST_F(SessionFigures, LoopWhileTheServiceHangsFromTheStart)
 {
     FakeService service;
-    service.Hold("GetPlayStatus");
+    for (const char* method : kStateMethods) service.Hold(method);
     options.deadline = 500ms;
     Open(options);
     const Loop loop;
