@@ -1,3 +1,4 @@
+#include <QBXIpodTypes.h>
 #include <ipodkit/audio_source.h>
 
 #include "kit/kit_test.h"
