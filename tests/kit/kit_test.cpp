@@ -42,21 +42,39 @@ std::string PictureBody(unsigned char noPicture)
     return Record(head);
 }
 
+namespace
+{
+// The requests that a session makes before it is Ready, with their replies.
+const std::vector<std::pair<const char*, std::string>>& StateReplies()
+{
+    static const std::vector<std::pair<const char*, std::string>> replies{
+        {"GetCurrentMediaInfo", TrackBody("Song", 60000)},
+        {"GetPlayingTrackIdx", "(1,)"},
+        {"GetPlayStatus", "(1,)"},
+        {"GetPlayPosition", "(1000, 60000)"},
+        {"GetShuffleMode", "(2,)"},
+        {"GetRepeatMode", "(1,)"},
+        {"GetPlayingListItemsAmount", "(3,)"},
+        {"GetDeviceAmount", "(1,)"},
+        {"GetIpodName", "('Phone',)"},
+        {"GetIpodAppBundleName", "('com.example.app',)"},
+        {"GetCarplayDeviceDetectStatus", "(0, 'SERIAL')"},
+        {"GetCarlifeDeviceDetectStatus", "(1,)"},
+        {"GetPlayingTrackAlbumArtwork", PictureBody(1)},
+    };
+    return replies;
+}
+}  // namespace
+
 void AnswerState(FakeService& service)
 {
-    service.Answer("GetCurrentMediaInfo", TrackBody("Song", 60000));
-    service.Answer("GetPlayingTrackIdx", "(1,)");
-    service.Answer("GetPlayStatus", "(1,)");
-    service.Answer("GetPlayPosition", "(1000, 60000)");
-    service.Answer("GetShuffleMode", "(2,)");
-    service.Answer("GetRepeatMode", "(1,)");
-    service.Answer("GetPlayingListItemsAmount", "(3,)");
-    service.Answer("GetDeviceAmount", "(1,)");
-    service.Answer("GetIpodName", "('Phone',)");
-    service.Answer("GetIpodAppBundleName", "('com.example.app',)");
-    service.Answer("GetCarplayDeviceDetectStatus", "(0, 'SERIAL')");
-    service.Answer("GetCarlifeDeviceDetectStatus", "(1,)");
-    service.Answer("GetPlayingTrackAlbumArtwork", PictureBody(1));
+    for (const auto& [method, reply] : StateReplies()) service.Answer(method, reply);
+}
+
+std::size_t HoldState(FakeService& service)
+{
+    for (const auto& [method, reply] : StateReplies()) service.Hold(method);
+    return StateReplies().size();
 }
 
 std::pair<int, int> RangeOf(GVariant* arguments)

@@ -29,23 +29,11 @@ std::string TrackBody(const std::string& title, int milliseconds = 0);
 std::string TrackEvent(int index, const std::string& title, int milliseconds = 0);
 std::string PictureBody(unsigned char noPicture = 0);
 
-/// The requests that a session makes before it is Ready.
-constexpr const char* kStateMethods[] = {"GetCurrentMediaInfo",
-                                         "GetPlayingTrackIdx",
-                                         "GetPlayStatus",
-                                         "GetPlayPosition",
-                                         "GetShuffleMode",
-                                         "GetRepeatMode",
-                                         "GetPlayingListItemsAmount",
-                                         "GetDeviceAmount",
-                                         "GetIpodName",
-                                         "GetIpodAppBundleName",
-                                         "GetCarplayDeviceDetectStatus",
-                                         "GetCarlifeDeviceDetectStatus",
-                                         "GetPlayingTrackAlbumArtwork"};
-
 /// Lets the service answer every getter of the state: "Song", 1 of 3, playing at 1 of 60 seconds, ….
 void AnswerState(FakeService& service);
+
+/// Holds these requests, which a session makes before it is Ready. Returns how many they are.
+std::size_t HoldState(FakeService& service);
 
 class AnsweringService : public FakeService
 {

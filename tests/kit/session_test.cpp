@@ -8,9 +8,9 @@
 
 #include <future>
 #include <set>
+#include <thread>
 
 #include <ipodkit/core.h>
-#include <thread>
 
 #include "kit/kit_test.h"
 #include "kit/ticker.h"
@@ -210,7 +210,7 @@ TEST_F(ReadySessionTest, ALaterOneMayLiveInAContextOfTheApplication)
 TEST_F(SessionTest, AHangingServiceDoesNotBlockTheLoop)
 {
     FakeService service;
-    for (const char* method : kStateMethods) service.Hold(method);
+    HoldState(service);
     options.deadline = 100ms;
     Open(options);
     RunLoopFor(20ms);
@@ -226,7 +226,7 @@ TEST_F(SessionTest, AHangingServiceDoesNotBlockTheLoop)
 TEST_F(SessionTest, BecomesReadyWhenAHangingServiceWakesUp)
 {
     FakeService service;
-    for (const char* method : kStateMethods) service.Hold(method);
+    HoldState(service);
     options.deadline = 100ms;
     Open(options);
     RunLoopFor(300ms);
@@ -279,13 +279,13 @@ TEST_F(SessionTest, EventValuesStayKnownIfTheServiceRefusesToRepeatThem)
 TEST_F(SessionTest, DoesNotFloodAHangingService)
 {
     FakeService service;
-    for (const char* method : kStateMethods) service.Hold(method);
+    const std::size_t requests = HoldState(service);
     options.deadline = 1ms;
     Open(options);
 
     RunLoopFor(500ms);
 
-    EXPECT_EQ(service.Calls().size(), std::size(kStateMethods));
+    EXPECT_EQ(service.Calls().size(), requests);
 }
 
 TEST_F(SessionTest, StateAndConnectionAgreeInsideEveryCallback)

@@ -103,7 +103,7 @@ TEST_F(SessionFigures, LoopWhileConnecting)
 TEST_F(SessionFigures, LoopWhileTheServiceHangsFromTheStart)
 {
     FakeService service;
-    for (const char* method : kStateMethods) service.Hold(method);
+    HoldState(service);
     options.deadline = 500ms;
     Open(options);
     const Loop loop;
