@@ -1,6 +1,8 @@
 #include "command_line.h"
 
-#include <cli/usage.h>
+#include <cli/program.h>
+
+#include <CLI/CLI.hpp>
 
 namespace companion
 {
@@ -14,15 +16,20 @@ std::vector<cli::HelpRow> ExitCodes()
         {std::to_string(kAlreadyRunning), "another program owns one of the names, usually another ipod-companiond"}};
 }
 
-void AddOptions(CLI::App& app, bool& printInterface)
+cli::CommandLine CommandLineOf(bool& printInterface)
 {
-    cli::Prepare(app, kProgram,
-                 "Makes the attached Apple device available to media controls, and its state to all programs, on the "
-                 "session bus.");
-    app.add_flag("--print-interface", printInterface, "Print the description of com.zarn.linux.ipod.State and exit");
-    std::string footer = "Exit codes:\n";
-    for (const cli::HelpRow& row : ExitCodes()) footer += "  " + row.name + "  " + row.description + "\n";
-    footer.pop_back();
-    app.footer(footer);
+    return [&printInterface](CLI::App& app)
+    {
+        cli::Prepare(
+            app, kProgram,
+            "Makes the attached Apple device available to media controls, and its state to all programs, on the "
+            "session bus.");
+        app.add_flag("--print-interface", printInterface,
+                     "Print the description of com.zarn.linux.ipod.State and exit");
+        std::string footer = "Exit codes:\n";
+        for (const cli::HelpRow& row : ExitCodes()) footer += "  " + row.name + "  " + row.description + "\n";
+        footer.pop_back();
+        app.footer(footer);
+    };
 }
 }  // namespace companion

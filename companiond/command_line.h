@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cli/help.h>
+#include <cli/program.h>
 
 #include <vector>
 
@@ -22,6 +23,6 @@ enum ExitCode
 /// The exit codes, for the help and the manual page.
 std::vector<cli::HelpRow> ExitCodes();
 
-/// Adds the options to an empty parser. @p printInterface must outlive it.
-void AddOptions(CLI::App& app, bool& printInterface);
+/// The command line, which sets @p printInterface.
+cli::CommandLine CommandLineOf(bool& printInterface);
 }  // namespace companion

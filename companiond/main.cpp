@@ -1,6 +1,6 @@
 // ipod-companiond: media controls, the state on the bus, and a memory for sessions that start late.
 #include <QBXLog.h>
-#include <cli/usage.h>
+#include <cli/program.h>
 #include <glib-unix.h>
 #include <ipodkit/session.h>
 
@@ -172,30 +172,22 @@ int PrintInterface()
     return cli::FlushOutput(kProgram);
 }
 
-int Main(int argc, char** argv)
+int Run(bool printInterface)
+try
 {
-    CLI::App app;
-    bool print = false;
-    AddOptions(app, print);
-    try
-    {
-        app.parse(argc, argv);
-        return print ? PrintInterface() : Serve();
-    }
-    catch (const CLI::ParseError& error)
-    {
-        return cli::Report(app, error);
-    }
-    catch (const Failure& failure)
-    {
-        cli::PrintError(kProgram, failure.what());
-        return failure.Code();
-    }
+    return printInterface ? PrintInterface() : Serve();
+}
+catch (const Failure& failure)
+{
+    cli::PrintError(kProgram, failure.what());
+    return failure.Code();
 }
 }  // namespace
 }  // namespace companion
 
 int main(int argc, char** argv)
 {
-    return companion::Main(argc, argv);
+    bool printInterface = false;
+    const auto run = [&printInterface] { return companion::Run(printInterface); };
+    return cli::RunProgram(argc, argv, companion::CommandLineOf(printInterface), run);
 }

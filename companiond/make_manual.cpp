@@ -6,8 +6,7 @@
 int main(int argc, char** argv)
 {
     if (argc != 2) return 2;
-    CLI::App app;
     bool printInterface = false;
-    companion::AddOptions(app, printInterface);
-    return cli::MakeReference(app, {{"@exit-codes", companion::ExitCodes()}}, "man", argv[1]);
+    const cli::Tables tables{{"@exit-codes", companion::ExitCodes()}};
+    return cli::MakeReference(companion::CommandLineOf(printInterface), tables, "man", argv[1]);
 }

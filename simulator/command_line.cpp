@@ -1,10 +1,10 @@
 #include "command_line.h"
 
-#include <cli/usage.h>
+#include <cli/program.h>
 #include <glib.h>
 
-#include <algorithm>
-#include <cerrno>
+#include <CLI/CLI.hpp>
+
 #include <charconv>
 #include <cstdio>
 #include <limits>
@@ -20,8 +20,6 @@ namespace ipodsim
 {
 namespace
 {
-constexpr int kWidth = 80;
-
 // Each check returns the expectation, or an empty string if the value is valid.
 std::string CheckSpeed(const std::string& text)
 {
@@ -90,7 +88,7 @@ void AddMusicOptions(CLI::App& app, Arguments& arguments)
 std::string SimulatorFooter()
 {
     // The section begins with an empty line, as does the footer.
-    return cli::HelpSection("Faults", FaultRows(), kWidth).substr(1) +
+    return cli::HelpSection("Faults", FaultRows()).substr(1) +
            "\n"
            "Examples:\n"
            "  ipod-simulator ~/Devices\n"
@@ -100,15 +98,6 @@ std::string SimulatorFooter()
            "\n"
            "To trigger events in a running simulator, use ipodctl sim.";
 }
-}  // namespace
-
-std::vector<cli::HelpRow> FaultRows()
-{
-    std::vector<cli::HelpRow> rows;
-    for (const auto& [name, meaning] : FaultHelp()) rows.push_back({name, meaning});
-    return rows;
-}
-
 void AddOptions(CLI::App& app, Arguments& arguments)
 {
     Options& options = arguments.options;
@@ -153,5 +142,23 @@ void AddOptions(CLI::App& app, SampleArguments& arguments)
         "Examples:\n"
         "  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"
         "  ipod-make-samples --count 50000 /tmp/many");
+}
+}  // namespace
+
+std::vector<cli::HelpRow> FaultRows()
+{
+    std::vector<cli::HelpRow> rows;
+    for (const auto& [name, meaning] : FaultHelp()) rows.push_back({name, meaning});
+    return rows;
+}
+
+cli::CommandLine CommandLineOf(Arguments& arguments)
+{
+    return [&arguments](CLI::App& app) { AddOptions(app, arguments); };
+}
+
+cli::CommandLine CommandLineOf(SampleArguments& arguments)
+{
+    return [&arguments](CLI::App& app) { AddOptions(app, arguments); };
 }
 }  // namespace ipodsim

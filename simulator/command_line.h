@@ -3,9 +3,9 @@
 #pragma once
 
 #include <cli/help.h>
+#include <cli/program.h>
 #include <ipodsim.h>
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
@@ -26,9 +26,9 @@ struct SampleArguments
     int count = 0;
 };
 
-/// Adds a program's options to an empty parser. @p arguments must outlive it.
-void AddOptions(CLI::App& app, Arguments& arguments);
-void AddOptions(CLI::App& app, SampleArguments& arguments);
+/// The command line of a program, which fills @p arguments.
+cli::CommandLine CommandLineOf(Arguments& arguments);
+cli::CommandLine CommandLineOf(SampleArguments& arguments);
 
 /// The kinds of faults, for the help and the manual page.
 std::vector<cli::HelpRow> FaultRows();

@@ -1,6 +1,6 @@
 // ipod-simulator: the simulated iPod service on the session bus.
+#include <cli/program.h>
 #include <cli/text.h>
-#include <cli/usage.h>
 #include <glib-unix.h>
 #include <ipodnames/nearest.h>
 #include <ipodsim.h>
@@ -133,22 +133,11 @@ void Serve(ipodsim::Arguments arguments)
 
 int main(int argc, char** argv)
 {
-    CLI::App app;
     ipodsim::Arguments arguments;
-    ipodsim::AddOptions(app, arguments);
-    try
+    const auto serve = [&arguments]
     {
-        app.parse(argc, argv);
         Serve(std::move(arguments));
         return 0;
-    }
-    catch (const CLI::ParseError& error)
-    {
-        return cli::Report(app, error, ipodnames::Nearest);
-    }
-    catch (const std::exception& error)
-    {
-        cli::PrintError("ipod-simulator", error.what());
-        return 1;
-    }
+    };
+    return cli::RunProgram(argc, argv, CommandLineOf(arguments), serve, ipodnames::Nearest);
 }

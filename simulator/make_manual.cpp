@@ -6,12 +6,9 @@
 int main(int argc, char** argv)
 {
     if (argc != 3) return 2;
-    CLI::App app;
     ipodsim::Arguments arguments;
     ipodsim::SampleArguments samples;
-    if (argv[1] == std::string("ipod-simulator"))
-        ipodsim::AddOptions(app, arguments);
-    else
-        ipodsim::AddOptions(app, samples);
-    return cli::MakeReference(app, {{"@faults", ipodsim::FaultRows()}}, "man", argv[2]);
+    const bool simulator = argv[1] == std::string("ipod-simulator");
+    return cli::MakeReference(simulator ? CommandLineOf(arguments) : CommandLineOf(samples),
+                              {{"@faults", ipodsim::FaultRows()}}, "man", argv[2]);
 }

@@ -1,5 +1,5 @@
 // ipod-make-samples: a folder of short, tagged audio files with covers.
-#include <cli/usage.h>
+#include <cli/program.h>
 #include <ipodnames/nearest.h>
 
 #include <cstdio>
@@ -9,24 +9,13 @@
 
 int main(int argc, char** argv)
 {
-    CLI::App app;
     ipodsim::SampleArguments arguments;
-    ipodsim::AddOptions(app, arguments);
-    try
+    const auto write = [&arguments]
     {
-        app.parse(argc, argv);
         const auto& [folder, count] = arguments;
         const int made = count > 0 ? ipodsim::MakeManySamples(folder, count) : ipodsim::MakeSamples(folder);
         std::printf("%d files in %s\n", made, folder.c_str());
         return cli::FlushOutput("ipod-make-samples");
-    }
-    catch (const CLI::ParseError& error)
-    {
-        return cli::Report(app, error, ipodnames::Nearest);
-    }
-    catch (const std::exception& error)
-    {
-        cli::PrintError("ipod-make-samples", error.what());
-        return 1;
-    }
+    };
+    return cli::RunProgram(argc, argv, CommandLineOf(arguments), write, ipodnames::Nearest);
 }

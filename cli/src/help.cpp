@@ -2,6 +2,8 @@
 
 #include <glib.h>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <set>
 #include <sstream>
@@ -156,23 +158,38 @@ std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int
     return text;
 }
 
-HelpFormatter::HelpFormatter(int width) : m_width(std::clamp(width, kNarrowest, kWidest)) {}
-
-std::string HelpFormatter::make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const
+namespace
 {
-    std::vector<HelpRow> arguments;
-    std::vector<HelpRow> options;
-    for (const CLI::Option* option : app->get_options())
-        (option->get_positional() ? arguments : options).push_back({TermOf(*option), DescriptionOf(*option)});
-    std::string text = Wrapped(app->get_description(), m_width, 0) + "\n\nUsage: " + UsageOf(*app) + "\n" +
-                       HelpSection("Arguments", arguments, m_width) + HelpSection("Options", options, m_width);
-    for (const std::string& group : GroupsOf(*app))
+class HelpFormatter : public CLI::FormatterBase
+{
+public:
+    explicit HelpFormatter(int width) : m_width(std::clamp(width, kNarrowest, kWidest)) {}
+
+    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override
     {
-        std::vector<HelpRow> commands;
-        for (const CLI::App* command : CommandsOf(*app, group))
-            commands.push_back({command->get_name(), command->get_description()});
-        text += HelpSection(group.c_str(), commands, m_width);
+        std::vector<HelpRow> arguments;
+        std::vector<HelpRow> options;
+        for (const CLI::Option* option : app->get_options())
+            (option->get_positional() ? arguments : options).push_back({TermOf(*option), DescriptionOf(*option)});
+        std::string text = Wrapped(app->get_description(), m_width, 0) + "\n\nUsage: " + UsageOf(*app) + "\n" +
+                           HelpSection("Arguments", arguments, m_width) + HelpSection("Options", options, m_width);
+        for (const std::string& group : GroupsOf(*app))
+        {
+            std::vector<HelpRow> commands;
+            for (const CLI::App* command : CommandsOf(*app, group))
+                commands.push_back({command->get_name(), command->get_description()});
+            text += HelpSection(group.c_str(), commands, m_width);
+        }
+        return text + "\n" + app->get_footer() + "\n";
     }
-    return text + "\n" + app->get_footer() + "\n";
+
+private:
+    int m_width;
+};
+}  // namespace
+
+void FormatHelp(CLI::App& app, int width)
+{
+    app.formatter(std::make_shared<HelpFormatter>(width));
 }
 }  // namespace cli

@@ -1,5 +1,7 @@
 #include "cli/reference.h"
 
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <iostream>
 #include <regex>
@@ -172,9 +174,11 @@ void WriteManual(const CLI::App& app, const Lines& lines)
 }
 }  // namespace
 
-int MakeReference(const CLI::App& app, const Tables& tables, const std::string& form, const char* page)
+int MakeReference(const CommandLine& commandLine, const Tables& tables, const std::string& form, const char* page)
 try
 {
+    CLI::App app;
+    commandLine(app);
     const Lines lines = Reference(app, tables, ReadPage(page));
     if (form == "man") WriteManual(app, lines);
     if (form == "markdown")

@@ -1,10 +1,8 @@
 #include "cli/usage.h"
 
-#include <glib.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 
 #include "cli/help.h"
 #include "cli/text.h"
@@ -68,12 +66,6 @@ std::string MissingArgument(const CLI::App& app)
     return "missing argument";
 }
 
-std::string Unexpected(const std::string& word)
-{
-    const bool option = word.size() > 1 && word.front() == '-';
-    return std::string(option ? "unknown option" : "unexpected argument") + " '" + Printable(word) + "'";
-}
-
 std::string MessageOf(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::vector<std::string> unknown = app.remaining(true);
@@ -107,9 +99,10 @@ std::string DidYouMean(const std::string& word, const std::vector<std::string>& 
     return similar.empty() ? otherwise : "did you mean '" + similar + "'?";
 }
 
-UsageError UnexpectedWord(const std::string& word, const std::string& hint)
+std::string Unexpected(const std::string& word)
 {
-    return {Unexpected(word), hint};
+    const bool option = word.size() > 1 && word.front() == '-';
+    return std::string(option ? "unknown option" : "unexpected argument") + " '" + Printable(word) + "'";
 }
 
 UsageError UnknownWord(const std::string& what, const std::string& word, const std::vector<std::string>& words,
@@ -123,16 +116,6 @@ std::vector<std::string> CommandNames(const CLI::App& app)
     std::vector<std::string> names;
     for (const CLI::App* command : CommandsOf(app)) names.push_back(command->get_name());
     return names;
-}
-
-void Prepare(CLI::App& app, const char* name, const char* summary)
-{
-    constexpr int kWidth = 80;
-    app.name(name);
-    app.description(summary);
-    app.formatter(std::make_shared<HelpFormatter>(kWidth));
-    app.set_help_flag("-h,--help", "Print this help and exit");
-    app.set_version_flag("--version", std::string(name) + " " IPOD_VERSION, "Print the version and exit");
 }
 
 bool AsksForHelp(const CLI::App& app, const CLI::ParseError& error)
@@ -154,31 +137,5 @@ UsageError Explain(const CLI::App& app, const CLI::ParseError& error, const Near
     if (unknown.empty() || isWord) return {message, HelpFor(app, message)};
     const std::string& option = unknown.front();
     return {message, DidYouMean(option.substr(0, option.find('=')), OptionNames(app), help, nearest)};
-}
-
-void PrintError(const std::string& program, const std::string& message)
-{
-    std::fprintf(stderr, "%s: %s\n", program.c_str(), PrintableWithHint(message).c_str());
-}
-
-int FlushOutput(const std::string& program)
-{
-    constexpr int kNotWritten = 1;
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return 0;
-    PrintError(program, std::string("cannot write to standard output: ") + g_strerror(errno));
-    return kNotWritten;
-}
-
-int Report(const CLI::App& app, const CLI::ParseError& error, const Nearest& nearest)
-{
-    constexpr int kUsage = 2;
-    if (AsksForHelp(app, error))
-    {
-        app.exit(error);
-        return FlushOutput(app.get_name());
-    }
-    const UsageError usage = Explain(app, error, nearest);
-    PrintError(app.get_name(), usage.message + "\nhint: " + usage.hint);
-    return kUsage;
 }
 }  // namespace cli

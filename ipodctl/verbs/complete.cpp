@@ -2,6 +2,8 @@
 
 #include <cli/help.h>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <utility>
 

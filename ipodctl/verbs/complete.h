@@ -2,13 +2,16 @@
 /// Shell completion of the ipodctl command line.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "output/output.h"
+
+namespace CLI
+{
+class App;
+}
 
 namespace ctl
 {

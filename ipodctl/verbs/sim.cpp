@@ -181,8 +181,6 @@ std::vector<std::string> SimWords(const SimAction& action)
     return words;
 }
 
-constexpr int kWidth = 80;
-
 // Returns the result of the action, such as {"session": 1}.
 Json DoOnSimulator(Context& context, const std::string& json)
 {
@@ -237,8 +235,7 @@ std::string Footer(const SimAction& action)
 {
     std::vector<cli::HelpRow> rows;
     for (const auto& [name, field] : action.fields.items()) rows.push_back({name, DescriptionOf(field)});
-    const std::string fields =
-        cli::HelpSection("Fields, as FIELD=VALUE; for the first, VALUE alone is enough", rows, kWidth);
+    const std::string fields = cli::HelpSection("Fields, as FIELD=VALUE; for the first, VALUE alone is enough", rows);
     return "Emits: " + action.follows + "\n" + fields + "\nExamples:\n  ipodctl sim " + action.example;
 }
 

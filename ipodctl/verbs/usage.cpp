@@ -24,7 +24,7 @@ const CLI::App& CommandIn(const CLI::App& app, const std::string& name)
 {
     const CLI::App* const command = cli::FindCommand(app, name);
     const std::vector<std::string> names = cli::CommandNames(app);
-    if (names.empty()) throw ToFailure(cli::UnexpectedWord(name, "try 'ipodctl --help'"));
+    if (names.empty()) throw Failure(kUsage, cli::Unexpected(name), "try 'ipodctl --help'");
     if (command == nullptr) throw UnknownWord("command", name, names, "try '" + cli::PathOf(app) + " --help'");
     return *command;
 }

@@ -2,12 +2,16 @@
 /// Converts parser errors to ipodctl's own messages.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
 
 #include "output/failure.h"
+
+namespace CLI
+{
+class App;
+class ParseError;
+}  // namespace CLI
 
 namespace ctl
 {

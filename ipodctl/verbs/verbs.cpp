@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "output/text.h"
+#include "verbs/command_line.h"
 #include "verbs/usage.h"
 
 namespace ctl
@@ -201,7 +202,7 @@ std::string Footer()
 {
     std::string text = "Exit codes:\n";
     for (const cli::HelpRow& row : ExitCodes()) text += "  " + row.name + "  " + row.description + "\n";
-    text += cli::HelpSection("Environment", EnvironmentVariables(), 80);
+    text += cli::HelpSection("Environment", EnvironmentVariables());
     return text + "\nRun 'ipodctl COMMAND --help' for the arguments and examples of a command.";
 }
 
@@ -286,5 +287,10 @@ Run BuildProgram(CLI::App& app, Options& options, const std::vector<std::string>
                 all.push_back(verb);
             }
     return AddVerbs(app, all);
+}
+
+cli::CommandLine CompleteCommandLine()
+{
+    return [options = std::make_shared<Options>()](CLI::App& app) { BuildProgram(app, *options); };
 }
 }  // namespace ctl

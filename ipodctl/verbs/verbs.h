@@ -2,7 +2,6 @@
 /// The verbs of the command line: their definition, the validators of their arguments, and the table of each subject.
 #pragma once
 
-#include <cli/help.h>
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -91,9 +90,6 @@ struct Options
     ColourUse colours = ColourUse::Auto;
     Settings settings;
 };
-
-const std::vector<cli::HelpRow>& ExitCodes();
-const std::vector<cli::HelpRow>& EnvironmentVariables();
 
 /// Adds the options and commands of ipodctl to an empty parser.
 /// @param options  filled during parsing; must outlive @p app

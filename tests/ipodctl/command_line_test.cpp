@@ -1,5 +1,6 @@
 #include "verbs/verbs.h"
 
+#include <cli/help.h>
 #include <gtest/gtest.h>
 
 #include "verbs/usage.h"
@@ -84,7 +85,7 @@ TEST(UnknownWord, SuggestsTheMostSimilarWord)
 TEST(Help, IsWrappedAndNamesValuesInPlainWords)
 {
     CLI::App app("Does what it does, at such length that the line has to be broken.", "test");
-    app.formatter(std::make_shared<cli::HelpFormatter>(40));
+    cli::FormatHelp(app, 40);
     int number = 3;
     app.add_option("--from", number, "First index")->check(WholeNumber(0))->capture_default_str();
     app.add_option("time", number, "When")->required();

@@ -3,13 +3,20 @@
 /// and the completions share with it.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
 
+namespace CLI
+{
+class App;
+class Option;
+}  // namespace CLI
+
 namespace cli
 {
+/// Columns of the help, unless the terminal is narrower.
+constexpr int kHelpWidth = 80;
+
 /// Converts ASCII letters to upper case.
 std::string Upper(const std::string& text);
 
@@ -50,17 +57,9 @@ struct HelpRow
 };
 
 /// Returns a titled section with wrapped descriptions in a second column; empty without rows.
-std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width);
+std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width = kHelpWidth);
 
-class HelpFormatter : public CLI::FormatterBase
-{
-public:
-    /// @param width  columns to wrap at, clamped to 40..100
-    explicit HelpFormatter(int width);
-
-    std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override;
-
-private:
-    int m_width;
-};
+/// Lets @p app and its subcommands print help in this form.
+/// @param width  columns to wrap at, clamped to 40..100
+void FormatHelp(CLI::App& app, int width = kHelpWidth);
 }  // namespace cli

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cli/help.h>
+#include <cli/program.h>
 
 #include <map>
 #include <string>
@@ -19,5 +20,5 @@ using Tables = std::map<std::string, std::vector<HelpRow>>;
 ///
 /// @param form  "markdown", or "man" for a manual page
 /// @param page  the file of the page
-int MakeReference(const CLI::App& app, const Tables& tables, const std::string& form, const char* page);
+int MakeReference(const CommandLine& commandLine, const Tables& tables, const std::string& form, const char* page);
 }  // namespace cli
