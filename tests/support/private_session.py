@@ -14,6 +14,8 @@ SKIPPED = 77
 # Seconds; generous for an emulator on a busy machine.
 LIMIT = 60
 LIMIT_OF_A_TEST = 240
+# Seconds that a terminated process may take to end.
+PATIENCE = 2
 PRIVATE = "IPOD_PRIVATE_SHM"
 SEGMENTS = ("ListVectorSharedMemory", "BufferVectorSharedMemory")
 needs_private_mount = unittest.skipUnless(os.environ.get(PRIVATE) == "mount", "this machine's own /dev/shm is used")
@@ -82,9 +84,14 @@ class Bus:
 
 
 def stop(process):
-    """Kills a process, if it still runs, and closes its streams."""
-    process.kill()
-    process.wait()
+    """Terminates a process that still runs, or kills it if it does not end, and closes its streams."""
+    process.terminate()
+    process.send_signal(signal.SIGCONT)
+    try:
+        process.wait(PATIENCE)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.wait()
     for stream in (process.stdin, process.stdout, process.stderr):
         if stream:
             stream.close()
