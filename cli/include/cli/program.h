@@ -17,9 +17,8 @@ void Prepare(CLI::App& app, const char* name, const char* summary);
 
 /// Parses the arguments of a program without commands and runs it. Reports invalid arguments, and exceptions that are
 /// derived from std::exception.
-/// @return  what @p run returns; 0 after help or version; 1 if standard output cannot be written or @p run throws; 2
-/// for
-///          invalid arguments
+/// @return  what @p run returns; 0 after help or version; 1 if standard output cannot be written, or @p run throws;
+///          2 if the arguments are invalid
 int RunProgram(int argc, char** argv, const CommandLine& commandLine, const std::function<int()>& run,
                const Nearest& nearest = {});
 
