@@ -36,9 +36,10 @@ def compare_programs(programs, contest, rounds, variants, figures):
 
 
 def memory_of(pid):
-    """Returns the proportional and the private memory of a process, in kilobytes."""
+    """Returns the proportional, the private, and the written memory of a process, in kilobytes."""
     rollup = dict(re.findall(r"^(\w+): +(\d+) kB", Path(f"/proc/{pid}/smaps_rollup").read_text(), re.MULTILINE))
-    return {"proportional": int(rollup["Pss"]), "private": int(rollup["Private_Clean"]) + int(rollup["Private_Dirty"])}
+    return {"proportional": int(rollup["Pss"]), "private": int(rollup["Private_Clean"]) + int(rollup["Private_Dirty"]),
+            "written": int(rollup["Anonymous"])}
 
 
 def measure_clients(programs, figures):
