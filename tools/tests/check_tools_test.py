@@ -342,6 +342,8 @@ class CompareTestLists(Case):
     def test_rejects_a_missing_build(self):
         self.assertEqual(2, self.check(["a"], [])[0])
         self.assertEqual(2, self.check(["a"], ["a_NOT_BUILT"])[0])
+        status, output = self.run_check("compare-test-lists", self.root / "none", self.root / "none", "excluded")
+        self.assertEqual((2, f"compare-test-lists: {self.root}/none is not built\n"), (status, output))
 
 
 if __name__ == "__main__":
