@@ -180,8 +180,8 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${IPOD_PYTHON_DEPENDS}")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-gi)
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Python module of the iPod client library
-Session, state, and commands of the library ipodkit, for programs that
-run the main loop of GLib through python3-gi.")
+Session, state, events, commands, and lists of the library ipodkit, for
+programs that use asyncio, or GLib's main loop through python3-gi.")
 
 # Only in builds with -DIPOD_BUILD_SCREEN=ON.
 if(TARGET ipodqml)
@@ -205,6 +205,6 @@ set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION "doc\nMulti-Arch: foreign")
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DOCUMENTATION_DESCRIPTION "client library of the iPod service (documentation)
 Reference of the headers and of the bus interface, and guides for those who
-use, port and change libipod.")
+use, port, and change libipod.")
 
 include(CPack)
