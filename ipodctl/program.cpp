@@ -33,7 +33,7 @@ int Report(const Options& options, const Failure& failure)
 
 int RunVerb(const Run& run, const Options& options)
 {
-    Output out(options.json, options.colours);
+    Output out(options.json, options.colors);
     Session session(options.settings);
     Context context{session, out};
     const Answer answer = run(context);

@@ -86,13 +86,14 @@ ipodkit::AccessorySessionPtr OpenAccessory(Session& session, Loop& loop, ipodkit
     }
     const Ending ending = loop.Run(request.seconds);
     if (ending == Ending::Interrupted) throw Interrupted{};
-    if (opened == nullptr) throw Failure(kServiceLost, "no session was opened in time", "wait longer with --timeout");
+    if (opened == nullptr)
+        throw Failure(kServiceLost, "no accessory session was opened in time", "wait longer with --timeout");
     return opened;
 }
 
 namespace
 {
-[[noreturn]] void Refuse(const std::string& path, const char* why)
+[[noreturn]] void Refuse(const std::string& path, const std::string& why)
 {
     throw Failure(kUsage, "cannot create the socket '" + Printable(path) + "': " + why);
 }
@@ -101,7 +102,8 @@ sockaddr_un AddressOf(const std::string& path)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.empty() || path.size() >= sizeof(address.sun_path)) Refuse(path, "its path is empty or too long");
+    if (path.empty() || path.size() >= sizeof(address.sun_path))
+        Refuse(path, "expected a path of 1 to " + std::to_string(sizeof(address.sun_path) - 1) + " bytes");
     path.copy(address.sun_path, path.size());
     return address;
 }

@@ -184,7 +184,7 @@ Browser::Done Browser::ReportFailure(const Refusal& refusal)
         const auto self = weak.lock();
         if (self == nullptr) return;
         (*self)->EndWaiting();
-        if (!done && !IsOfNoService(done.error())) (*self)->ShowMessage(ToFailure(done.error(), refusal).what());
+        if (!done && !IsServiceLost(done.error())) (*self)->ShowMessage(ToFailure(done.error(), refusal).what());
     };
 }
 

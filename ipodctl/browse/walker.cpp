@@ -68,7 +68,7 @@ bool AreAscii(const LevelNames& names)
 }
 }  // namespace
 
-bool IsOfNoService(const ipodkit::Error& error)
+bool IsServiceLost(const ipodkit::Error& error)
 {
     return error.kind == ipodkit::ErrorKind::NoService || error.kind == ipodkit::ErrorKind::ServiceLost;
 }
@@ -145,12 +145,12 @@ void Walker::Failed(const ipodkit::Error& error)
 {
     m_moving = false;
     m_reading = false;
-    if (!IsOfNoService(error)) ShowMessage(ToFailure(error).what());
+    if (!IsServiceLost(error)) ShowMessage(ToFailure(error).what());
 }
 
 void Walker::Unreadable(const ipodkit::Error& error)
 {
-    if (!IsOfNoService(error)) m_model.SetUnreadable();
+    if (!IsServiceLost(error)) m_model.SetUnreadable();
     Failed(error);
 }
 

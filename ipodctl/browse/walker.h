@@ -40,8 +40,8 @@ private:
     int m_running = 0;
 };
 
-/// Returns whether @p error is a lost service, which the status line shows already.
-bool IsOfNoService(const ipodkit::Error& error);
+/// Returns whether @p error means that the service is lost, which the status line shows already.
+bool IsServiceLost(const ipodkit::Error& error);
 
 /// The service has one current level for all clients. The walker starts at the root. Before it opens an entry, it
 /// checks that the entry is still in place; if another program has changed the level, it returns along the names of the

@@ -20,10 +20,10 @@ bool IsProgress(const Event& event)
     return std::strcmp(event.name, "progress") == 0;
 }
 
-class Usual : public Presentation
+class DefaultPresentation : public Presentation
 {
 public:
-    explicit Usual(Output& out) : m_out(out) {}
+    explicit DefaultPresentation(Output& out) : m_out(out) {}
 
     void Take(const Event& event, bool wanted) override
     {
@@ -40,7 +40,7 @@ private:
         const std::size_t at = line.find("  " + name);
         if (at == std::string::npos) return line;
         const std::size_t begin = at + 2;
-        return m_out.Paint(Colour::Dim, line.substr(0, at)) + "  " + m_out.Paint(Colour::Cyan, name) +
+        return m_out.Paint(Color::Dim, line.substr(0, at)) + "  " + m_out.Paint(Color::Cyan, name) +
                line.substr(begin + name.size());
     }
 
@@ -104,9 +104,9 @@ private:
 };
 }  // namespace
 
-std::unique_ptr<Presentation> UsualLines(Output& out)
+std::unique_ptr<Presentation> DefaultLines(Output& out)
 {
-    return std::make_unique<Usual>(out);
+    return std::make_unique<DefaultPresentation>(out);
 }
 
 std::unique_ptr<Presentation> FormattedLines(Output& out, const std::string& format)
@@ -126,7 +126,7 @@ using ipodkit::Phase;
 std::unique_ptr<Presentation> PresentationFor(const Following& following, Output& out, Loop& loop)
 {
     if (!following.command.empty()) return CommandRuns(loop, following.command);
-    return following.format.empty() ? UsualLines(out) : FormattedLines(out, following.format);
+    return following.format.empty() ? DefaultLines(out) : FormattedLines(out, following.format);
 }
 
 // With --wait, a missing service is not an error.

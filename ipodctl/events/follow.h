@@ -35,9 +35,9 @@ public:
 };
 
 /// Prints each event in the default format. On a terminal, progress events update a bar in place.
-std::unique_ptr<Presentation> UsualLines(Output& out);
+std::unique_ptr<Presentation> DefaultLines(Output& out);
 
-/// Prints each event by a template.
+/// Formats each event with a template.
 /// @throws Failure  kUsage if the template is invalid
 std::unique_ptr<Presentation> FormattedLines(Output& out, const std::string& format);
 

@@ -15,7 +15,7 @@ namespace ctl
 {
 namespace
 {
-constexpr int kDeepest = 50;
+constexpr int kMaxDepth = 50;
 constexpr char kDescribed[] = "ipodctl(1) describes fields and functions under TEMPLATES";
 constexpr char kAnExpression[] = "a field, a function, a number, or quoted text";
 
@@ -329,7 +329,7 @@ Value Parser::Named(std::size_t place, const std::string& name)
 
 Value Parser::Called(std::size_t place, const std::string& name)
 {
-    if (++m_depth > kDeepest) m_scan.Expected("fewer nested functions");
+    if (++m_depth > kMaxDepth) m_scan.Expected("at most " + std::to_string(kMaxDepth) + " nested functions");
     const FormatFunction& function = Function(place, name);
     std::vector<Value> arguments;
     if (!m_scan.TakeAfterBlanks(")"))

@@ -64,7 +64,7 @@ const char* Hint(ErrorKind kind)
         case ErrorKind::Cancelled:
             return "try again";
         case ErrorKind::Busy:
-            return "end that program, or try again later; 'ipodctl doctor' lists who holds what";
+            return "end that program, or try again later; 'ipodctl doctor' lists the lock holders";
         case ErrorKind::NoSharedMemory:
             return "run 'ipodctl doctor' for a diagnosis";
         default:

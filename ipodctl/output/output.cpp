@@ -27,10 +27,10 @@ bool IsDumb()
     return term != nullptr && std::strcmp(term, "dumb") == 0;
 }
 
-bool WantsColour()
+bool WantsColor()
 {
-    const char* const noColour = std::getenv("NO_COLOR");
-    return noColour == nullptr || *noColour == '\0';
+    const char* const noColor = std::getenv("NO_COLOR");
+    return noColor == nullptr || *noColor == '\0';
 }
 
 // Follows the precedence of setlocale() without loading a locale.
@@ -46,21 +46,21 @@ bool HasUtf8Locale()
     return false;
 }
 
-const char* Code(Colour colour)
+const char* Code(Color color)
 {
-    switch (colour)
+    switch (color)
     {
-        case Colour::Bold:
+        case Color::Bold:
             return "\033[1m";
-        case Colour::Dim:
+        case Color::Dim:
             return "\033[2m";
-        case Colour::Red:
+        case Color::Red:
             return "\033[31m";
-        case Colour::Green:
+        case Color::Green:
             return "\033[32m";
-        case Colour::Yellow:
+        case Color::Yellow:
             return "\033[33m";
-        case Colour::Cyan:
+        case Color::Cyan:
             return "\033[36m";
     }
     return "";
@@ -86,12 +86,11 @@ void ReserveStandardOutput()
     stdout = stderr;
 }
 
-Output::Output(bool json, ColourUse colours)
+Output::Output(bool json, ColorUse colors)
     : m_json(json),
       m_terminal(isatty(STDOUT_FILENO) == 1),
       m_dumb(m_terminal && IsDumb()),
-      m_colour(!json &&
-               (colours == ColourUse::Auto ? m_terminal && !m_dumb && WantsColour() : colours == ColourUse::Always)),
+      m_color(!json && (colors == ColorUse::Auto ? m_terminal && !m_dumb && WantsColor() : colors == ColorUse::Always)),
       m_utf8(m_terminal && HasUtf8Locale())
 {
     Measure();
@@ -106,9 +105,9 @@ void Output::Measure()
     m_height = known ? size.ws_row : kUsualHeight;
 }
 
-std::string Output::Paint(Colour colour, const std::string& text) const
+std::string Output::Paint(Color color, const std::string& text) const
 {
-    return m_colour ? Code(colour) + text + "\033[0m" : text;
+    return m_color ? Code(color) + text + "\033[0m" : text;
 }
 
 void Output::Line(const Json& json, const std::string& text)

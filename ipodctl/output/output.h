@@ -30,7 +30,7 @@ struct OutputClosed
 {
 };
 
-enum class Colour
+enum class Color
 {
     Bold,
     Dim,
@@ -40,7 +40,7 @@ enum class Colour
     Cyan,
 };
 
-enum class ColourUse
+enum class ColorUse
 {
     Auto,  ///< on a terminal other than TERM=dumb, unless NO_COLOR is set
     Always,
@@ -58,8 +58,8 @@ void ReserveStandardOutput();
 class Output
 {
 public:
-    /// @param colours  whether to color text; JSON is never colored
-    explicit Output(bool json, ColourUse colours = ColourUse::Auto);
+    /// @param colors  whether to color text; JSON is never colored
+    explicit Output(bool json, ColorUse colors = ColorUse::Auto);
 
     bool json() const { return m_json; }
     bool terminal() const { return m_terminal; }
@@ -71,7 +71,7 @@ public:
     int width() const { return m_width; }
     int height() const { return m_height; }
 
-    bool colour() const { return m_colour; }
+    bool color() const { return m_color; }
 
     /// Returns whether standard output is a terminal and the locale is UTF-8. Progress bars in piped output are ASCII.
     bool utf8() const { return m_utf8; }
@@ -80,7 +80,7 @@ public:
     void Measure();
 
     /// Returns the text in a color, or unchanged if colors are not used.
-    std::string Paint(Colour colour, const std::string& text) const;
+    std::string Paint(Color color, const std::string& text) const;
 
     /// Writes and flushes one line: @p json or @p text, depending on the output format. Skips empty text.
     /// @throws OutputClosed  if the reader closed standard output
@@ -105,7 +105,7 @@ private:
     bool m_json;
     bool m_terminal;
     bool m_dumb;
-    bool m_colour;
+    bool m_color;
     bool m_utf8;
     bool m_transient = false;
     int m_width = INT_MAX;

@@ -97,10 +97,9 @@ Lines Beside(const Drawing& drawing, const Lines& lines)
 
 Palette PaletteOfTerminal()
 {
-    const char* const colours = std::getenv("COLORTERM");
-    const bool all =
-        colours != nullptr && (std::strcmp(colours, "truecolor") == 0 || std::strcmp(colours, "24bit") == 0);
-    return all ? Palette::TrueColour : Palette::Few;
+    const char* const colors = std::getenv("COLORTERM");
+    const bool all = colors != nullptr && (std::strcmp(colors, "truecolor") == 0 || std::strcmp(colors, "24bit") == 0);
+    return all ? Palette::TrueColor : Palette::Few;
 }
 
 #ifdef IPODCTL_DRAWS
@@ -109,7 +108,7 @@ namespace
 constexpr std::int64_t kMostPixels = 16'000'000;
 constexpr int kLargeEnough = 512;
 // A character cell is about twice as high as it is wide.
-constexpr float kShapeOfCharacter = 0.5F;
+constexpr float kCellAspectRatio = 0.5F;
 
 ChafaCanvasMode ModeFor(Palette palette)
 {
@@ -119,7 +118,7 @@ ChafaCanvasMode ModeFor(Palette palette)
             return CHAFA_CANVAS_MODE_FGBG;
         case Palette::Few:
             return CHAFA_CANVAS_MODE_INDEXED_240;
-        case Palette::TrueColour:
+        case Palette::TrueColor:
             break;
     }
     return CHAFA_CANVAS_MODE_TRUECOLOR;
@@ -204,7 +203,7 @@ Drawing Draw(const ipodkit::Picture& picture, int columns, int rows, Palette pal
     gint width = columns;
     gint height = rows;
     chafa_calc_canvas_geometry(gdk_pixbuf_get_width(pixels.get()), gdk_pixbuf_get_height(pixels.get()), &width, &height,
-                               kShapeOfCharacter, TRUE, FALSE);
+                               kCellAspectRatio, TRUE, FALSE);
     if (width < 1 || height < 1) return {};
     const Canvas canvas = MakeCanvas(width, height, palette, ascii);
     Fill(canvas.get(), pixels.get());

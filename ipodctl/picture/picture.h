@@ -15,7 +15,7 @@ enum class Palette
 {
     None,  ///< characters only
     Few,   ///< the 256 colors of a terminal
-    TrueColour
+    TrueColor
 };
 
 /// Returns the palette that the terminal supports, according to the environment.

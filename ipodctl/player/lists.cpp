@@ -83,7 +83,7 @@ Refusal NoUpdateList()
 
 Refusal NoPage()
 {
-    return {"the service has no page of this level", kCheckDevices};
+    return {"the service did not deliver this level", kCheckDevices};
 }
 
 // Sources differ in the spaces between syllables, so comparisons ignore them.
@@ -232,7 +232,7 @@ Entry FindEntry(Session& session, const std::string& text)
 void CheckIndex(int index, int amount, const std::string& what)
 {
     if (index >= 0 && index < amount) return;
-    const std::string range = amount > 0 ? "has 0 to " + std::to_string(amount - 1) : "is empty";
+    const std::string range = amount > 0 ? "has entries 0 to " + std::to_string(amount - 1) : "is empty";
     throw Failure(kUsage, "index " + std::to_string(index) + " is out of range: " + what + " " + range);
 }
 }  // namespace ctl

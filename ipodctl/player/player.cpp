@@ -131,9 +131,9 @@ struct Expected
     const char* what;
 };
 
-// The last kOfNoWeight fields do not prove that the service works: any text is a valid name, and events report the
+// The last kInconclusive fields do not prove that the service works: any text is a valid name, and events report the
 // position and detections.
-constexpr int kOfNoWeight = 6;
+constexpr int kInconclusive = 6;
 constexpr Expected kAll[] = {
     {Field::Track, "the track"},         {Field::TrackIndex, "its index"},
     {Field::Status, "the state"},        {Field::Shuffle, "shuffle"},
@@ -178,7 +178,7 @@ std::string NotReported(const PlayerState& state)
     const auto isReported = [&state](const Expected& each) { return IsReported(state, each.field); };
     const auto* const first = std::find_if_not(std::begin(kAll), std::end(kAll), isReported);
     if (first == std::end(kAll) || !HasDevice(state)) return {};
-    if (std::none_of(std::begin(kAll), std::prev(std::end(kAll), kOfNoWeight), isReported))
+    if (std::none_of(std::begin(kAll), std::prev(std::end(kAll), kInconclusive), isReported))
         throw ToFailure(WhyNot(state, first->field));
     Lines names;
     for (const Expected& each : kAll)

@@ -51,7 +51,7 @@ std::string ProgressLine(const Status& status, const Output& out, int width)
     const std::string times = Clock(status.position) + " / " + Clock(status.length);
     const int room = std::min(width, kReadableWidth) - Width(times) - 1;
     if (room < kLeastForBar) return Cut(times, width);
-    return out.Paint(Colour::Cyan, ProgressBar(status.position, status.length, room, out.utf8())) + " " + times;
+    return out.Paint(Color::Cyan, ProgressBar(status.position, status.length, room, out.utf8())) + " " + times;
 }
 
 std::string ModesLine(const ipodkit::PlayerState& state, const Output& out, int width)
@@ -61,7 +61,7 @@ std::string ModesLine(const ipodkit::PlayerState& state, const Output& out, int 
                                           QueueText(state), DevicesText(state)},
                                          width),
                                  width);
-    return out.Paint(Colour::Green, line.substr(0, word.size())) + line.substr(std::min(word.size(), line.size()));
+    return out.Paint(Color::Green, line.substr(0, word.size())) + line.substr(std::min(word.size(), line.size()));
 }
 
 std::string BatteryText(const ipodkit::Battery& battery)
@@ -98,7 +98,7 @@ void AddTrack(std::vector<Line>& lines, const Status& status, const Output& out,
     const std::string album = Printable(track.album);
     const std::string title = track.title.empty() ? "(no title)" : Printable(track.title);
     const std::string below = artist + (artist.empty() || album.empty() ? "" : " - ") + album;
-    lines.push_back({0, out.Paint(Colour::Bold, Cut(title, width))});
+    lines.push_back({0, out.Paint(Color::Bold, Cut(title, width))});
     if (!below.empty()) lines.push_back({3, Cut(below, width)});
     lines.push_back({2, ProgressLine(status, out, width)});
 }
@@ -112,7 +112,7 @@ void AddQueue(std::vector<Line>& lines, const Status& status, const Output& out,
         const bool playing = status.state->trackIndex == index;
         const std::string entry = PadLeft(std::to_string(index), digits) + "  " + Printable(status.near[i]);
         const std::string line = Cut((playing ? "> " : "  ") + entry, width);
-        lines.push_back({playing ? 5 : 6, out.Paint(playing ? Colour::Bold : Colour::Dim, line)});
+        lines.push_back({playing ? 5 : 6, out.Paint(playing ? Color::Bold : Color::Dim, line)});
     }
 }
 
@@ -153,7 +153,7 @@ Drawing DrawArt(const Status& status, const Output& out, Art art, int rows)
     const int height = std::min(rows, kMostForArt);
     const int width = std::min(out.width(), kReadableWidth) - kLeastForText;
     if (picture == nullptr || !WantsArt(out, art) || height < kLeastForArt || width < kLeastForArt) return {};
-    const Palette palette = out.colour() ? PaletteOfTerminal() : Palette::None;
+    const Palette palette = out.color() ? PaletteOfTerminal() : Palette::None;
     return Draw(*picture, std::min(width, 2 * kMostForArt), height, palette, out.terminal() && !out.utf8());
 }
 
@@ -196,11 +196,11 @@ namespace
 constexpr double kSecond = 1;
 
 /// Switches to the terminal's alternate screen and hides the cursor. The destructor restores both.
-class OtherScreen
+class AlternateScreen
 {
 public:
-    explicit OtherScreen(Output& out) : m_out(out) { Enter(); }
-    ~OtherScreen()
+    explicit AlternateScreen(Output& out) : m_out(out) { Enter(); }
+    ~AlternateScreen()
     {
         try
         {
@@ -211,8 +211,8 @@ public:
             // The output is unusable, and a destructor cannot report that.
         }
     }
-    OtherScreen(const OtherScreen&) = delete;
-    OtherScreen& operator=(const OtherScreen&) = delete;
+    AlternateScreen(const AlternateScreen&) = delete;
+    AlternateScreen& operator=(const AlternateScreen&) = delete;
 
     void Enter() { m_out.Text("\033[?1049h\033[?25l"); }
     void Leave() { m_out.Text("\033[?25h\033[?1049l"); }
@@ -273,7 +273,7 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
 {
     const SuspendSignal suspend;
     Watcher watcher(context);
-    OtherScreen screen(context.out);
+    AlternateScreen screen(context.out);
     watcher.OnSuspend(suspend,
                       [&]
                       {

@@ -114,8 +114,8 @@ public:
     /// @throws Interrupted  on SIGINT, SIGTERM, or SIGHUP
     ipodkit::Session& Ready();
 
-    /// Keeps other applications from changing the level of the database, or its caller from being disturbed while it
-    /// changes it, until this object is destroyed. Only the first call counts.
+    /// Obtains the lease to read or change the level of the database, and holds it until this object is destroyed:
+    /// other applications cannot change the level meanwhile. Only the first call counts.
     /// @throws Failure  kNothingDone if another process holds the level
     /// @throws Interrupted  on SIGINT, SIGTERM, or SIGHUP
     void HoldLevel(ipodkit::Browsing how);

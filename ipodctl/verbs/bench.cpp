@@ -22,7 +22,7 @@ struct Latency
 };
 
 // Returns the nearest-rank percentile.
-double AtShare(const std::vector<double>& sorted, double share)
+double Percentile(const std::vector<double>& sorted, double share)
 {
     const auto rank = static_cast<std::size_t>(std::ceil(share * static_cast<double>(sorted.size())));
     return sorted[std::clamp<std::size_t>(rank, 1, sorted.size()) - 1];
@@ -45,10 +45,10 @@ void SendRequest(Session& session)
 template <ipodkit::ListKind kind>
 void ReadPage(Session& session)
 {
-    List(session, kind, 1).Names(0, 1, "the service has no page of the list");
+    List(session, kind, 1).Names(0, 1, "the service did not deliver the list");
 }
 
-// The commands that change nothing, in the order of the interface.
+// The read-only commands, in the order of the interface.
 constexpr Command kCommands[] = {
     {"GetCurrentMediaInfo", false, SendRequest<&ipodkit::Commands::CurrentTrack>},
     {"GetPlayPosition", false, SendRequest<&ipodkit::Commands::Position>},
@@ -85,7 +85,7 @@ Latency Measure(Session& session, const Command& command, int count)
         time = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin).count();
     }
     std::sort(times.begin(), times.end());
-    return {times.front(), AtShare(times, 0.5), AtShare(times, 0.99), times.back()};
+    return {times.front(), Percentile(times, 0.5), Percentile(times, 0.99), times.back()};
 }
 
 std::string Number(double microseconds)
@@ -97,14 +97,14 @@ std::string Number(double microseconds)
 
 std::string Introduction(const Request& request)
 {
-    return Count(request.count, "call", "calls") + " of each command that changes nothing" +
+    return Count(request.count, "call", "calls") + " of each read-only command" +
            (request.pages ? ", and of those that fill the shared vectors" : "") + "; microseconds";
 }
 
 Answer Bench(Context& context, const Request& request)
 {
     Json json{{"verb", "bench"}, {"calls", request.count}, {"commands", Json::array()}};
-    std::vector<std::vector<std::string>> rows{{"command", "     least", "       p50", "       p99", "      most"}};
+    std::vector<std::vector<std::string>> rows{{"command", "       min", "       p50", "       p99", "       max"}};
     context.session.Ready();
     for (const Command& command : kCommands)
     {
@@ -135,7 +135,7 @@ Run BuildBench(CLI::App& app)
 
 std::vector<Verb> BenchVerbs()
 {
-    return {{"bench", "Measure the commands that change nothing",
+    return {{"bench", "Measure the latency of read-only commands",
              "ipodctl bench\nipodctl bench --count 1000 --pages\n"
              "ipodctl bench --json | jq '.commands[] | {name, p99_us}'",
              BuildBench}};

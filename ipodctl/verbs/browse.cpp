@@ -60,7 +60,7 @@ Answer Browse(Context& context)
     const SuspendSignal suspend;
     ipodkit::Session& kit = context.session.Kit();
     context.session.HoldLevel(ipodkit::Browsing::Changing);
-    browse::Screen screen(context.out.colour());
+    browse::Screen screen(context.out.color());
     browse::Browser(kit, screen, suspend).Run();
     return {};
 }

@@ -65,7 +65,7 @@ std::size_t EnterPart(Session& session, const std::string& path)
     if (entered.empty()) throw failure;
     const bool atRoot = failure.code() == kNothingDone && rest.substr(0, rest.find('/')) == "..";
     throw Failure(failure.code(), failure.what(),
-                  "the current level is '" + (atRoot ? "/" : Printable(entered)) + "' now");
+                  "the current level is now '" + (atRoot ? "/" : Printable(entered)) + "'");
 }
 
 // Path components are always names, even if they look like numbers.
@@ -175,7 +175,7 @@ std::string Summary(const Page& page, const Output& out)
     text += Count(page.amount, page.folder ? "folder" : "song", page.folder ? "folders" : "songs");
     if (shown < page.amount)
         text += ", " + std::to_string(shown) + " shown; --from N, --count N, or --all for the others";
-    return (shown > 0 ? "\n" : "") + out.Paint(Colour::Dim, Cut(text, out.width()));
+    return (shown > 0 ? "\n" : "") + out.Paint(Color::Dim, Cut(text, out.width()));
 }
 
 Page ReadListing(Session& session, const Listing& listing)
@@ -312,7 +312,7 @@ std::vector<Verb> ListVerbs()
              "ipodctl ls\nipodctl ls --from 100 --count 20\nipodctl ls --index\nipodctl ls --all --names | fzf\n"
              "ipodctl ls --all --json | jq -r '.entries[].name'",
              BuildLs},
-            {"search", "List the entries of the current level that match a text", "ipodctl search zmx", BuildSearch},
+            {"search", "List the entries of the current level that match TEXT", "ipodctl search zmx", BuildSearch},
             {"update-list", "List what a synchronization of the device has changed", "ipodctl update-list",
              BuildUpdateList}};
 }

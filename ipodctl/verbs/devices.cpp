@@ -12,7 +12,7 @@ namespace
 std::vector<std::string> ReadDevices(Session& session)
 {
     List devices(session, ipodkit::ListKind::Devices);
-    return devices.Names(0, devices.Count(), "the service has no list of its devices");
+    return devices.Names(0, devices.Count(), "the service did not deliver the device list");
 }
 
 Answer ShowDevices(Context& context, bool namesOnly)

@@ -67,7 +67,8 @@ Finding ExamineSegment(const SegmentPlan& plan)
     if (!object.isMemory) return {plan.what, kNoSegments, "it exists and is not shared memory", remove};
     const std::string description = Described(object);
     if (object.owner != geteuid())
-        return {plan.what, kNoSegments, description, "run the service and its applications as one user"};
+        return {plan.what, kNoSegments, description + "; this process is user " + std::to_string(geteuid()),
+                "run the service and its applications as one user"};
     const ipodkit::SegmentContents contents = ipodkit::ReadSegment(plan.name);
     const std::string wrong = WhatIsWrongWith(contents);
     if (!wrong.empty()) return {plan.what, kNoSegments, description + "; " + wrong, remove};
@@ -151,13 +152,13 @@ bool IsStopped(pid_t process)
     return false;
 }
 
-// Others may read a shared list for a moment; a lock that stays is that of a browser, or of a stopped process.
+// Others may read a shared list for a moment; a lock that persists belongs to a browser or to a stopped process.
 Finding ExamineLock(const ipodkit::LockHolder& holder)
 {
     const std::string process = std::to_string(holder.process);
     const std::string held = holder.what + " is held by process " + process + " (" + holder.program + ")";
     if (!IsStopped(holder.process)) return {"lock", kDone, held, ""};
-    return {"lock", kNothingDone, held + ", which is stopped", "continue it (kill -CONT " + process + ") or end it"};
+    return {"lock", kNothingDone, held + ", which is stopped", "resume it (kill -CONT " + process + ") or kill it"};
 }
 
 // Probes the segments before connecting to the bus: the probe forks, and GDBus starts threads.
@@ -226,11 +227,11 @@ Json ToJson(const std::vector<Finding>& findings)
 void PaintState(const Output& out, std::vector<std::string>& cells)
 {
     if (cells.size() < 2) return;
-    const Colour colour = cells[1].rfind("ok", 0) == 0        ? Colour::Green
-                          : cells[1].rfind("warning", 0) == 0 ? Colour::Yellow
-                          : cells[1].rfind("error", 0) == 0   ? Colour::Red
-                                                              : Colour::Dim;
-    cells[1] = out.Paint(colour, cells[1]);
+    const Color color = cells[1].rfind("ok", 0) == 0        ? Color::Green
+                        : cells[1].rfind("warning", 0) == 0 ? Color::Yellow
+                        : cells[1].rfind("error", 0) == 0   ? Color::Red
+                                                            : Color::Dim;
+    cells[1] = out.Paint(color, cells[1]);
 }
 
 std::string ToText(const std::vector<Finding>& findings, const Output& out)

@@ -193,7 +193,7 @@ std::vector<Verb> Subverbs()
             {"launch", "Ask the device to start an app", "ipodctl eap launch com.example.app", BuildLaunch},
             {"write", "Send a file or standard input on a session", "echo hello | ipodctl eap write 1 -", BuildWrite},
             {"listen", "Print sessions and the data they receive", "ipodctl eap listen --timeout 60", BuildListen},
-            {"echo", "Open a session, send a text, print the answer", "ipodctl eap echo hello", BuildEcho},
+            {"echo", "Open a session, send text, print the reply", "ipodctl eap echo hello", BuildEcho},
             {"bridge", "Connect a session with standard input/output or a socket",
              "ipodctl eap bridge < request.bin > reply.bin\n"
              "ipodctl eap bridge --socket /tmp/echo.sock --bundle com.example.app",

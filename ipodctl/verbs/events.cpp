@@ -24,7 +24,7 @@ struct Choice
 void AddPresentation(CLI::App& app, Following& following)
 {
     auto* const format = app.add_option("--format", following.format,
-                                        "Print each event by a template such as '{{title}} {{duration(length)}}'; "
+                                        "Format each event with a template such as '{{title}} {{duration(length)}}'; "
                                         "ipodctl(1) lists its fields and functions")
                              ->type_name("TEMPLATE")
                              ->check(NonEmpty());
@@ -39,7 +39,7 @@ void AddPresentation(CLI::App& app, Following& following)
 Run BuildEvents(CLI::App& app)
 {
     const auto choice = Argument<Choice>();
-    app.add_option("event", choice->names, "Only these events; without them, all: " + Joined(EventNames(), ", "))
+    app.add_option("event", choice->names, "Print only these events (default: all): " + Joined(EventNames(), ", "))
         ->check(OneOf(EventNames()));
     AddLimits(app, choice->following.limits, "--count or --until");
     app.add_option("--until", choice->following.limits.until, "End after the first event of this name")

@@ -110,14 +110,16 @@ template <ipodkit::Request<void> (ipodkit::Commands::*wind)() const>
 Run BuildWind(CLI::App& app)
 {
     const auto seconds = Argument<double>(1);
-    app.add_option("seconds", *seconds, "How long to wind")->capture_default_str()->check(Seconds(3600));
+    app.add_option("seconds", *seconds, "How long to fast-forward or rewind")
+        ->capture_default_str()
+        ->check(Seconds(3600));
     return [seconds, verb = app.get_name()](Context& context)
     {
         const ipodkit::Commands commands = context.session.Commands();
         Loop loop;
-        AskOfTrack(context.session, (commands.*wind)(), "the service did not start winding");
+        AskOfTrack(context.session, (commands.*wind)(), "the service did not start fast-forwarding or rewinding");
         const Ending ending = loop.Run(*seconds);
-        context.session.Ask(commands.StopWinding(), "the service did not stop winding");
+        context.session.Ask(commands.StopWinding(), "the service did not stop fast-forwarding or rewinding");
         if (ending == Ending::Interrupted) throw Interrupted{};
         Answer answer = AnswerWithPlaying(context, verb.c_str());
         if (!context.out.json()) answer.text += PositionText(context.session.Ask(commands.Position()));
@@ -173,17 +175,18 @@ Run BuildSeek(CLI::App& app)
 
 std::vector<Verb> TransportVerbs()
 {
-    return {{"play", "Resume playback, or play a song of the current level",
-             "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue Lantern\"", BuildPlay},
-            {"pause", "Pause playback", "ipodctl pause", BuildPause},
-            {"toggle", "Pause playback, or resume it", "ipodctl toggle", BuildToggle},
-            {"stop", "Stop playback", "ipodctl stop", BuildStop},
-            {"next", "Skip to the next track (exit code 1 at the end)", "ipodctl next", BuildNext},
-            {"previous", "Skip to the previous track (exit code 1 at the start)", "ipodctl previous", BuildPrevious},
-            {"seek", "Move within the playing track",
-             "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek},
-            {"ff", "Fast-forward for a time", "ipodctl ff\nipodctl ff 2.5", BuildWind<&ipodkit::Commands::FastForward>},
-            {"rw", "Rewind for a time", "ipodctl rw\nipodctl rw 2.5", BuildWind<&ipodkit::Commands::FastBackward>}};
+    return {
+        {"play", "Resume playback, or play a song of the current level",
+         "ipodctl play\nipodctl cd /Songs && ipodctl play 3\nipodctl play \"Blue Lantern\"", BuildPlay},
+        {"pause", "Pause playback", "ipodctl pause", BuildPause},
+        {"toggle", "Pause playback, or resume it", "ipodctl toggle", BuildToggle},
+        {"stop", "Stop playback", "ipodctl stop", BuildStop},
+        {"next", "Skip to the next track (exit code 1 at the end)", "ipodctl next", BuildNext},
+        {"previous", "Skip to the previous track (exit code 1 at the start)", "ipodctl previous", BuildPrevious},
+        {"seek", "Move within the playing track",
+         "ipodctl seek 90\nipodctl seek 1:30\nipodctl seek +10\nipodctl seek -10", BuildSeek},
+        {"ff", "Fast-forward for a while", "ipodctl ff\nipodctl ff 2.5", BuildWind<&ipodkit::Commands::FastForward>},
+        {"rw", "Rewind for a while", "ipodctl rw\nipodctl rw 2.5", BuildWind<&ipodkit::Commands::FastBackward>}};
 }
 
 namespace
@@ -270,7 +273,7 @@ Queue ReadQueue(Session& session, const QueueRange& range)
     const int amount = list.Count();
     if (range.from > 0) CheckIndex(range.from, amount, "the playing list");
     const int end = range.from + std::min(range.count, std::max(0, amount - range.from));
-    return {playing, amount, range.from, list.Names(range.from, end, "the service has no page of the playing list")};
+    return {playing, amount, range.from, list.Names(range.from, end, "the service did not deliver the playing list")};
 }
 
 Json QueueJson(const Queue& queue)
@@ -294,7 +297,7 @@ std::string QueueText(const Queue& queue, const Output& out)
                  [&](std::size_t row, std::vector<std::string>& cells)
                  {
                      for (std::string& cell : cells)
-                         if (static_cast<int>(row) == playing) cell = out.Paint(Colour::Bold, cell);
+                         if (static_cast<int>(row) == playing) cell = out.Paint(Color::Bold, cell);
                  });
 }
 

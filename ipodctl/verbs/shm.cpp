@@ -53,18 +53,18 @@ Json ToJson(const std::string& segment, const SegmentObject& object, const Segme
 std::string ToText(const std::string& segment, const SegmentObject& object, const SegmentContents& contents,
                    const Output& out)
 {
-    std::string text = out.Paint(Colour::Bold, segment);
+    std::string text = out.Paint(Color::Bold, segment);
     if (object.exists)
         text += ": " + std::to_string(object.size) + " bytes, " + std::to_string(contents.free) + " free, mode " +
                 ModeText(object.mode) + ", owner " + std::to_string(object.owner);
-    if (!contents.problem.empty()) return text + ": " + out.Paint(Colour::Red, Printable(contents.problem));
+    if (!contents.problem.empty()) return text + ": " + out.Paint(Color::Red, Printable(contents.problem));
     std::vector<std::vector<std::string>> rows;
     for (const VectorContents& vector : contents.vectors)
         rows.push_back({"  " + vector.name, PadLeft(std::to_string(vector.elements), 7),
                         KindIn(segment) + (", room for " + std::to_string(vector.capacity)), vector.problem});
     const auto paint = [&out](std::size_t, std::vector<std::string>& cells)
     {
-        if (cells.size() > 3) cells[3] = out.Paint(Colour::Red, cells[3]);
+        if (cells.size() > 3) cells[3] = out.Paint(Color::Red, cells[3]);
     };
     return text + "\n" + Table(rows, out.width(), paint);
 }

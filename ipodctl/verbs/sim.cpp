@@ -141,7 +141,7 @@ const std::vector<SimAction>& SimActions()
 }
 
 // Returns the size limit of a scenario in bytes.
-std::size_t MostOfScenario()
+std::size_t MaxScenarioBytes()
 {
     return ScenarioSchema()["x-most-bytes"];
 }
@@ -163,7 +163,7 @@ Json ToSimValue(const SimAction& action, const std::vector<std::string>& words)
         if (value.contains(name)) throw Failure(kUsage, name + ": can be given only once", help);
         value[name] = ToFieldValue(action.fields[name], alone ? word : word.substr(equals + 1));
     }
-    if (value.is_null() && action.needsFields) throw Failure(kUsage, "missing field", help);
+    if (value.is_null() && action.needsFields) throw Failure(kUsage, "missing argument: field", help);
     return value;
 }
 
@@ -307,7 +307,7 @@ Run BuildScenario(CLI::App& app)
     app.add_option("file", *file, "File with the scenario, - for standard input")->required();
     return [file](Context& context) -> Answer
     {
-        const auto bytes = ReadFile(*file, MostOfScenario());
+        const auto bytes = ReadFile(*file, MaxScenarioBytes());
         const std::string text(bytes.begin(), bytes.end());
         if (text.find('\0') != std::string::npos ||
             g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)

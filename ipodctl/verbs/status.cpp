@@ -84,7 +84,7 @@ void Warn(const std::string& text)
     if (!text.empty()) std::fprintf(stderr, "ipodctl: %s\n", Printable(text).c_str());
 }
 
-// Prints one line by a template, with the same fields as 'ipodctl events --format'.
+// Prints one line formatted with a template, with the same fields as 'ipodctl events --format'.
 Answer ShowLine(Context& context, const StatusOptions& options)
 {
     if (context.out.json()) throw Failure(kUsage, "--json cannot be used with --format");
@@ -131,7 +131,7 @@ Run BuildStatus(CLI::App& app)
     watch->excludes(listen);
     auto* const keys = AddKeys(app, options);
     keys->excludes(watch);
-    app.add_option("--format", options->format, "Print one line by a template, as 'ipodctl events' does")
+    app.add_option("--format", options->format, "Print one line formatted with a template, as in 'ipodctl events'")
         ->check(NonEmpty())
         ->excludes(watch)
         ->excludes(keys);

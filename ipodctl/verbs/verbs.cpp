@@ -211,14 +211,14 @@ void AddOptions(CLI::App& app, Options& options)
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.add_flag("--json", options.json, "Print JSON, one object per line (ipodctl.schema.json)");
     app.add_flag("--verbose", options.settings.verbose, "Print every request and the library's log on standard error");
-    app.add_option("--deadline", options.settings.deadline, "Time to wait for an answer of the service (default: 10)")
+    app.add_option("--deadline", options.settings.deadline, "Time to wait for a reply from the service (default: 10)")
         ->check(Seconds(86400));
     app.add_option_function<std::string>(
            "--color",
            [&options](const std::string& when) {
-               options.colours = when == "always"  ? ColourUse::Always
-                                 : when == "never" ? ColourUse::Never
-                                                   : ColourUse::Auto;
+               options.colors = when == "always"  ? ColorUse::Always
+                                : when == "never" ? ColorUse::Never
+                                                  : ColorUse::Auto;
            },
            "Color the text; auto: on a terminal, unless NO_COLOR is set (default: auto)")
         ->check(OneOf({"auto", "always", "never"}));
@@ -246,10 +246,10 @@ const std::vector<cli::HelpRow>& EnvironmentVariables()
 {
     static const std::vector<cli::HelpRow> variables{
         {"DBUS_SESSION_BUS_ADDRESS", "The session bus"},
-        {"NO_COLOR", "Print no colors if set, except with --color always"},
+        {"NO_COLOR", "Disables colors if set, except with --color always"},
         {"QBX_LOG",
          "Log records of this level and above: LEVEL (to standard error) or LEVEL:FILE, such as DEBUG:/tmp/log"},
-        {"QBX_SOURCE_REFUSE", "Code with which the stand-in audio-source manager refuses requests"}};
+        {"QBX_SOURCE_REFUSE", "Error code that the stand-in audio-source manager returns for every request"}};
     return variables;
 }
 
@@ -258,7 +258,7 @@ std::vector<Verb> HelpVerbs()
     const auto build = [](CLI::App& app) -> Run
     {
         const auto words = Argument<std::vector<std::string>>();
-        app.add_option("command", *words, "Command, with the one inside it if there is one");
+        app.add_option("command", *words, "Command, followed by its subcommand if any");
         return [words, root = app.get_parent()](Context& context) -> Answer
         {
             const CLI::App* command = root;

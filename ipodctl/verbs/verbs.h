@@ -87,7 +87,7 @@ Verb SimCallsVerb();                    ///< calls, below sim
 struct Options
 {
     bool json = false;
-    ColourUse colours = ColourUse::Auto;
+    ColorUse colors = ColorUse::Auto;
     Settings settings;
 };
 
