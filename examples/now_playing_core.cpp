@@ -48,7 +48,7 @@ int main()
     IQBXIpodPlayer* const player = QBX_GetIpodPlayer();
     if (!player->InitInstance())
     {
-        std::fprintf(stderr, "the service is not there\n");
+        std::fprintf(stderr, "the iPod service is not running\n");
         return 1;
     }
     Screen screen(*player);

@@ -30,7 +30,7 @@ int main()
     try
     {
         const bool passed = Passes();
-        std::printf("%s\n", passed ? "as it should be" : "something is wrong");
+        std::printf("%s\n", passed ? "passed" : "failed");
         return passed ? 0 : 1;
     }
     catch (const std::exception& error)

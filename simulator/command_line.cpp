@@ -117,9 +117,10 @@ void AddOptions(CLI::App& app, Arguments& arguments)
                    "Run the timed actions in a JSON file once everything is ready")
         ->type_name("FILE")
         ->check(CheckNotEmpty);
-    app.add_option("--fault", arguments.faults,
-                   "Inject a fault: KIND[=PARAMETER][@MEMBER][/COUNT]. MEMBER is a method or signal, by default every "
-                   "one that the kind fits; COUNT is how often, by default always. May be repeated")
+    app.add_option(
+           "--fault", arguments.faults,
+           "Inject a fault: KIND[=PARAMETER][@MEMBER][/COUNT]. MEMBER is a method or signal, by default every "
+           "one that the kind fits; COUNT limits how many times it applies, by default without limit. May be repeated")
         ->type_name("FAULT")
         ->check(CheckFault)
         ->allow_extra_args(false);

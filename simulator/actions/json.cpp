@@ -18,7 +18,7 @@ std::string Shown(const Json& value)
 }
 
 // Removes the exception ID from "[json.exception...] parse error at line 2, column 5: reason".
-std::string ForPeople(const std::string& message)
+std::string WithoutExceptionId(const std::string& message)
 {
     const std::size_t line = message.find("line ");
     std::string text = line == std::string::npos ? message : message.substr(line);
@@ -55,7 +55,7 @@ public:
     {
         constexpr int kNumberTooLarge = 406;
         if (error.id == kNumberTooLarge) Throw("expected a number within range, got " + token);
-        throw InvalidInput(ForPeople(error.what()));
+        throw InvalidInput(WithoutExceptionId(error.what()));
     }
 
     Json document;

@@ -38,10 +38,10 @@ Scenario ToScenario(const Json& document)
 }
 
 // A running scenario. Only its next step is in the agenda: a long agenda slows everything else down.
-class Course : public std::enable_shared_from_this<Course>
+class ScenarioRun : public std::enable_shared_from_this<ScenarioRun>
 {
 public:
-    Course(Service& service, Scenario scenario) : m_service(service), m_scenario(std::move(scenario)) {}
+    ScenarioRun(Service& service, Scenario scenario) : m_service(service), m_scenario(std::move(scenario)) {}
 
     void WaitForNext()
     {
@@ -95,7 +95,7 @@ Scenario ParseScenario(const std::string& json)
 
 void StartScenario(Service& service, Scenario scenario)
 {
-    std::make_shared<Course>(service, std::move(scenario))->WaitForNext();
+    std::make_shared<ScenarioRun>(service, std::move(scenario))->WaitForNext();
 }
 
 Json Do(Service& service, const std::string& json)

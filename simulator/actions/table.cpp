@@ -170,10 +170,11 @@ std::vector<Action> EapActions()
 std::vector<Action> FaultActions()
 {
     return {
-        {"fault", "Inject a fault", "a reply or a signal is falsified", "fault delay=500@GetPlayStatus/3",
+        {"fault", "Inject a fault", "no signal; replies or signals are delayed, dropped, or corrupted",
+         "fault delay=500@GetPlayStatus/3",
          Fields(Required(Plain("fault", FieldType::Fault, "The fault, as KIND[=PARAMETER][@MEMBER][/COUNT]"))),
          StepValue::Required, effects::ArmFault},
-        {"clear-faults", "Remove all injected faults", "a restart storm ends, too", "clear-faults", Fields(),
+        {"clear-faults", "Remove all injected faults", "no signal; also ends a restart storm", "clear-faults", Fields(),
          StepValue::Optional, effects::ClearFaults},
     };
 }

@@ -36,7 +36,7 @@ struct KindRow
 constexpr std::uint32_t kLongestRecord = 1U << 20U;
 
 constexpr KindRow kKinds[] = {
-    {"delay", FaultKind::Delay, Parameter::Number, "Delay the reply, by default for 1000 ms", "MILLISECONDS"},
+    {"delay", FaultKind::Delay, Parameter::Number, "Delay the reply, by default by 1000 ms", "MILLISECONDS"},
     {"no-reply", FaultKind::NoReply, Parameter::None, "Drop the reply or the signal"},
     {"error", FaultKind::Error, Parameter::ErrorName, "Reply with an error of that name", "NAME"},
     {"wrong-type", FaultKind::WrongType, Parameter::None, "Send a type other than the interface's"},
@@ -93,13 +93,13 @@ bool IsErrorName(const std::string& text)
 void CheckParameter(const KindRow& row, const std::string& parameter)
 {
     if (parameter.empty()) return;
-    if (row.parameter == Parameter::None) Refuse(row, "no parameter");
+    if (row.parameter == Parameter::None) Refuse(row, "no parameter, got '" + parameter + "'");
     if (row.parameter == Parameter::Number && ToNumber(parameter, row.most) == std::nullopt)
         Refuse(row, "an integer between 0 and " + std::to_string(row.most) + ", got '" + parameter + "'");
     if (row.parameter == Parameter::ErrorName && !IsErrorName(parameter))
-        Refuse(row, "an error name such as com.example.Error.Busy");
+        Refuse(row, "an error name such as com.example.Error.Busy, got '" + parameter + "'");
     if (row.parameter == Parameter::Segment && parameter != "lists" && parameter != "buffers")
-        Refuse(row, "lists or buffers");
+        Refuse(row, "lists or buffers, got '" + parameter + "'");
 }
 
 void CheckMember(const KindRow& row, const std::string& member)

@@ -37,7 +37,7 @@ struct Fault
     std::string member;  ///< method or signal; empty for all that the kind fits
     FaultKind kind = FaultKind::Delay;
     std::string parameter;
-    unsigned count = 0;  ///< how often it applies; 0 until cleared
+    unsigned count = 0;  ///< how many times it applies; 0 until cleared
 
     /// The parameter as a number; @p whenEmpty if there is none.
     std::uint32_t Number(std::uint32_t whenEmpty) const;

@@ -59,7 +59,7 @@ FileMark MarkOf(const struct stat& status)
 }
 
 // These contain no music, may be endless, and their entries vanish while they are read.
-bool IsMadeUpByTheKernel(const std::string& folder)
+bool IsVirtualFileSystem(const std::string& folder)
 {
     constexpr std::uint32_t kTypes[] = {PROC_SUPER_MAGIC,   SYSFS_MAGIC,         DEBUGFS_MAGIC,
                                         TRACEFS_MAGIC,      SECURITYFS_MAGIC,    BPF_FS_MAGIC,
@@ -90,7 +90,7 @@ public:
     void Read(const std::string& path, const struct stat& status)
     {
         if (!m_seen.emplace(status.st_dev, status.st_ino).second) return;
-        if (IsMadeUpByTheKernel(path)) return Skip(path, "a virtual file system");
+        if (IsVirtualFileSystem(path)) return Skip(path, "a virtual file system");
         m_ended = m_ended || (m_enter && !m_enter(path));
         if (m_ended) return;
         const std::size_t folder = m_scan.folders.size();

@@ -22,7 +22,7 @@ struct Note
 };
 
 // A random number between 0 and count - 1.
-int Throw(std::mt19937& random, unsigned count)
+int RandomBelow(std::mt19937& random, unsigned count)
 {
     return static_cast<int>(random() % count);
 }
@@ -61,8 +61,8 @@ void AddMelody(std::vector<float>& samples, std::mt19937& random, double root, d
     int step = 5;
     for (double at = 0; at < end; at += beat / 2)
     {
-        step = std::clamp(step + Throw(random, 5) - 2, 2, 13);
-        if (Throw(random, 4) != 0) Add(samples, {at, 1.6, Pitch(root, step), 0.22});
+        step = std::clamp(step + RandomBelow(random, 5) - 2, 2, 13);
+        if (RandomBelow(random, 4) != 0) Add(samples, {at, 1.6, Pitch(root, step), 0.22});
     }
 }
 
@@ -86,8 +86,8 @@ std::vector<float> Melody(unsigned seed, int seconds)
 {
     std::mt19937 random(seed);
     std::vector<float> samples(static_cast<std::size_t>(seconds) * kSampleRate);
-    const double root = 196.0 * std::pow(2.0, Throw(random, 7) / 12.0);
-    const double beat = 0.42 + 0.03 * Throw(random, 6);
+    const double root = 196.0 * std::pow(2.0, RandomBelow(random, 7) / 12.0);
+    const double beat = 0.42 + 0.03 * RandomBelow(random, 6);
     AddMelody(samples, random, root, beat);
     AddBass(samples, root, beat);
     Fade(samples);

@@ -78,7 +78,7 @@ std::string Bus::OwnerOf(const char* name) const
         g_dbus_connection_call_sync(Connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                     "org.freedesktop.DBus", "GetConnectionUnixProcessID", g_variant_new("(s)", name),
                                     G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    if (reply == nullptr) return "somebody";
+    if (reply == nullptr) return "an unknown process";
     guint32 process = 0;
     g_variant_get(reply, "(u)", &process);
     g_variant_unref(reply);

@@ -24,7 +24,7 @@ namespace
 namespace bip = boost::interprocess;
 
 // Whether the segment's creation has begun but not finished: its first word is 0 or 1 until then.
-bool HalfMade(const char* name)
+bool IsHalfCreated(const char* name)
 {
     const int object = shm_open(name, O_RDONLY | O_NONBLOCK, 0);
     if (object < 0) return false;
@@ -39,9 +39,9 @@ constexpr int kTries = 3000;
 constexpr auto kBetween = std::chrono::milliseconds(1);
 
 // Boost would wait forever for a dead creator.
-void WaitUntilMade(const char* name)
+void WaitUntilCreated(const char* name)
 {
-    for (int tries = 0; HalfMade(name); ++tries)
+    for (int tries = 0; IsHalfCreated(name); ++tries)
     {
         if (tries == kTries) throw std::runtime_error("its creator never finished it");
         std::this_thread::sleep_for(kBetween);
@@ -59,7 +59,7 @@ void CheckLength(const QBXSharedSegment& segment, const char* name)
     const std::size_t size = segment.get_size();
     const bool fits = stat(file.c_str(), &status) == 0 && size <= static_cast<std::size_t>(status.st_size);
     if (!fits || size < sizeof(QBXSharedSegment::segment_manager))
-        throw std::runtime_error("it is damaged or was made for another word size");
+        throw std::runtime_error("it is damaged or was created with a different word size");
 }
 
 // Boost would wait ten seconds for a lock in the segment and give no useful reason.
@@ -74,21 +74,21 @@ void WaitUntilUnlocked(QBXSharedSegment& segment)
 }
 
 // The error is not caused by a segment: removing one would not help.
-class OfTheMachine : public std::runtime_error
+class SystemError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-bool IsOfTheMachine(int error)
+bool IsSystemError(int error)
 {
     return error == EROFS || error == ENOSPC || error == ENOMEM || error == EMFILE || error == ENFILE;
 }
 
 [[noreturn]] void ThrowNoRoom(std::uint64_t bytes)
 {
-    throw OfTheMachine("no space for its " + std::to_string(bytes) +
-                       " bytes\nhint: free space in /dev/shm and start again");
+    throw SystemError("no space for its " + std::to_string(bytes) +
+                      " bytes\nhint: free space in /dev/shm and start again");
 }
 
 // Writing to a page that cannot be allocated raises SIGBUS, and Boost writes when it creates.
@@ -131,13 +131,13 @@ void ReservePages(const char* name)
 [[noreturn]] void FailInBoost(const char* name, const bip::interprocess_exception& error)
 {
     const int number = error.get_native_error();
-    if (IsOfTheMachine(number)) throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
+    if (IsSystemError(number)) throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
     Fail(name, number != 0 ? error.what() : std::string("it is damaged (") + error.what() + ")");
 }
 
 QBXSharedSegment Open(const char* name, std::size_t size)
 {
-    WaitUntilMade(name);
+    WaitUntilCreated(name);
     RequireRoom(name, size);
     bip::permissions mode;
     mode.set_permissions(0644);
@@ -158,7 +158,7 @@ QBXSharedSegment Attach(const char* name, std::size_t size)
     {
         FailInBoost(name, error);
     }
-    catch (const OfTheMachine& error)
+    catch (const SystemError& error)
     {
         throw std::runtime_error(std::string("shared memory ") + name + ": " + error.what());
     }
