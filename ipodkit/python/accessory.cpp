@@ -38,11 +38,11 @@ void BindAccessorySession(py::module_& module)
     py::class_<AccessorySession, AccessorySessionPtr>(module, "AccessorySession", kPeerDoc)
         .def_property_readonly("number", &AccessorySession::Number, "The session's number.")
         .def_property_readonly("protocol", &AccessorySession::Protocol, "Index of its protocol in the announced list.")
-        .def_property_readonly("is_open", &AccessorySession::IsOpen, "False once it is closed, and from then on.")
+        .def_property_readonly("is_open", &AccessorySession::IsOpen, "False once the session is closed.")
         .def_property_readonly("waiting", &AccessorySession::Waiting, "Bytes accepted by write() and not sent yet.")
         .def("write", Write, py::arg("data"),
              "Sends bytes after those of earlier writes; done when the service has accepted the last one. Raises Busy "
-             "unless has_room_for() it, and Cancelled when the session is closed.")
+             "if has_room_for() is False for its size, and Cancelled when the session is closed.")
         .def("has_room_for", &AccessorySession::HasRoomFor, py::arg("count"),
              "Whether write() accepts this many bytes now.")
         .def(

@@ -10,7 +10,7 @@ namespace
 {
 constexpr char kSourceDoc[] =
     "One of the head unit's two iPod audio sources, 0 or 1, from request to release. Use it on the "
-    "thread of the session's loop. Report what the audio-source manager did with activated() and "
+    "thread of the session's loop. Report the audio-source manager's decisions by calling activated() and "
     "deactivated().";
 
 Owned<AudioSource> OpenSource(const SessionHandle& session, int number)
@@ -31,7 +31,7 @@ void Ask(AudioSource& source)
 void BindTransition(py::module_& module)
 {
     py::enum_<AudioState>(module, "AudioState")
-        .value("RELEASED", AudioState::Released, "Not ours.")
+        .value("RELEASED", AudioState::Released, "Not granted to this application.")
         .value("GRANTED", AudioState::Granted, "Granted by the manager, not active yet.")
         .value("ACTIVE", AudioState::Active, "Active: playback may start.")
         .value("PLAYING", AudioState::Playing, "Playback was started.")
@@ -51,9 +51,8 @@ void BindAudioSource(py::module_& module)
         .def(py::init(&OpenSource), py::arg("session"), py::arg("number"))
         .def_property_readonly("state", &AudioSource::State, "The current AudioState.")
         .def("request", Ask,
-             "Requests the source from the manager. Raises Refused with its code, NoService before the session was "
-             "ready "
-             "once, and BadArgument for a number other than 0 and 1.")
+             "Requests the source from the manager. Raises Refused with its code, NoService if the session has never "
+             "been ready, and BadArgument for a number other than 0 and 1.")
         .def(
             "activated", &AudioSource::Activated, py::arg("confirmation"), Unlock(),
             "Report that the manager activated the source. confirmation: the manager's value, which is returned to it.")

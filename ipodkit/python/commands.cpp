@@ -62,8 +62,9 @@ void BindQuestions(Class& commands)
         .def("playing_index", Making(&Commands::PlayingIndex))
         .def("playing_count", Making(&Commands::PlayingCount))
         .def("artwork", Making(&Commands::Artwork),
-             "The artwork of the playing track, of any size: an ArtworkChanged, whose available is False without any. "
-             "Raises NoSharedMemory before the session was ready once.");
+             "The artwork of the playing track, of any size: an ArtworkChanged, whose available is False if there is "
+             "none. "
+             "Raises NoSharedMemory if the session has never been ready.");
 }
 
 void BindDatabase(Class& commands)

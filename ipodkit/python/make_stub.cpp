@@ -173,7 +173,7 @@ int main(int argc, char** argv)
     PrintClass<PlayerState>();
     PrintProperty("version", "int", "Increases by 1 with each published state");
     PrintProperty("phase", "Phase", "State of the connection to the service");
-    PrintProperty("generation", "int", "How often the service has appeared");
+    PrintProperty("generation", "int", "Number of times the service has appeared");
     PrintProperty("remembered", "frozenset[Field]", "The fields that are known only from the companion daemon");
     std::cout << "    def why(self, field: Field) -> Unknown | None: ...\n";
     return std::cout.flush() ? 0 : 1;

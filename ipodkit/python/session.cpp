@@ -71,7 +71,8 @@ py::object BindEvent(py::module_& module)
         type.def_readonly("available", &ArtworkChanged::available, "Whether the track has artwork.")
             .def_property_readonly(
                 "picture", [](const ArtworkChanged& event) { return ToObject(event.picture); },
-                "The image, a Picture; None without any, and in events when it exceeds the session's artwork_limit.");
+                "The image, a Picture; None if there is none, and in events when it exceeds the session's "
+                "artwork_limit.");
     return std::move(type);
 }
 
@@ -104,7 +105,7 @@ void BindConnection(py::module_& module)
 {
     py::class_<Connection>(module, "Connection", "State of the connection to the service.")
         .def_readonly("phase", &Connection::phase)
-        .def_readonly("generation", &Connection::generation, "How often the service has appeared.")
+        .def_readonly("generation", &Connection::generation, "Number of times the service has appeared.")
         .def_property_readonly("error", ErrorOf, "The Error that prevents a connection, or None.");
     py::class_<OwnedSubscription>(module, "Subscription",
                                   "Ends with end(), or with a ResourceWarning when it is garbage-collected.")

@@ -20,7 +20,7 @@ void BindPlayerState(py::module_& module)
     BindRows<PlayerState, std::shared_ptr<PlayerState>>(module)
         .def_readonly("version", &PlayerState::version, "Increases by 1 with each published state.")
         .def_readonly("phase", &PlayerState::phase, "State of the connection to the service.")
-        .def_readonly("generation", &PlayerState::generation, "How often the service has appeared.")
+        .def_readonly("generation", &PlayerState::generation, "Number of times the service has appeared.")
         .def_property_readonly(
             "remembered", [](const PlayerState& state) { return ToPython(state.remembered); },
             "The fields that are known only from the companion daemon.")

@@ -53,7 +53,7 @@ public:
     bool IsOpen() const;             ///< false once it is closed, for good
 
     /// Sends bytes, after those of the writes started before. Completes when the service has accepted the last byte.
-    /// Each chunk has the session's deadline; Within() limits the whole.
+    /// Each chunk has the deadline of SessionOptions; Within() limits the whole write.
     ///
     /// ErrorKind::Busy when HasRoomFor() was false at the start: nothing was queued. ErrorKind::Cancelled when the
     /// session is closed. After any other error all queued writes complete with that error; later writes are sent, and

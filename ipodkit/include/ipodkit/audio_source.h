@@ -1,5 +1,5 @@
 /// @file
-/// One of the head unit's two iPod audio sources, from request to release: the right to be heard.
+/// One of the head unit's two iPod audio sources, from request to release.
 ///
 ///     AudioSource source(session, 0);
 ///     source.Request();                    // asks the audio-source manager
@@ -10,7 +10,7 @@
 /// calls Activated() and Deactivated(). Playback that the manager interrupted resumes when it activates the source
 /// again.
 ///
-/// **Context thread only**, except for Play(). Operations call the audio-source manager, and block until it returns.
+/// **Context thread only**, except for Play(). Operations that call the audio-source manager block until it returns.
 #pragma once
 
 #include <ipodkit/session.h>

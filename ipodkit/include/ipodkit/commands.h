@@ -1,7 +1,7 @@
 /// @file
-/// The commands of the service, with real results. Each returns a Request: nothing is sent before Start(), Future() or
-/// Wait(). Where the service answers "false", the result is ErrorKind::Refused. Where a command documents a range,
-/// other values are ErrorKind::BadArgument, and nothing is sent.
+/// The commands of the service, with real results. Each returns a Request: nothing is sent before Start(),
+/// Future(), Wait(), or co_await. Where the service answers "false", the result is ErrorKind::Refused. Where a command
+/// documents a range, other values are ErrorKind::BadArgument, and nothing is sent.
 ///
 /// For pages of lists use Pager, for accessory bytes AccessorySession, and to request an audio source AudioSource.
 #pragma once
@@ -84,7 +84,7 @@ public:
 
     /// @name Playback
     /// @{
-    Request<void> StartPlayback(PlayOption option) const;       ///< AudioSource::Play() checks the source first
+    Request<void> StartPlayback(PlayOption option) const;       ///< starts playback without checking the audio source
     Request<void> Pause() const;                                ///< pauses playback
     Request<void> Stop() const;                                 ///< stops playback
     Request<void> Next() const;                                 ///< skips to the next track
@@ -135,7 +135,7 @@ public:
     Request<void> EnterDevice(int index) const;  ///< from 0; all pagers drop their pages, and the state is read again
     Request<std::string> IpodName() const;       ///< the name that its owner gave the device
     Request<std::string> ForegroundApp() const;  ///< bundle identifier; empty if no app is in the foreground
-    Request<void> LaunchApp(const std::string& bundleId) const;        ///< UTF-8 without NUL, at most 1 MiB
+    Request<void> LaunchApp(const std::string& bundleId) const;        ///< starts an app; UTF-8, no NUL, at most 1 MiB
     Request<CarPlayDevice> CarPlayStatus() const;                      ///< the detected CarPlay device
     Request<DeviceStatus> CarLifeStatus() const;                       ///< whether a CarLife device is detected
     Request<void> NotifyCarPlay(bool connected, bool wireless) const;  ///< reports the state of the CarPlay session

@@ -1,6 +1,6 @@
 /// @file
-/// Results and errors. Failures of the service, the bus, or the system are returned as a Result. An index that was
-/// never valid is a programming error, and throws. All of it may be used on any thread.
+/// Results and errors. Failures of the service, the bus, or the system are returned as a Result. Only
+/// programming errors throw: Page::At() with an index outside the page, Known::value() of an unknown value. Any thread.
 #pragma once
 
 #include <string>

@@ -55,7 +55,7 @@ struct Rows<PlayStatusChanged>
     };
 };
 
-/// Playback advanced. Emitted several times a second while something plays.
+/// Playback advanced. The contract fixes no rate; the simulator sends two a second.
 struct ProgressChanged
 {
     std::chrono::milliseconds position{};

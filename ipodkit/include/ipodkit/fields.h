@@ -24,7 +24,7 @@ struct Row
 {
     const char* name;  ///< in lower case, with underscores; empty for a struct whose fields are merged into this one's
     Get get;           ///< for std::invoke
-    const char* unit;  ///< "ms", "s", "px", "bytes", "%", "hex" for raw bytes; empty for texts and counts
+    const char* unit;  ///< "us", "ms", "s", "px", "bytes", "%", "hex" for raw bytes; empty for texts and counts
     const char* meaning;  ///< one sentence without a full stop
 };
 template <class Get>

@@ -125,7 +125,7 @@ struct PlayerState
 {
     std::uint64_t version = 0;  ///< incremented with each published state
     Phase phase = Phase::Absent;
-    std::uint32_t generation = 0;  ///< how often the service has appeared
+    std::uint32_t generation = 0;  ///< number of times the service has appeared
     std::string service;           ///< unique bus name of the service that the values come from; empty before the first
     std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing
     Fields missing;                ///< not answered within the deadline, but still awaited; Phase::Ready only
@@ -152,7 +152,7 @@ struct PlayerState
     Known<std::string> foregroundApp;        ///< bundle identifier; empty if no app is in the foreground
     Known<Battery> battery;                  ///< charge and charging status
     std::map<std::string, PhoneCall> calls;  ///< ongoing calls by UUID; those without one share the key ""
-    std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open ones: index of the protocol by number
+    std::map<std::uint16_t, std::uint8_t> accessorySessions;  ///< open sessions: protocol index by session number
 
     /// Returns the artwork of the playing track; null when it has none, and while that is unknown.
     PicturePtr Artwork() const { return artwork.value_or(nullptr); }

@@ -21,9 +21,9 @@
 /// Session::Changed() and Refreshed()) need the context to run: on its thread Wait() returns ErrorKind::WouldDeadlock,
 /// on others it blocks.
 ///
-/// **Time.** A request completes no later than its deadline: that of Within(), or else the session's. Requests of many
-/// steps (Pager::Range(), AccessorySession::Write(), AndThen()) have no common one, Session::Changed() and Refreshed()
-/// none at all, unless Within() sets it.
+/// **Time.** A request completes no later than its deadline: that of Within(), or else the session's. Without Within(),
+/// requests of several steps (Pager::Range(), AccessorySession::Write(), AndThen()) have one deadline per step, and
+/// Session::Changed() and Refreshed() have none.
 ///
 /// **End.** When the session ends, requests under way by Start() or Future() complete with ErrorKind::Cancelled before
 /// its destructor returns. A Wait() of a command on another thread continues until its answer or its deadline. Requests
@@ -224,8 +224,8 @@ public:
 
     explicit Request(detail::OperationPtr<T> operation) : m_operation(std::move(operation)) {}
 
-    /// Sets the deadline, counted from Start(), Future() or Wait(). Less than 1 ms is ErrorKind::BadArgument; more than
-    /// 24 days counts as 24 days.
+    /// Sets the deadline, counted from Start(), Future(), or Wait(). Less than 1 ms is ErrorKind::BadArgument; more
+    /// than 24 days counts as 24 days.
     Request Within(std::chrono::milliseconds deadline) &&
     {
         m_operation->terms.deadline = deadline;
@@ -257,21 +257,22 @@ public:
         return Second(std::make_shared<detail::Chain<T, U, F>>(std::move(m_operation), std::move(next)));
     }
 
-    /// Sends it and returns at once. @p completion runs exactly once, in the session's context, after Start() returned.
+    /// Sends the request and returns at once. @p completion runs exactly once, in the session's context, after Start()
+    /// has returned.
     void Start(Completion completion) &&
     {
         const detail::OperationPtr<T> operation = std::move(m_operation);
         operation->Start(std::move(completion));
     }
 
-    /// Sends it and returns at once; the future is fulfilled in the session's context.
+    /// Sends the request and returns at once; the future is fulfilled in the session's context.
     ipodkit::Future<T> Future() &&
     {
         const detail::OperationPtr<T> operation = std::move(m_operation);
         return operation->Started();
     }
 
-    /// Sends it and blocks until the result. See "Blocking" above.
+    /// Sends the request and blocks until its result arrives. See "Blocking" above.
     Result<T> Wait() &&
     {
         const detail::OperationPtr<T> operation = std::move(m_operation);

@@ -44,7 +44,7 @@ namespace ipodkit
 struct SessionOptions
 {
     GMainContext* context = nullptr;              ///< null: the default context
-    std::chrono::milliseconds settle{20};         ///< delay from an event to its state; 0: none, each event has one
+    std::chrono::milliseconds settle{20};         ///< delay from an event to its state; 0: one state per event, at once
     std::chrono::milliseconds deadline{5000};     ///< of each request without Within(); at least 1 ms
     std::chrono::milliseconds callbackBudget{5};  ///< slower callbacks are logged by name; at least 0
     std::size_t artworkLimit = 1 << 20;           ///< in bytes; larger images are omitted from state and events
@@ -55,13 +55,14 @@ struct SessionOptions
 struct Connection
 {
     Phase phase = Phase::Absent;
-    std::uint32_t generation = 0;  ///< how often the service has appeared
-    std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing; it retries
+    std::uint32_t generation = 0;  ///< number of times the service has appeared
+    std::optional<Error> error;    ///< why the session is not Ready, or why fields are missing; the session retries
     Fields missing{};              ///< see PlayerState::missing
 };
 
 class FakeSession;
 
+/// A session with the service: its state, its events, and requests to it.
 class Session
 {
 public:
@@ -96,7 +97,8 @@ public:
     /// ErrorKind::ServiceLost if the service exits meanwhile. It has no deadline unless Within() sets one.
     Request<StatePtr> Refreshed(Fields fields = Fields::All());
 
-    /// @name Subscriptions. The log refers to a callback by its name. "First" means: soon, in the context.
+    /// @name Subscriptions. The log refers to a callback by its name. The first call follows soon, in the
+    /// context.
     /// @{
 
     /// Reports every change of the connection, first the present value. Inside the callback State() has the same phase

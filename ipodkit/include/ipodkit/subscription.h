@@ -13,7 +13,8 @@ namespace detail
 class __attribute__((visibility("hidden"))) Slot;
 }
 
-/// Registers a callback until it is destroyed, reset, or assigned to. Move-only. It may outlive the session.
+/// Keeps a callback registered until this object is destroyed, reset, or assigned to. Move-only. It may outlive the
+/// session.
 ///
 /// Any thread may end it, and so may the callback itself. Ending it blocks while the callback runs on another thread;
 /// afterwards the callback does not run again, and is destroyed. So do not end it while holding a lock that the

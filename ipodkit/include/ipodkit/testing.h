@@ -27,6 +27,7 @@
 
 namespace ipodkit
 {
+/// A Session whose state, events, and answers the test provides.
 class FakeSession
 {
 public:

@@ -206,7 +206,7 @@ struct PhoneCall
     std::optional<bool> conferenced;  ///< whether the call is part of a conference
     std::optional<std::uint8_t> conferenceGroup;
     std::optional<CallEnd> end;  ///< why it ended
-    std::optional<Time> start;   ///< full seconds
+    std::optional<Time> start;   ///< in whole seconds
 
     /// @c id, unless it is empty.
     std::optional<std::string> Uuid() const { return id == std::string() ? std::nullopt : id; }
@@ -271,7 +271,7 @@ struct Rows<CarPlayDevice>
 struct WirelessCarPlay
 {
     bool available = false;
-    std::string deviceAddress;
+    std::string deviceAddress;  ///< Bluetooth address
 };
 template <>
 struct Rows<WirelessCarPlay>

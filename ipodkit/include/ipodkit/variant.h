@@ -23,8 +23,8 @@
 
 namespace ipodkit
 {
-/// Bus name of the companion daemon, which is also the name of its interface for the state, and the path of the object.
-/// Its properties are the fields of PlayerState, under the names that PropertyName() returns.
+/// Bus name of the companion daemon, which is also the name of its state interface; and the path of its state object,
+/// whose properties are the fields of PlayerState, under the names that PropertyName() returns.
 inline constexpr char kStateName[] = "com.zarn.linux.ipod.State";
 inline constexpr char kStatePath[] = "/com/zarn/linux/ipod/State";
 

@@ -121,7 +121,7 @@ class _Queue:
 class _Stream:
     """An asynchronous iterator over what a subscription delivers, until the session is closed.
 
-    Nothing but its iteration refers to it, so the subscription ends with an iteration that is left.
+    Only the loop that iterates over it holds a reference, so leaving the loop ends the subscription.
     """
 
     def __init__(self, session, store, subscribe):
@@ -181,9 +181,10 @@ class Session(_native.Session):
         self.close()
 
     def states(self, *fields):
-        """Iterates over the states that differ in one of the fields (in any, without fields), the present one first.
+        """Iterates over the states that differ in one of the fields (in any field if none is given).
 
-        Yields (state, changed). A slow consumer gets the latest state, with all fields that changed meanwhile.
+        Yields (state, changed), first the current state. A slow consumer gets the latest state, with all fields that
+        changed meanwhile.
         """
         wanted = set(fields) or None
         return _Stream(self, _Latest(), lambda put: self.on_state("states", put, wanted))

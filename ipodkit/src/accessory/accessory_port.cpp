@@ -31,7 +31,7 @@ public:
     }
 
     void Follow(const Event& event);
-    void CloseThoseThatEnded();
+    void CloseEnded();
     void CloseAll();
     void KeepAlive()
     {
@@ -83,7 +83,7 @@ void AccessoryPort::Impl::Follow(const Event& event)
     // Received bytes end no session.
     if (const auto* const data = std::get_if<AccessoryData>(&event)) return Received(*data);
     if (const auto* const opened = std::get_if<AccessoryOpened>(&event)) Opened(*opened);
-    CloseThoseThatEnded();
+    CloseEnded();
 }
 
 // A number that is opened twice was closed in between, though no event reported it.
@@ -94,7 +94,7 @@ void AccessoryPort::Impl::Opened(const AccessoryOpened& event)
     openedCallbacks.ForEach(m_session->CallbackGuard(), [&session](const auto& callback) { callback(session); });
 }
 
-void AccessoryPort::Impl::CloseThoseThatEnded()
+void AccessoryPort::Impl::CloseEnded()
 {
     std::vector<std::uint16_t> ended;
     for (const auto& [number, entry] : m_entries)
@@ -151,8 +151,7 @@ std::vector<AccessorySessionPtr> AccessoryPort::Impl::Sessions() const
 AccessoryPort::AccessoryPort(Session& session, const AccessoryOptions& options)
     : m_impl(std::make_shared<Impl>(session.Inside(), options)),
       m_listening(session.OnEvent("accessory port", [impl = m_impl](const Event& event) { impl->Follow(event); })),
-      m_watching(
-          session.OnConnection("accessory port", [impl = m_impl](const Connection&) { impl->CloseThoseThatEnded(); }))
+      m_watching(session.OnConnection("accessory port", [impl = m_impl](const Connection&) { impl->CloseEnded(); }))
 {
     m_impl->Watch();
 }

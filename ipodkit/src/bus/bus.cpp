@@ -31,7 +31,7 @@ std::string ShortTextOf(const Call& call)
 }
 
 // A reply must have the contract's type. "false" means that the service refused.
-Result<Body> Judged(const Call& call, Result<Body> result)
+Result<Body> Validated(const Call& call, Result<Body> result)
 {
     if (!result) return result;
     if (!g_variant_is_of_type(result->get(), G_VARIANT_TYPE(call.replyType)))
@@ -194,10 +194,10 @@ void Bus::Complete(Serial serial, Result<Body> result)
     const PendingPtr pending = Take(serial);
     if (pending == nullptr) return;
     const Call& call = pending->call;
-    Result<Body> judged = Judged(call, std::move(result));
-    LogOutcome(call, judged, pending->since);
-    if (MayBeFollowed(call, judged)) m_followed(call.method);
-    CallbackGuard().Run(call.method, [&] { pending->Complete(std::move(judged)); });
+    Result<Body> validated = Validated(call, std::move(result));
+    LogOutcome(call, validated, pending->since);
+    if (MayBeFollowed(call, validated)) m_followed(call.method);
+    CallbackGuard().Run(call.method, [&] { pending->Complete(std::move(validated)); });
 }
 
 std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
@@ -294,9 +294,9 @@ Result<Body> Bus::SendAndWait(const Call& call)
 {
     if (call.error) return tl::unexpected(*call.error);
     const auto since = std::chrono::steady_clock::now();
-    Result<Body> judged = Judged(call, AnswerOf(call));
-    LogOutcome(call, judged, since);
-    if (MayBeFollowed(call, judged)) ReportLater(call.method);
-    return judged;
+    Result<Body> validated = Validated(call, AnswerOf(call));
+    LogOutcome(call, validated, since);
+    if (MayBeFollowed(call, validated)) ReportLater(call.method);
+    return validated;
 }
 }  // namespace ipodkit::detail

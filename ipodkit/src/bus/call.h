@@ -24,7 +24,7 @@ struct Call
     const char* replyType;
     Body arguments;
     std::optional<Error> error;  // why it cannot be sent
-    bool isCommand = false;      // the reply "(b)" says whether the service did it
+    bool isCommand = false;      // the reply "(b)" reports whether the service executed it
     Terms terms{};
 };
 

@@ -25,7 +25,7 @@ public:
     void Start(typename Operation<T>::Completion completion) override
     {
         m_completion = std::move(completion);
-        const std::shared_ptr<Bus> bus = SetOut();
+        const std::shared_ptr<Bus> bus = PrepareToSend();
         bus->Send(this->shared_from_this());
     }
 
@@ -36,7 +36,7 @@ public:
 
     Result<T> Wait() override
     {
-        const std::shared_ptr<Bus> bus = SetOut();
+        const std::shared_ptr<Bus> bus = PrepareToSend();
         return Decoded(bus->SendAndWait(call));
     }
 
@@ -48,7 +48,7 @@ public:
 
 private:
     // The bus owns pending calls, so a pending call no longer owns the bus.
-    std::shared_ptr<Bus> SetOut()
+    std::shared_ptr<Bus> PrepareToSend()
     {
         call.terms = std::move(this->terms);
         if (!call.error) call.error = Unacceptable(call.terms);

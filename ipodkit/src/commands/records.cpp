@@ -98,7 +98,7 @@ PictureHead PictureHeadIn(GVariant* boxed)
 std::optional<Error> CheckText(const std::string& text, std::size_t longest)
 {
     if (text.size() > longest)
-        return Error{ErrorKind::BadArgument, "expected a text of at most " + std::to_string(longest) + " bytes, got " +
+        return Error{ErrorKind::BadArgument, "expected text of at most " + std::to_string(longest) + " bytes, got " +
                                                  std::to_string(text.size())};
     if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
         return Error{ErrorKind::BadArgument, "expected UTF-8 text without NUL"};

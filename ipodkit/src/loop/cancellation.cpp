@@ -13,8 +13,9 @@ void CancelOther(GCancellable*, gpointer other)
 }
 }  // namespace
 
-CancellationLink::CancellationLink(const Cancellation& source, GCallback thrown, gpointer data, GDestroyNotify forget)
-    : m_source(source), m_handler(g_cancellable_connect(source.Native(), thrown, data, forget))
+CancellationLink::CancellationLink(const Cancellation& source, GCallback onCancelled, gpointer data,
+                                   GDestroyNotify forget)
+    : m_source(source), m_handler(g_cancellable_connect(source.Native(), onCancelled, data, forget))
 {
 }
 

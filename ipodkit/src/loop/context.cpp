@@ -7,8 +7,8 @@ namespace ipodkit
 {
 namespace
 {
-// Longer than the lock of a segment is waited for. A fork may have copied a gate whose readers exist only in the
-// parent.
+// Longer than any wait for a segment's lock. Bounded, because a fork may have copied a gate whose readers exist only
+// in the parent.
 constexpr std::chrono::seconds kLongestWork(12);
 
 // Work aside holds it shared. The end of the process locks it for good: static objects that the work uses, such as the

@@ -30,7 +30,7 @@ void RequestGroup::Watch()
     g_source_set_callback(m_timer.get(), OnDue, Weakly(shared_from_this()), DeleteWeak<RequestGroup>);
     const auto advanced = [weak = weak_from_this()]
     {
-        if (const auto self = weak.lock()) self->FailThoseThatAreDue();
+        if (const auto self = weak.lock()) self->FailOverdue();
     };
     m_clock = Subscription(m_home->ClockWatchers().Add("deadlines", advanced));
 }
@@ -45,7 +45,7 @@ void RequestGroup::WakeAt(gint64 due)
 
 gboolean RequestGroup::OnDue(gpointer data)
 {
-    if (const auto self = LockWeak<RequestGroup>(data)) self->FailThoseThatAreDue();
+    if (const auto self = LockWeak<RequestGroup>(data)) self->FailOverdue();
     return G_SOURCE_CONTINUE;
 }
 
@@ -103,7 +103,7 @@ void RequestGroup::Fail(Serial serial, const Error& error)
 }
 
 // One at a time: a completion may end the group, which completes the others.
-void RequestGroup::FailThoseThatAreDue()
+void RequestGroup::FailOverdue()
 {
     const auto self = shared_from_this();
     const gint64 now = m_home->Now();

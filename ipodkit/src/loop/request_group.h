@@ -77,7 +77,7 @@ private:
     static gboolean OnDue(gpointer data);
     void Watch();
     void WakeAt(gint64 due);
-    void FailThoseThatAreDue();
+    void FailOverdue();
     OpenRequestPtr TakeDue(gint64 now);
     Entry Extract(Serial serial);
     template <class Wanted>

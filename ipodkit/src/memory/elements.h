@@ -51,7 +51,7 @@ inline std::vector<std::string> CopyNames(const Elements<PlayListSongNameStr>& r
     return names;
 }
 
-/// Returns whether a segment is as large as it says, and not larger than its file. It is larger while a service grows
-/// it, which takes two steps.
+/// Returns whether the size in a segment's header is plausible and does not exceed its file. The file is larger while
+/// a service grows the segment, which takes two steps.
 bool FitsItsFile(const QBXSharedSegment& segment, const char* name);
 }  // namespace ipodkit

@@ -76,7 +76,7 @@ std::optional<Error> Map(const char* segment)
 {
     QBXSharedSegment mapped(bip::open_only, segment);
     if (!FitsItsFile(mapped, segment))
-        return Failure(segment, "it was made for another word size or is damaged", Removal(segment));
+        return Failure(segment, "it was created with a different word size, or is damaged", Removal(segment));
     mapped.find<QBXByteVector>("");
     return std::nullopt;
 }

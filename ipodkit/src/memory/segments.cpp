@@ -73,7 +73,8 @@ std::string UseUnlocked(const char* name, const Use& use)
     for (;; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
     {
         QBXSharedSegment segment(bip::open_copy_on_write, name);
-        if (!FitsItsFile(segment, name)) throw std::runtime_error("it was made for another word size, or is damaged");
+        if (!FitsItsFile(segment, name))
+            throw std::runtime_error("it was created with a different word size, or is damaged");
         const auto nothing = [] {};
         if (segment.try_atomic_func(nothing)) return use(segment);
     }

@@ -18,7 +18,7 @@ constexpr int kMostAttempts = 5;
 constexpr auto kFirstWait = std::chrono::seconds(1);
 
 // Longer than any service runs: the reader's own timers detect late answers.
-constexpr auto kForEver = std::chrono::hours(24 * 24);
+constexpr auto kForever = std::chrono::hours(24 * 24);
 
 guint Milliseconds(std::chrono::milliseconds time)
 {
@@ -85,7 +85,7 @@ void StateReader::Ask(Field field, const Question<T>& question, const Take& take
 template <class T, class Take>
 void StateReader::Send(Field field, unsigned serial, const Question<T>& question, const Take& take)
 {
-    question().Within(kForEver).Start(
+    question().Within(kForever).Start(
         [weak = weak_from_this(), round = m_round, field, serial, take, asked = m_asked](const Result<T>& result)
         {
             const auto self = weak.lock();

@@ -169,12 +169,12 @@ void Leases::TakeForReading(Done<void> done)
 {
     if (!m_changing.expired()) return TakeForChanges([done = std::move(done)](const auto& lease) { done(lease); });
     for (const HeldLockPtr& held : {m_together.lock(), m_reading.lock()})
-        if (held != nullptr && held->Counts()) return done(held);
+        if (held != nullptr && held->IsEffective()) return done(held);
     Take(Place::Level, Hold::Shared,
          [weak = weak_from_this(), done = std::move(done)](const Result<HeldLockPtr>& lock)
          {
              const auto self = weak.lock();
-             if (self != nullptr && lock && (*lock)->Counts()) self->KeepReading(*lock);
+             if (self != nullptr && lock && (*lock)->IsEffective()) self->KeepReading(*lock);
              done(lock);
          });
 }
@@ -233,7 +233,7 @@ void Leases::TakeForChange(Done<void> done)
 void Leases::TakeForChanges(Done<ChangeLease> done)
 {
     const auto lease = m_changing.lock();
-    if (lease != nullptr && lease->lock->Counts()) return done(lease);
+    if (lease != nullptr && lease->lock->IsEffective()) return done(lease);
     m_wanted.push_back(std::move(done));
     if (m_wanted.size() > 1) return;
     Take(Place::Browse, Hold::Exclusive,

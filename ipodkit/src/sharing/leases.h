@@ -33,7 +33,7 @@ public:
     void End();
 
     /// Returns whether the lock is effective: the segment has not been replaced since.
-    bool Counts() const { return m_file != nullptr && m_file->HasName(); }
+    bool IsEffective() const { return m_file != nullptr && m_file->HasName(); }
 
 private:
     LockFilePtr m_file;
