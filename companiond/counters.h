@@ -54,7 +54,7 @@ struct ipodkit::Rows<companion::Counters>
     static constexpr std::tuple all{
         Row{"requests", &companion::Counters::Requests, "", "Completed requests of media controls"},
         Row{"failures", &companion::Counters::Failures, "", "Failed requests, by kind of error"},
-        Row{"restarts", &companion::Counters::Restarts, "", "How often the service has restarted"},
+        Row{"restarts", &companion::Counters::Restarts, "", "Number of service restarts"},
         Row{"latency_p50", &companion::Counters::LatencyP50, "us", "Median latency of the last 1,024 requests"},
         Row{"latency_p99", &companion::Counters::LatencyP99, "us", "99th percentile of the same latencies"},
     };

@@ -1,4 +1,4 @@
-// ipod-companiond: media controls, the state on the bus, and a memory for sessions that start late.
+// ipod-companiond: media controls, the state on the bus, and past events for sessions that start late.
 #include <QBXLog.h>
 #include <cli/program.h>
 #include <glib-unix.h>
@@ -115,7 +115,8 @@ private:
     const gulong m_closed;
 };
 
-// Removes the artwork of a daemon that was killed, and at the end its own. Only for the owner of the names.
+// Removes the artwork that a killed daemon left behind, and this daemon's own at the end. Create it only after the
+// names were acquired.
 class ArtworkCleanup
 {
 public:

@@ -27,9 +27,9 @@ void AnswerNothing(GDBusMethodInvocation* invocation)
     g_dbus_method_invocation_return_value(invocation, nullptr);
 }
 
-void Refuse(GDBusMethodInvocation* invocation, const char* error, const char* reason)
+void Refuse(GDBusMethodInvocation* invocation, const char* error, const std::string& reason)
 {
-    g_dbus_method_invocation_return_dbus_error(invocation, error, reason);
+    g_dbus_method_invocation_return_dbus_error(invocation, error, reason.c_str());
 }
 
 bool AwaitsArtwork(const PlayerState& state)
@@ -59,7 +59,7 @@ Player::~Player()
     if (m_timer != 0) g_source_remove(m_timer);
 }
 
-// However fast tracks follow each other, each is announced before the next one.
+// Announces each track before the next one, no matter how quickly tracks change.
 void Player::Follow(const ipodkit::StatePtr& state)
 {
     TrackKey key = KeyOf(*state);
@@ -231,7 +231,7 @@ void Player::Stop(GVariant*, GDBusMethodInvocation* invocation)
     m_counters.Send(Commands().Stop(), invocation);
 }
 
-// The service seeks to full seconds. Seeking to the end would start the next track.
+// The service seeks to whole seconds. Seeking to the end would start the next track.
 void Player::SeekTo(microseconds position, GDBusMethodInvocation* invocation)
 {
     using std::chrono::seconds;
@@ -274,8 +274,10 @@ void Player::OpenUri(GVariant*, GDBusMethodInvocation* invocation)
 
 void Player::SetLoop(GVariant* value, GDBusMethodInvocation* invocation)
 {
-    const auto repeat = RepeatOf(g_variant_get_string(value, nullptr));
-    if (!repeat) return Refuse(invocation, kInvalidArgs, "expected 'None', 'Track', or 'Playlist'");
+    const std::string status = g_variant_get_string(value, nullptr);
+    const auto repeat = RepeatOf(status);
+    if (!repeat)
+        return Refuse(invocation, kInvalidArgs, "expected 'None', 'Track', or 'Playlist', got '" + status + "'");
     m_counters.Send(Commands().SetRepeat(*repeat), invocation);
 }
 

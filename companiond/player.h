@@ -37,7 +37,7 @@ private:
     {
         None,
         Requested,
-        Reported,  ///< the position followed before the answer
+        Reported,  ///< the new position was reported before the answer arrived
         Done,      ///< the next position is a jump, however small
     };
 

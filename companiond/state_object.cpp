@@ -28,7 +28,7 @@ struct Link
 
 constexpr std::tuple kLink{
     Row{"phase", &Link::Phase, "", "Absent, Connecting, Ready, or Lost"},
-    Row{"generation", &Link::Generation, "", "How often the service has appeared"},
+    Row{"generation", &Link::Generation, "", "Number of times the service has appeared"},
     Row{"service", &Link::Service, "", "Unique name of the service that the values come from; empty before the first"},
     Row{"error", &Link::Error, "", "Why the state is not ready or lacks fields; empty without an error"},
     Row{"missing", &Link::Missing, "", "Fields whose answer is late, separated by commas"},
