@@ -201,8 +201,8 @@ public:
     /// Skips to the previous track; true when the device did. Not ready: false. Failure: false.
     virtual bool Previous() = 0;
 
-    /// Returns the artwork of the playing track. Not ready: words 1, 0, 0, 0 and no image. Failure: words of zero and
-    /// the image of the last successful request. Two threads must not request artwork at the same time.
+    /// Returns the artwork of the playing track. Not ready: words 1, 0, 0, 0 and no image. Failure: words 0, 0, 0, 0
+    /// and the image of the last successful request. Two threads must not request artwork at the same time.
     virtual QBXTrackArtwork GetPlayingTrackAlbumArtwork() = 0;
 
     /// Fast-forwards until StopFfwFbw(); true if the device started. Not ready: false. Failure: false.

@@ -19,7 +19,7 @@ extern "C"
     ///
     /// @param config  "LEVEL": records of that level and above go to standard error; LEVEL is DEBUG, INFO, NOTICE,
     ///                WARN, ERROR, or FATAL. "LEVEL:FILE": they are appended to FILE; where zlog is installed, the
-    ///                name may not contain a quote, percent sign, comma, semicolon or number sign. Any other text is
+    ///                name may not contain a quote, percent sign, comma, semicolon, or number sign. Any other text is
     ///                the path of a zlog configuration, of which category "ipod" is used; it fails where zlog is not
     ///                installed.
     ///

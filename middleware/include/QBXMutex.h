@@ -4,7 +4,8 @@
 
 #include <pthread.h>
 
-/// A recursive mutex: the thread that holds it may lock it again, and must unlock it as often.
+/// A mutex. This stand-in is recursive: the thread that holds it may lock it again, and must unlock it as often. The
+/// head unit's may not be recursive.
 class QBXMutex
 {
 public:

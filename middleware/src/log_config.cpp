@@ -17,7 +17,8 @@ namespace
     const char* const config = std::getenv("QBX_LOG");
     if (config == nullptr || *config == '\0' || QBX_LogInit(config) != 0) return;
     std::fprintf(stderr, "QBX_LOG='%s': %s\n%s\n", config, std::strerror(errno),
-                 "hint: use DEBUG, INFO, WARN, or ERROR; LEVEL:FILE; or a configuration file where zlog is installed");
+                 "hint: use DEBUG, INFO, NOTICE, WARN, ERROR, or FATAL; LEVEL:FILE; or a configuration file where zlog "
+                 "is installed");
 }
 }  // namespace
 
