@@ -8,7 +8,7 @@
 namespace ipodnames
 {
 /// A reading produced by Reader: syllables and words of lower-case letters, digits, and kUmlaut, separated by single
-/// blanks.
+/// spaces.
 ///
 /// A query matches if it can be split into beginnings of successive syllables or words: "zmx", "zhoumx", and
 /// "zhoumingxuan" all match "zhou ming xuan", and "mx" matches from the second syllable.
@@ -19,10 +19,10 @@ enum class Fit
     Beginning,  ///< from the first one
 };
 
-/// @p query comes from Typed(). The time is proportional to the lengths of both.
+/// Returns how a query from Typed() matches a reading. The time is proportional to the lengths of both.
 Fit Match(const std::string& query, const std::string& reading);
 
-/// One bit for each letter and digit that occurs. A matching query contains no other letters than the reading.
+/// One bit for each letter and digit that occurs. A matching query has no letters but those of the reading.
 std::uint64_t LettersIn(const std::string& text);
 
 /// The same for the first letters of its syllables and words: a matching query starts with one of them.

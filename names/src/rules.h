@@ -16,7 +16,7 @@ extern const char16_t* const kHanWords;
 extern const char16_t* const kWordsLikeNames;  ///< words that start with a surname
 extern const char16_t* const kShortNames;  ///< surnames start two or three characters, because longer text is a title
 extern const char16_t* const kAllNames;    ///< surnames start any number of characters
-extern const char16_t* const kSurnames;    ///< applied after one of the two
+extern const char16_t* const kSurnames;    ///< applied after kShortNames or kAllNames
 extern const char16_t* const
     kSurnamesLikeWords;  ///< surnames that far more often start titles; applied after kSurnames
 /// @}

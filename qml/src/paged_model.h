@@ -49,7 +49,7 @@ protected:
     /// Reads the number of entries again, and the pages that are shown.
     void Recount();
 
-    /// Reads the page of an entry soon, and those that follow it in either direction.
+    /// Schedules a read of the page that contains an entry, and of the adjacent page if the entry is near its edge.
     void Want(int entry) const;
 
     /// Removes all rows until the list is counted.

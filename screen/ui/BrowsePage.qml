@@ -101,7 +101,7 @@ Item {
         visible: page.searching && music.query !== "" && music.count === 0
         anchors.horizontalCenter: list.horizontalCenter
         y: list.y + Theme.margin
-        text: music.sections.length === 0 ? qsTr("Reading names …") : qsTr("No name matches")
+        text: music.sections.length === 0 ? qsTr("Reading names…") : qsTr("No name matches")
         color: Theme.quiet
     }
     LetterKeys {

@@ -7,7 +7,7 @@ Text {
     elide: Text.ElideRight
     font.family: "Noto Sans"
     font.pixelSize: Theme.body
-    horizontalAlignment: Text.AlignLeft // also names from right to left: next to the icon or artwork
+    horizontalAlignment: Text.AlignLeft // right-to-left names, too, start beside the icon or artwork
     verticalAlignment: Text.AlignVCenter
     maximumLineCount: 1
     Accessible.ignored: true

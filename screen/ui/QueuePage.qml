@@ -7,7 +7,7 @@ Item {
 
     readonly property Item first: list
     readonly property int playing: Player.trackIndex
-    readonly property int rows: queue.count // unlike the signal of the model, changes only with the number
+    readonly property int rows: queue.count // changes only with the number of rows, unlike the model's countChanged()
 
     function showPlaying() {
         if (playing >= 0 && playing < queue.count)

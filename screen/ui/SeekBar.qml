@@ -1,6 +1,6 @@
 import QtQuick
 
-// Progress that can be dragged. With the knob: press, turn by ten seconds each, press.
+// Progress that can be dragged. With the knob: press, turn (ten seconds per step), press.
 Item {
     id: bar
 

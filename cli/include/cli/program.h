@@ -1,5 +1,5 @@
 /// @file
-/// What all programs do at their beginning and at their end.
+/// Argument parsing, error output, and exit codes, shared by all programs.
 #pragma once
 
 #include <cli/usage.h>

@@ -14,8 +14,8 @@ namespace cli
 /// Rows by the placeholder that they replace, such as "@exit-codes".
 using Tables = std::map<std::string, std::vector<HelpRow>>;
 
-/// Writes the reference to standard output and returns the exit code: a Markdown page in which the lines "@options",
-/// "@commands", and those of @p tables are replaced. A section "#### COMMAND" of the page has notes that are appended
+/// Writes the reference to standard output: a Markdown page in which the lines "@options", "@commands", and those of
+/// @p tables are replaced. Returns the exit code. A section "#### COMMAND" of the page has notes that are appended
 /// to the help of that command.
 ///
 /// @param form  "markdown", or "man" for a manual page

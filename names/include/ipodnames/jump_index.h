@@ -41,7 +41,7 @@ struct JumpSection
 class JumpIndex
 {
 public:
-    /// Needs some microseconds per name: index long lists on another thread. Any bytes are safe.
+    /// Takes a few microseconds per name: index long lists on another thread. Any bytes are safe.
     /// @throws std::runtime_error if the system's ICU has no data for sorting
     explicit JumpIndex(const std::vector<std::string>& names, const JumpIndexOptions& options = {});
 

@@ -35,7 +35,7 @@ class Session : public QObject
 
     /// "absent", "connecting", "ready", or "lost".
     Q_PROPERTY(QString phase READ PhaseName NOTIFY connectionChanged)
-    /// How often the service has appeared.
+    /// Number of times the service has appeared.
     Q_PROPERTY(int generation READ Generation NOTIFY connectionChanged)
     /// Why the session is not ready: kind, reason, and remedy; empty texts without an error.
     Q_PROPERTY(QVariantMap error READ ErrorMap NOTIFY connectionChanged)
