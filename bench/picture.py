@@ -71,7 +71,7 @@ def legend():
 def draw(contests):
     panels = [
         ("Page of names", "names", curves(contests, "page delivered", ("library", "bus"))),
-        ("Picture", "KB", curves(contests, "artwork delivered", ("library", "bus"))),
+        ("Artwork", "KB", curves(contests, "artwork delivered", ("library", "bus"))),
         ("Accessory write", "KB", curves(contests, "EapWrite", ("library", "bus", "bare"))),
     ]
     parts = [

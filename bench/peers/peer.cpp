@@ -28,7 +28,7 @@ double Timed(const std::function<void()>& work, clockid_t clock = CLOCK_MONOTONI
 void Require(bool fulfilled)
 {
     if (fulfilled) return;
-    std::fprintf(stderr, "the service sent something else\n");
+    std::fprintf(stderr, "the service sent an unexpected reply\n");
     std::exit(1);
 }
 
@@ -47,7 +47,7 @@ double Measure(Peer& peer, const std::string& work)
     if (work == "command") return Timed([&peer] { Require(peer.Pause()); });
     if (work == "names") return Timed([&peer] { Require(peer.Names() == kNames); });
     if (work == "image") return Timed([&peer] { Require(peer.Image() == kImage); });
-    std::fprintf(stderr, "unknown work %s\n", work.c_str());
+    std::fprintf(stderr, "unknown task '%s'\n", work.c_str());
     std::exit(2);
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// What a peer implements: the same tasks, written with one library. bench/run-bench starts a peer as "PEER
+/// The interface of a peer: the same tasks, written with one library. bench/run-bench starts a peer as "PEER
 /// start", which sends one command and exits, or as "PEER", which runs the tasks that it reads from standard input, one
 /// "TASK COUNT" per line, and answers each with "figure TASK NANOSECONDS": the median of that many runs.
 #pragma once

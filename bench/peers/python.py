@@ -46,7 +46,7 @@ class Peer:
 async def timed(call, expected):
     start = time.perf_counter_ns()
     if await call() != expected:
-        sys.exit("the service sent something else")
+        sys.exit("the service sent an unexpected reply")
     return time.perf_counter_ns() - start
 
 
