@@ -1,6 +1,6 @@
 """Checks a player on a bus against the published rules of MPRIS 2.2, knowing nothing else about it.
 
-Each function returns violations as texts; an empty list means that the player obeys.
+Each function returns a list of violations; it is empty if the player complies.
 """
 import os
 import time
@@ -230,7 +230,7 @@ class Player:
         return wrong
 
     def violations(self):
-        """All of the above. The player goes on as before."""
+        """All of the above. The player's state is unchanged afterwards."""
         return (self.interface_violations() + value_violations(self.values()) + value_violations(self.values(ROOT), ROOT) +
                 self.get_violations() + self.read_only_violations() + self.method_violations())
 

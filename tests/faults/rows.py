@@ -22,15 +22,15 @@ class Row:
     case: str
     arguments: list = dataclasses.field(default_factory=lambda: [[]])
     exit: int = 0  # a negative number is a signal, as in subprocess
-    says: tuple = (ALIVE,)  # lines that standard output must contain
+    prints: tuple = (ALIVE,)  # lines that standard output must contain
     log: dict = dataclasses.field(default_factory=dict)  # text -> number of log lines that contain it
     limit: int = 20  # seconds
     alone: bool = False  # measures milliseconds, so no other case runs beside it
     environment: dict = dataclasses.field(default_factory=dict)
 
 
-def segment(fault, kind, when, says, *more):
-    return Row("segments", fault, f"exception {when}", "object", [[kind, *more]], says=(says, ALIVE))
+def segment(fault, kind, when, prints, *more):
+    return Row("segments", fault, f"exception {when}", "object", [[kind, *more]], prints=(prints, ALIVE))
 
 
 DECODING = [
@@ -50,7 +50,7 @@ SEGMENTS = [
     segment("garbage", "garbage", "at once", "exception: *"),
     segment("FIFO", "fifo", "at once", NO_MEMORY),
     segment("directory", "directory", "at once", NO_MEMORY),
-    segment("link to nowhere", "link-to-nowhere", "at once", "exception: *"),
+    segment("dangling link", "link-to-nowhere", "at once", "exception: *"),
     segment("link to itself", "link-to-itself", "at once", "exception: *"),
     segment("32-bit segment", "other-layout", "at once", OTHER_LAYOUT,
             "tests/layout/data/list-armhf-boost1.56.img.xz"),
@@ -62,15 +62,15 @@ SEGMENTS = [
     segment("another user's, mode 0644", "of-another-user",
             "at once: the library needs write access", "exception: *"),
     Row("segments", "`/dev/shm` is full", "exception at once", "full-device", [["4k"], ["12k"]],
-        says=("exception: segment *: no space left in /dev/shm", ALIVE)),
+        prints=("exception: segment *: no space left in /dev/shm", ALIVE)),
     Row("segments", "`/dev/shm` has room for the headers only", "attached; pages are allocated at first use",
-        "full-device", [["64k"]], says=("attached", ALIVE)),
+        "full-device", [["64k"]], prints=("attached", ALIVE)),
     Row("segments", "`/dev/shm` fills up later, then `EapWrite()` needs new pages", "**SIGBUS**", "filled-later",
-        exit=-signal.SIGBUS, says=()),
+        exit=-signal.SIGBUS, prints=()),
     Row("segments", "valid segment of twice the size", "attached at its size", "object", [["larger"]],
-        says=("attached", ALIVE)),
+        prints=("attached", ALIVE)),
     Row("segments", "of half the size", "attached at its size", "object", [["smaller"]],
-        says=("attached", ALIVE)),
+        prints=("attached", ALIVE)),
     Row("segments", "header that another process keeps rewriting",
         "an empty or wrong page, from inside the segment", "rewritten-header", [["5000"]]),
     Row("segments", "service removes and recreates a segment in use", "the client keeps the old one",
@@ -79,7 +79,7 @@ SEGMENTS = [
     Row("segments", "memory lock held by a killed process, then `EapWrite()`", "exception after 10 s, no call",
         "locked-memory", limit=25),
     Row("segments", "segment truncated while it is mapped", "**SIGBUS**", "cut-while-mapped", exit=-signal.SIGBUS,
-        says=()),
+        prints=()),
 ]
 
 SERVICE = [
@@ -100,15 +100,15 @@ SERVICE = [
         "3,000 calls and 20,000 events per second of processor time, or two thirds of GDBus alone",
         "held-rates", [["5"]], limit=60, alone=True),
     Row("service", "bus killed while the main loop runs", "**GDBus terminates the process** with SIGTERM",
-        "bus-killed-while-the-loop-runs", exit=-signal.SIGTERM, says=()),
+        "bus-killed-while-the-loop-runs", exit=-signal.SIGTERM, prints=()),
     Row("service", "bus killed, no main loop", "failure value at once", "bus-killed-without-a-loop",
-        says=("survived",), log={FAILED_CALL: 1}),
+        prints=("survived",), log={FAILED_CALL: 1}),
     Row("service", "bus killed, exit-on-close disabled by the application",
-        "the process continues with failure values", "bus-killed-and-survived", says=("survived",),
+        "the process continues with failure values", "bus-killed-and-survived", prints=("survived",),
         log={FAILED_CALL: 1}),
     Row("service", "activated by the bus, fails at its first start",
         "**`InitInstance()` never returns**; an alarm ends the case", "activated-service-that-fails-first",
-        exit=-signal.SIGALRM, says=(), log={"retry->0": 1, "retry->1": 0}),
+        exit=-signal.SIGALRM, prints=(), log={"retry->0": 1, "retry->1": 0}),
 ]
 
 APPLICATION = [
@@ -122,7 +122,7 @@ APPLICATION = [
         limit=40),
     Row("application", "`ipodctl doctor` while a killed process holds a lock",
         "reported within 8 s", "doctor-beside-a-held-lock", [["build:ipodctl"]],
-        says=("lists *error *it does not answer: its lock is held, or it was never finished",)),
+        prints=("lists *error *it does not answer: its lock is held, or it was never finished",)),
 ]
 
 # Memory cached by threads counts as used.

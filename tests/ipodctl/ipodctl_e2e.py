@@ -89,7 +89,7 @@ class OnABus(OnAPrivateBus):
     def refused(self, *words, code, **options):
         return self.failure(*words, code=code, **options)[0]
 
-    def assert_output_is_told(self, words, redirection, reason, **options):
+    def assert_output_error_is_reported(self, words, redirection, reason, **options):
         done = subprocess.run(f"'{OPTIONS.ipodctl}' {words} {redirection}", env=self.bus.environment, shell=True,
                               stderr=subprocess.PIPE, timeout=LIMIT, check=False, **options)
         self.assertEqual((done.returncode, done.stderr.decode()),
@@ -205,7 +205,7 @@ class WithoutAService(OnABus):
         for redirection, reason in ((">/dev/full", "No space left on device"), (">&-", "Bad file descriptor")):
             for word in ("--help", "--version", "fingerprint"):
                 with self.subTest((word, redirection)):
-                    self.assert_output_is_told(word, redirection, reason)
+                    self.assert_output_error_is_reported(word, redirection, reason)
 
     def test_endless_files_are_reported(self):
         for words in (["sim", "scenario", "/dev/zero"], ["sim", "eap-data", "hex=@/dev/zero"],
@@ -258,7 +258,7 @@ class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
         self.run_ctl("cd", "/Albums")
         self.assertEqual(self.json("cd", "AM/FM")["count"], 4)
         self.assertEqual(self.failure("cd", "/Albums/AM/Nobody", code=USAGE),
-                         ("no 'Nobody' in the current level", "the current level is '/Albums/AM/' now"))
+                         ("no 'Nobody' in the current level", "the current level is now '/Albums/AM/'"))
 
     def test_a_word_after_dot_slash_is_a_name(self):
         self.run_ctl("cd", "/Songs")
@@ -287,7 +287,7 @@ class WithNamesThatLookLikeSomethingElse(OnABusWithTheSimulator):
 
 
 class WithTheSimulator(OnABusWithTheSimulator):
-    def tell(self, *words):
+    def simulate(self, *words):
         self.run_ctl("sim", *words)
 
     def play_first_song(self):
@@ -356,8 +356,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         commands = time.monotonic() - began
         self.assertEqual((self.json("status")["battery"], self.json("status")["calls"]), ({}, []))
         process = self.follow("--json", "status", "--listen", str(3 + 3 * commands))
-        self.tell("battery", "80", "charging-status=charging")
-        self.tell("call", "ringing", "display-name=Anna", "call-uuid=1")
+        self.simulate("battery", "80", "charging-status=charging")
+        self.simulate("call", "ringing", "display-name=Anna", "call-uuid=1")
         status = self.valid(self.end(process)[0])
         self.assertEqual(status["battery"], {"percent": 80, "status": "charging"})
         self.assertEqual([(call["name"], call["status"]) for call in status["calls"]], [("Anna", "ringing")])
@@ -365,7 +365,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_a_call_without_an_identifier_is_part_of_the_status(self):
         process = self.follow("--json", "status", "--watch")
         for status, expected in (("ringing", ["ringing"]), ("active", ["active"]), ("disconnected", [])):
-            self.tell("call", status, "display-name=Anna")
+            self.simulate("call", status, "display-name=Anna")
             calls = (json.loads(line)["calls"] for line in process.stdout)
             with self.subTest(status):
                 self.assertTrue(any([call["status"] for call in each] == expected for each in calls))
@@ -374,7 +374,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_the_status_is_watched_until_ctrl_c(self):
         self.play_first_song()
         process = self.follow("--json", "status", "--watch")
-        self.tell("battery", "33")
+        self.simulate("battery", "33")
         self.await_line(process.stdout, b'"percent":33', keep=(lines := []))
         self.interrupt(process)
         for line in lines:
@@ -403,7 +403,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         began = time.monotonic()
         self.json("status")
         once = time.monotonic() - began
-        self.tell("fault", "delay=4000@GetPlayingListItems")
+        self.simulate("fault", "delay=4000@GetPlayingListItems")
         process = self.follow("--json", "status", "--watch")
         time.sleep(0.5 + once)
         self.interrupt(process)
@@ -412,7 +412,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         title = self.play_first_song()["track"]["title"]
         process = self.follow("status", "--watch")
         self.await_line(process.stdout, b"Desk iPod")
-        self.tell("battery", "33")
+        self.simulate("battery", "33")
         self.await_line(process.stdout, b"battery 33 %", keep=(lines := []))
         self.interrupt(process)
         self.assertRegex(b"".join(lines).decode(), rf"\n\n\d\d:\d\d:\d\d\.\d{{3}}\n{re.escape(title)}\n")
@@ -536,7 +536,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         last = whole["count"] - 1
         self.assertEqual(self.json("queue", "--from", str(last), "--count", "9")["entries"], whole["entries"][last:])
         self.assertEqual(self.refused("queue", "--from", str(last + 1), code=USAGE),
-                         f"index {last + 1} is out of range: the playing list has 0 to {last}")
+                         f"index {last + 1} is out of range: the playing list has entries 0 to {last}")
 
     def test_the_values_of_json_are_printed_as_keys(self):
         self.play_first_song()
@@ -666,10 +666,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.refused("cd", "/Artists/Nobody", code=USAGE)
         self.assertEqual(self.json("cd", "."), self.json("cd", "./"))
         self.assertEqual(self.failure("cd", "/Artists/../..", code=NOTHING_DONE),
-                         ("the current level is already the root", "the current level is '/' now"))
+                         ("the current level is already the root", "the current level is now '/'"))
         self.run_ctl("cd", "Artists")
         self.assertEqual(self.refused("cd", "../..", code=NOTHING_DONE), "the current level is already the root")
-        self.assertEqual(self.failure("cd", "/Artists/Nobody", code=USAGE)[1], "the current level is '/Artists/' now")
+        self.assertEqual(self.failure("cd", "/Artists/Nobody", code=USAGE)[1], "the current level is now '/Artists/'")
         self.assertEqual(self.failure("cd", "./Nobody", code=USAGE)[1], "list it with 'ipodctl ls --all'")
 
     def test_a_level_that_cannot_be_entered_is_reported(self):
@@ -687,7 +687,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_a_page_of_another_size_is_reported_with_a_likely_cause(self):
         self.run_ctl("cd", "/Songs")
-        self.tell("fault", "half-filled@GetCurDbListItems")
+        self.simulate("fault", "half-filled@GetCurDbListItems")
         self.assertIn("expected a page of 24 entries, got 12; another application may have read a list at the same time",
                       self.refused("ls", code=SERVICE_LOST))
 
@@ -713,7 +713,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("out of range", self.refused("devices", "7", code=USAGE))
 
     def test_names_of_the_service_do_not_reach_the_terminal_raw(self):
-        self.tell("attach", "Evil\033[2J\u202eName")
+        self.simulate("attach", "Evil\033[2J\u202eName")
         self.assertIn("Evil\ufffd[2J\ufffdName", self.text("devices"))
         raw = self.run_ctl("--json", "devices")
         self.assertNotIn(b"\033", raw)
@@ -723,8 +723,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
     def test_detections_are_shown(self):
         self.assertEqual(self.json("carplay")["status"], "not-detected")
         self.assertEqual(self.text("carlife"), "carlife device not-detected\n")
-        self.tell("carplay", "detected", "serial=F17")
-        self.tell("carlife", "unsupported")
+        self.simulate("carplay", "detected", "serial=F17")
+        self.simulate("carlife", "unsupported")
         self.assertEqual(self.text("carplay"), "carplay device detected, serial number F17\n")
         self.assertEqual(self.json("carplay")["serial"], "F17")
         self.assertEqual(self.json("carlife")["status"], "unsupported")
@@ -751,22 +751,22 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("cannot write '/dev/full'", self.refused("art", "/dev/full", code=NO_OUTPUT))
 
     def test_artwork_that_the_shared_memory_has_no_room_for_is_reported_as_absent(self):
-        self.tell("eap-open")
+        self.simulate("eap-open")
         data = self.file("data", bytes(1030000))
-        self.tell("eap-data", "1", f"hex=@{data}")
+        self.simulate("eap-data", "1", f"hex=@{data}")
         self.assertFalse(self.play_first_song()["track"]["picture"])
         self.assertIn("the playing track has no artwork", self.refused("art", code=NOTHING_DONE))
 
     def test_incomplete_artwork_is_reported(self):
         self.play_first_song()
-        self.tell("fault", "half-filled@GetPlayingTrackAlbumArtwork")
+        self.simulate("fault", "half-filled@GetPlayingTrackAlbumArtwork")
         self.assertIn("the image is incomplete after ", self.refused("art", "half.png", code=SERVICE_LOST))
         self.assertEqual(os.listdir(self.folder), [])
         self.assertIn("300 x 300, incomplete\n", self.text("info"))
 
     def test_artwork_of_the_wrong_type_is_a_broken_answer(self):
         self.play_first_song()
-        self.tell("fault", "wrong-type@GetPlayingTrackAlbumArtwork")
+        self.simulate("fault", "wrong-type@GetPlayingTrackAlbumArtwork")
         self.assertIn("sent an invalid answer: expected a record of ",
                       self.refused("art", "cover", code=SERVICE_LOST))
         self.assertEqual(os.listdir(self.folder), [])
@@ -784,15 +784,15 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_events_are_printed_one_per_line_until_the_count_is_reached(self):
         def cause():
-            self.tell("call", "ringing", "display-name=Li Lei", "remote-id=123")
-            self.tell("battery", "80", "charging-status=charging")
-            self.tell("wireless", "on", "address=00:11:22:33:44:55")
-            self.tell("pairing", "00:11:22:33:44:55", "hex=0a1b")
-            self.tell("location", "on")
-            self.tell("app", "com.example.maps")
-            self.tell("source", "off")
-            self.tell("carplay", "detected", "serial=F17")
-            self.tell("carlife", "detected")
+            self.simulate("call", "ringing", "display-name=Li Lei", "remote-id=123")
+            self.simulate("battery", "80", "charging-status=charging")
+            self.simulate("wireless", "on", "address=00:11:22:33:44:55")
+            self.simulate("pairing", "00:11:22:33:44:55", "hex=0a1b")
+            self.simulate("location", "on")
+            self.simulate("app", "com.example.maps")
+            self.simulate("source", "off")
+            self.simulate("carplay", "detected", "serial=F17")
+            self.simulate("carlife", "detected")
 
         events = self.events(cause, "--no-progress", "--count", "9")
         self.assertEqual([event["event"] for event in events],
@@ -813,9 +813,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_accessory_sessions_are_events_too(self):
         def cause():
-            self.tell("eap-open")
-            self.tell("eap-data", "1", "text=hi")
-            self.tell("eap-close", "1")
+            self.simulate("eap-open")
+            self.simulate("eap-data", "1", "text=hi")
+            self.simulate("eap-close", "1")
 
         events = self.events(cause, "--count", "3")
         self.assertEqual([event["event"] for event in events], ["eap-start", "eap-data", "eap-stop"])
@@ -823,9 +823,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_events_are_chosen_by_name(self):
         def cause():
-            self.tell("location", "on")
-            self.tell("battery", "5")
-            self.tell("app", "com.example.maps")
+            self.simulate("location", "on")
+            self.simulate("battery", "5")
+            self.simulate("app", "com.example.maps")
 
         self.assertEqual([event["event"] for event in self.events(cause, "battery", "foreground-app", "--count", "2")],
                          ["battery", "foreground-app"])
@@ -833,9 +833,9 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_events_end_with_the_awaited_one(self):
         def cause():
-            self.tell("location", "on")
-            self.tell("battery", "5")
-            self.tell("location", "off")
+            self.simulate("location", "on")
+            self.simulate("battery", "5")
+            self.simulate("location", "off")
 
         names = [event["event"] for event in self.events(cause, "--no-progress", "--until", "battery")]
         self.assertEqual(names, ["location", "battery"])
@@ -846,7 +846,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         track = self.play_first_song()["track"]
         process = self.follow("events", "battery", "--count", "1", "--format",
                               '{{ title }}|{{ duration(length) }}|{{ charging | default: "?" }}|{{ percent }}')
-        self.tell("battery", "5")
+        self.simulate("battery", "5")
         out, _ = self.end(process)
         minutes, seconds = divmod(track["length_ms"] // 1000, 60)
         self.assertEqual(out.decode(), f"{track['title']}|{minutes}:{seconds:02}|?|5\n")
@@ -866,8 +866,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.play_first_song()
         process = self.follow("events", "battery", "--count", "2", "--exec",
                               'echo "$IPOD_EVENT $IPOD_PERCENT $IPOD_STATE"; cat')
-        self.tell("battery", "5")
-        self.tell("battery", "6")
+        self.simulate("battery", "5")
+        self.simulate("battery", "6")
         out, _ = self.end(process)
         lines = out.decode().splitlines()
         self.assertEqual([lines[0], lines[2]], ["battery 5 playing", "battery 6 playing"])
@@ -881,8 +881,8 @@ class WithTheSimulator(OnABusWithTheSimulator):
                 # still starts the command.
                 slow = "import os, time; print(os.environ['IPOD_PERCENT'], flush=True); time.sleep(300)"
                 process = self.follow("events", "battery", "--exec", f'"{sys.executable}" -c "{slow}"; echo survived')
-                self.tell("battery", "5")
-                self.tell("battery", "6")
+                self.simulate("battery", "5")
+                self.simulate("battery", "6")
                 self.assertEqual(line_within(process.stdout, LIMIT), b"5\n")
                 process.send_signal(number)
                 # The output ends when the last process that holds the pipe has exited.
@@ -892,7 +892,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_a_command_that_ignores_the_first_interrupt_is_killed_by_the_second(self):
         process = self.follow("events", "battery", "--exec", "trap '' INT; echo begun; sleep 300; echo survived")
-        self.tell("battery", "5")
+        self.simulate("battery", "5")
         self.assertEqual(line_within(process.stdout, LIMIT), b"begun\n")
         process.send_signal(signal.SIGINT)
         with self.assertRaises(subprocess.TimeoutExpired):
@@ -901,12 +901,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_no_further_command_starts_when_the_time_is_up(self):
         began = time.monotonic()
-        self.tell("battery", "5")
+        self.simulate("battery", "5")
         once = time.monotonic() - began
         process = self.follow("events", "battery", "--timeout", str(0.5 + 3 * once), "--exec",
                               f'echo "$IPOD_PERCENT"; sleep {1 + 3 * once}; echo ended')
-        self.tell("battery", "6")
-        self.tell("battery", "7")
+        self.simulate("battery", "6")
+        self.simulate("battery", "7")
         out, _ = self.end(process)
         self.assertEqual(out, b"6\nended\n")
 
@@ -916,7 +916,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_following_ends_with_ctrl_c(self):
         process = self.follow("events")
-        self.tell("battery", "5")
+        self.simulate("battery", "5")
         self.assertIn("battery", line_within(process.stdout, LIMIT).decode())
         _, err = self.interrupt(process)
         self.assertNotIn("ipodctl:", err)
@@ -943,7 +943,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.json("eap", "echo", "你好")["received"], "你好")
 
     def test_an_echo_reports_a_service_that_dies(self):
-        self.tell("fault", "crash@EapWrite")
+        self.simulate("fault", "crash@EapWrite")
         out, err = self.end(self.start("eap", "echo", "hello"), code=SERVICE_LOST)
         self.assertEqual(out, b"")
         self.assertIn("the iPod service disappeared", err)
@@ -962,10 +962,10 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
 
     def test_a_bridge_sends_smaller_pieces_where_the_shared_memory_has_little_room(self):
-        self.tell("eap-open")
+        self.simulate("eap-open")
         filling = self.file("filling", bytes(self.free_bytes() - 40000))
-        self.tell("eap-data", "1", f"hex=@{filling}")
-        self.tell("eap-close", "1")
+        self.simulate("eap-data", "1", f"hex=@{filling}")
+        self.simulate("eap-close", "1")
         self.assertLess(self.free_bytes(), 3 * 16384)
         data = bytes(range(256)) * 400
         self.assertEqual(self.run_ctl("eap", "bridge", data=data), data)
@@ -984,16 +984,16 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertEqual(self.text("eap", "echo", "hello"), "hello\n")
 
     def test_a_bridge_with_a_full_output_is_reported(self):
-        self.assert_output_is_told("eap bridge", ">/dev/full", "No space left on device", input=b"hi")
+        self.assert_output_error_is_reported("eap bridge", ">/dev/full", "No space left on device", input=b"hi")
 
     def test_a_bridge_ends_with_the_session(self):
         process = self.start("--verbose", "eap", "bridge", "--no-launch", stdin=subprocess.PIPE)
         self.await_line(process.stderr, b"session Ready")
         time.sleep(0.3)
-        self.tell("eap-open")
-        self.tell("eap-data", "1", "text=from the device")
+        self.simulate("eap-open")
+        self.simulate("eap-data", "1", "text=from the device")
         self.assertEqual(os.read(process.stdout.fileno(), 100), b"from the device")
-        self.tell("eap-close", "1")
+        self.simulate("eap-close", "1")
         self.end(process)
 
     def test_a_bridge_reports_when_the_service_leaves(self):
@@ -1050,7 +1050,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.assertIn("cannot read", self.refused("eap", "write", "1", "/nonexistent", code=USAGE))
 
     def test_more_than_the_shared_memory_holds_is_rejected_in_advance(self):
-        self.tell("eap-open")
+        self.simulate("eap-open")
         free = self.free_bytes()
         for size in (3000000, 2000000, 614400):
             refusal = self.refused("eap", "write", "1", data=bytes(size), code=NO_SEGMENTS)
@@ -1146,12 +1146,12 @@ class WithTheSimulator(OnABusWithTheSimulator):
             times = [command[name] for name in ("least_us", "p50_us", "p99_us", "most_us")]
             self.assertEqual(times, sorted(times))
         self.assertEqual(self.json("status"), before)
-        self.assertIn("changes nothing", self.text("bench", "--count", "2"))
+        self.assertIn("read-only", self.text("bench", "--count", "2"))
 
     # Misbehaving service
 
     def test_an_error_of_the_service_is_reported_unchanged(self):
-        self.tell("fault", "error=com.example.Busy")
+        self.simulate("fault", "error=com.example.Busy")
         for words in (["next"], ["cd", ".."], ["cd", "/"], ["pause"], ["art"]):
             with self.subTest(words):
                 self.assertIn("the service refused: GDBus.Error:com.example.Busy: ",
@@ -1163,11 +1163,11 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_events_continue_when_the_service_restarts(self):
         process = self.follow("events", "--no-progress", "--count", "4")
-        self.tell("battery", "1")
+        self.simulate("battery", "1")
         for level in ("2", "3", "4"):
             self.restart_simulator()
             self.await_line(process.stderr, b"connected to the iPod service; following")
-            self.tell("battery", level)
+            self.simulate("battery", level)
         out, _ = self.end(process)
         self.assertEqual(re.findall(r"battery +percent (\d)", out.decode()), ["1", "2", "3", "4"])
 
@@ -1175,7 +1175,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
         process = self.follow("--json", "events", "--no-progress", "--count", "1")
         self.restart_simulator()
         self.await_line(process.stdout, b'"ready"', keep=(lines := []))
-        self.tell("battery", "7")
+        self.simulate("battery", "7")
         out, _ = self.end(process)
         events = [self.valid(line) for line in lines + out.splitlines()]
         self.assertEqual([(event["event"], event.get("state")) for event in events],
@@ -1188,18 +1188,18 @@ class WithTheSimulator(OnABusWithTheSimulator):
         self.await_line(process.stderr, b"no iPod service yet")
         self.start_simulator()
         self.await_line(process.stderr, b"connected to the iPod service; following")
-        self.tell("battery", "9")
+        self.simulate("battery", "9")
         out, _ = self.end(process)
         self.assertIn(b"percent 9", out)
 
     def test_unreported_fields_are_named(self):
         self.play_first_song()
-        self.tell("fault", "long-record@GetCurrentMediaInfo")
+        self.simulate("fault", "long-record@GetCurrentMediaInfo")
         out, err = self.end(self.start("status"))
         self.assertRegex(err, r"^ipodctl: the service did not report the track: [^\n]*invalid answer[^\n]*\n$")
         self.assertIn(b"queue 1 of ", out)
         self.assertIn("invalid answer", self.refused("info", code=SERVICE_LOST))
-        self.tell("fault", "error=com.example.Busy@GetDeviceAmount")
+        self.simulate("fault", "error=com.example.Busy@GetDeviceAmount")
         out, err = self.end(self.start("--json", "status"))
         self.assertIn("report the track, the devices", err)
         self.assertIsNone(self.valid(out)["devices"])
@@ -1213,24 +1213,24 @@ class WithTheSimulator(OnABusWithTheSimulator):
                                     ("GetPlayingListItems", "queue", "the queue"),
                                     ("GetPlayingTrackAlbumArtwork", "picture", "the artwork")):
             with self.subTest(method):
-                self.tell("fault", f"error=com.example.Busy@{method}")
+                self.simulate("fault", f"error=com.example.Busy@{method}")
                 out, err = self.end(self.start("--json", "status"))
-                self.tell("clear-faults")
+                self.simulate("clear-faults")
                 self.assertRegex(err, rf"^ipodctl: the service did not report {what}: .*com\.example\.Busy")
                 self.assertIsNone(self.valid(out)[field])
 
     def test_a_mute_service_is_reported_without_a_list_of_its_fields(self):
-        self.tell("fault", "no-reply")
+        self.simulate("fault", "no-reply")
         self.assertEqual(self.refused("--deadline", "0.2", "status", code=SERVICE_LOST),
                          "the iPod service did not answer in time: no request was answered")
 
     def test_a_silent_service_is_reported(self):
         self.play_first_song()
-        self.tell("fault", "error=com.example.Busy")
+        self.simulate("fault", "error=com.example.Busy")
         for words in (["status"], ["info"]):
             self.assertIn("GDBus.Error:com.example.Busy: ", self.refused(*words, code=NOTHING_DONE))
-        self.tell("clear-faults")
-        self.tell("fault", "wrong-type")
+        self.simulate("clear-faults")
+        self.simulate("fault", "wrong-type")
         for words in (["status"], ["bench", "--count", "1"]):
             self.assertIn("sent an invalid answer", self.refused(*words, code=SERVICE_LOST))
 
@@ -1282,7 +1282,7 @@ class WithTheSimulator(OnABusWithTheSimulator):
 
     def test_a_service_that_dies_during_a_list_is_reported_once(self):
         self.run_ctl("cd", "/Songs")
-        self.tell("fault", "crash@GetCurDbListItems")
+        self.simulate("fault", "crash@GetCurDbListItems")
         self.assertEqual(self.end(self.start("ls"), code=SERVICE_LOST),
                          (b"", "ipodctl: the iPod service disappeared: it left the bus before it answered\n"
                                "hint: check whether the service is running, then try again\n"))

@@ -26,7 +26,7 @@ TEST(Output, HasNoColorWithoutATerminal)
 {
     testing::internal::CaptureStdout();
     const ctl::Output out(false);
-    EXPECT_EQ(out.Paint(ctl::Colour::Bold, "x"), "x");
+    EXPECT_EQ(out.Paint(ctl::Color::Bold, "x"), "x");
     testing::internal::GetCapturedStdout();
 }
 

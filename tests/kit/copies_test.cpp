@@ -1,4 +1,4 @@
-// How often an image is copied on its way from the segment to the application.
+// How many times an image is copied on its way from the segment to the application.
 #include "kit/kit_test.h"
 #include "support/counted_malloc.h"
 

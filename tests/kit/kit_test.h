@@ -72,7 +72,7 @@ protected:
     /// Sends a signal and settles.
     void Emit(const std::string& signal, const std::string& body);
 
-    /// Returns how often the service received this call, such as "Next()".
+    /// Returns how many times the service received this call, such as "Next()".
     std::ptrdiff_t Calls(const std::string& call) const;
 
     SharedVectors shared;

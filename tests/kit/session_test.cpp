@@ -419,7 +419,7 @@ TEST_F(SessionTest, ASegmentThatWasNeverFinishedIsAnErrorWithARemedy)
 }
 
 // As between the two steps in which a service grows it.
-TEST_F(SessionTest, ASegmentWhoseObjectIsLongerThanItIsAttached)
+TEST_F(SessionTest, AttachesASegmentShorterThanItsObject)
 {
     QBXSharedSegment(boost::interprocess::open_or_create, kListSegmentName, 65536);
     ASSERT_EQ(truncate((std::string("/dev/shm/") + kListSegmentName).c_str(), 65536 + 4096), 0);

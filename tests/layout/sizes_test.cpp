@@ -1,5 +1,5 @@
-// Sizes that applications and the service were built with, checked by the compiler for the word size of the head
-// unit and for that of the desk. docs/porting.md refers to this list.
+// Sizes that applications and the service were built with, checked by the compiler for the word sizes of the head
+// unit and of a desktop.
 #include <IQBXIpodPlayer.h>
 #include <QBXIpodShareMemory.h>
 
@@ -46,7 +46,7 @@ static_assert(sizeof(std::set<IQBXIpodPlayerListener*>) == Size(24, 48), "the se
 static_assert(sizeof(IQBXListener<IQBXIpodPlayerListener>) ==
                   sizeof(void*) + sizeof(QBXMutex) + sizeof(std::set<IQBXIpodPlayerListener*>),
               "a registry is its table, its lock and its set");
-static_assert(sizeof(QBXMutex) == Size(24, 40), "the lock of the stand-ins; the unit's may have another size");
+static_assert(sizeof(QBXMutex) == Size(24, 40), "the lock of the stand-in; the head unit's may differ in size");
 static_assert(sizeof(IQBXListener<IQBXIpodPlayerListener>) == Size(52, 96), "applications derive from it");
 static_assert(sizeof(IQBXService<IQBXIpodPlayerListener>) == Size(84, 152), "applications derive from it");
 static_assert(sizeof(IQBXIpodPlayer) == sizeof(IQBXService<IQBXIpodPlayerListener>), "it adds operations only");

@@ -18,8 +18,8 @@ namespace screentest
 {
 namespace
 {
-using Hardship = ScreenTest;
-using Everybody = ScreenTest;
+using Robustness = ScreenTest;
+using Accessibility = ScreenTest;
 using namespace std::chrono_literals;
 
 constexpr int kMany = 50'000;
@@ -139,7 +139,7 @@ QColor Backdrop(ipodkit::FakeSession& fake, QQmlEngine& engine, const QColor& ar
 }
 }  // namespace
 
-TEST_F(Hardship, MarkupIsShownAsText)
+TEST_F(Robustness, MarkupIsShownAsText)
 {
     const ipodkit::Track hostile{"<img src='file:///etc/passwd'><b>Title</b>", "&lt;i&gt;", "<a href='x'>y</a>"};
     Fake().SetState(Playing(hostile));
@@ -154,7 +154,7 @@ TEST_F(Hardship, MarkupIsShownAsText)
         });
 }
 
-TEST_F(Hardship, NamesOfAnyLengthScriptAndEncodingAreShown)
+TEST_F(Robustness, NamesOfAnyLengthScriptAndEncodingAreShown)
 {
     Fake().SetState(Playing({std::string(255, 'W'), "فيروز", std::string("\xff\xfe\x80 broken", 11)}));
     Show(Still("nowplaying", {800, 480}));
@@ -162,7 +162,7 @@ TEST_F(Hardship, NamesOfAnyLengthScriptAndEncodingAreShown)
     EXPECT_FALSE(Window().grabWindow().isNull());
 }
 
-TEST_F(Hardship, ImagesThatCannotBeDecodedLeaveTheNote)
+TEST_F(Robustness, ImagesThatCannotBeDecodedLeaveTheNote)
 {
     Fake().SetState(Playing({"Title"}));
     Show();
@@ -177,7 +177,7 @@ TEST_F(Hardship, ImagesThatCannotBeDecodedLeaveTheNote)
     EXPECT_EQ(TextOf("title"), "Title");
 }
 
-TEST_F(Hardship, ACallThatNeverEndsCanBeHidden)
+TEST_F(Robustness, ACallThatNeverEndsCanBeHidden)
 {
     Fake().SetState(Playing({"Title"}));
     Show();
@@ -188,7 +188,7 @@ TEST_F(Hardship, ACallThatNeverEndsCanBeHidden)
     EXPECT_TRUE(Until([this] { return !IsShown("call") && TextOf("banner").contains("Unknown number"); }));
 }
 
-TEST_F(Hardship, AListOf50000NamesIsFlungWithoutAReset)
+TEST_F(Robustness, AListOf50000NamesIsFlungWithoutAReset)
 {
     FillDatabase(Fake());
     Fake().SetState(Playing({"Title"}));
@@ -211,7 +211,7 @@ TEST_F(Hardship, AListOf50000NamesIsFlungWithoutAReset)
     std::printf("longest of %d frames: %lld ms\n", frames.Frames(), static_cast<long long>(frames.Longest()));
 }
 
-TEST_F(Hardship, ADeviceThatDisappearsWhileItsListIsFlungLeavesAMessage)
+TEST_F(Robustness, ADeviceThatDisappearsWhileItsListIsFlungLeavesAMessage)
 {
     StartService();
     Show(Still("browse", {800, 480}));
@@ -222,7 +222,7 @@ TEST_F(Hardship, ADeviceThatDisappearsWhileItsListIsFlungLeavesAMessage)
     EXPECT_TRUE(Until([this] { return Shows("No device"); }));
 }
 
-TEST_F(Hardship, ABusThatDiesLeavesAMessage)
+TEST_F(Robustness, ABusThatDiesLeavesAMessage)
 {
     Show();
     ASSERT_TRUE(Until([this] { return Shows("It has not started yet."); }));
@@ -231,7 +231,7 @@ TEST_F(Hardship, ABusThatDiesLeavesAMessage)
         << VisibleTexts().toStdString();
 }
 
-TEST_F(Hardship, AHungServiceDoesNotBlockTheLoop)
+TEST_F(Robustness, AHungServiceDoesNotBlockTheLoop)
 {
     StartService();
     Show(Still("browse"));
@@ -259,7 +259,7 @@ TEST_F(Hardship, AHungServiceDoesNotBlockTheLoop)
     EXPECT_LE(heartbeat.LongestOfProcessor(), 5);
 }
 
-TEST_F(Hardship, AServiceThatNeverAnswersLeavesAMessage)
+TEST_F(Robustness, AServiceThatNeverAnswersLeavesAMessage)
 {
     StartService();
     Service().Do("fault", "no-reply");
@@ -269,7 +269,7 @@ TEST_F(Hardship, AServiceThatNeverAnswersLeavesAMessage)
     EXPECT_TRUE(Until([this] { return !IsShown("problem"); }));
 }
 
-TEST_F(Everybody, EachControlHasANameAndIsLargeEnough)
+TEST_F(Accessibility, EachControlHasANameAndIsLargeEnough)
 {
     StartService();
     for (const QSize size : {QSize(1280, 720), QSize(800, 480)})
@@ -294,7 +294,7 @@ TEST_F(Everybody, EachControlHasANameAndIsLargeEnough)
         }
 }
 
-TEST_F(Everybody, TextsHaveEnoughContrast)
+TEST_F(Accessibility, TextsHaveEnoughContrast)
 {
     Fake().SetState(Playing({"Title"}));
     Show();

@@ -301,7 +301,7 @@ class InATest(OnABus):
         return done.returncode, done.stdout, done.stderr
 
     def test_the_example_succeeds(self):
-        self.assertEqual(self.run_example(), (0, "as it should be\n", ""))
+        self.assertEqual(self.run_example(), (0, "passed\n", ""))
 
     def test_the_example_reports_a_missing_bus(self):
         self.bus.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
@@ -483,7 +483,7 @@ class FromTheCommandLine(OnABus):
                 (["battery", "level=full"], 2, "level: expected an integer between 0 and 4294967295, got \"full\""),
                 (["battery", "levle=4"], 2, "unknown field 'levle'\nhint: did you mean 'level'?"),
                 (["battery", "1", "level=4"], 2, "level: can be given only once"),
-                (["battery"], 2, "missing field\nhint: try 'ipodctl sim battery --help'"),
+                (["battery"], 2, "missing argument: field\nhint: try 'ipodctl sim battery --help'"),
                 (["eap-data", "1"], 2, "value: expected either text or hex"),
                 (["eap-close", "0"], 2, "session: expected an integer between 1 and 65535, got 0"),
                 (["eap-close", "7"], 1, "the session is not open"),

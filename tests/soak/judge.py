@@ -108,7 +108,7 @@ def report(run):
     yield (f"  calls: {found['calls']:,}, of which {found['failed']:,} failed as documented and "
            f"{found['wrong']} were answered wrongly")
     yield (f"  events: {found['events_sent']:,} sent to two applications, {found['events_received']:,} received, "
-           f"{found['lost']} lost, {found['doubled']} doubled")
+           f"{found['lost']} lost, {found['doubled']} duplicated")
     yield f"  bytes: {found['bytes_moved']:,} moved, {found['bytes_changed']} changed"
     yield (f"  growth a minute, of both: {found['heap_kib_per_minute']} KiB of heap, of which failed calls keep "
            f"{found['demanded_kib_per_minute']}; {found['rss_kib_per_minute']} KiB resident; "
