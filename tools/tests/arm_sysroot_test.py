@@ -64,7 +64,7 @@ class ArmSysroot(unittest.TestCase):
 
     def test_creates_a_sysroot_and_keeps_it_if_complete(self):
         status, line = self.run_tool()
-        self.assertEqual((status, line.split(":")[1]), (0, " made"), line)
+        self.assertEqual((status, line.split(":")[1]), (0, " created"), line)
         self.assert_whole()
         status, line = self.run_tool("broken")
         self.assertEqual((status, line.split(":")[1]), (0, " ready"), line)
@@ -112,7 +112,7 @@ class ArmSysroot(unittest.TestCase):
         self.run_tool()
         (self.sysroot / "usr/include/some.h").unlink()
         status, line = self.run_tool()
-        self.assertEqual((status, line.split(":")[1]), (0, " made"), line)
+        self.assertEqual((status, line.split(":")[1]), (0, " created"), line)
         self.assert_whole()
 
     def test_recreates_it_if_its_marker_was_truncated(self):

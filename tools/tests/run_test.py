@@ -89,13 +89,13 @@ class Run(unittest.TestCase):
     def test_without_root_prints_the_command_to_install_packages(self):
         status, _, errors = self.run_verb("setup", user=self.ordinary_user(), MISSING="ninja-build")
         self.assertEqual(status, 1)
-        self.assertEqual(errors, "run: 1 Debian packages are missing, and installing them requires root\n"
+        self.assertEqual(errors, "run: installing the missing Debian packages requires root\n"
                                  "hint: apt-get install --no-install-recommends ninja-build\n")
         self.assertEqual(self.called("apt-get"), [])
 
     def test_a_user_with_sudo_is_informed_and_installs_them(self):
         status, _, errors = self.run_verb("setup", user=self.ordinary_user(), MISSING="ninja-build", SUDO="yes")
-        self.assertEqual((status, errors), (0, "==> installing 1 Debian packages: ninja-build\n"))
+        self.assertEqual((status, errors), (0, "==> installing Debian packages: ninja-build\n"))
         self.assertEqual(self.called("apt-get")[-1], "install -q -y --no-install-recommends "
                                                      "-o Dpkg::Options::=--force-unsafe-io ninja-build")
 
