@@ -26,10 +26,7 @@ cli::CommandLine CommandLineOf(bool& printInterface)
             "session bus.");
         app.add_flag("--print-interface", printInterface,
                      "Print the description of com.zarn.linux.ipod.State and exit");
-        std::string footer = "Exit codes:\n";
-        for (const cli::HelpRow& row : ExitCodes()) footer += "  " + row.name + "  " + row.description + "\n";
-        footer.pop_back();
-        app.footer(footer);
+        app.footer(cli::ExitCodeSection(ExitCodes()));
     };
 }
 }  // namespace companion

@@ -1,15 +1,14 @@
 #include "command_line.h"
 
 #include <cli/program.h>
+#include <cli/validators.h>
 #include <glib.h>
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
 #include <cstdio>
 #include <limits>
 #include <stdexcept>
-#include <system_error>
 
 #include "actions/action.h"
 #include "faults/faults.h"
@@ -23,33 +22,15 @@ namespace
 // Each check returns the expectation, or an empty string if the value is valid.
 std::string CheckSpeed(const std::string& text)
 {
-    char* end = nullptr;
-    const double speed = g_ascii_strtod(text.c_str(), &end);
-    const bool whole = !text.empty() && end == text.c_str() + text.size();
-    const bool fits = whole && speed >= kSlowest && speed <= kFastest;
-    return fits ? "" : "expected a number between 0.001 and 10000, got '" + text + "'";
-}
-
-template <unsigned Least, unsigned Most>
-std::string CheckInteger(const std::string& text)
-{
-    unsigned number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool whole = error == std::errc() && end == text.data() + text.size();
-    if (whole && number >= Least && number <= Most) return {};
-    return "expected an integer between " + std::to_string(Least) + " and " + std::to_string(Most) + ", got '" + text +
-           "'";
-}
-
-std::string CheckNotEmpty(const std::string& name)
-{
-    return name.empty() ? "expected a non-empty name" : "";
+    const std::optional<double> speed = cli::Parsed<double>(text);
+    const bool fits = speed && *speed >= kSlowest && *speed <= kFastest;
+    return fits ? "" : cli::NotBetween("a number", "0.001", "10000", text);
 }
 
 std::string CheckDeviceName(const std::string& name)
 {
     const bool valid = g_utf8_validate(name.data(), static_cast<gssize>(name.size()), nullptr) != FALSE;
-    return valid ? CheckNotEmpty(name) : "expected UTF-8 text, got '" + name + "'";
+    return valid ? "" : "expected UTF-8 text, got '" + name + "'";
 }
 
 std::string CheckFault(const std::string& fault)
@@ -76,10 +57,11 @@ void AddMusicOptions(CLI::App& app, Arguments& arguments)
     Options& options = arguments.options;
     app.add_option("folder", options.musicFolder,
                    "Music folder; each subfolder is a device. Without it, one device has a small built-in library")
-        ->check(CheckNotEmpty);
+        ->check(cli::NonEmpty());
     app.add_flag("--one-device", options.oneDevice, "Put everything below the folder on one device");
     app.add_option("--name", options.deviceName, "Name, in UTF-8, of the device with the files directly in the folder")
         ->type_name("NAME")
+        ->check(cli::NonEmpty())
         ->check(CheckDeviceName)
         ->capture_default_str();
     app.add_flag("--no-cache", arguments.noCache, "Scan every file and store no index");
@@ -111,12 +93,12 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         ->capture_default_str();
     app.add_option("--seed", options.seed, "Seed for shuffling; the same seed gives the same order")
         ->type_name("N")
-        ->check(CheckInteger<0, std::numeric_limits<unsigned>::max()>)
+        ->transform(cli::NumberUpTo(std::numeric_limits<unsigned>::max()))
         ->capture_default_str();
     app.add_option("--scenario", arguments.scenarioFile,
                    "Run the timed actions in a JSON file once everything is ready")
         ->type_name("FILE")
-        ->check(CheckNotEmpty);
+        ->check(cli::NonEmpty());
     app.add_option(
            "--fault", arguments.faults,
            "Inject a fault: KIND[=PARAMETER][@MEMBER][/COUNT]. MEMBER is a method or signal, by default every "
@@ -134,11 +116,11 @@ void AddOptions(CLI::App& app, SampleArguments& arguments)
 {
     cli::Prepare(app, "ipod-make-samples",
                  "Writes a few short melodies with tags and covers, as FLAC, Ogg Vorbis, and MP3.");
-    app.add_option("folder", arguments.folder, "Output folder; created if missing")->required()->check(CheckNotEmpty);
+    app.add_option("folder", arguments.folder, "Output folder; created if missing")->required()->check(cli::NonEmpty());
     app.add_option("--count", arguments.count,
                    "Write this many one-second files instead, for benchmarks; at most 1000000")
         ->type_name("N")
-        ->check(CheckInteger<1, 1000000>);
+        ->transform(cli::NumberUpTo(1000000, 1));
     app.footer(
         "Examples:\n"
         "  ipod-make-samples /tmp/music && ipod-simulator /tmp/music\n"

@@ -151,6 +151,13 @@ std::string DescriptionOf(const CLI::Option& option)
     return option.get_description() + (value.empty() ? "" : " (default: " + value + ")");
 }
 
+std::string ExitCodeSection(const std::vector<HelpRow>& rows)
+{
+    std::string text = "Exit codes:";
+    for (const HelpRow& row : rows) text += "\n  " + row.name + "  " + row.description;
+    return text;
+}
+
 std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width)
 {
     std::string text = rows.empty() ? "" : "\n" + std::string(title) + ":\n";

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <map>
 
 #include "output/text.h"
 #include "player/lists.h"
@@ -287,7 +286,7 @@ Run BuildSearch(CLI::App& app)
     const auto text = Argument<std::string>();
     app.add_option("text", *text, "The beginning of a word in the name or its pinyin, or initials")
         ->required()
-        ->check(NonEmpty());
+        ->check(cli::NonEmpty());
     return [text](Context& context) { return Search(context, *text); };
 }
 

@@ -59,7 +59,7 @@ Run BuildDevices(CLI::App& app)
     const auto names = Argument<bool>();
     auto* const entered =
         app.add_option("device", *device, "Index or name of the device to browse; without it, list the devices");
-    entered->check(NonEmpty());
+    entered->check(cli::NonEmpty());
     app.add_flag("--names", *names, "Print one name per line and nothing else, for scripts")->excludes(entered);
     return [device, names](Context& context)
     { return device->empty() ? ShowDevices(context, *names) : EnterDevice(context.session, *device); };
@@ -104,10 +104,12 @@ void SetButton(Session& session, const Button& button, std::uint32_t pressed)
 Run BuildButton(CLI::App& app)
 {
     const auto button = Argument<Button>();
-    app.add_option("number", button->number, "Number of the button")->required()->transform(NumberUpTo(UINT32_MAX));
+    app.add_option("number", button->number, "Number of the button")
+        ->required()
+        ->transform(cli::NumberUpTo(UINT32_MAX));
     app.add_option("--held", button->heldFor, "Time that the button is held, as reported to the device")
         ->type_name("MILLISECONDS")
-        ->transform(NumberUpTo(UINT32_MAX));
+        ->transform(cli::NumberUpTo(UINT32_MAX));
     return [button](Context& context) -> Answer
     {
         SetButton(context.session, *button, 1);
@@ -120,7 +122,7 @@ Run BuildButton(CLI::App& app)
 Run BuildHub(CLI::App& app)
 {
     const auto mode = Argument<int>();
-    app.add_option("mode", *mode, "Test mode, 0 to 255; 0 ends it")->required()->transform(NumberUpTo(255));
+    app.add_option("mode", *mode, "Test mode, 0 to 255; 0 ends it")->required()->transform(cli::NumberUpTo(255));
     return [mode](Context& context) -> Answer
     {
         context.session.Ask(context.session.Commands().SetHubTestMode(static_cast<unsigned char>(*mode)));

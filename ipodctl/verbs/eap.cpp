@@ -43,8 +43,10 @@ Run BuildInit(CLI::App& app)
     const auto info = Argument<ipodkit::AccessoryInfo>();
     app.add_option("protocols", info->protocols, "Accessory protocols, separated by commas")
         ->required()
-        ->check(NonEmpty());
-    app.add_option("bundle", info->bundleId, "Bundle identifier of the companion app")->required()->check(NonEmpty());
+        ->check(cli::NonEmpty());
+    app.add_option("bundle", info->bundleId, "Bundle identifier of the companion app")
+        ->required()
+        ->check(cli::NonEmpty());
     return [info](Context& context) -> Answer
     {
         Announce(context.session, *info);
@@ -56,7 +58,7 @@ Run BuildInit(CLI::App& app)
 Run BuildLaunch(CLI::App& app)
 {
     const auto bundle = Argument<std::string>();
-    app.add_option("bundle", *bundle, "Bundle identifier of the app to start")->required()->check(NonEmpty());
+    app.add_option("bundle", *bundle, "Bundle identifier of the app to start")->required()->check(cli::NonEmpty());
     return [bundle](Context& context) -> Answer
     {
         LaunchApp(context.session, *bundle);
@@ -75,7 +77,7 @@ Run BuildWrite(CLI::App& app)
     const auto writing = Argument<Writing>();
     app.add_option("session", writing->session, "Number of the session, as in the event eap-start")
         ->required()
-        ->transform(NumberUpTo(kLastSession));
+        ->transform(cli::NumberUpTo(kLastSession));
     app.add_option("file", writing->file, "File to send, - for standard input");
     return [writing](Context& context) -> Answer
     {
@@ -179,7 +181,7 @@ Run BuildBridge(CLI::App& app)
     app.add_option("--socket", request->socket,
                    "Serve a UNIX socket at this path, one client at a time, instead of standard input and output")
         ->type_name("FILE")
-        ->check(NonEmpty());
+        ->check(cli::NonEmpty());
     app.add_option("--linger", request->linger, "Exit after this much silence once the input has ended")
         ->capture_default_str()
         ->check(Seconds());

@@ -27,12 +27,12 @@ void AddPresentation(CLI::App& app, Following& following)
                                         "Format each event with a template such as '{{title}} {{duration(length)}}'; "
                                         "ipodctl(1) lists its fields and functions")
                              ->type_name("TEMPLATE")
-                             ->check(NonEmpty());
+                             ->check(cli::NonEmpty());
     app.add_option("--exec", following.command,
                    "Run this shell command for each event instead: its environment contains the fields "
                    "(IPOD_EVENT, IPOD_TITLE, ...), its standard input is the event as JSON")
         ->type_name("COMMAND")
-        ->check(NonEmpty())
+        ->check(cli::NonEmpty())
         ->excludes(format);
 }
 

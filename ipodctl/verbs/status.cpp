@@ -132,7 +132,7 @@ Run BuildStatus(CLI::App& app)
     auto* const keys = AddKeys(app, options);
     keys->excludes(watch);
     app.add_option("--format", options->format, "Print one line formatted with a template, as in 'ipodctl events'")
-        ->check(NonEmpty())
+        ->check(cli::NonEmpty())
         ->excludes(watch)
         ->excludes(keys);
     return [options](Context& context) { return ShowStatus(context, *options); };

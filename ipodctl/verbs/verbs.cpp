@@ -3,8 +3,6 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <charconv>
-#include <sstream>
 
 #include "output/text.h"
 #include "verbs/command_line.h"
@@ -14,14 +12,6 @@ namespace ctl
 {
 namespace
 {
-std::string Footer(const char* examples)
-{
-    std::istringstream lines(examples);
-    std::string text = "Examples:";
-    for (std::string line; std::getline(lines, line);) text += "\n  " + line;
-    return text;
-}
-
 struct AddedVerb
 {
     const CLI::App* app;
@@ -33,7 +23,7 @@ AddedVerb Add(CLI::App& app, const Verb& verb)
     CLI::App* const added = app.add_subcommand(verb.name, verb.summary);
     added->group(verb.group);
     added->fallthrough();
-    added->footer(Footer(verb.examples));
+    added->footer("Examples:\n  " + Joined(Split(verb.examples), "\n  "));
     return {added, verb.build(*added)};
 }
 
@@ -77,44 +67,9 @@ void SpellOutBackward(std::vector<std::string>& arguments)
 }
 }  // namespace
 
-namespace
-{
-// Parses decimal digits that fill the whole text.
-template <class Number>
-std::optional<Number> Parsed(const std::string& text)
-{
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [read, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && read == end ? std::optional<Number>(number) : std::nullopt;
-}
-
-std::string NotBetween(const char* what, const std::string& least, const std::string& most, const std::string& text)
-{
-    return std::string("expected ") + what + " between " + least + " and " + most + ", got '" + Printable(text) + "'";
-}
-}  // namespace
-
 CLI::Validator WholeNumber(int least)
 {
-    return NumberUpTo(kLargestIndex, static_cast<std::uint64_t>(least));
-}
-
-CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least)
-{
-    const auto check = [most, least](std::string& text)
-    {
-        const std::optional<std::uint64_t> number = Parsed<std::uint64_t>(text);
-        const bool fits = number && *number >= least && *number <= most;
-        if (fits) text = std::to_string(*number);
-        return fits ? "" : NotBetween("an integer", std::to_string(least), std::to_string(most), text);
-    };
-    return {check, "N"};
-}
-
-CLI::Validator NonEmpty()
-{
-    return {[](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""};
+    return cli::NumberUpTo(kLargestIndex, static_cast<std::uint64_t>(least));
 }
 
 CLI::Validator OneOf(const std::vector<std::string>& words)
@@ -132,10 +87,10 @@ CLI::Validator Seconds(double most)
     constexpr double kLeast = 0.001;
     const auto check = [most](const std::string& text)
     {
-        const std::optional<double> number = Parsed<double>(text);
+        const std::optional<double> number = cli::Parsed<double>(text);
         // The range check rejects NaN, which compares false with everything.
         if (number && *number >= kLeast && *number <= most) return std::string();
-        return NotBetween("a number of seconds", "0.001", std::to_string(static_cast<long>(most)), text);
+        return cli::NotBetween("a number of seconds", "0.001", std::to_string(static_cast<long>(most)), text);
     };
     return {check, "SECONDS"};
 }
@@ -200,10 +155,8 @@ Run WithoutArguments(CLI::App&)
 // The manual page has the full descriptions.
 std::string Footer()
 {
-    std::string text = "Exit codes:\n";
-    for (const cli::HelpRow& row : ExitCodes()) text += "  " + row.name + "  " + row.description + "\n";
-    text += cli::HelpSection("Environment", EnvironmentVariables());
-    return text + "\nRun 'ipodctl COMMAND --help' for the arguments and examples of a command.";
+    return cli::ExitCodeSection(ExitCodes()) + "\n" + cli::HelpSection("Environment", EnvironmentVariables()) +
+           "\nRun 'ipodctl COMMAND --help' for the arguments and examples of a command.";
 }
 
 void AddOptions(CLI::App& app, Options& options)

@@ -2,6 +2,8 @@
 /// The verbs of the command line: their definition, the validators of their arguments, and the table of each subject.
 #pragma once
 
+#include <cli/validators.h>
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -27,15 +29,8 @@ struct Verb
     const char* group = "Commands";  ///< title of its section in the help
 };
 
-/// Accepts decimal integers from @p least to kLargestIndex. For transform(), like NumberUpTo().
+/// Accepts decimal integers from @p least to kLargestIndex. For transform(), like cli::NumberUpTo().
 CLI::Validator WholeNumber(int least);
-
-/// Accepts decimal integers between @p least and @p most. For transform(): removes leading zeros, because the parser
-/// would read "010" as an octal number.
-CLI::Validator NumberUpTo(std::uint64_t most, std::uint64_t least = 0);
-
-/// Accepts any non-empty text.
-CLI::Validator NonEmpty();
 
 /// Accepts one of @p words.
 CLI::Validator OneOf(const std::vector<std::string>& words);

@@ -192,7 +192,7 @@ class Program(OnABus):
         file = self.write("file", "")
         self.assertEqual(self.complete(OPTIONS.samples).stderr,
                          "ipod-make-samples: missing argument: folder\nhint: try 'ipod-make-samples --help'\n")
-        for folder, code, expected in (("", 2, "folder: expected a non-empty name\nhint: try 'ipod-make-samples --help'"),
+        for folder, code, expected in (("", 2, "folder: must not be empty\nhint: try 'ipod-make-samples --help'"),
                                        ("/proc/x", 1, "cannot create /proc/x: No such file or directory"),
                                        (file, 1, f"cannot create {file}: Not a directory")):
             for more in ([], ["--count", "3"]):
@@ -201,6 +201,9 @@ class Program(OnABus):
                     self.assertEqual((done.returncode, done.stdout), (code, ""))
                     self.assertEqual(done.stderr, f"ipod-make-samples: {expected}\n")
         self.assertEqual(os.listdir(self.folder), ["file"])
+
+    def test_numbers_are_decimal(self):
+        self.assertEqual(self.complete(OPTIONS.samples, "--count", "010", self.folder).stdout, f"10 files in {self.folder}\n")
 
     def test_invalid_values_are_usage_errors_with_the_expectation(self):
         for words, expected in ((["--speed", "0"], "--speed: expected a number between 0.001 and 10000, got '0'"),
@@ -211,10 +214,10 @@ class Program(OnABus):
                                 (["--speed", "1e999"], "--speed: expected a number between 0.001 and 10000, got '1e999'"),
                                 (["--speed", ""], "--speed: expected a number between 0.001 and 10000, got ''"),
                                 (["--seed", "-1"], "--seed: expected an integer between 0 and 4294967295, got '-1'"),
-                                (["--name", ""], "--name: expected a non-empty name"),
+                                (["--name", ""], "--name: must not be empty"),
                                 (["--name", b"\xff"], "--name: expected UTF-8 text, got '\N{REPLACEMENT CHARACTER}'"),
-                                ([""], "folder: expected a non-empty name"),
-                                (["--scenario", ""], "--scenario: expected a non-empty name"),
+                                ([""], "folder: must not be empty"),
+                                (["--scenario", ""], "--scenario: must not be empty"),
                                 (["--seed"], "--seed: missing value"),
                                 (["--sede", "3", "--one-device"],
                                  "unknown option '--sede'\nhint: did you mean '--seed'?"),

@@ -56,6 +56,9 @@ struct HelpRow
     std::string description;
 };
 
+/// Returns the section of the exit codes: a row on each line, without a line break at the end.
+std::string ExitCodeSection(const std::vector<HelpRow>& rows);
+
 /// Returns a titled section with wrapped descriptions in a second column; empty without rows.
 std::string HelpSection(const char* title, const std::vector<HelpRow>& rows, int width = kHelpWidth);
 
