@@ -316,7 +316,8 @@ TEST_F(CoroutineTest, AMillionAwaitsLeakNothing)
 
     EXPECT_TRUE(RunLoopUntil([this] { return tasks->Empty(); }, 300s));
     EXPECT_EQ(failures, 0);
-    EXPECT_LT(mallinfo2().uordblks, before + 100'000);
+    // Less than a byte for each: other threads allocate, too.
+    EXPECT_LT(mallinfo2().uordblks, before + 1'000'000);
 }
 
 TEST_F(CoroutineTest, TheEndOfTheSessionResumesWithAnError)

@@ -152,6 +152,8 @@ class Sharing(unittest.TestCase):
         self.stop(reader)
         self.assert_busy(self.lister("page"), reader, "reads the list")
         reader.kill()
+        # The reader may have been stopped before it sent its request.
+        self.ctl("sim", "clear-faults")
         self.holder("page")
 
     def assert_change_waits_for(self, reader):

@@ -118,7 +118,7 @@ class ArmSysroot(unittest.TestCase):
     def test_recreates_it_if_its_marker_was_truncated(self):
         self.run_tool()
         (self.sysroot / ".arm-sysroot").write_text("")
-        self.assertIn(" made:", self.run_tool()[1])
+        self.assertIn(" created:", self.run_tool()[1])
 
     def test_keeps_files_that_it_did_not_create(self):
         (self.sysroot / "usr").mkdir(parents=True)
