@@ -56,13 +56,13 @@ void AddSchema(Json& object)
                 if (*row.name == '\0') return AddSchema<Field>(object);
             }
             Json schema;
-            if constexpr (kIsOptional<Field>)
+            if constexpr (ipodkit::kIsOptional<Field>)
                 schema = SchemaOf<typename Field::value_type>();
             else
                 schema = SchemaOf<Field>();
             schema["description"] = row.meaning;
             object["properties"][JsonName(row)] = std::move(schema);
-            if constexpr (!kIsOptional<Field>) object["required"].push_back(JsonName(row));
+            if constexpr (!ipodkit::kIsOptional<Field>) object["required"].push_back(JsonName(row));
         });
 }
 

@@ -19,11 +19,6 @@
 namespace ctl
 {
 template <class T>
-inline constexpr bool kIsOptional = false;
-template <class T>
-inline constexpr bool kIsOptional<std::optional<T>> = true;
-
-template <class T>
 Json ToJson(const T& value);
 
 template <class Ratio>
@@ -62,7 +57,7 @@ void AddFields(Json& fields, const T& value)
             {
                 if (*row.name == '\0') return AddFields(fields, field);
             }
-            if constexpr (kIsOptional<Field>)
+            if constexpr (ipodkit::kIsOptional<Field>)
             {
                 if (field) fields[JsonName(row)] = ToJson(*field);
             }

@@ -212,8 +212,7 @@ template <class E>
 Answer Apply(const Mode<E>& mode, const std::string& word, Session& session)
 {
     const ipodkit::Commands commands = session.Commands();
-    const auto number = std::find(Words<E>().begin(), Words<E>().end(), word) - Words<E>().begin();
-    if (!word.empty()) session.Ask((commands.*mode.set)(static_cast<E>(number)));
+    if (!word.empty()) session.Ask((commands.*mode.set)(*ipodkit::FromName<E>(word)));
     const std::string now = ToString(session.Ask((commands.*mode.read)()));
     if (!word.empty() && now != word)
         throw Failure(kNothingDone, std::string("the service did not change the ") + mode.verb + " mode; it is " + now);

@@ -101,13 +101,13 @@ void Player::seek(double milliseconds)
 
 void Player::setShuffle(const QString& mode)
 {
-    if (const auto value = FromName<ipodkit::Shuffle>(mode))
+    if (const auto value = ipodkit::FromName<ipodkit::Shuffle>(mode.toStdString()))
         Send("shuffle", [value](const ipodkit::Commands& commands) { return commands.SetShuffle(*value); });
 }
 
 void Player::setRepeat(const QString& mode)
 {
-    if (const auto value = FromName<ipodkit::Repeat>(mode))
+    if (const auto value = ipodkit::FromName<ipodkit::Repeat>(mode.toStdString()))
         Send("repeat", [value](const ipodkit::Commands& commands) { return commands.SetRepeat(*value); });
 }
 

@@ -35,13 +35,7 @@ QString PropertyName(const char* rowName);
 QString ArtworkAddress(const ipodkit::PicturePtr& picture);
 
 template <class T>
-struct IsOptional : std::bool_constant<ipodkit::kIsKnown<T>>
-{
-};
-template <class T>
-struct IsOptional<std::optional<T>> : std::true_type
-{
-};
+inline constexpr bool kMayBeUnknown = ipodkit::kIsKnown<T> || ipodkit::kIsOptional<T>;
 
 template <class T>
 QVariant ToVariant(const T& value);
@@ -58,7 +52,7 @@ QVariant Unknown()
             { fields[PropertyName(row.name)] = Unknown<ipodkit::FieldType<T, std::decay_t<decltype(row)>>>(); });
         return fields;
     }
-    else if constexpr (IsOptional<T>::value)
+    else if constexpr (kMayBeUnknown<T>)
         return Unknown<std::decay_t<decltype(*std::declval<T>())>>();
     else if constexpr (std::is_same_v<T, bool>)
         return false;
@@ -84,10 +78,6 @@ QVariant OfRows(const T& value)
 inline QVariant Of(const std::string& text)
 {
     return Text(text);
-}
-inline QVariant Of(const char* text)
-{
-    return QString::fromUtf8(text);
 }
 inline QVariant Of(std::chrono::milliseconds time)
 {
@@ -117,7 +107,7 @@ QVariant Of(const std::map<Key, T>& values)
 template <class T>
 QVariant ToVariant(const T& value)
 {
-    if constexpr (IsOptional<T>::value)
+    if constexpr (kMayBeUnknown<T>)
         return value ? ToVariant(*value) : Unknown<T>();
     else if constexpr (ipodkit::kHasRows<T>)
         return OfRows(value);
@@ -129,18 +119,5 @@ QVariant ToVariant(const T& value)
         return static_cast<double>(value);
     else
         return Of(value);
-}
-
-/// Returns the enumerator with that name; nothing if there is none.
-template <class E>
-std::optional<E> FromName(const QString& name)
-{
-    int value = 0;
-    for (const char* each : ipodkit::EnumNames<E>::names)
-    {
-        if (name == QLatin1String(each)) return static_cast<E>(value);
-        ++value;
-    }
-    return std::nullopt;
 }
 }  // namespace ipodqml

@@ -10,7 +10,9 @@
 #include <cstddef>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 
@@ -83,6 +85,11 @@ inline constexpr bool kHasNames = false;
 template <class E>
 inline constexpr bool kHasNames<E, std::void_t<decltype(EnumNames<E>::names)>> = true;
 
+template <class T>
+inline constexpr bool kIsOptional = false;
+template <class T>
+inline constexpr bool kIsOptional<std::optional<T>> = true;
+
 namespace detail
 {
 std::string NameOrNumber(const char* const* names, std::size_t count, int value);
@@ -93,6 +100,15 @@ template <class E, class = std::enable_if_t<kHasNames<E>>>
 std::string ToString(E value)
 {
     return detail::NameOrNumber(EnumNames<E>::names, std::size(EnumNames<E>::names), static_cast<int>(value));
+}
+
+/// Returns the enumerator with that name; nothing if there is none.
+template <class E, class = std::enable_if_t<kHasNames<E>>>
+std::optional<E> FromName(std::string_view name)
+{
+    for (std::size_t i = 0; i < std::size(EnumNames<E>::names); ++i)
+        if (name == EnumNames<E>::names[i]) return static_cast<E>(i);
+    return std::nullopt;
 }
 }  // namespace ipodkit
 

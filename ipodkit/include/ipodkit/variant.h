@@ -98,11 +98,6 @@ inline OwnedVariant Child(GVariant* container, gsize index)
     return OwnedVariant(g_variant_get_child_value(container, index));
 }
 
-template <class T>
-inline constexpr bool kIsOptional = false;
-template <class T>
-inline constexpr bool kIsOptional<std::optional<T>> = true;
-
 template <class Get>
 void AddEntry(GVariantBuilder& dictionary, const Row<Get>& row, GVariant* value)
 {
@@ -213,9 +208,7 @@ struct VariantOf<E, std::enable_if_t<kHasNames<E>>>
     {
         constexpr std::string_view kUnknown = "unknown:";
         const std::string name = g_variant_get_string(variant, nullptr);
-        for (std::size_t i = 0; i < std::size(EnumNames<E>::names); ++i)
-            if (name == EnumNames<E>::names[i]) return static_cast<E>(i);
-        if (name.compare(0, kUnknown.size(), kUnknown) != 0) return std::nullopt;
+        if (name.compare(0, kUnknown.size(), kUnknown) != 0) return FromName<E>(name);
         return static_cast<E>(std::atoi(name.c_str() + kUnknown.size()));
     }
 };
@@ -259,7 +252,7 @@ struct VariantOf<T, std::enable_if_t<kHasRows<T>>>
         const auto add = [&](const auto& row)
         {
             const auto& field = std::invoke(row.get, value);
-            if constexpr (!detail::kIsOptional<std::decay_t<decltype(field)>>)
+            if constexpr (!kIsOptional<std::decay_t<decltype(field)>>)
                 detail::AddEntry(dictionary, row, ToVariant(field));
             else if (field)
                 detail::AddEntry(dictionary, row, ToVariant(*field));
