@@ -3,7 +3,6 @@
 #include <gio/gio.h>
 #include <glib.h>
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 

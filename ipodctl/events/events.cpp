@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "events/format.h"
 #include "output/fields_json.h"
 #include "output/output.h"
 #include "output/text.h"
@@ -14,16 +15,11 @@ namespace
 {
 constexpr int kNameWidth = 14;
 
-std::string TextOf(const Json& value)
-{
-    return Printable(value.is_string() ? value.get<std::string>() : value.dump());
-}
-
 // Formats fields as "status ringing, name Anna".
 std::string Listed(const Json& fields)
 {
     std::string text;
-    for (const auto& [name, value] : fields.items()) text += (text.empty() ? "" : ", ") + name + " " + TextOf(value);
+    for (const auto& [name, value] : fields.items()) text += (text.empty() ? "" : ", ") + name + " " + Shown(value);
     return text;
 }
 
@@ -44,7 +40,7 @@ struct Text
     template <class E>
     std::string operator()(const E& event) const
     {
-        return TextOf(ToJson(event).front());
+        return Shown(ToJson(event).front());
     }
 
     std::string operator()(const ipodkit::DeviceChanged& event) const

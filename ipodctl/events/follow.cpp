@@ -1,8 +1,11 @@
 #include "events/follow.h"
 
+#include <ipodkit/player_state.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "events/command_queue.h"
 #include "events/events.h"
@@ -15,11 +18,35 @@ namespace ctl
 {
 namespace
 {
+using ipodkit::Phase;
+
+class Presentation
+{
+public:
+    virtual ~Presentation() = default;
+
+    // Called with the current player state whenever the service becomes ready.
+    virtual void Begin(const ipodkit::PlayerState&) {}
+
+    // Processes one event. One that is not wanted only updates the player fields.
+    virtual void Take(const Event& event, bool wanted) = 0;
+
+    // Returns whether all events passed to Take() have been processed.
+    virtual bool IsDone() const { return true; }
+
+    // Discards work that has not been started.
+    virtual void Drop() {}
+
+    // Discards pending work and ends running work with the signal that interrupted ipodctl.
+    virtual void Stop(int) {}
+};
+
 bool IsProgress(const Event& event)
 {
     return std::strcmp(event.name, "progress") == 0;
 }
 
+// Prints each event in the default format. On a terminal, progress events update a bar in place.
 class DefaultPresentation : public Presentation
 {
 public:
@@ -56,6 +83,7 @@ private:
     Output& m_out;
 };
 
+// Formats each event with a template.
 class Formatted : public Presentation
 {
 public:
@@ -77,6 +105,8 @@ private:
     EventFields m_fields;
 };
 
+// Runs a shell command for each event, one at a time, with the fields in its environment and the event as JSON on its
+// standard input. Finishes the loop when the last queued command has exited.
 class Commanded : public Presentation
 {
 public:
@@ -102,31 +132,11 @@ private:
     CommandQueue m_queue;
     EventFields m_fields;
 };
-}  // namespace
-
-std::unique_ptr<Presentation> DefaultLines(Output& out)
-{
-    return std::make_unique<DefaultPresentation>(out);
-}
-
-std::unique_ptr<Presentation> FormattedLines(Output& out, const std::string& format)
-{
-    return std::make_unique<Formatted>(out, format);
-}
-
-std::unique_ptr<Presentation> CommandRuns(Loop& loop, const std::string& command)
-{
-    return std::make_unique<Commanded>(loop, command);
-}
-
-namespace
-{
-using ipodkit::Phase;
-
 std::unique_ptr<Presentation> PresentationFor(const Following& following, Output& out, Loop& loop)
 {
-    if (!following.command.empty()) return CommandRuns(loop, following.command);
-    return following.format.empty() ? DefaultLines(out) : FormattedLines(out, following.format);
+    if (!following.command.empty()) return std::make_unique<Commanded>(loop, following.command);
+    if (following.format.empty()) return std::make_unique<DefaultPresentation>(out);
+    return std::make_unique<Formatted>(out, following.format);
 }
 
 // With --wait, a missing service is not an error.

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <numeric>
 #include <sstream>
-#include <utility>
 
 namespace ctl
 {
@@ -304,6 +303,13 @@ std::string Fitting(const Lines& parts, int width)
         used += gap + Width(part);
     }
     return line;
+}
+
+std::string ModeText(mode_t mode)
+{
+    char text[8];
+    std::snprintf(text, sizeof(text), "%04o", static_cast<unsigned>(mode));
+    return text;
 }
 
 std::string Joined(const std::vector<std::string>& parts, const char* separator)

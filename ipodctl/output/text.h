@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cli/text.h>
+#include <sys/types.h>
 
 #include <chrono>
 #include <cstdint>
@@ -76,6 +77,9 @@ std::string Unaligned(const std::vector<std::vector<std::string>>& rows);
 /// Returns a progress bar of @p width columns, clamped to 4..42: "[====>    ]", or "━━━━━╸────" if @p utf8. Draws
 /// dashes if @p length is unknown (0 or negative).
 std::string ProgressBar(int position, int length, int width, bool utf8);
+
+/// Formats the permissions of a file as four octal digits: "0600".
+std::string ModeText(mode_t mode);
 
 /// Returns lowercase hexadecimal digits: "0a1b".
 std::string Hex(std::string_view bytes);

@@ -284,8 +284,7 @@ void WatchOnTerminal(Context& context, int near, const std::function<Answer(cons
     do
     {
         context.out.Measure();
-        screen.Show(watcher.HasService() ? show(ReadStatus(context.session, near)).text
-                                         : "the iPod service left the bus; waiting for its return");
+        screen.Show(watcher.HasService() ? show(ReadStatus(context.session, near)).text : kServiceLeft);
     } while (watcher.Next(kSecond));
 }
 

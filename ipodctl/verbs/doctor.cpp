@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>
 #include <fstream>
 
 #include "output/text.h"
@@ -41,9 +40,8 @@ struct Finding
 
 std::string Described(const ipodkit::SegmentObject& object)
 {
-    char mode[8];
-    std::snprintf(mode, sizeof(mode), "%04o", static_cast<unsigned>(object.mode));
-    return std::to_string(object.size) + " bytes, mode " + mode + ", owner " + std::to_string(object.owner);
+    return std::to_string(object.size) + " bytes, mode " + ModeText(object.mode) + ", owner " +
+           std::to_string(object.owner);
 }
 
 std::string Removal(const SegmentPlan& plan)

@@ -2,7 +2,6 @@
 #include <ipodkit/segments.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <iterator>
 
@@ -17,13 +16,6 @@ namespace
 using ipodkit::SegmentContents;
 using ipodkit::SegmentObject;
 using ipodkit::VectorContents;
-
-std::string ModeText(mode_t mode)
-{
-    char text[8];
-    std::snprintf(text, sizeof(text), "%04o", static_cast<unsigned>(mode));
-    return text;
-}
 
 const char* KindIn(const std::string& segment)
 {
