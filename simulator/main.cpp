@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
-#include <exception>
 #include <memory>
 #include <stdexcept>
 #include <system_error>

@@ -118,10 +118,8 @@ void MusicFeed::Post(std::function<void()> work)
         std::shared_ptr<bool> alive;
         std::function<void()> work;
     };
-    GSource* const source = g_idle_source_new();
-    g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    g_source_set_callback(
-        source,
+    g_main_context_invoke_full(
+        m_context, G_PRIORITY_DEFAULT,
         [](gpointer data) -> gboolean
         {
             const Posted& posted = *static_cast<Posted*>(data);
@@ -129,8 +127,6 @@ void MusicFeed::Post(std::function<void()> work)
             return G_SOURCE_REMOVE;
         },
         new Posted{m_alive, std::move(work)}, [](gpointer data) { delete static_cast<Posted*>(data); });
-    g_source_attach(source, m_context);
-    g_source_unref(source);
 }
 
 // A device detached by an action stays detached until its folder changes.

@@ -1,7 +1,6 @@
 #include "running.h"
 
 #include <exception>
-#include <utility>
 
 #include "faults/falsify.h"
 #include "music/music_library.h"

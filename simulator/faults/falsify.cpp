@@ -1,5 +1,7 @@
 #include "faults/falsify.h"
 
+#include <ipodsim.h>
+
 #include <algorithm>
 #include <csignal>
 #include <cstring>
@@ -147,7 +149,7 @@ using Kept = std::shared_ptr<Faults>;
 bool IsSignalOfService(GDBusMessage* message)
 {
     return g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_SIGNAL &&
-           g_strcmp0(g_dbus_message_get_interface(message), "com.zarn.linux.ipod") == 0;
+           g_strcmp0(g_dbus_message_get_interface(message), kServiceName) == 0;
 }
 
 GDBusMessage* Falsified(GDBusMessage* message, const Fault& fault)

@@ -1,5 +1,7 @@
 #include "faults/faults.h"
 
+#include <gio/gio.h>
+
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -77,14 +79,6 @@ std::optional<std::uint32_t> ToNumber(const std::string& text,
     return number;
 }
 
-bool IsErrorName(const std::string& text)
-{
-    const bool plain =
-        text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.") == std::string::npos;
-    return plain && text.find('.') != std::string::npos && text.find("..") == std::string::npos &&
-           text.front() != '.' && text.back() != '.' && text.size() <= 255;
-}
-
 [[noreturn]] void Refuse(const KindRow& row, const std::string& expected)
 {
     throw std::runtime_error(row.name + (": expected " + expected));
@@ -96,7 +90,7 @@ void CheckParameter(const KindRow& row, const std::string& parameter)
     if (row.parameter == Parameter::None) Refuse(row, "no parameter, got '" + parameter + "'");
     if (row.parameter == Parameter::Number && ToNumber(parameter, row.most) == std::nullopt)
         Refuse(row, "an integer between 0 and " + std::to_string(row.most) + ", got '" + parameter + "'");
-    if (row.parameter == Parameter::ErrorName && !IsErrorName(parameter))
+    if (row.parameter == Parameter::ErrorName && g_dbus_is_interface_name(parameter.c_str()) == FALSE)
         Refuse(row, "an error name such as com.example.Error.Busy, got '" + parameter + "'");
     if (row.parameter == Parameter::Segment && parameter != "lists" && parameter != "buffers")
         Refuse(row, "lists or buffers, got '" + parameter + "'");

@@ -1,6 +1,7 @@
 #include "music/indexer.h"
 
 #include <fcntl.h>
+#include <glib.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,7 +30,7 @@ constexpr std::size_t kFilesPerStep = 64;
 // Only non-ASCII text needs a reading.
 std::string ReadAhead(const std::string& name, ipodnames::Subject subject)
 {
-    return IsAscii(name) ? std::string() : Pinyin(name, subject);
+    return g_str_is_ascii(name.c_str()) != FALSE ? std::string() : Pinyin(name, subject);
 }
 
 TrackPtr ReadWithReadings(const std::string& file, const std::atomic<bool>* cancelled)

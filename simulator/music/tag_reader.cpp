@@ -21,7 +21,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstddef>
 #include <filesystem>
 #include <utility>
 

@@ -2,7 +2,6 @@
 
 #include <glib.h>
 
-#include <algorithm>
 #include <memory>
 
 namespace ipodsim
@@ -47,14 +46,8 @@ std::string CleanName(const std::string& text, const std::string& fallback)
 
 std::string ToLowerAscii(std::string text)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    for (char& c : text) c = g_ascii_tolower(c);
     return text;
-}
-
-bool IsAscii(std::string_view text)
-{
-    return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
 std::uint64_t Fingerprint(std::string_view text)
@@ -66,7 +59,7 @@ std::uint64_t Fingerprint(std::string_view text)
 
 std::string Pinyin(const std::string& text, ipodnames::Subject subject)
 {
-    if (IsAscii(text)) return ToLowerAscii(text);
+    if (g_str_is_ascii(text.c_str()) != FALSE) return ToLowerAscii(text);
     std::string reading = ipodnames::Reading(text, subject);
     return reading.empty() ? text : reading;
 }

@@ -23,9 +23,6 @@ std::string CleanName(const std::string& text, const std::string& fallback);
 /// Converts A to Z to lower case and leaves everything else unchanged.
 std::string ToLowerAscii(std::string text);
 
-/// Whether @p text is pure ASCII.
-bool IsAscii(std::string_view text);
-
 /// Returns the reading of a name as the service provides it: ASCII text in lower case, Chinese as pinyin without tones,
 /// other scripts transliterated, and unreadable text unchanged. Thread-safe.
 std::string Pinyin(const std::string& text, ipodnames::Subject subject);

@@ -1,5 +1,7 @@
 #include "service/answer.h"
 
+#include <ipodsim.h>
+
 #include <memory>
 #include <string>
 #include <utility>
@@ -11,7 +13,6 @@ namespace ipodsim
 {
 namespace
 {
-constexpr char kInterface[] = "com.zarn.linux.ipod";
 constexpr char kFailed[] = "com.zarn.linux.ipod.Error.Failed";
 constexpr char kInvalid[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr std::uint32_t kDelayMs = 1000;
@@ -54,7 +55,7 @@ public:
     GVariant* Arguments() const { return g_dbus_method_invocation_get_parameters(m_invocation); }
     bool IsOfService() const
     {
-        return g_str_equal(g_dbus_method_invocation_get_interface_name(m_invocation), kInterface) != FALSE;
+        return g_str_equal(g_dbus_method_invocation_get_interface_name(m_invocation), kServiceName) != FALSE;
     }
 
     void Reply(const Answer& answer)

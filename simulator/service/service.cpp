@@ -30,11 +30,6 @@ void Service::LogCall(const LoggedCall& call, bool keep)
     if (keep) calls.Add(call);
 }
 
-void Service::Crash(const Fault& fault)
-{
-    if (MayCrash()) m_settings.crash(segments, fault);
-}
-
 void Service::AfterSeconds(double seconds, std::function<void()> work)
 {
     agenda.After(RealSeconds(seconds) * 1000, std::move(work));

@@ -75,8 +75,8 @@ public:
     /// @param keep  whether to add it to the call log
     void LogCall(const LoggedCall& call, bool keep);
 
-    /// Crashes as the fault requires; only warns if crashing is not allowed.
-    void Crash(const Fault& fault);
+    /// Crashes as the fault requires. Requires MayCrash().
+    void Crash(const Fault& fault) { m_settings.crash(segments, fault); }
     bool MayCrash() const { return static_cast<bool>(m_settings.crash); }
     void Restart(unsigned times) const { m_settings.restart(times); }
 
