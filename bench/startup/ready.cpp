@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <optional>
 
 #include "bare_client.h"
 #include "contest.h"

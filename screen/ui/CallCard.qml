@@ -88,7 +88,6 @@ Item {
                     font.pixelSize: Theme.label
                 }
                 TouchButton {
-                    id: hide
                     objectName: "hideCall"
                     anchors.horizontalCenter: parent.horizontalCenter
                     width: Theme.touch * 2.4

@@ -133,14 +133,12 @@ FocusScope {
     }
 
     Item {
-        id: stage
         anchors.left: rail.right
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: parent.bottom
 
         Item {
-            id: place
             width: parent.width
             height: banner.visible ? banner.y : parent.height
             NowPlaying {

@@ -32,7 +32,6 @@ QtObject {
     readonly property int label: compact ? 16 : 20
 
     readonly property int quick: animated ? 120 : 0
-    readonly property int slow: animated ? 260 : 0
 
     // "3:07", or "1:02:45".
     function time(milliseconds) {

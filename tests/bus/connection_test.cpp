@@ -1,5 +1,4 @@
 // InitInstance(): the proxy, the service's owner, the subscription.
-#include <algorithm>
 #include <chrono>
 
 #include "bus/bus_test.h"

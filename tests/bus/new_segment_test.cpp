@@ -2,7 +2,6 @@
 #include <IQBXIpodPlayer.h>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <iterator>

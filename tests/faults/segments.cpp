@@ -1,5 +1,4 @@
 // Invalid objects with the segments' names, and other processes that corrupt the segments.
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/stat.h>

@@ -1,6 +1,5 @@
 // A service or a bus that dies or hangs.
 #include <signal.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>

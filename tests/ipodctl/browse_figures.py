@@ -3,7 +3,6 @@
 
 Usage: browse_figures.py --ipodctl PROGRAM --simulator PROGRAM [TRACKS]
 """
-import os
 import random
 import statistics
 import subprocess

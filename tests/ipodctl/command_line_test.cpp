@@ -121,7 +121,8 @@ TEST(NumberUpTo, AcceptsTheWholeRange)
 {
     EXPECT_EQ(cli::NumberUpTo(UINT32_MAX)("4294967295"), "");
     EXPECT_EQ(cli::NumberUpTo(UINT64_MAX)("18446744073709551615"), "");
-    EXPECT_EQ(cli::NumberUpTo(UINT32_MAX)("4294967296"), "expected an integer between 0 and 4294967295, got '4294967296'");
+    EXPECT_EQ(cli::NumberUpTo(UINT32_MAX)("4294967296"),
+              "expected an integer between 0 and 4294967295, got '4294967296'");
     EXPECT_EQ(cli::NumberUpTo(9, 1)("9"), "");
     EXPECT_EQ(cli::NumberUpTo(9, 1)("0"), "expected an integer between 1 and 9, got '0'");
     for (const char* wrong : {"-1", "", "1x", " 1", "99999999999999999999"})

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <ipodkit/picture_files.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>

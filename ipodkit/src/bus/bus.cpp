@@ -1,6 +1,5 @@
 #include "bus/bus.h"
 
-#include <algorithm>
 #include <cstring>
 #include <vector>
 

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cstdio>
 #include <ctime>
 #include <functional>
 #include <map>
