@@ -62,6 +62,7 @@ TEST(FaultText, ReportsTheExpectation)
                   std::string("expected KIND[=PARAMETER][@MEMBER][/COUNT], got '") + incomplete + "'");
     EXPECT_NE(ErrorFor("no-reply=5").find("expected no parameter"), std::string::npos);
     EXPECT_NE(ErrorFor("error=busy").find("expected an error name"), std::string::npos);
+    EXPECT_NE(ErrorFor("error=com.2nd.Busy").find("expected an error name"), std::string::npos);
     EXPECT_NE(ErrorFor("crash-locked=all").find("expected lists or buffers"), std::string::npos);
     EXPECT_NE(ErrorFor("").find("expected one of"), std::string::npos);
 }
