@@ -25,7 +25,6 @@ Browser::Browser(ipodkit::Session& session, Screen& screen, const SuspendSignal&
     : m_session(session),
       m_screen(screen),
       m_suspend(suspend),
-      m_loop(g_main_loop_new(nullptr, FALSE)),
       m_self(std::make_shared<Browser*>(this)),
       m_audio(session, 0),
       m_walker(
@@ -50,28 +49,13 @@ Browser::~Browser()
     m_walker.Stop();
     for (const unsigned source : m_sources) g_source_remove(source);
     if (m_painting != 0) g_source_remove(m_painting);
-    g_main_loop_unref(m_loop);
-}
-
-// GLib is C: an exception must not unwind through its frames. Run() rethrows it.
-void Browser::Guard(const std::function<void()>& function)
-{
-    try
-    {
-        if (m_exception == nullptr) function();
-    }
-    catch (...)
-    {
-        m_exception = std::current_exception();
-        Quit();
-    }
 }
 
 template <void (Browser::*step)()>
 gboolean Browser::OnSource(gpointer browser)
 {
     auto& self = *static_cast<Browser*>(browser);
-    self.Guard([&self] { (self.*step)(); });
+    self.m_loop.Guard([&self] { (self.*step)(); });
     return G_SOURCE_CONTINUE;
 }
 
@@ -83,26 +67,23 @@ gboolean Browser::OnInput(gint, GIOCondition, gpointer browser)
 
 void Browser::AddSources()
 {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        m_sources.push_back(g_unix_signal_add(signal, &OnSource<&Browser::Quit>, this));
+    m_loop.WhenReadable(STDIN_FILENO, [this] { ReadKeys(); });
+    m_loop.WhenReadable(m_suspend.Descriptor(), [this] { Suspend(); });
     m_sources.push_back(g_unix_signal_add(SIGWINCH, &OnSource<&Browser::Resize>, this));
-    m_sources.push_back(g_unix_fd_add(STDIN_FILENO, G_IO_IN, &OnInput<&Browser::ReadKeys>, this));
     constexpr auto kGone = static_cast<GIOCondition>(G_IO_HUP | G_IO_ERR);
     m_sources.push_back(g_unix_fd_add(STDIN_FILENO, kGone, &OnInput<&Browser::Quit>, this));
-    m_sources.push_back(g_unix_fd_add(m_suspend.Descriptor(), G_IO_IN, &OnInput<&Browser::Suspend>, this));
     m_sources.push_back(g_timeout_add(kTickMilliseconds, &OnSource<&Browser::Tick>, this));
 }
 
 void Browser::Run()
 {
     Resize();
-    g_main_loop_run(m_loop);
-    if (m_exception != nullptr) std::rethrow_exception(m_exception);
+    m_loop.Run(0);
 }
 
 void Browser::Quit()
 {
-    g_main_loop_quit(m_loop);
+    m_loop.Finish();
 }
 
 void Browser::Resize()
@@ -226,7 +207,7 @@ void Browser::ConnectionChanged(const ipodkit::Connection& connection)
     const ipodkit::Phase before = m_model.connection.phase;
     m_model.connection = connection;
     if (connection.error && connection.error->kind == ipodkit::ErrorKind::NoBus)
-        Guard([] { throw Failure(kServiceLost, "the session bus closed the connection"); });
+        m_loop.Guard([] { throw Failure(kServiceLost, "the session bus closed the connection"); });
     if (connection.phase == ipodkit::Phase::Lost)
     {
         m_keys.clear();
@@ -246,7 +227,7 @@ gboolean Browser::OnPaint(gpointer browser)
 {
     auto& self = *static_cast<Browser*>(browser);
     self.m_painting = 0;
-    self.Guard(
+    self.m_loop.Guard(
         [&self]
         {
             self.ProcessKeys();

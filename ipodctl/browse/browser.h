@@ -6,7 +6,6 @@
 #include <ipodkit/audio_source.h>
 
 #include <deque>
-#include <exception>
 #include <functional>
 #include <memory>
 
@@ -39,7 +38,6 @@ private:
     static gboolean OnInput(gint, GIOCondition, gpointer browser);
     static gboolean OnPaint(gpointer browser);
     void AddSources();
-    void Guard(const std::function<void()>& function);
     void Quit();
     void Resize();
     void Suspend();
@@ -65,10 +63,9 @@ private:
     Frame m_shown;
     std::deque<KeyPress> m_keys;  // not processed yet
     unsigned m_painting = 0;      // the idle source that will paint; 0 if none is pending
-    std::exception_ptr m_exception;
     int m_unanswered = 0;
     std::optional<Time> m_waitingSince;  // start of the oldest unanswered command
-    GMainLoop* m_loop;
+    Loop m_loop;
     std::vector<unsigned> m_sources;
     std::shared_ptr<Browser*> m_self;  // expires with the browser, so late answers are dropped
     ipodkit::AudioSource m_audio;
