@@ -205,6 +205,14 @@ std::map<Bus::Serial, Bus::PendingPtr> Bus::TakeAll()
     return std::exchange(m_pending, {});
 }
 
+std::vector<Bus::Serial> Bus::Unsent() const
+{
+    std::vector<Serial> serials;
+    for (const auto& [serial, pending] : m_pending)
+        if (!pending->sent) serials.push_back(serial);
+    return serials;
+}
+
 void Bus::Connected(GDBusConnection* connection)
 {
     m_home->RunsOnThisThread();
@@ -213,8 +221,7 @@ void Bus::Connected(GDBusConnection* connection)
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_connection.reset(G_DBUS_CONNECTION(g_object_ref(connection)));
         m_error.reset();
-        for (const auto& [serial, pending] : m_pending)
-            if (!pending->sent) waiting.push_back(serial);
+        waiting = Unsent();
     }
     for (const Serial serial : waiting) Transmit(serial);
 }
@@ -225,8 +232,7 @@ void Bus::Unconnected(const Error& error)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_error = error;
-        for (const auto& [serial, pending] : m_pending)
-            if (!pending->sent) waiting.push_back(serial);
+        waiting = Unsent();
     }
     for (const Serial serial : waiting) Complete(serial, tl::unexpected(error));
 }

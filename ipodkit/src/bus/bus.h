@@ -87,6 +87,7 @@ private:
     Result<ConnectionPtr> ConnectionForWaiting();
     Result<Body> AnswerOf(const Call& call);
     std::map<Serial, PendingPtr> TakeAll();
+    std::vector<Serial> Unsent() const;  // requires m_mutex
     static void OnReply(GObject* connection, GAsyncResult* result, gpointer data);
 
     GMainContext* Context() const { return m_home->Context(); }

@@ -8,19 +8,15 @@
 
 namespace ipodkit
 {
-struct ObjectUnref
+/// Releases an object with one of GLib's functions.
+template <auto release>
+struct Releaser
 {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-
-struct ContextUnref
-{
-    void operator()(GMainContext* context) const { g_main_context_unref(context); }
-};
-
-struct ErrorFree
-{
-    void operator()(GError* error) const { g_error_free(error); }
+    template <class T>
+    void operator()(T* object) const
+    {
+        release(object);
+    }
 };
 
 /// Removes the source from its context.
@@ -33,15 +29,10 @@ struct SourceDestroy
     }
 };
 
-struct VariantUnref
-{
-    void operator()(GVariant* value) const { g_variant_unref(value); }
-};
-
-using ConnectionPtr = std::unique_ptr<GDBusConnection, ObjectUnref>;
-using ContextPtr = std::unique_ptr<GMainContext, ContextUnref>;
-using MessagePtr = std::unique_ptr<GDBusMessage, ObjectUnref>;
-using ErrorPtr = std::unique_ptr<GError, ErrorFree>;
+using ConnectionPtr = std::unique_ptr<GDBusConnection, Releaser<g_object_unref>>;
+using ContextPtr = std::unique_ptr<GMainContext, Releaser<g_main_context_unref>>;
+using MessagePtr = std::unique_ptr<GDBusMessage, Releaser<g_object_unref>>;
+using ErrorPtr = std::unique_ptr<GError, Releaser<g_error_free>>;
 using SourcePtr = std::unique_ptr<GSource, SourceDestroy>;
-using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;
+using VariantPtr = std::unique_ptr<GVariant, Releaser<g_variant_unref>>;
 }  // namespace ipodkit

@@ -42,7 +42,7 @@ private:
     const ContextPtr m_context;
     const std::function<void(const PlayerState&)> m_recalled;
     ConnectionPtr m_connection;
-    std::unique_ptr<GCancellable, ObjectUnref> m_asking;  // null if no answer is awaited
+    std::unique_ptr<GCancellable, Releaser<g_object_unref>> m_asking;  // null if no answer is awaited
     std::string m_service;
     std::vector<Event> m_events;  // since Ask()
 };

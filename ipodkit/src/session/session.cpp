@@ -61,9 +61,8 @@ ipodkit::Commands Session::Commands() const
 
 Subscription Session::OnConnection(std::string name, ConnectionCallback callback)
 {
-    const auto step = [callback = std::move(callback)](const StatePtr& state, Fields) {
-        callback({state->phase, state->generation, state->error, state->missing});
-    };
+    const auto step = [callback = std::move(callback)](const StatePtr& state, Fields)
+    { callback(ConnectionOf(*state)); };
     return m_impl->States()->Subscribe(std::move(name), step, Field::Connection);
 }
 

@@ -88,8 +88,7 @@ void Session::Impl::Close()
 
 ipodkit::Connection Session::Impl::CurrentConnection() const
 {
-    const StatePtr state = m_publisher->Published();
-    return {state->phase, state->generation, state->error, state->missing};
+    return ConnectionOf(*m_publisher->Published());
 }
 
 Subscription Session::Impl::OnEvent(std::string name, EventCallback callback)

@@ -4,6 +4,11 @@
 
 namespace ipodkit
 {
+Connection ConnectionOf(const PlayerState& state)
+{
+    return {state.phase, state.generation, state.error, state.missing};
+}
+
 Publisher::Publisher(GMainContext* context, const Guard& guard, std::chrono::microseconds settle,
                      const StateDraft& draft, std::function<void(Fields)> published)
     : m_context(g_main_context_ref(context)),
@@ -66,7 +71,7 @@ void Publisher::Publish(const Connection& connection)
 void Publisher::Replace(PlayerState state)
 {
     m_timer.Stop();
-    m_connection = {state.phase, state.generation, state.error, state.missing};
+    m_connection = ConnectionOf(state);
     PublishNext(std::move(state));
 }
 

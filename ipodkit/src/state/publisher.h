@@ -12,6 +12,9 @@
 
 namespace ipodkit
 {
+/// Returns the connection as the state describes it.
+Connection ConnectionOf(const PlayerState& state);
+
 /// Subscribe() and Published() may be called on any thread, the rest on the context thread.
 class Publisher : public std::enable_shared_from_this<Publisher>
 {
