@@ -13,9 +13,6 @@
 #include <tuple>
 #include <unordered_set>
 
-#include "music/index_cache.h"
-#include "music/indexer.h"
-
 namespace ipodsim
 {
 namespace
@@ -46,13 +43,6 @@ std::string CheckedFolder(const std::string& folder)
     if (faccessat(AT_FDCWD, folder.c_str(), R_OK | X_OK, AT_EACCESS) != 0)
         Refuse(folder, std::generic_category().message(errno));
     return std::filesystem::canonical(folder).string();
-}
-
-Library ReadFolder(const std::string& folder, const Warn& warn)
-{
-    const std::string root = CheckedFolder(folder);
-    IndexCache nothing({}, warn);
-    return Index(ScanFolder(root, Depth::Everything, root, warn), nothing, {warn, {}, nullptr});
 }
 
 void Finish(Library& library)

@@ -4,17 +4,10 @@
 
 #include <string>
 
-#include "music/folder_scan.h"
 #include "music/track.h"
 
 namespace ipodsim
 {
-/// Reads all audio files below @p folder. The playlists are "All songs", the playlist files, and one for each folder
-/// with music. Unreadable files are skipped with a warning.
-///
-/// @throws std::runtime_error  the folder is missing, not a folder, or cannot be read
-Library ReadFolder(const std::string& folder, const Warn& warn);
-
 /// Returns the folder's absolute path with links resolved.
 /// @throws std::runtime_error  the folder is missing, not a folder, or cannot be read
 std::string CheckedFolder(const std::string& folder);

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "music/index_cache.h"
+#include "music/indexer.h"
 #include "music/picture.h"
 #include "music/tag_reader.h"
 #include "temporary_folder.h"
@@ -22,7 +24,6 @@
 namespace fs = std::filesystem;
 
 using ipodsim::Library;
-using ipodsim::ReadFolder;
 using ipodsim::ReadTrack;
 using ipodsim::Track;
 
@@ -61,9 +62,14 @@ protected:
     void Write(const fs::path& name, const std::string& text) const { folder.Write(name, text); }
     fs::path CopySample(const fs::path& name) const { return folder.CopySample(name); }
 
-    Library Read()
+    Library Read() { return Read(folder.path); }
+
+    Library Read(const fs::path& path)
     {
-        return ReadFolder(folder.path.string(), [this](const std::string& line) { warnings.push_back(line); });
+        const std::string root = ipodsim::CheckedFolder(path.string());
+        const ipodsim::Warn warn = [this](const std::string& line) { warnings.push_back(line); };
+        ipodsim::IndexCache nothing({}, warn);
+        return Index(ScanFolder(root, ipodsim::Depth::Everything, root, warn), nothing, {warn, {}, nullptr});
     }
 
     TemporaryFolder folder;
@@ -165,8 +171,7 @@ TEST(Picture, NeedsASizeUnlessItIsAJpeg)
 
 TEST_F(MusicFolder, ReadsAllSamplesInOrder)
 {
-    const Library library =
-        ReadFolder(Samples().string(), [this](const std::string& line) { warnings.push_back(line); });
+    const Library library = Read(Samples());
 
     EXPECT_EQ(library.tracks.size(), 12U);
     EXPECT_EQ(library.tracks.front()->artist, "Harbour Quartet");
@@ -181,8 +186,8 @@ TEST_F(MusicFolder, FailsIfMissingOrNotAFolder)
 {
     Write("file", "text");
 
-    EXPECT_THROW(ReadFolder((folder.path / "missing").string(), {}), std::runtime_error);
-    EXPECT_THROW(ReadFolder((folder.path / "file").string(), {}), std::runtime_error);
+    EXPECT_THROW(ipodsim::CheckedFolder((folder.path / "missing").string()), std::runtime_error);
+    EXPECT_THROW(ipodsim::CheckedFolder((folder.path / "file").string()), std::runtime_error);
 }
 
 TEST_F(MusicFolder, HasNoTracksIfEmpty)
