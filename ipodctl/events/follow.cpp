@@ -132,6 +132,7 @@ private:
     CommandQueue m_queue;
     EventFields m_fields;
 };
+
 std::unique_ptr<Presentation> PresentationFor(const Following& following, Output& out, Loop& loop)
 {
     if (!following.command.empty()) return std::make_unique<Commanded>(loop, following.command);
