@@ -80,11 +80,13 @@ bool operator!=(const T& one, const T& other)
 template <class E>
 struct EnumNames;
 
+/// Whether EnumNames<E> exists.
 template <class E, class = void>
 inline constexpr bool kHasNames = false;
 template <class E>
 inline constexpr bool kHasNames<E, std::void_t<decltype(EnumNames<E>::names)>> = true;
 
+/// Whether T is a std::optional: a field that may be absent.
 template <class T>
 inline constexpr bool kIsOptional = false;
 template <class T>
